@@ -1,0 +1,54 @@
+# Language level, visibility and warnings that every target of the project shares.
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+    set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
+endif()
+
+# Unique symbols would keep the plug-in from ever being unloaded.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    add_compile_options(-fno-gnu-unique)
+endif()
+
+include(GenerateExportHeader)
+include(CheckLinkerFlag)
+check_linker_flag(CXX "-Wl,-Bsymbolic-functions" TQX_HAVE_BSYMBOLIC_FUNCTIONS)
+
+# tqx_library(<name> <MACRO>): settings of one shared library of the project.
+# <MACRO> is its export macro, defined in the generated header <name>_export.h
+# (a hyphen in the name becomes an underscore).
+function(tqx_library name macro)
+    string(REPLACE "-" "_" file "${name}")
+    generate_export_header(${name}
+        EXPORT_MACRO_NAME ${macro}
+        EXPORT_FILE_NAME "${CMAKE_CURRENT_BINARY_DIR}/include/${file}_export.h")
+    target_include_directories(${name} PUBLIC
+        "$<BUILD_INTERFACE:${CMAKE_CURRENT_BINARY_DIR}/include>"
+        "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/tqx>")
+    target_compile_features(${name} PUBLIC cxx_std_17)
+    set_target_properties(${name} PROPERTIES
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${PROJECT_VERSION_MAJOR})
+    if(TQX_HAVE_BSYMBOLIC_FUNCTIONS)
+        target_link_options(${name} PRIVATE "-Wl,-Bsymbolic-functions")
+    endif()
+endfunction()
+
+# tqx_warnings(<target>): the warnings that hand-written code is held to.
+function(tqx_warnings name)
+    if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
+        target_compile_options(${name} PRIVATE
+            -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+    elseif(MSVC)
+        target_compile_options(${name} PRIVATE /W4 /WX)
+    endif()
+endfunction()
