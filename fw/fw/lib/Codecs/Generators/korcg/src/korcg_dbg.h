@@ -6,9 +6,9 @@
 #include <cstdio>
 
 #if defined(__GNUC__)
-#define KORCG_PRINTF(format, first) __attribute__((format(printf, format, first)))
+#define KORCG_PRINTF(text, arguments) __attribute__((format(printf, text, arguments)))
 #else
-#define KORCG_PRINTF(format, first)
+#define KORCG_PRINTF(text, arguments)
 #endif
 
 /// Trace and assertion output, chosen at start-up by environment variables:
@@ -123,8 +123,8 @@ KORCG_API void dbg_Assert(const char* module, const char* subModule, const char*
 /// Text of a dbg_Error_e, with a leading blank; "Unknown Error" for any other code.
 KORCG_API const char* dbg_ErrorText(int code);
 
-/// The settings in use; all defaults and a null stream before dbg_Init.
-KORCG_API const dbg_Settings_s& dbg_GetSettings();
+/// The settings in use, never null; before dbg_Init all defaults and a null stream.
+KORCG_API const dbg_Settings_s* dbg_GetSettings();
 
 /// How often dbg_Init has been called.
 KORCG_API uint32_t dbg_GetInitCount();
