@@ -50,12 +50,12 @@ struct TQX_FieldLayout {
     TQX_FieldKind kind;
     TQX_MemberType type;
     TQX_Presence presence;
-    uint8_t width;      ///< bits of one element's value
-    uint8_t shift;      ///< Bits: lowest bit within the parent
-    bool lengthInMain;  ///< `length` is a row of the main block, not of this type
-    bool alwaysSent;    ///< on the wire even when `presence` says that it is absent
-    bool countsBytes;   ///< `count` holds bytes, not elements
-    bool isPadding;     ///< padding, named "_padding<k>"
+    uint8_t width;                 ///< bits of one element's value
+    uint8_t shift;                 ///< Bits: lowest bit within the parent
+    bool lengthInMain;             ///< `length` is a row of the main block, not of this type
+    bool alwaysSent;               ///< on the wire even when `presence` says that it is absent
+    bool countsBytes;              ///< `count` holds bytes, not elements
+    bool isPadding;                ///< padding, named "_padding<k>"
     void (*derive)(void* record);  ///< computes what derives from this field once it is read
     void* (*append)(void* record); ///< Blocks: adds an element to the array, else null
 };
@@ -65,18 +65,18 @@ struct TQX_TypeLayout {
     const char* name;
     const TQX_FieldLayout* fields;
     uint16_t fieldCount;
-    uint16_t recordType;     ///< record-type number, 1 to 382
-    uint16_t blockNumber;    ///< 13-bit block number; 0 for a sub-block
-    uint8_t linksToMain;     ///< parent links from this record up to its main block, 0 for a main
-    uint8_t highestRevision; ///< last revision that changed the layout
-    bool hasMessage;         ///< whether a message class exists
-    uint32_t recordSize;     ///< sizeof the record
-    int32_t sizeUnderflow;   ///< SIZE_UNDERFLOW code
-    int32_t internal;        ///< INTERNAL code
-    int32_t crcChecksum;     ///< CRC_CHECKSUM code; 0 for a sub-block
-    int32_t disabled;        ///< DISABLED code; 0 for a sub-block
-    const char* kindAssertion;      ///< text of the assertion on the main block's kind, or null
-    const uint16_t* kindTypes;      ///< record types it accepts, ended by 0
+    uint16_t recordType;       ///< record-type number, 1 to 382
+    uint16_t blockNumber;      ///< 13-bit block number; 0 for a sub-block
+    uint8_t linksToMain;       ///< parent links from this record up to its main block, 0 for a main
+    uint8_t highestRevision;   ///< last revision that changed the layout
+    bool hasMessage;           ///< whether a message class exists
+    uint32_t recordSize;       ///< sizeof the record
+    int32_t sizeUnderflow;     ///< SIZE_UNDERFLOW code
+    int32_t internal;          ///< INTERNAL code
+    int32_t crcChecksum;       ///< CRC_CHECKSUM code; 0 for a sub-block
+    int32_t disabled;          ///< DISABLED code; 0 for a sub-block
+    const char* kindAssertion; ///< text of the assertion on the main block's kind, or null
+    const uint16_t* kindTypes; ///< record types it accepts, ended by 0
     int (*init)(void* record);
     int (*encode)(unsigned char* buffer, unsigned short bufferSize, void* record); ///< main only
     void (*release)(void* record);

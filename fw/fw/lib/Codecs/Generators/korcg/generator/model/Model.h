@@ -89,9 +89,13 @@ struct Field {
     bool bitMask = false;    ///< representation mode 1
     bool identifies = false; ///< flag of addFieldInfo
 
+    std::optional<int> toldOffset; ///< wire offset as the description tells it, to be checked
+
     // Filled by the numbering stage.
     int code = 0;         ///< EXT_BUFFER_OVERFLOW code, 0 for none
-    int wireOffset = -1;  ///< bytes from the start of the block or entry, -1 when not constant
+    int capacityCode = 0; ///< INT_BUFFER_OVERFLOW code, 0 when the count cannot exceed the capacity
+    int wireOffset = -1;  ///< bytes from the start of the block or entry, -1 when not constant;
+                          ///< sub-fields have that of their word, derived fields none
 
     bool onWire() const { return kind != FieldKind::Bits && kind != FieldKind::Derived; }
     /// Whether the field has codes of its own: on the wire and not a sub-block.
@@ -124,13 +128,14 @@ struct RecordType {
     char timestamp = 'R';
     std::string kindName; ///< main: X of the assertion TQX_IS_X that its sub-blocks make, or empty
     std::vector<Field> fields;
+    bool broken = false; ///< errors were found in it; later stages do not look inside
 
     // Filled by later stages.
     int level = 0;         ///< 0 owns no sub-block, 1 owns leaves, 2 owns an owner
     int linksToMain = 0;   ///< 0 for a main block, 1 or 2 for a sub-block
     int registration = 0;  ///< position in the registry from 1, 0 without message class
     std::vector<int> owners; ///< indices into Format::types of the types that hold this one
-    int highestRevision = 0;
+    int highestRevision = 0; ///< highest revision that it, or a sub-block in it, distinguishes
     int sizeUnderflow = 0;
     int internal = 0;
     int crcChecksum = 0;
@@ -147,10 +152,17 @@ struct ReservedType {
     int disabled = 0;
 };
 
+/// A name in the registration list.
+struct RegistrationEntry {
+    std::string name;
+    Location where;
+};
+
 struct Format {
     std::string name;
     std::vector<RecordType> types; ///< ascending record-type number
     std::vector<ReservedType> reserved;
+    std::vector<RegistrationEntry> registration;
     std::map<std::string, SymbolTable> symbols;
     std::vector<std::string> units; ///< unit vocabulary
     std::vector<double> scales;     ///< allowed scale factors

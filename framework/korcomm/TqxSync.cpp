@@ -1,0 +1,46 @@
+#include "TqxSync.h"
+
+#include <algorithm>
+#include <limits>
+
+TqxSync::TqxSync(QObject* parent) : QObject(parent), framer_(this) {}
+
+TqxSync::~TqxSync() = default;
+
+void TqxSync::appendBytes(const QByteArray& bytes)
+{
+    framer_.append(reinterpret_cast<const uint8_t*>(bytes.constData()),
+                   static_cast<size_t>(bytes.size()));
+}
+
+bool TqxSync::hasBlock() const { return framer_.hasBlock(); }
+
+QByteArray TqxSync::getBlockBytes()
+{
+    const BlockFramer::Block block = framer_.block();
+    QByteArray bytes(reinterpret_cast<const char*>(block.data), static_cast<int>(block.size));
+    framer_.takeBlock();
+    return bytes;
+}
+
+int TqxSync::getNumberOfBytesLeft() const
+{
+    constexpr size_t most = std::numeric_limits<int>::max();
+    return static_cast<int>(std::min(framer_.bytesLeft(), most));
+}
+
+void TqxSync::flush() { framer_.flush(); }
+
+void TqxSync::checksumFailed(uint64_t) { emit CRCError(); }
+
+void TqxSync::invalidLength(uint64_t) { emit invalidLength(); }
+
+void TqxSync::bytesDropped(uint64_t, uint64_t count)
+{
+    while (count != 0) {
+        const auto part = static_cast<uint32_t>(
+            std::min<uint64_t>(count, std::numeric_limits<uint32_t>::max()));
+        count -= part;
+        emit droppedBytes(part);
+    }
+}

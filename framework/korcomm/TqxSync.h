@@ -1,0 +1,48 @@
+#pragma once
+
+#include "BlockFramer.h"
+
+#include <QByteArray>
+#include <QObject>
+
+/// Cuts a stream of bytes into whole TQX blocks whose checksum matches, see BlockFramer for the
+/// rules. Damage is told by signals, emitted while appendBytes, getBlockBytes and flush run.
+class KORCOMM_API TqxSync : public QObject, private BlockFramer::Listener
+{
+    Q_OBJECT
+public:
+    explicit TqxSync(QObject* parent = nullptr);
+    ~TqxSync() override;
+
+    /// Adds received bytes; they are copied.
+    void appendBytes(const QByteArray& bytes);
+
+    /// Whether a whole block is at hand.
+    bool hasBlock() const;
+
+    /// Removes and returns the next whole block, first sync character included; an empty array when
+    /// there is none.
+    QByteArray getBlockBytes();
+
+    /// Bytes appended that are neither returned nor dropped.
+    virtual int getNumberOfBytesLeft() const;
+
+    /// The input has ended: candidates that can never become complete are given up and the intact
+    /// blocks behind them are handed out.
+    void flush();
+
+Q_SIGNALS:
+    /// A complete candidate whose checksum does not match.
+    void CRCError();
+    /// Bytes that belong to no block, one signal per run of them.
+    void droppedBytes(uint32_t nrBytes);
+    /// A header that claims fewer bytes than a header has.
+    void invalidLength();
+
+private:
+    void checksumFailed(uint64_t offset) override;
+    void invalidLength(uint64_t offset) override;
+    void bytesDropped(uint64_t offset, uint64_t count) override;
+
+    BlockFramer framer_;
+};

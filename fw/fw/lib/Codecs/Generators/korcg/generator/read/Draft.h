@@ -1,0 +1,38 @@
+#pragma once
+
+#include "model/Model.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace korcg::generator
+{
+
+/// A name that a field mentions, with the place where it does.
+struct Mention {
+    std::string name;
+    Location where;
+    explicit operator bool() const { return !name.empty(); }
+};
+
+/// A field as it is written: other fields are still named, not resolved to rows.
+struct FieldDraft {
+    Field field;
+    Mention count;
+    Mention size;
+    bool sizeInMain = false;
+    Mention selector;
+    Mention after;
+    bool roleTold = false;
+    bool virtualTold = false;
+    std::vector<FieldDraft> bits; ///< sub-fields in bit order
+};
+
+/// A record type as it is written, without header fields.
+struct TypeDraft {
+    RecordType type;
+    std::vector<FieldDraft> fields;
+};
+
+} // namespace korcg::generator

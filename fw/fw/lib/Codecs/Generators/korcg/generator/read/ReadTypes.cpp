@@ -1,0 +1,68 @@
+#include "read/ReadTypes.h"
+
+#include "read/ReadFields.h"
+
+#include <fmt/format.h>
+
+namespace korcg::generator
+{
+
+namespace
+{
+
+constexpr int highestNumber = 65535; // wider than the ranges that the checks allow
+
+constexpr std::initializer_list<std::string_view> blockKeys = {
+    "block",     "record", "number",  "generation", "flexrate", "esoc",
+    "timestamp", "text",   "message", "kind",       "fields"};
+constexpr std::initializer_list<std::string_view> subKeys = {"sub", "record", "text", "message",
+                                                             "fields"};
+
+void readBlockAttributes(const YamlMap& map, RecordType& type)
+{
+    type.number = map.requiredInteger("number", 1, highestNumber).value_or(1);
+    type.generation = map.integer("generation", 1, 255).value_or(1);
+    type.flexrate = map.flag("flexrate").value_or(false);
+    type.esoc = map.flag("esoc").value_or(false);
+    type.kindName = map.text("kind").value_or("");
+    const std::string timestamp = map.requiredText("timestamp");
+    if (timestamp == "R" || timestamp == "S" || timestamp == "E")
+        type.timestamp = timestamp.front();
+    else if (map.has("timestamp"))
+        map.error("timestamp", "must be R, S or E");
+}
+
+TypeDraft readType(const ReadContext& context, const YAML::Node& node)
+{
+    const bool isSub = node.IsMap() && node["sub"];
+    const YamlMap map(context, node, isSub ? "a sub-block" : "a block", isSub ? subKeys : blockKeys);
+    TypeDraft draft;
+    RecordType& type = draft.type;
+    type.where = map.where();
+    type.name = map.requiredText(isSub ? "sub" : "block");
+    type.record = map.requiredInteger("record", 1, highestNumber).value_or(0);
+    type.text = map.text("text").value_or("");
+    type.hasMessage = map.flag("message").value_or(true);
+    if (!isSub)
+        readBlockAttributes(map, type);
+    if (node.IsMap() && !map.has("fields"))
+        map.error("fields", "is missing");
+    for (const YAML::Node& field : map.list("fields"))
+        draft.fields.push_back(readField(context, field));
+    return draft;
+}
+
+} // namespace
+
+std::vector<TypeDraft> readTypes(const ReadContext& context, const YAML::Node& list)
+{
+    std::vector<TypeDraft> drafts;
+    for (const YAML::Node& node : list) {
+        const std::size_t errorsBefore = context.errors.count();
+        drafts.push_back(readType(context, node));
+        drafts.back().type.broken = context.errors.count() != errorsBefore;
+    }
+    return drafts;
+}
+
+} // namespace korcg::generator

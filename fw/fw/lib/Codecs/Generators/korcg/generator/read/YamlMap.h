@@ -1,0 +1,79 @@
+#pragma once
+
+#include "model/Errors.h"
+
+#include <yaml-cpp/yaml.h>
+
+#include <initializer_list>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace korcg::generator
+{
+
+/// What every reading function needs: the file being read and where to report.
+struct ReadContext {
+    std::string file;
+    Errors& errors;
+
+    Location at(const YAML::Node& node) const;
+    void error(const YAML::Node& node, std::string message) const;
+};
+
+/// A whole number: decimal or 0x, with an optional minus sign.
+struct WholeNumber {
+    bool negative = false;
+    uint64_t magnitude = 0;
+
+    /// The value when it lies in the range.
+    std::optional<int64_t> within(int64_t low, int64_t high) const;
+};
+
+/// Whole number of a plain (unquoted) scalar.
+std::optional<WholeNumber> wholeNumber(const YAML::Node& node);
+
+/// Floating-point number of a plain scalar; a fraction "1/3600" may be quoted.
+std::optional<double> realNumber(const YAML::Node& node);
+
+/// A map whose keys are all known. Every getter reports a value of the wrong type, with the name
+/// of the key and what was expected, and then behaves as if the key were absent.
+class YamlMap
+{
+public:
+    /// `what` names the map in messages ("a field"). Keys that are not among `keys`, and keys given
+    /// twice, are reported at once; so is a node that is no map.
+    YamlMap(const ReadContext& context, const YAML::Node& node, std::string_view what,
+            std::initializer_list<std::string_view> keys);
+
+    bool has(std::string_view key) const { return m_values.find(key) != m_values.end(); }
+    /// Value of a key, or an undefined node.
+    YAML::Node node(std::string_view key) const;
+    /// Where the value of the key stands, or the map when the key is absent.
+    Location where(std::string_view key) const;
+    Location where() const { return m_context.at(m_node); }
+
+    std::optional<std::string> text(std::string_view key) const;
+    /// Reports an absent key too; empty when absent or wrong.
+    std::string requiredText(std::string_view key) const;
+    std::optional<int> integer(std::string_view key, int low, int high) const;
+    std::optional<int> requiredInteger(std::string_view key, int low, int high) const;
+    std::optional<bool> flag(std::string_view key) const;
+    std::optional<double> number(std::string_view key) const;
+    /// Elements of a list value; empty when absent or wrong.
+    std::vector<YAML::Node> list(std::string_view key) const;
+
+    void error(std::string_view key, std::string message) const;
+
+private:
+    void missing(std::string_view key) const;
+
+    const ReadContext& m_context;
+    YAML::Node m_node;
+    std::string m_what;
+    std::map<std::string, YAML::Node, std::less<>> m_values;
+};
+
+} // namespace korcg::generator

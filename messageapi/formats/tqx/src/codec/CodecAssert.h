@@ -1,0 +1,19 @@
+#pragma once
+
+#include "RecordMembers.h"
+#include "korcg_assert.h"
+
+#include <cstdint>
+
+/// Assertions of the decoders on the records above a sub-block. They report programming errors: a
+/// sub-block is decoded only from inside its main block.
+namespace Kor::MessageApi
+{
+
+/// Asserts that `father`, the direct parent, exists and is of the kind that the type asks for.
+void assertKind(const TQX_TypeLayout& type, const void* father);
+
+/// Asserts that the parent links lead to a main block and returns its record.
+const void* assertMainBlock(const TQX_TypeLayout& type, const void* father);
+
+} // namespace Kor::MessageApi

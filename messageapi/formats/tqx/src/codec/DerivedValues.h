@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+
+/// Formulas of the values that decoders compute from wire fields. The description names them;
+/// arguments are record members in the order that it lists.
+namespace Kor::MessageApi::Derived
+{
+
+/// Speed of light in vacuum, metres per second (the value of the GNSS interface documents).
+constexpr double speedOfLight = 299792458.0;
+
+/// Signal number of a measurement. Index 31 says that the number continues in `slot`.
+constexpr uint8_t signalNumber(uint8_t index, uint8_t slot)
+{
+    return static_cast<uint8_t>(index == 31 ? 32 + slot : index);
+}
+
+/// Carrier frequency in hertz of a signal number, 0 when the signal is unknown and -2e10 for the
+/// number that is set aside. GLONASS FDMA signals (8 to 11) use their frequency slot, which is the
+/// channel number plus 8 (GLONASS ICD L1, L2: 562.5 kHz and 437.5 kHz channel spacing).
+double carrierFrequency(uint8_t signal, uint8_t slot);
+
+/// C/N0 in dB-Hz; the P(Y) signals 1 and 2 have no offset.
+inline double carrierToNoise(uint8_t cn0, uint8_t signal)
+{
+    return cn0 * 0.25 + (signal == 1 || signal == 2 ? 0.0 : 10.0);
+}
+
+/// Doppler in hertz.
+inline double dopplerHertz(int32_t doppler)
+{
+    return doppler * 0.0001;
+}
+
+/// Wavelength in metres, 0 when the frequency is not a number.
+inline double wavelength(double frequency)
+{
+    return std::isnan(frequency) ? 0.0 : speedOfLight / frequency;
+}
+
+/// Pseudo-range in metres from its millimetre count.
+inline double codeRange(uint8_t msb, uint32_t lsb)
+{
+    return (msb * 4294967296.0 + lsb) * 0.001;
+}
+
+/// Carrier phase in cycles: the pseudo-range in cycles plus the difference that is sent.
+inline double carrierPhase(double range, double lambda, int8_t msb, uint16_t lsb)
+{
+    return range / lambda + (msb * 65536.0 + lsb) * 0.001;
+}
+
+/// Pseudo-range of a further signal in metres, relative to the first signal's.
+inline double codeRangeOffset(double firstRange, int8_t msb, uint16_t lsb)
+{
+    return firstRange + (msb * 65536.0 + lsb) * 0.001;
+}
+
+/// Doppler of a further signal in hertz: the first signal's, scaled by the carrier frequencies,
+/// plus the difference that is sent.
+inline double dopplerOffsetHertz(double firstDoppler, double firstFrequency, double frequency,
+                                 int8_t msb, uint16_t lsb)
+{
+    return firstDoppler * (frequency / firstFrequency) + (msb * 65536.0 + lsb) * 0.0001;
+}
+
+} // namespace Kor::MessageApi::Derived

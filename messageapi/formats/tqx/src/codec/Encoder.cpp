@@ -1,0 +1,351 @@
+#include "Encoder.h"
+
+#include "CodecAssert.h"
+#include "RecordMembers.h"
+#include "korcg_bits.h"
+#include "korcg_crc.h"
+
+#include <algorithm>
+
+namespace Kor::MessageApi
+{
+
+namespace
+{
+
+constexpr uint32_t idBit = 32;
+constexpr uint32_t crcBit = 16;
+constexpr uint32_t lengthBit = 48;
+constexpr int32_t invalidMessage = -6072;
+
+/// Which of the optional fields are written.
+enum class Fields {
+    All,    ///< every field, and the padding of the highest revision in blocks of that revision
+    AsRead, ///< what decoding reads for the record's revision
+};
+
+/// Whether a field that a revision brought in, or padding, is written. Content that a selector
+/// chooses stays chosen in either mode.
+bool isWritten(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const void* record,
+               Fields fields, unsigned revision, unsigned highestRevision)
+{
+    switch (field.presence) {
+    case TQX_Presence::Always:
+        return true;
+    case TQX_Presence::Selected:
+        return TQX_isPresent(type, field, record);
+    case TQX_Presence::SinceRevision:
+        return fields == Fields::All || field.alwaysSent || revision >= field.presenceValue;
+    case TQX_Presence::OnlyRevision:
+        return revision == field.presenceValue &&
+               (fields == Fields::AsRead || revision == highestRevision);
+    }
+    return true;
+}
+
+// Sub-block arrays, and embedded sub-blocks with a length of their own, follow the bytes that the
+// entry length of their owner covers.
+bool standsBehindEntry(const TQX_FieldLayout& field)
+{
+    return field.kind == TQX_FieldKind::Blocks ||
+           (field.kind == TQX_FieldKind::Embedded && field.length >= 0);
+}
+
+class Encoder
+{
+public:
+    Encoder(const TQX_TypeLayout& mainType, unsigned char* buffer, uint16_t size, void* main,
+            Fields fields)
+        : m_mainType(mainType), m_buffer(buffer), m_size(size), m_main(main), m_fields(fields),
+          m_revision(revisionOf(main))
+    {
+    }
+
+    int32_t run();
+
+private:
+    bool fits(uint32_t bits) const { return uint64_t{m_cursor} + bits <= uint64_t{m_size} * 8; }
+    void forceLengths(const TQX_TypeLayout& type);
+    int32_t writeRecord(const TQX_TypeLayout& type, void* record, uint32_t entryEnd = 0);
+    int32_t writeEntry(const TQX_TypeLayout& owner, const TQX_FieldLayout& field, void* record,
+                       uint32_t index);
+    int32_t writeBlocks(const TQX_TypeLayout& type, const TQX_FieldLayout& field, void* record);
+    int32_t writeArray(const TQX_TypeLayout& type, const TQX_FieldLayout& field, void* record);
+    bool writeTail(const TQX_TypeLayout& type, const TQX_FieldLayout& field, void* record,
+                   uint32_t index);
+    void writeElement(const TQX_FieldLayout& field, void* record, uint32_t index);
+    void writeUnit(uint64_t value, uint32_t bits);
+    void fillTo(uint32_t entryEnd);
+    uint32_t entryBits(const TQX_TypeLayout& owner, const TQX_FieldLayout& field,
+                       const void* record) const;
+    void count(void* record, uint32_t bits);
+    int32_t finish();
+
+    const TQX_TypeLayout& m_mainType;
+    unsigned char* m_buffer;
+    uint16_t m_size;
+    void* m_main;
+    Fields m_fields;
+    unsigned m_revision;
+    uint32_t m_cursor = 0;
+    int32_t m_pending = 0;
+};
+
+// A record that is only re-encoded belongs to someone who expects it unchanged.
+void Encoder::count(void* record, uint32_t bits)
+{
+    if (m_fields == Fields::All)
+        addBits(record, bits);
+}
+
+void Encoder::writeUnit(uint64_t value, uint32_t bits)
+{
+    const auto width = static_cast<uint8_t>(bits);
+    switch (bits) {
+    case 8:
+        korcg_write_u8(m_buffer, m_size, m_cursor, width, static_cast<uint8_t>(value));
+        break;
+    case 16:
+        korcg_write_u16(m_buffer, m_size, m_cursor, width, static_cast<uint16_t>(value));
+        break;
+    case 32:
+        korcg_write_u32(m_buffer, m_size, m_cursor, width, static_cast<uint32_t>(value));
+        break;
+    default:
+        korcg_write_u64(m_buffer, m_size, m_cursor, width, value);
+        break;
+    }
+    m_cursor += bits;
+}
+
+// The ID goes out as the record holds it, but a record that was filled by its BlockNumber and
+// Revision alone gets its ID from these.
+uint16_t outgoingId(const void* main)
+{
+    const auto id = readMember<uint16_t>(main, offsetof(TQX_MainHeader_s, ID));
+    const unsigned revision = revisionOf(main);
+    if (id == 0) {
+        const auto number = readMember<uint16_t>(main, offsetof(TQX_MainHeader_s, BlockNumber));
+        return static_cast<uint16_t>(revision << 13U | number);
+    }
+    return revision == 0 ? id : static_cast<uint16_t>((id & 0x1fffU) | revision << 13U);
+}
+
+void Encoder::writeElement(const TQX_FieldLayout& field, void* record, uint32_t index)
+{
+    const uint32_t bits = TQX_elementSize(field) * 8;
+    if (m_cursor == idBit && record == m_main)
+        writeUnit(outgoingId(record), bits);
+    else
+        writeUnit(TQX_unsignedValue(field, record, index), bits);
+    count(record, bits);
+}
+
+bool Encoder::writeTail(const TQX_TypeLayout& type, const TQX_FieldLayout& field, void* record,
+                        uint32_t index)
+{
+    const auto bytes = static_cast<uint32_t>(TQX_unsignedValue(type.fields[field.count], record));
+    const uint32_t tail = bytes % TQX_elementSize(field);
+    if (tail == 0)
+        return true;
+    const uint64_t value = TQX_unsignedValue(field, record, index);
+    for (uint32_t i = 0; i < tail; ++i) {
+        if (!fits(8))
+            return false;
+        writeUnit(value >> (8 * i) & 0xffU, 8);
+        count(record, 8);
+    }
+    return true;
+}
+
+int32_t Encoder::writeArray(const TQX_TypeLayout& type, const TQX_FieldLayout& field, void* record)
+{
+    const bool counted = field.count >= 0;
+    const uint32_t announced = counted ? countOf(type, field, record) : field.elements;
+    const uint32_t room = std::min<uint32_t>(announced, field.elements);
+    for (uint32_t i = 0; i < room; ++i) {
+        if (!fits(TQX_elementSize(field) * 8)) {
+            if (counted)
+                return field.code;
+            m_pending = field.code;
+            return 0;
+        }
+        writeElement(field, record, i);
+    }
+    if (announced > field.elements)
+        return field.code - 1;
+    if (field.countsBytes && !writeTail(type, field, record, room))
+        return field.code;
+    return 0;
+}
+
+// Entries that are shorter than the length that their block states are filled up when a decoded
+// block is written back.
+void Encoder::fillTo(uint32_t entryEnd)
+{
+    while (m_fields == Fields::AsRead && m_cursor < entryEnd && fits(8))
+        writeUnit(0, 8);
+}
+
+uint32_t Encoder::entryBits(const TQX_TypeLayout& owner, const TQX_FieldLayout& field,
+                            const void* record) const
+{
+    if (field.length < 0)
+        return 0;
+    const uint64_t bytes = field.lengthInMain
+                               ? TQX_unsignedValue(m_mainType.fields[field.length], m_main)
+                               : TQX_unsignedValue(owner.fields[field.length], record);
+    return static_cast<uint32_t>(bytes) * 8;
+}
+
+int32_t Encoder::writeEntry(const TQX_TypeLayout& owner, const TQX_FieldLayout& field, void* record,
+                            uint32_t index)
+{
+    const uint32_t start = m_cursor;
+    const int32_t result =
+        writeRecord(*TQX_layout(field.recordType), TQX_element(field, record, index),
+                    start + entryBits(owner, field, record));
+    if (result >= 0)
+        count(record, m_cursor - start);
+    return std::min(result, 0);
+}
+
+int32_t Encoder::writeBlocks(const TQX_TypeLayout& type, const TQX_FieldLayout& field, void* record)
+{
+    const uint32_t entries = countOf(type, field, record);
+    KORCG_ASSERT(KORCG_CODEC_FILE, entries == 0 || arrayOf(field, record) != nullptr,
+                 "sub-block array != NULL");
+    for (uint32_t i = 0; i < entries; ++i)
+        if (const int32_t result = writeEntry(type, field, record, i); result < 0)
+            return result;
+    return 0;
+}
+
+int32_t Encoder::writeRecord(const TQX_TypeLayout& type, void* record, uint32_t entryEnd)
+{
+    for (int i = 0; i < type.fieldCount; ++i) {
+        const TQX_FieldLayout& field = type.fields[i];
+        if (field.kind == TQX_FieldKind::Bits || field.kind == TQX_FieldKind::Derived ||
+            !isWritten(type, field, record, m_fields, m_revision, m_mainType.highestRevision))
+            continue;
+        if (field.kind == TQX_FieldKind::Value) {
+            if (fits(TQX_elementSize(field) * 8))
+                writeElement(field, record, 0);
+            else
+                m_pending = field.code;
+            continue;
+        }
+        if (m_pending != 0)
+            continue;
+        if (standsBehindEntry(field)) {
+            fillTo(entryEnd);
+            entryEnd = 0;
+        }
+        int32_t result = 0;
+        if (field.kind == TQX_FieldKind::Blocks)
+            result = writeBlocks(type, field, record);
+        else if (field.kind == TQX_FieldKind::Embedded)
+            result = writeEntry(type, field, record, 0);
+        else
+            result = writeArray(type, field, record);
+        if (result < 0)
+            return result;
+    }
+    fillTo(entryEnd);
+    return m_pending;
+}
+
+// Revisions 0 and 1 have fixed entry lengths; later ones let the record say them, and a record
+// that says nothing gets the length that is written.
+void Encoder::forceLengths(const TQX_TypeLayout& type)
+{
+    if (m_revision > 1 && m_revision > m_mainType.highestRevision)
+        return;
+    for (int i = 0; i < type.fieldCount; ++i) {
+        const TQX_FieldLayout& field = type.fields[i];
+        if (field.kind != TQX_FieldKind::Blocks && field.kind != TQX_FieldKind::Embedded)
+            continue;
+        const TQX_TypeLayout& sub = *TQX_layout(field.recordType);
+        if (field.length >= 0 && (field.lengthInMain || &type == &m_mainType)) {
+            const TQX_FieldLayout& length = m_mainType.fields[field.length];
+            if (m_revision <= 1 || TQX_unsignedValue(length, m_main) == 0)
+                writeUnsigned(length, m_main, 0, fullEntrySize(sub));
+        }
+        forceLengths(sub);
+    }
+}
+
+int32_t Encoder::finish()
+{
+    const auto length = static_cast<uint16_t>((m_cursor + 7) / 8);
+    const uint32_t end = m_cursor;
+    korcg_write_u16(m_buffer, m_size, lengthBit, 16, length);
+    uint16_t crc = 0;
+    if (!korcg_crc16(m_buffer, m_size, idBit, end, 16, &crc))
+        return m_mainType.crcChecksum;
+    korcg_write_u16(m_buffer, m_size, crcBit, 16, crc);
+    if (m_fields == Fields::All) {
+        writeMember(m_main, offsetof(TQX_MainHeader_s, Length), length);
+        writeMember(m_main, offsetof(TQX_MainHeader_s, CRC), crc);
+    }
+    return static_cast<int32_t>(end);
+}
+
+int32_t Encoder::run()
+{
+    if (m_fields == Fields::All)
+        forceLengths(m_mainType);
+    if (const int32_t result = writeRecord(m_mainType, m_main); result < 0)
+        return result;
+    return finish();
+}
+
+uint32_t entrySize(const TQX_TypeLayout& type, Fields fields, unsigned revision)
+{
+    uint32_t bytes = 0;
+    uint32_t largestContent = 0;
+    for (int i = 0; i < type.fieldCount; ++i) {
+        const TQX_FieldLayout& field = type.fields[i];
+        if (field.kind == TQX_FieldKind::Bits || field.kind == TQX_FieldKind::Derived ||
+            field.count >= 0 || standsBehindEntry(field))
+            continue;
+        if (field.kind == TQX_FieldKind::Embedded)
+            largestContent = std::max(largestContent,
+                                      entrySize(*TQX_layout(field.recordType), fields, revision));
+        else if (field.presence != TQX_Presence::Selected &&
+                 isWritten(type, field, nullptr, fields, revision, type.highestRevision))
+            bytes += TQX_elementSize(field) * field.elements;
+    }
+    return bytes + largestContent;
+}
+
+} // namespace
+
+uint32_t fullEntrySize(const TQX_TypeLayout& type)
+{
+    return entrySize(type, Fields::All, 0);
+}
+
+int32_t encodeRecord(const TQX_TypeLayout& type, unsigned char* buffer, uint16_t bufferSize,
+                     void* record)
+{
+    return Encoder(type, buffer, bufferSize, record, Fields::All).run();
+}
+
+} // namespace Kor::MessageApi
+
+using namespace Kor::MessageApi;
+
+int32_t TQX_reencode(unsigned char* buffer, uint16_t bufferSize, const void* record)
+{
+    const TQX_TypeLayout* type = TQX_layout(recordTypeOf(record));
+    if (type == nullptr || type->blockNumber == 0)
+        return invalidMessage;
+    return Encoder(*type, buffer, bufferSize, const_cast<void*>(record), Fields::AsRead).run();
+}
+
+uint32_t TQX_entrySize(uint32_t recordType, unsigned revision)
+{
+    const TQX_TypeLayout* type = TQX_layout(recordType);
+    return type == nullptr ? 0 : entrySize(*type, Fields::AsRead, revision);
+}

@@ -1,0 +1,115 @@
+#include "SubBlockArray.h"
+
+#include "RecordMembers.h"
+
+#include <cstdlib>
+#include <cstring>
+
+namespace Kor::MessageApi
+{
+
+namespace
+{
+
+bool isEntry(const TQX_FieldLayout& field)
+{
+    return field.kind == TQX_FieldKind::Blocks || field.kind == TQX_FieldKind::Embedded;
+}
+
+void* copyOf(const void* array, size_t bytes)
+{
+    void* copy = std::malloc(bytes);
+    if (copy != nullptr)
+        std::memcpy(copy, array, bytes);
+    return copy;
+}
+
+// Gives every nested array of an element that lives in the shared allocation one of its own, so
+// that the allocation can be resized.
+void separateNested(const TQX_TypeLayout& type, void* element)
+{
+    for (int i = 0; i < type.fieldCount; ++i) {
+        const TQX_FieldLayout& field = type.fields[i];
+        if (field.kind != TQX_FieldKind::Blocks ||
+            storageOf(field, element) != ArrayStorage::Borrowed)
+            continue;
+        const size_t bytes = size_t{countOf(type, field, element)} * TQX_elementSize(field);
+        setArray(field, element, copyOf(arrayOf(field, element), bytes), ArrayStorage::Own);
+    }
+}
+
+void separate(const TQX_TypeLayout& type, const TQX_FieldLayout& field, void* record)
+{
+    const uint32_t count = countOf(type, field, record);
+    switch (storageOf(field, record)) {
+    case ArrayStorage::Own:
+        break;
+    case ArrayStorage::Borrowed:
+        setArray(field, record,
+                 copyOf(arrayOf(field, record), size_t{count} * TQX_elementSize(field)),
+                 ArrayStorage::Own);
+        break;
+    case ArrayStorage::Shared:
+        for (uint32_t i = 0; i < count; ++i)
+            separateNested(*TQX_layout(field.recordType), TQX_element(field, record, i));
+        setArray(field, record, arrayOf(field, record), ArrayStorage::Own);
+        break;
+    }
+}
+
+void releaseArrays(const TQX_TypeLayout& type, void* record);
+
+void releaseArray(const TQX_TypeLayout& type, const TQX_FieldLayout& field, void* record)
+{
+    void* array = arrayOf(field, record);
+    if (array != nullptr) {
+        const TQX_TypeLayout& sub = *TQX_layout(field.recordType);
+        if (sub.release != nullptr) {
+            const uint32_t count = countOf(type, field, record);
+            for (uint32_t i = 0; i < count; ++i)
+                releaseArrays(sub, TQX_element(field, record, i));
+        }
+        if (storageOf(field, record) != ArrayStorage::Borrowed)
+            std::free(array);
+    }
+    setArray(field, record, nullptr, ArrayStorage::Own);
+    writeUnsigned(type.fields[field.count], record, 0, 0);
+}
+
+void releaseArrays(const TQX_TypeLayout& type, void* record)
+{
+    for (int i = 0; i < type.fieldCount; ++i) {
+        const TQX_FieldLayout& field = type.fields[i];
+        if (!isEntry(field) || TQX_layout(field.recordType) == nullptr)
+            continue;
+        if (field.kind == TQX_FieldKind::Blocks)
+            releaseArray(type, field, record);
+        else
+            releaseArrays(*TQX_layout(field.recordType), TQX_element(field, record, 0));
+    }
+}
+
+} // namespace
+
+void* appendElement(const TQX_TypeLayout& type, const TQX_FieldLayout& field, void* record)
+{
+    separate(type, field, record);
+    const uint32_t count = arrayOf(field, record) == nullptr ? 0 : countOf(type, field, record);
+    const size_t bytes = (size_t{count} + 1) * TQX_elementSize(field);
+    setArray(field, record, std::realloc(arrayOf(field, record), bytes), ArrayStorage::Own);
+    void* element = TQX_element(field, record, count);
+    TQX_layout(field.recordType)->init(element);
+    writeMember<void*>(element, offsetof(KorcgHeader_s, korcg_father), record);
+    writeUnsigned(type.fields[field.count], record, 0, uint64_t{count} + 1);
+    return element;
+}
+
+} // namespace Kor::MessageApi
+
+void TQX_release(void* record)
+{
+    using namespace Kor::MessageApi;
+    const TQX_TypeLayout* type = TQX_layout(recordTypeOf(record));
+    if (type != nullptr)
+        releaseArrays(*type, record);
+}

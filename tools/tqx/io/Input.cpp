@@ -1,0 +1,43 @@
+#include "Input.h"
+
+#include "ToolError.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace tool
+{
+
+Input::Input(std::string path)
+    : name(path == "-" ? "standard input" : path)
+    , descriptor(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC))
+{
+    if (descriptor < 0)
+        throw ToolError(name + ": " + std::strerror(errno));
+    struct stat status = {};
+    if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode))
+        size = static_cast<uint64_t>(status.st_size);
+}
+
+Input::~Input()
+{
+    if (descriptor != STDIN_FILENO)
+        ::close(descriptor);
+}
+
+size_t Input::read(char* buffer, size_t capacity)
+{
+    for (;;) {
+        const ssize_t count = ::read(descriptor, buffer, capacity);
+        if (count >= 0)
+            return static_cast<size_t>(count);
+        if (errno != EINTR)
+            throw ToolError(name + ": " + std::strerror(errno));
+    }
+}
+
+} // namespace tool

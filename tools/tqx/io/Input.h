@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace tool
+{
+
+/// Bytes of a file or of standard input, in pieces.
+class Input
+{
+public:
+    /// Opens `path`; "-" is standard input. Throws ToolError with "<path>: <reason>".
+    explicit Input(std::string path);
+    ~Input();
+    Input(const Input&) = delete;
+    Input& operator=(const Input&) = delete;
+
+    /// Reads up to `capacity` bytes and returns how many, 0 at the end. Does not wait for more
+    /// than what a pipe holds. Throws ToolError.
+    size_t read(char* buffer, size_t capacity);
+
+    /// Name for messages: the path, or "standard input".
+    const std::string& getName() const { return name; }
+
+    /// Size of a regular file in bytes, 0 when it is not known.
+    uint64_t getSize() const { return size; }
+
+private:
+    std::string name;
+    int descriptor;
+    uint64_t size = 0;
+};
+
+} // namespace tool

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace tool
+{
+
+/// Something that keeps a command from going on with a file or at all. The text is what stands
+/// behind "tqx: ".
+class ToolError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// The reader of standard output went away. Not a failure: the program ends quietly with status 0.
+class ClosedPipe : public std::exception
+{
+};
+
+} // namespace tool
