@@ -1,0 +1,135 @@
+#include "FieldInfo.h"
+#include "FloatRepresentation.h"
+#include "Message.h"
+
+#include <QLocale>
+
+#include <cmath>
+
+namespace
+{
+
+constexpr int defaultFloatDecimals = 6;
+
+QString notAvailableText()
+{
+    return Message::useDoNotUseString ? Message::doNotUseString : QString();
+}
+
+QString storedNumber(const FieldValue& value, int decimals)
+{
+    switch (value.getKind()) {
+    case FieldKind::U:
+        return QLocale().toString(static_cast<qulonglong>(value.getU64()));
+    case FieldKind::I:
+        return QLocale().toString(static_cast<qlonglong>(value.getI64()));
+    case FieldKind::F32:
+        return FloatRepresentation::getString(value.getF32(), 'f', decimals, true);
+    case FieldKind::F64:
+        return FloatRepresentation::getString(value.getF64(), 'f', decimals, true);
+    default:
+        return value.toString();
+    }
+}
+
+/// As many hexadecimal digits as the width takes, so that bits keep their places.
+QString bitMask(const FieldValue& value)
+{
+    const int digits = (value.getWidth() + 3) / 4;
+    return QStringLiteral("0x%1").arg(value.getU64(), digits, 16, QLatin1Char('0'));
+}
+
+} // namespace
+
+FieldInfo::TextKind FieldInfo::classify(const FieldValue& value, QString* text) const
+{
+    const bool isFloat = value.isFloat();
+    if (isFloat && isDoNotUse(value)) {
+        *text = notAvailableText();
+        return TextKind::NotAvailable;
+    }
+    if (const QString* name = findSymbolicValue(value)) {
+        *text = *name;
+        return TextKind::Name;
+    }
+    if (!isFloat && isDoNotUse(value)) {
+        *text = notAvailableText();
+        return TextKind::NotAvailable;
+    }
+    return TextKind::Number;
+}
+
+int FieldInfo::scaledDecimals() const
+{
+    if (m_precision >= 0) {
+        return m_precision;
+    }
+    if (!(std::fabs(m_scaleFactor) > 0)) {
+        return 0;
+    }
+    double power = 1;
+    for (int decimals = 0; decimals <= 15; ++decimals, power *= 10) {
+        const double shifted = m_scaleFactor * power;
+        if (std::fabs(shifted) >= 1 &&
+            std::fabs(shifted - std::round(shifted)) < 1e-9 * std::fabs(shifted)) {
+            return decimals;
+        }
+    }
+    // No finite decimal fraction, such as 1/3600: one step of the integer shows in three digits.
+    return std::max(0, static_cast<int>(std::ceil(-std::log10(std::fabs(m_scaleFactor)))) + 2);
+}
+
+QString FieldInfo::toScaledString(const FieldValue& value) const
+{
+    QString text;
+    if (classify(value, &text) != TextKind::Number) {
+        return text;
+    }
+    if (m_representationMode == FieldValue::BitMask && value.getKind() == FieldKind::U) {
+        return bitMask(value);
+    }
+    const bool isNumber = value.isInteger() || value.isFloat();
+    if (m_hasScaleFactor && isNumber) {
+        return FloatRepresentation::getString(value.toDouble() * m_scaleFactor, 'f',
+                                              scaledDecimals(), true);
+    }
+    return storedNumber(value, m_precision >= 0 ? m_precision : defaultFloatDecimals);
+}
+
+QString FieldInfo::getValueString(const Message* message) const
+{
+    const unsigned count = getNumberOfValues(message);
+    const bool isText = m_type.getKind() == FieldKind::Ch;
+    QString line;
+    bool showsNumber = false;
+    for (unsigned index = 0; index < count; ++index) {
+        const FieldValue value = getValueUnchecked(message, index);
+        if (isText && value.getCh() == '\0') {
+            break;
+        }
+        if (index != 0 && !isText) {
+            line += QLatin1Char(' ');
+        }
+        QString text;
+        showsNumber = classify(value, &text) == TextKind::Number || showsNumber;
+        line += toScaledString(value);
+    }
+    if (showsNumber && !m_unit.isEmpty()) {
+        line += QLatin1Char(' ') + m_unit;
+    }
+    return line;
+}
+
+QString FieldInfo::getValueString(const Message* message, unsigned index, bool withUnit) const
+{
+    const FieldValue value = getValue(message, index);
+    QString text;
+    if (classify(value, &text) != TextKind::Number) {
+        return text;
+    }
+    text = storedNumber(value, m_precision >= 0 ? m_precision : defaultFloatDecimals);
+    if (withUnit && !m_unit.isEmpty()) {
+        text += QLatin1Char(' ') + m_unit;
+    }
+    return text;
+}

@@ -1,0 +1,5 @@
+#include "MessageSource.h"
+
+MessageSource::MessageSource(QObject* parent) : QObject(parent) {}
+
+MessageSource::~MessageSource() = default;
