@@ -66,7 +66,10 @@ void BlockFramer::takeBlock()
     search();
 }
 
-size_t BlockFramer::bytesLeft() const { return available() + static_cast<size_t>(unreported_); }
+size_t BlockFramer::bytesLeft() const
+{
+    return available() + static_cast<size_t>(unreported_);
+}
 
 // The listener may append or take while it is told something, so nothing is kept across a report.
 void BlockFramer::search()
@@ -89,7 +92,7 @@ bool BlockFramer::decideCandidate()
     if (length < kHeaderSize) {
         drop(kSyncSize);
         if (listener_ != nullptr) {
-            listener_->invalidLength(candidate);
+            listener_->onInvalidLength(candidate);
         }
         return true;
     }
@@ -102,7 +105,7 @@ bool BlockFramer::decideCandidate()
     }
     drop(kSyncSize);
     if (listener_ != nullptr) {
-        listener_->checksumFailed(candidate);
+        listener_->onChecksumFailed(candidate);
     }
     return true;
 }
@@ -143,7 +146,7 @@ void BlockFramer::reportDropped()
     const uint64_t count = unreported_;
     unreported_ = 0;
     if (count != 0 && listener_ != nullptr) {
-        listener_->bytesDropped(offset_ - count, count);
+        listener_->onBytesDropped(offset_ - count, count);
     }
 }
 

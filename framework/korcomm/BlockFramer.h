@@ -9,11 +9,11 @@
 
 /// Cuts a stream of bytes into whole, checked TQX blocks.
 ///
-/// A block begins with "$@", a 16-bit checksum and, at byte 6, its 16-bit length (all numbers little
-/// endian); the checksum covers byte 4 to the end. Lengths below 8 are invalid, alignment is not
-/// tested. After a bad checksum or an invalid length the search goes on two bytes behind the false
-/// sync, so that no damage costs an intact block behind it. What comes out depends only on the
-/// bytes, never on the pieces in which they arrive.
+/// A block begins with "$@", a 16-bit checksum and, at byte 6, its 16-bit length (all numbers
+/// little endian); the checksum covers byte 4 to the end. Lengths below 8 are invalid, alignment is
+/// not tested. After a bad checksum or an invalid length the search goes on two bytes behind the
+/// false sync, so that no damage costs an intact block behind it. What comes out depends only on
+/// the bytes, never on the pieces in which they arrive.
 ///
 ///     framer.append(bytes, size);
 ///     while (framer.hasBlock()) {
@@ -37,12 +37,12 @@ public:
     {
     public:
         /// A complete candidate whose checksum does not match.
-        virtual void checksumFailed(uint64_t offset) = 0;
+        virtual void onChecksumFailed(uint64_t offset) = 0;
         /// A candidate that claims fewer bytes than a header has.
-        virtual void invalidLength(uint64_t offset) = 0;
+        virtual void onInvalidLength(uint64_t offset) = 0;
         /// `count` (> 0) bytes that belong to no block, in one run that ends before the next block
         /// or with the bytes at hand.
-        virtual void bytesDropped(uint64_t offset, uint64_t count) = 0;
+        virtual void onBytesDropped(uint64_t offset, uint64_t count) = 0;
 
     protected:
         Listener() = default;

@@ -13,7 +13,10 @@ void TqxSync::appendBytes(const QByteArray& bytes)
                    static_cast<size_t>(bytes.size()));
 }
 
-bool TqxSync::hasBlock() const { return framer_.hasBlock(); }
+bool TqxSync::hasBlock() const
+{
+    return framer_.hasBlock();
+}
 
 QByteArray TqxSync::getBlockBytes()
 {
@@ -29,18 +32,27 @@ int TqxSync::getNumberOfBytesLeft() const
     return static_cast<int>(std::min(framer_.bytesLeft(), most));
 }
 
-void TqxSync::flush() { framer_.flush(); }
+void TqxSync::flush()
+{
+    framer_.flush();
+}
 
-void TqxSync::checksumFailed(uint64_t) { emit CRCError(); }
+void TqxSync::onChecksumFailed(uint64_t)
+{
+    Q_EMIT CRCError();
+}
 
-void TqxSync::invalidLength(uint64_t) { emit invalidLength(); }
+void TqxSync::onInvalidLength(uint64_t)
+{
+    Q_EMIT invalidLength();
+}
 
-void TqxSync::bytesDropped(uint64_t, uint64_t count)
+void TqxSync::onBytesDropped(uint64_t, uint64_t count)
 {
     while (count != 0) {
-        const auto part = static_cast<uint32_t>(
-            std::min<uint64_t>(count, std::numeric_limits<uint32_t>::max()));
+        const auto part =
+            static_cast<uint32_t>(std::min<uint64_t>(count, std::numeric_limits<uint32_t>::max()));
         count -= part;
-        emit droppedBytes(part);
+        Q_EMIT droppedBytes(part);
     }
 }

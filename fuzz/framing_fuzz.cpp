@@ -1,0 +1,115 @@
+// Any bytes in any pieces: the accounting holds, every block is whole and intact, pieces do not
+// matter, nothing is left behind the end of input.
+
+#include "BlockFramer.h"
+#include "korcg_crc.h"
+#include "korcg_load.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+#include <vector>
+
+namespace
+{
+
+void require(bool condition)
+{
+    if (!condition) {
+        std::abort();
+    }
+}
+
+class Checked : private BlockFramer::Listener
+{
+public:
+    void append(const uint8_t* bytes, size_t size)
+    {
+        appended_ += size;
+        framer_.append(bytes, size);
+        takeBlocks();
+    }
+
+    void flush()
+    {
+        framer_.flush();
+        takeBlocks();
+        require(framer_.bytesLeft() == 0);
+    }
+
+    // Offset and size of every block.
+    const std::vector<std::pair<uint64_t, size_t>>& blocks() const { return blocks_; }
+
+private:
+    void takeBlocks()
+    {
+        account();
+        while (framer_.hasBlock()) {
+            const BlockFramer::Block block = framer_.block();
+            require(block.size >= 8 && block.data[0] == '$' && block.data[1] == '@');
+            require(korcg_load_u16(block.data + 6) == block.size);
+            require(korcg_load_u16(block.data + 2) ==
+                    korcg_crc16_bytes(block.data + 4, block.size - 4));
+            blocks_.emplace_back(block.offset, block.size);
+            taken_ += block.size;
+            framer_.takeBlock();
+            account();
+        }
+    }
+
+    void account() const { require(taken_ + dropped_ + framer_.bytesLeft() == appended_); }
+
+    void onChecksumFailed(uint64_t offset) override { require(offset < appended_); }
+    void onInvalidLength(uint64_t offset) override { require(offset < appended_); }
+    void onBytesDropped(uint64_t offset, uint64_t count) override
+    {
+        require(count != 0 && offset == taken_ + dropped_);
+        dropped_ += count;
+    }
+
+    std::vector<std::pair<uint64_t, size_t>> blocks_;
+    uint64_t appended_ = 0;
+    uint64_t taken_ = 0;
+    uint64_t dropped_ = 0;
+    BlockFramer framer_{this};
+};
+
+// A fuzzer cannot guess checksums: the bytes "FIX" in front of a sync become one that holds.
+std::vector<uint8_t> withChecksums(const uint8_t* data, size_t size)
+{
+    std::vector<uint8_t> stream(data, data + size);
+    for (size_t at = 0; at + 11 <= stream.size(); ++at) {
+        uint8_t* block = &stream[at + 3];
+        const size_t length = korcg_load_u16(block + 6);
+        const bool marked = std::equal(&stream[at], block, "FIX") && block[0] == '$' &&
+                            block[1] == '@' && length >= 8 && at + 3 + length <= stream.size();
+        if (marked) {
+            korcg_store_u16(block + 2, korcg_crc16_bytes(block + 4, length - 4));
+        }
+    }
+    return stream;
+}
+
+} // namespace
+
+// The first byte chooses the size of the pieces.
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    if (size == 0) {
+        return 0;
+    }
+    const size_t piece = data[0] + size_t{1};
+    const std::vector<uint8_t> stream = withChecksums(data + 1, size - 1);
+
+    Checked inPieces;
+    for (size_t at = 0; at < stream.size(); at += piece) {
+        inPieces.append(stream.data() + at, std::min(piece, stream.size() - at));
+    }
+    inPieces.flush();
+
+    Checked whole;
+    whole.append(stream.data(), stream.size());
+    whole.flush();
+    require(whole.blocks() == inPieces.blocks());
+    return 0;
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "BlockFramer.h"
+#include "ReferenceFramer.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+/// A BlockFramer whose doings are written down. After every call it holds the framer to its
+/// accounting and every block to the bytes that were appended.
+class RecordingFramer : private BlockFramer::Listener
+{
+public:
+    void append(const uint8_t* bytes, size_t size)
+    {
+        appended_.insert(appended_.end(), bytes, bytes + size);
+        framer_.append(bytes, size);
+        takeBlocks();
+    }
+
+    void append(const Bytes& bytes) { append(bytes.data(), bytes.size()); }
+
+    void flush()
+    {
+        framer_.flush();
+        takeBlocks();
+    }
+
+    const Framing& framing() const { return framing_; }
+
+private:
+    void takeBlocks()
+    {
+        check();
+        while (framer_.hasBlock()) {
+            const BlockFramer::Block block = framer_.block();
+            ASSERT_LE(block.offset + block.size, appended_.size());
+            EXPECT_TRUE(
+                std::equal(block.data, block.data + block.size, appended_.data() + block.offset));
+            framing_.blocks.push_back({block.offset, block.size});
+            framer_.takeBlock();
+            check();
+        }
+    }
+
+    void check()
+    {
+        framing_.left = framer_.bytesLeft();
+        EXPECT_EQ(framing_.bytesInAll(), appended_.size());
+    }
+
+    void onChecksumFailed(uint64_t offset) override { framing_.checksumErrors.push_back(offset); }
+    void onInvalidLength(uint64_t offset) override { framing_.invalidLengths.push_back(offset); }
+    void onBytesDropped(uint64_t offset, uint64_t count) override
+    {
+        framing_.addDropped(offset, count);
+    }
+
+    Bytes appended_;
+    Framing framing_;
+    BlockFramer framer_{this};
+};
