@@ -105,8 +105,7 @@ bool fits(const Field& field, const Number& number)
     if (const auto* whole = std::get_if<int64_t>(&number)) {
         if (*whole >= 0)
             return static_cast<uint64_t>(*whole) <= maximumOf(field);
-        return isSignedInteger(field.type) &&
-               *whole >= -static_cast<int64_t>(maximumOf(field)) - 1;
+        return isSignedInteger(field.type) && *whole >= -static_cast<int64_t>(maximumOf(field)) - 1;
     }
     return false;
 }

@@ -12,26 +12,25 @@ namespace korcg::generator
 namespace
 {
 
-using Keys = std::initializer_list<std::string_view>;
+using Keys = std::vector<std::string_view>;
 
 constexpr int highestRevisionNumber = 7;
 constexpr int highestPrecision = 20;
 constexpr int longestArray = 65535;
 
-constexpr Keys wireKeys = {"name",      "text",        "role",     "identifies",   "since",
-                           "only",      "when",        "offset",   "always_sent",  "type",
-                           "count",     "capacity",    "bytes",    "bits",         "unit",
-                           "scale",     "precision",   "none",     "unnamed_none", "symbols",
-                           "mask",      "virtual",     "initial"};
-constexpr Keys subBlockKeys = {"name", "text", "identifies",  "since",  "only",   "when",
-                               "size", "offset", "always_sent", "blocks", "embeds", "count"};
-constexpr Keys derivedKeys = {"name",         "text",    "role",  "identifies", "since",
-                              "when",         "type",    "unit",  "scale",      "precision",
-                              "unnamed_none", "symbols", "mask",  "virtual",    "initial",
-                              "derived",      "from",    "after", "none"};
-constexpr Keys bitsKeys = {"name", "text",      "role", "identifies",   "at",
-                           "unit", "scale",     "none", "unnamed_none", "symbols",
-                           "mask", "precision", "signed", "virtual"};
+const Keys wireKeys = {
+    "name",        "text", "role",         "identifies", "since", "only",    "when",   "offset",
+    "always_sent", "type", "count",        "capacity",   "bytes", "bits",    "unit",   "scale",
+    "precision",   "none", "unnamed_none", "symbols",    "mask",  "virtual", "initial"};
+const Keys subBlockKeys = {"name", "text",   "identifies",  "since",  "only",   "when",
+                           "size", "offset", "always_sent", "blocks", "embeds", "count"};
+const Keys derivedKeys = {"name",         "text",    "role",  "identifies", "since",
+                          "when",         "type",    "unit",  "scale",      "precision",
+                          "unnamed_none", "symbols", "mask",  "virtual",    "initial",
+                          "derived",      "from",    "after", "none"};
+const Keys bitsKeys = {"name", "text",      "role",   "identifies",   "at",
+                       "unit", "scale",     "none",   "unnamed_none", "symbols",
+                       "mask", "precision", "signed", "virtual"};
 
 Mention mention(const YamlMap& map, std::string_view key)
 {
@@ -202,10 +201,9 @@ void readBits(const ReadContext& context, const YamlMap& map, FieldDraft& draft)
         map.error("bits", "needs an integer type");
     for (const YAML::Node& node : map.list("bits"))
         draft.bits.push_back(readSubField(context, node, bitsOf(draft.field.type)));
-    std::stable_sort(draft.bits.begin(), draft.bits.end(),
-                     [](const FieldDraft& a, const FieldDraft& b) {
-                         return a.field.shift < b.field.shift;
-                     });
+    std::stable_sort(
+        draft.bits.begin(), draft.bits.end(),
+        [](const FieldDraft& a, const FieldDraft& b) { return a.field.shift < b.field.shift; });
 }
 
 /// Sets kind and number of elements from `count`, `bytes` and `capacity`.

@@ -12,11 +12,10 @@ namespace
 
 constexpr int highestNumber = 65535; // wider than the ranges that the checks allow
 
-constexpr std::initializer_list<std::string_view> blockKeys = {
-    "block",     "record", "number",  "generation", "flexrate", "esoc",
-    "timestamp", "text",   "message", "kind",       "fields"};
-constexpr std::initializer_list<std::string_view> subKeys = {"sub", "record", "text", "message",
-                                                             "fields"};
+const std::vector<std::string_view> blockKeys = {"block",    "record", "number",    "generation",
+                                                 "flexrate", "esoc",   "timestamp", "text",
+                                                 "message",  "kind",   "fields"};
+const std::vector<std::string_view> subKeys = {"sub", "record", "text", "message", "fields"};
 
 void readBlockAttributes(const YamlMap& map, RecordType& type)
 {
@@ -35,7 +34,8 @@ void readBlockAttributes(const YamlMap& map, RecordType& type)
 TypeDraft readType(const ReadContext& context, const YAML::Node& node)
 {
     const bool isSub = node.IsMap() && node["sub"];
-    const YamlMap map(context, node, isSub ? "a sub-block" : "a block", isSub ? subKeys : blockKeys);
+    const YamlMap map(context, node, isSub ? "a sub-block" : "a block",
+                      isSub ? subKeys : blockKeys);
     TypeDraft draft;
     RecordType& type = draft.type;
     type.where = map.where();

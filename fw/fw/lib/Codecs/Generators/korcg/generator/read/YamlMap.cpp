@@ -44,8 +44,8 @@ std::optional<int64_t> WholeNumber::within(int64_t low, int64_t high) const
     constexpr uint64_t top = uint64_t{1} << 63;
     if (magnitude > top || (magnitude == top && !negative))
         return std::nullopt;
-    const int64_t value = negative ? static_cast<int64_t>(0 - magnitude)
-                                   : static_cast<int64_t>(magnitude);
+    const int64_t value =
+        negative ? static_cast<int64_t>(0 - magnitude) : static_cast<int64_t>(magnitude);
     if (value < low || value > high)
         return std::nullopt;
     return value;
@@ -89,7 +89,7 @@ std::optional<double> realNumber(const YAML::Node& node)
 }
 
 YamlMap::YamlMap(const ReadContext& context, const YAML::Node& node, std::string_view what,
-                 std::initializer_list<std::string_view> keys)
+                 const std::vector<std::string_view>& keys)
     : m_context(context), m_node(node), m_what(what)
 {
     if (!node.IsMap()) {
@@ -118,7 +118,8 @@ YAML::Node YamlMap::node(std::string_view key) const
 Location YamlMap::where(std::string_view key) const
 {
     const auto found = m_values.find(key);
-    return found == m_values.end() || found->second.IsNull() ? where() : m_context.at(found->second);
+    return found == m_values.end() || found->second.IsNull() ? where()
+                                                             : m_context.at(found->second);
 }
 
 void YamlMap::error(std::string_view key, std::string message) const

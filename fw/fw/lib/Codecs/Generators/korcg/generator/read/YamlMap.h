@@ -4,7 +4,6 @@
 
 #include <yaml-cpp/yaml.h>
 
-#include <initializer_list>
 #include <map>
 #include <optional>
 #include <string>
@@ -46,7 +45,7 @@ public:
     /// `what` names the map in messages ("a field"). Keys that are not among `keys`, and keys given
     /// twice, are reported at once; so is a node that is no map.
     YamlMap(const ReadContext& context, const YAML::Node& node, std::string_view what,
-            std::initializer_list<std::string_view> keys);
+            const std::vector<std::string_view>& keys);
 
     bool has(std::string_view key) const { return m_values.find(key) != m_values.end(); }
     /// Value of a key, or an undefined node.

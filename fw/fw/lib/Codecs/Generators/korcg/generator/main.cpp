@@ -1,0 +1,99 @@
+#include "emit/Emitters.h"
+#include "model/Selection.h"
+#include "read/Load.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <cstdio>
+#include <exception>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using namespace korcg::generator;
+
+struct Options {
+    std::string description;
+    std::string output;
+    std::vector<std::string> types;
+    std::string only;
+    bool listOutputs = false;
+    bool check = false;
+};
+
+int report(const Errors& errors)
+{
+    for (const std::string& line : errors.report())
+        fmt::print(stderr, "{}\n", line);
+    fmt::print(stderr, "{} error{}\n", errors.count(), errors.count() == 1 ? "" : "s");
+    return 1;
+}
+
+int generate(const Options& options)
+{
+    Errors errors;
+    const std::vector<Source> sources = readSources(options.description, errors);
+    if (!errors.empty())
+        return report(errors);
+    const Format format = load(sources, errors);
+    const Selection selection = select(format, options.types, errors);
+    if (!errors.empty())
+        return report(errors);
+    if (options.check)
+        return 0;
+
+    Output output(options.output, options.listOutputs);
+#ifdef KORCG_HAVE_CODEC
+    if (options.only.empty() || options.only == "codec")
+        emitCodec(format, selection, output);
+#endif
+#ifdef KORCG_HAVE_MESSAGES
+    if (options.only.empty() || options.only == "messages")
+        emitMessages(format, selection, output);
+#endif
+#ifdef KORCG_HAVE_METADATA
+    if (options.only.empty() || options.only == "metadata")
+        emitMetadata(format, selection, output);
+#endif
+    if (options.listOutputs)
+        for (const std::string& name : output.names())
+            fmt::print("{}\n", name);
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    Options options;
+    CLI::App app(
+        "Generates the codec, messages and metadata of a block format from its description",
+        "korcg-generate");
+    app.add_option("--description", options.description, "Directory of the description (*.yaml)")
+        ->required();
+    app.add_option("--output", options.output, "Directory that receives the generated files");
+    app.add_option("--types", options.types,
+                   "Emit only these types and the sub-blocks that they hold")
+        ->delimiter(',');
+    app.add_option("--only", options.only, "Emit one kind of output")
+        ->check(CLI::IsMember({"codec", "messages", "metadata"}));
+    app.add_flag("--list-outputs", options.listOutputs,
+                 "Print the names of the files that would be written, one a line");
+    app.add_flag("--check", options.check, "Read and check the description, write nothing");
+    CLI11_PARSE(app, argc, argv);
+
+    if (options.output.empty() && !options.listOutputs && !options.check) {
+        fmt::print(stderr, "korcg-generate: --output is missing\n");
+        return 1;
+    }
+    try {
+        return generate(options);
+    } catch (const std::exception& failure) {
+        fmt::print(stderr, "{}\n", failure.what());
+        return 1;
+    }
+}

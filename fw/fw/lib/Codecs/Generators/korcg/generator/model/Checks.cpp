@@ -1,0 +1,8 @@
+#include "model/Checks.h"
+
+namespace korcg::generator
+{
+
+void check(const Format&, Errors&) {}
+
+} // namespace korcg::generator

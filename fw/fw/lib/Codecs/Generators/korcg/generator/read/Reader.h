@@ -1,0 +1,17 @@
+#pragma once
+
+#include "model/Errors.h"
+#include "model/Model.h"
+#include "read/Source.h"
+
+#include <vector>
+
+namespace korcg::generator
+{
+
+/// Reads a description. Each YAML document of each source is either a list of record types or a map
+/// of what the whole format shares. Names are resolved, nothing is numbered or checked yet; what
+/// could not be read is reported and left out or marked as broken.
+Format readDescription(const std::vector<Source>& sources, Errors& errors);
+
+} // namespace korcg::generator

@@ -1,0 +1,278 @@
+#include "read/Resolve.h"
+
+#include "emit/Names.h"
+#include "model/Values.h"
+#include "read/Header.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <utility>
+
+namespace korcg::generator
+{
+
+namespace
+{
+
+/// Turns one draft into its record type.
+class TypeResolver
+{
+public:
+    /// `mainLengths` are the names of main-block fields that sub-blocks take entry lengths from.
+    TypeResolver(TypeDraft& draft, const std::set<std::string>& mainLengths, const Format& format,
+                 Errors& errors)
+        : m_draft(draft), m_type(draft.type), m_mainLengths(mainLengths), m_format(format),
+          m_errors(errors)
+    {
+    }
+
+    void run()
+    {
+        flatten();
+        for (std::size_t row = 0; row < m_type.fields.size(); ++row)
+            if (m_drafts[row])
+                resolveNames(m_type.fields[row], *m_drafts[row]);
+        for (Field& field : m_type.fields)
+            inherit(field);
+        for (std::size_t row = 0; row < m_type.fields.size(); ++row)
+            applyDefaults(static_cast<int>(row));
+    }
+
+    const FieldDraft* draftOf(std::size_t row) const { return m_drafts[row]; }
+
+private:
+    void append(const FieldDraft& draft)
+    {
+        m_type.fields.push_back(draft.field);
+        m_drafts.push_back(&draft);
+    }
+
+    void flatten()
+    {
+        if (m_type.isMain())
+            m_type.fields = headerFields(m_type.where);
+        m_drafts.assign(m_type.fields.size(), nullptr);
+        for (const FieldDraft& draft : m_draft.fields) {
+            const int parent = static_cast<int>(m_type.fields.size());
+            append(draft);
+            for (const FieldDraft& bits : draft.bits) {
+                append(bits);
+                m_type.fields.back().parent = parent;
+            }
+        }
+        for (std::size_t row = 0; row < m_type.fields.size(); ++row)
+            m_rows.emplace(identifier(m_type.fields[row].name), static_cast<int>(row));
+    }
+
+    int rowOf(const Mention& mention)
+    {
+        if (!mention)
+            return -1;
+        const auto found = m_rows.find(identifier(mention.name));
+        if (found != m_rows.end())
+            return found->second;
+        m_errors.add(mention.where, fmt::format("{} has no field '{}'", m_type.name, mention.name));
+        m_type.broken = true;
+        return -1;
+    }
+
+    void resolveNames(Field& field, const FieldDraft& draft)
+    {
+        field.count = rowOf(draft.count);
+        field.lengthInMain = draft.sizeInMain;
+        if (!draft.sizeInMain)
+            field.length = rowOf(draft.size);
+        field.selector = rowOf(draft.selector);
+        for (std::string& input : field.inputs)
+            input = identifier(input);
+        if (field.kind == FieldKind::Derived)
+            field.after = draft.after ? rowOf(draft.after) : lastInput(field);
+    }
+
+    /// The wire field behind which all inputs of this record are known.
+    int lastInput(const Field& field)
+    {
+        int last = -1;
+        for (const std::string& input : field.inputs) {
+            const auto found = m_rows.find(input);
+            if (found == m_rows.end())
+                continue;
+            const Field& source = m_type.fields[static_cast<std::size_t>(found->second)];
+            const int row = source.parent >= 0                  ? source.parent
+                            : source.kind == FieldKind::Derived ? source.after
+                                                                : found->second;
+            last = std::max(last, row);
+        }
+        if (last < 0) {
+            m_errors.add(field.where, fmt::format("derived field {} needs 'after'", field.name));
+            m_type.broken = true;
+        }
+        return last;
+    }
+
+    /// Sub-fields are there when their word is, derived fields when what they derive from is.
+    void inherit(Field& field)
+    {
+        const int source = field.kind == FieldKind::Bits ? field.parent : field.after;
+        if (source < 0 || field.isHeader)
+            return;
+        const Field& from = m_type.fields[static_cast<std::size_t>(source)];
+        if (field.presence == Presence::Always) {
+            field.presence = from.presence;
+            field.presenceValue = from.presenceValue;
+            field.selector = from.selector;
+            field.alwaysSent = from.alwaysSent;
+        }
+        if (field.kind == FieldKind::Bits) {
+            field.elements = from.elements;
+            field.count = from.count;
+            field.countsBytes = from.countsBytes;
+        }
+    }
+
+    bool isStructural(int row) const
+    {
+        const Field& self = m_type.fields[static_cast<std::size_t>(row)];
+        if (m_type.isMain() && m_mainLengths.count(identifier(self.name)) != 0)
+            return true;
+        return std::any_of(m_type.fields.begin(), m_type.fields.end(), [row](const Field& field) {
+            return (field.kind == FieldKind::Blocks && field.count == row) ||
+                   (field.length == row && !field.lengthInMain);
+        });
+    }
+
+    void applyDefaults(int row)
+    {
+        Field& field = m_type.fields[static_cast<std::size_t>(row)];
+        const FieldDraft* const draft = m_drafts[static_cast<std::size_t>(row)];
+        const bool holdsRecords =
+            field.kind == FieldKind::Blocks || field.kind == FieldKind::Embedded;
+        if (holdsRecords)
+            field.role = Role::Unset;
+        else if (draft && !draft->roleTold)
+            field.role = field.isPadding || isStructural(row)   ? Role::Structure
+                         : field.name.rfind("Reserved", 0) == 0 ? Role::Reserved
+                                                                : Role::Data;
+        if (field.kind == FieldKind::Derived && draft && !draft->virtualTold)
+            field.isVirtual = true;
+        field.isOptional = field.presence != Presence::Always;
+        const Field& shape =
+            field.parent >= 0 ? m_type.fields[static_cast<std::size_t>(field.parent)] : field;
+        field.isRepeated = shape.isArray() || shape.kind == FieldKind::Blocks;
+        field.doNotUseNamed = field.doNotUse && field.doNotUseNamed && !isNamed(field);
+    }
+
+    bool isNamed(const Field& field) const
+    {
+        const auto table = m_format.symbols.find(field.symbols);
+        if (table == m_format.symbols.end())
+            return false;
+        const auto& values = table->second.values;
+        return std::any_of(values.begin(), values.end(), [&field](const SymbolicValue& symbol) {
+            return equals(*field.doNotUse, symbol.value);
+        });
+    }
+
+    static bool equals(const Number& number, int64_t value)
+    {
+        if (const auto* whole = std::get_if<uint64_t>(&number))
+            return value >= 0 && *whole == static_cast<uint64_t>(value);
+        const auto* whole = std::get_if<int64_t>(&number);
+        return whole && *whole == value;
+    }
+
+    TypeDraft& m_draft;
+    RecordType& m_type;
+    const std::set<std::string>& m_mainLengths;
+    const Format& m_format;
+    Errors& m_errors;
+    std::vector<const FieldDraft*> m_drafts; ///< per row, null for header fields
+    std::map<std::string, int> m_rows;
+};
+
+/// A sub-block's mention of a field of the main block around it.
+struct MainMention {
+    std::string type;
+    std::size_t row;
+    Mention field;
+};
+
+/// Main blocks that hold the type in any depth.
+void collectMains(const Format& format, const std::string& name, int depth,
+                  std::vector<const RecordType*>& mains)
+{
+    for (const RecordType& owner : format.types) {
+        const bool holds =
+            std::any_of(owner.fields.begin(), owner.fields.end(),
+                        [&name](const Field& field) { return field.subType == name; });
+        if (holds && owner.isMain() && std::count(mains.begin(), mains.end(), &owner) == 0)
+            mains.push_back(&owner);
+        else if (holds && depth > 0)
+            collectMains(format, owner.name, depth - 1, mains);
+    }
+}
+
+/// The row of the field in every main block around the type; all of them must agree on it.
+int rowInMains(const Format& format, const MainMention& mention, Errors& errors)
+{
+    constexpr int deepest = 3;
+    std::vector<const RecordType*> mains;
+    collectMains(format, mention.type, deepest, mains);
+    int row = -1;
+    for (const RecordType* main : mains) {
+        const auto found =
+            std::find_if(main->fields.begin(), main->fields.end(), [&mention](const Field& field) {
+                return identifier(field.name) == identifier(mention.field.name);
+            });
+        if (found == main->fields.end()) {
+            errors.add(mention.field.where,
+                       fmt::format("{} has no field '{}'", main->name, mention.field.name));
+            continue;
+        }
+        const int here = static_cast<int>(found - main->fields.begin());
+        if (row >= 0 && here != row)
+            errors.add(mention.field.where,
+                       fmt::format("'{}' stands in different places of {} and {}",
+                                   mention.field.name, mains.front()->name, main->name));
+        row = here;
+    }
+    return row;
+}
+
+} // namespace
+
+void resolve(std::vector<TypeDraft> drafts, Format& format, Errors& errors)
+{
+    std::set<std::string> mainLengths;
+    for (const TypeDraft& draft : drafts)
+        for (const FieldDraft& field : draft.fields)
+            if (field.sizeInMain)
+                mainLengths.insert(identifier(field.size.name));
+
+    std::vector<MainMention> mentions;
+    for (TypeDraft& draft : drafts) {
+        TypeResolver resolver(draft, mainLengths, format, errors);
+        resolver.run();
+        RecordType& type = draft.type;
+        for (std::size_t row = 0; row < type.fields.size(); ++row)
+            if (type.fields[row].lengthInMain)
+                mentions.push_back({type.name, row, resolver.draftOf(row)->size});
+        format.types.push_back(type);
+    }
+    std::stable_sort(format.types.begin(), format.types.end(),
+                     [](const RecordType& a, const RecordType& b) { return a.record < b.record; });
+
+    for (const MainMention& mention : mentions) {
+        const int row = rowInMains(format, mention, errors);
+        const auto type =
+            std::find_if(format.types.begin(), format.types.end(),
+                         [&mention](const RecordType& each) { return each.name == mention.type; });
+        if (mention.row < type->fields.size())
+            type->fields[mention.row].length = row;
+    }
+}
+
+} // namespace korcg::generator
