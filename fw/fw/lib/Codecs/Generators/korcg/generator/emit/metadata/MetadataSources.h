@@ -1,0 +1,12 @@
+#pragma once
+
+#include "emit/Emitters.h"
+
+namespace korcg::generator
+{
+
+/// TQX_Metadata_<k>.cpp: rows and classes of all types, in 16 translation units of about the same
+/// number of fields, each with a contiguous run of types.
+void emitMetadataSources(const Format& format, const Selection& types, Output& output);
+
+} // namespace korcg::generator

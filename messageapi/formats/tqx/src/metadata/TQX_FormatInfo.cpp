@@ -1,0 +1,39 @@
+#include "TQX_FormatInfo.h"
+
+#include "TQX_Registration.h"
+
+#include "MemLeakTracer.h"
+#include "MessageInfo.h"
+
+#include <QString>
+
+TQX_FormatInfo::TQX_FormatInfo() : FormatInfo(QString::fromLatin1("TQX")), m_setupStarted(false)
+{
+    MemLeakTracer::allocateObject("TQX_FormatInfo");
+}
+
+TQX_FormatInfo::~TQX_FormatInfo()
+{
+    MemLeakTracer::deallocateObject("TQX_FormatInfo");
+}
+
+const TQX_FormatInfo* TQX_FormatInfo::getInstance()
+{
+    static TQX_FormatInfo instance;
+    if (!instance.m_setupStarted)
+        instance.setupMessageInfos();
+    return &instance;
+}
+
+void TQX_FormatInfo::setupMessageInfos()
+{
+    // First of all: every message and field info asks for the registry while it is built.
+    m_setupStarted = true;
+    const TQX_RegistrationList list = TQX_registration();
+    for (unsigned i = 0; i < list.count; ++i) {
+        if (list.rows[i].isMain)
+            addMessageInfo(list.rows[i].getInstance());
+        else
+            addSubMessageInfo(list.rows[i].getInstance());
+    }
+}

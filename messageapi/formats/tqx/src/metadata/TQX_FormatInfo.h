@@ -1,0 +1,27 @@
+#pragma once
+
+#include "tqx_export.h"
+
+#include "FormatInfo.h"
+
+/// Registry of the TQX format: all message types, main blocks and sub-blocks, in a fixed order.
+class TQX_API TQX_FormatInfo : public FormatInfo
+{
+public:
+    TQX_FormatInfo(const TQX_FormatInfo& other) = default;
+    TQX_FormatInfo& operator=(const TQX_FormatInfo& other) = default;
+
+    /// The registry. The first call builds it with all message and field metadata; it must come
+    /// before any other use of metadata. Calls from within that set-up, and from other threads
+    /// during it, return the registry while it is still being filled.
+    static const TQX_FormatInfo* getInstance();
+
+protected:
+    ~TQX_FormatInfo() override;
+
+private:
+    TQX_FormatInfo();
+    void setupMessageInfos();
+
+    bool m_setupStarted;
+};

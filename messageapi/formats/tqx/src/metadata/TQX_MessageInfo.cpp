@@ -1,0 +1,49 @@
+#include "TQX_MessageInfo.h"
+
+#include "TQX_FieldInfo.h"
+#include "TQX_FormatInfo.h"
+
+#include "FieldValue.h"
+#include "MemLeakTracer.h"
+
+#include <QVariant>
+
+using namespace Kor::MessageApi;
+
+TQX_MessageInfo::TQX_MessageInfo(const TQX_TypeRow& type)
+    : MessageInfo(QString::fromLatin1(TQX_layout(type.recordType)->name)), m_type(&type)
+{
+    MemLeakTracer::allocateObject(type.className);
+    if (TQX_layout(type.recordType)->blockNumber == 0)
+        setIsMain(false);
+    else if (type.description)
+        setShortDescriptiveText(QString::fromUtf8(type.description));
+    setFormatInfo(TQX_FormatInfo::getInstance());
+}
+
+TQX_MessageInfo::~TQX_MessageInfo()
+{
+    MemLeakTracer::deallocateObject(m_type->className);
+}
+
+void TQX_MessageInfo::addFields()
+{
+    const int count = TQX_layout(m_type->recordType)->fieldCount;
+    for (int i = 0; i < count; ++i) {
+        const TQX_FieldRow& row = m_type->fields[i];
+        TQX_FieldInfo* field = row.instance();
+        field->m_owner = this;
+        addFieldInfo(field, i, row.has(TQX_FieldRow::Identifying));
+    }
+}
+
+void TQX_MessageInfo::addMainProperties(const FieldInfo* blockNumber)
+{
+    const unsigned number = TQX_layout(m_type->recordType)->blockNumber;
+    addDiscriminantValue(blockNumber, FieldValue::u(number, 13));
+    setAttribute(QString::fromLatin1("flexrate"), QVariant(m_type->flexrate));
+    setAttribute(QString::fromLatin1("esoc"), QVariant(m_type->esoc));
+    setAttribute(QString::fromLatin1("timestamp"), QVariant(static_cast<int>(m_type->timestamp)));
+    setAttribute(QString::fromLatin1("version"), QVariant(static_cast<int>(m_type->version)));
+    setAttribute(QString::fromLatin1("blocknr"), QVariant(static_cast<int>(number)));
+}
