@@ -112,10 +112,9 @@ std::string presenceExpression(const RecordType& type, const Field& field)
     if (field.presence == Presence::Selected)
         return fmt::format("{} == {}", memberOf(type, field.selector), field.presenceValue);
     const char* comparison = field.presence == Presence::OnlyRevision ? "==" : ">=";
-    const std::string revision = type.isMain()
-                                     ? "m_record->Revision"
-                                     : fmt::format("TQX_mainRevision(m_record, {})",
-                                                   type.linksToMain);
+    const std::string revision =
+        type.isMain() ? "m_record->Revision"
+                      : fmt::format("TQX_mainRevision(m_record, {})", type.linksToMain);
     return fmt::format("{} {} {}", revision, comparison, field.presenceValue);
 }
 

@@ -66,8 +66,7 @@ std::string shapeText(const RecordType& type, const Field& field)
     case FieldKind::Array:
         return field.elements == 1 ? "1 element" : fmt::format("{} elements", field.elements);
     case FieldKind::CountedArray:
-        return fmt::format("at most {} elements, {} of them are used",
-                           field.elements,
+        return fmt::format("at most {} elements, {} of them are used", field.elements,
                            field.countsBytes ? counter() + " bytes" : counter());
     case FieldKind::Text:
         return fmt::format("text of {} characters and a terminating zero", field.elements);
@@ -130,8 +129,7 @@ std::string joined(const std::vector<std::string>& parts)
 std::string sentence(std::string text)
 {
     if (!text.empty())
-        text.front() =
-            static_cast<char>(std::toupper(static_cast<unsigned char>(text.front())));
+        text.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(text.front())));
     return text + '.';
 }
 
@@ -144,11 +142,12 @@ std::string getterComment(const Format& format, const RecordType& type, const Fi
         meaning = "padding";
     else if (meaning.empty() && field.role == Role::Reserved)
         meaning = "reserved";
-    std::string text = joined(
-        {meaning, shapeText(type, field), unitText(field),
-         field.doNotUse ? numberText(*field.doNotUse) + " when not available" : "",
-         valuesText(format, field), presenceText(type, field)});
-    return commentLines("    ", sentence(text.empty() ? "plain number" : text));
+    std::string text =
+        joined({meaning, shapeText(type, field), unitText(field),
+                field.doNotUse ? numberText(*field.doNotUse) + " when not available" : "",
+                valuesText(format, field), presenceText(type, field)});
+    const char* plain = field.type == Scalar::Char ? "one character" : "plain number";
+    return commentLines("    ", sentence(text.empty() ? plain : text));
 }
 
 std::string classComment(const Format& format, const RecordType& type)
@@ -159,8 +158,8 @@ std::string classComment(const Format& format, const RecordType& type)
     } else {
         std::string owners;
         for (const int owner : type.owners)
-            owners += (owners.empty() ? "" : " and ") +
-                      format.types[static_cast<size_t>(owner)].name;
+            owners +=
+                (owners.empty() ? "" : " and ") + format.types[static_cast<size_t>(owner)].name;
         text = owners.empty() ? type.name + ", a sub-block"
                               : fmt::format("{}, a sub-block of {}", type.name, owners);
     }

@@ -1,0 +1,229 @@
+#include "emit/messages/Getters.h"
+
+#include "emit/Names.h"
+#include "emit/messages/FieldShape.h"
+#include "emit/messages/GetterComment.h"
+
+#include <fmt/format.h>
+
+namespace korcg::generator
+{
+
+namespace
+{
+
+constexpr const char* presenceDeclaration = "    bool has{F}() const;\n";
+
+constexpr const char* scalarDeclaration = "    {T} get{F}() const;\n";
+
+constexpr const char* repeatedDeclaration = R"(    {T} get{F}(unsigned int index) const;
+    unsigned int getNumberOf{F}() const;
+    {T}* get{F}Array();
+    const {T}* get{F}Array() const;
+    QVector<{T}> get{F}Vector() const;
+)";
+
+constexpr const char* blocksDeclaration = R"(    {T} get{F}(unsigned int index);
+    const {T} get{F}(unsigned int index) const;
+    unsigned int getNumberOf{F}() const;
+    QVector<{T}> get{F}Vector();
+    QVector<const {T}> get{F}Vector() const;
+)";
+
+constexpr const char* embeddedDeclaration = R"(    {T} get{F}();
+    const {T} get{F}() const;
+)";
+
+constexpr const char* presenceDefinition = R"(
+bool {C}::has{F}() const
+{{
+    assertRepresentation();
+    return {presence};
+}}
+)";
+
+constexpr const char* scalarDefinition = R"(
+{T} {C}::get{F}() const
+{{
+    assertRepresentation();
+    return m_record->{F};
+}}
+)";
+
+constexpr const char* optionalDefinition = R"(
+{T} {C}::get{F}() const
+{{
+    if (!has{F}())
+        TQX_throwAbsent("{N}", "{F}");
+    return m_record->{F};
+}}
+)";
+
+constexpr const char* repeatedDefinition = R"(
+{T} {C}::get{F}(unsigned int index) const
+{{
+    assertRepresentation();
+    if (index >= {limit})
+        TQX_throwOutOfRange("{N}", "{F}");
+    return m_record->{F}[index];
+}}
+
+unsigned int {C}::getNumberOf{F}() const
+{{
+    assertRepresentation();
+    return {count};
+}}
+
+{T}* {C}::get{F}Array()
+{{
+    return m_record->{F};
+}}
+
+const {T}* {C}::get{F}Array() const
+{{
+    return m_record->{F};
+}}
+
+QVector<{T}> {C}::get{F}Vector() const
+{{
+    assertRepresentation();
+    return QVector<{T}>(m_record->{F}, m_record->{F} + {limit});
+}}
+)";
+
+constexpr const char* blocksDefinition = R"(
+{T} {C}::get{F}(unsigned int index)
+{{
+    assertRepresentation();
+    ensureSubMessages();
+    if (index >= static_cast<unsigned int>({member}.size()))
+        TQX_throwOutOfRange("{N}", "{F}");
+    return {member}[static_cast<int>(index)];
+}}
+
+const {T} {C}::get{F}(unsigned int index) const
+{{
+    return const_cast<{C}*>(this)->get{F}(index);
+}}
+
+unsigned int {C}::getNumberOf{F}() const
+{{
+    assertRepresentation();
+    return {count};
+}}
+
+QVector<{T}> {C}::get{F}Vector()
+{{
+    assertRepresentation();
+    ensureSubMessages();
+    return {member};
+}}
+
+QVector<const {T}> {C}::get{F}Vector() const
+{{
+    assertRepresentation();
+    ensureSubMessages();
+    return {{{member}.constBegin(), {member}.constEnd()}};
+}}
+)";
+
+constexpr const char* embeddedDefinition = R"(
+{T} {C}::get{F}()
+{{{absent}
+    ensureSubMessages();
+    return {member};
+}}
+
+const {T} {C}::get{F}() const
+{{
+    return const_cast<{C}*>(this)->get{F}();
+}}
+)";
+
+constexpr const char* absentTest = R"(
+    if (!has{F}())
+        TQX_throwAbsent("{N}", "{F}");)";
+
+/// Elements that a getter may read: the count, but never more than the record has room for.
+std::string readableCount(const RecordType& type, const Field& field)
+{
+    const std::string name = identifier(field.name);
+    if (countVaries(type, field))
+        return fmt::format("TQX_readableCount(m_record->{}, getNumberOf{}())", name, name);
+    return countExpression(type, field);
+}
+
+std::string fill(const char* text, const RecordType& type, const Field& field)
+{
+    const Family family = familyOf(type, field);
+    const bool isList = family == Family::Repeated || family == Family::Blocks;
+    const bool optional = isOptional(field);
+    return fmt::format(
+        fmt::runtime(text), fmt::arg("F", identifier(field.name)), fmt::arg("T", valueType(field)),
+        fmt::arg("N", type.name), fmt::arg("C", fmt::format("TQX_{}_Message", type.name)),
+        fmt::arg("presence", optional ? presenceExpression(type, field) : ""),
+        fmt::arg("count", isList ? countExpression(type, field) : ""),
+        fmt::arg("limit", family == Family::Repeated ? readableCount(type, field) : ""),
+        fmt::arg("member", childMember(field)),
+        fmt::arg("absent", optional ? fmt::format(fmt::runtime(absentTest),
+                                                  fmt::arg("F", identifier(field.name)),
+                                                  fmt::arg("N", type.name))
+                                    : ""));
+}
+
+const char* declarationOf(Family family)
+{
+    switch (family) {
+    case Family::Repeated:
+        return repeatedDeclaration;
+    case Family::Blocks:
+        return blocksDeclaration;
+    case Family::Embedded:
+        return embeddedDeclaration;
+    case Family::Scalar:
+        break;
+    }
+    return scalarDeclaration;
+}
+
+const char* definitionOf(Family family, bool optional)
+{
+    switch (family) {
+    case Family::Repeated:
+        return repeatedDefinition;
+    case Family::Blocks:
+        return blocksDefinition;
+    case Family::Embedded:
+        return embeddedDefinition;
+    case Family::Scalar:
+        break;
+    }
+    return optional ? optionalDefinition : scalarDefinition;
+}
+
+} // namespace
+
+std::string getterDeclarations(const Format& format, const RecordType& type)
+{
+    std::string text;
+    for (const Field& field : type.fields) {
+        text += '\n' + getterComment(format, type, field);
+        if (isOptional(field))
+            text += fill(presenceDeclaration, type, field);
+        text += fill(declarationOf(familyOf(type, field)), type, field);
+    }
+    return text;
+}
+
+std::string getterDefinitions(const RecordType& type)
+{
+    std::string text;
+    for (const Field& field : type.fields) {
+        if (isOptional(field))
+            text += fill(presenceDefinition, type, field);
+        text += fill(definitionOf(familyOf(type, field), isOptional(field)), type, field);
+    }
+    return text;
+}
+
+} // namespace korcg::generator

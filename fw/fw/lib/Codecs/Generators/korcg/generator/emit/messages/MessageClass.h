@@ -1,0 +1,17 @@
+#pragma once
+
+#include "model/Model.h"
+
+#include <string>
+
+namespace korcg::generator
+{
+
+/// TQX_<Name>_Message.h behind its head comment.
+std::string messageHeader(const Format& format, const RecordType& type);
+
+/// All member functions of TQX_<Name>_Message, to be placed in a source file that includes the
+/// headers of the class and uses namespace Kor::MessageApi.
+std::string messageSource(const RecordType& type);
+
+} // namespace korcg::generator
