@@ -1,13 +1,13 @@
 #include "TQX_FieldAccess.h"
 
+#include "TQX_MessageErrors.h"
 #include "TQX_RecordAccess.h"
 
 #include "Message.h"
 
-#include <QtGlobal>
-
 #include <algorithm>
 #include <cstring>
+#include <string>
 
 using namespace Kor::MessageApi;
 
@@ -41,9 +41,7 @@ const void* TQX_FieldAccess::record(const Message& message, const TQX_TypeLayout
 {
     const void* record = rawRecord(message);
     if (!record)
-        qFatal("TQX_%s_Message::assertRepresentation() failed when trying to access data of an "
-               "uninitialized message.",
-               type.name);
+        TQX_failUninitialized(("TQX_" + std::string(type.name) + "_Message").c_str());
     return record;
 }
 

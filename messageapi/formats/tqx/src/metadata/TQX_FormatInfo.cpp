@@ -1,5 +1,6 @@
 #include "TQX_FormatInfo.h"
 
+#include "TQX_Getters.h"
 #include "TQX_Registration.h"
 
 #include "MemLeakTracer.h"
@@ -9,6 +10,8 @@
 
 TQX_FormatInfo::TQX_FormatInfo() : FormatInfo(QString::fromLatin1("TQX")), m_setupStarted(false)
 {
+    static std::atomic<int> traceLevel{-1};
+    TQX_resolveTrace(traceLevel, "TQX_FormatInfo");
     MemLeakTracer::allocateObject("TQX_FormatInfo");
 }
 

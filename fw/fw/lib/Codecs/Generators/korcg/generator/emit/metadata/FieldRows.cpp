@@ -79,8 +79,10 @@ DoNotUse doNotUse(const Field& field)
 std::string subMessageGetter(const RecordType& type, const Field& field)
 {
     const bool isArray = field.kind == FieldKind::Blocks;
-    return fmt::format("[](const Message& owner, unsigned{index}) -> const Message* {{ return "
-                       "static_cast<const TQX_{type}_Message&>(owner).get{field}({argument}); }}",
+    return fmt::format(R"(
+     [](const Message& owner, unsigned{index}) -> const Message* {{
+         return static_cast<const TQX_{type}_Message&>(owner).get{field}({argument});
+     }})",
                        fmt::arg("index", isArray ? " index" : ""), fmt::arg("type", type.name),
                        fmt::arg("field", identifier(field.name)),
                        fmt::arg("argument", isArray ? "index" : ""));
@@ -99,9 +101,10 @@ std::string fieldRow(const Format& format, const RecordType& type, int index)
         subGetter = subMessageGetter(type, field);
     }
     return fmt::format(
-        R"(    {{"{name}", TQX_fieldInstance<{name}>,
-     {subInfo}, {subGetter}, {symbols},
-     {unit}, {scale}, {doNotUse}, {realDoNotUse}, {precision}, {role}, {subFields}, {flags}}},
+        R"(    {{"{name}",
+     TQX_fieldInstance<{name}>,
+     {subInfo}, {subGetter}, {symbols}, {unit},
+      {scale}, {doNotUse}, {realDoNotUse}, {precision}, {role}, {subFields}, {flags}}},
 )",
         fmt::arg("name", name), fmt::arg("subInfo", subInfo), fmt::arg("subGetter", subGetter),
         fmt::arg("symbols", field.symbols.empty() ? "nullptr" : symbolFunction(field.symbols)),
@@ -127,7 +130,8 @@ std::string fieldRows(const Format& format, const RecordType& type)
 std::string typeRow(const RecordType& type, const std::string& rows)
 {
     const std::string name = messageInfoClass(type.name);
-    return fmt::format(R"({{"{name}", TQX_messageInstance<{name}>, {rows},
+    return fmt::format(R"({{
+    "{name}", TQX_messageInstance<{name}>, {rows},
     {description}, {record}, {version}, {flexrate}, {esoc}, '{timestamp}'}})",
                        fmt::arg("name", name), fmt::arg("rows", rows),
                        fmt::arg("description", type.text.empty() ? "nullptr" : literal(type.text)),

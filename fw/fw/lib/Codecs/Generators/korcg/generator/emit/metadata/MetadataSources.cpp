@@ -27,7 +27,11 @@ std::string fieldDefinitions(const RecordType& type, int index)
     return &instance;
 }}
 
-inline {name}::{name}() : TQX_FieldInfo(TQX_TypeRows::{type}, {index}) {{}}
+inline {name}::{name}()
+    : TQX_FieldInfo(TQX_TypeRows::{type}, {index})
+{{
+}}
+
 {name}::~{name}() = default;
 )",
         fmt::arg("name", fieldInfoClass(type, type.fields[static_cast<size_t>(index)])),
@@ -47,7 +51,8 @@ const {name}* {name}::getInstance()
     return &instance;
 }}
 
-{name}::{name}() : TQX_MessageInfo(TQX_TypeRows::{type})
+{name}::{name}()
+    : TQX_MessageInfo(TQX_TypeRows::{type})
 {{
     setupFields();
 {properties}}}
@@ -69,6 +74,8 @@ std::string typeDefinitions(const Format& format, const RecordType& type)
     std::string text = fmt::format(R"(
 // {type}
 
+// class name, instance, sub-block metadata, sub-block getter, named values, unit,
+// scale, do-not-use as integer, as real, precision, role, sub-fields, flags
 static constexpr TQX_FieldRow {rows}[] = {{
 {initialisers}}};
 
@@ -117,7 +124,7 @@ void emitUnit(const Format& format, const Selection& run, size_t number, Output&
     std::string definitions;
     for (const RecordType* type : run)
         definitions += typeDefinitions(format, *type);
-    output.write(fmt::format("TQX_Metadata_{:02}.cpp", number), sources(run),
+    output.write(fmt::format("TQX_Metadata_{}.cpp", number), sources(run),
                  fmt::format(R"(#include "TQX_Instances.h"
 #include "TQX_SymbolTables.h"
 #include "TQX_TypeRows.h"
@@ -133,7 +140,7 @@ void emitMetadataSources(const Format& format, const Selection& types, Output& o
 {
     size_t number = 0;
     for (const Selection& run : groups(types, UnitCount))
-        emitUnit(format, run, ++number, output);
+        emitUnit(format, run, number++, output);
 }
 
 } // namespace korcg::generator
