@@ -30,9 +30,9 @@ bool isAccepted(const uint16_t* types, uint32_t recordType)
 
 void assertKind(const TQX_TypeLayout& type, const void* father)
 {
-    KORCG_ASSERT(KORCG_CODEC_FILE, father != nullptr, fatherText);
+    KORCG_ASSERT(codecPath, father != nullptr, fatherText);
     if (type.kindAssertion != nullptr)
-        KORCG_ASSERT(KORCG_CODEC_FILE, isAccepted(type.kindTypes, recordTypeOf(father)),
+        KORCG_ASSERT(codecPath, isAccepted(type.kindTypes, recordTypeOf(father)),
                      type.kindAssertion);
 }
 
@@ -40,12 +40,12 @@ const void* assertMainBlock(const TQX_TypeLayout& type, const void* father)
 {
     assertKind(type, father);
     if (type.linksToMain < 2) {
-        KORCG_ASSERT(KORCG_CODEC_FILE, isMainBlock(father), blockText);
+        KORCG_ASSERT(codecPath, isMainBlock(father), blockText);
         return father;
     }
     const void* main = fatherOf(father);
-    KORCG_ASSERT(KORCG_CODEC_FILE, main != nullptr, grandfatherText);
-    KORCG_ASSERT(KORCG_CODEC_FILE, isMainBlock(main), grandBlockText);
+    KORCG_ASSERT(codecPath, main != nullptr, grandfatherText);
+    KORCG_ASSERT(codecPath, isMainBlock(main), grandBlockText);
     return main;
 }
 

@@ -10,6 +10,9 @@
 namespace Kor::MessageApi
 {
 
+/// Source that the codec's assertions name.
+constexpr const char codecPath[] = "messageapi\\formats\\tqx\\src\\generated\\TQX_codec";
+
 /// Asserts that `father`, the direct parent, exists and is of the kind that the type asks for.
 void assertKind(const TQX_TypeLayout& type, const void* father);
 

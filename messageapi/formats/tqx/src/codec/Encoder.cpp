@@ -2,6 +2,7 @@
 
 #include "CodecAssert.h"
 #include "RecordMembers.h"
+#include "TQX_codec.h"
 #include "korcg_bits.h"
 #include "korcg_crc.h"
 
@@ -213,7 +214,7 @@ int32_t Encoder::writeEntry(const TQX_TypeLayout& owner, const TQX_FieldLayout& 
 int32_t Encoder::writeBlocks(const TQX_TypeLayout& type, const TQX_FieldLayout& field, void* record)
 {
     const uint32_t entries = countOf(type, field, record);
-    KORCG_ASSERT(KORCG_CODEC_FILE, entries == 0 || arrayOf(field, record) != nullptr,
+    KORCG_ASSERT(codecPath, entries == 0 || arrayOf(field, record) != nullptr,
                  "sub-block array != NULL");
     for (uint32_t i = 0; i < entries; ++i)
         if (const int32_t result = writeEntry(type, field, record, i); result < 0)

@@ -214,7 +214,7 @@ int32_t ExactDecoder::readBlocks(const TQX_FieldLayout& field)
 // False when more bits were consumed than the entry has.
 bool ExactDecoder::applyLength(uint32_t explicitLength)
 {
-    KORCG_ASSERT(KORCG_CODEC_FILE, m_offset >= m_start, "(*offset) >= loffset");
+    KORCG_ASSERT(codecPath, m_offset >= m_start, "(*offset) >= loffset");
     if (m_offset - m_start > explicitLength)
         return false;
     m_offset = m_start + explicitLength;

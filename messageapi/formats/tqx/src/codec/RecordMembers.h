@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ArrayStorage.h"
 #include "TQX_RecordAccess.h"
 
 #include <cstddef>
@@ -61,13 +62,6 @@ inline uint32_t countOf(const TQX_TypeLayout& type, const TQX_FieldLayout& field
     const auto count = static_cast<uint32_t>(TQX_unsignedValue(type.fields[field.count], record));
     return field.countsBytes ? count / TQX_elementSize(field) : count;
 }
-
-/// Where the entries of a sub-block array live.
-enum class ArrayStorage : uint8_t {
-    Own,      ///< an allocation of its own
-    Borrowed, ///< part of the allocation of the array that holds the owner
-    Shared,   ///< an allocation of its own that also holds borrowed arrays
-};
 
 /// The storage flag stands right behind the array pointer in every record.
 inline ArrayStorage storageOf(const TQX_FieldLayout& field, const void* record)

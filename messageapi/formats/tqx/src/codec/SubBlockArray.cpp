@@ -1,6 +1,7 @@
 #include "SubBlockArray.h"
 
 #include "RecordMembers.h"
+#include "TQX_codec.h"
 
 #include <cstdlib>
 #include <cstring>

@@ -1,0 +1,254 @@
+#include "emit/Names.h"
+#include "emit/codec/Parts.h"
+#include "emit/codec/Shape.h"
+
+#include <fmt/format.h>
+
+#include <set>
+
+namespace korcg::generator::codec
+{
+
+namespace
+{
+
+const Field& row(const RecordType& type, int index)
+{
+    return type.fields[static_cast<std::size_t>(index)];
+}
+
+std::string_view loadName(Scalar type)
+{
+    switch (type) {
+    case Scalar::U8:
+    case Scalar::Char:
+        return "korcg_load_u8";
+    case Scalar::I8:
+        return "korcg_load_i8";
+    case Scalar::U16:
+        return "korcg_load_u16";
+    case Scalar::I16:
+        return "korcg_load_i16";
+    case Scalar::U32:
+        return "korcg_load_u32";
+    case Scalar::I32:
+        return "korcg_load_i32";
+    case Scalar::U64:
+        return "korcg_load_u64";
+    case Scalar::F32:
+        return "korcg_load_f32";
+    case Scalar::F64:
+        return "korcg_load_f64";
+    }
+    return "";
+}
+
+// Statements that split a packed word into its members; `index` is "" or "[i]".
+std::string splitStatements(const RecordType& type, int wordRow, std::string_view index,
+                            std::string_view indent)
+{
+    std::string text;
+    for (std::size_t i = static_cast<std::size_t>(wordRow) + 1;
+         i < type.fields.size() && type.fields[i].parent == wordRow; ++i) {
+        const Field& part = type.fields[i];
+        const std::string word =
+            fmt::format("record.{}{}", identifier(row(type, wordRow).name), index);
+        std::string value;
+        if (isSigned(part.type))
+            value = fmt::format("signedBits({}, {}, {})", word, part.shift, part.width);
+        else if (part.shift == 0)
+            value = fmt::format("{} & {:#x}U", word, (uint64_t{1} << part.width) - 1);
+        else
+            value =
+                fmt::format("{} >> {} & {:#x}U", word, part.shift, (uint64_t{1} << part.width) - 1);
+        text += fmt::format("{}record.{}{} = static_cast<{}>({});\n", indent, identifier(part.name),
+                            index, memberType(part.type), value);
+    }
+    return text;
+}
+
+bool hasParts(const RecordType& type, int wordRow)
+{
+    const auto next = static_cast<std::size_t>(wordRow) + 1;
+    return next < type.fields.size() && type.fields[next].parent == wordRow;
+}
+
+std::string loadArray(const RecordType& type, int index, const std::string& place,
+                      std::string_view indent)
+{
+    const Field& field = row(type, index);
+    const std::string name = identifier(field.name);
+    std::string text;
+    if (bytesOf(field.type) == 1) {
+        text +=
+            fmt::format("{}std::memcpy(record.{}, {}, {});\n", indent, name, place, field.elements);
+        if (field.isText())
+            text += fmt::format("{}record.{}[{}] = '\\0';\n", indent, name, field.elements);
+        if (!hasParts(type, index))
+            return text;
+    }
+    text += fmt::format("{}for (uint32_t i = 0; i < {}; ++i) {{\n", indent, field.elements);
+    if (bytesOf(field.type) != 1)
+        text += fmt::format("{}    record.{}[i] = {}({} + {} * i);\n", indent, name,
+                            loadName(field.type), place, bytesOf(field.type));
+    text += splitStatements(type, index, "[i]", std::string(indent) + "    ");
+    return text + fmt::format("{}}}\n", indent);
+}
+
+bool triggersFormula(const RecordType& type, int index)
+{
+    for (const Field& field : type.fields)
+        if (field.kind == FieldKind::Derived && field.after == index)
+            return true;
+    return false;
+}
+
+std::string deriveName(const RecordType& type, const Field& trigger)
+{
+    return fmt::format("derive_{}_{}", type.name, identifier(trigger.name));
+}
+
+std::string place(int offset)
+{
+    return offset == 0 ? "at" : fmt::format("at + {}", offset);
+}
+
+std::string condition(const Field& field)
+{
+    if (field.alwaysSent || field.presence == Presence::Always)
+        return {};
+    return fmt::format("revision {} {}", field.presence == Presence::SinceRevision ? ">=" : "==",
+                       field.presenceValue);
+}
+
+} // namespace
+
+std::string initFunction(const RecordType& type)
+{
+    const std::string record = recordName(type);
+    std::string text = fmt::format("inline void init_{}({}& record)\n{{\n", type.name, record);
+    // Members in record order, cut at the counted arrays: of these only the ends are cleared.
+    std::string from = "korcg_type";
+    bool cleared = false;
+    std::string ends;
+    for (std::size_t i = 0; i < type.fields.size(); ++i) {
+        const Field& field = type.fields[i];
+        const bool part = field.kind == FieldKind::Bits && field.parent >= 0 &&
+                          row(type, field.parent).isCounted();
+        const std::string name = identifier(field.name);
+        if (field.isCounted() || part) {
+            if (!from.empty())
+                text += fmt::format("    clearMembers(record, offsetof({0}, {1}), offsetof({0}, "
+                                    "{2}));\n",
+                                    record, from, name);
+            from.clear();
+            const Field& array = part ? row(type, field.parent) : field;
+            const int last = array.elements - 1 + (array.isText() || array.countsBytes ? 1 : 0);
+            ends += fmt::format("    record.{0}[0] = 0;\n    record.{0}[{1}] = 0;\n", name, last);
+            cleared = true;
+        } else if (from.empty()) {
+            from = name;
+        }
+    }
+    if (!from.empty())
+        text += fmt::format("    clearMembers(record, offsetof({0}, {1}), sizeof({0}));\n", record,
+                            from);
+    if (cleared)
+        text += ends;
+    text += fmt::format("    record.korcg_type = {};\n", type.record);
+    if (type.isMain())
+        text += fmt::format("    record.Sync1 = '$';\n    record.Sync2 = '@';\n"
+                            "    record.BlockNumber = {};\n",
+                            type.number);
+    for (const Field& field : type.fields) {
+        const std::string name = identifier(field.name);
+        if (field.kind == FieldKind::Text)
+            text += fmt::format("    std::memset(record.{}, ' ', {});\n", name, field.elements);
+        if (field.kind == FieldKind::Embedded)
+            text += fmt::format("    init_{}(record.{});\n", field.subType, name);
+        if (field.initial)
+            text += fmt::format("    record.{} = {:#};\n", name, *field.initial);
+    }
+    return text + "}\n\n";
+}
+
+std::string deriveFunctions(const Format& format, const RecordType& type)
+{
+    std::string text;
+    for (int trigger = 0; trigger < static_cast<int>(type.fields.size()); ++trigger) {
+        if (!triggersFormula(type, trigger) || row(type, trigger).isHeader)
+            continue;
+        std::string plain;
+        std::string withParent;
+        const RecordType* owner = nullptr;
+        for (const Field& field : type.fields) {
+            if (field.kind != FieldKind::Derived || field.after != trigger)
+                continue;
+            std::string arguments;
+            bool climbs = false;
+            for (const std::string& input : field.inputs) {
+                arguments += arguments.empty() ? "" : ", ";
+                if (input.rfind("parent.", 0) == 0) {
+                    climbs = true;
+                    arguments += "parent->" + identifier(input.substr(7));
+                } else {
+                    arguments += "record." + identifier(input);
+                }
+            }
+            const std::string statement =
+                fmt::format("record.{} = Derived::{}({});\n", identifier(field.name),
+                            field.function, arguments);
+            if (climbs && owner == nullptr)
+                owner = &format.types[static_cast<std::size_t>(type.owners.front())];
+            // What follows a value of the parent may build on it.
+            (owner != nullptr ? withParent : plain) +=
+                (owner != nullptr ? "        " : "    ") + statement;
+        }
+        text += fmt::format("inline void {}({}& record)\n{{\n{}",
+                            deriveName(type, row(type, trigger)), recordName(type), plain);
+        if (owner != nullptr)
+            text +=
+                fmt::format("    if (const auto* parent = fatherAs<{}>(record.korcg_father, {})) "
+                            "{{\n{}    }}\n",
+                            recordName(*owner), owner->record, withParent);
+        text += "}\n\n";
+    }
+    return text;
+}
+
+std::string loadFunction(const RecordType& type)
+{
+    const Shape shape = shapeOf(type);
+    std::string body;
+    int offset = 0;
+    std::set<int> padded;
+    for (const int index : shape.head) {
+        const Field& field = row(type, index);
+        if (!field.isHeader) {
+            const std::string guard = condition(field);
+            const std::string indent = guard.empty() ? "    " : "        ";
+            std::string statements;
+            const std::string from = place(field.wireOffset);
+            if (field.isArray())
+                statements = loadArray(type, index, from, indent);
+            else
+                statements =
+                    fmt::format("{}record.{} = {}{}({}){};\n", indent, identifier(field.name),
+                                field.type == Scalar::Char ? "static_cast<char>(" : "",
+                                loadName(field.type), from, field.type == Scalar::Char ? ")" : "");
+            if (!field.isArray())
+                statements += splitStatements(type, index, "", indent);
+            if (triggersFormula(type, index))
+                statements += fmt::format("{}{}(record);\n", indent, deriveName(type, field));
+            body += guard.empty() ? statements
+                                  : fmt::format("    if ({}) {{\n{}    }}\n", guard, statements);
+        }
+        offset += bytesOf(field.type) * field.elements;
+    }
+    return fmt::format("inline void load_{}(const uint8_t* at, {}{}& record)\n{{\n{}}}\n\n",
+                       type.name, shape.conditional ? "unsigned revision, " : "", recordName(type),
+                       body.empty() ? "    static_cast<void>(at);\n    static_cast<void>(record);\n"
+                                    : body);
+}
+
+} // namespace korcg::generator::codec

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "emit/Emitters.h"
+
+#include <string>
+
+/// The pieces of the codec's generated text, one function per kind of output.
+namespace korcg::generator::codec
+{
+
+/// Definition of the record structure.
+std::string recordStruct(const RecordType& type);
+
+/// Inline functions init_<Name>, derive_<Name>_<Field> and load_<Name> of one type.
+std::string initFunction(const RecordType& type);
+std::string deriveFunctions(const Format& format, const RecordType& type);
+std::string loadFunction(const RecordType& type);
+
+/// TQX_init_<Name>, TQX_decode_<Name>, TQX_encode_<Name> and TQX_append_<Name>_<Sub>.
+std::string exportedFunctions(const Format& format, const RecordType& type);
+std::string exportedDeclarations(const RecordType& type);
+
+/// Body of TQX_decode_<Name> for a main block.
+std::string decodeBody(const Format& format, const RecordType& type);
+
+/// Rows and type entry of the layout table.
+std::string layoutTable(const Format& format, const RecordType& type);
+
+/// The driver with its switch over the block numbers, TQX_init_context, the table of all layouts.
+std::string driver(const Format& format, const Selection& selection);
+
+/// TQX_errorName with the table of all names.
+std::string errorNames(const Format& format);
+
+} // namespace korcg::generator::codec

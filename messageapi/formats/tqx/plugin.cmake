@@ -1,0 +1,37 @@
+# The plug-in: messages, metadata, registry and stream services.
+
+tqx_numbered(files TQX_Messages_ 16)
+tqx_generate(messages ${files} TQX_MessageFactory.cpp)
+tqx_numbered(files TQX_Metadata_ 16)
+tqx_generate(metadata ${files} TQX_Registration.cpp TQX_SymbolTables.cpp)
+
+# Nothing runs often enough in the metadata to be worth more time in the compiler.
+set_source_files_properties(${TQX_GENERATED_metadata} PROPERTIES COMPILE_OPTIONS
+    "$<$<AND:$<CXX_COMPILER_ID:GNU,Clang>,$<CONFIG:Release,RelWithDebInfo>>:-O1>")
+
+include(src/sources.cmake)
+
+add_library(tqx SHARED
+    src/messages/TQX_MessageErrors.cpp
+    src/messages/TQX_RawString.cpp
+    src/metadata/TQX_FieldAccess.cpp
+    src/metadata/TQX_FieldInfo.cpp
+    src/metadata/TQX_FormatInfo.cpp
+    src/metadata/TQX_MessageInfo.cpp
+    src/metadata/TQX_SymbolNames.cpp
+    ${TQX_SERVICE_SOURCES}
+    ${TQX_GENERATED_messages}
+    ${TQX_GENERATED_metadata})
+tqx_library(tqx TQX_API)
+set_target_properties(tqx PROPERTIES AUTOMOC ON)
+target_include_directories(tqx PUBLIC
+    "$<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/src>"
+    "$<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/src/messages>"
+    "$<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/src/metadata>"
+    "$<BUILD_INTERFACE:${generated}>")
+target_link_libraries(tqx PUBLIC tqx-codec messageapi korcomm korguibase)
+# The generated headers are written together with the codec's.
+add_dependencies(tqx tqx-codec)
+if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
+    target_compile_options(tqx PRIVATE -Wall -Wextra -Werror)
+endif()
