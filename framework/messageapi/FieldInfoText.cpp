@@ -4,6 +4,7 @@
 
 #include <QLocale>
 
+#include <algorithm>
 #include <cmath>
 
 namespace
@@ -64,19 +65,20 @@ int FieldInfo::scaledDecimals() const
     if (m_precision >= 0) {
         return m_precision;
     }
-    if (!(std::fabs(m_scaleFactor) > 0)) {
+    const double step = std::fabs(m_scaleFactor);
+    if (!(step > 0)) {
         return 0;
     }
-    double power = 1;
-    for (int decimals = 0; decimals <= 15; ++decimals, power *= 10) {
-        const double shifted = m_scaleFactor * power;
-        if (std::fabs(shifted) >= 1 &&
-            std::fabs(shifted - std::round(shifted)) < 1e-9 * std::fabs(shifted)) {
+    constexpr double mostDigits = 1e11;
+    int decimals = 0;
+    for (double shifted = step; shifted < mostDigits; shifted = step * std::pow(10, ++decimals)) {
+        const double whole = std::round(shifted);
+        if (whole >= 1 && std::fabs(shifted - whole) < 1e-12 * whole) {
             return decimals;
         }
     }
     // No finite decimal fraction, such as 1/3600: one step of the integer shows in three digits.
-    return std::max(0, static_cast<int>(std::ceil(-std::log10(std::fabs(m_scaleFactor)))) + 2);
+    return std::max(0, static_cast<int>(std::ceil(-std::log10(step))) + 2);
 }
 
 QString FieldInfo::toScaledString(const FieldValue& value) const

@@ -7,7 +7,7 @@
 #include <functional>
 #include <type_traits>
 
-static_assert(std::is_trivially_copyable_v<FieldValue> && sizeof(FieldValue) == 16);
+static_assert(std::is_trivially_copyable_v<FieldValue> && sizeof(FieldValue) <= 16);
 
 namespace
 {

@@ -15,37 +15,11 @@ bool isFormat(char format, char lower)
     return (format | 0x20) == lower;
 }
 
-std::chars_format charsFormat(char format)
-{
-    if (isFormat(format, 'f')) {
-        return std::chars_format::fixed;
-    }
-    return isFormat(format, 'e') ? std::chars_format::scientific : std::chars_format::general;
-}
-
-template<typename T>
-QString plain(T value, char format, int precision)
-{
-    // Holds the 309 digits of the largest double and many decimals behind them.
-    char text[512];
-    const auto result =
-        precision < 0
-            ? std::to_chars(text, text + sizeof text, value, charsFormat(format))
-            : std::to_chars(text, text + sizeof text, value, charsFormat(format), precision);
-    if (!std::isfinite(value) || result.ec != std::errc()) {
-        return QString::number(static_cast<double>(value), format, std::max(precision, 0));
-    }
-    const auto string = QString::fromLatin1(text, static_cast<int>(result.ptr - text));
-    return format >= 'a' ? string : string.toUpper();
-}
-
 QString render(double value, char format, int precision, bool display)
 {
-    if (!display) {
-        return plain(value, format, precision);
-    }
-    return QLocale().toString(value, format,
-                              precision < 0 ? int(QLocale::FloatingPointShortest) : precision);
+    const int decimals = precision < 0 ? int(QLocale::FloatingPointShortest) : precision;
+    return display ? QLocale().toString(value, format, decimals)
+                   : QString::number(value, format, decimals);
 }
 
 /// Decimals ('f', 'e') or significant digits ('g') of the shortest text of a float.
@@ -77,14 +51,11 @@ QString FloatRepresentation::getString(float value, char format, int precision, 
         return render(wide, format, precision, display);
     }
     const int own = ownDigits(value, format);
-    if (precision < 0) {
-        return display ? render(wide, format, own, display) : plain(value, format, precision);
+    if (precision < 0 || (precision > own && isFormat(format, 'g'))) {
+        return render(wide, format, own, display);
     }
     if (precision <= own) {
         return render(wide, format, precision, display);
-    }
-    if (isFormat(format, 'g')) {
-        return render(wide, format, own, display);
     }
     // At least one decimal, so that the zeros stand behind a decimal point.
     const int shown = std::max(own, 1);

@@ -11,8 +11,8 @@ public:
     /// `format` is 'e', 'f' or 'g' or their capitals, as in printf; `precision` is the number of
     /// decimals, for 'g' of significant digits. A negative precision gives the shortest text that
     /// reads back to the same value. With `display` the text follows the default QLocale, for
-    /// people; without it is plain C form with a point, for programs. Values that are not finite
-    /// are "nan", "inf" and "-inf" in plain form.
+    /// people; without it is plain C form with a point, for programs. Both round alike, ties away
+    /// from zero. Values that are not finite are "nan", "inf" and "-inf" in plain form.
     static QString getString(double value, char format, int precision, bool display);
 
     /// Likewise, with the float's own digits: decimals beyond those that tell it from its

@@ -1,0 +1,186 @@
+#include "QtPrinters.h"
+#include "weather/WeatherField.h"
+#include "weather/WeatherFormat.h"
+
+#include <QLocale>
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace
+{
+
+using Field = WeatherField<BatteryRecord>;
+
+Field::Read readMillivolts()
+{
+    return [](const WeatherMessage<BatteryRecord>& message, unsigned) {
+        return FieldValue::u(message.record().millivolts, 32);
+    };
+}
+
+TEST(FieldInfo, KeepsWhatItIsTold)
+{
+    Field field("Front End", FieldType::u(5), readMillivolts());
+    EXPECT_EQ(field.getRole(), FieldInfo::Data);
+    EXPECT_FALSE(field.hasScaleFactor());
+    EXPECT_EQ(field.getScaleFactor(), 1);
+    EXPECT_EQ(field.getPrecision(), -1);
+    EXPECT_FALSE(field.hasDoNotUseValue());
+    EXPECT_FALSE(field.isDoNotUse(FieldValue()));
+
+    Field part("Part", FieldType::u(1), readMillivolts());
+    field.setUnit(QStringLiteral("volt"));
+    field.setScaleFactor(1);
+    field.setPrecision(0);
+    field.setDoNotUseValue(FieldValue::u(31, 5));
+    field.setRole(FieldInfo::Reserved);
+    field.setIsOptional(true);
+    field.setIsRepeated(true);
+    field.setVirtual(true);
+    field.setRepresentationMode(FieldValue::BitMask);
+    field.addSubFieldInfo(&part);
+    EXPECT_EQ(field.getName(), "Front End");
+    EXPECT_EQ(field.getType(), FieldType::u(5));
+    EXPECT_EQ(field.getUnit(), "volt");
+    EXPECT_TRUE(field.hasScaleFactor());
+    EXPECT_EQ(field.getPrecision(), 0);
+    EXPECT_EQ(field.getDoNotUseValue(), FieldValue::u(31, 5));
+    EXPECT_EQ(field.getDoNotUseValue().getWidth(), 5);
+    EXPECT_EQ(field.getRole(), FieldInfo::Reserved);
+    EXPECT_TRUE(field.isOptional() && field.isRepeated() && field.isVirtual());
+    EXPECT_EQ(field.getRepresentationMode(), FieldValue::BitMask);
+    EXPECT_EQ(field.getSubFieldInfos(), QVector<const FieldInfo*>{&part});
+}
+
+TEST(FieldInfo, FindsTheFirstNameOfAValue)
+{
+    struct Row {
+        const char* what;
+        std::vector<int> values;
+    };
+    const std::vector<Row> rows = {
+        {"none", {}},
+        {"dense", {0, 1, 2, 3, 4}},
+        {"dense from 33", {33, 34, 35}},
+        {"gaps", {1, 2, 7, 8, 100, 255}},
+        {"zero last", {1, 2, 3, 9, 0}},
+        {"descending", {9, 5, 3}},
+        {"twice", {1, 2, 2, 1, 4}},
+        {"negative", {-128, -1, 0, 3, -5}},
+    };
+    for (const Row& row : rows) {
+        Field field("F", FieldType::i(16), readMillivolts());
+        for (size_t i = 0; i < row.values.size(); ++i) {
+            const int value = row.values[i];
+            field.addSymbolicValue(value < 0 ? FieldValue::i(value, 16)
+                                             : FieldValue::u(static_cast<unsigned>(value), 16),
+                                   QString::number(i));
+        }
+        EXPECT_EQ(static_cast<size_t>(field.getSymbolicValues().size()), row.values.size());
+        for (int wanted = -200; wanted <= 300; ++wanted) {
+            QString expected;
+            for (size_t i = 0; i < row.values.size() && expected.isEmpty(); ++i) {
+                expected = row.values[i] == wanted ? QString::number(i) : QString();
+            }
+            const auto asUnsigned = FieldValue::u(static_cast<unsigned>(wanted), 16);
+            const QString* found =
+                field.findSymbolicValue(wanted < 0 ? FieldValue::i(wanted, 16) : asUnsigned);
+            EXPECT_EQ(found ? *found : QString(), expected) << row.what << ' ' << wanted;
+        }
+    }
+}
+
+TEST(FieldInfo, ScalesForPeople)
+{
+    struct Row {
+        double scale; ///< 0: none
+        int precision;
+        FieldValue value;
+        const char* text;
+    };
+    using V = FieldValue;
+    const std::vector<Row> rows = {
+        {0, -1, V::u(12345, 16), "12345"},
+        {0, -1, V::i(-5, 8), "-5"},
+        {0, 2, V::f64(1.005), "1.00"},
+        {0, -1, V::f32(0.5f), "0.500000"},
+        {0.001, -1, V::u(345600001, 32), "345600.001"},
+        {0.1, -1, V::i(-35, 16), "-3.5"},
+        {0.25, -1, V::u(181, 8), "45.25"},
+        {0.001953125, -1, V::u(1, 16), "0.001953125"},
+        {6.25e-9, -1, V::u(2, 16), "0.00000001250"},
+        {1.0 / 3600, -1, V::u(3600, 16), "1.000000"},
+        {10, -1, V::u(12, 16), "120"},
+        {1000, 0, V::u(12, 16), "12000"},
+        {4294967.296, -1, V::u(2, 8), "8589934.592"},
+        {1e-22, -1, V::u(3, 8), "0.0000000000000000000003"},
+        {0.5, 1, V::f64(3), "1.5"},
+        {1, -1, V::ch('x'), "x"},
+    };
+    const QLocale before;
+    QLocale::setDefault(QLocale::c());
+    for (const Row& row : rows) {
+        Field field("F", FieldType::u(8), readMillivolts());
+        if (row.scale > 0) {
+            field.setScaleFactor(row.scale);
+        }
+        field.setPrecision(static_cast<signed char>(row.precision));
+        EXPECT_EQ(field.toScaledString(row.value), row.text) << row.scale;
+    }
+    QLocale::setDefault(before);
+
+    Field mask("Mask", FieldType::u(64), readMillivolts());
+    mask.setRepresentationMode(FieldValue::BitMask);
+    EXPECT_EQ(mask.toScaledString(V::u(5, 10)), "0x005");
+    EXPECT_EQ(mask.toScaledString(V::u(~0ull, 64)), "0xffffffffffffffff");
+}
+
+/// Restores the statics of Message that a test changes.
+struct DoNotUseSettings {
+    QString text = Message::doNotUseString;
+    bool isUsed = Message::useDoNotUseString;
+    ~DoNotUseSettings()
+    {
+        Message::doNotUseString = text;
+        Message::useDoNotUseString = isUsed;
+    }
+};
+
+TEST(FieldInfo, StoredTextPrefersNamesForIntegersAndDoNotUseForFloats)
+{
+    WeatherFormat::getInstance();
+    const BatteryMessage message({1, 255});
+    const DoNotUseSettings restore;
+    Message::doNotUseString = QStringLiteral("n/a");
+
+    Field integer("I", FieldType::u(32), readMillivolts());
+    integer.setUnit(QStringLiteral("millivolt"));
+    integer.setScaleFactor(0.001);
+    EXPECT_EQ(integer.getValueString(&message, 0, false), "255");
+    EXPECT_EQ(integer.getValueString(&message, 0, true), "255 millivolt");
+    EXPECT_EQ(integer.getValueString(&message), "0.255 millivolt");
+    integer.setDoNotUseValue(FieldValue::u(255, 8));
+    EXPECT_EQ(integer.getValueString(&message, 0, true), "n/a");
+    EXPECT_EQ(integer.getValueString(&message), "n/a");
+    Message::useDoNotUseString = false;
+    EXPECT_EQ(integer.getValueString(&message, 0, true), "");
+    integer.addSymbolicValue(FieldValue::u(255, 8), QStringLiteral("DoNotUse"));
+    EXPECT_EQ(integer.getValueString(&message, 0, true), "DoNotUse");
+    EXPECT_THROW(integer.getValueString(&message, 1, true), MessageApiEvent);
+
+    Field real("F", FieldType::f64(), [](const WeatherMessage<BatteryRecord>& m, unsigned) {
+        return FieldValue::f64(m.record().millivolts);
+    });
+    real.setPrecision(1);
+    EXPECT_EQ(real.getValueString(&message, 0, true), "255.0");
+    real.addSymbolicValue(FieldValue::f64(255), QStringLiteral("DoNotUse"));
+    EXPECT_EQ(real.getValueString(&message, 0, true), "DoNotUse");
+    real.setDoNotUseValue(FieldValue::f64(255));
+    EXPECT_EQ(real.getValueString(&message, 0, true), "");
+    Message::useDoNotUseString = true;
+    EXPECT_EQ(real.getValueString(&message, 0, true), "n/a");
+}
+
+} // namespace
