@@ -12,12 +12,13 @@ namespace
 struct Table {
     size_t mask;
     std::atomic<NameCounter*>* slots;
+    const Table* previous; ///< kept: other threads may be reading it
 };
 
 /// Holds the plug-in's 6,600 names at less than half its capacity.
 constexpr size_t firstCapacity = 16384;
 std::atomic<NameCounter*> firstSlots[firstCapacity];
-Table firstTable{firstCapacity - 1, firstSlots};
+Table firstTable{firstCapacity - 1, firstSlots, nullptr};
 
 std::atomic<Table*> currentTable{&firstTable};
 
@@ -74,11 +75,10 @@ void insert(Table& table, NameCounter* counter)
     table.slots[at].store(counter, std::memory_order_release);
 }
 
-/// The old table is kept: other threads may be reading it.
 Table* grown(const Table& table)
 {
     const size_t capacity = 2 * (table.mask + 1);
-    auto* larger = new Table{capacity - 1, new std::atomic<NameCounter*>[capacity]};
+    auto* larger = new Table{capacity - 1, new std::atomic<NameCounter*>[capacity], &table};
     for (size_t i = 0; i < capacity; ++i) {
         larger->slots[i].store(nullptr, std::memory_order_relaxed);
     }
