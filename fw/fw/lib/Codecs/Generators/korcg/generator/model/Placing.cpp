@@ -1,5 +1,6 @@
 #include "model/Numbering.h"
 
+#include "model/Limits.h"
 #include "model/Values.h"
 
 #include <map>
@@ -63,6 +64,8 @@ private:
         const bool isFixed = field.hasCode() && !field.isCounted();
         if (position != notConstant)
             position = isFixed ? position + wireSize(field) : notConstant;
+        if (position > largestBlock)
+            position = notConstant;
     }
 
     /// End of what a block of that revision holds.

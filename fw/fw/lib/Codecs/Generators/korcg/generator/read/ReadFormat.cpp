@@ -67,7 +67,8 @@ void readReserved(const ReadContext& context, const YamlMap& map, Format& format
         const bool isSub = entry.flag("sub").value_or(false);
         if (node.IsMap() && isSub == entry.has("number"))
             context.error(node, "a reserved type has either 'number' or 'sub: true'");
-        format.reserved.push_back(type);
+        if (entry.has("name"))
+            format.reserved.push_back(type);
     }
 }
 

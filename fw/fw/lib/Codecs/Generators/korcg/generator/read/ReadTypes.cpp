@@ -11,6 +11,7 @@ namespace
 {
 
 constexpr int highestNumber = 65535; // wider than the ranges that the checks allow
+constexpr int unknownNumber = -1;    // a main block all the same
 
 const std::vector<std::string_view> blockKeys = {"block",    "record", "number",    "generation",
                                                  "flexrate", "esoc",   "timestamp", "text",
@@ -19,7 +20,7 @@ const std::vector<std::string_view> subKeys = {"sub", "record", "text", "message
 
 void readBlockAttributes(const YamlMap& map, RecordType& type)
 {
-    type.number = map.requiredInteger("number", 1, highestNumber).value_or(1);
+    type.number = map.requiredInteger("number", 1, highestNumber).value_or(unknownNumber);
     type.generation = map.integer("generation", 1, 255).value_or(1);
     type.flexrate = map.flag("flexrate").value_or(false);
     type.esoc = map.flag("esoc").value_or(false);
@@ -33,7 +34,7 @@ void readBlockAttributes(const YamlMap& map, RecordType& type)
 
 TypeDraft readType(const ReadContext& context, const YAML::Node& node)
 {
-    const bool isSub = node.IsMap() && node["sub"];
+    const bool isSub = static_cast<bool>(node["sub"]);
     const YamlMap map(context, node, isSub ? "a sub-block" : "a block",
                       isSub ? subKeys : blockKeys);
     TypeDraft draft;
@@ -45,7 +46,7 @@ TypeDraft readType(const ReadContext& context, const YAML::Node& node)
     type.hasMessage = map.flag("message").value_or(true);
     if (!isSub)
         readBlockAttributes(map, type);
-    if (node.IsMap() && !map.has("fields"))
+    if (!map.has("fields"))
         map.error("fields", "is missing");
     for (const YAML::Node& field : map.list("fields"))
         draft.fields.push_back(readField(context, field));
@@ -58,6 +59,10 @@ std::vector<TypeDraft> readTypes(const ReadContext& context, const YAML::Node& l
 {
     std::vector<TypeDraft> drafts;
     for (const YAML::Node& node : list) {
+        if (!node.IsMap()) {
+            context.error(node, "a block or sub-block must be a map");
+            continue;
+        }
         const std::size_t errorsBefore = context.errors.count();
         drafts.push_back(readType(context, node));
         drafts.back().type.broken = context.errors.count() != errorsBefore;

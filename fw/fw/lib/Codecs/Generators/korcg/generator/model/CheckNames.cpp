@@ -1,0 +1,85 @@
+#include "emit/Names.h"
+#include "model/CheckParts.h"
+#include "model/Identifiers.h"
+
+#include <fmt/format.h>
+
+#include <map>
+
+namespace korcg::generator
+{
+
+namespace
+{
+
+/// Members of every record that no field may be called like.
+constexpr std::string_view bookkeepingPrefix = "korcg_";
+
+void checkIdentifier(const RecordType& type, const Field& field, Errors& errors)
+{
+    const std::string name = identifier(field.name);
+    if (isKeyword(name))
+        errors.add(field.where,
+                   fmt::format("{} is named like a C++ keyword", qualified(type, field)));
+    else if (!isIdentifier(name))
+        errors.add(field.where, fmt::format("'{}' cannot name a field of {}: letters, digits, "
+                                            "blanks and underscores only, no digit in front",
+                                            field.name, type.name));
+    else if (name.rfind(bookkeepingPrefix, 0) == 0)
+        errors.add(field.where,
+                   fmt::format("{} is named like a bookkeeping member", qualified(type, field)));
+}
+
+std::string describe(const Field& field)
+{
+    return field.isHeader ? fmt::format("{} of the header", field.name)
+                          : fmt::format("'{}' in line {}", field.name, field.where.line);
+}
+
+void checkCollisions(const RecordType& type, Errors& errors)
+{
+    std::map<std::string, const Field*> members;
+    std::map<std::string, const Field*> codes;
+    for (const Field& field : type.fields) {
+        const auto [member, isNew] = members.emplace(identifier(field.name), &field);
+        if (!isNew) {
+            errors.add(field.where, fmt::format("{} is named like {}", qualified(type, field),
+                                                describe(*member->second)));
+            continue;
+        }
+        if (!field.hasCode())
+            continue;
+        const auto [code, isNewCode] = codes.emplace(upperName(field.name), &field);
+        if (!isNewCode)
+            errors.add(field.where, fmt::format("{} gives the same code names as {}",
+                                                qualified(type, field), code->second->name));
+    }
+}
+
+void checkOverlaps(const RecordType& type, Errors& errors)
+{
+    std::map<int, uint64_t> usedBits; // by row of the word
+    for (const Field& field : type.fields) {
+        if (field.kind != FieldKind::Bits || field.isVirtual)
+            continue;
+        const uint64_t ones = field.width >= 64 ? ~uint64_t{0} : (uint64_t{1} << field.width) - 1;
+        uint64_t& used = usedBits[field.parent];
+        if ((used & ones << field.shift) != 0)
+            errors.add(field.where, fmt::format("{} overlaps another sub-field; 'virtual: true' "
+                                                "would allow it",
+                                                qualified(type, field)));
+        used |= ones << field.shift;
+    }
+}
+
+} // namespace
+
+void checkNames(const RecordType& type, Errors& errors)
+{
+    for (const Field& field : type.fields)
+        checkIdentifier(type, field, errors);
+    checkCollisions(type, errors);
+    checkOverlaps(type, errors);
+}
+
+} // namespace korcg::generator
