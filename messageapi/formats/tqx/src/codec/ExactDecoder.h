@@ -14,8 +14,8 @@ namespace Kor::MessageApi
 ///
 /// Arguments and result are those of the generated TQX_decode_<Name>() functions. Arrays that were
 /// allocated before a failure stay in the record for the caller to release.
-int32_t decodeExactly(const TQX_TypeLayout& type, TQX_Context_s* context, const uint8_t* buffer,
-                      uint16_t size, uint32_t* offset, void* father, uint32_t explicitLength,
-                      void* record);
+TQX_CODEC_API int32_t decodeExactly(const TQX_TypeLayout& type, TQX_Context_s* context,
+                                    const uint8_t* buffer, uint16_t size, uint32_t* offset,
+                                    void* father, uint32_t explicitLength, void* record);
 
 } // namespace Kor::MessageApi

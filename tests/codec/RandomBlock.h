@@ -1,0 +1,22 @@
+#pragma once
+
+#include "TQX_codec.h"
+
+#include <cstdint>
+#include <random>
+#include <vector>
+
+/// Random but well-formed blocks of any main type, built along the layout table.
+struct BlockOptions {
+    unsigned revision = 0;
+    unsigned largestCount = 4; ///< entries and elements of counted fields
+    unsigned extraBytes = 0;   ///< unknown bytes behind each entry
+};
+
+/// One framed block: a random value in every field, extremes included, counts and lengths
+/// consistent, Length and CRC right.
+std::vector<uint8_t> randomBlock(const Kor::MessageApi::TQX_TypeLayout& type,
+                                 const BlockOptions& options, std::mt19937_64& random);
+
+/// All layouts of main blocks, ascending record type.
+std::vector<const Kor::MessageApi::TQX_TypeLayout*> mainTypes();
