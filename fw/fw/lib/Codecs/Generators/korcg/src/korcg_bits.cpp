@@ -42,7 +42,7 @@ void putBits(uint8_t* buffer, uint32_t offset, uint8_t bit_len, uint8_t value)
 }
 
 /// Sets all bits from `bit_len` upward when bit `bit_len` - 1 is set.
-template <typename Signed, typename Unsigned>
+template<typename Signed, typename Unsigned>
 Signed extendSign(Unsigned value, uint8_t bit_len)
 {
     static_assert(sizeof(Signed) == sizeof(Unsigned));

@@ -1,0 +1,57 @@
+#include "korcg_crc.h"
+#include "korcg_crc_tables.h"
+
+// Appending n bytes multiplies a checksum by x^(8 n). The polynomial is x + 1 times a primitive
+// polynomial of degree 15, so the powers of x repeat after 2^15 - 1: two small tables hold the
+// factors of all of them.
+
+namespace
+{
+
+constexpr size_t kPeriod = 0x7fff;
+
+/// Product without reduction, of degree 30 at most. Free of branches and of waiting for each
+/// other's steps.
+constexpr uint32_t multiplyWide(uint16_t a, uint16_t b)
+{
+    uint32_t product = 0;
+    for (unsigned bit = 0; bit < 16; ++bit) {
+        product ^= (uint32_t{a} << bit) & (0u - (uint32_t{b} >> bit & 1u));
+    }
+    return product;
+}
+
+uint16_t multiply(uint16_t a, uint16_t b)
+{
+    const uint32_t product = multiplyWide(a, b);
+    return static_cast<uint16_t>((product & 0xffff) ^ korcg::kCrcTables[1][product >> 24] ^
+                                 korcg::kCrcTables[0][product >> 16 & 0xff]);
+}
+
+/// Element i is the i-th power of `factor`.
+template<size_t Size>
+constexpr std::array<uint16_t, Size> makePowers(uint16_t factor)
+{
+    std::array<uint16_t, Size> powers{};
+    uint32_t power = 1;
+    for (uint16_t& element : powers) {
+        element = static_cast<uint16_t>(power);
+        power = multiplyWide(element, factor);
+        for (unsigned bit = 30; bit >= 16; --bit) {
+            power ^= (power >> bit & 1) * (0x10000 | korcg::kCrcPolynomial) << (bit - 16);
+        }
+    }
+    return powers;
+}
+
+constexpr auto kFinePowers = makePowers<256>(korcg::crcPower(8));
+constexpr auto kCoarsePowers = makePowers<128>(korcg::crcPower(8 * 256));
+
+} // namespace
+
+uint16_t korcg_crc16_combine(uint16_t crcA, uint16_t crcB, size_t lengthB)
+{
+    const size_t length = lengthB % kPeriod;
+    const uint16_t shift = multiply(kCoarsePowers[length >> 8], kFinePowers[length & 0xff]);
+    return static_cast<uint16_t>(multiply(shift, crcA) ^ crcB);
+}

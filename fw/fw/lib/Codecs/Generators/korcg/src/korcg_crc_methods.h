@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#if defined(__x86_64__) && defined(__GNUC__)
+#define KORCG_HAVE_CLMUL 1
+#else
+#define KORCG_HAVE_CLMUL 0
+#endif
+
+namespace korcg
+{
+
+/// The ways to compute the checksum, all with the meaning of korcg_crc16_bytes.
+uint16_t crcByteTable(const uint8_t* data, size_t size, uint16_t start);
+uint16_t crcSlicing(const uint8_t* data, size_t size, uint16_t start);
+
+#if KORCG_HAVE_CLMUL
+/// Carry-less multiplication of 16 bytes at a time, and whether this processor can do it.
+uint16_t crcClmul(const uint8_t* data, size_t size, uint16_t start);
+bool crcClmulRuns();
+
+/// Likewise of 64 bytes at a time.
+uint16_t crcWideClmul(const uint8_t* data, size_t size, uint16_t start);
+bool crcWideClmulRuns();
+#endif
+
+} // namespace korcg
