@@ -77,9 +77,11 @@ const FormatInfo* FormatInfo::getFormat(const QString& name)
 void FormatInfo::addMessageInfo(const MessageInfo* info)
 {
     m_messageInfos.append(info);
+    m_allMessageInfos.append(info);
 }
 
 void FormatInfo::addSubMessageInfo(const MessageInfo* info)
 {
     m_subMessageInfos.append(info);
+    m_allMessageInfos.append(info);
 }

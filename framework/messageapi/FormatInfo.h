@@ -23,6 +23,9 @@ public:
     const QVector<const MessageInfo*>& getMessageInfos() const { return m_messageInfos; }
     const QVector<const MessageInfo*>& getSubMessageInfos() const { return m_subMessageInfos; }
 
+    /// Main and sub types together, likewise.
+    const QVector<const MessageInfo*>& getAllMessageInfos() const { return m_allMessageInfos; }
+
     /// The type of that name, main or sub, or null.
     const MessageInfo* getMessageInfo(const QString& name) const;
 
@@ -45,6 +48,7 @@ private:
     QString m_name;
     QVector<const MessageInfo*> m_messageInfos;
     QVector<const MessageInfo*> m_subMessageInfos;
+    QVector<const MessageInfo*> m_allMessageInfos;
 };
 
 Q_DECLARE_METATYPE(const FormatInfo*)
