@@ -58,7 +58,7 @@ uint64_t hashOf(std::string_view name)
 
 NameCounter* findIn(const Table& table, std::string_view name, uint64_t hash)
 {
-    for (size_t at = hash & table.mask;; at = (at + 1) & table.mask) {
+    for (size_t at = static_cast<size_t>(hash) & table.mask;; at = (at + 1) & table.mask) {
         NameCounter* counter = table.slots[at].load(std::memory_order_acquire);
         if (!counter || (counter->hash == hash && counter->name() == name)) {
             return counter;
@@ -68,7 +68,7 @@ NameCounter* findIn(const Table& table, std::string_view name, uint64_t hash)
 
 void insert(Table& table, NameCounter* counter)
 {
-    size_t at = counter->hash & table.mask;
+    size_t at = static_cast<size_t>(counter->hash) & table.mask;
     while (table.slots[at].load(std::memory_order_relaxed)) {
         at = (at + 1) & table.mask;
     }

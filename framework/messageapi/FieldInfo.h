@@ -133,8 +133,10 @@ protected:
     void addSubFieldInfo(FieldInfo* subField);
 
 private:
-    enum class TextKind { Name, NotAvailable, Number };
-    TextKind classify(const FieldValue& value, QString* text) const;
+    /// Whether words stand for the value instead of a number; then they are put into `text`.
+    bool hasWords(const FieldValue& value, QString* text) const;
+    QString scaledNumber(const FieldValue& value) const;
+    QString storedNumber(const FieldValue& value) const;
     int scaledDecimals() const;
 
     QString m_name;

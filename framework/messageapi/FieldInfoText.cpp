@@ -17,8 +17,36 @@ QString notAvailableText()
     return Message::useDoNotUseString ? Message::doNotUseString : QString();
 }
 
-QString storedNumber(const FieldValue& value, int decimals)
+/// As many hexadecimal digits as the width takes, so that bits keep their places.
+QString bitMask(const FieldValue& value)
 {
+    const int digits = (value.getWidth() + 3) / 4;
+    return QStringLiteral("0x%1").arg(value.getU64(), digits, 16, QLatin1Char('0'));
+}
+
+} // namespace
+
+bool FieldInfo::hasWords(const FieldValue& value, QString* text) const
+{
+    // The do-not-use value of an integer has a name as a rule, which is more telling.
+    if (value.isFloat() && isDoNotUse(value)) {
+        *text = notAvailableText();
+        return true;
+    }
+    if (const QString* name = findSymbolicValue(value)) {
+        *text = *name;
+        return true;
+    }
+    if (isDoNotUse(value)) {
+        *text = notAvailableText();
+        return true;
+    }
+    return false;
+}
+
+QString FieldInfo::storedNumber(const FieldValue& value) const
+{
+    const int decimals = m_precision >= 0 ? m_precision : defaultFloatDecimals;
     switch (value.getKind()) {
     case FieldKind::U:
         return QLocale().toString(static_cast<qulonglong>(value.getU64()));
@@ -31,33 +59,6 @@ QString storedNumber(const FieldValue& value, int decimals)
     default:
         return value.toString();
     }
-}
-
-/// As many hexadecimal digits as the width takes, so that bits keep their places.
-QString bitMask(const FieldValue& value)
-{
-    const int digits = (value.getWidth() + 3) / 4;
-    return QStringLiteral("0x%1").arg(value.getU64(), digits, 16, QLatin1Char('0'));
-}
-
-} // namespace
-
-FieldInfo::TextKind FieldInfo::classify(const FieldValue& value, QString* text) const
-{
-    const bool isFloat = value.isFloat();
-    if (isFloat && isDoNotUse(value)) {
-        *text = notAvailableText();
-        return TextKind::NotAvailable;
-    }
-    if (const QString* name = findSymbolicValue(value)) {
-        *text = *name;
-        return TextKind::Name;
-    }
-    if (!isFloat && isDoNotUse(value)) {
-        *text = notAvailableText();
-        return TextKind::NotAvailable;
-    }
-    return TextKind::Number;
 }
 
 int FieldInfo::scaledDecimals() const
@@ -81,12 +82,8 @@ int FieldInfo::scaledDecimals() const
     return std::max(0, static_cast<int>(std::ceil(-std::log10(step))) + 2);
 }
 
-QString FieldInfo::toScaledString(const FieldValue& value) const
+QString FieldInfo::scaledNumber(const FieldValue& value) const
 {
-    QString text;
-    if (classify(value, &text) != TextKind::Number) {
-        return text;
-    }
     if (m_representationMode == FieldValue::BitMask && value.getKind() == FieldKind::U) {
         return bitMask(value);
     }
@@ -95,7 +92,13 @@ QString FieldInfo::toScaledString(const FieldValue& value) const
         return FloatRepresentation::getString(value.toDouble() * m_scaleFactor, 'f',
                                               scaledDecimals(), true);
     }
-    return storedNumber(value, m_precision >= 0 ? m_precision : defaultFloatDecimals);
+    return storedNumber(value);
+}
+
+QString FieldInfo::toScaledString(const FieldValue& value) const
+{
+    QString words;
+    return hasWords(value, &words) ? words : scaledNumber(value);
 }
 
 QString FieldInfo::getValueString(const Message* message) const
@@ -113,8 +116,11 @@ QString FieldInfo::getValueString(const Message* message) const
             line += QLatin1Char(' ');
         }
         QString text;
-        showsNumber = classify(value, &text) == TextKind::Number || showsNumber;
-        line += toScaledString(value);
+        if (!hasWords(value, &text)) {
+            text = scaledNumber(value);
+            showsNumber = true;
+        }
+        line += text;
     }
     if (showsNumber && !m_unit.isEmpty()) {
         line += QLatin1Char(' ') + m_unit;
@@ -126,10 +132,10 @@ QString FieldInfo::getValueString(const Message* message, unsigned index, bool w
 {
     const FieldValue value = getValue(message, index);
     QString text;
-    if (classify(value, &text) != TextKind::Number) {
+    if (hasWords(value, &text)) {
         return text;
     }
-    text = storedNumber(value, m_precision >= 0 ? m_precision : defaultFloatDecimals);
+    text = storedNumber(value);
     if (withUnit && !m_unit.isEmpty()) {
         text += QLatin1Char(' ') + m_unit;
     }
