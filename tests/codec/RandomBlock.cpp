@@ -107,11 +107,12 @@ uint64_t Builder::choose(const TQX_TypeLayout& type, int row)
     return selected(type, row, any(size * 8));
 }
 
-// Fills an entry up to the length that its block states.
+// Fills an entry up to the length that its block states: with zeros, as an encoder would, unless
+// unknown bytes are asked for.
 void Builder::fill(size_t start, uint64_t length)
 {
     while (bytes.size() < start + length)
-        put(any(8), 1);
+        put(m_options.extraBytes == 0 ? 0 : any(8), 1);
 }
 
 void Builder::entries(const TQX_FieldLayout& field, const std::vector<uint64_t>& values)
