@@ -47,18 +47,12 @@ int generate(const Options& options)
         return 0;
 
     Output output(options.output, options.listOutputs);
-#ifdef KORCG_HAVE_CODEC
     if (options.only.empty() || options.only == "codec")
         emitCodec(format, selection, output);
-#endif
-#ifdef KORCG_HAVE_MESSAGES
     if (options.only.empty() || options.only == "messages")
         emitMessages(format, selection, output);
-#endif
-#ifdef KORCG_HAVE_METADATA
     if (options.only.empty() || options.only == "metadata")
         emitMetadata(format, selection, output);
-#endif
     if (options.listOutputs)
         for (const std::string& name : output.names())
             fmt::print("{}\n", name);

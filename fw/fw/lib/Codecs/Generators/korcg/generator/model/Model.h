@@ -64,9 +64,9 @@ struct Field {
 
     int elements = 1; ///< fixed number of elements, or capacity
     int parent = -1;
-    int count = -1;           ///< row of the count field
-    bool countsBytes = false; ///< the count field holds bytes
-    int length = -1;          ///< row of the entry length field
+    int count = -1;            ///< row of the count field
+    bool countsBytes = false;  ///< the count field holds bytes
+    int length = -1;           ///< row of the entry length field
     bool lengthInMain = false; ///< `length` is a row of the main block that owns the owner
     std::string subType;       ///< Blocks, Embedded: name of the sub-block type
 
@@ -131,9 +131,9 @@ struct RecordType {
     bool broken = false; ///< errors were found in it; later stages do not look inside
 
     // Filled by later stages.
-    int level = 0;         ///< 0 owns no sub-block, 1 owns leaves, 2 owns an owner
-    int linksToMain = 0;   ///< 0 for a main block, 1 or 2 for a sub-block
-    int registration = 0;  ///< position in the registry from 1, 0 without message class
+    int level = 0;           ///< 0 owns no sub-block, 1 owns leaves, 2 owns an owner
+    int linksToMain = 0;     ///< 0 for a main block, 1 or 2 for a sub-block
+    int registration = 0;    ///< position in the registry from 1, 0 without message class
     std::vector<int> owners; ///< indices into Format::types of the types that hold this one
     int highestRevision = 0; ///< highest revision that it, or a sub-block in it, distinguishes
     int sizeUnderflow = 0;
@@ -164,8 +164,8 @@ struct Format {
     std::vector<ReservedType> reserved;
     std::vector<RegistrationEntry> registration;
     std::map<std::string, SymbolTable> symbols;
-    std::vector<std::string> units; ///< unit vocabulary
-    std::vector<double> scales;     ///< allowed scale factors
+    std::vector<std::string> units;     ///< unit vocabulary
+    std::vector<double> scales;         ///< allowed scale factors
     std::vector<std::string> codeNames; ///< name of code -1 first, then downward to -6073
 
     const RecordType* find(const std::string& typeName) const

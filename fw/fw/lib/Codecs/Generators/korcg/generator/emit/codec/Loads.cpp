@@ -220,8 +220,6 @@ std::string loadFunction(const RecordType& type)
 {
     const Shape shape = shapeOf(type);
     std::string body;
-    int offset = 0;
-    std::set<int> padded;
     for (const int index : shape.head) {
         const Field& field = row(type, index);
         if (!field.isHeader) {
@@ -243,7 +241,6 @@ std::string loadFunction(const RecordType& type)
             body += guard.empty() ? statements
                                   : fmt::format("    if ({}) {{\n{}    }}\n", guard, statements);
         }
-        offset += bytesOf(field.type) * field.elements;
     }
     return fmt::format("inline void load_{}(const uint8_t* at, {}{}& record)\n{{\n{}}}\n\n",
                        type.name, shape.conditional ? "unsigned revision, " : "", recordName(type),

@@ -1,0 +1,22 @@
+// Reads arbitrary bytes as a description: whatever they are, errors are reported, nothing crashes.
+
+#include "read/Load.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <utility>
+
+using namespace korcg::generator;
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
+{
+    std::string text(reinterpret_cast<const char*>(data), size);
+    Errors errors;
+    const Format format = load({{"fuzz.yaml", std::move(text)}}, errors);
+    errors.report();
+    // A description without errors has a name for every code.
+    if (errors.empty() && format.codeNames.size() != 6073)
+        __builtin_trap();
+    return 0;
+}
