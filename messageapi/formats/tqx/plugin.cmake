@@ -1,7 +1,9 @@
 # The plug-in: messages, metadata, registry and stream services.
 
 tqx_numbered(files TQX_Messages_ 16)
-tqx_generate(messages ${files} TQX_MessageFactory.cpp)
+tqx_generate(messages ${files} TQX_MessageFactory.cpp tests/TQX_MessageAccessors.cpp)
+# Written for the tests of the messages only.
+list(FILTER TQX_GENERATED_messages EXCLUDE REGEX "/tests/")
 tqx_numbered(files TQX_Metadata_ 16)
 tqx_generate(metadata ${files} TQX_Registration.cpp TQX_SymbolTables.cpp)
 

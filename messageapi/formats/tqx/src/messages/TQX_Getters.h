@@ -4,9 +4,7 @@
 
 #include "korcg_dbg.h"
 
-#include <algorithm>
 #include <atomic>
-#include <cstddef>
 
 // Small pieces that the generated message classes share.
 
@@ -17,14 +15,6 @@ inline int TQX_mainRevision(const void* record, int links)
     for (; links > 0 && record; --links)
         record = static_cast<const Kor::MessageApi::KorcgHeader_s*>(record)->korcg_father;
     return record ? static_cast<const Kor::MessageApi::TQX_MainHeader_s*>(record)->Revision : -1;
-}
-
-/// Elements of a counted array that may be read. A record that a caller has filled may announce
-/// more than it has room for.
-template<typename Element, std::size_t Room>
-unsigned int TQX_readableCount(const Element (&)[Room], unsigned int count)
-{
-    return std::min(count, static_cast<unsigned int>(Room));
 }
 
 /// Asks once whether tracing is on for a message class; `level` stays -1 while the trace facility

@@ -26,6 +26,8 @@ constexpr const char* groupText = R"({includes}#include "TQX_Getters.h"
 
 #include "MemLeakTracer.h"
 
+#include <algorithm>
+
 using namespace Kor::MessageApi;
 {classes})";
 

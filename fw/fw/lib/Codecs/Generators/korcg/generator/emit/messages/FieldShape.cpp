@@ -92,7 +92,7 @@ std::string countExpression(const RecordType& type, const Field& field)
     case FieldKind::CountedText:
         return memberOf(type, array.count) + " + 1U";
     case FieldKind::CountedArray:
-        if (array.countsBytes)
+        if (array.countsBytes && bytesOf(array.type) > 1)
             return fmt::format("{} / {}U", memberOf(type, array.count), bytesOf(array.type));
         return memberOf(type, array.count);
     case FieldKind::Blocks:
@@ -102,9 +102,13 @@ std::string countExpression(const RecordType& type, const Field& field)
     }
 }
 
-bool countVaries(const RecordType& type, const Field& field)
+std::string readableCount(const RecordType& type, const Field& field)
 {
-    return arrayField(type, field).isCounted();
+    const Field& array = arrayField(type, field);
+    if (!array.isCounted())
+        return countExpression(type, field);
+    return fmt::format("std::min(getNumberOf{}(), {}U)", identifier(field.name),
+                       array.elements + (array.isText() ? 1 : 0));
 }
 
 std::string presenceExpression(const RecordType& type, const Field& field)

@@ -37,8 +37,9 @@ std::string childMember(const Field& field);
 /// What getNumberOf<F>() returns: "3", "m_record->StringLn + 1U", "m_record->N1".
 std::string countExpression(const RecordType& type, const Field& field);
 
-/// Whether a count above the capacity of the record's array is possible.
-bool countVaries(const RecordType& type, const Field& field);
+/// Elements that a getter may read: the count, but never more than the record has room for, because
+/// a record that a caller has filled may announce more.
+std::string readableCount(const RecordType& type, const Field& field);
 
 /// What has<F>() returns: "m_record->Revision >= 2", "m_record->Type == 4".
 std::string presenceExpression(const RecordType& type, const Field& field);

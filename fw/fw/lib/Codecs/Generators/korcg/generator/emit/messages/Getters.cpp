@@ -144,15 +144,6 @@ constexpr const char* absentTest = R"(
     if (!has{F}())
         TQX_throwAbsent("{N}", "{F}");)";
 
-/// Elements that a getter may read: the count, but never more than the record has room for.
-std::string readableCount(const RecordType& type, const Field& field)
-{
-    const std::string name = identifier(field.name);
-    if (countVaries(type, field))
-        return fmt::format("TQX_readableCount(m_record->{}, getNumberOf{}())", name, name);
-    return countExpression(type, field);
-}
-
 std::string fill(const char* text, const RecordType& type, const Field& field)
 {
     const Family family = familyOf(type, field);
