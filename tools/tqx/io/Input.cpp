@@ -13,11 +13,11 @@ namespace tool
 {
 
 Input::Input(std::string path)
-    : name(path == "-" ? "standard input" : path)
-    , descriptor(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC))
+    : name(path == "-" ? "standard input" : path),
+      descriptor(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC))
 {
     if (descriptor < 0)
-        throw ToolError(name + ": " + std::strerror(errno));
+        throw InputError(name + ": " + std::strerror(errno));
     struct stat status = {};
     if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode))
         size = static_cast<uint64_t>(status.st_size);
@@ -36,7 +36,7 @@ size_t Input::read(char* buffer, size_t capacity)
         if (count >= 0)
             return static_cast<size_t>(count);
         if (errno != EINTR)
-            throw ToolError(name + ": " + std::strerror(errno));
+            throw InputError(name + ": " + std::strerror(errno));
     }
 }
 

@@ -11,14 +11,14 @@ namespace tool
 class Input
 {
 public:
-    /// Opens `path`; "-" is standard input. Throws ToolError with "<path>: <reason>".
+    /// Opens `path`; "-" is standard input. Throws InputError with "<path>: <reason>".
     explicit Input(std::string path);
     ~Input();
     Input(const Input&) = delete;
     Input& operator=(const Input&) = delete;
 
     /// Reads up to `capacity` bytes and returns how many, 0 at the end. Does not wait for more
-    /// than what a pipe holds. Throws ToolError.
+    /// than what a pipe holds. Throws InputError.
     size_t read(char* buffer, size_t capacity);
 
     /// Name for messages: the path, or "standard input".

@@ -8,15 +8,11 @@
 namespace tool
 {
 
-Output::Output()
-    : name("standard output")
-    , file(stdout)
-{
-}
+Output::Output() : name("standard output"), file(stdout) {}
 
 Output::Output(const std::string& path)
-    : name(path == "-" ? "standard output" : path)
-    , file(path == "-" ? stdout : std::fopen(path.c_str(), "wb"))
+    : name(path == "-" ? "standard output" : path),
+      file(path == "-" ? stdout : std::fopen(path.c_str(), "wb"))
 {
     if (!file)
         throw ToolError(name + ": " + std::strerror(errno));

@@ -1,21 +1,12 @@
 #pragma once
 
-#include <fmt/format.h>
+#include "Buffer.h"
 
 #include <cstdio>
 #include <string>
-#include <string_view>
 
 namespace tool
 {
-
-/// Where formatted data is gathered before it is written.
-using Buffer = fmt::memory_buffer;
-
-inline void append(Buffer& buffer, std::string_view text)
-{
-    buffer.append(text.data(), text.data() + text.size());
-}
 
 /// The data a command produces: one buffer, written in big pieces to standard output or a file.
 class Output

@@ -14,6 +14,13 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// An input that cannot be opened or read. A command goes on with the next one.
+class InputError : public ToolError
+{
+public:
+    using ToolError::ToolError;
+};
+
 /// The reader of standard output went away. Not a failure: the program ends quietly with status 0.
 class ClosedPipe : public std::exception
 {

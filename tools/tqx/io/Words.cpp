@@ -31,6 +31,11 @@ void sayAt(std::string_view file, uint64_t offset, std::string_view text)
     print(fmt::format("tqx: {}: {}: {}\n", file, offset, text));
 }
 
+void sayLine(std::string_view file, uint64_t line, std::string_view text)
+{
+    print(fmt::format("{}:{}: {}\n", file, line, text));
+}
+
 void showProgress(const std::string& text)
 {
     if (text.empty() && !progressShown)

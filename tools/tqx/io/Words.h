@@ -17,6 +17,9 @@ void say(std::string_view text);
 /// "tqx: <file>: <offset>: <text>"
 void sayAt(std::string_view file, uint64_t offset, std::string_view text);
 
+/// "<file>:<line>: <text>"
+void sayLine(std::string_view file, uint64_t line, std::string_view text);
+
 /// Shows `text` on the current line of the terminal, over what stood there; "" wipes it.
 void showProgress(const std::string& text);
 

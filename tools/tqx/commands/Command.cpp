@@ -1,0 +1,32 @@
+#include "Command.h"
+
+#include "DumpCommand.h"
+#include "EncodeCommand.h"
+#include "ErrorCommand.h"
+#include "HelpCommand.h"
+#include "InfoCommand.h"
+#include "TypesCommand.h"
+
+namespace tool
+{
+
+Command::Command(CLI::App& program, const std::string& name, const std::string& description,
+                 const std::string& examples)
+    : app(*program.add_subcommand(name, description))
+{
+    app.footer("Examples:\n" + examples);
+}
+
+std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program)
+{
+    std::vector<std::unique_ptr<Command>> commands;
+    commands.push_back(std::make_unique<InfoCommand>(program));
+    commands.push_back(std::make_unique<DumpCommand>(program));
+    commands.push_back(std::make_unique<TypesCommand>(program));
+    commands.push_back(std::make_unique<EncodeCommand>(program));
+    commands.push_back(std::make_unique<ErrorCommand>(program));
+    commands.push_back(std::make_unique<HelpCommand>(program));
+    return commands;
+}
+
+} // namespace tool

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "ExitStatus.h"
+
+#include <CLI/App.hpp>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tool
+{
+
+/// One command of the program. Its constructor declares its arguments.
+class Command
+{
+public:
+    virtual ~Command() = default;
+    Command(const Command&) = delete;
+    Command& operator=(const Command&) = delete;
+
+    /// Does what the arguments say. Throws ToolError, ClosedPipe.
+    virtual ExitStatus run() = 0;
+
+    /// The command as it is declared to the parser of arguments.
+    CLI::App& getApp() const { return app; }
+
+protected:
+    /// `examples` are lines for the end of the help text.
+    Command(CLI::App& program, const std::string& name, const std::string& description,
+            const std::string& examples);
+
+    CLI::App& app;
+};
+
+/// All commands, in the order of the help text.
+std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program);
+
+} // namespace tool

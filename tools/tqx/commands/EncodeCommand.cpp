@@ -1,0 +1,68 @@
+#include "EncodeCommand.h"
+
+#include "LineEncoder.h"
+#include "LineError.h"
+#include "LineReader.h"
+#include "Output.h"
+#include "ToolError.h"
+#include "Words.h"
+
+#include <fmt/format.h>
+
+namespace tool
+{
+
+EncodeCommand::EncodeCommand(CLI::App& program)
+    : Command(
+          program, "encode", "Make blocks of JSON Lines, as dump --format jsonl --raw has them",
+          "  tqx dump --format jsonl --raw log.tqx | tqx encode - -o copy.tqx\n"
+          "\n"
+          "A line that cannot be encoded is reported as FILE:LINE: MESSAGE and skipped; the exit\n"
+          "status is then 1. Fields that are left out keep their initial values. Counts follow\n"
+          "from arrays and texts, Length and CRC are computed. A packed word may be given by its\n"
+          "named bit ranges.\n")
+{
+    app.add_option("FILE", files, "Files to read, one after the other; - is standard input")
+        ->required();
+    app.add_option("-o,--output", target, "File to write instead of standard output")
+        ->type_name("FILE");
+}
+
+ExitStatus EncodeCommand::run()
+{
+    Output output(target);
+    LineEncoder encoder;
+    bool complete = true;
+    for (const std::string& path : files) {
+        try {
+            complete = encodeFile(path, encoder, output) && complete;
+        } catch (const InputError& error) {
+            words::say(error.what());
+            complete = false;
+        }
+    }
+    output.flush();
+    return complete ? ExitStatus::Done : ExitStatus::Failed;
+}
+
+bool EncodeCommand::encodeFile(const std::string& path, LineEncoder& encoder, Output& output)
+{
+    LineReader reader(path, [&output] { output.flush(); });
+    bool complete = true;
+    std::string line;
+    for (size_t number = 1; reader.next(line); ++number) {
+        if (line.find_first_not_of(" \t") == std::string::npos)
+            continue;
+        try {
+            const std::vector<uint8_t>& block = encoder.encode(line);
+            output.getBuffer().append(reinterpret_cast<const char*>(block.data()), block.size());
+            output.commit();
+        } catch (const LineError& error) {
+            words::sayLine(path, number, error.what());
+            complete = false;
+        }
+    }
+    return complete;
+}
+
+} // namespace tool

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Command.h"
+
+namespace tool
+{
+
+class LineEncoder;
+class Output;
+
+/// `tqx encode`: JSON Lines of stored values made into blocks.
+class EncodeCommand : public Command
+{
+public:
+    explicit EncodeCommand(CLI::App& program);
+    ExitStatus run() override;
+
+private:
+    bool encodeFile(const std::string& path, LineEncoder& encoder, Output& output);
+
+    std::vector<std::string> files;
+    std::string target = "-";
+};
+
+} // namespace tool

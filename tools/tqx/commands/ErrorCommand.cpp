@@ -1,0 +1,92 @@
+#include "ErrorCommand.h"
+
+#include "Output.h"
+#include "TQX_codec.h"
+#include "ToolError.h"
+#include "TypeNames.h"
+#include "Words.h"
+
+#include <fmt/format.h>
+
+#include <charconv>
+
+namespace tool
+{
+
+namespace
+{
+
+constexpr int32_t lowestCode = -6073;
+
+std::optional<int64_t> numberOf(const std::string& text)
+{
+    int64_t number = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    if (stop != end || error != std::errc())
+        return std::nullopt;
+    return number;
+}
+
+std::string line(int64_t code, const char* name)
+{
+    return fmt::format("{} {}\n", code, name);
+}
+
+} // namespace
+
+ErrorCommand::ErrorCommand(CLI::App& program)
+    : Command(program, "error", "Show the name of a codec result, or the code of a name",
+              "  tqx error -1855\n"
+              "  tqx error TQX_ERR_EOF\n"
+              "  tqx error --all\n")
+{
+    // Negative numbers look like options; this way they come through.
+    app.allow_extras();
+    app.usage("Usage: tqx error [--all] [CODE|NAME]...");
+    app.add_flag("--all", all, "List every code with its name, from -1 down");
+}
+
+void ErrorCommand::explain(Buffer& out, const std::string& item)
+{
+    if (const std::optional<int64_t> number = numberOf(item)) {
+        if (*number < lowestCode)
+            throw ToolError(fmt::format("{} is no code, they go down to {}", item, lowestCode));
+        const auto code = static_cast<int32_t>(std::min<int64_t>(*number, 0));
+        out.append(line(*number, TQX_errorName(code)));
+        return;
+    }
+    std::vector<std::string_view> names;
+    for (int32_t code = 0; code >= lowestCode; --code) {
+        const char* name = TQX_errorName(code);
+        if (equalNames(item, name)) {
+            out.append(line(code, name));
+            return;
+        }
+        names.emplace_back(name);
+    }
+    throw ToolError(unknownName("code", item, names));
+}
+
+ExitStatus ErrorCommand::run()
+{
+    const std::vector<std::string> items = app.remaining();
+    if (!all && items.empty())
+        throw ToolError("error: give a code, a name or --all");
+    Output output;
+    ExitStatus status = ExitStatus::Done;
+    for (int32_t code = -1; all && code >= lowestCode; --code)
+        output.getBuffer().append(line(code, TQX_errorName(code)));
+    for (const std::string& item : items) {
+        try {
+            explain(output.getBuffer(), item);
+        } catch (const ToolError& error) {
+            words::say(error.what());
+            status = ExitStatus::Failed;
+        }
+    }
+    output.flush();
+    return status;
+}
+
+} // namespace tool

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Command.h"
+
+namespace tool
+{
+
+class Buffer;
+
+/// `tqx types`: the catalogue of types and their layouts.
+class TypesCommand : public Command
+{
+public:
+    explicit TypesCommand(CLI::App& program);
+    ExitStatus run() override;
+
+private:
+    void appendJson(Buffer& out) const;
+    void appendLayouts(Buffer& out) const;
+
+    std::vector<std::string> names;
+    bool json = false;
+};
+
+} // namespace tool

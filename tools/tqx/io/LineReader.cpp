@@ -1,0 +1,49 @@
+#include "LineReader.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tool
+{
+
+namespace
+{
+
+constexpr size_t pieceSize = 1 << 18;
+
+} // namespace
+
+LineReader::LineReader(const std::string& path, std::function<void()> action)
+    : input(path), beforeRead(std::move(action)), piece(pieceSize)
+{
+}
+
+bool LineReader::readOn()
+{
+    beforeRead();
+    position = 0;
+    filled = input.read(piece.data(), piece.size());
+    return filled != 0;
+}
+
+bool LineReader::next(std::string& line)
+{
+    line.clear();
+    for (;;) {
+        if (position == filled && !readOn())
+            return !line.empty();
+        const char* begin = piece.data() + position;
+        const char* end = piece.data() + filled;
+        const char* stop = std::find(begin, end, '\n');
+        line.append(begin, stop);
+        position += static_cast<size_t>(stop - begin);
+        if (stop == end)
+            continue;
+        ++position;
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
+        return true;
+    }
+}
+
+} // namespace tool

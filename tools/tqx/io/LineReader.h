@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Input.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace tool
+{
+
+/// The lines of an input, one after the other.
+class LineReader
+{
+public:
+    /// Throws InputError when the input cannot be opened. `beforeRead` is called each time before
+    /// more of the input is read.
+    LineReader(const std::string& path, std::function<void()> beforeRead);
+
+    /// Gets the next line without its end; false at the end of the input. Throws InputError.
+    bool next(std::string& line);
+
+private:
+    bool readOn();
+
+    Input input;
+    std::function<void()> beforeRead;
+    std::vector<char> piece;
+    size_t position = 0;
+    size_t filled = 0;
+};
+
+} // namespace tool

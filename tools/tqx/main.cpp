@@ -1,0 +1,79 @@
+#include "Command.h"
+#include "ToolError.h"
+#include "Words.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <QLocale>
+
+#include <csignal>
+#include <exception>
+#include <string_view>
+
+namespace
+{
+
+using tool::Command;
+using tool::ExitStatus;
+
+constexpr const char* version = "tqx " TQX_VERSION;
+
+constexpr const char* about = "Reads and writes streams of TQX blocks, the binary format of a "
+                              "family of GNSS receivers.";
+
+constexpr const char* notes =
+    "Data goes to standard output, words to standard error. Exit status: 0 done, 1 could not do\n"
+    "it, 2 done under --strict but the stream was damaged. A reader of the output that goes away\n"
+    "early ends the program quietly, with status 0.\n"
+    "\n"
+    "`tqx help COMMAND` explains a command and shows examples.\n";
+
+/// A bad command line is told in one line; help and version are no errors.
+ExitStatus explain(const CLI::App& program, const CLI::ParseError& error)
+{
+    if (error.get_exit_code() == 0) {
+        program.exit(error);
+        return ExitStatus::Done;
+    }
+    std::string text = error.what();
+    for (const CLI::App* command : program.get_subcommands())
+        text = command->get_name() + ": " + text + " (see tqx help " + command->get_name() + ")";
+    tool::words::say(text);
+    return ExitStatus::Failed;
+}
+
+ExitStatus run(int argc, char** argv)
+{
+    CLI::App program(about, "tqx");
+    program.footer(notes);
+    program.set_version_flag("--version", version);
+    program.require_subcommand(1);
+    const std::vector<std::unique_ptr<Command>> commands = tool::makeCommands(program);
+    try {
+        program.parse(argc, argv);
+        for (const std::unique_ptr<Command>& command : commands)
+            if (command->getApp().parsed())
+                return command->run();
+    } catch (const CLI::ParseError& error) {
+        return explain(program, error);
+    } catch (const tool::ClosedPipe&) {
+        return ExitStatus::Done;
+    } catch (const std::exception& error) {
+        tool::words::say(error.what());
+        return ExitStatus::Failed;
+    }
+    return ExitStatus::Failed;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+#ifdef SIGPIPE
+    std::signal(SIGPIPE, SIG_IGN);
+#endif
+    // Output is the same everywhere.
+    QLocale::setDefault(QLocale::c());
+    return static_cast<int>(run(argc, argv));
+}

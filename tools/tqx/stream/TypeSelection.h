@@ -1,0 +1,31 @@
+#pragma once
+
+#include <bitset>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tool
+{
+
+/// Which blocks a command looks at, by block number.
+class TypeSelection
+{
+public:
+    /// Everything.
+    TypeSelection() { accepted.set(); }
+
+    /// The types listed in `wanted` (all when it is empty) but those in `unwanted`. Entries are
+    /// names of main blocks, case ignored, or block numbers, known or not. Throws ToolError for
+    /// anything else.
+    TypeSelection(const std::vector<std::string>& wanted, const std::vector<std::string>& unwanted);
+
+    bool accepts(uint16_t blockNumber) const { return accepted[blockNumber]; }
+
+private:
+    static constexpr size_t numbers = 1 << 13;
+
+    std::bitset<numbers> accepted;
+};
+
+} // namespace tool
