@@ -124,14 +124,23 @@ bool BlockFramer::isIntact(size_t length)
     const uint8_t* checked = head() + kCheckedFrom;
     const size_t size = length - kCheckedFrom;
     const uint16_t expected = korcg_load_u16(head() + kChecksumAt);
-    if (offset_ < suspectEnd_) {
+    if (!mayBeSummedInVain(size)) {
         return prefixes_.of(checked, offset_ + kCheckedFrom, size) == expected;
     }
     if (korcg_crc16_bytes(checked, size) == expected) {
         return true;
     }
-    suspectEnd_ = offset_ + length;
+    summedInVain_ += size;
     return false;
+}
+
+// Summing in vain is allowed for twice the bytes of the stream so far, but not saved up over long
+// sound stretches.
+bool BlockFramer::mayBeSummedInVain(size_t size)
+{
+    constexpr uint64_t kMostSaved = 4 * PrefixChecksums::kLongest;
+    summedInVain_ = std::max(summedInVain_, 2 * offset_);
+    return summedInVain_ + size <= 2 * offset_ + kMostSaved;
 }
 
 void BlockFramer::drop(size_t count)

@@ -94,6 +94,7 @@ private:
     bool giveUpCandidate();
     bool isIntact(size_t length);
     void drop(size_t count);
+    bool mayBeSummedInVain(size_t size);
     void reportDropped();
     void store(const uint8_t* bytes, size_t size);
 
@@ -105,8 +106,8 @@ private:
     uint64_t unreported_ = 0; ///< dropped bytes before head_ that the listener has not heard of
     bool ended_ = false;
 
-    /// Stretches that overlap a candidate whose checksum failed are summed by prefixes_; all others
-    /// in one pass over their bytes. So hardly any byte is summed twice, and none three times.
-    uint64_t suspectEnd_ = 0;
+    /// Bytes summed for candidates that turned out false. Past a limit that grows with the stream,
+    /// stretches are summed by prefixes_ instead, so that the work stays linear.
+    uint64_t summedInVain_ = 0;
     PrefixChecksums prefixes_;
 };

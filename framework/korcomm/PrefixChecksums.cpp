@@ -4,7 +4,7 @@
 
 uint16_t PrefixChecksums::of(const uint8_t* bytes, uint64_t position, size_t size)
 {
-    if (marks_.empty() || (position - base_) / kStride > lastMark_) {
+    if (marks_.empty() || position > base_ + lastMark_ * kStride) {
         marks_.resize(kMarks);
         base_ = position;
         lastMark_ = 0;
@@ -12,19 +12,24 @@ uint16_t PrefixChecksums::of(const uint8_t* bytes, uint64_t position, size_t siz
     }
     const uint64_t begin = position - base_;
     const uint64_t end = begin + size;
-
-    // Marks lie at most three bytes before the position they serve.
-    const auto at = [&](uint64_t offset) {
-        return bytes + (static_cast<int64_t>(offset) - static_cast<int64_t>(begin));
-    };
-    uint16_t sum = mark(lastMark_);
-    while (lastMark_ < end / kStride) {
-        sum = korcg_crc16_bytes(at(lastMark_ * kStride), kStride, sum);
-        mark(++lastMark_) = sum;
+    const uint64_t firstMark = (begin + kStride - 1) / kStride;
+    const auto toFirstMark = static_cast<size_t>(firstMark * kStride - begin);
+    if (toFirstMark > size) {
+        return korcg_crc16_bytes(bytes, size);
     }
-    const auto upTo = [&](uint64_t offset) {
-        const auto rest = static_cast<size_t>(offset % kStride);
-        return korcg_crc16_bytes(at(offset - rest), rest, mark(offset / kStride));
-    };
-    return korcg_crc16_combine(upTo(begin), upTo(end), size);
+
+    // No byte before the stretch is looked at: firstMark is not behind lastMark_.
+    const auto at = [&](uint64_t offset) { return bytes + (offset - begin); };
+    for (; lastMark_ < end / kStride; ++lastMark_) {
+        mark(lastMark_ + 1) = korcg_crc16_bytes(at(lastMark_ * kStride), kStride, mark(lastMark_));
+    }
+    const uint64_t endMark = end / kStride;
+    const uint16_t sumToEnd = korcg_crc16_bytes(
+        at(endMark * kStride), static_cast<size_t>(end - endMark * kStride), mark(endMark));
+
+    // sum(first mark .. end) is sumToEnd less that up to the first mark, shifted; so is the sum of
+    // the bytes before the first mark added. Both shifts are the same.
+    const uint16_t sumToFirstMark = korcg_crc16_bytes(bytes, toFirstMark);
+    return korcg_crc16_combine(static_cast<uint16_t>(sumToFirstMark ^ mark(firstMark)), sumToEnd,
+                               size - toFirstMark);
 }

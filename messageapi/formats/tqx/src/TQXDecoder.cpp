@@ -1,0 +1,163 @@
+#include "TQXDecoder.h"
+
+#include "TQX_FormatInfo.h"
+#include "TQX_Getters.h"
+#include "TQX_Layout.h"
+#include "TQX_MessageFactory.h"
+#include "TQX_RecordAccess.h"
+#include "TQX_codec.h"
+
+#include "MemLeakTracer.h"
+#include "Message.h"
+
+#include <QMetaMethod>
+
+#include <algorithm>
+#include <cstring>
+
+using namespace Kor::MessageApi;
+
+namespace
+{
+
+constexpr int32_t kInvalidMessage = -6072;
+constexpr uint32_t kLongestBlock = 0xffff;
+constexpr int32_t kHighestEnum = 382;
+
+std::atomic<int> traceLevel{-1};
+
+bool isEnum(int32_t messageEnum)
+{
+    return messageEnum >= 0 && messageEnum <= kHighestEnum;
+}
+
+// The bits of all main block types.
+TQX_Context_s freshContext()
+{
+    TQX_Context_s context;
+    TQX_init_context(&context);
+    return context;
+}
+
+bool hasMessageClass(uint32_t recordType)
+{
+    const TQX_TypeLayout* layout = TQX_layout(recordType);
+    return layout == nullptr || layout->hasMessage;
+}
+
+} // namespace
+
+TQXDecoder::TQXDecoder(QObject* parent)
+    : AbstractDecoder(QStringLiteral("TQX"), parent), m_context(freshContext())
+{
+    MemLeakTracer::allocateObject("TQXDecoder");
+    TQX_resolveTrace(traceLevel, "TQXDecoder");
+    for (const TQX_MessageType& type : TQX_messageTypes()) {
+        setMessageEnum(type.info(), type.recordType);
+    }
+}
+
+TQXDecoder::~TQXDecoder()
+{
+    MemLeakTracer::deallocateObject("TQXDecoder");
+}
+
+int32_t TQXDecoder::decodeMessage(const uint8_t* buffer, uint32_t maxlength)
+{
+    // Only the head is cleared: the codec prepares the rest of the type that it decodes, and a
+    // record of type 0 has nothing to release.
+    TQX_AnyRecord_u record;
+    std::memset(static_cast<void*>(&record), 0, sizeof(TQX_MainHeader_s));
+
+    const auto size = static_cast<uint16_t>(std::min(maxlength, kLongestBlock));
+    const int32_t result = TQX_decode(&m_context, buffer, size, &record);
+    if (result <= 0) {
+        TQX_release(&record);
+        publishFailure(result);
+    } else if (const Message* message = TQX_createMessage(&record)) {
+        publish(message);
+    } else {
+        const uint32_t recordType = record.head.korcg_type;
+        TQX_release(&record);
+        if (hasMessageClass(recordType)) {
+            publishEvent(MessageApiEvent::InconsistentState,
+                         QStringLiteral("TQX: Inconsistent decoder state"));
+        }
+    }
+    return result;
+}
+
+void TQXDecoder::publish(const Message* message)
+{
+    message->addReference();
+    newMessageEarly(message);
+    newMessage(message);
+    newMessageLate(message);
+    message->removeReference();
+}
+
+void TQXDecoder::publishEvent(MessageApiEvent::Type type, const QString& text)
+{
+    newEvent(MessageApiEvent(type, text, TQX_FormatInfo::getInstance()));
+}
+
+// Texts are only built for someone who listens: a stream may hold nothing but disabled types.
+void TQXDecoder::publishFailure(int32_t result)
+{
+    static const QMetaMethod eventSignal = QMetaMethod::fromSignal(&MessageSource::newEvent);
+    static const QMetaMethod unknownSignal =
+        QMetaMethod::fromSignal(&MessageSource::newUnknownMessage);
+
+    if (isSignalConnected(eventSignal)) {
+        if (result == kInvalidMessage) {
+            publishEvent(MessageApiEvent::UnknownMessage,
+                         QStringLiteral("TQX: Message type %1 unknown to PC software")
+                             .arg(m_context.lastUnknownBlockNumber));
+        } else {
+            publishEvent(MessageApiEvent::DecodingError,
+                         QStringLiteral("TQX: %1").arg(QLatin1String(TQX_errorName(result))));
+        }
+    }
+    if (result == kInvalidMessage && isSignalConnected(unknownSignal)) {
+        newUnknownMessage(TQX_FormatInfo::getInstance(),
+                          QStringLiteral("Message type %1").arg(m_context.lastUnknownBlockNumber));
+    }
+}
+
+void TQXDecoder::enableAllMessages()
+{
+    const TQX_Context_s fresh = freshContext();
+    for (size_t i = 0; i < sizeof fresh.enableMask; ++i) {
+        m_context.enableMask[i] |= fresh.enableMask[i];
+    }
+}
+
+void TQXDecoder::disableAllMessages()
+{
+    const TQX_Context_s fresh = freshContext();
+    for (size_t i = 0; i < sizeof fresh.enableMask; ++i) {
+        m_context.enableMask[i] &= static_cast<uint8_t>(~fresh.enableMask[i]);
+    }
+}
+
+void TQXDecoder::enableMessageEnum(int32_t messageEnum)
+{
+    if (isEnum(messageEnum)) {
+        const auto recordType = static_cast<unsigned>(messageEnum);
+        m_context.enableMask[TQX_enableByte(recordType)] |= TQX_enableBit(recordType);
+    }
+}
+
+void TQXDecoder::disableMessageEnum(int32_t messageEnum)
+{
+    if (isEnum(messageEnum)) {
+        const auto recordType = static_cast<unsigned>(messageEnum);
+        m_context.enableMask[TQX_enableByte(recordType)] &=
+            static_cast<uint8_t>(~TQX_enableBit(recordType));
+    }
+}
+
+bool TQXDecoder::isEnabledMessageEnum(int32_t messageEnum) const
+{
+    return isEnum(messageEnum) && TQX_isEnabled(&m_context, static_cast<unsigned>(messageEnum));
+}

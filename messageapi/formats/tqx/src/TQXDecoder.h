@@ -1,0 +1,58 @@
+#pragma once
+
+#include "tqx_export.h"
+
+#include "AbstractDecoder.h"
+#include "TQX_Context.h"
+
+#include <cstdint>
+
+/// Turns the bytes of one TQX block into a published message object.
+///
+/// The metadata must exist before the first decoder does: call TQX_FormatInfo::getInstance().
+/// The message enum of a type is its record-type number, 1 to 382. A new decoder decodes every
+/// type. Used by one thread at a time; everything is published during decodeMessage.
+class TQX_API TQXDecoder : public AbstractDecoder
+{
+    Q_OBJECT
+
+public:
+    explicit TQXDecoder(QObject* parent = nullptr);
+    ~TQXDecoder() override;
+
+public Q_SLOTS:
+    /// Decodes the block at the start of `buffer`, which holds `maxlength` bytes; those beyond
+    /// 65,535 are not looked at. Framing and checksum are not tested, see TQXSynchronizer. Does not
+    /// throw. Returns the codec's result unchanged and publishes accordingly:
+    ///
+    /// | result | published |
+    /// |---|---|
+    /// | > 0, bits decoded | the message by newMessageEarly, newMessage and newMessageLate; nothing
+    ///   for a type without message class |
+    /// | -6072, unknown block number or 6 bytes or fewer | an event UnknownMessage and
+    ///   newUnknownMessage |
+    /// | any other | an event DecodingError with the code's name, "TQX: TQX_ERR_..." |
+    ///
+    /// A message is destroyed behind newMessageLate unless a receiver took a reference. A disabled
+    /// type gives its "_DISABLED" code.
+    int32_t decodeMessage(const uint8_t* buffer, uint32_t maxlength) override;
+
+public:
+    /// Enables every main block type, those without message class included.
+    void enableAllMessages() override;
+    /// Disables them again. What was enabled for sub-block types stays, and means nothing.
+    void disableAllMessages() override;
+
+    /// Enables or disables one type from the next block on. Numbers outside 0 to 382 are ignored.
+    void enableMessageEnum(int32_t messageEnum) override;
+    void disableMessageEnum(int32_t messageEnum) override;
+    /// False also for numbers outside 0 to 382.
+    bool isEnabledMessageEnum(int32_t messageEnum) const override;
+
+private:
+    void publish(const Message* message);
+    void publishEvent(MessageApiEvent::Type type, const QString& text);
+    void publishFailure(int32_t result);
+
+    Kor::MessageApi::TQX_Context_s m_context;
+};

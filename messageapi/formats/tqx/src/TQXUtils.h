@@ -1,0 +1,44 @@
+#pragma once
+
+#include "tqx_export.h"
+
+#include <cstdint>
+#include <unordered_map>
+
+class FieldInfo;
+class Message;
+class MessageInfo;
+
+/// The time in the header of any TQX message, read through its metadata. What each message type
+/// offers is looked up once and kept without a lock: for the thread that decodes. Nothing throws;
+/// messages are not null and, if they are TQX messages, hold a record.
+class TQX_API TQXUtils
+{
+public:
+    /// "Not available" of getTOW, getWNc and getGNSSMillis.
+    static constexpr uint32_t kInvalidTOW = 0xffffffff;
+    static constexpr uint16_t kInvalidWNc = 0xffff;
+    static constexpr uint64_t kInvalidMillis = 0xffffffffffffffff;
+
+    /// Time of week in milliseconds; kInvalidTOW also for sub-blocks and messages of other formats.
+    static uint32_t getTOW(const Message* message);
+
+    /// Continuous week number; kInvalidWNc also for sub-blocks and messages of other formats.
+    static uint16_t getWNc(const Message* message);
+
+    /// Milliseconds since the start of week 0, kInvalidMillis if week or time of week is.
+    static uint64_t getGNSSMillis(const Message* message);
+
+    TQXUtils() = delete;
+
+private:
+    using FieldMap = std::unordered_map<const MessageInfo*, const FieldInfo*>;
+
+    static const FieldInfo* getTOWFieldInfo(const MessageInfo* info);
+    static const FieldInfo* getWNcFieldInfo(const MessageInfo* info);
+    static const FieldInfo* getFieldInfo(FieldMap& fields, const MessageInfo* info,
+                                         const char* name);
+
+    static FieldMap sTOWFieldMap;
+    static FieldMap sWNcFieldMap;
+};

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "tqx_export.h"
+
+#include "TimeSource.h"
+
+/// Tells the GNSS time of messages whose header carries it; otherwise the time of the base.
+class TQX_API TqxTimeSource : public TimeSource
+{
+    Q_OBJECT
+
+public:
+    explicit TqxTimeSource(QObject* parent = nullptr);
+    ~TqxTimeSource() override;
+
+    using TimeSource::getMillis;
+
+    /// Milliseconds since the start of GNSS week 0 for a message whose "timestamp" attribute is 'R'
+    /// (receiver) or 'E' (external event), 0 when its header time is not available. For every other
+    /// message, and for null, what the base's getMillis() gives.
+    uint64_t getMillis(const Message* message) override;
+};
