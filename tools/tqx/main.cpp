@@ -2,8 +2,7 @@
 #include "ToolError.h"
 #include "Words.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Formatter.hpp>
+#include <CLI/CLI.hpp>
 
 #include <QLocale>
 

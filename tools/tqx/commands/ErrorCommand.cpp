@@ -9,6 +9,8 @@
 #include <fmt/format.h>
 
 #include <charconv>
+#include <cstdint>
+#include <optional>
 
 namespace tool
 {
@@ -41,9 +43,9 @@ ErrorCommand::ErrorCommand(CLI::App& program)
               "  tqx error TQX_ERR_EOF\n"
               "  tqx error --all\n")
 {
+    app.add_option("CODE", items, "Codes, or their names");
     // Negative numbers look like options; this way they come through.
     app.allow_extras();
-    app.usage("Usage: tqx error [--all] [CODE|NAME]...");
     app.add_flag("--all", all, "List every code with its name, from -1 down");
 }
 
@@ -70,7 +72,8 @@ void ErrorCommand::explain(Buffer& out, const std::string& item)
 
 ExitStatus ErrorCommand::run()
 {
-    const std::vector<std::string> items = app.remaining();
+    const std::vector<std::string> codes = app.remaining();
+    items.insert(items.end(), codes.begin(), codes.end());
     if (!all && items.empty())
         throw ToolError("error: give a code, a name or --all");
     Output output;

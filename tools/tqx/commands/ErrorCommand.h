@@ -2,9 +2,6 @@
 
 #include "Command.h"
 
-#include <cstdint>
-#include <optional>
-
 namespace tool
 {
 
@@ -20,6 +17,7 @@ public:
 private:
     static void explain(Buffer& out, const std::string& item);
 
+    std::vector<std::string> items;
     bool all = false;
 };
 

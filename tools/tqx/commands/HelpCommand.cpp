@@ -15,16 +15,17 @@ HelpCommand::HelpCommand(CLI::App& whole)
 
 ExitStatus HelpCommand::run()
 {
-    const CLI::App* subject = topic.empty() ? &program : program.get_subcommand_no_throw(topic);
-    if (!subject) {
-        std::vector<std::string> names;
-        for (const CLI::App* command : program.get_subcommands({}))
-            names.push_back(command->get_name());
-        throw ToolError(unknownName("command", topic, {names.begin(), names.end()}));
+    const CLI::App* subject = topic.empty() ? &program : nullptr;
+    std::vector<std::string_view> names;
+    for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
+        names.emplace_back(command->get_name());
+        if (command->get_name() == topic)
+            subject = command;
     }
+    if (!subject)
+        throw ToolError(unknownName("command", topic, names));
     Output output;
-    output.getBuffer().append(
-        subject->help(topic.empty() ? program.get_name() : program.get_name() + " " + topic));
+    output.getBuffer().append(subject->help(topic.empty() ? "" : program.get_name()));
     output.flush();
     return ExitStatus::Done;
 }

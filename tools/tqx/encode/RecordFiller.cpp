@@ -129,9 +129,10 @@ void Filler::failUnknown() const
     std::vector<std::string_view> names;
     for (int i = 0; i < type.fieldCount; ++i)
         names.emplace_back(row(i).name);
-    for (const auto& [name, value] : values)
-        if (std::find(names.begin(), names.end(), name) == names.end())
-            throw LineError(unknownName("field", name, names));
+    const auto unknown = std::find_if(values.begin(), values.end(), [&](const auto& member) {
+        return std::find(names.begin(), names.end(), member.first) == names.end();
+    });
+    throw LineError(unknownName("field", unknown->first, names));
 }
 
 void Filler::checkPresence(int index) const

@@ -83,20 +83,20 @@ void BlockStream::readOn()
     framer.append(reinterpret_cast<const uint8_t*>(piece.data()), size);
 }
 
-void BlockStream::checksumFailed(uint64_t)
+void BlockStream::onChecksumFailed(uint64_t)
 {
     ++counts.crcErrors;
     ++gap.crcErrors;
 }
 
-void BlockStream::invalidLength(uint64_t)
+void BlockStream::onInvalidLength(uint64_t)
 {
     ++counts.invalidLengths;
     ++gap.invalidLengths;
 }
 
 // One stretch may be told in several pieces.
-void BlockStream::bytesDropped(uint64_t offset, uint64_t count)
+void BlockStream::onBytesDropped(uint64_t offset, uint64_t count)
 {
     counts.droppedBytes += count;
     if (gap.bytes == 0)

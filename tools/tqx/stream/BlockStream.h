@@ -73,9 +73,9 @@ private:
 
     void readOn();
     void closeGap();
-    void checksumFailed(uint64_t offset) override;
-    void invalidLength(uint64_t offset) override;
-    void bytesDropped(uint64_t offset, uint64_t count) override;
+    void onChecksumFailed(uint64_t offset) override;
+    void onInvalidLength(uint64_t offset) override;
+    void onBytesDropped(uint64_t offset, uint64_t count) override;
 
     Input input;
     Progress progress;
