@@ -19,6 +19,18 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     add_compile_options(-fno-gnu-unique)
 endif()
 
+# Libraries find each other, and the tool finds them, wherever they are installed together.
+file(RELATIVE_PATH libraries_from_programs "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
+set(CMAKE_INSTALL_RPATH "$ORIGIN/${libraries_from_programs}")
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME runtime)
+
+if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    find_program(TQX_CCACHE ccache)
+    if(TQX_CCACHE)
+        set(CMAKE_CXX_COMPILER_LAUNCHER "${TQX_CCACHE}")
+    endif()
+endif()
+
 include(GenerateExportHeader)
 include(CheckLinkerFlag)
 check_linker_flag(CXX "-Wl,-Bsymbolic-functions" TQX_HAVE_BSYMBOLIC_FUNCTIONS)
@@ -35,9 +47,11 @@ function(tqx_library name macro)
         "$<BUILD_INTERFACE:${CMAKE_CURRENT_BINARY_DIR}/include>"
         "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/tqx>")
     target_compile_features(${name} PUBLIC cxx_std_17)
+    add_library(TQX::${name} ALIAS ${name})
     set_target_properties(${name} PROPERTIES
         VERSION ${PROJECT_VERSION}
-        SOVERSION ${PROJECT_VERSION_MAJOR})
+        SOVERSION ${PROJECT_VERSION_MAJOR}
+        INSTALL_RPATH "$ORIGIN")
     if(TQX_HAVE_BSYMBOLIC_FUNCTIONS)
         target_link_options(${name} PRIVATE "-Wl,-Bsymbolic-functions")
     endif()

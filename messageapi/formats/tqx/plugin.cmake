@@ -25,7 +25,16 @@ add_library(tqx SHARED
     ${TQX_GENERATED_messages}
     ${TQX_GENERATED_metadata})
 tqx_library(tqx TQX_API)
-set_target_properties(tqx PROPERTIES AUTOMOC ON)
+set(public_headers
+    ${TQX_SERVICE_HEADERS}
+    src/messages/TQX_SubMessages.h
+    src/metadata/TQX_FieldInfo.h
+    src/metadata/TQX_FieldRow.h
+    src/metadata/TQX_FormatInfo.h
+    src/metadata/TQX_MessageInfo.h)
+set_target_properties(tqx PROPERTIES
+    AUTOMOC ON
+    PUBLIC_HEADER "${public_headers}")
 target_include_directories(tqx PUBLIC
     "$<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/src>"
     "$<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/src/messages>"
