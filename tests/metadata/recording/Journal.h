@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+/// What the metadata calls in the framework, in order: a line a call.
+class Journal
+{
+public:
+    static void note(std::string line) { lines().push_back(std::move(line)); }
+
+    /// The lines since the last call.
+    static std::vector<std::string> take() { return std::exchange(lines(), {}); }
+
+private:
+    static std::vector<std::string>& lines()
+    {
+        static auto* const all = new std::vector<std::string>;
+        return *all;
+    }
+};

@@ -1,0 +1,264 @@
+#include "TQX_AGCState_FieldInfos.h"
+#include "TQX_AGCState_MessageInfo.h"
+#include "TQX_PVTGeodetic2_FieldInfos.h"
+#include "TQX_PVTGeodetic2_MessageInfo.h"
+#include "TQX_TypeRows.h"
+
+#include "Journal.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+using namespace Kor::MessageApi;
+
+namespace
+{
+
+using Lines = std::vector<std::string>;
+
+/// Position of a field in the list of a type.
+unsigned indexOf(uint32_t recordType, const std::string& name)
+{
+    const TQX_TypeLayout& type = *TQX_layout(recordType);
+    const auto found =
+        std::find_if(type.fields, type.fields + type.fieldCount,
+                     [&name](const TQX_FieldLayout& field) { return field.name == name; });
+    EXPECT_NE(found, type.fields + type.fieldCount) << name;
+    return static_cast<unsigned>(found - type.fields);
+}
+
+/// The calls that build one field, from those of its whole type.
+Lines callsOf(const Lines& journal, const std::string& field)
+{
+    const auto first = std::find_if(journal.begin(), journal.end(), [&field](const std::string& l) {
+        return l.rfind("FieldInfo " + field + " ", 0) == 0;
+    });
+    const auto last = std::find_if(first, journal.end(), [](const std::string& line) {
+        return line.rfind("addFieldInfo ", 0) == 0 || line.rfind("addSubFieldInfo ", 0) == 0;
+    });
+    return {first, last};
+}
+
+/// A field like `index` of a type, with properties of its own.
+class MadeUpField : public TQX_FieldInfo
+{
+public:
+    MadeUpField(const TQX_TypeRow& type, unsigned index) : TQX_FieldInfo(type, index) {}
+    ~MadeUpField() override = default;
+};
+
+Lines buildAndDestroy(uint32_t recordType, unsigned index, const TQX_FieldRow& row)
+{
+    std::vector<TQX_FieldRow> rows(index + 1);
+    rows[index] = row;
+    TQX_TypeRow type{};
+    type.fields = rows.data();
+    type.recordType = static_cast<uint16_t>(recordType);
+    MadeUpField(type, index);
+    return Journal::take();
+}
+
+/// The calls of the first access to a type, which builds all of it.
+template<typename Info>
+const Lines& journalOf()
+{
+    static const Lines journal = [] {
+        Journal::take();
+        Info::getInstance();
+        return Journal::take();
+    }();
+    return journal;
+}
+
+TEST(ConstructorCalls, SubBlock)
+{
+    const Lines expected = {
+        "MessageInfo AGCState",
+        "allocateObject TQX_AGCState_MessageInfo",
+        "setIsMain false",
+        "getInstance",
+        "setFormatInfo",
+        "FieldInfo FrontEndID u8",
+        "allocateObject TQX_AGCState_FrontEndID_FieldInfo",
+        "getInstance",
+        "FieldInfo FrontEnd Code u5",
+        "allocateObject TQX_AGCState_FrontEnd_Code_FieldInfo",
+        "getInstance",
+        "setRole 1",
+        "addSymbolicValue 0:u5 GPSL1/E1",
+        "addSymbolicValue 1:u5 GLOL1",
+        "addSymbolicValue 2:u5 E6",
+        "addSymbolicValue 3:u5 GPSL2",
+        "addSymbolicValue 4:u5 GLOL2",
+        "addSymbolicValue 5:u5 L5/E5a/B2a",
+        "addSymbolicValue 6:u5 E5b/B2b",
+        "addSymbolicValue 7:u5 E5(a+b)",
+        "addSymbolicValue 8:u5 GPSL1/GLOL1/E1",
+        "addSymbolicValue 9:u5 GPSL2/GLOL2",
+        "addSymbolicValue 10:u5 MSS/L-band",
+        "addSymbolicValue 11:u5 B1",
+        "addSymbolicValue 12:u5 B3",
+        "addSymbolicValue 13:u5 S-band",
+        "addSymbolicValue 14:u5 B3-E6",
+        "addSubFieldInfo FrontEnd Code",
+        "FieldInfo AntennaID u3",
+        "allocateObject TQX_AGCState_AntennaID_FieldInfo",
+        "getInstance",
+        "setRole 1",
+        "addSymbolicValue 0:u3 Main",
+        "addSymbolicValue 1:u3 Aux1",
+        "addSymbolicValue 2:u3 Aux2",
+        "addSubFieldInfo AntennaID",
+        "setRole 1",
+        "addFieldInfo FrontEndID 0 true",
+        "addFieldInfo FrontEnd Code 1 false",
+        "addFieldInfo AntennaID 2 false",
+        "FieldInfo Gain i8",
+        "allocateObject TQX_AGCState_Gain_FieldInfo",
+        "getInstance",
+        "setRole 1",
+        "setUnit decibel",
+        "addSymbolicValue -128:i8 DoNotUse",
+        "setDoNotUseValue -128:i8",
+        "addFieldInfo Gain 3 false",
+        "FieldInfo SampleVar u8",
+        "allocateObject TQX_AGCState_SampleVar_FieldInfo",
+        "getInstance",
+        "setRole 1",
+        "addSymbolicValue 0:u8 DoNotUse",
+        "setDoNotUseValue 0:u8",
+        "addFieldInfo SampleVar 4 false",
+        "FieldInfo BlankingStat u8",
+        "allocateObject TQX_AGCState_BlankingStat_FieldInfo",
+        "getInstance",
+        "setRole 1",
+        "setUnit percent",
+        "addFieldInfo BlankingStat 5 false",
+    };
+    EXPECT_EQ(journalOf<TQX_AGCState_MessageInfo>(), expected);
+    TQX_AGCState_Gain_FieldInfo::getInstance();
+    EXPECT_EQ(Journal::take(), Lines{}) << "built a second time";
+}
+
+TEST(ConstructorCalls, MainBlock)
+{
+    const Lines& journal = journalOf<TQX_PVTGeodetic2_MessageInfo>();
+    const Lines start = {
+        "MessageInfo PVTGeodetic2",
+        "allocateObject TQX_PVTGeodetic2_MessageInfo",
+        "setShortDescriptiveText GNSS position, velocity, and time in geodetic coordinates",
+        "getInstance",
+        "setFormatInfo",
+        "FieldInfo Sync1 ch",
+        "allocateObject TQX_PVTGeodetic2_Sync1_FieldInfo",
+        "getInstance",
+        "setRole 2",
+        "addFieldInfo Sync1 0 false",
+    };
+    const Lines end = {
+        "addDiscriminantValue BlockNumber 4007:u13",
+        "setAttribute flexrate bool true",
+        "setAttribute esoc bool true",
+        "setAttribute timestamp int 82",
+        "setAttribute version int 2",
+        "setAttribute blocknr int 4007",
+    };
+    ASSERT_GT(journal.size(), start.size() + end.size());
+    const auto fromEnd = static_cast<Lines::difference_type>(end.size());
+    const auto fromStart = static_cast<Lines::difference_type>(start.size());
+    EXPECT_EQ(Lines(journal.begin(), journal.begin() + fromStart), start);
+    EXPECT_EQ(Lines(journal.end() - fromEnd, journal.end()), end);
+}
+
+TEST(ConstructorCalls, FieldsOfAMainBlock)
+{
+    const Lines& journal = journalOf<TQX_PVTGeodetic2_MessageInfo>();
+    EXPECT_EQ(callsOf(journal, "Latitude"),
+              (Lines{
+                  "FieldInfo Latitude f64",
+                  "allocateObject TQX_PVTGeodetic2_Latitude_FieldInfo",
+                  "getInstance",
+                  "setRole 1",
+                  "setUnit radian",
+                  "addSymbolicValue -20000000000.000000:f64 DoNotUse",
+                  "setDoNotUseValue -20000000000.000000:f64",
+                  "setPrecision 12",
+              }));
+    EXPECT_EQ(callsOf(journal, "Latency"), (Lines{
+                                               "FieldInfo Latency u16",
+                                               "allocateObject TQX_PVTGeodetic2_Latency_FieldInfo",
+                                               "getInstance",
+                                               "setIsOptional true",
+                                               "setRole 1",
+                                               "setUnit second",
+                                               "setScaleFactor 0.0001",
+                                               "addSymbolicValue 65535:u16 DoNotUse",
+                                               "setDoNotUseValue 65535:u16",
+                                           }));
+    EXPECT_EQ(callsOf(journal, "_padding0"),
+              (Lines{
+                  "FieldInfo _padding0 u8",
+                  "allocateObject TQX_PVTGeodetic2__padding0_FieldInfo",
+                  "getInstance",
+                  "setIsOptional true",
+                  "setIsRepeated true",
+                  "setRole 2",
+              }));
+}
+
+TEST(ConstructorCalls, EveryPropertyInOrderAndDestruction)
+{
+    journalOf<TQX_AGCState_MessageInfo>();
+    const unsigned gain = indexOf(TQX_TypeRows::AGCState.recordType, "Gain");
+    TQX_FieldRow row = TQX_TypeRows::AGCState.fields[gain];
+    row.className = "MadeUp";
+    row.symbols = TQX_TypeRows::AGCState.fields[2].symbols;
+    row.scale = 0.5;
+    row.precision = 2;
+    row.role = 3;
+    row.flags = TQX_FieldRow::Optional | TQX_FieldRow::Repeated | TQX_FieldRow::Virtual |
+                TQX_FieldRow::BitMask | TQX_FieldRow::HasDoNotUse | TQX_FieldRow::NamesDoNotUse;
+    const Lines expected = {
+        "FieldInfo Gain i8",
+        "allocateObject MadeUp",
+        "getInstance",
+        "setIsOptional true",
+        "setIsRepeated true",
+        "setVirtual true",
+        "setRole 3",
+        "setUnit decibel",
+        "setScaleFactor 0.5",
+        "addSymbolicValue 0:i8 Main",
+        "addSymbolicValue 1:i8 Aux1",
+        "addSymbolicValue 2:i8 Aux2",
+        "addSymbolicValue -128:i8 DoNotUse",
+        "setDoNotUseValue -128:i8",
+        "setPrecision 2",
+        "setRepresentationMode 1",
+        "deallocateObject MadeUp",
+        "~FieldInfo Gain",
+    };
+    EXPECT_EQ(buildAndDestroy(TQX_TypeRows::AGCState.recordType, gain, row), expected);
+}
+
+TEST(ConstructorCalls, SubMessageFieldHasNoRole)
+{
+    constexpr uint32_t receiverStatus2 = 332;
+    const unsigned index = indexOf(receiverStatus2, "AGCState");
+    TQX_FieldRow row{};
+    row.className = "MadeUp";
+    row.precision = -1;
+    row.flags = TQX_FieldRow::Repeated;
+    row.subMessageInfo = TQX_TypeRows::AGCState.messageInfo;
+    journalOf<TQX_AGCState_MessageInfo>();
+    const Lines expected = {
+        "FieldInfo AGCState sub", "allocateObject MadeUp",   "getInstance",
+        "setIsRepeated true",     "deallocateObject MadeUp", "~FieldInfo AGCState",
+    };
+    EXPECT_EQ(buildAndDestroy(receiverStatus2, index, row), expected);
+}
+
+} // namespace
