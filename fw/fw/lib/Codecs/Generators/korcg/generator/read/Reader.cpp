@@ -3,8 +3,7 @@
 #include "read/ReadFormat.h"
 #include "read/ReadTypes.h"
 #include "read/Resolve.h"
-
-#include <yaml-cpp/yaml.h>
+#include "read/YamlDocuments.h"
 
 #include <iterator>
 #include <utility>
@@ -19,7 +18,7 @@ void readDocuments(const Source& source, Format& format, std::vector<TypeDraft>&
                    Errors& errors)
 {
     const ReadContext context{source.file, errors};
-    for (const YAML::Node& document : YAML::LoadAll(source.text)) {
+    for (const YAML::Node& document : loadDocuments(source)) {
         if (document.IsSequence()) {
             std::vector<TypeDraft> types = readTypes(context, document);
             drafts.insert(drafts.end(), std::make_move_iterator(types.begin()),
