@@ -25,16 +25,13 @@ public Q_SLOTS:
     /// 65,535 are not looked at. Framing and checksum are not tested, see TQXSynchronizer. Does not
     /// throw. Returns the codec's result unchanged and publishes accordingly:
     ///
-    /// | result | published |
-    /// |---|---|
-    /// | > 0, bits decoded | the message by newMessageEarly, newMessage and newMessageLate; nothing
-    ///   for a type without message class |
-    /// | -6072, unknown block number or 6 bytes or fewer | an event UnknownMessage and
-    ///   newUnknownMessage |
-    /// | any other | an event DecodingError with the code's name, "TQX: TQX_ERR_..." |
-    ///
-    /// A message is destroyed behind newMessageLate unless a receiver took a reference. A disabled
-    /// type gives its "_DISABLED" code.
+    /// - above 0, the bits decoded: the message by newMessageEarly, newMessage and newMessageLate;
+    ///   nothing for a type without message class. The message is destroyed behind newMessageLate
+    ///   unless a receiver took a reference.
+    /// - -6072, an unknown block number or 6 bytes or fewer: an event of type UnknownMessage, then
+    ///   newUnknownMessage.
+    /// - any other: an event of type DecodingError with the name of the code, such as
+    ///   "TQX: TQX_ERR_PVTGEODETIC2_DISABLED" for a type that is switched off.
     int32_t decodeMessage(const uint8_t* buffer, uint32_t maxlength) override;
 
 public:
