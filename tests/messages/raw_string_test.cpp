@@ -110,11 +110,9 @@ TEST_F(RawString, TextEndsAtItsZero)
     EXPECT_EQ(line(message, {"StringLn", "SensorModel", "ASCIIString"}),
               "0;" + std::string(20, ' ') + ";");
     std::strcpy(record->SensorModel, "MET4");
-    std::strcpy(record->ASCIIString, "12 \xb0"
-                                     "C");
-    record->StringLn = 5;
-    EXPECT_EQ(line(message, {"SensorModel", "ASCIIString"}), "MET4;12 \u00b0"
-                                                             "C");
+    std::strcpy(record->ASCIIString, "12 \xb0 C");
+    record->StringLn = 6;
+    EXPECT_EQ(line(message, {"SensorModel", "ASCIIString"}), "MET4;12 \u00b0 C");
     std::memset(record->SensorModel, 'x', sizeof record->SensorModel);
     EXPECT_EQ(line(message, {"SensorModel"}), std::string(20, 'x'));
 }

@@ -37,7 +37,7 @@ constexpr const char* embeddedDeclaration = R"(    {T} get{F}();
 constexpr const char* presenceDefinition = R"(
 bool {C}::has{F}() const
 {{
-    assertRepresentation();
+    requireRecord();
     return {presence};
 }}
 )";
@@ -45,7 +45,7 @@ bool {C}::has{F}() const
 constexpr const char* scalarDefinition = R"(
 {T} {C}::get{F}() const
 {{
-    assertRepresentation();
+    requireRecord();
     return m_record->{F};
 }}
 )";
@@ -62,7 +62,7 @@ constexpr const char* optionalDefinition = R"(
 constexpr const char* repeatedDefinition = R"(
 {T} {C}::get{F}(unsigned int index) const
 {{
-    assertRepresentation();
+    requireRecord();
     if (index >= {limit})
         TQX_throwOutOfRange("{N}", "{F}");
     return m_record->{F}[index];
@@ -70,7 +70,7 @@ constexpr const char* repeatedDefinition = R"(
 
 unsigned int {C}::getNumberOf{F}() const
 {{
-    assertRepresentation();
+    requireRecord();
     return {count};
 }}
 
@@ -86,7 +86,7 @@ const {T}* {C}::get{F}Array() const
 
 QVector<{T}> {C}::get{F}Vector() const
 {{
-    assertRepresentation();
+    requireRecord();
     return QVector<{T}>(m_record->{F}, m_record->{F} + {limit});
 }}
 )";
@@ -94,7 +94,7 @@ QVector<{T}> {C}::get{F}Vector() const
 constexpr const char* blocksDefinition = R"(
 {T} {C}::get{F}(unsigned int index)
 {{
-    assertRepresentation();
+    requireRecord();
     ensureSubMessages();
     if (index >= static_cast<unsigned int>({member}.size()))
         TQX_throwOutOfRange("{N}", "{F}");
@@ -108,20 +108,20 @@ const {T} {C}::get{F}(unsigned int index) const
 
 unsigned int {C}::getNumberOf{F}() const
 {{
-    assertRepresentation();
+    requireRecord();
     return {count};
 }}
 
 QVector<{T}> {C}::get{F}Vector()
 {{
-    assertRepresentation();
+    requireRecord();
     ensureSubMessages();
     return {member};
 }}
 
 QVector<const {T}> {C}::get{F}Vector() const
 {{
-    assertRepresentation();
+    requireRecord();
     ensureSubMessages();
     return {{{member}.constBegin(), {member}.constEnd()}};
 }}

@@ -45,16 +45,19 @@ public:
 private:
     friend class TQX_FieldAccess;
 
-    void assertRepresentation() const
-    {{
-        if (!m_record)
-            TQX_failUninitialized("{C}");
-    }}
+    void assertRepresentation() const;
     bool hasRepresentation() const;
     void setRepresentation(Kor::MessageApi::{R}* record);
     void disposeRepresentation();
     const void* getRawRepresentation() const override;
 {cacheFunctions}
+    /// assertRepresentation() in line, for the getters.
+    void requireRecord() const
+    {{
+        if (!m_record)
+            TQX_failUninitialized("{C}");
+    }}
+
 {cacheMembers}    Kor::MessageApi::{R}* m_record;
     bool m_ownsRecord;
 }};
@@ -83,6 +86,11 @@ constexpr const char* recordText = R"(
 QString {C}::getRawStringFor(const QVector<bool>& fieldMask) const
 {{
     return TQX_rawString({type}, m_record, fieldMask);
+}}
+
+void {C}::assertRepresentation() const
+{{
+    requireRecord();
 }}
 
 bool {C}::hasRepresentation() const

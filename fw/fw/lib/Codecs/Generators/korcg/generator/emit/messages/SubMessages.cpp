@@ -44,7 +44,7 @@ void {C}::ensureSubMessages() const
 {{
     if (m_subMessagesBuilt)
         return;
-    assertRepresentation();
+    requireRecord();
     auto* self = const_cast<{C}*>(this);
     const auto recordOf = [this](const Message* child) {{ return getRawRepresentationOf(child); }};
 {build}    m_subMessagesBuilt = true;
