@@ -14,7 +14,7 @@ namespace
 {
 
 /// A bad description carries its errors as comments: "#! message" at the end of the line that the
-/// message names.
+/// message names. Those whose name starts with "alone_" do without base.yaml.
 std::vector<std::string> expectedErrors(const Source& source)
 {
     constexpr std::string_view mark = "#! ";
@@ -42,8 +42,11 @@ TEST_P(BadDescription, ReportsEachErrorWhereItIs)
     std::vector<std::string> expected = expectedErrors(bad);
     ASSERT_FALSE(expected.empty());
 
+    std::vector<Source> sources = {bad};
+    if (bad.file.rfind("alone_", 0) != 0)
+        sources.insert(sources.begin(), {"base.yaml", readTestFile("base.yaml")});
     Errors errors;
-    load({{"base.yaml", readTestFile("base.yaml")}, bad}, errors);
+    load(sources, errors);
 
     std::vector<std::string> reported = errors.report();
     std::sort(expected.begin(), expected.end());
@@ -55,5 +58,16 @@ INSTANTIATE_TEST_SUITE_P(All, BadDescription, testing::ValuesIn(testFiles("bad")
                          [](const auto& description) {
                              return std::filesystem::path(description.param).stem().string();
                          });
+
+TEST(Sources, UnreadableDirectoriesAndMissingFormatsAreErrors)
+{
+    Errors errors;
+    EXPECT_TRUE(readSources("no/such/directory", errors).empty());
+    load({}, errors);
+    const std::vector<std::string> report = errors.report();
+    ASSERT_EQ(2u, report.size());
+    EXPECT_EQ(":0: no file tells the name of the format ('format')", report[0]);
+    EXPECT_EQ(0u, report[1].find("no/such/directory:0: cannot be read: "));
+}
 
 } // namespace

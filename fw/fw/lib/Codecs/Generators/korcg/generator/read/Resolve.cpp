@@ -200,27 +200,22 @@ struct MainMention {
     Mention field;
 };
 
-/// Main blocks that hold the type in any depth.
-void collectMains(const Format& format, const std::string& name, int depth,
-                  std::vector<const RecordType*>& mains)
+/// Main blocks that hold the type. Sub-blocks that hold others are never nested deeper.
+std::vector<const RecordType*> mainsAround(const Format& format, const std::string& name)
 {
-    for (const RecordType& owner : format.types) {
-        const bool holds =
+    std::vector<const RecordType*> mains;
+    for (const RecordType& owner : format.types)
+        if (owner.isMain() &&
             std::any_of(owner.fields.begin(), owner.fields.end(),
-                        [&name](const Field& field) { return field.subType == name; });
-        if (holds && owner.isMain() && std::count(mains.begin(), mains.end(), &owner) == 0)
+                        [&name](const Field& field) { return field.subType == name; }))
             mains.push_back(&owner);
-        else if (holds && depth > 0)
-            collectMains(format, owner.name, depth - 1, mains);
-    }
+    return mains;
 }
 
 /// The row of the field in every main block around the type; all of them must agree on it.
 int rowInMains(const Format& format, const MainMention& mention, Errors& errors)
 {
-    constexpr int deepest = 3;
-    std::vector<const RecordType*> mains;
-    collectMains(format, mention.type, deepest, mains);
+    const std::vector<const RecordType*> mains = mainsAround(format, mention.type);
     int row = -1;
     for (const RecordType* main : mains) {
         const auto found =
