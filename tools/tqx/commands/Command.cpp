@@ -5,6 +5,7 @@
 #include "ErrorCommand.h"
 #include "HelpCommand.h"
 #include "InfoCommand.h"
+#include "SimulateCommand.h"
 #include "TypesCommand.h"
 
 namespace tool
@@ -24,6 +25,7 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program)
     commands.push_back(std::make_unique<DumpCommand>(program));
     commands.push_back(std::make_unique<TypesCommand>(program));
     commands.push_back(std::make_unique<EncodeCommand>(program));
+    commands.push_back(std::make_unique<SimulateCommand>(program));
     commands.push_back(std::make_unique<ErrorCommand>(program));
     commands.push_back(std::make_unique<HelpCommand>(program));
     return commands;

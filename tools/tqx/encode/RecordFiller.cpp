@@ -89,24 +89,6 @@ void atElement(const TQX_FieldLayout& field, uint32_t index, Step step)
     }
 }
 
-/// Bytes of an entry up to what has a length of its own; of alternatives the longest counts.
-uint32_t entryLength(const TQX_TypeLayout& type, unsigned revision)
-{
-    uint32_t always = TQX_entrySize(type.recordType, revision);
-    uint32_t selected = 0;
-    for (int i = 0; i < type.fieldCount; ++i) {
-        const TQX_FieldLayout& field = type.fields[i];
-        if (field.kind != TQX_FieldKind::Embedded || field.length >= 0)
-            continue;
-        const uint32_t length = entryLength(*TQX_layout(field.recordType), revision);
-        if (field.presence == TQX_Presence::Selected)
-            selected = std::max(selected, length);
-        else
-            always += length;
-    }
-    return always + selected;
-}
-
 void Filler::assignRows()
 {
     size_t known = 0;
@@ -254,8 +236,9 @@ void Filler::setEntryLengths(const TQX_TypeLayout& owner)
             &owner == &type ? !field.lengthInMain || type.linksToMain == 0 : field.lengthInMain;
         if (field.length >= 0 && isHere && !isGiven(field.length)) {
             const uint64_t known = TQX_unsignedValue(row(field.length), record);
-            storeInteger(row(field.length), record, 0,
-                         std::max<uint64_t>(known, entryLength(sub, header->Revision)));
+            storeInteger(
+                row(field.length), record, 0,
+                std::max<uint64_t>(known, TQX_entrySize(field.recordType, header->Revision)));
         }
         if (type.linksToMain == 0)
             setEntryLengths(sub);

@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -36,7 +37,7 @@ bool isHeader(const MessageInfo& type, const FieldInfo* field)
 {
     const auto* info = dynamic_cast<const TQX_FieldInfo*>(field);
     return type.isMain() && info &&
-           info->layout().recordOffset < sizeof(Kor::MessageApi::TQX_MainHeader_s);
+           info->layout().recordOffset <= offsetof(Kor::MessageApi::TQX_MainHeader_s, WNc);
 }
 
 std::unique_ptr<ParagraphPlan> makePlan(const MessageInfo& type, const FieldFilter& shown,

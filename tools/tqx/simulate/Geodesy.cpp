@@ -1,0 +1,84 @@
+#include "Geodesy.h"
+
+#include <cmath>
+
+namespace tool
+{
+
+namespace
+{
+
+constexpr double semiMajorAxis = 6378137.0;
+constexpr double flattening = 1 / 298.257223563;
+constexpr double eccentricitySquared = flattening * (2 - flattening);
+
+/// Radius of curvature across the meridian.
+double primeVertical(double latitude)
+{
+    const double sine = std::sin(latitude);
+    return semiMajorAxis / std::sqrt(1 - eccentricitySquared * sine * sine);
+}
+
+} // namespace
+
+Vector operator+(const Vector& a, const Vector& b)
+{
+    return {a.x + b.x, a.y + b.y, a.z + b.z};
+}
+
+Vector operator-(const Vector& a, const Vector& b)
+{
+    return {a.x - b.x, a.y - b.y, a.z - b.z};
+}
+
+Vector operator*(const Vector& a, double factor)
+{
+    return {a.x * factor, a.y * factor, a.z * factor};
+}
+
+double dot(const Vector& a, const Vector& b)
+{
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+
+double length(const Vector& a)
+{
+    return std::sqrt(dot(a, a));
+}
+
+Vector toEarthFixed(const Geodetic& position)
+{
+    const double radius = primeVertical(position.latitude);
+    const double inPlane = (radius + position.height) * std::cos(position.latitude);
+    return {inPlane * std::cos(position.longitude), inPlane * std::sin(position.longitude),
+            (radius * (1 - eccentricitySquared) + position.height) * std::sin(position.latitude)};
+}
+
+LocalFrame::LocalFrame(const Geodetic& place)
+{
+    const double sinLat = std::sin(place.latitude);
+    const double cosLat = std::cos(place.latitude);
+    const double sinLon = std::sin(place.longitude);
+    const double cosLon = std::cos(place.longitude);
+    east = {-sinLon, cosLon, 0};
+    north = {-sinLat * cosLon, -sinLat * sinLon, cosLat};
+    up = {cosLat * cosLon, cosLat * sinLon, sinLat};
+}
+
+Vector LocalFrame::toLocal(const Vector& difference) const
+{
+    return {dot(difference, east), dot(difference, north), dot(difference, up)};
+}
+
+Geodetic moved(const Geodetic& place, const Vector& local)
+{
+    const double sine = std::sin(place.latitude);
+    const double across = primeVertical(place.latitude);
+    const double along =
+        across * (1 - eccentricitySquared) / (1 - eccentricitySquared * sine * sine);
+    return {place.latitude + local.y / (along + place.height),
+            place.longitude + local.x / ((across + place.height) * std::cos(place.latitude)),
+            place.height + local.z};
+}
+
+} // namespace tool

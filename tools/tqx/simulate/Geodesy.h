@@ -1,0 +1,49 @@
+#pragma once
+
+namespace tool
+{
+
+constexpr double pi = 3.14159265358979323846;
+constexpr double speedOfLight = 299792458.0; ///< metres per second
+
+/// Earth-centred, earth-fixed, metres.
+struct Vector {
+    double x;
+    double y;
+    double z;
+};
+
+Vector operator+(const Vector& a, const Vector& b);
+Vector operator-(const Vector& a, const Vector& b);
+Vector operator*(const Vector& a, double factor);
+double dot(const Vector& a, const Vector& b);
+double length(const Vector& a);
+
+/// On the ellipsoid WGS84: radians and metres.
+struct Geodetic {
+    double latitude;
+    double longitude;
+    double height;
+};
+
+Vector toEarthFixed(const Geodetic& position);
+
+/// East, north and up at a place.
+class LocalFrame
+{
+public:
+    explicit LocalFrame(const Geodetic& place);
+
+    /// Components east, north and up of a difference of earth-fixed positions.
+    Vector toLocal(const Vector& difference) const;
+
+private:
+    Vector east;
+    Vector north;
+    Vector up;
+};
+
+/// A place `local` metres east, north and up of another.
+Geodetic moved(const Geodetic& place, const Vector& local);
+
+} // namespace tool

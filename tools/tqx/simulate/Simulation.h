@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Output.h"
+
+#include <cstdint>
+
+namespace tool
+{
+
+/// What a simulated log is like.
+struct SimulationSettings {
+    uint32_t periodMillis = 1000; ///< from one epoch to the next
+    double duration = 60;         ///< seconds
+    uint64_t seed = 1;
+    uint16_t week = 2400;
+    uint32_t towMillis = 216000000; ///< of the first epoch
+    bool damage = false;
+};
+
+/// Writes the log of a receiver with a static antenna: measurements, position and a sensor at
+/// every epoch, its state every second, texts, corrections and batteries less often, ephemerides
+/// when they are new. The same settings give the same bytes from one build.
+void simulate(const SimulationSettings& settings, Output& output);
+
+} // namespace tool
