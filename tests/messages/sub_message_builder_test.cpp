@@ -93,6 +93,29 @@ const ReuseCase reuseCases[] = {
 INSTANTIATE_TEST_SUITE_P(All, SubMessageBuilder, testing::ValuesIn(reuseCases),
                          [](const auto& row) { return std::string(row.param.name); });
 
+TEST(SubMessageReuse, SeveralArraysFollowEachOtherInOneList)
+{
+    TQX_FormatInfo::getInstance();
+    auto epoch = measEpoch2(2);
+    auto status = batteryStatus(0);
+    QVector<Message*> owned;
+    QVector<TQX_MeasEpochChannelType1_Message*> channels;
+    QVector<TQX_Battery_Message*> batteries;
+    QVector<Message*> first;
+    for (int round = 0; round < 2; ++round) {
+        {
+            TQX_SubMessageBuilder builder(owned, nullptr, nullptr, &RecordReader::recordOf);
+            builder.build(epoch->Type1, epoch->N1, channels);
+            builder.build(status->Battery, status->N, batteries);
+        }
+        ASSERT_EQ(owned.size(), 3);
+        EXPECT_EQ(owned, (QVector<Message*>{channels[0], channels[1], batteries[0]}));
+        EXPECT_TRUE(first.isEmpty() || owned == first) << "reused";
+        first = owned;
+    }
+    TQX_disposeChildren(owned);
+}
+
 TEST(SubMessageReuse, NeedsTheClassOfTheElement)
 {
     TQX_FormatInfo::getInstance();
