@@ -76,7 +76,7 @@ TQX_FieldInfo::TQX_FieldInfo(const TQX_TypeRow& type, unsigned index)
 }
 
 TQX_FieldInfo::TQX_FieldInfo(const TQX_TypeRow& type, const TQX_TypeLayout& layout, unsigned index)
-    : FieldInfo(QString::fromUtf8(layout.fields[index].name),
+    : FieldInfo(QString::fromLatin1(layout.fields[index].name),
                 typeOf(layout.fields[index], type.fields[index])),
       m_row(type.fields[index]), m_field(layout.fields[index]), m_type(layout)
 {
@@ -223,7 +223,7 @@ FieldValue TQX_FieldInfo::valueOf(const Message& message, const void* record, un
 void TQX_FieldInfo::fail(const char* before, const char* after) const
 {
     const QString text = QLatin1String(before) + QLatin1String(m_type.name) + QLatin1String("::") +
-                         QString::fromUtf8(m_field.name) + QLatin1String(after);
+                         QLatin1String(m_field.name) + QLatin1String(after);
     throw MessageApiEvent(MessageApiEvent::FieldAccess, text, TQX_FormatInfo::getInstance());
 }
 

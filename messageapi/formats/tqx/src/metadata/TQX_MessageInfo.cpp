@@ -10,6 +10,20 @@
 
 using namespace Kor::MessageApi;
 
+namespace
+{
+
+/// Shared by all types.
+struct AttributeKeys {
+    QString flexrate = QString::fromLatin1("flexrate");
+    QString esoc = QString::fromLatin1("esoc");
+    QString timestamp = QString::fromLatin1("timestamp");
+    QString version = QString::fromLatin1("version");
+    QString blocknr = QString::fromLatin1("blocknr");
+};
+
+} // namespace
+
 TQX_MessageInfo::TQX_MessageInfo(const TQX_TypeRow& type)
     : MessageInfo(QString::fromLatin1(TQX_layout(type.recordType)->name)), m_type(&type)
 {
@@ -41,9 +55,10 @@ void TQX_MessageInfo::addMainProperties(const FieldInfo* blockNumber)
 {
     const unsigned number = TQX_layout(m_type->recordType)->blockNumber;
     addDiscriminantValue(blockNumber, FieldValue::u(number, 13));
-    setAttribute(QString::fromLatin1("flexrate"), QVariant(m_type->flexrate));
-    setAttribute(QString::fromLatin1("esoc"), QVariant(m_type->esoc));
-    setAttribute(QString::fromLatin1("timestamp"), QVariant(static_cast<int>(m_type->timestamp)));
-    setAttribute(QString::fromLatin1("version"), QVariant(static_cast<int>(m_type->version)));
-    setAttribute(QString::fromLatin1("blocknr"), QVariant(static_cast<int>(number)));
+    static const AttributeKeys keys;
+    setAttribute(keys.flexrate, QVariant(m_type->flexrate));
+    setAttribute(keys.esoc, QVariant(m_type->esoc));
+    setAttribute(keys.timestamp, QVariant(static_cast<int>(m_type->timestamp)));
+    setAttribute(keys.version, QVariant(static_cast<int>(m_type->version)));
+    setAttribute(keys.blocknr, QVariant(static_cast<int>(number)));
 }
