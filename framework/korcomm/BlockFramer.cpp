@@ -139,8 +139,11 @@ bool BlockFramer::isIntact(size_t length)
 bool BlockFramer::mayBeSummedInVain(size_t size)
 {
     constexpr uint64_t kMostSaved = 4 * PrefixChecksums::kLongest;
-    summedInVain_ = std::max(summedInVain_, 2 * offset_);
-    return summedInVain_ + size <= 2 * offset_ + kMostSaved;
+    const uint64_t limit = 2 * offset_;
+    if (limit > summedInVain_ + kMostSaved) {
+        summedInVain_ = limit - kMostSaved;
+    }
+    return summedInVain_ + size <= limit;
 }
 
 void BlockFramer::drop(size_t count)
