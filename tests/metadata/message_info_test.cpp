@@ -90,6 +90,8 @@ TEST(MessageInfo, IdentifyingFields)
 
 TEST(MessageInfo, InstancesAreThoseOfTheRegistry)
 {
+    // The registry comes before anything that it registers.
+    TQX_FormatInfo::getInstance();
     EXPECT_EQ(&messageInfo("ASCIIIn"), TQX_ASCIIIn_MessageInfo::getInstance());
     EXPECT_EQ(&fieldInfo("GPSNav", "SQRT_A"), TQX_GPSNav_SQRT_A_FieldInfo::getInstance());
 }
