@@ -26,6 +26,8 @@ struct CrcMethods {
         if (crcClmulRuns()) {
             add("clmul", crcClmul);
         }
+#endif
+#if KORCG_HAVE_WIDE_CLMUL
         if (crcWideClmulRuns()) {
             add("wide clmul", crcWideClmul);
         }

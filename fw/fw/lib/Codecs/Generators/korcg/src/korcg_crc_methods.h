@@ -9,6 +9,13 @@
 #define KORCG_HAVE_CLMUL 0
 #endif
 
+// On Windows gcc does not align its stack for vectors of 64 bytes.
+#if KORCG_HAVE_CLMUL && (!defined(_WIN32) || defined(__clang__))
+#define KORCG_HAVE_WIDE_CLMUL 1
+#else
+#define KORCG_HAVE_WIDE_CLMUL 0
+#endif
+
 namespace korcg
 {
 
@@ -20,7 +27,9 @@ uint16_t crcSlicing(const uint8_t* data, size_t size, uint16_t start);
 /// Carry-less multiplication of 16 bytes at a time, and whether this processor can do it.
 uint16_t crcClmul(const uint8_t* data, size_t size, uint16_t start);
 bool crcClmulRuns();
+#endif
 
+#if KORCG_HAVE_WIDE_CLMUL
 /// Likewise of 64 bytes at a time.
 uint16_t crcWideClmul(const uint8_t* data, size_t size, uint16_t start);
 bool crcWideClmulRuns();

@@ -1,6 +1,6 @@
 #include "korcg_crc_fold.h"
 
-#if KORCG_HAVE_CLMUL
+#if KORCG_HAVE_WIDE_CLMUL
 
 #include "korcg_crc.h"
 

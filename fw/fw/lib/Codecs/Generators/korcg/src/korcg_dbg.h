@@ -109,7 +109,8 @@ KORCG_API int dbg_CheckModule(const char* module, const char* subModule);
 
 /// Writes one line when the level is among those selected and the time is within the span selected.
 /// Does not look at the module filters: ask dbg_CheckModule once per class and keep the answer.
-/// Writes nothing before dbg_Init. `format` is that of printf, without a line end.
+/// Writes nothing before dbg_Init. `format` is that of printf, without a line end; the message
+/// follows the last field with nothing in between.
 KORCG_API void dbg_Trace(uint32_t level, const char* module, const char* subModule,
                          const char* function, const char* file, int line, const char* format, ...)
     KORCG_PRINTF(7, 8);
