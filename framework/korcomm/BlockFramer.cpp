@@ -146,13 +146,6 @@ bool BlockFramer::mayBeSummedInVain(size_t size)
     return summedInVain_ + size <= limit;
 }
 
-void BlockFramer::drop(size_t count)
-{
-    head_ += count;
-    offset_ += count;
-    unreported_ += count;
-}
-
 void BlockFramer::reportDropped()
 {
     const uint64_t count = unreported_;

@@ -93,7 +93,12 @@ private:
     bool decideCandidate();
     bool giveUpCandidate();
     bool isIntact(size_t length);
-    void drop(size_t count);
+    void drop(size_t count)
+    {
+        head_ += count;
+        offset_ += count;
+        unreported_ += count;
+    }
     bool mayBeSummedInVain(size_t size);
     void reportDropped();
     void store(const uint8_t* bytes, size_t size);
