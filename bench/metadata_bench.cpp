@@ -16,6 +16,7 @@
 
 #include <QCoreApplication>
 #include <QProcess>
+#include <QVariant>
 
 #include <benchmark/benchmark.h>
 
@@ -24,7 +25,7 @@
 #include <ctime>
 #include <map>
 #include <memory>
-#include <string>
+#include <utility>
 #include <vector>
 
 using namespace Kor::MessageApi;
@@ -47,9 +48,18 @@ struct PlainField {
     uint16_t flags = 0;
 };
 
+struct PlainMessage {
+    QString description;
+    std::map<QString, QVariant> attributes;
+    std::map<QString, PlainField*> byName;
+    std::vector<std::pair<std::unique_ptr<PlainField>, bool>> fields;
+    std::vector<std::pair<const PlainField*, uint64_t>> discriminants;
+    bool isMain = true;
+};
+
 struct PlainRegistry {
     std::map<QString, int> tracer;
-    std::map<QString, std::vector<std::unique_ptr<PlainField>>> types;
+    std::map<QString, PlainMessage> types;
     size_t fieldCount = 0;
 };
 
@@ -73,18 +83,43 @@ std::unique_ptr<PlainField> plainField(const TQX_FieldLayout& layout, const TQX_
     return field;
 }
 
+void addPlainFields(PlainRegistry& registry, PlainMessage& message, const TQX_TypeLayout& layout,
+                    const TQX_TypeRow& type)
+{
+    for (unsigned i = 0; i < layout.fieldCount; ++i) {
+        const TQX_FieldRow& row = type.fields[i];
+        ++registry.tracer[QString::fromLatin1(row.className)];
+        message.fields.emplace_back(plainField(layout.fields[i], row),
+                                    row.has(TQX_FieldRow::Identifying));
+        PlainField* field = message.fields.back().first.get();
+        message.byName.emplace(field->name, field);
+        const int parent = layout.fields[i].parent;
+        if (parent >= 0)
+            message.fields[static_cast<size_t>(parent)].first->subFields.push_back(field);
+    }
+    registry.fieldCount += layout.fieldCount;
+}
+
 void addPlainType(PlainRegistry& registry, const TQX_TypeLayout& layout, const TQX_TypeRow& type)
 {
     ++registry.tracer[QString::fromLatin1(type.className)];
-    auto& fields = registry.types[QString::fromLatin1(layout.name)];
-    for (unsigned i = 0; i < layout.fieldCount; ++i) {
-        ++registry.tracer[QString::fromLatin1(type.fields[i].className)];
-        fields.push_back(plainField(layout.fields[i], type.fields[i]));
-        if (layout.fields[i].parent >= 0)
-            fields[static_cast<size_t>(layout.fields[i].parent)]->subFields.push_back(
-                fields.back().get());
-    }
-    registry.fieldCount += layout.fieldCount;
+    PlainMessage& message = registry.types[QString::fromLatin1(layout.name)];
+    message.isMain = layout.blockNumber != 0;
+    addPlainFields(registry, message, layout, type);
+    if (!message.isMain)
+        return;
+    if (type.description)
+        message.description = QString::fromLatin1(type.description);
+    const QString blockNumber = QString::fromLatin1("BlockNumber");
+    message.discriminants.emplace_back(message.byName.at(blockNumber), layout.blockNumber);
+    const auto set = [&message](const char* key, const QVariant& value) {
+        message.attributes.emplace(QString::fromLatin1(key), value);
+    };
+    set("flexrate", type.flexrate);
+    set("esoc", type.esoc);
+    set("timestamp", static_cast<int>(type.timestamp));
+    set("version", static_cast<int>(type.version));
+    set("blocknr", static_cast<int>(layout.blockNumber));
 }
 
 size_t setUpPlainRegistry()
