@@ -51,6 +51,24 @@ bool isSigned(TQX_MemberType type)
     return type == TQX_MemberType::I8 || type == TQX_MemberType::I16 || type == TQX_MemberType::I32;
 }
 
+/// "<value> <name>" for each named value but the one that says "not available".
+std::vector<std::string> symbolsOf(const FieldInfo& field)
+{
+    std::vector<std::string> names;
+    for (const FieldInfo::SymbolicValue& symbol : field.getSymbolicValues())
+        if (!field.isDoNotUse(symbol.value) || symbol.name != QLatin1String("DoNotUse"))
+            names.push_back(fmt::format("{} {}", symbol.value.toString().toStdString(),
+                                        symbol.name.toStdString()));
+    return names;
+}
+
+/// Whether the names of a field's values fit beside it.
+bool isShort(const std::vector<std::string>& names)
+{
+    constexpr size_t most = 40;
+    return fmt::format("{}", fmt::join(names, ", ")).size() <= most;
+}
+
 class Table
 {
 public:
@@ -152,6 +170,9 @@ std::string Table::propertiesOf(int index) const
         if (field->hasDoNotUseValue())
             properties.push_back("not available: " +
                                  field->getDoNotUseValue().toString().toStdString());
+        if (const std::vector<std::string> names = symbolsOf(*field);
+            !names.empty() && isShort(names))
+            properties.push_back(fmt::format("{}", fmt::join(names, ", ")));
         if (info->isIdentifying(index))
             properties.emplace_back("identifies");
         if (field->isVirtual())
@@ -182,23 +203,23 @@ void Table::appendHead()
     out.append('\n');
 }
 
-/// The names of a field's values, as many in a line as it holds; runs of one pattern are common
-/// and shown in full all the same, for they have gaps.
+/// The names of a field's values, as many in a line as it holds, below the field. What fits beside
+/// it stands there already.
 void Table::appendSymbols(const FieldInfo& field, size_t indentation)
 {
     constexpr size_t lineWidth = 100;
+    const std::vector<std::string> names = symbolsOf(field);
+    if (isShort(names))
+        return;
     std::string line;
-    for (const FieldInfo::SymbolicValue& symbol : field.getSymbolicValues()) {
-        const std::string item =
-            fmt::format("{} {}", symbol.value.toString().toStdString(), symbol.name.toStdString());
-        if (!line.empty() && indentation + line.size() + item.size() + 2 > lineWidth) {
+    for (const std::string& name : names) {
+        if (!line.empty() && indentation + line.size() + name.size() + 3 > lineWidth) {
             out.append(fmt::format("{:{}}{},\n", "", indentation, line));
             line.clear();
         }
-        line += (line.empty() ? "" : ", ") + item;
+        line += (line.empty() ? "" : ", ") + name;
     }
-    if (!line.empty())
-        out.append(fmt::format("{:{}}{}\n", "", indentation, line));
+    out.append(fmt::format("{:{}}{}\n", "", indentation, line));
 }
 
 void Table::appendRow(int index, size_t nameWidth, size_t typeWidth)

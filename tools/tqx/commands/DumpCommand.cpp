@@ -133,7 +133,7 @@ DumpCommand::DumpCommand(CLI::App& program)
                    "Only these fields; Field.Inner for one inside the sub-blocks of Field")
         ->delimiter(',')
         ->allow_extra_args(false)
-        ->type_name("FIELD,...");
+        ->type_name("FIELD,FIELD");
     app.add_option("-o,--output", target, "File to write instead of standard output")
         ->type_name("FILE");
 }

@@ -23,7 +23,8 @@ EncodeCommand::EncodeCommand(CLI::App& program)
           "named bit ranges.\n")
 {
     app.add_option("FILE", files, "Files to read, one after the other; - is standard input")
-        ->required();
+        ->required()
+        ->type_name("");
     app.add_option("-o,--output", target, "File to write instead of standard output")
         ->type_name("FILE");
 }

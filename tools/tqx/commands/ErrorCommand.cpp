@@ -43,7 +43,7 @@ ErrorCommand::ErrorCommand(CLI::App& program)
               "  tqx error TQX_ERR_EOF\n"
               "  tqx error --all\n")
 {
-    app.add_option("CODE", items, "Codes, or their names");
+    app.add_option("CODE", items, "Codes, or their names")->type_name("");
     // Negative numbers look like options; this way they come through.
     app.allow_extras();
     app.add_flag("--all", all, "List every code with its name, from -1 down");

@@ -10,7 +10,7 @@ namespace tool
 HelpCommand::HelpCommand(CLI::App& whole)
     : Command(whole, "help", "Show how to use a command", "  tqx help dump\n"), program(whole)
 {
-    app.add_option("COMMAND", topic, "Command to explain");
+    app.add_option("COMMAND", topic, "Command to explain")->type_name("");
 }
 
 ExitStatus HelpCommand::run()

@@ -65,7 +65,8 @@ TypesCommand::TypesCommand(CLI::App& program)
               "  tqx types 4007\n"
               "  tqx types --json | jq '.[] | select(.kind == \"main\") | .name'\n")
 {
-    app.add_option("NAME", names, "Types to show the layout of: names or block numbers");
+    app.add_option("NAME", names, "Types to show the layout of: names or block numbers")
+        ->type_name("");
     app.add_flag("--json", json, "All metadata as a JSON array, in order of registration");
 }
 

@@ -311,6 +311,8 @@ void Filler::fillContent(int index)
 void Filler::settleId()
 {
     auto* header = static_cast<TQX_MainHeader_s*>(record);
+    if (header->Sync1 != '$' || header->Sync2 != '@')
+        throw LineError("the sync characters are not those of a block");
     if ((header->ID & 0x1fffU) == 0)
         header->ID = static_cast<uint16_t>(header->ID | type.blockNumber);
     header->BlockNumber = header->ID & 0x1fffU;

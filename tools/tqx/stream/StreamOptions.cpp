@@ -10,7 +10,8 @@ namespace tool
 void StreamOptions::addInputs(CLI::App& command)
 {
     command.add_option("FILE", files, "Files to read, one after the other; - is standard input")
-        ->required();
+        ->required()
+        ->type_name("");
     command.add_flag("--strict", strict, "Exit with status 2 when an input is damaged");
     command.add_flag("-q,--quiet", quiet, "Say nothing about damage");
 }
@@ -20,11 +21,11 @@ void StreamOptions::addTypes(CLI::App& command)
     command.add_option("--type", types, "Only blocks of these types: names or block numbers")
         ->delimiter(',')
         ->allow_extra_args(false)
-        ->type_name("TYPE,...");
+        ->type_name("TYPE,TYPE");
     command.add_option("--not-type", notTypes, "No blocks of these types")
         ->delimiter(',')
         ->allow_extra_args(false)
-        ->type_name("TYPE,...");
+        ->type_name("TYPE,TYPE");
 }
 
 ExitStatus StreamOptions::read(BlockConsumer& consumer, Output& output) const

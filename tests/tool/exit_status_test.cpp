@@ -1,0 +1,103 @@
+#include "Tool.h"
+
+#include <gtest/gtest.h>
+
+#include <QProcess>
+
+namespace
+{
+
+struct Case {
+    const char* name;
+    QStringList arguments;
+    int status;
+    const char* words; ///< part of what standard error says, "" for nothing at all
+};
+
+void PrintTo(const Case& value, std::ostream* stream)
+{
+    *stream << value.name;
+}
+
+class ExitStatusTest : public testing::TestWithParam<Case>
+{
+};
+
+} // namespace
+
+TEST_P(ExitStatusTest, IsAsDocumented)
+{
+    const Case& expected = GetParam();
+    const ToolRun run = runTool(expected.arguments);
+    EXPECT_EQ(run.status, expected.status) << run.words;
+    if (*expected.words == '\0')
+        EXPECT_EQ(run.words, "");
+    else
+        EXPECT_NE(run.words.find(expected.words), std::string::npos) << run.words;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Tool, ExitStatusTest,
+    testing::Values(
+        Case{"Sound", {"info", "--strict", "data/samples/random.tqx"}, 0, ""},
+        Case{"Damaged",
+             {"info", "data/samples/random-damaged.tqx"},
+             0,
+             "tqx: data/samples/random-damaged.tqx: 1460: 33 bytes belong to no block, 1 bad "
+             "checksum\n"},
+        Case{"DamagedQuiet", {"info", "-q", "data/samples/random-damaged.tqx"}, 0, ""},
+        Case{"DamagedStrict", {"dump", "-q", "--strict", "data/samples/random-damaged.tqx"}, 2, ""},
+        Case{"UnknownAndUnselectedTypesAreNoDamage",
+             {"dump", "--strict", "--type", "4014", "data/samples/random.tqx"},
+             0,
+             ""},
+        Case{"NoSuchFile", {"info", "no/such/file"}, 1, "tqx: no/such/file: No such file"},
+        Case{"FileAfterMissingOneIsRead",
+             {"info", "no/such/file", "data/samples/random.tqx"},
+             1,
+             "tqx: no/such/file: "},
+        Case{"Directory", {"info", "data"}, 1, "tqx: data: "},
+        Case{"CannotWrite",
+             {"dump", "-o", "no/such/file", "data/samples/random.tqx"},
+             1,
+             "tqx: no/such/file: "},
+        Case{"NoCommand", {}, 1, "tqx: "}, Case{"UnknownCommand", {"bogus"}, 1, "tqx: "},
+        Case{"NoFile", {"dump"}, 1, "tqx: dump: "},
+        Case{"UnknownOption", {"dump", "--bogus", "data/samples/random.tqx"}, 1, "tqx: dump: "},
+        Case{"UnknownType",
+             {"dump", "--type", "PVTGeodetik2", "data/samples/random.tqx"},
+             1,
+             "tqx: there is no type named PVTGeodetik2, did you mean PVTGeodetic2?"},
+        Case{"SubBlockSelected",
+             {"dump", "--type", "AGCState", "data/samples/random.tqx"},
+             1,
+             "AGCState is a sub-block"},
+        Case{"UnknownField",
+             {"dump", "--field", "Lattitude", "data/samples/random.tqx"},
+             1,
+             "did you mean Latitude?"},
+        Case{"NumberTooLarge",
+             {"dump", "--type", "8192", "data/samples/random.tqx"},
+             1,
+             "block numbers go up to 8191"},
+        Case{"UnknownCode", {"error", "-6074"}, 1, "tqx: -6074 is no code"},
+        Case{"UnknownCodeName", {"error", "TQX_ERR_EOX"}, 1, "did you mean TQX_ERR_EOF?"},
+        Case{"BadRate", {"simulate", "--rate", "300"}, 1, "tqx: simulate: 300 Hz"},
+        Case{"UnknownTopic", {"help", "bump"}, 1, "did you mean dump?"},
+        Case{"Help", {"--help"}, 0, ""}, Case{"HelpOfCommand", {"help", "dump"}, 0, ""},
+        Case{"Version", {"--version"}, 0, ""}),
+    [](const auto& instance) { return instance.param.name; });
+
+// The program still has megabytes to write when its reader goes away.
+TEST(Tool, EndsQuietlyWhenNobodyReads)
+{
+    constexpr int patience = 60000;
+    QProcess process;
+    process.start(TQX_TOOL, {"simulate", "--duration", "20000"});
+    ASSERT_TRUE(process.waitForReadyRead(patience));
+    process.closeReadChannel(QProcess::StandardOutput);
+    ASSERT_TRUE(process.waitForFinished(patience));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(process.exitCode(), 0);
+    EXPECT_EQ(process.readAllStandardError().toStdString(), "");
+}

@@ -1,0 +1,115 @@
+#include "Tool.h"
+
+#include <nlohmann/json.hpp>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+
+using nlohmann::json;
+
+namespace
+{
+
+std::string simulated(const QStringList& options)
+{
+    const ToolRun run = runTool(QStringList{"simulate"} + options);
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.words, "");
+    return run.output;
+}
+
+std::vector<std::string> rawLines(const std::string& stream)
+{
+    return linesOf(runTool({"dump", "-q", "--format", "jsonl", "--raw", "-"}, stream).output);
+}
+
+} // namespace
+
+TEST(Simulate, SameSeedSameBytes)
+{
+    const QStringList options = {"--duration", "30", "--rate", "2", "--seed", "5"};
+    const std::string log = simulated(options);
+    EXPECT_TRUE(log == simulated(options));
+    EXPECT_FALSE(log == simulated({"--duration", "30", "--rate", "2", "--seed", "6"}));
+}
+
+TEST(Simulate, LogIsSoundAndBackFromItsRawDump)
+{
+    const std::string log = simulated({"--duration", "20"});
+    EXPECT_EQ(runTool({"info", "--strict", "-"}, log).status, 0);
+    const ToolRun dump = runTool({"dump", "--format", "jsonl", "--raw", "-"}, log);
+    EXPECT_EQ(dump.output.find("\"bytes\""), std::string::npos);
+    EXPECT_TRUE(runTool({"encode", "-"}, dump.output).output == log);
+}
+
+TEST(Simulate, DamageLeavesTheOtherBlocks)
+{
+    const std::vector<std::string> sound = rawLines(simulated({"--duration", "120"}));
+    const std::vector<std::string> damaged = rawLines(simulated({"--duration", "120", "--damage"}));
+    EXPECT_LT(damaged.size(), sound.size());
+    EXPECT_GT(damaged.size(), sound.size() * 8 / 10);
+    auto place = sound.begin();
+    for (const std::string& line : damaged) {
+        place = std::find(place, sound.end(), line);
+        ASSERT_NE(place, sound.end()) << line;
+        ++place;
+    }
+}
+
+// Ranges of satellites in view, and a Doppler that is the rate at which the ranges change.
+TEST(Simulate, MeasurementsAgreeWithEachOther)
+{
+    const std::string log = simulated({"--duration", "600", "--rate", "0.1"});
+    const ToolRun run = runTool({"dump", "--format", "jsonl", "--type", "MeasEpoch2", "-"}, log);
+    struct Last {
+        double range;
+        double doppler;
+        double phase;
+    };
+    std::map<std::string, Last> last;
+    size_t compared = 0;
+    for (const std::string& line : linesOf(run.output)) {
+        std::map<std::string, Last> now;
+        const json message = json::parse(line);
+        for (const json& entry : message["fields"]["Type1"]) {
+            const Last value = {entry["CodeRange"], entry["DopplerHz"], entry["CarrierPhase"]};
+            EXPECT_GT(value.range, 19.8e6);
+            EXPECT_LT(value.range, 26.2e6);
+            EXPECT_GT(entry["CN0_dBHz"], 30);
+            EXPECT_LT(entry["CN0_dBHz"], 53);
+            const std::string satellite = entry["SVID"];
+            if (const auto before = last.find(satellite); before != last.end()) {
+                const double wavelength = entry["Wavelength"];
+                const double mean = (value.doppler + before->second.doppler) / 2;
+                EXPECT_NEAR(value.phase - before->second.phase, -mean * 10, 10) << satellite;
+                EXPECT_NEAR(value.range - before->second.range, -mean * 10 * wavelength, 15)
+                    << satellite;
+                ++compared;
+            }
+            now[satellite] = value;
+        }
+        EXPECT_GE(now.size(), 5U);
+        last = std::move(now);
+    }
+    EXPECT_GT(compared, 300U);
+}
+
+TEST(Simulate, AntennaStaysWhereItIs)
+{
+    const std::string log = simulated({"--duration", "300"});
+    const ToolRun run = runTool({"dump", "--format", "jsonl", "--type", "PVTGeodetic2", "-"}, log);
+    const std::vector<std::string> lines = linesOf(run.output);
+    ASSERT_EQ(lines.size(), 300U);
+    const json first = json::parse(lines.front())["fields"];
+    for (const std::string& line : lines) {
+        const json fields = json::parse(line)["fields"];
+        const double north = (fields["Latitude"].get<double>() - first["Latitude"].get<double>());
+        const double up = fields["Height"].get<double>() - first["Height"].get<double>();
+        EXPECT_LT(std::fabs(north * 6.37e6), 8);
+        EXPECT_LT(std::fabs(up), 12);
+        EXPECT_TRUE(fields["COG"].is_null());
+    }
+}
