@@ -34,6 +34,8 @@ endif()
 include(GenerateExportHeader)
 include(CheckLinkerFlag)
 check_linker_flag(CXX "-Wl,-Bsymbolic-functions" TQX_HAVE_BSYMBOLIC_FUNCTIONS)
+check_linker_flag(CXX "-Wl,-Bsymbolic" TQX_HAVE_BSYMBOLIC)
+check_linker_flag(CXX "-Wl,-z,pack-relative-relocs" TQX_HAVE_PACKED_RELOCATIONS)
 
 # tqx_library(<name> <MACRO>): settings of one shared library of the project.
 # <MACRO> is its export macro, defined in the generated header <name>_export.h
@@ -54,6 +56,9 @@ function(tqx_library name macro)
         INSTALL_RPATH "$ORIGIN")
     if(TQX_HAVE_BSYMBOLIC_FUNCTIONS)
         target_link_options(${name} PRIVATE "-Wl,-Bsymbolic-functions")
+    endif()
+    if(TQX_HAVE_PACKED_RELOCATIONS)
+        target_link_options(${name} PRIVATE "-Wl,-z,pack-relative-relocs")
     endif()
 endfunction()
 

@@ -27,6 +27,7 @@ add_library(tqx SHARED
 tqx_library(tqx TQX_API)
 set(public_headers
     ${TQX_SERVICE_HEADERS}
+    src/messages/TQX_MessageErrors.h
     src/messages/TQX_SubMessages.h
     src/metadata/TQX_FieldInfo.h
     src/metadata/TQX_FieldRow.h
@@ -41,6 +42,12 @@ target_include_directories(tqx PUBLIC
     "$<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/src/metadata>"
     "$<BUILD_INTERFACE:${generated}>")
 target_link_libraries(tqx PUBLIC tqx-codec messageapi korcomm korguibase)
+# Thousands of exported classes would otherwise be looked up by name at every start.
+if(TQX_HAVE_BSYMBOLIC)
+    target_link_options(tqx PRIVATE "-Wl,-Bsymbolic")
+endif()
+set_source_files_properties(${TQX_GENERATED_messages} ${TQX_GENERATED_metadata} PROPERTIES
+    SKIP_AUTOMOC ON)
 # The generated headers are written together with the codec's.
 add_dependencies(tqx tqx-codec)
 if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")

@@ -66,4 +66,46 @@ inline double dopplerOffsetHertz(double firstDoppler, double firstFrequency, dou
     return firstDoppler * (frequency / firstFrequency) + (msb * 65536.0 + lsb) * 0.0001;
 }
 
+/// What float fields hold when they have no value.
+constexpr double notAvailable = -2e10;
+
+/// Square root of a variance, "not available" when the variance is that or negative.
+inline double standardDeviation(double variance)
+{
+    return variance < 0 ? notAvailable : std::sqrt(variance);
+}
+
+/// Root of the sum of two horizontal variances (the distance-root-mean-square accuracy).
+inline double horizontalAccuracy(double varianceA, double varianceB)
+{
+    return varianceA < 0 || varianceB < 0 ? notAvailable : std::sqrt(varianceA + varianceB);
+}
+
+/// Root of the sum of three variances (the mean radial spherical error).
+inline double spatialDeviation(double varianceX, double varianceY, double varianceZ)
+{
+    return varianceX < 0 || varianceY < 0 || varianceZ < 0
+               ? notAvailable
+               : std::sqrt(varianceX + varianceY + varianceZ);
+}
+
+/// Length of a vector in the plane.
+inline double length2(double x, double y)
+{
+    return x == notAvailable || y == notAvailable ? notAvailable : std::hypot(x, y);
+}
+
+/// Length of a vector in space.
+inline double length3(double x, double y, double z)
+{
+    return x == notAvailable || y == notAvailable || z == notAvailable ? notAvailable
+                                                                       : std::hypot(x, y, z);
+}
+
+/// A count whose lowest 32 bits are sent apart from the bits above.
+constexpr uint64_t joinWords(uint32_t msb, uint32_t lsb)
+{
+    return uint64_t{msb} << 32U | lsb;
+}
+
 } // namespace Kor::MessageApi::Derived

@@ -195,9 +195,11 @@ std::string deriveFunctions(const Format& format, const RecordType& type)
                     arguments += "record." + identifier(input);
                 }
             }
+            std::string value = fmt::format("Derived::{}({})", field.function, arguments);
+            if (field.type != Scalar::F64)
+                value = fmt::format("static_cast<{}>({})", memberType(field.type), value);
             const std::string statement =
-                fmt::format("record.{} = Derived::{}({});\n", identifier(field.name),
-                            field.function, arguments);
+                fmt::format("record.{} = {};\n", identifier(field.name), value);
             if (climbs && owner == nullptr)
                 owner = &format.types[static_cast<std::size_t>(type.owners.front())];
             // What follows a value of the parent may build on it.
