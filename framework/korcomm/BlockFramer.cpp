@@ -159,8 +159,11 @@ void BlockFramer::reportDropped()
 // once on average.
 void BlockFramer::store(const uint8_t* bytes, size_t size)
 {
-    if (head_ >= available()) {
-        buffer_.erase(buffer_.begin(), buffer_.begin() + static_cast<std::ptrdiff_t>(head_));
+    const size_t kept = available();
+    if (head_ >= kept) {
+        std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(head_), buffer_.end(),
+                  buffer_.begin());
+        buffer_.resize(kept);
         head_ = 0;
     }
     buffer_.insert(buffer_.end(), bytes, bytes + size);
