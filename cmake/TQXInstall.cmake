@@ -9,10 +9,13 @@ set(TQX_INSTALL_CMAKEDIR "${CMAKE_INSTALL_LIBDIR}/cmake/TQX")
 # tqx_install_library(<export set> <target>): the library, the headers that its PUBLIC_HEADER names
 # and its export header.
 function(tqx_install_library set target)
+    get_target_property(headers ${target} PUBLIC_HEADER)
+    get_target_property(source_dir ${target} SOURCE_DIR)
     get_target_property(binary_dir ${target} BINARY_DIR)
+    list(TRANSFORM headers PREPEND "${source_dir}/")
     string(REPLACE "-" "_" file "${target}")
-    set_property(TARGET ${target} APPEND PROPERTY
-        PUBLIC_HEADER "${binary_dir}/include/${file}_export.h")
+    list(APPEND headers "${binary_dir}/include/${file}_export.h")
+    set_property(TARGET ${target} PROPERTY PUBLIC_HEADER "${headers}")
     install(TARGETS ${target} EXPORT ${set}
         LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime
             NAMELINK_COMPONENT dev
