@@ -51,14 +51,56 @@ bool isSigned(TQX_MemberType type)
     return type == TQX_MemberType::I8 || type == TQX_MemberType::I16 || type == TQX_MemberType::I32;
 }
 
-/// "<value> <name>" for each named value but the one that says "not available".
+/// The name that follows `name` when names are counted, such as "G08" behind "G07"; empty for a
+/// name without a number at its end.
+std::string successorOf(std::string name)
+{
+    size_t digit = name.size();
+    while (digit != 0 && name[digit - 1] == '9')
+        name[--digit] = '0';
+    if (digit == 0 || name[digit - 1] < '0' || name[digit - 1] > '8')
+        return "";
+    ++name[digit - 1];
+    return name;
+}
+
+/// "<value> <name>" for each named value but the one that says "not available"; three or more that
+/// are counted through together are one "<first>..<last> <name>..<name>".
 std::vector<std::string> symbolsOf(const FieldInfo& field)
 {
+    struct Run {
+        FieldValue first;
+        FieldValue last;
+        std::string firstName;
+        std::string lastName;
+        size_t length;
+    };
+    std::vector<Run> runs;
+    for (const FieldInfo::SymbolicValue& symbol : field.getSymbolicValues()) {
+        if (field.isDoNotUse(symbol.value) && symbol.name == QLatin1String("DoNotUse"))
+            continue;
+        const std::string name = symbol.name.toStdString();
+        if (!runs.empty() && successorOf(runs.back().lastName) == name &&
+            runs.back().last.toDouble() + 1 == symbol.value.toDouble()) {
+            runs.back().last = symbol.value;
+            runs.back().lastName = name;
+            ++runs.back().length;
+        } else {
+            runs.push_back({symbol.value, symbol.value, name, name, 1});
+        }
+    }
     std::vector<std::string> names;
-    for (const FieldInfo::SymbolicValue& symbol : field.getSymbolicValues())
-        if (!field.isDoNotUse(symbol.value) || symbol.name != QLatin1String("DoNotUse"))
-            names.push_back(fmt::format("{} {}", symbol.value.toString().toStdString(),
-                                        symbol.name.toStdString()));
+    for (const Run& run : runs) {
+        const std::string first = run.first.toString().toStdString();
+        const std::string last = run.last.toString().toStdString();
+        if (run.length > 2) {
+            names.push_back(fmt::format("{}..{} {}..{}", first, last, run.firstName, run.lastName));
+            continue;
+        }
+        names.push_back(fmt::format("{} {}", first, run.firstName));
+        if (run.length == 2)
+            names.push_back(fmt::format("{} {}", last, run.lastName));
+    }
     return names;
 }
 
