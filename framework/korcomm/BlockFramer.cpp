@@ -155,15 +155,17 @@ void BlockFramer::reportDropped()
     }
 }
 
-// Consumed bytes are removed once they are the larger part, so that every byte is moved at most
-// once on average.
+// Consumed bytes are removed when room is needed and they are the larger part, so that every byte
+// is moved at most once on average.
 void BlockFramer::store(const uint8_t* bytes, size_t size)
 {
+    constexpr size_t kLeastCapacity = 16384;
     const size_t kept = available();
-    if (head_ >= kept) {
+    if (buffer_.capacity() - buffer_.size() < size && head_ >= kept) {
         std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(head_), buffer_.end(),
                   buffer_.begin());
         buffer_.resize(kept);
+        buffer_.reserve(kLeastCapacity);
         head_ = 0;
     }
     buffer_.insert(buffer_.end(), bytes, bytes + size);
