@@ -1,3 +1,5 @@
+#include <FieldInfo.h>
+#include <Message.h>
 #include <PathExpression.h>
 #include <TQXDecoder.h>
 #include <TQXSynchronizer.h>
