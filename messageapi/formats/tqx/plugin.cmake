@@ -12,6 +12,10 @@ set_source_files_properties(${TQX_GENERATED_metadata} PROPERTIES COMPILE_OPTIONS
     "$<$<AND:$<CXX_COMPILER_ID:GNU,Clang>,$<CONFIG:Release,RelWithDebInfo>>:-O1>")
 
 include(src/sources.cmake)
+# The few classes with signals and slots are named: scanning all generated files would take longer.
+set(qobjects ${TQX_SERVICE_HEADERS})
+list(REMOVE_ITEM qobjects src/TQXUtils.h)
+qt5_wrap_cpp(moc_sources ${qobjects})
 
 add_library(tqx SHARED
     src/messages/TQX_MessageErrors.cpp
@@ -22,6 +26,7 @@ add_library(tqx SHARED
     src/metadata/TQX_MessageInfo.cpp
     src/metadata/TQX_SymbolNames.cpp
     ${TQX_SERVICE_SOURCES}
+    ${moc_sources}
     ${TQX_GENERATED_messages}
     ${TQX_GENERATED_metadata})
 tqx_library(tqx TQX_API)
@@ -34,7 +39,6 @@ set(public_headers
     src/metadata/TQX_FormatInfo.h
     src/metadata/TQX_MessageInfo.h)
 set_target_properties(tqx PROPERTIES
-    AUTOMOC ON
     PUBLIC_HEADER "${public_headers}")
 target_include_directories(tqx PUBLIC
     "$<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/src>"
@@ -46,8 +50,6 @@ target_link_libraries(tqx PUBLIC tqx-codec messageapi korcomm korguibase)
 if(TQX_HAVE_BSYMBOLIC)
     target_link_options(tqx PRIVATE "-Wl,-Bsymbolic")
 endif()
-set_source_files_properties(${TQX_GENERATED_messages} ${TQX_GENERATED_metadata} PROPERTIES
-    SKIP_AUTOMOC ON)
 # The generated headers are written together with the codec's.
 add_dependencies(tqx tqx-codec)
 if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
