@@ -115,6 +115,9 @@ INSTANTIATE_TEST_SUITE_P(
         Good{"RepeatedWordFromBits",
              R"({"block":"DiffCorrIn","fields":{"Mode":0,"Parity":[1,2],"Preceding":[3,0]}})",
              R"({"/Data_Byte_Length":8,"/RTCM2Words":[3221225473,2]})"},
+        Good{"LengthInsideAnElement",
+             R"({"block":"DiffCorrIn","fields":{"Data_Byte_Length":6,"RTCM2Words":[7]}})",
+             R"({"/Data_Byte_Length":6,"/RTCM2Words":[7],"/Length":26})"},
         Good{"EmbeddedSubBlock",
              R"({"block":"ExtSensorMeas1","fields":{"ExtSensorMeasSet":[
                  {"Type":0,"Acceleration":{"AccX":1.5}}]}})",

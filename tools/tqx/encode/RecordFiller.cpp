@@ -280,6 +280,8 @@ void Filler::fillContent(int index)
     switch (field.kind) {
     case TQX_FieldKind::Array:
     case TQX_FieldKind::CountedArray:
+        // Initialising leaves most of a counted array as it was.
+        std::memset(TQX_element(field, record), 0, size_t{field.elements} * TQX_elementSize(field));
         if (isGiven(index))
             fillArray(index);
         fillWord(index);

@@ -2,6 +2,7 @@
 
 #include "JsonText.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 
@@ -43,6 +44,14 @@ bool isOddNaN(Real value)
     return value != value && load<Bits>(&value) != load<Bits>(&usual);
 }
 
+/// Whether a field of a fixed size holds nothing but zeros.
+bool isZero(const TQX_FieldLayout& field, const void* record)
+{
+    const auto* bytes = static_cast<const uint8_t*>(TQX_element(field, record));
+    return std::all_of(bytes, bytes + TQX_elementSize(field) * field.elements,
+                       [](uint8_t byte) { return byte == 0; });
+}
+
 /// Writes records of one line and notes whether something got lost in doing so.
 class Writer
 {
@@ -59,7 +68,6 @@ private:
     void writeElement(const TQX_FieldLayout& field, const void* element);
     void writeArray(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const void* record);
     void writeText(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const void* record);
-    void checkAbsent(const TQX_FieldLayout& field, const void* record);
 
     Buffer& out;
     bool exact = true;
@@ -129,17 +137,9 @@ void Writer::writeArray(const TQX_TypeLayout& type, const TQX_FieldLayout& field
         writeElement(field, element + size_t{i} * size);
     }
     out.append(']');
-    // Bytes that fill no whole element are not shown.
-    if (field.countsBytes)
-        exact = exact && TQX_unsignedValue(type.fields[field.count], record) == count * size;
-}
-
-/// A field that is on the wire although the record's revision does not have it.
-void Writer::checkAbsent(const TQX_FieldLayout& field, const void* record)
-{
-    const auto* bytes = static_cast<const uint8_t*>(TQX_element(field, record));
-    for (uint32_t i = 0; i < TQX_elementSize(field) * field.elements; ++i)
-        exact = exact && bytes[i] == 0;
+    // Bytes that fill no whole element stand in one that is not shown.
+    if (field.countsBytes && TQX_unsignedValue(type.fields[field.count], record) % size != 0)
+        exact = exact && TQX_unsignedValue(field, record, count) == 0;
 }
 
 void Writer::writeField(const RawPlan& plan, const RawPlan::Step& step, const void* record)
@@ -181,10 +181,13 @@ void Writer::writeRecord(const RawPlan& plan, const void* record)
     for (const RawPlan::Step& step : plan.steps) {
         const TQX_FieldLayout& field = *step.field;
         if (field.presence != TQX_Presence::Always && !TQX_isPresent(*plan.type, field, record)) {
-            if (field.alwaysSent)
-                checkAbsent(field, record);
+            // On the wire although the record's revision does not have it.
+            exact = exact && !(field.alwaysSent && !isZero(field, record));
             continue;
         }
+        // Padding is worth a word only when it is not what the encoder writes.
+        if (field.isPadding && isZero(field, record))
+            continue;
         out.append(step.key.data() + comma, step.key.size() - comma);
         comma = 0;
         writeField(plan, step, record);
