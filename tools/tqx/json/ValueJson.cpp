@@ -2,12 +2,12 @@
 
 #include "JsonText.h"
 #include "Scale.h"
+#include "ValueNames.h"
 
 #include "FieldInfo.h"
 #include "Message.h"
 #include "MessageInfo.h"
 
-#include <algorithm>
 #include <optional>
 #include <string>
 #include <utility>
@@ -22,8 +22,9 @@ struct ValuePlan {
         const FieldInfo* info;
         std::string key; ///< with the comma that parts it from the field before
         std::optional<Scale> scale;
-        std::vector<std::pair<FieldValue, std::string>> names; ///< by value; the names as JSON
-        std::unique_ptr<ValuePlan> plan;                       ///< of the sub-block
+        ValueNames names;
+        std::optional<double> notAvailable; ///< of a floating-point field
+        std::unique_ptr<ValuePlan> plan;    ///< of the sub-block
     };
 
     std::string opening; ///< of a line, up to the value of "fields"
@@ -42,28 +43,17 @@ std::unique_ptr<ValuePlan> makePlan(const MessageInfo& type, const FieldFilter& 
         const FieldFilter* inside = shown.find(name);
         if (!inside)
             continue;
-        ValuePlan::Field field = {info, "," + json::key(name), std::nullopt, {}, nullptr};
+        ValuePlan::Field field = {
+            info, "," + json::key(name), std::nullopt, ValueNames(*info), std::nullopt, nullptr};
         if (info->hasScaleFactor())
             field.scale.emplace(info->getScaleFactor());
-        // Floating-point values have no names of their own but that for "not available".
-        if (info->getType().isInteger())
-            for (const FieldInfo::SymbolicValue& symbol : info->getSymbolicValues())
-                field.names.emplace_back(symbol.value, json::text(symbol.name.toStdString()));
-        std::stable_sort(field.names.begin(), field.names.end(),
-                         [](const auto& a, const auto& b) { return a.first < b.first; });
+        if (info->getType().isFloat() && info->hasDoNotUseValue())
+            field.notAvailable = info->getDoNotUseValue().toDouble();
         if (const MessageInfo* sub = info->getType().getSubMessageInfo())
             field.plan = makePlan(*sub, *inside);
         plan->fields.push_back(std::move(field));
     }
     return plan;
-}
-
-const std::string* nameOf(const ValuePlan::Field& field, const FieldValue& value)
-{
-    const auto found = std::lower_bound(
-        field.names.begin(), field.names.end(), value,
-        [](const auto& entry, const FieldValue& wanted) { return entry.first < wanted; });
-    return found == field.names.end() || found->first != value ? nullptr : &found->second;
 }
 
 void writeMessage(Buffer& out, const ValuePlan& plan, const Message& message);
@@ -86,17 +76,21 @@ void writeNumber(Buffer& out, const ValuePlan::Field& field, const FieldValue& v
 
 void writeValue(Buffer& out, const ValuePlan::Field& field, const FieldValue& value)
 {
-    if (value.getKind() == FieldKind::Ch) {
+    if (value.isInteger()) {
+        if (const std::string* name = field.names.find(value))
+            out.append(*name);
+        else
+            writeNumber(out, field, value);
+    } else if (value.isFloat()) {
+        if (field.notAvailable && value.getF64() == *field.notAvailable)
+            out.append("null");
+        else
+            writeNumber(out, field, value);
+    } else if (value.getKind() == FieldKind::Ch) {
         const char character = value.getCh();
         json::appendLatin1(out, &character, character == 0 ? 0 : 1);
-    } else if (value.getKind() == FieldKind::SubMessage) {
-        writeMessage(out, *field.plan, *value.getSubMessage());
-    } else if (field.info->isDoNotUse(value)) {
-        out.append("null");
-    } else if (const std::string* name = nameOf(field, value)) {
-        out.append(*name);
     } else {
-        writeNumber(out, field, value);
+        writeMessage(out, *field.plan, *value.getSubMessage());
     }
 }
 

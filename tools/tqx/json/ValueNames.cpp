@@ -1,0 +1,42 @@
+#include "ValueNames.h"
+
+#include "JsonText.h"
+
+#include <algorithm>
+
+namespace tool
+{
+
+ValueNames::ValueNames(const FieldInfo& field)
+{
+    constexpr size_t small = 256;
+    if (!field.getType().isInteger())
+        return;
+    if (field.hasDoNotUseValue())
+        add(field.getDoNotUseValue(), "null");
+    for (const FieldInfo::SymbolicValue& symbol : field.getSymbolicValues())
+        add(symbol.value, json::text(symbol.name.toStdString()));
+    // Of several names for a value the first one counts.
+    std::stable_sort(entries.begin(), entries.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    direct.resize(entries.empty() ? 0 : small);
+    for (size_t bits = 0; bits < direct.size(); ++bits)
+        direct[bits] = search(bits);
+}
+
+void ValueNames::add(const FieldValue& value, std::string text)
+{
+    const uint64_t bits =
+        value.getKind() == FieldKind::U ? value.getU64() : static_cast<uint64_t>(value.getI64());
+    entries.emplace_back(bits, std::move(text));
+}
+
+const std::string* ValueNames::search(uint64_t bits) const
+{
+    const auto found =
+        std::lower_bound(entries.begin(), entries.end(), bits,
+                         [](const auto& entry, uint64_t wanted) { return entry.first < wanted; });
+    return found == entries.end() || found->first != bits ? nullptr : &found->second;
+}
+
+} // namespace tool

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "FieldInfo.h"
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tool
+{
+
+/// What stands in JSON for the values of an integer field that are not shown as numbers: their
+/// names, and null for what is not available.
+class ValueNames
+{
+public:
+    /// Field of any type; fields that are no integers have no names.
+    explicit ValueNames(const FieldInfo& field);
+
+    /// The JSON text for a value of the field, null when it is shown as a number.
+    const std::string* find(const FieldValue& value) const
+    {
+        if (entries.empty())
+            return nullptr;
+        const uint64_t bits = value.getKind() == FieldKind::U
+                                  ? value.getU64()
+                                  : static_cast<uint64_t>(value.getI64());
+        return bits < direct.size() ? direct[bits] : search(bits);
+    }
+
+private:
+    void add(const FieldValue& value, std::string text);
+    const std::string* search(uint64_t bits) const;
+
+    std::vector<std::pair<uint64_t, std::string>> entries; ///< by value, in two's complement
+    std::vector<const std::string*> direct;                ///< by value, for small ones
+};
+
+} // namespace tool
