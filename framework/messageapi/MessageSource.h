@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Message.h"
 #include "MessageApiEvent.h"
 #include "messageapi_export.h"
 
@@ -7,7 +8,6 @@
 #include <QString>
 
 class FormatInfo;
-class Message;
 
 /// Publishes messages and events to whoever connects to its signals. A signal is emitted by calling
 /// it; receivers in the same thread have run when the call returns.
