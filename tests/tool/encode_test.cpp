@@ -144,7 +144,7 @@ INSTANTIATE_TEST_SUITE_P(
     Tool, EncodeBadLine,
     testing::Values(
         Bad{"NoJson", R"({"block":)", "no valid JSON at column 10"},
-        Bad{"NoObject", "[1]", "[1] is no object"},
+        Bad{"NoObject", "[1]", "[...] is no object"},
         Bad{"NoBlock", "{}", "neither \"block\" nor \"bytes\" is given"},
         Bad{"UnknownMember", R"({"block":"ASCIIIn","field":{}})",
             "there is no member named field, did you mean fields?"},
@@ -204,6 +204,16 @@ TEST(Encode, BytesGoOutAsTheyAre)
     EXPECT_EQ(
         runTool({"encode", "-"}, R"({"block":"ASCIIIn","fields":{"CD":1},"bytes":"JEA="})").output,
         "$@");
+}
+
+TEST(Encode, DeepNesting)
+{
+    constexpr size_t depth = 200000;
+    const ToolRun run =
+        runTool({"encode", "-"}, R"({"block":"ASCIIIn","fields":{"CD":)" + std::string(depth, '[') +
+                                     std::string(depth, ']') + "}}");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.words, "-:1: ASCIIIn.CD: [...] is no integer\n");
 }
 
 TEST(Encode, EntriesTooShort)

@@ -104,8 +104,9 @@ const std::vector<uint8_t>& LineEncoder::encode(const std::string& text)
     if (!line.block)
         throw LineError("neither \"block\" nor \"bytes\" is given");
     const TQX_TypeLayout& type = typeOf(*line.block);
+    static const json nothing = json::object();
     try {
-        encodeFields(type, line.fields ? *line.fields : json::object());
+        encodeFields(type, line.fields ? *line.fields : nothing);
     } catch (const LineError& error) {
         throw error.inside(type.name);
     }

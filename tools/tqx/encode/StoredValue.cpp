@@ -30,13 +30,19 @@ void store(const TQX_FieldLayout& field, void* record, uint32_t index, Value val
     throw LineError(fmt::format("{} is out of range, {} to {}", value.dump(), lowest, highest));
 }
 
+/// A value as a message shows it; of arrays and objects, which may be deep, nothing inside.
+std::string shown(const json& value)
+{
+    constexpr size_t longest = 40;
+    if (value.is_structured())
+        return value.empty() ? value.dump() : value.is_array() ? "[...]" : "{...}";
+    const std::string text = value.dump(-1, ' ', true);
+    return text.size() > longest ? text.substr(0, longest) + "..." : text;
+}
+
 [[noreturn]] void failType(const json& value, const char* wanted)
 {
-    constexpr size_t shown = 40;
-    std::string text = value.dump(-1, ' ', true);
-    if (text.size() > shown)
-        text = text.substr(0, shown) + "...";
-    throw LineError(fmt::format("{} is no {}", text, wanted));
+    throw LineError(fmt::format("{} is no {}", shown(value), wanted));
 }
 
 /// An integer that fits `width` bits, as two's complement.
