@@ -6,6 +6,7 @@
 #include "Message.h"
 #include "MessageApiEvent.h"
 #include "MessageInfo.h"
+#include "TQX_FormatInfo.h"
 
 #include <gtest/gtest.h>
 
@@ -54,7 +55,7 @@ TEST(Unload, ThePlugInGoesAwayAndLeavesNothingBehind)
     for (int round = 1; round <= 2; ++round) {
         void* library = dlopen(TQX_LIBRARY, RTLD_NOW | RTLD_LOCAL);
         ASSERT_TRUE(library) << dlerror();
-        using GetInstance = const FormatInfo* (*)();
+        using GetInstance = const TQX_FormatInfo* (*)();
         const auto getInstance =
             reinterpret_cast<GetInstance>(dlsym(library, "_ZN14TQX_FormatInfo11getInstanceEv"));
         ASSERT_TRUE(getInstance);
