@@ -1,6 +1,7 @@
 #include "DerivedValues.h"
 
 #include <iterator>
+#include <limits>
 
 namespace Kor::MessageApi::Derived
 {
@@ -22,15 +23,36 @@ constexpr double fixedFrequency[] = {
     1561098000, b2, 1268520000, 0,  l1, l1, b2, 0,  2492028000, l1,       l1, l5,
 };
 
+constexpr Carrier carrierAt(double frequency)
+{
+    return {frequency,
+            frequency == 0 ? std::numeric_limits<double>::infinity() : speedOfLight / frequency};
+}
+
+constexpr std::array<Carrier, 64> allSignals()
+{
+    std::array<Carrier, 64> carriers{};
+    for (std::size_t signal = 0; signal < carriers.size(); ++signal)
+        carriers[signal] =
+            carrierAt(signal < std::size(fixedFrequency) ? fixedFrequency[signal] : 0.0);
+    return carriers;
+}
+
+constexpr std::array<std::array<Carrier, 32>, 2> allSlots()
+{
+    std::array<std::array<Carrier, 32>, 2> carriers{};
+    for (int slot = 0; slot < 32; ++slot) {
+        carriers[0][static_cast<std::size_t>(slot)] =
+            carrierAt(1602000000.0 + (slot - 8) * 562500.0);
+        carriers[1][static_cast<std::size_t>(slot)] =
+            carrierAt(1246000000.0 + (slot - 8) * 437500.0);
+    }
+    return carriers;
+}
+
 } // namespace
 
-double carrierFrequency(uint8_t signal, uint8_t slot)
-{
-    if (signal == 8 || signal == 9)
-        return 1602000000.0 + (slot - 8) * 562500.0;
-    if (signal == 10 || signal == 11)
-        return 1246000000.0 + (slot - 8) * 437500.0;
-    return signal < std::size(fixedFrequency) ? fixedFrequency[signal] : 0.0;
-}
+constexpr std::array<Carrier, 64> bySignal = allSignals();
+constexpr std::array<std::array<Carrier, 32>, 2> bySlot = allSlots();
 
 } // namespace Kor::MessageApi::Derived

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cmath>
 #include <cstdint>
 
@@ -17,10 +18,37 @@ constexpr uint8_t signalNumber(uint8_t index, uint8_t slot)
     return static_cast<uint8_t>(index == 31 ? 32 + slot : index);
 }
 
-/// Carrier frequency in hertz of a signal number, 0 when the signal is unknown and -2e10 for the
-/// number that is set aside. GLONASS FDMA signals (8 to 11) use their frequency slot, which is the
-/// channel number plus 8 (GLONASS ICD L1, L2: 562.5 kHz and 437.5 kHz channel spacing).
-double carrierFrequency(uint8_t signal, uint8_t slot);
+/// Carrier of a signal.
+struct Carrier {
+    double frequency;  ///< hertz
+    double wavelength; ///< metres, infinite for frequency 0
+};
+
+/// Carriers by signal number; GLONASS FDMA signals stand in `bySlot`.
+extern const std::array<Carrier, 64> bySignal;
+/// Carriers of the L1 and L2 FDMA signals by frequency slot.
+extern const std::array<std::array<Carrier, 32>, 2> bySlot;
+
+/// Carrier of a signal number. GLONASS FDMA signals (8 to 11) use their frequency slot, which is
+/// the channel number plus 8 (GLONASS ICD L1, L2: 562.5 kHz and 437.5 kHz channel spacing).
+inline const Carrier& carrierOf(uint8_t signal, uint8_t slot)
+{
+    const unsigned fdma = signal - 8U;
+    return fdma < 4U ? bySlot[fdma / 2][slot % 32U] : bySignal[signal % 64U];
+}
+
+/// Carrier frequency in hertz, 0 when the signal is unknown and -2e10 for the number that is set
+/// aside.
+inline double carrierFrequency(uint8_t signal, uint8_t slot)
+{
+    return carrierOf(signal, slot).frequency;
+}
+
+/// Wavelength of the carrier in metres, infinite when the signal is unknown.
+inline double carrierWavelength(uint8_t signal, uint8_t slot)
+{
+    return carrierOf(signal, slot).wavelength;
+}
 
 /// C/N0 in dB-Hz; the P(Y) signals 1 and 2 have no offset.
 inline double carrierToNoise(uint8_t cn0, uint8_t signal)
@@ -32,12 +60,6 @@ inline double carrierToNoise(uint8_t cn0, uint8_t signal)
 inline double dopplerHertz(int32_t doppler)
 {
     return doppler * 0.0001;
-}
-
-/// Wavelength in metres, 0 when the frequency is not a number.
-inline double wavelength(double frequency)
-{
-    return std::isnan(frequency) ? 0.0 : speedOfLight / frequency;
 }
 
 /// Pseudo-range in metres from its millimetre count.
