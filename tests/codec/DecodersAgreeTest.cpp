@@ -65,6 +65,27 @@ void expectEqual(const reference::Entry& entry, const void* record, const std::s
     }
 }
 
+// Compares every member, those included that no byte of the block is behind.
+void expectEqualMembers(const TQX_TypeLayout& type, const void* one, const void* other)
+{
+    for (int row = 0; row < type.fieldCount; ++row) {
+        const TQX_FieldLayout& field = type.fields[row];
+        const std::string name = std::string(type.name) + "::" + field.name;
+        const bool counted = field.count >= 0 || (field.kind == TQX_FieldKind::Bits &&
+                                                  type.fields[field.parent].count >= 0);
+        const uint32_t count = counted ? TQX_elementCount(type, field, one) : field.elements;
+        for (uint32_t i = 0; i < count; ++i) {
+            const void* element = TQX_element(field, one, i);
+            const void* same = TQX_element(field, other, i);
+            if (field.type == TQX_MemberType::Record)
+                expectEqualMembers(*TQX_layout(field.recordType), element, same);
+            else
+                EXPECT_EQ(std::memcmp(element, same, TQX_elementSize(field)), 0)
+                    << name << " " << i;
+        }
+    }
+}
+
 void expectSame(const TQX_TypeLayout& type, const std::vector<uint8_t>& bytes)
 {
     const reference::Outcome expected = reference::decode(type, bytes);
@@ -81,6 +102,7 @@ void expectSame(const TQX_TypeLayout& type, const std::vector<uint8_t>& bytes)
     EXPECT_EQ(offset, static_cast<uint32_t>(expected.result));
     expectEqual(expected.block, fast.get(), type.name);
     expectEqual(expected.block, exact.get(), std::string("exact ") + type.name);
+    expectEqualMembers(type, fast.get(), exact.get());
 }
 
 class DecodersAgree : public testing::TestWithParam<const TQX_TypeLayout*>

@@ -36,6 +36,7 @@ public:
 private:
     void clear() { std::memset(m_area.data(), 0, sizeof(Kor::MessageApi::TQX_MainHeader_s)); }
 
-    std::vector<uint64_t> m_area =
-        std::vector<uint64_t>(sizeof(Kor::MessageApi::TQX_AnyRecord_u) / 8 + 1);
+    // What a decode does not write shows.
+    std::vector<uint64_t> m_area = std::vector<uint64_t>(
+        sizeof(Kor::MessageApi::TQX_AnyRecord_u) / 8 + 1, 0xa5a5a5a5a5a5a5a5U);
 };

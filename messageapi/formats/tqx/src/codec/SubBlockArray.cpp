@@ -58,35 +58,46 @@ void separate(const TQX_TypeLayout& type, const TQX_FieldLayout& field, void* re
     }
 }
 
-void releaseArrays(const TQX_TypeLayout& type, void* record);
-
-void releaseArray(const TQX_TypeLayout& type, const TQX_FieldLayout& field, void* record)
+// Frees the arrays below a record. The record itself is left as it is: mostly it is about to go.
+void freeArrays(const TQX_TypeLayout& type, const void* record)
 {
-    void* array = arrayOf(field, record);
-    if (array != nullptr) {
+    if (type.release == nullptr)
+        return;
+    for (int i = type.firstSubBlock; i < type.fieldCount; ++i) {
+        const TQX_FieldLayout& field = type.fields[i];
+        if (!isEntry(field))
+            continue;
         const TQX_TypeLayout& sub = *TQX_layout(field.recordType);
+        if (field.kind == TQX_FieldKind::Embedded) {
+            freeArrays(sub, TQX_element(field, record));
+            continue;
+        }
+        void* array = arrayOf(field, record);
+        if (array == nullptr)
+            continue;
         if (sub.release != nullptr) {
             const uint32_t count = countOf(type, field, record);
-            for (uint32_t i = 0; i < count; ++i)
-                releaseArrays(sub, TQX_element(field, record, i));
+            for (uint32_t element = 0; element < count; ++element)
+                freeArrays(sub,
+                           static_cast<const uint8_t*>(array) + size_t{element} * sub.recordSize);
         }
         if (storageOf(field, record) != ArrayStorage::Borrowed)
             std::free(array);
     }
-    setArray(field, record, nullptr, ArrayStorage::Own);
-    writeUnsigned(type.fields[field.count], record, 0, 0);
 }
 
-void releaseArrays(const TQX_TypeLayout& type, void* record)
+void forgetArrays(const TQX_TypeLayout& type, void* record)
 {
-    for (int i = 0; i < type.fieldCount; ++i) {
+    if (type.release == nullptr)
+        return;
+    for (int i = type.firstSubBlock; i < type.fieldCount; ++i) {
         const TQX_FieldLayout& field = type.fields[i];
-        if (!isEntry(field) || TQX_layout(field.recordType) == nullptr)
-            continue;
-        if (field.kind == TQX_FieldKind::Blocks)
-            releaseArray(type, field, record);
-        else
-            releaseArrays(*TQX_layout(field.recordType), TQX_element(field, record, 0));
+        if (field.kind == TQX_FieldKind::Embedded) {
+            forgetArrays(*TQX_layout(field.recordType), TQX_element(field, record));
+        } else if (field.kind == TQX_FieldKind::Blocks) {
+            setArray(field, record, nullptr, ArrayStorage::Own);
+            writeUnsigned(type.fields[field.count], record, 0, 0);
+        }
     }
 }
 
@@ -111,6 +122,8 @@ void TQX_release(void* record)
 {
     using namespace Kor::MessageApi;
     const TQX_TypeLayout* type = TQX_layout(recordTypeOf(record));
-    if (type != nullptr)
-        releaseArrays(*type, record);
+    if (type != nullptr) {
+        freeArrays(*type, record);
+        forgetArrays(*type, record);
+    }
 }

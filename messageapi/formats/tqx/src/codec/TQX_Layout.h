@@ -65,6 +65,7 @@ struct TQX_TypeLayout {
     const char* name;
     const TQX_FieldLayout* fields;
     uint16_t fieldCount;
+    uint16_t firstSubBlock;    ///< row of the first sub-block field, fieldCount when there is none
     uint16_t recordType;       ///< record-type number, 1 to 382
     uint16_t blockNumber;      ///< 13-bit block number; 0 for a sub-block
     uint8_t linksToMain;       ///< parent links from this record up to its main block, 0 for a main

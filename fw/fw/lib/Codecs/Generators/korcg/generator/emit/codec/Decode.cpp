@@ -68,8 +68,7 @@ std::string fillEntry(const RecordType& sub, std::string_view entry, std::string
                       std::string_view bytes, std::string_view indent)
 {
     const Shape shape = shapeOf(sub);
-    return fmt::format("{0}init_{1}({2});\n"
-                       "{0}{2}.korcg_father = {3};\n"
+    return fmt::format("{0}start_{1}({2}, {3});\n"
                        "{0}load_{1}(at, {4}{2});\n"
                        "{0}{2}.korcg_bits = {5} * 8;\n",
                        indent, sub.name, entry, father,
@@ -312,7 +311,7 @@ std::string decodeBody(const Format& format, const RecordType& type)
                             "        return {};\n"
                             "    const uint8_t* at = buffer + start / 8;\n",
                             sizeText(shape), exactCall(type));
-    text += fmt::format("    init_{0}(*record);\n"
+    text += fmt::format("    start_{0}(*record, nullptr);\n"
                         "    loadHeader(at, context, *record);\n"
                         "    load_{0}(at, {1}*record);\n"
                         "    record->korcg_bits = head * 8;\n"

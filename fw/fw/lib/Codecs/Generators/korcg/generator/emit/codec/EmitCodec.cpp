@@ -125,8 +125,8 @@ std::string internalHeader(const Format& format, const Selection& selection)
     text += "\n";
     for (const RecordType* type : selection)
         if (!type->isMain())
-            text += codec::initFunction(*type) + codec::deriveFunctions(format, *type) +
-                    codec::loadFunction(*type);
+            text += codec::initFunction(*type) + codec::startFunction(*type) +
+                    codec::deriveFunctions(format, *type) + codec::loadFunction(*type);
     return text + "} // namespace Kor::MessageApi\n";
 }
 
@@ -135,8 +135,8 @@ std::string unit(const Format& format, const Selection& group)
     std::string text = "#include \"TQX_codec_internal.h\"\n\nnamespace Kor::MessageApi\n{\n\n";
     for (const RecordType* type : group)
         if (type->isMain())
-            text += codec::initFunction(*type) + codec::deriveFunctions(format, *type) +
-                    codec::loadFunction(*type);
+            text += codec::initFunction(*type) + codec::startFunction(*type) +
+                    codec::deriveFunctions(format, *type) + codec::loadFunction(*type);
     for (const RecordType* type : group)
         text += codec::layoutTable(format, *type);
     text += "} // namespace Kor::MessageApi\n\nusing namespace Kor::MessageApi;\n\n";

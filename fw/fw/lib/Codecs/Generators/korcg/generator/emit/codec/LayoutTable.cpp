@@ -157,6 +157,15 @@ bool ownsArrays(const Format& format, const RecordType& type)
     return false;
 }
 
+std::size_t firstSubBlock(const RecordType& type)
+{
+    std::size_t row = 0;
+    while (row < type.fields.size() && type.fields[row].kind != FieldKind::Blocks &&
+           type.fields[row].kind != FieldKind::Embedded)
+        ++row;
+    return row;
+}
+
 } // namespace
 
 std::string layoutTable(const Format& format, const RecordType& type)
@@ -179,7 +188,7 @@ std::string layoutTable(const Format& format, const RecordType& type)
                       : "nullptr";
     text += fmt::format(
         "const TQX_TypeLayout layout_{0} = {{\n"
-        "    \"{0}\", fields_{0}, {1}, {2}, {3}, {4}, {5}, {6}, sizeof({7}),\n"
+        "    \"{0}\", fields_{0}, {1}, {16}, {2}, {3}, {4}, {5}, {6}, sizeof({7}),\n"
         "    {8}, {9}, {10}, {11}, {12}, {13},\n"
         "    [](void* record) {{ return TQX_init_{0}(static_cast<{7}*>(record)); }},\n"
         "    {14},\n"
@@ -188,7 +197,7 @@ std::string layoutTable(const Format& format, const RecordType& type)
         type.highestRevision, type.hasMessage, record, type.sizeUnderflow, type.internal,
         type.crcChecksum, type.disabled, assertion.empty() ? "nullptr" : literal(assertion),
         assertion.empty() ? "nullptr" : fmt::format("kinds_{}", type.name), encode,
-        ownsArrays(format, type) ? "&TQX_release" : "nullptr");
+        ownsArrays(format, type) ? "&TQX_release" : "nullptr", firstSubBlock(type));
     return text;
 }
 

@@ -4,7 +4,7 @@
 
 #include <fmt/format.h>
 
-#include <set>
+#include <algorithm>
 
 namespace korcg::generator::codec
 {
@@ -169,6 +169,64 @@ std::string initFunction(const RecordType& type)
         if (field.initial)
             text += fmt::format("    record.{} = {:#};\n", name, *field.initial);
     }
+    return text + "}\n\n";
+}
+
+namespace
+{
+
+// Members that load_<Name> and loadHeader write whatever the block holds.
+bool isAlwaysLoaded(const RecordType& type, const Shape& shape, int index)
+{
+    const Field& field = row(type, index);
+    if (field.isHeader)
+        return true;
+    if (field.kind == FieldKind::Bits)
+        return isAlwaysLoaded(type, shape, field.parent);
+    if (field.kind == FieldKind::Derived) {
+        for (const std::string& input : field.inputs)
+            if (input.rfind("parent.", 0) == 0)
+                return false;
+        return !field.initial && isAlwaysLoaded(type, shape, field.after);
+    }
+    return std::find(shape.head.begin(), shape.head.end(), index) != shape.head.end() &&
+           condition(field).empty();
+}
+
+std::string startStatement(const RecordType& type, const Field& field)
+{
+    const std::string name = identifier(field.name);
+    const Field& array = field.kind == FieldKind::Bits ? row(type, field.parent) : field;
+    if (field.kind == FieldKind::Blocks)
+        return fmt::format("    record.{0} = nullptr;\n    record.{0}_storage = "
+                           "ArrayStorage::Own;\n",
+                           name);
+    if (field.kind == FieldKind::Embedded)
+        return fmt::format("    init_{}(record.{});\n", field.subType, name);
+    if (array.isCounted())
+        return fmt::format("    record.{0}[0] = 0;\n    record.{0}[{1}] = 0;\n", name,
+                           array.elements - 1 + (array.isText() || array.countsBytes ? 1 : 0));
+    if (field.kind == FieldKind::Text)
+        return fmt::format("    std::memset(record.{0}, ' ', {1});\n    record.{0}[{1}] = '\\0';\n",
+                           name, field.elements);
+    if (array.isArray())
+        return fmt::format("    std::memset(record.{0}, 0, sizeof record.{0});\n", name);
+    return fmt::format("    record.{} = {};\n", name,
+                       field.initial ? fmt::format("{:#}", *field.initial) : "0");
+}
+
+} // namespace
+
+std::string startFunction(const RecordType& type)
+{
+    const Shape shape = shapeOf(type);
+    std::string text = fmt::format("inline void start_{}({}& record, void* father)\n{{\n"
+                                   "    record.korcg_type = {};\n"
+                                   "    record.korcg_father = father;\n",
+                                   type.name, recordName(type), type.record);
+    for (int index = 0; index < static_cast<int>(type.fields.size()); ++index)
+        if (!isAlwaysLoaded(type, shape, index))
+            text += startStatement(type, row(type, index));
     return text + "}\n\n";
 }
 

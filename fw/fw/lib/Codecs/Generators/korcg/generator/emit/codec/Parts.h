@@ -13,6 +13,9 @@ std::string recordStruct(const RecordType& type);
 
 /// Inline functions init_<Name>, derive_<Name>_<Field> and load_<Name> of one type.
 std::string initFunction(const RecordType& type);
+/// start_<Name>: sets what load_<Name> leaves alone, so that both together do what init and the
+/// exact decoder do.
+std::string startFunction(const RecordType& type);
 std::string deriveFunctions(const Format& format, const RecordType& type);
 std::string loadFunction(const RecordType& type);
 
