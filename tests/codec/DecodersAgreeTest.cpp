@@ -73,6 +73,9 @@ void expectEqualMembers(const TQX_TypeLayout& type, const void* one, const void*
         const std::string name = std::string(type.name) + "::" + field.name;
         const bool counted = field.count >= 0 || (field.kind == TQX_FieldKind::Bits &&
                                                   type.fields[field.parent].count >= 0);
+        // Of a counted field that is not there only the ends are defined.
+        if (counted && !TQX_isPresent(type, field, one))
+            continue;
         const uint32_t count = counted ? TQX_elementCount(type, field, one) : field.elements;
         for (uint32_t i = 0; i < count; ++i) {
             const void* element = TQX_element(field, one, i);
