@@ -60,8 +60,7 @@ public:
 
     int32_t decodeMessage(const uint8_t* buffer, uint32_t maxlength) override
     {
-        received.push_back(
-            QByteArray(reinterpret_cast<const char*>(buffer), static_cast<int>(maxlength)));
+        received.emplace_back(reinterpret_cast<const char*>(buffer), static_cast<int>(maxlength));
         return -1;
     }
     void enableAllMessages() override {}

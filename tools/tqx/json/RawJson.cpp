@@ -3,6 +3,7 @@
 #include "JsonText.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <limits>
 
@@ -41,7 +42,7 @@ template<typename Real, typename Bits>
 bool isOddNaN(Real value)
 {
     const Real usual = std::numeric_limits<Real>::quiet_NaN();
-    return value != value && load<Bits>(&value) != load<Bits>(&usual);
+    return std::isnan(value) && load<Bits>(&value) != load<Bits>(&usual);
 }
 
 /// Whether a field of a fixed size holds nothing but zeros.

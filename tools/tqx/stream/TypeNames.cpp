@@ -26,10 +26,10 @@ size_t distance(std::string_view a, std::string_view b)
 {
     std::vector<size_t> row(b.size() + 1);
     std::iota(row.begin(), row.end(), size_t{0});
-    for (size_t i = 0; i < a.size(); ++i) {
+    for (const char letter : a) {
         size_t diagonal = row[0]++;
         for (size_t k = 0; k < b.size(); ++k) {
-            const size_t replaced = diagonal + (lower(a[i]) == lower(b[k]) ? 0 : 1);
+            const size_t replaced = diagonal + (lower(letter) == lower(b[k]) ? 0 : 1);
             diagonal = row[k + 1];
             row[k + 1] = std::min({replaced, row[k] + 1, row[k + 1] + 1});
         }
