@@ -1,11 +1,17 @@
 # The plug-in: messages, metadata, registry and stream services.
 
 tqx_numbered(files TQX_Messages_ 16)
-tqx_generate(messages ${files} TQX_MessageFactory.cpp tests/TQX_MessageAccessors.cpp)
+tqx_type_headers(_Message)
+tqx_generate(messages
+    FILES ${files} TQX_MessageFactory.cpp tests/TQX_MessageAccessors.cpp
+    HEADERS ${headers} TQX_Messages.h TQX_MessageFactory.h tests/TQX_MessageAccessors.h)
 # Written for the tests of the messages only.
 list(FILTER TQX_GENERATED_messages EXCLUDE REGEX "/tests/")
 tqx_numbered(files TQX_Metadata_ 16)
-tqx_generate(metadata ${files} TQX_Registration.cpp TQX_SymbolTables.cpp)
+tqx_type_headers(_MessageInfo _FieldInfos)
+tqx_generate(metadata
+    FILES ${files} TQX_Registration.cpp TQX_SymbolTables.cpp
+    HEADERS ${headers} TQX_SymbolTables.h TQX_TypeRows.h)
 
 # Nothing runs often enough in the metadata to be worth more time in the compiler.
 set_source_files_properties(${TQX_GENERATED_metadata} PROPERTIES COMPILE_OPTIONS
