@@ -130,4 +130,10 @@ constexpr uint64_t joinWords(uint32_t msb, uint32_t lsb)
     return uint64_t{msb} << 32U | lsb;
 }
 
+/// Number of whole 32-bit words in a payload that is counted in bytes.
+constexpr uint32_t wordCount(uint32_t bytes)
+{
+    return bytes / 4U;
+}
+
 } // namespace Kor::MessageApi::Derived

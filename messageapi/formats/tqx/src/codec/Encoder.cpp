@@ -301,23 +301,38 @@ int32_t Encoder::run()
     return finish();
 }
 
+uint32_t entrySize(const TQX_TypeLayout& type, Fields fields, unsigned revision);
+
+// The largest of the contents that one selecting field chooses from, the one in row `first` ahead.
+uint32_t largestContent(const TQX_TypeLayout& type, int first, Fields fields, unsigned revision)
+{
+    uint32_t largest = 0;
+    for (int i = 0; i < type.fieldCount; ++i) {
+        const TQX_FieldLayout& field = type.fields[i];
+        if (field.kind != TQX_FieldKind::Embedded || field.selector != type.fields[first].selector)
+            continue;
+        if (i < first)
+            return 0;
+        largest = std::max(largest, entrySize(*TQX_layout(field.recordType), fields, revision));
+    }
+    return largest;
+}
+
 uint32_t entrySize(const TQX_TypeLayout& type, Fields fields, unsigned revision)
 {
     uint32_t bytes = 0;
-    uint32_t largestContent = 0;
     for (int i = 0; i < type.fieldCount; ++i) {
         const TQX_FieldLayout& field = type.fields[i];
         if (field.kind == TQX_FieldKind::Bits || field.kind == TQX_FieldKind::Derived ||
             field.count >= 0 || standsBehindEntry(field))
             continue;
         if (field.kind == TQX_FieldKind::Embedded)
-            largestContent = std::max(largestContent,
-                                      entrySize(*TQX_layout(field.recordType), fields, revision));
+            bytes += largestContent(type, i, fields, revision);
         else if (field.presence != TQX_Presence::Selected &&
                  isWritten(type, field, nullptr, fields, revision, type.highestRevision))
             bytes += TQX_elementSize(field) * field.elements;
     }
-    return bytes + largestContent;
+    return bytes;
 }
 
 } // namespace

@@ -224,8 +224,9 @@ std::string embedded(const RecordType& type, const Field& field)
                        fmt::arg("name", identifier(field.name)));
 }
 
-std::string counted(const RecordType& type, const Field& field)
+std::string counted(const RecordType& type, int index)
 {
+    const Field& field = row(type, index);
     const std::string name = identifier(field.name);
     const std::string count = identifier(row(type, field.count).name);
     const int width = bytesOf(field.type);
@@ -239,7 +240,7 @@ std::string counted(const RecordType& type, const Field& field)
                         "            return {};\n",
                         bytes, width == 1 ? "bytes" : fmt::format("bytes / {}", width),
                         field.elements, exactCall(type));
-    if (width == 1)
+    if (!isLoadedByWord(type, index))
         text += fmt::format("        std::memcpy(record->{}, buffer + end / 8, bytes);\n", name);
     else
         text += fmt::format("        load{}(buffer + end / 8, bytes, *record);\n", name);
@@ -250,10 +251,11 @@ std::string counted(const RecordType& type, const Field& field)
                   "    }\n";
 }
 
-std::string tailStatements(const Format& format, const RecordType& type, const Field& field)
+std::string tailStatements(const Format& format, const RecordType& type, int index)
 {
+    const Field& field = row(type, index);
     if (field.isCounted())
-        return counted(type, field);
+        return counted(type, index);
     if (field.kind == FieldKind::Embedded)
         return embedded(type, field);
     const RecordType& sub = *format.find(field.subType);
@@ -278,8 +280,7 @@ bool isStraight(const Format& format, const RecordType& type, const Shape& shape
         const Field& field = row(type, index);
         return field.presence == Presence::SinceRevision ||
                field.presence == Presence::OnlyRevision ||
-               (field.kind == FieldKind::Blocks && field.presence != Presence::Always) ||
-               (field.isCounted() && bytesOf(field.type) != 1 && !field.countsBytes);
+               (field.kind == FieldKind::Blocks && field.presence != Presence::Always);
     });
     static_cast<void>(format);
     return arrays <= 1 && !conditional;
@@ -318,7 +319,7 @@ std::string decodeBody(const Format& format, const RecordType& type)
                         "    uint32_t end = start + head * 8;\n",
                         type.name, shape.conditional ? "revision, " : "");
     for (const int index : shape.tail)
-        text += tailStatements(format, type, row(type, index));
+        text += tailStatements(format, type, index);
     return text + "    *offset = end;\n    return static_cast<int32_t>(end - start);\n";
 }
 

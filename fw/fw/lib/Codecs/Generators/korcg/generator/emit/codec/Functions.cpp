@@ -1,5 +1,6 @@
 #include "emit/Names.h"
 #include "emit/codec/Parts.h"
+#include "emit/codec/Shape.h"
 
 #include <fmt/format.h>
 
@@ -29,39 +30,54 @@ std::string appendFunctions(const RecordType& type)
     return text;
 }
 
-// Words of a payload that is counted in bytes; the last bytes may begin a word.
+std::string partLoads(const RecordType& type, int parent)
+{
+    std::string text;
+    for (const Field& part : type.fields)
+        if (part.kind == FieldKind::Bits && part.parent == parent)
+            text += fmt::format("        record.{}[i] = static_cast<{}>(word >> {} & {:#x}U);\n",
+                                identifier(part.name), memberType(part.type), part.shift,
+                                (uint64_t{1} << part.width) - 1);
+    return text;
+}
+
+// A payload that is counted in bytes may end inside a word: what there is of it begins the next.
+std::string tailLoad(const Field& field)
+{
+    return fmt::format("    if (bytes % {width} != 0) {{\n"
+                       "        {type} word = 0;\n"
+                       "        for (uint32_t i = 0; i < bytes % {width}; ++i)\n"
+                       "            word |= {type}{{at[i]}} << (8 * i);\n"
+                       "        record.{name}[bytes / {width}] = word;\n"
+                       "    }}\n",
+                       fmt::arg("width", bytesOf(field.type)),
+                       fmt::arg("type", memberType(field.type)),
+                       fmt::arg("name", identifier(field.name)));
+}
+
+// Functions that load a counted array whose elements are words or are split into parts.
 std::string wordLoads(const RecordType& type)
 {
     std::string text;
-    for (std::size_t index = 0; index < type.fields.size(); ++index) {
-        const Field& field = type.fields[index];
-        if (!field.isCounted() || !field.countsBytes || bytesOf(field.type) == 1)
+    for (int index = 0; index < static_cast<int>(type.fields.size()); ++index) {
+        const Field& field = type.fields[static_cast<std::size_t>(index)];
+        if (!isLoadedByWord(type, index))
             continue;
-        const std::string name = identifier(field.name);
-        std::string parts;
-        for (std::size_t i = index + 1;
-             i < type.fields.size() && type.fields[i].parent == static_cast<int>(index); ++i) {
-            const Field& part = type.fields[i];
-            parts += fmt::format("        record.{}[i] = static_cast<{}>(word >> {} & {:#x}U);\n",
-                                 identifier(part.name), memberType(part.type), part.shift,
-                                 (uint64_t{1} << part.width) - 1);
-        }
+        const int width = bytesOf(field.type);
         text += fmt::format(
             "void load{name}(const uint8_t* at, uint32_t bytes, {record}& record)\n{{\n"
             "    for (uint32_t i = 0; i < bytes / {width}; ++i, at += {width}) {{\n"
-            "        const {type} word = korcg_load_u{bits}(at);\n"
+            "        const {type} word = korcg_load_{kind}{bits}(at);\n"
             "        record.{name}[i] = word;\n"
             "{parts}    }}\n"
-            "    if (bytes % {width} != 0) {{\n"
-            "        {type} word = 0;\n"
-            "        for (uint32_t i = 0; i < bytes % {width}; ++i)\n"
-            "            word |= {type}{{at[i]}} << (8 * i);\n"
-            "        record.{name}[bytes / {width}] = word;\n"
-            "    }}\n"
-            "}}\n\n",
-            fmt::arg("name", name), fmt::arg("record", recordName(type)),
-            fmt::arg("width", bytesOf(field.type)), fmt::arg("bits", bytesOf(field.type) * 8),
-            fmt::arg("type", memberType(field.type)), fmt::arg("parts", parts));
+            "{tail}}}\n\n",
+            fmt::arg("name", identifier(field.name)), fmt::arg("record", recordName(type)),
+            fmt::arg("width", width), fmt::arg("bits", width * 8),
+            fmt::arg("kind", isFloat(field.type)    ? "f"
+                             : isSigned(field.type) ? "i"
+                                                    : "u"),
+            fmt::arg("type", memberType(field.type)), fmt::arg("parts", partLoads(type, index)),
+            fmt::arg("tail", field.countsBytes && width > 1 ? tailLoad(field) : ""));
     }
     return text.empty() ? text : "namespace\n{\n\n" + text + "} // namespace\n\n";
 }

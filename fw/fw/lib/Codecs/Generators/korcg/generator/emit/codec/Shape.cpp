@@ -51,6 +51,14 @@ Shape shapeOf(const RecordType& type)
     return shape;
 }
 
+bool isLoadedByWord(const RecordType& type, int index)
+{
+    const Field& field = type.fields[static_cast<std::size_t>(index)];
+    const auto next = static_cast<std::size_t>(index) + 1;
+    const bool split = next < type.fields.size() && type.fields[next].parent == index;
+    return field.kind == FieldKind::CountedArray && (split || bytesOf(field.type) > 1);
+}
+
 const Field* onlyBlocks(const RecordType& type, const Shape& shape)
 {
     if (shape.tail.size() != 1)

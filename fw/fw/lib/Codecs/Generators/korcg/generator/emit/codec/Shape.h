@@ -31,4 +31,8 @@ Shape shapeOf(const RecordType& type);
 /// The sub-block array of a type whose tail is that array alone, or null.
 const Field* onlyBlocks(const RecordType& type, const Shape& shape);
 
+/// Whether the decoder takes a counted array word by word, with a function of its own, because
+/// its elements are wider than a byte or are split into parts.
+bool isLoadedByWord(const RecordType& type, int index);
+
 } // namespace korcg::generator
