@@ -125,7 +125,7 @@ TEST_P(DecodersAgree, OnEveryRevisionAndOnDamage)
         expectSame(type, block);
         for (int flip = 0; flip < 20; ++flip) {
             std::vector<uint8_t> damaged = block;
-            const size_t at = 6 + random() % (block.size() - 6);
+            const auto at = static_cast<size_t>(6 + random() % (block.size() - 6));
             damaged[at] = static_cast<uint8_t>(random());
             expectSame(type, damaged);
         }

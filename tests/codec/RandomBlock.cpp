@@ -80,7 +80,7 @@ uint64_t Builder::selected(const TQX_TypeLayout& type, int row, uint64_t word)
             choices.push_back(type.fields[i].presenceValue);
     if (choices.empty() || m_random() % 8 == 0)
         return word;
-    return choices[m_random() % choices.size()];
+    return choices[static_cast<size_t>(m_random() % choices.size())];
 }
 
 uint64_t Builder::choose(const TQX_TypeLayout& type, int row)
