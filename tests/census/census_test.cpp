@@ -53,7 +53,8 @@ TEST(Census, CatalogueInRegistrationOrder)
         EXPECT_EQ(info.getAttribute("esoc").toBool(), row["esoc"].get<bool>());
         EXPECT_EQ(info.getAttribute("timestamp").toInt(),
                   row["timestamp"].get<std::string>().front());
-        EXPECT_EQ(info.getShortDescriptiveText().toStdString(), row.value("text", ""));
+        EXPECT_EQ(info.getShortDescriptiveText().toStdString(),
+                  row["text"].is_string() ? row["text"].get<std::string>() : "");
         EXPECT_EQ(TQX_recordType(static_cast<uint16_t>(row["block"].get<int>())),
                   row["number"].get<uint32_t>());
     }
