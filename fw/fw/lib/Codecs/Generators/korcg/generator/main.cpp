@@ -53,6 +53,9 @@ int generate(const Options& options)
         emitMessages(format, selection, output);
     if (options.only.empty() || options.only == "metadata")
         emitMetadata(format, selection, output);
+    // For people, so it is written only when asked for.
+    if (options.only == "reference")
+        emitReference(format, selection, output);
     if (options.listOutputs)
         for (const std::string& name : output.names())
             fmt::print("{}\n", name);
@@ -74,7 +77,7 @@ int main(int argc, char** argv)
                    "Emit only these types and the sub-blocks that they hold")
         ->delimiter(',');
     app.add_option("--only", options.only, "Emit one kind of output")
-        ->check(CLI::IsMember({"codec", "messages", "metadata"}));
+        ->check(CLI::IsMember({"codec", "messages", "metadata", "reference"}));
     app.add_flag("--list-outputs", options.listOutputs,
                  "Print the names of the files that would be written, one a line");
     app.add_flag("--check", options.check, "Read and check the description, write nothing");

@@ -21,4 +21,7 @@ void emitMessages(const Format& format, const Selection& selection, Output& outp
 /// Message and field metadata singletons and the registration order.
 void emitMetadata(const Format& format, const Selection& selection, Output& output);
 
+/// The reference of the format for people: HTML pages, one for each type, and indexes.
+void emitReference(const Format& format, const Selection& selection, Output& output);
+
 } // namespace korcg::generator

@@ -1,0 +1,22 @@
+#include "emit/Names.h"
+#include "emit/reference/Html.h"
+#include "emit/reference/Pages.h"
+
+namespace korcg::generator
+{
+
+void emitReference(const Format& format, const Selection& selection, Output& output)
+{
+    constexpr const char all[] = "the whole description";
+    output.write("reference.css", all, reference::styleSheet());
+    output.write("index.html", all, reference::indexByName(selection));
+    output.write("numbers.html", all, reference::indexByNumber(selection));
+    output.write("families.html", all, reference::indexByFamily(selection));
+    output.write("names.html", all, reference::namedValues(format));
+    output.write("framing.html", all, reference::framing());
+    for (const RecordType* type : selection)
+        output.write(reference::pageName(type->name), sourceOf(*type),
+                     reference::typePage(format, *type));
+}
+
+} // namespace korcg::generator
