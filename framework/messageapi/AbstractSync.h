@@ -44,4 +44,7 @@ protected:
 
     /// Publishes an event of type DecodingError: "<format>_ERR_INVALID_CRC".
     void reportCRCError(const FormatInfo* format);
+
+private:
+    bool hasEventReceiver() const;
 };

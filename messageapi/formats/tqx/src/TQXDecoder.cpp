@@ -48,9 +48,10 @@ bool hasMessageClass(uint32_t recordType)
 } // namespace
 
 TQXDecoder::TQXDecoder(QObject* parent)
-    : AbstractDecoder(QStringLiteral("TQX"), parent), m_context(freshContext())
+    : AbstractDecoder(QStringLiteral("TQX"), parent), m_context{}
 {
     MemLeakTracer::allocateObject("TQXDecoder");
+    TQX_init_context(&m_context);
     TQX_resolveTrace(traceLevel, "TQXDecoder");
     for (const TQX_MessageType& type : TQX_messageTypes()) {
         setMessageEnum(type.info(), type.recordType);
@@ -108,11 +109,13 @@ void TQXDecoder::publishFailure(int32_t result)
     static const QMetaMethod unknownSignal =
         QMetaMethod::fromSignal(&MessageSource::newUnknownMessage);
 
+    // A receiver of the event may decode another block.
+    const unsigned unknownNumber = m_context.lastUnknownBlockNumber;
     if (isSignalConnected(eventSignal)) {
         if (result == kInvalidMessage) {
-            publishEvent(MessageApiEvent::UnknownMessage,
-                         QStringLiteral("TQX: Message type %1 unknown to PC software")
-                             .arg(m_context.lastUnknownBlockNumber));
+            publishEvent(
+                MessageApiEvent::UnknownMessage,
+                QStringLiteral("TQX: Message type %1 unknown to PC software").arg(unknownNumber));
         } else {
             publishEvent(MessageApiEvent::DecodingError,
                          QStringLiteral("TQX: %1").arg(QLatin1String(TQX_errorName(result))));
@@ -120,7 +123,7 @@ void TQXDecoder::publishFailure(int32_t result)
     }
     if (result == kInvalidMessage && isSignalConnected(unknownSignal)) {
         newUnknownMessage(TQX_FormatInfo::getInstance(),
-                          QStringLiteral("Message type %1").arg(m_context.lastUnknownBlockNumber));
+                          QStringLiteral("Message type %1").arg(unknownNumber));
     }
 }
 

@@ -6,6 +6,8 @@
 #include "MemLeakTracer.h"
 #include "TqxSync.h"
 
+#include <QMetaMethod>
+
 namespace
 {
 
@@ -77,7 +79,10 @@ void TQXSynchronizer::onDroppedBytes(uint32_t nrBytes)
 
 void TQXSynchronizer::onInvalidLength()
 {
-    newEvent(MessageApiEvent(MessageApiEvent::DecodingError,
-                             QStringLiteral("TQX_ERR_INVALID_LENGTH"),
-                             TQX_FormatInfo::getInstance()));
+    static const QMetaMethod eventSignal = QMetaMethod::fromSignal(&AbstractSync::newEvent);
+    if (isSignalConnected(eventSignal)) {
+        newEvent(MessageApiEvent(MessageApiEvent::DecodingError,
+                                 QStringLiteral("TQX_ERR_INVALID_LENGTH"),
+                                 TQX_FormatInfo::getInstance()));
+    }
 }
