@@ -3,6 +3,7 @@
 #include "DumpCommand.h"
 #include "EncodeCommand.h"
 #include "ErrorCommand.h"
+#include "ExplainCommand.h"
 #include "HelpCommand.h"
 #include "InfoCommand.h"
 #include "SimulateCommand.h"
@@ -23,6 +24,7 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program)
     std::vector<std::unique_ptr<Command>> commands;
     commands.push_back(std::make_unique<InfoCommand>(program));
     commands.push_back(std::make_unique<DumpCommand>(program));
+    commands.push_back(std::make_unique<ExplainCommand>(program));
     commands.push_back(std::make_unique<TypesCommand>(program));
     commands.push_back(std::make_unique<EncodeCommand>(program));
     commands.push_back(std::make_unique<SimulateCommand>(program));

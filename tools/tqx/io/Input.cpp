@@ -2,12 +2,14 @@
 
 #include "ToolError.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 namespace tool
 {
@@ -38,6 +40,24 @@ size_t Input::read(char* buffer, size_t capacity)
         if (errno != EINTR)
             throw InputError(name + ": " + std::strerror(errno));
     }
+}
+
+uint64_t Input::skip(uint64_t count)
+{
+    if (size != 0) {
+        const uint64_t skipped = std::min(count, size);
+        if (::lseek(descriptor, static_cast<off_t>(skipped), SEEK_CUR) >= 0)
+            return skipped;
+    }
+    std::vector<char> piece(1 << 16);
+    uint64_t skipped = 0;
+    while (skipped < count) {
+        const size_t got = read(piece.data(), std::min<uint64_t>(piece.size(), count - skipped));
+        if (got == 0)
+            break;
+        skipped += got;
+    }
+    return skipped;
 }
 
 } // namespace tool

@@ -21,6 +21,9 @@ public:
     /// than what a pipe holds. Throws InputError.
     size_t read(char* buffer, size_t capacity);
 
+    /// Passes over `count` bytes, or as many as there are, and returns how many. Throws InputError.
+    uint64_t skip(uint64_t count);
+
     /// Name for messages: the path, or "standard input".
     const std::string& getName() const { return name; }
 

@@ -1,0 +1,94 @@
+#include "ExplainCommand.h"
+
+#include "BlockLocator.h"
+#include "Explanation.h"
+#include "Output.h"
+#include "ToolError.h"
+#include "Words.h"
+
+#include <fmt/format.h>
+
+#include <charconv>
+#include <utility>
+
+namespace tool
+{
+
+namespace
+{
+
+/// Path and offset of FILE@OFFSET; the offset is 0 when there is none.
+std::pair<std::string, uint64_t> split(const std::string& place)
+{
+    const size_t at = place.rfind('@');
+    if (at == std::string::npos)
+        return {place, 0};
+    const std::string number = place.substr(at + 1);
+    const bool isHex = number.rfind("0x", 0) == 0;
+    uint64_t offset = 0;
+    const char* end = number.data() + number.size();
+    const auto [stop, error] =
+        std::from_chars(number.data() + (isHex ? 2 : 0), end, offset, isHex ? 16 : 10);
+    if (stop != end || error != std::errc())
+        throw ToolError("explain: " + place + ": " + number + " is no offset");
+    return {place.substr(0, at), offset};
+}
+
+} // namespace
+
+ExplainCommand::ExplainCommand(CLI::App& program)
+    : Command(program, "explain", "Show a block byte by byte",
+              "  tqx explain log.tqx@1460\n"
+              "  tqx explain log.tqx@0x5b4 log.tqx@1548\n"
+              "  receiver | tqx explain -@0\n"
+              "\n"
+              "A row a value: where it stands in the file and in the block, its bytes, its name,\n"
+              "the stored value and what that stands for. Below, what is wrong with the block.\n"
+              "info, dump and the reports of damage name the offsets of blocks.\n")
+{
+    app.add_option("FILE@OFFSET", places,
+                   "Where the block begins, in decimal or with 0x in hexadecimal")
+        ->type_name("");
+    // Standard input looks like an option, -@0; this way it comes through.
+    app.allow_extras();
+}
+
+void ExplainCommand::explain(Output& output, const std::string& place)
+{
+    const auto [path, offset] = split(place);
+    const BlockLocation location = locateBlock(path, offset);
+    if (!location.hasSync())
+        throw InputError(
+            fmt::format("{}: {}: {}", location.file, offset, describeNoBlock(location)));
+    if (shown)
+        output.getBuffer().append('\n');
+    shown = true;
+    appendExplanation(output.getBuffer(), location);
+    output.commit();
+}
+
+ExitStatus ExplainCommand::run()
+{
+    for (const std::string& extra : app.remaining()) {
+        if (extra.rfind("-@", 0) != 0)
+            throw ToolError("explain: there is no option " + extra + " (see tqx help explain)");
+        places.push_back(extra);
+    }
+    if (places.empty())
+        throw ToolError("explain: FILE@OFFSET is required (see tqx help explain)");
+    Output output;
+    ExitStatus status = ExitStatus::Done;
+    for (const std::string& place : places) {
+        try {
+            explain(output, place);
+        } catch (const InputError& error) {
+            output.flush();
+            words::say(error.what());
+            status = ExitStatus::Failed;
+        }
+    }
+    output.flush();
+    return status;
+}
+
+} // namespace tool

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "Command.h"
+
+namespace tool
+{
+
+class Output;
+
+/// `tqx explain`: single blocks, byte by byte.
+class ExplainCommand : public Command
+{
+public:
+    explicit ExplainCommand(CLI::App& program);
+    ExitStatus run() override;
+
+private:
+    void explain(Output& output, const std::string& place);
+
+    std::vector<std::string> places;
+    bool shown = false;
+};
+
+} // namespace tool
