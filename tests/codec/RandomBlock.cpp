@@ -24,13 +24,14 @@ public:
 private:
     uint64_t any(unsigned bits)
     {
+        const uint64_t most = ~uint64_t{0} >> (64U - bits);
         switch (m_random() % 8) {
         case 0:
             return 0;
         case 1:
-            return ~uint64_t{0};
+            return most;
         default:
-            return m_random() >> (m_random() % bits);
+            return m_random() >> (m_random() % bits) & most;
         }
     }
 

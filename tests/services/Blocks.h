@@ -57,13 +57,6 @@ inline QByteArray blockOfNumber(uint16_t number)
     return bytes;
 }
 
-inline QByteArray sample(const char* name)
-{
-    QFile file(QStringLiteral(TEST_DATA_FOLDER "/samples/") + QLatin1String(name));
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name;
-    return file.readAll();
-}
-
 inline const uint8_t* bytesOf(const QByteArray& bytes)
 {
     return reinterpret_cast<const uint8_t*>(bytes.constData());

@@ -1,19 +1,43 @@
 #include "Blocks.h"
+#include "RandomBlock.h"
 #include "TQXDecoder.h"
-#include "TQXSynchronizer.h"
 #include "TQX_Layout.h"
 
 #include "MemLeakTracer.h"
 #include "Message.h"
 
-#include <QJsonDocument>
-#include <QJsonObject>
-
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <new>
+#include <utility>
 #include <vector>
 
 using namespace Kor::MessageApi;
+
+// -1 lets all allocations succeed.
+static int allocationsBeforeFailure = -1;
+
+void* operator new(size_t size)
+{
+    void* memory = allocationsBeforeFailure >= 0 && allocationsBeforeFailure-- == 0
+                       ? nullptr
+                       : std::malloc(size);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+
+void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, size_t) noexcept
+{
+    std::free(memory);
+}
 
 namespace
 {
@@ -104,15 +128,41 @@ INSTANTIATE_TEST_SUITE_P(
             {"4 TQX: TQX_ERR_MEASEPOCH2_DISABLED"}}),
     [](const auto& row) { return row.param.name; });
 
-TEST(TQXDecoder, EventNamesTheCodeOfACutBlock)
+TEST(TQXDecoder, PublishesBlocksOfEveryTypeOrTheNameOfTheirFailure)
 {
-    const QByteArray whole = measEpoch2(3);
-    for (int size = 7; size < whole.size(); ++size) {
-        Recorded recorded;
-        const int32_t result = recorded.decode(whole.left(size));
-        ASSERT_LT(result, 0) << size;
-        EXPECT_EQ(recorded.log, Log{std::string("4 TQX: ") + TQX_errorName(result)}) << size;
+    Recorded recorded;
+    std::mt19937_64 random(1);
+    const QStringList objects = MemLeakTracer::getUnbalancedNames();
+    int published = 0;
+    int failed = 0;
+    for (const TQX_TypeLayout* type : mainTypes()) {
+        const std::vector<uint8_t> block = randomBlock(*type, {}, random);
+        const std::string name = type->name;
+        const auto decode = [&](size_t size) {
+            recorded.log.clear();
+            return recorded.decoder.decodeMessage(block.data(), static_cast<uint32_t>(size));
+        };
+        const auto eventOf = [](int32_t code) {
+            return Log{std::string("4 TQX: ") + TQX_errorName(code)};
+        };
+        const Log whole =
+            type->hasMessage ? Log{"early " + name, "normal " + name, "late " + name} : Log{};
+        EXPECT_GT(decode(block.size()), 0) << name;
+        EXPECT_EQ(recorded.log, whole) << name;
+        published += type->hasMessage ? 1 : 0;
+
+        // What is cut off may be padding.
+        const int32_t result = decode(7 + random() % (block.size() - 7));
+        EXPECT_EQ(recorded.log, result > 0 ? whole : eventOf(result)) << name;
+        failed += result < 0 ? 1 : 0;
+
+        recorded.decoder.disableMessageEnum(static_cast<int32_t>(type->recordType));
+        EXPECT_EQ(decode(block.size()), type->disabled) << name;
+        EXPECT_EQ(recorded.log, eventOf(type->disabled)) << name;
     }
+    EXPECT_EQ(published, 221);
+    EXPECT_GT(failed, 200);
+    EXPECT_EQ(MemLeakTracer::getUnbalancedNames(), objects);
 }
 
 TEST(TQXDecoder, ReleasesUnlessAReceiverTakesAReference)
@@ -139,16 +189,50 @@ TEST(TQXDecoder, ReleasesUnlessAReceiverTakesAReference)
     EXPECT_EQ(alive(), before);
 }
 
-TEST(TQXDecoder, ReportsItselfToTheTracer)
+TEST(TQXDecoder, TellsWhenThereIsNoMemoryForAMessage)
 {
     TQX_FormatInfo::getInstance();
-    const qint64 before = MemLeakTracer::getObjectCount(QStringLiteral("TQXDecoder"));
-    {
-        const TQXDecoder decoder;
-        EXPECT_EQ(decoder.getName(), QStringLiteral("TQX"));
-        EXPECT_EQ(MemLeakTracer::getObjectCount(QStringLiteral("TQXDecoder")), before + 1);
+    TQXDecoder decoder;
+    int messages = 0;
+    QObject::connect(&decoder, &MessageSource::newMessage, [&] { ++messages; });
+    std::string event;
+    QObject::connect(&decoder, &MessageSource::newEvent,
+                     [&](const MessageApiEvent& told) { event = described(told); });
+    const QByteArray block = measEpoch2(2);
+    int attempts = 0;
+    for (; messages == 0; ++attempts) {
+        event.clear();
+        allocationsBeforeFailure = attempts;
+        EXPECT_GT(decoder.decodeMessage(bytesOf(block), sizeOf(block)), 0);
+        allocationsBeforeFailure = -1;
+        EXPECT_EQ(event, messages == 0 ? "5 TQX: Inconsistent decoder state" : "") << attempts;
     }
-    EXPECT_EQ(MemLeakTracer::getObjectCount(QStringLiteral("TQXDecoder")), before);
+    EXPECT_GE(attempts, 3) << "neither record nor message were refused";
+}
+
+TEST(TQXDecoder, DecodesWhenInvokedByName)
+{
+    Recorded recorded;
+    const QByteArray block = pvtGeodetic2();
+    int32_t result = 0;
+    EXPECT_TRUE(QMetaObject::invokeMethod(
+        &recorded.decoder, "decodeMessage", Q_RETURN_ARG(int32_t, result),
+        Q_ARG(const uint8_t*, bytesOf(block)), Q_ARG(uint32_t, sizeOf(block))));
+    EXPECT_EQ(result, 8 * block.size());
+    EXPECT_EQ(recorded.log, kPublished);
+}
+
+TEST(TQXDecoder, ReceiversMayDecode)
+{
+    Recorded recorded;
+    bool nested = false;
+    QObject::connect(&recorded.decoder, &MessageSource::newEvent, [&] {
+        if (!std::exchange(nested, true)) {
+            recorded.decode(blockOfNumber(8190));
+        }
+    });
+    recorded.decode(blockOfNumber(8191));
+    EXPECT_EQ(recorded.log.back(), "unknown Message type 8191");
 }
 
 TEST(TQXDecoder, TypesAreSwitchedByNumberAndByInfo)
@@ -199,47 +283,6 @@ TEST(TQXDecoder, AllTypesAreSwitchedButSubBlocks)
         decoder.disableMessageEnum(outside);
     }
     EXPECT_EQ(enabled(), mainTypes);
-}
-
-TEST(TQXDecoder, TypesWithoutMessageClassPublishNothing)
-{
-    Recorded recorded;
-    int types = 0;
-    for (uint32_t type = 1; type <= 382; ++type) {
-        const TQX_TypeLayout* layout = TQX_layout(type);
-        if (layout == nullptr || layout->hasMessage || layout->blockNumber == 0) {
-            continue;
-        }
-        ++types;
-        EXPECT_GT(recorded.decode(blockOfNumber(layout->blockNumber) + QByteArray(60000, '\0')), 0)
-            << layout->name;
-        EXPECT_EQ(recorded.log, Log{}) << layout->name;
-    }
-    if (types == 0) {
-        GTEST_SKIP() << "no such type is described";
-    }
-}
-
-TEST(TQXDecoder, DecodesAStreamThroughTheSynchronizer)
-{
-    Recorded recorded;
-    TQXSynchronizer synchronizer;
-    QByteArray stream = sample("random.tqx");
-    synchronizer.appendBytes(stream);
-    Log expected;
-    for (const QByteArray& line : sample("random.jsonl").split('\n')) {
-        if (!line.isEmpty()) {
-            const QString name = QJsonDocument::fromJson(line).object()["block"].toString();
-            for (const char* signal : {"early ", "normal ", "late "}) {
-                expected.push_back(signal + name.toStdString());
-            }
-        }
-    }
-    while (synchronizer.hasBlock()) {
-        EXPECT_GT(recorded.decode(synchronizer.getBlockBytes()), 0);
-    }
-    EXPECT_EQ(expected.size(), 360U);
-    EXPECT_EQ(recorded.log, expected);
 }
 
 } // namespace

@@ -2,10 +2,9 @@
 #include "TQXDecoder.h"
 #include "TQX_DiffCorrIn_Extractor.h"
 
-#include "MemLeakTracer.h"
-
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <vector>
@@ -15,42 +14,42 @@ namespace
 
 using Record = Kor::MessageApi::TQX_DiffCorrIn_s;
 
-// A DiffCorrIn block of a mode; its payload counts up from 1.
-QByteArray diffCorrIn(uint8_t mode, uint16_t length)
+QByteArray diffCorrIn(uint8_t mode, const QByteArray& payload)
 {
     const auto record = std::make_unique<Record>();
     TQX_init_DiffCorrIn(record.get());
     record->Mode = mode;
-    record->Data_Byte_Length = length;
-    for (unsigned i = 0; i < length; ++i) {
-        const auto value = static_cast<uint8_t>(i + 1);
-        switch (mode) {
-        case 0:
-            record->RTCM2Words[i / 4] |= uint32_t{value} << 8 * (i % 4);
-            break;
-        case 1:
-            record->CMRMessage[i] = value;
-            break;
-        case 2:
-            record->RTCM3Message[i] = value;
-            break;
-        default:
-            record->RTCMVMessage[i] = value;
-        }
+    record->Data_Byte_Length = static_cast<uint16_t>(payload.size());
+    void* const members[] = {record->RTCM2Words, record->CMRMessage, record->RTCM3Message,
+                             record->RTCMVMessage};
+    if (mode < 4) {
+        std::memcpy(members[mode], payload.constData(), static_cast<size_t>(payload.size()));
     }
     return encoded(TQX_encode_DiffCorrIn, *record);
 }
 
-QByteArray payload(int length)
+// A well-known example of message 1005, with its frame and checksum.
+const QByteArray kRtcm3 = QByteArray::fromHex("d300133ed7d30202980edeef34b4bd62ac0941986f33360b98");
+
+// What each mode carries: two words of 30 bits, a CMR frame, an RTCM 3 frame, an RTCMV text.
+const QByteArray kPayloads[] = {QByteArray::fromHex("9a5b59668d72a13f"),
+                                QByteArray::fromHex("02009302aabb6203"), kRtcm3, "RTCMV,1"};
+
+// CRC-24Q of RTCM 3; 0 over a frame that ends in its checksum.
+uint32_t crc24q(const QByteArray& bytes)
 {
-    QByteArray bytes(length, '\0');
-    for (int i = 0; i < length; ++i) {
-        bytes[i] = static_cast<char>(i + 1);
+    uint32_t sum = 0;
+    for (const char byte : bytes) {
+        sum ^= static_cast<uint32_t>(static_cast<uint8_t>(byte)) << 16;
+        for (int bit = 0; bit < 8; ++bit) {
+            sum <<= 1;
+            sum ^= (sum & 0x1000000) != 0 ? 0x1864cfbU : 0U;
+        }
     }
-    return bytes;
+    return sum;
 }
 
-// Keeps what it is given.
+// A decoder of RTCM 3 that knows frames, and keeps all that it is given.
 class Target : public AbstractDecoder
 {
     Q_OBJECT
@@ -60,8 +59,11 @@ public:
 
     int32_t decodeMessage(const uint8_t* buffer, uint32_t maxlength) override
     {
-        received.emplace_back(reinterpret_cast<const char*>(buffer), static_cast<int>(maxlength));
-        return -1;
+        const QByteArray bytes(reinterpret_cast<const char*>(buffer), static_cast<int>(maxlength));
+        received.push_back(bytes);
+        const bool isFrame = bytes.startsWith('\xd3') && crc24q(bytes) == 0;
+        frames += isFrame ? 1 : 0;
+        return isFrame ? 8 * bytes.size() : -1;
     }
     void enableAllMessages() override {}
     void disableAllMessages() override {}
@@ -70,18 +72,24 @@ public:
     bool isEnabledMessageEnum(int32_t) const override { return true; }
 
     std::vector<QByteArray> received;
+    int frames = 0;
 };
 
-// Looks at each payload before it is decoded.
+// Looks at each payload before it is decoded, and may change it.
 class WatchingExtractor : public TQX_DiffCorrIn_Extractor
 {
 public:
     using TQX_DiffCorrIn_Extractor::TQX_DiffCorrIn_Extractor;
 
     std::vector<QByteArray> seen;
+    QByteArray added;
 
 protected:
-    void preprocessRawData() override { seen.push_back(payload()); }
+    void preprocessRawData() override
+    {
+        seen.push_back(payload());
+        payload() += added;
+    }
 };
 
 void decode(TQXDecoder& decoder, const QByteArray& bytes)
@@ -89,42 +97,28 @@ void decode(TQXDecoder& decoder, const QByteArray& bytes)
     EXPECT_GT(decoder.decodeMessage(bytesOf(bytes), sizeOf(bytes)), 0);
 }
 
-class ExtractorOfMode : public testing::TestWithParam<uint8_t>
-{
-};
-
-TEST_P(ExtractorOfMode, PassesOnThePayloadsOfItsModeOnly)
-{
-    const uint8_t mode = GetParam();
-    TQX_FormatInfo::getInstance();
-    TQXDecoder decoder;
-    Target target;
-    WatchingExtractor extractor(&decoder, &target, mode);
-
-    decode(decoder, pvtGeodetic2());
-    for (uint8_t other = 0; other < 4; ++other) {
-        decode(decoder, diffCorrIn(other, 24));
-    }
-    decode(decoder, diffCorrIn(mode, 0));
-    const std::vector<QByteArray> expected = {payload(24), {}};
-    EXPECT_EQ(target.received, expected);
-    EXPECT_EQ(extractor.seen, expected);
-}
-
-INSTANTIATE_TEST_SUITE_P(All, ExtractorOfMode, testing::Values(0, 1, 2, 3));
-
-TEST(DiffCorrInExtractor, ReportsItselfToTheTracer)
+TEST(DiffCorrInExtractor, PassesOnThePayloadsOfItsModeOnly)
 {
     TQX_FormatInfo::getInstance();
-    const auto name = QStringLiteral("TQX_DiffCorrIn_Extractor");
-    const qint64 before = MemLeakTracer::getObjectCount(name);
-    {
+    for (uint8_t mode = 0; mode < 4; ++mode) {
         TQXDecoder decoder;
         Target target;
-        const TQX_DiffCorrIn_Extractor extractor(&decoder, &target, 2);
-        EXPECT_EQ(MemLeakTracer::getObjectCount(name), before + 1);
+        WatchingExtractor extractor(&decoder, &target, mode);
+
+        decode(decoder, pvtGeodetic2());
+        for (uint8_t other = 0; other < 4; ++other) {
+            decode(decoder, diffCorrIn(other, kPayloads[other]));
+        }
+        decode(decoder, diffCorrIn(mode, {}));
+        const std::vector<QByteArray> expected = {kPayloads[mode], {}};
+        EXPECT_EQ(extractor.seen, expected) << int{mode};
+        EXPECT_EQ(target.received, expected) << int{mode};
+        EXPECT_EQ(target.frames, mode == 2 ? 1 : 0);
+
+        extractor.added = "more";
+        decode(decoder, diffCorrIn(mode, kPayloads[mode]));
+        EXPECT_EQ(target.received.back(), kPayloads[mode] + "more");
     }
-    EXPECT_EQ(MemLeakTracer::getObjectCount(name), before);
 }
 
 TEST(DiffCorrInExtractorDeathTest, UnsupportedModeIsAnAssertion)
@@ -135,10 +129,21 @@ TEST(DiffCorrInExtractorDeathTest, UnsupportedModeIsAnAssertion)
         TQXDecoder decoder;
         Target target;
         const TQX_DiffCorrIn_Extractor extractor(&decoder, &target, 4);
-        decode(decoder, diffCorrIn(4, 0));
+        decode(decoder, diffCorrIn(4, {}));
     };
+    // The process of the test reads the environment anew.
+    const QByteArray path = QByteArray::fromStdString(testing::TempDir()) + "extractor_test.log";
+    qputenv("KOR_TQX_LOGFILE", path);
     EXPECT_EXIT(extractUnsupported(), testing::ExitedWithCode(1),
                 "Unsupported DiffCorrIn Mode value");
+    qunsetenv("KOR_TQX_LOGFILE");
+    QFile log(QString::fromLocal8Bit(path));
+    ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+    EXPECT_EQ(log.readAll().toStdString(),
+              " ASRT: TQX_DiffCorrIn_Extractor Ln:  92 "
+              "TQX_DiffCorrIn_Extractor::processNewMessageUnsupported DiffCorrIn Mode value\n"
+              "Abnormal program termination...\n");
+    log.remove();
 }
 
 TEST(DiffCorrInExtractorDeathTest, NeedsTheMetadata)

@@ -1,8 +1,6 @@
 #include "Blocks.h"
 #include "TQXSynchronizer.h"
 
-#include "MemLeakTracer.h"
-
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -66,17 +64,6 @@ TEST(TQXSynchronizer, EndOfInputFreesWhatWaits)
     recorded.synchronizer.flush();
     EXPECT_EQ(recorded.synchronizer.getBlockBytes(), block);
     EXPECT_EQ(recorded.log, Log{"4 TQX: 8 bytes dropped"});
-}
-
-TEST(TQXSynchronizer, ReportsItselfToTheTracer)
-{
-    const auto name = QStringLiteral("TQXSynchronizer");
-    const qint64 before = MemLeakTracer::getObjectCount(name);
-    {
-        const TQXSynchronizer synchronizer;
-        EXPECT_EQ(MemLeakTracer::getObjectCount(name), before + 1);
-    }
-    EXPECT_EQ(MemLeakTracer::getObjectCount(name), before);
 }
 
 } // namespace

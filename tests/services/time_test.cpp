@@ -4,7 +4,6 @@
 #include "TqxTimeSource.h"
 
 #include "FormatInfo.h"
-#include "MemLeakTracer.h"
 #include "Message.h"
 
 #include <gtest/gtest.h>
@@ -127,17 +126,6 @@ TEST(TqxTimeSource, FallsBackToItsClock)
         EXPECT_EQ(TQXUtils::getGNSSMillis(message), 1209600001000U);
         EXPECT_TRUE(isNow(timeSource.getMillis(message)));
     });
-}
-
-TEST(TqxTimeSource, ReportsItselfToTheTracer)
-{
-    const auto name = QStringLiteral("TqxTimeSource");
-    const qint64 before = MemLeakTracer::getObjectCount(name);
-    {
-        const TqxTimeSource timeSource;
-        EXPECT_EQ(MemLeakTracer::getObjectCount(name), before + 1);
-    }
-    EXPECT_EQ(MemLeakTracer::getObjectCount(name), before);
 }
 
 } // namespace

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 using namespace Kor::MessageApi;
 
@@ -37,6 +38,15 @@ TQX_Context_s freshContext()
     TQX_Context_s context;
     TQX_init_context(&context);
     return context;
+}
+
+const Message* createMessage(const void* record)
+{
+    try {
+        return TQX_createMessage(record);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
 }
 
 bool hasMessageClass(uint32_t recordType)
@@ -75,7 +85,7 @@ int32_t TQXDecoder::decodeMessage(const uint8_t* buffer, uint32_t maxlength)
     if (result <= 0) {
         TQX_release(&record);
         publishFailure(result);
-    } else if (const Message* message = TQX_createMessage(&record)) {
+    } else if (const Message* message = createMessage(&record)) {
         publish(message);
     } else {
         const uint32_t recordType = record.head.korcg_type;

@@ -27,7 +27,8 @@ public Q_SLOTS:
     ///
     /// - above 0, the bits decoded: the message by newMessageEarly, newMessage and newMessageLate;
     ///   nothing for a type without message class. The message is destroyed behind newMessageLate
-    ///   unless a receiver took a reference.
+    ///   unless a receiver took a reference. An event of type InconsistentState instead, when there
+    ///   is no memory for it.
     /// - -6072, an unknown block number or 6 bytes or fewer: an event of type UnknownMessage, then
     ///   newUnknownMessage.
     /// - any other: an event of type DecodingError with the name of the code, such as

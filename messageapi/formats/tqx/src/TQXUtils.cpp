@@ -6,10 +6,15 @@
 #include "Message.h"
 #include "MessageInfo.h"
 
+#include <mutex>
+#include <shared_mutex>
+
 namespace
 {
 
 constexpr uint64_t kMillisPerWeek = 604800000;
+
+std::shared_mutex fieldMapMutex;
 
 } // namespace
 
@@ -50,12 +55,16 @@ const FieldInfo* TQXUtils::getWNcFieldInfo(const MessageInfo* info)
 
 const FieldInfo* TQXUtils::getFieldInfo(FieldMap& fields, const MessageInfo* info, const char* name)
 {
-    const auto known = fields.find(info);
-    if (known != fields.end()) {
-        return known->second;
+    {
+        const std::shared_lock<std::shared_mutex> reading(fieldMapMutex);
+        const auto known = fields.find(info);
+        if (known != fields.end()) {
+            return known->second;
+        }
     }
     const bool isTqx = info->getFormatInfo() == TQX_FormatInfo::getInstance();
     const FieldInfo* field = isTqx ? info->getFieldInfo(QLatin1String(name)) : nullptr;
+    const std::lock_guard<std::shared_mutex> writing(fieldMapMutex);
     fields.emplace(info, field);
     return field;
 }

@@ -21,8 +21,8 @@ class MessageInfo;
 
 /// Wraps a decoded record in a new message of its type. The record's bytes move into a heap copy
 /// that the message owns, so the caller must neither release nor use the arrays of `record` any
-/// more. Sub-block types get no parent. Null, and nothing taken over, when the record's type has
-/// no message class.
+/// more. Sub-block types get no parent. Null when the record's type has no message class; throws
+/// std::bad_alloc. In both cases nothing is taken over.
 TQX_API Message* TQX_createMessage(const void* record);
 
 /// A type with a message class. `info` creates the metadata on first use: the format registry must
@@ -59,10 +59,18 @@ using namespace Kor::MessageApi;
 namespace
 {{
 
+// Gives memory back without the record's destructor: the arrays are still the caller's.
+struct FreeMemory {{
+    void operator()(void* record) const {{ ::operator delete(record); }}
+}};
+
 template<typename Record>
-std::unique_ptr<Record> copyOf(const void* record)
+using Copy = std::unique_ptr<Record, FreeMemory>;
+
+template<typename Record>
+Copy<Record> copyOf(const void* record)
 {{
-    std::unique_ptr<Record> copy(new Record);
+    Copy<Record> copy(new Record);
     std::memcpy(static_cast<void*>(copy.get()), record, sizeof(Record));
     return copy;
 }}
@@ -70,7 +78,7 @@ std::unique_ptr<Record> copyOf(const void* record)
 template<typename MessageClass, typename Record>
 Message* createMain(const void* record)
 {{
-    std::unique_ptr<Record> copy = copyOf<Record>(record);
+    Copy<Record> copy = copyOf<Record>(record);
     Message* message = new MessageClass(copy.get(), true);
     copy.release();
     return message;
@@ -79,7 +87,7 @@ Message* createMain(const void* record)
 template<typename MessageClass, typename Record>
 Message* createSub(const void* record)
 {{
-    std::unique_ptr<Record> copy = copyOf<Record>(record);
+    Copy<Record> copy = copyOf<Record>(record);
     Message* message = new MessageClass(copy.get(), nullptr, true);
     copy.release();
     return message;
