@@ -2,8 +2,7 @@
 // matter, nothing is left behind the end of input.
 
 #include "BlockFramer.h"
-#include "korcg_crc.h"
-#include "korcg_load.h"
+#include "FixedChecksums.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -73,22 +72,6 @@ private:
     uint64_t dropped_ = 0;
     BlockFramer framer_{this};
 };
-
-// A fuzzer cannot guess checksums: the bytes "FIX" in front of a sync become one that holds.
-std::vector<uint8_t> withChecksums(const uint8_t* data, size_t size)
-{
-    std::vector<uint8_t> stream(data, data + size);
-    for (size_t at = 0; at + 11 <= stream.size(); ++at) {
-        uint8_t* block = &stream[at + 3];
-        const size_t length = korcg_load_u16(block + 6);
-        const bool marked = std::equal(&stream[at], block, "FIX") && block[0] == '$' &&
-                            block[1] == '@' && length >= 8 && at + 3 + length <= stream.size();
-        if (marked) {
-            korcg_store_u16(block + 2, korcg_crc16_bytes(block + 4, length - 4));
-        }
-    }
-    return stream;
-}
 
 } // namespace
 
