@@ -1,5 +1,6 @@
 #include "Command.h"
 
+#include "CutCommand.h"
 #include "DumpCommand.h"
 #include "EncodeCommand.h"
 #include "ErrorCommand.h"
@@ -25,6 +26,7 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program)
     commands.push_back(std::make_unique<InfoCommand>(program));
     commands.push_back(std::make_unique<DumpCommand>(program));
     commands.push_back(std::make_unique<ExplainCommand>(program));
+    commands.push_back(std::make_unique<CutCommand>(program));
     commands.push_back(std::make_unique<TypesCommand>(program));
     commands.push_back(std::make_unique<EncodeCommand>(program));
     commands.push_back(std::make_unique<SimulateCommand>(program));

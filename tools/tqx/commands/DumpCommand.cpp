@@ -118,10 +118,12 @@ DumpCommand::DumpCommand(CLI::App& program)
           "\n"
           "Text is a paragraph a message; jsonl is an object a line, with scaled values, names\n"
           "for values that have one and null for what is not available, or under --raw with the\n"
-          "stored values, from which encode makes the same blocks again.\n")
+          "stored values, from which encode makes the same blocks again.\n"
+          "\n" +
+              std::string(SelectionOptions::notes))
 {
     streams.addInputs(app);
-    streams.addTypes(app);
+    streams.addSelection(app);
     const std::map<std::string, Format> formats = {{"text", Format::Text},
                                                    {"jsonl", Format::JsonLines}};
     app.add_option("--format", format, "How to write them: text or jsonl")
@@ -141,6 +143,7 @@ DumpCommand::DumpCommand(CLI::App& program)
 ExitStatus DumpCommand::run()
 {
     const FieldFilter filter(fields);
+    streams.keepInputsFrom(target);
     Output output(target);
     Buffer& out = output.getBuffer();
     std::unique_ptr<BlockConsumer> dump;

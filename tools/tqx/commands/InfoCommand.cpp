@@ -44,7 +44,7 @@ InfoCommand::InfoCommand(CLI::App& program)
               "  tqx info --json --quiet *.tqx | jq .crcErrors\n")
 {
     streams.addInputs(app);
-    streams.addTypes(app);
+    streams.addSelection(app);
     app.add_flag("--json", json, "An object a line for each file instead of text");
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Buffer.h"
+#include "Sink.h"
 
 #include <cstdio>
 #include <string>
@@ -9,7 +10,7 @@ namespace tool
 {
 
 /// The data a command produces: one buffer, written in big pieces to standard output or a file.
-class Output
+class Output final : public Sink
 {
 public:
     /// Standard output.
@@ -19,23 +20,20 @@ public:
     explicit Output(const std::string& path);
 
     /// Drops what has not been flushed.
-    ~Output();
+    ~Output() override;
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
 
     /// What is to be written next; append to it, then call commit().
     Buffer& getBuffer() { return buffer; }
 
-    /// Writes the buffer out once it is big. Throws as flush().
-    void commit()
+    void commit() override
     {
         if (buffer.size() >= pieceSize)
             flush();
     }
 
-    /// Writes everything out. Throws ClosedPipe when nobody reads any more, ToolError when
-    /// writing fails otherwise.
-    void flush();
+    void flush() override;
 
 private:
     static constexpr size_t pieceSize = 1 << 16;

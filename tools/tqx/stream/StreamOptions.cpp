@@ -1,8 +1,11 @@
 #include "StreamOptions.h"
 
-#include "Output.h"
+#include "Sink.h"
 #include "ToolError.h"
 #include "Words.h"
+
+#include <filesystem>
+#include <system_error>
 
 namespace tool
 {
@@ -16,21 +19,18 @@ void StreamOptions::addInputs(CLI::App& command)
     command.add_flag("-q,--quiet", quiet, "Say nothing about damage");
 }
 
-void StreamOptions::addTypes(CLI::App& command)
+void StreamOptions::keepInputsFrom(const std::string& target) const
 {
-    command.add_option("--type", types, "Only blocks of these types: names or block numbers")
-        ->delimiter(',')
-        ->allow_extra_args(false)
-        ->type_name("TYPE,TYPE");
-    command.add_option("--not-type", notTypes, "No blocks of these types")
-        ->delimiter(',')
-        ->allow_extra_args(false)
-        ->type_name("TYPE,TYPE");
+    for (const std::string& path : files) {
+        std::error_code unknown;
+        if (path != "-" && target != "-" && std::filesystem::equivalent(path, target, unknown))
+            throw ToolError(target + " is an input, it cannot be the output as well");
+    }
 }
 
-ExitStatus StreamOptions::read(BlockConsumer& consumer, Output& output) const
+ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output) const
 {
-    const TypeSelection selection(types, notTypes);
+    Selection selection = makeSelection();
     ExitStatus status = ExitStatus::Done;
     bool damaged = false;
     for (const std::string& path : files) {
@@ -46,15 +46,15 @@ ExitStatus StreamOptions::read(BlockConsumer& consumer, Output& output) const
     return strict && damaged ? worse(status, ExitStatus::Damaged) : status;
 }
 
-void StreamOptions::readOne(const std::string& path, const TypeSelection& selection,
-                            BlockConsumer& consumer, Output& output, bool& damaged) const
+void StreamOptions::readOne(const std::string& path, Selection& selection, BlockConsumer& consumer,
+                            Sink& output, bool& damaged) const
 {
     BlockStream stream(path, !quiet);
     stream.setBeforeRead([&output] { output.flush(); });
     consumer.begin(stream);
     Block block = {};
     while (stream.next(block)) {
-        if (selection.accepts(block.getNumber()))
+        if (selection.accepts(stream, block))
             consumer.take(stream, block);
         output.commit();
     }

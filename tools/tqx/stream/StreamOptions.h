@@ -2,7 +2,7 @@
 
 #include "BlockStream.h"
 #include "ExitStatus.h"
-#include "TypeSelection.h"
+#include "SelectionOptions.h"
 
 #include <CLI/App.hpp>
 
@@ -12,7 +12,7 @@
 namespace tool
 {
 
-class Output;
+class Sink;
 
 /// What a command does with the blocks of its inputs.
 class BlockConsumer
@@ -23,7 +23,7 @@ public:
     /// A new input begins.
     virtual void begin(BlockStream& stream) = 0;
 
-    /// A block of the selected types. What is appended to the output is written in time.
+    /// A selected block. What is appended to the output is written in time.
     virtual void take(BlockStream& stream, const Block& block) = 0;
 
     /// The input has ended.
@@ -37,22 +37,28 @@ public:
     /// Adds FILE..., --strict and --quiet.
     void addInputs(CLI::App& command);
 
-    /// Adds --type and --not-type.
-    void addTypes(CLI::App& command);
+    /// Adds the arguments that choose blocks.
+    void addSelection(CLI::App& command) { selections.add(command); }
 
-    /// Hands the blocks of one input after the other to `consumer`. An input that cannot be read
-    /// is reported and the next one taken. Returns Failed if there was such a one, else, under
+    /// The selection that they ask for. Throws ToolError for bad arguments.
+    Selection makeSelection() const { return Selection(selections.getRequest()); }
+
+    /// Throws ToolError when `target` is one of the inputs, which writing to it would destroy.
+    void keepInputsFrom(const std::string& target) const;
+
+    /// Hands the selected blocks of one input after the other to `consumer`. An input that cannot
+    /// be read is reported and the next one taken. Returns Failed if there was such a one, else,
+    /// under
     /// --strict, Damaged if an input was. Throws ToolError for bad arguments and when the output
     /// cannot be written, ClosedPipe when nobody reads it.
-    ExitStatus read(BlockConsumer& consumer, Output& output) const;
+    ExitStatus read(BlockConsumer& consumer, Sink& output) const;
 
 private:
-    void readOne(const std::string& path, const TypeSelection& selection, BlockConsumer& consumer,
-                 Output& output, bool& damaged) const;
+    void readOne(const std::string& path, Selection& selection, BlockConsumer& consumer,
+                 Sink& output, bool& damaged) const;
 
     std::vector<std::string> files;
-    std::vector<std::string> types;
-    std::vector<std::string> notTypes;
+    SelectionOptions selections;
     bool strict = false;
     bool quiet = false;
 };

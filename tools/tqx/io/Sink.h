@@ -1,0 +1,20 @@
+#pragma once
+
+namespace tool
+{
+
+/// Where the data of a command goes, seen by what drives the command.
+class Sink
+{
+public:
+    virtual ~Sink() = default;
+
+    /// Writes out what has become big. Throws as flush().
+    virtual void commit() = 0;
+
+    /// Writes everything out. Throws ClosedPipe when nobody reads any more, ToolError when
+    /// writing fails otherwise.
+    virtual void flush() = 0;
+};
+
+} // namespace tool

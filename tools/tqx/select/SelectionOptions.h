@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Selection.h"
+
+#include <CLI/App.hpp>
+
+namespace tool
+{
+
+/// The arguments by which all commands that read streams choose blocks.
+class SelectionOptions
+{
+public:
+    /// Adds --type, --not-type, --from, --to, --where and --every.
+    void add(CLI::App& command);
+
+    /// Lines for the end of a help text: how times and conditions are written and what they mean.
+    static const char* const notes;
+
+    /// What the arguments say, once they are parsed.
+    const SelectionRequest& getRequest() const { return request; }
+
+private:
+    SelectionRequest request;
+};
+
+} // namespace tool
