@@ -46,6 +46,31 @@ private:
     Buffer& out;
 };
 
+/// Scaled values and names as JSON Lines, straight from the records.
+class ValueJsonDump : public BlockConsumer
+{
+public:
+    ValueJsonDump(const FieldFilter& filter, Buffer& buffer) : json(filter), out(buffer) {}
+
+    void begin(BlockStream&) override { decoder = std::make_unique<RecordDecoder>(); }
+
+    void take(BlockStream& stream, const Block& block) override
+    {
+        const int32_t result = decoder->decode(block);
+        if (result > 0)
+            json.write(out, decoder->getRecord());
+        else if (result != unknownNumber)
+            stream.reportUndecodable(block, result);
+    }
+
+    void end(BlockStream&) override {}
+
+private:
+    std::unique_ptr<RecordDecoder> decoder;
+    ValueJson json;
+    Buffer& out;
+};
+
 /// Whatever is written of messages.
 class MessageDump : public BlockConsumer
 {
@@ -72,19 +97,6 @@ protected:
 
 private:
     std::unique_ptr<MessageDecoder> decoder;
-};
-
-class ValueJsonDump : public MessageDump
-{
-public:
-    ValueJsonDump(const FieldFilter& filter, Buffer& buffer) : json(filter), out(buffer) {}
-
-private:
-    void writeMessage(const Block&, const Message& message) override { json.write(out, message); }
-    void writeOther(const Block&) override {}
-
-    ValueJson json;
-    Buffer& out;
 };
 
 class TextDump : public MessageDump

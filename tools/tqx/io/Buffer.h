@@ -21,6 +21,9 @@ public:
     /// Forgets what stands behind the first `length` characters.
     void truncate(size_t length) { used = length; }
 
+    /// Puts another character where one stands.
+    void replace(size_t position, char character) { start[position] = character; }
+
     /// Room for `length` more characters; they count once advance() is told how many were used.
     char* reserve(size_t length)
     {

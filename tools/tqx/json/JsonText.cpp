@@ -3,6 +3,7 @@
 #include <fmt/compile.h>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -99,6 +100,40 @@ void appendFloat(Buffer& out, float value)
 void appendDouble(Buffer& out, double value)
 {
     appendReal(out, value);
+}
+
+bool appendDecimal(Buffer& out, bool isNegative, uint64_t digits, unsigned decimals)
+{
+    constexpr size_t mostZeros = 4; // behind the point, in front of the first digit
+    while (decimals != 0 && digits % 10 == 0) {
+        digits /= 10;
+        --decimals;
+        if (digits == 0)
+            decimals = 0;
+    }
+    const fmt::format_int number(digits);
+    const size_t length = number.size();
+    if (length + mostZeros <= decimals)
+        return false;
+    char* const begin = out.reserve(longestNumber);
+    char* to = begin;
+    if (isNegative && digits != 0)
+        *to++ = '-';
+    if (length <= decimals) {
+        *to++ = '0';
+        *to++ = '.';
+        for (size_t zeros = decimals - length; zeros != 0; --zeros)
+            *to++ = '0';
+        to = std::copy_n(number.data(), length, to);
+    } else {
+        to = std::copy_n(number.data(), length - decimals, to);
+        if (decimals != 0) {
+            *to++ = '.';
+            to = std::copy_n(number.data() + length - decimals, decimals, to);
+        }
+    }
+    out.advance(static_cast<size_t>(to - begin));
+    return true;
 }
 
 void appendString(Buffer& out, std::string_view text)

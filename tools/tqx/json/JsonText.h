@@ -19,6 +19,11 @@ void appendSigned(Buffer& out, int64_t value);
 void appendFloat(Buffer& out, float value);
 void appendDouble(Buffer& out, double value);
 
+/// `digits` with the point moved to the left by `decimals`, without zeros at the end, as
+/// appendDouble writes such a number. False, and nothing written, for numbers that are so small
+/// that it writes them with an exponent.
+bool appendDecimal(Buffer& out, bool isNegative, uint64_t digits, unsigned decimals);
+
 /// String of UTF-8 text, quotes included.
 void appendString(Buffer& out, std::string_view text);
 

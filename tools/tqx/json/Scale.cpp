@@ -1,5 +1,7 @@
 #include "Scale.h"
 
+#include "JsonText.h"
+
 #include <cmath>
 
 namespace tool
@@ -18,6 +20,10 @@ Scale::Scale(double factor) : multiplier(factor)
         if (whole != 0 && std::fabs(whole) <= largestMultiplier && whole / power == factor) {
             multiplier = whole;
             divisor = power;
+            if (whole > 0) {
+                wholeMultiplier = static_cast<uint32_t>(whole);
+                decimals = static_cast<unsigned>(digits);
+            }
             return;
         }
     }
@@ -27,6 +33,17 @@ Scale::Scale(double factor) : multiplier(factor)
         multiplier = 1;
         divisor = parts;
     }
+}
+
+// Of up to fifteen digits, the decimal number is the shortest text of the double next to it.
+void Scale::append(Buffer& out, bool isNegative, uint64_t magnitude) const
+{
+    constexpr uint64_t mostDigits = 1000000000000000;
+    if (wholeMultiplier != 0 && magnitude < mostDigits / wholeMultiplier &&
+        json::appendDecimal(out, isNegative, magnitude * wholeMultiplier, decimals))
+        return;
+    const auto value = static_cast<double>(magnitude);
+    json::appendDouble(out, apply(isNegative ? -value : value));
 }
 
 } // namespace tool

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Buffer.h"
+
 #include <cstdint>
 
 namespace tool
@@ -15,9 +17,15 @@ public:
 
     double apply(double value) const { return value * multiplier / divisor; }
 
+    /// Appends what apply() gives for an integer, as JSON.
+    void append(Buffer& out, bool isNegative, uint64_t magnitude) const;
+
 private:
     double multiplier;
     double divisor = 1;
+    uint32_t wholeMultiplier =
+        0;                 ///< where the factor is this number with its point shifted, else 0
+    unsigned decimals = 0; ///< by which the point is shifted
 };
 
 } // namespace tool

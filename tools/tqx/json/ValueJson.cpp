@@ -1,145 +1,184 @@
 #include "ValueJson.h"
 
 #include "JsonText.h"
-#include "Scale.h"
-#include "ValueNames.h"
+#include "ShownValue.h"
+#include "TextCache.h"
+
+#include "TQX_RecordAccess.h"
 
 #include "FieldInfo.h"
-#include "Message.h"
 #include "MessageInfo.h"
+#include "TQX_FormatInfo.h"
 
-#include <optional>
+#include <cstring>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace tool
 {
 
-/// How the messages of one type are written.
+using namespace Kor::MessageApi;
+
+/// How the records of one type are written.
 struct ValuePlan {
-    struct Field {
-        const FieldInfo* info;
+    struct Part {
         std::string key; ///< with the comma that parts it from the field before
-        std::optional<Scale> scale;
-        ValueNames names;
-        std::optional<double> notAvailable; ///< of a floating-point field
-        std::unique_ptr<ValuePlan> plan;    ///< of the sub-block
+        ShownValue value;
     };
 
+    /// What is written of one member: a number with the bit ranges packed in it, or anything else.
+    struct Step {
+        const TQX_FieldLayout* field;
+        bool isOptional;
+        bool isNumber;
+        uint32_t size; ///< of a number in bytes
+        std::string key;
+        std::vector<Part> parts; ///< of a number; else at most the one for the elements
+        TextCache cache;
+        std::unique_ptr<ValuePlan> plan; ///< of the sub-block
+    };
+
+    const TQX_TypeLayout* type;
     std::string opening; ///< of a line, up to the value of "fields"
-    std::vector<Field> fields;
+    std::vector<Step> steps;
 };
 
 namespace
 {
 
-std::unique_ptr<ValuePlan> makePlan(const MessageInfo& type, const FieldFilter& shown)
+bool isNumber(const TQX_FieldLayout& field)
 {
+    return field.kind == TQX_FieldKind::Value ||
+           (field.kind == TQX_FieldKind::Derived && field.elements == 1);
+}
+
+/// Bits of the elements of an array are kept in arrays of their own.
+bool isPartOfNumber(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
+{
+    return field.kind == TQX_FieldKind::Bits && isNumber(type.fields[field.parent]);
+}
+
+std::unique_ptr<ValuePlan> makePlan(const TQX_TypeLayout& type, const FieldFilter& shown)
+{
+    const MessageInfo& info =
+        *TQX_FormatInfo::getInstance()->getMessageInfo(QLatin1String(type.name));
     auto plan = std::make_unique<ValuePlan>();
-    plan->opening = "{\"block\":" + json::text(type.getName().toStdString()) + ",\"fields\":";
-    for (const FieldInfo* info : type.getFieldInfos()) {
-        const std::string name = info->getName().toStdString();
-        const FieldFilter* inside = shown.find(name);
+    plan->type = &type;
+    plan->opening = "{\"block\":" + json::text(type.name) + ",\"fields\":";
+    int word = -1; // the row that the last step is about
+    for (int i = 0; i < type.fieldCount; ++i) {
+        const TQX_FieldLayout& field = type.fields[i];
+        const FieldFilter* inside = shown.find(field.name);
         if (!inside)
             continue;
-        ValuePlan::Field field = {
-            info, "," + json::key(name), std::nullopt, ValueNames(*info), std::nullopt, nullptr};
-        if (info->hasScaleFactor())
-            field.scale.emplace(info->getScaleFactor());
-        if (info->getType().isFloat() && info->hasDoNotUseValue())
-            field.notAvailable = info->getDoNotUseValue().toDouble();
-        if (const MessageInfo* sub = info->getType().getSubMessageInfo())
-            field.plan = makePlan(*sub, *inside);
-        plan->fields.push_back(std::move(field));
+        const std::string key = "," + json::key(field.name);
+        const bool isPart = isPartOfNumber(type, field);
+        if (!isPart || field.parent != word) {
+            word = isPart ? field.parent : i;
+            const TQX_FieldLayout& member = type.fields[word];
+            const uint32_t size = field.recordType == 0 ? TQX_elementSize(member) : 0;
+            plan->steps.push_back({&member,
+                                   member.presence != TQX_Presence::Always,
+                                   isNumber(member),
+                                   size,
+                                   key,
+                                   {},
+                                   TextCache(size),
+                                   nullptr});
+        }
+        ValuePlan::Step& step = plan->steps.back();
+        if (field.recordType != 0)
+            step.plan = makePlan(*TQX_layout(field.recordType), *inside);
+        else
+            step.parts.push_back({key, ShownValue(field, *info.getFieldInfos()[i], isPart)});
     }
     return plan;
 }
 
-void writeMessage(Buffer& out, const ValuePlan& plan, const Message& message);
-
-void writeNumber(Buffer& out, const ValuePlan::Field& field, const FieldValue& value)
+uint64_t load(const void* element, uint32_t size)
 {
-    if (field.scale)
-        return json::appendDouble(out, field.scale->apply(value.toDouble()));
-    switch (value.getKind()) {
-    case FieldKind::U:
-        return json::appendUnsigned(out, value.getU64());
-    case FieldKind::I:
-        return json::appendSigned(out, value.getI64());
-    case FieldKind::F32:
-        return json::appendFloat(out, value.getF32());
+    const auto as = [element](auto value) {
+        std::memcpy(&value, element, sizeof value);
+        return uint64_t{value};
+    };
+    switch (size) {
+    case 1:
+        return as(uint8_t{});
+    case 2:
+        return as(uint16_t{});
+    case 4:
+        return as(uint32_t{});
     default:
-        return json::appendDouble(out, value.getF64());
+        return as(uint64_t{});
     }
 }
 
-void writeValue(Buffer& out, const ValuePlan::Field& field, const FieldValue& value)
+void writeRecord(Buffer& out, ValuePlan& plan, const void* record);
+
+void writeNumber(Buffer& out, ValuePlan::Step& step, const void* record)
 {
-    if (value.isInteger()) {
-        if (const std::string* name = field.names.find(value))
-            out.append(*name);
-        else
-            writeNumber(out, field, value);
-    } else if (value.isFloat()) {
-        if (field.notAvailable && value.getF64() == *field.notAvailable)
-            out.append("null");
-        else
-            writeNumber(out, field, value);
-    } else if (value.getKind() == FieldKind::Ch) {
-        const char character = value.getCh();
-        json::appendLatin1(out, &character, character == 0 ? 0 : 1);
-    } else {
-        writeMessage(out, *field.plan, *value.getSubMessage());
-    }
+    const uint64_t word =
+        load(static_cast<const char*>(record) + step.field->recordOffset, step.size);
+    step.cache.append(out, word, [&step, word](Buffer& to) {
+        for (const ValuePlan::Part& part : step.parts) {
+            to.append(part.key);
+            part.value.append(to, word);
+        }
+    });
 }
 
-void writeText(Buffer& out, const FieldInfo& info, const Message& message, unsigned count)
+void writeText(Buffer& out, const TQX_FieldLayout& field, const void* record)
 {
-    std::string text;
-    for (unsigned i = 0; i < count; ++i) {
-        const char character = info.getValueUnchecked(&message, i).getCh();
-        if (character == 0)
-            break;
-        text += character;
-    }
-    json::appendLatin1(out, text.data(), text.size());
+    const auto* text = static_cast<const char*>(TQX_element(field, record));
+    const void* zero = std::memchr(text, 0, field.elements);
+    json::appendLatin1(out, text,
+                       zero ? static_cast<size_t>(static_cast<const char*>(zero) - text)
+                            : field.elements);
 }
 
-void writeField(Buffer& out, const ValuePlan::Field& field, const Message& message)
+void writeArray(Buffer& out, const ValuePlan& plan, ValuePlan::Step& step, const void* record)
 {
-    const FieldInfo& info = *field.info;
-    if (!info.isRepeated())
-        return writeValue(out, field, info.getValueUnchecked(&message, 0));
-    const unsigned count = info.getNumberOfValues(&message);
-    if (info.getType().getKind() == FieldKind::Ch)
-        return writeText(out, info, message, count);
+    const TQX_FieldLayout& field = *step.field;
+    const uint32_t count = TQX_elementCount(*plan.type, field, record);
+    const ShownValue* value = step.plan ? nullptr : &step.parts.front().value;
+    const uint32_t stride = step.plan ? step.plan->type->recordSize : step.size;
+    const auto* element = static_cast<const char*>(TQX_element(field, record));
     out.append('[');
-    for (unsigned i = 0; i < count; ++i) {
+    for (uint32_t i = 0; i < count; ++i, element += stride) {
         if (i != 0)
             out.append(',');
-        writeValue(out, field, info.getValueUnchecked(&message, i));
+        if (value)
+            value->append(out, load(element, stride));
+        else
+            writeRecord(out, *step.plan, element);
     }
     out.append(']');
 }
 
-/// An array without elements is there nevertheless, unless the whole field is not.
-bool isThere(const FieldInfo& info, const Message& message)
+void writeRecord(Buffer& out, ValuePlan& plan, const void* record)
 {
-    return info.hasValue(&message) || (info.isRepeated() && !info.isOptional());
-}
-
-void writeMessage(Buffer& out, const ValuePlan& plan, const Message& message)
-{
-    out.append('{');
-    size_t comma = 1;
-    for (const ValuePlan::Field& field : plan.fields) {
-        if (!isThere(*field.info, message))
+    const size_t start = out.size();
+    for (ValuePlan::Step& step : plan.steps) {
+        const TQX_FieldLayout& field = *step.field;
+        if (step.isOptional && !TQX_isPresent(*plan.type, field, record))
             continue;
-        out.append(field.key.data() + comma, field.key.size() - comma);
-        comma = 0;
-        writeField(out, field, message);
+        if (step.isNumber) {
+            writeNumber(out, step, record);
+            continue;
+        }
+        out.append(step.key);
+        if (field.kind == TQX_FieldKind::Embedded)
+            writeRecord(out, *step.plan, TQX_element(field, record));
+        else if (field.kind == TQX_FieldKind::Text || field.kind == TQX_FieldKind::CountedText)
+            writeText(out, field, record);
+        else
+            writeArray(out, plan, step, record);
     }
+    // The first field brought a comma where the object begins.
+    if (out.size() == start)
+        out.append('{');
+    else
+        out.replace(start, '{');
     out.append('}');
 }
 
@@ -149,15 +188,26 @@ ValueJson::ValueJson(const FieldFilter& shown) : filter(shown) {}
 
 ValueJson::~ValueJson() = default;
 
-void ValueJson::write(Buffer& out, const Message& message)
+ValuePlan& ValueJson::planOf(uint32_t recordType)
 {
-    std::unique_ptr<ValuePlan>& plan = plans[message.getInfo()];
+    if (plans.size() <= recordType)
+        plans.resize(recordType + 1);
+    std::unique_ptr<ValuePlan>& plan = plans[recordType];
     if (!plan)
-        plan = makePlan(*message.getInfo(), filter);
-    if (plan->fields.empty())
+        plan = makePlan(*TQX_layout(recordType), filter);
+    return *plan;
+}
+
+void ValueJson::write(Buffer& out, const void* record)
+{
+    const uint32_t recordType = static_cast<const KorcgHeader_s*>(record)->korcg_type;
+    if (!TQX_layout(recordType)->hasMessage)
         return;
-    out.append(plan->opening);
-    writeMessage(out, *plan, message);
+    ValuePlan& plan = planOf(recordType);
+    if (plan.steps.empty())
+        return;
+    out.append(plan.opening);
+    writeRecord(out, plan, record);
     out.append("}\n");
 }
 

@@ -3,24 +3,25 @@
 #include "Buffer.h"
 #include "FieldFilter.h"
 
-#include <map>
+#include <cstdint>
 #include <memory>
-
-class Message;
-class MessageInfo;
+#include <vector>
 
 namespace tool
 {
 
 struct ValuePlan;
 
-/// Writes messages as JSON Lines of the values that they stand for, read through the metadata:
+/// Writes blocks as JSON Lines of the values that they stand for, in terms of the metadata:
 ///
 ///     {"block":"<name>","fields":{"TOW":604000.1,"Type1":[{"SVID":"G05",...}],...}}
 ///
 /// Integers are multiplied by their scale factor, values with a name are that name, values that
 /// are not available are null; packed words stand beside the values they are packed from. Absent
 /// fields are left out, sub-blocks are objects in arrays, or one object where there is never more.
+///
+/// The values come straight from the records, which is several times as fast as asking the field
+/// metadata for each.
 class ValueJson
 {
 public:
@@ -29,12 +30,15 @@ public:
     ValueJson(const ValueJson&) = delete;
     ValueJson& operator=(const ValueJson&) = delete;
 
-    /// Appends the message's line. Nothing when the filter shows no field of its type.
-    void write(Buffer& out, const Message& message);
+    /// Appends the line of a decoded main block. Nothing when its type has no message class or the
+    /// filter shows no field of it.
+    void write(Buffer& out, const void* record);
 
 private:
+    ValuePlan& planOf(uint32_t recordType);
+
     const FieldFilter& filter;
-    std::map<const MessageInfo*, std::unique_ptr<ValuePlan>> plans;
+    std::vector<std::unique_ptr<ValuePlan>> plans; ///< by record type
 };
 
 } // namespace tool

@@ -18,14 +18,12 @@ public:
     /// Field of any type; fields that are no integers have no names.
     explicit ValueNames(const FieldInfo& field);
 
-    /// The JSON text for a value of the field, null when it is shown as a number.
-    const std::string* find(const FieldValue& value) const
+    /// The JSON text for a value of the field, null when it is shown as a number. `bits` are those
+    /// of the value, sign-extended when it is signed.
+    const std::string* find(uint64_t bits) const
     {
         if (entries.empty())
             return nullptr;
-        const uint64_t bits = value.getKind() == FieldKind::U
-                                  ? value.getU64()
-                                  : static_cast<uint64_t>(value.getI64());
         return bits < direct.size() ? direct[bits] : search(bits);
     }
 

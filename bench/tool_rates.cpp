@@ -1,0 +1,130 @@
+// How fast the tool goes through a log, beside the library alone, which frames, decodes and
+// publishes the same file, and beside cat.
+//
+// usage: tool_rates [FILE]     without FILE a simulated log of about 200 MB
+//
+// All runs are processes of their own, in turns, written to /dev/null; what is shown is the median
+// of their processor times.
+
+#include "TQXDecoder.h"
+#include "TQXSynchronizer.h"
+#include "TQX_FormatInfo.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+constexpr int rounds = 5;
+constexpr int pieceSize = 1 << 18;
+
+/// What a program would do that uses the library: counts the published messages.
+int readByLibrary(const char* path)
+{
+    TQX_FormatInfo::getInstance();
+    TQXSynchronizer synchronizer;
+    TQXDecoder decoder;
+    uint64_t published = 0;
+    QObject::connect(&decoder, &MessageSource::newMessage, [&published] { ++published; });
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return 1;
+    for (;;) {
+        QByteArray piece = file.read(pieceSize);
+        if (piece.isEmpty())
+            break;
+        synchronizer.appendBytes(piece);
+        while (synchronizer.hasBlock()) {
+            const QByteArray block = synchronizer.getBlockBytes();
+            decoder.decodeMessage(reinterpret_cast<const uint8_t*>(block.constData()),
+                                  static_cast<uint32_t>(block.size()));
+        }
+    }
+    return published != 0 ? 0 : 1;
+}
+
+struct Work {
+    const char* name;
+    std::vector<std::string> command;
+    std::vector<double> seconds;
+};
+
+double secondsOf(const timeval& time)
+{
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
+}
+
+/// Processor time of one run.
+double run(const std::vector<std::string>& command)
+{
+    std::vector<char*> arguments;
+    for (const std::string& argument : command)
+        arguments.push_back(const_cast<char*>(argument.c_str()));
+    arguments.push_back(nullptr);
+    const pid_t child = fork();
+    if (child == 0) {
+        dup2(open("/dev/null", O_WRONLY | O_CLOEXEC), STDOUT_FILENO);
+        execvp(arguments[0], arguments.data());
+        _exit(127);
+    }
+    int status = 0;
+    rusage usage = {};
+    if (child < 0 || wait4(child, &status, 0, &usage) != child || status != 0) {
+        std::fprintf(stderr, "%s failed\n", command.front().c_str());
+        std::exit(1);
+    }
+    return secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime);
+}
+
+double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc == 3 && std::strcmp(argv[1], "--library") == 0)
+        return readByLibrary(argv[2]);
+    QTemporaryDir folder;
+    std::string log = argc > 1 ? argv[1] : folder.filePath("log.tqx").toStdString();
+    if (argc == 1)
+        run({TQX_TOOL, "simulate", "--duration", "245000", "-o", log});
+    const double megabytes = static_cast<double>(QFile(log.c_str()).size()) * 1e-6;
+
+    std::vector<Work> works = {
+        {"library alone", {argv[0], "--library", log}, {}},
+        {"info", {TQX_TOOL, "info", "-q", log}, {}},
+        {"dump --format jsonl", {TQX_TOOL, "dump", "-q", "--format", "jsonl", log}, {}},
+        {"dump --format jsonl --raw",
+         {TQX_TOOL, "dump", "-q", "--format", "jsonl", "--raw", log},
+         {}},
+        {"cat", {"cat", log}, {}}};
+    for (int round = 0; round < rounds; ++round)
+        for (Work& work : works)
+            work.seconds.push_back(run(work.command));
+
+    std::printf("%.1f MB, median of %d runs\n", megabytes, rounds);
+    const double library = median(works.front().seconds);
+    for (const Work& work : works) {
+        const double seconds = median(work.seconds);
+        std::printf("%-26s %8.3f s %8.0f MB/s %6.2f of the library's rate\n", work.name, seconds,
+                    megabytes / seconds, library / seconds);
+    }
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Buffer.h"
+#include "Scale.h"
+#include "TQX_Layout.h"
+#include "ValueNames.h"
+
+#include <cstdint>
+#include <optional>
+
+class FieldInfo;
+
+namespace tool
+{
+
+/// How the values of one number or character field are written as JSON, in terms of its metadata.
+class ShownValue
+{
+public:
+    /// `isPacked`: values of a bit range are taken from the packed word, not from their own member.
+    ShownValue(const Kor::MessageApi::TQX_FieldLayout& layout, const FieldInfo& info,
+               bool isPacked);
+
+    /// Appends the value that stands in the bits of a member: its name, null when it is not
+    /// available, else the number times its scale factor.
+    void append(Buffer& out, uint64_t word) const;
+
+private:
+    uint64_t integerIn(uint64_t word) const;
+    void appendInteger(Buffer& out, uint64_t value) const;
+    void appendReal(Buffer& out, uint64_t word) const;
+
+    Kor::MessageApi::TQX_MemberType type;
+    bool isSigned;
+    unsigned width;
+    unsigned shift;
+    std::optional<Scale> scale;
+    ValueNames names;
+    std::optional<double> notAvailable; ///< of a floating-point field
+};
+
+} // namespace tool
