@@ -5,6 +5,7 @@
 #include "EncodeCommand.h"
 #include "ErrorCommand.h"
 #include "ExplainCommand.h"
+#include "ExtractCommand.h"
 #include "HelpCommand.h"
 #include "InfoCommand.h"
 #include "SimulateCommand.h"
@@ -27,6 +28,7 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program)
     commands.push_back(std::make_unique<DumpCommand>(program));
     commands.push_back(std::make_unique<ExplainCommand>(program));
     commands.push_back(std::make_unique<CutCommand>(program));
+    commands.push_back(std::make_unique<ExtractCommand>(program));
     commands.push_back(std::make_unique<TypesCommand>(program));
     commands.push_back(std::make_unique<EncodeCommand>(program));
     commands.push_back(std::make_unique<SimulateCommand>(program));

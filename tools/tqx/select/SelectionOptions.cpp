@@ -42,11 +42,15 @@ const char* const SelectionOptions::notes =
     "\n"
     "Several files are one stream to --every and the times; each is framed by itself.\n";
 
-void SelectionOptions::add(CLI::App& command)
+void SelectionOptions::addTypes(CLI::App& command)
 {
     addNames(command, "--type", request.types,
              "Only blocks of these types: names, block numbers, or patterns such as 'PVT*'");
     addNames(command, "--not-type", request.notTypes, "No blocks of these types");
+}
+
+void SelectionOptions::addConditions(CLI::App& command)
+{
     command
         .add_option("--from", request.from,
                     "Only from this time on: GNSS week:seconds, or a date in UTC or GPS time such "

@@ -11,8 +11,11 @@ namespace tool
 class SelectionOptions
 {
 public:
-    /// Adds --type, --not-type, --from, --to, --where and --every.
-    void add(CLI::App& command);
+    /// Adds --type and --not-type.
+    void addTypes(CLI::App& command);
+
+    /// Adds --from, --to, --where and --every.
+    void addConditions(CLI::App& command);
 
     /// Lines for the end of a help text: how times and conditions are written and what they mean.
     static const char* const notes;

@@ -38,7 +38,14 @@ public:
     void addInputs(CLI::App& command);
 
     /// Adds the arguments that choose blocks.
-    void addSelection(CLI::App& command) { selections.add(command); }
+    void addSelection(CLI::App& command)
+    {
+        selections.addTypes(command);
+        addConditions(command);
+    }
+
+    /// Adds only those of them that do not choose by type.
+    void addConditions(CLI::App& command) { selections.addConditions(command); }
 
     /// The selection that they ask for. Throws ToolError for bad arguments.
     Selection makeSelection() const { return Selection(selections.getRequest()); }

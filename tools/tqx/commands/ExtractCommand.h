@@ -1,0 +1,24 @@
+#pragma once
+
+#include "Command.h"
+#include "StreamOptions.h"
+
+#include <string>
+
+namespace tool
+{
+
+/// `tqx extract`: the correction messages that a receiver has received.
+class ExtractCommand : public Command
+{
+public:
+    explicit ExtractCommand(CLI::App& program);
+    ExitStatus run() override;
+
+private:
+    StreamOptions streams;
+    std::string mode;
+    std::string target = "-";
+};
+
+} // namespace tool
