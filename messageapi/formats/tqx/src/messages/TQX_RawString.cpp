@@ -51,7 +51,7 @@ private:
     void appendText(const TQX_FieldLayout& field)
     {
         const auto* text = static_cast<const char*>(TQX_element(field, m_record));
-        m_text += QLatin1String(text, static_cast<int>(qstrnlen(text, field.elements)));
+        m_text += QLatin1String(text, static_cast<int>(qstrnlen(text, field.elements + 1U)));
     }
 
     void appendSubBlocks(uint32_t count)
