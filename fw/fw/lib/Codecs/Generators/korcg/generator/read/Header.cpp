@@ -34,17 +34,23 @@ std::vector<Field> headerFields(const Location& where)
     revision.parent = idRow;
     revision.shift = 13;
 
+    Field checksum = headerField(where, "CRC", Scalar::U16, 16);
+    checksum.text = "checksum of the block from ID on";
+
     Field length = headerField(where, "Length", Scalar::U16, 16);
     length.unit = "byte";
+    length.text = "whole block, padding included";
 
     Field tow = headerField(where, "TOW", Scalar::U32, 32);
     tow.role = Role::Data;
+    tow.text = "time of week";
     tow.unit = "second";
     tow.scale = 0.001;
     tow.doNotUse = uint64_t{4294967295};
 
     Field week = headerField(where, "WNc", Scalar::U16, 16);
     week.role = Role::Data;
+    week.text = "week number";
     week.unit = "week";
     week.doNotUse = uint64_t{65535};
 
@@ -52,10 +58,11 @@ std::vector<Field> headerFields(const Location& where)
     Field continuous = headerField(where, "TOWc", Scalar::U32, 32);
     continuous.kind = FieldKind::Derived;
     continuous.after = towRow;
+    continuous.text = "TOW carried on past the end of its week, all ones when unset";
 
     return {headerField(where, "Sync1", Scalar::Char, 8),
             headerField(where, "Sync2", Scalar::Char, 8),
-            headerField(where, "CRC", Scalar::U16, 16),
+            checksum,
             headerField(where, "ID", Scalar::U16, 16),
             blockNumber,
             revision,

@@ -4,6 +4,7 @@
 #include "emit/Names.h"
 #include "emit/messages/Accessors.h"
 #include "emit/messages/Factory.h"
+#include "emit/messages/LongLines.h"
 #include "emit/messages/MessageClass.h"
 
 #include <fmt/format.h>
@@ -39,14 +40,14 @@ std::string sourcesOf(const Selection& types)
     return names.empty() ? "no description file" : fmt::format("{}", fmt::join(names, ", "));
 }
 
-std::string groupSource(const Selection& types)
+std::string groupSource(const Format& format, const Selection& types)
 {
     std::string includes;
     std::string classes;
     for (const RecordType* type : types) {
         includes += fmt::format(
             "#include \"TQX_{0}_Message.h\"\n#include \"TQX_{0}_MessageInfo.h\"\n", type->name);
-        classes += messageSource(*type);
+        classes += messageSource(format, *type);
     }
     return fmt::format(fmt::runtime(groupText), fmt::arg("includes", includes),
                        fmt::arg("classes", classes));
@@ -65,11 +66,11 @@ void emitMessages(const Format& format, const Selection& selection, Output& outp
     int number = 0;
     for (const Selection& run : groups(classes, sourceFiles))
         output.write(fmt::format("TQX_Messages_{}.cpp", number++), sourcesOf(run),
-                     groupSource(run));
+                     groupSource(format, run));
     const std::string source = "the description";
     output.write("TQX_Messages.h", source, allMessagesHeader(classes));
     output.write("TQX_MessageFactory.h", source, factoryHeader());
-    output.write("TQX_MessageFactory.cpp", source, factorySource(classes));
+    output.write("TQX_MessageFactory.cpp", source, wrapLongLines(factorySource(classes)));
     output.write("tests/TQX_MessageAccessors.h", source, accessorsHeader());
     output.write("tests/TQX_MessageAccessors.cpp", source, accessorsSource(classes));
 }

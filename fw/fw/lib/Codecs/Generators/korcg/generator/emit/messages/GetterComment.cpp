@@ -16,7 +16,10 @@ namespace
 constexpr size_t textWidth = 100;
 constexpr size_t longestValueList = 120;
 
-/// Breaks `text` into comment lines of at most `textWidth` columns.
+/// Stands for a blank at which no line is broken.
+constexpr char firmBlank = '\x1f';
+
+/// Breaks `text` into comment lines of at most `textWidth` columns; none for an empty text.
 std::string commentLines(std::string_view indent, std::string_view text)
 {
     const size_t width = textWidth - indent.size() - 4;
@@ -31,6 +34,7 @@ std::string commentLines(std::string_view indent, std::string_view text)
         result += fmt::format("{}/// {}\n", indent, text.substr(0, length));
         text.remove_prefix(std::min(length + 1, text.size()));
     }
+    std::replace(result.begin(), result.end(), firmBlank, ' ');
     return result;
 }
 
@@ -83,11 +87,33 @@ std::string shapeText(const RecordType& type, const Field& field)
     return "";
 }
 
+/// What the field is for: as the description tells it, or as others make use of it.
+std::string meaningText(const RecordType& type, const Field& field)
+{
+    if (!field.text.empty())
+        return withoutStop(field.text);
+    if (field.isPadding)
+        return "padding";
+    if (field.role == Role::Reserved)
+        return "reserved";
+    for (const Field& user : type.fields) {
+        const auto isThis = [&](int row) {
+            return row >= 0 && &type.fields[static_cast<size_t>(row)] == &field;
+        };
+        const bool isBlocks = user.kind == FieldKind::Blocks;
+        if (isThis(user.count))
+            return isBlocks ? "number of " + user.name + " sub-blocks" : "length of " + user.name;
+        if (isThis(user.length) && !user.lengthInMain)
+            return isBlocks ? "length of a " + user.name + " sub-block" : "length of " + user.name;
+    }
+    return "";
+}
+
 std::string unitText(const Field& field)
 {
     if (field.unit.empty())
         return field.scale ? fmt::format("times {}", *field.scale) : "";
-    return field.scale ? fmt::format("in {} {}", *field.scale, field.unit) : "in " + field.unit;
+    return field.scale ? fmt::format("unit {} {}", *field.scale, field.unit) : "unit " + field.unit;
 }
 
 std::string valuesText(const Format& format, const Field& field)
@@ -97,7 +123,8 @@ std::string valuesText(const Format& format, const Field& field)
         return "";
     std::string text;
     for (const SymbolicValue& value : table->second.values)
-        text += fmt::format("{}{} {}", text.empty() ? "" : ", ", value.value, value.name);
+        text +=
+            fmt::format("{}{}{}{}", text.empty() ? "" : ", ", value.value, firmBlank, value.name);
     return text.size() <= longestValueList ? text : "named values: " + field.symbols;
 }
 
@@ -128,8 +155,9 @@ std::string joined(const std::vector<std::string>& parts)
 
 std::string sentence(std::string text)
 {
-    if (!text.empty())
-        text.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(text.front())));
+    if (text.empty())
+        return text;
+    text.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(text.front())));
     return text + '.';
 }
 
@@ -137,17 +165,11 @@ std::string sentence(std::string text)
 
 std::string getterComment(const Format& format, const RecordType& type, const Field& field)
 {
-    std::string meaning = withoutStop(field.text);
-    if (meaning.empty() && field.isPadding)
-        meaning = "padding";
-    else if (meaning.empty() && field.role == Role::Reserved)
-        meaning = "reserved";
-    std::string text =
-        joined({meaning, shapeText(type, field), unitText(field),
-                field.doNotUse ? numberText(*field.doNotUse) + " when not available" : "",
-                valuesText(format, field), presenceText(type, field)});
-    const char* plain = field.type == Scalar::Char ? "one character" : "plain number";
-    return commentLines("    ", sentence(text.empty() ? plain : text));
+    const std::string missing =
+        field.doNotUse ? numberText(*field.doNotUse) + " when not available" : "";
+    return commentLines(
+        "    ", sentence(joined({meaningText(type, field), shapeText(type, field), unitText(field),
+                                 missing, valuesText(format, field), presenceText(type, field)})));
 }
 
 std::string classComment(const Format& format, const RecordType& type)

@@ -8,7 +8,7 @@ namespace korcg::generator
 {
 
 /// Comment lines ("    /// ...\n") above the getters of a field: meaning, unit, scale, values with
-/// a meaning of their own, and when the field is there.
+/// a meaning of their own, and when the field is there. Empty when there is none of these.
 std::string getterComment(const Format& format, const RecordType& type, const Field& field);
 
 /// Comment lines above a message class.

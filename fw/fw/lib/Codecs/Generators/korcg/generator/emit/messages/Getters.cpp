@@ -6,6 +6,8 @@
 
 #include <fmt/format.h>
 
+#include <utility>
+
 namespace korcg::generator
 {
 
@@ -162,34 +164,26 @@ std::string fill(const char* text, const RecordType& type, const Field& field)
                                     : ""));
 }
 
-const char* declarationOf(Family family)
-{
-    switch (family) {
-    case Family::Repeated:
-        return repeatedDeclaration;
-    case Family::Blocks:
-        return blocksDeclaration;
-    case Family::Embedded:
-        return embeddedDeclaration;
-    case Family::Scalar:
-        break;
-    }
-    return scalarDeclaration;
-}
+/// Texts by family, in the order of that enumeration.
+constexpr const char* declarations[] = {scalarDeclaration, repeatedDeclaration, blocksDeclaration,
+                                        embeddedDeclaration};
+constexpr const char* definitions[] = {scalarDefinition, repeatedDefinition, blocksDefinition,
+                                       embeddedDefinition};
 
 const char* definitionOf(Family family, bool optional)
 {
-    switch (family) {
-    case Family::Repeated:
-        return repeatedDefinition;
-    case Family::Blocks:
-        return blocksDefinition;
-    case Family::Embedded:
-        return embeddedDefinition;
-    case Family::Scalar:
-        break;
-    }
-    return optional ? optionalDefinition : scalarDefinition;
+    return family == Family::Scalar && optional ? optionalDefinition
+                                                : definitions[static_cast<size_t>(family)];
+}
+
+/// Whether a field is a line of a list: plain header fields, the bit fields of a word, and fields
+/// that need no comment stand together, everything else apart.
+bool continuesList(const RecordType& type, const Field& field, const Field& previous, bool bothBare)
+{
+    const bool plain = familyOf(type, field) == Family::Scalar && !isOptional(field);
+    if (!plain || field.isHeader != previous.isHeader)
+        return false;
+    return field.isHeader || field.kind == FieldKind::Bits || bothBare;
 }
 
 } // namespace
@@ -197,11 +191,20 @@ const char* definitionOf(Family family, bool optional)
 std::string getterDeclarations(const Format& format, const RecordType& type)
 {
     std::string text;
+    const Field* previous = nullptr;
+    bool bare = false;
     for (const Field& field : type.fields) {
-        text += '\n' + getterComment(format, type, field);
+        const std::string comment = getterComment(format, type, field);
+        const bool wasBare = std::exchange(bare, comment.empty());
+        if (!previous || !continuesList(type, field, *previous, bare && wasBare))
+            text += '\n';
+        if (!previous && field.isHeader)
+            text += "    // Header of the block.\n";
+        text += comment;
         if (isOptional(field))
             text += fill(presenceDeclaration, type, field);
-        text += fill(declarationOf(familyOf(type, field)), type, field);
+        text += fill(declarations[static_cast<size_t>(familyOf(type, field))], type, field);
+        previous = &field;
     }
     return text;
 }

@@ -7,7 +7,7 @@
 namespace korcg::generator
 {
 
-/// Declarations of all getters of a message class, each group below its comment.
+/// Declarations of all getters of a message class, each below its comment.
 std::string getterDeclarations(const Format& format, const RecordType& type);
 
 /// Their definitions.

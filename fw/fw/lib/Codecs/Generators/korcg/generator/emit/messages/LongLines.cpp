@@ -33,7 +33,8 @@ void appendLine(std::string& result, std::string_view line)
     std::string_view head = line.substr(0, rest);
     head = head.substr(0, head.find_last_not_of(' ') + 1);
     result.append(head) += '\n';
-    appendLine(result, std::string(indent + 4, ' ').append(line.substr(rest)));
+    const size_t deeper = line.substr(indent, 2) == ": " ? 2 : 4;
+    appendLine(result, std::string(indent + deeper, ' ').append(line.substr(rest)));
 }
 
 } // namespace

@@ -64,7 +64,7 @@ private:
 )";
 
 constexpr const char* lifeText = R"(
-{C}::{C}({R}* record, {parent}bool ownsRecord)
+{comment}{C}::{C}({R}* record, {parent}bool ownsRecord)
     : Message(TQX_{N}_MessageInfo::getInstance()), m_record(record), m_ownsRecord(ownsRecord)
 {{
     static std::atomic<int> traceLevel{{-1}};
@@ -149,9 +149,9 @@ std::string messageHeader(const Format& format, const RecordType& type)
     return wrapLongLines(fill(headerText, &format, type));
 }
 
-std::string messageSource(const RecordType& type)
+std::string messageSource(const Format& format, const RecordType& type)
 {
-    return wrapLongLines(fill(lifeText, nullptr, type) + getterDefinitions(type) +
+    return wrapLongLines(fill(lifeText, &format, type) + getterDefinitions(type) +
                          childDefinitions(type) + fill(recordText, nullptr, type));
 }
 

@@ -101,7 +101,9 @@ std::string cacheMembers(const RecordType& type)
         return "";
     if (hasBlocks(type))
         text += "    mutable QVector<Message*> m_subMessages;\n";
-    return "    mutable bool m_subMessagesBuilt = false;\n" + text;
+    return "    // Children, made when first asked for.\n    mutable bool m_subMessagesBuilt = "
+           "false;\n" +
+           text;
 }
 
 std::string childDefinitions(const RecordType& type)
