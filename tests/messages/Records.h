@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TQX_FormatInfo.h"
 #include "TQX_MessageFactory.h"
 #include "TQX_Messages.h"
 #include "TQX_codec.h"
@@ -12,10 +13,12 @@
 #include <memory>
 #include <string>
 
-/// A new record with its starting values.
+/// A new record with its starting values. The registry, which must come before any message, is
+/// made first.
 template<typename Record>
 std::unique_ptr<Record> made(int (*init)(Record*))
 {
+    TQX_FormatInfo::getInstance();
     std::unique_ptr<Record> record(new Record);
     init(record.get());
     return record;
@@ -57,7 +60,7 @@ std::string thrownText(Access access)
         access();
     } catch (const MessageApiEvent& event) {
         EXPECT_EQ(event.getType(), 6);
-        EXPECT_NE(event.getFormatInfo(), nullptr);
+        EXPECT_EQ(event.getFormatInfo(), TQX_FormatInfo::getInstance());
         return event.getText().toStdString();
     }
     return {};

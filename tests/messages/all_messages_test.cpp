@@ -5,9 +5,16 @@
 #include "TQX_FormatInfo.h"
 #include "TQX_RecordAccess.h"
 
+#include "FieldInfo.h"
+#include "FloatRepresentation.h"
+#include "MemLeakTracer.h"
+#include "MessageInfo.h"
+
 #include <algorithm>
 #include <cstring>
 #include <map>
+#include <set>
+#include <type_traits>
 #include <vector>
 
 using namespace Kor::MessageApi;
@@ -16,70 +23,80 @@ namespace
 {
 
 template<typename Value>
-constexpr TQX_MemberType memberTypeOf = TQX_MemberType::Record;
-template<>
-constexpr TQX_MemberType memberTypeOf<unsigned char> = TQX_MemberType::U8;
-template<>
-constexpr TQX_MemberType memberTypeOf<signed char> = TQX_MemberType::I8;
-template<>
-constexpr TQX_MemberType memberTypeOf<char> = TQX_MemberType::Char;
-template<>
-constexpr TQX_MemberType memberTypeOf<unsigned short> = TQX_MemberType::U16;
-template<>
-constexpr TQX_MemberType memberTypeOf<short> = TQX_MemberType::I16;
-template<>
-constexpr TQX_MemberType memberTypeOf<unsigned int> = TQX_MemberType::U32;
-template<>
-constexpr TQX_MemberType memberTypeOf<int> = TQX_MemberType::I32;
-template<>
-constexpr TQX_MemberType memberTypeOf<unsigned long long> = TQX_MemberType::U64;
-template<>
-constexpr TQX_MemberType memberTypeOf<float> = TQX_MemberType::F32;
-template<>
-constexpr TQX_MemberType memberTypeOf<double> = TQX_MemberType::F64;
-
-using Rows = std::vector<const FieldAccessor*>;
-
-const std::map<unsigned, Rows>& accessorsByType()
+FieldValue fieldValue(Value value, unsigned char width)
 {
-    static const std::map<unsigned, Rows> table = [] {
-        std::map<unsigned, Rows> result;
-        for (const FieldAccessor& row : fieldAccessors())
-            result[static_cast<unsigned>(row.recordType)].push_back(&row);
-        return result;
-    }();
-    return table;
+    if constexpr (std::is_same_v<Value, char>)
+        return FieldValue::ch(value);
+    else if constexpr (std::is_same_v<Value, float>)
+        return FieldValue::f32(value);
+    else if constexpr (std::is_same_v<Value, double>)
+        return FieldValue::f64(value);
+    else if constexpr (std::is_signed_v<Value>)
+        return FieldValue::i(value, width);
+    else
+        return FieldValue::u(value, width);
 }
 
-/// Compares what one message gives with its record, field by field.
+/// What the walk over all messages has met.
+struct Seen {
+    std::map<std::string, qint64> messages; ///< class name to number
+    std::set<std::string> present;          ///< optional fields
+    std::set<std::string> absent;
+    std::set<const FieldInfo*> doNotUse;
+};
+
+/// Compares what one message gives with its record and with the metadata, field by field.
 class MessageCheck
 {
 public:
-    explicit MessageCheck(const Message& message)
+    MessageCheck(Message& message, Seen& seen)
         : m_message(message), m_record(RecordReader::recordOf(&message)),
-          m_type(*TQX_layout(TQX_AS_KORCG_HEADER(m_record)->korcg_type))
+          m_type(*TQX_layout(TQX_AS_KORCG_HEADER(m_record)->korcg_type)), m_seen(seen)
     {
+        ++seen.messages[std::string("TQX_") + m_type.name + "_Message"];
     }
 
     void run()
     {
-        const Rows& rows = accessorsByType().at(m_type.recordType);
-        ASSERT_EQ(rows.size(), m_type.fieldCount);
+        const Rows<FieldAccessor> rows = fieldAccessors(m_type.recordType);
+        ASSERT_EQ(rows.count, m_type.fieldCount);
         m_message.getSubMessages(); // links the sub-records to their parents
-        for (const FieldAccessor* row : rows) {
-            m_field = &m_type.fields[row->field];
+        QStringList line;
+        for (int i = 0; i < m_type.fieldCount; ++i) {
+            m_field = &m_type.fields[i];
+            m_info = m_message.getInfo()->getFieldInfos()[i];
             SCOPED_TRACE(std::string(m_type.name) + "::" + m_field->name);
-            m_present = TQX_isPresent(m_type, *m_field, m_record);
-            ASSERT_EQ(row->has != nullptr, m_field->presence != TQX_Presence::Always);
-            if (row->has) {
-                ASSERT_EQ((m_message.*row->has)(), m_present);
-            }
-            std::visit([this](const auto& getters) { check(getters); }, row->getters);
+            checkPresence(rows.rows[i]);
+            m_texts.clear();
+            std::visit([this](const auto& getters) { check(getters); }, rows.rows[i].getters);
+            line += m_present ? m_texts.join(m_isText ? "" : " ") : QString();
+            QVector<bool> mask(i + 1, false);
+            mask[i] = true;
+            EXPECT_EQ(m_message.getRawStringFor(mask), line.last());
         }
-        checkRawString();
+        EXPECT_EQ(m_message.getRawStringFor(QVector<bool>(m_type.fieldCount + 1, true)),
+                  line.join(Message::fieldSeparator));
+        EXPECT_EQ(m_message.getSubMessages(), m_children);
+        EXPECT_EQ(std::as_const(m_message).getSubMessages(),
+                  QVector<const Message*>(m_children.begin(), m_children.end()));
     }
 
 private:
+    void checkPresence(const FieldAccessor& row)
+    {
+        m_isText =
+            m_field->kind == TQX_FieldKind::Text || m_field->kind == TQX_FieldKind::CountedText;
+        m_present = TQX_isPresent(m_type, *m_field, m_record);
+        ASSERT_EQ(row.has != nullptr, m_field->presence != TQX_Presence::Always);
+        if (row.has) {
+            EXPECT_EQ((m_message.*row.has)(), m_present);
+            (m_present ? m_seen.present : m_seen.absent).insert(fieldName());
+        }
+        const unsigned count = m_present ? TQX_elementCount(m_type, *m_field, m_record) : 0;
+        EXPECT_EQ(m_info->getNumberOfValues(&m_message), count);
+        EXPECT_EQ(m_info->hasValue(&m_message), count > 0);
+    }
+
     std::string fieldName() const
     {
         std::string name = std::string(m_type.name) + "::" + m_field->name;
@@ -87,121 +104,181 @@ private:
         return name;
     }
 
-    std::string absentText() const
+    template<typename Access>
+    void expectAbsent(Access access) const
     {
-        return "Requesting value for a non-present optional field " + fieldName() + ".";
+        EXPECT_EQ(thrownText(access),
+                  "Requesting value for a non-present optional field " + fieldName() + ".");
     }
 
-    std::string rangeText() const
+    template<typename Access>
+    void expectOutOfRange(Access access) const
     {
-        return "Requesting value for an repeated field " + fieldName() +
-               " with out of range index.";
+        EXPECT_EQ(thrownText(access), "Requesting value for an repeated field " + fieldName() +
+                                          " with out of range index.");
     }
 
     template<typename Value>
-    void expectElement(Value value, uint32_t index) const
+    void checkElement(Value value, unsigned index)
     {
+        ASSERT_EQ(sizeof value, TQX_elementSize(*m_field));
         EXPECT_EQ(std::memcmp(&value, TQX_element(*m_field, m_record, index), sizeof value), 0);
+        const FieldValue expected = fieldValue(value, m_field->width);
+        if (m_present) {
+            const FieldValue stored = m_info->getValue(&m_message, index);
+            EXPECT_EQ(stored, expected);
+            EXPECT_EQ(stored.getKind(), expected.getKind());
+        }
+        m_texts += rawText(value, m_info->isDoNotUse(expected));
+    }
+
+    template<typename Value>
+    QString rawText(Value value, bool isDoNotUse)
+    {
+        if (isDoNotUse) {
+            m_seen.doNotUse.insert(m_info);
+            return Message::doNotUseString;
+        }
+        if constexpr (std::is_same_v<Value, char>)
+            return QString(QLatin1Char(value));
+        else if constexpr (std::is_floating_point_v<Value>)
+            return FloatRepresentation::getString(value, 'f', m_info->getPrecision(), false);
+        else
+            return QString::number(value);
     }
 
     template<typename Value>
     void check(const ScalarGetter<Value>& getter)
     {
-        ASSERT_EQ(m_field->type, memberTypeOf<Value>);
         const auto read = [&] { return (m_message.*getter.get)(); };
         if (m_present)
-            expectElement(read(), 0);
+            checkElement(read(), 0);
         else
-            EXPECT_EQ(thrownText(read), absentText());
+            expectAbsent(read);
     }
 
     template<typename Value>
     void check(const RepeatedGetters<Value>& getters)
     {
-        ASSERT_EQ(m_field->type, memberTypeOf<Value>);
         const unsigned count = (m_message.*getters.count)();
         ASSERT_EQ(count, TQX_elementCount(m_type, *m_field, m_record));
         EXPECT_EQ((m_message.*getters.array)(), TQX_element(*m_field, m_record));
+        EXPECT_EQ((m_message.*getters.constArray)(), TQX_element(*m_field, m_record));
         const QVector<Value> vector = (m_message.*getters.vector)();
-        ASSERT_EQ(static_cast<unsigned>(vector.size()), count);
-        for (unsigned i = 0; i < count; ++i) {
-            expectElement((m_message.*getters.at)(i), i);
-            expectElement(vector[static_cast<int>(i)], i);
+        const unsigned room = m_field->elements + (m_isText ? 1U : 0U);
+        ASSERT_EQ(static_cast<unsigned>(vector.size()), std::min(count, room));
+        for (int i = 0; i < vector.size(); ++i) {
+            checkElement((m_message.*getters.at)(static_cast<unsigned>(i)),
+                         static_cast<unsigned>(i));
+            EXPECT_EQ(std::memcmp(&vector[i], (m_message.*getters.constArray)() + i, sizeof(Value)),
+                      0);
         }
-        EXPECT_EQ(thrownText([&] { (m_message.*getters.at)(count); }), rangeText());
+        expectOutOfRange([&] { (m_message.*getters.at)(static_cast<unsigned>(vector.size())); });
+        if (m_isText) {
+            const auto* text = reinterpret_cast<const char*>((m_message.*getters.constArray)());
+            m_texts =
+                QStringList(QString::fromLatin1(text, static_cast<int>(qstrnlen(text, room))));
+        }
     }
 
     void check(const BlocksGetters& getters)
     {
         const unsigned count = (m_message.*getters.count)();
         ASSERT_EQ(count, TQX_elementCount(m_type, *m_field, m_record));
-        ASSERT_EQ(static_cast<unsigned>(getters.vectorSize(&m_message)), count);
-        for (unsigned i = 0; i < count; ++i)
-            checkChild(getters.at(&m_message, i), i);
-        EXPECT_EQ(thrownText([&] { getters.at(&m_message, count); }), rangeText());
+        const int first = m_children.size();
+        for (unsigned i = 0; i < count; ++i) {
+            Message* child = getters.at(&m_message, i);
+            EXPECT_EQ(getters.constAt(&m_message, i), child);
+            checkChild(child, i);
+        }
+        EXPECT_EQ(getters.vector(&m_message), getters.constVector(&m_message));
+        EXPECT_EQ(getters.vector(&m_message),
+                  QVector<const Message*>(m_children.begin() + first, m_children.end()));
+        expectOutOfRange([&] { getters.at(&m_message, count); });
+        expectOutOfRange([&] { getters.constAt(&m_message, count); });
     }
 
-    void check(const EmbeddedGetter& getter)
+    void check(const EmbeddedGetters& getters)
     {
-        if (m_present)
-            checkChild(getter.get(&m_message), 0);
-        else
-            EXPECT_EQ(thrownText([&] { getter.get(&m_message); }), absentText());
+        if (m_present) {
+            Message* child = getters.get(&m_message);
+            EXPECT_EQ(getters.constGet(&m_message), child);
+            checkChild(child, 0);
+        } else {
+            expectAbsent([&] { getters.get(&m_message); });
+            expectAbsent([&] { getters.constGet(&m_message); });
+        }
     }
 
-    void checkChild(const Message* child, unsigned index)
+    void checkChild(Message* child, unsigned index)
     {
         ASSERT_NE(child, nullptr);
         EXPECT_EQ(child->getParentMessage(), &m_message);
-        ASSERT_EQ(RecordReader::recordOf(child), TQX_element(*m_field, m_record, index));
-        EXPECT_TRUE(m_message.getSubMessages().contains(child));
-        MessageCheck(*child).run();
+        const void* record = RecordReader::recordOf(child);
+        ASSERT_EQ(record, TQX_element(*m_field, m_record, index));
+        EXPECT_EQ(TQX_AS_KORCG_HEADER(record)->korcg_father, m_record);
+        EXPECT_EQ(m_info->getValue(&m_message, index).getSubMessage(), child);
+        MessageCheck(*child, m_seen).run();
+        m_children += child;
+        m_texts += "submsg";
     }
 
-    /// The whole line is its columns put together.
-    void checkRawString() const
-    {
-        QStringList columns;
-        for (int i = 0; i < m_type.fieldCount; ++i) {
-            QVector<bool> mask(i + 1, false);
-            mask[i] = true;
-            columns += m_message.getRawStringFor(mask);
-        }
-        EXPECT_EQ(m_message.getRawStringFor(QVector<bool>(m_type.fieldCount, true)),
-                  columns.join(Message::fieldSeparator))
-            << m_type.name;
-    }
-
-    const Message& m_message;
+    Message& m_message;
     const void* m_record;
     const TQX_TypeLayout& m_type;
+    Seen& m_seen;
+    QVector<Message*> m_children;
+
+    // The field being looked at, and the texts of its elements.
     const TQX_FieldLayout* m_field = nullptr;
+    const FieldInfo* m_info = nullptr;
+    bool m_isText = false;
     bool m_present = true;
+    QStringList m_texts;
 };
 
 TEST(AllMessages, GiveWhatTheirRecordsHold)
 {
     TQX_FormatInfo::getInstance();
+    MemLeakTracer::reset();
     std::mt19937 generator(20240917);
-    unsigned types = 0;
+    Seen seen;
     for (const TQX_MessageType& row : TQX_messageTypes()) {
         const TQX_TypeLayout& type = *TQX_layout(static_cast<uint32_t>(row.recordType));
-        ++types;
-        for (unsigned round = 0; round < 8; ++round) {
+        std::vector<int> selected;
+        for (int i = 0; i < type.fieldCount; ++i)
+            if (type.fields[i].presence == TQX_Presence::Selected)
+                selected.push_back(i);
+        for (unsigned round = 0; round < 16 + selected.size(); ++round) {
             TQX_AnyRecord_u area;
             type.init(&area);
-            fillRandomly(type, &area, generator);
-            if (type.blockNumber != 0)
-                reinterpret_cast<TQX_MainHeader_s*>(&area)->Revision = static_cast<uint8_t>(round);
-            const std::unique_ptr<const Message> message(TQX_createMessage(&area));
+            fillRandomly(type, &area, generator, round == 8 ? Fill::Full : Fill::Few);
+            if (round >= 16)
+                select(type, selected[round - 16], &area);
+            // A sub-block alone has no revision, then one by the links to a main block.
+            TQX_MainHeader_s main{};
+            KorcgHeader_s between{0, 0, &main};
+            auto* head = reinterpret_cast<TQX_MainHeader_s*>(&area);
+            (type.blockNumber == 0 ? main : *head).Revision = static_cast<uint8_t>(round % 8);
+            if (type.blockNumber == 0 && round >= 8)
+                head->korcg_father = type.linksToMain == 1 ? static_cast<void*>(&main) : &between;
+            const std::unique_ptr<Message> message(TQX_createMessage(&area));
             ASSERT_NE(message, nullptr) << type.name;
             EXPECT_EQ(message->getInfo(), row.info());
-            MessageCheck(*message).run();
+            MessageCheck(*message, seen).run();
             if (testing::Test::HasFailure())
                 return;
         }
     }
-    EXPECT_EQ(types, accessorsByType().size());
+    EXPECT_EQ(seen.messages.size(), messageMakers().count);
+    for (const auto& [name, number] : seen.messages)
+        EXPECT_EQ(MemLeakTracer::getTotalAllocations(name.c_str()), number) << name;
+    EXPECT_EQ(MemLeakTracer::getUnbalancedNames(), QStringList());
+    std::vector<std::string> onlyOneWay;
+    std::set_symmetric_difference(seen.present.begin(), seen.present.end(), seen.absent.begin(),
+                                  seen.absent.end(), std::back_inserter(onlyOneWay));
+    EXPECT_EQ(onlyOneWay, std::vector<std::string>()) << "always or never there";
+    EXPECT_GT(seen.doNotUse.size(), 900U);
 }
 
 } // namespace

@@ -1,9 +1,11 @@
 #include "Records.h"
 #include "Reveal.h"
 
-#include "TQX_FormatInfo.h"
+#include "TQX_SubMessages.h"
 
 #include "MemLeakTracer.h"
+
+#include <vector>
 
 using namespace Kor::MessageApi;
 
@@ -16,34 +18,23 @@ template struct Reveal<&TQX_MeasEpoch2_Message::disposeSubMessages, DisposeSubMe
 namespace
 {
 
-class SubMessages : public testing::Test
-{
-protected:
-    void SetUp() override { TQX_FormatInfo::getInstance(); }
-};
+using State = TQX_AGCState_Message;
 
-TEST_F(SubMessages, AreBuiltOnceInRecordOrder)
+/// Messages of a class made so far, and those still there.
+qint64 madeOf(const char* name)
 {
-    auto record = measEpoch2(3);
-    TQX_MeasEpoch2_Message message(record.get(), false);
-    const TQX_MeasEpoch2_Message& constant = message;
-    const QVector<Message*> children = message.getSubMessages();
-    ASSERT_EQ(children.size(), 3);
-    for (int i = 0; i < 3; ++i) {
-        const auto index = static_cast<unsigned>(i);
-        EXPECT_EQ(message.getType1(index), children[i]);
-        EXPECT_EQ(constant.getType1(index), children[i]);
-        EXPECT_EQ(message.getType1Vector()[i], children[i]);
-        EXPECT_EQ(constant.getType1Vector()[i], children[i]);
-        EXPECT_EQ(constant.getSubMessages()[i], children[i]);
-        EXPECT_EQ(children[i]->getParentMessage(), &message);
-        EXPECT_EQ(RecordReader::recordOf(children[i]), record->Type1 + i);
-        EXPECT_EQ(message.getType1(index)->getRxChannel(), i + 1);
-    }
-    EXPECT_EQ(message.getSubMessages(), children);
+    return MemLeakTracer::getTotalAllocations(QLatin1String(name));
 }
 
-TEST_F(SubMessages, AnEmptyListCountsAsBuilt)
+qint64 aliveOf(const char* name)
+{
+    return MemLeakTracer::getObjectCount(QLatin1String(name));
+}
+
+constexpr const char* stateName = "TQX_AGCState_Message";
+constexpr const char* channelName = "TQX_MeasEpochChannelType1_Message";
+
+TEST(SubMessages, AnEmptyListCountsAsBuilt)
 {
     auto record = measEpoch2(0);
     TQX_MeasEpoch2_Message message(record.get(), false);
@@ -53,7 +44,7 @@ TEST_F(SubMessages, AnEmptyListCountsAsBuilt)
     EXPECT_EQ(message.getNumberOfType1(), 1U) << "the count is the record's";
 }
 
-TEST_F(SubMessages, ANullArrayIsEmptyWhateverTheCount)
+TEST(SubMessages, ANullArrayIsEmptyWhateverTheCount)
 {
     auto record = measEpoch2(0);
     record->N1 = 4;
@@ -63,66 +54,121 @@ TEST_F(SubMessages, ANullArrayIsEmptyWhateverTheCount)
     record->N1 = 0;
 }
 
-TEST_F(SubMessages, AreNewAfterDisposal)
+TEST(SubMessages, AreMadeOnceAndAgainAfterDisposal)
 {
     auto record = measEpoch2(3);
     TQX_MeasEpoch2_Message message(record.get(), false);
-    const QString name = QStringLiteral("TQX_MeasEpochChannelType1_Message");
-    message.getSubMessages();
-    const qint64 alive = MemLeakTracer::getObjectCount(name);
-    const qint64 made = MemLeakTracer::getTotalAllocations(name);
+    const qint64 alive = aliveOf(channelName);
+    const qint64 before = madeOf(channelName);
+    const QVector<Message*> children = message.getSubMessages();
+    EXPECT_EQ(message.getSubMessages(), children);
+    EXPECT_EQ(madeOf(channelName), before + 3);
     (message.*revealed(DisposeSubMessages()))();
-    EXPECT_EQ(MemLeakTracer::getObjectCount(name), alive - 3);
+    EXPECT_EQ(aliveOf(channelName), alive);
     EXPECT_EQ(message.getType1Vector().size(), 3);
-    EXPECT_EQ(MemLeakTracer::getTotalAllocations(name), made + 3);
+    EXPECT_EQ(madeOf(channelName), before + 6);
 }
 
-TEST_F(SubMessages, LinkTheirRecordsToTheRecordThatTheyAreIn)
+/// Which elements of a pool the old children read, and how many of the new ones are reused when
+/// the array is elements `first` to `first + count - 1` of it.
+struct ReuseCase {
+    std::vector<int> old;
+    int first;
+    int count;
+    int reused;
+};
+
+TEST(SubMessages, AreKeptByTheirRecord)
 {
-    auto original = batteryStatus(1);
-    std::unique_ptr<Message> message(TQX_createMessage(original.get()));
-    const void* copy = RecordReader::recordOf(message.get());
-    original->Battery = nullptr;
-    original->N = 0;
-    original->Revision = 0;
-    auto* battery = dynamic_cast<TQX_Battery_Message*>(message->getSubMessages().value(0));
-    ASSERT_NE(battery, nullptr);
-    EXPECT_EQ(TQX_AS_KORCG_HEADER(RecordReader::recordOf(battery))->korcg_father, copy);
-    EXPECT_EQ(battery->getVoltage(), 12000) << "by the revision of the copy";
+    const ReuseCase cases[] = {
+        {{}, 0, 3, 0},           {{0, 1, 2, 3}, 0, 4, 4}, {{0, 1, 2, 3}, 0, 2, 2},
+        {{0, 1}, 0, 5, 2},       {{0, 1, 2}, 0, 0, 0},    {{3, 2, 1, 0}, 0, 4, 4},
+        {{0, 1, 2, 3}, 2, 4, 2}, {{0, 1, 2}, 8, 3, 0},    {{5, 0, 9, 2, 1}, 0, 6, 4},
+    };
+    auto status = made(TQX_init_ReceiverStatus2);
+    for (const ReuseCase& row : cases) {
+        SCOPED_TRACE(&row - cases);
+        std::vector<TQX_AGCState_s> pool(16);
+        for (TQX_AGCState_s& record : pool)
+            TQX_init_AGCState(&record);
+        QVector<Message*> owned;
+        for (const int place : row.old)
+            owned.append(new State(&pool[static_cast<size_t>(place)], nullptr, false));
+        const QVector<Message*> old = owned;
+        const qint64 alive = aliveOf(stateName);
+        const qint64 before = madeOf(stateName);
+        QVector<State*> typed;
+        int lookups = 0;
+        {
+            const auto recordOf = [&](const Message* child) {
+                ++lookups;
+                return RecordReader::recordOf(child);
+            };
+            TQX_SubMessageBuilder builder(owned, status.get(), nullptr, recordOf);
+            builder.build(&pool[static_cast<size_t>(row.first)], static_cast<unsigned>(row.count),
+                          typed);
+        }
+        ASSERT_EQ(owned.size(), row.count);
+        ASSERT_EQ(typed.size(), row.count);
+        int reused = 0;
+        for (int i = 0; i < row.count; ++i) {
+            const auto& element = pool[static_cast<size_t>(row.first + i)];
+            EXPECT_EQ(RecordReader::recordOf(owned[i]), &element);
+            EXPECT_EQ(element.korcg_father, status.get());
+            EXPECT_EQ(typed[i], owned[i]);
+            reused += old.contains(owned[i]) ? 1 : 0;
+        }
+        EXPECT_EQ(reused, row.reused);
+        EXPECT_EQ(madeOf(stateName) - before, row.count - row.reused);
+        EXPECT_EQ(aliveOf(stateName), alive - static_cast<qint64>(row.old.size()) + row.count);
+        EXPECT_LE(lookups, 2 * static_cast<int>(row.old.size()) + 1) << "linear";
+        TQX_disposeChildren(owned);
+    }
 }
 
-TEST_F(SubMessages, NestedOnesBelongToTheirOwnParent)
+TEST(SubMessages, OfSeveralArraysFollowEachOtherInOneList)
 {
-    auto record = measEpoch2(1);
-    TQX_append_MeasEpochChannelType1_Type2(record->Type1)->LockTime = 9;
-    TQX_MeasEpoch2_Message message(record.get(), false);
-    TQX_MeasEpochChannelType1_Message* channel = message.getType1(0);
-    ASSERT_EQ(channel->getNumberOfType2(), 1U);
-    EXPECT_EQ(channel->getType2(0)->getLockTime(), 9);
-    EXPECT_EQ(channel->getType2(0)->getParentMessage(), channel);
+    auto epoch = measEpoch2(2);
+    auto status = batteryStatus(0);
+    QVector<Message*> owned;
+    QVector<TQX_MeasEpochChannelType1_Message*> channels;
+    QVector<TQX_Battery_Message*> batteries;
+    {
+        TQX_SubMessageBuilder builder(owned, nullptr, nullptr, &RecordReader::recordOf);
+        builder.build(epoch->Type1, epoch->N1, channels);
+        builder.build(status->Battery, status->N, batteries);
+    }
+    EXPECT_EQ(owned, (QVector<Message*>{channels[0], channels[1], batteries[0]}));
+
+    // Another type lies where the battery lay: its child is of another class.
+    auto gain = made(TQX_init_AGCState);
+    QVector<State*> states;
+    {
+        const auto recordOf = [&](const Message*) -> const void* { return gain.get(); };
+        TQX_SubMessageBuilder builder(owned, nullptr, nullptr, recordOf);
+        builder.build(gain.get(), 1, states);
+    }
+    EXPECT_NE(dynamic_cast<State*>(owned.value(0)), nullptr);
+    TQX_disposeChildren(owned);
 }
 
-TEST_F(SubMessages, EmbeddedOneIsThatOfTheSelector)
+TEST(SubMessages, AnEmbeddedOneFollowsItsRecord)
 {
-    auto record = made(TQX_init_ExtSensorMeas1);
-    auto* set = TQX_append_ExtSensorMeas1_ExtSensorMeasSet(record.get());
-    set->Type = 3;
-    set->Info.SerialNumber = 4711;
-    TQX_ExtSensorMeas1_Message message(record.get(), false);
-    TQX_ExtSensorMeasSet_Message* sensor = message.getExtSensorMeasSet(0);
-    const TQX_ExtSensorMeasSet_Message* constant = sensor;
-    TQX_ExtSensorMeasInfo_Message* info = sensor->getInfo();
-    EXPECT_EQ(info->getSerialNumber(), 4711U);
-    EXPECT_EQ(info->getParentMessage(), sensor);
-    EXPECT_EQ(RecordReader::recordOf(info), &record->ExtSensorMeasSet->Info);
-    EXPECT_EQ(record->ExtSensorMeasSet->Info.korcg_father, record->ExtSensorMeasSet);
-    EXPECT_EQ(constant->getInfo(), info);
-    EXPECT_EQ(sensor->getSubMessages(), QVector<Message*>{info});
-    EXPECT_EQ(constant->getSubMessages(), QVector<const Message*>{info});
-
-    record->ExtSensorMeasSet->Type = 99;
-    TQX_ExtSensorMeasSet_Message other(record->ExtSensorMeasSet, nullptr, false);
-    EXPECT_TRUE(other.getSubMessages().isEmpty());
+    auto first = made(TQX_init_AGCState);
+    auto second = made(TQX_init_AGCState);
+    State* child = nullptr;
+    const auto ensure = [&](TQX_AGCState_s* element) {
+        TQX_ensureChild(child, element, second.get(), nullptr, &RecordReader::recordOf);
+        return madeOf(stateName);
+    };
+    const qint64 before = madeOf(stateName);
+    EXPECT_EQ(ensure(first.get()), before + 1);
+    EXPECT_EQ(first->korcg_father, second.get());
+    EXPECT_EQ(ensure(first.get()), before + 1) << "kept";
+    EXPECT_EQ(ensure(second.get()), before + 2) << "replaced";
+    EXPECT_EQ(RecordReader::recordOf(child), second.get());
+    ensure(nullptr);
+    EXPECT_EQ(child, nullptr);
 }
 
 } // namespace

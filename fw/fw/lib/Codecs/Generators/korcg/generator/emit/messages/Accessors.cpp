@@ -31,20 +31,24 @@ template<typename Value>
 struct RepeatedGetters {
     Value (Message::*at)(unsigned int) const;
     unsigned int (Message::*count)() const;
-    const Value* (Message::*array)() const;
+    Value* (Message::*array)();
+    const Value* (Message::*constArray)() const;
     QVector<Value> (Message::*vector)() const;
 };
 
 /// The functions of a sub-block array.
 struct BlocksGetters {
-    const Message* (*at)(const Message*, unsigned int);
+    Message* (*at)(Message*, unsigned int);
+    const Message* (*constAt)(const Message*, unsigned int);
     unsigned int (Message::*count)() const;
-    int (*vectorSize)(const Message*);
+    QVector<const Message*> (*vector)(Message*);
+    QVector<const Message*> (*constVector)(const Message*);
 };
 
-/// get<F>() of an embedded sub-block.
-struct EmbeddedGetter {
-    const Message* (*get)(const Message*);
+/// Both forms of get<F>() of an embedded sub-block.
+struct EmbeddedGetters {
+    Message* (*get)(Message*);
+    const Message* (*constGet)(const Message*);
 };
 
 using FieldGetters =
@@ -54,7 +58,7 @@ using FieldGetters =
                  ScalarGetter<double>, RepeatedGetters<unsigned char>, RepeatedGetters<signed char>,
                  RepeatedGetters<char>, RepeatedGetters<unsigned short>, RepeatedGetters<short>,
                  RepeatedGetters<unsigned int>, RepeatedGetters<int>, RepeatedGetters<float>,
-                 RepeatedGetters<double>, BlocksGetters, EmbeddedGetter>;
+                 RepeatedGetters<double>, BlocksGetters, EmbeddedGetters>;
 
 struct FieldAccessor {
     int recordType;
@@ -63,21 +67,32 @@ struct FieldAccessor {
     FieldGetters getters;
 };
 
-struct FieldAccessors {
-    const FieldAccessor* rows; ///< ascending record type, then field order
-    std::size_t count;
-
-    const FieldAccessor* begin() const { return rows; }
-    const FieldAccessor* end() const { return rows + count; }
+/// A message class, and how to make a message of it that has no record.
+struct MessageMaker {
+    int recordType;
+    Message* (*make)();
 };
 
-FieldAccessors fieldAccessors();
+template<typename Row>
+struct Rows {
+    const Row* rows;
+    std::size_t count;
+
+    const Row* begin() const { return rows; }
+    const Row* end() const { return rows + count; }
+};
+
+/// The fields of a type in their order; none for a type without message class.
+Rows<FieldAccessor> fieldAccessors(int recordType);
+/// All message classes in ascending record type.
+Rows<MessageMaker> messageMakers();
 )";
 
 constexpr const char* sourceText = R"(#include "TQX_MessageAccessors.h"
 
 #include "TQX_Messages.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace
@@ -92,11 +107,13 @@ constexpr ScalarGetter<Value> scalar(Value (Class::*get)() const)
 template<typename Value, typename Class>
 constexpr RepeatedGetters<Value>
 repeated(Value (Class::*at)(unsigned int) const, unsigned int (Class::*count)() const,
-         const Value* (Class::*array)() const, QVector<Value> (Class::*vector)() const)
+         Value* (Class::*array)(), const Value* (Class::*constArray)() const,
+         QVector<Value> (Class::*vector)() const)
 {{
     return {{static_cast<Value (Message::*)(unsigned int) const>(at),
             static_cast<unsigned int (Message::*)() const>(count),
-            static_cast<const Value* (Message::*)() const>(array),
+            static_cast<Value* (Message::*)()>(array),
+            static_cast<const Value* (Message::*)() const>(constArray),
             static_cast<QVector<Value> (Message::*)() const>(vector)}};
 }}
 
@@ -112,47 +129,63 @@ constexpr auto counter(unsigned int (Class::*count)() const)
     return static_cast<unsigned int (Message::*)() const>(count);
 }}
 
+template<typename Child>
+QVector<const Message*> listOf(const QVector<Child>& children)
+{{
+    return {{children.begin(), children.end()}};
+}}
+
 const FieldAccessor accessors[] = {{
 {rows}}};
 
+const MessageMaker makers[] = {{
+{makers}}};
+
 }} // namespace
 
-FieldAccessors fieldAccessors()
+Rows<FieldAccessor> fieldAccessors(int recordType)
 {{
-    return {{accessors, std::size(accessors)}};
+    const auto isBefore = [](const FieldAccessor& row, int type) {{ return row.recordType < type; }};
+    const FieldAccessor* end = std::end(accessors);
+    const FieldAccessor* first = std::lower_bound(std::begin(accessors), end, recordType, isBefore);
+    const FieldAccessor* last = std::lower_bound(first, end, recordType + 1, isBefore);
+    return {{first, static_cast<std::size_t>(last - first)}};
+}}
+
+Rows<MessageMaker> messageMakers()
+{{
+    return {{makers, std::size(makers)}};
 }}
 )";
 
 constexpr const char* scalarRow = "scalar(&{C}::get{F})";
 
 constexpr const char* repeatedRow =
-    "repeated(&{C}::get{F}, &{C}::getNumberOf{F}, &{C}::get{F}Array, &{C}::get{F}Vector)";
+    "repeated(&{C}::get{F}, &{C}::getNumberOf{F}, &{C}::get{F}Array, "
+    "&{C}::get{F}Array, &{C}::get{F}Vector)";
 
 constexpr const char* blocksRow = R"(BlocksGetters{{
+         [](Message* m, unsigned int i) -> Message* {{
+             return static_cast<{C}*>(m)->get{F}(i);
+         }},
          [](const Message* m, unsigned int i) -> const Message* {{
              return static_cast<const {C}*>(m)->get{F}(i);
          }},
          counter(&{C}::getNumberOf{F}),
-         [](const Message* m) {{ return static_cast<const {C}*>(m)->get{F}Vector().size(); }}}})";
+         [](Message* m) {{ return listOf(static_cast<{C}*>(m)->get{F}Vector()); }},
+         [](const Message* m) {{ return listOf(static_cast<const {C}*>(m)->get{F}Vector()); }}}})";
 
-constexpr const char* embeddedRow = R"(EmbeddedGetter{{[](const Message* m) -> const Message* {{
-         return static_cast<const {C}*>(m)->get{F}();
-     }}}})";
+constexpr const char* embeddedRow = R"(EmbeddedGetters{{
+         [](Message* m) -> Message* {{ return static_cast<{C}*>(m)->get{F}(); }},
+         [](const Message* m) -> const Message* {{
+             return static_cast<const {C}*>(m)->get{F}();
+         }}}})";
 
-const char* rowOf(Family family)
-{
-    switch (family) {
-    case Family::Repeated:
-        return repeatedRow;
-    case Family::Blocks:
-        return blocksRow;
-    case Family::Embedded:
-        return embeddedRow;
-    case Family::Scalar:
-        break;
-    }
-    return scalarRow;
-}
+/// By family, in the order of that enumeration.
+constexpr const char* rowTexts[] = {scalarRow, repeatedRow, blocksRow, embeddedRow};
+
+constexpr const char* makerRow =
+    "    {{{type}, []() -> Message* {{ return new {C}(nullptr, {parent}false); }}}},\n";
 
 } // namespace
 
@@ -164,20 +197,26 @@ std::string accessorsHeader()
 std::string accessorsSource(const Selection& classes)
 {
     std::string rows;
+    std::string makers;
     for (const RecordType* type : classes) {
         const std::string name = fmt::format("TQX_{}_Message", type->name);
+        makers +=
+            fmt::format(fmt::runtime(makerRow), fmt::arg("type", type->record), fmt::arg("C", name),
+                        fmt::arg("parent", type->isMain() ? "" : "nullptr, "));
         for (size_t row = 0; row < type->fields.size(); ++row) {
             const Field& field = type->fields[row];
             const std::string suffix = identifier(field.name);
-            const std::string getters = fmt::format(fmt::runtime(rowOf(familyOf(*type, field))),
-                                                    fmt::arg("C", name), fmt::arg("F", suffix));
+            const char* text = rowTexts[static_cast<size_t>(familyOf(*type, field))];
+            const std::string getters =
+                fmt::format(fmt::runtime(text), fmt::arg("C", name), fmt::arg("F", suffix));
             rows += fmt::format(
                 "    {{{}, {}, {},\n     {}}},\n", type->record, row,
                 isOptional(field) ? fmt::format("presence(&{}::has{})", name, suffix) : "nullptr",
                 getters);
         }
     }
-    return fmt::format(fmt::runtime(sourceText), fmt::arg("rows", rows));
+    return fmt::format(fmt::runtime(sourceText), fmt::arg("rows", rows),
+                       fmt::arg("makers", makers));
 }
 
 } // namespace korcg::generator
