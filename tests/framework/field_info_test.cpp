@@ -1,6 +1,5 @@
 #include "QtPrinters.h"
-#include "weather/WeatherField.h"
-#include "weather/WeatherFormat.h"
+#include "Toy.h"
 
 #include <QLocale>
 
@@ -11,26 +10,17 @@
 namespace
 {
 
-using Field = WeatherField<BatteryRecord>;
-
-Field::Read readMillivolts()
-{
-    return [](const WeatherMessage<BatteryRecord>& message, unsigned) {
-        return FieldValue::u(message.record().millivolts, 32);
-    };
-}
-
 TEST(FieldInfo, KeepsWhatItIsTold)
 {
-    Field field("Front End", FieldType::u(5), readMillivolts());
-    EXPECT_EQ(field.getRole(), FieldInfo::Data);
+    ToyField field("Front End", FieldType::u(5));
+    EXPECT_EQ(field.getRole(), FieldInfo::Unset);
     EXPECT_FALSE(field.hasScaleFactor());
     EXPECT_EQ(field.getScaleFactor(), 1);
     EXPECT_EQ(field.getPrecision(), -1);
     EXPECT_FALSE(field.hasDoNotUseValue());
     EXPECT_FALSE(field.isDoNotUse(FieldValue()));
 
-    Field part("Part", FieldType::u(1), readMillivolts());
+    ToyField part("Part", FieldType::u(1));
     field.setUnit(QStringLiteral("volt"));
     field.setScaleFactor(1);
     field.setPrecision(0);
@@ -71,7 +61,7 @@ TEST(FieldInfo, FindsTheFirstNameOfAValue)
         {"negative", {-128, -1, 0, 3, -5}},
     };
     for (const Row& row : rows) {
-        Field field("F", FieldType::i(16), readMillivolts());
+        ToyField field("F", FieldType::i(16));
         for (size_t i = 0; i < row.values.size(); ++i) {
             const int value = row.values[i];
             field.addSymbolicValue(value < 0 ? FieldValue::i(value, 16)
@@ -122,7 +112,7 @@ TEST(FieldInfo, ScalesForPeople)
     const QLocale before;
     QLocale::setDefault(QLocale::c());
     for (const Row& row : rows) {
-        Field field("F", FieldType::u(8), readMillivolts());
+        ToyField field("F", FieldType::u(8));
         if (row.scale > 0) {
             field.setScaleFactor(row.scale);
         }
@@ -131,7 +121,7 @@ TEST(FieldInfo, ScalesForPeople)
     }
     QLocale::setDefault(before);
 
-    Field mask("Mask", FieldType::u(64), readMillivolts());
+    ToyField mask("Mask", FieldType::u(64));
     mask.setRepresentationMode(FieldValue::BitMask);
     EXPECT_EQ(mask.toScaledString(V::u(5, 10)), "0x005");
     EXPECT_EQ(mask.toScaledString(V::u(~0ull, 64)), "0xffffffffffffffff");
@@ -150,12 +140,12 @@ struct DoNotUseSettings {
 
 TEST(FieldInfo, StoredTextPrefersNamesForIntegersAndDoNotUseForFloats)
 {
-    WeatherFormat::getInstance();
-    const BatteryMessage message({1, 255});
+    const ToyInfo info(QStringLiteral("Toy"));
+    const ToyMessage message(&info, {{FieldValue::u(255, 32)}, {FieldValue::f64(255)}});
     const DoNotUseSettings restore;
     Message::doNotUseString = QStringLiteral("n/a");
 
-    Field integer("I", FieldType::u(32), readMillivolts());
+    ToyField integer("I", FieldType::u(32));
     integer.setUnit(QStringLiteral("millivolt"));
     integer.setScaleFactor(0.001);
     EXPECT_EQ(integer.getValueString(&message, 0, false), "255");
@@ -170,9 +160,7 @@ TEST(FieldInfo, StoredTextPrefersNamesForIntegersAndDoNotUseForFloats)
     EXPECT_EQ(integer.getValueString(&message, 0, true), "DoNotUse");
     EXPECT_THROW(integer.getValueString(&message, 1, true), MessageApiEvent);
 
-    Field real("F", FieldType::f64(), [](const WeatherMessage<BatteryRecord>& m, unsigned) {
-        return FieldValue::f64(m.record().millivolts);
-    });
+    ToyField real("F", FieldType::f64(), 1);
     real.setPrecision(1);
     EXPECT_EQ(real.getValueString(&message, 0, true), "255.0");
     real.addSymbolicValue(FieldValue::f64(255), QStringLiteral("DoNotUse"));
@@ -181,6 +169,23 @@ TEST(FieldInfo, StoredTextPrefersNamesForIntegersAndDoNotUseForFloats)
     EXPECT_EQ(real.getValueString(&message, 0, true), "");
     Message::useDoNotUseString = true;
     EXPECT_EQ(real.getValueString(&message, 0, true), "n/a");
+}
+
+TEST(FieldInfo, OneTextShowsAllValues)
+{
+    using V = FieldValue;
+    const ToyInfo info(QStringLiteral("Toy"));
+    const ToyMessage message(&info, {{V::u(3, 8), V::u(4, 8), V::u(255, 8)},
+                                     {V::ch('w'), V::ch('e'), V::ch('t'), V::ch('\0'), V::ch('x')},
+                                     {}});
+    ToyField numbers("N", FieldType::u(8), 0);
+    numbers.setUnit(QStringLiteral("second"));
+    numbers.addSymbolicValue(V::u(4, 8), QStringLiteral("four"));
+    numbers.setDoNotUseValue(V::u(255, 8));
+    EXPECT_EQ(numbers.getValueString(&message), "3 four DoNotUse second");
+    EXPECT_EQ(ToyField("T", FieldType::ch(), 1).getValueString(&message), "wet");
+    EXPECT_EQ(ToyField("E", FieldType::u(8), 2).getValueString(&message), "");
+    EXPECT_EQ(numbers.getValueString(nullptr), "");
 }
 
 } // namespace

@@ -1,124 +1,104 @@
 #include "QtPrinters.h"
-#include "weather/MessageViewer.h"
-#include "weather/WeatherFormat.h"
-#include "weather/WeatherMessages.h"
+#include "Toy.h"
 
-#include <MessageApiEvent.h>
 #include <PathExpression.h>
-
-#include <QLocale>
 
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <vector>
 
 namespace
 {
 
-ObservationRecord sampleObservation()
-{
-    ObservationRecord record;
-    record.station = 7;
-    record.temperature = -35;
-    record.sky = 4 | 8;
-    record.hasPressure = true;
-    record.pressure = 1013.25f;
-    record.note = QByteArray("wet\0dry", 7);
-    record.gusts = {{3, 12.5f}, {41, 9.5f}};
-    return record;
-}
-
-QStringList namesOf(const MessageInfo* info)
-{
-    QStringList names;
-    for (const FieldInfo* field : info->getFieldInfos()) {
-        names += field->getName();
-    }
-    return names;
-}
-
 class Metadata : public testing::Test
 {
 protected:
-    const WeatherFormat* format = WeatherFormat::getInstance();
-    const MessageInfo* observation = WeatherFormat::infoOf<ObservationRecord>();
-    const MessageInfo* gust = WeatherFormat::infoOf<GustRecord>();
+    Metadata()
+    {
+        inner.setIsMain(false);
+        inner.addFieldInfo(&speed, 0, false);
+        word.addSubFieldInfo(&bit);
+        // In another order than that of the list.
+        outer.addFieldInfo(&children, 3, false);
+        outer.addFieldInfo(&word, 1, false);
+        outer.addFieldInfo(&station, 0, true);
+        outer.addFieldInfo(&bit, 2, false);
+        outer.setFormatInfo(&format);
+        format.addMessageInfo(&outer);
+        format.addSubMessageInfo(&inner);
+    }
+
+    ToyFormat format{QStringLiteral("Toy")};
+    ToyInfo outer{QStringLiteral("Outer")};
+    ToyInfo inner{QStringLiteral("Inner")};
+    ToyField speed{QStringLiteral("Speed"), FieldType::f32()};
+    ToyField station{QStringLiteral("Station"), FieldType::u(16)};
+    ToyField word{QStringLiteral("Word"), FieldType::u(8)};
+    ToyField bit{QStringLiteral("Bit"), FieldType::u(1)};
+    ToyField children{QStringLiteral("Children"), FieldType::subMessage(&inner)};
 };
 
 TEST_F(Metadata, DescribesTheTypes)
 {
-    EXPECT_EQ(format->getName(), "Weather");
-    EXPECT_EQ(format->getMessageInfos().size(), 2);
-    EXPECT_EQ(format->getSubMessageInfos(), QVector<const MessageInfo*>{gust});
-    EXPECT_EQ(format->getMessageInfo(QStringLiteral("Gust")), gust);
-    EXPECT_EQ(format->getMessageInfo(QStringLiteral("gust")), nullptr);
-    EXPECT_EQ(FormatInfo::getFormat(QStringLiteral("Weather")), format);
+    EXPECT_EQ(format.getMessageInfos(), QVector<const MessageInfo*>{&outer});
+    EXPECT_EQ(format.getSubMessageInfos(), QVector<const MessageInfo*>{&inner});
+    EXPECT_EQ(format.getAllMessageInfos(), (QVector<const MessageInfo*>{&outer, &inner}));
+    EXPECT_EQ(format.getMessageInfo(QStringLiteral("Inner")), &inner);
+    EXPECT_EQ(format.getMessageInfo(QStringLiteral("inner")), nullptr);
+    EXPECT_EQ(FormatInfo::getFormat(QStringLiteral("Toy")), &format);
 
-    EXPECT_TRUE(observation->isMain());
-    EXPECT_FALSE(gust->isMain());
-    EXPECT_EQ(observation->getFormatInfo(), format);
-    EXPECT_EQ(observation->getShortDescriptiveText(), "What the weather is like");
-    EXPECT_EQ(namesOf(observation), (QStringList{"Station", "Temperature", "Sky", "Clouds", "Rain",
-                                                 "Pressure", "Note", "Gusts"}));
-    const std::vector<bool> identifying = {true, false, false, false, false, false, false, false};
-    for (int i = 0; i < 8; ++i) {
-        EXPECT_EQ(observation->isIdentifying(i), identifying[static_cast<size_t>(i)]) << i;
-    }
-    EXPECT_FALSE(observation->isIdentifying(8) || observation->isIdentifying(-1));
-    EXPECT_EQ(observation->getFieldInfo(QStringLiteral("Note"))->getType(), FieldType::ch());
-    EXPECT_EQ(observation->getFieldInfo(QStringLiteral("note")), nullptr);
+    EXPECT_TRUE(outer.isMain());
+    EXPECT_FALSE(inner.isMain());
+    EXPECT_EQ(outer.getFormatInfo(), &format);
+    EXPECT_EQ(outer.getFieldInfos(), (QVector<const FieldInfo*>{&station, &word, &bit, &children}));
+    EXPECT_EQ(outer.getFieldInfo(QStringLiteral("Bit")), &bit);
+    EXPECT_EQ(outer.getFieldInfo(QStringLiteral("bit")), nullptr);
+    for (const int index : {-1, 0, 1, 2, 3, 4})
+        EXPECT_EQ(outer.isIdentifying(index), index == 0) << index;
 
-    EXPECT_EQ(observation->getAttribute(QStringLiteral("number")), QVariant(1));
-    EXPECT_EQ(observation->getAttribute(QStringLiteral("source")).toString(), "mast");
-    EXPECT_TRUE(observation->getAttribute(QStringLiteral("colour")).isNull());
-    EXPECT_EQ(observation->getAttributes().size(), 2);
-    ASSERT_EQ(observation->getDiscriminantValues().size(), 1);
-    EXPECT_EQ(observation->getDiscriminantValues()[0].field, observation->getFieldInfos()[0]);
-    EXPECT_EQ(observation->getDiscriminantValues()[0].value, FieldValue::u(7, 16));
+    outer.setAttribute(QStringLiteral("number"), 0);
+    outer.setAttribute(QStringLiteral("source"), QStringLiteral("mast"));
+    outer.setAttribute(QStringLiteral("number"), 1);
+    EXPECT_EQ(outer.getAttribute(QStringLiteral("number")), QVariant(1));
+    EXPECT_TRUE(outer.getAttribute(QStringLiteral("colour")).isNull());
+    EXPECT_EQ(outer.getAttributes().size(), 2);
+    outer.addDiscriminantValue(&station, FieldValue::u(7, 16));
+    ASSERT_EQ(outer.getDiscriminantValues().size(), 1);
+    EXPECT_EQ(outer.getDiscriminantValues()[0].field, &station);
+    EXPECT_EQ(outer.getDiscriminantValues()[0].value, FieldValue::u(7, 16));
 }
 
 TEST_F(Metadata, PathsLeadToFields)
 {
-    struct Row {
-        const char* path;
-        const MessageInfo* owner; ///< null: no such field
-        int index;
+    const std::vector<std::pair<const char*, const FieldInfo*>> rows = {
+        {"Toy:Outer:Station", &station},
+        {"Toy:Outer:Word:Bit", &bit},
+        {"Toy:Outer:Children", &children},
+        {"Toy:Outer:Children:Speed", &speed},
+        {"Toy:Inner:Speed", &speed},
+        {"Toy:Outer:Wind", nullptr},
+        {"Toy:Outer:Wind:Speed", nullptr},
+        {"Toy:Outer:Station:Speed", nullptr},
+        {"Toy:Outer:Children:Colour", nullptr},
+        {"Toy:Outer:", nullptr},
     };
-    const std::vector<Row> rows = {
-        {"Weather:Observation:Station", observation, 0},
-        {"Weather:Observation:Sky:Rain", observation, 4},
-        {"Weather:Observation:Gusts", observation, 7},
-        {"Weather:Observation:Gusts:Speed", gust, 1},
-        {"Weather:Gust:Speed", gust, 1},
-        {"Weather:Observation:Wind", nullptr, 0},
-        {"Weather:Observation:Wind:Speed", nullptr, 0},
-        {"Weather:Observation:Station:Speed", nullptr, 0},
-        {"Weather:Observation:Gusts:Direction", nullptr, 0},
-        {"Weather:Observation:", nullptr, 0},
-    };
-    for (const Row& row : rows) {
-        const FieldInfo* expected = row.owner ? row.owner->getFieldInfos()[row.index] : nullptr;
-        EXPECT_EQ(PathExpression::getUniqueFieldInfo(row.path), expected) << row.path;
-    }
+    for (const auto& [path, field] : rows)
+        EXPECT_EQ(PathExpression::getUniqueFieldInfo(path), field) << path;
 }
 
 TEST_F(Metadata, PathsThroughTheUnknownThrow)
 {
-    struct Row {
+    const struct {
         const char* path;
         const FormatInfo* format;
         const char* text;
-    };
-    const std::vector<Row> rows = {
+    } rows[] = {
         {"Tides:High:Level", nullptr, "Unknown format \"Tides\" in the path \"Tides:High:Level\"."},
-        {"Weather:Storm:Speed", format,
-         "Unknown message \"Storm\" in the path \"Weather:Storm:Speed\"."},
-        {"Weather:Gust", nullptr,
-         "FORMAT:MESSAGE:FIELD is expected, not found in the path \"Weather:Gust\"."},
-        {"", nullptr, "FORMAT:MESSAGE:FIELD is expected, not found in the path \"\"."},
+        {"Toy:Storm:Speed", &format, "Unknown message \"Storm\" in the path \"Toy:Storm:Speed\"."},
+        {"Toy:Inner", nullptr,
+         "FORMAT:MESSAGE:FIELD is expected, not found in the path \"Toy:Inner\"."},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         try {
             PathExpression::getUniqueFieldInfo(row.path);
             ADD_FAILURE() << row.path;
@@ -130,77 +110,35 @@ TEST_F(Metadata, PathsThroughTheUnknownThrow)
     }
 }
 
-TEST_F(Metadata, AViewerNeedsNothingElse)
+TEST_F(Metadata, MessagesKnowTheirTypeAndPlace)
 {
-    const QLocale before;
-    QLocale::setDefault(QLocale::c());
-    ObservationRecord record = sampleObservation();
-    EXPECT_EQ(viewMessage(ObservationMessage(record)).join('\n'), "Weather Observation\n"
-                                                                  "*Station: 7\n"
-                                                                  "Temperature: -3.5 celsius\n"
-                                                                  "Clouds: overcast\n"
-                                                                  "Rain: 1\n"
-                                                                  "Pressure: 1013.25 hectopascal\n"
-                                                                  "Note: wet\n"
-                                                                  "  Weather Gust\n"
-                                                                  "  *Second: 3 second\n"
-                                                                  "  Speed: 12.5 meterpersecond\n"
-                                                                  "  Weather Gust\n"
-                                                                  "  *Second: 41 second\n"
-                                                                  "  Speed: 9.5 meterpersecond");
-
-    record.temperature = -32768;
-    record.sky = 7;
-    record.pressure = std::numeric_limits<float>::quiet_NaN();
-    record.note.clear();
-    record.gusts.clear();
-    EXPECT_EQ(viewMessage(ObservationMessage(record)).join('\n'), "Weather Observation\n"
-                                                                  "*Station: 7\n"
-                                                                  "Temperature: DoNotUse\n"
-                                                                  "Clouds: 7\n"
-                                                                  "Rain: 0\n"
-                                                                  "Pressure: DoNotUse");
-
-    record.hasPressure = false;
-    record.temperature = 0;
-    EXPECT_EQ(viewMessage(ObservationMessage(record))[2], "Temperature: freezing");
-    EXPECT_EQ(viewMessage(ObservationMessage(record)).size(), 5);
-
-    EXPECT_EQ(viewMessage(BatteryMessage({9, 12345})).join('\n'), "Weather Battery\n"
-                                                                  "*Station: 9\n"
-                                                                  "Voltage: 12.345 volt");
-    QLocale::setDefault(before);
+    ToyMessage parent(&outer);
+    ToyMessage child(&inner);
+    EXPECT_EQ(child.getParentMessage(), nullptr);
+    child.setParentMessage(&parent);
+    EXPECT_EQ(child.getInfo(), &inner);
+    EXPECT_EQ(child.getParentMessage(), &parent);
+    EXPECT_TRUE(parent.getSubMessages().isEmpty());
+    EXPECT_TRUE(std::as_const(parent).getSubMessages().isEmpty());
+    EXPECT_EQ(parent.getRawRepresentationOf(&child), &child.values);
+    EXPECT_EQ(parent.getRawRepresentationOf(nullptr), nullptr);
 }
 
-TEST_F(Metadata, FieldsRefuseMessagesOfAnotherType)
+TEST_F(Metadata, CopiesOfAMessageHaveTheirOwnReferenceCount)
 {
-    const BatteryMessage battery({9, 12345});
-    const FieldInfo* field = observation->getFieldInfo(QStringLiteral("Station"));
-    EXPECT_FALSE(field->hasValue(&battery));
-    EXPECT_FALSE(field->hasValue(nullptr));
-    EXPECT_EQ(field->getNumberOfValues(&battery), 0u);
-    EXPECT_THROW(field->getValue(&battery, 0), MessageApiEvent);
-    EXPECT_EQ(field->getValueString(&battery), "");
-}
-
-TEST_F(Metadata, MessagesKnowTheirPlace)
-{
-    ObservationMessage message(sampleObservation());
-    const ObservationMessage& constMessage = message;
-    ASSERT_EQ(message.getSubMessages().size(), 2);
-    for (int i = 0; i < 2; ++i) {
-        EXPECT_EQ(message.getSubMessages()[i]->getParentMessage(), &message);
-        EXPECT_EQ(constMessage.getSubMessages()[i], message.getSubMessages()[i]);
-        EXPECT_EQ(message.getSubMessages()[i]->getInfo(), gust);
-    }
-    EXPECT_EQ(message.getParentMessage(), nullptr);
-    EXPECT_TRUE(message.gustsReadOwnRecords());
-    EXPECT_TRUE(BatteryMessage({1, 2}).getSubMessages().isEmpty());
-
-    EXPECT_EQ(message.getRawStringFor(QVector<bool>(8, true)),
-              "7\t-35\t12\t4\t1\t1013.25\twetdry\tsubmsg submsg");
-    EXPECT_EQ(message.getRawStringFor({true, false, true}), "7\t12");
-    EXPECT_EQ(message.getRawStringFor({}), "");
+    const auto* message = new ToyMessage(&outer);
+    message->addReference();
+    const ToyMessage copy(*message);
+    EXPECT_EQ(copy.getReferenceCount(), 0);
+    auto* assigned = new ToyMessage(&inner);
+    assigned->addReference();
+    *assigned = *message;
+    message->addReference();
+    message->removeReference();
+    EXPECT_EQ(message->getReferenceCount(), 1);
+    EXPECT_EQ(assigned->getReferenceCount(), 1);
+    message->removeReference();
+    assigned->removeReference();
 }
 
 } // namespace
