@@ -200,12 +200,13 @@ TEST(TQXDecoder, TellsWhenThereIsNoMemoryForAMessage)
                      [&](const MessageApiEvent& told) { event = described(told); });
     const QByteArray block = measEpoch2(2);
     int attempts = 0;
-    for (; messages == 0; ++attempts) {
+    while (messages == 0) {
         event.clear();
         allocationsBeforeFailure = attempts;
         EXPECT_GT(decoder.decodeMessage(bytesOf(block), sizeOf(block)), 0);
         allocationsBeforeFailure = -1;
         EXPECT_EQ(event, messages == 0 ? "5 TQX: Inconsistent decoder state" : "") << attempts;
+        ++attempts;
     }
     EXPECT_GE(attempts, 3) << "neither record nor message were refused";
 }
