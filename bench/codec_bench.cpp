@@ -1,8 +1,14 @@
-// Decoding of blocks beside a memcpy of the same bytes. Random but well-formed blocks; the release
-// of sub-block arrays is included, as a receiver of records would do it.
+// Decoding of blocks in turns with its yardsticks: a memcpy of the same bytes, the refusal of the
+// type while it is switched off and, for the two telling blocks, the parse of the same content into
+// a protobuf message that is used again and again. The release of sub-block arrays is included, as
+// a receiver of records would do it. Blocks other than the telling ones are random but well-formed.
 
 #include "RandomBlock.h"
 #include "RecordGuard.h"
+#include "TellingBlocks.h"
+#include "Turns.h"
+#include "korcg_load.h"
+#include "yardstick.pb.h"
 
 #include <benchmark/benchmark.h>
 
@@ -13,71 +19,102 @@ namespace
 
 using namespace Kor::MessageApi;
 
-void setBytes(benchmark::State& state, size_t size)
+using Bytes = std::vector<uint8_t>;
+
+constexpr int kCallsPerTurn = 512;
+constexpr int kTurns = 201;
+
+TimedWork decoding(AnyRecord& record, TQX_Context_s& context, const Bytes& block)
 {
-    state.SetBytesProcessed(static_cast<int64_t>(size) * static_cast<int64_t>(state.iterations()));
+    return {kCallsPerTurn, [&](int calls) {
+                for (; calls > 0; --calls) {
+                    benchmark::DoNotOptimize(TQX_decode(
+                        &context, block.data(), static_cast<uint16_t>(block.size()), record.get()));
+                    TQX_release(record.get());
+                }
+            }};
 }
 
-void decode(benchmark::State& state, const std::vector<uint8_t>& block)
+TimedWork refusing(AnyRecord& record, TQX_Context_s& context, const Bytes& block)
 {
-    AnyRecord record;
-    TQX_Context_s context;
-    TQX_init_context(&context);
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(
-            TQX_decode(&context, block.data(), static_cast<uint16_t>(block.size()), record.get()));
-        TQX_release(record.get());
+    return {kCallsPerTurn, [&](int calls) {
+                for (; calls > 0; --calls)
+                    benchmark::DoNotOptimize(TQX_decode(
+                        &context, block.data(), static_cast<uint16_t>(block.size()), record.get()));
+            }};
+}
+
+TimedWork copying(Bytes& target, const Bytes& block)
+{
+    return {kCallsPerTurn, [&](int calls) {
+                for (; calls > 0; --calls) {
+                    std::memcpy(target.data(), block.data(), block.size());
+                    benchmark::DoNotOptimize(target.data());
+                    benchmark::ClobberMemory();
+                }
+            }};
+}
+
+template<typename Content>
+TimedWork parsing(Content& content, const std::string& bytes)
+{
+    return {kCallsPerTurn, [&](int calls) {
+                for (; calls > 0; --calls)
+                    benchmark::DoNotOptimize(
+                        content.ParseFromArray(bytes.data(), static_cast<int>(bytes.size())));
+            }};
+}
+
+class Measurement
+{
+public:
+    explicit Measurement(const Bytes& block)
+        : m_block(block), m_target(block.size()),
+          m_recordType(TQX_recordType(korcg_load_u16(&block[4]) & 0x1fffU))
+    {
+        TQX_init_context(&m_enabled);
+        m_disabled = m_enabled;
+        m_disabled.enableMask[TQX_enableByte(m_recordType)] &=
+            static_cast<uint8_t>(~TQX_enableBit(m_recordType));
     }
-    setBytes(state, block.size());
-}
 
-void refuse(benchmark::State& state, const std::vector<uint8_t>& block, uint32_t recordType)
-{
-    AnyRecord record;
-    TQX_Context_s context;
-    TQX_init_context(&context);
-    context.enableMask[TQX_enableByte(recordType)] &=
-        static_cast<uint8_t>(~TQX_enableBit(recordType));
-    for (auto _ : state)
-        benchmark::DoNotOptimize(
-            TQX_decode(&context, block.data(), static_cast<uint16_t>(block.size()), record.get()));
-    setBytes(state, block.size());
-}
-
-void copy(benchmark::State& state, const std::vector<uint8_t>& block)
-{
-    std::vector<uint8_t> target(block.size());
-    for (auto _ : state) {
-        std::memcpy(target.data(), block.data(), block.size());
-        benchmark::DoNotOptimize(target.data());
-        benchmark::ClobberMemory();
+    void run(benchmark::State& state, const std::vector<TimedWork>& yardsticks = {})
+    {
+        std::vector<TimedWork> works = {decoding(m_record, m_enabled, m_block),
+                                        refusing(m_refused, m_disabled, m_block),
+                                        copying(m_target, m_block)};
+        works.insert(works.end(), yardsticks.begin(), yardsticks.end());
+        const std::vector<double> ns = runInTurns(state, works);
+        state.counters["ns"] = ns[0];
+        state.counters["disabled_ns"] = ns[1];
+        state.counters["disabled_of_decode"] = ns[1] / ns[0];
+        state.counters["memcpy_ns"] = ns[2];
+        if (ns.size() > 3) {
+            state.counters["protobuf_ns"] = ns[3];
+            state.counters["of_protobuf"] = ns[0] / ns[3];
+        }
     }
-    setBytes(state, block.size());
+
+private:
+    const Bytes& m_block;
+    Bytes m_target;
+    uint32_t m_recordType;
+    AnyRecord m_record;
+    AnyRecord m_refused;
+    TQX_Context_s m_enabled;
+    TQX_Context_s m_disabled;
+};
+
+void randomContent(benchmark::State& state, const Bytes& block)
+{
+    Measurement(block).run(state);
 }
 
-// A measurement epoch with 40 signals and two further signals each.
-std::vector<uint8_t> largeEpoch()
+template<typename Content>
+void besideProtobuf(benchmark::State& state, const Bytes& block, const std::string& bytes)
 {
-    constexpr unsigned size = 20 + 40 * (20 + 2 * 12);
-    std::mt19937_64 random(1);
-    std::vector<uint8_t> block(size);
-    for (uint8_t& byte : block)
-        byte = static_cast<uint8_t>(random());
-    const uint8_t head[] = {'$', '@', 0, 0, 0xbb, 0x0f, size & 0xff, size >> 8};
-    std::copy(std::begin(head), std::end(head), block.begin());
-    block[14] = 40;
-    block[15] = 20;
-    block[16] = 12;
-    for (unsigned i = 0; i < 40; ++i)
-        block[20 + i * 44 + 19] = 2;
-    return block;
-}
-
-void add(const std::string& name, const std::vector<uint8_t>& block, uint32_t recordType)
-{
-    benchmark::RegisterBenchmark((name + "/decode").c_str(), decode, block);
-    benchmark::RegisterBenchmark((name + "/memcpy").c_str(), copy, block);
-    benchmark::RegisterBenchmark((name + "/disabled").c_str(), refuse, block, recordType);
+    Content content;
+    Measurement(block).run(state, {parsing(content, bytes)});
 }
 
 } // namespace
@@ -85,11 +122,20 @@ void add(const std::string& name, const std::vector<uint8_t>& block, uint32_t re
 int main(int argc, char** argv)
 {
     benchmark::Initialize(&argc, argv);
+    benchmark::RegisterBenchmark("telling/PVTGeodetic2", besideProtobuf<yardstick::PVTGeodetic2>,
+                                 positionBlock(), positionAsProtobuf())
+        ->UseManualTime()
+        ->Iterations(kTurns);
+    benchmark::RegisterBenchmark("telling/MeasEpoch2", besideProtobuf<yardstick::MeasEpoch2>,
+                                 epochBlock(), epochAsProtobuf())
+        ->UseManualTime()
+        ->Iterations(kTurns);
     std::mt19937_64 random(7);
     for (const TQX_TypeLayout* type : mainTypes())
-        add(type->name, randomBlock(*type, {type->highestRevision, 20, 0}, random),
-            type->recordType);
-    add("MeasEpoch2_40x2", largeEpoch(), 371);
+        benchmark::RegisterBenchmark(type->name, randomContent,
+                                     randomBlock(*type, {type->highestRevision, 20, 0}, random))
+            ->UseManualTime()
+            ->Iterations(kTurns);
     benchmark::RunSpecifiedBenchmarks();
     return 0;
 }

@@ -2,12 +2,11 @@
 // bytes, and the checksum by one table. Each row times 512 calls of one method; its counters are
 // medians: nanoseconds a call, and how many times as fast as the yardsticks it is.
 
+#include "Turns.h"
 #include "korcg_crc.h"
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstddef>
 #include <cstring>
 #include <random>
@@ -20,6 +19,8 @@ namespace
 constexpr int kCallsPerTurn = 512;
 constexpr int kTableCallsPerTurn = 16; // it takes a hundred times as long
 constexpr size_t kBlocks = 8;
+
+using Function = uint16_t (*)(const uint8_t*, size_t, uint16_t);
 
 #if defined(__GNUC__)
 __attribute__((noinline))
@@ -51,17 +52,15 @@ public:
         }
     }
 
-    /// Seconds for `calls` calls.
-    template<typename Function>
-    double timeTurn(Function function, int calls) const
+    TimedWork calling(Function method, int callsPerTurn) const
     {
-        using Clock = std::chrono::steady_clock;
-        const auto start = Clock::now();
-        for (int i = 0; i < calls; ++i) {
-            const size_t block = static_cast<size_t>(i) % kBlocks;
-            benchmark::DoNotOptimize(function(m_bytes.data() + block * (m_size + 5), m_size, 0));
-        }
-        return std::chrono::duration<double>(Clock::now() - start).count();
+        return {callsPerTurn, [this, method](int calls) {
+                    for (int i = 0; i < calls; ++i) {
+                        const size_t block = static_cast<size_t>(i) % kBlocks;
+                        benchmark::DoNotOptimize(
+                            method(m_bytes.data() + block * (m_size + 5), m_size, 0));
+                    }
+                }};
     }
 
 private:
@@ -69,34 +68,15 @@ private:
     std::vector<uint8_t> m_bytes;
 };
 
-// A turn that the system interrupted says nothing about the code.
-double median(std::vector<double>& values)
-{
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
-
-using Function = uint16_t (*)(const uint8_t*, size_t, uint16_t);
-
 void measure(benchmark::State& state, Function method, Function byteTable)
 {
-    const auto size = static_cast<size_t>(state.range(0));
-    const Blocks blocks(size);
-    std::vector<double> methodTimes;
-    std::vector<double> sumTimes;
-    std::vector<double> tableTimes;
-    for (auto _ : state) {
-        methodTimes.push_back(blocks.timeTurn(method, kCallsPerTurn));
-        sumTimes.push_back(blocks.timeTurn(sum64, kCallsPerTurn));
-        tableTimes.push_back(blocks.timeTurn(byteTable, kTableCallsPerTurn));
-        state.SetIterationTime(methodTimes.back());
-    }
-    const double methodTime = median(methodTimes);
-    const double tableTime = median(tableTimes) * kCallsPerTurn / kTableCallsPerTurn;
-    state.counters["ns"] = methodTime / kCallsPerTurn * 1e9;
-    state.counters["of_sum64"] = median(sumTimes) / methodTime;
-    state.counters["of_byte_table"] = tableTime / methodTime;
+    const Blocks blocks(static_cast<size_t>(state.range(0)));
+    const std::vector<double> ns = runInTurns(
+        state, {blocks.calling(method, kCallsPerTurn), blocks.calling(sum64, kCallsPerTurn),
+                blocks.calling(byteTable, kTableCallsPerTurn)});
+    state.counters["ns"] = ns[0];
+    state.counters["of_sum64"] = ns[1] / ns[0];
+    state.counters["of_byte_table"] = ns[2] / ns[0];
 }
 
 void combine(benchmark::State& state)
