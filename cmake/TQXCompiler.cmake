@@ -36,6 +36,7 @@ include(CheckLinkerFlag)
 check_linker_flag(CXX "-Wl,-Bsymbolic-functions" TQX_HAVE_BSYMBOLIC_FUNCTIONS)
 check_linker_flag(CXX "-Wl,-Bsymbolic" TQX_HAVE_BSYMBOLIC)
 check_linker_flag(CXX "-Wl,-z,pack-relative-relocs" TQX_HAVE_PACKED_RELOCATIONS)
+check_linker_flag(CXX "-Wl,--sort-section=name" TQX_HAVE_SORTED_SECTIONS)
 
 # tqx_library(<name> <MACRO>): settings of one shared library of the project.
 # <MACRO> is its export macro, defined in the generated header <name>_export.h

@@ -2,6 +2,7 @@
 
 #include "FieldType.h"
 #include "FieldValue.h"
+#include "SymbolicValues.h"
 #include "messageapi_export.h"
 
 #include <QString>
@@ -25,11 +26,7 @@ public:
         Reserved = 3
     };
 
-    /// A value that is shown by a name.
-    struct SymbolicValue {
-        FieldValue value;
-        QString name;
-    };
+    using SymbolicValue = ::SymbolicValue;
 
     FieldInfo(const FieldInfo&) = delete;
     FieldInfo& operator=(const FieldInfo&) = delete;
@@ -81,11 +78,13 @@ public:
     signed char getPrecision() const { return m_precision; }
 
     /// In the order in which they were added.
-    const QVector<SymbolicValue>& getSymbolicValues() const { return m_symbolicValues; }
+    const SymbolicValues& getSymbolicValues() const { return m_symbolicValues; }
 
-    /// The name of the first symbolic value equal to `value`, or null. Takes one step where names
-    /// run without gaps, a binary search where they ascend.
-    const QString* findSymbolicValue(const FieldValue& value) const;
+    /// The name of the first symbolic value equal to `value`, or null.
+    const QString* findSymbolicValue(const FieldValue& value) const
+    {
+        return m_symbolicValues.find(value);
+    }
 
     /// The value that means "not available"; empty when every value is one.
     const FieldValue& getDoNotUseValue() const { return m_doNotUseValue; }
@@ -144,9 +143,8 @@ private:
     FieldType m_type;
     FieldValue m_doNotUseValue;
     double m_scaleFactor = 1;
-    QVector<SymbolicValue> m_symbolicValues;
+    SymbolicValues m_symbolicValues;
     QVector<const FieldInfo*> m_subFieldInfos;
-    int m_ascendingSymbols = 0; ///< leading symbolic values that ascend
     signed char m_precision = -1;
     uint8_t m_role = Unset;
     uint8_t m_representationMode = FieldValue::Default;
@@ -155,5 +153,3 @@ private:
     bool m_isRepeated = false;
     bool m_isVirtual = false;
 };
-
-Q_DECLARE_TYPEINFO(FieldInfo::SymbolicValue, Q_MOVABLE_TYPE);

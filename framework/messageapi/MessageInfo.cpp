@@ -83,6 +83,11 @@ void MessageInfo::setFormatInfo(const FormatInfo* formatInfo)
 
 void MessageInfo::addFieldInfo(FieldInfo* field, int order, bool isIdentifying)
 {
+    if (m_places.isEmpty() || m_places.constLast().order <= order) {
+        m_fieldInfos.append(field);
+        m_places.append(Place{order, isIdentifying});
+        return;
+    }
     const auto behind =
         std::upper_bound(m_places.cbegin(), m_places.cend(), order,
                          [](int wanted, const Place& place) { return wanted < place.order; });

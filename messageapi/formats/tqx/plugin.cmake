@@ -30,6 +30,7 @@ add_library(tqx SHARED
     src/metadata/TQX_FieldInfo.cpp
     src/metadata/TQX_FormatInfo.cpp
     src/metadata/TQX_MessageInfo.cpp
+    src/metadata/TQX_SharedText.cpp
     src/metadata/TQX_SymbolNames.cpp
     ${TQX_SERVICE_SOURCES}
     ${moc_sources}
@@ -55,6 +56,12 @@ target_link_libraries(tqx PUBLIC tqx-codec messageapi korcomm korguibase)
 # Thousands of exported classes would otherwise be looked up by name at every start.
 if(TQX_HAVE_BSYMBOLIC)
     target_link_options(tqx PRIVATE "-Wl,-Bsymbolic")
+endif()
+# Each singleton is written after its guard has been read. Apart from the guards, its page comes into
+# being when it is written; a page that is read first costs a second fault.
+if(TQX_HAVE_SORTED_SECTIONS)
+    set_property(SOURCE ${TQX_GENERATED_metadata} APPEND PROPERTY COMPILE_OPTIONS -fdata-sections)
+    target_link_options(tqx PRIVATE "-Wl,--sort-section=name")
 endif()
 # The generated headers are written together with the codec's.
 add_dependencies(tqx tqx-codec)

@@ -3,6 +3,7 @@
 #include "TQX_FieldAccess.h"
 #include "TQX_FormatInfo.h"
 #include "TQX_RecordAccess.h"
+#include "TQX_SharedText.h"
 #include "TQX_SymbolNames.h"
 
 #include "FieldType.h"
@@ -76,7 +77,7 @@ TQX_FieldInfo::TQX_FieldInfo(const TQX_TypeRow& type, unsigned index)
 }
 
 TQX_FieldInfo::TQX_FieldInfo(const TQX_TypeRow& type, const TQX_TypeLayout& layout, unsigned index)
-    : FieldInfo(QString::fromLatin1(layout.fields[index].name),
+    : FieldInfo(TQX_sharedText(layout.fields[index].name),
                 typeOf(layout.fields[index], type.fields[index])),
       m_row(type.fields[index]), m_field(layout.fields[index]), m_type(layout)
 {
@@ -101,7 +102,7 @@ TQX_FieldInfo::TQX_FieldInfo(const TQX_TypeRow& type, const TQX_TypeLayout& layo
     if (m_row.role != 0)
         setRole(static_cast<FieldInfo::Role>(m_row.role));
     if (m_row.unit)
-        setUnit(QString::fromLatin1(m_row.unit));
+        setUnit(TQX_sharedText(m_row.unit));
     if (m_row.scale != 0)
         setScaleFactor(m_row.scale);
     addSymbolicValues();
