@@ -6,11 +6,13 @@
 #include <QObject>
 
 /// Cuts a stream of bytes into whole TQX blocks whose checksum matches, see BlockFramer for the
-/// rules. Damage is told by signals, emitted while appendBytes, getBlockBytes and flush run.
+/// rules. Damage is told by signals, emitted while appendBytes, getBlockBytes and flush run; none
+/// of it ends the work, and receivers may call back. Used by one thread at a time.
 class KORCOMM_API TqxSync : public QObject, private BlockFramer::Listener
 {
     Q_OBJECT
 public:
+    /// Owned by `parent`, if there is one.
     explicit TqxSync(QObject* parent = nullptr);
     ~TqxSync() override;
 
@@ -24,7 +26,7 @@ public:
     /// there is none.
     QByteArray getBlockBytes();
 
-    /// Bytes appended that are neither returned nor dropped.
+    /// Bytes appended that are neither returned nor dropped, INT_MAX if they are more.
     virtual int getNumberOfBytesLeft() const;
 
     /// The input has ended: candidates that can never become complete are given up and the intact

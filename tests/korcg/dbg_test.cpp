@@ -191,20 +191,4 @@ TEST(CallBacks, TakeOverLookUpLockAndReport)
     EXPECT_EQ(outcome.status, 1);
 }
 
-TEST(ErrorText, IsKnownForEachCode)
-{
-    const char* const texts[] = {"Unknown Error",
-                                 " success.",
-                                 " unknown type.",
-                                 " could not open file.",
-                                 " illegal nullpointer passed as argument.",
-                                 " functionality not yet implemented.",
-                                 " Mutex init failed.",
-                                 " could not close file.",
-                                 "Unknown Error"};
-    for (int code = -1; code <= 7; ++code) {
-        EXPECT_STREQ(dbg_ErrorText(code), texts[code + 1]);
-    }
-}
-
 } // namespace

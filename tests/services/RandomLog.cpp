@@ -29,19 +29,16 @@ RandomLog::RandomLog(int size)
             const std::vector<uint8_t> block = randomBlock(*type, options, random);
             const QByteArray bytes(reinterpret_cast<const char*>(block.data()),
                                    static_cast<int>(block.size()));
-            switch (random() % 64) {
-            case 0:
+            const uint64_t damage = random() % 512;
+            if (damage < 8) {
                 m_bytes += "junk $";
-                break;
-            case 1:
+            } else if (damage < 16) {
                 m_bytes += QByteArray("$@\0\0\0\0\7\0", 8);
-                break;
-            case 2:
+            } else if (damage < 24) {
                 m_bytes += bytes;
                 m_bytes[m_bytes.size() - 1] = static_cast<char>(bytes.back() ^ 1);
-                break;
-            default:
-                break;
+            } else if (damage < 25) {
+                m_bytes += QByteArray("$@\0\0\0\0\xff\xff", 8);
             }
             m_blocks.push_back(m_bytes.size());
             m_bytes += bytes;

@@ -77,20 +77,19 @@ TEST(LongRun, TakesConstantMemory)
     RandomLog log(3 * kMegabyte);
     Keeper keeper;
     Host host;
-    uint64_t start = kStart;
-    size_t block = 0;
+    const uint64_t millisPerRound = log.timeOf(0, log.blockCount());
     uint64_t wrongTimes = 0;
-    host.onBlock = [&](const QByteArray&) { ++block; };
     host.onMessage = [&](const Message* message) {
-        wrongTimes += TQXUtils::getGNSSMillis(message) != log.timeOf(start, block - 1) ? 1 : 0;
+        const uint64_t block = host.blocks - 1;
+        const uint64_t start = kStart + block / log.blockCount() * millisPerRound;
+        const uint64_t time = log.timeOf(start, block % log.blockCount());
+        wrongTimes += TQXUtils::getGNSSMillis(message) != time ? 1 : 0;
         keeper.take(message);
     };
     uint64_t rounds = 0;
     const auto runUntil = [&](uint64_t megabytes) {
         for (; host.appended < megabytes * kMegabyte; ++rounds) {
-            start = log.timeOf(start, block);
-            block = 0;
-            log.beginAt(start);
+            log.beginAt(kStart + rounds * millisPerRound);
             host.append(log.bytes(), 1 << 16);
         }
         return peakOfMemory();

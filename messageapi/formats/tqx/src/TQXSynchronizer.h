@@ -11,7 +11,9 @@ class TqxSync;
 /// Cuts a stream of bytes into whole TQX blocks whose checksum matches, for TQXDecoder. What is
 /// wrong with the stream is published by newEvent during appendBytes, getBlockBytes and flush, and
 /// none of it ends the work: a bad checksum ("TQX_ERR_INVALID_CRC"), bytes that belong to no block,
-/// and a length that is too small ("TQX_ERR_INVALID_LENGTH"), each of type DecodingError.
+/// and a length that is too small ("TQX_ERR_INVALID_LENGTH"), each of type DecodingError. Memory
+/// stays bounded as long as the blocks are fetched before more is appended. Used by one thread at a
+/// time.
 class TQX_API TQXSynchronizer : public AbstractSync
 {
     Q_OBJECT
@@ -23,6 +25,7 @@ public:
     /// Adds received bytes, in pieces of any size; they are copied.
     void appendBytes(QByteArray& bytes) override;
 
+    /// Whether getBlockBytes has a whole block to return.
     bool hasBlock() const override;
 
     /// Removes and returns the next whole block, "$@" first; empty when there is none.

@@ -32,6 +32,9 @@ public:
     ~TQX_DiffCorrIn_Extractor() override;
 
 public Q_SLOTS:
+    /// Feeds the target with the corrections in `message`, which is not null; an empty payload is
+    /// passed on too. Does nothing for other messages and other modes. What the target returns is
+    /// ignored: its own receivers hear of failures.
     void processNewMessage(const Message* message);
 
 protected:

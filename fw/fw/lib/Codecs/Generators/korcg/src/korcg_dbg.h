@@ -13,14 +13,16 @@
 
 /// Trace and assertion output, chosen at start-up by environment variables:
 ///
-/// | variable | meaning | unset |
-/// |---|---|---|
-/// | KOR_TRACELEVEL | levels to print: "FUNC", "0", "1", "2", or "none", or "all" | 1 |
-/// | KOR_TRACEINFO | fields before each line: "MODULE", "SUBMOD", "FUNC", "FILE", "LINE", "LEVEL",
-/// "TIME", "THREAD", or "all" | SUBMOD, FUNC, LINE, LEVEL | | KOR_MODULES | modules to trace: a
-/// list of names, "none" or "all" | all | | KOR_SUBMODULES | classes to trace, likewise | all | |
-/// KOR_STARTTIME | first second to trace, counted from 1970-01-01 UTC | 0 | | KOR_STOPTIME | last
-/// second to trace | no end | | KOR_LOGFILE | file to append the output to | standard output |
+/// - KOR_TRACELEVEL: levels to print, "FUNC", "0", "1", "2"; or "none"; or "all", which wins.
+///   Unset: DBG_LEVEL_ALWAYS alone.
+/// - KOR_TRACEINFO: fields before each line, "MODULE", "SUBMOD", "FUNC", "FILE", "LINE", "LEVEL",
+///   "TIME", "THREAD"; or "all". Unset: SUBMOD, FUNC, LINE and LEVEL.
+/// - KOR_MODULES: modules to trace, a list of names, "none" or "all". Unset: all.
+/// - KOR_SUBMODULES: classes to trace, likewise.
+/// - KOR_STARTTIME, KOR_STOPTIME: first and last second to trace, counted from 1970-01-01 UTC.
+///   Unset: no limit.
+/// - KOR_LOGFILE, or the variable that dbg_Init is given: file to append the output to. Unset:
+///   standard output.
 ///
 /// Words are looked for anywhere in a value: "012" selects three levels. A module passes when its
 /// name occurs in the value of KOR_MODULES: "TQXDecoder,TQXUtils" passes these two classes.
