@@ -23,7 +23,6 @@ public:
     QString getRawStringFor(const QVector<bool>&) const override { return {}; }
 
     using Message::getRawRepresentationOf;
-    using Message::setParentMessage;
 
     QVector<QVector<FieldValue>> values;
 
@@ -46,14 +45,10 @@ public:
     using FieldInfo::addSymbolicValue;
     using FieldInfo::getValueString;
     using FieldInfo::setDoNotUseValue;
-    using FieldInfo::setIsOptional;
-    using FieldInfo::setIsRepeated;
     using FieldInfo::setPrecision;
     using FieldInfo::setRepresentationMode;
-    using FieldInfo::setRole;
     using FieldInfo::setScaleFactor;
     using FieldInfo::setUnit;
-    using FieldInfo::setVirtual;
 
     bool hasValue(const Message* message) const override { return getNumberOfValues(message) > 0; }
     unsigned getNumberOfValues(const Message* message) const override
@@ -86,10 +81,8 @@ public:
     explicit ToyInfo(QString name) : MessageInfo(std::move(name)) {}
     ~ToyInfo() override = default;
 
-    using MessageInfo::addDiscriminantValue;
     using MessageInfo::addFieldInfo;
     using MessageInfo::setAttribute;
-    using MessageInfo::setFormatInfo;
     using MessageInfo::setIsMain;
 };
 

@@ -10,40 +10,6 @@
 namespace
 {
 
-TEST(FieldInfo, KeepsWhatItIsTold)
-{
-    ToyField field("Front End", FieldType::u(5));
-    EXPECT_EQ(field.getRole(), FieldInfo::Unset);
-    EXPECT_FALSE(field.hasScaleFactor());
-    EXPECT_EQ(field.getScaleFactor(), 1);
-    EXPECT_EQ(field.getPrecision(), -1);
-    EXPECT_FALSE(field.hasDoNotUseValue());
-    EXPECT_FALSE(field.isDoNotUse(FieldValue()));
-
-    ToyField part("Part", FieldType::u(1));
-    field.setUnit(QStringLiteral("volt"));
-    field.setScaleFactor(1);
-    field.setPrecision(0);
-    field.setDoNotUseValue(FieldValue::u(31, 5));
-    field.setRole(FieldInfo::Reserved);
-    field.setIsOptional(true);
-    field.setIsRepeated(true);
-    field.setVirtual(true);
-    field.setRepresentationMode(FieldValue::BitMask);
-    field.addSubFieldInfo(&part);
-    EXPECT_EQ(field.getName(), "Front End");
-    EXPECT_EQ(field.getType(), FieldType::u(5));
-    EXPECT_EQ(field.getUnit(), "volt");
-    EXPECT_TRUE(field.hasScaleFactor());
-    EXPECT_EQ(field.getPrecision(), 0);
-    EXPECT_EQ(field.getDoNotUseValue(), FieldValue::u(31, 5));
-    EXPECT_EQ(field.getDoNotUseValue().getWidth(), 5);
-    EXPECT_EQ(field.getRole(), FieldInfo::Reserved);
-    EXPECT_TRUE(field.isOptional() && field.isRepeated() && field.isVirtual());
-    EXPECT_EQ(field.getRepresentationMode(), FieldValue::BitMask);
-    EXPECT_EQ(field.getSubFieldInfos(), QVector<const FieldInfo*>{&part});
-}
-
 TEST(FieldInfo, FindsTheFirstNameOfAValue)
 {
     struct Row {

@@ -5,49 +5,28 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-TEST(FieldAccess, PresenceFollowsTheRevision)
+// What the description must say for the getters of some telling fields to come out right.
+
+TEST(FieldAccess, PresenceFollowsRevisionAndSelector)
 {
-    for (uint8_t revision = 0; revision <= 7; ++revision) {
-        SCOPED_TRACE(int{revision});
-        auto pvt = made(TQX_init_PVTGeodetic2);
-        pvt->Revision = revision;
-        const TQX_PVTGeodetic2_Message position(pvt.get(), false);
-        EXPECT_EQ(position.hasHAccuracy(), revision >= 2);
-        EXPECT_EQ(position.hasBaseline(), revision >= 2);
-        EXPECT_EQ(position.has_padding0(), revision == 0);
-
-        auto epoch = measEpoch2(0);
-        epoch->Revision = revision;
-        EXPECT_EQ(TQX_MeasEpoch2_Message(epoch.get(), false).hasCumClkJumps(), revision >= 1);
-
-        auto status = batteryStatus(revision);
-        TQX_BatteryStatus_Message batteries(status.get(), false);
-        TQX_Battery_Message* battery = batteries.getBattery(0);
-        EXPECT_EQ(battery->hasVoltage(), revision >= 1);
-        EXPECT_EQ(battery->hasReserved(), revision >= 2);
-        EXPECT_EQ(thrownText([&] { battery->getVoltage(); }).empty(), revision >= 1);
-        EXPECT_EQ(battery->getReserved(2), 3) << "an absent array is read all the same";
-    }
-}
-
-TEST(FieldAccess, PresenceFollowsTheSelector)
-{
-    auto record = made(TQX_init_DiffCorrIn);
+    auto corrections = made(TQX_init_DiffCorrIn);
     auto set = made(TQX_init_ExtSensorMeasSet);
-    const TQX_DiffCorrIn_Message corrections(record.get(), false);
-    const TQX_ExtSensorMeasSet_Message sensor(set.get(), nullptr, false);
-    for (uint8_t value = 0; value < 24; ++value) {
+    auto epoch = measEpoch2(0);
+    for (uint8_t value = 0; value < 8; ++value) {
         SCOPED_TRACE(int{value});
-        record->Mode = value;
-        EXPECT_EQ(corrections.hasRTCM2Words(), value == 0);
-        EXPECT_EQ(corrections.hasParity(), value == 0);
-        EXPECT_EQ(corrections.hasCMRMessage(), value == 1);
-        EXPECT_EQ(corrections.hasRTCM3Message(), value == 2);
-        EXPECT_EQ(corrections.hasRTCMVMessage(), value == 3);
+        epoch->Revision = value;
+        EXPECT_EQ(TQX_MeasEpoch2_Message(epoch.get(), false).hasCumClkJumps(), value >= 1);
+        auto status = batteryStatus(value);
+        TQX_BatteryStatus_Message batteries(status.get(), false);
+        EXPECT_EQ(batteries.getBattery(0)->hasVoltage(), value >= 1);
+        EXPECT_EQ(batteries.getBattery(0)->hasReserved(), value >= 2);
+        EXPECT_EQ(batteries.getBattery(0)->getReserved(2), 3) << "absent, but read all the same";
+        corrections->Mode = value;
+        const TQX_DiffCorrIn_Message message(corrections.get(), false);
+        EXPECT_EQ(message.hasParity(), value == 0);
+        EXPECT_EQ(message.hasRTCM3Message(), value == 2);
         set->Type = value;
-        EXPECT_EQ(sensor.hasAcceleration(), value == 0);
-        EXPECT_EQ(sensor.hasInfo(), value == 3);
-        EXPECT_EQ(sensor.hasZeroVelocityFlag(), value == 20);
+        EXPECT_EQ(TQX_ExtSensorMeasSet_Message(set.get(), nullptr, false).hasInfo(), value == 3);
     }
 }
 
@@ -59,23 +38,17 @@ TEST(FieldAccess, CountsOfRepeatedFields)
     EXPECT_EQ(text.getSensorModelVector().last(), '\0');
     EXPECT_EQ(text.getNumberOfASCIIString(), 1U);
     EXPECT_EQ(text.getASCIIString(0), '\0');
-
-    // A caller's count above the record's room is told as it is, but never read.
-    string->StringLn = 5000;
+    string->StringLn = 5000; // a caller's, above the record's room
     EXPECT_EQ(text.getNumberOfASCIIString(), 5001U);
     EXPECT_EQ(text.getASCIIStringVector().size(), 2001);
-    EXPECT_EQ(thrownText([&] { text.getASCIIString(2001); }),
-              "Requesting value for an repeated field ASCIIIn::ASCIIString with out of range "
-              "index.");
+    EXPECT_NE(thrownText([&] { text.getASCIIString(2001); }), "");
 
     auto record = made(TQX_init_DiffCorrIn);
-    TQX_DiffCorrIn_Message corrections(record.get(), false);
     record->Data_Byte_Length = 11;
+    const TQX_DiffCorrIn_Message corrections(record.get(), false);
     EXPECT_EQ(corrections.getNumberOfRTCM2Words(), 2U) << "whole words";
     EXPECT_EQ(corrections.getNumberOfParity(), 2U);
     EXPECT_EQ(corrections.getNumberOfRTCM3Message(), 11U);
-    corrections.getRTCM2WordsArray()[1] = 77;
-    EXPECT_EQ(corrections.getRTCM2WordsVector(), QVector<unsigned int>({0, 77}));
 }
 
 } // namespace

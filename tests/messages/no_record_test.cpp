@@ -1,89 +1,68 @@
 #include "Records.h"
 #include "TQX_MessageAccessors.h"
 
-#include <memory>
+#include <functional>
 #include <random>
-#include <string>
-#include <variant>
+#include <vector>
 
 using namespace Kor::MessageApi;
 
 namespace
 {
 
-/// Calls one of the functions of a field.
-class AnyRead
-{
-public:
-    AnyRead(Message& message, std::mt19937& generator)
-        : m_message(message), m_which(static_cast<unsigned>(generator()))
-    {
-    }
+/// All ways to read a field that need a record.
+struct ReadsOf {
+    using Reads = std::vector<std::function<void()>>;
 
-    void operator()(const FieldAccessor& row) const
+    Reads operator()(const FieldAccessor& row) const
     {
-        if (row.has && m_which % 2 == 0)
-            (m_message.*row.has)();
-        else
-            std::visit(*this, row.getters);
+        Reads reads = std::visit(*this, row.getters);
+        if (row.has)
+            reads.push_back([=] { (message->*row.has)(); });
+        return reads;
     }
-
     template<typename Value>
-    void operator()(const ScalarGetter<Value>& getter) const
+    Reads operator()(const ScalarGetter<Value>& getter) const
     {
-        (m_message.*getter.get)();
+        return {[=] { (message->*getter.get)(); }};
     }
-
     template<typename Value>
-    void operator()(const RepeatedGetters<Value>& getters) const
+    Reads operator()(const RepeatedGetters<Value>& getters) const
     {
-        if (m_which % 3 == 0)
-            (m_message.*getters.at)(0);
-        else if (m_which % 3 == 1)
-            (m_message.*getters.count)();
-        else
-            (m_message.*getters.vector)();
+        return {[=] { (message->*getters.at)(0); }, [=] { (message->*getters.count)(); },
+                [=] { (message->*getters.vector)(); }};
+    }
+    Reads operator()(const BlocksGetters& getters) const
+    {
+        return {[=] { getters.at(message, 0); }, [=] { (message->*getters.count)(); },
+                [=] { getters.vector(message); }, [=] { getters.constVector(message); },
+                [=] { message->getSubMessages(); }};
+    }
+    Reads operator()(const EmbeddedGetters& getters) const
+    {
+        return {[=] { getters.get(message); }, [=] { message->getSubMessages(); }};
     }
 
-    void operator()(const BlocksGetters& getters) const
-    {
-        if (m_which % 6 == 0)
-            getters.at(&m_message, 0);
-        else if (m_which % 6 == 1)
-            getters.constAt(&m_message, 0);
-        else if (m_which % 6 == 2)
-            (m_message.*getters.count)();
-        else if (m_which % 6 == 3)
-            getters.vector(&m_message);
-        else if (m_which % 6 == 4)
-            getters.constVector(&m_message);
-        else
-            m_message.getSubMessages();
-    }
-
-    void operator()(const EmbeddedGetters& getters) const { getters.get(&m_message); }
-
-private:
-    Message& m_message;
-    unsigned m_which;
+    Message* message;
 };
 
 TEST(MessagesWithoutRecordDeathTest, EndTheProcessWhenRead)
 {
     TQX_FormatInfo::getInstance();
     std::mt19937 generator(1);
+    const auto below = [&](size_t limit) { return generator() % limit; };
     for (const MessageMaker& maker : messageMakers()) {
-        const auto type = static_cast<unsigned>(maker.recordType);
         const std::unique_ptr<Message> message(maker.make());
         EXPECT_EQ(RecordReader::recordOf(message.get()), nullptr);
         EXPECT_EQ(message->getRawStringFor(QVector<bool>(3, false)), "");
         const Rows<FieldAccessor> rows = fieldAccessors(maker.recordType);
-        const FieldAccessor& row = rows.rows[generator() % rows.count];
-        const AnyRead read(*message, generator);
-        EXPECT_DEATH(read(row), std::string("TQX_") + TQX_layout(type)->name +
-                                    "_Message::assertRepresentation\\(\\) failed when trying to "
-                                    "access data of an uninitialized message\\.\n")
-            << TQX_layout(type)->fields[row.field].name;
+        const ReadsOf readsOf{message.get()};
+        const auto reads = readsOf(rows.rows[below(rows.count)]);
+        const auto& read = reads[below(reads.size())];
+        EXPECT_DEATH(read(),
+                     "TQX_" + message->getInfo()->getName().toStdString() +
+                         "_Message::assertRepresentation\\(\\) failed when trying to access data "
+                         "of an uninitialized message\\.\n");
     }
 }
 

@@ -90,8 +90,6 @@ TEST(RawString, SubBlocksAreCountedNotRendered)
     auto epoch = measEpoch2(3);
     EXPECT_EQ(line(TQX_MeasEpoch2_Message(epoch.get(), false), {"N1", "Type1"}),
               "3;submsg submsg submsg");
-    auto none = measEpoch2(0);
-    EXPECT_EQ(line(TQX_MeasEpoch2_Message(none.get(), false), {"N1", "Type1"}), "0;");
 }
 
 } // namespace

@@ -242,6 +242,9 @@ TEST(TQXDecoder, TypesAreSwitchedByNumberAndByInfo)
     TQXDecoder& decoder = recorded.decoder;
     const MessageInfo* info = TQX_FormatInfo::getInstance()->getMessageInfo("PVTGeodetic2");
     EXPECT_EQ(decoder.getMessageEnum(info), kPVTGeodetic2);
+    EXPECT_EQ(decoder.getMessageEnum(nullptr), -1);
+    EXPECT_FALSE(decoder.enableMessage(nullptr) || decoder.disableMessage(nullptr));
+    EXPECT_FALSE(decoder.isEnabled(nullptr));
     EXPECT_TRUE(decoder.disableMessage(info));
     EXPECT_FALSE(decoder.isEnabledMessageEnum(kPVTGeodetic2));
     EXPECT_EQ(recorded.decode(pvtGeodetic2()), TQX_layout(kPVTGeodetic2)->disabled);

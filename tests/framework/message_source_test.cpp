@@ -1,58 +1,14 @@
 #include "QtPrinters.h"
 #include "Toy.h"
 
-#include <AbstractDecoder.h>
+#include <MessageSource.h>
 
 #include <QCoreApplication>
 
 #include <gtest/gtest.h>
 
-#include <set>
-
 namespace
 {
-
-/// Switches types, decodes nothing.
-class SwitchingDecoder final : public AbstractDecoder
-{
-public:
-    explicit SwitchingDecoder(const MessageInfo* info)
-        : AbstractDecoder(QStringLiteral("Switching"), nullptr)
-    {
-        setMessageEnum(info, 7);
-    }
-    int32_t decodeMessage(const uint8_t*, uint32_t) override { return 0; }
-    void enableAllMessages() override {}
-    void disableAllMessages() override {}
-    void enableMessageEnum(int32_t messageEnum) override { m_enabled.insert(messageEnum); }
-    void disableMessageEnum(int32_t messageEnum) override { m_enabled.erase(messageEnum); }
-    bool isEnabledMessageEnum(int32_t messageEnum) const override
-    {
-        return m_enabled.count(messageEnum) != 0;
-    }
-
-private:
-    std::set<int32_t> m_enabled = {-1};
-};
-
-TEST(AbstractDecoder, SwitchesTypesByTheirMetadata)
-{
-    const ToyInfo known(QStringLiteral("Known"));
-    const ToyInfo unknown(QStringLiteral("Unknown"));
-    SwitchingDecoder decoder(&known);
-    EXPECT_EQ(decoder.getMessageEnum(&known), 7);
-    EXPECT_FALSE(decoder.isEnabled(&known));
-    EXPECT_TRUE(decoder.enableMessage(&known));
-    EXPECT_TRUE(decoder.isEnabled(&known));
-    EXPECT_TRUE(decoder.disableMessage(&known));
-    EXPECT_FALSE(decoder.isEnabled(&known));
-
-    EXPECT_EQ(decoder.getMessageEnum(&unknown), -1);
-    EXPECT_FALSE(decoder.isEnabled(&unknown));
-    EXPECT_FALSE(decoder.enableMessage(&unknown));
-    EXPECT_FALSE(decoder.disableMessage(nullptr));
-    EXPECT_TRUE(decoder.isEnabledMessageEnum(-1)) << "no type, no switch";
-}
 
 /// Notes events, as a host does that connects with the older syntax.
 class Listener : public QObject
@@ -101,4 +57,4 @@ TEST(MessageSource, EventsTravelThroughEveryConnection)
 
 } // namespace
 
-#include "decoder_base_test.moc"
+#include "message_source_test.moc"
