@@ -273,7 +273,7 @@ TEST(AllMessages, GiveWhatTheirRecordsHold)
     EXPECT_EQ(seen.messages.size(), messageMakers().count);
     for (const auto& [name, number] : seen.messages)
         EXPECT_EQ(MemLeakTracer::getTotalAllocations(name.c_str()), number) << name;
-    EXPECT_EQ(MemLeakTracer::getUnbalancedNames(), QStringList());
+    EXPECT_EQ(MemLeakTracer::getUnbalancedNames().join(' ').toStdString(), "");
     std::vector<std::string> onlyOneWay;
     std::set_symmetric_difference(seen.present.begin(), seen.present.end(), seen.absent.begin(),
                                   seen.absent.end(), std::back_inserter(onlyOneWay));

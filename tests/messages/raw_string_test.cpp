@@ -1,5 +1,7 @@
 #include "Records.h"
 
+#include <QLocale>
+
 #include <algorithm>
 #include <cstring>
 #include <vector>
@@ -21,7 +23,10 @@ std::string line(const Message& message, const std::vector<std::string>& names, 
     const QString separator = std::exchange(Message::fieldSeparator, QStringLiteral(";"));
     const QString text = std::exchange(Message::doNotUseString, QStringLiteral("n/a"));
     const bool used = std::exchange(Message::useDoNotUseString, use);
+    const QLocale locale;
+    QLocale::setDefault(QLocale(QLocale::German)); // which the line does not follow
     const std::string result = message.getRawStringFor(mask).toStdString();
+    QLocale::setDefault(locale);
     Message::fieldSeparator = separator;
     Message::doNotUseString = text;
     Message::useDoNotUseString = used;
