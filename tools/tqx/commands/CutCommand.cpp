@@ -44,7 +44,7 @@ CutCommand::CutCommand(CLI::App& program)
 
 ExitStatus CutCommand::run()
 {
-    streams.keepInputsFrom(target);
+    streams.checkBefore(target);
     Output output(target);
     Copies copies(output.getBuffer());
     return streams.read(copies, output);

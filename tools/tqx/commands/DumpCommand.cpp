@@ -1,16 +1,17 @@
 #include "DumpCommand.h"
 
+#include "CsvDump.h"
 #include "FieldFilter.h"
 #include "MessageDecoder.h"
 #include "Output.h"
 #include "Paragraph.h"
 #include "RawJson.h"
-#include "RecordDecoder.h"
+#include "RecordDump.h"
 #include "ValueJson.h"
 
 #include <CLI/Validators.hpp>
 
-#include <map>
+#include <memory>
 
 namespace tool
 {
@@ -20,53 +21,35 @@ namespace
 
 constexpr int32_t unknownNumber = -6072;
 
-/// Stored values as JSON Lines, straight from the records.
-class RawJsonDump : public BlockConsumer
+/// Stored values as JSON Lines.
+class RawJsonDump : public RecordDump
 {
 public:
     RawJsonDump(const FieldFilter& filter, Buffer& buffer) : json(filter), out(buffer) {}
 
-    void begin(BlockStream&) override { decoder = std::make_unique<RecordDecoder>(); }
-
-    void take(BlockStream& stream, const Block& block) override
-    {
-        const int32_t result = decoder->decode(block);
-        if (result > 0)
-            return json.write(out, block, *decoder);
-        if (result != unknownNumber)
-            stream.reportUndecodable(block, result);
-        json.writeBytes(out, block);
-    }
-
-    void end(BlockStream&) override {}
-
 private:
-    std::unique_ptr<RecordDecoder> decoder;
+    void write(const Block& block, const RecordDecoder& decoder) override
+    {
+        json.write(out, block, decoder);
+    }
+    void writeOther(const Block& block) override { json.writeBytes(out, block); }
+
     RawJson json;
     Buffer& out;
 };
 
-/// Scaled values and names as JSON Lines, straight from the records.
-class ValueJsonDump : public BlockConsumer
+/// Scaled values and names as JSON Lines.
+class ValueJsonDump : public RecordDump
 {
 public:
     ValueJsonDump(const FieldFilter& filter, Buffer& buffer) : json(filter), out(buffer) {}
 
-    void begin(BlockStream&) override { decoder = std::make_unique<RecordDecoder>(); }
-
-    void take(BlockStream& stream, const Block& block) override
+private:
+    void write(const Block&, const RecordDecoder& decoder) override
     {
-        const int32_t result = decoder->decode(block);
-        if (result > 0)
-            json.write(out, decoder->getRecord());
-        else if (result != unknownNumber)
-            stream.reportUndecodable(block, result);
+        json.write(out, decoder.getRecord());
     }
 
-    void end(BlockStream&) override {}
-
-private:
-    std::unique_ptr<RecordDecoder> decoder;
     ValueJson json;
     Buffer& out;
 };
@@ -75,13 +58,13 @@ private:
 class MessageDump : public BlockConsumer
 {
 public:
-    void begin(BlockStream&) override { decoder = std::make_unique<MessageDecoder>(); }
+    void begin(BlockStream&) override {}
 
     void take(BlockStream& stream, const Block& block) override
     {
-        const int32_t result = decoder->decode(block);
-        if (decoder->getMessage())
-            writeMessage(block, *decoder->getMessage());
+        const int32_t result = decoder.decode(block);
+        if (decoder.getMessage())
+            writeMessage(block, *decoder.getMessage());
         else if (result < 0 && result != unknownNumber)
             stream.reportUndecodable(block, result);
         else
@@ -96,7 +79,7 @@ protected:
     virtual void writeOther(const Block& block) = 0;
 
 private:
-    std::unique_ptr<MessageDecoder> decoder;
+    MessageDecoder decoder;
 };
 
 class TextDump : public MessageDump
@@ -126,40 +109,54 @@ DumpCommand::DumpCommand(CLI::App& program)
           "  tqx dump log.tqx\n"
           "  tqx dump --type 4007 --field Latitude,Longitude,Height log.tqx\n"
           "  receiver | tqx dump --format jsonl - | jq .fields.TOW\n"
+          "  tqx dump --format csv --type 4007 log.tqx > position.csv\n"
+          "  tqx dump --format csv log.tqx -o tables\n"
           "  tqx dump --format jsonl --raw log.tqx | tqx encode - -o same.tqx\n"
           "\n"
           "Text is a paragraph a message; jsonl is an object a line, with scaled values, names\n"
           "for values that have one and null for what is not available, or under --raw with the\n"
           "stored values, from which encode makes the same blocks again.\n"
+          "\n"
+          "Csv is a table of a type: to standard output or a file named .csv the one type that is\n"
+          "selected, a row for each of its messages or, if it has sub-blocks, for each of those; "
+          "to a\n"
+          "folder all types, a file each with a row a message, and a file Block.Field.csv for "
+          "each\n"
+          "array of sub-blocks with a row an entry. MessageIndex counts the messages of a type "
+          "and\n"
+          "joins the two. Elements of other arrays share a cell, parted by semicolons. UTC is from "
+          "the\n"
+          "leap seconds known in 2025; what is not available is an empty cell.\n"
           "\n" +
               std::string(SelectionOptions::notes))
 {
     streams.addInputs(app);
     streams.addSelection(app);
-    const std::map<std::string, Format> formats = {{"text", Format::Text},
-                                                   {"jsonl", Format::JsonLines}};
-    app.add_option("--format", format, "How to write them: text or jsonl")
-        ->transform(CLI::CheckedTransformer(formats).description(""))
+    app.add_option("--format", format, "How to write them: text, jsonl or csv")
+        ->check(CLI::IsMember({"text", "jsonl", "csv"}).description(""))
         ->type_name("FORMAT")
-        ->default_str("text");
+        ->capture_default_str();
     app.add_flag("--raw", raw, "Values as they are stored, without scale, unit and names");
     app.add_option("--field", fields,
                    "Only these fields; Field.Inner for one inside the sub-blocks of Field")
         ->delimiter(',')
         ->allow_extra_args(false)
         ->type_name("FIELD,FIELD");
-    app.add_option("-o,--output", target, "File to write instead of standard output")
+    app.add_option("-o,--output", target,
+                   "File to write instead of standard output; for csv a folder, too")
         ->type_name("FILE");
 }
 
 ExitStatus DumpCommand::run()
 {
     const FieldFilter filter(fields);
-    streams.keepInputsFrom(target);
+    streams.checkBefore(target);
+    if (format == "csv")
+        return dumpCsv(streams, filter, raw, target);
     Output output(target);
     Buffer& out = output.getBuffer();
     std::unique_ptr<BlockConsumer> dump;
-    if (format == Format::Text)
+    if (format == "text")
         dump = std::make_unique<TextDump>(
             filter, raw ? Paragraph::Values::Stored : Paragraph::Values::Scaled, out);
     else if (raw)

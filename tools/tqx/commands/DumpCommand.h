@@ -6,7 +6,7 @@
 namespace tool
 {
 
-/// `tqx dump`: decoded messages as text or JSON Lines.
+/// `tqx dump`: decoded messages as text, JSON Lines or comma separated values.
 class DumpCommand : public Command
 {
 public:
@@ -14,12 +14,10 @@ public:
     ExitStatus run() override;
 
 private:
-    enum class Format { Text, JsonLines };
-
     StreamOptions streams;
     std::vector<std::string> fields;
     std::string target = "-";
-    Format format = Format::Text;
+    std::string format = "text";
     bool raw = false;
 };
 

@@ -101,7 +101,7 @@ ExtractCommand::ExtractCommand(CLI::App& program)
 
 ExitStatus ExtractCommand::run()
 {
-    streams.keepInputsFrom(target);
+    streams.checkBefore(target);
     Output output(target);
     const auto number = std::find(modes.begin(), modes.end(), mode) - modes.begin();
     Corrections corrections(output.getBuffer(), static_cast<uint8_t>(number));

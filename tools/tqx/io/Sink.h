@@ -12,6 +12,10 @@ public:
     /// Writes out what has become big. Throws as flush().
     virtual void commit() = 0;
 
+    /// Gives those who read along what there is, before more of an input is waited for. Throws as
+    /// flush().
+    virtual void handOn() { flush(); }
+
     /// Writes everything out. Throws ClosedPipe when nobody reads any more, ToolError when
     /// writing fails otherwise.
     virtual void flush() = 0;

@@ -5,6 +5,7 @@
 
 #include "FieldInfo.h"
 
+#include <cmath>
 #include <cstring>
 
 namespace tool
@@ -12,11 +13,14 @@ namespace tool
 
 using namespace Kor::MessageApi;
 
-ShownValue::ShownValue(const TQX_FieldLayout& layout, const FieldInfo& info, bool isPacked)
-    : type(layout.type), isSigned(TQX_isSigned(layout)),
+ShownValue::ShownValue(const TQX_FieldLayout& layout, const FieldInfo& info, bool isPacked,
+                       const Notation& shownIn)
+    : notation(shownIn), type(layout.type), isSigned(TQX_isSigned(layout)),
       width(isPacked ? layout.width : 8 * TQX_elementSize(layout)),
-      shift(isPacked ? layout.shift : 0), names(info)
+      shift(isPacked ? layout.shift : 0), names(info, shownIn)
 {
+    if (notation.isStored)
+        return;
     if (info.hasScaleFactor())
         scale.emplace(info.getScaleFactor());
     if (info.getType().isFloat() && info.hasDoNotUseValue())
@@ -57,7 +61,11 @@ void ShownValue::appendReal(Buffer& out, uint64_t word) const
         std::memcpy(&real, &word, sizeof real);
     }
     if (notAvailable && real == *notAvailable)
-        return out.append("null");
+        return out.append(notation.notAvailable);
+    if (!std::isfinite(real))
+        return out.append(notation.name(std::isnan(real) ? "NaN"
+                                        : real > 0       ? "Infinity"
+                                                         : "-Infinity"));
     if (scale)
         return json::appendDouble(out, scale->apply(real));
     if (type == TQX_MemberType::F32)
@@ -72,7 +80,7 @@ void ShownValue::append(Buffer& out, uint64_t word) const
     if (type != TQX_MemberType::Char)
         return appendInteger(out, integerIn(word));
     const auto character = static_cast<char>(word);
-    json::appendLatin1(out, &character, character == 0 ? 0 : 1);
+    notation.appendLatin1(out, &character, character == 0 ? 0 : 1);
 }
 
 } // namespace tool

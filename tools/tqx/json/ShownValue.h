@@ -13,16 +13,16 @@ class FieldInfo;
 namespace tool
 {
 
-/// How the values of one number or character field are written as JSON, in terms of its metadata.
+/// How the values of one number or character field are written, in terms of its metadata.
 class ShownValue
 {
 public:
     /// `isPacked`: values of a bit range are taken from the packed word, not from their own member.
-    ShownValue(const Kor::MessageApi::TQX_FieldLayout& layout, const FieldInfo& info,
-               bool isPacked);
+    ShownValue(const Kor::MessageApi::TQX_FieldLayout& layout, const FieldInfo& info, bool isPacked,
+               const Notation& notation);
 
-    /// Appends the value that stands in the bits of a member: its name, null when it is not
-    /// available, else the number times its scale factor.
+    /// Appends the value that stands in the bits of a member: its name, what the notation has
+    /// for not available, else the number times its scale factor.
     void append(Buffer& out, uint64_t word) const;
 
 private:
@@ -30,6 +30,7 @@ private:
     void appendInteger(Buffer& out, uint64_t value) const;
     void appendReal(Buffer& out, uint64_t word) const;
 
+    Notation notation;
     Kor::MessageApi::TQX_MemberType type;
     bool isSigned;
     unsigned width;

@@ -1,16 +1,14 @@
 #include "ValueJson.h"
 
 #include "JsonText.h"
+#include "Members.h"
 #include "ShownValue.h"
 #include "TextCache.h"
-
-#include "TQX_RecordAccess.h"
 
 #include "FieldInfo.h"
 #include "MessageInfo.h"
 #include "TQX_FormatInfo.h"
 
-#include <cstring>
 #include <string>
 #include <utility>
 
@@ -46,17 +44,7 @@ struct ValuePlan {
 namespace
 {
 
-bool isNumber(const TQX_FieldLayout& field)
-{
-    return field.kind == TQX_FieldKind::Value ||
-           (field.kind == TQX_FieldKind::Derived && field.elements == 1);
-}
-
-/// Bits of the elements of an array are kept in arrays of their own.
-bool isPartOfNumber(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
-{
-    return field.kind == TQX_FieldKind::Bits && isNumber(type.fields[field.parent]);
-}
+const Notation notation = {"null", json::text, json::appendLatin1};
 
 std::unique_ptr<ValuePlan> makePlan(const TQX_TypeLayout& type, const FieldFilter& shown)
 {
@@ -90,27 +78,10 @@ std::unique_ptr<ValuePlan> makePlan(const TQX_TypeLayout& type, const FieldFilte
         if (field.recordType != 0)
             step.plan = makePlan(*TQX_layout(field.recordType), *inside);
         else
-            step.parts.push_back({key, ShownValue(field, *info.getFieldInfos()[i], isPart)});
+            step.parts.push_back(
+                {key, ShownValue(field, *info.getFieldInfos()[i], isPart, notation)});
     }
     return plan;
-}
-
-uint64_t load(const void* element, uint32_t size)
-{
-    const auto as = [element](auto value) {
-        std::memcpy(&value, element, sizeof value);
-        return uint64_t{value};
-    };
-    switch (size) {
-    case 1:
-        return as(uint8_t{});
-    case 2:
-        return as(uint16_t{});
-    case 4:
-        return as(uint32_t{});
-    default:
-        return as(uint64_t{});
-    }
 }
 
 void writeRecord(Buffer& out, ValuePlan& plan, const void* record);
@@ -118,7 +89,7 @@ void writeRecord(Buffer& out, ValuePlan& plan, const void* record);
 void writeNumber(Buffer& out, ValuePlan::Step& step, const void* record)
 {
     const uint64_t word =
-        load(static_cast<const char*>(record) + step.field->recordOffset, step.size);
+        loadWord(static_cast<const char*>(record) + step.field->recordOffset, step.size);
     step.cache.append(out, word, [&step, word](Buffer& to) {
         for (const ValuePlan::Part& part : step.parts) {
             to.append(part.key);
@@ -129,11 +100,8 @@ void writeNumber(Buffer& out, ValuePlan::Step& step, const void* record)
 
 void writeText(Buffer& out, const TQX_FieldLayout& field, const void* record)
 {
-    const auto* text = static_cast<const char*>(TQX_element(field, record));
-    const void* zero = std::memchr(text, 0, field.elements);
-    json::appendLatin1(out, text,
-                       zero ? static_cast<size_t>(static_cast<const char*>(zero) - text)
-                            : field.elements);
+    const std::string_view text = textOf(field, record);
+    json::appendLatin1(out, text.data(), text.size());
 }
 
 void writeArray(Buffer& out, const ValuePlan& plan, ValuePlan::Step& step, const void* record)
@@ -148,7 +116,7 @@ void writeArray(Buffer& out, const ValuePlan& plan, ValuePlan::Step& step, const
         if (i != 0)
             out.append(',');
         if (value)
-            value->append(out, load(element, stride));
+            value->append(out, loadWord(element, stride));
         else
             writeRecord(out, *step.plan, element);
     }
@@ -169,7 +137,7 @@ void writeRecord(Buffer& out, ValuePlan& plan, const void* record)
         out.append(step.key);
         if (field.kind == TQX_FieldKind::Embedded)
             writeRecord(out, *step.plan, TQX_element(field, record));
-        else if (field.kind == TQX_FieldKind::Text || field.kind == TQX_FieldKind::CountedText)
+        else if (isText(field))
             writeText(out, field, record);
         else
             writeArray(out, plan, step, record);

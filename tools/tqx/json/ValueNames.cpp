@@ -1,21 +1,19 @@
 #include "ValueNames.h"
 
-#include "JsonText.h"
-
 #include <algorithm>
 
 namespace tool
 {
 
-ValueNames::ValueNames(const FieldInfo& field)
+ValueNames::ValueNames(const FieldInfo& field, const Notation& notation)
 {
     constexpr size_t small = 256;
-    if (!field.getType().isInteger())
+    if (!field.getType().isInteger() || notation.isStored)
         return;
     if (field.hasDoNotUseValue())
-        add(field.getDoNotUseValue(), "null");
+        add(field.getDoNotUseValue(), std::string(notation.notAvailable));
     for (const FieldInfo::SymbolicValue& symbol : field.getSymbolicValues())
-        add(symbol.value, json::text(symbol.name.toStdString()));
+        add(symbol.value, notation.name(symbol.name.toStdString()));
     // Of several names for a value the first one counts.
     std::stable_sort(entries.begin(), entries.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });

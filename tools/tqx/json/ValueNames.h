@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FieldInfo.h"
+#include "Notation.h"
 
 #include <cstdint>
 #include <string>
@@ -10,15 +11,15 @@
 namespace tool
 {
 
-/// What stands in JSON for the values of an integer field that are not shown as numbers: their
-/// names, and null for what is not available.
+/// What stands for the values of an integer field that are not shown as numbers: their
+/// names, and a word for what is not available.
 class ValueNames
 {
 public:
     /// Field of any type; fields that are no integers have no names.
-    explicit ValueNames(const FieldInfo& field);
+    ValueNames(const FieldInfo& field, const Notation& notation);
 
-    /// The JSON text for a value of the field, null when it is shown as a number. `bits` are those
+    /// The text for a value of the field, null when it is shown as a number. `bits` are those
     /// of the value, sign-extended when it is signed.
     const std::string* find(uint64_t bits) const
     {

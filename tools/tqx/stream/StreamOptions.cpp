@@ -19,8 +19,16 @@ void StreamOptions::addInputs(CLI::App& command)
     command.add_flag("-q,--quiet", quiet, "Say nothing about damage");
 }
 
-void StreamOptions::keepInputsFrom(const std::string& target) const
+Selection& StreamOptions::getSelection()
 {
+    if (!selection)
+        selection.emplace(selections.getRequest());
+    return *selection;
+}
+
+void StreamOptions::checkBefore(const std::string& target)
+{
+    getSelection();
     for (const std::string& path : files) {
         std::error_code unknown;
         if (path != "-" && target != "-" && std::filesystem::equivalent(path, target, unknown))
@@ -28,14 +36,14 @@ void StreamOptions::keepInputsFrom(const std::string& target) const
     }
 }
 
-ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output) const
+ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
 {
-    Selection selection = makeSelection();
+    getSelection();
     ExitStatus status = ExitStatus::Done;
     bool damaged = false;
     for (const std::string& path : files) {
         try {
-            readOne(path, selection, consumer, output, damaged);
+            readOne(path, consumer, output, damaged);
         } catch (const InputError& error) {
             output.flush();
             words::say(error.what());
@@ -46,15 +54,15 @@ ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output) const
     return strict && damaged ? worse(status, ExitStatus::Damaged) : status;
 }
 
-void StreamOptions::readOne(const std::string& path, Selection& selection, BlockConsumer& consumer,
-                            Sink& output, bool& damaged) const
+void StreamOptions::readOne(const std::string& path, BlockConsumer& consumer, Sink& output,
+                            bool& damaged)
 {
     BlockStream stream(path, !quiet);
-    stream.setBeforeRead([&output] { output.flush(); });
+    stream.setBeforeRead([&output] { output.handOn(); });
     consumer.begin(stream);
     Block block = {};
     while (stream.next(block)) {
-        if (selection.accepts(stream, block))
+        if (selection->accepts(stream, block))
             consumer.take(stream, block);
         output.commit();
     }

@@ -6,6 +6,7 @@
 
 #include <CLI/App.hpp>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -48,24 +49,25 @@ public:
     void addConditions(CLI::App& command) { selections.addConditions(command); }
 
     /// The selection that they ask for. Throws ToolError for bad arguments.
-    Selection makeSelection() const { return Selection(selections.getRequest()); }
+    Selection& getSelection();
 
-    /// Throws ToolError when `target` is one of the inputs, which writing to it would destroy.
-    void keepInputsFrom(const std::string& target) const;
+    /// What must be known before `target` is written: throws ToolError for bad arguments, and when
+    /// it is one of the inputs.
+    void checkBefore(const std::string& target);
 
     /// Hands the selected blocks of one input after the other to `consumer`. An input that cannot
     /// be read is reported and the next one taken. Returns Failed if there was such a one, else,
     /// under
     /// --strict, Damaged if an input was. Throws ToolError for bad arguments and when the output
     /// cannot be written, ClosedPipe when nobody reads it.
-    ExitStatus read(BlockConsumer& consumer, Sink& output) const;
+    ExitStatus read(BlockConsumer& consumer, Sink& output);
 
 private:
-    void readOne(const std::string& path, Selection& selection, BlockConsumer& consumer,
-                 Sink& output, bool& damaged) const;
+    void readOne(const std::string& path, BlockConsumer& consumer, Sink& output, bool& damaged);
 
     std::vector<std::string> files;
     SelectionOptions selections;
+    std::optional<Selection> selection;
     bool strict = false;
     bool quiet = false;
 };

@@ -1,0 +1,190 @@
+#include "Tool.h"
+
+#include <nlohmann/json.hpp>
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <sstream>
+
+// The tables against the same messages as JSON.
+
+using nlohmann::ordered_json;
+
+namespace
+{
+
+using Row = std::vector<std::string>;
+
+/// Rows of cells as RFC 4180 has them.
+std::vector<Row> parseCsv(const std::string& text)
+{
+    std::vector<Row> rows(1, Row(1));
+    bool quoted = false;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const char character = text[i];
+        if (character == '"' && quoted && text[i + 1] == '"')
+            rows.back().back() += text[++i];
+        else if (character == '"')
+            quoted = !quoted;
+        else if (quoted || (character != ',' && character != '\n'))
+            rows.back().back() += character;
+        else if (character == ',')
+            rows.back().emplace_back();
+        else
+            rows.emplace_back(1);
+    }
+    EXPECT_FALSE(quoted);
+    EXPECT_EQ(rows.back(), Row(1));
+    rows.pop_back();
+    return rows;
+}
+
+class Tables
+{
+public:
+    explicit Tables(const QString& folder)
+    {
+        for (const auto& entry : std::filesystem::directory_iterator(folder.toStdString())) {
+            std::ostringstream content;
+            content << std::ifstream(entry.path(), std::ios::binary).rdbuf();
+            tables[entry.path().stem().string()] = {parseCsv(content.str()), 1};
+        }
+    }
+
+    /// The cells of the next row of a table, by the names of their columns without unit.
+    std::map<std::string, std::string> next(const std::string& table)
+    {
+        std::map<std::string, std::string> cells;
+        auto& [rows, at] = tables[table];
+        if (rows.size() <= at || rows[at].size() != rows[0].size()) {
+            ADD_FAILURE() << table << ": row " << at;
+            return cells;
+        }
+        for (size_t i = 0; i < rows[0].size(); ++i)
+            cells[rows[0][i].substr(0, rows[0][i].find(" ["))] = rows[at][i];
+        ++at;
+        return cells;
+    }
+
+    bool areRead() const
+    {
+        return std::all_of(tables.begin(), tables.end(), [](const auto& table) {
+            return table.second.second == table.second.first.size();
+        });
+    }
+
+private:
+    std::map<std::string, std::pair<std::vector<Row>, size_t>> tables;
+};
+
+/// A value as a cell; numbers as those of JSON are read.
+std::string asCell(const ordered_json& value)
+{
+    if (value.is_null())
+        return "";
+    if (value.is_string())
+        return value.get<std::string>();
+    if (!value.is_array())
+        return value.dump();
+    std::string cell;
+    for (size_t i = 0; i < value.size(); ++i)
+        cell += (i == 0 ? "" : ";") + asCell(value[i]);
+    return cell;
+}
+
+bool isSameCell(const std::string& cell, const ordered_json& value)
+{
+    return value.is_number_float() ? std::strtod(cell.c_str(), nullptr) == value.get<double>()
+                                   : cell == asCell(value);
+}
+
+size_t compare(Tables& tables, const std::string& table, const ordered_json& fields,
+               const std::string& index);
+
+size_t compareFields(Tables& tables, const std::string& table, const ordered_json& fields,
+                     const std::map<std::string, std::string>& row, const std::string& prefix)
+{
+    size_t compared = 0;
+    for (const auto& [name, value] : fields.items()) {
+        const auto cell = row.find(prefix + name);
+        if (value.is_object()) {
+            compared += compareFields(tables, table, value, row, name + '.');
+        } else if (value.is_array() && !value.empty() && value[0].is_object()) {
+            for (size_t i = 0; i < value.size(); ++i)
+                compared += compare(tables, table + '.' + name, value[i], std::to_string(i));
+        } else if (cell != row.end()) {
+            EXPECT_TRUE(isSameCell(cell->second, value)) << table << '.' << name << ": " << value;
+            ++compared;
+        }
+    }
+    return compared;
+}
+
+size_t compare(Tables& tables, const std::string& table, const ordered_json& fields,
+               const std::string& index)
+{
+    const std::map<std::string, std::string> row = tables.next(table);
+    const std::string field = table.substr(table.rfind('.') + 1);
+    if (field != table) {
+        EXPECT_EQ(row.at(field + " index"), index);
+    }
+    return compareFields(tables, table, fields, row, "");
+}
+
+} // namespace
+
+TEST(Csv, FolderHoldsWhatJsonLinesHold)
+{
+    const QTemporaryDir folder;
+    const QString target = folder.filePath("a/b");
+    const char* stream = "data/samples/random.tqx";
+    const ToolRun run = runTool({"dump", stream, stream, "--format", "csv", "-o", target});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.words + run.output, "");
+    Tables tables(target);
+    size_t compared = 0;
+    for (const std::string& line :
+         linesOf(runTool({"dump", stream, stream, "--format", "jsonl"}).output)) {
+        const ordered_json message = ordered_json::parse(line);
+        compared += compare(tables, message["block"], message["fields"], "");
+    }
+    EXPECT_TRUE(tables.areRead());
+    EXPECT_GT(compared, 10000U);
+}
+
+TEST(Csv, StoredValuesAreThoseOfRawJsonLines)
+{
+    const QTemporaryDir folder;
+    const char* stream = "data/samples/random.tqx";
+    runTool({"dump", stream, "--raw", "--format", "csv", "-o", folder.path()});
+    Tables tables(folder.path());
+    size_t compared = 0;
+    for (const std::string& line :
+         linesOf(runTool({"dump", stream, "--raw", "--format", "jsonl"}).output)) {
+        ordered_json message = ordered_json::parse(line);
+        message["fields"].erase("TOW"); // that of the key is in seconds
+        compared += compare(tables, message["block"], message["fields"], "");
+    }
+    EXPECT_TRUE(tables.areRead());
+    EXPECT_GT(compared, 5000U);
+}
+
+TEST(Csv, FileIsWhatStandardOutputIs)
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("position.CSV");
+    const QStringList arguments = {"dump", "data/samples/random.tqx", "--type", "4007", "--format",
+                                   "csv"};
+    EXPECT_EQ(runTool(arguments + QStringList{"-o", file}).status, 0);
+    std::ostringstream content;
+    content << std::ifstream(file.toStdString(), std::ios::binary).rdbuf();
+    EXPECT_EQ(content.str(), runTool(arguments).output);
+    EXPECT_GT(linesOf(content.str()).size(), 1U);
+}

@@ -1,0 +1,34 @@
+#include "CsvKey.h"
+
+#include "JsonText.h"
+#include "LeapSeconds.h"
+
+#include "TQX_RecordAccess.h"
+
+namespace tool::csv
+{
+
+void appendKeyColumns(Buffer& out)
+{
+    out.append("MessageIndex,WNc [week],TOW [second],UTC");
+}
+
+void appendKey(Buffer& out, uint64_t index, const void* record)
+{
+    constexpr unsigned decimals = 3;
+    const auto& header = *static_cast<const Kor::MessageApi::TQX_MainHeader_s*>(record);
+    const bool hasWeek = gnssMillis(0, header.WNc).has_value();
+    const bool hasTow = gnssMillis(header.TOW, 0).has_value();
+    json::appendUnsigned(out, index);
+    out.append(',');
+    if (hasWeek)
+        json::appendUnsigned(out, header.WNc);
+    out.append(',');
+    if (hasTow)
+        json::appendDecimal(out, false, header.TOW, decimals);
+    out.append(',');
+    if (hasWeek && hasTow)
+        out.append(utcText(*gnssMillis(header.TOW, header.WNc)));
+}
+
+} // namespace tool::csv

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "RecordDecoder.h"
+#include "StreamOptions.h"
+
+namespace tool
+{
+
+/// Whatever is written of blocks by their records. Several inputs are decoded as one stream.
+class RecordDump : public BlockConsumer
+{
+public:
+    void begin(BlockStream&) override {}
+    void take(BlockStream& stream, const Block& block) override;
+    void end(BlockStream&) override {}
+
+protected:
+    /// A block that `decoder` has just decoded.
+    virtual void write(const Block& block, const RecordDecoder& decoder) = 0;
+
+    /// A block of an unknown number, or one that does not decode.
+    virtual void writeOther(const Block&) {}
+
+private:
+    RecordDecoder records;
+};
+
+} // namespace tool
