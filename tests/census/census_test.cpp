@@ -4,6 +4,8 @@
 
 #include "FieldInfo.h"
 #include "MessageInfo.h"
+#include "PathExpression.h"
+#include "TQX_FieldInfo.h"
 #include "TQX_FormatInfo.h"
 #include "TQX_codec.h"
 
@@ -139,6 +141,77 @@ TEST(Census, SubBlocksAndIdentifyingFields)
             EXPECT_EQ(info->isIdentifying(i),
                       std::find(positions.begin(), positions.end(), i) != positions.end())
                 << name << " " << i;
+    }
+}
+
+/// The fields that a block carries behind its header, without the bit ranges of words.
+std::vector<const TQX_FieldInfo*> storedFields(const MessageInfo& info)
+{
+    std::vector<const TQX_FieldInfo*> stored;
+    for (const FieldInfo* field : info.getFieldInfos().mid(info.isMain() ? 10 : 0)) {
+        const auto* known = static_cast<const TQX_FieldInfo*>(field);
+        if (known->layout().parent < 0 && !field->isVirtual())
+            stored.push_back(known);
+    }
+    return stored;
+}
+
+void expectStored(const json& row, const TQX_FieldInfo& field)
+{
+    const std::string type = row["type"];
+    const std::string element = type.substr(0, type.find('['));
+    const MessageInfo* sub = field.getType().getSubMessageInfo();
+    EXPECT_EQ(field.getName().toStdString(), row["name"]);
+    EXPECT_EQ((sub ? sub->getName() : field.getType().toString()).toStdString(),
+              element == "char" ? "ch" : element);
+    EXPECT_EQ(field.isRepeated(), element != type);
+    EXPECT_EQ(field.layout().wireOffset, row["offset"].get<int>());
+    const auto& parts = field.getSubFieldInfos();
+    if (row.contains("subFields")) {
+        EXPECT_EQ(parts.size(), row["subFields"].get<int>());
+    }
+    if (row.contains("widths")) {
+        json widths = json::array();
+        for (const FieldInfo* part : parts)
+            widths.push_back(part->getType().getWidth());
+        EXPECT_EQ(widths, row["widths"]);
+    }
+}
+
+TEST(Census, Layouts)
+{
+    for (const auto& [name, rows] : census()["layouts"].items()) {
+        const MessageInfo* info =
+            TQX_FormatInfo::getInstance()->getMessageInfo(QString::fromStdString(name));
+        ASSERT_NE(info, nullptr) << name;
+        const auto stored = storedFields(*info);
+        ASSERT_EQ(stored.size(), rows.size()) << name;
+        for (size_t i = 0; i < stored.size(); ++i) {
+            SCOPED_TRACE(name + " " + rows[i]["name"].get<std::string>());
+            expectStored(rows[i], *stored[i]);
+        }
+    }
+}
+
+TEST(Census, NamedValues)
+{
+    const std::pair<const char*, const char*> tables[] = {
+        {"svid", "TQX:GPSNav:PRN"},
+        {"connection", "TQX:ASCIIIn:CD"},
+        {"front_end", "TQX:AGCState:FrontEnd Code"},
+        {"antenna", "TQX:AGCState:AntennaID"},
+        {"no_yes", "TQX:ReceiverStatus2:SISError"},
+    };
+    TQX_FormatInfo::getInstance();
+    for (const auto& [table, path] : tables) {
+        const FieldInfo* field = PathExpression::getUniqueFieldInfo(path);
+        ASSERT_NE(field, nullptr) << path;
+        json named = json::array();
+        for (const auto& symbol : field->getSymbolicValues())
+            named.push_back({symbol.value.getU64(), symbol.name.toStdString()});
+        if (field->hasDoNotUseValue())
+            named.erase(named.size() - 1);
+        EXPECT_EQ(named, census()["namedValues"][table]) << path;
     }
 }
 

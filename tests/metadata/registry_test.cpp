@@ -1,74 +1,14 @@
+#include "Lookup.h"
 #include "QtPrinters.h"
 
-#include "TQX_FormatInfo.h"
-#include "TQX_Layout.h"
+#include "TQX_ASCIIIn_MessageInfo.h"
+#include "TQX_GPSNav_FieldInfos.h"
 
+#include "FieldType.h"
 #include "MemLeakTracer.h"
-#include "MessageInfo.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <set>
 
 namespace
 {
-
-constexpr uint32_t lastRecordType = 382;
-
-QStringList namesOf(const QVector<const MessageInfo*>& infos)
-{
-    QStringList names;
-    for (const MessageInfo* info : infos)
-        names.append(info->getName());
-    return names;
-}
-
-TEST(Registry, HoldsEveryTypeWithAMessageClassOnce)
-{
-    std::set<std::string> mains;
-    std::set<std::string> subs;
-    for (uint32_t type = 1; type <= lastRecordType; ++type) {
-        const auto* layout = TQX_layout(type);
-        if (layout && layout->hasMessage)
-            (layout->blockNumber != 0 ? mains : subs).insert(layout->name);
-    }
-    const auto asSet = [](const QVector<const MessageInfo*>& infos) {
-        std::set<std::string> names;
-        for (const MessageInfo* info : infos)
-            names.insert(info->getName().toStdString());
-        return names;
-    };
-    const TQX_FormatInfo& format = *TQX_FormatInfo::getInstance();
-    EXPECT_EQ(format.getName(), "TQX");
-    EXPECT_EQ(asSet(format.getMessageInfos()), mains);
-    EXPECT_EQ(asSet(format.getSubMessageInfos()), subs);
-    EXPECT_EQ(static_cast<size_t>(format.getMessageInfos().size()), mains.size());
-    EXPECT_EQ(static_cast<size_t>(format.getSubMessageInfos().size()), subs.size());
-}
-
-TEST(Registry, KeepsTheRegistrationOrder)
-{
-    // Types of the two lists as they follow each other in the catalogue, not by number or name.
-    const QStringList mains = {"BatteryStatus",   "ChannelStatus",  "MeasEpoch2",
-                               "GPSNav",          "PVTGeodetic2",   "DiffCorrIn",
-                               "ReceiverStatus2", "ExtSensorMeas1", "ASCIIIn"};
-    const QStringList subs = {"ChannelStateInfo",      "ChannelSatInfo",           "Battery",
-                              "MeasEpochChannelType1", "MeasEpochChannelType2",    "AGCState",
-                              "ExtSensorMeasSet",      "ExtSensorMeasAcceleration"};
-    const auto only = [](QStringList names, const QStringList& wanted) {
-        names.erase(
-            std::remove_if(names.begin(), names.end(),
-                           [&wanted](const QString& name) { return !wanted.contains(name); }),
-            names.end());
-        return names;
-    };
-    const TQX_FormatInfo& format = *TQX_FormatInfo::getInstance();
-    EXPECT_EQ(only(namesOf(format.getMessageInfos()), mains), mains);
-    EXPECT_EQ(only(namesOf(format.getSubMessageInfos()), subs), subs);
-    EXPECT_EQ(format.getSubMessageInfos().value(0)->getName(), "ChannelStateInfo");
-    EXPECT_EQ(format.getSubMessageInfos().value(1)->getName(), "ChannelSatInfo");
-}
 
 TEST(Registry, IsBuiltOnceAlthoughItsPartsAskForIt)
 {
@@ -76,9 +16,9 @@ TEST(Registry, IsBuiltOnceAlthoughItsPartsAskForIt)
     EXPECT_EQ(TQX_FormatInfo::getInstance(), format);
     EXPECT_EQ(MemLeakTracer::getTotalAllocations("TQX_FormatInfo"), 1);
     EXPECT_EQ(MemLeakTracer::getObjectCount("TQX_FormatInfo"), 1);
-    const auto all = format->getMessageInfos() + format->getSubMessageInfos();
-    ASSERT_FALSE(all.isEmpty());
-    for (const MessageInfo* info : all) {
+    EXPECT_EQ(format->getName(), "TQX");
+    ASSERT_EQ(format->getAllMessageInfos().size(), 347);
+    for (const MessageInfo* info : format->getAllMessageInfos()) {
         EXPECT_EQ(info->getFormatInfo(), format);
         const QString messageClass = "TQX_" + info->getName() + "_MessageInfo";
         EXPECT_EQ(MemLeakTracer::getTotalAllocations(messageClass), 1)
@@ -90,6 +30,55 @@ TEST(Registry, IsBuiltOnceAlthoughItsPartsAskForIt)
                 << fieldClass.toStdString();
         }
     }
+}
+
+TEST(Registry, MainBlocks)
+{
+    const std::pair<const char*, QVariant::Type> attributes[] = {{"flexrate", QVariant::Bool},
+                                                                 {"esoc", QVariant::Bool},
+                                                                 {"timestamp", QVariant::Int},
+                                                                 {"version", QVariant::Int},
+                                                                 {"blocknr", QVariant::Int}};
+    const char* const header[] = {"Sync1",    "Sync2",  "CRC", "ID",  "BlockNumber",
+                                  "Revision", "Length", "TOW", "WNc", "TOWc"};
+    for (const MessageInfo* info : TQX_FormatInfo::getInstance()->getMessageInfos()) {
+        SCOPED_TRACE(info->getName().toStdString());
+        EXPECT_TRUE(info->isMain());
+        for (int i = 0; i < 10; ++i)
+            EXPECT_EQ(info->getFieldInfos().value(i)->getName(), header[i]);
+        ASSERT_EQ(info->getAttributes().size(), 5);
+        for (int i = 0; i < 5; ++i) {
+            EXPECT_EQ(info->getAttributes()[i].key, attributes[i].first);
+            EXPECT_EQ(info->getAttributes()[i].value.type(), attributes[i].second);
+        }
+        ASSERT_EQ(info->getDiscriminantValues().size(), 1);
+        const auto& [field, value] = info->getDiscriminantValues().first();
+        EXPECT_EQ(field, info->getFieldInfo("BlockNumber"));
+        EXPECT_EQ(field->getType(), FieldType::u(13));
+        EXPECT_EQ(value.getWidth(), 13);
+        EXPECT_EQ(value.getU32(), info->getAttribute("blocknr").toUInt());
+    }
+}
+
+TEST(Registry, SubBlocks)
+{
+    for (const MessageInfo* info : TQX_FormatInfo::getInstance()->getSubMessageInfos()) {
+        SCOPED_TRACE(info->getName().toStdString());
+        EXPECT_FALSE(info->isMain());
+        EXPECT_TRUE(info->getAttributes().isEmpty());
+        EXPECT_TRUE(info->getDiscriminantValues().isEmpty());
+        EXPECT_TRUE(info->getShortDescriptiveText().isEmpty());
+        EXPECT_EQ(info->getFieldInfo("Sync1"), nullptr);
+        EXPECT_FALSE(info->getAttribute("blocknr").isValid());
+    }
+}
+
+TEST(Registry, InstancesAreThoseOfTheRegistry)
+{
+    // The registry comes before anything that it registers.
+    TQX_FormatInfo::getInstance();
+    EXPECT_EQ(&messageInfo("ASCIIIn"), TQX_ASCIIIn_MessageInfo::getInstance());
+    EXPECT_EQ(&fieldInfo("GPSNav", "SQRT_A"), TQX_GPSNav_SQRT_A_FieldInfo::getInstance());
 }
 
 } // namespace

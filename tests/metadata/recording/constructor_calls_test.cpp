@@ -173,7 +173,7 @@ TEST(ConstructorCalls, MainBlock)
     EXPECT_EQ(Lines(journal.end() - fromEnd, journal.end()), end);
 }
 
-TEST(ConstructorCalls, FieldsOfAMainBlock)
+TEST(ConstructorCalls, FloatingPointField)
 {
     const Lines& journal = journalOf<TQX_PVTGeodetic2_MessageInfo>();
     EXPECT_EQ(callsOf(journal, "Latitude"),
@@ -186,26 +186,6 @@ TEST(ConstructorCalls, FieldsOfAMainBlock)
                   "addSymbolicValue -20000000000.000000:f64 DoNotUse",
                   "setDoNotUseValue -20000000000.000000:f64",
                   "setPrecision 12",
-              }));
-    EXPECT_EQ(callsOf(journal, "Latency"), (Lines{
-                                               "FieldInfo Latency u16",
-                                               "allocateObject TQX_PVTGeodetic2_Latency_FieldInfo",
-                                               "getInstance",
-                                               "setIsOptional true",
-                                               "setRole 1",
-                                               "setUnit second",
-                                               "setScaleFactor 0.0001",
-                                               "addSymbolicValue 65535:u16 DoNotUse",
-                                               "setDoNotUseValue 65535:u16",
-                                           }));
-    EXPECT_EQ(callsOf(journal, "_padding0"),
-              (Lines{
-                  "FieldInfo _padding0 u8",
-                  "allocateObject TQX_PVTGeodetic2__padding0_FieldInfo",
-                  "getInstance",
-                  "setIsOptional true",
-                  "setIsRepeated true",
-                  "setRole 2",
               }));
 }
 
@@ -242,23 +222,6 @@ TEST(ConstructorCalls, EveryPropertyInOrderAndDestruction)
         "~FieldInfo Gain",
     };
     EXPECT_EQ(buildAndDestroy(TQX_TypeRows::AGCState.recordType, gain, row), expected);
-}
-
-TEST(ConstructorCalls, SubMessageFieldHasNoRole)
-{
-    constexpr uint32_t receiverStatus2 = 332;
-    const unsigned index = indexOf(receiverStatus2, "AGCState");
-    TQX_FieldRow row{};
-    row.className = "MadeUp";
-    row.precision = -1;
-    row.flags = TQX_FieldRow::Repeated;
-    row.subMessageInfo = TQX_TypeRows::AGCState.messageInfo;
-    journalOf<TQX_AGCState_MessageInfo>();
-    const Lines expected = {
-        "FieldInfo AGCState sub", "allocateObject MadeUp",   "getInstance",
-        "setIsRepeated true",     "deallocateObject MadeUp", "~FieldInfo AGCState",
-    };
-    EXPECT_EQ(buildAndDestroy(receiverStatus2, index, row), expected);
 }
 
 } // namespace
