@@ -59,7 +59,7 @@ TEST(Simulate, DamageLeavesTheOtherBlocks)
     }
 }
 
-// Ranges of satellites in view, and a Doppler that is the rate at which the ranges change.
+// A carrier that changes as the Doppler says, from epoch to epoch.
 TEST(Simulate, MeasurementsAgreeWithEachOther)
 {
     const std::string log = simulated({"--duration", "600", "--rate", "0.1"});
@@ -76,8 +76,8 @@ TEST(Simulate, MeasurementsAgreeWithEachOther)
         const json message = json::parse(line);
         for (const json& entry : message["fields"]["Type1"]) {
             const Last value = {entry["CodeRange"], entry["DopplerHz"], entry["CarrierPhase"]};
-            EXPECT_GT(value.range, 19.8e6);
-            EXPECT_LT(value.range, 26.2e6);
+            EXPECT_GT(value.range, 19e6);
+            EXPECT_LT(value.range, 41.5e6);
             EXPECT_GT(entry["CN0_dBHz"], 30);
             EXPECT_LT(entry["CN0_dBHz"], 53);
             const std::string satellite = entry["SVID"];

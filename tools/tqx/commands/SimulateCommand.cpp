@@ -7,6 +7,8 @@
 #include <fmt/format.h>
 
 #include <cmath>
+#include <cstdio>
+#include <map>
 
 namespace tool
 {
@@ -15,25 +17,96 @@ SimulateCommand::SimulateCommand(CLI::App& program)
     : Command(
           program, "simulate", "Make the log of a simulated receiver",
           "  tqx simulate --duration 3600 -o hour.tqx\n"
+          "  tqx simulate --track circle --speed 20 --rate 10 --position 48.2,16.37,180 -o "
+          "drive.tqx\n"
+          "  tqx simulate --start 2404:604790 --duration 30 | tqx info -\n"
+          "  tqx simulate --size 1GB --rate 20 -o big.tqx\n"
           "  tqx simulate --rate 10 --duration 60 --seed 7 --damage | tqx info -\n"
           "\n"
-          "A receiver with a static antenna tracks GPS satellites on Kepler orbits. The same seed\n"
-          "gives the same bytes from one build.\n")
+          "The receiver tracks the nominal constellations of GPS, GLONASS, Galileo and BeiDou on "
+          "up\n"
+          "to three signals each, and sends measurements that agree with its navigation messages:\n"
+          "geometry, clocks, group delays, ionosphere (the broadcast Klobuchar model), "
+          "troposphere\n"
+          "(Saastamoinen in a standard atmosphere) and noise. The same seed gives the same bytes\n"
+          "from one build.\n")
 {
-    app.add_option("--duration", settings.duration, "Length of the log in seconds")
-        ->check(CLI::Range(0.0, 1e8).description(""))
-        ->type_name("SECONDS")
-        ->capture_default_str();
-    app.add_option("--rate", rate, "Epochs a second; the period must be whole milliseconds")
-        ->check(CLI::Range(1e-4, 1000.0).description(""))
-        ->type_name("HERTZ")
-        ->capture_default_str();
+    declareLength();
+    declareTrack();
     app.add_option("--seed", settings.seed, "Start of the random numbers")
         ->type_name("NUMBER")
         ->capture_default_str();
     app.add_flag("--damage", settings.damage, "Flip bits, cut blocks and put junk between them");
     app.add_option("-o,--output", target, "File to write instead of standard output")
         ->type_name("FILE");
+}
+
+void SimulateCommand::declareLength()
+{
+    app.add_option("--start", start, "GNSS time of the first epoch, week 1930 to 4000")
+        ->type_name("WEEK:SECONDS")
+        ->capture_default_str();
+    duration = app.add_option("--duration", settings.duration, "Length of the log in seconds")
+                   ->check(CLI::Range(0.0, 1e8).description(""))
+                   ->type_name("SECONDS")
+                   ->capture_default_str();
+    app.add_option("--size", settings.size,
+                   "End the log at this size, as 500MB or 1GB; without --duration at no other time")
+        ->transform(CLI::AsSizeValue(true).description(""))
+        ->type_name("BYTES");
+    app.add_option("--rate", rate, "Epochs a second; the period must be whole milliseconds")
+        ->check(CLI::Range(1e-4, 1000.0).description(""))
+        ->type_name("HERTZ")
+        ->capture_default_str();
+}
+
+void SimulateCommand::declareTrack()
+{
+    using Kind = TrackSettings::Kind;
+    const std::map<std::string, Kind> kinds = {
+        {"static", Kind::Static}, {"circle", Kind::Circle}, {"line", Kind::Line}};
+    app.add_option("--track", settings.track.kind,
+                   "How the antenna moves: static, circle (of 200 m radius) or line (eastwards)")
+        ->transform(CLI::CheckedTransformer(kinds).description(""))
+        ->type_name("KIND")
+        ->default_str("static");
+    app.add_option("--speed", settings.track.speed, "Speed on the track in metres a second")
+        ->check(CLI::Range(0.0, 300.0).description(""))
+        ->type_name("SPEED")
+        ->capture_default_str();
+    app.add_option("--position", position, "Where the track begins: degrees and metres")
+        ->expected(3)
+        ->delimiter(',')
+        ->type_name("LAT,LON,HEIGHT")
+        ->default_str("47.07,15.45,412.3");
+}
+
+/// Sets the time of the first epoch. Before week 1930 there were other leap seconds.
+void SimulateCommand::readStart()
+{
+    double week = 0;
+    double seconds = 0;
+    char rest = 0;
+    const bool isRead = std::sscanf(start.c_str(), "%lf:%lf%c", &week, &seconds, &rest) == 2;
+    const double millis = seconds * 1000;
+    if (!isRead || week != std::floor(week) || week < 1930 || week > 4000 || seconds < 0 ||
+        seconds >= 604800 || std::fabs(millis - std::round(millis)) > 1e-3)
+        throw ToolError(fmt::format("simulate: {} is no start, such as 2400:216000", start));
+    settings.week = static_cast<uint16_t>(week);
+    settings.towMillis = static_cast<uint32_t>(std::llround(millis));
+}
+
+void SimulateCommand::readPosition()
+{
+    if (position.empty())
+        return;
+    constexpr double degree = pi / 180;
+    const double height = position[2];
+    if (std::fabs(position[0]) > 89 || std::fabs(position[1]) > 180 || height < -500 ||
+        height > 20000)
+        throw ToolError("simulate: --position needs a latitude up to 89, a longitude up to 180 and "
+                        "a height of -500 to 20000");
+    settings.track.start = {position[0] * degree, position[1] * degree, height};
 }
 
 ExitStatus SimulateCommand::run()
@@ -43,6 +116,10 @@ ExitStatus SimulateCommand::run()
         throw ToolError(
             fmt::format("simulate: {} Hz is a period of {} ms, which is not whole", rate, period));
     settings.periodMillis = static_cast<uint32_t>(std::llround(period));
+    readStart();
+    readPosition();
+    if (settings.size != 0 && duration->count() == 0)
+        settings.duration = 1e8;
     Output output(target);
     simulate(settings, output);
     return ExitStatus::Done;

@@ -14,8 +14,16 @@ public:
     ExitStatus run() override;
 
 private:
+    void declareLength();
+    void declareTrack();
+    void readStart();
+    void readPosition();
+
     SimulationSettings settings;
+    CLI::Option* duration = nullptr;
     double rate = 1;
+    std::string start = "2400:216000";
+    std::vector<double> position; ///< degrees and metres, empty for the one in the settings
     std::string target = "-";
 };
 

@@ -18,10 +18,12 @@ void BlockLog::write(int bits)
     if (bits < 0)
         throw ToolError(std::string("simulate: ") + TQX_errorName(bits));
     const size_t size = static_cast<size_t>(bits) / 8;
+    const size_t before = output.getBuffer().size();
     if (random)
         damage(size);
     else
         output.getBuffer().append(reinterpret_cast<const char*>(block.data()), size);
+    written += output.getBuffer().size() - before;
     output.commit();
 }
 

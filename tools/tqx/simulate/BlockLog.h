@@ -32,6 +32,9 @@ public:
         write(encode(block.data(), static_cast<unsigned short>(block.size()), &record));
     }
 
+    /// Bytes written so far.
+    uint64_t getSize() const { return written; }
+
 private:
     void write(int bits);
     void damage(size_t size);
@@ -40,6 +43,7 @@ private:
     Output& output;
     std::optional<Random> random;
     std::vector<uint8_t> block;
+    uint64_t written = 0;
 };
 
 } // namespace tool

@@ -54,6 +54,24 @@ Vector toEarthFixed(const Geodetic& position)
             (radius * (1 - eccentricitySquared) + position.height) * std::sin(position.latitude)};
 }
 
+Geodetic toGeodetic(const Vector& position)
+{
+    // Bowring's latitude, which is exact enough near the ground at once.
+    constexpr double semiMinorAxis = semiMajorAxis * (1 - flattening);
+    const double inPlane = std::hypot(position.x, position.y);
+    const double angle = std::atan2(position.z * semiMajorAxis, inPlane * semiMinorAxis);
+    const double sine = std::sin(angle);
+    const double cosine = std::cos(angle);
+    const double latitude =
+        std::atan2(position.z + eccentricitySquared / (1 - eccentricitySquared) * semiMinorAxis *
+                                    sine * sine * sine,
+                   inPlane - eccentricitySquared * semiMajorAxis * cosine * cosine * cosine);
+    const double sinLat = std::sin(latitude);
+    const double height = inPlane * std::cos(latitude) + position.z * sinLat -
+                          semiMajorAxis * semiMajorAxis / primeVertical(latitude);
+    return {latitude, std::atan2(position.y, position.x), height};
+}
+
 LocalFrame::LocalFrame(const Geodetic& place)
 {
     const double sinLat = std::sin(place.latitude);
@@ -68,6 +86,11 @@ LocalFrame::LocalFrame(const Geodetic& place)
 Vector LocalFrame::toLocal(const Vector& difference) const
 {
     return {dot(difference, east), dot(difference, north), dot(difference, up)};
+}
+
+Vector LocalFrame::toEarthFixed(const Vector& local) const
+{
+    return east * local.x + north * local.y + up * local.z;
 }
 
 Geodetic moved(const Geodetic& place, const Vector& local)

@@ -28,6 +28,9 @@ struct Geodetic {
 
 Vector toEarthFixed(const Geodetic& position);
 
+/// The reverse, to a tenth of a micrometre near the ground.
+Geodetic toGeodetic(const Vector& position);
+
 /// East, north and up at a place.
 class LocalFrame
 {
@@ -36,6 +39,14 @@ public:
 
     /// Components east, north and up of a difference of earth-fixed positions.
     Vector toLocal(const Vector& difference) const;
+
+    /// The reverse of toLocal().
+    Vector toEarthFixed(const Vector& local) const;
+
+    /// Directions of length 1, earth-fixed.
+    const Vector& getEast() const { return east; }
+    const Vector& getNorth() const { return north; }
+    const Vector& getUp() const { return up; }
 
 private:
     Vector east;

@@ -1,6 +1,7 @@
 #include "Blocks.h"
 
 #include "Rtcm3.h"
+#include "TextMember.h"
 
 #include <fmt/format.h>
 
@@ -18,15 +19,9 @@ namespace
 constexpr uint8_t serialPort2 = 2;
 constexpr uint8_t ntripClient1 = 129;
 
-/// Fills a text member; what is left keeps its blanks.
-void setText(char* member, const char* text)
-{
-    std::memcpy(member, text, std::strlen(text));
-}
-
 } // namespace
 
-void addSensor(BlockLog& log, const Epoch& epoch, Random& random)
+void addSensor(BlockLog& log, const Epoch& epoch, const Track& track, Random& random)
 {
     constexpr uint8_t builtIn = 1;
     constexpr uint8_t acceleration = 0;
@@ -34,6 +29,7 @@ void addSensor(BlockLog& log, const Epoch& epoch, Random& random)
     constexpr uint8_t synchronized = 4;
     constexpr double gravity = 9.80665;
     constexpr double earthRate = 0.004178; // degrees per second
+    const double turnRate = track.getTurnRate();
     const auto value = [&random](double mean, double noise) {
         return rounded(mean + random.normal(noise), 1e-6);
     };
@@ -46,12 +42,12 @@ void addSensor(BlockLog& log, const Epoch& epoch, Random& random)
         set.ObsInfo = synchronized;
         if (type == acceleration) {
             set.Acceleration.AccX = value(0.021, 0.004);
-            set.Acceleration.AccY = value(-0.013, 0.004);
+            set.Acceleration.AccY = value(track.getSpeed() * turnRate - 0.013, 0.004);
             set.Acceleration.AccZ = value(gravity, 0.005);
         } else {
             set.AngularRate.RateX = value(0, 0.02);
             set.AngularRate.RateY = value(earthRate * 0.68, 0.02);
-            set.AngularRate.RateZ = value(earthRate * 0.73, 0.02);
+            set.AngularRate.RateZ = value(turnRate * 180 / pi + earthRate * 0.73, 0.02);
         }
     }
     log.add(epoch, record, TQX_encode_ExtSensorMeas1);
@@ -75,20 +71,24 @@ void addText(BlockLog& log, const Epoch& epoch, Random& random)
     log.add(epoch, record, TQX_encode_ASCIIIn);
 }
 
-void addCorrection(BlockLog& log, const Epoch& epoch)
+void addCorrections(BlockLog& log, const Epoch& epoch, const Geodetic& start)
 {
     constexpr uint8_t rtcm3 = 2;
-    constexpr uint16_t station = 1042;
-    constexpr double degree = pi / 180;
-    const std::vector<uint8_t> message =
-        rtcm3StationMessage(station, toEarthFixed({47.11 * degree, 15.49 * degree, 530.2}));
-    TQX_DiffCorrIn_s record;
-    TQX_init_DiffCorrIn(&record);
-    record.Mode = rtcm3;
-    record.Source = ntripClient1;
-    record.Data_Byte_Length = static_cast<uint16_t>(message.size());
-    std::memcpy(record.RTCM3Message, message.data(), message.size());
-    log.add(epoch, record, TQX_encode_DiffCorrIn);
+    const ReferenceStation station = {
+        1042,       toEarthFixed(moved(start, {3210.5, 4450.25, 117.8})),
+        1.55,       "GEODETIC CHOKE RING",
+        "CR-20417", "REFERENCE 12",
+        "3.1.4",    "R12-00077"};
+    for (const std::vector<uint8_t>& message :
+         {rtcm3Position(station), rtcm3PositionAndHeight(station), rtcm3Equipment(station)}) {
+        TQX_DiffCorrIn_s record;
+        TQX_init_DiffCorrIn(&record);
+        record.Mode = rtcm3;
+        record.Source = ntripClient1;
+        record.Data_Byte_Length = static_cast<uint16_t>(message.size());
+        std::memcpy(record.RTCM3Message, message.data(), message.size());
+        log.add(epoch, record, TQX_encode_DiffCorrIn);
+    }
 }
 
 } // namespace tool

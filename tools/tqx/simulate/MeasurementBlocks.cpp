@@ -21,6 +21,24 @@ uint8_t cn0Of(const Signal& signal)
     return static_cast<uint8_t>(steps(std::max(signal.cn0 - cn0Offset, 0.0), cn0Step));
 }
 
+/// Numbers that do not fit into the five bits of the type continue in the frequency slot, which is
+/// the frequency number of GLONASS otherwise.
+struct SignalCode {
+    SignalCode(const Sight& sight, const Signal& signal)
+    {
+        const Satellite& satellite = *sight.satellite;
+        const bool isLong = signal.plan->number > 30;
+        type = isLong ? uint8_t{31} : signal.plan->number;
+        const unsigned slot = isLong ? signal.plan->number - 32U
+                                     : frequencySlot(satellite.getSystem(), satellite.getChannel());
+        const unsigned halfCycle = sight.lockTime < 6 ? 1 : 0;
+        info = static_cast<uint8_t>(slot << 3U | halfCycle << 2U);
+    }
+
+    uint8_t type;
+    uint8_t info;
+};
+
 /// The carrier stands as its difference from the code, in cycles.
 int64_t carrierOf(const Signal& signal, int64_t codeSteps)
 {
@@ -34,8 +52,10 @@ void fillReference(TQX_MeasEpochChannelType1_s& entry, const Sight& sight)
     const int64_t code = steps(signal.code, codeStep);
     const int64_t carrier = carrierOf(signal, code);
     entry.RxChannel = sight.channel;
-    entry.Type = signal.number;
-    entry.SVID = sight.prn;
+    const SignalCode kind(sight, signal);
+    entry.Type = kind.type;
+    entry.ObsInfo = kind.info;
+    entry.SVID = sight.satellite->getSvid();
     entry.Misc = static_cast<uint8_t>(code >> 32);
     entry.CodeLSB = static_cast<uint32_t>(code);
     entry.Doppler = static_cast<int32_t>(steps(signal.doppler, dopplerStep));
@@ -55,7 +75,9 @@ void fillOther(TQX_MeasEpochChannelType2_s& entry, const Sight& sight, const Sig
         static_cast<double>(steps(reference.doppler, dopplerStep)) * dopplerStep;
     const int64_t dopplerOffset = steps(
         signal.doppler - referenceDoppler * signal.frequency / reference.frequency, dopplerStep);
-    entry.Type = signal.number;
+    const SignalCode kind(sight, signal);
+    entry.Type = kind.type;
+    entry.ObsInfo = kind.info;
     entry.LockTime = static_cast<uint8_t>(std::min(sight.lockTime, 254.0));
     entry.CN0 = cn0Of(signal);
     entry.OffsetsMSB =
@@ -64,15 +86,6 @@ void fillOther(TQX_MeasEpochChannelType2_s& entry, const Sight& sight, const Sig
     entry.CodeOffsetLSB = static_cast<uint16_t>(codeOffset);
     entry.CarrierLSB = static_cast<uint16_t>(carrier);
     entry.DopplerOffsetLSB = static_cast<uint16_t>(dopplerOffset);
-}
-
-/// Two bits for each signal that the satellite sends, in the slots of its constellation.
-uint16_t statesOf(const Sight& sight, unsigned state)
-{
-    unsigned states = 0;
-    for (const Signal& signal : sight.signals)
-        states |= state << 2U * signal.number;
-    return static_cast<uint16_t>(states);
 }
 
 } // namespace
@@ -86,35 +99,13 @@ void addMeasurements(BlockLog& log, const Epoch& epoch, const Receiver& receiver
     for (const Sight& sight : receiver.getSights()) {
         TQX_MeasEpochChannelType1_s& entry = *TQX_append_MeasEpoch2_Type1(&record);
         fillReference(entry, sight);
-        for (size_t i = 1; i < sight.signals.size(); ++i)
+        for (unsigned i = 1; i < sight.signalCount; ++i)
             fillOther(*TQX_append_MeasEpochChannelType1_Type2(&entry), sight, sight.signals[i]);
     }
     log.add(epoch, record, TQX_encode_MeasEpoch2);
-}
-
-void addChannels(BlockLog& log, const Epoch& epoch, const Receiver& receiver)
-{
-    constexpr unsigned rising = 1;
-    constexpr unsigned setting = 2;
-    constexpr unsigned healthy = 1;
-    constexpr unsigned tracking = 3;
-    constexpr unsigned used = 2;
-    TQX_ChannelStatus_s record;
-    TQX_init_ChannelStatus(&record);
-    for (const Sight& sight : receiver.getSights()) {
-        TQX_ChannelSatInfo_s& satellite = *TQX_append_ChannelStatus_SatInfo(&record);
-        const auto azimuth = static_cast<unsigned>(steps(sight.azimuth, 1)) % 360;
-        satellite.SVID = sight.prn;
-        satellite.Azimuth_RiseSet =
-            static_cast<uint16_t>(azimuth | (sight.rising ? rising : setting) << 14U);
-        satellite.HealthStatus = statesOf(sight, healthy);
-        satellite.Elevation = static_cast<int8_t>(steps(sight.elevation, 1));
-        satellite.RxChannel = sight.channel;
-        TQX_ChannelStateInfo_s& state = *TQX_append_ChannelSatInfo_StateInfo(&satellite);
-        state.TrackingStatus = statesOf(sight, tracking);
-        state.PVTStatus = statesOf(sight, used);
-    }
-    log.add(epoch, record, TQX_encode_ChannelStatus);
+    TQX_EndOfMeas_s end;
+    TQX_init_EndOfMeas(&end);
+    log.add(epoch, end, TQX_encode_EndOfMeas);
 }
 
 } // namespace tool

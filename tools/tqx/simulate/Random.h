@@ -24,7 +24,8 @@ public:
     /// True with the given probability.
     bool chance(double probability) { return uniform() < probability; }
 
-    /// Normal distribution around 0.
+    /// Close to a normal distribution around 0, and never beyond 3.5 sigma: the sum of four
+    /// uniform numbers, which costs no logarithm.
     double normal(double sigma);
 
 private:

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace tool
 {
@@ -10,67 +11,20 @@ namespace
 {
 
 constexpr double degrees = 180 / pi;
-constexpr double maskElevation = 5; // degrees
-constexpr double warmUp = 600;      // seconds that everything has run before the log begins
-constexpr double l1 = 1575420000;
-constexpr double l2 = 1227600000;
-constexpr double l5 = 1176450000;
-
-struct SignalPlan {
-    uint8_t number;
-    double frequency;
-    double codeNoise; ///< metres at the zenith
-    double loss;      ///< dB against L1 C/A
-};
-
-constexpr SignalPlan signalPlans[] = {{0, l1, 0.12, 0}, {3, l2, 0.15, 2.5}, {4, l5, 0.06, -1.5}};
-
-/// Newer satellites send more signals.
-bool sends(uint8_t prn, size_t signal)
-{
-    return signal == 0 || (signal == 1 && prn % 4 != 0) || (signal == 2 && prn % 2 == 1);
-}
-
-/// Delays of the zenith grow with the path through the atmosphere.
-double troposphere(double elevation)
-{
-    return 2.35 / std::sin(std::sqrt(elevation * elevation + 3.6) / degrees);
-}
-
-double ionosphere(double elevation, double frequency)
-{
-    const double thinShell = 0.9 * std::cos(elevation / degrees);
-    const double ratio = l1 / frequency;
-    return 3.0 / std::sqrt(1 - thinShell * thinShell) * ratio * ratio;
-}
+constexpr double warmUp = 600; // seconds that everything has run before the log begins
+constexpr double earthRotation = 7.2921151467e-5;
+constexpr double referenceFrequency = 1575420000; // of the ionospheric delay
 
 } // namespace
 
-Receiver::Receiver(Random& source, uint16_t week, double tow)
-    : random(source),
-      constellation(source, week, tow), antenna{47.07 / degrees, 15.45 / degrees, 412.3},
-      antennaFixed(toEarthFixed(antenna)), frame(antenna), initialBias(source.uniform(-3e-4, 3e-4)),
-      clockDrift(source.uniform(-1.5e-7, 1.5e-7))
+Receiver::Receiver(Random& source, const TrackSettings& settings, double start)
+    : random(source), track(settings), initialBias(source.uniform(-3e-4, 3e-4)),
+      clockDrift(source.uniform(-1.5e-7, 1.5e-7)), frame(settings.start)
 {
-}
-
-Receiver::Geometry Receiver::geometry(const Ephemeris& ephemeris, uint16_t week, double tow) const
-{
-    double flight = 0.075;
-    Vector difference = {};
-    for (int i = 0; i < 4; ++i) {
-        const Vector sent = positionAt(ephemeris, week, tow - flight);
-        // The earth turns while the signal travels.
-        const double turn = earthRotation * flight;
-        const Vector satellite = {sent.x * std::cos(turn) + sent.y * std::sin(turn),
-                                  sent.y * std::cos(turn) - sent.x * std::sin(turn), sent.z};
-        difference = satellite - antennaFixed;
-        flight = length(difference) / speedOfLight;
-    }
-    const Vector local = frame.toLocal(difference);
-    const double azimuth = std::atan2(local.x, local.y) * degrees;
-    return {length(difference), azimuth < 0 ? azimuth + 360 : azimuth,
-            std::asin(local.z / length(local)) * degrees};
+    for (const NominalSatellite& nominal : nominalSatellites())
+        satellites.push_back(std::make_unique<Satellite>(nominal, source, start));
+    channels.resize(satellites.size());
+    numbersInUse.resize(satellites.size() + 1);
 }
 
 /// The clock drifts, and is set by whole milliseconds to stay within half of one.
@@ -84,94 +38,164 @@ void Receiver::advanceClock(double elapsed)
     }
 }
 
-uint8_t Receiver::freeChannel() const
+/// Looks at all satellites twice a minute; those that stay well below the mask until the next time
+/// need no work in between.
+void Receiver::selectCandidates(double now)
 {
-    uint8_t channel = 1;
-    while (std::any_of(tracks.begin(), tracks.end(),
-                       [&](const auto& track) { return track.second.channel == channel; }))
-        ++channel;
-    return channel;
+    constexpr double interval = 30;
+    constexpr double margin = 2 / degrees; // what a satellite rises in that time, and more
+    if (now < candidatesUntil)
+        return;
+    candidatesUntil = now + interval;
+    candidates.clear();
+    for (size_t i = 0; i < satellites.size(); ++i) {
+        satellites[i]->moveTo(now);
+        const Vector line = satellites[i]->stateAt(now).motion.position - antenna.position;
+        const bool isNear =
+            dot(line, frame.getUp()) > std::sin(maskElevation / degrees - margin) * length(line);
+        if (isNear)
+            candidates.push_back(i);
+        else if (channels[i].number != 0)
+            numbersInUse[std::exchange(channels[i].number, uint8_t{0})] = false;
+    }
 }
 
-Sight Receiver::observe(uint8_t prn, const Geometry& view, const Ephemeris& ephemeris,
-                        const Epoch& epoch)
+/// The earth turns while the signal travels: the place of the satellite is brought to the frame of
+/// the moment of reception.
+Receiver::Geometry Receiver::geometry(const Satellite& satellite, double& flight) const
 {
-    constexpr double half = 0.5;
-    const Geometry before = geometry(ephemeris, epoch.week, epoch.tow() - half);
-    const Geometry after = geometry(ephemeris, epoch.week, epoch.tow() + half);
-    const auto [found, isNew] = tracks.try_emplace(prn, Track());
-    Track& track = found->second;
-    if (isNew) {
-        track.channel = 0;
-        track.channel = freeChannel();
-        track.since = epoch.elapsed == 0 ? -warmUp : epoch.elapsed;
+    Geometry view = {};
+    Vector line = {};
+    Vector speed = {};
+    Vector sweep = {};
+    for (int i = 0; i < 2; ++i) {
+        view.sent = satellite.stateAt(time - flight);
+        const double turn = earthRotation * flight;
+        const double sine = std::sin(turn);
+        const double cosine = std::cos(turn);
+        const auto turned = [=](const Vector& v) {
+            return Vector{v.x * cosine + v.y * sine, v.y * cosine - v.x * sine, v.z};
+        };
+        const Vector position = turned(view.sent.motion.position);
+        line = position - antenna.position;
+        speed = turned(view.sent.motion.velocity);
+        sweep = {position.y * earthRotation, -position.x * earthRotation, 0};
+        view.range = length(line);
+        flight = view.range / speedOfLight;
     }
-    Sight sight = {prn,
-                   track.channel,
-                   view.azimuth,
-                   view.elevation,
-                   after.elevation > before.elevation,
-                   epoch.elapsed - track.since,
-                   ephemeris,
-                   {}};
-    const double clocks = clockBias - clockAt(ephemeris, epoch.week, epoch.tow());
-    const double path = view.range + speedOfLight * clocks + troposphere(view.elevation);
-    const double rate =
-        after.range - before.range + speedOfLight * (clockDrift - ephemeris.clockDrift);
-    const double lowness = 1 / std::sin(std::max(view.elevation, maskElevation) / degrees);
-    for (size_t i = 0; i < std::size(signalPlans); ++i) {
-        const SignalPlan& plan = signalPlans[i];
-        const double wavelength = speedOfLight / plan.frequency;
-        const double delay = ionosphere(view.elevation, plan.frequency);
-        Signal signal = {};
-        signal.number = plan.number;
-        signal.frequency = plan.frequency;
-        signal.code = path + delay + random.normal(plan.codeNoise * lowness);
-        const double cycles = (path - delay) / wavelength;
-        if (isNew)
-            track.ambiguities[i] = std::round(signal.code / wavelength - cycles);
-        signal.phase = cycles + track.ambiguities[i] + random.normal(0.005 * lowness);
-        signal.doppler = -rate / wavelength + random.normal(0.02 * lowness);
-        signal.cn0 =
-            36.5 + 14 * std::sin(view.elevation / degrees) - plan.loss + random.normal(0.4);
-        if (sends(prn, i))
-            sight.signals.push_back(signal);
-    }
-    return sight;
+    const Vector towards = line * (1 / view.range);
+    view.rangeRate =
+        dot(towards, speed - antenna.velocity) / (1 + dot(towards, speed - sweep) / speedOfLight);
+    view.direction = frame.toLocal(towards);
+    return view;
 }
 
-void Receiver::solve(const Epoch& epoch)
+void Receiver::startTracking(Channel& channel, const Epoch& epoch)
 {
-    constexpr double correlation = 90; // seconds
-    const double step = epoch.elapsed - lastElapsed;
-    const double kept = std::exp(-step / correlation);
-    const double added = std::sqrt(1 - kept * kept);
-    const double horizontal = 0.6;
-    error = {error.x * kept + random.normal(horizontal) * added,
-             error.y * kept + random.normal(horizontal) * added,
-             error.z * kept + random.normal(1.1) * added};
-    const Vector noise = {random.normal(0.05), random.normal(0.05), random.normal(0.09)};
-    solution.position = moved(antenna, error + noise);
-    solution.velocity = {random.normal(0.012), random.normal(0.012), random.normal(0.025)};
-    solution.clockBias = clockBias + random.normal(2e-9);
-    solution.clockDrift = clockDrift + random.normal(3e-11);
-    lastElapsed = epoch.elapsed;
+    size_t number = 1;
+    while (numbersInUse[number])
+        ++number;
+    numbersInUse[number] = true;
+    channel.number = static_cast<uint8_t>(number);
+    channel.since = epoch.elapsed == 0 ? -warmUp : epoch.elapsed;
+    channel.isNew = true;
+    for (double& ambiguity : channel.ambiguities)
+        ambiguity = static_cast<double>(random.below(2000)) - 1000;
+}
+
+Signal Receiver::measure(const Sight& sight, const Geometry& view, Channel& channel, unsigned index,
+                         double ionosphere)
+{
+    const Satellite& satellite = *sight.satellite;
+    const SignalPlan& plan = signalPlans(satellite.getSystem())[index];
+    const double lowness = 1 / view.direction.z;
+    Signal signal = {};
+    signal.plan = &plan;
+    signal.frequency = frequencyOf(satellite.getSystem(), satellite.getChannel(), index);
+    const double wavelength = speedOfLight / signal.frequency;
+    const double ratio = referenceFrequency / signal.frequency;
+    const double delay = ionosphere * ratio * ratio;
+    const double clocks = clockBias - view.sent.clock + satellite.getDelays()[index] +
+                          systemDelays[indexOf(satellite.getSystem())];
+    const double path =
+        view.range + speedOfLight * clocks + zenithDelay * troposphericMapping(view.direction.z);
+
+    const double kept = channel.isNew ? 0 : reflectionsKept;
+    double& reflection = channel.reflections[index];
+    reflection =
+        reflection * kept + random.normal(plan.codeNoise * Estimator::reflectionShare * lowness) *
+                                std::sqrt(1 - kept * kept);
+    signal.codeError = random.normal(plan.codeNoise * lowness) + reflection;
+    signal.code = path + delay + signal.codeError;
+    signal.phase =
+        (path - delay) / wavelength + channel.ambiguities[index] + random.normal(0.005 * lowness);
+    signal.rangeRateError = random.normal(Estimator::rangeRateNoise * lowness);
+    const double drift = clockDrift - view.sent.clockDrift;
+    signal.doppler = -(view.rangeRate + speedOfLight * drift + signal.rangeRateError) / wavelength;
+    signal.cn0 = 36.5 + 14 * view.direction.z - plan.loss + random.normal(0.4);
+    return signal;
+}
+
+void Receiver::observe(const Satellite& satellite, Channel& channel, const Geometry& view,
+                       const Epoch& epoch)
+{
+    const double sine = view.direction.z;
+    const double level = std::hypot(view.direction.x, view.direction.y);
+    const double azimuth = std::atan2(view.direction.x, view.direction.y) * degrees;
+    Sight& sight = sights.emplace_back();
+    sight.satellite = &satellite;
+    sight.channel = channel.number;
+    sight.lockTime = epoch.elapsed - channel.since;
+    sight.azimuth = azimuth < 0 ? azimuth + 360 : azimuth;
+    sight.elevation = std::asin(sine) * degrees;
+    sight.rising = dot(view.sent.motion.velocity, frame.getUp()) > sine * view.rangeRate;
+    sight.rangeRate = view.rangeRate;
+    sight.sent = view.sent;
+    const Direction direction = {sine, view.direction.y / level, view.direction.x / level};
+    const double ionosphere = ionosphericDelay(place, direction, epoch.tow());
+    const System system = satellite.getSystem();
+    for (unsigned i = 0; i < maxSignals; ++i)
+        if (sends(system, satellite.getNumber(), i))
+            sight.signals[sight.signalCount++] = measure(sight, view, channel, i, ionosphere);
+    channel.isNew = false;
+    sight.used = sight.signalCount > 1;
+    if (!sight.used)
+        return;
+    const Signal& first = sight.signals[0];
+    const Signal& second = sight.signals[1];
+    const IonoFree weights(first.frequency, second.frequency);
+    estimator.add(system, view.direction,
+                  weights.a * first.codeError + weights.b * second.codeError,
+                  std::hypot(weights.a * first.plan->codeNoise, weights.b * second.plan->codeNoise),
+                  first.rangeRateError);
 }
 
 void Receiver::advance(const Epoch& epoch)
 {
+    constexpr double correlation = 90; // seconds over which reflections change
+    reflectionsKept = std::exp((lastElapsed - epoch.elapsed) / correlation);
+    lastElapsed = epoch.elapsed;
     advanceClock(epoch.elapsed);
+    time = epoch.time - clockBias;
+    antenna = track.at(epoch.elapsed - clockBias);
+    place = toGeodetic(antenna.position);
+    frame = LocalFrame(place);
+    zenithDelay = zenithTroposphere(place);
+    selectCandidates(time);
     sights.clear();
-    for (size_t i = 0; i < constellation.size(); ++i) {
-        const auto prn = static_cast<uint8_t>(i + 1);
-        const Ephemeris ephemeris = constellation.ephemerisAt(i, epoch.week, epoch.tow());
-        const Geometry view = geometry(ephemeris, epoch.week, epoch.tow());
-        if (view.elevation >= maskElevation)
-            sights.push_back(observe(prn, view, ephemeris, epoch));
-        else
-            tracks.erase(prn);
+    estimator.begin();
+    for (const size_t i : candidates) {
+        Channel& channel = channels[i];
+        const Geometry view = geometry(*satellites[i], channel.flight);
+        if (view.direction.z >= std::sin(maskElevation / degrees)) {
+            if (channel.number == 0)
+                startTracking(channel, epoch);
+            observe(*satellites[i], channel, view, epoch);
+        } else if (channel.number != 0) {
+            numbersInUse[std::exchange(channel.number, uint8_t{0})] = false;
+        }
     }
-    solve(epoch);
+    estimator.solve({antenna, clockBias, clockDrift}, frame);
 }
 
 } // namespace tool

@@ -1,9 +1,11 @@
 #include "Simulation.h"
 
 #include "Blocks.h"
+#include "Broadcast.h"
 
 #include <cmath>
 #include <map>
+#include <utility>
 
 namespace tool
 {
@@ -19,7 +21,7 @@ public:
     Simulation(const SimulationSettings& wanted, Output& output)
         : settings(wanted), random(wanted.seed),
           log(output, wanted.damage ? std::optional<uint64_t>(~wanted.seed) : std::nullopt),
-          receiver(random, wanted.week, wanted.towMillis * 1e-3)
+          receiver(random, wanted.track, epochAt(0).time)
     {
     }
 
@@ -35,15 +37,17 @@ private:
     Random random;
     BlockLog log;
     Receiver receiver;
-    std::map<uint8_t, uint32_t> sentEphemerides; ///< reference time by satellite
+    std::map<uint8_t, int64_t> sentEphemerides; ///< number of the last one by satellite
 };
 
 Epoch Simulation::epochAt(uint64_t index) const
 {
     const uint64_t passed = index * settings.periodMillis;
     const uint64_t tow = settings.towMillis + passed;
-    return {static_cast<uint16_t>(settings.week + tow / millisPerWeek),
-            static_cast<uint32_t>(tow % millisPerWeek), static_cast<double>(passed) * 1e-3};
+    const auto week = static_cast<uint16_t>(settings.week + tow / millisPerWeek);
+    const auto towMillis = static_cast<uint32_t>(tow % millisPerWeek);
+    return {week, towMillis, static_cast<double>(passed) * 1e-3,
+            (static_cast<double>(week) - almanacWeek) * secondsPerWeek + towMillis * 1e-3};
 }
 
 /// Whether an epoch is the first one in its stretch of that many milliseconds.
@@ -55,30 +59,45 @@ bool Simulation::isDue(const Epoch& epoch, uint32_t everyMillis) const
 void Simulation::addNewEphemerides(const Epoch& epoch)
 {
     for (const Sight& sight : receiver.getSights()) {
-        const auto [sent, isFirst] = sentEphemerides.try_emplace(sight.prn, sight.ephemeris.toe);
-        if (!isFirst && sent->second == sight.ephemeris.toe)
+        const Satellite& satellite = *sight.satellite;
+        const int64_t index = ephemerisIndex(satellite.getSystem(), epoch.time);
+        const auto [sent, isFirst] = sentEphemerides.try_emplace(satellite.getSvid(), index);
+        if (!isFirst && std::exchange(sent->second, index) == index)
             continue;
-        sent->second = sight.ephemeris.toe;
-        addEphemeris(log, epoch, sight);
+        if (satellite.getSystem() == System::Glonass)
+            addGlonassEphemeris(log, epoch, satellite);
+        else
+            addKeplerEphemeris(log, epoch, satellite);
     }
 }
 
 void Simulation::addBlocks(const Epoch& epoch)
 {
     constexpr uint32_t second = 1000;
+    constexpr uint32_t almanacCycle = 750 * second; // the pages of GPS come round in it
+    if (epoch.elapsed == 0)
+        addSetup(log, epoch, settings.track.start);
     addMeasurements(log, epoch, receiver);
     addPosition(log, epoch, receiver);
-    addSensor(log, epoch, random);
+    addSensor(log, epoch, receiver.getTrack(), random);
     addNewEphemerides(epoch);
+    if (epoch.elapsed == 0 || isDue(epoch, almanacCycle))
+        addSystemPages(log, epoch, receiver);
     if (isDue(epoch, second)) {
+        addTime(log, epoch);
         addChannels(log, epoch, receiver);
+        addVisibility(log, epoch, receiver);
+        addSatellitePositions(log, epoch, receiver);
+        addIntegrity(log, epoch, receiver);
         addReceiverState(log, epoch, random);
     }
-    if (isDue(epoch, 5 * second))
+    if (isDue(epoch, 5 * second)) {
         addText(log, epoch, random);
+        addQuality(log, epoch);
+    }
     if (isDue(epoch, 10 * second)) {
-        addBatteries(log, epoch, random);
-        addCorrection(log, epoch);
+        addPower(log, epoch, random);
+        addCorrections(log, epoch, settings.track.start);
     }
 }
 
@@ -86,7 +105,8 @@ void Simulation::run()
 {
     const auto epochs =
         static_cast<uint64_t>(std::llround(settings.duration * 1000 / settings.periodMillis));
-    for (uint64_t index = 0; index < epochs; ++index) {
+    const uint64_t enough = settings.size == 0 ? UINT64_MAX : settings.size;
+    for (uint64_t index = 0; index < epochs && log.getSize() < enough; ++index) {
         const Epoch epoch = epochAt(index);
         receiver.advance(epoch);
         addBlocks(epoch);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Output.h"
+#include "Track.h"
 
 #include <cstdint>
 
@@ -11,15 +12,17 @@ namespace tool
 struct SimulationSettings {
     uint32_t periodMillis = 1000; ///< from one epoch to the next
     double duration = 60;         ///< seconds
+    uint64_t size = 0;            ///< bytes after which the log ends with its epoch, 0: no limit
     uint64_t seed = 1;
     uint16_t week = 2400;
     uint32_t towMillis = 216000000; ///< of the first epoch
+    TrackSettings track;
     bool damage = false;
 };
 
-/// Writes the log of a receiver with a static antenna: measurements, position and a sensor at
-/// every epoch, its state every second, texts, corrections and batteries less often, ephemerides
-/// when they are new. The same settings give the same bytes from one build.
+/// Writes the log of a receiver: measurements, position and a sensor at every epoch, satellites
+/// and its state every second, texts, corrections and power less often, ephemerides when they are
+/// new. The same settings give the same bytes from one build.
 void simulate(const SimulationSettings& settings, Output& output);
 
 } // namespace tool
