@@ -8,8 +8,18 @@
 #include <cstdint>
 #include <functional>
 
+struct Counts {
+    uint64_t appended = 0;  ///< bytes, as are the next two
+    uint64_t delivered = 0; ///< in blocks
+    uint64_t dropped = 0;
+    uint64_t damages = 0; ///< bad checksums and lengths
+    uint64_t blocks = 0;
+    uint64_t messages = 0;
+    uint64_t events = 0; ///< of the decoder
+};
+
 /// What a program does with a stream: appends pieces, fetches blocks, decodes them, and counts.
-class Host
+class Host : public Counts
 {
 public:
     Host()
@@ -58,17 +68,13 @@ public:
                appended;
     }
 
+    /// Counts anew; bytes that wait in the synchroniser are not accounted for any more.
+    void forget() { static_cast<Counts&>(*this) = {}; }
+
     TQXSynchronizer synchronizer;
     TQXDecoder decoder;
     std::function<void(const QByteArray&)> onBlock; ///< before the block is decoded
     std::function<void(const Message*)> onMessage;
-    uint64_t appended = 0;  ///< bytes, as are the next two
-    uint64_t delivered = 0; ///< in blocks
-    uint64_t dropped = 0;
-    uint64_t damages = 0; ///< bad checksums and lengths
-    uint64_t blocks = 0;
-    uint64_t messages = 0;
-    uint64_t events = 0; ///< of the decoder
 
 private:
     void decodeBlocks()
