@@ -9,6 +9,7 @@
 
 #include <limits>
 #include <optional>
+#include <type_traits>
 #include <vector>
 
 namespace
@@ -33,8 +34,8 @@ template<typename T>
 void checkInteger(T (FieldValue::*read)() const)
 {
     using V = FieldValue;
-    const auto min = static_cast<int64_t>(std::numeric_limits<T>::min());
     const auto max = static_cast<uint64_t>(std::numeric_limits<T>::max());
+    const int64_t min = std::is_signed_v<T> ? -static_cast<int64_t>(max) - 1 : 0;
     for (const uint64_t number : {uint64_t{0}, uint64_t{1}, max - 1, max, max + 1, ~uint64_t{0}}) {
         const V value = V::u(number, 64);
         EXPECT_EQ(readBack(value, read).has_value(), number <= max) << number;

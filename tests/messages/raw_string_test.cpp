@@ -67,18 +67,6 @@ TEST(RawString, HeaderAndFloats)
               "-20000000000.000000000000;-20000000000.000");
 }
 
-TEST(RawString, AbsentFieldsAreEmptyColumns)
-{
-    for (const uint8_t revision : {uint8_t{0}, uint8_t{2}}) {
-        auto status = batteryStatus(revision);
-        TQX_BatteryStatus_Message message(status.get(), false);
-        const TQX_Battery_Message& battery = *message.getBattery(0);
-        const bool present = revision == 2;
-        EXPECT_EQ(line(battery, {"Slot", "Voltage"}), present ? "0;12000" : "0;");
-        EXPECT_EQ(line(battery, {"Voltage", "Reserved"}), present ? "12000;1 2 3" : ";");
-    }
-}
-
 TEST(RawString, TextEndsAtItsZero)
 {
     auto record = made(TQX_init_ASCIIIn);
@@ -88,13 +76,6 @@ TEST(RawString, TextEndsAtItsZero)
     std::strcpy(record->SensorModel, "MET4");
     std::strcpy(record->ASCIIString, "12 \xb0 C");
     EXPECT_EQ(line(message, {"SensorModel", "ASCIIString"}), "MET4;12 \u00b0 C");
-}
-
-TEST(RawString, SubBlocksAreCountedNotRendered)
-{
-    auto epoch = measEpoch2(3);
-    EXPECT_EQ(line(TQX_MeasEpoch2_Message(epoch.get(), false), {"N1", "Type1"}),
-              "3;submsg submsg submsg");
 }
 
 } // namespace
