@@ -29,30 +29,21 @@ constexpr Carrier carrierAt(double frequency)
             frequency == 0 ? std::numeric_limits<double>::infinity() : speedOfLight / frequency};
 }
 
-constexpr std::array<Carrier, 64> allSignals()
+constexpr std::array<Carrier, signalNumbers + 2 * frequencySlots> allCarriers()
 {
-    std::array<Carrier, 64> carriers{};
-    for (std::size_t signal = 0; signal < carriers.size(); ++signal)
-        carriers[signal] =
-            carrierAt(signal < std::size(fixedFrequency) ? fixedFrequency[signal] : 0.0);
-    return carriers;
-}
-
-constexpr std::array<std::array<Carrier, 32>, 2> allSlots()
-{
-    std::array<std::array<Carrier, 32>, 2> carriers{};
-    for (int slot = 0; slot < 32; ++slot) {
-        carriers[0][static_cast<std::size_t>(slot)] =
-            carrierAt(1602000000.0 + (slot - 8) * 562500.0);
-        carriers[1][static_cast<std::size_t>(slot)] =
-            carrierAt(1246000000.0 + (slot - 8) * 437500.0);
+    std::array<Carrier, signalNumbers + 2 * frequencySlots> all{};
+    std::size_t next = 0;
+    for (; next < signalNumbers; ++next)
+        all[next] = carrierAt(next < std::size(fixedFrequency) ? fixedFrequency[next] : 0.0);
+    for (int slot = 0; slot < static_cast<int>(frequencySlots); ++slot, ++next) {
+        all[next] = carrierAt(1602000000.0 + (slot - 8) * 562500.0);
+        all[next + frequencySlots] = carrierAt(1246000000.0 + (slot - 8) * 437500.0);
     }
-    return carriers;
+    return all;
 }
 
 } // namespace
 
-constexpr std::array<Carrier, 64> bySignal = allSignals();
-constexpr std::array<std::array<Carrier, 32>, 2> bySlot = allSlots();
+constexpr std::array<Carrier, signalNumbers + 2 * frequencySlots> carriers = allCarriers();
 
 } // namespace Kor::MessageApi::Derived

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 
 /// Formulas of the values that decoders compute from wire fields. The description names them;
@@ -24,17 +25,19 @@ struct Carrier {
     double wavelength; ///< metres, infinite for frequency 0
 };
 
-/// Carriers by signal number; GLONASS FDMA signals stand in `bySlot`.
-extern const std::array<Carrier, 64> bySignal;
-/// Carriers of the L1 and L2 FDMA signals by frequency slot.
-extern const std::array<std::array<Carrier, 32>, 2> bySlot;
+constexpr std::size_t signalNumbers = 64;
+constexpr std::size_t frequencySlots = 32;
+
+/// Carriers by signal number, then those of the L1 and of the L2 FDMA signals by frequency slot.
+extern const std::array<Carrier, signalNumbers + 2 * frequencySlots> carriers;
 
 /// Carrier of a signal number. GLONASS FDMA signals (8 to 11) use their frequency slot, which is
 /// the channel number plus 8 (GLONASS ICD L1, L2: 562.5 kHz and 437.5 kHz channel spacing).
 inline const Carrier& carrierOf(uint8_t signal, uint8_t slot)
 {
     const unsigned fdma = signal - 8U;
-    return fdma < 4U ? bySlot[fdma / 2][slot % 32U] : bySignal[signal % 64U];
+    const std::size_t bySlot = signalNumbers + fdma / 2 * frequencySlots + slot % frequencySlots;
+    return carriers[fdma < 4U ? bySlot : signal % signalNumbers];
 }
 
 /// Carrier frequency in hertz, 0 when the signal is unknown and -2e10 for the number that is set
@@ -53,7 +56,7 @@ inline double carrierWavelength(uint8_t signal, uint8_t slot)
 /// C/N0 in dB-Hz; the P(Y) signals 1 and 2 have no offset.
 inline double carrierToNoise(uint8_t cn0, uint8_t signal)
 {
-    return cn0 * 0.25 + (signal == 1 || signal == 2 ? 0.0 : 10.0);
+    return (cn0 + (signal == 1 || signal == 2 ? 0 : 40)) * 0.25;
 }
 
 /// Doppler in hertz.
@@ -62,22 +65,29 @@ inline double dopplerHertz(int32_t doppler)
     return doppler * 0.0001;
 }
 
+/// A difference whose lowest 16 bits are sent apart from the bits above. The sum is formed before
+/// it becomes a double: that is exact and takes one conversion.
+constexpr int32_t joinOffset(int8_t msb, uint16_t lsb)
+{
+    return msb * 65536 + lsb;
+}
+
 /// Pseudo-range in metres from its millimetre count.
 inline double codeRange(uint8_t msb, uint32_t lsb)
 {
-    return (msb * 4294967296.0 + lsb) * 0.001;
+    return static_cast<double>(int64_t{msb} << 32U | lsb) * 0.001;
 }
 
 /// Carrier phase in cycles: the pseudo-range in cycles plus the difference that is sent.
 inline double carrierPhase(double range, double lambda, int8_t msb, uint16_t lsb)
 {
-    return range / lambda + (msb * 65536.0 + lsb) * 0.001;
+    return range / lambda + joinOffset(msb, lsb) * 0.001;
 }
 
 /// Pseudo-range of a further signal in metres, relative to the first signal's.
 inline double codeRangeOffset(double firstRange, int8_t msb, uint16_t lsb)
 {
-    return firstRange + (msb * 65536.0 + lsb) * 0.001;
+    return firstRange + joinOffset(msb, lsb) * 0.001;
 }
 
 /// Doppler of a further signal in hertz: the first signal's, scaled by the carrier frequencies,
@@ -85,7 +95,7 @@ inline double codeRangeOffset(double firstRange, int8_t msb, uint16_t lsb)
 inline double dopplerOffsetHertz(double firstDoppler, double firstFrequency, double frequency,
                                  int8_t msb, uint16_t lsb)
 {
-    return firstDoppler * (frequency / firstFrequency) + (msb * 65536.0 + lsb) * 0.0001;
+    return firstDoppler * (frequency / firstFrequency) + joinOffset(msb, lsb) * 0.0001;
 }
 
 /// What float fields hold when they have no value.

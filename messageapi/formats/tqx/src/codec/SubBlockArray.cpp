@@ -58,6 +58,23 @@ void separate(const TQX_TypeLayout& type, const TQX_FieldLayout& field, void* re
     }
 }
 
+void freeArrays(const TQX_TypeLayout& type, const void* record);
+
+// Mostly the only array of an entry is borrowed or empty: that takes one look at it.
+void freeNested(const TQX_TypeLayout& sub, const void* array, uint32_t count)
+{
+    const TQX_FieldLayout& first = sub.fields[sub.firstSubBlock];
+    const bool onlyBlocks =
+        first.kind == TQX_FieldKind::Blocks && sub.firstSubBlock + 1 == sub.fieldCount;
+    const auto* element = static_cast<const uint8_t*>(array);
+    for (; count != 0; --count, element += sub.recordSize) {
+        const bool nothing = onlyBlocks && (storageOf(first, element) == ArrayStorage::Borrowed ||
+                                            arrayOf(first, element) == nullptr);
+        if (!nothing)
+            freeArrays(sub, element);
+    }
+}
+
 // Frees the arrays below a record. The record itself is left as it is: mostly it is about to go.
 void freeArrays(const TQX_TypeLayout& type, const void* record)
 {
@@ -75,12 +92,8 @@ void freeArrays(const TQX_TypeLayout& type, const void* record)
         void* array = arrayOf(field, record);
         if (array == nullptr)
             continue;
-        if (sub.release != nullptr) {
-            const uint32_t count = countOf(type, field, record);
-            for (uint32_t element = 0; element < count; ++element)
-                freeArrays(sub,
-                           static_cast<const uint8_t*>(array) + size_t{element} * sub.recordSize);
-        }
+        if (sub.release != nullptr)
+            freeNested(sub, array, countOf(type, field, record));
         if (storageOf(field, record) != ArrayStorage::Borrowed)
             std::free(array);
     }

@@ -17,6 +17,11 @@ const Field& row(const RecordType& type, int index)
     return type.fields[static_cast<std::size_t>(index)];
 }
 
+std::string bitsOf(const std::string& bytes)
+{
+    return bytes == "0U" ? "0" : bytes + " * 8U";
+}
+
 std::string exactCall(const RecordType& type)
 {
     return fmt::format("decodeExactly(layout_{}, context, buffer, size, offset, father, "
@@ -24,10 +29,18 @@ std::string exactCall(const RecordType& type)
                        type.name);
 }
 
-std::string lengthOf(const RecordType& type, const Field& field)
+const RecordType& ownerOf(const Format& format, const RecordType& type)
 {
-    return field.length < 0 ? std::string("0U")
-                            : "record->" + identifier(row(type, field.length).name);
+    return format.types[static_cast<std::size_t>(type.owners.front())];
+}
+
+// The length of an entry as the block states it; 0 when it does not.
+std::string lengthOf(const Format& format, const RecordType& type, const Field& field)
+{
+    if (field.length < 0)
+        return "0U";
+    return field.lengthInMain ? "main->" + identifier(row(ownerOf(format, type), field.length).name)
+                              : "record->" + identifier(row(type, field.length).name);
 }
 
 std::string selection(const RecordType& type, const Field& field)
@@ -65,18 +78,21 @@ std::string sizeText(const Shape& shape)
 }
 
 std::string fillEntry(const RecordType& sub, std::string_view entry, std::string_view father,
-                      std::string_view bytes, std::string_view indent)
+                      std::string_view parent, std::string_view bytes, std::string_view indent)
 {
     const Shape shape = shapeOf(sub);
-    return fmt::format("{0}start_{1}({2}, {3});\n"
-                       "{0}load_{1}(at, {4}{2});\n"
-                       "{0}{2}.korcg_bits = {5} * 8;\n",
-                       indent, sub.name, entry, father,
-                       shape.conditional ? "record->Revision, " : "", bytes);
+    return fmt::format("{indent}start_{sub}({entry}, {father}, {bytes} * 8);\n"
+                       "{indent}load_{sub}(at, {revision}{parent}{entry});\n",
+                       fmt::arg("indent", indent), fmt::arg("sub", sub.name),
+                       fmt::arg("entry", entry), fmt::arg("father", father),
+                       fmt::arg("bytes", bytes),
+                       fmt::arg("revision", shape.conditional ? "record->Revision, " : ""),
+                       fmt::arg("parent", needsParent(sub) ? fmt::format("{}, ", parent) : ""));
 }
 
 // One allocation, one check, straight loads.
-std::string plainBlocks(const RecordType& type, const Field& field, const RecordType& sub)
+std::string plainBlocks(const Format& format, const RecordType& type, const Field& field,
+                        const RecordType& sub)
 {
     const Shape shape = shapeOf(sub);
     const std::string name = identifier(field.name);
@@ -103,24 +119,20 @@ std::string plainBlocks(const RecordType& type, const Field& field, const Record
         "        end += count * entry * 8;\n"
         "    }}\n",
         fmt::arg("count", identifier(row(type, field.count).name)),
-        fmt::arg("length", lengthOf(type, field)), fmt::arg("exact", exactCall(type)),
+        fmt::arg("length", lengthOf(format, type, field)), fmt::arg("exact", exactCall(type)),
         fmt::arg("name", name), fmt::arg("subRecord", recordName(sub)),
-        fmt::arg("fill", fillEntry(sub, "item", "record", "known", "            ")));
+        fmt::arg("fill", fillEntry(sub, "item", "record", "*record", "known", "            ")));
     return text;
 }
 
-// Two levels of entries in one allocation, sized by a first walk over the counts.
+// Two levels of entries in one allocation. How many of the inner ones there are is known only when
+// the last outer one is read, so there is room for as many as the block can hold.
 std::string nestedBlocks(const Format& format, const RecordType& type, const Field& field,
                          const RecordType& sub, const Field& inner)
 {
     const RecordType& leaf = *format.find(inner.subType);
     const Shape leafShape = shapeOf(leaf);
     const Shape subShape = shapeOf(sub);
-    const Field& nestedCount = row(sub, inner.count);
-    const std::string name = identifier(field.name);
-    const std::string loadCount =
-        fmt::format("korcg_load_u{}(buffer + place + {})", bytesOf(nestedCount.type) * 8,
-                    nestedCount.wireOffset);
     std::string text = "    {\n";
     text += fmt::format("        constexpr uint32_t known = {};\n", sizeText(subShape));
     if (leafShape.conditional)
@@ -133,58 +145,54 @@ std::string nestedBlocks(const Format& format, const RecordType& type, const Fie
         "        const uint32_t count = record->{count};\n"
         "        const uint32_t entry = entryBytes({length}, known);\n"
         "        const uint32_t nestedEntry = entryBytes(record->{nestedLength}, nestedKnown);\n"
-        "        uint64_t place = end / 8;\n"
-        "        size_t nested = 0;\n"
-        "        bool whole = entry >= known && nestedEntry >= nestedKnown;\n"
-        "        for (uint32_t i = 0; i < count && whole; ++i) {{\n"
-        "            whole = place + known <= size;\n"
-        "            if (whole) {{\n"
-        "                const uint32_t inside = {loadCount};\n"
-        "                nested += inside;\n"
-        "                place += entry + uint64_t{{inside}} * nestedEntry;\n"
-        "            }}\n"
-        "        }}\n"
-        "        if (!whole || place > size)\n"
+        "        if (entry < known || nestedEntry < nestedKnown ||\n"
+        "            !isInside(size, end, uint64_t{{count}} * entry))\n"
         "            return {exact};\n"
+        "        const uint32_t room = (size - end / 8 - count * entry) / nestedEntry;\n"
+        "        auto* items = count == 0 ? nullptr : allocateEntries<{subRecord}, {leafRecord}>("
+        "count, room);\n"
+        "        auto* const nested = nestedEntries<{leafRecord}>(items, count);\n"
+        "        auto* next = nested;\n"
         "        at = buffer + end / 8;\n"
-        "        if (count != 0) {{\n"
-        "            record->{name} = allocateEntries<{subRecord}, {leafRecord}>(count, nested);\n"
-        "            record->{name}_storage = nested != 0 ? ArrayStorage::Shared : "
-        "ArrayStorage::Own;\n"
-        "        }}\n"
-        "        auto* spare = nestedEntries<{leafRecord}>(record->{name}, count);\n"
         "        for (uint32_t i = 0; i < count; ++i) {{\n"
-        "            {subRecord}& item = record->{name}[i];\n"
+        "            {subRecord}& item = items[i];\n"
         "{fill}"
         "            at += entry;\n"
+        "            if (item.{innerCount} > nested + room - next) {{\n"
+        "                std::free(items);\n"
+        "                return {exact};\n"
+        "            }}\n"
         "            if (item.{innerCount} != 0) {{\n"
-        "                item.{inner} = spare;\n"
+        "                item.{inner} = next;\n"
         "                item.{inner}_storage = ArrayStorage::Borrowed;\n"
         "            }}\n"
         "            for (uint32_t j = 0; j < item.{innerCount}; ++j, at += nestedEntry) {{\n"
-        "                {leafRecord}& nestedItem = *spare++;\n"
+        "                {leafRecord}& nestedItem = *next++;\n"
         "{fillLeaf}"
         "            }}\n"
         "            item.korcg_bits += item.{innerCount} * nestedKnown * 8;\n"
         "            record->korcg_bits += item.korcg_bits;\n"
         "        }}\n"
-        "        end = static_cast<uint32_t>(place) * 8;\n"
+        "        record->{name} = items;\n"
+        "        record->{name}_storage = next == nested ? ArrayStorage::Own : "
+        "ArrayStorage::Shared;\n"
+        "        end = static_cast<uint32_t>(at - buffer) * 8;\n"
         "    }}\n",
         fmt::arg("count", identifier(row(type, field.count).name)),
-        fmt::arg("length", lengthOf(type, field)),
+        fmt::arg("length", lengthOf(format, type, field)),
         fmt::arg("nestedLength", identifier(row(type, inner.length).name)),
-        fmt::arg("loadCount", loadCount), fmt::arg("exact", exactCall(type)),
-        fmt::arg("name", name), fmt::arg("subRecord", recordName(sub)),
-        fmt::arg("leafRecord", recordName(leaf)), fmt::arg("inner", identifier(inner.name)),
-        fmt::arg("innerCount", identifier(nestedCount.name)),
-        fmt::arg("fill", fillEntry(sub, "item", "record", "known", "            ")),
-        fmt::arg("fillLeaf",
-                 fillEntry(leaf, "nestedItem", "&item", "nestedKnown", "                ")));
+        fmt::arg("exact", exactCall(type)), fmt::arg("name", identifier(field.name)),
+        fmt::arg("subRecord", recordName(sub)), fmt::arg("leafRecord", recordName(leaf)),
+        fmt::arg("inner", identifier(inner.name)),
+        fmt::arg("innerCount", identifier(row(sub, inner.count).name)),
+        fmt::arg("fill", fillEntry(sub, "item", "record", "*record", "known", "            ")),
+        fmt::arg("fillLeaf", fillEntry(leaf, "nestedItem", "&item", "item", "nestedKnown",
+                                       "                ")));
     return text;
 }
 
-// Entries of a shape of their own go through the exact decoder one by one.
-std::string otherBlocks(const RecordType& type, const Field& field)
+// Entries of a shape of their own are decoded one by one.
+std::string otherBlocks(const Format& format, const RecordType& type, const Field& field)
 {
     const std::string name = identifier(field.name);
     return fmt::format(
@@ -192,9 +200,8 @@ std::string otherBlocks(const RecordType& type, const Field& field)
         "        record->{name} = static_cast<{subRecord}*>(std::calloc(record->{count}, "
         "sizeof({subRecord})));\n"
         "    for (uint32_t i = 0; i < record->{count}; ++i) {{\n"
-        "        const int32_t result = decodeExactly(layout_{sub}, context, buffer, size, &end, "
-        "record,\n"
-        "                                             {length} * 8U, &record->{name}[i]);\n"
+        "        const int32_t result = TQX_decode_{sub}(context, buffer, size, &end, record, "
+        "{length}, &record->{name}[i]);\n"
         "        if (result < 0) {{\n"
         "            *offset = end;\n"
         "            return result;\n"
@@ -203,16 +210,14 @@ std::string otherBlocks(const RecordType& type, const Field& field)
         "    }}\n",
         fmt::arg("count", identifier(row(type, field.count).name)), fmt::arg("name", name),
         fmt::arg("subRecord", recordName(field.subType)), fmt::arg("sub", field.subType),
-        fmt::arg("length", lengthOf(type, field)));
+        fmt::arg("length", bitsOf(lengthOf(format, type, field))));
 }
 
-std::string embedded(const RecordType& type, const Field& field)
+std::string embedded(const Format& format, const RecordType& type, const Field& field)
 {
     return fmt::format("    if ({condition}) {{\n"
-                       "        const int32_t result = decodeExactly(layout_{sub}, context, "
-                       "buffer, size, &end, record,\n"
-                       "                                             {length} * 8U, "
-                       "&record->{name});\n"
+                       "        const int32_t result = TQX_decode_{sub}(context, buffer, size, "
+                       "&end, record, {length}, &record->{name});\n"
                        "        if (result < 0) {{\n"
                        "            *offset = end;\n"
                        "            return result;\n"
@@ -220,7 +225,8 @@ std::string embedded(const RecordType& type, const Field& field)
                        "        record->korcg_bits += record->{name}.korcg_bits;\n"
                        "    }}\n",
                        fmt::arg("condition", selection(type, field)),
-                       fmt::arg("sub", field.subType), fmt::arg("length", lengthOf(type, field)),
+                       fmt::arg("sub", field.subType),
+                       fmt::arg("length", bitsOf(lengthOf(format, type, field))),
                        fmt::arg("name", identifier(field.name)));
 }
 
@@ -257,33 +263,114 @@ std::string tailStatements(const Format& format, const RecordType& type, int ind
     if (field.isCounted())
         return counted(type, index);
     if (field.kind == FieldKind::Embedded)
-        return embedded(type, field);
+        return embedded(format, type, field);
     const RecordType& sub = *format.find(field.subType);
     if (field.presence == Presence::Always && isPlainSub(sub))
-        return plainBlocks(type, field, sub);
+        return plainBlocks(format, type, field, sub);
     if (const Field* inner = nestedArray(format, sub);
         inner != nullptr && field.presence == Presence::Always)
         return nestedBlocks(format, type, field, sub, *inner);
-    return otherBlocks(type, field);
+    return otherBlocks(format, type, field);
+}
+
+bool isConditional(const RecordType& type, int index)
+{
+    const Field& field = row(type, index);
+    return field.presence == Presence::SinceRevision || field.presence == Presence::OnlyRevision ||
+           (field.kind == FieldKind::Blocks && field.presence != Presence::Always);
+}
+
+bool hasLength(const RecordType& type, int index)
+{
+    const Field& field = row(type, index);
+    return field.kind == FieldKind::Embedded && field.length >= 0;
+}
+
+// Whether some record holds one of this type in place. Other plain entries are loaded by the loop
+// over their array.
+bool isEmbedded(const Format& format, const RecordType& type)
+{
+    const RecordType& owner = ownerOf(format, type);
+    return std::any_of(owner.fields.begin(), owner.fields.end(), [&](const Field& field) {
+        return field.kind == FieldKind::Embedded && field.subType == type.name;
+    });
 }
 
 // Once an array is allocated there is no way back to the exact decoder, so only the first
-// sub-block array of a type may still turn to it.
+// sub-block array of a type may still turn to it. Sub-blocks have none: those with arrays are
+// decoded inside their main blocks.
 bool isStraight(const Format& format, const RecordType& type, const Shape& shape)
 {
-    if (!type.isMain() || !shape.straight)
-        return false;
     const auto arrays = std::count_if(shape.tail.begin(), shape.tail.end(), [&](int index) {
         return row(type, index).kind == FieldKind::Blocks;
     });
-    const auto conditional = std::any_of(shape.tail.begin(), shape.tail.end(), [&](int index) {
-        const Field& field = row(type, index);
-        return field.presence == Presence::SinceRevision ||
-               field.presence == Presence::OnlyRevision ||
-               (field.kind == FieldKind::Blocks && field.presence != Presence::Always);
-    });
-    static_cast<void>(format);
-    return arrays <= 1 && !conditional;
+    const auto conditional = std::any_of(shape.tail.begin(), shape.tail.end(),
+                                         [&](int index) { return isConditional(type, index); });
+    if (!shape.straight || conditional)
+        return false;
+    if (type.isMain())
+        return arrays <= 1;
+    // The stated length of an entry ends in front of what has a length of its own.
+    return arrays == 0 && !shape.conditional && !needsParent(type) && type.owners.size() == 1 &&
+           (!shape.isPlain() || isEmbedded(format, type)) &&
+           std::is_partitioned(shape.tail.begin(), shape.tail.end(),
+                               [&](int index) { return !hasLength(type, index); });
+}
+
+// Statements up to the end of the fields at constant places.
+std::string mainHead(const RecordType& type, const Shape& shape)
+{
+    std::string text;
+    if (shape.conditional)
+        text = fmt::format("    constexpr uint16_t headBytes[8] = {{{}}};\n"
+                           "    if (father != nullptr || explicitLength != 0 || !isInside(size, "
+                           "start, 8))\n"
+                           "        return {};\n"
+                           "    const uint8_t* at = buffer + start / 8;\n"
+                           "    const unsigned revision = at[5] >> 5U;\n"
+                           "    const uint32_t head = headBytes[revision];\n"
+                           "    if (!isInside(size, start, head))\n"
+                           "        return {};\n",
+                           sizeText(shape), exactCall(type), exactCall(type));
+    else
+        text = fmt::format("    constexpr uint32_t head = {};\n"
+                           "    if (father != nullptr || explicitLength != 0 || !isInside(size, "
+                           "start, head))\n"
+                           "        return {};\n"
+                           "    const uint8_t* at = buffer + start / 8;\n",
+                           sizeText(shape), exactCall(type));
+    return text + fmt::format("    start_{0}(*record, nullptr, head * 8);\n"
+                              "    loadHeader(at, context, *record);\n"
+                              "    load_{0}(at, {1}*record);\n",
+                              type.name, shape.conditional ? "revision, " : "");
+}
+
+std::string entryHead(const Format& format, const RecordType& type, const Shape& shape)
+{
+    std::string text = fmt::format("    constexpr uint32_t head = {};\n", sizeText(shape));
+    std::string guard;
+    if (!shape.tail.empty() && hasLength(type, shape.tail.back())) {
+        const RecordType& main = ownerOf(format, type);
+        text += fmt::format("    const auto* main = fatherAs<{}>(father, {});\n", recordName(main),
+                            main.record);
+        guard = "main == nullptr || ";
+    }
+    return text + fmt::format("    if ({guard}!isInside(size, start, head))\n"
+                              "        return {exact};\n"
+                              "    start_{name}(*record, father, head * 8);\n"
+                              "    load_{name}(buffer + start / 8, *record);\n",
+                              fmt::arg("guard", guard), fmt::arg("exact", exactCall(type)),
+                              fmt::arg("name", type.name));
+}
+
+std::string applyLength(const RecordType& type)
+{
+    return fmt::format("    if (explicitLength != 0) {{\n"
+                       "        if (end - start > explicitLength)\n"
+                       "            return {};\n"
+                       "        end = start + explicitLength;\n"
+                       "    }}\n",
+                       exactCall(type));
 }
 
 } // namespace
@@ -294,32 +381,17 @@ std::string decodeBody(const Format& format, const RecordType& type)
     if (!isStraight(format, type, shape))
         return fmt::format("    return {};\n", exactCall(type));
     std::string text = "    const uint32_t start = *offset;\n";
-    if (shape.conditional)
-        text += fmt::format("    constexpr uint16_t headBytes[8] = {{{}}};\n"
-                            "    if (father != nullptr || explicitLength != 0 || !isInside(size, "
-                            "start, 8))\n"
-                            "        return {};\n"
-                            "    const uint8_t* at = buffer + start / 8;\n"
-                            "    const unsigned revision = at[5] >> 5U;\n"
-                            "    const uint32_t head = headBytes[revision];\n"
-                            "    if (!isInside(size, start, head))\n"
-                            "        return {};\n",
-                            sizeText(shape), exactCall(type), exactCall(type));
-    else
-        text += fmt::format("    constexpr uint32_t head = {};\n"
-                            "    if (father != nullptr || explicitLength != 0 || !isInside(size, "
-                            "start, head))\n"
-                            "        return {};\n"
-                            "    const uint8_t* at = buffer + start / 8;\n",
-                            sizeText(shape), exactCall(type));
-    text += fmt::format("    start_{0}(*record, nullptr);\n"
-                        "    loadHeader(at, context, *record);\n"
-                        "    load_{0}(at, {1}*record);\n"
-                        "    record->korcg_bits = head * 8;\n"
-                        "    uint32_t end = start + head * 8;\n",
-                        type.name, shape.conditional ? "revision, " : "");
-    for (const int index : shape.tail)
-        text += tailStatements(format, type, index);
+    text += type.isMain() ? mainHead(type, shape) : entryHead(format, type, shape);
+    text += "    uint32_t end = start + head * 8;\n";
+    const auto lengths = std::partition_point(shape.tail.begin(), shape.tail.end(),
+                                              [&](int index) { return !hasLength(type, index); });
+    for (auto index = shape.tail.begin(); index != shape.tail.end(); ++index) {
+        if (index == lengths && !type.isMain())
+            text += applyLength(type);
+        text += tailStatements(format, type, *index);
+    }
+    if (lengths == shape.tail.end() && !type.isMain())
+        text += applyLength(type);
     return text + "    *offset = end;\n    return static_cast<int32_t>(end - start);\n";
 }
 

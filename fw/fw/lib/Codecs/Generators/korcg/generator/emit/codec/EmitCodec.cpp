@@ -126,7 +126,7 @@ std::string internalHeader(const Format& format, const Selection& selection)
     for (const RecordType* type : selection)
         if (!type->isMain())
             text += codec::initFunction(*type) + codec::startFunction(*type) +
-                    codec::deriveFunctions(format, *type) + codec::loadFunction(*type);
+                    codec::deriveFunctions(format, *type) + codec::loadFunction(format, *type);
     return text + "} // namespace Kor::MessageApi\n";
 }
 
@@ -136,7 +136,7 @@ std::string unit(const Format& format, const Selection& group)
     for (const RecordType* type : group)
         if (type->isMain())
             text += codec::initFunction(*type) + codec::startFunction(*type) +
-                    codec::deriveFunctions(format, *type) + codec::loadFunction(*type);
+                    codec::deriveFunctions(format, *type) + codec::loadFunction(format, *type);
     for (const RecordType* type : group)
         text += codec::layoutTable(format, *type);
     text += "} // namespace Kor::MessageApi\n\nusing namespace Kor::MessageApi;\n\n";

@@ -108,6 +108,26 @@ std::string deriveName(const RecordType& type, const Field& trigger)
     return fmt::format("derive_{}_{}", type.name, identifier(trigger.name));
 }
 
+bool isOfParent(const std::string& input)
+{
+    return input.rfind("parent.", 0) == 0;
+}
+
+// Whether a value that derives from this field, or one that follows it, needs the parent's.
+bool climbs(const RecordType& type, int trigger)
+{
+    return std::any_of(type.fields.begin(), type.fields.end(), [trigger](const Field& field) {
+        return field.kind == FieldKind::Derived && field.after == trigger &&
+               std::any_of(field.inputs.begin(), field.inputs.end(), isOfParent);
+    });
+}
+
+// With a single owner the loader can be handed the parent's record.
+bool knowsParent(const RecordType& type)
+{
+    return type.owners.size() == 1;
+}
+
 std::string place(int offset)
 {
     return offset == 0 ? "at" : fmt::format("at + {}", offset);
@@ -184,10 +204,9 @@ bool isAlwaysLoaded(const RecordType& type, const Shape& shape, int index)
     if (field.kind == FieldKind::Bits)
         return isAlwaysLoaded(type, shape, field.parent);
     if (field.kind == FieldKind::Derived) {
-        for (const std::string& input : field.inputs)
-            if (input.rfind("parent.", 0) == 0)
-                return false;
-        return !field.initial && isAlwaysLoaded(type, shape, field.after);
+        if (!knowsParent(type) && std::any_of(field.inputs.begin(), field.inputs.end(), isOfParent))
+            return false;
+        return isAlwaysLoaded(type, shape, field.after);
     }
     return std::find(shape.head.begin(), shape.head.end(), index) != shape.head.end() &&
            condition(field).empty();
@@ -220,15 +239,37 @@ std::string startStatement(const RecordType& type, const Field& field)
 std::string startFunction(const RecordType& type)
 {
     const Shape shape = shapeOf(type);
-    std::string text = fmt::format("inline void start_{}({}& record, void* father)\n{{\n"
-                                   "    record.korcg_type = {};\n"
-                                   "    record.korcg_father = father;\n",
-                                   type.name, recordName(type), type.record);
+    std::string text =
+        fmt::format("inline void start_{}({}& record, void* father, uint32_t bits)\n{{\n"
+                    "    record.korcg_type = {};\n"
+                    "    record.korcg_bits = bits;\n"
+                    "    record.korcg_father = father;\n",
+                    type.name, recordName(type), type.record);
     for (int index = 0; index < static_cast<int>(type.fields.size()); ++index)
         if (!isAlwaysLoaded(type, shape, index))
             text += startStatement(type, row(type, index));
     return text + "}\n\n";
 }
+
+namespace
+{
+
+// Statement that computes one derived value.
+std::string formula(const Field& field)
+{
+    std::string arguments;
+    for (const std::string& input : field.inputs) {
+        arguments += arguments.empty() ? "" : ", ";
+        arguments += isOfParent(input) ? "parent." + identifier(input.substr(7))
+                                       : "record." + identifier(input);
+    }
+    std::string value = fmt::format("Derived::{}({})", field.function, arguments);
+    if (field.type != Scalar::F64)
+        value = fmt::format("static_cast<{}>({})", memberType(field.type), value);
+    return fmt::format("    record.{} = {};\n", identifier(field.name), value);
+}
+
+} // namespace
 
 std::string deriveFunctions(const Format& format, const RecordType& type)
 {
@@ -236,47 +277,38 @@ std::string deriveFunctions(const Format& format, const RecordType& type)
     for (int trigger = 0; trigger < static_cast<int>(type.fields.size()); ++trigger) {
         if (!triggersFormula(type, trigger) || row(type, trigger).isHeader)
             continue;
-        std::string plain;
-        std::string withParent;
-        const RecordType* owner = nullptr;
-        for (const Field& field : type.fields) {
-            if (field.kind != FieldKind::Derived || field.after != trigger)
-                continue;
-            std::string arguments;
-            bool climbs = false;
-            for (const std::string& input : field.inputs) {
-                arguments += arguments.empty() ? "" : ", ";
-                if (input.rfind("parent.", 0) == 0) {
-                    climbs = true;
-                    arguments += "parent->" + identifier(input.substr(7));
-                } else {
-                    arguments += "record." + identifier(input);
-                }
-            }
-            std::string value = fmt::format("Derived::{}({})", field.function, arguments);
-            if (field.type != Scalar::F64)
-                value = fmt::format("static_cast<{}>({})", memberType(field.type), value);
-            const std::string statement =
-                fmt::format("record.{} = {};\n", identifier(field.name), value);
-            if (climbs && owner == nullptr)
-                owner = &format.types[static_cast<std::size_t>(type.owners.front())];
-            // What follows a value of the parent may build on it.
-            (owner != nullptr ? withParent : plain) +=
-                (owner != nullptr ? "        " : "    ") + statement;
+        std::string formulas;
+        for (const Field& field : type.fields)
+            if (field.kind == FieldKind::Derived && field.after == trigger)
+                formulas += formula(field);
+        const std::string name = deriveName(type, row(type, trigger));
+        const std::string record = recordName(type);
+        if (!climbs(type, trigger)) {
+            text += fmt::format("inline void {}({}& record)\n{{\n{}}}\n\n", name, record, formulas);
+            continue;
         }
-        text += fmt::format("inline void {}({}& record)\n{{\n{}",
-                            deriveName(type, row(type, trigger)), recordName(type), plain);
-        if (owner != nullptr)
-            text +=
-                fmt::format("    if (const auto* parent = fatherAs<{}>(record.korcg_father, {})) "
-                            "{{\n{}    }}\n",
-                            recordName(*owner), owner->record, withParent);
-        text += "}\n\n";
+        const RecordType& owner = format.types[static_cast<std::size_t>(type.owners.front())];
+        text += fmt::format(
+            "inline void {name}(const {owner}& parent, {record}& record)\n{{\n{formulas}}}\n\n"
+            "inline void {name}({record}& record)\n{{\n"
+            "    if (const auto* parent = fatherAs<{owner}>(record.korcg_father, {ownerType}))\n"
+            "        {name}(*parent, record);\n}}\n\n",
+            fmt::arg("name", name), fmt::arg("owner", recordName(owner)),
+            fmt::arg("record", record), fmt::arg("formulas", formulas),
+            fmt::arg("ownerType", owner.record));
     }
     return text;
 }
 
-std::string loadFunction(const RecordType& type)
+bool needsParent(const RecordType& type)
+{
+    bool any = false;
+    for (int index = 0; index < static_cast<int>(type.fields.size()); ++index)
+        any = any || climbs(type, index);
+    return any && knowsParent(type);
+}
+
+std::string loadFunction(const Format& format, const RecordType& type)
 {
     const Shape shape = shapeOf(type);
     std::string body;
@@ -297,15 +329,22 @@ std::string loadFunction(const RecordType& type)
             if (!field.isArray())
                 statements += splitStatements(type, index, "", indent);
             if (triggersFormula(type, index))
-                statements += fmt::format("{}{}(record);\n", indent, deriveName(type, field));
+                statements +=
+                    fmt::format("{}{}({}record);\n", indent, deriveName(type, field),
+                                climbs(type, index) && knowsParent(type) ? "parent, " : "");
             body += guard.empty() ? statements
                                   : fmt::format("    if ({}) {{\n{}    }}\n", guard, statements);
         }
     }
-    return fmt::format("inline void load_{}(const uint8_t* at, {}{}& record)\n{{\n{}}}\n\n",
-                       type.name, shape.conditional ? "unsigned revision, " : "", recordName(type),
-                       body.empty() ? "    static_cast<void>(at);\n    static_cast<void>(record);\n"
-                                    : body);
+    std::string parent;
+    if (needsParent(type))
+        parent =
+            fmt::format("const {}& parent, ",
+                        recordName(format.types[static_cast<std::size_t>(type.owners.front())]));
+    return fmt::format(
+        "inline void load_{}(const uint8_t* at, {}{}{}& record)\n{{\n{}}}\n\n", type.name,
+        shape.conditional ? "unsigned revision, " : "", parent, recordName(type),
+        body.empty() ? "    static_cast<void>(at);\n    static_cast<void>(record);\n" : body);
 }
 
 } // namespace korcg::generator::codec

@@ -13,17 +13,19 @@ std::string recordStruct(const RecordType& type);
 
 /// Inline functions init_<Name>, derive_<Name>_<Field> and load_<Name> of one type.
 std::string initFunction(const RecordType& type);
-/// start_<Name>: sets what load_<Name> leaves alone, so that both together do what init and the
-/// exact decoder do.
+/// start_<Name>: sets the bookkeeping members and what load_<Name> leaves alone, so that both
+/// together do what init and the exact decoder do.
 std::string startFunction(const RecordType& type);
 std::string deriveFunctions(const Format& format, const RecordType& type);
-std::string loadFunction(const RecordType& type);
+std::string loadFunction(const Format& format, const RecordType& type);
+/// Whether load_<Name> takes the record of the parent, from which some values derive.
+bool needsParent(const RecordType& type);
 
 /// TQX_init_<Name>, TQX_decode_<Name>, TQX_encode_<Name> and TQX_append_<Name>_<Sub>.
 std::string exportedFunctions(const Format& format, const RecordType& type);
 std::string exportedDeclarations(const RecordType& type);
 
-/// Body of TQX_decode_<Name> for a main block.
+/// Body of TQX_decode_<Name>.
 std::string decodeBody(const Format& format, const RecordType& type);
 
 /// Rows and type entry of the layout table.
