@@ -97,8 +97,21 @@ void appendFloat(Buffer& out, float value)
     appendReal(out, value);
 }
 
+// Many values are decimal numbers with few digits. Of up to fifteen digits, only one is next to a
+// double, so it is the shortest text as well, and takes a third of the time.
 void appendDouble(Buffer& out, double value)
 {
+    constexpr unsigned decimals = 3;
+    constexpr double power = 1000;
+    constexpr double mostDigits = 1e15;
+    const double digits = value * power;
+    if (std::fabs(digits) < mostDigits && value != 0) {
+        const auto whole = static_cast<int64_t>(digits);
+        if (static_cast<double>(whole) == digits && digits / power == value &&
+            appendDecimal(out, whole < 0, static_cast<uint64_t>(whole < 0 ? -whole : whole),
+                          decimals))
+            return;
+    }
     appendReal(out, value);
 }
 
