@@ -41,11 +41,12 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         Case{"Sound", {"info", "--strict", "data/samples/random.tqx"}, 0, ""},
         Case{"Damaged",
-             {"info", "data/samples/random-damaged.tqx"},
+             {"dump", "data/samples/random-damaged.tqx"},
              0,
              "tqx: data/samples/random-damaged.tqx: 1460: 33 bytes belong to no block, 1 bad "
              "checksum\n"},
-        Case{"DamagedQuiet", {"info", "-q", "data/samples/random-damaged.tqx"}, 0, ""},
+        Case{"DamagedQuiet", {"dump", "-q", "data/samples/random-damaged.tqx"}, 0, ""},
+        Case{"DamageIsInTheSummary", {"info", "data/samples/random-damaged.tqx"}, 0, ""},
         Case{"DamagedStrict", {"dump", "-q", "--strict", "data/samples/random-damaged.tqx"}, 2, ""},
         Case{"UnknownAndUnselectedTypesAreNoDamage",
              {"dump", "--strict", "--type", "4014", "data/samples/random.tqx"},

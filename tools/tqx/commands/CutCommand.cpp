@@ -13,12 +13,10 @@ class Copies : public BlockConsumer
 public:
     explicit Copies(Buffer& buffer) : out(buffer) {}
 
-    void begin(BlockStream&) override {}
     void take(BlockStream&, const Block& block) override
     {
         out.append(reinterpret_cast<const char*>(block.data), block.size);
     }
-    void end(BlockStream&) override {}
 
 private:
     Buffer& out;

@@ -58,8 +58,6 @@ private:
 class MessageDump : public BlockConsumer
 {
 public:
-    void begin(BlockStream&) override {}
-
     void take(BlockStream& stream, const Block& block) override
     {
         const int32_t result = decoder.decode(block);
@@ -70,8 +68,6 @@ public:
         else
             writeOther(block);
     }
-
-    void end(BlockStream&) override {}
 
 protected:
     virtual void writeMessage(const Block& block, const Message& message) = 0;

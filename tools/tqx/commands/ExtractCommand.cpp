@@ -60,7 +60,6 @@ public:
     {
     }
 
-    void begin(BlockStream&) override {}
     void take(BlockStream& stream, const Block& block) override
     {
         if (block.getNumber() != number)
@@ -69,7 +68,6 @@ public:
         if (result < 0)
             stream.reportUndecodable(block, result);
     }
-    void end(BlockStream&) override {}
 
 private:
     TQXDecoder decoder;

@@ -4,36 +4,34 @@
 #include "StreamSummary.h"
 #include "SummaryText.h"
 
-#include <memory>
-
 namespace tool
 {
 
 namespace
 {
 
-class Summaries : public BlockConsumer
+class Summarizer : public BlockConsumer
 {
 public:
-    Summaries(Buffer& buffer, bool asJson) : out(buffer), json(asJson) {}
+    Summarizer(Buffer& buffer, bool asJson) : out(buffer), json(asJson) {}
 
-    void begin(BlockStream&) override { summary = std::make_unique<StreamSummary>(); }
-    void take(BlockStream& stream, const Block& block) override { summary->add(stream, block); }
+    void begin(BlockStream& stream) override
+    {
+        stream.setGapListener([this](const StreamGap& gap) { summary.addDamage(gap); });
+    }
+    void take(BlockStream& stream, const Block& block) override { summary.add(stream, block); }
     void end(BlockStream& stream) override
     {
         if (json)
-            return appendSummaryJson(out, stream.getName(), stream.getCounts(), *summary);
-        if (!first)
-            out.append('\n');
-        first = false;
-        appendSummaryText(out, stream.getName(), stream.getCounts(), *summary);
+            appendSummaryJson(out, stream, summary);
+        else
+            appendSummaryText(out, stream, summary);
     }
 
 private:
     Buffer& out;
     bool json;
-    bool first = true;
-    std::unique_ptr<StreamSummary> summary;
+    StreamSummary summary;
 };
 
 } // namespace
@@ -41,18 +39,23 @@ private:
 InfoCommand::InfoCommand(CLI::App& program)
     : Command(program, "info", "Show what a stream holds: types, times, rates, damage",
               "  tqx info log.tqx\n"
-              "  tqx info --json --quiet *.tqx | jq .crcErrors\n")
+              "  tqx info day1.tqx day2.tqx\n"
+              "  tqx info --json *.tqx | jq .crcErrors\n"
+              "\n"
+              "Several files are summed up as one stream. The text shows the first ten places of\n"
+              "damage, JSON the first thousand. A gap is an interval of at least one and a half\n"
+              "times the one at which a type usually comes.\n")
 {
     streams.addInputs(app);
     streams.addSelection(app);
-    app.add_flag("--json", json, "An object a line for each file instead of text");
+    app.add_flag("--json", json, "A JSON object instead of text");
 }
 
 ExitStatus InfoCommand::run()
 {
     Output output;
-    Summaries summaries(output.getBuffer(), json);
-    return streams.read(summaries, output);
+    Summarizer summarizer(output.getBuffer(), json);
+    return streams.read(summarizer, output);
 }
 
 } // namespace tool

@@ -8,15 +8,14 @@ namespace tool
 void Intervals::add(GnssMillis time)
 {
     constexpr size_t mostDifferent = 100;
-    if (last && time <= *last) {
-        last = time;
-        return;
-    }
-    if (last) {
+    if (last && time > *last) {
         const uint64_t interval = time - *last;
         ++total;
-        if (counts.size() < mostDifferent || counts.count(interval) != 0)
-            ++counts[interval];
+        const auto found = intervals.find(interval);
+        if (found != intervals.end())
+            ++found->second.times;
+        else if (intervals.size() < mostDifferent)
+            intervals[interval] = {1, *last};
     }
     last = time;
 }
@@ -24,20 +23,22 @@ void Intervals::add(GnssMillis time)
 std::optional<uint64_t> Intervals::getUsual() const
 {
     const auto most =
-        std::max_element(counts.begin(), counts.end(),
-                         [](const auto& a, const auto& b) { return a.second < b.second; });
-    if (most == counts.end() || most->second * 2 <= total)
+        std::max_element(intervals.begin(), intervals.end(), [](const auto& a, const auto& b) {
+            return a.second.times < b.second.times;
+        });
+    if (most == intervals.end() || most->second.times * 2 <= total)
         return std::nullopt;
     return most->first;
 }
 
-uint64_t Intervals::getGaps() const
+std::vector<Intervals::Gap> Intervals::getGaps() const
 {
+    std::vector<Gap> gaps;
     const std::optional<uint64_t> usual = getUsual();
-    uint64_t gaps = 0;
-    for (const auto& [interval, count] : counts)
+    for (const auto& [interval, seen] : intervals)
         if (usual && interval * 2 >= *usual * 3)
-            gaps += count;
+            gaps.push_back(
+                {interval, seen.times, seen.after, (interval + *usual / 2) / *usual - 1});
     return gaps;
 }
 

@@ -4,35 +4,55 @@
 #include "Intervals.h"
 #include "RecordDecoder.h"
 
+#include <bitset>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace tool
 {
+
+/// Blocks of a type that do not decode, of one code.
+struct FailureSummary {
+    uint64_t blocks = 0;
+    std::string file; ///< of the first one
+    uint64_t offset = 0;
+};
 
 /// What is known of the blocks of one number.
 struct TypeSummary {
     uint64_t blocks = 0;
     uint64_t bytes = 0;
+    bool isKnown = false;
+    std::bitset<8> revisions;
     Intervals intervals;
-    std::map<int32_t, uint64_t> failures; ///< blocks that do not decode, by code
+    std::map<int32_t, FailureSummary> failures; ///< by code
 };
 
 /// What a stream holds, gathered block by block.
 class StreamSummary
 {
 public:
+    StreamSummary();
+
     /// Decodes and counts a block.
     void add(BlockStream& stream, const Block& block);
 
-    /// By block number; unknown ones are among them.
-    const std::map<uint16_t, TypeSummary>& getTypes() const { return types; }
+    /// Notes where bytes belong to no block; only the first thousand places are kept.
+    void addDamage(const StreamGap& gap);
 
-    uint64_t getBlocks() const { return blocks; }
+    /// By block number; unknown ones are among them.
+    std::map<uint16_t, const TypeSummary*> getTypes() const;
 
     /// Blocks of numbers that no type has.
-    uint64_t getUnknown() const { return unknown; }
+    uint64_t getUnknown() const;
+
+    /// The first places of damage, and how many there are.
+    const std::vector<StreamGap>& getDamage() const { return damage; }
+    uint64_t getDamagedPlaces() const { return damagedPlaces; }
 
     /// Times of the first and the last block that has one.
     const std::optional<GnssMillis>& getFirst() const { return first; }
@@ -40,9 +60,9 @@ public:
 
 private:
     RecordDecoder decoder;
-    std::map<uint16_t, TypeSummary> types;
-    uint64_t blocks = 0;
-    uint64_t unknown = 0;
+    std::vector<std::unique_ptr<TypeSummary>> types; ///< by block number
+    std::vector<StreamGap> damage;
+    uint64_t damagedPlaces = 0;
     std::optional<GnssMillis> first;
     std::optional<GnssMillis> last;
 };

@@ -1,11 +1,8 @@
 #include "SummaryText.h"
 
-#include "JsonText.h"
 #include "TQX_codec.h"
 
-#include <fmt/format.h>
-
-#include <string>
+#include <nlohmann/json.hpp>
 
 namespace tool
 {
@@ -13,56 +10,87 @@ namespace tool
 namespace
 {
 
-void appendTime(Buffer& out, const char* key, const std::optional<GnssMillis>& time)
+using Json = nlohmann::ordered_json;
+
+double secondsOf(uint64_t millis)
 {
-    if (time)
-        out.append(fmt::format(",\"{}\":{{\"week\":{},\"tow\":{},\"date\":\"{}\"}}", key,
-                               *time / millisPerWeek,
-                               static_cast<double>(*time % millisPerWeek) / 1000, dateText(*time)));
+    return static_cast<double>(millis) / 1000;
 }
 
-void appendType(Buffer& out, uint16_t number, const TypeSummary& type)
+Json timeOf(GnssMillis time)
 {
-    out.append(fmt::format("{{\"number\":{}", number));
+    return {{"week", time / millisPerWeek},
+            {"tow", secondsOf(time % millisPerWeek)},
+            {"date", dateText(time)}};
+}
+
+void addIntervals(Json& object, const Intervals& intervals)
+{
+    const std::optional<uint64_t> usual = intervals.getUsual();
+    if (!usual)
+        return;
+    object["interval"] = secondsOf(*usual);
+    object["gaps"] = Json::array();
+    for (const Intervals::Gap& gap : intervals.getGaps())
+        object["gaps"].push_back({{"seconds", secondsOf(gap.millis)},
+                                  {"missing", gap.missing},
+                                  {"times", gap.times},
+                                  {"after", timeOf(gap.after)}});
+}
+
+Json typeOf(uint16_t number, const TypeSummary& type)
+{
+    Json object = {{"number", number}};
     if (const Kor::MessageApi::TQX_TypeLayout* layout = TQX_layout(TQX_recordType(number)))
-        out.append(fmt::format(",\"name\":\"{}\"", layout->name));
-    out.append(fmt::format(",\"blocks\":{},\"bytes\":{}", type.blocks, type.bytes));
-    if (const std::optional<uint64_t> usual = type.intervals.getUsual())
-        out.append(fmt::format(",\"interval\":{},\"gaps\":{}", static_cast<double>(*usual) / 1000,
-                               type.intervals.getGaps()));
-    if (!type.failures.empty()) {
-        const char* separator = ",\"undecodable\":[";
-        for (const auto& [code, count] : type.failures) {
-            out.append(fmt::format("{}{{\"code\":{},\"name\":\"{}\",\"blocks\":{}}}", separator,
-                                   code, TQX_errorName(code), count));
-            separator = ",";
-        }
-        out.append(']');
-    }
-    out.append('}');
+        object["name"] = layout->name;
+    object["revisions"] = Json::array();
+    for (size_t revision = 0; revision < type.revisions.size(); ++revision)
+        if (type.revisions[revision])
+            object["revisions"].push_back(revision);
+    object["blocks"] = type.blocks;
+    object["bytes"] = type.bytes;
+    addIntervals(object, type.intervals);
+    for (const auto& [code, failure] : type.failures)
+        object["undecodable"].push_back({{"code", code},
+                                         {"name", TQX_errorName(code)},
+                                         {"blocks", failure.blocks},
+                                         {"file", failure.file},
+                                         {"offset", failure.offset}});
+    return object;
 }
 
 } // namespace
 
-void appendSummaryJson(Buffer& out, const std::string& name, const StreamCounts& counts,
-                       const StreamSummary& summary)
+void appendSummaryJson(Buffer& out, const BlockStream& stream, const StreamSummary& summary)
 {
-    out.append("{\"file\":");
-    json::appendString(out, name);
-    out.append(fmt::format(",\"bytes\":{},\"blocks\":{}", counts.bytes, summary.getBlocks()));
-    appendTime(out, "first", summary.getFirst());
-    appendTime(out, "last", summary.getLast());
-    out.append(fmt::format(",\"crcErrors\":{},\"invalidLengths\":{},\"droppedBytes\":{}"
-                           ",\"undecodable\":{},\"unknown\":{},\"types\":[",
-                           counts.crcErrors, counts.invalidLengths, counts.droppedBytes,
-                           counts.undecodable, summary.getUnknown()));
-    const char* separator = "";
-    for (const auto& [number, type] : summary.getTypes()) {
-        out.append(separator);
-        appendType(out, number, type);
-        separator = ",";
+    const StreamCounts& counts = stream.getCounts();
+    Json object = {{"files", stream.getNames()}, {"bytes", counts.bytes}, {"blocks", 0}};
+    if (summary.getFirst()) {
+        object["first"] = timeOf(*summary.getFirst());
+        object["last"] = timeOf(*summary.getLast());
     }
-    out.append("]}\n");
+    object["crcErrors"] = counts.crcErrors;
+    object["invalidLengths"] = counts.invalidLengths;
+    object["droppedBytes"] = counts.droppedBytes;
+    object["undecodable"] = counts.undecodable;
+    object["unknown"] = summary.getUnknown();
+    object["types"] = Json::array();
+    uint64_t blocks = 0;
+    for (const auto& [number, type] : summary.getTypes()) {
+        object["types"].push_back(typeOf(number, *type));
+        blocks += type->blocks;
+    }
+    object["blocks"] = blocks;
+    object["damagedPlaces"] = summary.getDamagedPlaces();
+    object["damage"] = Json::array();
+    for (const StreamGap& gap : summary.getDamage())
+        object["damage"].push_back({{"file", gap.file},
+                                    {"offset", gap.offset},
+                                    {"bytes", gap.bytes},
+                                    {"crcErrors", gap.crcErrors},
+                                    {"invalidLengths", gap.invalidLengths}});
+    // Names of files may be no UTF-8.
+    out.append(object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n");
 }
 
 } // namespace tool

@@ -4,17 +4,14 @@
 #include "Buffer.h"
 #include "StreamSummary.h"
 
-#include <string>
-
 namespace tool
 {
 
-/// Appends a summary for people: totals, then a table of the types, then what did not decode.
-void appendSummaryText(Buffer& out, const std::string& name, const StreamCounts& counts,
-                       const StreamSummary& summary);
+/// Appends a summary for people: totals, a table of the types, then gaps, damage and what did not
+/// decode, the first few places of each.
+void appendSummaryText(Buffer& out, const BlockStream& stream, const StreamSummary& summary);
 
 /// Appends a summary as one JSON object in a line.
-void appendSummaryJson(Buffer& out, const std::string& name, const StreamCounts& counts,
-                       const StreamSummary& summary);
+void appendSummaryJson(Buffer& out, const BlockStream& stream, const StreamSummary& summary);
 
 } // namespace tool

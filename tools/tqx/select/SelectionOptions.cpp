@@ -40,7 +40,7 @@ const char* const SelectionOptions::notes =
     "  --where 'PVTMode == \"RTK fixed\" or not has Height'\n"
     "  --where 'SVID == \"G05\"'              # in any of the sub-blocks\n"
     "\n"
-    "Several files are one stream to --every and the times; each is framed by itself.\n";
+    "Several files are one stream: a block may begin in one and end in the next.\n";
 
 void SelectionOptions::addTypes(CLI::App& command)
 {

@@ -1,6 +1,7 @@
 #include "BlockStream.h"
 
 #include "TQX_codec.h"
+#include "ToolError.h"
 #include "Words.h"
 #include "korcg_load.h"
 
@@ -36,9 +37,18 @@ std::optional<GnssMillis> Block::getTime() const
     return gnssMillis(korcg_load_u32(data + 8), korcg_load_u16(data + 12));
 }
 
-BlockStream::BlockStream(const std::string& path, bool report)
-    : input(path), progress(input.getName(), input.getSize()), framer(this), piece(pieceSize),
-      reportDamage(report)
+std::string StreamGap::describe() const
+{
+    std::string why = plural(bytes, "byte belongs", "bytes belong") + " to no block";
+    if (crcErrors != 0)
+        why += ", " + plural(crcErrors, "bad checksum", "bad checksums");
+    if (invalidLengths != 0)
+        why += ", " + plural(invalidLengths, "invalid length", "invalid lengths");
+    return why;
+}
+
+BlockStream::BlockStream(std::vector<std::string> inputs, bool report)
+    : paths(std::move(inputs)), framer(this), piece(pieceSize), reportDamage(report)
 {
 }
 
@@ -52,34 +62,80 @@ bool BlockStream::next(Block& block)
         }
         readOn();
     }
-    const BlockFramer::Block found = framer.block();
     closeGap();
     ++counts.blocks;
-    block = {found.data, static_cast<uint16_t>(found.size), found.offset};
+    const BlockFramer::Block found = framer.block();
+    block = {found.data, static_cast<uint16_t>(found.size),
+             found.offset - partAt(found.offset).start};
     return true;
 }
 
 void BlockStream::reportUndecodable(const Block& block, int32_t code)
 {
     ++counts.undecodable;
-    if (reportDamage)
-        words::sayAt(input.getName(), block.offset,
+    if (reportDamage && !gapListener)
+        words::sayAt(getName(), block.offset,
                      fmt::format("{}: {} ({})", describeBlock(block.getNumber()),
                                  TQX_errorName(code), code));
+}
+
+/// Where the byte at an offset of the stream stands. Offsets only go up from call to call.
+const BlockStream::Part& BlockStream::partAt(uint64_t offset)
+{
+    while (parts.size() > 1 && parts[1].start <= offset)
+        parts.pop_front();
+    return parts.front();
+}
+
+/// False when there are no more inputs.
+bool BlockStream::openNext()
+{
+    if (opened == paths.size())
+        return false;
+    try {
+        input.emplace(paths[opened++]);
+        progress.emplace(input->getName(), input->getSize());
+        inputBytes = 0;
+        names.push_back(input->getName());
+        parts.push_back({input->getName(), counts.bytes});
+    } catch (const InputError& error) {
+        words::say(error.what());
+        failed = true;
+    }
+    return true;
+}
+
+/// Bytes read, 0 at the end of the input at hand.
+size_t BlockStream::readPiece()
+{
+    try {
+        return input->read(piece.data(), piece.size());
+    } catch (const InputError& error) {
+        words::say(error.what());
+        failed = true;
+        return 0;
+    }
 }
 
 void BlockStream::readOn()
 {
     if (beforeRead)
         beforeRead();
-    const size_t size = input.read(piece.data(), piece.size());
-    if (size == 0) {
+    if (!input && !openNext()) {
         ended = true;
         framer.flush();
+    }
+    if (!input)
+        return;
+    const size_t size = readPiece();
+    if (size == 0) {
+        progress.reset();
+        input.reset();
         return;
     }
     counts.bytes += size;
-    progress.update(counts.bytes);
+    inputBytes += size;
+    progress->update(inputBytes);
     framer.append(reinterpret_cast<const uint8_t*>(piece.data()), size);
 }
 
@@ -106,15 +162,16 @@ void BlockStream::onBytesDropped(uint64_t offset, uint64_t count)
 
 void BlockStream::closeGap()
 {
-    if (reportDamage && gap.bytes != 0) {
-        std::string why = plural(gap.bytes, "byte belongs", "bytes belong") + " to no block";
-        if (gap.crcErrors != 0)
-            why += ", " + plural(gap.crcErrors, "bad checksum", "bad checksums");
-        if (gap.invalidLengths != 0)
-            why += ", " + plural(gap.invalidLengths, "invalid length", "invalid lengths");
-        words::sayAt(input.getName(), gap.offset, why);
+    if (gap.bytes != 0 && (gapListener || reportDamage)) {
+        const Part& part = partAt(gap.offset);
+        gap.file = part.name;
+        gap.offset -= part.start;
+        if (gapListener)
+            gapListener(gap);
+        else
+            words::sayAt(gap.file, gap.offset, gap.describe());
     }
-    gap = Gap();
+    gap = StreamGap();
 }
 
 } // namespace tool

@@ -6,6 +6,7 @@
 #include "Progress.h"
 
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <optional>
 #include <string>
@@ -19,7 +20,7 @@ namespace tool
 struct Block {
     const uint8_t* data;
     uint16_t size;
-    uint64_t offset; ///< of its first byte in the stream
+    uint64_t offset; ///< of its first byte in its file
 
     uint16_t getNumber() const { return static_cast<uint16_t>(getId() & 0x1fffU); }
     unsigned getRevision() const { return static_cast<unsigned>(getId()) >> 13U; }
@@ -41,50 +42,85 @@ struct StreamCounts {
     bool isDamaged() const { return droppedBytes != 0 || undecodable != 0; }
 };
 
-/// The blocks of one input, in stream order. Each stretch of bytes that belongs to no block is
-/// reported to standard error once, with its offset and what was wrong in it.
+/// A stretch of bytes that belongs to no block.
+struct StreamGap {
+    std::string file;
+    uint64_t offset = 0; ///< in the file that it begins in
+    uint64_t bytes = 0;
+    uint64_t crcErrors = 0;
+    uint64_t invalidLengths = 0;
+
+    /// "33 bytes belong to no block, 1 bad checksum"
+    std::string describe() const;
+};
+
+/// The blocks of inputs that follow each other as one stream: a block may begin in one file and end
+/// in the next. Each stretch of bytes that belongs to no block is reported to standard error once,
+/// with its offset and what was wrong in it. So is an input that cannot be read, which is then left
+/// out.
 class BlockStream : private BlockFramer::Listener
 {
 public:
-    /// Opens `path`, "-" for standard input. Without `reportDamage` nothing is said about
-    /// damage. Throws InputError when the input cannot be opened.
-    BlockStream(const std::string& path, bool reportDamage);
+    /// "-" among the paths is standard input. Without `reportDamage` nothing is said about damage.
+    BlockStream(std::vector<std::string> paths, bool reportDamage);
 
-    /// Gets the next block; false at the end of the input. Throws InputError when reading fails.
+    /// Gets the next block; false at the end of the last input.
     bool next(Block& block);
 
-    /// Counts and reports a block that the codec refused with `code`.
+    /// Counts and reports a block that the codec refused with `code`. Only for the last one gotten.
     void reportUndecodable(const Block& block, int32_t code);
+
+    /// Has gaps handed to `listener` instead of reported to standard error; undecodable blocks are
+    /// then only counted.
+    void setGapListener(std::function<void(const StreamGap&)> listener)
+    {
+        gapListener = std::move(listener);
+    }
 
     /// Has `action` called each time before more of the input is read: the moment to hand on what
     /// a live stream has brought so far.
     void setBeforeRead(std::function<void()> action) { beforeRead = std::move(action); }
 
-    const std::string& getName() const { return input.getName(); }
+    /// Name of the file that the last block began in.
+    const std::string& getName() const { return parts.front().name; }
+    /// Names of the inputs that could be opened so far.
+    const std::vector<std::string>& getNames() const { return names; }
     const StreamCounts& getCounts() const { return counts; }
 
+    /// Whether an input could not be opened or read.
+    bool hasFailed() const { return failed; }
+
 private:
-    struct Gap {
-        uint64_t offset = 0;
-        uint64_t bytes = 0;
-        uint64_t crcErrors = 0;
-        uint64_t invalidLengths = 0;
+    /// One input within the stream.
+    struct Part {
+        std::string name;
+        uint64_t start; ///< in the stream
     };
 
+    bool openNext();
+    size_t readPiece();
     void readOn();
+    const Part& partAt(uint64_t offset);
     void closeGap();
     void onChecksumFailed(uint64_t offset) override;
     void onInvalidLength(uint64_t offset) override;
     void onBytesDropped(uint64_t offset, uint64_t count) override;
 
-    Input input;
-    Progress progress;
+    std::vector<std::string> paths;
+    size_t opened = 0; ///< paths that were tried
+    std::optional<Input> input;
+    std::optional<Progress> progress;
+    uint64_t inputBytes = 0; ///< read of the input
+    std::vector<std::string> names;
+    std::deque<Part> parts; ///< from the one of the last block on
     BlockFramer framer;
     std::vector<char> piece;
     StreamCounts counts;
-    Gap gap;
+    StreamGap gap;
+    std::function<void(const StreamGap&)> gapListener;
     std::function<void()> beforeRead;
     bool reportDamage;
+    bool failed = false;
     bool ended = false;
 };
 

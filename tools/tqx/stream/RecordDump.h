@@ -10,9 +10,7 @@ namespace tool
 class RecordDump : public BlockConsumer
 {
 public:
-    void begin(BlockStream&) override {}
     void take(BlockStream& stream, const Block& block) override;
-    void end(BlockStream&) override {}
 
 protected:
     /// A block that `decoder` has just decoded.

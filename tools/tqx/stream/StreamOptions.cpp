@@ -2,7 +2,6 @@
 
 #include "Sink.h"
 #include "ToolError.h"
-#include "Words.h"
 
 #include <filesystem>
 #include <system_error>
@@ -38,36 +37,21 @@ void StreamOptions::checkBefore(const std::string& target)
 
 ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
 {
-    getSelection();
-    ExitStatus status = ExitStatus::Done;
-    bool damaged = false;
-    for (const std::string& path : files) {
-        try {
-            readOne(path, consumer, output, damaged);
-        } catch (const InputError& error) {
-            output.flush();
-            words::say(error.what());
-            status = ExitStatus::Failed;
-        }
-    }
-    output.flush();
-    return strict && damaged ? worse(status, ExitStatus::Damaged) : status;
-}
-
-void StreamOptions::readOne(const std::string& path, BlockConsumer& consumer, Sink& output,
-                            bool& damaged)
-{
-    BlockStream stream(path, !quiet);
+    Selection& chosen = getSelection();
+    BlockStream stream(files, !quiet);
     stream.setBeforeRead([&output] { output.handOn(); });
     consumer.begin(stream);
     Block block = {};
     while (stream.next(block)) {
-        if (selection->accepts(stream, block))
+        if (chosen.accepts(stream, block))
             consumer.take(stream, block);
         output.commit();
     }
     consumer.end(stream);
-    damaged = damaged || stream.getCounts().isDamaged();
+    output.flush();
+    const bool damaged = strict && stream.getCounts().isDamaged();
+    return worse(stream.hasFailed() ? ExitStatus::Failed : ExitStatus::Done,
+                 damaged ? ExitStatus::Damaged : ExitStatus::Done);
 }
 
 } // namespace tool

@@ -21,14 +21,14 @@ class BlockConsumer
 public:
     virtual ~BlockConsumer() = default;
 
-    /// A new input begins.
-    virtual void begin(BlockStream& stream) = 0;
+    /// The stream begins.
+    virtual void begin(BlockStream&) {}
 
     /// A selected block. What is appended to the output is written in time.
     virtual void take(BlockStream& stream, const Block& block) = 0;
 
-    /// The input has ended.
-    virtual void end(BlockStream& stream) = 0;
+    /// The stream has ended.
+    virtual void end(BlockStream&) {}
 };
 
 /// The arguments that all commands share that read streams of blocks.
@@ -55,16 +55,13 @@ public:
     /// it is one of the inputs.
     void checkBefore(const std::string& target);
 
-    /// Hands the selected blocks of one input after the other to `consumer`. An input that cannot
-    /// be read is reported and the next one taken. Returns Failed if there was such a one, else,
-    /// under
-    /// --strict, Damaged if an input was. Throws ToolError for bad arguments and when the output
+    /// Hands the selected blocks of the inputs, as one stream, to `consumer`. An input that cannot
+    /// be read is reported and left out. Returns Failed if there was such a one, else, under
+    /// --strict, Damaged if the stream was. Throws ToolError for bad arguments and when the output
     /// cannot be written, ClosedPipe when nobody reads it.
     ExitStatus read(BlockConsumer& consumer, Sink& output);
 
 private:
-    void readOne(const std::string& path, BlockConsumer& consumer, Sink& output, bool& damaged);
-
     std::vector<std::string> files;
     SelectionOptions selections;
     std::optional<Selection> selection;
