@@ -10,7 +10,7 @@ namespace
 // Feeds the stream in pieces of random size, small ones and large ones.
 void appendRandomly(RecordingFramer& framer, const Bytes& stream, std::mt19937& random)
 {
-    const size_t limit = std::vector<size_t>{1, 7, 300, 100000}[random() % 4];
+    const size_t limit = std::vector<size_t>{1, 7, 300, 1 << 20}[random() % 4];
     for (size_t at = 0; at < stream.size();) {
         const size_t size = std::min(stream.size() - at, 1 + random() % limit);
         framer.append(stream.data() + at, size);
