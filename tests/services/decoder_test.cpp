@@ -53,54 +53,41 @@ struct Recorded {
 
 using Log = std::vector<std::string>;
 
-struct Row {
-    const char* name;
-    QByteArray bytes;
-    int32_t result;
-    Log log;
-};
-
-std::ostream& operator<<(std::ostream& out, const Row& row)
-{
-    return out << row.name;
-}
-
-class DecoderResults : public testing::TestWithParam<Row>
-{
-};
-
-TEST_P(DecoderResults, AreReturnedAndPublished)
-{
-    Recorded recorded;
-    recorded.decoder.disableMessageEnum(kMeasEpoch2);
-    EXPECT_EQ(recorded.decode(GetParam().bytes), GetParam().result);
-    EXPECT_EQ(recorded.log, GetParam().log);
-}
-
 const Log kPublished = {"early PVTGeodetic2", "normal PVTGeodetic2", "late PVTGeodetic2"};
 const Log kUnknownZero = {"3 TQX: Message type 0 unknown to PC software", "unknown Message type 0"};
 
-INSTANTIATE_TEST_SUITE_P(
-    All, DecoderResults,
-    testing::Values(
-        Row{"Whole", pvtGeodetic2(), 8 * pvtGeodetic2().size(), kPublished},
-        Row{"TrailingBytes", pvtGeodetic2() + "xyz", 8 * pvtGeodetic2().size(), kPublished},
-        Row{"BytesBeyondTheLongest", pvtGeodetic2() + QByteArray(70000, 'x'),
-            8 * pvtGeodetic2().size(), kPublished},
-        Row{"SizeThatWouldWrapToZero",
-            pvtGeodetic2() + QByteArray(65536 - pvtGeodetic2().size(), 'x'),
-            8 * pvtGeodetic2().size(), kPublished},
-        Row{"Empty", {}, kInvalidMessage, kUnknownZero},
-        Row{"SixBytes", pvtGeodetic2().left(6), kInvalidMessage, kUnknownZero},
-        Row{"UnknownNumber",
-            blockOfNumber(8191),
-            kInvalidMessage,
-            {"3 TQX: Message type 8191 unknown to PC software", "unknown Message type 8191"}},
-        Row{"Disabled",
-            measEpoch2(3),
-            TQX_layout(kMeasEpoch2)->disabled,
-            {"4 TQX: TQX_ERR_MEASEPOCH2_DISABLED"}}),
-    [](const auto& row) { return row.param.name; });
+TEST(TQXDecoder, ReturnsAndPublishesResults)
+{
+    const QByteArray whole = pvtGeodetic2();
+    const int32_t bits = 8 * whole.size();
+    const struct {
+        const char* name;
+        QByteArray bytes;
+        int32_t result;
+        Log log;
+    } rows[] = {
+        {"whole", whole, bits, kPublished},
+        {"bytes behind it", whole + "xyz", bits, kPublished},
+        {"more than the longest block", whole + QByteArray(70000, 'x'), bits, kPublished},
+        {"a size of 65536", whole + QByteArray(65536 - whole.size(), 'x'), bits, kPublished},
+        {"empty", {}, kInvalidMessage, kUnknownZero},
+        {"six bytes", whole.left(6), kInvalidMessage, kUnknownZero},
+        {"unknown number",
+         blockOfNumber(8191),
+         kInvalidMessage,
+         {"3 TQX: Message type 8191 unknown to PC software", "unknown Message type 8191"}},
+        {"disabled",
+         measEpoch2(3),
+         TQX_layout(kMeasEpoch2)->disabled,
+         {"4 TQX: TQX_ERR_MEASEPOCH2_DISABLED"}},
+    };
+    for (const auto& row : rows) {
+        Recorded recorded;
+        recorded.decoder.disableMessageEnum(kMeasEpoch2);
+        EXPECT_EQ(recorded.decode(row.bytes), row.result) << row.name;
+        EXPECT_EQ(recorded.log, row.log) << row.name;
+    }
+}
 
 TEST(TQXDecoder, PublishesBlocksOfEveryTypeOrTheNameOfTheirFailure)
 {
