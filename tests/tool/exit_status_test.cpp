@@ -100,6 +100,8 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"ExplainNoOffset", {"explain", "data/samples/random.tqx@x"}, 1, "x is no offset"},
         Case{"UnknownCode", {"error", "-6074"}, 1, "tqx: -6074 is no code"},
         Case{"UnknownCodeName", {"error", "TQX_ERR_EOX"}, 1, "did you mean TQX_ERR_EOF?"},
+        Case{"BadStart", {"simulate", "--start", "2400:604800"}, 1, "2400:604800 is no start"},
+        Case{"BadPosition", {"simulate", "--position", "91,0,0"}, 1, "simulate: --position needs"},
         Case{"BadRate", {"simulate", "--rate", "300"}, 1, "tqx: simulate: 300 Hz"},
         Case{"UnknownTopic", {"help", "bump"}, 1, "did you mean dump?"},
         Case{"Help", {"--help"}, 0, ""}, Case{"HelpOfCommand", {"help", "dump"}, 0, ""},

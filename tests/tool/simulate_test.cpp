@@ -48,7 +48,9 @@ TEST(Simulate, LogIsSoundAndBackFromItsRawDump)
 TEST(Simulate, DamageLeavesTheOtherBlocks)
 {
     const std::vector<std::string> sound = rawLines(simulated({"--duration", "120"}));
-    const std::vector<std::string> damaged = rawLines(simulated({"--duration", "120", "--damage"}));
+    const std::string stream = simulated({"--duration", "120", "--damage"});
+    EXPECT_EQ(runTool({"info", "--strict", "-"}, stream).status, 2);
+    const std::vector<std::string> damaged = rawLines(stream);
     EXPECT_LT(damaged.size(), sound.size());
     EXPECT_GT(damaged.size(), sound.size() * 8 / 10);
     auto place = sound.begin();
@@ -97,19 +99,38 @@ TEST(Simulate, MeasurementsAgreeWithEachOther)
     EXPECT_GT(compared, 300U);
 }
 
-TEST(Simulate, AntennaStaysWhereItIs)
+// Frames of RTCM 3: their checksum is CRC-24Q, by which a frame with its checksum leaves nothing.
+TEST(Simulate, CorrectionsAreWholeMessages)
 {
-    const std::string log = simulated({"--duration", "300"});
-    const ToolRun run = runTool({"dump", "--format", "jsonl", "--type", "PVTGeodetic2", "-"}, log);
-    const std::vector<std::string> lines = linesOf(run.output);
-    ASSERT_EQ(lines.size(), 300U);
-    const json first = json::parse(lines.front())["fields"];
-    for (const std::string& line : lines) {
-        const json fields = json::parse(line)["fields"];
-        const double north = (fields["Latitude"].get<double>() - first["Latitude"].get<double>());
-        const double up = fields["Height"].get<double>() - first["Height"].get<double>();
-        EXPECT_LT(std::fabs(north * 6.37e6), 8);
-        EXPECT_LT(std::fabs(up), 12);
-        EXPECT_TRUE(fields["COG"].is_null());
+    const ToolRun run =
+        runTool({"extract", "--mode", "rtcm3", "-"}, simulated({"--duration", "11"}));
+    const auto bits = [&run](size_t from, size_t count) {
+        uint64_t value = 0;
+        for (size_t i = from; i < from + count; ++i)
+            value = value << 1U | (static_cast<uint8_t>(run.output[i / 8]) >> (7 - i % 8) & 1U);
+        return value;
+    };
+    std::vector<uint64_t> numbers;
+    for (size_t start = 0; start < run.output.size() * 8;) {
+        ASSERT_EQ(bits(start, 14), 0xd300U >> 2U);
+        const size_t end = start + 24 + bits(start + 14, 10) * 8 + 24;
+        ASSERT_LE(end, run.output.size() * 8);
+        uint32_t rest = 0;
+        for (size_t i = start; i < end; ++i) {
+            rest = rest << 1U | static_cast<uint32_t>(bits(i, 1));
+            rest ^= (rest >> 24U) * 0x1864cfbU;
+        }
+        EXPECT_EQ(rest, 0U);
+        EXPECT_EQ(bits(start + 36, 12), 1042U);
+        numbers.push_back(bits(start + 24, 12));
+        start = end;
     }
+    EXPECT_EQ(numbers, (std::vector<uint64_t>{1005, 1006, 1033, 1005, 1006, 1033}));
+}
+
+TEST(Simulate, LogEndsAtItsSize)
+{
+    const size_t size = simulated({"--size", "300KB"}).size();
+    EXPECT_GE(size, 300000U);
+    EXPECT_LT(size, 320000U);
 }

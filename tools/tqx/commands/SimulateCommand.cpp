@@ -7,7 +7,7 @@
 #include <fmt/format.h>
 
 #include <cmath>
-#include <cstdio>
+#include <cstdlib>
 #include <map>
 
 namespace tool
@@ -84,13 +84,13 @@ void SimulateCommand::declareTrack()
 /// Sets the time of the first epoch. Before week 1930 there were other leap seconds.
 void SimulateCommand::readStart()
 {
-    double week = 0;
-    double seconds = 0;
-    char rest = 0;
-    const bool isRead = std::sscanf(start.c_str(), "%lf:%lf%c", &week, &seconds, &rest) == 2;
+    char* rest = nullptr;
+    const double week = std::strtod(start.c_str(), &rest);
+    const char* const number = *rest == ':' ? rest + 1 : rest;
+    const double seconds = std::strtod(number, &rest);
     const double millis = seconds * 1000;
-    if (!isRead || week != std::floor(week) || week < 1930 || week > 4000 || seconds < 0 ||
-        seconds >= 604800 || std::fabs(millis - std::round(millis)) > 1e-3)
+    if (rest == number || *rest != '\0' || week != std::floor(week) || week < 1930 || week > 4000 ||
+        !(seconds >= 0) || seconds >= 604800 || std::fabs(millis - std::round(millis)) > 1e-3)
         throw ToolError(fmt::format("simulate: {} is no start, such as 2400:216000", start));
     settings.week = static_cast<uint16_t>(week);
     settings.towMillis = static_cast<uint32_t>(std::llround(millis));

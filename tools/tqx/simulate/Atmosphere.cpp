@@ -25,7 +25,8 @@ double ionosphericDelay(const Geodetic& place, const Direction& direction, doubl
     const double amplitude = std::max(polynomial(klobuchar.amplitude), 0.0);
     const double period = std::max(polynomial(klobuchar.period), 72000.0);
     const double local = std::fmod(43200 * longitude + tow + 86400, 86400);
-    const double slant = 1 + 16 * std::pow(0.53 - elevation, 3);
+    const double lowness = 0.53 - elevation;
+    const double slant = 1 + 16 * lowness * lowness * lowness;
     const double phase = 2 * pi * (local - 50400) / period;
     const double squared = phase * phase;
     const double day =

@@ -1,7 +1,5 @@
 #include "Geodesy.h"
 
-#include <cmath>
-
 namespace tool
 {
 
@@ -20,31 +18,6 @@ double primeVertical(double latitude)
 }
 
 } // namespace
-
-Vector operator+(const Vector& a, const Vector& b)
-{
-    return {a.x + b.x, a.y + b.y, a.z + b.z};
-}
-
-Vector operator-(const Vector& a, const Vector& b)
-{
-    return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-
-Vector operator*(const Vector& a, double factor)
-{
-    return {a.x * factor, a.y * factor, a.z * factor};
-}
-
-double dot(const Vector& a, const Vector& b)
-{
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-
-double length(const Vector& a)
-{
-    return std::sqrt(dot(a, a));
-}
 
 Vector toEarthFixed(const Geodetic& position)
 {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cmath>
+
 namespace tool
 {
 
@@ -13,11 +15,30 @@ struct Vector {
     double z;
 };
 
-Vector operator+(const Vector& a, const Vector& b);
-Vector operator-(const Vector& a, const Vector& b);
-Vector operator*(const Vector& a, double factor);
-double dot(const Vector& a, const Vector& b);
-double length(const Vector& a);
+constexpr Vector operator+(const Vector& a, const Vector& b)
+{
+    return {a.x + b.x, a.y + b.y, a.z + b.z};
+}
+
+constexpr Vector operator-(const Vector& a, const Vector& b)
+{
+    return {a.x - b.x, a.y - b.y, a.z - b.z};
+}
+
+constexpr Vector operator*(const Vector& a, double factor)
+{
+    return {a.x * factor, a.y * factor, a.z * factor};
+}
+
+constexpr double dot(const Vector& a, const Vector& b)
+{
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+
+inline double length(const Vector& a)
+{
+    return std::sqrt(dot(a, a));
+}
 
 /// On the ellipsoid WGS84: radians and metres.
 struct Geodetic {

@@ -1,7 +1,5 @@
 #include "Random.h"
 
-#include <cmath>
-
 namespace tool
 {
 
@@ -13,16 +11,6 @@ double Random::normal(double sigma)
     const uint64_t sum = (bits & 0xffffU) + (bits >> 16U & 0xffffU) + (bits >> 32U & 0xffffU) +
                          (bits >> 48U & 0xffffU);
     return sigma / deviation * (static_cast<double>(sum) - 131070);
-}
-
-double rounded(double value, double step)
-{
-    return std::round(value / step) * step;
-}
-
-int64_t steps(double value, double step)
-{
-    return std::llround(value / step);
 }
 
 } // namespace tool

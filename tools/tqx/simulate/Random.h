@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <random>
 
@@ -34,9 +35,15 @@ private:
 
 /// `value` in whole steps. What goes into a log is a multiple of a step that is far above the
 /// differences between mathematical libraries.
-double rounded(double value, double step);
+inline double rounded(double value, double step)
+{
+    return std::round(value / step) * step;
+}
 
 /// The number of steps in `value`, for fields that hold scaled integers.
-int64_t steps(double value, double step);
+inline int64_t steps(double value, double step)
+{
+    return std::llround(value / step);
+}
 
 } // namespace tool

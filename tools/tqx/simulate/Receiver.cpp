@@ -140,7 +140,7 @@ void Receiver::observe(const Satellite& satellite, Channel& channel, const Geome
                        const Epoch& epoch)
 {
     const double sine = view.direction.z;
-    const double level = std::hypot(view.direction.x, view.direction.y);
+    const double level = std::sqrt(1 - sine * sine);
     const double azimuth = std::atan2(view.direction.x, view.direction.y) * degrees;
     Sight& sight = sights.emplace_back();
     sight.satellite = &satellite;

@@ -74,7 +74,7 @@ private:
     int32_t writeArray(const TQX_TypeLayout& type, const TQX_FieldLayout& field, void* record);
     bool writeTail(const TQX_TypeLayout& type, const TQX_FieldLayout& field, void* record,
                    uint32_t index);
-    void writeElement(const TQX_FieldLayout& field, void* record, uint32_t index);
+    void writeElement(const TQX_FieldLayout& field, void* record, uint32_t index, uint32_t bits);
     void writeUnit(uint64_t value, uint32_t bits);
     void fillTo(uint32_t entryEnd);
     uint32_t entryBits(const TQX_TypeLayout& owner, const TQX_FieldLayout& field,
@@ -99,23 +99,12 @@ void Encoder::count(void* record, uint32_t bits)
         addBits(record, bits);
 }
 
+// Fields are whole bytes at whole bytes, and callers have tested that they fit.
 void Encoder::writeUnit(uint64_t value, uint32_t bits)
 {
-    const auto width = static_cast<uint8_t>(bits);
-    switch (bits) {
-    case 8:
-        korcg_write_u8(m_buffer, m_size, m_cursor, width, static_cast<uint8_t>(value));
-        break;
-    case 16:
-        korcg_write_u16(m_buffer, m_size, m_cursor, width, static_cast<uint16_t>(value));
-        break;
-    case 32:
-        korcg_write_u32(m_buffer, m_size, m_cursor, width, static_cast<uint32_t>(value));
-        break;
-    default:
-        korcg_write_u64(m_buffer, m_size, m_cursor, width, value);
-        break;
-    }
+    uint8_t* const target = m_buffer + m_cursor / 8;
+    for (uint32_t shift = 0; shift < bits; shift += 8)
+        target[shift / 8] = static_cast<uint8_t>(value >> shift);
     m_cursor += bits;
 }
 
@@ -132,13 +121,29 @@ uint16_t outgoingId(const void* main)
     return revision == 0 ? id : static_cast<uint16_t>((id & 0x1fffU) | revision << 13U);
 }
 
-void Encoder::writeElement(const TQX_FieldLayout& field, void* record, uint32_t index)
+// A number of 1, 2, 4 or 8 bytes.
+uint64_t storedBits(const void* member, uint32_t bits)
 {
-    const uint32_t bits = TQX_elementSize(field) * 8;
+    switch (bits) {
+    case 8:
+        return readMember<uint8_t>(member, 0);
+    case 16:
+        return readMember<uint16_t>(member, 0);
+    case 32:
+        return readMember<uint32_t>(member, 0);
+    default:
+        return readMember<uint64_t>(member, 0);
+    }
+}
+
+void Encoder::writeElement(const TQX_FieldLayout& field, void* record, uint32_t index,
+                           uint32_t bits)
+{
+    const size_t place = field.recordOffset + size_t{index} * (bits / 8);
     if (m_cursor == idBit && record == m_main)
         writeUnit(outgoingId(record), bits);
     else
-        writeUnit(TQX_unsignedValue(field, record, index), bits);
+        writeUnit(storedBits(static_cast<const uint8_t*>(record) + place, bits), bits);
     count(record, bits);
 }
 
@@ -164,14 +169,15 @@ int32_t Encoder::writeArray(const TQX_TypeLayout& type, const TQX_FieldLayout& f
     const bool counted = field.count >= 0;
     const uint32_t announced = counted ? countOf(type, field, record) : field.elements;
     const uint32_t room = std::min<uint32_t>(announced, field.elements);
+    const uint32_t bits = TQX_elementSize(field) * 8;
     for (uint32_t i = 0; i < room; ++i) {
-        if (!fits(TQX_elementSize(field) * 8)) {
+        if (!fits(bits)) {
             if (counted)
                 return field.code;
             m_pending = field.code;
             return 0;
         }
-        writeElement(field, record, i);
+        writeElement(field, record, i, bits);
     }
     if (announced > field.elements)
         return field.code - 1;
@@ -230,8 +236,9 @@ int32_t Encoder::writeRecord(const TQX_TypeLayout& type, void* record, uint32_t 
             !isWritten(type, field, record, m_fields, m_revision, m_mainType.highestRevision))
             continue;
         if (field.kind == TQX_FieldKind::Value) {
-            if (fits(TQX_elementSize(field) * 8))
-                writeElement(field, record, 0);
+            const uint32_t bits = TQX_elementSize(field) * 8;
+            if (fits(bits))
+                writeElement(field, record, 0, bits);
             else
                 m_pending = field.code;
             continue;

@@ -5,27 +5,20 @@
 namespace Kor::MessageApi
 {
 
+namespace
+{
+
+// In the order of TQX_MemberType. A table, since the type changes from field to field and a jump
+// that follows it is guessed wrong.
+constexpr uint8_t memberSizes[] = {1, 1, 2, 2, 4, 4, 8, 4, 8, 1};
+static_assert(sizeof memberSizes == static_cast<size_t>(TQX_MemberType::Record));
+
+} // namespace
+
 uint32_t TQX_elementSize(const TQX_FieldLayout& field)
 {
-    switch (field.type) {
-    case TQX_MemberType::U8:
-    case TQX_MemberType::I8:
-    case TQX_MemberType::Char:
-        return 1;
-    case TQX_MemberType::U16:
-    case TQX_MemberType::I16:
-        return 2;
-    case TQX_MemberType::U32:
-    case TQX_MemberType::I32:
-    case TQX_MemberType::F32:
-        return 4;
-    case TQX_MemberType::U64:
-    case TQX_MemberType::F64:
-        return 8;
-    case TQX_MemberType::Record:
-        return TQX_layout(field.recordType)->recordSize;
-    }
-    return 0;
+    return field.type == TQX_MemberType::Record ? TQX_layout(field.recordType)->recordSize
+                                                : memberSizes[static_cast<size_t>(field.type)];
 }
 
 const void* TQX_element(const TQX_FieldLayout& field, const void* record, uint32_t index)
