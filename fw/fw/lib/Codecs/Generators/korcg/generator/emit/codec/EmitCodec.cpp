@@ -84,6 +84,25 @@ TQX_CODEC_API const char* TQX_errorName(int32_t code);
 
 )";
 
+constexpr const char internalStart[] = R"(#pragma once
+
+#include "DerivedValues.h"
+#include "Encoder.h"
+#include "FastDecode.h"
+#include "SubBlockArray.h"
+#include "TQX_codec.h"
+
+// gcc would gather neighbouring small members in a register before it stores them, which takes
+// longer than storing them one by one.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC optimize("no-tree-slp-vectorize")
+#endif
+
+namespace Kor::MessageApi
+{
+
+)";
+
 std::string sourcesOf(const Selection& selection)
 {
     std::set<std::string> files;
@@ -117,9 +136,7 @@ std::string header(const Selection& selection)
 // Sub-blocks are loaded inside the decoders of the blocks that hold them.
 std::string internalHeader(const Format& format, const Selection& selection)
 {
-    std::string text = "#pragma once\n\n#include \"DerivedValues.h\"\n#include \"Encoder.h\"\n"
-                       "#include \"FastDecode.h\"\n#include \"SubBlockArray.h\"\n"
-                       "#include \"TQX_codec.h\"\n\nnamespace Kor::MessageApi\n{\n\n";
+    std::string text = internalStart;
     for (const RecordType* type : selection)
         text += fmt::format("extern const TQX_TypeLayout layout_{};\n", type->name);
     text += "\n";
