@@ -128,9 +128,9 @@ DumpCommand::DumpCommand(CLI::App& program)
 {
     streams.addInputs(app);
     streams.addSelection(app);
-    app.add_option("--format", format, "How to write them: text, jsonl or csv")
+    app.add_option("--format", format, "How to write them")
         ->check(CLI::IsMember({"text", "jsonl", "csv"}).description(""))
-        ->type_name("FORMAT")
+        ->type_name("text|jsonl|csv")
         ->capture_default_str();
     app.add_flag("--raw", raw, "Values as they are stored, without scale, unit and names");
     app.add_option("--field", fields,

@@ -89,10 +89,10 @@ ExtractCommand::ExtractCommand(CLI::App& program)
 {
     streams.addInputs(app);
     streams.addConditions(app);
-    app.add_option("--mode", mode, "Their format: rtcm2, cmr, rtcm3 or rtcmv")
+    app.add_option("--mode", mode, "Their format")
         ->required()
         ->check(CLI::IsMember(modes).description(""))
-        ->type_name("FORMAT");
+        ->type_name("rtcm2|cmr|rtcm3|rtcmv");
     app.add_option("-o,--output", target, "File to write instead of standard output")
         ->type_name("FILE");
 }

@@ -1,6 +1,7 @@
 #include "HelpCommand.h"
 
 #include "Output.h"
+#include "Reference.h"
 #include "ToolError.h"
 #include "TypeNames.h"
 
@@ -11,21 +12,34 @@ HelpCommand::HelpCommand(CLI::App& whole)
     : Command(whole, "help", "Show how to use a command", "  tqx help dump\n"), program(whole)
 {
     app.add_option("COMMAND", topic, "Command to explain")->type_name("");
+    app.add_flag("--man", man, "Write the manual page")->group("");
+    app.add_flag("--completion", completion, "Write the completion script for bash")->group("");
+    app.add_option("--output", target, "File to write them to")->group("");
 }
 
-ExitStatus HelpCommand::run()
+void HelpCommand::appendHelp(Buffer& out) const
 {
     const CLI::App* subject = topic.empty() ? &program : nullptr;
     std::vector<std::string_view> names;
-    for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
+    for (const CLI::App* command : commandsOf(program)) {
         names.emplace_back(command->get_name());
         if (command->get_name() == topic)
             subject = command;
     }
     if (!subject)
         throw ToolError(unknownName("command", topic, names));
-    Output output;
-    output.getBuffer().append(subject->help(topic.empty() ? "" : program.get_name()));
+    out.append(subject->help(topic.empty() ? "" : program.get_name()));
+}
+
+ExitStatus HelpCommand::run()
+{
+    Output output(target);
+    if (man)
+        appendManPage(output.getBuffer(), program, program.version());
+    else if (completion)
+        appendCompletion(output.getBuffer(), program);
+    else
+        appendHelp(output.getBuffer());
     output.flush();
     return ExitStatus::Done;
 }

@@ -5,7 +5,10 @@
 namespace tool
 {
 
-/// `tqx help [COMMAND]`: the help text of the program or of one command.
+class Buffer;
+
+/// `tqx help`: help of the program or of a command. Options that help does not show write the
+/// manual page and the completion script while the program is built.
 class HelpCommand : public Command
 {
 public:
@@ -13,8 +16,13 @@ public:
     ExitStatus run() override;
 
 private:
-    CLI::App& program;
+    void appendHelp(Buffer& out) const;
+
+    const CLI::App& program;
     std::string topic;
+    std::string target = "-";
+    bool man = false;
+    bool completion = false;
 };
 
 } // namespace tool
