@@ -19,10 +19,10 @@ constexpr size_t longestValueList = 120;
 /// Stands for a blank at which no line is broken.
 constexpr char firmBlank = '\x1f';
 
-/// Breaks `text` into comment lines of at most `textWidth` columns; none for an empty text.
-std::string commentLines(std::string_view indent, std::string_view text)
+/// Breaks `text` into lines of at most `textWidth` columns behind `mark`; none for an empty text.
+std::string commentLines(std::string_view mark, std::string_view text)
 {
-    const size_t width = textWidth - indent.size() - 4;
+    const size_t width = textWidth - mark.size();
     std::string result;
     while (!text.empty()) {
         size_t length = text.size();
@@ -31,7 +31,7 @@ std::string commentLines(std::string_view indent, std::string_view text)
             if (length == std::string_view::npos)
                 length = std::min(text.find(' '), text.size());
         }
-        result += fmt::format("{}/// {}\n", indent, text.substr(0, length));
+        result += fmt::format("{}{}\n", mark, text.substr(0, length));
         text.remove_prefix(std::min(length + 1, text.size()));
     }
     std::replace(result.begin(), result.end(), firmBlank, ' ');
@@ -168,11 +168,12 @@ std::string getterComment(const Format& format, const RecordType& type, const Fi
     const std::string missing =
         field.doNotUse ? numberText(*field.doNotUse) + " when not available" : "";
     return commentLines(
-        "    ", sentence(joined({meaningText(type, field), shapeText(type, field), unitText(field),
-                                 missing, valuesText(format, field), presenceText(type, field)})));
+        "    /// ",
+        sentence(joined({meaningText(type, field), shapeText(type, field), unitText(field), missing,
+                         valuesText(format, field), presenceText(type, field)})));
 }
 
-std::string classComment(const Format& format, const RecordType& type)
+std::string classComment(std::string_view mark, const Format& format, const RecordType& type)
 {
     std::string text;
     if (type.isMain()) {
@@ -187,7 +188,7 @@ std::string classComment(const Format& format, const RecordType& type)
     }
     if (!type.text.empty())
         text += ": " + withoutStop(type.text);
-    return commentLines("", text + '.');
+    return commentLines(mark, text + '.');
 }
 
 } // namespace korcg::generator

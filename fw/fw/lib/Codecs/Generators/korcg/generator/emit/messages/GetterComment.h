@@ -3,6 +3,7 @@
 #include "model/Model.h"
 
 #include <string>
+#include <string_view>
 
 namespace korcg::generator
 {
@@ -11,7 +12,7 @@ namespace korcg::generator
 /// a meaning of their own, and when the field is there. Empty when there is none of these.
 std::string getterComment(const Format& format, const RecordType& type, const Field& field);
 
-/// Comment lines above a message class.
-std::string classComment(const Format& format, const RecordType& type);
+/// Comment lines that say what a message class is for, each behind `mark`: "/// " or "// ".
+std::string classComment(std::string_view mark, const Format& format, const RecordType& type);
 
 } // namespace korcg::generator

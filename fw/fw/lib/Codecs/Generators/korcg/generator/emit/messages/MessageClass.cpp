@@ -43,8 +43,6 @@ public:
 {children}    QString getRawStringFor(const QVector<bool>& fieldMask) const override;
 
 private:
-    friend class TQX_FieldAccess;
-
     void assertRepresentation() const;
     bool hasRepresentation() const;
     void setRepresentation(Kor::MessageApi::{R}* record);
@@ -116,7 +114,8 @@ const void* {C}::getRawRepresentation() const
 }}
 )";
 
-std::string fill(const char* text, const Format* format, const RecordType& type)
+std::string fill(const char* text, const RecordType& type, const std::string& comment = "",
+                 const std::string& getters = "")
 {
     const bool owner = hasBlocks(type) || hasEmbedded(type);
     const bool main = type.isMain();
@@ -126,33 +125,32 @@ std::string fill(const char* text, const Format* format, const RecordType& type)
     std::string includes;
     for (const std::string& subType : subTypes)
         includes += fmt::format("#include \"TQX_{}_Message.h\"\n", subType);
-    return fmt::format(fmt::runtime(text), fmt::arg("N", type.name),
-                       fmt::arg("C", fmt::format("TQX_{}_Message", type.name)),
-                       fmt::arg("R", recordName(type)), fmt::arg("type", type.record),
-                       fmt::arg("includes", includes),
-                       fmt::arg("comment", format ? classComment(*format, type) : ""),
-                       fmt::arg("parent", main ? "" : "Message* parent, "),
-                       fmt::arg("parentComment",
-                                main ? "" : "\n    /// `parent` may be null; it is recorded only."),
-                       fmt::arg("setParent", main ? "" : "\n    setParentMessage(parent);"),
-                       fmt::arg("getters", format ? getterDeclarations(*format, type) : ""),
-                       fmt::arg("children", owner ? childDeclarations() : ""),
-                       fmt::arg("cacheFunctions", owner ? cacheDeclarations() : ""),
-                       fmt::arg("cacheMembers", cacheMembers(type)),
-                       fmt::arg("disposeChildren", owner ? "\n    disposeSubMessages();" : ""));
+    return fmt::format(
+        fmt::runtime(text), fmt::arg("N", type.name),
+        fmt::arg("C", fmt::format("TQX_{}_Message", type.name)), fmt::arg("R", recordName(type)),
+        fmt::arg("type", type.record), fmt::arg("includes", includes), fmt::arg("comment", comment),
+        fmt::arg("parent", main ? "" : "Message* parent, "),
+        fmt::arg("parentComment",
+                 main ? "" : "\n    /// `parent` may be null; it is recorded only."),
+        fmt::arg("setParent", main ? "" : "\n    setParentMessage(parent);"),
+        fmt::arg("getters", getters), fmt::arg("children", owner ? childDeclarations() : ""),
+        fmt::arg("cacheFunctions", owner ? cacheDeclarations() : ""),
+        fmt::arg("cacheMembers", cacheMembers(type)),
+        fmt::arg("disposeChildren", owner ? "\n    disposeSubMessages();" : ""));
 }
 
 } // namespace
 
 std::string messageHeader(const Format& format, const RecordType& type)
 {
-    return wrapLongLines(fill(headerText, &format, type));
+    return wrapLongLines(fill(headerText, type, classComment("/// ", format, type),
+                              getterDeclarations(format, type)));
 }
 
 std::string messageSource(const Format& format, const RecordType& type)
 {
-    return wrapLongLines(fill(lifeText, &format, type) + getterDefinitions(type) +
-                         childDefinitions(type) + fill(recordText, nullptr, type));
+    return wrapLongLines(fill(lifeText, type, classComment("// ", format, type)) +
+                         getterDefinitions(type) + childDefinitions(type) + fill(recordText, type));
 }
 
 } // namespace korcg::generator
