@@ -101,7 +101,6 @@ public:
     QString text(const FieldInfo& info, unsigned index) const
     {
         const FieldValue stored = value(index);
-        const QString none = info.isDoNotUse(stored) ? Message::doNotUseString : QString();
         if (stored.getKind() == FieldKind::Ch)
             return stored.getCh() ? QString(QLatin1Char(stored.getCh())) : QString();
         if (!stored.isFloat()) {
@@ -110,7 +109,7 @@ public:
                     return symbol.name;
         }
         if (info.isDoNotUse(stored))
-            return none;
+            return Message::useDoNotUseString ? Message::doNotUseString : QString();
         const QString unit = info.getUnit().isEmpty() ? QString() : ' ' + info.getUnit();
         if (stored.getKind() == FieldKind::F32)
             return FloatRepresentation::getString(stored.getF32(), 'f', info.getPrecision(), true) +
@@ -270,6 +269,7 @@ TEST(AllFields, AgreeWithTheRecord)
             if (type.blockNumber != 0)
                 reinterpret_cast<TQX_MainHeader_s*>(storage)->Revision =
                     static_cast<uint8_t>(round % (type.highestRevision + 2));
+            Message::useDoNotUseString = round % 2 == 0;
             const std::unique_ptr<Message> message(TQX_createMessage(storage));
             ASSERT_TRUE(message);
             EXPECT_EQ(message->getInfo()->getName(), type.name);
@@ -281,7 +281,8 @@ TEST(AllFields, AgreeWithTheRecord)
         }
         ++types;
     }
-    EXPECT_GE(types, 20U);
+    Message::useDoNotUseString = true;
+    EXPECT_EQ(types, 347U);
 }
 
 TEST(AllFields, SubFieldsAreThePartsOfTheirWord)

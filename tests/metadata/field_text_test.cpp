@@ -44,15 +44,6 @@ TEST_F(FieldText, IntegersShowTheirNameFirst)
     }
 }
 
-TEST_F(FieldText, ANamedDoNotUseValueStaysAName)
-{
-    Message::useDoNotUseString = false;
-    auto record = made(TQX_init_AGCState);
-    record->Gain = -128;
-    const TQX_AGCState_Message message(record.get(), nullptr, false);
-    EXPECT_EQ(fieldInfo("AGCState", "Gain").getValueString(&message, 0, true), "DoNotUse");
-}
-
 TEST_F(FieldText, SatelliteWithoutNameIsANumber)
 {
     auto record = made(TQX_init_GPSNav);
@@ -122,13 +113,6 @@ TEST_F(FieldText, Characters)
     EXPECT_EQ(fieldInfo("ASCIIIn", "SensorModel").getValueString(&message), QString(20, ' '));
     record->Sync1 = '$';
     EXPECT_EQ(fieldInfo("ASCIIIn", "Sync1").getValueString(&message, 0, true), "$");
-}
-
-TEST_F(FieldText, OneLineOfOtherFieldsIsTheFrameworks)
-{
-    auto record = batteryStatus(2);
-    const TQX_BatteryStatus_Message message(record.get(), false);
-    EXPECT_EQ(fieldInfo("Battery", "Reserved").getValueString(message.getBattery(0)), "1 2 3");
 }
 
 } // namespace
