@@ -10,7 +10,9 @@
 #include "TQX_GPSIon_Message.h"
 #include "TQX_MeasEpoch2_Message.h"
 #include "TQX_PVTCartesian2_Message.h"
+#include "TQX_PVTResiduals2_Message.h"
 #include "TQX_PosCovCartesian1_Message.h"
+#include "TQX_ResidualInfoCode_Message.h"
 
 #include <Eigen/Dense>
 
@@ -204,10 +206,18 @@ TEST(Fix, ReceiverTellsHowGoodItIs)
 {
     Scatter scatter;
     Vector3d error;
+    double tests = 0;
+    int tested = 0;
     decode({"--duration", "40000", "--rate", "0.005", "--position", homeText},
            [&](const Message& message) {
                if (const auto* pvt = dynamic_cast<const TQX_PVTCartesian2_Message*>(&message))
                    error = Vector3d(pvt->getX(), pvt->getY(), pvt->getZ()) - positionOf(home);
+               if (const auto* left = dynamic_cast<const TQX_PVTResiduals2_Message*>(&message)) {
+                   for (const auto* satellite : left->getSatSignalInfo2Vector()) {
+                       tests += std::pow(satellite->getResidualInfoCode()->getWTest() * 1e-3, 2);
+                       ++tested;
+                   }
+               }
                if (const auto* told = dynamic_cast<const TQX_PosCovCartesian1_Message*>(&message)) {
                    Eigen::Matrix3d covariance;
                    covariance << told->getCov_XX(), told->getCov_XY(), told->getCov_XZ(),
@@ -216,6 +226,7 @@ TEST(Fix, ReceiverTellsHowGoodItIs)
                    scatter.add(error, covariance);
                }
            });
+    EXPECT_NEAR(tests / tested, 1, 0.1);
     scatter.expectAsClaimed(200);
     EXPECT_LT(scatter.bias(), 0.2);
 }

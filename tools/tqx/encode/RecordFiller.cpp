@@ -43,6 +43,7 @@ private:
     void fillWord(int word);
     void fillBits(int word, int part);
     void fillScalar(int index);
+    void settleSelectors();
     void fillContent(int index);
     void fillArray(int index);
     void fillText(int index);
@@ -171,6 +172,21 @@ void Filler::fillScalar(int index)
     if (isGiven(index))
         atField(row(index), [&] { storeElement(row(index), record, 0, valueOf(index)); });
     fillWord(index);
+}
+
+/// Bits that choose content are looked at where a decoder puts them, outside their word.
+void Filler::settleSelectors()
+{
+    for (int i = 0; i < type.fieldCount; ++i) {
+        if (row(i).presence != TQX_Presence::Selected)
+            continue;
+        const TQX_FieldLayout& selector = row(row(i).selector);
+        if (selector.kind != TQX_FieldKind::Bits)
+            continue;
+        const uint64_t word = TQX_unsignedValue(row(selector.parent), record);
+        storeInteger(selector, record, 0,
+                     word >> selector.shift & ~uint64_t{0} >> (64 - selector.width));
+    }
 }
 
 /// Counts are what the arrays say. A count of bytes that is given may end inside an element behind
@@ -330,6 +346,7 @@ void Filler::fill()
     for (int i = 0; i < type.fieldCount; ++i)
         if (row(i).kind == TQX_FieldKind::Value)
             fillScalar(i);
+    settleSelectors();
     if (type.linksToMain == 0)
         settleId();
     setEntryLengths(type);

@@ -27,6 +27,9 @@ void addPosition(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
 /// The four covariance matrices.
 void addCovariances(BlockLog& log, const Epoch& epoch, const Solution& solution);
 
+/// What the solution leaves of each code and Doppler that it uses.
+void addResiduals(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
+
 /// Test of the residuals.
 void addIntegrity(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
 

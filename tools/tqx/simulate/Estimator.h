@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstddef>
+#include <vector>
 
 namespace tool
 {
@@ -39,6 +40,13 @@ struct Solution {
     unsigned usedSatellites() const;
 };
 
+/// What a solution leaves of a measurement, in the unit of the measurement.
+struct Residual {
+    double value;
+    double deviation;  ///< of the residual
+    double detectable; ///< smallest error of the measurement that the test finds
+};
+
 /// Weighted least squares from ionosphere-free codes and Dopplers of all satellites, with a clock
 /// for each system. It is given the errors of the measurements instead of their values, and is
 /// linear around the truth: what it finds scatters as its covariances say.
@@ -61,6 +69,10 @@ public:
 
     const Solution& getSolution() const { return solution; }
 
+    /// Residuals of the satellite that was the index-th to be added since begin(), from 0.
+    Residual codeResidual(size_t index) const;
+    Residual rateResidual(size_t index) const;
+
 private:
     static constexpr size_t positionUnknowns = 3 + systemCount;
 
@@ -71,6 +83,22 @@ private:
         double squares; ///< of the weighted observations
     };
 
+    template<size_t size>
+    struct Solved {
+        std::array<std::array<double, size>, size> inverse;
+        std::array<double, size> unknowns;
+    };
+    struct Observation {
+        std::array<double, positionUnknowns> row;
+        double codeError;
+        double codeWeight;
+        double rateError;
+        double rateWeight;
+    };
+
+    std::vector<Observation> observations;
+    Solved<positionUnknowns> place = {};
+    Solved<4> speed = {};
     Equations<positionUnknowns> position = {};
     Equations<positionUnknowns> dilution = {};
     Equations<4> velocity = {};

@@ -2,6 +2,7 @@
 
 #include "CalendarDate.h"
 #include "GnssTime.h"
+#include "UsedSatellites.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,24 +23,6 @@ constexpr uint8_t raimPassed = 1;
 float metres(double value)
 {
     return static_cast<float>(rounded(value, 1e-4));
-}
-
-/// The count of a system among those of GPS, GLONASS, Galileo, SBAS, BeiDou, QZSS and NavIC.
-template<typename Record>
-void fillCounts(Record& record, const Solution& solution)
-{
-    constexpr size_t place[systemCount] = {0, 1, 2, 4};
-    for (size_t i = 0; i < systemCount; ++i)
-        record.NrSVPerSystem[place[i]] = solution.used[i];
-}
-
-uint32_t usedSignals(const Receiver& receiver)
-{
-    uint32_t signals = 0;
-    for (const Sight& sight : receiver.getSights())
-        for (unsigned i = 0; i < (sight.used ? 2U : 0U); ++i)
-            signals |= 1U << sight.signals[i].plan->number;
-    return signals;
 }
 
 /// What the blocks with either kind of coordinates have in common.
@@ -140,28 +123,9 @@ void addPosition(BlockLog& log, const Epoch& epoch, const Receiver& receiver)
     log.add(epoch, end, TQX_encode_EndOfPVT1);
 }
 
-void addIntegrity(BlockLog& log, const Epoch& epoch, const Receiver& receiver)
-{
-    const Solution& solution = receiver.getSolution();
-    // The largest sum of squares that passes: five deviations above the one to be expected.
-    const auto ratio = [](double sum, unsigned redundancy) {
-        const double limit = redundancy + 5 * std::sqrt(2.0 * redundancy);
-        return static_cast<uint16_t>(redundancy == 0 ? 65535 : steps(sum / limit, 1e-3));
-    };
-    TQX_RAIMStatistics2_s record;
-    TQX_init_RAIMStatistics2(&record);
-    record.IntegrityFlag = raimPassed;
-    record.PosTestRatio = ratio(solution.positionTest, solution.positionRedundancy);
-    record.VelTestRatio = ratio(solution.velocityTest, solution.velocityRedundancy);
-    record.NrSV = static_cast<uint8_t>(solution.usedSatellites());
-    record.SignalInfo = usedSignals(receiver);
-    fillCounts(record, solution);
-    log.add(epoch, record, TQX_encode_RAIMStatistics2);
-}
-
 void addTime(BlockLog& log, const Epoch& epoch)
 {
-    constexpr uint8_t known = 7;
+    constexpr uint8_t known = 7 | 1 << 7; // week, time of week, fine time: all of them
     const GnssMillis utc = epoch.week * millisPerWeek + epoch.towMillis - leapSeconds * 1000;
     const CalendarDate date = dateOf(utc / (secondsPerDay * 1000));
     const auto second = static_cast<uint32_t>(utc / 1000 % secondsPerDay);

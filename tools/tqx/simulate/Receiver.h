@@ -60,6 +60,8 @@ public:
 
     const std::vector<Sight>& getSights() const { return sights; }
     const Solution& getSolution() const { return estimator.getSolution(); }
+    /// Its satellites are those of getSights() that are used, in the same order.
+    const Estimator& getEstimator() const { return estimator; }
     const Track& getTrack() const { return track; }
     /// True position of the antenna on the ellipsoid.
     const Geodetic& getPlace() const { return place; }

@@ -88,6 +88,7 @@ void Simulation::addBlocks(const Epoch& epoch)
         addChannels(log, epoch, receiver);
         addVisibility(log, epoch, receiver);
         addSatellitePositions(log, epoch, receiver);
+        addResiduals(log, epoch, receiver);
         addIntegrity(log, epoch, receiver);
         addReceiverState(log, epoch, random);
     }
