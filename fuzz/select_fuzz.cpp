@@ -1,0 +1,80 @@
+// Any text as a time and as a condition: it is refused with a message, or means something for
+// random blocks of all types.
+
+#include "Condition.h"
+#include "Message.h"
+#include "MessageDecoder.h"
+#include "RandomBlock.h"
+#include "TimeText.h"
+#include "ToolError.h"
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+/// One message of each type, which the decoder that made it keeps.
+class Messages
+{
+public:
+    Messages()
+    {
+        std::mt19937_64 random(1);
+        for (const Kor::MessageApi::TQX_TypeLayout* type : mainTypes()) {
+            const std::vector<uint8_t> bytes =
+                randomBlock(*type, {type->highestRevision, 2}, random);
+            decoder.decode({bytes.data(), static_cast<uint16_t>(bytes.size()), 0});
+            if (!decoder.getMessage())
+                continue;
+            decoder.getMessage()->addReference();
+            messages.push_back(decoder.getMessage());
+        }
+    }
+    ~Messages()
+    {
+        for (const Message* message : messages)
+            message->removeReference();
+    }
+    Messages(const Messages&) = delete;
+    Messages& operator=(const Messages&) = delete;
+
+    const std::vector<const Message*>& get() const { return messages; }
+
+private:
+    tool::MessageDecoder decoder;
+    std::vector<const Message*> messages;
+};
+
+void tryTime(const std::string& text)
+{
+    constexpr uint64_t lastDay = 3'000'000; // of the year 9999
+    try {
+        if (tool::parseTime("--from", text) / 86'400'000 > lastDay)
+            std::abort();
+    } catch (const tool::ToolError&) {
+    }
+}
+
+void tryCondition(const std::string& text, const std::vector<const Message*>& messages)
+{
+    try {
+        const tool::Condition condition(text, tool::TypeSelection());
+        condition.accepts(nullptr);
+        for (const Message* message : messages)
+            condition.accepts(message);
+    } catch (const tool::ToolError&) {
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    static const Messages messages;
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    tryTime(text);
+    tryCondition(text, messages.get());
+    return 0;
+}
