@@ -10,6 +10,7 @@
 #include "FieldInfo.h"
 #include "MessageInfo.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <set>
 #include <utility>
