@@ -1,3 +1,4 @@
+#include "RandomBlock.h"
 #include "Tool.h"
 
 #include <nlohmann/json.hpp>
@@ -204,6 +205,37 @@ TEST(Encode, BytesGoOutAsTheyAre)
     EXPECT_EQ(
         runTool({"encode", "-"}, R"({"block":"ASCIIIn","fields":{"CD":1},"bytes":"JEA="})").output,
         "$@");
+}
+
+// Blocks of all types and revisions, a newer one with longer entries among them, and unknown ones.
+TEST(Encode, RawDumpOfEveryTypeComesBackByteForByte)
+{
+    std::mt19937_64 random(11);
+    std::string stream;
+    size_t blocks = 0;
+    for (const auto* type : mainTypes()) {
+        for (unsigned revision = 0; revision <= type->highestRevision + 1U; ++revision) {
+            const bool isNewer = revision > type->highestRevision;
+            const auto block = randomBlock(*type, {revision, 3, isNewer ? 2U : 0U}, random);
+            stream.append(block.begin(), block.end());
+            ++blocks;
+        }
+    }
+    stream +=
+        runTool({"encode", "-"}, R"({"number":8191,"bytes":"JECbZf8fEADQ7d8MYAk0Eg=="})").output;
+    const ToolRun dump = runTool({"dump", "--strict", "--format", "jsonl", "--raw", "-"}, stream);
+    EXPECT_EQ(dump.status, 0) << dump.words;
+    const std::vector<std::string> lines = linesOf(dump.output);
+    EXPECT_EQ(lines.size(), blocks + 1);
+    const ToolRun encode = runTool({"encode", "-"}, dump.output);
+    EXPECT_EQ(encode.words, "");
+    EXPECT_TRUE(encode.output == stream);
+    // Most come back from their fields alone.
+    const auto isFieldsAlone = [](const std::string& line) {
+        return line.find("\"bytes\"") == std::string::npos;
+    };
+    EXPECT_GT(std::count_if(lines.begin(), lines.end(), isFieldsAlone) * 2,
+              static_cast<std::ptrdiff_t>(blocks));
 }
 
 TEST(Encode, DeepNesting)

@@ -42,6 +42,7 @@ private:
     [[noreturn]] void failUnknown() const;
     void fillWord(int word);
     void fillBits(int word, int part);
+    void splitWord(int word);
     void fillScalar(int index);
     void settleSelectors();
     void fillContent(int index);
@@ -172,6 +173,19 @@ void Filler::fillScalar(int index)
     if (isGiven(index))
         atField(row(index), [&] { storeElement(row(index), record, 0, valueOf(index)); });
     fillWord(index);
+    splitWord(index);
+}
+
+/// Sets the members of the bit ranges, which may say what other fields there are.
+void Filler::splitWord(int word)
+{
+    for (int i = word + 1; i < type.fieldCount && row(i).parent == word; ++i) {
+        const TQX_FieldLayout& part = row(i);
+        const uint64_t sign = TQX_isSigned(part) ? uint64_t{1} << (part.width - 1) : 0;
+        const uint64_t value =
+            TQX_unsignedValue(row(word), record) >> part.shift & ~uint64_t{0} >> (64 - part.width);
+        storeInteger(part, record, 0, (value ^ sign) - sign);
+    }
 }
 
 /// Bits that choose content are looked at where a decoder puts them, outside their word.

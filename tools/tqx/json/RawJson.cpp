@@ -1,6 +1,7 @@
 #include "RawJson.h"
 
 #include "JsonText.h"
+#include "TextCache.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,6 +18,7 @@ struct RawPlan {
     struct Step {
         const TQX_FieldLayout* field;
         std::string key;               ///< with the comma that parts it from the field before
+        TextCache cache;               ///< of a single number
         std::unique_ptr<RawPlan> plan; ///< of the sub-block that the field holds
     };
 
@@ -59,13 +61,14 @@ class Writer
 public:
     explicit Writer(Buffer& buffer) : out(buffer) {}
 
-    void writeRecord(const RawPlan& plan, const void* record);
+    void writeRecord(RawPlan& plan, const void* record);
 
     /// Whether all that was written is read back as it stood in the records.
     bool isExact() const { return exact; }
 
 private:
-    void writeField(const RawPlan& plan, const RawPlan::Step& step, const void* record);
+    void writeField(RawPlan& plan, RawPlan::Step& step, const void* record);
+    void writeNumber(RawPlan::Step& step, const void* record);
     void writeElement(const TQX_FieldLayout& field, const void* element);
     void writeArray(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const void* record);
     void writeText(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const void* record);
@@ -110,6 +113,21 @@ void Writer::writeElement(const TQX_FieldLayout& field, const void* element)
     }
 }
 
+void Writer::writeNumber(RawPlan::Step& step, const void* record)
+{
+    const TQX_FieldLayout& field = *step.field;
+    const void* element = static_cast<const char*>(record) + field.recordOffset;
+    // Texts that are kept would not tell an odd NaN.
+    const auto make = [&](Buffer&) {
+        out.append(step.key);
+        writeElement(field, element);
+    };
+    if (field.type == TQX_MemberType::F32 || field.type == TQX_MemberType::F64)
+        make(out);
+    else
+        step.cache.append(out, TQX_unsignedValue(field, record), make);
+}
+
 void Writer::writeText(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const void* record)
 {
     const auto* text = static_cast<const char*>(TQX_element(field, record));
@@ -143,12 +161,13 @@ void Writer::writeArray(const TQX_TypeLayout& type, const TQX_FieldLayout& field
         exact = exact && TQX_unsignedValue(field, record, count) == 0;
 }
 
-void Writer::writeField(const RawPlan& plan, const RawPlan::Step& step, const void* record)
+void Writer::writeField(RawPlan& plan, RawPlan::Step& step, const void* record)
 {
     const TQX_FieldLayout& field = *step.field;
+    if (field.kind == TQX_FieldKind::Value)
+        return writeNumber(step, record);
+    out.append(step.key);
     switch (field.kind) {
-    case TQX_FieldKind::Value:
-        return writeElement(field, TQX_element(field, record));
     case TQX_FieldKind::Array:
     case TQX_FieldKind::CountedArray:
         return writeArray(*plan.type, field, record);
@@ -169,17 +188,17 @@ void Writer::writeField(const RawPlan& plan, const RawPlan::Step& step, const vo
         out.append(']');
         return;
     }
+    case TQX_FieldKind::Value:
     case TQX_FieldKind::Bits:
     case TQX_FieldKind::Derived:
         return;
     }
 }
 
-void Writer::writeRecord(const RawPlan& plan, const void* record)
+void Writer::writeRecord(RawPlan& plan, const void* record)
 {
-    out.append('{');
-    size_t comma = 1;
-    for (const RawPlan::Step& step : plan.steps) {
+    const size_t start = out.size();
+    for (RawPlan::Step& step : plan.steps) {
         const TQX_FieldLayout& field = *step.field;
         if (field.presence != TQX_Presence::Always && !TQX_isPresent(*plan.type, field, record)) {
             // On the wire although the record's revision does not have it.
@@ -189,10 +208,13 @@ void Writer::writeRecord(const RawPlan& plan, const void* record)
         // Padding is worth a word only when it is not what the encoder writes.
         if (field.isPadding && isZero(field, record))
             continue;
-        out.append(step.key.data() + comma, step.key.size() - comma);
-        comma = 0;
         writeField(plan, step, record);
     }
+    // The first field brought a comma where the object begins.
+    if (out.size() == start)
+        out.append('{');
+    else
+        out.replace(start, '{');
     out.append('}');
 }
 
@@ -210,7 +232,8 @@ std::unique_ptr<RawPlan> makePlan(const TQX_TypeLayout& type, const FieldFilter&
             plan->whole = false;
             continue;
         }
-        RawPlan::Step step = {&field, "," + json::key(field.name), nullptr};
+        RawPlan::Step step = {&field, "," + json::key(field.name),
+                              TextCache(TQX_elementSize(field)), nullptr};
         if (field.recordType != 0) {
             step.plan = makePlan(*TQX_layout(field.recordType), *inside);
             plan->whole = plan->whole && step.plan->whole;
@@ -229,7 +252,7 @@ RawJson::RawJson(const FieldFilter& shown)
 
 RawJson::~RawJson() = default;
 
-const RawPlan& RawJson::planOf(uint32_t recordType)
+RawPlan& RawJson::planOf(uint32_t recordType)
 {
     if (plans.size() <= recordType)
         plans.resize(recordType + 1);
@@ -241,7 +264,7 @@ const RawPlan& RawJson::planOf(uint32_t recordType)
 
 void RawJson::write(Buffer& out, const Block& block, const RecordDecoder& decoder)
 {
-    const RawPlan& plan = planOf(decoder.getHeader().korcg_type);
+    RawPlan& plan = planOf(decoder.getHeader().korcg_type);
     if (!plan.type->hasMessage)
         return writeBytes(out, block);
     if (plan.steps.empty())

@@ -40,7 +40,7 @@ public:
     void writeBytes(Buffer& out, const Block& block) const;
 
 private:
-    const RawPlan& planOf(uint32_t recordType);
+    RawPlan& planOf(uint32_t recordType);
 
     const FieldFilter& filter;
     std::vector<std::unique_ptr<RawPlan>> plans;
