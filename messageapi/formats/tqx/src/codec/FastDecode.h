@@ -35,9 +35,9 @@ constexpr int32_t signedBits(uint32_t word, unsigned shift, unsigned width)
     return static_cast<int32_t>((value ^ sign) - sign);
 }
 
-/// Loads the header fields of a main block and follows the week in the context.
+/// Loads the header fields of a main block.
 template<typename Record>
-void loadHeader(const uint8_t* at, TQX_Context_s* context, Record& record)
+void loadHeader(const uint8_t* at, Record& record)
 {
     record.Sync1 = static_cast<char>(at[0]);
     record.Sync2 = static_cast<char>(at[1]);
@@ -47,7 +47,6 @@ void loadHeader(const uint8_t* at, TQX_Context_s* context, Record& record)
     record.Revision = static_cast<uint8_t>(record.ID >> 13U);
     record.Length = korcg_load_u16(at + 6);
     record.TOW = korcg_load_u32(at + 8);
-    record.TOWc = TQX_continuousTime(context, record.TOW);
     record.WNc = korcg_load_u16(at + 12);
 }
 

@@ -274,6 +274,21 @@ std::string tailStatements(const Format& format, const RecordType& type, int ind
     return otherBlocks(format, type, field);
 }
 
+// Whether decoding may turn to the exact decoder at this field.
+bool mayTurnBack(const Format& format, const RecordType& type, int index)
+{
+    const Field& field = row(type, index);
+    if (field.kind != FieldKind::Blocks)
+        return field.isCounted();
+    const RecordType& sub = *format.find(field.subType);
+    return isPlainSub(sub) || nestedArray(format, sub) != nullptr;
+}
+
+// The exact decoder follows the week itself, so the context is left alone until it is certain that
+// decoding does not turn to it.
+constexpr const char followWeek[] =
+    "    record->TOWc = TQX_continuousTime(context, record->TOW);\n";
+
 bool isConditional(const RecordType& type, int index)
 {
     const Field& field = row(type, index);
@@ -297,9 +312,9 @@ bool isEmbedded(const Format& format, const RecordType& type)
     });
 }
 
-// Once an array is allocated there is no way back to the exact decoder, so only the first
-// sub-block array of a type may still turn to it. Sub-blocks have none: those with arrays are
-// decoded inside their main blocks.
+// Once an array is allocated or the week is followed there is no way back to the exact decoder, so
+// only the first sub-block array of a type may still turn to it. Sub-blocks have none: those with
+// arrays are decoded inside their main blocks.
 bool isStraight(const Format& format, const RecordType& type, const Shape& shape)
 {
     const auto arrays = std::count_if(shape.tail.begin(), shape.tail.end(), [&](int index) {
@@ -310,7 +325,9 @@ bool isStraight(const Format& format, const RecordType& type, const Shape& shape
     if (!shape.straight || conditional)
         return false;
     if (type.isMain())
-        return arrays <= 1;
+        return arrays <= 1 &&
+               std::is_partitioned(shape.tail.begin(), shape.tail.end(),
+                                   [&](int index) { return mayTurnBack(format, type, index); });
     // The stated length of an entry ends in front of what has a length of its own.
     return arrays == 0 && !shape.conditional && !needsParent(type) && type.owners.size() == 1 &&
            (!shape.isPlain() || isEmbedded(format, type)) &&
@@ -341,7 +358,7 @@ std::string mainHead(const RecordType& type, const Shape& shape)
                            "    const uint8_t* at = buffer + start / 8;\n",
                            sizeText(shape), exactCall(type));
     return text + fmt::format("    start_{0}(*record, nullptr, head * 8);\n"
-                              "    loadHeader(at, context, *record);\n"
+                              "    loadHeader(at, *record);\n"
                               "    load_{0}(at, {1}*record);\n",
                               type.name, shape.conditional ? "revision, " : "");
 }
@@ -367,7 +384,8 @@ std::string entryHead(const Format& format, const RecordType& type, const Shape&
 std::string applyLength(const RecordType& type)
 {
     return fmt::format("    if (explicitLength != 0) {{\n"
-                       "        if (end - start > explicitLength)\n"
+                       "        // Also where the offset would wrap.\n"
+                       "        if (end - start > explicitLength || explicitLength > ~start)\n"
                        "            return {};\n"
                        "        end = start + explicitLength;\n"
                        "    }}\n",
@@ -386,13 +404,20 @@ std::string decodeBody(const Format& format, const RecordType& type)
     text += "    uint32_t end = start + head * 8;\n";
     const auto lengths = std::partition_point(shape.tail.begin(), shape.tail.end(),
                                               [&](int index) { return !hasLength(type, index); });
+    bool followed = !type.isMain();
     for (auto index = shape.tail.begin(); index != shape.tail.end(); ++index) {
+        if (!followed && !mayTurnBack(format, type, *index)) {
+            text += followWeek;
+            followed = true;
+        }
         if (index == lengths && !type.isMain())
             text += applyLength(type);
         text += tailStatements(format, type, *index);
     }
     if (lengths == shape.tail.end() && !type.isMain())
         text += applyLength(type);
+    if (!followed)
+        text += followWeek;
     return text + "    *offset = end;\n    return static_cast<int32_t>(end - start);\n";
 }
 
