@@ -52,6 +52,23 @@ bool standsBehindEntry(const TQX_FieldLayout& field)
            (field.kind == TQX_FieldKind::Embedded && field.length >= 0);
 }
 
+// Whether the sub-block that stands inside an entry is one of several.
+bool choosesContent(const TQX_TypeLayout& type)
+{
+    return std::any_of(type.fields, type.fields + type.fieldCount,
+                       [](const TQX_FieldLayout& field) {
+                           return field.kind == TQX_FieldKind::Embedded && field.length < 0;
+                       });
+}
+
+const TQX_FieldLayout& lastScalar(const TQX_TypeLayout& type)
+{
+    const TQX_FieldLayout* field = type.fields + type.fieldCount - 1;
+    while (field->kind != TQX_FieldKind::Value)
+        --field;
+    return *field;
+}
+
 class Encoder
 {
 public:
@@ -76,7 +93,7 @@ private:
                    uint32_t index);
     void writeElement(const TQX_FieldLayout& field, void* record, uint32_t index, uint32_t bits);
     void writeUnit(uint64_t value, uint32_t bits);
-    void fillTo(uint32_t entryEnd);
+    int32_t fillTo(const TQX_TypeLayout& type, uint32_t entryEnd);
     uint32_t entryBits(const TQX_TypeLayout& owner, const TQX_FieldLayout& field,
                        const void* record) const;
     void count(void* record, uint32_t bits);
@@ -186,12 +203,17 @@ int32_t Encoder::writeArray(const TQX_TypeLayout& type, const TQX_FieldLayout& f
     return 0;
 }
 
-// Entries that are shorter than the length that their block states are filled up when a decoded
-// block is written back.
-void Encoder::fillTo(uint32_t entryEnd)
+// Every entry takes the length that its block states. When a decoded block is written back, what is
+// shorter is filled up; else only entries whose content, and so whose size, a selector chooses.
+int32_t Encoder::fillTo(const TQX_TypeLayout& type, uint32_t entryEnd)
 {
-    while (m_fields == Fields::AsRead && m_cursor < entryEnd && fits(8))
+    if (m_cursor >= entryEnd || (m_fields == Fields::All && !choosesContent(type)))
+        return 0;
+    if (!fits(entryEnd - m_cursor))
+        return lastScalar(type).code;
+    while (m_cursor < entryEnd)
         writeUnit(0, 8);
+    return 0;
 }
 
 uint32_t Encoder::entryBits(const TQX_TypeLayout& owner, const TQX_FieldLayout& field,
@@ -245,11 +267,13 @@ int32_t Encoder::writeRecord(const TQX_TypeLayout& type, void* record, uint32_t 
         }
         if (m_pending != 0)
             continue;
+        int32_t result = 0;
         if (standsBehindEntry(field)) {
-            fillTo(entryEnd);
+            result = fillTo(type, entryEnd);
             entryEnd = 0;
         }
-        int32_t result = 0;
+        if (result < 0)
+            return result;
         if (field.kind == TQX_FieldKind::Blocks)
             result = writeBlocks(type, field, record);
         else if (field.kind == TQX_FieldKind::Embedded)
@@ -259,8 +283,7 @@ int32_t Encoder::writeRecord(const TQX_TypeLayout& type, void* record, uint32_t 
         if (result < 0)
             return result;
     }
-    fillTo(entryEnd);
-    return m_pending;
+    return m_pending != 0 ? m_pending : fillTo(type, entryEnd);
 }
 
 // Revisions 0 and 1 have fixed entry lengths; later ones let the record say them, and a record
