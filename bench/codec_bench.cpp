@@ -3,6 +3,7 @@
 // a protobuf message that is used again and again. The release of sub-block arrays is included, as
 // a receiver of records would do it. Blocks other than the telling ones are random but well-formed.
 
+#include "FieldRoles.h"
 #include "RandomBlock.h"
 #include "RecordGuard.h"
 #include "TellingBlocks.h"

@@ -39,6 +39,7 @@ TEST(Decode, SizesAndCodesOfCutBlocks)
         {110, 0, 88, 704},   {110, 1, 88, 704},   {110, 2, 96, 768},   {110, 2, 95, -1860},
         {110, 2, 86, -1854}, {110, 2, 85, -1853}, {110, 0, 87, -1859}, {110, 0, 7, -1858 + 6},
         {252, 0, 7, -4224},  {252, 0, 19, -4224}, {252, 0, 30, -4225}, {71, 0, 140, 1120},
+        {110, 5, 95, 760},
     };
     for (const CutCase& row : cases) {
         std::vector<uint8_t> bytes = block(row.record, row.revision);
@@ -49,45 +50,6 @@ TEST(Decode, SizesAndCodesOfCutBlocks)
             << layoutOf(row.record).name << " revision " << row.revision << ", " << row.bytes
             << " bytes: " << TQX_errorName(row.result);
     }
-}
-
-TEST(Decode, HigherRevisionsReadWhatIsKnown)
-{
-    std::vector<uint8_t> bytes = block(110, 2);
-    bytes[5] = static_cast<uint8_t>((bytes[5] & 0x1fU) | 5U << 5U);
-    AnyRecord record;
-    EXPECT_EQ(record.decode(bytes), 95 * 8);
-    EXPECT_EQ(record.as<TQX_PVTGeodetic2_s>().Misc, bytes[94]);
-}
-
-TEST(Decode, IdIsKeptWholeAndSplit)
-{
-    std::vector<uint8_t> bytes = block(110, 1);
-    bytes[4] = 0xa7;
-    bytes[5] = 0x2f;
-    AnyRecord record;
-    ASSERT_EQ(record.decode(bytes), 704);
-    const auto& pvt = record.as<TQX_PVTGeodetic2_s>();
-    EXPECT_EQ(pvt.ID, 0x2fa7);
-    EXPECT_EQ(pvt.BlockNumber, 4007);
-    EXPECT_EQ(pvt.Revision, 1);
-}
-
-TEST(Decode, TextHasAZeroBehindIt)
-{
-    TQX_ASCIIIn_s source;
-    TQX_init_ASCIIIn(&source);
-    source.StringLn = 5;
-    std::memcpy(source.ASCIIString, "hello", 5);
-    std::vector<uint8_t> bytes(85);
-    ASSERT_EQ(TQX_encode_ASCIIIn(bytes.data(), 85, &source), 85 * 8);
-    AnyRecord record;
-    ASSERT_EQ(record.decode(bytes), 85 * 8);
-    EXPECT_STREQ(record.as<TQX_ASCIIIn_s>().ASCIIString, "hello");
-    EXPECT_EQ(std::string(record.as<TQX_ASCIIIn_s>().SensorModel), std::string(20, ' '));
-    bytes.resize(83);
-    EXPECT_EQ(record.decode(bytes), -4228);
-    EXPECT_STREQ(record.as<TQX_ASCIIIn_s>().ASCIIString, "hel");
 }
 
 // A MeasEpoch2 with one signal and `second` further ones, built by hand.
@@ -178,57 +140,6 @@ TEST(Decode, ByteCountedPayloadKeepsItsTail)
                  "TQX_ERR_DIFFCORRIN_RTCM2WORDS_INT_BUFFER_OVERFLOW");
 }
 
-TEST(Driver, RefusesWhatItCannotPlace)
-{
-    TQX_Context_s context;
-    TQX_init_context(&context);
-    AnyRecord record;
-    std::vector<uint8_t> bytes = block(110);
-    EXPECT_EQ(record.decode({bytes.begin(), bytes.begin() + 6}, &context), -6072);
-    EXPECT_EQ(context.lastUnknownBlockNumber, 0);
-    korcg_store_u16(bytes.data() + 4, 8191);
-    EXPECT_EQ(record.decode(bytes, &context), -6072);
-    EXPECT_EQ(context.lastUnknownBlockNumber, 8191);
-    EXPECT_EQ(record.decode(bytes), -6072);
-    bytes = block(110);
-    context.enableMask[13] &= static_cast<uint8_t>(~0x02U);
-    EXPECT_EQ(record.decode(bytes, &context), -5904);
-    EXPECT_EQ(record.as<TQX_PVTGeodetic2_s>().BlockNumber, 4007);
-    EXPECT_EQ(record.decode(bytes), 704);
-}
-
-TEST(Driver, FollowsTheWeek)
-{
-    struct Row {
-        uint32_t tow;
-        uint32_t expected;
-    };
-    const std::vector<std::vector<Row>> sequences = {
-        {{604790000, 604790000}, {10000, 604810000}},
-        {{500000, 500000}, {400000, 400000}},
-        {{0xffffffff, 0xffffffff}, {7, 7}},
-    };
-    for (const std::vector<Row>& sequence : sequences) {
-        TQX_Context_s context;
-        TQX_init_context(&context);
-        for (const Row& row : sequence) {
-            std::vector<uint8_t> bytes = block(110);
-            korcg_store_u32(bytes.data() + 8, row.tow);
-            AnyRecord record;
-            ASSERT_GT(record.decode(bytes, &context), 0);
-            EXPECT_EQ(record.as<TQX_PVTGeodetic2_s>().TOWc, row.expected);
-            ASSERT_GT(record.decode(bytes), 0);
-            EXPECT_EQ(record.as<TQX_PVTGeodetic2_s>().TOWc, 0xffffffff);
-        }
-    }
-    TQX_Context_s context;
-    TQX_init_context(&context);
-    context.weekCounter = 255;
-    context.lastTOW = 604790000;
-    EXPECT_EQ(TQX_continuousTime(&context, 1), 1U);
-    EXPECT_EQ(context.weekCounter, 0);
-}
-
 TEST(Encode, CodesOfShortBuffersAndLongTexts)
 {
     TQX_ASCIIIn_s text;
@@ -277,23 +188,6 @@ TEST(Encode, ForcesEntryLengthsOfEarlyRevisions)
     }
 }
 
-TEST(Encode, AppendsToADecodedBlock)
-{
-    AnyRecord record;
-    ASSERT_GT(record.decode(measEpoch(20, 12, 2)), 0);
-    TQX_MeasEpoch2_s& epoch = record.as<TQX_MeasEpoch2_s>();
-    TQX_append_MeasEpochChannelType1_Type2(&epoch.Type1[0])->CN0 = 1;
-    TQX_append_MeasEpoch2_Type1(&epoch)->CN0 = 2;
-    TQX_append_MeasEpochChannelType1_Type2(&epoch.Type1[1])->CN0 = 3;
-    EXPECT_EQ(epoch.Type1[0].N2, 3);
-    EXPECT_EQ(epoch.Type1[0].Type2[1].CN0, 120);
-    EXPECT_EQ(epoch.Type1[0].Type2[2].CN0, 1);
-    EXPECT_EQ(epoch.Type1[1].Type2[0].CN0, 3);
-    TQX_release(&epoch);
-    EXPECT_EQ(epoch.Type1, nullptr);
-    EXPECT_EQ(epoch.N1, 0);
-}
-
 TEST(ErrorNames, StandWhereTheyBelong)
 {
     const std::pair<int32_t, const char*> names[] = {
@@ -321,23 +215,6 @@ TEST(ErrorNames, StandWhereTheyBelong)
     };
     for (const auto& [code, name] : names)
         EXPECT_STREQ(TQX_errorName(code), name) << code;
-}
-
-TEST(SubBlockDeathTest, NeedsItsParents)
-{
-    std::vector<uint8_t> bytes(64, 1);
-    const auto decodeAlone = [&bytes] {
-        uint32_t offset = 0;
-        TQX_MeasEpochChannelType1_s record;
-        TQX_decode_MeasEpochChannelType1(nullptr, bytes.data(), 64, &offset, nullptr, 0, &record);
-    };
-    EXPECT_EXIT(decodeAlone(), testing::ExitedWithCode(1), "");
-    bytes[19] = 0;
-    uint32_t offset = 0;
-    TQX_MeasEpochChannelType1_s record;
-    EXPECT_EQ(
-        TQX_decode_MeasEpochChannelType1(nullptr, bytes.data(), 64, &offset, nullptr, 0, &record),
-        160);
 }
 
 } // namespace

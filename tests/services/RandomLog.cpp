@@ -1,5 +1,6 @@
 #include "RandomLog.h"
 
+#include "FieldRoles.h"
 #include "RandomBlock.h"
 #include "korcg_crc.h"
 #include "korcg_load.h"

@@ -1,4 +1,5 @@
 #include "Blocks.h"
+#include "FieldRoles.h"
 #include "RandomBlock.h"
 #include "TQXDecoder.h"
 #include "TQX_Layout.h"

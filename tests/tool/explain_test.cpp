@@ -1,4 +1,5 @@
 #include "BlockWalk.h"
+#include "FieldRoles.h"
 #include "RandomBlock.h"
 #include "RecordDecoder.h"
 #include "Tool.h"

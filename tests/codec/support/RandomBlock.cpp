@@ -1,5 +1,6 @@
 #include "RandomBlock.h"
 
+#include "FieldRoles.h"
 #include "korcg_crc.h"
 #include "korcg_load.h"
 
@@ -19,6 +20,7 @@ public:
     }
 
     void record(const TQX_TypeLayout& type, uint64_t length = 0);
+    void entry(const TQX_TypeLayout& type);
     std::vector<uint8_t> bytes;
 
 private:
@@ -46,7 +48,6 @@ private:
     bool isWanted(const TQX_TypeLayout& type, const TQX_FieldLayout& field,
                   const std::vector<uint64_t>& values) const;
     uint64_t choose(const TQX_TypeLayout& type, int row);
-    uint64_t selected(const TQX_TypeLayout& type, int row, uint64_t word);
 
     const BlockOptions& m_options;
     std::mt19937_64& m_random;
@@ -72,40 +73,29 @@ bool Builder::isWanted(const TQX_TypeLayout& type, const TQX_FieldLayout& field,
                : m_options.revision == field.presenceValue;
 }
 
-// A selecting field mostly takes one of the values that select something.
-uint64_t Builder::selected(const TQX_TypeLayout& type, int row, uint64_t word)
-{
-    std::vector<uint64_t> choices;
-    for (int i = 0; i < type.fieldCount; ++i)
-        if (type.fields[i].presence == TQX_Presence::Selected && type.fields[i].selector == row)
-            choices.push_back(type.fields[i].presenceValue);
-    if (choices.empty() || m_random() % 8 == 0)
-        return word;
-    return choices[static_cast<size_t>(m_random() % choices.size())];
-}
-
 uint64_t Builder::choose(const TQX_TypeLayout& type, int row)
 {
-    const TQX_FieldLayout& field = type.fields[row];
-    const uint32_t size = TQX_elementSize(field);
-    for (int i = 0; i < type.fieldCount; ++i) {
-        const TQX_FieldLayout& other = type.fields[i];
-        if (other.count == row)
-            return m_random() % (std::min<uint64_t>(m_options.largestCount,
-                                                    other.elements > 1 ? other.elements : 250) +
-                                 1);
-        if (other.length == row && !other.lengthInMain)
-            return TQX_entrySize(other.recordType, m_options.revision) + m_options.extraBytes;
-        // The length of nested entries stands in the main block.
-        if (other.kind == TQX_FieldKind::Blocks && type.linksToMain == 0) {
-            const TQX_TypeLayout& sub = *TQX_layout(other.recordType);
-            for (int j = 0; j < sub.fieldCount; ++j)
-                if (sub.fields[j].lengthInMain && sub.fields[j].length == row)
-                    return TQX_entrySize(sub.fields[j].recordType, m_options.revision) +
-                           m_options.extraBytes;
-        }
+    const FieldRole& role = roleOf(type, row);
+    if (role.counted != nullptr) {
+        const TQX_FieldLayout& counted = *role.counted;
+        if (m_options.overrun && !holdsEntries(counted))
+            return (counted.elements + 1U) * (counted.countsBytes ? TQX_elementSize(counted) : 1U);
+        const uint64_t room = counted.elements > 1 ? counted.elements : 250;
+        return m_random() % (std::min<uint64_t>(m_options.largestCount, room) + 1);
     }
-    return selected(type, row, any(size * 8));
+    if (role.sized != nullptr)
+        return TQX_entrySize(role.sized->recordType, m_options.revision) + m_options.extraBytes;
+    const uint32_t bits = TQX_elementSize(type.fields[row]) * 8;
+    const uint64_t word = any(bits) & ~uint64_t{0} >> (64 - bits);
+    if (role.choices.empty() || m_random() % 8 == 0)
+        return word;
+    // A selecting field mostly takes one of the values that select something.
+    uint64_t chosen = word;
+    for (size_t parts = 0; parts < role.choices.size(); ++parts) {
+        const FieldRole::Choice& choice = role.choices[m_random() % role.choices.size()];
+        chosen = (chosen & ~choice.mask) | choice.bits;
+    }
+    return chosen;
 }
 
 // Fills an entry up to the length that its block states: with zeros, as an encoder would, unless
@@ -165,6 +155,13 @@ void Builder::record(const TQX_TypeLayout& type, uint64_t length)
     fill(start, length);
 }
 
+void Builder::entry(const TQX_TypeLayout& type)
+{
+    m_main = ownerOf(type);
+    m_mainValues.assign(m_main->fieldCount, 0);
+    record(type);
+}
+
 } // namespace
 
 std::vector<uint8_t> randomBlock(const TQX_TypeLayout& type, const BlockOptions& options,
@@ -180,12 +177,10 @@ std::vector<uint8_t> randomBlock(const TQX_TypeLayout& type, const BlockOptions&
     return block;
 }
 
-std::vector<const TQX_TypeLayout*> mainTypes()
+std::vector<uint8_t> randomEntry(const TQX_TypeLayout& type, const BlockOptions& options,
+                                 std::mt19937_64& random)
 {
-    std::vector<const TQX_TypeLayout*> types;
-    for (uint32_t record = 1; record <= 382; ++record)
-        if (const TQX_TypeLayout* type = TQX_layout(record);
-            type != nullptr && type->blockNumber != 0)
-            types.push_back(type);
-    return types;
+    Builder builder(options, random);
+    builder.entry(type);
+    return builder.bytes;
 }

@@ -37,6 +37,7 @@ struct Reader {
     unsigned revision = 0;
     const TQX_TypeLayout* main = nullptr;
     const Entry* mainEntry = nullptr;
+    Clock* clock = nullptr;
 
     // One unit of a whole number of bytes, byte by byte.
     bool read(unsigned bits, uint64_t& value)
@@ -89,6 +90,19 @@ struct Reader {
         entry.bits += widthOf(field.type);
         if (main == nullptr && std::string(field.name) == "ID")
             revision = static_cast<unsigned>(value >> 13U);
+        if (main == nullptr && std::string(field.name) == "TOW")
+            entry.fields["TOWc"].values.push_back(continuous(static_cast<uint32_t>(value)));
+    }
+
+    // Going back by more than two days is taken for a new week; all sums are modulo 2^32.
+    uint32_t continuous(uint32_t tow) const
+    {
+        if (clock == nullptr || tow == 0xffffffffU)
+            return 0xffffffffU;
+        if ((uint64_t{tow} + 2 * 86400000U) % 0x100000000U < clock->last)
+            clock->rollovers = (clock->rollovers + 1) % 256;
+        clock->last = tow;
+        return static_cast<uint32_t>(uint64_t{clock->rollovers} * 7 * 86400000U + tow);
     }
 
     void readArray(const TQX_TypeLayout& type, const TQX_FieldLayout& field, Entry& entry)
@@ -194,19 +208,29 @@ struct Reader {
         if (!measured && pending == 0) {
             if (at - start > length)
                 return type.sizeUnderflow;
-            at = start + length;
+            at = start + length; // wraps
         }
+        if (pending == 0 && at < start)
+            return type.internal;
         return pending != 0 ? pending : static_cast<int32_t>(at - start);
     }
 };
 
 } // namespace
 
-Outcome decode(const TQX_TypeLayout& type, const std::vector<uint8_t>& bytes)
+Outcome decode(const TQX_TypeLayout& type, const std::vector<uint8_t>& bytes, const Start& start)
 {
     Outcome outcome;
     Reader reader{bytes};
-    outcome.result = reader.readRecord(type, 0, false, outcome.block);
+    reader.at = start.offset;
+    reader.clock = start.clock;
+    if (start.above != nullptr && start.above->main != nullptr) {
+        reader.main = start.above->main;
+        reader.mainEntry = &start.above->values;
+        reader.revision = start.above->revision;
+    }
+    outcome.result = reader.readRecord(type, start.length, start.above != nullptr, outcome.block);
+    outcome.offset = reader.at;
     return outcome;
 }
 

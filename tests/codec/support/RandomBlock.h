@@ -11,6 +11,7 @@ struct BlockOptions {
     unsigned revision = 0;
     unsigned largestCount = 4; ///< entries and elements of counted fields
     unsigned extraBytes = 0;   ///< unknown bytes behind each entry
+    bool overrun = false;      ///< counted fields hold one element more than records have room for
 };
 
 /// One framed block: a random value in every field, extremes included, counts and lengths
@@ -18,5 +19,6 @@ struct BlockOptions {
 std::vector<uint8_t> randomBlock(const Kor::MessageApi::TQX_TypeLayout& type,
                                  const BlockOptions& options, std::mt19937_64& random);
 
-/// All layouts of main blocks, ascending record type.
-std::vector<const Kor::MessageApi::TQX_TypeLayout*> mainTypes();
+/// Likewise an entry of a sub-block type; entries nested in it have their known length.
+std::vector<uint8_t> randomEntry(const Kor::MessageApi::TQX_TypeLayout& type,
+                                 const BlockOptions& options, std::mt19937_64& random);

@@ -28,9 +28,14 @@ public:
     int32_t decode(const std::vector<uint8_t>& bytes,
                    Kor::MessageApi::TQX_Context_s* context = nullptr)
     {
+        return decode(bytes.data(), static_cast<uint16_t>(bytes.size()), context);
+    }
+    int32_t decode(const uint8_t* bytes, uint16_t size,
+                   Kor::MessageApi::TQX_Context_s* context = nullptr)
+    {
         TQX_release(m_area.data());
         clear();
-        return TQX_decode(context, bytes.data(), static_cast<uint16_t>(bytes.size()), get());
+        return TQX_decode(context, bytes, size, get());
     }
 
 private:

@@ -1,0 +1,139 @@
+// Every code that can come of decoding or encoding does come of it, and no other.
+
+#include "Ancestors.h"
+#include "FieldRoles.h"
+#include "PossibleCodes.h"
+#include "RandomBlock.h"
+#include "RecordFiller.h"
+#include "RecordGuard.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+namespace
+{
+
+using namespace Kor::MessageApi;
+
+using Codes = std::set<int32_t>;
+
+constexpr int mostRounds = 1000;
+
+Codes possibleCodesOfAll(Direction direction)
+{
+    Codes all;
+    for (const TQX_TypeLayout* type : allTypes())
+        all.merge(possibleCodes(*type, direction));
+    return all;
+}
+
+std::string names(const Codes& codes, const Codes& without)
+{
+    std::string text;
+    for (const int32_t code : codes)
+        if (without.count(code) == 0)
+            text += std::string(" ") + TQX_errorName(code);
+    return text;
+}
+
+bool holdsAll(const Codes& codes, const Codes& wanted)
+{
+    return std::includes(codes.begin(), codes.end(), wanted.begin(), wanted.end());
+}
+
+void decodeOnce(const TQX_TypeLayout& type, const std::vector<uint8_t>& bytes, size_t size,
+                unsigned revision, uint32_t offset, uint32_t length, Codes& codes)
+{
+    Ancestors ancestors(type, revision, 0);
+    AnyRecord record;
+    const int32_t result = decodeAlone(type, nullptr, bytes.data(), static_cast<uint16_t>(size),
+                                       &offset, ancestors.father(), length, record.get());
+    if (result < 0)
+        codes.insert(result);
+}
+
+void decodeInAllWays(const TQX_TypeLayout& type, int round, std::mt19937_64& random, Codes& codes)
+{
+    BlockOptions options;
+    options.revision = static_cast<unsigned>(round) % 4;
+    options.overrun = round % 4 == 3;
+    const std::vector<uint8_t> bytes = type.linksToMain == 0 ? randomBlock(type, options, random)
+                                                             : randomEntry(type, options, random);
+    const size_t step = bytes.size() / 1000 + 1;
+    for (size_t size = 0; size <= bytes.size(); size += step)
+        decodeOnce(type, bytes, size, options.revision, 0, 0, codes);
+    // The end, where nothing may be left out.
+    for (size_t size = bytes.size() - std::min<size_t>(bytes.size(), 16); size <= bytes.size();
+         ++size)
+        decodeOnce(type, bytes, size, options.revision, 0, 0, codes);
+    decodeOnce(type, bytes, bytes.size(), options.revision, 0, 1, codes);
+    std::vector<uint8_t> behind(1);
+    behind.insert(behind.end(), bytes.begin(), bytes.end());
+    decodeOnce(type, behind, behind.size(), options.revision, 8, 0xffffffffU, codes);
+}
+
+TEST(Codes, OfDecoding)
+{
+    std::mt19937_64 random(1);
+    Codes found;
+    for (const TQX_TypeLayout* type : allTypes()) {
+        const Codes wanted = possibleCodes(*type, Direction::Decoding);
+        for (int round = 0; round < mostRounds && (round < 4 || !holdsAll(found, wanted)); ++round)
+            decodeInAllWays(*type, round, random, found);
+    }
+    const Codes possible = possibleCodesOfAll(Direction::Decoding);
+    EXPECT_EQ(names(found, possible), "");
+    EXPECT_EQ(names(possible, found), "");
+    for (const int32_t code : possible) {
+        const std::string name = TQX_errorName(code);
+        EXPECT_EQ(name.find("_DISABLED"), std::string::npos);
+        EXPECT_EQ(name.find("_CRC_CHECKSUM"), std::string::npos);
+    }
+}
+
+// The codes of a block and of all that it holds.
+Codes possibleCodesBelow(const TQX_TypeLayout& type, Direction direction)
+{
+    Codes codes = possibleCodes(type, direction);
+    for (int row = 0; row < type.fieldCount; ++row)
+        if (holdsEntries(type.fields[row]))
+            codes.merge(possibleCodesBelow(*TQX_layout(type.fields[row].recordType), direction));
+    return codes;
+}
+
+void encodeInAllWays(const TQX_TypeLayout& type, int round, std::mt19937_64& random, Codes& codes)
+{
+    AnyRecord record;
+    type.init(record.get());
+    FillOptions options;
+    // Random counts mostly exceed the room for what is counted.
+    options.trustSource = round % 4 == 3;
+    fillRecord(type, record.get(), static_cast<unsigned>(round) % 4, options,
+               [&random](unsigned) { return random(); });
+    std::vector<uint8_t> buffer(65535);
+    int32_t result = -1;
+    for (size_t size = options.trustSource ? 65535 : 0; result < 0 && size <= 65535; ++size) {
+        result = type.encode(buffer.data(), static_cast<uint16_t>(size), record.get());
+        if (result < 0)
+            codes.insert(result);
+    }
+    EXPECT_TRUE(result >= 0 || options.trustSource) << type.name;
+}
+
+TEST(Codes, OfEncoding)
+{
+    std::mt19937_64 random(1);
+    Codes found;
+    for (const TQX_TypeLayout* type : mainTypes()) {
+        const Codes wanted = possibleCodesBelow(*type, Direction::Encoding);
+        for (int round = 0; round < mostRounds && (round < 4 || !holdsAll(found, wanted)); ++round)
+            encodeInAllWays(*type, round, random, found);
+    }
+    const Codes possible = possibleCodesOfAll(Direction::Encoding);
+    EXPECT_EQ(names(found, possible), "");
+    EXPECT_EQ(names(possible, found), "");
+}
+
+} // namespace
