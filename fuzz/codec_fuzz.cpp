@@ -1,51 +1,77 @@
 // Decoding of arbitrary bytes, and encoding of what came out of it.
 
 #include "ExactDecoder.h"
+#include "RecordCompare.h"
 #include "RecordGuard.h"
 
+#include <algorithm>
+#include <cstdio>
 #include <cstdlib>
-#include <vector>
 
 namespace
 {
 
 using namespace Kor::MessageApi;
 
-// The straight-line decoder and the exact one must not differ in result or in count of bits.
-void checkAgainstExact(const std::vector<uint8_t>& bytes, const AnyRecord& decoded, int32_t result)
+constexpr uint16_t largestBlock = 65535;
+
+[[noreturn]] void fail(const TQX_TypeLayout& type, const std::string& what)
 {
-    const auto& head = *static_cast<const KorcgHeader_s*>(decoded.get());
-    const TQX_TypeLayout* type = TQX_layout(head.korcg_type);
-    if (type == nullptr)
-        return;
+    std::fprintf(stderr, "%s: %s\n", type.name, what.c_str());
+    std::abort();
+}
+
+bool sameTime(const TQX_Context_s& one, const TQX_Context_s& other)
+{
+    return one.weekCounter == other.weekCounter && one.lastTOW == other.lastTOW;
+}
+
+// The straight-line decoder and the exact one must not differ.
+void checkAgainstExact(const TQX_TypeLayout& type, const uint8_t* data, uint16_t size,
+                       AnyRecord& decoded, int32_t result, TQX_Context_s before,
+                       const TQX_Context_s& after)
+{
     AnyRecord exact;
     uint32_t offset = 0;
-    if (decodeExactly(*type, nullptr, bytes.data(), static_cast<uint16_t>(bytes.size()), &offset,
-                      nullptr, 0, exact.get()) != result ||
-        (result >= 0 && exact.as<KorcgHeader_s>().korcg_bits != head.korcg_bits))
-        std::abort();
+    if (decodeExactly(type, &before, data, size, &offset, nullptr, 0, exact.get()) != result)
+        fail(type, "the decoders' results differ");
+    if (!sameTime(before, after))
+        fail(type, "the decoders' contexts differ");
+    const std::string difference =
+        firstDifference(type, decoded.get(), exact.get(),
+                        result < 0 ? Compared::AfterFailure : Compared::Everything);
+    if (!difference.empty())
+        fail(type, difference);
 }
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t length)
 {
-    const std::vector<uint8_t> bytes(data, data + (size < 65535 ? size : 65535));
+    static uint8_t out[largestBlock];
+    const auto size = static_cast<uint16_t>(std::min<size_t>(length, largestBlock));
+    TQX_Context_s context;
+    TQX_init_context(&context);
+    context.lastTOW = 604790000;
+    const TQX_Context_s before = context;
     AnyRecord record;
-    const int32_t result = record.decode(bytes);
-    checkAgainstExact(bytes, record, result);
+    const int32_t result = record.decode(data, size, &context);
+    const TQX_TypeLayout* type = TQX_layout(record.as<KorcgHeader_s>().korcg_type);
+    if (type == nullptr)
+        return 0;
+    checkAgainstExact(*type, data, size, record, result, before, context);
     if (result < 0)
         return 0;
-    std::vector<uint8_t> out(65535);
-    const int32_t again = TQX_reencode(out.data(), 65535, record.get());
+    const int32_t again = TQX_reencode(out, largestBlock, record.get());
     if (again > 0) {
         AnyRecord second;
-        out.resize(static_cast<size_t>(again) / 8);
-        if (second.decode(out) != again)
-            std::abort();
+        if (second.decode(out, static_cast<uint16_t>(again / 8)) != again)
+            fail(*type, "written back, the block has another size");
+        const std::string difference =
+            firstDifference(*type, second.get(), record.get(), Compared::WireFields);
+        if (!difference.empty())
+            fail(*type, difference);
     }
-    out.resize(65535);
-    const auto recordType = record.as<KorcgHeader_s>().korcg_type;
-    TQX_layout(recordType)->encode(out.data(), 65535, record.get());
+    type->encode(out, largestBlock, record.get());
     return 0;
 }
