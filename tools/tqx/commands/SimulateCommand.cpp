@@ -77,8 +77,7 @@ void SimulateCommand::declareTrack()
     app.add_option("--position", position, "Where the track begins: degrees and metres")
         ->expected(3)
         ->delimiter(',')
-        ->type_name("LAT,LON,HEIGHT")
-        ->default_str("47.07,15.45,412.3");
+        ->option_text("LAT,LON,HEIGHT=47.07,15.45,412.3");
 }
 
 /// Sets the time of the first epoch. Before week 1930 there were other leap seconds.

@@ -13,10 +13,14 @@ namespace
 template<size_t size>
 using Matrix = std::array<std::array<double, size>, size>;
 
-/// The inverse of a symmetric positive definite matrix, by Gauss and Jordan; pivots need no search.
+/// The inverse of a symmetric positive definite matrix of which the lower half is given, by Gauss
+/// and Jordan; pivots need no search.
 template<size_t size>
 Matrix<size> inverse(Matrix<size> m)
 {
+    for (size_t i = 0; i < size; ++i)
+        for (size_t j = 0; j < i; ++j)
+            m[j][i] = m[i][j];
     for (size_t k = 0; k < size; ++k) {
         const double pivot = 1 / m[k][k];
         m[k][k] = 1;
@@ -57,7 +61,7 @@ void addRow(Equations& equations, const std::array<double, size>& row, double er
 {
     for (size_t i = 0; i < size; ++i) {
         const double weighted = row[i] * weight;
-        for (size_t j = 0; j < size; ++j)
+        for (size_t j = 0; j <= i; ++j) // the rest is the same
             equations.normal[i][j] += weighted * row[j];
         equations.right[i] += weighted * error;
     }

@@ -37,7 +37,8 @@ private:
 /// differences between mathematical libraries.
 inline double rounded(double value, double step)
 {
-    return std::round(value / step) * step;
+    const double perUnit = 1 / step; // a whole number for decimal steps, the step itself is none
+    return std::round(value * perUnit) / perUnit;
 }
 
 /// The number of steps in `value`, for fields that hold scaled integers.

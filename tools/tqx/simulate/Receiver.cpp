@@ -17,6 +17,17 @@ constexpr double referenceFrequency = 1575420000; // of the ionospheric delay
 
 } // namespace
 
+double Sight::azimuth() const
+{
+    const double angle = std::atan2(direction.x, direction.y) * degrees;
+    return angle < 0 ? angle + 360 : angle;
+}
+
+double Sight::elevation() const
+{
+    return std::asin(direction.z) * degrees;
+}
+
 Receiver::Receiver(Random& source, const TrackSettings& settings, double start)
     : random(source), track(settings), initialBias(source.uniform(-3e-4, 3e-4)),
       clockDrift(source.uniform(-1.5e-7, 1.5e-7)), frame(settings.start)
@@ -141,13 +152,11 @@ void Receiver::observe(const Satellite& satellite, Channel& channel, const Geome
 {
     const double sine = view.direction.z;
     const double level = std::sqrt(1 - sine * sine);
-    const double azimuth = std::atan2(view.direction.x, view.direction.y) * degrees;
     Sight& sight = sights.emplace_back();
     sight.satellite = &satellite;
     sight.channel = channel.number;
     sight.lockTime = epoch.elapsed - channel.since;
-    sight.azimuth = azimuth < 0 ? azimuth + 360 : azimuth;
-    sight.elevation = std::asin(sine) * degrees;
+    sight.direction = view.direction;
     sight.rising = dot(view.sent.motion.velocity, frame.getUp()) > sine * view.rangeRate;
     sight.rangeRate = view.rangeRate;
     sight.sent = view.sent;

@@ -37,15 +37,18 @@ struct Signal {
 struct Sight {
     const Satellite* satellite;
     uint8_t channel;
-    double lockTime; ///< seconds
-    double azimuth;  ///< degrees
-    double elevation;
+    double lockTime;  ///< seconds
+    Vector direction; ///< east, north, up; of length 1
     bool rising;
     bool used;           ///< in the position
     double rangeRate;    ///< metres per second, clocks left out
     SatelliteState sent; ///< when the signal left
     unsigned signalCount;
     std::array<Signal, maxSignals> signals;
+
+    /// In degrees, clockwise from north and above the horizon.
+    double azimuth() const;
+    double elevation() const;
 };
 
 /// A receiver and its antenna: what it tracks and measures, and the position it finds.

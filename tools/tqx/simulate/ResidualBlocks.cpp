@@ -48,8 +48,8 @@ void addResiduals(BlockLog& log, const Epoch& epoch, const Receiver& receiver)
         info.Residuals = codeAndDoppler;
         info.CodeResidual = 1; // what the encoder goes by
         info.DopplerResidual = 1;
-        info.Azimuth = static_cast<uint16_t>(steps(sight.azimuth, 0.01) % 36000);
-        info.Elevation = static_cast<int16_t>(steps(sight.elevation, 0.01));
+        info.Azimuth = static_cast<uint16_t>(steps(sight.azimuth(), 0.01) % 36000);
+        info.Elevation = static_cast<int16_t>(steps(sight.elevation(), 0.01));
         fillResidual(info.ResidualInfoCode, receiver.getEstimator().codeResidual(index));
         fillResidual(info.ResidualInfoDoppler, receiver.getEstimator().rateResidual(index));
         ++index;

@@ -38,13 +38,13 @@ void addChannels(BlockLog& log, const Epoch& epoch, const Receiver& receiver)
     TQX_init_ChannelStatus(&record);
     for (const Sight& sight : receiver.getSights()) {
         TQX_ChannelSatInfo_s& satellite = *TQX_append_ChannelStatus_SatInfo(&record);
-        const auto azimuth = static_cast<unsigned>(steps(sight.azimuth, 1)) % 360;
+        const auto azimuth = static_cast<unsigned>(steps(sight.azimuth(), 1)) % 360;
         satellite.SVID = sight.satellite->getSvid();
         satellite.FreqNr = frequencyOf(sight);
         satellite.Azimuth_RiseSet =
             static_cast<uint16_t>(azimuth | unsigned{sight.rising ? rising : setting} << 14U);
         satellite.HealthStatus = statesOf(sight, sight.signalCount, healthy);
-        satellite.Elevation = static_cast<int8_t>(steps(sight.elevation, 1));
+        satellite.Elevation = static_cast<int8_t>(steps(sight.elevation(), 1));
         satellite.RxChannel = sight.channel;
         TQX_ChannelStateInfo_s& state = *TQX_append_ChannelSatInfo_StateInfo(&satellite);
         state.TrackingStatus = statesOf(sight, sight.signalCount, tracking);
@@ -64,8 +64,8 @@ void addVisibility(BlockLog& log, const Epoch& epoch, const Receiver& receiver)
         TQX_SatInfo_s& satellite = *TQX_append_SatVisibility1_SatInfo(&record);
         satellite.SVID = sight.satellite->getSvid();
         satellite.FreqNr = frequencyOf(sight);
-        satellite.Azimuth = static_cast<uint16_t>(steps(sight.azimuth, 0.01) % 36000);
-        satellite.Elevation = static_cast<int16_t>(steps(sight.elevation, 0.01));
+        satellite.Azimuth = static_cast<uint16_t>(steps(sight.azimuth(), 0.01) % 36000);
+        satellite.Elevation = static_cast<int16_t>(steps(sight.elevation(), 0.01));
         satellite.RiseSet = sight.rising ? rising : setting;
         satellite.OrbitInfo = fromEphemeris;
         satellite.RangeRate = static_cast<float>(rounded(sight.rangeRate, 0.01));
