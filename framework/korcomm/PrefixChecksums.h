@@ -20,8 +20,8 @@ public:
     uint16_t of(const uint8_t* bytes, uint64_t position, size_t size);
 
 private:
-    static constexpr size_t kStride = 16;
-    static constexpr size_t kMarks = 8192; ///< power of two; reaches farther than kLongest
+    static constexpr size_t kStride = 8;
+    static constexpr size_t kMarks = 16384; ///< power of two; reaches farther than kLongest
 
     uint16_t& mark(uint64_t index) { return marks_[static_cast<size_t>(index % kMarks)]; }
 

@@ -100,8 +100,10 @@ TEST(CrcCombine, IsTheChecksumOfBothParts)
         const size_t rest = bytes.size() - split;
         const uint16_t first = korcg_crc16_bytes(bytes.data(), split);
         const uint16_t second = korcg_crc16_bytes(bytes.data() + split, rest);
-        EXPECT_EQ(korcg_crc16_combine(first, second, rest), whole) << split;
-        EXPECT_EQ(korcg_crc16_combine(first, whole, rest), second) << split;
+        for (const korcg_CrcMethod_s& method : methods()) {
+            EXPECT_EQ(method.combine(first, second, rest), whole) << method.name << " " << split;
+            EXPECT_EQ(method.combine(first, whole, rest), second) << method.name << " " << split;
+        }
     }
 }
 

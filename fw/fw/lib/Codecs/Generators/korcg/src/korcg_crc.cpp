@@ -13,6 +13,7 @@ namespace
 {
 
 using CrcFunction = uint16_t (*)(const uint8_t*, size_t, uint16_t);
+using CombineFunction = uint16_t (*)(uint16_t, uint16_t, size_t);
 
 struct CrcMethods {
     korcg_CrcMethod_s list[4];
@@ -20,23 +21,28 @@ struct CrcMethods {
 
     CrcMethods()
     {
-        add("byte table", crcByteTable);
-        add("slicing-by-16", crcSlicing);
+        add("byte table", crcByteTable, combineByShifts);
+        add("slicing-by-16", crcSlicing, combineByShifts);
 #if KORCG_HAVE_CLMUL
         if (crcClmulRuns()) {
-            add("clmul", crcClmul);
+            add("clmul", crcClmul, combineByClmul);
         }
 #endif
 #if KORCG_HAVE_WIDE_CLMUL
         if (crcWideClmulRuns()) {
-            add("wide clmul", crcWideClmul);
+            add("wide clmul", crcWideClmul, combineByClmul);
         }
 #endif
     }
 
-    void add(const char* name, CrcFunction run)
+    void add(const char* name, CrcFunction run, CombineFunction combine)
     {
-        list[count++] = {name, run};
+        list[count++] = {name, run, combine};
+    }
+
+    const korcg_CrcMethod_s& fastest() const
+    {
+        return list[count - 1];
     }
 };
 
@@ -47,16 +53,24 @@ const CrcMethods& crcMethods()
 }
 
 uint16_t chooseAndRun(const uint8_t* data, size_t size, uint16_t start);
+uint16_t chooseAndCombine(uint16_t crcA, uint16_t crcB, size_t lengthB);
 
 // Constant-initialised, so that static initialisers of other libraries may compute checksums.
 std::atomic<CrcFunction> g_fastest{chooseAndRun};
+std::atomic<CombineFunction> g_fastestCombine{chooseAndCombine};
 
 uint16_t chooseAndRun(const uint8_t* data, size_t size, uint16_t start)
 {
-    const CrcMethods& methods = crcMethods();
-    const CrcFunction fastest = methods.list[methods.count - 1].run;
+    const CrcFunction fastest = crcMethods().fastest().run;
     g_fastest.store(fastest, std::memory_order_relaxed);
     return fastest(data, size, start);
+}
+
+uint16_t chooseAndCombine(uint16_t crcA, uint16_t crcB, size_t lengthB)
+{
+    const CombineFunction fastest = crcMethods().fastest().combine;
+    g_fastestCombine.store(fastest, std::memory_order_relaxed);
+    return fastest(crcA, crcB, lengthB);
 }
 
 /// Table entry of byte `index` of a little-endian word at the given row.
@@ -71,10 +85,11 @@ uint16_t crcFewBytes(const uint8_t* data, size_t size, uint16_t start)
     if (size < 2) {
         return crcByteTable(data, size, start);
     }
-    unsigned crc = kCrcTables[size - 1][data[0] ^ start >> 8];
-    crc ^= kCrcTables[size - 2][data[1] ^ (start & 0xff)];
-    for (size_t i = 2; i < size; ++i) {
-        crc ^= kCrcTables[size - 1 - i][data[i]];
+    const auto* row = &kCrcTables[size - 1];
+    unsigned crc = (*row)[data[0] ^ start >> 8];
+    crc ^= (*--row)[data[1] ^ (start & 0xff)];
+    for (const uint8_t* byte = data + 2; byte != data + size; ++byte) {
+        crc ^= (*--row)[*byte];
     }
     return static_cast<uint16_t>(crc);
 }
@@ -111,7 +126,15 @@ uint16_t crcSlicing(const uint8_t* data, size_t size, uint16_t start)
 
 uint16_t korcg_crc16_bytes(const uint8_t* data, size_t size, uint16_t start)
 {
+    if (size < 16) {
+        return korcg::crcFewBytes(data, size, start);
+    }
     return korcg::g_fastest.load(std::memory_order_relaxed)(data, size, start);
+}
+
+uint16_t korcg_crc16_combine(uint16_t crcA, uint16_t crcB, size_t lengthB)
+{
+    return korcg::g_fastestCombine.load(std::memory_order_relaxed)(crcA, crcB, lengthB);
 }
 
 bool korcg_crc16(const uint8_t* buffer, uint16_t data_size, uint32_t startBit, uint32_t endBit,

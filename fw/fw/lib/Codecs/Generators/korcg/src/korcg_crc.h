@@ -14,6 +14,8 @@ struct korcg_CrcMethod_s {
     const char* name;
     /// As korcg_crc16_bytes.
     uint16_t (*run)(const uint8_t* data, size_t size, uint16_t start);
+    /// As korcg_crc16_combine.
+    uint16_t (*combine)(uint16_t crcA, uint16_t crcB, size_t lengthB);
 };
 
 extern "C" {

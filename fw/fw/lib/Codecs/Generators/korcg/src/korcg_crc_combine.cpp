@@ -1,4 +1,5 @@
-#include "korcg_crc.h"
+#include "korcg_crc_fold.h"
+#include "korcg_crc_methods.h"
 #include "korcg_crc_tables.h"
 
 // Appending n bytes multiplies a checksum by x^(8 n). The polynomial is x + 1 times a primitive
@@ -47,11 +48,40 @@ constexpr std::array<uint16_t, Size> makePowers(uint16_t factor)
 constexpr auto kFinePowers = makePowers<256>(korcg::crcPower(8));
 constexpr auto kCoarsePowers = makePowers<128>(korcg::crcPower(8 * 256));
 
+#if KORCG_HAVE_CLMUL
+KORCG_TARGET_CLMUL __m128i asLane(uint16_t factor)
+{
+    return _mm_cvtsi32_si128(factor);
+}
+#endif
+
 } // namespace
 
-uint16_t korcg_crc16_combine(uint16_t crcA, uint16_t crcB, size_t lengthB)
+namespace korcg
+{
+
+uint16_t combineByShifts(uint16_t crcA, uint16_t crcB, size_t lengthB)
 {
     const size_t length = lengthB % kPeriod;
     const uint16_t shift = multiply(kCoarsePowers[length >> 8], kFinePowers[length & 0xff]);
     return static_cast<uint16_t>(multiply(shift, crcA) ^ crcB);
 }
+
+#if KORCG_HAVE_CLMUL
+
+// All three factors are multiplied before anything is reduced: the product has 46 bits at most.
+KORCG_TARGET_CLMUL uint16_t combineByClmul(uint16_t crcA, uint16_t crcB, size_t lengthB)
+{
+    const size_t length = lengthB % kPeriod;
+    const __m128i shift = _mm_clmulepi64_si128(asLane(kCoarsePowers[length >> 8]),
+                                               asLane(kFinePowers[length & 0xff]), 0);
+    const auto product =
+        static_cast<uint64_t>(_mm_cvtsi128_si64(_mm_clmulepi64_si128(shift, asLane(crcA), 0)));
+    return static_cast<uint16_t>(crcB ^ (product & 0xffff) ^ kCrcTables[0][product >> 16 & 0xff] ^
+                                 kCrcTables[1][product >> 24 & 0xff] ^
+                                 kCrcTables[2][product >> 32 & 0xff] ^
+                                 kCrcTables[3][product >> 40 & 0xff]);
+}
+#endif
+
+} // namespace korcg

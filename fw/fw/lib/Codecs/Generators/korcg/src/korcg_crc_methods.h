@@ -23,10 +23,14 @@ namespace korcg
 uint16_t crcByteTable(const uint8_t* data, size_t size, uint16_t start);
 uint16_t crcSlicing(const uint8_t* data, size_t size, uint16_t start);
 
+/// The ways to join checksums, with the meaning of korcg_crc16_combine.
+uint16_t combineByShifts(uint16_t crcA, uint16_t crcB, size_t lengthB);
+
 #if KORCG_HAVE_CLMUL
 /// Carry-less multiplication of 16 bytes at a time, and whether this processor can do it.
 uint16_t crcClmul(const uint8_t* data, size_t size, uint16_t start);
 bool crcClmulRuns();
+uint16_t combineByClmul(uint16_t crcA, uint16_t crcB, size_t lengthB);
 #endif
 
 #if KORCG_HAVE_WIDE_CLMUL
