@@ -3,6 +3,7 @@
 #include "Output.h"
 #include "StreamSummary.h"
 #include "SummaryText.h"
+#include "Words.h"
 
 namespace tool
 {
@@ -22,6 +23,11 @@ public:
     void take(BlockStream& stream, const Block& block) override { summary.add(stream, block); }
     void end(BlockStream& stream) override
     {
+        if (stream.hasFailed() && stream.getCounts().bytes == 0)
+            return;
+        if (stream.getCounts().blocks == 0)
+            words::say(headOf(stream.getNames()) +
+                       (stream.getCounts().bytes == 0 ? ": empty" : ": holds no TQX blocks"));
         if (json)
             appendSummaryJson(out, stream, summary);
         else

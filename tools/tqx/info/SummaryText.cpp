@@ -55,16 +55,6 @@ std::string revisionsText(const std::bitset<8>& revisions)
     return fmt::format("{}", fmt::join(seen, ","));
 }
 
-std::string headOf(const std::vector<std::string>& names)
-{
-    constexpr size_t mostNames = 3;
-    if (names.empty())
-        return "no input";
-    return names.size() > mostNames
-               ? fmt::format("{} files, {} to {}", names.size(), names.front(), names.back())
-               : fmt::format("{}", fmt::join(names, ", "));
-}
-
 class SummaryText
 {
 public:
@@ -133,7 +123,7 @@ void SummaryText::appendTotals()
     line("invalid lengths", std::to_string(counts.invalidLengths));
     std::string dropped = std::to_string(counts.droppedBytes);
     if (counts.droppedBytes != 0)
-        dropped += fmt::format(", {:.2g} %", static_cast<double>(counts.droppedBytes) * 100 /
+        dropped += fmt::format(", {:.3g} %", static_cast<double>(counts.droppedBytes) * 100 /
                                                  static_cast<double>(counts.bytes));
     line("dropped bytes", dropped);
     line("undecodable", std::to_string(counts.undecodable));
@@ -206,6 +196,14 @@ void SummaryText::appendFailures()
 }
 
 } // namespace
+
+std::string headOf(const std::vector<std::string>& names)
+{
+    constexpr size_t mostNames = 3;
+    return names.size() > mostNames
+               ? fmt::format("{} files, {} to {}", names.size(), names.front(), names.back())
+               : fmt::format("{}", fmt::join(names, ", "));
+}
 
 void appendSummaryText(Buffer& out, const BlockStream& stream, const StreamSummary& summary)
 {

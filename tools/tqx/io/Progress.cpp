@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <unistd.h>
 #include <utility>
 
@@ -36,7 +37,7 @@ void Progress::update(uint64_t bytes)
     std::string text =
         fmt::format("{}: {:.1f} MB, {:.1f} MB/s", name, megabytes, megabytes / seconds);
     if (size != 0)
-        text += fmt::format(", {}%", bytes * 100 / size);
+        text += fmt::format(", {}%", std::min(bytes, size) * 100 / size);
     words::showProgress(text);
 }
 

@@ -44,6 +44,8 @@ std::string StreamGap::describe() const
         why += ", " + plural(crcErrors, "bad checksum", "bad checksums");
     if (invalidLengths != 0)
         why += ", " + plural(invalidLengths, "invalid length", "invalid lengths");
+    if (isCut)
+        why += ", the input ends within a block";
     return why;
 }
 
@@ -57,6 +59,7 @@ bool BlockStream::next(Block& block)
     framer.takeBlock();
     while (!framer.hasBlock()) {
         if (ended) {
+            gap.isCut = isCut;
             closeGap();
             return false;
         }
@@ -123,6 +126,7 @@ void BlockStream::readOn()
         beforeRead();
     if (!input && !openNext()) {
         ended = true;
+        isCut = framer.bytesLeft() != 0;
         framer.flush();
     }
     if (!input)

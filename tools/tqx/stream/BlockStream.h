@@ -49,6 +49,7 @@ struct StreamGap {
     uint64_t bytes = 0;
     uint64_t crcErrors = 0;
     uint64_t invalidLengths = 0;
+    bool isCut = false; ///< the input ends where more was expected
 
     /// "33 bytes belong to no block, 1 bad checksum"
     std::string describe() const;
@@ -122,6 +123,7 @@ private:
     bool reportDamage;
     bool failed = false;
     bool ended = false;
+    bool isCut = false; ///< the last input ended within what looked like a block
 };
 
 /// "<name> (4007)", or "block 1234" for a number without type.
