@@ -1,3 +1,4 @@
+#include "FieldRoles.h"
 #include "RandomBlock.h"
 #include "Tool.h"
 

@@ -33,6 +33,9 @@ void addResiduals(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
 /// Test of the residuals.
 void addIntegrity(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
 
+/// Times of the other systems against that of GPS, what the receiver's paths add included.
+void addTimeOffsets(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
+
 /// The date and the time of day.
 void addTime(BlockLog& log, const Epoch& epoch);
 

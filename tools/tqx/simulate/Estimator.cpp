@@ -144,6 +144,10 @@ void Estimator::solve(const Truth& truth, const LocalFrame& frame)
     solution.positionCovariance = corner(place.inverse);
     solution.velocityCovariance = corner(speed.inverse);
     solution.cofactors = corner(inverse(dilution.normal));
+    for (size_t i = 1; i < systemCount; ++i) {
+        solution.offsets[i] = x[3 + i];
+        solution.offsetVariances[i] = place.inverse[3 + i][3 + i];
+    }
     const auto systems = static_cast<unsigned>(std::count_if(
         solution.used.begin(), solution.used.end(), [](uint8_t n) { return n != 0; }));
     const unsigned satellites = solution.usedSatellites();

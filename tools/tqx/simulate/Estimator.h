@@ -32,7 +32,11 @@ struct Solution {
     Covariance velocityCovariance;
     Covariance cofactors; ///< of the position with equal weights, for the dilution of precision
     std::array<uint8_t, systemCount> used; ///< satellites
-    double positionTest;                   ///< sum of squared weighted residuals
+    /// By how much the codes of a system are longer than those of GPS, and that one's variance,
+    /// metres; what the paths in the receiver add is left out.
+    std::array<double, systemCount> offsets;
+    std::array<double, systemCount> offsetVariances;
+    double positionTest; ///< sum of squared weighted residuals
     double velocityTest;
     unsigned positionRedundancy;
     unsigned velocityRedundancy;

@@ -142,4 +142,29 @@ void addTime(BlockLog& log, const Epoch& epoch)
     log.add(epoch, record, TQX_encode_ReceiverTime);
 }
 
+void addTimeOffsets(BlockLog& log, const Epoch& epoch, const Receiver& receiver)
+{
+    constexpr double nanosecond = 1e-9;
+    const Solution& solution = receiver.getSolution();
+    TQX_SysTimeOffset_s record;
+    TQX_init_SysTimeOffset(&record);
+    record.ReferenceSystem = 0;
+    for (uint8_t system = 1; system < systemCount; ++system) {
+        if (solution.used[system] == 0)
+            continue;
+        const double deviation = std::sqrt(solution.offsetVariances[system]) / speedOfLight;
+        TQX_TimeOffsetSub_s& offset = *TQX_append_SysTimeOffset_TimeOffset(&record);
+        offset.TimeSystem = system;
+        offset.NrSV = solution.used[system];
+        offset.StdDev =
+            static_cast<uint16_t>(std::min(steps(deviation, nanosecond * 1e-3), int64_t{65534}));
+        // A system whose time is ahead sends earlier, which shortens its codes.
+        offset.TimeOffset =
+            rounded(-solution.offsets[system] / speedOfLight - Receiver::systemDelays[system],
+                    nanosecond * 1e-3);
+        offset.TimeOffsetRate = 0;
+    }
+    log.add(epoch, record, TQX_encode_SysTimeOffset);
+}
+
 } // namespace tool

@@ -97,6 +97,7 @@ void Simulation::addBlocks(const Epoch& epoch)
         addQuality(log, epoch);
     }
     if (isDue(epoch, 10 * second)) {
+        addTimeOffsets(log, epoch, receiver);
         addPower(log, epoch, random);
         addCorrections(log, epoch, settings.track.start);
     }

@@ -64,6 +64,17 @@ void addGpsPages(BlockLog& log, const Epoch& epoch)
 void addGalileoPages(BlockLog& log, const Epoch& epoch)
 {
     const SystemTime now(System::Galileo, epoch.time);
+    // Solar flux units, of a quiet year.
+    TQX_GALIon_s ionosphere;
+    TQX_init_GALIon(&ionosphere);
+    ionosphere.Source = 1;
+    ionosphere.WN = now.week;
+    ionosphere.IODnav = 65535; // only told by the other message
+    ionosphere.a_0 = 62.5F;
+    ionosphere.a_1 = 0.1953125F;
+    ionosphere.a_2 = 0.003662109375F;
+    log.add(epoch, ionosphere, TQX_encode_GALIon);
+
     TQX_GALUtc_s utc;
     TQX_init_GALUtc(&utc);
     utc.WN = now.week;
