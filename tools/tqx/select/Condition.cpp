@@ -26,9 +26,20 @@ const MessageInfo* typeNamedBy(const std::vector<ExpressionWord>& path)
     return TQX_FormatInfo::getInstance()->getMessageInfo(QString::fromLatin1(layout->name));
 }
 
-uint16_t numberOf(const MessageInfo& type)
+struct MainType {
+    const MessageInfo* info;
+    uint16_t number;
+};
+
+const std::vector<MainType>& mainTypes()
 {
-    return findType(type.getName().toStdString())->blockNumber;
+    static const std::vector<MainType> types = [] {
+        std::vector<MainType> list;
+        for (const MessageInfo* info : TQX_FormatInfo::getInstance()->getMessageInfos())
+            list.push_back({info, findType(info->getName().toStdString())->blockNumber});
+        return list;
+    }();
+    return types;
 }
 
 std::string unknownFieldText(const ExpressionTerm& term, const UnknownField& unknown,
@@ -40,7 +51,7 @@ std::string unknownFieldText(const ExpressionTerm& term, const UnknownField& unk
         if (layout && layout->blockNumber != 0)
             return name + " is a block; name a field of it, as " + name + ".TOW";
     }
-    std::vector<std::string_view> candidates = unknown.candidates;
+    std::vector<std::string_view> candidates(unknown.candidates.begin(), unknown.candidates.end());
     const bool mayBeBlock = unknown.depth == 0 && term.path.size() > 1;
     if (mayBeBlock)
         forEachType([&](const TQX_TypeLayout& type) {
@@ -71,10 +82,9 @@ void Condition::resolve(size_t termIndex, const TypeSelection& types)
     bool isKnown = false;
     bool isTest = false;
     bool isSelected = false;
-    for (const MessageInfo* type : TQX_FormatInfo::getInstance()->getMessageInfos()) {
+    for (const auto& [type, number] : mainTypes()) {
         if (owner && owner != type)
             continue;
-        const uint16_t number = numberOf(*type);
         for (const FieldPath& path : findFields(*type, term.path, owner ? 1 : 0, unknown)) {
             isKnown = true;
             const std::optional<FieldTest> test = FieldTest::make(path, term, why);

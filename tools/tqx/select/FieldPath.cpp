@@ -92,7 +92,7 @@ private:
         if (at > unknown.depth)
             unknown = {at, {}};
         for (const FieldInfo* info : type.getFieldInfos())
-            unknown.candidates.emplace_back(nameOf(info));
+            unknown.candidates.insert(nameOf(info));
     }
 
     const std::vector<ExpressionWord>& names;

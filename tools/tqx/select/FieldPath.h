@@ -2,6 +2,7 @@
 
 #include "Expression.h"
 
+#include <set>
 #include <string_view>
 #include <vector>
 
@@ -19,8 +20,8 @@ struct FieldPath {
 
 /// How far names could be followed; what an error says about names that lead nowhere.
 struct UnknownField {
-    size_t depth = 0;                         ///< the name that is not known
-    std::vector<std::string_view> candidates; ///< what it could have been
+    size_t depth = 0;                      ///< the name that is not known
+    std::set<std::string_view> candidates; ///< what it could have been
 };
 
 /// The fields of a type that names lead to, from `first` on: a field of the type itself or, when it
