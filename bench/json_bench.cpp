@@ -3,6 +3,7 @@
 // records, and dumped. Once for the log of a simulated receiver, whose fields have few
 // different values, once for blocks of random values.
 
+#include "FieldRoles.h"
 #include "RandomBlock.h"
 #include "RawJson.h"
 #include "RecordDecoder.h"

@@ -2,6 +2,7 @@
 // random blocks of all types.
 
 #include "Condition.h"
+#include "FieldRoles.h"
 #include "Message.h"
 #include "MessageDecoder.h"
 #include "RandomBlock.h"
