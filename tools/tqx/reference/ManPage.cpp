@@ -117,7 +117,7 @@ void ManPage::appendCommand(const CLI::App& program, const CLI::App& command)
 
 void ManPage::append(const CLI::App& program, const std::string& version)
 {
-    const std::string name = program.get_name();
+    const std::string& name = program.get_name();
     line(fmt::format(".TH {} 1 \"\" \"{}\" \"User Commands\"", name, plain(version)));
     line(".SH NAME\n" + name + " \\- reads and writes streams of TQX blocks");
     line(".SH SYNOPSIS\n" + bold(name) + " \\fICOMMAND\\fR [\\fIOPTION\\fR]... [\\fIFILE\\fR]...");
