@@ -59,7 +59,8 @@ void checkDecoding(const TQX_TypeLayout& type, AnyRecord& source, const uint8_t*
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     Input input(data, size);
-    const TQX_TypeLayout& type = *mainTypes()[input.next(1) % mainTypes().size()];
+    const TQX_TypeLayout& type =
+        *mainTypes()[static_cast<size_t>(input.next(1)) % mainTypes().size()];
     const uint64_t choices = input.next(1);
     const auto revision = static_cast<unsigned>(choices & 7U);
     FillOptions options;

@@ -224,7 +224,7 @@ uint32_t anyLength(int32_t consumed, std::mt19937_64& random)
     const auto bits = static_cast<uint32_t>(std::max(consumed, 16));
     const uint32_t lengths[] = {0,        1,         bits - 8,    bits - 1,   bits,
                                 bits + 1, bits + 24, 0xffffffffU, 0x20000000, 8};
-    return lengths[random() % std::size(lengths)];
+    return lengths[static_cast<size_t>(random() % std::size(lengths))];
 }
 
 // A decoder of any type, called as the decoder of its owner would, or a stranger.
@@ -240,7 +240,8 @@ void expectSameAlone(const TQX_TypeLayout& type, std::mt19937_64& random)
     const std::vector<uint8_t> content = type.linksToMain == 0 ? randomBlock(type, options, random)
                                                                : randomEntry(type, options, random);
     bytes.insert(bytes.end(), content.begin(), content.end());
-    bytes.resize(random() % 2 == 0 ? bytes.size() + random() % 9 : random() % bytes.size() + 1);
+    bytes.resize(static_cast<size_t>(random() % 2 == 0 ? bytes.size() + random() % 9
+                                                       : random() % bytes.size() + 1));
 
     Ancestors ancestors(type, options.revision, static_cast<unsigned>(random() % 3 * 20));
     Ancestors stranger(*TQX_layout(1), 0, 0);

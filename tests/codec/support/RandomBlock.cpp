@@ -92,7 +92,8 @@ uint64_t Builder::choose(const TQX_TypeLayout& type, int row)
     // A selecting field mostly takes one of the values that select something.
     uint64_t chosen = word;
     for (size_t parts = 0; parts < role.choices.size(); ++parts) {
-        const FieldRole::Choice& choice = role.choices[m_random() % role.choices.size()];
+        const FieldRole::Choice& choice =
+            role.choices[static_cast<size_t>(m_random() % role.choices.size())];
         chosen = (chosen & ~choice.mask) | choice.bits;
     }
     return chosen;

@@ -88,7 +88,8 @@ private:
         if (role.choices.empty())
             return word;
         if (const uint64_t which = next(1); which < 224) {
-            const FieldRole::Choice& choice = role.choices[which % role.choices.size()];
+            const FieldRole::Choice& choice =
+                role.choices[static_cast<size_t>(which % role.choices.size())];
             word = (word & ~choice.mask) | choice.bits;
         }
         return word;
