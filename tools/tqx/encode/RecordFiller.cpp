@@ -44,7 +44,6 @@ private:
     void fillBits(int word, int part);
     void splitWord(int word);
     void fillScalar(int index);
-    void settleSelectors();
     void fillContent(int index);
     void fillArray(int index);
     void fillText(int index);
@@ -185,21 +184,6 @@ void Filler::splitWord(int word)
         const uint64_t value =
             TQX_unsignedValue(row(word), record) >> part.shift & ~uint64_t{0} >> (64 - part.width);
         storeInteger(part, record, 0, (value ^ sign) - sign);
-    }
-}
-
-/// Bits that choose content are looked at where a decoder puts them, outside their word.
-void Filler::settleSelectors()
-{
-    for (int i = 0; i < type.fieldCount; ++i) {
-        if (row(i).presence != TQX_Presence::Selected)
-            continue;
-        const TQX_FieldLayout& selector = row(row(i).selector);
-        if (selector.kind != TQX_FieldKind::Bits)
-            continue;
-        const uint64_t word = TQX_unsignedValue(row(selector.parent), record);
-        storeInteger(selector, record, 0,
-                     word >> selector.shift & ~uint64_t{0} >> (64 - selector.width));
     }
 }
 
@@ -360,7 +344,6 @@ void Filler::fill()
     for (int i = 0; i < type.fieldCount; ++i)
         if (row(i).kind == TQX_FieldKind::Value)
             fillScalar(i);
-    settleSelectors();
     if (type.linksToMain == 0)
         settleId();
     setEntryLengths(type);
