@@ -212,7 +212,7 @@ void Explainer::appendHead()
         if (length != 0)
             out.append(fmt::format(", {} bytes", length));
         if (const std::optional<GnssMillis> time = block.getTime())
-            out.append(fmt::format("\n{}  {}", weekText(*time), dateText(*time)));
+            out.append("\n" + timeText(*time));
         if (!type)
             out.append("\nno type has this number");
         else if (block.getRevision() > type->highestRevision)

@@ -114,8 +114,8 @@ void SummaryText::appendTotals()
     if (summary.getFirst()) {
         const GnssMillis first = *summary.getFirst();
         const GnssMillis last = *summary.getLast();
-        line("first", weekText(first) + "  " + dateText(first));
-        line("last", weekText(last) + "  " + dateText(last));
+        line("first", timeText(first));
+        line("last", timeText(last));
         if (last >= first)
             line("duration", durationText(last - first));
     }

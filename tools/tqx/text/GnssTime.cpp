@@ -31,4 +31,9 @@ std::string dateText(GnssMillis millis)
                        time / 3600000, time / 60000 % 60, time / 1000 % 60, time % 1000);
 }
 
+std::string timeText(GnssMillis millis)
+{
+    return weekText(millis) + "  " + dateText(millis) + " GPS";
+}
+
 } // namespace tool

@@ -21,4 +21,7 @@ std::string weekText(GnssMillis millis);
 /// "2024-02-10T23:46:40.100", the date in GNSS time.
 std::string dateText(GnssMillis millis);
 
+/// Both, for people: "2300:604000.100  2024-02-10T23:46:40.100 GPS".
+std::string timeText(GnssMillis millis);
+
 } // namespace tool

@@ -132,7 +132,7 @@ void appendTitle(Buffer& out, const Block& block)
 {
     out.append(describeBlock(block.getNumber()));
     if (const std::optional<GnssMillis> time = block.getTime())
-        out.append(fmt::format("  {}  {} GPS", weekText(*time), dateText(*time)));
+        out.append("  " + timeText(*time));
     else
         out.append("  no time");
     out.append(fmt::format("  revision {}, {} bytes at {}\n", block.getRevision(), block.size,
