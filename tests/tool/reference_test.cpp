@@ -85,8 +85,8 @@ TEST_F(Reference, CompletionKnowsValues)
     EXPECT_EQ(completions("tqx dump --format js"), Words{"jsonl"});
     EXPECT_EQ(completions("tqx dump --type MeasEpoch2,GPSNa"), Words{"MeasEpoch2,GPSNav"});
     EXPECT_EQ(completions("tqx help enc"), Words{"encode"});
-    EXPECT_EQ(completions("tqx info tests/tool/golden/help.tx"),
-              Words{"tests/tool/golden/help.txt"});
+    const std::string golden = TQX_TESTS_DIR "/tool/golden/";
+    EXPECT_EQ(completions("tqx info " + golden + "help.tx"), Words{golden + "help.txt"});
 }
 
 TEST_F(Reference, ManualPageDescribesWhatHelpLists)

@@ -35,6 +35,8 @@ public:
 
     void append(const char* text, size_t length)
     {
+        if (length == 0)
+            return; // neither place needs to exist then
         std::memcpy(reserve(length), text, length);
         used += length;
     }
