@@ -105,7 +105,7 @@ int main(int argc, char** argv)
     QTemporaryDir folder;
     std::string log = argc > 1 ? argv[1] : folder.filePath("log.tqx").toStdString();
     if (argc == 1)
-        run({TQX_TOOL, "simulate", "--duration", "245000", "-o", log});
+        run({TQX_TOOL, "simulate", "--size", "200MB", "-o", log});
     const double megabytes = static_cast<double>(QFile(log.c_str()).size()) * 1e-6;
 
     std::vector<Work> works = {
