@@ -4,6 +4,7 @@
 #include "LineError.h"
 #include "LineReader.h"
 #include "Output.h"
+#include "Progress.h"
 #include "ToolError.h"
 #include "Words.h"
 
@@ -33,10 +34,11 @@ ExitStatus EncodeCommand::run()
 {
     Output output(target);
     LineEncoder encoder;
+    Progress progress(files, true);
     bool complete = true;
     for (const std::string& path : files) {
         try {
-            complete = encodeFile(path, encoder, output) && complete;
+            complete = encodeFile(path, encoder, progress, output) && complete;
         } catch (const InputError& error) {
             words::say(error.what());
             complete = false;
@@ -46,9 +48,10 @@ ExitStatus EncodeCommand::run()
     return complete ? ExitStatus::Done : ExitStatus::Failed;
 }
 
-bool EncodeCommand::encodeFile(const std::string& path, LineEncoder& encoder, Output& output)
+bool EncodeCommand::encodeFile(const std::string& path, LineEncoder& encoder, Progress& progress,
+                               Output& output)
 {
-    LineReader reader(path, [&output] { output.flush(); });
+    LineReader reader(path, progress, [&output] { output.flush(); });
     bool complete = true;
     std::string line;
     for (size_t number = 1; reader.next(line); ++number) {

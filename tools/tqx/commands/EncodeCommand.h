@@ -7,6 +7,7 @@ namespace tool
 
 class LineEncoder;
 class Output;
+class Progress;
 
 /// `tqx encode`: JSON Lines of stored values made into blocks.
 class EncodeCommand : public Command
@@ -16,7 +17,8 @@ public:
     ExitStatus run() override;
 
 private:
-    bool encodeFile(const std::string& path, LineEncoder& encoder, Output& output);
+    bool encodeFile(const std::string& path, LineEncoder& encoder, Progress& progress,
+                    Output& output);
 
     std::vector<std::string> files;
     std::string target = "-";

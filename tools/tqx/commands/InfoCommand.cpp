@@ -25,7 +25,7 @@ public:
     {
         if (stream.hasFailed() && stream.getCounts().bytes == 0)
             return;
-        if (stream.getCounts().blocks == 0)
+        if (stream.getCounts().blocks == 0 && !stream.isQuiet())
             words::say(headOf(stream.getNames()) +
                        (stream.getCounts().bytes == 0 ? ": empty" : ": holds no TQX blocks"));
         if (json)

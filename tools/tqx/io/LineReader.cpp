@@ -13,9 +13,10 @@ constexpr size_t pieceSize = 1 << 18;
 
 } // namespace
 
-LineReader::LineReader(const std::string& path, std::function<void()> action)
-    : input(path), beforeRead(std::move(action)), piece(pieceSize)
+LineReader::LineReader(const std::string& path, Progress& shown, std::function<void()> action)
+    : input(path), progress(shown), beforeRead(std::move(action)), piece(pieceSize)
 {
+    progress.setName(input.getName());
 }
 
 bool LineReader::readOn()
@@ -23,6 +24,7 @@ bool LineReader::readOn()
     beforeRead();
     position = 0;
     filled = input.read(piece.data(), piece.size());
+    progress.add(filled);
     return filled != 0;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Input.h"
+#include "Progress.h"
 
 #include <functional>
 #include <string>
@@ -13,9 +14,9 @@ namespace tool
 class LineReader
 {
 public:
-    /// Throws InputError when the input cannot be opened. `beforeRead` is called each time before
-    /// more of the input is read.
-    LineReader(const std::string& path, std::function<void()> beforeRead);
+    /// Throws InputError when the input cannot be opened. `progress` is told what is
+    /// read, `beforeRead` is called each time before more of the input is.
+    LineReader(const std::string& path, Progress& progress, std::function<void()> beforeRead);
 
     /// Gets the next line without its end; false at the end of the input. Throws InputError.
     bool next(std::string& line);
@@ -24,6 +25,7 @@ private:
     bool readOn();
 
     Input input;
+    Progress& progress;
     std::function<void()> beforeRead;
     std::vector<char> piece;
     size_t position = 0;

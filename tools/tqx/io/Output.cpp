@@ -1,6 +1,7 @@
 #include "Output.h"
 
 #include "ToolError.h"
+#include "Words.h"
 
 #include <cerrno>
 #include <cstring>
@@ -26,6 +27,8 @@ Output::~Output()
 
 void Output::flush()
 {
+    if (file == stdout && buffer.size() != 0)
+        words::makeWay();
     const bool written = std::fwrite(buffer.data(), 1, buffer.size(), file) == buffer.size() &&
                          std::fflush(file) == 0;
     buffer.clear();

@@ -5,16 +5,41 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <unistd.h>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace tool
 {
 
-Progress::Progress(std::string inputName, uint64_t inputSize)
-    : name(std::move(inputName)), size(inputSize),
-      enabled(::isatty(STDERR_FILENO) != 0 && ::isatty(STDOUT_FILENO) == 0), start(Clock::now()),
-      next(start + std::chrono::seconds(1))
+namespace
+{
+
+/// Bytes of all files together, 0 when one has no size.
+uint64_t sizeOf(const std::vector<std::string>& paths)
+{
+    uint64_t sum = 0;
+    for (const std::string& path : paths) {
+        std::error_code error;
+        if (path == "-" || !std::filesystem::is_regular_file(path, error))
+            return 0;
+        const uintmax_t size = std::filesystem::file_size(path, error);
+        sum += error ? 0 : size;
+    }
+    return sum;
+}
+
+} // namespace
+
+Progress::Progress(const std::vector<std::string>& paths, bool isWanted)
+    : enabled(isWanted && words::canShowProgress())
+{
+    if (enabled)
+        size = sizeOf(paths);
+}
+
+Progress::Progress(std::string subject, uint64_t expected)
+    : name(std::move(subject)), size(expected), enabled(words::canShowProgress())
 {
 }
 
@@ -24,21 +49,26 @@ Progress::~Progress()
         words::showProgress("");
 }
 
-void Progress::update(uint64_t bytes)
+void Progress::add(uint64_t bytes)
 {
+    done += bytes;
     if (!enabled)
         return;
     const Clock::time_point now = Clock::now();
     if (now < next)
         return;
     next = now + std::chrono::milliseconds(200);
+    words::showProgress(describe(now));
+}
+
+/// The name comes last: it is what a narrow terminal cuts off.
+std::string Progress::describe(Clock::time_point now) const
+{
     const double seconds = std::chrono::duration<double>(now - start).count();
-    const double megabytes = static_cast<double>(bytes) * 1e-6;
-    std::string text =
-        fmt::format("{}: {:.1f} MB, {:.1f} MB/s", name, megabytes, megabytes / seconds);
-    if (size != 0)
-        text += fmt::format(", {}%", std::min(bytes, size) * 100 / size);
-    words::showProgress(text);
+    const double megabytes = static_cast<double>(done) * 1e-6;
+    const std::string share =
+        size == 0 ? "" : fmt::format("{}%, ", std::min(done, size) * 100 / size);
+    return fmt::format("{}{:.1f} MB, {:.1f} MB/s: {}", share, megabytes, megabytes / seconds, name);
 }
 
 } // namespace tool

@@ -3,32 +3,41 @@
 #include <chrono>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace tool
 {
 
-/// Tells on a terminal how far a long input has been read. Silent when standard error is no
-/// terminal, when data goes to the same terminal, and in the first second.
+/// Tells on a terminal how far long inputs have been read: share, bytes, rate, name. Silent where
+/// words::canShowProgress() says so, and in the first second.
 class Progress
 {
 public:
-    /// `size` is that of the input in bytes, 0 when it is not known.
+    /// Of inputs that follow each other. `isWanted` false keeps it silent.
+    Progress(const std::vector<std::string>& paths, bool isWanted);
+    /// Of something made, of which `size` bytes are expected, 0 when that is not known.
     Progress(std::string name, uint64_t size);
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    /// Reports that `bytes` have been read so far.
-    void update(uint64_t bytes);
+    /// What is read now.
+    void setName(const std::string& input) { name = input; }
+
+    /// Reports that `bytes` more have been read.
+    void add(uint64_t bytes);
 
 private:
     using Clock = std::chrono::steady_clock;
 
+    std::string describe(Clock::time_point now) const;
+
     std::string name;
-    uint64_t size;
+    uint64_t size = 0; ///< of all in bytes, 0 when it is not known
+    uint64_t done = 0;
     bool enabled;
-    Clock::time_point start;
-    Clock::time_point next;
+    Clock::time_point start = Clock::now();
+    Clock::time_point next = start + std::chrono::seconds(1);
 };
 
 } // namespace tool

@@ -49,8 +49,9 @@ std::string StreamGap::describe() const
     return why;
 }
 
-BlockStream::BlockStream(std::vector<std::string> inputs, bool report)
-    : paths(std::move(inputs)), framer(this), piece(pieceSize), reportDamage(report)
+BlockStream::BlockStream(std::vector<std::string> inputs, bool isSilent)
+    : paths(std::move(inputs)), progress(std::in_place, paths, !isSilent), framer(this),
+      piece(pieceSize), quiet(isSilent)
 {
 }
 
@@ -76,7 +77,7 @@ bool BlockStream::next(Block& block)
 void BlockStream::reportUndecodable(const Block& block, int32_t code)
 {
     ++counts.undecodable;
-    if (reportDamage && !gapListener)
+    if (!quiet && !gapListener)
         words::sayAt(getName(), block.offset,
                      fmt::format("{}: {} ({})", describeBlock(block.getNumber()),
                                  TQX_errorName(code), code));
@@ -97,8 +98,7 @@ bool BlockStream::openNext()
         return false;
     try {
         input.emplace(paths[opened++]);
-        progress.emplace(input->getName(), input->getSize());
-        inputBytes = 0;
+        progress->setName(input->getName());
         names.push_back(input->getName());
         parts.push_back({input->getName(), counts.bytes});
     } catch (const InputError& error) {
@@ -126,6 +126,7 @@ void BlockStream::readOn()
         beforeRead();
     if (!input && !openNext()) {
         ended = true;
+        progress.reset();
         isCut = framer.bytesLeft() != 0;
         framer.flush();
     }
@@ -133,13 +134,11 @@ void BlockStream::readOn()
         return;
     const size_t size = readPiece();
     if (size == 0) {
-        progress.reset();
         input.reset();
         return;
     }
     counts.bytes += size;
-    inputBytes += size;
-    progress->update(inputBytes);
+    progress->add(size);
     framer.append(reinterpret_cast<const uint8_t*>(piece.data()), size);
 }
 
@@ -166,7 +165,7 @@ void BlockStream::onBytesDropped(uint64_t offset, uint64_t count)
 
 void BlockStream::closeGap()
 {
-    if (gap.bytes != 0 && (gapListener || reportDamage)) {
+    if (gap.bytes != 0 && (gapListener || !quiet)) {
         const Part& part = partAt(gap.offset);
         gap.file = part.name;
         gap.offset -= part.start;

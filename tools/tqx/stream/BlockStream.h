@@ -62,8 +62,9 @@ struct StreamGap {
 class BlockStream : private BlockFramer::Listener
 {
 public:
-    /// "-" among the paths is standard input. Without `reportDamage` nothing is said about damage.
-    BlockStream(std::vector<std::string> paths, bool reportDamage);
+    /// "-" among the paths is standard input. A `quiet` one says nothing about damage and
+    /// shows no progress.
+    BlockStream(std::vector<std::string> paths, bool quiet);
 
     /// Gets the next block; false at the end of the last input.
     bool next(Block& block);
@@ -87,6 +88,8 @@ public:
     /// Names of the inputs that could be opened so far.
     const std::vector<std::string>& getNames() const { return names; }
     const StreamCounts& getCounts() const { return counts; }
+    /// Whether words about damage are unwanted.
+    bool isQuiet() const { return quiet; }
 
     /// Whether an input could not be opened or read.
     bool hasFailed() const { return failed; }
@@ -110,8 +113,7 @@ private:
     std::vector<std::string> paths;
     size_t opened = 0; ///< paths that were tried
     std::optional<Input> input;
-    std::optional<Progress> progress;
-    uint64_t inputBytes = 0; ///< read of the input
+    std::optional<Progress> progress; ///< until the last input has ended
     std::vector<std::string> names;
     std::deque<Part> parts; ///< from the one of the last block on
     BlockFramer framer;
@@ -120,7 +122,7 @@ private:
     StreamGap gap;
     std::function<void(const StreamGap&)> gapListener;
     std::function<void()> beforeRead;
-    bool reportDamage;
+    bool quiet;
     bool failed = false;
     bool ended = false;
     bool isCut = false; ///< the last input ended within what looked like a block

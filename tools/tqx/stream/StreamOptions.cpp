@@ -15,7 +15,8 @@ void StreamOptions::addInputs(CLI::App& command)
         ->required()
         ->type_name("");
     command.add_flag("--strict", strict, "Exit with status 2 when an input is damaged");
-    command.add_flag("-q,--quiet", quiet, "Say nothing about damage");
+    command.add_flag("-q,--quiet", quiet,
+                     "Show no progress and do not report damage on standard error");
 }
 
 Selection& StreamOptions::getSelection()
@@ -38,7 +39,7 @@ void StreamOptions::checkBefore(const std::string& target)
 ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
 {
     Selection& chosen = getSelection();
-    BlockStream stream(files, !quiet);
+    BlockStream stream(files, quiet);
     stream.setBeforeRead([&output] { output.handOn(); });
     consumer.begin(stream);
     Block block = {};
