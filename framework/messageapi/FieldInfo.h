@@ -77,6 +77,10 @@ public:
     /// Decimals to display; -1 unless set.
     signed char getPrecision() const { return m_precision; }
 
+    /// Decimals that getValueString(message) shows of a number with a fraction: the precision, else
+    /// as many as the scale factor needs, else 6.
+    int getShownDecimals() const;
+
     /// In the order in which they were added.
     const SymbolicValues& getSymbolicValues() const { return m_symbolicValues; }
 
@@ -136,7 +140,6 @@ private:
     bool hasWords(const FieldValue& value, QString* text) const;
     QString scaledNumber(const FieldValue& value) const;
     QString storedNumber(const FieldValue& value) const;
-    int scaledDecimals() const;
 
     QString m_name;
     QString m_unit;

@@ -10,7 +10,7 @@
 namespace
 {
 
-constexpr int defaultFloatDecimals = 6;
+constexpr int defaultDecimals = 6;
 
 QString notAvailableText()
 {
@@ -46,7 +46,7 @@ bool FieldInfo::hasWords(const FieldValue& value, QString* text) const
 
 QString FieldInfo::storedNumber(const FieldValue& value) const
 {
-    const int decimals = m_precision >= 0 ? m_precision : defaultFloatDecimals;
+    const int decimals = m_precision >= 0 ? m_precision : defaultDecimals;
     switch (value.getKind()) {
     case FieldKind::U:
         return QLocale().toString(static_cast<qulonglong>(value.getU64()));
@@ -61,10 +61,13 @@ QString FieldInfo::storedNumber(const FieldValue& value) const
     }
 }
 
-int FieldInfo::scaledDecimals() const
+int FieldInfo::getShownDecimals() const
 {
     if (m_precision >= 0) {
         return m_precision;
+    }
+    if (!m_hasScaleFactor) {
+        return defaultDecimals;
     }
     const double step = std::fabs(m_scaleFactor);
     if (!(step > 0)) {
@@ -90,7 +93,7 @@ QString FieldInfo::scaledNumber(const FieldValue& value) const
     const bool isNumber = value.isInteger() || value.isFloat();
     if (m_hasScaleFactor && isNumber) {
         return FloatRepresentation::getString(value.toDouble() * m_scaleFactor, 'f',
-                                              scaledDecimals(), true);
+                                              getShownDecimals(), true);
     }
     return storedNumber(value);
 }

@@ -1,5 +1,4 @@
-#include "FieldRoles.h"
-#include "RandomBlock.h"
+#include "RandomStream.h"
 #include "Tool.h"
 
 #include <nlohmann/json.hpp>
@@ -13,7 +12,6 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <random>
 #include <set>
 #include <sstream>
 
@@ -150,21 +148,6 @@ size_t compare(Tables& tables, const std::string& table, const ordered_json& fie
         EXPECT_EQ(row.at(field + " index"), index);
     }
     return compareFields(tables, table, fields, row, "");
-}
-
-/// Random blocks of all types, several of each.
-std::string randomStream()
-{
-    std::mt19937_64 random(20);
-    std::string stream;
-    for (unsigned revision = 0; revision < 3; ++revision) {
-        for (const Kor::MessageApi::TQX_TypeLayout* type : mainTypes()) {
-            const std::vector<uint8_t> block =
-                randomBlock(*type, {std::min<unsigned>(revision, type->highestRevision)}, random);
-            stream.append(block.begin(), block.end());
-        }
-    }
-    return stream;
 }
 
 /// Compares the tables of a folder with JSON Lines, dumped with the same arguments.

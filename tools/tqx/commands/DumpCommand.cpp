@@ -2,11 +2,11 @@
 
 #include "CsvDump.h"
 #include "FieldFilter.h"
-#include "MessageDecoder.h"
 #include "Output.h"
 #include "Paragraph.h"
 #include "RawJson.h"
 #include "RecordDump.h"
+#include "TQX_Layout.h"
 #include "ValueJson.h"
 
 #include <CLI/Validators.hpp>
@@ -18,8 +18,6 @@ namespace tool
 
 namespace
 {
-
-constexpr int32_t unknownNumber = -6072;
 
 /// Stored values as JSON Lines.
 class RawJsonDump : public RecordDump
@@ -54,31 +52,8 @@ private:
     Buffer& out;
 };
 
-/// Whatever is written of messages.
-class MessageDump : public BlockConsumer
-{
-public:
-    void take(BlockStream& stream, const Block& block) override
-    {
-        const int32_t result = decoder.decode(block);
-        if (decoder.getMessage())
-            writeMessage(block, *decoder.getMessage());
-        else if (result < 0 && result != unknownNumber)
-            stream.reportUndecodable(block, result);
-        else
-            writeOther(block);
-    }
-
-protected:
-    virtual void writeMessage(const Block& block, const Message& message) = 0;
-    /// A block of an unknown number or of a type without message class.
-    virtual void writeOther(const Block& block) = 0;
-
-private:
-    MessageDecoder decoder;
-};
-
-class TextDump : public MessageDump
+/// Paragraphs for people.
+class TextDump : public RecordDump
 {
 public:
     TextDump(const FieldFilter& filter, Paragraph::Values values, Buffer& buffer)
@@ -87,11 +62,16 @@ public:
     }
 
 private:
-    void writeMessage(const Block& block, const Message& message) override
+    void write(const Block& block, const RecordDecoder& decoder) override
     {
-        paragraph.write(out, block, message);
+        paragraph.write(out, block, decoder.getRecord());
     }
-    void writeOther(const Block& block) override { paragraph.writeTitle(out, block); }
+    void writeOther(const Block& block) override
+    {
+        // Nothing stands for a block of a known type that did not decode.
+        if (TQX_recordType(block.getNumber()) == 0)
+            paragraph.writeTitle(out, block);
+    }
 
     Paragraph paragraph;
     Buffer& out;

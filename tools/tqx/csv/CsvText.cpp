@@ -1,5 +1,7 @@
 #include "CsvText.h"
 
+#include "Latin1.h"
+
 #include <algorithm>
 
 namespace tool::csv
@@ -18,15 +20,7 @@ std::string cell(std::string_view characters)
 void appendLatin1(Buffer& out, const char* text, size_t length)
 {
     const size_t start = out.size();
-    for (size_t i = 0; i < length; ++i) {
-        const auto character = static_cast<unsigned char>(text[i]);
-        if (character >= 0x80) {
-            out.append(static_cast<char>(0xc0U | character >> 6U));
-            out.append(static_cast<char>(0x80U | (character & 0x3fU)));
-        } else {
-            out.append(text[i]);
-        }
-    }
+    tool::appendLatin1(out, {text, length});
     quoteFrom(out, start);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Buffer.h"
+#include "MemberBits.h"
 #include "Scale.h"
 #include "TQX_Layout.h"
 #include "ValueNames.h"
@@ -26,15 +27,11 @@ public:
     void append(Buffer& out, uint64_t word) const;
 
 private:
-    uint64_t integerIn(uint64_t word) const;
     void appendInteger(Buffer& out, uint64_t value) const;
     void appendReal(Buffer& out, uint64_t word) const;
 
     Notation notation;
-    Kor::MessageApi::TQX_MemberType type;
-    bool isSigned;
-    unsigned width;
-    unsigned shift;
+    MemberBits bits;
     std::optional<Scale> scale;
     ValueNames names;
     std::optional<double> notAvailable; ///< of a floating-point field

@@ -4,20 +4,22 @@
 #include "Buffer.h"
 #include "FieldFilter.h"
 
-#include <map>
+#include <cstdint>
 #include <memory>
-
-class Message;
-class MessageInfo;
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace tool
 {
 
 struct ParagraphPlan;
 
-/// Writes messages as paragraphs for people: a line with what the block is, when and where it
+/// Writes blocks as paragraphs for people: a line with what the block is, when and where it
 /// stands, then a line a field, bit ranges below their word and sub-blocks below their field, each
-/// a step further in.
+/// a step further in. Texts are those of the metadata in the C locale; the values come straight
+/// from the records.
 class Paragraph
 {
 public:
@@ -32,18 +34,24 @@ public:
     Paragraph(const Paragraph&) = delete;
     Paragraph& operator=(const Paragraph&) = delete;
 
-    /// Appends the paragraph of a message. Fields of the block's header are in the first line
-    /// only, unless the filter names them. Nothing when the filter shows no field of its type.
-    void write(Buffer& out, const Block& block, const Message& message);
+    /// Appends the paragraph of a block that was decoded to `record`. Fields of the block's header
+    /// are in the first line only, unless the filter names them; for a type without message class
+    /// it is the first line alone. Nothing when the filter shows no field of the type.
+    void write(Buffer& out, const Block& block, const void* record);
 
-    /// Appends the first line alone, for a block that there is no message of. Nothing when there
-    /// is a filter.
-    void writeTitle(Buffer& out, const Block& block) const;
+    /// Appends the first line alone, for a block that there is nothing to show of. Nothing when
+    /// there is a filter.
+    void writeTitle(Buffer& out, const Block& block);
 
 private:
+    ParagraphPlan& planOf(uint32_t recordType);
+    void appendTitle(Buffer& out, std::string_view what, const Block& block);
+
     const FieldFilter& filter;
     Values values;
-    std::map<const MessageInfo*, std::unique_ptr<ParagraphPlan>> plans;
+    std::vector<std::unique_ptr<ParagraphPlan>> plans; ///< by record type
+    std::optional<GnssMillis> lastTime;                ///< the blocks of an epoch share it
+    std::string lastTimeText;
 };
 
 } // namespace tool

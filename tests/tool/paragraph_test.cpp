@@ -1,0 +1,172 @@
+#include "FieldFilter.h"
+#include "FieldRoles.h"
+#include "FieldText.h"
+#include "MessageDecoder.h"
+#include "Paragraph.h"
+#include "RandomStream.h"
+#include "RecordDecoder.h"
+#include "Tool.h"
+
+#include "BlockFramer.h"
+#include "FieldInfo.h"
+#include "Message.h"
+#include "MessageInfo.h"
+#include "TQX_FormatInfo.h"
+
+#include <gtest/gtest.h>
+
+#include <QLocale>
+
+#include <cmath>
+#include <cstring>
+#include <random>
+
+// Text against what the metadata says of messages.
+
+using namespace Kor::MessageApi;
+
+namespace
+{
+
+class Paragraphs : public testing::Test
+{
+protected:
+    Paragraphs() { QLocale::setDefault(QLocale::c()); }
+    ~Paragraphs() override { QLocale::setDefault(before); }
+
+private:
+    QLocale before;
+};
+
+QString storedText(const FieldInfo& info, const Message& message)
+{
+    QStringList texts;
+    for (unsigned i = 0; i < info.getNumberOfValues(&message); ++i)
+        texts += info.getValue(&message, i).toString();
+    return texts.join(' ');
+}
+
+QString linesOf(const Message& message, bool stored, int indentation)
+{
+    constexpr int headerFields = 10;
+    QVector<const FieldInfo*> infos = message.getInfo()->getFieldInfos();
+    if (message.getInfo()->isMain())
+        infos.remove(0, headerFields);
+    QVector<const FieldInfo*> parts;
+    for (const FieldInfo* info : infos)
+        parts += info->getSubFieldInfos();
+    const auto label = [&](const FieldInfo* info) {
+        return QString(indentation + (parts.contains(info) ? 2 : 0), ' ') + info->getName();
+    };
+    int column = 0;
+    for (const FieldInfo* info : infos)
+        if (!info->getType().getSubMessageInfo())
+            column = std::max(column, label(info).size() + 2);
+    QString text;
+    for (const FieldInfo* info : infos) {
+        if (!info->hasValue(&message))
+            continue;
+        if (!info->getType().getSubMessageInfo()) {
+            const bool isNumber = info->getType().getKind() != FieldKind::Ch;
+            text +=
+                label(info).leftJustified(column) +
+                (stored && isNumber ? storedText(*info, message) : info->getValueString(&message)) +
+                '\n';
+            continue;
+        }
+        for (unsigned i = 0; i < info->getNumberOfValues(&message); ++i)
+            text += label(info) + (info->isRepeated() ? QString("[%1]").arg(i) : "") + '\n' +
+                    linesOf(*info->getValue(&message, i).getSubMessage(), stored, indentation + 4);
+    }
+    return text;
+}
+
+/// Compares the paragraphs of a stream, what is behind their first lines.
+void compareParagraphs(const std::string& stream, bool stored)
+{
+    const tool::FieldFilter everything;
+    tool::Paragraph paragraph(everything, stored ? tool::Paragraph::Values::Stored
+                                                 : tool::Paragraph::Values::Scaled);
+    tool::MessageDecoder messages;
+    tool::RecordDecoder records;
+    BlockFramer framer;
+    framer.append(reinterpret_cast<const uint8_t*>(stream.data()), stream.size());
+    tool::Buffer out;
+    size_t compared = 0;
+    for (; framer.hasBlock(); framer.takeBlock()) {
+        const tool::Block block = {framer.block().data, static_cast<uint16_t>(framer.block().size),
+                                   framer.block().offset};
+        messages.decode(block);
+        ASSERT_GT(records.decode(block), 0);
+        if (!messages.getMessage())
+            continue;
+        out.clear();
+        paragraph.write(out, block, records.getRecord());
+        const std::string_view lines = out.view().substr(out.view().find('\n') + 1);
+        ASSERT_EQ(lines, linesOf(*messages.getMessage(), stored, 4).toStdString() + '\n')
+            << tool::describeBlock(block.getNumber());
+        ++compared;
+    }
+    EXPECT_GT(compared, 600U);
+}
+
+uint64_t bitsOf(double value, bool isSingle)
+{
+    uint64_t word = 0;
+    const auto single = static_cast<float>(value);
+    if (isSingle)
+        std::memcpy(&word, &single, sizeof single);
+    else
+        std::memcpy(&word, &value, sizeof value);
+    return word;
+}
+
+} // namespace
+
+TEST_F(Paragraphs, OfRandomBlocksAreTextsOfTheMetadata)
+{
+    for (const bool stored : {false, true})
+        compareParagraphs(randomStream(), stored);
+}
+
+TEST_F(Paragraphs, OfALogAreTextsOfTheMetadata)
+{
+    const std::string log = runTool({"simulate", "--duration", "40"}).output;
+    for (const bool stored : {false, true})
+        compareParagraphs(log, stored);
+}
+
+// Numbers as they occur, not random bits: few digits, ties between two texts, both signs, and what
+// means not available.
+TEST_F(Paragraphs, FloatingPointNumbersAreRoundedAsTheMetadataDoes)
+{
+    std::mt19937_64 random(5);
+    size_t numbers = 0;
+    for (const TQX_TypeLayout* type : allTypes()) {
+        const MessageInfo* message =
+            TQX_FormatInfo::getInstance()->getMessageInfo(QLatin1String(type->name));
+        for (int row = 0; message && row < type->fieldCount; ++row) {
+            const TQX_FieldLayout& field = type->fields[row];
+            const bool isSingle = field.type == TQX_MemberType::F32;
+            if (!isSingle && field.type != TQX_MemberType::F64)
+                continue;
+            const FieldInfo& info = *message->getFieldInfos()[row];
+            const tool::FieldText text(field, info, false, false);
+            const double unit = std::pow(10, -info.getPrecision()) / info.getScaleFactor();
+            for (int i = 0; i < 200; ++i) {
+                const auto halves = static_cast<int64_t>(random()) >> random() % 64;
+                const double value = i == 0 && info.hasDoNotUseValue()
+                                         ? info.getDoNotUseValue().toDouble()
+                                         : static_cast<double>(halves) / 2 * unit;
+                const FieldValue expected =
+                    isSingle ? FieldValue::f32(static_cast<float>(value)) : FieldValue::f64(value);
+                tool::Buffer out;
+                EXPECT_NE(text.append(out, bitsOf(value, isSingle)), info.isDoNotUse(expected));
+                EXPECT_EQ(out.view(), info.toScaledString(expected).toStdString())
+                    << type->name << "::" << field.name;
+                ++numbers;
+            }
+        }
+    }
+    EXPECT_GT(numbers, 100000U);
+}
