@@ -55,7 +55,7 @@ INSTANTIATE_TEST_SUITE_P(
              {"dump", "--format", "csv", "--field",
               "NrSV,Type1.SVID,Type1.Type2.CN0,CommonFlags,WNc", "--type", "MeasEpoch2", "-"}},
         Case{"dump_fields.txt",
-             {"dump", "--field", "TOW,UpTime,AGCState.Gain,Type1.Type2.CN0,Type1.SVID", "-"}},
+             {"dump", "--field", "TOW,UpTime,FrontEnd_Code,Type2.CN0,Type1.SVID", "-"}},
         Case{"dump_fields.jsonl",
              {"dump", "--format", "jsonl", "--raw", "--not-type", "4027", "--field",
               "AGCState.Gain,PRN", "-"}},

@@ -84,6 +84,13 @@ TEST_F(Reference, CompletionKnowsValues)
 {
     EXPECT_EQ(completions("tqx dump --format js"), Words{"jsonl"});
     EXPECT_EQ(completions("tqx dump --type MeasEpoch2,GPSNa"), Words{"MeasEpoch2,GPSNav"});
+    EXPECT_EQ(completions("tqx dump --type AGC"), Words{""});
+    EXPECT_EQ(completions("tqx types AGCSt"), Words{"AGCState"});
+    EXPECT_EQ(completions("tqx cut --type ReceiverStatus2 --where AGCState.Front"),
+              (Words{"AGCState.FrontEndID", "AGCState.FrontEnd_Code"}));
+    EXPECT_EQ(completions("tqx dump --type = MeasEpoch2 --field TOW,Type1.SV"),
+              Words{"TOW,Type1.SVID"});
+    EXPECT_EQ(completions("tqx error TQX_ERR_EO"), Words{"TQX_ERR_EOF"});
     EXPECT_EQ(completions("tqx help enc"), Words{"encode"});
     const std::string golden = TQX_TESTS_DIR "/tool/golden/";
     EXPECT_EQ(completions("tqx info " + golden + "help.tx"), Words{golden + "help.txt"});

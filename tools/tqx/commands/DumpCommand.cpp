@@ -113,8 +113,9 @@ DumpCommand::DumpCommand(CLI::App& program)
         ->type_name("text|jsonl|csv")
         ->capture_default_str();
     app.add_flag("--raw", raw, "Values as they are stored, without scale, unit and names");
-    app.add_option("--field", fields,
-                   "Only these fields; Field.Inner for one inside the sub-blocks of Field")
+    app.add_option(
+           "--field", fields,
+           "Only these fields; Field.Inner or just Inner for one inside the sub-blocks of Field")
         ->delimiter(',')
         ->allow_extra_args(false)
         ->type_name("FIELD,FIELD");

@@ -65,10 +65,11 @@ void SimulateCommand::declareTrack()
     using Kind = TrackSettings::Kind;
     const std::map<std::string, Kind> kinds = {
         {"static", Kind::Static}, {"circle", Kind::Circle}, {"line", Kind::Line}};
-    app.add_option("--track", settings.track.kind,
-                   "How the antenna moves: static, circle (of 200 m radius) or line (eastwards)")
+    app.add_option(
+           "--track", settings.track.kind,
+           "How the antenna moves: not at all, on a circle of 200 m radius or on a line eastwards")
         ->transform(CLI::CheckedTransformer(kinds).description(""))
-        ->type_name("KIND")
+        ->type_name("static|circle|line")
         ->default_str("static");
     app.add_option("--speed", settings.track.speed, "Speed on the track in metres a second")
         ->check(CLI::Range(0.0, 300.0).description(""))

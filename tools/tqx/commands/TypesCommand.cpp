@@ -1,8 +1,8 @@
 #include "TypesCommand.h"
 
 #include "FieldTable.h"
+#include "NamePattern.h"
 #include "Output.h"
-#include "TQX_codec.h"
 #include "ToolError.h"
 #include "TypeNames.h"
 #include "TypesJson.h"
@@ -13,6 +13,7 @@
 #include <fmt/format.h>
 
 #include <charconv>
+#include <unordered_set>
 
 namespace tool
 {
@@ -22,20 +23,34 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-/// The type of that name or block number.
-const TQX_TypeLayout& typeOf(const std::string& name)
+using Types = std::vector<const TQX_TypeLayout*>;
+
+/// The types that a name, a block number or a pattern stands for.
+Types typesOf(const std::string& name)
 {
     uint16_t number = 0;
     const char* end = name.data() + name.size();
     const auto [stop, error] = std::from_chars(name.data(), end, number);
-    const TQX_TypeLayout* type = nullptr;
-    if (stop == end && error == std::errc())
-        type = TQX_layout(TQX_recordType(number));
-    else
-        type = findType(name);
-    if (!type)
-        throw ToolError(stop == end ? "there is no block " + name : unknownType(name));
-    return *type;
+    const bool isNumber = stop == end && error == std::errc();
+    Types types;
+    forEachType([&](const TQX_TypeLayout& type) {
+        if (isNumber ? type.blockNumber == number && number != 0 : matchesPattern(type.name, name))
+            types.push_back(&type);
+    });
+    if (!types.empty())
+        return types;
+    if (isPattern(name))
+        throw ToolError("no type has a name like " + name);
+    throw ToolError(stop == end ? "there is no block " + name : unknownType(name));
+}
+
+Types typesOf(const std::vector<std::string>& names)
+{
+    Types types;
+    for (const std::string& name : names)
+        for (const TQX_TypeLayout* type : typesOf(name))
+            types.push_back(type);
+    return types;
 }
 
 const MessageInfo* metadataOf(const TQX_TypeLayout& type)
@@ -63,11 +78,18 @@ TypesCommand::TypesCommand(CLI::App& program)
     : Command(program, "types", "List the types of blocks, or show the layout of some",
               "  tqx types\n"
               "  tqx types 4007\n"
+              "  tqx types 'Meas*'\n"
+              "  tqx types --fields 4027\n"
               "  tqx types --json | jq '.[] | select(.kind == \"main\") | .name'\n")
 {
-    app.add_option("NAME", names, "Types to show the layout of: names or block numbers")
+    app.add_option("NAME", names,
+                   "Types to show the layout of: names, block numbers, or patterns such as 'PVT*'")
         ->type_name("");
-    app.add_flag("--json", json, "All metadata as a JSON array, in order of registration");
+    CLI::Option* asJson =
+        app.add_flag("--json", json, "All metadata as a JSON array, in order of registration");
+    app.add_flag("--fields", fields,
+                 "Names of fields alone, a line each, as dump --field takes them")
+        ->excludes(asJson);
 }
 
 ExitStatus TypesCommand::run()
@@ -75,6 +97,8 @@ ExitStatus TypesCommand::run()
     Output output;
     if (json)
         appendJson(output.getBuffer());
+    else if (fields)
+        appendFields(output.getBuffer());
     else if (names.empty())
         appendCatalogue(output.getBuffer());
     else
@@ -86,11 +110,10 @@ ExitStatus TypesCommand::run()
 void TypesCommand::appendJson(Buffer& out) const
 {
     std::vector<const MessageInfo*> wanted;
-    for (const std::string& name : names) {
-        const TQX_TypeLayout& type = typeOf(name);
-        if (!type.hasMessage)
-            throw ToolError(std::string(type.name) + " has no metadata");
-        wanted.push_back(metadataOf(type));
+    for (const TQX_TypeLayout* type : typesOf(names)) {
+        if (!type->hasMessage)
+            throw ToolError(std::string(type->name) + " has no metadata");
+        wanted.push_back(metadataOf(*type));
     }
     if (names.empty())
         for (const MessageInfo* type : TQX_FormatInfo::getInstance()->getAllMessageInfos())
@@ -98,15 +121,30 @@ void TypesCommand::appendJson(Buffer& out) const
     appendTypesJson(out, wanted);
 }
 
+/// Of several types each name once.
+void TypesCommand::appendFields(Buffer& out) const
+{
+    std::unordered_set<std::string> known;
+    const auto add = [&](const TQX_TypeLayout& type) {
+        forEachField(type, [&](const std::string& path) {
+            if (known.insert(path).second)
+                out.append(path + '\n');
+        });
+    };
+    for (const TQX_TypeLayout* type : typesOf(names))
+        add(*type);
+    if (names.empty())
+        forEachType(add);
+}
+
 void TypesCommand::appendLayouts(Buffer& out) const
 {
     bool first = true;
-    for (const std::string& name : names) {
-        const TQX_TypeLayout& type = typeOf(name);
+    for (const TQX_TypeLayout* type : typesOf(names)) {
         if (!first)
             out.append('\n');
         first = false;
-        appendFieldTable(out, type, type.hasMessage ? metadataOf(type) : nullptr);
+        appendFieldTable(out, *type, type->hasMessage ? metadataOf(*type) : nullptr);
     }
 }
 

@@ -16,10 +16,12 @@ public:
 
 private:
     void appendJson(Buffer& out) const;
+    void appendFields(Buffer& out) const;
     void appendLayouts(Buffer& out) const;
 
     std::vector<std::string> names;
     bool json = false;
+    bool fields = false;
 };
 
 } // namespace tool

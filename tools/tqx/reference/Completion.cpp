@@ -29,12 +29,18 @@ std::string wordsOf(const CLI::App& command)
     return fmt::format("{}", fmt::join(words, " "));
 }
 
-/// What completes a value, by the name that help gives it: names of types, one of the alternatives
-/// "a|b|c", the name of a file, or nothing.
+/// What completes a value, by the name that help gives it: names of main blocks, of all types, of
+/// fields or of codes, one of the alternatives "a|b|c", the name of a file, or nothing.
 std::string actionFor(const std::string& kind)
 {
     if (kind.rfind("TYPE", 0) == 0)
-        return "_tqx_types";
+        return "_tqx_list \"$(tqx types 2>/dev/null | awk '$1 != \"sub\" { print $2 }')\"";
+    if (kind == "NAME")
+        return "_tqx_list \"$(tqx types 2>/dev/null | awk '{ print $2 }')\"";
+    if (kind.rfind("FIELD", 0) == 0 || kind == "CONDITION")
+        return "_tqx_fields";
+    if (kind == "CODE")
+        return "_tqx_list \"$(tqx error --all | awk '{ print $2 }')\"";
     if (kind.rfind("FILE", 0) == 0)
         return "_tqx_files";
     if (kind.find('|') == std::string::npos)
@@ -52,18 +58,13 @@ void appendCommand(Buffer& out, const CLI::App& command, const std::string& comm
     for (const CLI::Option* option : optionsOf(command)) {
         if (option->get_positional()) {
             const std::string name = option->get_name(true);
-            if (name == "COMMAND")
-                positional = "_tqx_words '" + commands + "'";
-            else if (name != "NAME")
-                positional = actionFor(name);
-            else
-                positional = "_tqx_types";
+            positional = name == "COMMAND" ? "_tqx_words '" + commands + "'" : actionFor(name);
         } else if (option->get_items_expected_max() > 0) {
             out.append(fmt::format("        {}) {}; return ;;\n", fmt::join(namesOf(*option), "|"),
                                    actionFor(option->get_type_name())));
         }
     }
-    out.append(fmt::format("        esac\n        if [[ $current == -?* ]]; then\n"
+    out.append(fmt::format("        esac\n        if [[ $current == -* ]]; then\n"
                            "            _tqx_words '{}'\n        else\n            {}\n"
                            "        fi ;;\n",
                            wordsOf(command), positional));
@@ -77,31 +78,47 @@ void appendCompletion(Buffer& out, const CLI::App& program)
     for (const CLI::App* command : commandsOf(program))
         names.push_back(command->get_name());
     const std::string commands = fmt::format("{}", fmt::join(names, " "));
-    out.append("# Completion of the arguments of tqx for bash.\n"
-               "\n"
-               "_tqx_words() {\n"
-               "    mapfile -t COMPREPLY < <(compgen -W \"$1\" -- \"$current\")\n"
-               "}\n"
-               "\n"
-               "_tqx_files() {\n"
-               "    compopt -o filenames 2>/dev/null\n"
-               "    mapfile -t COMPREPLY < <(compgen -f -- \"$current\")\n"
-               "}\n"
-               "\n"
-               "# Names of types, of which options take several, parted by commas.\n"
-               "_tqx_types() {\n"
-               "    local before=\"\"\n"
-               "    [[ $current == *,* ]] && before=\"${current%,*},\"\n"
-               "    mapfile -t COMPREPLY < <(compgen -P \"$before\" \\\n"
-               "        -W \"$(tqx types 2>/dev/null | awk '$1 != \"sub\" { print $2 }')\" \\\n"
-               "        -- \"${current##*,}\")\n"
-               "}\n"
-               "\n"
-               "_tqx() {\n"
-               "    local current=\"${COMP_WORDS[COMP_CWORD]}\"\n"
-               "    local previous=\"${COMP_WORDS[COMP_CWORD-1]}\"\n"
-               "    COMPREPLY=()\n"
-               "    if [[ $COMP_CWORD -eq 1 ]]; then\n");
+    out.append(
+        "# Completion of the arguments of tqx for bash.\n"
+        "\n"
+        "_tqx_words() {\n"
+        "    mapfile -t COMPREPLY < <(compgen -W \"$1\" -- \"$current\")\n"
+        "}\n"
+        "\n"
+        "_tqx_files() {\n"
+        "    compopt -o filenames 2>/dev/null\n"
+        "    mapfile -t COMPREPLY < <(compgen -f -- \"$current\")\n"
+        "}\n"
+        "\n"
+        "# Names, of which options take several, parted by commas.\n"
+        "_tqx_list() {\n"
+        "    local before=\"\"\n"
+        "    [[ $current == *,* ]] && before=\"${current%,*},\"\n"
+        "    mapfile -t COMPREPLY < <(compgen -P \"$before\" -W \"$1\" -- \"${current##*,}\")\n"
+        "}\n"
+        "\n"
+        "# Names of fields: those of the types that --type names, or of all.\n"
+        "_tqx_fields() {\n"
+        "    local i types=()\n"
+        "    for ((i = 2; i < COMP_CWORD; ++i)); do\n"
+        "        [[ ${COMP_WORDS[i]} == --type ]] || continue\n"
+        "        [[ ${COMP_WORDS[i+1]} == = ]] && ((++i))\n"
+        "        IFS=, read -ra types <<< \"${COMP_WORDS[i+1]//[\\'\\\"]/}\"\n"
+        "    done\n"
+        "    _tqx_list \"$(tqx types --fields \"${types[@]}\" 2>/dev/null | tr ' ' _)\"\n"
+        "}\n"
+        "\n"
+        "_tqx() {\n"
+        "    local current=\"${COMP_WORDS[COMP_CWORD]}\"\n"
+        "    local previous=\"${COMP_WORDS[COMP_CWORD-1]}\"\n"
+        "    # --option=value comes in three words.\n"
+        "    if [[ $current == = ]]; then\n"
+        "        current=\"\"\n"
+        "    elif [[ $previous == = ]]; then\n"
+        "        previous=\"${COMP_WORDS[COMP_CWORD-2]}\"\n"
+        "    fi\n"
+        "    COMPREPLY=()\n"
+        "    if [[ $COMP_CWORD -eq 1 ]]; then\n");
     out.append(fmt::format("        _tqx_words '{} {}'\n        return\n    fi\n"
                            "    case ${{COMP_WORDS[1]}} in\n",
                            commands, wordsOf(program)));

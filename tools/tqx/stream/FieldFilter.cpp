@@ -3,6 +3,9 @@
 #include "ToolError.h"
 #include "TypeNames.h"
 
+#include <fmt/format.h>
+
+#include <algorithm>
 #include <set>
 #include <string_view>
 
@@ -14,46 +17,66 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-/// Whether a path of field names leads from the type to a field.
-bool leadsToField(const TQX_TypeLayout& type, std::string_view path)
+/// Equal names; an underscore may stand for a blank.
+bool isSpelled(std::string_view path, std::string_view wanted)
 {
-    const size_t point = path.find('.');
-    const std::string_view name = path.substr(0, point);
-    for (int i = 0; i < type.fieldCount; ++i) {
-        const TQX_FieldLayout& field = type.fields[i];
-        if (name != field.name)
-            continue;
-        if (point == std::string_view::npos)
-            return true;
-        return field.recordType != 0 &&
-               leadsToField(*TQX_layout(field.recordType), path.substr(point + 1));
-    }
-    return false;
+    return std::equal(path.begin(), path.end(), wanted.begin(), wanted.end(),
+                      [](char x, char y) { return x == y || (x == ' ' && y == '_'); });
 }
 
-void check(const std::string& path)
+/// Whether the end of the path is what is wanted, from some sub-block on.
+bool endsWith(std::string_view path, std::string_view wanted)
 {
-    bool found = false;
-    forEachType([&](const TQX_TypeLayout& type) {
-        found = found || (type.blockNumber != 0 && leadsToField(type, path));
+    return path.size() > wanted.size() && path[path.size() - wanted.size() - 1] == '.' &&
+           isSpelled(path.substr(path.size() - wanted.size()), wanted);
+}
+
+/// What a name stands for in a type: the field of that name or, when there is none, all in its
+/// sub-blocks at any depth.
+std::vector<std::string> pathsIn(const TQX_TypeLayout& type, const std::string& wanted)
+{
+    std::vector<std::string> exact;
+    std::vector<std::string> inner;
+    forEachField(type, [&](const std::string& path) {
+        if (isSpelled(path, wanted))
+            exact.push_back(path);
+        else if (endsWith(path, wanted))
+            inner.push_back(path);
     });
-    if (found)
-        return;
-    std::set<std::string_view> names;
+    return exact.empty() ? inner : exact;
+}
+
+[[noreturn]] void refuse(const std::string& wanted)
+{
+    const size_t point = wanted.find('.');
+    const TQX_TypeLayout* block = findType(wanted.substr(0, point));
+    if (block && point != std::string::npos)
+        throw ToolError(fmt::format("--field {}: the block is chosen by --type {}, the field by "
+                                    "--field {}",
+                                    wanted, block->name, wanted.substr(point + 1)));
+    std::set<std::string> paths;
     forEachType([&](const TQX_TypeLayout& type) {
-        for (int i = 0; type.blockNumber != 0 && i < type.fieldCount; ++i)
-            names.insert(type.fields[i].name);
+        forEachField(type, [&](const std::string& path) { paths.insert(path); });
     });
-    throw ToolError(unknownName("field", path, {names.begin(), names.end()}));
+    throw ToolError(unknownName("field", wanted, {paths.begin(), paths.end()}));
 }
 
 } // namespace
 
 FieldFilter::FieldFilter(const std::vector<std::string>& paths)
 {
-    for (const std::string& path : paths) {
-        check(path);
-        add(path);
+    for (const std::string& wanted : paths) {
+        bool found = false;
+        forEachType([&](const TQX_TypeLayout& type) {
+            if (type.blockNumber == 0)
+                return;
+            for (const std::string& path : pathsIn(type, wanted)) {
+                add(path);
+                found = true;
+            }
+        });
+        if (!found)
+            refuse(wanted);
     }
 }
 

@@ -17,8 +17,9 @@ public:
     /// Everything.
     FieldFilter() = default;
 
-    /// The fields named by `paths`: "Latitude", "Type1" with all that is in it, "Type1.CN0".
-    /// Throws ToolError for a path that no type has.
+    /// The fields named by `paths`: "Latitude", "Type1" with all that is in it, "Type1.CN0"; "CN0"
+    /// alone is that of sub-blocks in types that have none themselves. An underscore may stand for
+    /// a blank. Throws ToolError for a path that no type has.
     explicit FieldFilter(const std::vector<std::string>& paths);
 
     /// Whether every field is shown.

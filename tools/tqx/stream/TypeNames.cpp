@@ -52,6 +52,18 @@ void forEachType(const std::function<void(const TQX_TypeLayout&)>& visit)
             visit(*layout);
 }
 
+void forEachField(const TQX_TypeLayout& type, const std::function<void(const std::string&)>& visit)
+{
+    for (int i = 0; i < type.fieldCount; ++i) {
+        const TQX_FieldLayout& field = type.fields[i];
+        visit(field.name);
+        if (field.recordType != 0)
+            forEachField(*TQX_layout(field.recordType), [&](const std::string& inner) {
+                visit(std::string(field.name) + '.' + inner);
+            });
+    }
+}
+
 const TQX_TypeLayout* findType(std::string_view name)
 {
     for (uint32_t recordType = 1; recordType <= lastRecordType; ++recordType) {

@@ -16,6 +16,11 @@ const Kor::MessageApi::TQX_TypeLayout* findType(std::string_view name);
 /// Calls `visit` with the layout of every record type, in ascending number.
 void forEachType(const std::function<void(const Kor::MessageApi::TQX_TypeLayout&)>& visit);
 
+/// Calls `visit` with the path of every field of a type and of its sub-blocks, in the order of the
+/// layout: "Latitude", "Type1", "Type1.CN0".
+void forEachField(const Kor::MessageApi::TQX_TypeLayout& type,
+                  const std::function<void(const std::string&)>& visit);
+
 /// The candidate most like `name`, or "" when none is near enough to be what was meant.
 std::string nearest(std::string_view name, const std::vector<std::string_view>& candidates);
 
