@@ -1,6 +1,8 @@
 #include "FixedNumber.h"
 
+#include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -27,16 +29,13 @@ constexpr std::array<Pair, 100> pairs = [] {
     return table;
 }();
 
-/// Writes `count` digits of a number from its last one on; returns where they begin.
-char* writeLast(char* end, uint64_t& number, int count)
+/// Writes the last `count` digits of a number, up to `end`.
+void writeDigits(char* end, uint64_t number, int count)
 {
     for (; count >= 2; count -= 2, number /= 100)
         std::memcpy(end -= 2, pairs[number % 100].digits, 2);
-    if (count != 0) {
+    if (count != 0)
         *--end = static_cast<char>('0' + number % 10);
-        number /= 10;
-    }
-    return end;
 }
 
 } // namespace
@@ -56,21 +55,27 @@ bool appendFixed(Buffer& out, double value, int decimals, double limit)
         return false;
     number += rest > 0.5 ? 1 : 0;
 
-    constexpr size_t longest = 32; // a sign, 22 decimals or 16 digits, a zero and the point
-    char text[2 * longest] = {};
-    char* const end = text + longest;
-    char* begin = end;
-    if (decimals != 0) {
-        begin = writeLast(begin, number, decimals);
-        *--begin = '.';
+    // With more decimals than this the number has none before the point, and needs no such power.
+    constexpr int mostToSplit = 16;
+    const auto unit = static_cast<uint64_t>(powers[std::min(decimals, mostToSplit)]);
+    auto whole = static_cast<uint64_t>(static_cast<int64_t>(std::fabs(value)));
+    uint64_t fraction = number - whole * unit;
+    if (fraction >= unit) {
+        fraction -= unit;
+        ++whole;
     }
-    do
-        begin = writeLast(begin, number, number < 10 ? 1 : 2);
-    while (number != 0);
+
+    constexpr size_t longest = 48; // a sign, 16 digits, the point and 22 decimals
+    char* const begin = out.reserve(longest);
+    char* end = begin;
     if (value < 0)
-        *--begin = '-';
-    // A length that is known takes no call.
-    std::memcpy(out.reserve(longest), begin, longest);
+        *end++ = '-';
+    end = std::to_chars(end, begin + longest, whole).ptr;
+    if (decimals != 0) {
+        *end++ = '.';
+        end += decimals;
+        writeDigits(end, fraction, decimals);
+    }
     out.advance(static_cast<size_t>(end - begin));
     return true;
 }
