@@ -51,8 +51,9 @@ public:
 
     /// All values of the field as people read them; empty when there are none. Names stand for
     /// values that have one. Integers are multiplied by the scale factor and shown with the
-    /// precision, or if none is set with the decimals that the factor needs. Values are separated
-    /// by blanks; characters form one text, which ends at the first zero. The unit follows once, if
+    /// precision, or if none is set with the decimals that the factor needs; where the precision
+    /// would show the factor itself as zero, with 7 significant digits. Values are separated by
+    /// blanks; characters form one text, which ends at the first zero. The unit follows once, if
     /// any number is shown. Values that are not available are Message::doNotUseString, or nothing
     /// if Message::useDoNotUseString is off. Numbers follow the default QLocale.
     virtual QString getValueString(const Message* message) const;
@@ -78,7 +79,7 @@ public:
     signed char getPrecision() const { return m_precision; }
 
     /// Decimals that getValueString(message) shows of a number with a fraction: the precision, else
-    /// as many as the scale factor needs, else 6.
+    /// as many as the scale factor needs, else 6. -1 where it shows significant digits instead.
     int getShownDecimals() const;
 
     /// In the order in which they were added.

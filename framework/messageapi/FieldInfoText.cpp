@@ -11,6 +11,7 @@ namespace
 {
 
 constexpr int defaultDecimals = 6;
+constexpr int significantDigits = 7; // those that a float of 32 bits has
 
 QString notAvailableText()
 {
@@ -63,13 +64,14 @@ QString FieldInfo::storedNumber(const FieldValue& value) const
 
 int FieldInfo::getShownDecimals() const
 {
+    const double step = std::fabs(m_scaleFactor);
     if (m_precision >= 0) {
-        return m_precision;
+        const bool isVisible = step * std::pow(10, m_precision) >= 0.5;
+        return isVisible || !m_hasScaleFactor ? m_precision : -1;
     }
     if (!m_hasScaleFactor) {
         return defaultDecimals;
     }
-    const double step = std::fabs(m_scaleFactor);
     if (!(step > 0)) {
         return 0;
     }
@@ -92,8 +94,10 @@ QString FieldInfo::scaledNumber(const FieldValue& value) const
     }
     const bool isNumber = value.isInteger() || value.isFloat();
     if (m_hasScaleFactor && isNumber) {
-        return FloatRepresentation::getString(value.toDouble() * m_scaleFactor, 'f',
-                                              getShownDecimals(), true);
+        const double number = value.toDouble() * m_scaleFactor;
+        const int decimals = getShownDecimals();
+        return decimals >= 0 ? FloatRepresentation::getString(number, 'f', decimals, true)
+                             : FloatRepresentation::getString(number, 'g', significantDigits, true);
     }
     return storedNumber(value);
 }
