@@ -53,7 +53,7 @@ function(tqx_library name macro)
     add_library(TQX::${name} ALIAS ${name})
     set_target_properties(${name} PROPERTIES
         VERSION ${PROJECT_VERSION}
-        SOVERSION ${PROJECT_VERSION_MAJOR}
+        SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
         INSTALL_RPATH "$ORIGIN")
     if(TQX_HAVE_BSYMBOLIC_FUNCTIONS)
         target_link_options(${name} PRIVATE "-Wl,-Bsymbolic-functions")

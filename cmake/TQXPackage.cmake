@@ -4,7 +4,7 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME tqx)
 set(CPACK_PACKAGE_VENDOR "The TQX project")
 set(CPACK_PACKAGE_CONTACT "The TQX project <maintainers@tqx.invalid>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has its own
 set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}/packages")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
@@ -13,31 +13,47 @@ set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME tqx)
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION
-    "Libraries and tool for the TQX block format of GNSS receivers
- Shared libraries that cut, decode, describe and encode TQX blocks, and the
- program tqx, which reports on, decodes, cuts, encodes and simulates logs.")
+    "tool and libraries for the TQX block format of GNSS receivers
+The program tqx tells what a log of a receiver holds, shows, selects, encodes
+and simulates it. The shared libraries that it stands on frame, decode,
+describe and encode the blocks.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${PROJECT_BINARY_DIR}/debian/triggers")
+configure_file("${CMAKE_CURRENT_LIST_DIR}/debian-triggers"
+    "${PROJECT_BINARY_DIR}/debian/triggers" COPYONLY)
 
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME libtqx-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEV_DESCRIPTION
-    "Headers of the libraries for the TQX block format of GNSS receivers
- Headers, CMake package and pkg-config files.")
+    "headers of the libraries for the TQX block format of GNSS receivers
+Headers, CMake package and pkg-config files for programs that read or write
+TQX blocks: the codec in plain C++, messages and metadata for Qt.")
 set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "tqx (= ${PROJECT_VERSION})")
 if(TQX_BUILD_PLUGIN)
     string(APPEND CPACK_DEBIAN_DEV_PACKAGE_DEPENDS ", qtbase5-dev (>= 5.15)")
 endif()
 
+# What a Debian package documents itself with.
+find_program(TQX_GZIP gzip)
 set(packages runtime tqx dev libtqx-dev)
 while(packages)
     list(POP_FRONT packages component package)
     install(FILES "${CMAKE_CURRENT_LIST_DIR}/debian-copyright" RENAME copyright
         DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${package}" COMPONENT ${component})
+    install(FILES "${CMAKE_CURRENT_LIST_DIR}/debian-lintian-${package}" RENAME ${package}
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/lintian/overrides" COMPONENT ${component})
+    if(TQX_GZIP)
+        set(changelog "${PROJECT_BINARY_DIR}/debian/${package}/changelog")
+        configure_file("${CMAKE_CURRENT_LIST_DIR}/debian-changelog.in" "${changelog}" @ONLY)
+        execute_process(COMMAND "${TQX_GZIP}" -9nkf "${changelog}" COMMAND_ERROR_IS_FATAL ANY)
+        install(FILES "${changelog}.gz"
+            DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${package}" COMPONENT ${component})
+    endif()
 endwhile()
 
 include(CPack)
