@@ -16,6 +16,7 @@
 namespace
 {
 
+constexpr int kTurns = 2000;
 constexpr int kCallsPerTurn = 512;
 constexpr int kTableCallsPerTurn = 16; // it takes a hundred times as long
 constexpr size_t kBlocks = 8;
@@ -103,7 +104,8 @@ int main(int argc, char** argv)
             ->Arg(500)
             ->Arg(2000)
             ->Arg(20000)
-            ->UseManualTime();
+            ->UseManualTime()
+            ->Iterations(kTurns);
     };
     for (size_t i = 0; i < count; ++i) {
         add(methods[i].name, methods[i].run);

@@ -16,7 +16,7 @@ using CrcFunction = uint16_t (*)(const uint8_t*, size_t, uint16_t);
 using CombineFunction = uint16_t (*)(uint16_t, uint16_t, size_t);
 
 struct CrcMethods {
-    korcg_CrcMethod_s list[4];
+    korcg_CrcMethod_s list[5];
     size_t count = 0;
 
     CrcMethods()
@@ -28,7 +28,10 @@ struct CrcMethods {
             add("clmul", crcClmul, combineByClmul);
         }
 #endif
-#if KORCG_HAVE_WIDE_CLMUL
+#if KORCG_HAVE_LONG_VECTORS
+        if (crcAvx2Runs()) {
+            add("clmul avx2", crcAvx2, combineByClmul);
+        }
         if (crcWideClmulRuns()) {
             add("wide clmul", crcWideClmul, combineByClmul);
         }

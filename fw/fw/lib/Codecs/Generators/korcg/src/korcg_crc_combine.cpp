@@ -1,6 +1,10 @@
-#include "korcg_crc_fold.h"
 #include "korcg_crc_methods.h"
 #include "korcg_crc_tables.h"
+
+#if KORCG_HAVE_CLMUL
+#include <immintrin.h>
+#define KORCG_TARGET_CLMUL __attribute__((target("pclmul")))
+#endif
 
 // Appending n bytes multiplies a checksum by x^(8 n). The polynomial is x + 1 times a primitive
 // polynomial of degree 15, so the powers of x repeat after 2^15 - 1: two small tables hold the
