@@ -1,4 +1,5 @@
 #include "Command.h"
+#include "Interrupt.h"
 #include "ToolError.h"
 #include "Words.h"
 
@@ -74,5 +75,8 @@ int main(int argc, char** argv)
 #endif
     // Output is the same everywhere.
     QLocale::setDefault(QLocale::c());
-    return static_cast<int>(run(argc, argv));
+    tool::interrupt::watch();
+    const ExitStatus status = run(argc, argv);
+    tool::interrupt::obey();
+    return static_cast<int>(status);
 }

@@ -1,5 +1,6 @@
 #include "EncodeCommand.h"
 
+#include "Interrupt.h"
 #include "LineEncoder.h"
 #include "LineError.h"
 #include "LineReader.h"
@@ -57,6 +58,8 @@ bool EncodeCommand::encodeFile(const std::string& path, LineEncoder& encoder, Pr
     for (size_t number = 1; reader.next(line); ++number) {
         if (line.find_first_not_of(" \t") == std::string::npos)
             continue;
+        if (interrupt::hasCome())
+            break; // the line may be cut off
         try {
             const std::vector<uint8_t>& block = encoder.encode(line);
             output.getBuffer().append(reinterpret_cast<const char*>(block.data()), block.size());

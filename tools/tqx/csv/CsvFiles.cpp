@@ -12,8 +12,7 @@
 namespace tool
 {
 
-CsvFiles::CsvFiles(std::string path)
-    : directory(std::move(path)), handedOn(std::chrono::steady_clock::now())
+CsvFiles::CsvFiles(std::string path) : directory(std::move(path))
 {
     std::error_code error;
     std::filesystem::create_directories(directory, error);
@@ -28,16 +27,6 @@ size_t CsvFiles::add(const std::string& name)
     file->isNew = true;
     files.push_back(std::move(file));
     return files.size() - 1;
-}
-
-void CsvFiles::handOn()
-{
-    constexpr std::chrono::seconds pause(1);
-    const auto now = std::chrono::steady_clock::now();
-    if (now - handedOn < pause)
-        return;
-    handedOn = now;
-    flush();
 }
 
 void CsvFiles::flush()

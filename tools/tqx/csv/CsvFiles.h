@@ -3,7 +3,6 @@
 #include "Buffer.h"
 #include "Sink.h"
 
-#include <chrono>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -33,7 +32,6 @@ public:
     }
 
     void commit() override {}
-    void handOn() override;
     void flush() override;
 
 private:
@@ -49,7 +47,6 @@ private:
 
     std::string directory;
     std::vector<std::unique_ptr<File>> files;
-    std::chrono::steady_clock::time_point handedOn;
 };
 
 } // namespace tool

@@ -1,11 +1,13 @@
 #include "Input.h"
 
+#include "Interrupt.h"
 #include "ToolError.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -33,13 +35,20 @@ Input::~Input()
 
 size_t Input::read(char* buffer, size_t capacity)
 {
-    for (;;) {
+    while (!interrupt::hasCome()) {
         const ssize_t count = ::read(descriptor, buffer, capacity);
         if (count >= 0)
             return static_cast<size_t>(count);
         if (errno != EINTR)
             throw InputError(name + ": " + std::strerror(errno));
     }
+    return 0;
+}
+
+bool Input::isReady(int patience) const
+{
+    pollfd wanted = {descriptor, POLLIN, 0};
+    return ::poll(&wanted, 1, patience) != 0;
 }
 
 uint64_t Input::skip(uint64_t count)

@@ -17,9 +17,13 @@ public:
     Input(const Input&) = delete;
     Input& operator=(const Input&) = delete;
 
-    /// Reads up to `capacity` bytes and returns how many, 0 at the end. Does not wait for more
+    /// Reads up to `capacity` bytes and returns how many, 0 at the end or once the
+    /// program is interrupted. Does not wait for more
     /// than what a pipe holds. Throws InputError.
     size_t read(char* buffer, size_t capacity);
+
+    /// Whether a read need not wait longer than `patience` milliseconds.
+    bool isReady(int patience) const;
 
     /// Passes over `count` bytes, or as many as there are, and returns how many. Throws InputError.
     uint64_t skip(uint64_t count);

@@ -34,7 +34,7 @@ void Output::flush()
     buffer.clear();
     if (written)
         return;
-    if (errno == EPIPE)
+    if (errno == EPIPE || errno == EINTR)
         throw ClosedPipe();
     throw ToolError(name + ": " + std::strerror(errno));
 }

@@ -21,7 +21,8 @@ public:
     using ToolError::ToolError;
 };
 
-/// The reader of standard output went away. Not a failure: the program ends quietly with status 0.
+/// The reader of standard output went away, or the program was interrupted while it waited for that
+/// reader. Not a failure: the program ends quietly.
 class ClosedPipe : public std::exception
 {
 };

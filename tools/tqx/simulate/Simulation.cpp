@@ -2,6 +2,7 @@
 
 #include "Blocks.h"
 #include "Broadcast.h"
+#include "Interrupt.h"
 #include "Progress.h"
 
 #include <cmath>
@@ -110,7 +111,8 @@ void Simulation::run()
         static_cast<uint64_t>(std::llround(settings.duration * 1000 / settings.periodMillis));
     const uint64_t enough = settings.size == 0 ? UINT64_MAX : settings.size;
     Progress progress("simulated", settings.size);
-    for (uint64_t index = 0; index < epochs && log.getSize() < enough; ++index) {
+    for (uint64_t index = 0; index < epochs && log.getSize() < enough && !interrupt::hasCome();
+         ++index) {
         const uint64_t before = log.getSize();
         const Epoch epoch = epochAt(index);
         receiver.advance(epoch);

@@ -1,5 +1,6 @@
 #include "BlockStream.h"
 
+#include "Interrupt.h"
 #include "TQX_codec.h"
 #include "ToolError.h"
 #include "Words.h"
@@ -94,7 +95,7 @@ const BlockStream::Part& BlockStream::partAt(uint64_t offset)
 /// False when there are no more inputs.
 bool BlockStream::openNext()
 {
-    if (opened == paths.size())
+    if (opened == paths.size() || interrupt::hasCome())
         return false;
     try {
         input.emplace(paths[opened++]);
@@ -120,13 +121,25 @@ size_t BlockStream::readPiece()
     }
 }
 
+/// What has come is handed on when nothing follows at once, and in a steady stream now and then.
+void BlockStream::handOn()
+{
+    constexpr int patience = 20; // milliseconds
+    constexpr std::chrono::milliseconds longest(100);
+    if (!beforeRead || (input && input->isReady(patience) && Clock::now() - handedOn < longest))
+        return;
+    beforeRead();
+    handedOn = Clock::now();
+}
+
 void BlockStream::readOn()
 {
-    if (beforeRead)
-        beforeRead();
+    handOn();
     if (!input && !openNext()) {
         ended = true;
         progress.reset();
+        if (interrupt::hasCome())
+            return; // that it ends within a block is no damage
         isCut = framer.bytesLeft() != 0;
         framer.flush();
     }

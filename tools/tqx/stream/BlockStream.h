@@ -5,6 +5,7 @@
 #include "Input.h"
 #include "Progress.h"
 
+#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -79,8 +80,8 @@ public:
         gapListener = std::move(listener);
     }
 
-    /// Has `action` called each time before more of the input is read: the moment to hand on what
-    /// a live stream has brought so far.
+    /// Has `action` called before more of the input is waited for: the moment to hand on what a
+    /// live stream has brought so far.
     void setBeforeRead(std::function<void()> action) { beforeRead = std::move(action); }
 
     /// Name of the file that the last block began in.
@@ -101,7 +102,10 @@ private:
         uint64_t start; ///< in the stream
     };
 
+    using Clock = std::chrono::steady_clock;
+
     bool openNext();
+    void handOn();
     size_t readPiece();
     void readOn();
     const Part& partAt(uint64_t offset);
@@ -122,6 +126,7 @@ private:
     StreamGap gap;
     std::function<void(const StreamGap&)> gapListener;
     std::function<void()> beforeRead;
+    Clock::time_point handedOn;
     bool quiet;
     bool failed = false;
     bool ended = false;
