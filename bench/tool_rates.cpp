@@ -111,6 +111,8 @@ int main(int argc, char** argv)
     std::vector<Work> works = {
         {"library alone", {argv[0], "--library", log}, {}},
         {"info", {TQX_TOOL, "info", "-q", log}, {}},
+        {"dump", {TQX_TOOL, "dump", "-q", log}, {}},
+        {"dump --raw", {TQX_TOOL, "dump", "-q", "--raw", log}, {}},
         {"dump --format jsonl", {TQX_TOOL, "dump", "-q", "--format", "jsonl", log}, {}},
         {"dump --format jsonl --raw",
          {TQX_TOOL, "dump", "-q", "--format", "jsonl", "--raw", log},
