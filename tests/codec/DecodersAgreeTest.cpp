@@ -218,12 +218,13 @@ TEST_P(DecodersAgree, OnEveryTruncation)
 INSTANTIATE_TEST_SUITE_P(AllTypes, DecodersAgree, testing::ValuesIn(mainTypes()),
                          [](const auto& row) { return std::string(row.param->name); });
 
-// Explicit lengths around what is consumed, and one at which offsets wrap.
+// Explicit lengths around what is consumed, around the longest result, and where offsets wrap.
 uint32_t anyLength(int32_t consumed, std::mt19937_64& random)
 {
     const auto bits = static_cast<uint32_t>(std::max(consumed, 16));
-    const uint32_t lengths[] = {0,        1,         bits - 8,    bits - 1,   bits,
-                                bits + 1, bits + 24, 0xffffffffU, 0x20000000, 8};
+    const uint32_t lengths[] = {0,          1,           bits - 8,    bits - 1,
+                                bits,       bits + 1,    bits + 24,   0x20000000,
+                                0x7fffffff, 0x80000000U, 0xffffffffU, 8};
     return lengths[static_cast<size_t>(random() % std::size(lengths))];
 }
 

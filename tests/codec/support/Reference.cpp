@@ -210,7 +210,7 @@ struct Reader {
                 return type.sizeUnderflow;
             at = start + length; // wraps
         }
-        if (pending == 0 && at < start)
+        if (pending == 0 && (at < start || at - start >= 0x80000000U))
             return type.internal;
         return pending != 0 ? pending : static_cast<int32_t>(at - start);
     }

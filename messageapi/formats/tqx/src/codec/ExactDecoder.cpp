@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 
 namespace Kor::MessageApi
 {
@@ -259,7 +260,11 @@ int32_t ExactDecoder::run(void* father, uint32_t explicitLength)
         m_pending = m_type.sizeUnderflow;
     if (m_pending != 0)
         return m_pending;
-    return m_offset < m_start ? m_type.internal : static_cast<int32_t>(m_offset - m_start);
+    // An explicit length may lead past the last offset, or further than a result can say.
+    constexpr uint32_t longest = std::numeric_limits<int32_t>::max();
+    if (m_offset < m_start || m_offset - m_start > longest)
+        return m_type.internal;
+    return static_cast<int32_t>(m_offset - m_start);
 }
 
 } // namespace

@@ -43,12 +43,33 @@ std::string lengthOf(const Format& format, const RecordType& type, const Field& 
                               : "record->" + identifier(row(type, field.length).name);
 }
 
-std::string selection(const RecordType& type, const Field& field)
+// When the field is there; empty for always. Only main blocks have a revision of their own.
+std::string condition(const RecordType& type, const Field& field)
 {
-    if (field.presence != Presence::Selected)
+    switch (field.presence) {
+    case Presence::Selected:
+        return fmt::format("record->{} == {}", identifier(row(type, field.selector).name),
+                           field.presenceValue);
+    case Presence::SinceRevision:
+        return fmt::format("record->Revision >= {}", field.presenceValue);
+    case Presence::OnlyRevision:
+        return fmt::format("record->Revision == {}", field.presenceValue);
+    default:
         return {};
-    return fmt::format("record->{} == {}", identifier(row(type, field.selector).name),
-                       field.presenceValue);
+    }
+}
+
+// The sub-block arrays in front of one are given back before the exact decoder starts anew.
+std::string freeArraysBefore(const RecordType& type, const Field& field, std::string_view indent)
+{
+    std::string text;
+    for (const Field& before : type.fields) {
+        if (&before == &field)
+            break;
+        if (before.kind == FieldKind::Blocks)
+            text += fmt::format("{}std::free(record->{});\n", indent, identifier(before.name));
+    }
+    return text;
 }
 
 bool isPlainSub(const RecordType& sub)
@@ -106,8 +127,10 @@ std::string plainBlocks(const Format& format, const RecordType& type, const Fiel
     text += fmt::format(
         "        const uint32_t count = record->{count};\n"
         "        const uint32_t entry = entryBytes({length}, known);\n"
-        "        if (entry < known || !isInside(size, end, uint64_t{{count}} * entry))\n"
+        "        if (entry < known || !isInside(size, end, uint64_t{{count}} * entry)) {{\n"
+        "{free}"
         "            return {exact};\n"
+        "        }}\n"
         "        at = buffer + end / 8;\n"
         "        if (count != 0)\n"
         "            record->{name} = allocateEntries<{subRecord}>(count);\n"
@@ -119,8 +142,10 @@ std::string plainBlocks(const Format& format, const RecordType& type, const Fiel
         "        end += count * entry * 8;\n"
         "    }}\n",
         fmt::arg("count", identifier(row(type, field.count).name)),
-        fmt::arg("length", lengthOf(format, type, field)), fmt::arg("exact", exactCall(type)),
-        fmt::arg("name", name), fmt::arg("subRecord", recordName(sub)),
+        fmt::arg("length", lengthOf(format, type, field)),
+        fmt::arg("free", freeArraysBefore(type, field, "            ")),
+        fmt::arg("exact", exactCall(type)), fmt::arg("name", name),
+        fmt::arg("subRecord", recordName(sub)),
         fmt::arg("fill", fillEntry(sub, "item", "record", "*record", "known", "            ")));
     return text;
 }
@@ -146,8 +171,10 @@ std::string nestedBlocks(const Format& format, const RecordType& type, const Fie
         "        const uint32_t entry = entryBytes({length}, known);\n"
         "        const uint32_t nestedEntry = entryBytes(record->{nestedLength}, nestedKnown);\n"
         "        if (entry < known || nestedEntry < nestedKnown ||\n"
-        "            !isInside(size, end, uint64_t{{count}} * entry))\n"
+        "            !isInside(size, end, uint64_t{{count}} * entry)) {{\n"
+        "{free}"
         "            return {exact};\n"
+        "        }}\n"
         "        const uint32_t room = (size - end / 8 - count * entry) / nestedEntry;\n"
         "        auto* items = count == 0 ? nullptr : allocateEntries<{subRecord}, {leafRecord}>("
         "count, room);\n"
@@ -160,6 +187,7 @@ std::string nestedBlocks(const Format& format, const RecordType& type, const Fie
         "            item.korcg_bits += item.{innerCount} * nestedKnown * 8;\n"
         "            at += entry;\n"
         "            if (item.{innerCount} > nested + room - next) {{\n"
+        "{freeInLoop}"
         "                std::free(items);\n"
         "                return {exact};\n"
         "            }}\n"
@@ -182,6 +210,8 @@ std::string nestedBlocks(const Format& format, const RecordType& type, const Fie
         fmt::arg("count", identifier(row(type, field.count).name)),
         fmt::arg("length", lengthOf(format, type, field)),
         fmt::arg("nestedLength", identifier(row(type, inner.length).name)),
+        fmt::arg("free", freeArraysBefore(type, field, "            ")),
+        fmt::arg("freeInLoop", freeArraysBefore(type, field, "                ")),
         fmt::arg("exact", exactCall(type)), fmt::arg("name", identifier(field.name)),
         fmt::arg("subRecord", recordName(sub)), fmt::arg("leafRecord", recordName(leaf)),
         fmt::arg("inner", identifier(inner.name)),
@@ -225,7 +255,7 @@ std::string embedded(const Format& format, const RecordType& type, const Field& 
                        "        }}\n"
                        "        record->korcg_bits += record->{name}.korcg_bits;\n"
                        "    }}\n",
-                       fmt::arg("condition", selection(type, field)),
+                       fmt::arg("condition", condition(type, field)),
                        fmt::arg("sub", field.subType),
                        fmt::arg("length", bitsOf(lengthOf(format, type, field))),
                        fmt::arg("name", identifier(field.name)));
@@ -237,7 +267,7 @@ std::string counted(const RecordType& type, int index)
     const std::string name = identifier(field.name);
     const std::string count = identifier(row(type, field.count).name);
     const int width = bytesOf(field.type);
-    const std::string guard = selection(type, field);
+    const std::string guard = condition(type, field);
     const std::string bytes = field.countsBytes || width == 1
                                   ? fmt::format("uint32_t{{record->{}}}", count)
                                   : fmt::format("uint32_t{{record->{}}} * {}", count, width);
@@ -289,11 +319,18 @@ bool mayTurnBack(const Format& format, const RecordType& type, int index)
 constexpr const char followWeek[] =
     "    record->TOWc = TQX_continuousTime(context, record->TOW);\n";
 
-bool isConditional(const RecordType& type, int index)
+bool dependsOnRevision(const Field& field)
+{
+    return field.presence == Presence::SinceRevision || field.presence == Presence::OnlyRevision;
+}
+
+// Whether there are statements for the presence of a field behind the head.
+bool isConditionKnown(const RecordType& type, int index)
 {
     const Field& field = row(type, index);
-    return field.presence == Presence::SinceRevision || field.presence == Presence::OnlyRevision ||
-           (field.kind == FieldKind::Blocks && field.presence != Presence::Always);
+    if (field.kind == FieldKind::Blocks)
+        return field.presence == Presence::Always;
+    return !dependsOnRevision(field) || (type.isMain() && field.isCounted() && !field.alwaysSent);
 }
 
 bool hasLength(const RecordType& type, int index)
@@ -312,24 +349,21 @@ bool isEmbedded(const Format& format, const RecordType& type)
     });
 }
 
-// Once an array is allocated or the week is followed there is no way back to the exact decoder, so
-// only the first sub-block array of a type may still turn to it. Sub-blocks have none: those with
-// arrays are decoded inside their main blocks.
+// Once an entry was decoded on its own or the week is followed there is no way back to the exact
+// decoder. Sub-blocks with arrays are decoded inside their main blocks.
 bool isStraight(const Format& format, const RecordType& type, const Shape& shape)
 {
-    const auto arrays = std::count_if(shape.tail.begin(), shape.tail.end(), [&](int index) {
-        return row(type, index).kind == FieldKind::Blocks;
-    });
-    const auto conditional = std::any_of(shape.tail.begin(), shape.tail.end(),
-                                         [&](int index) { return isConditional(type, index); });
-    if (!shape.straight || conditional)
+    if (!shape.straight || !std::all_of(shape.tail.begin(), shape.tail.end(),
+                                        [&](int index) { return isConditionKnown(type, index); }))
         return false;
     if (type.isMain())
-        return arrays <= 1 &&
-               std::is_partitioned(shape.tail.begin(), shape.tail.end(),
+        return std::is_partitioned(shape.tail.begin(), shape.tail.end(),
                                    [&](int index) { return mayTurnBack(format, type, index); });
+    const bool arrays = std::any_of(shape.tail.begin(), shape.tail.end(), [&](int index) {
+        return row(type, index).kind == FieldKind::Blocks;
+    });
     // The stated length of an entry ends in front of what has a length of its own.
-    return arrays == 0 && !shape.conditional && !needsParent(type) && type.owners.size() == 1 &&
+    return !arrays && !shape.conditional && !needsParent(type) && type.owners.size() == 1 &&
            (!shape.isPlain() || isEmbedded(format, type)) &&
            std::is_partitioned(shape.tail.begin(), shape.tail.end(),
                                [&](int index) { return !hasLength(type, index); });
@@ -384,8 +418,9 @@ std::string entryHead(const Format& format, const RecordType& type, const Shape&
 std::string applyLength(const RecordType& type)
 {
     return fmt::format("    if (explicitLength != 0) {{\n"
-                       "        // Also where the offset would wrap.\n"
-                       "        if (end - start > explicitLength || explicitLength > ~start)\n"
+                       "        // Also where the offset would wrap or the result overflow.\n"
+                       "        if (end - start > explicitLength || explicitLength > ~start ||\n"
+                       "            explicitLength > 0x7fffffffU)\n"
                        "            return {};\n"
                        "        end = start + explicitLength;\n"
                        "    }}\n",

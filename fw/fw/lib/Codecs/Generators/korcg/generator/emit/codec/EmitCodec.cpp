@@ -77,7 +77,8 @@ TQX_CODEC_API uint32_t TQX_entrySize(uint32_t recordType, unsigned revision);
 TQX_CODEC_API const char* TQX_errorName(int32_t code);
 
 // TQX_init_<Name> fills a record with its starting values and returns 0. TQX_decode_<Name> decodes
-// one record from the bit offset on; it returns the number of bits or a negative code.
+// one record from the bit offset on; it returns the number of bits or a negative code: the type's
+// _INTERNAL code when an explicit length leads past bit 0xffffffff or further than 0x7fffffff bits.
 // TQX_encode_<Name> writes a record as one framed block and returns the number of bits or a
 // negative code; it updates the record's Length, CRC and count of bits. TQX_append_<Block>_<Sub>
 // adds an initialised element to a sub-block array, which may move the array.
