@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QProcess>
+#include <QTemporaryFile>
 
 namespace
 {
@@ -61,6 +62,7 @@ INSTANTIATE_TEST_SUITE_P(
              2,
              "tqx: tool/data/cut.tqx: 0: 55 bytes belong to no block, the input ends within a "
              "block\n"},
+        Case{"Empty", {"cut", "--strict", "/dev/null"}, 0, "tqx: /dev/null: empty\n"},
         Case{"NoSuchFile", {"info", "no/such/file"}, 1, "tqx: no/such/file: No such file"},
         Case{"FileAfterMissingOneIsRead",
              {"info", "no/such/file", "data/samples/random.tqx"},
@@ -83,6 +85,18 @@ INSTANTIATE_TEST_SUITE_P(
              {"cut", "-o", "data/samples/../samples/random.tqx", "data/samples/random.tqx"},
              1,
              "tqx: data/samples/../samples/random.tqx is an input"},
+        Case{"InputAsOutputOfEncode",
+             {"encode", "CMakeLists.txt", "-o", "../tests/CMakeLists.txt"},
+             1,
+             "tqx: ../tests/CMakeLists.txt is an input"},
+        Case{"NoFolder",
+             {"dump", "--format", "csv", "-o", "CMakeLists.txt/x", "data/samples/random.tqx"},
+             1,
+             "tqx: CMakeLists.txt/x: Not a directory"},
+        Case{"FullDisk",
+             {"cut", "-o", "/dev/full", "data/samples/random.tqx"},
+             1,
+             "tqx: /dev/full: No space left"},
         Case{"NoCommand", {}, 1, "tqx: "}, Case{"UnknownCommand", {"bogus"}, 1, "tqx: "},
         Case{"NoFile", {"dump"}, 1, "tqx: dump: "},
         Case{"UnknownOption", {"dump", "--bogus", "data/samples/random.tqx"}, 1, "tqx: dump: "},
@@ -133,4 +147,22 @@ TEST(Tool, EndsQuietlyWhenNobodyReads)
     EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(process.exitCode(), 0);
     EXPECT_EQ(process.readAllStandardError().toStdString(), "");
+}
+
+// The file would grow as long as the disk has room.
+TEST(Tool, RefusesToReadWhatStandardOutputAppendsTo)
+{
+    constexpr int patience = 10000;
+    QTemporaryFile log;
+    ASSERT_TRUE(log.open());
+    log.write(QByteArray::fromStdString(testData("data/samples/random.tqx")));
+    ASSERT_TRUE(log.flush());
+    const qint64 size = log.size();
+    QProcess process;
+    process.setStandardOutputFile(log.fileName(), QIODevice::Append);
+    process.start(TQX_TOOL, {"cut", log.fileName()});
+    EXPECT_TRUE(process.waitForFinished(patience));
+    process.kill();
+    EXPECT_EQ(process.exitCode(), 1);
+    EXPECT_EQ(log.size(), size);
 }

@@ -7,8 +7,11 @@
 
 #include <QLocale>
 
+#include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <exception>
+#include <iostream>
 #include <string_view>
 
 namespace
@@ -34,7 +37,10 @@ ExitStatus explain(const CLI::App& program, const CLI::ParseError& error)
 {
     if (error.get_exit_code() == 0) {
         program.exit(error);
-        return ExitStatus::Done;
+        if (std::cout.flush())
+            return ExitStatus::Done;
+        tool::words::say(std::string("standard output: ") + std::strerror(errno));
+        return ExitStatus::Failed;
     }
     std::string text = error.what();
     for (const CLI::App* command : program.get_subcommands())

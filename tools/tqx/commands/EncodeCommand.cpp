@@ -6,6 +6,7 @@
 #include "LineReader.h"
 #include "Output.h"
 #include "Progress.h"
+#include "SameFile.h"
 #include "ToolError.h"
 #include "Words.h"
 
@@ -33,6 +34,7 @@ EncodeCommand::EncodeCommand(CLI::App& program)
 
 ExitStatus EncodeCommand::run()
 {
+    refuseSameFile(files, target);
     Output output(target);
     LineEncoder encoder;
     Progress progress(files, true);

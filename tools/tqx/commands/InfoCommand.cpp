@@ -25,9 +25,8 @@ public:
     {
         if (stream.hasFailed() && stream.getCounts().bytes == 0)
             return;
-        if (stream.getCounts().blocks == 0 && !stream.isQuiet())
-            words::say(headOf(stream.getNames()) +
-                       (stream.getCounts().bytes == 0 ? ": empty" : ": holds no TQX blocks"));
+        if (stream.getCounts().blocks == 0 && stream.getCounts().bytes != 0 && !stream.isQuiet())
+            words::say(headOf(stream.getNames()) + ": holds no TQX blocks");
         if (json)
             appendSummaryJson(out, stream, summary);
         else

@@ -12,6 +12,7 @@
 #include <fmt/format.h>
 
 #include <filesystem>
+#include <system_error>
 #include <vector>
 
 namespace tool
@@ -63,8 +64,9 @@ private:
 bool isOneFile(const std::string& target)
 {
     const std::filesystem::path path(target);
-    return target == "-" ||
-           (equalNames(path.extension().string(), ".csv") && !std::filesystem::is_directory(path));
+    std::error_code unknown;
+    return target == "-" || (equalNames(path.extension().string(), ".csv") &&
+                             !std::filesystem::is_directory(path, unknown));
 }
 
 /// The only type that can be written.

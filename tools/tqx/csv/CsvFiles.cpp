@@ -16,7 +16,8 @@ CsvFiles::CsvFiles(std::string path) : directory(std::move(path))
 {
     std::error_code error;
     std::filesystem::create_directories(directory, error);
-    if (!std::filesystem::is_directory(directory))
+    std::error_code unknown;
+    if (error || !std::filesystem::is_directory(directory, unknown))
         throw ToolError(directory + ": " + (error ? error.message() : "Not a directory"));
 }
 

@@ -1,10 +1,10 @@
 #include "StreamOptions.h"
 
+#include "SameFile.h"
 #include "Sink.h"
-#include "ToolError.h"
+#include "Words.h"
 
-#include <filesystem>
-#include <system_error>
+#include <fmt/format.h>
 
 namespace tool
 {
@@ -29,11 +29,7 @@ Selection& StreamOptions::getSelection()
 void StreamOptions::checkBefore(const std::string& target)
 {
     getSelection();
-    for (const std::string& path : files) {
-        std::error_code unknown;
-        if (path != "-" && target != "-" && std::filesystem::equivalent(path, target, unknown))
-            throw ToolError(target + " is an input, it cannot be the output as well");
-    }
+    refuseSameFile(files, target);
 }
 
 ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
@@ -48,6 +44,8 @@ ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
             consumer.take(stream, block);
         output.commit();
     }
+    if (stream.getCounts().bytes == 0 && !stream.hasFailed() && !quiet)
+        words::say(fmt::format("{}: empty", fmt::join(stream.getNames(), ", ")));
     consumer.end(stream);
     output.flush();
     const bool damaged = strict && stream.getCounts().isDamaged();

@@ -1,0 +1,37 @@
+#include "SameFile.h"
+
+#include "ToolError.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tool
+{
+
+namespace
+{
+
+/// False when there is no such regular file.
+bool getStatus(const std::string& path, int standard, struct stat& status)
+{
+    const int result = path == "-" ? ::fstat(standard, &status) : ::stat(path.c_str(), &status);
+    return result == 0 && S_ISREG(status.st_mode);
+}
+
+} // namespace
+
+void refuseSameFile(const std::vector<std::string>& inputs, const std::string& target)
+{
+    struct stat output = {};
+    if (!getStatus(target, STDOUT_FILENO, output))
+        return;
+    for (const std::string& path : inputs) {
+        struct stat input = {};
+        if (getStatus(path, STDIN_FILENO, input) && input.st_dev == output.st_dev &&
+            input.st_ino == output.st_ino)
+            throw ToolError((target == "-" ? "standard output" : target) +
+                            " is an input, it cannot be the output as well");
+    }
+}
+
+} // namespace tool

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace tool
+{
+
+/// Throws ToolError when one of the inputs is the regular file that is to be written: that would be
+/// gone before it is read, or grow for ever. "-" are standard input and output.
+void refuseSameFile(const std::vector<std::string>& inputs, const std::string& target);
+
+} // namespace tool
