@@ -141,7 +141,7 @@ void stored(benchmark::State& state, const Content& content)
 {
     tool::RawJson json(content.everything);
     besideDocuments(state, content, [&](tool::Buffer& out, size_t index) {
-        json.write(out, blockOf(content.blocks[index]), *content.decoders[index]);
+        json.write(out, content.decoders[index]->getDecoded());
     });
 }
 

@@ -34,7 +34,7 @@ void checkBlock(const std::vector<uint8_t>& bytes, bool mayBeAnything)
         return;
     }
     tool::Buffer line;
-    json.write(line, block, decoder);
+    json.write(line, decoder.getDecoded());
     if (encoded(std::string(line.view())) != bytes)
         std::abort();
 }

@@ -8,6 +8,7 @@
 #include "FieldInfo.h"
 #include "MessageInfo.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -64,6 +65,18 @@ Outcome walk(const QByteArray& stream)
     EXPECT_TRUE(host.accountsForEveryByte());
     EXPECT_EQ(host.events, 0U);
     return outcome;
+}
+
+TEST(Threads, GetAWholeRegistryFromTheFirstCall)
+{
+    std::array<int, 4> sizes = {};
+    std::vector<std::thread> threads;
+    for (int& size : sizes)
+        threads.emplace_back(
+            [&size] { size = TQX_FormatInfo::getInstance()->getMessageInfos().size(); });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_THAT(sizes, testing::Each(221));
 }
 
 TEST(Threads, DecodeTheSameStreamSideBySide)

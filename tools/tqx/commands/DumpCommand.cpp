@@ -3,11 +3,12 @@
 #include "CsvDump.h"
 #include "FieldFilter.h"
 #include "Output.h"
+#include "ParallelDump.h"
 #include "Paragraph.h"
 #include "RawJson.h"
-#include "RecordDump.h"
-#include "TQX_Layout.h"
 #include "ValueJson.h"
+
+#include "TQX_FormatInfo.h"
 
 #include <CLI/Validators.hpp>
 
@@ -20,36 +21,29 @@ namespace
 {
 
 /// Stored values as JSON Lines.
-class RawJsonDump : public RecordDump
+class RawJsonWriter : public BlockWriter
 {
 public:
-    RawJsonDump(const FieldFilter& filter, Buffer& buffer) : json(filter), out(buffer) {}
+    explicit RawJsonWriter(const FieldFilter& filter) : json(filter) {}
+    void write(Buffer& out, const DecodedBlock& decoded) override { json.write(out, decoded); }
+    void writeOther(Buffer& out, const Block& block) override { json.writeBytes(out, block); }
 
 private:
-    void write(const Block& block, const RecordDecoder& decoder) override
-    {
-        json.write(out, block, decoder);
-    }
-    void writeOther(const Block& block) override { json.writeBytes(out, block); }
-
     RawJson json;
-    Buffer& out;
 };
 
 /// Scaled values and names as JSON Lines.
-class ValueJsonDump : public RecordDump
+class ValueJsonWriter : public BlockWriter
 {
 public:
-    ValueJsonDump(const FieldFilter& filter, Buffer& buffer) : json(filter), out(buffer) {}
-
-private:
-    void write(const Block&, const RecordDecoder& decoder) override
+    explicit ValueJsonWriter(const FieldFilter& filter) : json(filter) {}
+    void write(Buffer& out, const DecodedBlock& decoded) override
     {
-        json.write(out, decoder.getRecord());
+        json.write(out, decoded.record);
     }
 
+private:
     ValueJson json;
-    Buffer& out;
 };
 
 /// Paragraphs for people.
@@ -131,16 +125,18 @@ ExitStatus DumpCommand::run()
     if (format == "csv")
         return dumpCsv(streams, filter, raw, target);
     Output output(target);
-    Buffer& out = output.getBuffer();
-    std::unique_ptr<BlockConsumer> dump;
-    if (format == "text")
-        dump = std::make_unique<TextDump>(
-            filter, raw ? Paragraph::Values::Stored : Paragraph::Values::Scaled, out);
-    else if (raw)
-        dump = std::make_unique<RawJsonDump>(filter, out);
-    else
-        dump = std::make_unique<ValueJsonDump>(filter, out);
-    return streams.read(*dump, output);
+    if (format == "text") {
+        TextDump dump(filter, raw ? Paragraph::Values::Stored : Paragraph::Values::Scaled,
+                      output.getBuffer());
+        return streams.read(dump, output);
+    }
+    TQX_FormatInfo::getInstance();
+    ParallelDump dump(output, [&]() -> std::unique_ptr<BlockWriter> {
+        if (raw)
+            return std::make_unique<RawJsonWriter>(filter);
+        return std::make_unique<ValueJsonWriter>(filter);
+    });
+    return streams.read(dump, dump);
 }
 
 } // namespace tool

@@ -52,7 +52,7 @@ public:
 private:
     void write(const Block&, const RecordDecoder& decoder) override
     {
-        if (decoder.getHeader().korcg_type == recordType)
+        if (decoder.getDecoded().getHeader().korcg_type == recordType)
             table.write(out, decoder.getRecord());
     }
 

@@ -27,12 +27,16 @@ Output::~Output()
 
 void Output::flush()
 {
-    if (file == stdout && buffer.size() != 0)
-        words::makeWay();
-    const bool written = std::fwrite(buffer.data(), 1, buffer.size(), file) == buffer.size() &&
-                         std::fflush(file) == 0;
+    const std::string_view text = buffer.view();
     buffer.clear();
-    if (written)
+    write(text);
+}
+
+void Output::write(std::string_view text)
+{
+    if (file == stdout && !text.empty())
+        words::makeWay();
+    if (std::fwrite(text.data(), 1, text.size(), file) == text.size() && std::fflush(file) == 0)
         return;
     if (errno == EPIPE || errno == EINTR)
         throw ClosedPipe();

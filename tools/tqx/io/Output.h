@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <string>
+#include <string_view>
 
 namespace tool
 {
@@ -23,6 +24,10 @@ public:
     ~Output() override;
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
+
+    /// Writes these characters, past the buffer, and everything that is kept back on the way out.
+    /// Throws as flush().
+    void write(std::string_view text);
 
     /// What is to be written next; append to it, then call commit().
     Buffer& getBuffer() { return buffer; }

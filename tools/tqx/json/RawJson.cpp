@@ -1,6 +1,7 @@
 #include "RawJson.h"
 
 #include "JsonText.h"
+#include "TQX_codec.h"
 #include "TextCache.h"
 
 #include <algorithm>
@@ -262,21 +263,22 @@ RawPlan& RawJson::planOf(uint32_t recordType)
     return *plan;
 }
 
-void RawJson::write(Buffer& out, const Block& block, const RecordDecoder& decoder)
+void RawJson::write(Buffer& out, const DecodedBlock& decoded)
 {
-    RawPlan& plan = planOf(decoder.getHeader().korcg_type);
+    const Block& block = decoded.block;
+    RawPlan& plan = planOf(decoded.getHeader().korcg_type);
     if (!plan.type->hasMessage)
         return writeBytes(out, block);
     if (plan.steps.empty())
         return;
     out.append(plan.opening);
     Writer writer(out);
-    writer.writeRecord(plan, decoder.getRecord());
+    writer.writeRecord(plan, decoded.record);
     if (plan.whole) {
         bool exact = writer.isExact();
-        if (exact && !decoder.coversBlock(block)) {
+        if (exact && !decoded.isCovered()) {
             const int32_t bits = TQX_reencode(encoded.data(), static_cast<uint16_t>(encoded.size()),
-                                              decoder.getRecord());
+                                              decoded.record);
             exact = bits == static_cast<int32_t>(block.size) * 8 &&
                     std::memcmp(encoded.data(), block.data, block.size) == 0;
         }

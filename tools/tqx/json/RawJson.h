@@ -2,7 +2,7 @@
 
 #include "Buffer.h"
 #include "FieldFilter.h"
-#include "RecordDecoder.h"
+#include "DecodedBlock.h"
 #include "TQX_RecordAccess.h"
 
 #include <memory>
@@ -32,9 +32,8 @@ public:
     RawJson(const RawJson&) = delete;
     RawJson& operator=(const RawJson&) = delete;
 
-    /// Appends the line of a block that `decoder` has just decoded. Nothing when the filter shows
-    /// no field of its type.
-    void write(Buffer& out, const Block& block, const RecordDecoder& decoder);
+    /// Appends the line of a block that decoded. Nothing when the filter shows no field of its type.
+    void write(Buffer& out, const DecodedBlock& decoded);
 
     /// Appends the line that has only the bytes. Nothing when there is a filter.
     void writeBytes(Buffer& out, const Block& block) const;

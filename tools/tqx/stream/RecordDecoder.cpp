@@ -29,6 +29,7 @@ void RecordDecoder::clear()
 int32_t RecordDecoder::decode(const Block& block)
 {
     clear();
+    last = block;
     consumed = TQX_decode(&context, block.data, block.size, record.get());
     return consumed;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "BlockStream.h"
+#include "DecodedBlock.h"
 #include "TQX_codec.h"
 
 #include <memory>
@@ -25,24 +25,15 @@ public:
     /// The record of the last block that decoded; belongs to the decoder.
     const void* getRecord() const { return record.get(); }
 
-    /// Its header.
-    const Kor::MessageApi::TQX_MainHeader_s& getHeader() const
-    {
-        return *reinterpret_cast<const Kor::MessageApi::TQX_MainHeader_s*>(record.get());
-    }
-
-    /// Whether every byte of the block stands in a field of the record.
-    bool coversBlock(const Block& block) const
-    {
-        const uint32_t bits = static_cast<uint32_t>(block.size) * 8;
-        return consumed == static_cast<int32_t>(bits) && getHeader().korcg_bits == bits;
-    }
+    /// The last block, if it decoded, with its record.
+    DecodedBlock getDecoded() const { return {last, record.get(), consumed}; }
 
 private:
     void clear();
 
     Kor::MessageApi::TQX_Context_s context;
     std::unique_ptr<Kor::MessageApi::TQX_AnyRecord_u> record;
+    Block last = {};
     int32_t consumed = 0;
 };
 

@@ -8,6 +8,9 @@
 
 #include <QString>
 
+#include <atomic>
+#include <mutex>
+
 TQX_FormatInfo::TQX_FormatInfo() : FormatInfo(QString::fromLatin1("TQX")), m_setupStarted(false)
 {
     static std::atomic<int> traceLevel{-1};
@@ -22,9 +25,16 @@ TQX_FormatInfo::~TQX_FormatInfo()
 
 const TQX_FormatInfo* TQX_FormatInfo::getInstance()
 {
+    static std::recursive_mutex setupMutex; // the set-up calls this function, too
+    static std::atomic<bool> isComplete{false};
     static TQX_FormatInfo instance;
-    if (!instance.m_setupStarted)
-        instance.setupMessageInfos();
+    if (!isComplete.load(std::memory_order_acquire)) {
+        const std::lock_guard<std::recursive_mutex> lock(setupMutex);
+        if (!instance.m_setupStarted) {
+            instance.setupMessageInfos();
+            isComplete.store(true, std::memory_order_release);
+        }
+    }
     return &instance;
 }
 

@@ -12,8 +12,8 @@ public:
     TQX_FormatInfo& operator=(const TQX_FormatInfo& other) = default;
 
     /// The registry. The first call builds it with all message and field metadata; it must come
-    /// before any other use of metadata. Calls from within that set-up, and from other threads
-    /// during it, return the registry while it is still being filled.
+    /// before any other use of metadata. Calls from within that set-up return the registry while it
+    /// is still being filled, calls from other threads wait until it is complete.
     static const TQX_FormatInfo* getInstance();
 
 protected:
