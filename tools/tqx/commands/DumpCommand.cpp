@@ -3,8 +3,8 @@
 #include "CsvDump.h"
 #include "FieldFilter.h"
 #include "Output.h"
-#include "ParallelDump.h"
 #include "Paragraph.h"
+#include "ParallelDump.h"
 #include "RawJson.h"
 #include "ValueJson.h"
 

@@ -277,8 +277,8 @@ void RawJson::write(Buffer& out, const DecodedBlock& decoded)
     if (plan.whole) {
         bool exact = writer.isExact();
         if (exact && !decoded.isCovered()) {
-            const int32_t bits = TQX_reencode(encoded.data(), static_cast<uint16_t>(encoded.size()),
-                                              decoded.record);
+            const int32_t bits =
+                TQX_reencode(encoded.data(), static_cast<uint16_t>(encoded.size()), decoded.record);
             exact = bits == static_cast<int32_t>(block.size) * 8 &&
                     std::memcmp(encoded.data(), block.data, block.size) == 0;
         }

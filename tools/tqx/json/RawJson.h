@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Buffer.h"
-#include "FieldFilter.h"
 #include "DecodedBlock.h"
+#include "FieldFilter.h"
 #include "TQX_RecordAccess.h"
 
 #include <memory>
@@ -32,7 +32,8 @@ public:
     RawJson(const RawJson&) = delete;
     RawJson& operator=(const RawJson&) = delete;
 
-    /// Appends the line of a block that decoded. Nothing when the filter shows no field of its type.
+    /// Appends the line of a block that decoded. Nothing when the filter shows no field of its
+    /// type.
     void write(Buffer& out, const DecodedBlock& decoded);
 
     /// Appends the line that has only the bytes. Nothing when there is a filter.

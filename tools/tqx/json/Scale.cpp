@@ -12,6 +12,7 @@ Scale::Scale(double factor) : multiplier(factor)
     // Powers of ten up to here, and products with integers up to 2^32, are exact.
     constexpr int largestPower = 22;
     constexpr double largestMultiplier = 1 << 21;
+    constexpr uint64_t mostDigits = 1000000000000000;
     if (!(std::fabs(factor) < 1 || factor != std::floor(factor)))
         return;
     double power = 10;
@@ -22,6 +23,7 @@ Scale::Scale(double factor) : multiplier(factor)
             divisor = power;
             if (whole > 0) {
                 wholeMultiplier = static_cast<uint32_t>(whole);
+                endOfWhole = mostDigits / wholeMultiplier;
                 decimals = static_cast<unsigned>(digits);
             }
             return;
@@ -38,8 +40,7 @@ Scale::Scale(double factor) : multiplier(factor)
 // Of up to fifteen digits, the decimal number is the shortest text of the double next to it.
 void Scale::append(Buffer& out, bool isNegative, uint64_t magnitude) const
 {
-    constexpr uint64_t mostDigits = 1000000000000000;
-    if (wholeMultiplier != 0 && magnitude < mostDigits / wholeMultiplier &&
+    if (magnitude < endOfWhole &&
         json::appendDecimal(out, isNegative, magnitude * wholeMultiplier, decimals))
         return;
     const auto value = static_cast<double>(magnitude);

@@ -23,9 +23,10 @@ public:
 private:
     double multiplier;
     double divisor = 1;
-    uint32_t wholeMultiplier =
-        0;                 ///< where the factor is this number with its point shifted, else 0
-    unsigned decimals = 0; ///< by which the point is shifted
+    // Where the factor is a whole number with its point shifted:
+    uint32_t wholeMultiplier = 0;
+    unsigned decimals = 0;   ///< by which the point is shifted
+    uint64_t endOfWhole = 0; ///< the first integer that has too many digits with it, else 0
 };
 
 } // namespace tool

@@ -2,6 +2,7 @@
 
 #include "JsonText.h"
 #include "Members.h"
+#include "PaddedText.h"
 #include "ShownValue.h"
 #include "TextCache.h"
 
@@ -9,7 +10,6 @@
 #include "MessageInfo.h"
 #include "TQX_FormatInfo.h"
 
-#include <string>
 #include <utility>
 
 namespace tool
@@ -20,7 +20,7 @@ using namespace Kor::MessageApi;
 /// How the records of one type are written.
 struct ValuePlan {
     struct Part {
-        std::string key; ///< with the comma that parts it from the field before
+        PaddedText key; ///< with the comma that parts it from the field before
         ShownValue value;
     };
 
@@ -30,14 +30,14 @@ struct ValuePlan {
         bool isOptional;
         bool isNumber;
         uint32_t size; ///< of a number in bytes
-        std::string key;
+        PaddedText key;
         std::vector<Part> parts; ///< of a number; else at most the one for the elements
         TextCache cache;
         std::unique_ptr<ValuePlan> plan; ///< of the sub-block
     };
 
     const TQX_TypeLayout* type;
-    std::string opening; ///< of a line, up to the value of "fields"
+    PaddedText opening; ///< of a line, up to the value of "fields"
     std::vector<Step> steps;
 };
 
@@ -52,14 +52,14 @@ std::unique_ptr<ValuePlan> makePlan(const TQX_TypeLayout& type, const FieldFilte
         *TQX_FormatInfo::getInstance()->getMessageInfo(QLatin1String(type.name));
     auto plan = std::make_unique<ValuePlan>();
     plan->type = &type;
-    plan->opening = "{\"block\":" + json::text(type.name) + ",\"fields\":";
+    plan->opening = PaddedText("{\"block\":" + json::text(type.name) + ",\"fields\":");
     int word = -1; // the row that the last step is about
     for (int i = 0; i < type.fieldCount; ++i) {
         const TQX_FieldLayout& field = type.fields[i];
         const FieldFilter* inside = shown.find(field.name);
         if (!inside)
             continue;
-        const std::string key = "," + json::key(field.name);
+        const PaddedText key("," + json::key(field.name));
         const bool isPart = isPartOfNumber(type, field);
         if (!isPart || field.parent != word) {
             word = isPart ? field.parent : i;
@@ -92,7 +92,7 @@ void writeNumber(Buffer& out, ValuePlan::Step& step, const void* record)
         loadWord(static_cast<const char*>(record) + step.field->recordOffset, step.size);
     step.cache.append(out, word, [&step, word](Buffer& to) {
         for (const ValuePlan::Part& part : step.parts) {
-            to.append(part.key);
+            part.key.appendTo(to);
             part.value.append(to, word);
         }
     });
@@ -134,7 +134,7 @@ void writeRecord(Buffer& out, ValuePlan& plan, const void* record)
             writeNumber(out, step, record);
             continue;
         }
-        out.append(step.key);
+        step.key.appendTo(out);
         if (field.kind == TQX_FieldKind::Embedded)
             writeRecord(out, *step.plan, TQX_element(field, record));
         else if (isText(field))
@@ -174,7 +174,7 @@ void ValueJson::write(Buffer& out, const void* record)
     ValuePlan& plan = planOf(recordType);
     if (plan.steps.empty())
         return;
-    out.append(plan.opening);
+    plan.opening.appendTo(out);
     writeRecord(out, plan, record);
     out.append("}\n");
 }

@@ -20,6 +20,9 @@ ValueNames::ValueNames(const FieldInfo& field, const Notation& notation)
     direct.resize(entries.empty() ? 0 : small);
     for (size_t bits = 0; bits < direct.size(); ++bits)
         direct[bits] = search(bits);
+    for (const auto& [bits, text] : entries)
+        if (bits >= small)
+            firstWide = std::min(firstWide, bits);
 }
 
 void ValueNames::add(const FieldValue& value, std::string text)

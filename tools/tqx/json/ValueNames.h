@@ -23,9 +23,9 @@ public:
     /// of the value, sign-extended when it is signed.
     const std::string* find(uint64_t bits) const
     {
-        if (entries.empty())
-            return nullptr;
-        return bits < direct.size() ? direct[bits] : search(bits);
+        if (bits < direct.size())
+            return direct[bits];
+        return bits < firstWide ? nullptr : search(bits);
     }
 
 private:
@@ -34,6 +34,7 @@ private:
 
     std::vector<std::pair<uint64_t, std::string>> entries; ///< by value, in two's complement
     std::vector<const std::string*> direct;                ///< by value, for small ones
+    uint64_t firstWide = UINT64_MAX;                       ///< the smallest of the others
 };
 
 } // namespace tool

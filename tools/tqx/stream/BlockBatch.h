@@ -40,8 +40,8 @@ public:
 
 private:
     // Small enough for the text, some twenty times as long, to stay in a processor's own cache.
-    static constexpr size_t enoughBytes = 1 << 15;
-    static constexpr size_t enoughRecords = 1 << 17;
+    static constexpr size_t enoughBytes = 1 << 14;
+    static constexpr size_t enoughRecords = 1 << 16;
     using Record = Kor::MessageApi::TQX_AnyRecord_u;
 
     struct RecordsDeleter {

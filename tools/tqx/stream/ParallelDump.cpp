@@ -17,7 +17,7 @@ constexpr int32_t unknownNumber = -6072;
 ParallelDump::ParallelDump(Output& target, MakeWriter make, unsigned wanted)
     : output(target), makeWriter(std::move(make)),
       threadCount(wanted != 0 ? wanted : std::thread::hardware_concurrency()),
-      filling(std::make_unique<BlockBatch>())
+      ownWriter(makeWriter()), filling(std::make_unique<BlockBatch>())
 {
     // Reading and decoding keep up with about this many.
     constexpr unsigned most = 8;
@@ -56,7 +56,8 @@ void ParallelDump::flush()
     handOn();
     {
         std::unique_lock lock(mutex);
-        hasRoom.wait(lock, [this] { return jobs.empty(); });
+        while (!jobs.empty())
+            help(lock);
     }
     throwFailure();
     output.flush();
@@ -74,15 +75,14 @@ void ParallelDump::submit()
     std::unique_lock lock(mutex);
     jobs.push_back({std::move(filling), false});
     hasWork.notify_one();
-    hasRoom.wait(lock, [this] { return !idle.empty(); });
+    while (idle.empty())
+        help(lock);
     filling = std::move(idle.back());
     idle.pop_back();
 }
 
 void ParallelDump::writeHere()
 {
-    if (!ownWriter)
-        ownWriter = makeWriter();
     filling->write(*ownWriter);
     output.write(filling->getText().view());
     filling->clear();
@@ -95,11 +95,11 @@ void ParallelDump::startThreads()
         idle.push_back(std::make_unique<BlockBatch>());
     }
     try {
-        for (unsigned i = 0; i < threadCount; ++i)
+        while (threads.size() + 1 < threadCount)
             threads.emplace_back(
                 [this, writer = std::shared_ptr<BlockWriter>(makeWriter())] { work(*writer); });
     } catch (const std::system_error&) {
-        threadCount = static_cast<unsigned>(threads.size()); // that the system grants us
+        threadCount = static_cast<unsigned>(threads.size()) + 1; // that the system grants us
     }
 }
 
@@ -110,22 +110,36 @@ void ParallelDump::work(BlockWriter& writer)
         hasWork.wait(lock, [this] { return isEnding || claimed < jobs.size(); });
         if (claimed == jobs.size())
             return;
-        Job& job = jobs[claimed++]; // stays where it is while others come and go
-        const bool isWanted = !failure && !isEnding;
-        lock.unlock();
-        std::exception_ptr trouble;
-        try {
-            if (isWanted)
-                job.batch->write(writer);
-        } catch (...) {
-            trouble = std::current_exception();
-        }
-        lock.lock();
-        if (trouble && !failure)
-            failure = trouble;
-        job.isWritten = true;
-        outputInOrder(lock);
+        doJob(lock, writer);
     }
+}
+
+/// What the caller's thread does until something has come out.
+void ParallelDump::help(std::unique_lock<std::mutex>& lock)
+{
+    if (claimed < jobs.size())
+        doJob(lock, *ownWriter);
+    else
+        hasRoom.wait(lock);
+}
+
+void ParallelDump::doJob(std::unique_lock<std::mutex>& lock, BlockWriter& writer)
+{
+    Job& job = jobs[claimed++]; // stays where it is while others come and go
+    const bool isWanted = !failure && !isEnding;
+    lock.unlock();
+    std::exception_ptr trouble;
+    try {
+        if (isWanted)
+            job.batch->write(writer);
+    } catch (...) {
+        trouble = std::current_exception();
+    }
+    lock.lock();
+    if (trouble && !failure)
+        failure = trouble;
+    job.isWritten = true;
+    outputInOrder(lock);
 }
 
 void ParallelDump::outputInOrder(std::unique_lock<std::mutex>& lock)

@@ -19,9 +19,9 @@ namespace tool
 {
 
 /// Dumps the blocks of a stream in their order, while as many threads as the machine has
-/// processors make the text. Blocks are decoded on the caller's thread, as one stream. Whatever
-/// has been taken comes out without a further call once it is handed on, however long the next
-/// read may wait.
+/// processors make the text. The caller's thread decodes the blocks, as one stream, and is one of
+/// those. What has been handed on comes out without a further call, however long the next read
+/// waits.
 class ParallelDump final : public BlockConsumer, public Sink
 {
 public:
@@ -49,6 +49,8 @@ private:
     void writeHere();
     void startThreads();
     void work(BlockWriter& writer);
+    void help(std::unique_lock<std::mutex>& lock);
+    void doJob(std::unique_lock<std::mutex>& lock, BlockWriter& writer);
     void outputInOrder(std::unique_lock<std::mutex>& lock);
     void throwFailure();
 
