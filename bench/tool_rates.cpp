@@ -3,8 +3,9 @@
 //
 // usage: tool_rates [FILE]     without FILE a simulated log of about 200 MB
 //
-// All runs are processes of their own, in turns, written to /dev/null; what is shown is the median
-// of their processor times.
+// All runs are processes of their own, in turns, written to /dev/null; what is shown are medians
+// of the time that passed, which the rates are of, and of the processor time, which is longer where
+// several threads work. Other work on the machine makes the former longer than it is.
 
 #include "TQXDecoder.h"
 #include "TQXSynchronizer.h"
@@ -20,10 +21,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace
@@ -60,7 +63,8 @@ int readByLibrary(const char* path)
 struct Work {
     const char* name;
     std::vector<std::string> command;
-    std::vector<double> seconds;
+    std::vector<double> elapsed; ///< in seconds
+    std::vector<double> processor;
 };
 
 double secondsOf(const timeval& time)
@@ -68,13 +72,14 @@ double secondsOf(const timeval& time)
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
 }
 
-/// Processor time of one run.
-double run(const std::vector<std::string>& command)
+/// Elapsed time and processor time of one run in seconds.
+std::pair<double, double> run(const std::vector<std::string>& command)
 {
     std::vector<char*> arguments;
     for (const std::string& argument : command)
         arguments.push_back(const_cast<char*>(argument.c_str()));
     arguments.push_back(nullptr);
+    const auto start = std::chrono::steady_clock::now();
     const pid_t child = fork();
     if (child == 0) {
         dup2(open("/dev/null", O_WRONLY | O_CLOEXEC), STDOUT_FILENO);
@@ -87,7 +92,8 @@ double run(const std::vector<std::string>& command)
         std::fprintf(stderr, "%s failed\n", command.front().c_str());
         std::exit(1);
     }
-    return secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime);
+    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+    return {elapsed.count(), secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime)};
 }
 
 double median(std::vector<double> values)
@@ -109,24 +115,29 @@ int main(int argc, char** argv)
     const double megabytes = static_cast<double>(QFile(log.c_str()).size()) * 1e-6;
 
     std::vector<Work> works = {
-        {"library alone", {argv[0], "--library", log}, {}},
-        {"info", {TQX_TOOL, "info", "-q", log}, {}},
-        {"dump", {TQX_TOOL, "dump", "-q", log}, {}},
-        {"dump --raw", {TQX_TOOL, "dump", "-q", "--raw", log}, {}},
-        {"dump --format jsonl", {TQX_TOOL, "dump", "-q", "--format", "jsonl", log}, {}},
+        {"library alone", {argv[0], "--library", log}, {}, {}},
+        {"info", {TQX_TOOL, "info", "-q", log}, {}, {}},
+        {"dump", {TQX_TOOL, "dump", "-q", log}, {}, {}},
+        {"dump --raw", {TQX_TOOL, "dump", "-q", "--raw", log}, {}, {}},
+        {"dump --format jsonl", {TQX_TOOL, "dump", "-q", "--format", "jsonl", log}, {}, {}},
         {"dump --format jsonl --raw",
          {TQX_TOOL, "dump", "-q", "--format", "jsonl", "--raw", log},
+         {},
          {}},
-        {"cat", {"cat", log}, {}}};
+        {"cat", {"cat", log}, {}, {}}};
     for (int round = 0; round < rounds; ++round)
-        for (Work& work : works)
-            work.seconds.push_back(run(work.command));
+        for (Work& work : works) {
+            const auto [elapsed, processor] = run(work.command);
+            work.elapsed.push_back(elapsed);
+            work.processor.push_back(processor);
+        }
 
     std::printf("%.1f MB, median of %d runs\n", megabytes, rounds);
-    const double library = median(works.front().seconds);
+    const double library = median(works.front().elapsed);
     for (const Work& work : works) {
-        const double seconds = median(work.seconds);
-        std::printf("%-26s %8.3f s %8.0f MB/s %6.2f of the library's rate\n", work.name, seconds,
-                    megabytes / seconds, library / seconds);
+        const double seconds = median(work.elapsed);
+        std::printf("%-26s %7.3f s (%.3f s of processors) %6.0f MB/s %6.2f of the library's rate\n",
+                    work.name, seconds, median(work.processor), megabytes / seconds,
+                    library / seconds);
     }
 }
