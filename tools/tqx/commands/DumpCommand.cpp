@@ -9,6 +9,7 @@
 #include "ValueJson.h"
 
 #include "TQX_FormatInfo.h"
+#include "TQX_Layout.h"
 
 #include <CLI/Validators.hpp>
 
@@ -47,28 +48,26 @@ private:
 };
 
 /// Paragraphs for people.
-class TextDump : public RecordDump
+class TextWriter : public BlockWriter
 {
 public:
-    TextDump(const FieldFilter& filter, Paragraph::Values values, Buffer& buffer)
-        : paragraph(filter, values), out(buffer)
+    TextWriter(const FieldFilter& filter, bool raw)
+        : paragraph(filter, raw ? Paragraph::Values::Stored : Paragraph::Values::Scaled)
     {
     }
-
-private:
-    void write(const Block& block, const RecordDecoder& decoder) override
+    void write(Buffer& out, const DecodedBlock& decoded) override
     {
-        paragraph.write(out, block, decoder.getRecord());
+        paragraph.write(out, decoded.block, decoded.record);
     }
-    void writeOther(const Block& block) override
+    void writeOther(Buffer& out, const Block& block) override
     {
         // Nothing stands for a block of a known type that did not decode.
         if (TQX_recordType(block.getNumber()) == 0)
             paragraph.writeTitle(out, block);
     }
 
+private:
     Paragraph paragraph;
-    Buffer& out;
 };
 
 } // namespace
@@ -125,13 +124,10 @@ ExitStatus DumpCommand::run()
     if (format == "csv")
         return dumpCsv(streams, filter, raw, target);
     Output output(target);
-    if (format == "text") {
-        TextDump dump(filter, raw ? Paragraph::Values::Stored : Paragraph::Values::Scaled,
-                      output.getBuffer());
-        return streams.read(dump, output);
-    }
     TQX_FormatInfo::getInstance();
     ParallelDump dump(output, [&]() -> std::unique_ptr<BlockWriter> {
+        if (format == "text")
+            return std::make_unique<TextWriter>(filter, raw);
         if (raw)
             return std::make_unique<RawJsonWriter>(filter);
         return std::make_unique<ValueJsonWriter>(filter);
