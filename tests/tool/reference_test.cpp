@@ -28,7 +28,7 @@ Words matchesOf(const std::string& text, const char* pattern)
 Words commands()
 {
     const std::string help = runTool({"--help"}).output;
-    return matchesOf(help.substr(help.find("Subcommands:")), "\n  ([a-z]+) ");
+    return matchesOf(help.substr(help.find("Commands:")), "\n  ([a-z]+) ");
 }
 
 /// The options that the help of a command lists, short and long ones.

@@ -1,6 +1,8 @@
 #include "Command.h"
 #include "Interrupt.h"
+#include "Reference.h"
 #include "ToolError.h"
+#include "TypeNames.h"
 #include "Words.h"
 
 #include <CLI/CLI.hpp>
@@ -32,6 +34,33 @@ constexpr const char* notes =
     "\n"
     "`tqx help COMMAND` explains a command and shows examples.\n";
 
+/// What is wrong with a command line, and what may have been meant.
+std::string describe(const CLI::App& program, const CLI::ParseError& error)
+{
+    const std::vector<std::string> extras = program.remaining(true);
+    std::vector<std::string> names;
+    if (program.get_subcommands().empty()) {
+        if (extras.empty())
+            return "a command is required (see tqx --help)";
+        for (const CLI::App* command : tool::commandsOf(program))
+            names.push_back(command->get_name());
+        return tool::unknownName("command", extras.front(), {names.begin(), names.end()});
+    }
+    if (program.remaining_size() != 0)
+        return program.remaining().front() + " stands before the command, options come behind it";
+    const CLI::App& command = *program.get_subcommands().front();
+    std::string text = error.what();
+    if (dynamic_cast<const CLI::ExtrasError*>(&error) && !extras.empty()) {
+        for (const CLI::Option* option : tool::optionsOf(command))
+            for (const std::string& name : option->get_lnames())
+                names.push_back("--" + name);
+        text = extras.front().front() == '-'
+                   ? tool::unknownName("option", extras.front(), {names.begin(), names.end()})
+                   : extras.front() + " is one argument too many";
+    }
+    return command.get_name() + ": " + text + " (see tqx help " + command.get_name() + ")";
+}
+
 /// A bad command line is told in one line; help and version are no errors.
 ExitStatus explain(const CLI::App& program, const CLI::ParseError& error)
 {
@@ -42,10 +71,7 @@ ExitStatus explain(const CLI::App& program, const CLI::ParseError& error)
         tool::words::say(std::string("standard output: ") + std::strerror(errno));
         return ExitStatus::Failed;
     }
-    std::string text = error.what();
-    for (const CLI::App* command : program.get_subcommands())
-        text = command->get_name() + ": " + text + " (see tqx help " + command->get_name() + ")";
-    tool::words::say(text);
+    tool::words::say(describe(program, error));
     return ExitStatus::Failed;
 }
 
@@ -55,6 +81,8 @@ ExitStatus run(int argc, char** argv)
     program.footer(notes);
     program.set_version_flag("--version", version);
     program.require_subcommand(1);
+    program.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    program.get_formatter()->label("Positionals", "Arguments");
     const std::vector<std::unique_ptr<Command>> commands = tool::makeCommands(program);
     try {
         program.parse(argc, argv);

@@ -18,6 +18,7 @@ Command::Command(CLI::App& program, const std::string& name, const std::string& 
                  const std::string& examples)
     : app(*program.add_subcommand(name, description))
 {
+    app.group("Commands");
     app.footer("Examples:\n" + examples);
 }
 

@@ -8,7 +8,6 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <map>
 
 namespace tool
 {
@@ -52,6 +51,9 @@ void SimulateCommand::declareLength()
                    ->capture_default_str();
     app.add_option("--size", settings.size,
                    "End the log at this size, as 500MB or 1GB; without --duration at no other time")
+        ->check([](const std::string& size) {
+            return size.rfind('-', 0) == 0 ? size + " is no size" : std::string();
+        })
         ->transform(CLI::AsSizeValue(true).description(""))
         ->type_name("BYTES");
     app.add_option("--rate", rate, "Epochs a second; the period must be whole milliseconds")
@@ -62,15 +64,12 @@ void SimulateCommand::declareLength()
 
 void SimulateCommand::declareTrack()
 {
-    using Kind = TrackSettings::Kind;
-    const std::map<std::string, Kind> kinds = {
-        {"static", Kind::Static}, {"circle", Kind::Circle}, {"line", Kind::Line}};
     app.add_option(
-           "--track", settings.track.kind,
+           "--track", track,
            "How the antenna moves: not at all, on a circle of 200 m radius or on a line eastwards")
-        ->transform(CLI::CheckedTransformer(kinds).description(""))
+        ->check(CLI::IsMember({"static", "circle", "line"}).description(""))
         ->type_name("static|circle|line")
-        ->default_str("static");
+        ->capture_default_str();
     app.add_option("--speed", settings.track.speed, "Speed on the track in metres a second")
         ->check(CLI::Range(0.0, 300.0).description(""))
         ->type_name("SPEED")
@@ -116,6 +115,10 @@ ExitStatus SimulateCommand::run()
         throw ToolError(
             fmt::format("simulate: {} Hz is a period of {} ms, which is not whole", rate, period));
     settings.periodMillis = static_cast<uint32_t>(std::llround(period));
+    using Kind = TrackSettings::Kind;
+    settings.track.kind = track == "circle" ? Kind::Circle
+                          : track == "line" ? Kind::Line
+                                            : Kind::Static;
     readStart();
     readPosition();
     if (settings.size != 0 && duration->count() == 0)

@@ -84,6 +84,7 @@ TypesCommand::TypesCommand(CLI::App& program)
 {
     app.add_option("NAME", names,
                    "Types to show the layout of: names, block numbers, or patterns such as 'PVT*'")
+        ->delimiter(',')
         ->type_name("");
     CLI::Option* asJson =
         app.add_flag("--json", json, "All metadata as a JSON array, in order of registration");
