@@ -1,6 +1,7 @@
 #include "CutCommand.h"
 
 #include "Output.h"
+#include "Target.h"
 
 namespace tool
 {
@@ -43,6 +44,7 @@ CutCommand::CutCommand(CLI::App& program)
 ExitStatus CutCommand::run()
 {
     streams.checkBefore(target);
+    refuseTerminal(target);
     Output output(target);
     Copies copies(output.getBuffer());
     return streams.read(copies, output);

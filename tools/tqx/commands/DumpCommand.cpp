@@ -77,7 +77,7 @@ DumpCommand::DumpCommand(CLI::App& program)
           program, "dump", "Show decoded messages",
           "  tqx dump log.tqx\n"
           "  tqx dump --type 4007 --field Latitude,Longitude,Height log.tqx\n"
-          "  receiver | tqx dump --format jsonl - | jq .fields.TOW\n"
+          "  tail -c +1 -f log.tqx | tqx dump --format jsonl - | jq .fields.TOW\n"
           "  tqx dump --format csv --type 4007 log.tqx > position.csv\n"
           "  tqx dump --format csv log.tqx -o tables\n"
           "  tqx dump --format jsonl --raw log.tqx | tqx encode - -o same.tqx\n"

@@ -6,7 +6,7 @@
 #include "LineReader.h"
 #include "Output.h"
 #include "Progress.h"
-#include "SameFile.h"
+#include "Target.h"
 #include "ToolError.h"
 #include "Words.h"
 
@@ -35,6 +35,7 @@ EncodeCommand::EncodeCommand(CLI::App& program)
 ExitStatus EncodeCommand::run()
 {
     refuseSameFile(files, target);
+    refuseTerminal(target);
     Output output(target);
     LineEncoder encoder;
     Progress progress(files, true);

@@ -38,9 +38,9 @@ std::pair<std::string, uint64_t> split(const std::string& place)
 
 ExplainCommand::ExplainCommand(CLI::App& program)
     : Command(program, "explain", "Show a block byte by byte",
-              "  tqx explain log.tqx@1460\n"
-              "  tqx explain log.tqx@0x5b4 log.tqx@1548\n"
-              "  receiver | tqx explain -@0\n"
+              "  tqx explain log.tqx@404\n"
+              "  tqx explain log.tqx@0x194 log.tqx@1784\n"
+              "  tqx simulate | tqx explain -@404\n"
               "\n"
               "A row a value: where it stands in the file and in the block, its bytes, its name,\n"
               "the stored value and what that stands for. Below, what is wrong with the block.\n"

@@ -1,6 +1,7 @@
 #include "ExtractCommand.h"
 
 #include "Output.h"
+#include "Target.h"
 
 #include "AbstractDecoder.h"
 #include "TQXDecoder.h"
@@ -100,6 +101,7 @@ ExtractCommand::ExtractCommand(CLI::App& program)
 ExitStatus ExtractCommand::run()
 {
     streams.checkBefore(target);
+    refuseTerminal(target);
     Output output(target);
     const auto number = std::find(modes.begin(), modes.end(), mode) - modes.begin();
     Corrections corrections(output.getBuffer(), static_cast<uint8_t>(number));

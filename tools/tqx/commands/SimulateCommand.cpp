@@ -1,6 +1,7 @@
 #include "SimulateCommand.h"
 
 #include "Output.h"
+#include "Target.h"
 #include "ToolError.h"
 
 #include <CLI/Validators.hpp>
@@ -123,6 +124,7 @@ ExitStatus SimulateCommand::run()
     readPosition();
     if (settings.size != 0 && duration->count() == 0)
         settings.duration = 1e8;
+    refuseTerminal(target);
     Output output(target);
     simulate(settings, output);
     return ExitStatus::Done;

@@ -1,7 +1,7 @@
 #include "StreamOptions.h"
 
-#include "SameFile.h"
 #include "Sink.h"
+#include "Target.h"
 #include "Words.h"
 
 #include <fmt/format.h>

@@ -1,4 +1,4 @@
-#include "SameFile.h"
+#include "Target.h"
 
 #include "ToolError.h"
 
@@ -32,6 +32,12 @@ void refuseSameFile(const std::vector<std::string>& inputs, const std::string& t
             throw ToolError((target == "-" ? "standard output" : target) +
                             " is an input, it cannot be the output as well");
     }
+}
+
+void refuseTerminal(const std::string& target)
+{
+    if (target == "-" && ::isatty(STDOUT_FILENO) != 0)
+        throw ToolError("the output is no text for a terminal; name a file with -o, or use a pipe");
 }
 
 } // namespace tool

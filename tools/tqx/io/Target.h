@@ -10,4 +10,7 @@ namespace tool
 /// gone before it is read, or grow for ever. "-" are standard input and output.
 void refuseSameFile(const std::vector<std::string>& inputs, const std::string& target);
 
+/// Throws ToolError when bytes that are no text would be written to a terminal.
+void refuseTerminal(const std::string& target);
+
 } // namespace tool
