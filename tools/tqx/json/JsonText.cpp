@@ -1,11 +1,14 @@
 #include "JsonText.h"
 
+#include "Digits.h"
+
 #include <fmt/compile.h>
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
 
 namespace tool::json
 {
@@ -101,8 +104,8 @@ void appendFloat(Buffer& out, float value)
 // double, so it is the shortest text as well, and takes a third of the time.
 void appendDouble(Buffer& out, double value)
 {
-    constexpr unsigned decimals = 3;
-    constexpr double power = 1000;
+    constexpr unsigned decimals = 4;
+    constexpr double power = 10000;
     constexpr double mostDigits = 1e15;
     const double digits = value * power;
     if (std::fabs(digits) < mostDigits && value != 0) {
@@ -117,35 +120,43 @@ void appendDouble(Buffer& out, double value)
 
 bool appendDecimal(Buffer& out, bool isNegative, uint64_t digits, unsigned decimals)
 {
-    constexpr size_t mostZeros = 4; // behind the point, in front of the first digit
-    while (decimals != 0 && digits % 10 == 0) {
-        digits /= 10;
-        --decimals;
-        if (digits == 0)
-            decimals = 0;
-    }
-    const fmt::format_int number(digits);
-    const size_t length = number.size();
-    if (length + mostZeros <= decimals)
+    constexpr uint64_t powers[] = {1,
+                                   10,
+                                   100,
+                                   1000,
+                                   10000,
+                                   100000,
+                                   1000000,
+                                   10000000,
+                                   100000000,
+                                   1000000000,
+                                   10000000000,
+                                   100000000000,
+                                   1000000000000,
+                                   10000000000000,
+                                   100000000000000,
+                                   1000000000000000};
+    constexpr uint64_t mostSmall = 10000; // smaller parts of one have an exponent
+    if (decimals >= std::size(powers))
+        return false;
+    const uint64_t unit = powers[decimals];
+    const uint64_t whole = digits / unit;
+    const uint64_t fraction = digits - whole * unit;
+    if (whole == 0 && fraction != 0 && fraction * mostSmall < unit)
         return false;
     char* const begin = out.reserve(longestNumber);
-    char* to = begin;
+    char* end = begin;
     if (isNegative && digits != 0)
-        *to++ = '-';
-    if (length <= decimals) {
-        *to++ = '0';
-        *to++ = '.';
-        for (size_t zeros = decimals - length; zeros != 0; --zeros)
-            *to++ = '0';
-        to = std::copy_n(number.data(), length, to);
-    } else {
-        to = std::copy_n(number.data(), length - decimals, to);
-        if (decimals != 0) {
-            *to++ = '.';
-            to = std::copy_n(number.data() + length - decimals, decimals, to);
-        }
+        *end++ = '-';
+    end = fmt::format_to(end, FMT_COMPILE("{}"), whole);
+    if (fraction != 0) {
+        *end++ = '.';
+        end += decimals;
+        writeDigits(end, fraction, decimals);
+        while (end[-1] == '0')
+            --end;
     }
-    out.advance(static_cast<size_t>(to - begin));
+    out.advance(static_cast<size_t>(end - begin));
     return true;
 }
 

@@ -20,8 +20,8 @@ void appendFloat(Buffer& out, float value);
 void appendDouble(Buffer& out, double value);
 
 /// `digits` with the point moved to the left by `decimals`, without zeros at the end, as
-/// appendDouble writes such a number. False, and nothing written, for numbers that are so small
-/// that it writes them with an exponent.
+/// appendDouble writes such a number of up to fifteen digits. False, and nothing written, for
+/// numbers that are so small that it writes them with an exponent, and for more than 15 decimals.
 bool appendDecimal(Buffer& out, bool isNegative, uint64_t digits, unsigned decimals);
 
 /// String of UTF-8 text, quotes included.

@@ -1,11 +1,12 @@
 #include "FixedNumber.h"
 
+#include "Digits.h"
+
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
+#include <iterator>
 
 namespace tool
 {
@@ -17,26 +18,6 @@ namespace
 constexpr double powers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                              1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr int mostDecimals = static_cast<int>(std::size(powers)) - 1;
-
-struct Pair {
-    char digits[2];
-};
-
-constexpr std::array<Pair, 100> pairs = [] {
-    std::array<Pair, 100> table = {};
-    for (size_t i = 0; i < table.size(); ++i)
-        table[i] = {{static_cast<char>('0' + i / 10), static_cast<char>('0' + i % 10)}};
-    return table;
-}();
-
-/// Writes the last `count` digits of a number, up to `end`.
-void writeDigits(char* end, uint64_t number, int count)
-{
-    for (; count >= 2; count -= 2, number /= 100)
-        std::memcpy(end -= 2, pairs[number % 100].digits, 2);
-    if (count != 0)
-        *--end = static_cast<char>('0' + number % 10);
-}
 
 } // namespace
 
@@ -74,7 +55,7 @@ bool appendFixed(Buffer& out, double value, int decimals, double limit)
     if (decimals != 0) {
         *end++ = '.';
         end += decimals;
-        writeDigits(end, fraction, decimals);
+        writeDigits(end, fraction, static_cast<unsigned>(decimals));
     }
     out.advance(static_cast<size_t>(end - begin));
     return true;
