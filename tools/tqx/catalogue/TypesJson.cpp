@@ -1,6 +1,7 @@
 #include "TypesJson.h"
 
 #include "JsonText.h"
+#include "NumberText.h"
 
 #include "FieldInfo.h"
 #include "MessageInfo.h"
@@ -35,7 +36,7 @@ public:
     {
         json::appendString(member(name), value.toStdString());
     }
-    void number(const char* name, int64_t value) { json::appendSigned(member(name), value); }
+    void number(const char* name, int64_t value) { number::appendSigned(member(name), value); }
     void real(const char* name, double value) { json::appendDouble(member(name), value); }
     void boolean(const char* name, bool value) { member(name).append(value ? "true" : "false"); }
     void flag(const char* name, bool value)

@@ -2,7 +2,7 @@
 
 #include "CsvKey.h"
 #include "CsvText.h"
-#include "JsonText.h"
+#include "NumberText.h"
 
 #include "TQX_RecordAccess.h"
 
@@ -94,7 +94,7 @@ void CsvFolder::writeRows(Sheet& sheet, const void* record)
         const uint32_t count = sheet.table->countEntries(child, record);
         for (uint32_t i = 0; i < count; ++i) {
             key.append(',');
-            json::appendUnsigned(key, i);
+            number::appendUnsigned(key, i);
             writeRows(sheet.children[c], CsvTable::entry(child, record, i));
             key.truncate(start);
         }

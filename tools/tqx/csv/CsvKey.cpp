@@ -1,7 +1,7 @@
 #include "CsvKey.h"
 
-#include "JsonText.h"
 #include "LeapSeconds.h"
+#include "NumberText.h"
 
 #include "TQX_RecordAccess.h"
 
@@ -19,13 +19,13 @@ void appendKey(Buffer& out, uint64_t index, const void* record)
     const auto& header = *static_cast<const Kor::MessageApi::TQX_MainHeader_s*>(record);
     const bool hasWeek = gnssMillis(0, header.WNc).has_value();
     const bool hasTow = gnssMillis(header.TOW, 0).has_value();
-    json::appendUnsigned(out, index);
+    number::appendUnsigned(out, index);
     out.append(',');
     if (hasWeek)
-        json::appendUnsigned(out, header.WNc);
+        number::appendUnsigned(out, header.WNc);
     out.append(',');
     if (hasTow)
-        json::appendDecimal(out, false, header.TOW, decimals);
+        number::appendDecimal(out, false, header.TOW, decimals);
     out.append(',');
     if (hasWeek && hasTow)
         out.append(utcText(*gnssMillis(header.TOW, header.WNc)));

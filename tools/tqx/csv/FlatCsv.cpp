@@ -2,7 +2,7 @@
 
 #include "CsvKey.h"
 #include "CsvText.h"
-#include "JsonText.h"
+#include "NumberText.h"
 
 namespace tool
 {
@@ -79,7 +79,7 @@ void FlatCsv::writeRows(Buffer& out, CsvTable& table, const void* record, size_t
             hasEntries = true;
             const void* entry = CsvTable::entry(child, record, i);
             row.append(',');
-            json::appendUnsigned(row, i);
+            number::appendUnsigned(row, i);
             child.table->appendCells(row, entry);
             writeRows(out, *child.table, entry, left - 1 - child.table->getColumns().size());
             row.truncate(start + (cellsBehind - left));

@@ -1,14 +1,10 @@
 #include "JsonText.h"
 
-#include "Digits.h"
-
-#include <fmt/compile.h>
-#include <fmt/format.h>
+#include "NumberText.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <iterator>
 
 namespace tool::json
 {
@@ -16,28 +12,17 @@ namespace tool::json
 namespace
 {
 
-constexpr size_t longestNumber = 40;
-
-template<typename Number>
-void appendFormatted(Buffer& out, Number value)
-{
-    char* begin = out.reserve(longestNumber);
-    out.advance(static_cast<size_t>(fmt::format_to(begin, FMT_COMPILE("{}"), value) - begin));
-}
-
+/// Words stand for what is no JSON number. False, and nothing appended, for all others.
 template<typename Real>
-void appendReal(Buffer& out, Real value)
+bool appendNotFinite(Buffer& out, Real value)
 {
-    if (std::isfinite(value)) {
-        if (value == 0 && std::signbit(value))
-            out.append("-0.0");
-        else
-            appendFormatted(out, value);
-    } else if (std::isnan(value)) {
+    if (std::isfinite(value))
+        return false;
+    if (std::isnan(value))
         out.append("\"NaN\"");
-    } else {
+    else
         out.append(value > 0 ? "\"Infinity\"" : "\"-Infinity\"");
-    }
+    return true;
 }
 
 /// Text of each byte within a string of Latin-1 characters, for most itself.
@@ -85,79 +70,16 @@ void appendEscaped(Buffer& out, const std::array<Escape, 256>& escapes, const ch
 
 } // namespace
 
-void appendUnsigned(Buffer& out, uint64_t value)
-{
-    appendFormatted(out, value);
-}
-
-void appendSigned(Buffer& out, int64_t value)
-{
-    appendFormatted(out, value);
-}
-
 void appendFloat(Buffer& out, float value)
 {
-    appendReal(out, value);
+    if (!appendNotFinite(out, value))
+        number::appendFloat(out, value);
 }
 
-// Many values are decimal numbers with few digits. Of up to fifteen digits, only one is next to a
-// double, so it is the shortest text as well, and takes a third of the time.
 void appendDouble(Buffer& out, double value)
 {
-    constexpr unsigned decimals = 4;
-    constexpr double power = 10000;
-    constexpr double mostDigits = 1e15;
-    const double digits = value * power;
-    if (std::fabs(digits) < mostDigits && value != 0) {
-        const auto whole = static_cast<int64_t>(digits);
-        if (static_cast<double>(whole) == digits && digits / power == value &&
-            appendDecimal(out, whole < 0, static_cast<uint64_t>(whole < 0 ? -whole : whole),
-                          decimals))
-            return;
-    }
-    appendReal(out, value);
-}
-
-bool appendDecimal(Buffer& out, bool isNegative, uint64_t digits, unsigned decimals)
-{
-    constexpr uint64_t powers[] = {1,
-                                   10,
-                                   100,
-                                   1000,
-                                   10000,
-                                   100000,
-                                   1000000,
-                                   10000000,
-                                   100000000,
-                                   1000000000,
-                                   10000000000,
-                                   100000000000,
-                                   1000000000000,
-                                   10000000000000,
-                                   100000000000000,
-                                   1000000000000000};
-    constexpr uint64_t mostSmall = 10000; // smaller parts of one have an exponent
-    if (decimals >= std::size(powers))
-        return false;
-    const uint64_t unit = powers[decimals];
-    const uint64_t whole = digits / unit;
-    const uint64_t fraction = digits - whole * unit;
-    if (whole == 0 && fraction != 0 && fraction * mostSmall < unit)
-        return false;
-    char* const begin = out.reserve(longestNumber);
-    char* end = begin;
-    if (isNegative && digits != 0)
-        *end++ = '-';
-    end = fmt::format_to(end, FMT_COMPILE("{}"), whole);
-    if (fraction != 0) {
-        *end++ = '.';
-        end += decimals;
-        writeDigits(end, fraction, decimals);
-        while (end[-1] == '0')
-            --end;
-    }
-    out.advance(static_cast<size_t>(end - begin));
-    return true;
+    if (!appendNotFinite(out, value))
+        number::appendDouble(out, value);
 }
 
 void appendString(Buffer& out, std::string_view text)

@@ -1,6 +1,7 @@
 #include "RawJson.h"
 
 #include "JsonText.h"
+#include "NumberText.h"
 #include "TQX_codec.h"
 #include "TextCache.h"
 
@@ -82,19 +83,19 @@ void Writer::writeElement(const TQX_FieldLayout& field, const void* element)
 {
     switch (field.type) {
     case TQX_MemberType::U8:
-        return json::appendUnsigned(out, load<uint8_t>(element));
+        return number::appendUnsigned(out, load<uint8_t>(element));
     case TQX_MemberType::I8:
-        return json::appendSigned(out, load<int8_t>(element));
+        return number::appendSigned(out, load<int8_t>(element));
     case TQX_MemberType::U16:
-        return json::appendUnsigned(out, load<uint16_t>(element));
+        return number::appendUnsigned(out, load<uint16_t>(element));
     case TQX_MemberType::I16:
-        return json::appendSigned(out, load<int16_t>(element));
+        return number::appendSigned(out, load<int16_t>(element));
     case TQX_MemberType::U32:
-        return json::appendUnsigned(out, load<uint32_t>(element));
+        return number::appendUnsigned(out, load<uint32_t>(element));
     case TQX_MemberType::I32:
-        return json::appendSigned(out, load<int32_t>(element));
+        return number::appendSigned(out, load<int32_t>(element));
     case TQX_MemberType::U64:
-        return json::appendUnsigned(out, load<uint64_t>(element));
+        return number::appendUnsigned(out, load<uint64_t>(element));
     case TQX_MemberType::F32: {
         const auto value = load<float>(element);
         exact = exact && !isOddNaN<float, uint32_t>(value);
@@ -295,7 +296,7 @@ void RawJson::writeBytes(Buffer& out, const Block& block) const
     if (!filter.isEverything())
         return;
     out.append("{\"number\":");
-    json::appendUnsigned(out, block.getNumber());
+    number::appendUnsigned(out, block.getNumber());
     out.append(",\"bytes\":");
     json::appendBase64(out, block.data, block.size);
     out.append("}\n");

@@ -1,6 +1,6 @@
 #include "Scale.h"
 
-#include "JsonText.h"
+#include "NumberText.h"
 
 #include <cmath>
 
@@ -41,10 +41,10 @@ Scale::Scale(double factor) : multiplier(factor)
 void Scale::append(Buffer& out, bool isNegative, uint64_t magnitude) const
 {
     if (magnitude < endOfWhole &&
-        json::appendDecimal(out, isNegative, magnitude * wholeMultiplier, decimals))
+        number::appendDecimal(out, isNegative, magnitude * wholeMultiplier, decimals))
         return;
     const auto value = static_cast<double>(magnitude);
-    json::appendDouble(out, apply(isNegative ? -value : value));
+    number::appendDouble(out, apply(isNegative ? -value : value));
 }
 
 } // namespace tool

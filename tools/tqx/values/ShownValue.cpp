@@ -1,6 +1,6 @@
 #include "ShownValue.h"
 
-#include "JsonText.h"
+#include "NumberText.h"
 
 #include "FieldInfo.h"
 
@@ -31,8 +31,8 @@ void ShownValue::appendInteger(Buffer& out, uint64_t value) const
     if (scale)
         return scale->append(out, isNegative, isNegative ? 0 - value : value);
     if (isNegative)
-        return json::appendSigned(out, static_cast<int64_t>(value));
-    json::appendUnsigned(out, value);
+        return number::appendSigned(out, static_cast<int64_t>(value));
+    number::appendUnsigned(out, value);
 }
 
 void ShownValue::appendReal(Buffer& out, uint64_t word) const
@@ -45,10 +45,10 @@ void ShownValue::appendReal(Buffer& out, uint64_t word) const
                                         : real > 0       ? "Infinity"
                                                          : "-Infinity"));
     if (scale)
-        return json::appendDouble(out, scale->apply(real));
+        return number::appendDouble(out, scale->apply(real));
     if (bits.isSingle())
-        return json::appendFloat(out, MemberBits::single(word));
-    json::appendDouble(out, real);
+        return number::appendFloat(out, MemberBits::single(word));
+    number::appendDouble(out, real);
 }
 
 void ShownValue::append(Buffer& out, uint64_t word) const
