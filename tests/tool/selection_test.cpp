@@ -152,6 +152,8 @@ INSTANTIATE_TEST_SUITE_P(
              "--where: ASCIIIn is a block; name a field of it, as ASCIIIn.TOW\n"
              "  ASCIIIn > 1\n"
              "  ^"},
+        Case{"Empty", {"--where", ""}, "cut: --where: it is empty (see tqx help cut)"},
+        Case{"EmptyTime", {"--from", ""}, "cut: --from: it is empty (see tqx help cut)"},
         Case{"UnselectedType",
              {"--type", "4014", "--where", "NrSV > 1"},
              "--where: no selected block has this field\n"

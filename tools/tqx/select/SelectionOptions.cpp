@@ -22,6 +22,12 @@ void addNames(CLI::App& command, const char* name, std::vector<std::string>& nam
         ->group(group);
 }
 
+/// An empty one is more likely a variable that was never set than the wish for everything.
+std::string refuseEmpty(const std::string& value)
+{
+    return value.empty() ? "it is empty" : "";
+}
+
 } // namespace
 
 const char* const SelectionOptions::notes =
@@ -56,15 +62,18 @@ void SelectionOptions::addConditions(CLI::App& command)
                     "Only from this time on: GNSS week:seconds, or a date in UTC or GPS time such "
                     "as 2026-01-06T11:59:42Z or '2026-01-06T12:00:00 GPS'")
         ->type_name("TIME")
+        ->check(refuseEmpty)
         ->group(group);
     command.add_option("--to", request.to, "Only before this time, written like that of --from")
         ->type_name("TIME")
+        ->check(refuseEmpty)
         ->group(group);
     command
         .add_option("--where", request.where,
                     "Only blocks whose fields meet a condition, such as "
                     "'NrSV >= 8 and not has COG'")
         ->type_name("CONDITION")
+        ->check(refuseEmpty)
         ->group(group);
     command
         .add_option("--every", request.every,
