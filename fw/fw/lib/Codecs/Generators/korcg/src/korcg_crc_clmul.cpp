@@ -33,8 +33,7 @@ uint16_t crcClmul(const uint8_t* data, size_t size, uint16_t start)
     if (size < kLeastBytes) {
         return crcSlicing(data, size, start);
     }
-    const uint16_t crc = fold(data, size);
-    return start == 0 ? crc : korcg_crc16_combine(start, crc, size);
+    return start == 0 ? fold(data, size) : korcg_crc16_combine(start, fold(data, size), size);
 }
 
 } // namespace korcg

@@ -14,9 +14,7 @@ namespace
 
 constexpr size_t kLeastBytes = 48; // fewer are faster done by table
 
-constexpr Lane kFinal[4][4] = {
-    {makeFinalShift(15), makeFinalShift(14), makeFinalShift(13), makeFinalShift(12)},
-    {makeFinalShift(11), makeFinalShift(10), makeFinalShift(9), makeFinalShift(8)},
+constexpr Lane kFinal[2][4] = {
     {makeFinalShift(7), makeFinalShift(6), makeFinalShift(5), makeFinalShift(4)},
     {makeFinalShift(3), makeFinalShift(2), makeFinalShift(1), makeFinalShift(0)}};
 
@@ -69,14 +67,32 @@ KORCG_INLINE __m128i addLanes(__m512i lanes)
     return _mm_xor_si128(_mm256_castsi256_si128(pairs), _mm256_extracti128_si256(pairs, 1));
 }
 
+/// The last `Words` of 64 bits of `a` and the first of `b`.
+template<int Words>
+KORCG_INLINE __m512i behind(__m512i a, __m512i b)
+{
+    return _mm512_maskz_alignr_epi64(0xff, b, a, 8 - Words);
+}
+
+/// Drops the first two of four vectors into the others: 0.5, 1.375 and 2 vectors behind.
+KORCG_INLINE void dropFirstTwo(__m512i* v)
+{
+    const __m512i zero = LaneQuads::zero();
+    const __m512i both = LaneQuads::add(v[0], v[1]);
+    const __m512i a = LaneQuads::add(v[0], behind<4>(zero, v[0]));
+    const __m512i b =
+        LaneQuads::add(LaneQuads::add(both, behind<4>(v[0], both)), behind<3>(zero, v[0]));
+    v[2] = LaneQuads::add(LaneQuads::add(v[2], a),
+                          LaneQuads::add(behind<4>(b, zero), behind<3>(a, b)));
+    v[3] = LaneQuads::add(LaneQuads::add(v[3], b), behind<3>(b, zero));
+}
+
 KORCG_TARGET uint16_t fold(const uint8_t* data, size_t size)
 {
     __m512i v[8];
     shorten<LaneQuads>(data, size, v);
-    __m512i sum = multiplied(v[4], kFinal[0]);
-    for (size_t i = 1; i < 4; ++i) {
-        sum = LaneQuads::add(sum, multiplied(v[4 + i], kFinal[i]));
-    }
+    dropFirstTwo(v + 4);
+    const __m512i sum = LaneQuads::add(multiplied(v[6], kFinal[0]), multiplied(v[7], kFinal[1]));
     return reduce(addLanes(sum));
 }
 
@@ -93,8 +109,7 @@ uint16_t crcWideClmul(const uint8_t* data, size_t size, uint16_t start)
     if (size < kLeastBytes) {
         return crcSlicing(data, size, start);
     }
-    const uint16_t crc = fold(data, size);
-    return start == 0 ? crc : korcg_crc16_combine(start, crc, size);
+    return start == 0 ? fold(data, size) : korcg_crc16_combine(start, fold(data, size), size);
 }
 
 } // namespace korcg
