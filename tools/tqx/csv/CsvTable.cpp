@@ -102,7 +102,7 @@ void CsvTable::addStep(const TQX_FieldLayout& member)
                      size,
                      {},
                      {},
-                     TextCache(size),
+                     {},
                      nullptr});
 }
 

@@ -235,7 +235,7 @@ std::unique_ptr<RawPlan> makePlan(const TQX_TypeLayout& type, const FieldFilter&
             continue;
         }
         RawPlan::Step step = {&field, "," + json::key(field.name),
-                              TextCache(TQX_elementSize(field)), nullptr};
+                              {}, nullptr};
         if (field.recordType != 0) {
             step.plan = makePlan(*TQX_layout(field.recordType), *inside);
             plan->whole = plan->whole && step.plan->whole;

@@ -71,7 +71,7 @@ std::unique_ptr<ValuePlan> makePlan(const TQX_TypeLayout& type, const FieldFilte
                                    size,
                                    key,
                                    {},
-                                   TextCache(size),
+                                   {},
                                    nullptr});
         }
         ValuePlan::Step& step = plan->steps.back();

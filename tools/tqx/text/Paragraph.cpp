@@ -67,7 +67,7 @@ ParagraphPlan::Step makeStep(const TQX_FieldLayout& member, const FieldInfo& inf
             info.isRepeated(),
             size,
             {},
-            TextCache(size),
+            {},
             {},
             nullptr};
 }
