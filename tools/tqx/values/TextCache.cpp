@@ -15,9 +15,9 @@ constexpr size_t cacheLine = 64;
 // Holds no text, so that a cache without memory needs no question of its own.
 const char TextCache::noSlot[sizeof(Head) + Buffer::chunk] = {};
 
-void TextCache::Release::operator()(char* memory) const
+void TextCache::Release::operator()(char* owned) const
 {
-    ::operator delete(memory, std::align_val_t(cacheLine));
+    ::operator delete(owned, std::align_val_t(cacheLine));
 }
 
 void TextCache::setUp(size_t size, unsigned shift)
