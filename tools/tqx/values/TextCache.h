@@ -60,7 +60,7 @@ private:
     static const char noSlot[];
     const char* slots = noSlot;
     size_t slotSize = 0;
-    unsigned placeShift = 60;
+    unsigned placeShift = 58;
     std::unique_ptr<char, Release> memory; ///< of the slots, and a chunk behind them
     uint32_t found = 0;                    ///< texts, since replaced was 0
     uint32_t replaced = 0;                 ///< texts that had to make room for others
