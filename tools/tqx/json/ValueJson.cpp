@@ -26,13 +26,15 @@ struct ValuePlan {
 
     /// What is written of one member: a number with the bit ranges packed in it, or anything else.
     struct Step {
-        const TQX_FieldLayout* field;
-        bool isOptional;
+        // What every number needs stands together.
         bool isNumber;
-        uint32_t size; ///< of a number in bytes
-        PaddedText key;
-        std::vector<Part> parts; ///< of a number; else at most the one for the elements
+        bool isOptional;
+        uint32_t size;   ///< of a number in bytes
+        uint32_t offset; ///< in the record
         TextCache cache;
+        const TQX_FieldLayout* field;
+        std::vector<Part> parts; ///< of a number; else at most the one for the elements
+        PaddedText key;
         std::unique_ptr<ValuePlan> plan; ///< of the sub-block
     };
 
@@ -65,13 +67,14 @@ std::unique_ptr<ValuePlan> makePlan(const TQX_TypeLayout& type, const FieldFilte
             word = isPart ? field.parent : i;
             const TQX_FieldLayout& member = type.fields[word];
             const uint32_t size = field.recordType == 0 ? TQX_elementSize(member) : 0;
-            plan->steps.push_back({&member,
+            plan->steps.push_back({isNumber(member),
                                    member.presence != TQX_Presence::Always,
-                                   isNumber(member),
                                    size,
+                                   member.recordOffset,
+                                   {},
+                                   &member,
+                                   {},
                                    key,
-                                   {},
-                                   {},
                                    nullptr});
         }
         ValuePlan::Step& step = plan->steps.back();
@@ -88,8 +91,7 @@ void writeRecord(Buffer& out, ValuePlan& plan, const void* record);
 
 void writeNumber(Buffer& out, ValuePlan::Step& step, const void* record)
 {
-    const uint64_t word =
-        loadWord(static_cast<const char*>(record) + step.field->recordOffset, step.size);
+    const uint64_t word = loadWord(static_cast<const char*>(record) + step.offset, step.size);
     step.cache.append(out, word, [&step, word](Buffer& to) {
         for (const ValuePlan::Part& part : step.parts) {
             part.key.appendTo(to);
@@ -127,13 +129,13 @@ void writeRecord(Buffer& out, ValuePlan& plan, const void* record)
 {
     const size_t start = out.size();
     for (ValuePlan::Step& step : plan.steps) {
-        const TQX_FieldLayout& field = *step.field;
-        if (step.isOptional && !TQX_isPresent(*plan.type, field, record))
+        if (step.isOptional && !TQX_isPresent(*plan.type, *step.field, record))
             continue;
         if (step.isNumber) {
             writeNumber(out, step, record);
             continue;
         }
+        const TQX_FieldLayout& field = *step.field;
         step.key.appendTo(out);
         if (field.kind == TQX_FieldKind::Embedded)
             writeRecord(out, *step.plan, TQX_element(field, record));
