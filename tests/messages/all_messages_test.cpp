@@ -10,6 +10,8 @@
 #include "MemLeakTracer.h"
 #include "MessageInfo.h"
 
+#include <QLocale>
+
 #include <algorithm>
 #include <cstring>
 #include <map>
@@ -49,8 +51,8 @@ struct Seen {
 class MessageCheck
 {
 public:
-    MessageCheck(Message& message, Seen& seen)
-        : m_message(message), m_record(RecordReader::recordOf(&message)),
+    MessageCheck(Message& message, const Message& ofAnotherType, Seen& seen)
+        : m_message(message), m_stranger(ofAnotherType), m_record(RecordReader::recordOf(&message)),
           m_type(*TQX_layout(TQX_AS_KORCG_HEADER(m_record)->korcg_type)), m_seen(seen)
     {
         ++seen.messages[std::string("TQX_") + m_type.name + "_Message"];
@@ -60,6 +62,8 @@ public:
     {
         const Rows<FieldAccessor> rows = fieldAccessors(m_type.recordType);
         ASSERT_EQ(rows.count, m_type.fieldCount);
+        ASSERT_EQ(m_message.getInfo()->getFieldInfos().size(), m_type.fieldCount);
+        EXPECT_EQ(m_message.getInfo()->getName(), m_type.name);
         m_message.getSubMessages(); // links the sub-records to their parents
         QStringList line;
         for (int i = 0; i < m_type.fieldCount; ++i) {
@@ -69,6 +73,8 @@ public:
             checkPresence(rows.rows[i]);
             m_texts.clear();
             std::visit([this](const auto& getters) { check(getters); }, rows.rows[i].getters);
+            checkMessageOfAnotherType(&m_stranger);
+            checkMessageOfAnotherType(nullptr);
             line += m_present ? m_texts.join(m_isText ? "" : " ") : QString();
             QVector<bool> mask(i + 1, false);
             mask[i] = true;
@@ -95,6 +101,35 @@ private:
         const unsigned count = m_present ? TQX_elementCount(m_type, *m_field, m_record) : 0;
         EXPECT_EQ(m_info->getNumberOfValues(&m_message), count);
         EXPECT_EQ(m_info->hasValue(&m_message), count > 0);
+        EXPECT_EQ(m_info->getName(), m_field->name);
+        EXPECT_EQ(thrownText([&] { m_info->getValue(&m_message, count); }), failureBehind());
+    }
+
+    std::string failure(const char* kind, const char* why) const
+    {
+        return std::string("Requesting value for ") + kind + " field " + m_type.name +
+               "::" + m_field->name + why;
+    }
+
+    /// What getValue says behind the last value.
+    std::string failureBehind() const
+    {
+        if (!m_present && m_info->getName().startsWith("_padding"))
+            return failure("an optional", " that is not present.");
+        if (!m_present)
+            return failure("a non-present optional", ".");
+        return m_info->isRepeated() ? failure("an repeated", " with out of range index.")
+                                    : failure("a non-repeated", " using non-zero index.");
+    }
+
+    void checkMessageOfAnotherType(const Message* message) const
+    {
+        EXPECT_FALSE(m_info->hasValue(message));
+        EXPECT_EQ(m_info->getNumberOfValues(message), 0U);
+        EXPECT_EQ(m_info->getValueString(message), "");
+        EXPECT_EQ(m_info->getValueString(message, 0, true), "");
+        EXPECT_EQ(thrownText([&] { m_info->getValue(message, 0); }),
+                  failure("a", " that is not present in the given kind of message."));
     }
 
     std::string fieldName() const
@@ -125,9 +160,15 @@ private:
         EXPECT_EQ(std::memcmp(&value, TQX_element(*m_field, m_record, index), sizeof value), 0);
         const FieldValue expected = fieldValue(value, m_field->width);
         if (m_present) {
-            const FieldValue stored = m_info->getValue(&m_message, index);
-            EXPECT_EQ(stored, expected);
-            EXPECT_EQ(stored.getKind(), expected.getKind());
+            for (const FieldValue& stored : {m_info->getValue(&m_message, index),
+                                             m_info->getValueUnchecked(&m_message, index)}) {
+                EXPECT_EQ(stored, expected);
+                EXPECT_EQ(stored.getKind(), expected.getKind());
+                EXPECT_EQ(stored.getWidth(), expected.getWidth());
+            }
+            for (const bool withUnit : {false, true})
+                EXPECT_EQ(m_info->getValueString(&m_message, index, withUnit),
+                          shownText(value, expected, withUnit));
         }
         m_texts += rawText(value, m_info->isDoNotUse(expected));
     }
@@ -135,16 +176,38 @@ private:
     template<typename Value>
     QString rawText(Value value, bool isDoNotUse)
     {
-        if (isDoNotUse) {
+        if (isDoNotUse)
             m_seen.doNotUse.insert(m_info);
+        if (isDoNotUse && Message::useDoNotUseString)
             return Message::doNotUseString;
-        }
         if constexpr (std::is_same_v<Value, char>)
             return QString(QLatin1Char(value));
         else if constexpr (std::is_floating_point_v<Value>)
             return FloatRepresentation::getString(value, 'f', m_info->getPrecision(), false);
         else
             return QString::number(value);
+    }
+
+    /// The same for people: integers by their names, numbers in the locale's way and with unit.
+    template<typename Value>
+    QString shownText(Value value, const FieldValue& stored, bool withUnit) const
+    {
+        if constexpr (std::is_same_v<Value, char>) {
+            return value ? QString(QLatin1Char(value)) : QString();
+        } else {
+            for (const auto& symbol : m_info->getSymbolicValues())
+                if (std::is_integral_v<Value> && symbol.value == stored)
+                    return symbol.name;
+            if (m_info->isDoNotUse(stored))
+                return Message::useDoNotUseString ? Message::doNotUseString : QString();
+            QString number;
+            if constexpr (std::is_floating_point_v<Value>)
+                number = FloatRepresentation::getString(value, 'f', m_info->getPrecision(), true);
+            else
+                number = QLocale().toString(value);
+            return !withUnit || m_info->getUnit().isEmpty() ? number
+                                                            : number + ' ' + m_info->getUnit();
+        }
     }
 
     template<typename Value>
@@ -178,6 +241,7 @@ private:
             const auto* text = reinterpret_cast<const char*>((m_message.*getters.constArray)());
             m_texts =
                 QStringList(QString::fromLatin1(text, static_cast<int>(qstrnlen(text, room))));
+            EXPECT_EQ(m_info->getValueString(&m_message), m_present ? m_texts.first() : QString());
         }
     }
 
@@ -218,12 +282,15 @@ private:
         ASSERT_EQ(record, TQX_element(*m_field, m_record, index));
         EXPECT_EQ(TQX_AS_KORCG_HEADER(record)->korcg_father, m_record);
         EXPECT_EQ(m_info->getValue(&m_message, index).getSubMessage(), child);
-        MessageCheck(*child, m_seen).run();
+        EXPECT_EQ(m_info->getValueUnchecked(&m_message, index).getSubMessage(), child);
+        EXPECT_EQ(m_info->getValueString(&m_message, index, true), "submsg");
+        MessageCheck(*child, m_message, m_seen).run();
         m_children += child;
         m_texts += "submsg";
     }
 
     Message& m_message;
+    const Message& m_stranger;
     const void* m_record;
     const TQX_TypeLayout& m_type;
     Seen& m_seen;
@@ -237,9 +304,34 @@ private:
     QStringList m_texts;
 };
 
-TEST(AllMessages, GiveWhatTheirRecordsHold)
+/// Settings that only the texts for people follow, or all texts.
+class AllMessages : public testing::Test
+{
+protected:
+    AllMessages()
+    {
+        QLocale::setDefault(QLocale(QLocale::German));
+        Message::fieldSeparator = ";";
+        Message::doNotUseString = "n/a";
+    }
+    ~AllMessages() override
+    {
+        QLocale::setDefault(locale);
+        Message::fieldSeparator = separator;
+        Message::doNotUseString = doNotUse;
+        Message::useDoNotUseString = true;
+    }
+
+    const QLocale locale;
+    const QString separator = Message::fieldSeparator;
+    const QString doNotUse = Message::doNotUseString;
+};
+
+TEST_F(AllMessages, GiveWhatTheirRecordsHold)
 {
     TQX_FormatInfo::getInstance();
+    const TQX_OSNMAKey_Message key(nullptr, false);
+    const TQX_EndOfAtt1_Message end(nullptr, false);
     MemLeakTracer::reset();
     std::mt19937 generator(20240917);
     Seen seen;
@@ -265,7 +357,9 @@ TEST(AllMessages, GiveWhatTheirRecordsHold)
             const std::unique_ptr<Message> message(TQX_createMessage(&area));
             ASSERT_NE(message, nullptr) << type.name;
             EXPECT_EQ(message->getInfo(), row.info());
-            MessageCheck(*message, seen).run();
+            Message::useDoNotUseString = round % 3 != 0;
+            const bool isKey = message->getInfo() == key.getInfo();
+            MessageCheck(*message, isKey ? static_cast<const Message&>(end) : key, seen).run();
             if (testing::Test::HasFailure())
                 return;
         }

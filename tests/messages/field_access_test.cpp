@@ -1,5 +1,10 @@
 #include "Records.h"
 
+#include "FieldInfo.h"
+#include "MessageInfo.h"
+
+#include <QLocale>
+
 using namespace Kor::MessageApi;
 
 namespace
@@ -42,6 +47,10 @@ TEST(FieldAccess, CountsOfRepeatedFields)
     EXPECT_EQ(text.getNumberOfASCIIString(), 5001U);
     EXPECT_EQ(text.getASCIIStringVector().size(), 2001);
     EXPECT_NE(thrownText([&] { text.getASCIIString(2001); }), "");
+    const FieldInfo& info = *text.getInfo()->getFieldInfo("ASCIIString");
+    EXPECT_EQ(info.getNumberOfValues(&text), 5001U);
+    EXPECT_EQ(thrownText([&] { info.getValue(&text, 2000); }), "");
+    EXPECT_NE(thrownText([&] { info.getValue(&text, 2001); }), "");
 
     auto record = made(TQX_init_DiffCorrIn);
     record->Data_Byte_Length = 11;
@@ -49,6 +58,20 @@ TEST(FieldAccess, CountsOfRepeatedFields)
     EXPECT_EQ(corrections.getNumberOfRTCM2Words(), 2U) << "whole words";
     EXPECT_EQ(corrections.getNumberOfParity(), 2U);
     EXPECT_EQ(corrections.getNumberOfRTCM3Message(), 11U);
+}
+
+TEST(FieldAccess, IntegersKeepTheLocaleThatTheyMeetFirst)
+{
+    auto record = made(TQX_init_PVTGeodetic2);
+    record->TOW = 345600000;
+    const TQX_PVTGeodetic2_Message message(record.get(), false);
+    const FieldInfo& tow = *message.getInfo()->getFieldInfo("TOW");
+    const QLocale before;
+    for (const QLocale& locale : {QLocale(QLocale::German), QLocale::c()}) {
+        QLocale::setDefault(locale);
+        EXPECT_EQ(tow.getValueString(&message, 0, true), "345.600.000 second");
+    }
+    QLocale::setDefault(before);
 }
 
 } // namespace

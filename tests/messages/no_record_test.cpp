@@ -1,6 +1,9 @@
 #include "Records.h"
 #include "TQX_MessageAccessors.h"
 
+#include "FieldInfo.h"
+#include "MessageInfo.h"
+
 #include <functional>
 #include <random>
 #include <vector>
@@ -17,6 +20,9 @@ struct ReadsOf {
     Reads operator()(const FieldAccessor& row) const
     {
         Reads reads = std::visit(*this, row.getters);
+        reads.push_back([=] { info->getValue(message, 0); });
+        reads.push_back([=] { info->getValueUnchecked(message, 0); });
+        reads.push_back([=] { info->getValueString(message, 0, false); });
         if (row.has)
             reads.push_back([=] { (message->*row.has)(); });
         return reads;
@@ -44,6 +50,7 @@ struct ReadsOf {
     }
 
     Message* message;
+    const FieldInfo* info;
 };
 
 TEST(MessagesWithoutRecordDeathTest, EndTheProcessWhenRead)
@@ -56,8 +63,10 @@ TEST(MessagesWithoutRecordDeathTest, EndTheProcessWhenRead)
         EXPECT_EQ(RecordReader::recordOf(message.get()), nullptr);
         EXPECT_EQ(message->getRawStringFor(QVector<bool>(3, false)), "");
         const Rows<FieldAccessor> rows = fieldAccessors(maker.recordType);
-        const ReadsOf readsOf{message.get()};
-        const auto reads = readsOf(rows.rows[below(rows.count)]);
+        const size_t field = below(rows.count);
+        const ReadsOf readsOf{message.get(),
+                              message->getInfo()->getFieldInfos()[static_cast<int>(field)]};
+        const auto reads = readsOf(rows.rows[field]);
         const auto& read = reads[below(reads.size())];
         EXPECT_DEATH(read(),
                      "TQX_" + message->getInfo()->getName().toStdString() +

@@ -3,9 +3,13 @@
 
 #include "TQX_ASCIIIn_MessageInfo.h"
 #include "TQX_GPSNav_FieldInfos.h"
+#include "TQX_Layout.h"
+#include "TQX_MessageFactory.h"
 
 #include "FieldType.h"
 #include "MemLeakTracer.h"
+
+using namespace Kor::MessageApi;
 
 namespace
 {
@@ -70,6 +74,22 @@ TEST(Registry, SubBlocks)
         EXPECT_TRUE(info->getShortDescriptiveText().isEmpty());
         EXPECT_EQ(info->getFieldInfo("Sync1"), nullptr);
         EXPECT_FALSE(info->getAttribute("blocknr").isValid());
+    }
+}
+
+TEST(Registry, SubFieldsAreThePartsOfTheirWord)
+{
+    TQX_FormatInfo::getInstance();
+    for (const TQX_MessageType& row : TQX_messageTypes()) {
+        const TQX_TypeLayout& type = *TQX_layout(static_cast<uint32_t>(row.recordType));
+        const auto& fields = row.info()->getFieldInfos();
+        for (int i = 0; i < fields.size(); ++i) {
+            QVector<const FieldInfo*> parts;
+            for (int k = 0; k < type.fieldCount; ++k)
+                if (type.fields[k].parent == i)
+                    parts.append(fields[k]);
+            EXPECT_EQ(fields[i]->getSubFieldInfos(), parts) << type.name << type.fields[i].name;
+        }
     }
 }
 

@@ -30,18 +30,6 @@ unsigned indexOf(uint32_t recordType, const std::string& name)
     return static_cast<unsigned>(found - type.fields);
 }
 
-/// The calls that build one field, from those of its whole type.
-Lines callsOf(const Lines& journal, const std::string& field)
-{
-    const auto first = std::find_if(journal.begin(), journal.end(), [&field](const std::string& l) {
-        return l.rfind("FieldInfo " + field + " ", 0) == 0;
-    });
-    const auto last = std::find_if(first, journal.end(), [](const std::string& line) {
-        return line.rfind("addFieldInfo ", 0) == 0 || line.rfind("addSubFieldInfo ", 0) == 0;
-    });
-    return {first, last};
-}
-
 /// A field like `index` of a type, with properties of its own.
 class MadeUpField : public TQX_FieldInfo
 {
@@ -171,22 +159,6 @@ TEST(ConstructorCalls, MainBlock)
     const auto fromStart = static_cast<Lines::difference_type>(start.size());
     EXPECT_EQ(Lines(journal.begin(), journal.begin() + fromStart), start);
     EXPECT_EQ(Lines(journal.end() - fromEnd, journal.end()), end);
-}
-
-TEST(ConstructorCalls, FloatingPointField)
-{
-    const Lines& journal = journalOf<TQX_PVTGeodetic2_MessageInfo>();
-    EXPECT_EQ(callsOf(journal, "Latitude"),
-              (Lines{
-                  "FieldInfo Latitude f64",
-                  "allocateObject TQX_PVTGeodetic2_Latitude_FieldInfo",
-                  "getInstance",
-                  "setRole 1",
-                  "setUnit radian",
-                  "addSymbolicValue -20000000000.000000:f64 DoNotUse",
-                  "setDoNotUseValue -20000000000.000000:f64",
-                  "setPrecision 12",
-              }));
 }
 
 TEST(ConstructorCalls, EveryPropertyInOrderAndDestruction)
