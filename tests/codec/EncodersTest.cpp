@@ -89,10 +89,13 @@ TEST_P(Encoders, WriteWhatDecodersRead)
         type.init(source.get());
         fillRecord(type, source.get(), revision, {}, [&random](unsigned) { return random(); });
         std::vector<uint8_t> bytes(65535);
+        const TQX_MainHeader_s& head = source.as<TQX_MainHeader_s>();
+        const uint16_t number = head.ID;
         const int32_t bits = type.encode(bytes.data(), 65535, source.get());
         ASSERT_GT(bits, 0) << TQX_errorName(bits);
+        EXPECT_EQ(head.ID, number);
+        EXPECT_EQ(head.korcg_bits, static_cast<uint32_t>(bits));
         bytes.resize(static_cast<size_t>(bits) / 8);
-        const TQX_MainHeader_s& head = source.as<TQX_MainHeader_s>();
         EXPECT_EQ(head.Length * 8, bits);
 
         AnyRecord decoded;

@@ -44,15 +44,6 @@ TEST(SampleStreams, RawDumpHoldsWhatTheEncoderWrote)
     }
 }
 
-TEST(SampleStreams, EncodedRawDumpIsTheStream)
-{
-    const ToolRun dump = runTool({"dump", "--format", "jsonl", "--raw", "data/samples/random.tqx"});
-    const ToolRun encode = runTool({"encode", "-"}, dump.output);
-    EXPECT_EQ(encode.status, 0);
-    EXPECT_EQ(encode.words, "");
-    EXPECT_TRUE(encode.output == testData("data/samples/random.tqx"));
-}
-
 TEST(SampleStreams, FieldsAloneAreEncodedToTheSameFields)
 {
     const ToolRun dump = runTool({"dump", "--format", "jsonl", "--raw", "data/samples/random.tqx"});
