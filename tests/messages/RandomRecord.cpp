@@ -1,6 +1,6 @@
 #include "RandomRecord.h"
 
-#include "TQX_RecordAccess.h"
+#include "RecordMembers.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -10,26 +10,6 @@ using namespace Kor::MessageApi;
 
 namespace
 {
-
-void store(const TQX_FieldLayout& field, void* record, uint32_t index, uint64_t value)
-{
-    void* element = TQX_element(field, record, index);
-    const auto narrow = [&](auto number) { std::memcpy(element, &number, sizeof number); };
-    switch (TQX_elementSize(field)) {
-    case 1:
-        narrow(static_cast<uint8_t>(value));
-        break;
-    case 2:
-        narrow(static_cast<uint16_t>(value));
-        break;
-    case 4:
-        narrow(static_cast<uint32_t>(value));
-        break;
-    default:
-        narrow(value);
-        break;
-    }
-}
 
 template<typename Bits, typename Real>
 Bits bitsOf(Real value)
@@ -77,7 +57,7 @@ uint32_t randomCount(const TQX_TypeLayout& type, const TQX_FieldLayout& field,
 void select(const TQX_TypeLayout& type, int field, void* record)
 {
     const TQX_FieldLayout& row = type.fields[field];
-    store(type.fields[row.selector], record, 0, row.presenceValue);
+    writeUnsigned(type.fields[row.selector], record, 0, row.presenceValue);
 }
 
 void fillRandomly(const TQX_TypeLayout& type, void* record, std::mt19937& generator, Fill fill)
@@ -89,16 +69,17 @@ void fillRandomly(const TQX_TypeLayout& type, void* record, std::mt19937& genera
     for (unsigned i = 0; i < type.fieldCount; ++i) {
         const TQX_FieldLayout& field = type.fields[i];
         for (uint32_t k = 0; k < field.elements && !hasRecords(field); ++k)
-            store(field, record, k, randomValue(field, generator));
+            writeUnsigned(field, record, k, randomValue(field, generator));
     }
     for (unsigned i = 0; i < type.fieldCount; ++i) {
         const TQX_FieldLayout& field = type.fields[i];
         if (field.selector >= 0 && below(2) == 0)
             select(type, static_cast<int>(i), record);
         if (field.kind == TQX_FieldKind::Blocks)
-            store(type.fields[field.count], record, 0, 0);
+            writeUnsigned(type.fields[field.count], record, 0, 0);
         else if (field.count >= 0 && field.kind != TQX_FieldKind::Bits)
-            store(type.fields[field.count], record, 0, randomCount(type, field, generator, fill));
+            writeUnsigned(type.fields[field.count], record, 0,
+                          randomCount(type, field, generator, fill));
     }
     for (unsigned i = 0; i < type.fieldCount; ++i) {
         const TQX_FieldLayout& field = type.fields[i];

@@ -1,39 +1,14 @@
 #include "RecordFiller.h"
 
 #include "FieldRoles.h"
+#include "RecordMembers.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace
 {
 
 using namespace Kor::MessageApi;
-
-void store(const TQX_FieldLayout& field, void* record, uint32_t index, uint64_t value)
-{
-    void* element = TQX_element(field, record, index);
-    switch (TQX_elementSize(field)) {
-    case 1: {
-        const auto narrow = static_cast<uint8_t>(value);
-        std::memcpy(element, &narrow, sizeof narrow);
-        break;
-    }
-    case 2: {
-        const auto narrow = static_cast<uint16_t>(value);
-        std::memcpy(element, &narrow, sizeof narrow);
-        break;
-    }
-    case 4: {
-        const auto narrow = static_cast<uint32_t>(value);
-        std::memcpy(element, &narrow, sizeof narrow);
-        break;
-    }
-    default:
-        std::memcpy(element, &value, sizeof value);
-        break;
-    }
-}
 
 class Filler
 {
@@ -78,7 +53,7 @@ private:
             const unsigned unit = role.counted->countsBytes ? TQX_elementSize(*role.counted) : 1;
             word %= std::min<uint64_t>(m_options.largestCount, role.counted->elements) * unit + 1;
         }
-        store(field, record, 0, selected(role, word));
+        writeUnsigned(field, record, 0, selected(role, word));
         setParts(type, row, record);
     }
 
@@ -100,9 +75,9 @@ private:
     {
         for (int i = row + 1; i < type.fieldCount && type.fields[i].parent == row; ++i) {
             const TQX_FieldLayout& part = type.fields[i];
-            store(part, record, 0,
-                  TQX_unsignedValue(type.fields[row], record) >> part.shift &
-                      (~uint64_t{0} >> (64U - part.width)));
+            writeUnsigned(part, record, 0,
+                          TQX_unsignedValue(type.fields[row], record) >> part.shift &
+                              (~uint64_t{0} >> (64U - part.width)));
         }
     }
 
@@ -112,7 +87,7 @@ private:
                                   ? field.elements
                                   : std::min<unsigned>(m_options.largestCount + 1U, field.elements);
         for (unsigned i = 0; i < last; ++i)
-            store(field, record, i, next(TQX_elementSize(field)));
+            writeUnsigned(field, record, i, next(TQX_elementSize(field)));
     }
 
     void entries(const TQX_FieldLayout& field, void* record)
