@@ -50,3 +50,10 @@ std::string codeName(const Format& format, int code)
 {
     return format.codeNames.at(static_cast<std::size_t>(-code - 1));
 }
+
+const Format& synthetic()
+{
+    static const Format format = loadGood({{"base.yaml", readTestFile("base.yaml")},
+                                           {"synthetic.yaml", readTestFile("synthetic.yaml")}});
+    return format;
+}

@@ -20,3 +20,6 @@ korcg::generator::Format loadGood(const std::vector<korcg::generator::Source>& s
 
 /// Name of a code (-1 to -6073).
 std::string codeName(const korcg::generator::Format& format, int code);
+
+/// The format of base.yaml and synthetic.yaml.
+const korcg::generator::Format& synthetic();

@@ -10,13 +10,6 @@ using namespace korcg::generator;
 namespace
 {
 
-const Format& synthetic()
-{
-    static const Format format = loadGood({{"base.yaml", readTestFile("base.yaml")},
-                                           {"synthetic.yaml", readTestFile("synthetic.yaml")}});
-    return format;
-}
-
 TEST(Numbering, RunsFollowRecordNumbersAndTheRulesOfEachRun)
 {
     const std::vector<std::string> expected = {

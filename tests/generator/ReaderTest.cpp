@@ -9,13 +9,6 @@ using namespace korcg::generator;
 namespace
 {
 
-const Format& synthetic()
-{
-    static const Format format = loadGood({{"base.yaml", readTestFile("base.yaml")},
-                                           {"synthetic.yaml", readTestFile("synthetic.yaml")}});
-    return format;
-}
-
 const Field& fieldOf(const char* type, const char* field)
 {
     return *findField(*synthetic().find(type), field);

@@ -24,8 +24,7 @@ std::string contentOf(const std::filesystem::path& path)
 
 TEST(Reference, EveryTypeHasItsPageAndEveryLinkItsTarget)
 {
-    const Format format = loadGood({{"base.yaml", readTestFile("base.yaml")},
-                                    {"synthetic.yaml", readTestFile("synthetic.yaml")}});
+    const Format& format = synthetic();
     const std::filesystem::path directory =
         std::filesystem::path(testing::TempDir()) / "korcg-reference";
     std::filesystem::remove_all(directory);

@@ -38,3 +38,8 @@ std::vector<std::string> linesOf(const std::string& text)
         lines.push_back(line);
     return lines;
 }
+
+std::vector<std::string> rawLines(const std::string& stream)
+{
+    return linesOf(runTool({"dump", "--format", "jsonl", "--raw", "-"}, stream).output);
+}

@@ -23,3 +23,6 @@ std::string testData(const std::string& path);
 
 /// The lines of a text, without their ends.
 std::vector<std::string> linesOf(const std::string& text);
+
+/// The stored values of the blocks in a stream, as lines of JSON.
+std::vector<std::string> rawLines(const std::string& stream);

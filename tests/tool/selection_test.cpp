@@ -40,11 +40,6 @@ const std::string& allBlocks()
     return stream;
 }
 
-std::vector<std::string> rawLines(const std::string& stream)
-{
-    return linesOf(runTool({"dump", "--format", "jsonl", "--raw", "-"}, stream).output);
-}
-
 } // namespace
 
 TEST_P(SelectedBlocks, AreCutOut)

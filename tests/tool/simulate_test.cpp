@@ -21,11 +21,6 @@ std::string simulated(const QStringList& options)
     return run.output;
 }
 
-std::vector<std::string> rawLines(const std::string& stream)
-{
-    return linesOf(runTool({"dump", "-q", "--format", "jsonl", "--raw", "-"}, stream).output);
-}
-
 } // namespace
 
 TEST(Simulate, SameSeedSameBytes)
