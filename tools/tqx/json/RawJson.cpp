@@ -234,8 +234,7 @@ std::unique_ptr<RawPlan> makePlan(const TQX_TypeLayout& type, const FieldFilter&
             plan->whole = false;
             continue;
         }
-        RawPlan::Step step = {&field, "," + json::key(field.name),
-                              {}, nullptr};
+        RawPlan::Step step = {&field, "," + json::key(field.name), {}, nullptr};
         if (field.recordType != 0) {
             step.plan = makePlan(*TQX_layout(field.recordType), *inside);
             plan->whole = plan->whole && step.plan->whole;
