@@ -8,6 +8,9 @@
 namespace tool
 {
 
+/// What TQX_decode gives for a block of an unknown number.
+constexpr int32_t unknownNumber = -6072;
+
 /// A block and what it was decoded to.
 struct DecodedBlock {
     Block block;

@@ -7,13 +7,6 @@
 namespace tool
 {
 
-namespace
-{
-
-constexpr int32_t unknownNumber = -6072;
-
-} // namespace
-
 ParallelDump::ParallelDump(Output& target, MakeWriter make, unsigned wanted)
     : output(target), makeWriter(std::move(make)),
       threadCount(wanted != 0 ? wanted : std::thread::hardware_concurrency()),
