@@ -22,6 +22,8 @@ const TQX_FieldLayout* countedField(const TQX_TypeLayout& type, const TQX_FieldL
 bool isCompared(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const void* one,
                 Compared compared)
 {
+    if (compared == Compared::Reachable || compared == Compared::Whole)
+        return true;
     // Of a counted field that is not there only the ends are defined.
     const bool counted = countedField(type, field) != nullptr;
     if (counted && (!TQX_isPresent(type, field, one) ||
@@ -48,6 +50,8 @@ uint32_t elementsOf(const TQX_TypeLayout& type, const TQX_FieldLayout& field, co
     const uint32_t zero = isText && compared != Compared::WireFields ? 1 : 0;
     if (counted == nullptr)
         return field.elements + zero;
+    if (compared == Compared::Whole && counted->kind != TQX_FieldKind::Blocks)
+        return counted->elements + (isText || counted->countsBytes ? 1U : 0U);
     const auto count =
         static_cast<uint32_t>(TQX_unsignedValue(type.fields[counted->count], record));
     const uint32_t elements = counted->countsBytes ? count / TQX_elementSize(*counted) : count;
@@ -114,7 +118,8 @@ std::string firstDifference(const TQX_TypeLayout& type, const void* one, const v
         if (missing)
             continue;
         // Content that was not selected is empty in a decoded record.
-        if (field.kind == TQX_FieldKind::Embedded && !TQX_isPresent(type, field, one))
+        if (field.kind == TQX_FieldKind::Embedded && !TQX_isPresent(type, field, one) &&
+            compared != Compared::Reachable && compared != Compared::Whole)
             continue;
         for (uint32_t i = 0; i < count; ++i) {
             const std::string difference =
