@@ -66,7 +66,8 @@ public:
         : type(layout), round(number), random(number * 1000 + layout.recordType),
           ancestors(layout, revision(), 0), m_content(content), m_area(memoryOf(areaSize, content))
     {
-        fillHeap(content);
+        if (layout.release != nullptr)
+            fillHeap(content);
     }
     ~Use()
     {
@@ -101,7 +102,7 @@ public:
         return bytes;
     }
 
-    unsigned revision() const { return round / 2 % (type.highestRevision + 2U); }
+    unsigned revision() const { return round / 4 % (type.highestRevision + 2U); }
 
     /// Writes the record with an encoder and keeps the bytes.
     template<typename Encoder>
@@ -127,7 +128,7 @@ private:
         const bool hasArrays = type.release != nullptr;
         BlockOptions options;
         options.revision = revision();
-        options.largestCount = hasArrays ? 12 : 5000;
+        options.largestCount = hasArrays ? 12 : round % 4 < 2 ? 5000 : 100;
         options.extraBytes = static_cast<unsigned>(random() % 3);
         options.overrun = random() % 8 == 0;
         return options;
@@ -271,7 +272,7 @@ unsigned roundsOf(const TQX_TypeLayout& type)
         std::count_if(type.fields, type.fields + type.fieldCount, [](const TQX_FieldLayout& field) {
             return field.presence == TQX_Presence::Selected;
         }));
-    return 4U * (type.highestRevision + 2U) + 16U * selected;
+    return 8U * (type.highestRevision + 2U) + 16U * selected;
 }
 
 void noteContent(const TQX_TypeLayout& type, Use& use, std::set<const TQX_FieldLayout*>& missing)

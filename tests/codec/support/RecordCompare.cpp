@@ -65,7 +65,8 @@ uint32_t elementsOf(const TQX_TypeLayout& type, const TQX_FieldLayout& field, co
 bool sameTail(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const void* one,
               const void* other, uint32_t index)
 {
-    if (!field.countsBytes || index >= field.elements)
+    // What is split from a word is split from whole words only.
+    if (!field.countsBytes || field.kind == TQX_FieldKind::Bits || index >= field.elements)
         return true;
     const uint64_t bits =
         TQX_unsignedValue(type.fields[field.count], one) % TQX_elementSize(field) * 8;
