@@ -22,13 +22,6 @@ const TQX_FieldLayout* countedField(const TQX_TypeLayout& type, const TQX_FieldL
 bool isCompared(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const void* one,
                 Compared compared)
 {
-    if (compared == Compared::Reachable || compared == Compared::Whole)
-        return true;
-    // Of a counted field that is not there only the ends are defined.
-    const bool counted = countedField(type, field) != nullptr;
-    if (counted && (!TQX_isPresent(type, field, one) ||
-                    (compared == Compared::AfterFailure && !holdsEntries(field))))
-        return false;
     if (compared != Compared::WireFields)
         return true;
     // CRC, ID and Length are the encoder's; what the ID says stands in members of its own.
@@ -118,9 +111,8 @@ std::string firstDifference(const TQX_TypeLayout& type, const void* one, const v
             return std::string(type.name) + "::" + field.name;
         if (missing)
             continue;
-        // Content that was not selected is empty in a decoded record.
         if (field.kind == TQX_FieldKind::Embedded && !TQX_isPresent(type, field, one) &&
-            compared != Compared::Reachable && compared != Compared::Whole)
+            compared == Compared::WireFields)
             continue;
         for (uint32_t i = 0; i < count; ++i) {
             const std::string difference =
