@@ -34,8 +34,8 @@ std::string valueType(const Field& field);
 /// Cached children of a field: "m_type1Messages", "m_accelerationMessage".
 std::string childMember(const Field& field);
 
-/// What getNumberOf<F>() returns: "3", "m_record->StringLn + 1U", "m_record->N1", of a counted array
-/// of numbers never more than the record has room for.
+/// What getNumberOf<F>() returns: "3", "m_record->StringLn + 1U", "m_record->N1", of a counted
+/// array of numbers never more than the record has room for.
 std::string countExpression(const RecordType& type, const Field& field);
 
 /// Elements that a getter may read: the count, of text too never more than the record has room for,
