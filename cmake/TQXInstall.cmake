@@ -25,7 +25,7 @@ function(tqx_install_library set target)
         INCLUDES DESTINATION "${TQX_INSTALL_INCLUDEDIR}")
 endfunction()
 
-foreach(target IN ITEMS korcg tqx-codec)
+foreach(target IN ITEMS korcg tqx-framing tqx-codec)
     tqx_install_library(TQXCodecTargets ${target})
 endforeach()
 if(TQX_BUILD_PLUGIN)
