@@ -1,6 +1,6 @@
 #include "emit/Groups.h"
-#include "emit/Names.h"
 #include "emit/codec/Parts.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 
