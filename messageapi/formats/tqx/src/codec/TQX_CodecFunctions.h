@@ -23,15 +23,15 @@
 ///
 /// Records and what they own. A record is the caller's memory. The sub-block arrays below it are
 /// allocated by decoding and by TQX_append_*, and belong to the record: TQX_release() frees them,
-/// and so does the destructor of a record type that has arrays. A record area without such a
-/// destructor (TQX_AnyRecord_u) is released by the caller. Records are not copied by assignment;
-/// whoever moves one byte by byte moves the ownership and must not release both.
+/// and so does the destructor of a record type that has arrays. TQX_OwnedRecord owns a record of
+/// any type; other memory (TQX_AnyRecord_u) is released by the caller. Whoever copies a record byte
+/// by byte moves the ownership and must not release both.
 ///
 /// Using a record again. Neither init nor decoding frees anything, since the memory that they are
 /// given may never have been a record: release a used record first. Nothing of an earlier use of
 /// the memory can then be reached through counts, arrays and functions of the codec. Memory that
-/// never held a record must have a `korcg_type` of 0 (zero its TQX_MainHeader_s) before a decode
-/// that may fail is followed by TQX_release().
+/// never held a record must have a `korcg_type` of 0, for which TQX_markEmpty() cares, when a
+/// decode that may fail is followed by TQX_release().
 ///
 /// Threads. The functions keep no state. Any number of threads may call them, each with records,
 /// buffers and contexts of its own.

@@ -1,11 +1,11 @@
 #include "emit/Emitters.h"
 #include "emit/Groups.h"
 
-#include "emit/Names.h"
 #include "emit/messages/Accessors.h"
 #include "emit/messages/Factory.h"
 #include "emit/messages/LongLines.h"
 #include "emit/messages/MessageClass.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 

@@ -1,11 +1,11 @@
 #include "emit/messages/MessageClass.h"
 
-#include "emit/Names.h"
 #include "emit/messages/FieldShape.h"
 #include "emit/messages/GetterComment.h"
 #include "emit/messages/Getters.h"
 #include "emit/messages/LongLines.h"
 #include "emit/messages/SubMessages.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 
