@@ -38,8 +38,7 @@
 ///
 /// TQX_init_<Name> gives every member its starting value and returns 0: the record type, for a main
 /// block Sync1, Sync2 and BlockNumber, blanks for text of a fixed width, 10.0 for the C/N0 that
-/// measurements derive, else 0. All elements of arrays are set. It takes any memory of the right
-/// size; the Revision is 0.
+/// measurements derive, else 0. All elements of arrays are set. Takes any memory of that size.
 ///
 /// TQX_append_<Name>_<Field> adds an element to a sub-block array, initialises it, points it to the
 /// record, counts it and returns it. The array may move: earlier element pointers become invalid,
@@ -50,7 +49,8 @@
 /// TQX_encode_<Name> writes a main block's record as one framed block, every field of the type at
 /// every revision but for content that a selecting field leaves out, and of padding only that of
 /// the highest known revision. Takes an initialised or decoded record whose counts are those of its
-/// arrays. An ID of 0 goes out as Revision and BlockNumber say.
+/// arrays. An ID of 0 goes out as Revision and BlockNumber say, another one as it is but for the
+/// revision, which is that of Revision unless this is 0.
 /// - Entry lengths (SBLength and the like): forced in the record to what is written at revisions 0
 ///   and 1, and up to the highest known revision where they are 0. At revisions beyond that they go
 ///   out as the record holds them, and it is the caller who must store the true length.
@@ -88,8 +88,8 @@ TQX_CODEC_API void TQX_init_context(Kor::MessageApi::TQX_Context_s* context);
 /// Failure, a negative code:
 /// - the type's _DISABLED code when its bit in the context is clear: only ID and BlockNumber are
 ///   written, at their place in a TQX_MainHeader_s;
-/// - -6072 (TQX_ERR_INVALID_MESSAGE) when no type has the block number, or when the buffer has 6
-///   bytes or less, of which nothing is read: likewise. A context then remembers the BlockNumber;
+/// - -6072 (TQX_ERR_INVALID_MESSAGE) when no type has the block number: likewise; or when the size
+///   is 6 or less: nothing is read or written. A context remembers the record's BlockNumber;
 /// - else the code of the last field that did not fit, or that of an entry that failed. The record
 ///   is of the type, and fields that were not read have their starting values. An array that was
 ///   not reached is null whatever its count says, and entries after one that failed are zeroed.
