@@ -55,7 +55,7 @@ TQX_CODEC_API void TQX_init_context(Kor::MessageApi::TQX_Context_s* context);
 /// the block number or the buffer is too short to hold one, else the code of the field that failed.
 /// Arrays that were allocated before a failure stay in the record: call TQX_release() on it.
 TQX_CODEC_API int32_t TQX_decode(Kor::MessageApi::TQX_Context_s* context, const uint8_t* buffer,
-                                 uint16_t size, void* record);
+    uint16_t size, void* record);
 
 /// Writes a main block's record with exactly the fields that decoding reads for its Revision and
 /// its selecting fields, so that a decoded block comes back byte for byte. Entries shorter than
