@@ -1,9 +1,9 @@
 // Framing beside its yardsticks: the checksum alone, memcpy of the same bytes.
 
-#include "BlockFramer.h"
 #include "TqxSync.h"
 #include "korcg_crc.h"
 #include "korcg_load.h"
+#include "tqx/framing/BlockFramer.h"
 
 #include <benchmark/benchmark.h>
 
@@ -71,7 +71,7 @@ void finish(benchmark::State& state, const Bytes& stream)
 void frame(benchmark::State& state, const Bytes& stream, size_t piece)
 {
     for (auto _ : state) {
-        BlockFramer framer;
+        tqx::BlockFramer framer;
         size_t taken = 0;
         for (size_t at = 0; at < stream.size(); at += piece) {
             framer.append(stream.data() + at, std::min(piece, stream.size() - at));

@@ -5,13 +5,13 @@
 
 #include "FieldRoles.h"
 #include "RandomBlock.h"
-#include "RawJson.h"
-#include "RecordDecoder.h"
-#include "Simulation.h"
 #include "Turns.h"
-#include "ValueJson.h"
+#include "tqx/log/record/RecordDecoder.h"
+#include "tqx/log/write/RawJson.h"
+#include "tqx/log/write/ValueJson.h"
+#include "tqx/simulation/Simulation.h"
 
-#include "BlockFramer.h"
+#include "tqx/framing/BlockFramer.h"
 
 #include <nlohmann/json.hpp>
 
@@ -32,26 +32,17 @@ using Document = nlohmann::json;
 constexpr int turns = 101;
 constexpr size_t mostBlocks = 200;
 
-tool::Block blockOf(const Bytes& bytes)
+tqx::Block blockOf(const Bytes& bytes)
 {
     return {bytes.data(), static_cast<uint16_t>(bytes.size()), 0};
 }
 
 std::vector<Bytes> simulatedBlocks()
 {
-    const QTemporaryDir folder;
-    const QString path = folder.filePath("log.tqx");
-    {
-        tool::Output output(path.toStdString());
-        tool::simulate({}, output);
-        output.flush();
-    }
-    QFile file(path);
-    file.open(QIODevice::ReadOnly);
-    const QByteArray log = file.readAll();
-    BlockFramer framer;
-    framer.append(reinterpret_cast<const uint8_t*>(log.constData()),
-                  static_cast<size_t>(log.size()));
+    tqx::Buffer log;
+    tqx::simulation::simulate({}, log);
+    tqx::BlockFramer framer;
+    framer.append(reinterpret_cast<const uint8_t*>(log.data()), log.size());
     std::vector<Bytes> blocks;
     for (; framer.hasBlock() && blocks.size() < mostBlocks; framer.takeBlock())
         blocks.emplace_back(framer.block().data, framer.block().data + framer.block().size);
@@ -74,14 +65,14 @@ struct Content {
     explicit Content(std::vector<Bytes> all) : blocks(std::move(all))
     {
         for (const Bytes& bytes : blocks) {
-            decoders.push_back(std::make_unique<tool::RecordDecoder>());
+            decoders.push_back(std::make_unique<tqx::RecordDecoder>());
             decoders.back()->decode(blockOf(bytes));
         }
     }
 
     std::vector<Bytes> blocks;
-    std::vector<std::unique_ptr<tool::RecordDecoder>> decoders;
-    tool::FieldFilter everything;
+    std::vector<std::unique_ptr<tqx::RecordDecoder>> decoders;
+    tqx::FieldFilter everything;
 };
 
 /// A document made member by member of the values of another.
@@ -99,11 +90,11 @@ Document documentOf(const Document& values)
     return document;
 }
 
-using Write = std::function<void(tool::Buffer& out, size_t index)>;
+using Write = std::function<void(tqx::Buffer& out, size_t index)>;
 
 void besideDocuments(benchmark::State& state, const Content& content, const Write& write)
 {
-    tool::Buffer out;
+    tqx::Buffer out;
     std::vector<Document> documents;
     size_t characters = 0;
     for (size_t i = 0; i < content.blocks.size(); ++i) {
@@ -131,16 +122,16 @@ void besideDocuments(benchmark::State& state, const Content& content, const Writ
 
 void scaled(benchmark::State& state, const Content& content)
 {
-    tool::ValueJson json(content.everything);
-    besideDocuments(state, content, [&](tool::Buffer& out, size_t index) {
+    tqx::ValueJson json(content.everything);
+    besideDocuments(state, content, [&](tqx::Buffer& out, size_t index) {
         json.write(out, content.decoders[index]->getRecord());
     });
 }
 
 void stored(benchmark::State& state, const Content& content)
 {
-    tool::RawJson json(content.everything);
-    besideDocuments(state, content, [&](tool::Buffer& out, size_t index) {
+    tqx::RawJson json(content.everything);
+    besideDocuments(state, content, [&](tqx::Buffer& out, size_t index) {
         json.write(out, content.decoders[index]->getDecoded());
     });
 }

@@ -1,8 +1,8 @@
 // Any bytes in any pieces: the accounting holds, every block is whole and intact, pieces do not
 // matter, nothing is left behind the end of input.
 
-#include "BlockFramer.h"
 #include "FixedChecksums.h"
+#include "tqx/framing/BlockFramer.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -19,7 +19,7 @@ void require(bool condition)
     }
 }
 
-class Checked : private BlockFramer::Listener
+class Checked : private tqx::BlockFramer::Listener
 {
 public:
     void append(const uint8_t* bytes, size_t size)
@@ -44,7 +44,7 @@ private:
     {
         account();
         while (framer_.hasBlock()) {
-            const BlockFramer::Block block = framer_.block();
+            const tqx::BlockFramer::Block block = framer_.block();
             require(block.size >= 8 && block.data[0] == '$' && block.data[1] == '@');
             require(korcg_load_u16(block.data + 6) == block.size);
             require(korcg_load_u16(block.data + 2) ==
@@ -70,7 +70,7 @@ private:
     uint64_t appended_ = 0;
     uint64_t taken_ = 0;
     uint64_t dropped_ = 0;
-    BlockFramer framer_{this};
+    tqx::BlockFramer framer_{this};
 };
 
 } // namespace

@@ -1,9 +1,9 @@
 // JSON Lines made into blocks; and what the blocks are dumped to, made into blocks again.
 
-#include "LineEncoder.h"
-#include "LineError.h"
-#include "RawJson.h"
-#include "RecordDecoder.h"
+#include "tqx/log/read/LineEncoder.h"
+#include "tqx/log/read/LineError.h"
+#include "tqx/log/record/RecordDecoder.h"
+#include "tqx/log/write/RawJson.h"
 
 #include <cstdlib>
 #include <string>
@@ -13,10 +13,10 @@ namespace
 
 std::vector<uint8_t> encoded(const std::string& line)
 {
-    static tool::LineEncoder encoder;
+    static tqx::LineEncoder encoder;
     try {
         return encoder.encode(line);
-    } catch (const tool::LineError&) {
+    } catch (const tqx::LineError&) {
         return {};
     }
 }
@@ -24,16 +24,16 @@ std::vector<uint8_t> encoded(const std::string& line)
 // A block that fields make comes back byte for byte; bytes that are given may be anything.
 void checkBlock(const std::vector<uint8_t>& bytes, bool mayBeAnything)
 {
-    static const tool::FieldFilter everything;
-    static tool::RawJson json(everything);
-    const tool::Block block = {bytes.data(), static_cast<uint16_t>(bytes.size()), 0};
-    tool::RecordDecoder decoder;
+    static const tqx::FieldFilter everything;
+    static tqx::RawJson json(everything);
+    const tqx::Block block = {bytes.data(), static_cast<uint16_t>(bytes.size()), 0};
+    tqx::RecordDecoder decoder;
     if (decoder.decode(block) <= 0) {
         if (!mayBeAnything)
             std::abort();
         return;
     }
-    tool::Buffer line;
+    tqx::Buffer line;
     json.write(line, decoder.getDecoded());
     if (encoded(std::string(line.view())) != bytes)
         std::abort();

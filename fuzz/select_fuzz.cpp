@@ -1,13 +1,13 @@
 // Any text as a time and as a condition: it is refused with a message, or means something for
 // random blocks of all types.
 
-#include "Condition.h"
 #include "FieldRoles.h"
 #include "Message.h"
-#include "MessageDecoder.h"
 #include "RandomBlock.h"
-#include "TimeText.h"
-#include "ToolError.h"
+#include "io/ToolError.h"
+#include "tqx/log/record/MessageDecoder.h"
+#include "tqx/log/select/Condition.h"
+#include "tqx/log/select/TimeText.h"
 
 #include <cstdlib>
 #include <string>
@@ -44,7 +44,7 @@ public:
     const std::vector<const Message*>& get() const { return messages; }
 
 private:
-    tool::MessageDecoder decoder;
+    tqx::MessageDecoder decoder;
     std::vector<const Message*> messages;
 };
 
@@ -52,20 +52,20 @@ void tryTime(const std::string& text)
 {
     constexpr uint64_t lastDay = 3'000'000; // of the year 9999
     try {
-        if (tool::parseTime("--from", text) / 86'400'000 > lastDay)
+        if (tqx::parseTime("--from", text) / 86'400'000 > lastDay)
             std::abort();
-    } catch (const tool::ToolError&) {
+    } catch (const tqx::DataError&) {
     }
 }
 
 void tryCondition(const std::string& text, const std::vector<const Message*>& messages)
 {
     try {
-        const tool::Condition condition(text, tool::TypeSelection());
+        const tqx::Condition condition(text, tqx::TypeSelection());
         condition.accepts(nullptr);
         for (const Message* message : messages)
             condition.accepts(message);
-    } catch (const tool::ToolError&) {
+    } catch (const tqx::DataError&) {
     }
 }
 

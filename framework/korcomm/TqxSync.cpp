@@ -30,7 +30,7 @@ bool TqxSync::hasBlock() const
 
 QByteArray TqxSync::getBlockBytes()
 {
-    const BlockFramer::Block block = framer_.block();
+    const tqx::BlockFramer::Block block = framer_.block();
     QByteArray bytes(reinterpret_cast<const char*>(block.data), static_cast<int>(block.size));
     framer_.takeBlock();
     return bytes;

@@ -1,14 +1,15 @@
 #pragma once
 
-#include "BlockFramer.h"
+#include "korcomm_export.h"
+#include "tqx/framing/BlockFramer.h"
 
 #include <QByteArray>
 #include <QObject>
 
-/// Cuts a stream of bytes into whole TQX blocks whose checksum matches, see BlockFramer for the
-/// rules. Damage is told by signals, emitted while appendBytes, getBlockBytes and flush run; none
-/// of it ends the work, and receivers may call back. Used by one thread at a time.
-class KORCOMM_API TqxSync : public QObject, private BlockFramer::Listener
+/// Cuts a stream of bytes into whole TQX blocks whose checksum matches, see tqx::BlockFramer for
+/// the rules. Damage is told by signals, emitted while appendBytes, getBlockBytes and flush run;
+/// none of it ends the work, and receivers may call back. Used by one thread at a time.
+class KORCOMM_API TqxSync : public QObject, private tqx::BlockFramer::Listener
 {
     Q_OBJECT
 public:
@@ -46,5 +47,5 @@ private:
     void onInvalidLength(uint64_t offset) override;
     void onBytesDropped(uint64_t offset, uint64_t count) override;
 
-    BlockFramer framer_;
+    tqx::BlockFramer framer_;
 };

@@ -1,15 +1,15 @@
 #pragma once
 
-#include "BlockFramer.h"
 #include "ReferenceFramer.h"
+#include "tqx/framing/BlockFramer.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
-/// A BlockFramer whose doings are written down. After every call it holds the framer to its
+/// A tqx::BlockFramer whose doings are written down. After every call it holds the framer to its
 /// accounting and every block to the bytes that were appended.
-class RecordingFramer : private BlockFramer::Listener
+class RecordingFramer : private tqx::BlockFramer::Listener
 {
 public:
     void append(const uint8_t* bytes, size_t size)
@@ -34,7 +34,7 @@ private:
     {
         check();
         while (framer_.hasBlock()) {
-            const BlockFramer::Block block = framer_.block();
+            const tqx::BlockFramer::Block block = framer_.block();
             ASSERT_LE(block.offset + block.size, appended_.size());
             EXPECT_TRUE(
                 std::equal(block.data, block.data + block.size, appended_.data() + block.offset));
@@ -59,5 +59,5 @@ private:
 
     Bytes appended_;
     Framing framing_;
-    BlockFramer framer_{this};
+    tqx::BlockFramer framer_{this};
 };

@@ -103,7 +103,7 @@ TEST(BlockFramer, GoesOnBehindTheEndOfInput)
 
 TEST(BlockFramer, BlockStaysUntilTaken)
 {
-    BlockFramer framer;
+    tqx::BlockFramer framer;
     EXPECT_EQ(framer.block().data, nullptr);
     framer.takeBlock();
     const Bytes stream = kSmall + kLarge;
@@ -122,7 +122,7 @@ TEST(BlockFramer, BlockStaysUntilTaken)
 double secondsToFrame(const Bytes& stream)
 {
     const std::clock_t start = std::clock();
-    BlockFramer framer;
+    tqx::BlockFramer framer;
     for (size_t at = 0; at < stream.size(); at += 65536) {
         framer.append(&stream[at], std::min<size_t>(65536, stream.size() - at));
         while (framer.hasBlock()) {

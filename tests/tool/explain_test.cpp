@@ -1,24 +1,24 @@
-#include "BlockWalk.h"
 #include "FieldRoles.h"
 #include "RandomBlock.h"
-#include "RecordDecoder.h"
 #include "Tool.h"
+#include "tqx/log/inspect/BlockWalk.h"
+#include "tqx/log/record/RecordDecoder.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
 using namespace Kor::MessageApi;
-using Kind = tool::BlockPiece::Kind;
+using Kind = tqx::BlockPiece::Kind;
 
 namespace
 {
 
 /// Every byte of a block that decodes stands in one piece, and the pieces follow each other.
-void expectAllBytes(const tool::BlockWalk& walk, size_t size)
+void expectAllBytes(const tqx::BlockWalk& walk, size_t size)
 {
     uint32_t offset = 0;
-    for (const tool::BlockPiece& piece : walk.pieces) {
+    for (const tqx::BlockPiece& piece : walk.pieces) {
         EXPECT_EQ(piece.kind == Kind::Bits ? offset : piece.offset, offset);
         if (piece.kind == Kind::Number || piece.kind == Kind::Run || piece.kind == Kind::Unknown)
             offset += piece.size;
@@ -29,10 +29,10 @@ void expectAllBytes(const tool::BlockWalk& walk, size_t size)
 void expectDecodersResult(const TQX_TypeLayout& type, const std::vector<uint8_t>& block,
                           size_t size)
 {
-    tool::RecordDecoder decoder;
+    tqx::RecordDecoder decoder;
     const int32_t result = decoder.decode({block.data(), static_cast<uint16_t>(size), 0});
-    const tool::BlockWalk walk = tool::walkBlock(type, block.data(), static_cast<uint32_t>(size),
-                                                 result > 0 ? decoder.getRecord() : nullptr);
+    const tqx::BlockWalk walk = tqx::walkBlock(type, block.data(), static_cast<uint32_t>(size),
+                                               result > 0 ? decoder.getRecord() : nullptr);
     EXPECT_EQ(walk.code, std::min(result, 0)) << type.name << ", " << size << " bytes";
     if (result > 0)
         expectAllBytes(walk, size);

@@ -1,17 +1,17 @@
-#include "FieldFilter.h"
 #include "FieldRoles.h"
-#include "FieldText.h"
-#include "MessageDecoder.h"
-#include "Paragraph.h"
 #include "RandomStream.h"
-#include "RecordDecoder.h"
 #include "Tool.h"
+#include "tqx/log/record/FieldFilter.h"
+#include "tqx/log/record/MessageDecoder.h"
+#include "tqx/log/record/RecordDecoder.h"
+#include "tqx/log/value/FieldText.h"
+#include "tqx/log/write/Paragraph.h"
 
-#include "BlockFramer.h"
 #include "FieldInfo.h"
 #include "Message.h"
 #include "MessageInfo.h"
 #include "TQX_FormatInfo.h"
+#include "tqx/framing/BlockFramer.h"
 
 #include <gtest/gtest.h>
 
@@ -84,18 +84,18 @@ QString linesOf(const Message& message, bool stored, int indentation)
 /// Compares the paragraphs of a stream, what is behind their first lines.
 void compareParagraphs(const std::string& stream, bool stored)
 {
-    const tool::FieldFilter everything;
-    tool::Paragraph paragraph(everything, stored ? tool::Paragraph::Values::Stored
-                                                 : tool::Paragraph::Values::Scaled);
-    tool::MessageDecoder messages;
-    tool::RecordDecoder records;
-    BlockFramer framer;
+    const tqx::FieldFilter everything;
+    tqx::Paragraph paragraph(everything, stored ? tqx::Paragraph::Values::Stored
+                                                : tqx::Paragraph::Values::Scaled);
+    tqx::MessageDecoder messages;
+    tqx::RecordDecoder records;
+    tqx::BlockFramer framer;
     framer.append(reinterpret_cast<const uint8_t*>(stream.data()), stream.size());
-    tool::Buffer out;
+    tqx::Buffer out;
     size_t compared = 0;
     for (; framer.hasBlock(); framer.takeBlock()) {
-        const tool::Block block = {framer.block().data, static_cast<uint16_t>(framer.block().size),
-                                   framer.block().offset};
+        const tqx::Block block = {framer.block().data, static_cast<uint16_t>(framer.block().size),
+                                  framer.block().offset};
         messages.decode(block);
         ASSERT_GT(records.decode(block), 0);
         if (!messages.getMessage())
@@ -104,7 +104,7 @@ void compareParagraphs(const std::string& stream, bool stored)
         paragraph.write(out, block, records.getRecord());
         const std::string_view lines = out.view().substr(out.view().find('\n') + 1);
         ASSERT_EQ(lines, linesOf(*messages.getMessage(), stored, 4).toStdString() + '\n')
-            << tool::describeBlock(block.getNumber());
+            << tqx::describeBlock(block.getNumber());
         ++compared;
     }
     EXPECT_GT(compared, 600U);
@@ -151,7 +151,7 @@ TEST_F(Paragraphs, FloatingPointNumbersAreRoundedAsTheMetadataDoes)
             if (!isSingle && field.type != TQX_MemberType::F64)
                 continue;
             const FieldInfo& info = *message->getFieldInfos()[row];
-            const tool::FieldText text(field, info, false, false);
+            const tqx::FieldText text(field, info, false, false);
             const double unit = std::pow(10, -info.getPrecision()) / info.getScaleFactor();
             for (int i = 0; i < 200; ++i) {
                 const auto halves = static_cast<int64_t>(random()) >> random() % 64;
@@ -160,7 +160,7 @@ TEST_F(Paragraphs, FloatingPointNumbersAreRoundedAsTheMetadataDoes)
                                          : static_cast<double>(halves) / 2 * unit;
                 const FieldValue expected =
                     isSingle ? FieldValue::f32(static_cast<float>(value)) : FieldValue::f64(value);
-                tool::Buffer out;
+                tqx::Buffer out;
                 EXPECT_NE(text.append(out, bitsOf(value, isSingle)), info.isDoNotUse(expected));
                 EXPECT_EQ(out.view(), info.toScaledString(expected).toStdString())
                     << type->name << "::" << field.name;

@@ -1,5 +1,5 @@
-#include "ParallelDump.h"
-#include "ToolError.h"
+#include "io/ToolError.h"
+#include "output/ParallelDump.h"
 
 #include "TQX_codec.h"
 
@@ -35,12 +35,12 @@ std::vector<uint8_t> blockOf(uint32_t index)
 }
 
 /// Writes the time of each block, some slower than others, so that batches end out of order.
-class SlowWriter : public tool::BlockWriter
+class SlowWriter : public tqx::tool::BlockWriter
 {
 public:
     explicit SlowWriter(uint32_t blockThatFails) : failing(blockThatFails) {}
 
-    void write(tool::Buffer& out, const tool::DecodedBlock& decoded) override
+    void write(tqx::Buffer& out, const tqx::DecodedBlock& decoded) override
     {
         const uint32_t time = decoded.getHeader().TOW;
         if (time == failing)
@@ -50,7 +50,7 @@ public:
         out.append("known " + std::to_string(time) + '\n');
     }
 
-    void writeOther(tool::Buffer& out, const tool::Block& block) override
+    void writeOther(tqx::Buffer& out, const tqx::Block& block) override
     {
         out.append("other " + std::to_string(block.offset) + '\n');
     }
@@ -73,7 +73,7 @@ class ParallelDumpTest : public testing::TestWithParam<unsigned>
 protected:
     static constexpr uint32_t none = 0xffffffff;
 
-    void take(tool::ParallelDump& dump, uint32_t first, uint32_t last)
+    void take(tqx::tool::ParallelDump& dump, uint32_t first, uint32_t last)
     {
         for (uint32_t i = first; i < last; ++i) {
             const std::vector<uint8_t> bytes = blockOf(i);
@@ -93,15 +93,15 @@ protected:
 
     QTemporaryDir folder;
     QString path = folder.filePath("text");
-    tool::BlockStream stream{{}, false};
+    tqx::tool::InputStream stream{{}, false};
 };
 
 TEST_P(ParallelDumpTest, KeepsTheOrderOfTheStream)
 {
     constexpr uint32_t count = 60000;
-    tool::Output output(path.toStdString());
+    tqx::tool::Output output(path.toStdString());
     {
-        tool::ParallelDump dump(
+        tqx::tool::ParallelDump dump(
             output, [] { return std::make_unique<SlowWriter>(none); }, GetParam());
         take(dump, 0, count);
         dump.flush();
@@ -120,8 +120,8 @@ TEST_P(ParallelDumpTest, KeepsTheOrderOfTheStream)
 TEST_P(ParallelDumpTest, HandsOnFailures)
 {
     static constexpr uint32_t failing = 30000;
-    tool::Output output(path.toStdString());
-    tool::ParallelDump dump(
+    tqx::tool::Output output(path.toStdString());
+    tqx::tool::ParallelDump dump(
         output, [] { return std::make_unique<SlowWriter>(failing); }, GetParam());
     EXPECT_THROW(
         {
@@ -132,15 +132,15 @@ TEST_P(ParallelDumpTest, HandsOnFailures)
     const std::string text = contentOf(path);
     EXPECT_EQ(text, expected(failing).substr(0, text.size()));
 
-    tool::Output full("/dev/full");
-    tool::ParallelDump lost(
+    tqx::tool::Output full("/dev/full");
+    tqx::tool::ParallelDump lost(
         full, [] { return std::make_unique<SlowWriter>(none); }, GetParam());
     EXPECT_THROW(
         {
             take(lost, 0, failing);
             lost.flush();
         },
-        tool::ToolError);
+        tqx::tool::ToolError);
 }
 
 INSTANTIATE_TEST_SUITE_P(Threads, ParallelDumpTest, testing::Values(1U, 2U, 5U));

@@ -1,9 +1,9 @@
-#include "Command.h"
-#include "Interrupt.h"
-#include "Reference.h"
-#include "ToolError.h"
-#include "TypeNames.h"
-#include "Words.h"
+#include "commands/Command.h"
+#include "io/Interrupt.h"
+#include "io/ToolError.h"
+#include "io/Words.h"
+#include "reference/Reference.h"
+#include "tqx/log/record/TypeNames.h"
 
 #include <CLI/CLI.hpp>
 
@@ -19,8 +19,8 @@
 namespace
 {
 
-using tool::Command;
-using tool::ExitStatus;
+using tqx::tool::Command;
+using tqx::tool::ExitStatus;
 
 constexpr const char* version = "tqx " TQX_VERSION;
 
@@ -43,20 +43,20 @@ std::string describe(const CLI::App& program, const CLI::ParseError& error)
     if (program.get_subcommands().empty()) {
         if (extras.empty())
             return "a command is required (see tqx --help)";
-        for (const CLI::App* command : tool::commandsOf(program))
+        for (const CLI::App* command : tqx::tool::commandsOf(program))
             names.push_back(command->get_name());
-        return tool::unknownName("command", extras.front(), {names.begin(), names.end()});
+        return tqx::unknownName("command", extras.front(), {names.begin(), names.end()});
     }
     if (program.remaining_size() != 0)
         return program.remaining().front() + " stands before the command, options come behind it";
     const CLI::App& command = *program.get_subcommands().front();
     std::string text = error.what();
     if (dynamic_cast<const CLI::ExtrasError*>(&error) && !extras.empty()) {
-        for (const CLI::Option* option : tool::optionsOf(command))
+        for (const CLI::Option* option : tqx::tool::optionsOf(command))
             for (const std::string& name : option->get_lnames())
                 names.push_back("--" + name);
         text = extras.front().front() == '-'
-                   ? tool::unknownName("option", extras.front(), {names.begin(), names.end()})
+                   ? tqx::unknownName("option", extras.front(), {names.begin(), names.end()})
                    : extras.front() + " is one argument too many";
     }
     return command.get_name() + ": " + text + " (see tqx help " + command.get_name() + ")";
@@ -69,10 +69,10 @@ ExitStatus explain(const CLI::App& program, const CLI::ParseError& error)
         program.exit(error);
         if (std::cout.flush())
             return ExitStatus::Done;
-        tool::words::say(std::string("standard output: ") + std::strerror(errno));
+        tqx::tool::words::say(std::string("standard output: ") + std::strerror(errno));
         return ExitStatus::Failed;
     }
-    tool::words::say(describe(program, error));
+    tqx::tool::words::say(describe(program, error));
     return ExitStatus::Failed;
 }
 
@@ -84,7 +84,7 @@ ExitStatus run(int argc, char** argv)
     program.require_subcommand(1);
     program.get_formatter()->label("SUBCOMMAND", "COMMAND");
     program.get_formatter()->label("Positionals", "Arguments");
-    const std::vector<std::unique_ptr<Command>> commands = tool::makeCommands(program);
+    const std::vector<std::unique_ptr<Command>> commands = tqx::tool::makeCommands(program);
     try {
         program.parse(argc, argv);
         for (const std::unique_ptr<Command>& command : commands)
@@ -92,10 +92,10 @@ ExitStatus run(int argc, char** argv)
                 return command->run();
     } catch (const CLI::ParseError& error) {
         return explain(program, error);
-    } catch (const tool::ClosedPipe&) {
+    } catch (const tqx::tool::ClosedPipe&) {
         return ExitStatus::Done;
     } catch (const std::exception& error) {
-        tool::words::say(error.what());
+        tqx::tool::words::say(error.what());
         return ExitStatus::Failed;
     }
     return ExitStatus::Failed;
@@ -110,8 +110,8 @@ int main(int argc, char** argv)
 #endif
     // Output is the same everywhere.
     QLocale::setDefault(QLocale::c());
-    tool::interrupt::watch();
+    tqx::tool::interrupt::watch();
     const ExitStatus status = run(argc, argv);
-    tool::interrupt::obey();
+    tqx::tool::interrupt::obey();
     return static_cast<int>(status);
 }

@@ -1,17 +1,17 @@
-#include "Command.h"
+#include "commands/Command.h"
 
-#include "CutCommand.h"
-#include "DumpCommand.h"
-#include "EncodeCommand.h"
-#include "ErrorCommand.h"
-#include "ExplainCommand.h"
-#include "ExtractCommand.h"
-#include "HelpCommand.h"
-#include "InfoCommand.h"
-#include "SimulateCommand.h"
-#include "TypesCommand.h"
+#include "commands/CutCommand.h"
+#include "commands/DumpCommand.h"
+#include "commands/EncodeCommand.h"
+#include "commands/ErrorCommand.h"
+#include "commands/ExplainCommand.h"
+#include "commands/ExtractCommand.h"
+#include "commands/HelpCommand.h"
+#include "commands/InfoCommand.h"
+#include "commands/SimulateCommand.h"
+#include "commands/TypesCommand.h"
 
-namespace tool
+namespace tqx::tool
 {
 
 Command::Command(CLI::App& program, const std::string& name, const std::string& description,
@@ -38,4 +38,4 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program)
     return commands;
 }
 
-} // namespace tool
+} // namespace tqx::tool

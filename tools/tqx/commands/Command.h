@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ExitStatus.h"
+#include "io/ExitStatus.h"
 
 #include <CLI/App.hpp>
 
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace tool
+namespace tqx::tool
 {
 
 /// One command of the program. Its constructor declares its arguments.
@@ -36,4 +36,4 @@ protected:
 /// All commands, in the order of the help text.
 std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program);
 
-} // namespace tool
+} // namespace tqx::tool

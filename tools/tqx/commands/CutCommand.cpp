@@ -1,9 +1,9 @@
-#include "CutCommand.h"
+#include "commands/CutCommand.h"
 
-#include "Output.h"
-#include "Target.h"
+#include "io/Output.h"
+#include "io/Target.h"
 
-namespace tool
+namespace tqx::tool
 {
 
 namespace
@@ -50,4 +50,4 @@ ExitStatus CutCommand::run()
     return streams.read(copies, output);
 }
 
-} // namespace tool
+} // namespace tqx::tool

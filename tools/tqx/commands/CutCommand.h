@@ -1,11 +1,11 @@
 #pragma once
 
-#include "Command.h"
-#include "StreamOptions.h"
+#include "commands/Command.h"
+#include "options/StreamOptions.h"
 
 #include <string>
 
-namespace tool
+namespace tqx::tool
 {
 
 /// `tqx cut`: selected blocks, byte for byte.
@@ -20,4 +20,4 @@ private:
     std::string target = "-";
 };
 
-} // namespace tool
+} // namespace tqx::tool

@@ -1,12 +1,12 @@
-#include "DumpCommand.h"
+#include "commands/DumpCommand.h"
 
-#include "CsvDump.h"
-#include "FieldFilter.h"
-#include "Output.h"
-#include "Paragraph.h"
-#include "ParallelDump.h"
-#include "RawJson.h"
-#include "ValueJson.h"
+#include "io/Output.h"
+#include "output/CsvDump.h"
+#include "output/ParallelDump.h"
+#include "tqx/log/record/FieldFilter.h"
+#include "tqx/log/write/Paragraph.h"
+#include "tqx/log/write/RawJson.h"
+#include "tqx/log/write/ValueJson.h"
 
 #include "TQX_FormatInfo.h"
 #include "TQX_Layout.h"
@@ -15,7 +15,7 @@
 
 #include <memory>
 
-namespace tool
+namespace tqx::tool
 {
 
 namespace
@@ -135,4 +135,4 @@ ExitStatus DumpCommand::run()
     return streams.read(dump, dump);
 }
 
-} // namespace tool
+} // namespace tqx::tool

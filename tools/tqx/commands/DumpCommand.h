@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Command.h"
-#include "StreamOptions.h"
+#include "commands/Command.h"
+#include "options/StreamOptions.h"
 
-namespace tool
+namespace tqx::tool
 {
 
 /// `tqx dump`: decoded messages as text, JSON Lines or comma separated values.
@@ -21,4 +21,4 @@ private:
     bool raw = false;
 };
 
-} // namespace tool
+} // namespace tqx::tool

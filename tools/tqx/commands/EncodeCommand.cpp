@@ -1,18 +1,18 @@
-#include "EncodeCommand.h"
+#include "commands/EncodeCommand.h"
 
-#include "Interrupt.h"
-#include "LineEncoder.h"
-#include "LineError.h"
-#include "LineReader.h"
-#include "Output.h"
-#include "Progress.h"
-#include "Target.h"
-#include "ToolError.h"
-#include "Words.h"
+#include "io/Interrupt.h"
+#include "io/LineReader.h"
+#include "io/Output.h"
+#include "io/Progress.h"
+#include "io/Target.h"
+#include "io/ToolError.h"
+#include "io/Words.h"
+#include "tqx/log/read/LineEncoder.h"
+#include "tqx/log/read/LineError.h"
 
 #include <fmt/format.h>
 
-namespace tool
+namespace tqx::tool
 {
 
 EncodeCommand::EncodeCommand(CLI::App& program)
@@ -43,7 +43,7 @@ ExitStatus EncodeCommand::run()
     for (const std::string& path : files) {
         try {
             complete = encodeFile(path, encoder, progress, output) && complete;
-        } catch (const InputError& error) {
+        } catch (const SourceError& error) {
             words::say(error.what());
             complete = false;
         }
@@ -75,4 +75,4 @@ bool EncodeCommand::encodeFile(const std::string& path, LineEncoder& encoder, Pr
     return complete;
 }
 
-} // namespace tool
+} // namespace tqx::tool

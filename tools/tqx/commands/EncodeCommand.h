@@ -1,11 +1,15 @@
 #pragma once
 
-#include "Command.h"
+#include "commands/Command.h"
 
-namespace tool
+namespace tqx
+{
+class LineEncoder;
+}
+
+namespace tqx::tool
 {
 
-class LineEncoder;
 class Output;
 class Progress;
 
@@ -24,4 +28,4 @@ private:
     std::string target = "-";
 };
 
-} // namespace tool
+} // namespace tqx::tool

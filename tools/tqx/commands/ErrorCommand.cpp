@@ -1,10 +1,10 @@
-#include "ErrorCommand.h"
+#include "commands/ErrorCommand.h"
 
-#include "Output.h"
 #include "TQX_codec.h"
-#include "ToolError.h"
-#include "TypeNames.h"
-#include "Words.h"
+#include "io/Output.h"
+#include "io/ToolError.h"
+#include "io/Words.h"
+#include "tqx/log/record/TypeNames.h"
 
 #include <fmt/format.h>
 
@@ -12,7 +12,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace tool
+namespace tqx::tool
 {
 
 namespace
@@ -92,4 +92,4 @@ ExitStatus ErrorCommand::run()
     return status;
 }
 
-} // namespace tool
+} // namespace tqx::tool

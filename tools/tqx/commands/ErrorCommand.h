@@ -1,11 +1,14 @@
 #pragma once
 
-#include "Command.h"
+#include "commands/Command.h"
 
-namespace tool
+namespace tqx
 {
-
 class Buffer;
+}
+
+namespace tqx::tool
+{
 
 /// `tqx error`: names of codec results and codes of names.
 class ErrorCommand : public Command
@@ -21,4 +24,4 @@ private:
     bool all = false;
 };
 
-} // namespace tool
+} // namespace tqx::tool

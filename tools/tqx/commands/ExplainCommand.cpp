@@ -1,17 +1,18 @@
-#include "ExplainCommand.h"
+#include "commands/ExplainCommand.h"
 
-#include "BlockLocator.h"
-#include "Explanation.h"
-#include "Output.h"
-#include "ToolError.h"
-#include "Words.h"
+#include "io/Input.h"
+#include "io/Output.h"
+#include "io/ToolError.h"
+#include "io/Words.h"
+#include "tqx/log/inspect/BlockLocator.h"
+#include "tqx/log/inspect/Explanation.h"
 
 #include <fmt/format.h>
 
 #include <charconv>
 #include <utility>
 
-namespace tool
+namespace tqx::tool
 {
 
 namespace
@@ -56,9 +57,10 @@ ExplainCommand::ExplainCommand(CLI::App& program)
 void ExplainCommand::explain(Output& output, const std::string& place)
 {
     const auto [path, offset] = split(place);
-    const BlockLocation location = locateBlock(path, offset);
+    Input input(path);
+    const BlockLocation location = locateBlock(input, offset);
     if (!location.hasSync())
-        throw InputError(
+        throw SourceError(
             fmt::format("{}: {}: {}", location.file, offset, describeNoBlock(location)));
     if (shown)
         output.getBuffer().append('\n');
@@ -81,7 +83,7 @@ ExitStatus ExplainCommand::run()
     for (const std::string& place : places) {
         try {
             explain(output, place);
-        } catch (const InputError& error) {
+        } catch (const SourceError& error) {
             output.flush();
             words::say(error.what());
             status = ExitStatus::Failed;
@@ -91,4 +93,4 @@ ExitStatus ExplainCommand::run()
     return status;
 }
 
-} // namespace tool
+} // namespace tqx::tool

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Command.h"
+#include "commands/Command.h"
 
-namespace tool
+namespace tqx::tool
 {
 
 class Output;
@@ -21,4 +21,4 @@ private:
     bool shown = false;
 };
 
-} // namespace tool
+} // namespace tqx::tool

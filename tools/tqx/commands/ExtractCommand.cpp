@@ -1,7 +1,7 @@
-#include "ExtractCommand.h"
+#include "commands/ExtractCommand.h"
 
-#include "Output.h"
-#include "Target.h"
+#include "io/Output.h"
+#include "io/Target.h"
 
 #include "AbstractDecoder.h"
 #include "TQXDecoder.h"
@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-namespace tool
+namespace tqx::tool
 {
 
 namespace
@@ -108,4 +108,4 @@ ExitStatus ExtractCommand::run()
     return streams.read(corrections, output);
 }
 
-} // namespace tool
+} // namespace tqx::tool

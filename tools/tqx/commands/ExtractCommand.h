@@ -1,11 +1,11 @@
 #pragma once
 
-#include "Command.h"
-#include "StreamOptions.h"
+#include "commands/Command.h"
+#include "options/StreamOptions.h"
 
 #include <string>
 
-namespace tool
+namespace tqx::tool
 {
 
 /// `tqx extract`: the correction messages that a receiver has received.
@@ -21,4 +21,4 @@ private:
     std::string target = "-";
 };
 
-} // namespace tool
+} // namespace tqx::tool

@@ -1,11 +1,11 @@
-#include "HelpCommand.h"
+#include "commands/HelpCommand.h"
 
-#include "Output.h"
-#include "Reference.h"
-#include "ToolError.h"
-#include "TypeNames.h"
+#include "io/Output.h"
+#include "io/ToolError.h"
+#include "reference/Reference.h"
+#include "tqx/log/record/TypeNames.h"
 
-namespace tool
+namespace tqx::tool
 {
 
 HelpCommand::HelpCommand(CLI::App& whole)
@@ -44,4 +44,4 @@ ExitStatus HelpCommand::run()
     return ExitStatus::Done;
 }
 
-} // namespace tool
+} // namespace tqx::tool

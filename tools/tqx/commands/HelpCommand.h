@@ -1,11 +1,14 @@
 #pragma once
 
-#include "Command.h"
+#include "commands/Command.h"
 
-namespace tool
+namespace tqx
 {
-
 class Buffer;
+}
+
+namespace tqx::tool
+{
 
 /// `tqx help`: help of the program or of a command. Options that help does not show write the
 /// manual page and the completion script while the program is built.
@@ -25,4 +28,4 @@ private:
     bool completion = false;
 };
 
-} // namespace tool
+} // namespace tqx::tool

@@ -1,11 +1,11 @@
-#include "InfoCommand.h"
+#include "commands/InfoCommand.h"
 
-#include "Output.h"
-#include "StreamSummary.h"
-#include "SummaryText.h"
-#include "Words.h"
+#include "io/Output.h"
+#include "io/Words.h"
+#include "output/SummaryText.h"
+#include "tqx/log/summary/StreamSummary.h"
 
-namespace tool
+namespace tqx::tool
 {
 
 namespace
@@ -16,12 +16,12 @@ class Summarizer : public BlockConsumer
 public:
     Summarizer(Buffer& buffer, bool asJson) : out(buffer), json(asJson) {}
 
-    void begin(BlockStream& stream) override
+    void begin(InputStream& stream) override
     {
         stream.setGapListener([this](const StreamGap& gap) { summary.addDamage(gap); });
     }
     void take(BlockStream& stream, const Block& block) override { summary.add(stream, block); }
-    void end(BlockStream& stream) override
+    void end(InputStream& stream) override
     {
         if (stream.hasFailed() && stream.getCounts().bytes == 0)
             return;
@@ -63,4 +63,4 @@ ExitStatus InfoCommand::run()
     return streams.read(summarizer, output);
 }
 
-} // namespace tool
+} // namespace tqx::tool

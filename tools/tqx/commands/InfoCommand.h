@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Command.h"
-#include "StreamOptions.h"
+#include "commands/Command.h"
+#include "options/StreamOptions.h"
 
-namespace tool
+namespace tqx::tool
 {
 
 /// `tqx info`: what a stream holds.
@@ -18,4 +18,4 @@ private:
     bool json = false;
 };
 
-} // namespace tool
+} // namespace tqx::tool

@@ -1,8 +1,10 @@
-#include "SimulateCommand.h"
+#include "commands/SimulateCommand.h"
 
-#include "Output.h"
-#include "Target.h"
-#include "ToolError.h"
+#include "io/Interrupt.h"
+#include "io/Output.h"
+#include "io/Progress.h"
+#include "io/Target.h"
+#include "io/ToolError.h"
 
 #include <CLI/Validators.hpp>
 #include <fmt/format.h>
@@ -10,7 +12,7 @@
 #include <cmath>
 #include <cstdlib>
 
-namespace tool
+namespace tqx::tool
 {
 
 SimulateCommand::SimulateCommand(CLI::App& program)
@@ -100,7 +102,7 @@ void SimulateCommand::readPosition()
 {
     if (position.empty())
         return;
-    constexpr double degree = pi / 180;
+    constexpr double degree = simulation::pi / 180;
     const double height = position[2];
     if (std::fabs(position[0]) > 89 || std::fabs(position[1]) > 180 || height < -500 ||
         height > 20000)
@@ -116,7 +118,7 @@ ExitStatus SimulateCommand::run()
         throw ToolError(
             fmt::format("simulate: {} Hz is a period of {} ms, which is not whole", rate, period));
     settings.periodMillis = static_cast<uint32_t>(std::llround(period));
-    using Kind = TrackSettings::Kind;
+    using Kind = simulation::TrackSettings::Kind;
     settings.track.kind = track == "circle" ? Kind::Circle
                           : track == "line" ? Kind::Line
                                             : Kind::Static;
@@ -126,8 +128,14 @@ ExitStatus SimulateCommand::run()
         settings.duration = 1e8;
     refuseTerminal(target);
     Output output(target);
-    simulate(settings, output);
+    Progress progress("simulated", settings.size);
+    simulation::simulate(settings, output.getBuffer(), [&](uint64_t size) {
+        progress.add(size);
+        output.commit();
+        return !interrupt::hasCome();
+    });
+    output.flush();
     return ExitStatus::Done;
 }
 
-} // namespace tool
+} // namespace tqx::tool

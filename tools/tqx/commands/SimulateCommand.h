@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Command.h"
-#include "Simulation.h"
+#include "commands/Command.h"
+#include "tqx/simulation/Simulation.h"
 
-namespace tool
+namespace tqx::tool
 {
 
 /// `tqx simulate`: the log of a receiver that does not exist.
@@ -19,7 +19,7 @@ private:
     void readStart();
     void readPosition();
 
-    SimulationSettings settings;
+    simulation::SimulationSettings settings;
     CLI::Option* duration = nullptr;
     double rate = 1;
     std::string track = "static";
@@ -28,4 +28,4 @@ private:
     std::string target = "-";
 };
 
-} // namespace tool
+} // namespace tqx::tool

@@ -1,11 +1,11 @@
-#include "TypesCommand.h"
+#include "commands/TypesCommand.h"
 
-#include "FieldTable.h"
-#include "NamePattern.h"
-#include "Output.h"
-#include "ToolError.h"
-#include "TypeNames.h"
-#include "TypesJson.h"
+#include "io/Output.h"
+#include "io/ToolError.h"
+#include "tqx/log/inspect/FieldTable.h"
+#include "tqx/log/inspect/TypesJson.h"
+#include "tqx/log/record/TypeNames.h"
+#include "tqx/log/select/NamePattern.h"
 
 #include "MessageInfo.h"
 #include "TQX_FormatInfo.h"
@@ -15,7 +15,7 @@
 #include <charconv>
 #include <unordered_set>
 
-namespace tool
+namespace tqx::tool
 {
 
 using namespace Kor::MessageApi;
@@ -149,4 +149,4 @@ void TypesCommand::appendLayouts(Buffer& out) const
     }
 }
 
-} // namespace tool
+} // namespace tqx::tool

@@ -1,11 +1,14 @@
 #pragma once
 
-#include "Command.h"
+#include "commands/Command.h"
 
-namespace tool
+namespace tqx
 {
-
 class Buffer;
+}
+
+namespace tqx::tool
+{
 
 /// `tqx types`: the catalogue of types and their layouts.
 class TypesCommand : public Command
@@ -24,4 +27,4 @@ private:
     bool fields = false;
 };
 
-} // namespace tool
+} // namespace tqx::tool

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace tool
+namespace tqx::tool
 {
 
 /// Exit status of the program.
@@ -18,4 +18,4 @@ inline ExitStatus worse(ExitStatus a, ExitStatus b)
     return a == ExitStatus::Damaged ? a : b;
 }
 
-} // namespace tool
+} // namespace tqx::tool

@@ -1,7 +1,7 @@
-#include "Input.h"
+#include "io/Input.h"
 
-#include "Interrupt.h"
-#include "ToolError.h"
+#include "io/Interrupt.h"
+#include "io/ToolError.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -11,9 +11,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
-#include <vector>
 
-namespace tool
+namespace tqx::tool
 {
 
 Input::Input(std::string path)
@@ -21,7 +20,7 @@ Input::Input(std::string path)
       descriptor(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC))
 {
     if (descriptor < 0)
-        throw InputError(name + ": " + std::strerror(errno));
+        throw SourceError(name + ": " + std::strerror(errno));
     struct stat status = {};
     if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode))
         size = static_cast<uint64_t>(status.st_size);
@@ -33,14 +32,14 @@ Input::~Input()
         ::close(descriptor);
 }
 
-size_t Input::read(char* buffer, size_t capacity)
+size_t Input::read(uint8_t* bytes, size_t capacity)
 {
     while (!interrupt::hasCome()) {
-        const ssize_t count = ::read(descriptor, buffer, capacity);
+        const ssize_t count = ::read(descriptor, bytes, capacity);
         if (count >= 0)
             return static_cast<size_t>(count);
         if (errno != EINTR)
-            throw InputError(name + ": " + std::strerror(errno));
+            throw SourceError(name + ": " + std::strerror(errno));
     }
     return 0;
 }
@@ -58,15 +57,7 @@ uint64_t Input::skip(uint64_t count)
         if (::lseek(descriptor, static_cast<off_t>(skipped), SEEK_CUR) >= 0)
             return skipped;
     }
-    std::vector<char> piece(1 << 16);
-    uint64_t skipped = 0;
-    while (skipped < count) {
-        const size_t got = read(piece.data(), std::min<uint64_t>(piece.size(), count - skipped));
-        if (got == 0)
-            break;
-        skipped += got;
-    }
-    return skipped;
+    return ByteSource::skip(count);
 }
 
-} // namespace tool
+} // namespace tqx::tool

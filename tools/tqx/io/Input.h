@@ -1,32 +1,35 @@
 #pragma once
 
+#include "tqx/log/source/ByteSource.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
 
-namespace tool
+namespace tqx::tool
 {
 
 /// Bytes of a file or of standard input, in pieces.
-class Input
+class Input : public ByteSource
 {
 public:
-    /// Opens `path`; "-" is standard input. Throws InputError with "<path>: <reason>".
+    /// Opens `path`; "-" is standard input. Throws SourceError with "<path>: <reason>".
     explicit Input(std::string path);
-    ~Input();
+    ~Input() override;
     Input(const Input&) = delete;
     Input& operator=(const Input&) = delete;
 
     /// Reads up to `capacity` bytes and returns how many, 0 at the end or once the
     /// program is interrupted. Does not wait for more
-    /// than what a pipe holds. Throws InputError.
-    size_t read(char* buffer, size_t capacity);
+    /// than what a pipe holds. Throws SourceError.
+    size_t read(uint8_t* bytes, size_t capacity) override;
 
     /// Whether a read need not wait longer than `patience` milliseconds.
     bool isReady(int patience) const;
 
-    /// Passes over `count` bytes, or as many as there are, and returns how many. Throws InputError.
-    uint64_t skip(uint64_t count);
+    uint64_t skip(uint64_t count) override;
+
+    Place placeOf(uint64_t offset) const override { return {name, offset}; }
 
     /// Name for messages: the path, or "standard input".
     const std::string& getName() const { return name; }
@@ -40,4 +43,4 @@ private:
     uint64_t size = 0;
 };
 
-} // namespace tool
+} // namespace tqx::tool

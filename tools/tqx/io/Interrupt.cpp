@@ -1,9 +1,9 @@
-#include "Interrupt.h"
+#include "io/Interrupt.h"
 
 #include <csignal>
 #include <initializer_list>
 
-namespace tool::interrupt
+namespace tqx::tool::interrupt
 {
 
 namespace
@@ -43,4 +43,4 @@ void obey()
     std::raise(received);
 }
 
-} // namespace tool::interrupt
+} // namespace tqx::tool::interrupt

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace tool
+namespace tqx::tool
 {
 
 /// Requests to end, from the keyboard or by `kill`. The first one ends the inputs: what has been
@@ -19,4 +19,4 @@ void obey();
 
 } // namespace interrupt
 
-} // namespace tool
+} // namespace tqx::tool

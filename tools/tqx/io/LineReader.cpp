@@ -1,9 +1,9 @@
-#include "LineReader.h"
+#include "io/LineReader.h"
 
 #include <algorithm>
 #include <utility>
 
-namespace tool
+namespace tqx::tool
 {
 
 namespace
@@ -34,9 +34,9 @@ bool LineReader::next(std::string& line)
     for (;;) {
         if (position == filled && !readOn())
             return !line.empty();
-        const char* begin = piece.data() + position;
-        const char* end = piece.data() + filled;
-        const char* stop = std::find(begin, end, '\n');
+        const uint8_t* begin = piece.data() + position;
+        const uint8_t* end = piece.data() + filled;
+        const uint8_t* stop = std::find(begin, end, uint8_t{'\n'});
         line.append(begin, stop);
         position += static_cast<size_t>(stop - begin);
         if (stop == end)
@@ -48,4 +48,4 @@ bool LineReader::next(std::string& line)
     }
 }
 
-} // namespace tool
+} // namespace tqx::tool

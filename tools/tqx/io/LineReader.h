@@ -1,24 +1,24 @@
 #pragma once
 
-#include "Input.h"
-#include "Progress.h"
+#include "io/Input.h"
+#include "io/Progress.h"
 
 #include <functional>
 #include <string>
 #include <vector>
 
-namespace tool
+namespace tqx::tool
 {
 
 /// The lines of an input, one after the other.
 class LineReader
 {
 public:
-    /// Throws InputError when the input cannot be opened. `progress` is told what is
+    /// Throws SourceError when the input cannot be opened. `progress` is told what is
     /// read, `beforeRead` is called each time before more of the input is.
     LineReader(const std::string& path, Progress& progress, std::function<void()> beforeRead);
 
-    /// Gets the next line without its end; false at the end of the input. Throws InputError.
+    /// Gets the next line without its end; false at the end of the input. Throws SourceError.
     bool next(std::string& line);
 
 private:
@@ -27,9 +27,9 @@ private:
     Input input;
     Progress& progress;
     std::function<void()> beforeRead;
-    std::vector<char> piece;
+    std::vector<uint8_t> piece;
     size_t position = 0;
     size_t filled = 0;
 };
 
-} // namespace tool
+} // namespace tqx::tool

@@ -1,12 +1,12 @@
-#include "Output.h"
+#include "io/Output.h"
 
-#include "ToolError.h"
-#include "Words.h"
+#include "io/ToolError.h"
+#include "io/Words.h"
 
 #include <cerrno>
 #include <cstring>
 
-namespace tool
+namespace tqx::tool
 {
 
 Output::Output() : name("standard output"), file(stdout) {}
@@ -43,4 +43,4 @@ void Output::write(std::string_view text)
     throw ToolError(name + ": " + std::strerror(errno));
 }
 
-} // namespace tool
+} // namespace tqx::tool

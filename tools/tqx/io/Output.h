@@ -1,13 +1,13 @@
 #pragma once
 
-#include "Buffer.h"
-#include "Sink.h"
+#include "io/Sink.h"
+#include "tqx/log/text/Buffer.h"
 
 #include <cstdio>
 #include <string>
 #include <string_view>
 
-namespace tool
+namespace tqx::tool
 {
 
 /// The data a command produces: one buffer, written in big pieces to standard output or a file.
@@ -48,4 +48,4 @@ private:
     Buffer buffer;
 };
 
-} // namespace tool
+} // namespace tqx::tool

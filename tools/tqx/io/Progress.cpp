@@ -1,6 +1,6 @@
-#include "Progress.h"
+#include "io/Progress.h"
 
-#include "Words.h"
+#include "io/Words.h"
 
 #include <fmt/format.h>
 
@@ -9,7 +9,7 @@
 #include <system_error>
 #include <utility>
 
-namespace tool
+namespace tqx::tool
 {
 
 namespace
@@ -71,4 +71,4 @@ std::string Progress::describe(Clock::time_point now) const
     return fmt::format("{}{:.1f} MB, {:.1f} MB/s: {}", share, megabytes, megabytes / seconds, name);
 }
 
-} // namespace tool
+} // namespace tqx::tool

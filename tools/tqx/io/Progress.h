@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace tool
+namespace tqx::tool
 {
 
 /// Tells on a terminal how far long inputs have been read: share, bytes, rate, name. Silent where
@@ -40,4 +40,4 @@ private:
     Clock::time_point next = start + std::chrono::seconds(1);
 };
 
-} // namespace tool
+} // namespace tqx::tool

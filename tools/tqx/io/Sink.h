@@ -1,6 +1,6 @@
 #pragma once
 
-namespace tool
+namespace tqx::tool
 {
 
 /// Where the data of a command goes, seen by what drives the command.
@@ -21,4 +21,4 @@ public:
     virtual void flush() = 0;
 };
 
-} // namespace tool
+} // namespace tqx::tool

@@ -1,11 +1,11 @@
-#include "Target.h"
+#include "io/Target.h"
 
-#include "ToolError.h"
+#include "io/ToolError.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace tool
+namespace tqx::tool
 {
 
 namespace
@@ -40,4 +40,4 @@ void refuseTerminal(const std::string& target)
         throw ToolError("the output is no text for a terminal; name a file with -o, or use a pipe");
 }
 
-} // namespace tool
+} // namespace tqx::tool

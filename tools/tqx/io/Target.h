@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace tool
+namespace tqx::tool
 {
 
 /// Throws ToolError when one of the inputs is the regular file that is to be written: that would be
@@ -13,4 +13,4 @@ void refuseSameFile(const std::vector<std::string>& inputs, const std::string& t
 /// Throws ToolError when bytes that are no text would be written to a terminal.
 void refuseTerminal(const std::string& target);
 
-} // namespace tool
+} // namespace tqx::tool

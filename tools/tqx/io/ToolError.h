@@ -1,24 +1,18 @@
 #pragma once
 
-#include <stdexcept>
-#include <string>
+#include "tqx/log/DataError.h"
 
-namespace tool
+#include <exception>
+
+namespace tqx::tool
 {
 
 /// Something that keeps a command from going on with a file or at all. The text is what stands
 /// behind "tqx: ".
-class ToolError : public std::runtime_error
+class ToolError : public DataError
 {
 public:
-    using std::runtime_error::runtime_error;
-};
-
-/// An input that cannot be opened or read. A command goes on with the next one.
-class InputError : public ToolError
-{
-public:
-    using ToolError::ToolError;
+    using DataError::DataError;
 };
 
 /// The reader of standard output went away, or the program was interrupted while it waited for that
@@ -27,4 +21,4 @@ class ClosedPipe : public std::exception
 {
 };
 
-} // namespace tool
+} // namespace tqx::tool

@@ -1,4 +1,4 @@
-#include "Words.h"
+#include "io/Words.h"
 
 #include <fmt/format.h>
 
@@ -11,7 +11,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace tool::words
+namespace tqx::tool::words
 {
 
 namespace
@@ -104,4 +104,4 @@ void makeWay()
     progressAllowed = Clock::now() + std::chrono::seconds(1);
 }
 
-} // namespace tool::words
+} // namespace tqx::tool::words

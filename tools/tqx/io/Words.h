@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace tool
+namespace tqx::tool
 {
 
 /// Messages to standard error. A progress line that stands there is wiped first. All of this may
@@ -35,4 +35,4 @@ void makeWay();
 
 } // namespace words
 
-} // namespace tool
+} // namespace tqx::tool

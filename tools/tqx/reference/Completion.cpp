@@ -1,10 +1,10 @@
-#include "Reference.h"
+#include "reference/Reference.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 
-namespace tool
+namespace tqx::tool
 {
 
 namespace
@@ -127,4 +127,4 @@ void appendCompletion(Buffer& out, const CLI::App& program)
     out.append("    esac\n}\n\ncomplete -F _tqx tqx\n");
 }
 
-} // namespace tool
+} // namespace tqx::tool

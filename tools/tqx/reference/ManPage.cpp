@@ -1,10 +1,10 @@
-#include "Reference.h"
+#include "reference/Reference.h"
 
 #include <fmt/format.h>
 
 #include <sstream>
 
-namespace tool
+namespace tqx::tool
 {
 
 namespace
@@ -137,4 +137,4 @@ void appendManPage(Buffer& out, const CLI::App& program, const std::string& vers
     ManPage(out).append(program, version);
 }
 
-} // namespace tool
+} // namespace tqx::tool

@@ -1,6 +1,6 @@
-#include "Reference.h"
+#include "reference/Reference.h"
 
-namespace tool
+namespace tqx::tool
 {
 
 std::vector<const CLI::App*> commandsOf(const CLI::App& program)
@@ -15,4 +15,4 @@ std::vector<const CLI::Option*> optionsOf(const CLI::App& command)
         [](const CLI::Option* option) { return !option->get_group().empty(); });
 }
 
-} // namespace tool
+} // namespace tqx::tool

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "Buffer.h"
+#include "tqx/log/text/Buffer.h"
 
 #include <CLI/App.hpp>
 
 #include <string>
 #include <vector>
 
-namespace tool
+namespace tqx::tool
 {
 
 /// What is written about the program from the same declarations that its arguments are parsed by.
@@ -22,4 +22,4 @@ void appendCompletion(Buffer& out, const CLI::App& program);
 std::vector<const CLI::App*> commandsOf(const CLI::App& program);
 std::vector<const CLI::Option*> optionsOf(const CLI::App& command);
 
-} // namespace tool
+} // namespace tqx::tool

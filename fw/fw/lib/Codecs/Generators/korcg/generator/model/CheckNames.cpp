@@ -1,6 +1,6 @@
-#include "emit/Names.h"
 #include "model/CheckParts.h"
 #include "model/Identifiers.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 

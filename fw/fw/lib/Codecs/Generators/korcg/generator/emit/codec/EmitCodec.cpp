@@ -1,6 +1,6 @@
 #include "emit/Groups.h"
-#include "emit/Names.h"
 #include "emit/codec/Parts.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 
@@ -126,8 +126,13 @@ std::string header(const Selection& selection)
     text += fmt::format("/// Room for the record of any type.\n"
                         "union TQX_AnyRecord_u {{\n    TQX_MainHeader_s head;\n    double "
                         "alignment;\n    unsigned char bytes[std::max({{{}}})];\n}};\n\n"
-                        "}} // namespace Kor::MessageApi\n\n",
+                        "/// Record-type number of a record, 0 for other types.\n"
+                        "template<typename Record>\nconstexpr uint32_t TQX_recordTypeOf = 0;\n",
                         sizes);
+    for (const RecordType* type : selection)
+        text += fmt::format("template<>\nconstexpr uint32_t TQX_recordTypeOf<{}> = {};\n",
+                            recordName(*type), type->record);
+    text += "\n} // namespace Kor::MessageApi\n\n";
     text += generalDeclarations;
     for (const RecordType* type : selection)
         text += codec::exportedDeclarations(*type);

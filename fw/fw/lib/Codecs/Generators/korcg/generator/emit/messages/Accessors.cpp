@@ -1,7 +1,7 @@
 #include "emit/messages/Accessors.h"
 
-#include "emit/Names.h"
 #include "emit/messages/FieldShape.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 

@@ -1,10 +1,10 @@
 #include "emit/Emitters.h"
 #include "emit/Groups.h"
 
-#include "emit/Names.h"
 #include "emit/messages/Accessors.h"
 #include "emit/messages/Factory.h"
 #include "emit/messages/MessageClass.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 

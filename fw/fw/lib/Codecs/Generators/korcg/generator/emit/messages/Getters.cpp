@@ -1,8 +1,8 @@
 #include "emit/messages/Getters.h"
 
-#include "emit/Names.h"
 #include "emit/messages/FieldShape.h"
 #include "emit/messages/GetterComment.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 

@@ -1,10 +1,10 @@
 #include "emit/messages/MessageClass.h"
 
-#include "emit/Names.h"
 #include "emit/messages/FieldShape.h"
 #include "emit/messages/GetterComment.h"
 #include "emit/messages/Getters.h"
 #include "emit/messages/SubMessages.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 

@@ -1,8 +1,8 @@
 #include "emit/metadata/FieldRows.h"
 
-#include "emit/Names.h"
 #include "emit/metadata/FieldFacts.h"
 #include "emit/metadata/SymbolTables.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "io/Input.h"
+#include "io/Progress.h"
+#include "tqx/log/source/ByteSource.h"
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tqx::tool
+{
+
+/// Inputs that follow each other as one source, opened one after the other. One that cannot be read
+/// is reported to standard error and left out. Shows progress on a terminal.
+class InputSequence : public ByteSource
+{
+public:
+    /// "-" among the paths is standard input. A `quiet` one shows no progress.
+    InputSequence(std::vector<std::string> paths, bool quiet);
+
+    size_t read(uint8_t* bytes, size_t capacity) override;
+
+    /// Offsets must not go down by more than one block from call to call.
+    Place placeOf(uint64_t offset) const override;
+
+    bool isInterrupted() const override;
+
+    /// Has `action` called before more of the input is waited for: the moment to hand on what a
+    /// live stream has brought so far.
+    void setBeforeRead(std::function<void()> action) { beforeRead = std::move(action); }
+
+    /// Names of the inputs that could be opened so far.
+    const std::vector<std::string>& getNames() const { return names; }
+
+    /// Whether an input could not be opened or read.
+    bool hasFailed() const { return failed; }
+
+private:
+    /// One input within the sequence.
+    struct Part {
+        std::string name;
+        uint64_t start; ///< in the sequence
+    };
+
+    using Clock = std::chrono::steady_clock;
+
+    bool openNext();
+    void handOn();
+    size_t readInput(uint8_t* bytes, size_t capacity);
+
+    std::vector<std::string> paths;
+    size_t opened = 0; ///< paths that were tried
+    std::optional<Input> input;
+    std::optional<Progress> progress; ///< until the last input has ended
+    std::vector<std::string> names;
+    std::deque<Part> parts; ///< all that could be opened
+    uint64_t size = 0;      ///< bytes read so far
+    std::function<void()> beforeRead;
+    Clock::time_point handedOn;
+    bool failed = false;
+};
+
+} // namespace tqx::tool

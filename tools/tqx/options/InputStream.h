@@ -1,0 +1,39 @@
+#pragma once
+
+#include "io/InputSequence.h"
+#include "tqx/log/stream/BlockStream.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace tqx::tool
+{
+
+/// The blocks of the inputs of a command. Damage is reported to standard error with its offset.
+class InputStream : public InputSequence, private StreamListener, public BlockStream
+{
+public:
+    /// "-" among the paths is standard input. A `quiet` one says nothing about damage and shows no
+    /// progress.
+    InputStream(std::vector<std::string> paths, bool quiet);
+
+    /// Has gaps handed to `listener` instead of reported to standard error; undecodable blocks are
+    /// then only counted.
+    void setGapListener(std::function<void(const StreamGap&)> action)
+    {
+        gapListener = std::move(action);
+    }
+
+    /// Whether words about damage are unwanted.
+    bool isQuiet() const { return quiet; }
+
+private:
+    void onGap(const StreamGap& gap) override;
+    void onUndecodable(const std::string& file, const Block& block, int32_t code) override;
+
+    std::function<void(const StreamGap&)> gapListener;
+    bool quiet;
+};
+
+} // namespace tqx::tool

@@ -1,0 +1,86 @@
+#include "options/SelectionOptions.h"
+
+#include <CLI/Validators.hpp>
+
+#include <limits>
+
+namespace tqx::tool
+{
+
+namespace
+{
+
+constexpr const char* group = "Which blocks";
+
+void addNames(CLI::App& command, const char* name, std::vector<std::string>& names,
+              const char* description)
+{
+    command.add_option(name, names, description)
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->type_name("TYPE,TYPE")
+        ->group(group);
+}
+
+/// An empty one is more likely a variable that was never set than the wish for everything.
+std::string refuseEmpty(const std::string& value)
+{
+    return value.empty() ? "it is empty" : "";
+}
+
+} // namespace
+
+const char* const SelectionOptions::notes =
+    "Times: --from 2400:216000.5 is week and seconds in GNSS time, --from 2026-01-06T11:59:42Z\n"
+    "UTC, --from '2026-01-06T12:00:00 GPS' GPS time; milliseconds are the finest. The week counts\n"
+    "on without rollover, as in the blocks. A block whose header has no time goes with the block\n"
+    "before it; those that come before any time are left out under --from.\n"
+    "\n"
+    "Conditions compare fields with numbers or names: == != < <= > >=, joined by and, or, not and\n"
+    "parentheses; `has Field` asks whether there is an available value. A field is Field or\n"
+    "Block.Field, one of sub-blocks Block.Type1.SVID or just SVID; an underscore stands for a\n"
+    "blank in its name. Numbers are in the unit that dump shows, names and texts stand in quotes.\n"
+    "Of arrays and sub-blocks any element may match. A comparison with a field that is absent or\n"
+    "not available is false, for != as well.\n"
+    "  --where 'NrSV >= 8 and HAccuracy < 0.05'\n"
+    "  --where 'PVTMode == \"RTK fixed\" or not has Height'\n"
+    "  --where 'SVID == \"G05\"'              # in any of the sub-blocks\n"
+    "\n"
+    "Several files are one stream: a block may begin in one and end in the next.\n";
+
+void SelectionOptions::addTypes(CLI::App& command)
+{
+    addNames(command, "--type", request.types,
+             "Only blocks of these types: names, block numbers, or patterns such as 'PVT*'");
+    addNames(command, "--not-type", request.notTypes, "No blocks of these types");
+}
+
+void SelectionOptions::addConditions(CLI::App& command)
+{
+    command
+        .add_option("--from", request.from,
+                    "Only from this time on: GNSS week:seconds, or a date in UTC or GPS time such "
+                    "as 2026-01-06T11:59:42Z or '2026-01-06T12:00:00 GPS'")
+        ->type_name("TIME")
+        ->check(refuseEmpty)
+        ->group(group);
+    command.add_option("--to", request.to, "Only before this time, written like that of --from")
+        ->type_name("TIME")
+        ->check(refuseEmpty)
+        ->group(group);
+    command
+        .add_option("--where", request.where,
+                    "Only blocks whose fields meet a condition, such as "
+                    "'NrSV >= 8 and not has COG'")
+        ->type_name("CONDITION")
+        ->check(refuseEmpty)
+        ->group(group);
+    command
+        .add_option("--every", request.every,
+                    "Of each type the first one that all this selects, then every N-th")
+        ->type_name("N")
+        ->check(CLI::Range(uint32_t{1}, std::numeric_limits<uint32_t>::max()).description(""))
+        ->group(group);
+}
+
+} // namespace tqx::tool

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "tqx/log/select/Selection.h"
+
+#include <CLI/App.hpp>
+
+namespace tqx::tool
+{
+
+/// The arguments by which all commands that read streams choose blocks.
+class SelectionOptions
+{
+public:
+    /// Adds --type and --not-type.
+    void addTypes(CLI::App& command);
+
+    /// Adds --from, --to, --where and --every.
+    void addConditions(CLI::App& command);
+
+    /// Lines for the end of a help text: how times and conditions are written and what they mean.
+    static const char* const notes;
+
+    /// What the arguments say, once they are parsed.
+    const SelectionRequest& getRequest() const { return request; }
+
+private:
+    SelectionRequest request;
+};
+
+} // namespace tqx::tool

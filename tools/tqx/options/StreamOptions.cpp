@@ -1,0 +1,56 @@
+#include "options/StreamOptions.h"
+
+#include "io/Sink.h"
+#include "io/Target.h"
+#include "io/Words.h"
+
+#include <fmt/format.h>
+
+namespace tqx::tool
+{
+
+void StreamOptions::addInputs(CLI::App& command)
+{
+    command.add_option("FILE", files, "Files to read, one after the other; - is standard input")
+        ->required()
+        ->type_name("");
+    command.add_flag("--strict", strict, "Exit with status 2 when an input is damaged");
+    command.add_flag("-q,--quiet", quiet,
+                     "Show no progress and do not report damage on standard error");
+}
+
+Selection& StreamOptions::getSelection()
+{
+    if (!selection)
+        selection.emplace(selections.getRequest());
+    return *selection;
+}
+
+void StreamOptions::checkBefore(const std::string& target)
+{
+    getSelection();
+    refuseSameFile(files, target);
+}
+
+ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
+{
+    Selection& chosen = getSelection();
+    InputStream stream(files, quiet);
+    stream.setBeforeRead([&output] { output.handOn(); });
+    consumer.begin(stream);
+    Block block = {};
+    while (stream.next(block)) {
+        if (chosen.accepts(stream, block))
+            consumer.take(stream, block);
+        output.commit();
+    }
+    if (stream.getCounts().bytes == 0 && !stream.hasFailed() && !quiet)
+        words::say(fmt::format("{}: empty", fmt::join(stream.getNames(), ", ")));
+    consumer.end(stream);
+    output.flush();
+    const bool damaged = strict && stream.getCounts().isDamaged();
+    return worse(stream.hasFailed() ? ExitStatus::Failed : ExitStatus::Done,
+                 damaged ? ExitStatus::Damaged : ExitStatus::Done);
+}
+
+} // namespace tqx::tool

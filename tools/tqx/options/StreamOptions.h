@@ -1,0 +1,72 @@
+#pragma once
+
+#include "io/ExitStatus.h"
+#include "options/InputStream.h"
+#include "options/SelectionOptions.h"
+
+#include <CLI/App.hpp>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tqx::tool
+{
+
+class Sink;
+
+/// What a command does with the blocks of its inputs.
+class BlockConsumer
+{
+public:
+    virtual ~BlockConsumer() = default;
+
+    /// The stream begins.
+    virtual void begin(InputStream&) {}
+
+    /// A selected block. What is appended to the output is written in time.
+    virtual void take(BlockStream& stream, const Block& block) = 0;
+
+    /// The stream has ended.
+    virtual void end(InputStream&) {}
+};
+
+/// The arguments that all commands share that read streams of blocks.
+class StreamOptions
+{
+public:
+    /// Adds FILE..., --strict and --quiet.
+    void addInputs(CLI::App& command);
+
+    /// Adds the arguments that choose blocks.
+    void addSelection(CLI::App& command)
+    {
+        selections.addTypes(command);
+        addConditions(command);
+    }
+
+    /// Adds only those of them that do not choose by type.
+    void addConditions(CLI::App& command) { selections.addConditions(command); }
+
+    /// The selection that they ask for. Throws ToolError for bad arguments.
+    Selection& getSelection();
+
+    /// What must be known before `target` is written: throws ToolError for bad arguments, and when
+    /// it is one of the inputs.
+    void checkBefore(const std::string& target);
+
+    /// Hands the selected blocks of the inputs, as one stream, to `consumer`. An input that cannot
+    /// be read is reported and left out. Returns Failed if there was such a one, else, under
+    /// --strict, Damaged if the stream was. Throws ToolError for bad arguments and when the output
+    /// cannot be written, ClosedPipe when nobody reads it.
+    ExitStatus read(BlockConsumer& consumer, Sink& output);
+
+private:
+    std::vector<std::string> files;
+    SelectionOptions selections;
+    std::optional<Selection> selection;
+    bool strict = false;
+    bool quiet = false;
+};
+
+} // namespace tqx::tool

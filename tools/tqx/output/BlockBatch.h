@@ -1,0 +1,58 @@
+#pragma once
+
+#include "TQX_codec.h"
+#include "output/BlockWriter.h"
+#include "tqx/log/record/DecodedBlock.h"
+#include "tqx/log/text/Buffer.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace tqx::tool
+{
+
+/// Consecutive blocks of a stream with their records, and the text that a writer made of them. A
+/// batch belongs to one thread at a time.
+class BlockBatch
+{
+public:
+    BlockBatch();
+    ~BlockBatch();
+    BlockBatch(const BlockBatch&) = delete;
+    BlockBatch& operator=(const BlockBatch&) = delete;
+
+    bool isEmpty() const { return entries.empty(); }
+    bool isFull() const { return bytes.size() >= enoughBytes || recordBytes >= enoughRecords; }
+
+    /// Decodes a copy of a block. Returns the bits consumed or the codec's negative code. Only
+    /// while the batch is not full.
+    int32_t add(Kor::MessageApi::TQX_Context_s& context, const Block& block);
+
+    /// Has the text made of all blocks.
+    void write(BlockWriter& writer);
+
+    const Buffer& getText() const { return text; }
+
+    /// Forgets blocks and text, and keeps their memory.
+    void clear();
+
+private:
+    // Small enough for the text, some twenty times as long, to stay in a processor's own cache.
+    static constexpr size_t enoughBytes = 1 << 14;
+    static constexpr size_t enoughRecords = 1 << 16;
+    using Record = Kor::MessageApi::TQX_AnyRecord_u;
+
+    struct RecordsDeleter {
+        void operator()(std::byte* memory) const;
+    };
+
+    std::vector<uint8_t> bytes; ///< of the blocks; never grows beyond what it was made with
+    std::unique_ptr<std::byte, RecordsDeleter> records; ///< one behind the other
+    size_t recordBytes = 0;                             ///< that are in use
+    std::vector<DecodedBlock> entries;
+    Buffer text;
+};
+
+} // namespace tqx::tool

@@ -1,0 +1,108 @@
+#include "output/CsvDump.h"
+
+#include "io/Output.h"
+#include "io/ToolError.h"
+#include "output/CsvFolder.h"
+#include "output/RecordDump.h"
+#include "tqx/log/record/TypeNames.h"
+#include "tqx/log/write/FlatCsv.h"
+
+#include "TQX_FormatInfo.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <system_error>
+#include <vector>
+
+namespace tqx::tool
+{
+
+using Kor::MessageApi::TQX_TypeLayout;
+
+namespace
+{
+
+class FolderDump : public RecordDump
+{
+public:
+    FolderDump(CsvFiles& files, const FieldFilter& filter, bool isStored)
+        : folder(files, filter, isStored)
+    {
+    }
+
+private:
+    void write(const Block&, const RecordDecoder& decoder) override
+    {
+        folder.write(decoder.getRecord());
+    }
+
+    CsvFolder folder;
+};
+
+class FlatDump : public RecordDump
+{
+public:
+    FlatDump(const TQX_TypeLayout& type, const FieldFilter& filter, bool isStored, Buffer& buffer)
+        : recordType(type.recordType), table(type, filter, isStored), out(buffer)
+    {
+        table.writeHeader(out);
+    }
+
+private:
+    void write(const Block&, const RecordDecoder& decoder) override
+    {
+        if (decoder.getDecoded().getHeader().korcg_type == recordType)
+            table.write(out, decoder.getRecord());
+    }
+
+    uint32_t recordType;
+    FlatCsv table;
+    Buffer& out;
+};
+
+bool isOneFile(const std::string& target)
+{
+    const std::filesystem::path path(target);
+    std::error_code unknown;
+    return target == "-" || (equalNames(path.extension().string(), ".csv") &&
+                             !std::filesystem::is_directory(path, unknown));
+}
+
+/// The only type that can be written.
+const TQX_TypeLayout& theType(const TypeSelection& selected, const FieldFilter& filter)
+{
+    std::vector<const TQX_TypeLayout*> types;
+    forEachType([&](const TQX_TypeLayout& type) {
+        if (type.blockNumber != 0 && type.hasMessage && selected.accepts(type.blockNumber) &&
+            filter.matches(type))
+            types.push_back(&type);
+    });
+    if (types.empty())
+        throw ToolError("no selected type has fields to write as csv");
+    if (types.size() > 1)
+        throw ToolError(fmt::format(
+            "one csv file holds one type, but {} are selected; choose one with --type, or have a "
+            "file for each with -o FOLDER",
+            types.size()));
+    return *types.front();
+}
+
+} // namespace
+
+ExitStatus dumpCsv(StreamOptions& streams, const FieldFilter& filter, bool isStored,
+                   const std::string& target)
+{
+    TQX_FormatInfo::getInstance();
+    if (!isOneFile(target)) {
+        CsvFiles files(target);
+        FolderDump dump(files, filter, isStored);
+        return streams.read(dump, files);
+    }
+    const TQX_TypeLayout& type = theType(streams.getSelection().getTypes(), filter);
+    Output output(target);
+    FlatDump dump(type, filter, isStored, output.getBuffer());
+    return streams.read(dump, output);
+}
+
+} // namespace tqx::tool

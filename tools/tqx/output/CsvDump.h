@@ -1,0 +1,18 @@
+#pragma once
+
+#include "io/ExitStatus.h"
+#include "options/StreamOptions.h"
+#include "tqx/log/record/FieldFilter.h"
+
+#include <string>
+
+namespace tqx::tool
+{
+
+/// Writes the selected messages as comma separated values: to `target` when that is "-" or ends in
+/// ".csv", which holds one type only, else to a file a type in the folder `target`. Throws as
+/// StreamOptions::read, and ToolError when one file is to hold several types.
+ExitStatus dumpCsv(StreamOptions& streams, const FieldFilter& filter, bool isStored,
+                   const std::string& target);
+
+} // namespace tqx::tool

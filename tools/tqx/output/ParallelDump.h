@@ -1,0 +1,77 @@
+#pragma once
+
+#include "io/Output.h"
+#include "io/Sink.h"
+#include "options/StreamOptions.h"
+#include "output/BlockBatch.h"
+#include "output/BlockWriter.h"
+
+#include <condition_variable>
+#include <deque>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace tqx::tool
+{
+
+/// Dumps the blocks of a stream in their order, while as many threads as the machine has
+/// processors make the text. The caller's thread decodes the blocks, as one stream, and is one of
+/// those. What has been handed on comes out without a further call, however long the next read
+/// waits.
+class ParallelDump final : public BlockConsumer, public Sink
+{
+public:
+    using MakeWriter = std::function<std::unique_ptr<BlockWriter>()>;
+
+    /// `makeWriter` is called on the caller's thread, for one writer a thread. `threads` 0 stands
+    /// for the number of processors; 1 makes all text on the caller's thread.
+    ParallelDump(Output& output, MakeWriter makeWriter, unsigned threads = 0);
+    ~ParallelDump() override;
+    ParallelDump(const ParallelDump&) = delete;
+    ParallelDump& operator=(const ParallelDump&) = delete;
+
+    void take(BlockStream& stream, const Block& block) override;
+    void commit() override {}
+    void handOn() override;
+    void flush() override;
+
+private:
+    struct Job {
+        std::unique_ptr<BlockBatch> batch;
+        bool isWritten = false; ///< whether its text has been made
+    };
+
+    void submit();
+    void writeHere();
+    void startThreads();
+    void work(BlockWriter& writer);
+    void help(std::unique_lock<std::mutex>& lock);
+    void doJob(std::unique_lock<std::mutex>& lock, BlockWriter& writer);
+    void outputInOrder(std::unique_lock<std::mutex>& lock);
+    void throwFailure();
+
+    Output& output;
+    MakeWriter makeWriter;
+    unsigned threadCount;
+    Kor::MessageApi::TQX_Context_s context;
+    std::unique_ptr<BlockWriter> ownWriter;
+    std::unique_ptr<BlockBatch> filling;
+
+    std::mutex mutex; ///< of what follows
+    std::condition_variable hasWork;
+    std::condition_variable hasRoom;
+    std::deque<Job> jobs;  ///< in the order of the stream, until their text is out
+    size_t claimed = 0;    ///< of the jobs, those that a thread has begun
+    bool isOutput = false; ///< whether a thread is putting out the first job
+    bool isEnding = false;
+    std::exception_ptr failure; ///< of the first text that could not be made or put out
+    std::vector<std::unique_ptr<BlockBatch>> idle;
+
+    std::vector<std::thread> threads;
+};
+
+} // namespace tqx::tool

@@ -1,0 +1,16 @@
+#include "output/RecordDump.h"
+
+namespace tqx::tool
+{
+
+void RecordDump::take(BlockStream& stream, const Block& block)
+{
+    const int32_t result = records.decode(block);
+    if (result > 0)
+        return write(block, records);
+    if (result != unknownNumber)
+        stream.reportUndecodable(block, result);
+    writeOther(block);
+}
+
+} // namespace tqx::tool

@@ -1,0 +1,213 @@
+#include "output/SummaryText.h"
+
+#include "TQX_codec.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace tqx::tool
+{
+
+namespace
+{
+
+constexpr size_t mostPlaces = 10;
+
+std::string nameOf(uint16_t number)
+{
+    const Kor::MessageApi::TQX_TypeLayout* layout = TQX_layout(TQX_recordType(number));
+    return layout ? layout->name : "unknown";
+}
+
+std::string secondsText(uint64_t millis)
+{
+    return fmt::format("{} s", static_cast<double>(millis) / 1000);
+}
+
+/// "59 s", from a minute on with hours, minutes and seconds: "3599 s, 0:59:59"
+std::string durationText(uint64_t millis)
+{
+    const uint64_t seconds = millis / 1000;
+    const std::string text = secondsText(millis);
+    return seconds < 60 ? text
+                        : fmt::format("{}, {}:{:02}:{:02}", text, seconds / 3600, seconds / 60 % 60,
+                                      seconds % 60);
+}
+
+/// "10 Hz", "every 30 s", or "-" when blocks come at no regular interval.
+std::string rateText(const Intervals& intervals)
+{
+    const std::optional<uint64_t> usual = intervals.getUsual();
+    if (!usual)
+        return "-";
+    return *usual > 1000 ? "every " + secondsText(*usual)
+                         : fmt::format("{:.4g} Hz", 1000 / static_cast<double>(*usual));
+}
+
+/// "0, 2"
+std::string revisionsText(const std::bitset<8>& revisions)
+{
+    std::vector<size_t> seen;
+    for (size_t revision = 0; revision < revisions.size(); ++revision)
+        if (revisions[revision])
+            seen.push_back(revision);
+    return fmt::format("{}", fmt::join(seen, ","));
+}
+
+class SummaryText
+{
+public:
+    SummaryText(Buffer& buffer, const InputStream& source, const StreamSummary& content)
+        : out(buffer), stream(source), summary(content), types(content.getTypes())
+    {
+        for (const auto& [number, type] : types)
+            nameWidth = std::max(nameWidth, nameOf(number).size());
+    }
+
+    void append()
+    {
+        appendTotals();
+        appendTable();
+        appendGaps();
+        appendDamage();
+        appendFailures();
+    }
+
+private:
+    void line(const char* name, const std::string& value)
+    {
+        out.append(fmt::format("  {:<16} {}\n", name, value));
+    }
+    void appendTotals();
+    void appendTable();
+    void appendGaps();
+    void appendDamage();
+    void appendFailures();
+    void appendMore(uint64_t all)
+    {
+        if (all > mostPlaces)
+            out.append(fmt::format("  ... and {} more\n", all - mostPlaces));
+    }
+    std::string placeOf(const std::string& file, uint64_t offset) const
+    {
+        return stream.getNames().size() > 1 ? fmt::format("{}: {}", file, offset)
+                                            : std::to_string(offset);
+    }
+
+    Buffer& out;
+    const InputStream& stream;
+    const StreamSummary& summary;
+    const std::map<uint16_t, const TypeSummary*> types;
+    size_t nameWidth = 7;
+};
+
+void SummaryText::appendTotals()
+{
+    const StreamCounts& counts = stream.getCounts();
+    out.append(headOf(stream.getNames()) + "\n");
+    line("bytes", std::to_string(counts.bytes));
+    uint64_t blocks = 0;
+    for (const auto& [number, type] : types)
+        blocks += type->blocks;
+    line("blocks", std::to_string(blocks));
+    if (summary.getFirst()) {
+        const GnssMillis first = *summary.getFirst();
+        const GnssMillis last = *summary.getLast();
+        line("first", timeText(first));
+        line("last", timeText(last));
+        if (last >= first)
+            line("duration", durationText(last - first));
+    }
+    line("CRC errors", std::to_string(counts.crcErrors));
+    line("invalid lengths", std::to_string(counts.invalidLengths));
+    std::string dropped = std::to_string(counts.droppedBytes);
+    if (counts.droppedBytes != 0)
+        dropped += fmt::format(", {:.3g} %", static_cast<double>(counts.droppedBytes) * 100 /
+                                                 static_cast<double>(counts.bytes));
+    line("dropped bytes", dropped);
+    line("undecodable", std::to_string(counts.undecodable));
+    line("unknown", std::to_string(summary.getUnknown()));
+}
+
+void SummaryText::appendTable()
+{
+    if (types.empty())
+        return;
+    out.append(fmt::format("\n  number  {:<{}}  revisions  {:>10}  {:>12}  {:>7}  {:>5}  rate\n",
+                           "type", nameWidth, "blocks", "bytes", "share", "gaps"));
+    const auto bytes = static_cast<double>(stream.getCounts().bytes);
+    for (const auto& [number, type] : types) {
+        uint64_t gaps = 0;
+        for (const Intervals::Gap& gap : type->intervals.getGaps())
+            gaps += gap.times;
+        out.append(fmt::format(
+            "  {:>6}  {:<{}}  {:<9}  {:>10}  {:>12}  {:>5.1f} %  {:>5}  {}\n", number,
+            nameOf(number), nameWidth, revisionsText(type->revisions), type->blocks, type->bytes,
+            static_cast<double>(type->bytes) * 100 / bytes, gaps, rateText(type->intervals)));
+    }
+}
+
+void SummaryText::appendGaps()
+{
+    size_t found = 0;
+    for (const auto& [number, type] : types) {
+        for (const Intervals::Gap& gap : type->intervals.getGaps()) {
+            if (++found == 1)
+                out.append("\n  gaps\n");
+            if (found > mostPlaces)
+                continue;
+            const bool isOnce = gap.times == 1;
+            out.append(fmt::format(
+                "  {:>6}  {:<{}}  {}{} after {}, {} {} missing{}\n", number, nameOf(number),
+                nameWidth, isOnce ? "" : fmt::format("{} times ", gap.times),
+                secondsText(gap.millis) + (isOnce ? "" : ", first"), weekText(gap.after),
+                gap.missing, gap.missing == 1 ? "block" : "blocks", isOnce ? "" : " each"));
+        }
+    }
+    appendMore(found);
+}
+
+void SummaryText::appendDamage()
+{
+    if (summary.getDamage().empty())
+        return;
+    out.append("\n  damage\n");
+    const size_t shown = std::min(summary.getDamage().size(), mostPlaces);
+    for (size_t i = 0; i < shown; ++i) {
+        const StreamGap& gap = summary.getDamage()[i];
+        out.append(fmt::format("  {:>10}  {}\n", placeOf(gap.file, gap.offset), gap.describe()));
+    }
+    appendMore(summary.getDamagedPlaces());
+}
+
+void SummaryText::appendFailures()
+{
+    const char* head = "\n  blocks that do not decode\n";
+    for (const auto& [number, type] : types) {
+        for (const auto& [code, failure] : type->failures) {
+            out.append(head);
+            head = "";
+            out.append(fmt::format("  {:>6}  {:<{}}  {} with {} ({}), first at {}\n", number,
+                                   nameOf(number), nameWidth, failure.blocks, TQX_errorName(code),
+                                   code, placeOf(failure.file, failure.offset)));
+        }
+    }
+}
+
+} // namespace
+
+std::string headOf(const std::vector<std::string>& names)
+{
+    constexpr size_t mostNames = 3;
+    return names.size() > mostNames
+               ? fmt::format("{} files, {} to {}", names.size(), names.front(), names.back())
+               : fmt::format("{}", fmt::join(names, ", "));
+}
+
+void appendSummaryText(Buffer& out, const InputStream& stream, const StreamSummary& summary)
+{
+    SummaryText(out, stream, summary).append();
+}
+
+} // namespace tqx::tool

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "options/InputStream.h"
+#include "tqx/log/summary/StreamSummary.h"
+#include "tqx/log/text/Buffer.h"
+
+#include <string>
+#include <vector>
+
+namespace tqx::tool
+{
+
+/// The names of the inputs, "3 files, a to c" when they are many.
+std::string headOf(const std::vector<std::string>& names);
+
+/// Appends a summary for people: totals, a table of the types, then gaps, damage and what did not
+/// decode, the first few places of each.
+void appendSummaryText(Buffer& out, const InputStream& stream, const StreamSummary& summary);
+
+/// Appends a summary as one JSON object in a line.
+void appendSummaryJson(Buffer& out, const InputStream& stream, const StreamSummary& summary);
+
+} // namespace tqx::tool

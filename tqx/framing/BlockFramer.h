@@ -1,0 +1,123 @@
+#pragma once
+
+#include "tqx/framing/PrefixChecksums.h"
+#include "tqx_framing_export.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace tqx
+{
+
+/// Cuts a stream of bytes into whole, checked TQX blocks.
+///
+/// A block begins with "$@", a 16-bit checksum and, at byte 6, its 16-bit length (all numbers
+/// little endian); the checksum covers byte 4 to the end. Lengths below 8 are invalid, alignment is
+/// not tested. After a bad checksum or an invalid length the search goes on two bytes behind the
+/// false sync, so that no damage costs an intact block behind it. What comes out depends only on
+/// the bytes, never on the pieces in which they arrive.
+///
+///     framer.append(bytes, size);
+///     while (framer.hasBlock()) {
+///         use(framer.block());
+///         framer.takeBlock();
+///     }
+///
+/// At all times: bytes of taken blocks + dropped bytes + bytesLeft() == bytes appended.
+///
+/// The work is linear in the bytes appended, whatever they are and however they are cut. Memory
+/// stays within a small multiple of one block (65,535 bytes) plus one piece, as long as the blocks
+/// are taken before the next piece is appended.
+///
+/// Not thread safe. Listeners may call back into the framer.
+class TQX_FRAMING_API BlockFramer
+{
+public:
+    /// Told about damage while append, flush and takeBlock run. `offset` counts from the first byte
+    /// ever appended.
+    class TQX_FRAMING_API Listener
+    {
+    public:
+        /// A complete candidate whose checksum does not match.
+        virtual void onChecksumFailed(uint64_t offset) = 0;
+        /// A candidate that claims fewer bytes than a header has.
+        virtual void onInvalidLength(uint64_t offset) = 0;
+        /// `count` (> 0) bytes that belong to no block, in one run that ends before the next block
+        /// or with the bytes at hand.
+        virtual void onBytesDropped(uint64_t offset, uint64_t count) = 0;
+
+    protected:
+        Listener() = default;
+        Listener(const Listener&) = default;
+        Listener& operator=(const Listener&) = default;
+        ~Listener();
+    };
+
+    /// A whole block, first sync character included. Its bytes belong to the framer and stay valid
+    /// until the next call that is not const.
+    struct Block {
+        const uint8_t* data; ///< null when there is no block
+        size_t size;         ///< 8 to 65,535, 0 when there is no block
+        uint64_t offset;     ///< where it stands in the stream
+    };
+
+    /// `listener` is not owned, must outlive the framer and may be null.
+    explicit BlockFramer(Listener* listener = nullptr);
+    BlockFramer(const BlockFramer&) = delete;
+    BlockFramer& operator=(const BlockFramer&) = delete;
+    ~BlockFramer();
+
+    /// Adds a piece of the stream; the bytes are copied.
+    void append(const uint8_t* bytes, size_t size);
+
+    /// The input has ended: candidates that wait for more bytes are given up and the intact blocks
+    /// behind them come out. Once those are taken no byte is left. A later append goes on with a
+    /// new stretch of input; take the blocks first, or what still waits will wait on.
+    void flush();
+
+    /// Whether a whole block is at hand.
+    bool hasBlock() const { return blockSize_ != 0; }
+
+    /// The next block; stays at hand until it is taken.
+    Block block() const;
+
+    /// Removes the block at hand, if any, and looks for the next one.
+    void takeBlock();
+
+    /// Bytes appended that are neither taken nor reported as dropped.
+    size_t bytesLeft() const;
+
+private:
+    const uint8_t* head() const { return buffer_.data() + head_; }
+    size_t available() const { return buffer_.size() - head_; }
+
+    void search();
+    bool decideCandidate();
+    bool giveUpCandidate();
+    bool isIntact(size_t length);
+    void drop(size_t count)
+    {
+        head_ += count;
+        offset_ += count;
+        unreported_ += count;
+    }
+    bool mayBeSummedInVain(size_t size);
+    void reportDropped();
+    void store(const uint8_t* bytes, size_t size);
+
+    Listener* listener_;
+    std::vector<uint8_t> buffer_;
+    size_t head_ = 0;         ///< first byte of the buffer that is not yet consumed
+    size_t blockSize_ = 0;    ///< size of the block that stands at head_, 0 for none
+    uint64_t offset_ = 0;     ///< of head_ in the stream
+    uint64_t unreported_ = 0; ///< dropped bytes before head_ that the listener has not heard of
+    bool ended_ = false;
+
+    /// Bytes summed for candidates that turned out false. Past a limit that grows with the stream,
+    /// stretches are summed by prefixes_ instead, so that the work stays linear.
+    uint64_t summedInVain_ = 0;
+    PrefixChecksums prefixes_;
+};
+
+} // namespace tqx

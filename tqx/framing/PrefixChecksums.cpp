@@ -1,0 +1,40 @@
+#include "tqx/framing/PrefixChecksums.h"
+
+#include "korcg_crc.h"
+
+namespace tqx
+{
+
+uint16_t PrefixChecksums::of(const uint8_t* bytes, uint64_t position, size_t size)
+{
+    if (marks_.empty() || position > base_ + lastMark_ * kStride) {
+        marks_.resize(kMarks);
+        base_ = position;
+        lastMark_ = 0;
+        mark(0) = 0;
+    }
+    const uint64_t begin = position - base_;
+    const uint64_t end = begin + size;
+    const uint64_t firstMark = (begin + kStride - 1) / kStride;
+    const auto toFirstMark = static_cast<size_t>(firstMark * kStride - begin);
+    if (toFirstMark > size) {
+        return korcg_crc16_bytes(bytes, size);
+    }
+
+    // No byte before the stretch is looked at: firstMark is not behind lastMark_.
+    const auto at = [&](uint64_t offset) { return bytes + (offset - begin); };
+    for (; lastMark_ < end / kStride; ++lastMark_) {
+        mark(lastMark_ + 1) = korcg_crc16_bytes(at(lastMark_ * kStride), kStride, mark(lastMark_));
+    }
+    const uint64_t endMark = end / kStride;
+    const uint16_t sumToEnd = korcg_crc16_bytes(
+        at(endMark * kStride), static_cast<size_t>(end - endMark * kStride), mark(endMark));
+
+    // sum(first mark .. end) is sumToEnd less that up to the first mark, shifted; so is the sum of
+    // the bytes before the first mark added. Both shifts are the same.
+    const uint16_t sumToFirstMark = korcg_crc16_bytes(bytes, toFirstMark);
+    return korcg_crc16_combine(static_cast<uint16_t>(sumToFirstMark ^ mark(firstMark)), sumToEnd,
+                               size - toFirstMark);
+}
+
+} // namespace tqx

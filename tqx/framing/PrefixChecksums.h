@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace tqx
+{
+
+/// Checksums of overlapping stretches of one stream at a cost that does not grow with their
+/// length. It keeps the checksum of the stream from some position up to every so many bytes behind
+/// it ("marks"); the checksum of any stretch follows from two marks and the few bytes between them
+/// and its ends. Every byte of the stream is summed once on behalf of the marks, however many
+/// stretches it belongs to.
+class PrefixChecksums
+{
+public:
+    /// Longest stretch that can be asked for.
+    static constexpr size_t kLongest = 0xffff;
+
+    /// Checksum of the `size` bytes (at most kLongest) from `bytes` on, which stand at `position`
+    /// of the stream. Positions must not decrease from call to call.
+    uint16_t of(const uint8_t* bytes, uint64_t position, size_t size);
+
+private:
+    static constexpr size_t kStride = 8;
+    static constexpr size_t kMarks = 16384; ///< power of two; reaches farther than kLongest
+
+    uint16_t& mark(uint64_t index) { return marks_[static_cast<size_t>(index % kMarks)]; }
+
+    std::vector<uint16_t> marks_; ///< a ring; mark k is the checksum of the kStride * k bytes
+                                  ///< from base_ on
+    uint64_t base_ = 0;
+    uint64_t lastMark_ = 0;
+};
+
+} // namespace tqx

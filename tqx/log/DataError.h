@@ -1,0 +1,25 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace tqx
+{
+
+/// Something that keeps the library from doing what it was asked to: a request that makes no sense
+/// or an input that cannot be read. what() is one line for the user, without a program's name.
+class DataError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// An input that cannot be opened or read: "<file>: <reason>" or "<file>: <offset>: <reason>".
+/// Other inputs may still be read.
+class SourceError : public DataError
+{
+public:
+    using DataError::DataError;
+};
+
+} // namespace tqx

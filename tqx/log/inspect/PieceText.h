@@ -1,0 +1,29 @@
+#pragma once
+
+#include "tqx/log/inspect/BlockWalk.h"
+
+#include <string>
+#include <vector>
+
+class FieldInfo;
+
+namespace tqx
+{
+
+/// What is shown of a piece, one text a column.
+struct PieceText {
+    std::string bytes;  ///< in hexadecimal, or which bits they are of the value above
+    std::string name;   ///< indented
+    std::string stored; ///< the value as it stands in the block
+    std::string value;  ///< what it stands for, where that is more: scaled, with unit, a name
+};
+
+/// Rows for a piece of a block, several for a long run. `piece` stands in `block`; `info` is the
+/// field's metadata, null where there is none.
+std::vector<PieceText> textsOf(const BlockPiece& piece, const uint8_t* block,
+                               const FieldInfo* info);
+
+/// How many bytes a row shows.
+constexpr uint32_t bytesPerRow = 8;
+
+} // namespace tqx

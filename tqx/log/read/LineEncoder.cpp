@@ -1,0 +1,124 @@
+#include "tqx/log/read/LineEncoder.h"
+
+#include "tqx/log/read/LineError.h"
+#include "tqx/log/read/RecordFiller.h"
+#include "tqx/log/read/StoredValue.h"
+#include "tqx/log/record/TypeNames.h"
+#include "tqx/log/text/Base64.h"
+
+#include <fmt/format.h>
+
+#include <limits>
+
+namespace tqx
+{
+
+using namespace Kor::MessageApi;
+using nlohmann::json;
+
+namespace
+{
+
+constexpr size_t largestBlock = std::numeric_limits<uint16_t>::max();
+
+json parse(const std::string& line)
+{
+    try {
+        return json::parse(line);
+    } catch (const json::parse_error& error) {
+        throw LineError(fmt::format("no valid JSON at column {}", error.byte));
+    } catch (const json::out_of_range&) {
+        throw LineError("a number is too large");
+    }
+}
+
+/// The members that a line may have; null where it does not.
+struct Line {
+    const json* block = nullptr;
+    const json* fields = nullptr;
+    const json* number = nullptr;
+    const json* bytes = nullptr;
+};
+
+Line membersOf(const json& value)
+{
+    Line line;
+    for (const auto& [name, member] : objectOf(value)) {
+        if (name == "block")
+            line.block = &member;
+        else if (name == "fields")
+            line.fields = &member;
+        else if (name == "number")
+            line.number = &member;
+        else if (name == "bytes")
+            line.bytes = &member;
+        else
+            throw LineError(unknownName("member", name, {"block", "fields", "number", "bytes"}));
+    }
+    return line;
+}
+
+const TQX_TypeLayout& typeOf(const json& name)
+{
+    if (!name.is_string())
+        throw LineError::at("block", "is no string");
+    const TQX_TypeLayout* type = findType(name.get_ref<const std::string&>());
+    if (!type)
+        throw LineError(unknownType(name.get_ref<const std::string&>()));
+    if (type->blockNumber == 0)
+        throw LineError(fmt::format("{} is a sub-block, no block of its own", type->name));
+    return *type;
+}
+
+} // namespace
+
+const std::vector<uint8_t>& LineEncoder::encode(const std::string& text)
+{
+    const json value = parse(text);
+    const Line line = membersOf(value);
+    bytes.clear();
+    if (line.bytes) {
+        if (!line.bytes->is_string() ||
+            !decodeBase64(line.bytes->get_ref<const std::string&>(), bytes))
+            throw LineError::at("bytes", "is no base64 text");
+        return bytes;
+    }
+    if (!line.block)
+        throw LineError("neither \"block\" nor \"bytes\" is given");
+    const TQX_TypeLayout& type = typeOf(*line.block);
+    static const json nothing = json::object();
+    try {
+        encodeFields(type, line.fields ? *line.fields : nothing);
+    } catch (const LineError& error) {
+        throw error.inside(type.name);
+    }
+    return bytes;
+}
+
+void LineEncoder::encodeFields(const TQX_TypeLayout& type, const json& values)
+{
+    record.init(type);
+    fillRecord(type, record.get(), objectOf(values));
+    bytes.resize(largestBlock);
+    const int32_t bits =
+        TQX_reencode(bytes.data(), static_cast<uint16_t>(bytes.size()), record.get());
+    if (bits < 0)
+        throw LineError(
+            fmt::format("larger than a block can be: {} ({})", TQX_errorName(bits), bits));
+    bytes.resize(static_cast<size_t>(bits) / 8);
+    checkDecodes();
+}
+
+/// Lengths of entries that are given may be too short for what the entries hold.
+void LineEncoder::checkDecodes()
+{
+    const int32_t bits = record.decode(nullptr, bytes.data(), static_cast<uint16_t>(bytes.size()));
+    if (bits < 0)
+        throw LineError(fmt::format("these values make a block that does not decode: {} ({})",
+                                    TQX_errorName(bits), bits));
+    if (static_cast<size_t>(bits) != bytes.size() * 8)
+        throw LineError(fmt::format("these values make a block of {} bytes of which {} decode",
+                                    bytes.size(), bits / 8));
+}
+
+} // namespace tqx

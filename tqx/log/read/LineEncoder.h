@@ -1,0 +1,30 @@
+#pragma once
+
+#include "TQX_OwnedRecord.h"
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tqx
+{
+
+/// Makes blocks of JSON Lines, see RawJson for their form.
+class LineEncoder
+{
+public:
+    /// The block that a line stands for: its "bytes" as they are, else what its "fields" make,
+    /// with Length and CRC computed. Valid until the next call. Throws LineError.
+    const std::vector<uint8_t>& encode(const std::string& line);
+
+private:
+    void encodeFields(const Kor::MessageApi::TQX_TypeLayout& type, const nlohmann::json& values);
+    void checkDecodes();
+
+    Kor::MessageApi::TQX_OwnedRecord record;
+    std::vector<uint8_t> bytes;
+};
+
+} // namespace tqx

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace tqx
+{
+
+/// Why a line of JSON cannot be made into a block. The text names the place inside the line.
+class LineError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+
+    /// The same error, seen from one level further out: "<place>: <text>", or "<place>.<text>"
+    /// where the text goes on with a place of its own.
+    LineError inside(const std::string& place) const;
+
+    /// An error at a place inside the line.
+    static LineError at(const std::string& place, const std::string& text);
+
+private:
+    LineError(const std::string& text, bool startsWithPlace);
+
+    bool hasPlace = false;
+};
+
+} // namespace tqx

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "TQX_Layout.h"
+#include "TQX_RecordAccess.h"
+
+#include <cstdint>
+#include <cstring>
+
+namespace tqx
+{
+
+/// Reads the values of a number or character field out of the bits of its member.
+class MemberBits
+{
+public:
+    /// `isPacked`: values of a bit range are taken from the packed word, not from their own member.
+    MemberBits(const Kor::MessageApi::TQX_FieldLayout& layout, bool isPacked)
+        : memberType(layout.type), hasSign(TQX_isSigned(layout)),
+          width(isPacked ? layout.width : 8 * TQX_elementSize(layout)),
+          shift(isPacked ? layout.shift : 0)
+    {
+    }
+
+    bool isSingle() const { return memberType == Kor::MessageApi::TQX_MemberType::F32; }
+    bool isReal() const { return isSingle() || memberType == Kor::MessageApi::TQX_MemberType::F64; }
+    bool isCharacter() const { return memberType == Kor::MessageApi::TQX_MemberType::Char; }
+    bool isSigned() const { return hasSign; }
+
+    /// Of an integer field, sign-extended when it is signed.
+    uint64_t integer(uint64_t word) const
+    {
+        const uint64_t value = word >> shift & ~uint64_t{0} >> (64 - width);
+        if (!hasSign)
+            return value;
+        const uint64_t sign = uint64_t{1} << (width - 1);
+        return (value ^ sign) - sign;
+    }
+
+    /// Of a floating-point field of 32 bits.
+    static float single(uint64_t word)
+    {
+        const auto bits = static_cast<uint32_t>(word);
+        float value = 0;
+        std::memcpy(&value, &bits, sizeof value);
+        return value;
+    }
+
+    /// Of any floating-point field.
+    double real(uint64_t word) const
+    {
+        if (isSingle())
+            return static_cast<double>(single(word));
+        double value = 0;
+        std::memcpy(&value, &word, sizeof value);
+        return value;
+    }
+
+private:
+    Kor::MessageApi::TQX_MemberType memberType;
+    bool hasSign;
+    unsigned width;
+    unsigned shift;
+};
+
+} // namespace tqx

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "TQX_Layout.h"
+#include "TQX_RecordAccess.h"
+
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+/// Members of records as the writers of values see them.
+namespace tqx
+{
+
+/// Whether a member is one number, in which bit ranges may be packed.
+inline bool isNumber(const Kor::MessageApi::TQX_FieldLayout& field)
+{
+    using Kind = Kor::MessageApi::TQX_FieldKind;
+    return field.kind == Kind::Value || (field.kind == Kind::Derived && field.elements == 1);
+}
+
+/// Whether a field is a bit range of such a number. Bits of the elements of an array are kept in
+/// arrays of their own.
+inline bool isPartOfNumber(const Kor::MessageApi::TQX_TypeLayout& type,
+                           const Kor::MessageApi::TQX_FieldLayout& field)
+{
+    return field.kind == Kor::MessageApi::TQX_FieldKind::Bits &&
+           isNumber(type.fields[field.parent]);
+}
+
+inline bool isText(const Kor::MessageApi::TQX_FieldLayout& field)
+{
+    using Kind = Kor::MessageApi::TQX_FieldKind;
+    return field.kind == Kind::Text || field.kind == Kind::CountedText;
+}
+
+/// The characters of a text, up to its first zero.
+inline std::string_view textOf(const Kor::MessageApi::TQX_FieldLayout& field, const void* record)
+{
+    const auto* text = static_cast<const char*>(TQX_element(field, record));
+    const void* zero = std::memchr(text, 0, field.elements);
+    return {text,
+            zero ? static_cast<size_t>(static_cast<const char*>(zero) - text) : field.elements};
+}
+
+/// The bits of an element of so many bytes.
+inline uint64_t loadWord(const void* element, uint32_t size)
+{
+    const auto as = [element](auto value) {
+        std::memcpy(&value, element, sizeof value);
+        return uint64_t{value};
+    };
+    switch (size) {
+    case 1:
+        return as(uint8_t{});
+    case 2:
+        return as(uint16_t{});
+    case 4:
+        return as(uint32_t{});
+    default:
+        return as(uint64_t{});
+    }
+}
+
+} // namespace tqx

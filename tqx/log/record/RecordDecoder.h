@@ -1,0 +1,33 @@
+#pragma once
+
+#include "tqx/log/record/DecodedBlock.h"
+
+#include "TQX_OwnedRecord.h"
+
+namespace tqx
+{
+
+/// Decodes the blocks of a stream into records, one after the other.
+class RecordDecoder
+{
+public:
+    RecordDecoder();
+
+    /// Decodes a block in place of the one before. Returns the bits consumed or the codec's
+    /// negative code.
+    int32_t decode(const Block& block);
+
+    /// The record of the last block that decoded; belongs to the decoder.
+    const void* getRecord() const { return record.get(); }
+
+    /// The last block, if it decoded, with its record.
+    DecodedBlock getDecoded() const { return {last, record.get(), consumed}; }
+
+private:
+    Kor::MessageApi::TQX_Context_s context;
+    Kor::MessageApi::TQX_OwnedRecord record;
+    Block last = {};
+    int32_t consumed = 0;
+};
+
+} // namespace tqx

@@ -1,0 +1,108 @@
+#include "tqx/log/record/TypeNames.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cctype>
+#include <numeric>
+
+namespace tqx
+{
+
+using namespace Kor::MessageApi;
+
+namespace
+{
+
+constexpr uint32_t lastRecordType = 382;
+
+char lower(char c)
+{
+    return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+}
+
+/// How many characters must be put in, left out or replaced to get from one name to the other.
+size_t distance(std::string_view a, std::string_view b)
+{
+    std::vector<size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), size_t{0});
+    for (const char letter : a) {
+        size_t diagonal = row[0]++;
+        for (size_t k = 0; k < b.size(); ++k) {
+            const size_t replaced = diagonal + (lower(letter) == lower(b[k]) ? 0 : 1);
+            diagonal = row[k + 1];
+            row[k + 1] = std::min({replaced, row[k] + 1, row[k + 1] + 1});
+        }
+    }
+    return row.back();
+}
+
+} // namespace
+
+bool equalNames(std::string_view a, std::string_view b)
+{
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](char x, char y) { return lower(x) == lower(y); });
+}
+
+void forEachType(const std::function<void(const TQX_TypeLayout&)>& visit)
+{
+    for (uint32_t recordType = 1; recordType <= lastRecordType; ++recordType)
+        if (const TQX_TypeLayout* layout = TQX_layout(recordType))
+            visit(*layout);
+}
+
+void forEachField(const TQX_TypeLayout& type, const std::function<void(const std::string&)>& visit)
+{
+    for (int i = 0; i < type.fieldCount; ++i) {
+        const TQX_FieldLayout& field = type.fields[i];
+        visit(field.name);
+        if (field.recordType != 0)
+            forEachField(*TQX_layout(field.recordType), [&](const std::string& inner) {
+                visit(std::string(field.name) + '.' + inner);
+            });
+    }
+}
+
+const TQX_TypeLayout* findType(std::string_view name)
+{
+    for (uint32_t recordType = 1; recordType <= lastRecordType; ++recordType) {
+        const TQX_TypeLayout* layout = TQX_layout(recordType);
+        if (layout && equalNames(layout->name, name))
+            return layout;
+    }
+    return nullptr;
+}
+
+std::string nearest(std::string_view name, const std::vector<std::string_view>& candidates)
+{
+    std::string_view best;
+    size_t least = name.size() / 3 + 1;
+    for (const std::string_view candidate : candidates) {
+        const size_t apart = distance(name, candidate);
+        if (apart < least) {
+            least = apart;
+            best = candidate;
+        }
+    }
+    return std::string(best);
+}
+
+std::string unknownName(std::string_view kind, std::string_view name,
+                        const std::vector<std::string_view>& candidates)
+{
+    const std::string meant = nearest(name, candidates);
+    std::string text = fmt::format("there is no {} named {}", kind, name);
+    if (!meant.empty())
+        text += fmt::format(", did you mean {}?", meant);
+    return text;
+}
+
+std::string unknownType(std::string_view name)
+{
+    std::vector<std::string_view> names;
+    forEachType([&](const TQX_TypeLayout& layout) { names.emplace_back(layout.name); });
+    return unknownName("type", name, names);
+}
+
+} // namespace tqx

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "tqx/log/select/Expression.h"
+#include "tqx/log/select/FieldTest.h"
+#include "tqx/log/select/TypeSelection.h"
+
+#include <bitset>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+class Message;
+class MessageInfo;
+
+namespace tqx
+{
+
+/// An expression whose names are resolved: what messages it holds for.
+///
+/// A field stands for the values that the message has of it: one, or all elements of an array and
+/// of all sub-blocks. A comparison holds when it holds for at least one that is available, in the
+/// unit and with the names that the metadata gives; so it does not hold for messages without the
+/// field. `has` asks whether there is an available value.
+class Condition
+{
+public:
+    /// Resolves names among the main types that `types` accepts. Throws DataError for an
+    /// expression that cannot be read, names that do not exist, and comparisons that a field does
+    /// not have.
+    Condition(const std::string& text, const TypeSelection& types);
+
+    /// Whether any of the fields belongs to that type. If not, accepts() says the same for all its
+    /// messages, and for null.
+    bool reads(uint16_t blockNumber) const { return readTypes[blockNumber]; }
+
+    /// Whether the condition holds. Null stands for a message that has none of the fields.
+    bool accepts(const Message* message) const;
+
+private:
+    /// The tests that each term comes down to for one type.
+    using Tests = std::vector<std::vector<FieldTest>>;
+
+    void resolve(size_t termIndex, const TypeSelection& types);
+    bool holds(size_t node, const Tests& tests, const Message* message) const;
+
+    Expression expression;
+    std::unordered_map<const MessageInfo*, Tests> testsOfTypes;
+    Tests noTests;
+    std::bitset<TypeSelection::numbers> readTypes;
+};
+
+} // namespace tqx

@@ -1,0 +1,257 @@
+#include "tqx/log/select/Expression.h"
+
+#include "tqx/log/DataError.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <cmath>
+#include <utility>
+
+namespace tqx
+{
+
+namespace
+{
+
+bool isLetter(char c)
+{
+    return std::isalpha(static_cast<unsigned char>(c)) || c == '_';
+}
+
+bool isDigit(char c)
+{
+    return std::isdigit(static_cast<unsigned char>(c));
+}
+
+template<typename Number>
+bool readWhole(std::string_view text, Number& number, int base)
+{
+    const auto [stop, error] =
+        std::from_chars(text.data(), text.data() + text.size(), number, base);
+    return error == std::errc() && stop == text.data() + text.size();
+}
+
+/// Integers that 64 bits hold exactly, everything else as a double; empty for no number.
+FieldValue readNumber(std::string_view text)
+{
+    if (!text.empty() && text.front() == '+')
+        text.remove_prefix(1);
+    if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
+        uint64_t bits = 0;
+        return readWhole(text.substr(2), bits, 16) ? FieldValue::u(bits, 64) : FieldValue();
+    }
+    uint64_t whole = 0;
+    if (readWhole(text, whole, 10))
+        return FieldValue::u(whole, 64);
+    int64_t negative = 0;
+    if (readWhole(text, negative, 10))
+        return FieldValue::i(negative, 64);
+    double real = 0;
+    const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), real);
+    const bool isReal = error == std::errc() && stop == text.data() + text.size();
+    return isReal ? FieldValue::f64(real) : FieldValue();
+}
+
+} // namespace
+
+void Expression::fail(size_t position, const std::string& why) const
+{
+    std::string line = source;
+    std::replace_if(
+        line.begin(), line.end(),
+        [](char c) { return std::iscntrl(static_cast<unsigned char>(c)) != 0; }, ' ');
+    // A character outside ASCII has several bytes, of which one counts.
+    const auto columns =
+        std::count_if(line.begin(), line.begin() + static_cast<std::ptrdiff_t>(position),
+                      [](char c) { return (static_cast<unsigned char>(c) & 0xc0U) != 0x80; });
+    throw DataError(fmt::format("--where: {}\n  {}\n  {:>{}}", why, line, '^', columns + 1));
+}
+
+/// Reads a text from left to right.
+class ExpressionParser
+{
+public:
+    explicit ExpressionParser(Expression& into) : result(into), text(into.source) {}
+
+    void parse()
+    {
+        readOr();
+        skipBlanks();
+        if (at != text.size())
+            fail("and, or, or the end is expected here");
+    }
+
+private:
+    using Kind = Expression::Node::Kind;
+
+    size_t readOr();
+    size_t readAnd();
+    size_t readTest();
+    size_t readTerm(bool isHas);
+    std::vector<ExpressionWord> readPath();
+    Comparison readComparison();
+    void readValue(ExpressionTerm& term);
+
+    size_t add(Kind kind, size_t left, size_t right = 0)
+    {
+        result.nodes.push_back({kind, left, right});
+        return result.nodes.size() - 1;
+    }
+    [[noreturn]] void fail(const std::string& why) const { result.fail(at, why); }
+
+    void skipBlanks()
+    {
+        while (at < text.size() && std::isspace(static_cast<unsigned char>(text[at])))
+            ++at;
+    }
+    bool skip(std::string_view symbol);
+    bool skipWord(std::string_view word);
+    std::string_view peekName() const;
+
+    // What bounds the recursion, here and in the evaluation.
+    static constexpr int deepest = 200;
+    static constexpr size_t mostTerms = 1000;
+
+    Expression& result;
+    std::string_view text;
+    size_t at = 0;
+    int depth = 0;
+};
+
+bool ExpressionParser::skip(std::string_view symbol)
+{
+    skipBlanks();
+    if (text.substr(at, symbol.size()) != symbol)
+        return false;
+    at += symbol.size();
+    return true;
+}
+
+std::string_view ExpressionParser::peekName() const
+{
+    size_t end = at;
+    while (end < text.size() && (isLetter(text[end]) || (end != at && isDigit(text[end]))))
+        ++end;
+    return text.substr(at, end - at);
+}
+
+bool ExpressionParser::skipWord(std::string_view word)
+{
+    skipBlanks();
+    if (peekName() != word)
+        return false;
+    at += word.size();
+    return true;
+}
+
+size_t ExpressionParser::readOr()
+{
+    size_t left = readAnd();
+    while (skipWord("or"))
+        left = add(Kind::Or, left, readAnd());
+    return left;
+}
+
+size_t ExpressionParser::readAnd()
+{
+    size_t left = readTest();
+    while (skipWord("and"))
+        left = add(Kind::And, left, readTest());
+    return left;
+}
+
+size_t ExpressionParser::readTest()
+{
+    if (++depth > deepest)
+        fail("is nested too deeply");
+    size_t node = 0;
+    if (skipWord("not")) {
+        node = add(Kind::Not, readTest());
+    } else if (skip("(")) {
+        node = readOr();
+        if (!skip(")"))
+            fail("a closing parenthesis is expected here");
+    } else {
+        node = readTerm(skipWord("has"));
+    }
+    --depth;
+    return node;
+}
+
+size_t ExpressionParser::readTerm(bool isHas)
+{
+    if (result.allTerms.size() == mostTerms)
+        fail("too many comparisons");
+    ExpressionTerm term = {readPath(), Comparison::Has, {}, false, {}};
+    if (!isHas) {
+        term.comparison = readComparison();
+        readValue(term);
+    }
+    result.allTerms.push_back(std::move(term));
+    return add(Kind::Term, result.allTerms.size() - 1);
+}
+
+std::vector<ExpressionWord> ExpressionParser::readPath()
+{
+    std::vector<ExpressionWord> path;
+    skipBlanks();
+    do {
+        const std::string_view name = peekName();
+        if (name.empty())
+            fail("the name of a field is expected here");
+        path.push_back({std::string(name), at});
+        at += name.size();
+    } while (at < text.size() && text[at] == '.' && ++at != 0);
+    return path;
+}
+
+Comparison ExpressionParser::readComparison()
+{
+    static constexpr std::pair<std::string_view, Comparison> symbols[] = {
+        {"==", Comparison::Equal},          {"!=", Comparison::NotEqual},
+        {"<=", Comparison::LessOrEqual},    {"<", Comparison::Less},
+        {">=", Comparison::GreaterOrEqual}, {">", Comparison::Greater},
+    };
+    for (const auto& [symbol, comparison] : symbols)
+        if (skip(symbol))
+            return comparison;
+    if (text.substr(at, 1) == "=")
+        fail("equality is written ==, the others are != < <= > >=");
+    fail("a comparison is expected here: == != < <= > >=");
+}
+
+void ExpressionParser::readValue(ExpressionTerm& term)
+{
+    skipBlanks();
+    term.value.position = at;
+    if (at < text.size() && (text[at] == '\'' || text[at] == '"')) {
+        const size_t end = text.find(text[at], at + 1);
+        if (end == std::string_view::npos)
+            fail("this quote is not closed");
+        term.isName = true;
+        term.value.text = text.substr(at + 1, end - at - 1);
+        at = end + 1;
+        return;
+    }
+    size_t end = at;
+    while (end < text.size() && (isLetter(text[end]) || isDigit(text[end]) || text[end] == '.' ||
+                                 ((text[end] == '-' || text[end] == '+') &&
+                                  (end == at || text[end - 1] == 'e' || text[end - 1] == 'E'))))
+        ++end;
+    term.value.text = text.substr(at, end - at);
+    term.number = readNumber(term.value.text);
+    if (term.number.isEmpty() || !std::isfinite(term.number.toDouble()))
+        fail(end != at && isLetter(text[at]) ? "names and texts stand in quotes"
+                                             : "a number, or a name in quotes, is expected here");
+    at = end;
+}
+
+Expression::Expression(std::string text) : source(std::move(text))
+{
+    ExpressionParser(*this).parse();
+}
+
+} // namespace tqx

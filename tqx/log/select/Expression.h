@@ -1,0 +1,69 @@
+#pragma once
+
+#include "FieldValue.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tqx
+{
+
+/// A name or value and where it stands in the text of an expression.
+struct ExpressionWord {
+    std::string text;
+    size_t position;
+};
+
+enum class Comparison { Equal, NotEqual, Less, LessOrEqual, Greater, GreaterOrEqual, Has };
+
+/// One test of a field: `path op value`, or `has path`.
+struct ExpressionTerm {
+    std::vector<ExpressionWord> path; ///< names between points, never empty
+    Comparison comparison;
+    ExpressionWord value; ///< as written, a name without its quotes; nothing for Has
+    bool isName = false;  ///< the value stands in quotes
+    FieldValue number;    ///< an integer or a double, for values without quotes
+};
+
+/// A condition on the fields of messages, read into a tree. The grammar, loosest binding first:
+///
+///     condition = both { "or" both }
+///     both      = test { "and" test }
+///     test      = "not" test | "(" condition ")" | "has" field | field op value
+///     field     = name { "." name }
+///     op        = "==" | "!=" | "<" | "<=" | ">" | ">="
+///     value     = number | 0x number | 'name' | "name"
+///
+/// What the names mean is not looked at here.
+class Expression
+{
+public:
+    /// A node; the children of And and Or are other nodes, Not has one, Term is terms()[left].
+    struct Node {
+        enum class Kind { And, Or, Not, Term };
+        Kind kind;
+        size_t left;
+        size_t right;
+    };
+
+    /// Throws DataError for a text that is no expression, see fail().
+    explicit Expression(std::string text);
+
+    const std::vector<ExpressionTerm>& terms() const { return allTerms; }
+    const Node& node(size_t index) const { return nodes[index]; }
+    size_t root() const { return nodes.size() - 1; }
+
+    /// Throws DataError: `why`, then the expression, then a line that points to `position` in it.
+    [[noreturn]] void fail(size_t position, const std::string& why) const;
+
+private:
+    friend class ExpressionParser;
+
+    std::string source;
+    std::vector<ExpressionTerm> allTerms;
+    std::vector<Node> nodes; ///< children before their parents
+};
+
+} // namespace tqx

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "tqx/log/select/Expression.h"
+
+#include <set>
+#include <string_view>
+#include <vector>
+
+class FieldInfo;
+class MessageInfo;
+
+namespace tqx
+{
+
+/// A field and the sub-block fields that lead to it from a main block.
+struct FieldPath {
+    std::vector<const FieldInfo*> through;
+    const FieldInfo* field;
+};
+
+/// How far names could be followed; what an error says about names that lead nowhere.
+struct UnknownField {
+    size_t depth = 0;                      ///< the name that is not known
+    std::set<std::string_view> candidates; ///< what it could have been
+};
+
+/// The fields of a type that names lead to, from `first` on: a field of the type itself or, when it
+/// has none of that name, all in its sub-blocks at any depth. Blanks in the name of a field are
+/// written as underscores. When there is none, `unknown` is brought up to date.
+std::vector<FieldPath> findFields(const MessageInfo& type, const std::vector<ExpressionWord>& names,
+                                  size_t first, UnknownField& unknown);
+
+} // namespace tqx

@@ -1,0 +1,70 @@
+#include "tqx/log/select/Selection.h"
+
+#include "tqx/log/DataError.h"
+#include "tqx/log/select/TimeText.h"
+
+namespace tqx
+{
+
+namespace
+{
+
+std::optional<GnssMillis> timeOf(const std::string& option, const std::string& text)
+{
+    if (text.empty())
+        return std::nullopt;
+    return parseTime(option, text);
+}
+
+} // namespace
+
+Selection::Selection(const SelectionRequest& request)
+    : types(request.types, request.notTypes), from(timeOf("--from", request.from)),
+      to(timeOf("--to", request.to)), every(request.every), sinceLast(TypeSelection::numbers)
+{
+    if (from && to && *from >= *to)
+        throw DataError("--to " + request.to + " is not after --from " + request.from);
+    if (request.where.empty())
+        return;
+    decoder = std::make_unique<MessageDecoder>();
+    condition = std::make_unique<Condition>(request.where, types);
+}
+
+bool Selection::accepts(BlockStream& stream, const Block& block)
+{
+    const bool inTime = isInTime(block);
+    if (!types.accepts(block.getNumber()) || !inTime || !meetsCondition(stream, block))
+        return false;
+    if (every == 1)
+        return true;
+    uint32_t& since = sinceLast[block.getNumber()];
+    const bool isNext = since == 0;
+    since = since + 1 == every ? 0 : since + 1;
+    return isNext;
+}
+
+bool Selection::isInTime(const Block& block)
+{
+    if (!from && !to)
+        return true;
+    if (const std::optional<GnssMillis> own = block.getTime())
+        time = own;
+    // Before the first time of a stream it is earlier than any that is asked for.
+    if (!time)
+        return !from;
+    return (!from || *time >= *from) && (!to || *time < *to);
+}
+
+bool Selection::meetsCondition(BlockStream& stream, const Block& block)
+{
+    if (!condition)
+        return true;
+    if (!condition->reads(block.getNumber()))
+        return condition->accepts(nullptr);
+    const int32_t result = decoder->decode(block);
+    if (result < 0)
+        stream.reportUndecodable(block, result);
+    return decoder->getMessage() && condition->accepts(decoder->getMessage());
+}
+
+} // namespace tqx

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "tqx/log/record/MessageDecoder.h"
+#include "tqx/log/select/Condition.h"
+#include "tqx/log/select/TypeSelection.h"
+#include "tqx/log/stream/BlockStream.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tqx
+{
+
+/// What is asked of blocks; see SelectionOptions for what the texts are.
+struct SelectionRequest {
+    std::vector<std::string> types;
+    std::vector<std::string> notTypes;
+    std::string from;
+    std::string to;
+    std::string where;
+    uint32_t every = 1;
+};
+
+/// Which blocks of a stream a command looks at. Looks at them in stream order, and runs on over the
+/// inputs as if they were one.
+class Selection
+{
+public:
+    /// Throws DataError for anything in the request that makes no sense.
+    explicit Selection(const SelectionRequest& request);
+
+    /// The types alone, without times and conditions.
+    const TypeSelection& getTypes() const { return types; }
+
+    /// Whether the block is selected. One that must be decoded to know and does not decode is
+    /// reported to the stream and not selected.
+    bool accepts(BlockStream& stream, const Block& block);
+
+private:
+    bool isInTime(const Block& block);
+    bool meetsCondition(BlockStream& stream, const Block& block);
+
+    TypeSelection types;
+    std::optional<GnssMillis> from;
+    std::optional<GnssMillis> to;
+    std::optional<GnssMillis> time; ///< of the last block that had one
+    std::unique_ptr<Condition> condition;
+    std::unique_ptr<MessageDecoder> decoder; ///< beside a condition
+    uint32_t every;
+    std::vector<uint32_t> sinceLast; ///< by block number
+};
+
+} // namespace tqx

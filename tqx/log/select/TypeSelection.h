@@ -1,0 +1,33 @@
+#pragma once
+
+#include <bitset>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tqx
+{
+
+/// Which blocks a command looks at, by block number.
+class TypeSelection
+{
+public:
+    /// One more than the highest block number.
+    static constexpr size_t numbers = 1 << 13;
+
+    /// Everything.
+    TypeSelection() { accepted.set(); }
+
+    /// The types listed in `wanted` (all when it is empty) but those in `unwanted`. Entries are
+    /// names of main blocks, case ignored, patterns of them with * and ?, or block numbers, known
+    /// or not. Throws DataError for anything else.
+    TypeSelection(const std::vector<std::string>& wanted, const std::vector<std::string>& unwanted);
+
+    bool accepts(uint16_t blockNumber) const { return accepted[blockNumber]; }
+
+private:
+    std::bitset<numbers> accepted;
+};
+
+} // namespace tqx

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "tqx/log/time/GnssTime.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace tqx
+{
+
+/// A framed block with a valid checksum. It refers to the bytes of whoever hands it out.
+struct Block {
+    const uint8_t* data;
+    uint16_t size;
+    uint64_t offset; ///< of its first byte in its file
+
+    uint16_t getNumber() const { return static_cast<uint16_t>(getId() & 0x1fffU); }
+    unsigned getRevision() const { return static_cast<unsigned>(getId()) >> 13U; }
+    uint16_t getId() const { return static_cast<uint16_t>(data[4] | data[5] << 8U); }
+
+    /// The time in its header; nothing when that is not available or the block too short for it.
+    std::optional<GnssMillis> getTime() const;
+};
+
+/// "<name> (4007)", or "block 1234" for a number without type.
+std::string describeBlock(uint16_t number);
+
+} // namespace tqx

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "tqx/framing/BlockFramer.h"
+#include "tqx/log/source/ByteSource.h"
+#include "tqx/log/stream/Block.h"
+#include "tqx/log/stream/StreamListener.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tqx
+{
+
+/// What framing has found so far.
+struct StreamCounts {
+    uint64_t bytes = 0;          ///< of the input
+    uint64_t blocks = 0;         ///< valid ones
+    uint64_t droppedBytes = 0;   ///< that belong to no valid block
+    uint64_t crcErrors = 0;      ///< complete candidates with a bad checksum
+    uint64_t invalidLengths = 0; ///< candidates that claim fewer bytes than a header has
+    uint64_t undecodable = 0;    ///< valid blocks of known types that do not decode
+
+    bool isDamaged() const { return droppedBytes != 0 || undecodable != 0; }
+};
+
+/// The valid blocks of a source, in order. Whatever else is in it goes to a listener. Works in
+/// constant memory.
+class BlockStream : private BlockFramer::Listener
+{
+public:
+    /// Neither is owned, both must outlive the stream; the listener may be null.
+    explicit BlockStream(ByteSource& source, StreamListener* listener = nullptr);
+
+    /// Gets the next block, whose bytes stay valid until the next call; false at the end. Throws
+    /// what the source throws.
+    bool next(Block& block);
+
+    /// Counts a block that the codec refused with `code` and reports it to the listener. Only for
+    /// the last block gotten.
+    void reportUndecodable(const Block& block, int32_t code);
+
+    /// Name of the file that the last block began in.
+    const std::string& getName() const { return name; }
+    const StreamCounts& getCounts() const { return counts; }
+
+private:
+    void readOn();
+    void closeGap();
+    void onChecksumFailed(uint64_t offset) override;
+    void onInvalidLength(uint64_t offset) override;
+    void onBytesDropped(uint64_t offset, uint64_t count) override;
+
+    ByteSource& source;
+    StreamListener* listener;
+    BlockFramer framer;
+    std::vector<uint8_t> piece;
+    std::string name;
+    StreamCounts counts;
+    StreamGap gap;
+    bool ended = false;
+    bool isCut = false; ///< the source ended within what looked like a block
+};
+
+} // namespace tqx

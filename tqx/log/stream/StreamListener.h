@@ -1,0 +1,42 @@
+#pragma once
+
+#include "tqx/log/stream/Block.h"
+
+#include <cstdint>
+#include <string>
+
+namespace tqx
+{
+
+/// A stretch of bytes that belongs to no block.
+struct StreamGap {
+    std::string file;
+    uint64_t offset = 0; ///< in the file that it begins in
+    uint64_t bytes = 0;
+    uint64_t crcErrors = 0;
+    uint64_t invalidLengths = 0;
+    bool isCut = false; ///< the input ends where more was expected
+
+    /// "33 bytes belong to no block, 1 bad checksum"
+    std::string describe() const;
+};
+
+/// Hears of everything in a stream that is no valid block. Called while a BlockStream works.
+class StreamListener
+{
+public:
+    virtual ~StreamListener();
+
+    /// Bytes that belong to no block, once for each stretch of them.
+    virtual void onGap(const StreamGap& gap) = 0;
+
+    /// A block of `file` that the codec refused with `code`.
+    virtual void onUndecodable(const std::string& file, const Block& block, int32_t code) = 0;
+
+protected:
+    StreamListener() = default;
+    StreamListener(const StreamListener&) = default;
+    StreamListener& operator=(const StreamListener&) = default;
+};
+
+} // namespace tqx

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "tqx/log/text/Buffer.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+/// Cells of comma separated values as RFC 4180 has them, in UTF-8.
+namespace tqx::csv
+{
+
+/// The cell that holds these characters: in quotes where it has to be.
+std::string cell(std::string_view characters);
+
+/// The cell of a text in Latin-1.
+void appendLatin1(Buffer& out, const char* text, size_t length);
+
+/// Makes what stands behind `start` in the buffer one cell.
+void quoteFrom(Buffer& out, size_t start);
+
+} // namespace tqx::csv

@@ -1,0 +1,62 @@
+#include "tqx/log/text/TextCache.h"
+
+#include <new>
+
+namespace tqx
+{
+
+namespace
+{
+
+constexpr size_t cacheLine = 64;
+
+} // namespace
+
+// Holds no text, so that a cache without memory needs no question of its own.
+const char TextCache::noSlot[sizeof(Head) + Buffer::chunk] = {};
+
+void TextCache::Release::operator()(char* owned) const
+{
+    ::operator delete(owned, std::align_val_t(cacheLine));
+}
+
+void TextCache::setUp(size_t size, unsigned shift)
+{
+    const size_t bytes = ((~uint64_t{0} >> shift) + 1) * size + Buffer::chunk;
+    memory.reset(static_cast<char*>(::operator new(bytes, std::align_val_t(cacheLine))));
+    std::memset(memory.get(), 0, bytes);
+    slots = memory.get();
+    slotSize = size;
+    placeShift = shift;
+}
+
+// Few slots as long as few are enough: what is often used stays close to the processor.
+void TextCache::keep(uint64_t value, std::string_view text)
+{
+    constexpr uint32_t period = 256;
+    constexpr uint32_t goodRate = 16;
+    constexpr size_t largestSlot = 4096;
+    constexpr unsigned leastShift = 56;
+    const size_t needed = sizeof(Head) + text.size();
+    if (needed > largestSlot)
+        return;
+    if (needed > slotSize)
+        setUp((needed + cacheLine - 1) / cacheLine * cacheLine, placeShift);
+    char* slot = memory.get() + placeOf(value) * slotSize;
+    if (headOf(slot).length != 0 && ++replaced == period) {
+        if (found < goodRate * replaced && placeShift > leastShift) {
+            setUp(slotSize, placeShift - 1);
+            slot = memory.get() + placeOf(value) * slotSize;
+        } else if (found < replaced) {
+            isOff = true;
+            return memory.reset();
+        }
+        found = 0;
+        replaced = 0;
+    }
+    const Head head = {value, text.size()};
+    std::memcpy(slot, &head, sizeof head);
+    std::memcpy(slot + sizeof head, text.data(), text.size());
+}
+
+} // namespace tqx

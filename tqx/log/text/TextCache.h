@@ -1,0 +1,70 @@
+#pragma once
+
+#include "tqx/log/text/Buffer.h"
+
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <string_view>
+
+namespace tqx
+{
+
+/// Texts of values that were written before. Most fields of a stream have few different values, and
+/// copying a text costs a fraction of making it. Memory is bounded; a cache that turns out not to
+/// help gives itself up.
+class TextCache
+{
+public:
+    /// Appends the text of a value, which `make(out)` appends when it is not known.
+    template<typename Make>
+    void append(Buffer& out, uint64_t value, Make make)
+    {
+        if (isOff)
+            return make(out);
+        const char* slot = slots + placeOf(value) * slotSize;
+        const Head head = headOf(slot);
+        if (head.value == value && head.length != 0) {
+            out.appendPadded(slot + sizeof head, head.length);
+            ++found;
+            return;
+        }
+        const size_t start = out.size();
+        make(out);
+        keep(value, out.view().substr(start));
+    }
+
+private:
+    /// What stands before the text in a slot.
+    struct Head {
+        uint64_t value;
+        uint64_t length; ///< 0 when there is no text
+    };
+
+    struct Release {
+        void operator()(char* memory) const;
+    };
+
+    size_t placeOf(uint64_t value) const { return value * 0x9e3779b97f4a7c15U >> placeShift; }
+
+    static Head headOf(const char* slot)
+    {
+        Head head;
+        std::memcpy(&head, slot, sizeof head);
+        return head;
+    }
+
+    void keep(uint64_t value, std::string_view text);
+    void setUp(size_t size, unsigned shift);
+
+    static const char noSlot[];
+    const char* slots = noSlot;
+    size_t slotSize = 0;
+    unsigned placeShift = 58;
+    std::unique_ptr<char, Release> memory; ///< of the slots, and a chunk behind them
+    uint32_t found = 0;                    ///< texts, since replaced was 0
+    uint32_t replaced = 0;                 ///< texts that had to make room for others
+    bool isOff = false;
+};
+
+} // namespace tqx

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "tqx/log/time/GnssTime.h"
+
+#include <cstdint>
+#include <string>
+
+namespace tqx
+{
+
+/// Whether UTC has a leap second at the end of that day, counted from 1980-01-06.
+bool endsWithLeapSecond(uint64_t day);
+
+/// Leap seconds that UTC has inserted from 1980-01-06 up to the beginning of that day. Days behind
+/// the end of the list have as many as its last.
+unsigned leapSecondsBefore(uint64_t day);
+
+/// "2024-02-10T23:46:22.100Z", the time in UTC; a leap second is the second 60.
+std::string utcText(GnssMillis millis);
+
+} // namespace tqx

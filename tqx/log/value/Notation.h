@@ -1,0 +1,19 @@
+#pragma once
+
+#include "tqx/log/text/Buffer.h"
+
+#include <string>
+#include <string_view>
+
+namespace tqx
+{
+
+/// How a form of output writes values that are no numbers.
+struct Notation {
+    std::string_view notAvailable;
+    std::string (*name)(std::string_view characters);
+    void (*appendLatin1)(Buffer& out, const char* text, size_t length);
+    bool isStored = false; ///< values as they are stored, without scale, names and notAvailable
+};
+
+} // namespace tqx

@@ -1,0 +1,50 @@
+#include "tqx/log/value/Scale.h"
+
+#include "tqx/log/text/NumberText.h"
+
+#include <cmath>
+
+namespace tqx
+{
+
+Scale::Scale(double factor) : multiplier(factor)
+{
+    // Powers of ten up to here, and products with integers up to 2^32, are exact.
+    constexpr int largestPower = 22;
+    constexpr double largestMultiplier = 1 << 21;
+    constexpr uint64_t mostDigits = 1000000000000000;
+    if (!(std::fabs(factor) < 1 || factor != std::floor(factor)))
+        return;
+    double power = 10;
+    for (int digits = 1; digits <= largestPower; ++digits, power *= 10) {
+        const double whole = std::round(factor * power);
+        if (whole != 0 && std::fabs(whole) <= largestMultiplier && whole / power == factor) {
+            multiplier = whole;
+            divisor = power;
+            if (whole > 0) {
+                wholeMultiplier = static_cast<uint32_t>(whole);
+                endOfWhole = mostDigits / wholeMultiplier;
+                decimals = static_cast<unsigned>(digits);
+            }
+            return;
+        }
+    }
+    // No short decimal number, but one part of an integer, such as 1/3600.
+    const double parts = std::round(1 / factor);
+    if (parts != 0 && 1 / parts == factor) {
+        multiplier = 1;
+        divisor = parts;
+    }
+}
+
+// Of up to fifteen digits, the decimal number is the shortest text of the double next to it.
+void Scale::append(Buffer& out, bool isNegative, uint64_t magnitude) const
+{
+    if (magnitude < endOfWhole &&
+        number::appendDecimal(out, isNegative, magnitude * wholeMultiplier, decimals))
+        return;
+    const auto value = static_cast<double>(magnitude);
+    number::appendDouble(out, apply(isNegative ? -value : value));
+}
+
+} // namespace tqx

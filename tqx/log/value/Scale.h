@@ -1,0 +1,32 @@
+#pragma once
+
+#include "tqx/log/text/Buffer.h"
+
+#include <cstdint>
+
+namespace tqx
+{
+
+/// A scale factor, applied so that the result is the double nearest to the decimal number that
+/// the stored integer and the factor as written stand for: 604000100 at 0.001 is 604000.1, not
+/// 604000.1000000001.
+class Scale
+{
+public:
+    explicit Scale(double factor);
+
+    double apply(double value) const { return value * multiplier / divisor; }
+
+    /// Appends what apply() gives for an integer, as JSON.
+    void append(Buffer& out, bool isNegative, uint64_t magnitude) const;
+
+private:
+    double multiplier;
+    double divisor = 1;
+    // Where the factor is a whole number with its point shifted:
+    uint32_t wholeMultiplier = 0;
+    unsigned decimals = 0;   ///< by which the point is shifted
+    uint64_t endOfWhole = 0; ///< the first integer that has too many digits with it, else 0
+};
+
+} // namespace tqx

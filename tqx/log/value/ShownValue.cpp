@@ -1,0 +1,64 @@
+#include "tqx/log/value/ShownValue.h"
+
+#include "tqx/log/text/NumberText.h"
+
+#include "FieldInfo.h"
+
+#include <cmath>
+
+namespace tqx
+{
+
+using namespace Kor::MessageApi;
+
+ShownValue::ShownValue(const TQX_FieldLayout& layout, const FieldInfo& info, bool isPacked,
+                       const Notation& shownIn)
+    : notation(shownIn), bits(layout, isPacked), names(info, shownIn)
+{
+    if (notation.isStored)
+        return;
+    if (info.hasScaleFactor())
+        scale.emplace(info.getScaleFactor());
+    if (info.getType().isFloat() && info.hasDoNotUseValue())
+        notAvailable = info.getDoNotUseValue().toDouble();
+}
+
+void ShownValue::appendInteger(Buffer& out, uint64_t value) const
+{
+    if (const std::string* name = names.find(value))
+        return out.append(*name);
+    const bool isNegative = bits.isSigned() && static_cast<int64_t>(value) < 0;
+    if (scale)
+        return scale->append(out, isNegative, isNegative ? 0 - value : value);
+    if (isNegative)
+        return number::appendSigned(out, static_cast<int64_t>(value));
+    number::appendUnsigned(out, value);
+}
+
+void ShownValue::appendReal(Buffer& out, uint64_t word) const
+{
+    const double real = bits.real(word);
+    if (notAvailable && real == *notAvailable)
+        return out.append(notation.notAvailable);
+    if (!std::isfinite(real))
+        return out.append(notation.name(std::isnan(real) ? "NaN"
+                                        : real > 0       ? "Infinity"
+                                                         : "-Infinity"));
+    if (scale)
+        return number::appendDouble(out, scale->apply(real));
+    if (bits.isSingle())
+        return number::appendFloat(out, MemberBits::single(word));
+    number::appendDouble(out, real);
+}
+
+void ShownValue::append(Buffer& out, uint64_t word) const
+{
+    if (bits.isReal())
+        return appendReal(out, word);
+    if (!bits.isCharacter())
+        return appendInteger(out, bits.integer(word));
+    const auto character = static_cast<char>(word);
+    notation.appendLatin1(out, &character, character == 0 ? 0 : 1);
+}
+
+} // namespace tqx

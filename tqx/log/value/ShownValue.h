@@ -1,0 +1,40 @@
+#pragma once
+
+#include "TQX_Layout.h"
+#include "tqx/log/record/MemberBits.h"
+#include "tqx/log/text/Buffer.h"
+#include "tqx/log/value/Scale.h"
+#include "tqx/log/value/ValueNames.h"
+
+#include <cstdint>
+#include <optional>
+
+class FieldInfo;
+
+namespace tqx
+{
+
+/// How the values of one number or character field are written, in terms of its metadata.
+class ShownValue
+{
+public:
+    /// `isPacked`: values of a bit range are taken from the packed word, not from their own member.
+    ShownValue(const Kor::MessageApi::TQX_FieldLayout& layout, const FieldInfo& info, bool isPacked,
+               const Notation& notation);
+
+    /// Appends the value that stands in the bits of a member: its name, what the notation has
+    /// for not available, else the number times its scale factor.
+    void append(Buffer& out, uint64_t word) const;
+
+private:
+    void appendInteger(Buffer& out, uint64_t value) const;
+    void appendReal(Buffer& out, uint64_t word) const;
+
+    Notation notation;
+    MemberBits bits;
+    std::optional<Scale> scale;
+    ValueNames names;
+    std::optional<double> notAvailable; ///< of a floating-point field
+};
+
+} // namespace tqx

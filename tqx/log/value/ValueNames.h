@@ -1,0 +1,40 @@
+#pragma once
+
+#include "FieldInfo.h"
+#include "tqx/log/value/Notation.h"
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tqx
+{
+
+/// What stands for the values of an integer field that are not shown as numbers: their
+/// names, and a word for what is not available.
+class ValueNames
+{
+public:
+    /// Field of any type; fields that are no integers have no names.
+    ValueNames(const FieldInfo& field, const Notation& notation);
+
+    /// The text for a value of the field, null when it is shown as a number. `bits` are those
+    /// of the value, sign-extended when it is signed.
+    const std::string* find(uint64_t bits) const
+    {
+        if (bits < direct.size())
+            return direct[bits];
+        return bits < firstWide ? nullptr : search(bits);
+    }
+
+private:
+    void add(const FieldValue& value, std::string text);
+    const std::string* search(uint64_t bits) const;
+
+    std::vector<std::pair<uint64_t, std::string>> entries; ///< by value, in two's complement
+    std::vector<const std::string*> direct;                ///< by value, for small ones
+    uint64_t firstWide = UINT64_MAX;                       ///< the smallest of the others
+};
+
+} // namespace tqx

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "TQX_Layout.h"
+#include "tqx/log/record/FieldFilter.h"
+#include "tqx/log/text/Buffer.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tqx
+{
+
+/// The columns for the records of one type: its fields in their order, those of a sub-block that
+/// is embedded in place of its field. Arrays of sub-blocks have tables of their own.
+class CsvTable
+{
+public:
+    /// A table below another one: the entries of an array of sub-blocks.
+    struct Child {
+        const Kor::MessageApi::TQX_FieldLayout* field;
+        std::unique_ptr<CsvTable> table;
+    };
+
+    /// The table of a type that has a message class, with the fields that the filter shows. Headers
+    /// of blocks and padding are shown only where it names them. `isStored`: values as they are
+    /// stored, without scale, unit and names.
+    CsvTable(const Kor::MessageApi::TQX_TypeLayout& type, const FieldFilter& shown, bool isStored);
+    ~CsvTable();
+    CsvTable(const CsvTable&) = delete;
+    CsvTable& operator=(const CsvTable&) = delete;
+
+    /// Whether records have a row of their own, beside those of the children.
+    bool hasRows() const { return showsKey || !columns.empty(); }
+
+    /// Names of the columns with their units: "Height [meter]".
+    const std::vector<std::string>& getColumns() const { return columns; }
+
+    const std::vector<Child>& getChildren() const { return children; }
+
+    /// Appends the cells of a record of the type, each with a comma in front.
+    void appendCells(Buffer& out, const void* record);
+
+    /// Number of entries that a record has in the array of a child, and the records of them.
+    uint32_t countEntries(const Child& child, const void* record) const;
+    static const void* entry(const Child& child, const void* record, uint32_t index);
+
+private:
+    struct Step;
+
+    void addStep(const Kor::MessageApi::TQX_FieldLayout& member);
+    void addCell(int row, bool isPart, bool isStored);
+    void addSubBlock(const Kor::MessageApi::TQX_FieldLayout& field, const FieldFilter& shown,
+                     bool isStored);
+    void appendStep(Buffer& out, Step& step, const void* record);
+
+    const Kor::MessageApi::TQX_TypeLayout& type;
+    std::vector<std::string> columns;
+    std::vector<Step> steps;
+    std::vector<Child> children;
+    bool showsKey = false; ///< the filter names what the key columns hold
+};
+
+} // namespace tqx

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "tqx/log/record/FieldFilter.h"
+#include "tqx/log/stream/Block.h"
+#include "tqx/log/text/Buffer.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tqx
+{
+
+struct ParagraphPlan;
+
+/// Writes blocks as paragraphs for people: a line with what the block is, when and where it
+/// stands, then a line a field, bit ranges below their word and sub-blocks below their field, each
+/// a step further in. Texts are those of the metadata in the C locale; the values come straight
+/// from the records.
+class Paragraph
+{
+public:
+    /// How values are shown.
+    enum class Values {
+        Scaled, ///< with unit, scale and names
+        Stored, ///< the numbers as they stand in the block
+    };
+
+    Paragraph(const FieldFilter& filter, Values values);
+    ~Paragraph();
+    Paragraph(const Paragraph&) = delete;
+    Paragraph& operator=(const Paragraph&) = delete;
+
+    /// Appends the paragraph of a block that was decoded to `record`. Fields of the block's header
+    /// are in the first line only, unless the filter names them; for a type without message class
+    /// it is the first line alone. Nothing when the filter shows no field of the type.
+    void write(Buffer& out, const Block& block, const void* record);
+
+    /// Appends the first line alone, for a block that there is nothing to show of. Nothing when
+    /// there is a filter.
+    void writeTitle(Buffer& out, const Block& block);
+
+private:
+    ParagraphPlan& planOf(uint32_t recordType);
+    void appendTitle(Buffer& out, std::string_view what, const Block& block);
+
+    const FieldFilter& filter;
+    Values values;
+    std::vector<std::unique_ptr<ParagraphPlan>> plans; ///< by record type
+    std::optional<GnssMillis> lastTime;                ///< the blocks of an epoch share it
+    std::string lastTimeText;
+};
+
+} // namespace tqx

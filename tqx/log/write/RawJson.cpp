@@ -1,0 +1,304 @@
+#include "tqx/log/write/RawJson.h"
+
+#include "TQX_codec.h"
+#include "tqx/log/text/JsonText.h"
+#include "tqx/log/text/NumberText.h"
+#include "tqx/log/text/TextCache.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace tqx
+{
+
+using namespace Kor::MessageApi;
+
+/// How the records of one type are written.
+struct RawPlan {
+    struct Step {
+        const TQX_FieldLayout* field;
+        std::string key;               ///< with the comma that parts it from the field before
+        TextCache cache;               ///< of a single number
+        std::unique_ptr<RawPlan> plan; ///< of the sub-block that the field holds
+    };
+
+    const TQX_TypeLayout* type;
+    std::string opening; ///< of a line, up to the value of "fields"
+    std::vector<Step> steps;
+    bool whole = true; ///< whether all fields are written
+};
+
+namespace
+{
+
+template<typename Value>
+Value load(const void* element)
+{
+    Value value;
+    std::memcpy(&value, element, sizeof value);
+    return value;
+}
+
+/// A NaN other than the one that "NaN" is read back as.
+template<typename Real, typename Bits>
+bool isOddNaN(Real value)
+{
+    const Real usual = std::numeric_limits<Real>::quiet_NaN();
+    return std::isnan(value) && load<Bits>(&value) != load<Bits>(&usual);
+}
+
+/// Whether a field of a fixed size holds nothing but zeros.
+bool isZero(const TQX_FieldLayout& field, const void* record)
+{
+    const auto* bytes = static_cast<const uint8_t*>(TQX_element(field, record));
+    return std::all_of(bytes, bytes + TQX_elementSize(field) * field.elements,
+                       [](uint8_t byte) { return byte == 0; });
+}
+
+/// Writes records of one line and notes whether something got lost in doing so.
+class Writer
+{
+public:
+    explicit Writer(Buffer& buffer) : out(buffer) {}
+
+    void writeRecord(RawPlan& plan, const void* record);
+
+    /// Whether all that was written is read back as it stood in the records.
+    bool isExact() const { return exact; }
+
+private:
+    void writeField(RawPlan& plan, RawPlan::Step& step, const void* record);
+    void writeNumber(RawPlan::Step& step, const void* record);
+    void writeElement(const TQX_FieldLayout& field, const void* element);
+    void writeArray(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const void* record);
+    void writeText(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const void* record);
+
+    Buffer& out;
+    bool exact = true;
+};
+
+void Writer::writeElement(const TQX_FieldLayout& field, const void* element)
+{
+    switch (field.type) {
+    case TQX_MemberType::U8:
+        return number::appendUnsigned(out, load<uint8_t>(element));
+    case TQX_MemberType::I8:
+        return number::appendSigned(out, load<int8_t>(element));
+    case TQX_MemberType::U16:
+        return number::appendUnsigned(out, load<uint16_t>(element));
+    case TQX_MemberType::I16:
+        return number::appendSigned(out, load<int16_t>(element));
+    case TQX_MemberType::U32:
+        return number::appendUnsigned(out, load<uint32_t>(element));
+    case TQX_MemberType::I32:
+        return number::appendSigned(out, load<int32_t>(element));
+    case TQX_MemberType::U64:
+        return number::appendUnsigned(out, load<uint64_t>(element));
+    case TQX_MemberType::F32: {
+        const auto value = load<float>(element);
+        exact = exact && !isOddNaN<float, uint32_t>(value);
+        return json::appendFloat(out, value);
+    }
+    case TQX_MemberType::F64: {
+        const auto value = load<double>(element);
+        exact = exact && !isOddNaN<double, uint64_t>(value);
+        return json::appendDouble(out, value);
+    }
+    case TQX_MemberType::Char: {
+        const auto value = load<char>(element);
+        return json::appendLatin1(out, &value, value == 0 ? 0 : 1);
+    }
+    case TQX_MemberType::Record:
+        return;
+    }
+}
+
+void Writer::writeNumber(RawPlan::Step& step, const void* record)
+{
+    const TQX_FieldLayout& field = *step.field;
+    const void* element = static_cast<const char*>(record) + field.recordOffset;
+    // Texts that are kept would not tell an odd NaN.
+    const auto make = [&](Buffer&) {
+        out.append(step.key);
+        writeElement(field, element);
+    };
+    if (field.type == TQX_MemberType::F32 || field.type == TQX_MemberType::F64)
+        make(out);
+    else
+        step.cache.append(out, TQX_unsignedValue(field, record), make);
+}
+
+void Writer::writeText(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const void* record)
+{
+    const auto* text = static_cast<const char*>(TQX_element(field, record));
+    const size_t capacity = TQX_elementCount(type, field, record) - 1U;
+    const void* zero = std::memchr(text, 0, capacity);
+    const size_t length =
+        zero ? static_cast<size_t>(static_cast<const char*>(zero) - text) : capacity;
+    json::appendLatin1(out, text, length);
+    // The encoder fills a fixed text with zeros and makes a counted one as long as its string.
+    if (field.kind == TQX_FieldKind::CountedText)
+        exact = exact && length == capacity;
+    for (size_t i = length; i < capacity; ++i)
+        exact = exact && text[i] == 0;
+}
+
+void Writer::writeArray(const TQX_TypeLayout& type, const TQX_FieldLayout& field,
+                        const void* record)
+{
+    const uint32_t count = TQX_elementCount(type, field, record);
+    const uint32_t size = TQX_elementSize(field);
+    const auto* element = static_cast<const uint8_t*>(TQX_element(field, record));
+    out.append('[');
+    for (uint32_t i = 0; i < count; ++i) {
+        if (i != 0)
+            out.append(',');
+        writeElement(field, element + size_t{i} * size);
+    }
+    out.append(']');
+    // Bytes that fill no whole element stand in one that is not shown.
+    if (field.countsBytes && TQX_unsignedValue(type.fields[field.count], record) % size != 0)
+        exact = exact && TQX_unsignedValue(field, record, count) == 0;
+}
+
+void Writer::writeField(RawPlan& plan, RawPlan::Step& step, const void* record)
+{
+    const TQX_FieldLayout& field = *step.field;
+    if (field.kind == TQX_FieldKind::Value)
+        return writeNumber(step, record);
+    out.append(step.key);
+    switch (field.kind) {
+    case TQX_FieldKind::Array:
+    case TQX_FieldKind::CountedArray:
+        return writeArray(*plan.type, field, record);
+    case TQX_FieldKind::Text:
+    case TQX_FieldKind::CountedText:
+        return writeText(*plan.type, field, record);
+    case TQX_FieldKind::Embedded:
+        return writeRecord(*step.plan, TQX_element(field, record));
+    case TQX_FieldKind::Blocks: {
+        const uint32_t count = TQX_elementCount(*plan.type, field, record);
+        const auto* entry = static_cast<const uint8_t*>(TQX_element(field, record));
+        out.append('[');
+        for (uint32_t i = 0; i < count; ++i) {
+            if (i != 0)
+                out.append(',');
+            writeRecord(*step.plan, entry + size_t{i} * step.plan->type->recordSize);
+        }
+        out.append(']');
+        return;
+    }
+    case TQX_FieldKind::Value:
+    case TQX_FieldKind::Bits:
+    case TQX_FieldKind::Derived:
+        return;
+    }
+}
+
+void Writer::writeRecord(RawPlan& plan, const void* record)
+{
+    const size_t start = out.size();
+    for (RawPlan::Step& step : plan.steps) {
+        const TQX_FieldLayout& field = *step.field;
+        if (field.presence != TQX_Presence::Always && !TQX_isPresent(*plan.type, field, record)) {
+            // On the wire although the record's revision does not have it.
+            exact = exact && !(field.alwaysSent && !isZero(field, record));
+            continue;
+        }
+        // Padding is worth a word only when it is not what the encoder writes.
+        if (field.isPadding && isZero(field, record))
+            continue;
+        writeField(plan, step, record);
+    }
+    // The first field brought a comma where the object begins.
+    if (out.size() == start)
+        out.append('{');
+    else
+        out.replace(start, '{');
+    out.append('}');
+}
+
+std::unique_ptr<RawPlan> makePlan(const TQX_TypeLayout& type, const FieldFilter& shown)
+{
+    auto plan = std::make_unique<RawPlan>();
+    plan->type = &type;
+    plan->opening = "{\"block\":\"" + std::string(type.name) + "\",\"fields\":";
+    for (int i = 0; i < type.fieldCount; ++i) {
+        const TQX_FieldLayout& field = type.fields[i];
+        if (field.kind == TQX_FieldKind::Bits || field.kind == TQX_FieldKind::Derived)
+            continue;
+        const FieldFilter* inside = shown.find(field.name);
+        if (!inside) {
+            plan->whole = false;
+            continue;
+        }
+        RawPlan::Step step = {&field, "," + json::key(field.name), {}, nullptr};
+        if (field.recordType != 0) {
+            step.plan = makePlan(*TQX_layout(field.recordType), *inside);
+            plan->whole = plan->whole && step.plan->whole;
+        }
+        plan->steps.push_back(std::move(step));
+    }
+    return plan;
+}
+
+} // namespace
+
+RawJson::RawJson(const FieldFilter& shown)
+    : filter(shown), encoded(std::numeric_limits<uint16_t>::max())
+{
+}
+
+RawJson::~RawJson() = default;
+
+RawPlan& RawJson::planOf(uint32_t recordType)
+{
+    if (plans.size() <= recordType)
+        plans.resize(recordType + 1);
+    std::unique_ptr<RawPlan>& plan = plans[recordType];
+    if (!plan)
+        plan = makePlan(*TQX_layout(recordType), filter);
+    return *plan;
+}
+
+void RawJson::write(Buffer& out, const DecodedBlock& decoded)
+{
+    const Block& block = decoded.block;
+    RawPlan& plan = planOf(decoded.getHeader().korcg_type);
+    if (!plan.type->hasMessage)
+        return writeBytes(out, block);
+    if (plan.steps.empty())
+        return;
+    out.append(plan.opening);
+    Writer writer(out);
+    writer.writeRecord(plan, decoded.record);
+    if (plan.whole) {
+        bool exact = writer.isExact();
+        if (exact && !decoded.isCovered()) {
+            const int32_t bits =
+                TQX_reencode(encoded.data(), static_cast<uint16_t>(encoded.size()), decoded.record);
+            exact = bits == static_cast<int32_t>(block.size) * 8 &&
+                    std::memcmp(encoded.data(), block.data, block.size) == 0;
+        }
+        if (!exact) {
+            out.append(",\"bytes\":");
+            json::appendBase64(out, block.data, block.size);
+        }
+    }
+    out.append("}\n");
+}
+
+void RawJson::writeBytes(Buffer& out, const Block& block) const
+{
+    if (!filter.isEverything())
+        return;
+    out.append("{\"number\":");
+    number::appendUnsigned(out, block.getNumber());
+    out.append(",\"bytes\":");
+    json::appendBase64(out, block.data, block.size);
+    out.append("}\n");
+}
+
+} // namespace tqx

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "tqx/simulation/Systems.h"
+
+#include <vector>
+
+namespace tqx::simulation
+{
+
+/// Where a satellite ought to be at the start of GPS week `almanacWeek`. Angles in degrees.
+struct NominalSatellite {
+    System system;
+    uint8_t number;       ///< PRN, or slot of GLONASS
+    int8_t channel;       ///< frequency number of GLONASS, 0 for all others
+    double semiMajorAxis; ///< metres
+    double inclination;
+    double ascendingNode;    ///< longitude on the rotating earth
+    double latitudeArgument; ///< angle from the node along the orbit
+};
+
+constexpr unsigned almanacWeek = 2400;
+
+/// The nominal constellations: GPS with 31 satellites, GLONASS with 24, Galileo with 24 and BeiDou
+/// with 24 in medium orbits and 3 in inclined geosynchronous ones.
+std::vector<NominalSatellite> nominalSatellites();
+
+} // namespace tqx::simulation

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "tqx/log/text/Buffer.h"
+#include "tqx/simulation/Random.h"
+#include "tqx/simulation/Receiver.h"
+
+#include "TQX_codec.h"
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace tqx::simulation
+{
+
+/// Takes records, encodes them and appends them to a buffer, on request as a damaged stream.
+class BlockLog
+{
+public:
+    /// With `damageSeed` the stream gets flipped bits, cut blocks and junk. Damage has random
+    /// numbers of its own: the sound blocks are those of the sound stream.
+    BlockLog(Buffer& output, std::optional<uint64_t> damageSeed);
+
+    /// Stamps the record with the epoch's time, encodes it and appends the block.
+    template<typename Record>
+    void add(const Epoch& epoch, Record& record,
+             int (*encode)(unsigned char*, unsigned short, Record*))
+    {
+        record.TOW = epoch.towMillis;
+        record.WNc = epoch.week;
+        write(encode(block.data(), static_cast<unsigned short>(block.size()), &record));
+    }
+
+    /// Bytes appended so far.
+    uint64_t getSize() const { return written; }
+
+private:
+    void write(int bits);
+    void damage(size_t size);
+    void writeJunk();
+
+    Buffer& output;
+    std::optional<Random> random;
+    std::vector<uint8_t> block;
+    uint64_t written = 0;
+};
+
+} // namespace tqx::simulation

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "tqx/simulation/BlockLog.h"
+#include "tqx/simulation/Random.h"
+#include "tqx/simulation/Receiver.h"
+
+/// The blocks of the simulated receiver, each made of what it tracks, measures and computes.
+namespace tqx::simulation
+{
+
+/// Code, carrier, Doppler and C/N0 of all signals, and the end of the epoch's measurements.
+void addMeasurements(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
+
+/// How the signals of each satellite are tracked and used.
+void addChannels(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
+
+/// Where the satellites stand in the sky.
+void addVisibility(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
+
+/// Positions and clocks of the satellites used.
+void addSatellitePositions(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
+
+/// Position, velocity and clock in both kinds of coordinates, their covariances and dilution of
+/// precision, and the end of the epoch's solution.
+void addPosition(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
+
+/// The four covariance matrices.
+void addCovariances(BlockLog& log, const Epoch& epoch, const Solution& solution);
+
+/// What the solution leaves of each code and Doppler that it uses.
+void addResiduals(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
+
+/// Test of the residuals.
+void addIntegrity(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
+
+/// Times of the other systems against that of GPS, what the receiver's paths add included.
+void addTimeOffsets(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
+
+/// The date and the time of day.
+void addTime(BlockLog& log, const Epoch& epoch);
+
+/// The ephemeris of a GPS, Galileo or BeiDou satellite, from each of its messages.
+void addKeplerEphemeris(BlockLog& log, const Epoch& epoch, const Satellite& satellite);
+
+/// The ephemeris of a GLONASS satellite.
+void addGlonassEphemeris(BlockLog& log, const Epoch& epoch, const Satellite& satellite);
+
+/// Ionosphere, UTC and system time parameters of all systems.
+void addSystemPages(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
+
+/// Names of the site, the receiver and its antenna.
+void addSetup(BlockLog& log, const Epoch& epoch, const Geodetic& marker);
+
+/// Load, temperature, state and gain of the receiver.
+void addReceiverState(BlockLog& log, const Epoch& epoch, Random& random);
+
+/// Two batteries, the first of which is being discharged, and the power inputs.
+void addPower(BlockLog& log, const Epoch& epoch, Random& random);
+
+/// Grades of the signals.
+void addQuality(BlockLog& log, const Epoch& epoch);
+
+/// Acceleration and angular rate of a sensor that moves with the antenna.
+void addSensor(BlockLog& log, const Epoch& epoch, const Track& track, Random& random);
+
+/// A line of a weather station connected to a port.
+void addText(BlockLog& log, const Epoch& epoch, Random& random);
+
+/// Correction messages with position, receiver and antenna of a base station some kilometres from
+/// the place where the antenna started.
+void addCorrections(BlockLog& log, const Epoch& epoch, const Geodetic& start);
+
+} // namespace tqx::simulation

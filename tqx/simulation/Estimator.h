@@ -1,0 +1,112 @@
+#pragma once
+
+#include "tqx/simulation/GlonassOrbit.h"
+#include "tqx/simulation/Systems.h"
+
+#include <array>
+#include <cstddef>
+#include <vector>
+
+namespace tqx::simulation
+{
+
+/// Symmetric matrix of the x, y, z (or east, north, up) and clock terms.
+using Covariance = std::array<std::array<double, 4>, 4>;
+
+/// What the receiver ought to find.
+struct Truth {
+    Motion antenna;
+    double clockBias;  ///< seconds
+    double clockDrift; ///< seconds per second
+};
+
+/// What the receiver finds. Covariances are local (east, north, up, clock), in metres and metres
+/// per second.
+struct Solution {
+    Motion antenna;    ///< earth-fixed
+    Geodetic position; ///< of the same point
+    Vector velocity;   ///< east, north, up
+    double clockBias;  ///< seconds
+    double clockDrift; ///< seconds per second
+    Covariance positionCovariance;
+    Covariance velocityCovariance;
+    Covariance cofactors; ///< of the position with equal weights, for the dilution of precision
+    std::array<uint8_t, systemCount> used; ///< satellites
+    /// By how much the codes of a system are longer than those of GPS, and that one's variance,
+    /// metres; what the paths in the receiver add is left out.
+    std::array<double, systemCount> offsets;
+    std::array<double, systemCount> offsetVariances;
+    double positionTest; ///< sum of squared weighted residuals
+    double velocityTest;
+    unsigned positionRedundancy;
+    unsigned velocityRedundancy;
+
+    unsigned usedSatellites() const;
+};
+
+/// What a solution leaves of a measurement, in the unit of the measurement.
+struct Residual {
+    double value;
+    double deviation;  ///< of the residual
+    double detectable; ///< smallest error of the measurement that the test finds
+};
+
+/// Weighted least squares from ionosphere-free codes and Dopplers of all satellites, with a clock
+/// for each system. It is given the errors of the measurements instead of their values, and is
+/// linear around the truth: what it finds scatters as its covariances say.
+class Estimator
+{
+public:
+    /// Deviation of what reflections add to a code, as part of that of its noise.
+    static constexpr double reflectionShare = 1;
+    /// Deviation of a range rate at the zenith, metres per second.
+    static constexpr double rangeRateNoise = 0.008;
+
+    void begin();
+
+    /// Adds a satellite in a direction (east, north, up) with the error of its code and that
+    /// error's deviation at the zenith, metres, and the error of its range rate.
+    void add(System system, const Vector& direction, double codeError, double codeNoise,
+             double rateError);
+
+    void solve(const Truth& truth, const LocalFrame& frame);
+
+    const Solution& getSolution() const { return solution; }
+
+    /// Residuals of the satellite that was the index-th to be added since begin(), from 0.
+    Residual codeResidual(size_t index) const;
+    Residual rateResidual(size_t index) const;
+
+private:
+    static constexpr size_t positionUnknowns = 3 + systemCount;
+
+    template<size_t size>
+    struct Equations {
+        std::array<std::array<double, size>, size> normal;
+        std::array<double, size> right;
+        double squares; ///< of the weighted observations
+    };
+
+    template<size_t size>
+    struct Solved {
+        std::array<std::array<double, size>, size> inverse;
+        std::array<double, size> unknowns;
+    };
+    struct Observation {
+        std::array<double, positionUnknowns> row;
+        double codeError;
+        double codeWeight;
+        double rateError;
+        double rateWeight;
+    };
+
+    std::vector<Observation> observations;
+    Solved<positionUnknowns> place = {};
+    Solved<4> speed = {};
+    Equations<positionUnknowns> position = {};
+    Equations<positionUnknowns> dilution = {};
+    Equations<4> velocity = {};
+    Solution solution = {};
+};
+
+} // namespace tqx::simulation

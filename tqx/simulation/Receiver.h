@@ -1,0 +1,133 @@
+#pragma once
+
+#include "tqx/simulation/Atmosphere.h"
+#include "tqx/simulation/Estimator.h"
+#include "tqx/simulation/Signals.h"
+#include "tqx/simulation/Track.h"
+
+#include <memory>
+#include <vector>
+
+namespace tqx::simulation
+{
+
+/// A moment of the simulation: what the receiver's clock shows at the end of a measurement.
+struct Epoch {
+    uint16_t week;
+    uint32_t towMillis;
+    double elapsed; ///< seconds since the start
+    double time;    ///< seconds since the start of the almanac week
+
+    double tow() const { return towMillis * 1e-3; }
+};
+
+/// One signal of a satellite as the receiver measures it.
+struct Signal {
+    const SignalPlan* plan;
+    double frequency;      ///< hertz
+    double code;           ///< metres
+    double phase;          ///< cycles
+    double doppler;        ///< hertz
+    double cn0;            ///< dB-Hz
+    double codeError;      ///< metres that noise and reflections add
+    double rangeRateError; ///< metres per second that noise adds
+};
+
+/// One tracked satellite.
+struct Sight {
+    const Satellite* satellite;
+    uint8_t channel;
+    double lockTime;  ///< seconds
+    Vector direction; ///< east, north, up; of length 1
+    bool rising;
+    bool used;           ///< in the position
+    double rangeRate;    ///< metres per second, clocks left out
+    SatelliteState sent; ///< when the signal left
+    unsigned signalCount;
+    std::array<Signal, maxSignals> signals;
+
+    /// In degrees, clockwise from north and above the horizon.
+    double azimuth() const;
+    double elevation() const;
+};
+
+/// A receiver and its antenna: what it tracks and measures, and the position it finds.
+class Receiver
+{
+public:
+    /// `start` in seconds since the start of the almanac week.
+    Receiver(Random& random, const TrackSettings& track, double start);
+
+    /// Moves to an epoch; epochs come in order.
+    void advance(const Epoch& epoch);
+
+    const std::vector<Sight>& getSights() const { return sights; }
+    const Solution& getSolution() const { return estimator.getSolution(); }
+    /// Its satellites are those of getSights() that are used, in the same order.
+    const Estimator& getEstimator() const { return estimator; }
+    const Track& getTrack() const { return track; }
+    /// True position of the antenna on the ellipsoid.
+    const Geodetic& getPlace() const { return place; }
+
+    /// Milliseconds by which the clock has been set back or forth, modulo 256.
+    uint8_t getClockJumps() const { return static_cast<uint8_t>(clockJumps & 0xff); }
+
+    /// Seconds by which the receiver's paths delay the signals of a system against those of GPS.
+    static constexpr std::array<double, systemCount> systemDelays = {0, 31.7e-9, 4.3e-9, -12.9e-9};
+
+    /// Height of the geoid above the ellipsoid at the antenna, metres.
+    static constexpr double undulation = 44.5;
+
+    /// Satellites below are not tracked, degrees.
+    static constexpr double maskElevation = 5;
+
+private:
+    /// What the receiver keeps of a satellite from epoch to epoch.
+    struct Channel {
+        uint8_t number = 0; ///< 0 while it is not tracked
+        double since = 0;   ///< elapsed seconds at which tracking began
+        double flight = 0.08;
+        bool isNew = true;
+        std::array<double, maxSignals> ambiguities = {};
+        std::array<double, maxSignals> reflections = {};
+    };
+    struct Geometry {
+        double range;
+        double rangeRate;
+        Vector direction; ///< east, north, up; of length 1
+        SatelliteState sent;
+    };
+
+    void advanceClock(double elapsed);
+    void selectCandidates(double time);
+    Geometry geometry(const Satellite& satellite, double& flight) const;
+    void startTracking(Channel& channel, const Epoch& epoch);
+    void observe(const Satellite& satellite, Channel& channel, const Geometry& view,
+                 const Epoch& epoch);
+    Signal measure(const Sight& sight, const Geometry& view, Channel& channel, unsigned index,
+                   double ionosphere);
+
+    Random& random;
+    Track track;
+    std::vector<std::unique_ptr<Satellite>> satellites;
+    std::vector<Channel> channels;  ///< by satellite
+    std::vector<size_t> candidates; ///< satellites that may be above the mask
+    std::vector<bool> numbersInUse;
+    std::vector<Sight> sights;
+    Estimator estimator;
+
+    double initialBias;   ///< of the clock, seconds
+    double clockDrift;    ///< seconds per second
+    double clockBias = 0; ///< seconds ahead of GPS time
+    int clockJumps = 0;
+    double candidatesUntil = -1e300;
+    double lastElapsed = 0;
+    double reflectionsKept = 0; ///< part of the reflections that the last epoch leaves
+    double time = 0;            ///< true time of the epoch
+    Motion antenna = {};
+    Geodetic place = {};
+    LocalFrame frame;
+    double zenithDelay = 0; ///< of the troposphere, metres
+};
+
+} // namespace tqx::simulation

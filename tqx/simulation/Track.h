@@ -1,0 +1,43 @@
+#pragma once
+
+#include "tqx/simulation/GlonassOrbit.h"
+
+#include <string>
+
+namespace tqx::simulation
+{
+
+/// How the antenna moves.
+struct TrackSettings {
+    enum class Kind { Static, Circle, Line };
+
+    Kind kind = Kind::Static;
+    Geodetic start = {47.07 * pi / 180, 15.45 * pi / 180, 412.3};
+    double speed = 15; ///< metres per second
+};
+
+/// The way of the antenna: it stays, drives round a circle of 200 m radius, which lies level at
+/// its start and to the north of it, or travels eastwards along its parallel.
+class Track
+{
+public:
+    explicit Track(const TrackSettings& settings);
+
+    /// Motion on the rotating earth.
+    Motion at(double elapsed) const;
+
+    /// Radians per second by which it turns to the left.
+    double getTurnRate() const { return turnRate; }
+    /// Metres per second.
+    double getSpeed() const { return speed; }
+
+private:
+    TrackSettings settings;
+    double speed;
+    double turnRate = 0;      ///< in the circle
+    double longitudeRate = 0; ///< on the line, radians per second
+    Vector start;
+    LocalFrame frame;
+};
+
+} // namespace tqx::simulation
