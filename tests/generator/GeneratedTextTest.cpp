@@ -4,7 +4,7 @@
 
 #include "emit/Emitters.h"
 #include "emit/LongLines.h"
-#include "emit/Names.h"
+#include "model/Names.h"
 #include "model/Selection.h"
 #include "model/Values.h"
 

@@ -1,7 +1,7 @@
 #include "emit/messages/GetterComment.h"
 
-#include "emit/Names.h"
 #include "emit/messages/ValueText.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 

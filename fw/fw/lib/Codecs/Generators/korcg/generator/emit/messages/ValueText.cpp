@@ -1,6 +1,6 @@
 #include "emit/messages/ValueText.h"
 
-#include "emit/Names.h"
+#include "model/Names.h"
 #include "model/Values.h"
 
 #include <fmt/format.h>
