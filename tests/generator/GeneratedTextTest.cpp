@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <random>
 #include <regex>
 #include <sstream>
 
@@ -31,8 +32,9 @@ protected:
         Errors errors;
         s_format = load(readSources(DESCRIPTION_DIRECTORY, errors), errors);
         ASSERT_EQ(errors.report(), std::vector<std::string>());
-        s_directory = std::filesystem::path(testing::TempDir()) / "korcg-text";
-        std::filesystem::remove_all(s_directory);
+        // Each test may run in a process of its own, at the same time as the others.
+        s_directory = std::filesystem::path(testing::TempDir()) /
+                      ("korcg-text-" + std::to_string(std::random_device{}()));
         Output output(s_directory);
         const Selection all = select(s_format, {}, errors);
         emitCodec(s_format, all, output);
