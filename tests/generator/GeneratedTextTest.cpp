@@ -126,24 +126,24 @@ std::vector<std::string> factsOf(const Format& format, const RecordType& type, c
                    &type.fields[static_cast<std::size_t>(part.parent)] == &field;
         });
     if (field.presence != Presence::Always && !field.isRepeated)
-        facts.push_back("absent: throws MessageApiEvent");
+        facts.emplace_back("absent: throws MessageApiEvent");
     if (field.isRepeated)
-        facts.push_back("throws MessageApiEvent unless `index` is below getNumberOf");
+        facts.emplace_back("throws MessageApiEvent unless `index` is below getNumberOf");
     if (isPacked) {
-        facts.push_back("acked from ");
+        facts.emplace_back("acked from ");
         return facts;
     }
     if (field.role == Role::Reserved || field.isPadding || field.type == Scalar::Char)
         return facts;
-    facts.push_back(field.unit);
+    facts.emplace_back(field.unit);
     if (field.doNotUse)
-        facts.push_back(" when not available");
+        facts.emplace_back(" when not available");
     const auto table = format.symbols.find(field.symbols);
     if (table != format.symbols.end()) {
         const SymbolicValue& first = table->second.values.front();
-        facts.push_back(std::to_string(first.value) + ' ' + first.name);
+        facts.emplace_back(std::to_string(first.value) + ' ' + first.name);
     } else if (isInteger(field.type) && !field.bitMask) {
-        facts.push_back(" to ");
+        facts.emplace_back(" to ");
     }
     return facts;
 }
