@@ -80,9 +80,9 @@ std::string subMessageGetter(const RecordType& type, const Field& field)
 {
     const bool isArray = field.kind == FieldKind::Blocks;
     return fmt::format(R"(
-     [](const Message& owner, unsigned{index}) -> const Message* {{
-         return static_cast<const TQX_{type}_Message&>(owner).get{field}({argument});
-     }})",
+        [](const Message& owner, unsigned{index}) -> const Message* {{
+            return static_cast<const TQX_{type}_Message&>(owner).get{field}({argument});
+        }})",
                        fmt::arg("index", isArray ? " index" : ""), fmt::arg("type", type.name),
                        fmt::arg("field", identifier(field.name)),
                        fmt::arg("argument", isArray ? "index" : ""));
@@ -102,9 +102,9 @@ std::string fieldRow(const Format& format, const RecordType& type, int index)
     }
     return fmt::format(
         R"(    {{"{name}",
-     TQX_fieldInstance<{name}>,
-     {subInfo}, {subGetter}, {symbols}, {unit},
-      {scale}, {doNotUse}, {realDoNotUse}, {precision}, {role}, {subFields}, {flags}}},
+        TQX_fieldInstance<{name}>,
+        {subInfo}, {subGetter}, {symbols}, {unit},
+        {scale}, {doNotUse}, {realDoNotUse}, {precision}, {role}, {subFields}, {flags}}},
 )",
         fmt::arg("name", name), fmt::arg("subInfo", subInfo), fmt::arg("subGetter", subGetter),
         fmt::arg("symbols", field.symbols.empty() ? "nullptr" : symbolFunction(field.symbols)),
@@ -121,7 +121,11 @@ std::string fieldRow(const Format& format, const RecordType& type, int index)
 
 std::string fieldRows(const Format& format, const RecordType& type)
 {
-    std::string text;
+    std::string text = R"(    // className,
+    //     instance,
+    //     subMessageInfo, subMessage, symbols, unit,
+    //     scale, doNotUse, realDoNotUse, precision, role, subFields, flags
+)";
     for (int i = 0; i < static_cast<int>(type.fields.size()); ++i)
         text += fieldRow(format, type, i);
     return text;
