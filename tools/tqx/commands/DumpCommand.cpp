@@ -100,9 +100,10 @@ DumpCommand::DumpCommand(CLI::App& program)
               std::string(SelectionOptions::notes))
 {
     streams.addInputs(app);
+    streams.addDamageReport(app);
     streams.addSelection(app);
     app.add_option("--format", format, "How to write them")
-        ->check(CLI::IsMember({"text", "jsonl", "csv"}).description(""))
+        ->transform(CLI::IsMember({"text", "jsonl", "csv"}, CLI::ignore_case).description(""))
         ->type_name("text|jsonl|csv")
         ->capture_default_str();
     app.add_flag("--raw", raw, "Values as they are stored, without scale, unit and names");

@@ -19,6 +19,14 @@ void StreamOptions::addInputs(CLI::App& command)
                      "Show no progress and do not report damage on standard error");
 }
 
+void StreamOptions::addDamageReport(CLI::App& command)
+{
+    command
+        .add_flag("-v,--verbose", verbose,
+                  "Name every damaged place on standard error, not only the first ten")
+        ->excludes("--quiet");
+}
+
 Selection& StreamOptions::getSelection()
 {
     if (!selection)
@@ -35,7 +43,7 @@ void StreamOptions::checkBefore(const std::string& target)
 ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
 {
     Selection& chosen = getSelection();
-    InputStream stream(files, quiet);
+    InputStream stream(files, quiet, verbose);
     stream.setBeforeRead([&output] { output.handOn(); });
     consumer.begin(stream);
     Block block = {};
@@ -44,6 +52,7 @@ ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
             consumer.take(stream, block);
         output.commit();
     }
+    stream.sumUpDamage();
     if (stream.getCounts().bytes == 0 && !stream.hasFailed() && !quiet)
         words::say(fmt::format("{}: empty", fmt::join(stream.getNames(), ", ")));
     consumer.end(stream);

@@ -38,6 +38,9 @@ public:
     /// Adds FILE..., --strict and --quiet.
     void addInputs(CLI::App& command);
 
+    /// Adds --verbose, for commands that report damage on standard error. After addInputs().
+    void addDamageReport(CLI::App& command);
+
     /// Adds the arguments that choose blocks.
     void addSelection(CLI::App& command)
     {
@@ -67,6 +70,7 @@ private:
     std::optional<Selection> selection;
     bool strict = false;
     bool quiet = false;
+    bool verbose = false;
 };
 
 } // namespace tqx::tool

@@ -1,6 +1,7 @@
 #include "tqx/log/select/FieldTest.h"
 
 #include "tqx/log/record/TypeNames.h"
+#include "tqx/log/text/PrintableText.h"
 
 #include "FieldInfo.h"
 #include "Message.h"
@@ -75,7 +76,7 @@ std::string FieldTest::prepareName(const std::string& name)
         if (info.isDoNotUse(symbol.value))
             continue;
         names.push_back(symbol.name.toStdString());
-        if (names.back() == name)
+        if (equalNames(names.back(), name))
             named.push_back(symbol.value);
     }
     if (!named.empty())
@@ -83,7 +84,7 @@ std::string FieldTest::prepareName(const std::string& name)
     if (names.empty())
         return "has no names for its values; compare it with a number";
     const std::string meant = nearest(name, {names.begin(), names.end()});
-    return "has no value named '" + name + '\'' +
+    return "has no value named '" + shortened(name) + '\'' +
            (meant.empty() ? "" : ", did you mean '" + meant + "'?");
 }
 

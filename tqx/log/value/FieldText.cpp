@@ -1,6 +1,7 @@
 #include "tqx/log/value/FieldText.h"
 
 #include "tqx/log/text/FixedNumber.h"
+#include "tqx/log/text/PrintableText.h"
 
 #include "FieldInfo.h"
 
@@ -19,7 +20,7 @@ namespace
 void appendText(Buffer& out, const QString& text)
 {
     const QByteArray utf8 = text.toUtf8();
-    out.append(utf8.constData(), static_cast<size_t>(utf8.size()));
+    out.append(printable({utf8.constData(), static_cast<size_t>(utf8.size())}));
 }
 
 /// An integer in decimal, a floating-point number in the shortest form that reads back to it.

@@ -40,12 +40,13 @@ void ShownValue::appendReal(Buffer& out, uint64_t word) const
     const double real = bits.real(word);
     if (notAvailable && real == *notAvailable)
         return out.append(notation.notAvailable);
-    if (!std::isfinite(real))
-        return out.append(notation.name(std::isnan(real) ? "NaN"
-                                        : real > 0       ? "Infinity"
-                                                         : "-Infinity"));
+    const double shown = scale ? scale->apply(real) : real;
+    if (!std::isfinite(shown))
+        return out.append(notation.name(std::isnan(shown) ? "NaN"
+                                        : shown > 0       ? "Infinity"
+                                                          : "-Infinity"));
     if (scale)
-        return number::appendDouble(out, scale->apply(real));
+        return number::appendDouble(out, shown);
     if (bits.isSingle())
         return number::appendFloat(out, MemberBits::single(word));
     number::appendDouble(out, real);

@@ -66,10 +66,9 @@ CsvTable::CsvTable(const TQX_TypeLayout& layout, const FieldFilter& shown, bool 
     : type(layout)
 {
     int word = -1; // the row that the last step is about
-    for (int row = 0; row < type.fieldCount; ++row) {
+    for (const auto [row, inside] : shown.shownIn(type)) {
         const TQX_FieldLayout& field = type.fields[row];
-        const FieldFilter* inside = shown.find(field.name);
-        if (!inside || (shown.isEverything() && isFiller(type, field)))
+        if (shown.isEverything() && isFiller(type, field))
             continue;
         if (isInKey(type, field)) {
             showsKey = true;
@@ -77,6 +76,7 @@ CsvTable::CsvTable(const TQX_TypeLayout& layout, const FieldFilter& shown, bool 
         }
         if (field.recordType != 0) {
             addSubBlock(field, *inside, isStored);
+            word = -1;
             continue;
         }
         const bool isPart = isPartOfNumber(type, field);

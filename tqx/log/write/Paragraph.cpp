@@ -1,7 +1,7 @@
 #include "tqx/log/write/Paragraph.h"
 
 #include "tqx/log/record/Members.h"
-#include "tqx/log/text/Latin1.h"
+#include "tqx/log/text/PrintableText.h"
 #include "tqx/log/text/TextCache.h"
 #include "tqx/log/value/FieldText.h"
 
@@ -93,11 +93,10 @@ std::unique_ptr<ParagraphPlan> makePlan(const TQX_TypeLayout& type, const FieldF
     plan->type = &type;
     plan->title = describeBlock(type.blockNumber);
     int word = -1; // the row that the last step is about
-    for (int row = 0; row < type.fieldCount; ++row) {
+    for (const auto [row, inside] : shown.shownIn(type)) {
         const TQX_FieldLayout& field = type.fields[row];
         const FieldInfo& fieldInfo = *info.getFieldInfos()[row];
-        const FieldFilter* inside = shown.find(field.name);
-        if (!inside || (shown.isEverything() && isHeader(type, field)))
+        if (shown.isEverything() && isHeader(type, field))
             continue;
         const bool isPart = isPartOfNumber(type, field);
         if (!isPart || field.parent != word) {
@@ -177,7 +176,7 @@ void writeRecord(Buffer& out, ParagraphPlan& plan, const void* record)
         }
         if (isText(field)) {
             out.append(part.lines.front().label);
-            appendLatin1(out, textOf(field, record));
+            appendPrintableLatin1(out, textOf(field, record));
             out.append('\n');
             continue;
         }

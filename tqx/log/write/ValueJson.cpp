@@ -56,11 +56,8 @@ std::unique_ptr<ValuePlan> makePlan(const TQX_TypeLayout& type, const FieldFilte
     plan->type = &type;
     plan->opening = PaddedText("{\"block\":" + json::text(type.name) + ",\"fields\":");
     int word = -1; // the row that the last step is about
-    for (int i = 0; i < type.fieldCount; ++i) {
+    for (const auto [i, inside] : shown.shownIn(type)) {
         const TQX_FieldLayout& field = type.fields[i];
-        const FieldFilter* inside = shown.find(field.name);
-        if (!inside)
-            continue;
         const PaddedText key("," + json::key(field.name));
         const bool isPart = isPartOfNumber(type, field);
         if (!isPart || field.parent != word) {
