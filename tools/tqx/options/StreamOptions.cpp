@@ -3,11 +3,17 @@
 #include "io/Sink.h"
 #include "io/Target.h"
 #include "io/Words.h"
+#include "tqx/log/record/TypeNames.h"
 
 #include <fmt/format.h>
 
+#include <filesystem>
+#include <system_error>
+
 namespace tqx::tool
 {
+
+using Kor::MessageApi::TQX_TypeLayout;
 
 void StreamOptions::addInputs(CLI::App& command)
 {
@@ -21,10 +27,8 @@ void StreamOptions::addInputs(CLI::App& command)
 
 void StreamOptions::addDamageReport(CLI::App& command)
 {
-    command
-        .add_flag("-v,--verbose", verbose,
-                  "Name every damaged place on standard error, not only the first ten")
-        ->excludes("--quiet");
+    command.add_flag("-v,--verbose", verbose,
+                     "Name every damaged place on standard error, not only the first ten");
 }
 
 Selection& StreamOptions::getSelection()
@@ -38,6 +42,18 @@ void StreamOptions::checkBefore(const std::string& target)
 {
     getSelection();
     refuseSameFile(files, target);
+}
+
+void StreamOptions::checkBeforeFolder(const std::string& folder)
+{
+    std::error_code missing;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, missing)) {
+        const std::string name = entry.path().filename().string();
+        const TQX_TypeLayout* type = findType(name.substr(0, name.find('.')));
+        if (type && entry.path().extension() == ".csv" &&
+            getSelection().getTypes().accepts(type->blockNumber))
+            refuseSameFile(files, entry.path().string());
+    }
 }
 
 ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)

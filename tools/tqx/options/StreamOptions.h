@@ -58,6 +58,10 @@ public:
     /// it is one of the inputs.
     void checkBefore(const std::string& target);
 
+    /// The same before a table for each type is written into a folder: throws ToolError when one of
+    /// those that may be written is an input.
+    void checkBeforeFolder(const std::string& folder);
+
     /// Hands the selected blocks of the inputs, as one stream, to `consumer`. An input that cannot
     /// be read is reported and left out. Returns Failed if there was such a one, else, under
     /// --strict, Damaged if the stream was. Throws ToolError for bad arguments and when the output

@@ -1,5 +1,6 @@
 #include "tqx/log/value/FieldText.h"
 
+#include "tqx/log/record/Members.h"
 #include "tqx/log/text/FixedNumber.h"
 #include "tqx/log/text/PrintableText.h"
 
@@ -54,6 +55,7 @@ FieldText::FieldText(const TQX_FieldLayout& layout, const FieldInfo& field, bool
               field.getRepresentationMode() != FieldValue::BitMask),
       scale(field.getScaleFactor()), decimals(field.getShownDecimals()), limit(limitOf(bits, field))
 {
+    isTime = isContinuousTime(layout);
     if (!info.getUnit().isEmpty())
         unit = ' ' + info.getUnit().toStdString();
     if (!bits.isReal())
@@ -120,6 +122,10 @@ bool FieldText::append(Buffer& out, uint64_t word) const
 {
     if (isStored) {
         appendStored(out, word);
+        return false;
+    }
+    if (isTime && word == noContinuousTime) {
+        out.append("DoNotUse");
         return false;
     }
     const bool isNumber = !isNamed(word);

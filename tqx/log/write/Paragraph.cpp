@@ -120,6 +120,16 @@ std::unique_ptr<ParagraphPlan> makePlan(const TQX_TypeLayout& type, const FieldF
 
 void writeRecord(Buffer& out, ParagraphPlan& plan, const void* record);
 
+/// Ends a line, without the blanks that its value may end with.
+void endLine(Buffer& out)
+{
+    size_t size = out.size();
+    while (size != 0 && out.data()[size - 1] == ' ')
+        --size;
+    out.truncate(size);
+    out.append('\n');
+}
+
 void writeNumber(Buffer& out, ParagraphPlan::Step& part, const void* record)
 {
     const uint64_t word =
@@ -129,7 +139,7 @@ void writeNumber(Buffer& out, ParagraphPlan::Step& part, const void* record)
             to.append(line.label);
             if (line.text.append(to, word))
                 to.append(line.text.getUnit());
-            to.append('\n');
+            endLine(to);
         }
     });
 }
@@ -147,7 +157,7 @@ void writeArray(Buffer& out, const ParagraphPlan::Line& line, const char* elemen
     }
     if (showsNumber)
         out.append(line.text.getUnit());
-    out.append('\n');
+    endLine(out);
 }
 
 void writeSubBlocks(Buffer& out, ParagraphPlan::Step& part, const char* element, uint32_t count)
@@ -177,7 +187,7 @@ void writeRecord(Buffer& out, ParagraphPlan& plan, const void* record)
         if (isText(field)) {
             out.append(part.lines.front().label);
             appendPrintableLatin1(out, textOf(field, record));
-            out.append('\n');
+            endLine(out);
             continue;
         }
         const uint32_t count = TQX_elementCount(*plan.type, field, record);
