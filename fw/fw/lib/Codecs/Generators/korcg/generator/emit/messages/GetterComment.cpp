@@ -1,5 +1,7 @@
 #include "emit/messages/GetterComment.h"
 
+#include "model/Availability.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -167,10 +169,10 @@ std::string getterComment(const Format& format, const RecordType& type, const Fi
 {
     const std::string missing =
         field.doNotUse ? numberText(*field.doNotUse) + " when not available" : "";
-    return commentLines(
-        "    /// ",
-        sentence(joined({meaningText(type, field), shapeText(type, field), unitText(field), missing,
-                         valuesText(format, field), presenceText(type, field)})));
+    return commentLines("    /// ",
+                        sentence(joined({meaningText(type, field), shapeText(type, field),
+                                         unitText(field), missing, neededText(format, type, field),
+                                         valuesText(format, field), presenceText(type, field)})));
 }
 
 std::string classComment(std::string_view mark, const Format& format, const RecordType& type)
