@@ -1,6 +1,7 @@
 #include "emit/messages/GetterComment.h"
 
 #include "emit/messages/ValueText.h"
+#include "model/Availability.h"
 #include "model/Names.h"
 
 #include <fmt/format.h>
@@ -103,7 +104,7 @@ std::string commentText(const Format& format, const RecordType& type, const Fiel
     const std::string name = identifier(field.name);
     const auto facts = [&] {
         return joined({meaningText(format, type, field), shapeText(type, field),
-                       valueText(format, type, field)});
+                       valueText(format, type, field), neededText(format, type, field)});
     };
     const std::string beyond =
         fmt::format("throws MessageApiEvent unless `index` is below getNumberOf{}()", name);
