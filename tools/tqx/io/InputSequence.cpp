@@ -61,12 +61,18 @@ size_t InputSequence::readInput(uint8_t* bytes, size_t capacity)
 /// What has come is handed on when nothing follows at once, and in a steady stream now and then.
 void InputSequence::handOn()
 {
-    constexpr int patience = 20; // milliseconds
+    constexpr std::chrono::milliseconds patience(20);
     constexpr std::chrono::milliseconds longest(100);
     if (!beforeRead || (input && input->isReady(patience) && Clock::now() - handedOn < longest))
         return;
     beforeRead();
     handedOn = Clock::now();
+}
+
+bool InputSequence::isReady(std::chrono::milliseconds patience)
+{
+    handOn();
+    return !input || input->isReady(patience);
 }
 
 size_t InputSequence::read(uint8_t* bytes, size_t capacity)

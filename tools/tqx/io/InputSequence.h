@@ -25,6 +25,9 @@ public:
 
     size_t read(uint8_t* bytes, size_t capacity) override;
 
+    /// Has what came so far handed on before it waits.
+    bool isReady(std::chrono::milliseconds patience) override;
+
     /// Offsets must not go down by more than one block from call to call.
     Place placeOf(uint64_t offset) const override;
 

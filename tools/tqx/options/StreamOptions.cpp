@@ -4,7 +4,10 @@
 #include "io/Target.h"
 #include "io/Words.h"
 
+#include <CLI/Validators.hpp>
 #include <fmt/format.h>
+
+#include <cmath>
 
 namespace tqx::tool
 {
@@ -17,6 +20,16 @@ void StreamOptions::addInputs(CLI::App& command)
     command.add_flag("--strict", strict, "Exit with status 2 when an input is damaged");
     command.add_flag("-q,--quiet", quiet,
                      "Show no progress and do not report damage on standard error");
+    CLI::Option* receiver = command.add_flag(
+        "--live", live,
+        "Input is a receiver while it sends: false headers hold back no intact blocks");
+    command
+        .add_option("--pause", pause,
+                    "With --live, the pause after which to doubt a header: up to an hour")
+        ->check(CLI::Range(0.001, 3600.0).description(""))
+        ->needs(receiver)
+        ->type_name("SECONDS")
+        ->capture_default_str();
 }
 
 Selection& StreamOptions::getSelection()
@@ -36,6 +49,8 @@ ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
 {
     Selection& chosen = getSelection();
     InputStream stream(files, quiet);
+    if (live)
+        stream.setLive(std::chrono::milliseconds(std::llround(pause * 1000)));
     stream.setBeforeRead([&output] { output.handOn(); });
     consumer.begin(stream);
     Block block = {};

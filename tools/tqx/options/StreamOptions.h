@@ -35,7 +35,7 @@ public:
 class StreamOptions
 {
 public:
-    /// Adds FILE..., --strict and --quiet.
+    /// Adds FILE..., --strict, --quiet, --live and --pause.
     void addInputs(CLI::App& command);
 
     /// Adds the arguments that choose blocks.
@@ -47,6 +47,9 @@ public:
 
     /// Adds only those of them that do not choose by type.
     void addConditions(CLI::App& command) { selections.addConditions(command); }
+
+    /// Whether the input is read as a receiver that sends: by one thread.
+    bool isLive() const { return live; }
 
     /// The selection that they ask for. Throws ToolError for bad arguments.
     Selection& getSelection();
@@ -67,6 +70,8 @@ private:
     std::optional<Selection> selection;
     bool strict = false;
     bool quiet = false;
+    bool live = false;
+    double pause = 1; ///< seconds
 };
 
 } // namespace tqx::tool
