@@ -180,11 +180,11 @@ TEST(Intervals, ListTheFirstGapsAndCountTheRest)
     ASSERT_EQ(intervals.getUsual(), 1000U);
     EXPECT_EQ(intervals.getGapCount(1000), gaps);
     const std::vector<tqx::Intervals::Gap> listed = intervals.getGaps(1000, gaps);
-    EXPECT_GT(listed.size(), room * 3 / 4);
+    EXPECT_GT(listed.size(), room * 3 / 4) << "little but gaps is kept when there is no room";
+    EXPECT_LE(listed.size(), room);
     for (size_t i = 0; i < listed.size(); ++i)
         ASSERT_EQ(listed[i].after, 2000U + i * 5000) << "all of the first ones";
     EXPECT_EQ(intervals.getGaps(1000, 10).size(), 10U);
-    EXPECT_EQ(left + listed.size(), room) << "only gaps are kept when there is no room";
 }
 
 TEST(EpochSet, KnowsWhatWasAdded)

@@ -35,6 +35,8 @@ EncodeCommand::EncodeCommand(CLI::App& program)
 ExitStatus EncodeCommand::run()
 {
     refuseSameFile(files, target);
+    if (target != "-")
+        refuseUnreadable(files);
     refuseTerminal(target);
     Output output(target);
     LineEncoder encoder;

@@ -1,7 +1,6 @@
 #include "commands/InfoCommand.h"
 
 #include "io/Output.h"
-#include "io/Words.h"
 #include "output/SummaryText.h"
 #include "tqx/log/summary/StreamSummary.h"
 
@@ -25,8 +24,6 @@ public:
     {
         if (stream.hasFailed() && stream.getCounts().bytes == 0)
             return;
-        if (stream.getCounts().blocks == 0 && stream.getCounts().bytes != 0 && !stream.isQuiet())
-            words::say(headOf(stream.getNames()) + ": holds no TQX blocks");
         if (json)
             appendSummaryJson(out, stream, summary);
         else

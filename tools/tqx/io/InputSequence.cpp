@@ -75,6 +75,20 @@ bool InputSequence::isReady(std::chrono::milliseconds patience)
     return !input || input->isReady(patience);
 }
 
+void InputSequence::keepHead(const uint8_t* bytes, size_t count)
+{
+    constexpr size_t mostInputs = 10;
+    constexpr size_t mostBytes = 4096;
+    if (!hasHead) {
+        if (heads.size() == mostInputs)
+            return;
+        heads.push_back({input->getName(), {}});
+        hasHead = true;
+    }
+    std::vector<uint8_t>& head = heads.back().bytes;
+    head.insert(head.end(), bytes, bytes + std::min(count, mostBytes - head.size()));
+}
+
 size_t InputSequence::read(uint8_t* bytes, size_t capacity)
 {
     for (;;) {
@@ -89,9 +103,11 @@ size_t InputSequence::read(uint8_t* bytes, size_t capacity)
         if (count != 0) {
             size += count;
             progress->add(count);
+            keepHead(bytes, count);
             return count;
         }
         input.reset();
+        hasHead = false;
     }
 }
 

@@ -25,9 +25,6 @@ public:
         gapListener = std::move(action);
     }
 
-    /// Whether words about damage are unwanted.
-    bool isQuiet() const { return quiet; }
-
 private:
     void onGap(const StreamGap& gap) override;
     void onUndecodable(const std::string& file, const Block& block, int32_t code) override;

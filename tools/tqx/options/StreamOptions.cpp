@@ -3,6 +3,7 @@
 #include "io/Sink.h"
 #include "io/Target.h"
 #include "io/Words.h"
+#include "tqx/log/source/ContentGuess.h"
 
 #include <CLI/Validators.hpp>
 #include <fmt/format.h>
@@ -43,6 +44,8 @@ void StreamOptions::checkBefore(const std::string& target)
 {
     getSelection();
     refuseSameFile(files, target);
+    if (target != "-")
+        refuseUnreadable(files);
 }
 
 ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
@@ -64,8 +67,27 @@ ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
     consumer.end(stream);
     output.flush();
     const bool damaged = strict && stream.getCounts().isDamaged();
-    return worse(stream.hasFailed() ? ExitStatus::Failed : ExitStatus::Done,
-                 damaged ? ExitStatus::Damaged : ExitStatus::Done);
+    const ExitStatus status = worse(stream.hasFailed() ? ExitStatus::Failed : ExitStatus::Done,
+                                    damaged ? ExitStatus::Damaged : ExitStatus::Done);
+    return worse(status, reportNoBlocks(stream));
+}
+
+/// Says what inputs without blocks seem to be.
+ExitStatus StreamOptions::reportNoBlocks(const InputStream& stream) const
+{
+    ExitStatus status = ExitStatus::Done;
+    if (stream.getCounts().blocks != 0 || stream.isInterrupted())
+        return status;
+    for (const InputSequence::Head& head : stream.getHeads()) {
+        const Content content = guessContent(head.bytes.data(), head.bytes.size());
+        const bool isFailure = !isReceiverOutput(content);
+        if (isFailure || !quiet)
+            words::say(fmt::format("{}: holds no TQX blocks, it seems to be {}", head.name,
+                                   describeContent(content)));
+        if (isFailure)
+            status = ExitStatus::Failed;
+    }
+    return status;
 }
 
 } // namespace tqx::tool

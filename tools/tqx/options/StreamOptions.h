@@ -54,17 +54,21 @@ public:
     /// The selection that they ask for. Throws ToolError for bad arguments.
     Selection& getSelection();
 
-    /// What must be known before `target` is written: throws ToolError for bad arguments, and when
-    /// it is one of the inputs.
+    /// What must be known before `target` is written: throws DataError for bad arguments, when it
+    /// is one of the inputs, and when an input cannot be opened while `target` is no standard
+    /// output: a file that exists must not be emptied for a name that is mistyped.
     void checkBefore(const std::string& target);
 
     /// Hands the selected blocks of the inputs, as one stream, to `consumer`. An input that cannot
-    /// be read is reported and left out. Returns Failed if there was such a one, else, under
-    /// --strict, Damaged if the stream was. Throws ToolError for bad arguments and when the output
+    /// be read is reported and left out. Returns Failed if there was such a one or bytes but no
+    /// block at all, unless the receiver sent other messages only; else, under --strict, Damaged if
+    /// the stream was. Throws ToolError for bad arguments and when the output
     /// cannot be written, ClosedPipe when nobody reads it.
     ExitStatus read(BlockConsumer& consumer, Sink& output);
 
 private:
+    ExitStatus reportNoBlocks(const InputStream& stream) const;
+
     std::vector<std::string> files;
     SelectionOptions selections;
     std::optional<Selection> selection;
