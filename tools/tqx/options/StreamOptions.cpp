@@ -3,15 +3,20 @@
 #include "io/Sink.h"
 #include "io/Target.h"
 #include "io/Words.h"
+#include "options/Numbers.h"
+#include "tqx/log/record/TypeNames.h"
 #include "tqx/log/source/ContentGuess.h"
 
-#include <CLI/Validators.hpp>
 #include <fmt/format.h>
 
 #include <cmath>
+#include <filesystem>
+#include <system_error>
 
 namespace tqx::tool
 {
+
+using Kor::MessageApi::TQX_TypeLayout;
 
 void StreamOptions::addInputs(CLI::App& command)
 {
@@ -24,13 +29,16 @@ void StreamOptions::addInputs(CLI::App& command)
     CLI::Option* receiver = command.add_flag(
         "--live", live,
         "Input is a receiver while it sends: false headers hold back no intact blocks");
-    command
-        .add_option("--pause", pause,
-                    "With --live, the pause after which to doubt a header: up to an hour")
-        ->check(CLI::Range(0.001, 3600.0).description(""))
+    addReal(command, "--pause", pause, 0.001, 3600, "seconds",
+            "With --live, the pause after which to doubt a header")
         ->needs(receiver)
-        ->type_name("SECONDS")
-        ->capture_default_str();
+        ->type_name("SECONDS");
+}
+
+void StreamOptions::addDamageReport(CLI::App& command)
+{
+    command.add_flag("-v,--verbose", verbose,
+                     "Name every damaged place on standard error, not only the first ten");
 }
 
 Selection& StreamOptions::getSelection()
@@ -48,10 +56,22 @@ void StreamOptions::checkBefore(const std::string& target)
         refuseUnreadable(files);
 }
 
+void StreamOptions::checkBeforeFolder(const std::string& folder)
+{
+    std::error_code missing;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, missing)) {
+        const std::string name = entry.path().filename().string();
+        const TQX_TypeLayout* type = findType(name.substr(0, name.find('.')));
+        if (type && entry.path().extension() == ".csv" &&
+            getSelection().getTypes().accepts(type->blockNumber))
+            refuseSameFile(files, entry.path().string());
+    }
+}
+
 ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
 {
     Selection& chosen = getSelection();
-    InputStream stream(files, quiet);
+    InputStream stream(files, quiet, verbose);
     if (live)
         stream.setLive(std::chrono::milliseconds(std::llround(pause * 1000)));
     stream.setBeforeRead([&output] { output.handOn(); });
@@ -62,6 +82,7 @@ ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
             consumer.take(stream, block);
         output.commit();
     }
+    stream.sumUpDamage();
     if (stream.getCounts().bytes == 0 && !stream.hasFailed() && !quiet)
         words::say(fmt::format("{}: empty", fmt::join(stream.getNames(), ", ")));
     consumer.end(stream);

@@ -38,6 +38,9 @@ public:
     /// Adds FILE..., --strict, --quiet, --live and --pause.
     void addInputs(CLI::App& command);
 
+    /// Adds --verbose, for commands that report damage on standard error. After addInputs().
+    void addDamageReport(CLI::App& command);
+
     /// Adds the arguments that choose blocks.
     void addSelection(CLI::App& command)
     {
@@ -59,6 +62,10 @@ public:
     /// output: a file that exists must not be emptied for a name that is mistyped.
     void checkBefore(const std::string& target);
 
+    /// The same before a table for each type is written into a folder: throws ToolError when one of
+    /// those that may be written is an input.
+    void checkBeforeFolder(const std::string& folder);
+
     /// Hands the selected blocks of the inputs, as one stream, to `consumer`. An input that cannot
     /// be read is reported and left out. Returns Failed if there was such a one or bytes but no
     /// block at all, unless the receiver sent other messages only; else, under --strict, Damaged if
@@ -76,6 +83,7 @@ private:
     bool quiet = false;
     bool live = false;
     double pause = 1; ///< seconds
+    bool verbose = false;
 };
 
 } // namespace tqx::tool
