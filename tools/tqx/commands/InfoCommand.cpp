@@ -19,6 +19,8 @@ public:
     void begin(InputStream& stream) override
     {
         stream.setGapListener([this](const StreamGap& gap) { summary.addDamage(gap); });
+        stream.setNeighbourListener(
+            [this](const Neighbour& neighbour) { summary.addNeighbour(neighbour); });
     }
     void take(BlockStream& stream, const Block& block) override { summary.add(stream, block); }
     void end(InputStream& stream) override
@@ -42,14 +44,16 @@ private:
 } // namespace
 
 InfoCommand::InfoCommand(CLI::App& program)
-    : Command(program, "info", "Show what a stream holds: types, times, rates, damage",
-              "  tqx info log.tqx\n"
-              "  tqx info day1.tqx day2.tqx\n"
-              "  tqx info --json *.tqx | jq .crcErrors\n"
-              "\n"
-              "Several files are summed up as one stream. The text shows the first ten places of\n"
-              "damage, JSON the first thousand. A gap is an interval of at least one and a half\n"
-              "times the one at which a type usually comes.\n")
+    : Command(
+          program, "info", "Show what a stream holds: types, times, rates, damage",
+          "  tqx info log.tqx\n"
+          "  tqx info day1.tqx day2.tqx\n"
+          "  tqx info --json *.tqx | jq .crcErrors\n"
+          "\n"
+          "Several files are summed up as one stream. The text shows the first ten places of\n"
+          "damage, JSON the first thousand. A gap is an interval of at least one and a half\n"
+          "times the one at which a type usually comes. NMEA sentences, RTCM 3 frames and text\n"
+          "between the blocks are counted apart and are no damage.\n")
 {
     streams.addInputs(app);
     streams.addSelection(app);

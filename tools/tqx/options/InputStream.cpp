@@ -26,6 +26,12 @@ void InputStream::onGap(const StreamGap& found)
         words::sayAt(found.file, found.offset, found.describe());
 }
 
+void InputStream::onNeighbour(const std::string&, const Neighbour& neighbour)
+{
+    if (neighbourListener)
+        neighbourListener(neighbour);
+}
+
 void InputStream::onUndecodable(const std::string& file, const Block& block, int32_t code)
 {
     if (!quiet && !gapListener)

@@ -69,6 +69,7 @@ public:
     {
         appendTotals();
         appendTable();
+        appendNeighbourTable(out, summary.getNeighbours(), stream.getCounts().bytes);
         appendGaps();
         appendDamage();
         appendFailures();

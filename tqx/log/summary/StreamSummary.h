@@ -3,6 +3,7 @@
 #include "tqx/log/record/RecordDecoder.h"
 #include "tqx/log/stream/BlockStream.h"
 #include "tqx/log/summary/Intervals.h"
+#include "tqx/log/summary/NeighbourSummary.h"
 
 #include <bitset>
 #include <cstdint>
@@ -44,6 +45,9 @@ public:
     /// Notes where bytes belong to no block; only the first thousand places are kept.
     void addDamage(const StreamGap& gap);
 
+    /// Counts what came between blocks.
+    void addNeighbour(const Neighbour& neighbour) { neighbours.add(neighbour); }
+
     /// By block number; unknown ones are among them.
     std::map<uint16_t, const TypeSummary*> getTypes() const;
 
@@ -54,6 +58,8 @@ public:
     const std::vector<StreamGap>& getDamage() const { return damage; }
     uint64_t getDamagedPlaces() const { return damagedPlaces; }
 
+    const NeighbourSummary& getNeighbours() const { return neighbours; }
+
     /// Times of the first and the last block that has one.
     const std::optional<GnssMillis>& getFirst() const { return first; }
     const std::optional<GnssMillis>& getLast() const { return last; }
@@ -63,6 +69,7 @@ private:
     std::vector<std::unique_ptr<TypeSummary>> types; ///< by block number
     std::vector<StreamGap> damage;
     uint64_t damagedPlaces = 0;
+    NeighbourSummary neighbours;
     std::optional<GnssMillis> first;
     std::optional<GnssMillis> last;
 };
