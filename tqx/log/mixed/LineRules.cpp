@@ -46,13 +46,16 @@ bool hasAddress(const uint8_t* line, size_t size)
 
 SentenceCheck checkSentence(const uint8_t* line, size_t size)
 {
-    if (size <= endSize || !beginsSentence(line[0]) || !hasAddress(line, size))
+    if (size <= endSize)
         return SentenceCheck::None;
     const uint8_t* const end = line + size - endSize;
     const unsigned high = digitValue(end[1]);
     const unsigned low = digitValue(end[2]);
-    if (*end != '*' || high > 15 || low > 15 || std::any_of(line + 1, end, beginsSentence))
+    if (*end != '*' || high > 15 || low > 15)
         return SentenceCheck::None;
+    if (!beginsSentence(line[0]) || !hasAddress(line, size) ||
+        std::any_of(line + 1, end, beginsSentence))
+        return SentenceCheck::Wrong;
     unsigned sum = 0;
     for (const uint8_t* at = line + 1; at != end; ++at)
         sum ^= *at;

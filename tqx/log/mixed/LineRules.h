@@ -29,8 +29,8 @@ constexpr bool beginsSentence(uint8_t character)
 
 /// What a line is to NMEA 0183.
 enum class SentenceCheck {
-    None,  ///< no sentence
-    Wrong, ///< a sentence whose checksum does not match
+    None,
+    Wrong, ///< ends with a checksum like a sentence, but it is none or the checksum does not match
     Right,
 };
 

@@ -195,12 +195,8 @@ NeighbourScanner::Decision NeighbourScanner::decideLine(const View& view, size_t
     const uint8_t* const line = view.data + blank;
     const size_t size = end - blank;
     const SentenceCheck check = checkSentence(line, size);
-    if (check != SentenceCheck::None && blank != 0)
-        return none;
     if (check == SentenceCheck::Right)
-        return {Verdict::Neighbour, size, NeighbourKind::Nmea};
-    if (check == SentenceCheck::Wrong)
-        return {Verdict::Damage, size, {}};
+        return blank == 0 ? Decision{Verdict::Neighbour, size, NeighbourKind::Nmea} : none;
     // A sentence that begins within the line is whole, what precedes it is not.
     for (size_t at = size - endSize; at-- > 1;) {
         if (!beginsSentence(line[at]))
@@ -209,6 +205,8 @@ NeighbourScanner::Decision NeighbourScanner::decideLine(const View& view, size_t
             return {Verdict::Damage, blank + at, {}};
         break;
     }
+    if (check == SentenceCheck::Wrong)
+        return {Verdict::Damage, end, {}};
     const bool isFalseSync = line[0] == '$' && line[1] == '@';
     if (isFalseSync || (!isWithinText && size < leastText + endSize))
         return none;

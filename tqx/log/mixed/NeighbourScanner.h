@@ -15,8 +15,9 @@ namespace tqx
 /// begin: at the start of a run of bytes and right after a neighbour or a damaged sentence. All
 /// else is damage.
 ///
-/// The first line of a text has four printable characters at least and does not begin with "$@";
-/// those right after it may be of any length. Up to eight empty lines before a text belong to it.
+/// The first line of a text has four printable characters at least; those right after it may be of
+/// any length. None begins with "$@" or ends with the checksum of a sentence. Up to eight empty
+/// lines before a text belong to it.
 /// Neighbours do not overlap: what begins first and is well-formed counts.
 ///
 ///     scanner.append(offset, bytes, size); // as often as the run goes on
