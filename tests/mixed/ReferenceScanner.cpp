@@ -114,7 +114,8 @@ size_t damagedLine(string_view text, bool isLineStart)
     if (isLineStart)
         return holdsSentence(line) ? 0 : line.size();
     const bool isAlone = line.find_first_of("$!", 1) == string_view::npos;
-    return (line[0] == '$' || line[0] == '!') && isAlone ? line.size() : 0;
+    const bool mayBe = (line[0] == '$' || line[0] == '!') && line[1] >= 'A' && line[1] <= 'Z';
+    return mayBe && isAlone ? line.size() : 0;
 }
 
 } // namespace

@@ -47,12 +47,32 @@ constexpr std::array<uint32_t, Crc24::longest + 1> makePowers()
 constexpr std::array<uint32_t, 256> byteTable = makeByteTable();
 constexpr std::array<uint32_t, Crc24::longest + 1> powers = makePowers();
 
+/// What the four bits above the 24 of a checksum amount to below.
+constexpr std::array<uint32_t, 16> makeNibbleTable()
+{
+    std::array<uint32_t, 16> table = {};
+    for (uint32_t nibble = 0; nibble < table.size(); ++nibble) {
+        table[nibble] = nibble << 20U;
+        for (int bit = 0; bit < 4; ++bit)
+            table[nibble] = timesX(table[nibble]);
+    }
+    return table;
+}
+
+constexpr std::array<uint32_t, 16> nibbleTable = makeNibbleTable();
+
 uint32_t product(uint32_t a, uint32_t b)
 {
+    uint32_t multiples[16] = {0, a};
+    for (size_t i = 2; i < 16; i += 2) {
+        multiples[i] = timesX(multiples[i / 2]);
+        multiples[i + 1] = multiples[i] ^ a;
+    }
     uint32_t result = 0;
-    for (uint32_t bit = highest >> 1U; bit != 0; bit >>= 1U) {
-        result = timesX(result);
-        result ^= (b & bit) != 0 ? a : 0;
+    for (unsigned shift = 24; shift != 0;) {
+        shift -= 4;
+        result = (result << 4U & (highest - 1)) ^ nibbleTable[result >> 20U] ^
+                 multiples[b >> shift & 15U];
     }
     return result;
 }

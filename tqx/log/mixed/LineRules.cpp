@@ -10,11 +10,6 @@ namespace
 
 constexpr size_t endSize = 5; // "*hh", CR, LF
 
-constexpr bool isCapital(uint8_t character)
-{
-    return character >= 'A' && character <= 'Z';
-}
-
 constexpr bool isDigit(uint8_t character)
 {
     return character >= '0' && character <= '9';

@@ -21,6 +21,11 @@ constexpr bool isPrintable(uint8_t character)
     return (character >= ' ' && character <= '~') || character == '\t';
 }
 
+constexpr bool isCapital(uint8_t character)
+{
+    return character >= 'A' && character <= 'Z';
+}
+
 /// Whether a sentence of NMEA 0183 begins with this character.
 constexpr bool beginsSentence(uint8_t character)
 {

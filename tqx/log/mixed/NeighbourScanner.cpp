@@ -1,8 +1,7 @@
 #include "tqx/log/mixed/NeighbourScanner.h"
 
+#include "tqx/log/mixed/BeginningSearch.h"
 #include "tqx/log/mixed/LineRules.h"
-
-#include "korcg_load.h"
 
 #include <algorithm>
 
@@ -12,7 +11,6 @@ namespace tqx
 namespace
 {
 
-constexpr uint8_t framePreamble = 0xd3;
 constexpr size_t frameHeader = 3;
 constexpr size_t frameChecksum = 3;
 constexpr size_t endSize = 2; // CR, LF
@@ -20,31 +18,6 @@ constexpr size_t endSize = 2; // CR, LF
 // Results of findLineEnd() that are no size of a line.
 constexpr size_t noLine = 0;
 constexpr size_t unknown = SIZE_MAX;
-
-constexpr bool beginsAnywhere(uint8_t byte)
-{
-    return byte == framePreamble || beginsSentence(byte);
-}
-
-/// Index of the first byte with which a frame or a sentence may begin, `size` when there is none.
-size_t findBeginning(const uint8_t* bytes, size_t size)
-{
-    constexpr uint64_t ones = 0x0101010101010101U;
-    constexpr uint64_t highs = 0x8080808080808080U;
-    // The highest bit of a byte that is zero is set; that of the lowest zero always, those above it
-    // perhaps wrongly.
-    const auto zeros = [](uint64_t value) { return (value - ones) & ~value & highs; };
-    size_t at = 0;
-    for (; at + 8 <= size; at += 8) {
-        const uint64_t eight = korcg_load_u64(bytes + at);
-        if ((zeros(eight ^ ones * '$') | zeros(eight ^ ones * '!') |
-             zeros(eight ^ ones * framePreamble)) != 0)
-            break;
-    }
-    while (at < size && !beginsAnywhere(bytes[at]))
-        ++at;
-    return at;
-}
 
 bool isLineEnd(const uint8_t* bytes)
 {
@@ -135,8 +108,7 @@ NeighbourScanner::Decision NeighbourScanner::decide(const View& view)
 
 NeighbourScanner::Decision NeighbourScanner::decideFrame(const View& view)
 {
-    constexpr unsigned reserved = 0xfc;
-    if (view.size > 1 && (view.data[1] & reserved) != 0)
+    if (view.size > 1 && (view.data[1] & frameReserved) != 0)
         return {Verdict::Damage, 1, {}};
     if (view.size < frameHeader)
         return {Verdict::Waits, 0, {}};
@@ -151,6 +123,8 @@ NeighbourScanner::Decision NeighbourScanner::decideFrame(const View& view)
 
 NeighbourScanner::Decision NeighbourScanner::decideSentence(const View& view)
 {
+    if (view.size > 1 && !isCapital(view.data[1]))
+        return {Verdict::Damage, 1, {}};
     const size_t size = findLineEnd(view, 1, true);
     if (size == unknown)
         return {Verdict::Waits, 0, {}};
