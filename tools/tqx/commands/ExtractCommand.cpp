@@ -105,12 +105,14 @@ ExtractCommand::ExtractCommand(CLI::App& program)
           "written as they are; by --from and --to each goes with the block before it.\n")
 {
     streams.addInputs(app);
+    streams.addDamageReport(app);
     streams.addConditions(app);
-    CLI::Option* const corrections = app.add_option("--mode", mode, "Format of the corrections")
-                                         ->check(CLI::IsMember(modes).description(""))
-                                         ->type_name("rtcm2|cmr|rtcm3|rtcmv");
+    CLI::Option* const corrections =
+        app.add_option("--mode", mode, "Format of the corrections")
+            ->transform(CLI::IsMember(modes, CLI::ignore_case).description(""))
+            ->type_name("rtcm2|cmr|rtcm3|rtcmv");
     app.add_option("--between", between, "Instead of corrections, what came between the blocks")
-        ->check(CLI::IsMember(kinds).description(""))
+        ->transform(CLI::IsMember(kinds, CLI::ignore_case).description(""))
         ->type_name("nmea|rtcm3|ascii")
         ->excludes(corrections)
         ->excludes(app.get_option("--where"))
