@@ -145,7 +145,7 @@ void appendSummaryJson(Buffer& out, const InputStream& stream, const StreamSumma
                                     {"crcErrors", gap.crcErrors},
                                     {"invalidLengths", gap.invalidLengths}});
     // Names of files may be no UTF-8.
-    out.append(object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n");
+    out.append(object.dump(-1, ' ', true, Json::error_handler_t::replace) + "\n");
 }
 
 } // namespace tqx::tool
