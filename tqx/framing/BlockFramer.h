@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tqx/framing/PrefixChecksums.h"
+#include "tqx/framing/CandidateChecksum.h"
 #include "tqx_framing_export.h"
 
 #include <cstddef>
@@ -95,14 +95,12 @@ private:
     void search();
     bool decideCandidate();
     bool giveUpCandidate();
-    bool isIntact(size_t length);
     void drop(size_t count)
     {
         head_ += count;
         offset_ += count;
         unreported_ += count;
     }
-    bool mayBeSummedInVain(size_t size);
     void reportDropped();
     void store(const uint8_t* bytes, size_t size);
 
@@ -113,11 +111,7 @@ private:
     uint64_t offset_ = 0;     ///< of head_ in the stream
     uint64_t unreported_ = 0; ///< dropped bytes before head_ that the listener has not heard of
     bool ended_ = false;
-
-    /// Bytes summed for candidates that turned out false. Past a limit that grows with the stream,
-    /// stretches are summed by prefixes_ instead, so that the work stays linear.
-    uint64_t summedInVain_ = 0;
-    PrefixChecksums prefixes_;
+    CandidateChecksum checksum_;
 };
 
 } // namespace tqx
