@@ -3,6 +3,8 @@
 #include "Packed.h"
 #include "TemporaryFolder.h"
 #include "tqx/log/DataError.h"
+#include "tqx/log/source/CompressedAccess.h"
+#include "tqx/log/source/CompressedSource.h"
 #include "tqx/log/source/FileAccess.h"
 #include "tqx/log/source/JoinedSource.h"
 #include "tqx/log/source/MemorySource.h"
@@ -175,6 +177,62 @@ TEST(Sources, SkipAsManyBytesAsThereAre)
         EXPECT_EQ(byte, content[70002]);
         EXPECT_EQ(source->skip(50000), 29997U);
         EXPECT_EQ(source->read(&byte, 1), 0U);
+    }
+}
+
+// Points are met in the middle of bytes, at the start of members and of frames.
+TEST(Sources, CompressedContentIsReadAnywhere)
+{
+    const Bytes part = someContent(1000003);
+    Bytes content;
+    Bytes zstd;
+    Bytes gzip;
+    for (int member = 0; member < 3; ++member) {
+        Bytes ofMember;
+        for (int i = 0; i < 5; ++i)
+            ofMember = ofMember + part;
+        content = content + ofMember;
+        zstd = zstd + zstdFrame(ofMember);
+        gzip = gzip + gzipped(ofMember);
+    }
+    const struct {
+        const char* name;
+        tqx::Compression compression;
+        Bytes packed;
+    } rows[] = {{"gzip", tqx::Compression::Gzip, gzip}, {"zstd", tqx::Compression::Zstd, zstd}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        std::vector<tqx::AccessPoint> points;
+        auto memory = std::make_unique<tqx::MemorySource>(row.packed.data(), row.packed.size());
+        tqx::CompressedSource source(std::move(memory), row.compression, &points);
+        EXPECT_TRUE(readAll(source, 1 << 20).content == content);
+        ASSERT_GE(points.size(), 2U);
+        const tqx::MemoryAccess packed(row.packed.data(), row.packed.size());
+        std::mt19937 random(1);
+        // A last one may be where the content ends.
+        for (size_t i = 0; i < points.size() && points[i].content < content.size(); ++i) {
+            // From a point on without what is before it: the file is damaged there.
+            Bytes damaged = row.packed;
+            std::fill(damaged.begin(),
+                      damaged.begin() + static_cast<std::ptrdiff_t>(points[i].packed - 1), 0xa5);
+            const tqx::MemoryAccess onlyRest(damaged.data(), damaged.size());
+            const tqx::CompressedAccess access(onlyRest, row.compression, points, content.size());
+            Bytes got(100);
+            const uint64_t offset = points[i].content + random() % 100000;
+            ASSERT_EQ(access.readAt(offset, got.data(), got.size()), got.size());
+            EXPECT_TRUE(std::equal(got.begin(), got.end(),
+                                   content.begin() + static_cast<std::ptrdiff_t>(offset)));
+            EXPECT_THROW(access.readAt(0, got.data(), got.size()), tqx::SourceError);
+        }
+        const tqx::CompressedAccess access(packed, row.compression, points, content.size());
+        for (int i = 0; i < 20; ++i) {
+            Bytes got(1 + random() % 200000);
+            const uint64_t offset = random() % content.size();
+            got.resize(access.readAt(offset, got.data(), got.size()));
+            EXPECT_FALSE(got.empty());
+            EXPECT_TRUE(std::equal(got.begin(), got.end(),
+                                   content.begin() + static_cast<std::ptrdiff_t>(offset)));
+        }
     }
 }
 

@@ -1,8 +1,7 @@
 #include "tqx/log/source/OpenSource.h"
 
+#include "tqx/log/source/CompressedSource.h"
 #include "tqx/log/source/FileSource.h"
-#include "tqx/log/source/GzipSource.h"
-#include "tqx/log/source/ZstdSource.h"
 
 #include <algorithm>
 #include <array>
@@ -15,54 +14,21 @@ namespace tqx
 namespace
 {
 
-enum class Format { Plain, Gzip, Zstd };
-
-struct Signature {
-    Format format;
-    std::array<uint8_t, 4> bytes;
-    std::array<uint8_t, 4> mask;
-    size_t size;
-
-    bool matches(const uint8_t* found, size_t count) const
-    {
-        for (size_t i = 0; i < std::min(count, size); ++i) {
-            if ((found[i] & mask[i]) != bytes[i])
-                return false;
-        }
-        return true;
-    }
-};
-
-constexpr Signature signatures[] = {
-    {Format::Gzip, {0x1f, 0x8b, 0x08}, {0xff, 0xff, 0xff}, 3},
-    {Format::Zstd, {0x28, 0xb5, 0x2f, 0xfd}, {0xff, 0xff, 0xff, 0xff}, 4},
-    // A frame to be skipped, which may come before others.
-    {Format::Zstd, {0x50, 0x2a, 0x4d, 0x18}, {0xf0, 0xff, 0xff, 0xff}, 4},
-};
-
 /// A source whose first bytes were read to look at them.
 class RestoredSource : public ByteSource
 {
 public:
     explicit RestoredSource(std::unique_ptr<ByteSource> opened) : source(std::move(opened)) {}
 
-    Format recognise()
+    Compression recognise()
     {
-        for (;;) {
-            bool mayMatch = false;
-            for (const Signature& signature : signatures) {
-                const bool matches = signature.matches(first.data(), count);
-                if (matches && count >= signature.size)
-                    return signature.format;
-                mayMatch |= matches;
-            }
-            if (!mayMatch)
-                return Format::Plain;
+        while (count < first.size() && mayBeCompressed(first.data(), count)) {
             const size_t got = source->read(first.data() + count, 1);
             if (got == 0)
-                return Format::Plain;
+                break;
             count += got;
         }
+        return compressionOf(first.data(), count);
     }
 
     size_t read(uint8_t* bytes, size_t capacity) override
@@ -102,15 +68,10 @@ std::unique_ptr<ByteSource> openSource(const std::string& path)
 std::unique_ptr<ByteSource> decompressed(std::unique_ptr<ByteSource> source)
 {
     auto restored = std::make_unique<RestoredSource>(std::move(source));
-    switch (restored->recognise()) {
-    case Format::Gzip:
-        return std::make_unique<GzipSource>(std::move(restored));
-    case Format::Zstd:
-        return std::make_unique<ZstdSource>(std::move(restored));
-    case Format::Plain:
-        break;
-    }
-    return restored;
+    const Compression compression = restored->recognise();
+    if (compression == Compression::None)
+        return restored;
+    return std::make_unique<CompressedSource>(std::move(restored), compression);
 }
 
 } // namespace tqx
