@@ -14,7 +14,7 @@ struct AccessPoint {
     uint64_t packed = 0;         ///< offset in the compressed file of the first byte that is needed
     uint64_t content = 0;        ///< offset in the content of what comes first
     uint8_t bits = 0;            ///< bits of the byte before that are needed too, 0 to 7
-    std::vector<uint8_t> window; ///< content before it that is referred to, at most 32 kB
+    std::vector<uint8_t> window; ///< content before it that is referred to, as a zlib stream
 };
 
 /// The forms of compression that are understood.
@@ -61,7 +61,8 @@ public:
     /// Makes decompress() stop where an access point may be.
     void setStopsAtPoints() { stopsAtPoints = true; }
 
-    /// Whether the place reached is an access point; then `point` receives bits and window.
+    /// Whether the place reached is an access point; then `point` receives bits and window, for
+    /// which there must be memory.
     virtual bool getPoint(AccessPoint& point) const = 0;
 
     /// Goes on at a point. `byteBefore` is the byte before AccessPoint::packed, if bits of it are

@@ -5,6 +5,7 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <vector>
 
 namespace tqx
 {
@@ -119,10 +120,14 @@ bool GzipDecompressor::getPoint(AccessPoint& point) const
     if (!state->isAtBlock)
         return false;
     uInt size = longestWindow;
-    point.window.resize(longestWindow);
-    if (inflateGetDictionary(&state->stream, point.window.data(), &size) != Z_OK)
+    std::vector<uint8_t> window(longestWindow);
+    if (inflateGetDictionary(&state->stream, window.data(), &size) != Z_OK)
         return false;
-    point.window.resize(size);
+    uLongf packedSize = compressBound(size);
+    point.window.resize(packedSize);
+    if (compress2(point.window.data(), &packedSize, window.data(), size, Z_BEST_SPEED) != Z_OK)
+        return false;
+    point.window.resize(packedSize);
     point.bits = static_cast<uint8_t>(state->stream.data_type & 7);
     return true;
 }
@@ -137,15 +142,18 @@ bool GzipDecompressor::restart(const AccessPoint& point, uint8_t byteBefore)
     state->isPartial = point.packed != 0;
     if (!state->isPartial)
         return inflateReset2(&stream, gzipOnly) == Z_OK;
-    if (inflateReset2(&stream, withoutHeader) != Z_OK || point.bits > 7 ||
-        point.window.size() > longestWindow)
+    uLongf size = longestWindow;
+    std::vector<uint8_t> window(longestWindow);
+    if (point.bits > 7 || uncompress(window.data(), &size, point.window.data(),
+                                     static_cast<uLong>(point.window.size())) != Z_OK)
+        return false;
+    if (inflateReset2(&stream, withoutHeader) != Z_OK)
         return false;
     if (point.bits != 0 &&
         inflatePrime(&stream, point.bits, byteBefore >> (8 - point.bits)) != Z_OK)
         return false;
-    return point.window.empty() ||
-           inflateSetDictionary(&stream, point.window.data(),
-                                static_cast<uInt>(point.window.size())) == Z_OK;
+    return size == 0 ||
+           inflateSetDictionary(&stream, window.data(), static_cast<uInt>(size)) == Z_OK;
 }
 
 } // namespace tqx
