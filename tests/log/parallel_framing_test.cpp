@@ -38,7 +38,7 @@ constexpr unsigned streams = 10000;
 #endif
 
 // An optimised build tries every number of stretches on every stream, another one some on each.
-#ifdef __OPTIMIZE__
+#if defined(__OPTIMIZE__) && !defined(TQX_FEW_STREAMS)
 constexpr unsigned step = 1;
 #else
 constexpr unsigned step = 12;

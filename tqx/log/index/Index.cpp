@@ -75,6 +75,10 @@ Index Index::build(ByteSource& source)
 // Only the end of the log gives candidates up, and a page that it was in may now have more blocks.
 void Index::extend(const RandomAccess& log, const FramingOptions& options)
 {
+    if (log.getSize() < size) {
+        *this = build(log, options, pages.pageSize);
+        return;
+    }
     FramedPages kept = pages;
     const PageOffsets& givenUp = kept.marks[FramedPages::GivenUp];
     auto first = static_cast<uint32_t>(size / kept.pageSize);

@@ -54,8 +54,9 @@ public:
     static Index build(ByteSource& source);
 
     /// Goes on with a log that has become longer: what is known stays, except for what the old end
-    /// had cut off. Throws SourceError when the log cannot be read; the index is unchanged then. A
-    /// `log` that does not begin with what was indexed gives an index of nothing in particular.
+    /// had cut off. A log that has become shorter is indexed anew. Throws SourceError when the log
+    /// cannot be read; the index is unchanged then. A `log` that does not begin with what was
+    /// indexed gives an index of nothing in particular.
     void extend(const RandomAccess& log, const FramingOptions& options = {});
 
     /// Bytes that were indexed.

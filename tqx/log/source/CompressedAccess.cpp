@@ -63,7 +63,7 @@ void CompressedAccess::goTo(uint64_t offset) const
         if (!decompressor->restart(point, before))
             fail("is not an access point");
     }
-    std::vector<uint8_t> passed(bufferSize);
+    std::vector<uint8_t> passed(contentOffset < offset ? bufferSize : 0);
     while (contentOffset < offset)
         readOn(passed.data(),
                static_cast<size_t>(std::min<uint64_t>(passed.size(), offset - contentOffset)));

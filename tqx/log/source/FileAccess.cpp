@@ -161,7 +161,7 @@ FileAccess::~FileAccess() = default;
 
 size_t FileAccess::readAt(uint64_t offset, uint8_t* bytes, size_t count) const
 {
-    if (offset >= size)
+    if (offset >= size || count == 0)
         return 0;
     const auto wanted = static_cast<size_t>(std::min<uint64_t>(count, size - offset));
     if (mapped != nullptr) {

@@ -16,11 +16,10 @@ MemoryAccess::MemoryAccess(const uint8_t* data, size_t count, std::string label)
 
 size_t MemoryAccess::readAt(uint64_t offset, uint8_t* bytes, size_t count) const
 {
-    if (offset >= size)
+    if (offset >= size || count == 0)
         return 0;
     const auto got = static_cast<size_t>(std::min<uint64_t>(count, size - offset));
-    if (got != 0)
-        std::memcpy(bytes, content + offset, got);
+    std::memcpy(bytes, content + offset, got);
     return got;
 }
 
