@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TQX_FieldFacts.h"
 #include "TQX_FieldRow.h"
 #include "TQX_Layout.h"
 #include "tqx_export.h"
@@ -28,8 +29,8 @@ public:
     /// needs at least one element, an optional one must be present.
     bool hasValue(const Message* message) const override;
 
-    /// Number of elements, 0 for a message of another type and for an absent field. Text counts
-    /// its terminating zero.
+    /// Number of elements, 0 for a message of another type and for an absent field. Numbers are
+    /// counted up to the room in the record, text with its terminating zero.
     unsigned getNumberOfValues(const Message* message) const override;
 
     /// Element `index` as stored, in the field's type and width. Throws a MessageApiEvent of type
@@ -39,7 +40,8 @@ public:
     /// The same without any test; the caller has asked hasValue() and getNumberOfValues().
     FieldValue getValueUnchecked(const Message* message, unsigned index) const override;
 
-    /// Text fields: the Latin-1 text up to the first zero. Others: as the framework has it.
+    /// Text fields: the Latin-1 text up to the first zero. Sub-block fields: "submsg" for each
+    /// element that is counted. Others: as the framework has it.
     QString getValueString(const Message* message) const override;
 
     /// Element `index` as text: its name, else the do-not-use text, else the stored number, with
@@ -49,18 +51,22 @@ public:
 
     /// The constant facts behind the object.
     const TQX_FieldRow& row() const { return m_row; }
+    const Kor::MessageApi::TQX_FieldFacts& facts() const { return m_facts; }
     const Kor::MessageApi::TQX_FieldLayout& layout() const { return m_field; }
 
 protected:
     /// Field `index` of the type's field list.
     TQX_FieldInfo(const TQX_TypeRow& type, unsigned index);
+    /// Likewise, with the facts of the type given.
+    TQX_FieldInfo(const TQX_TypeRow& type, const Kor::MessageApi::TQX_FieldFacts* facts,
+                  unsigned index);
     ~TQX_FieldInfo() override;
 
 private:
     friend class TQX_MessageInfo;
 
     TQX_FieldInfo(const TQX_TypeRow& type, const Kor::MessageApi::TQX_TypeLayout& layout,
-                  unsigned index);
+                  const Kor::MessageApi::TQX_FieldFacts& facts, unsigned index);
 
     void addSymbolicValues();
     FieldValue doNotUseValue() const;
@@ -76,6 +82,7 @@ private:
     const QLocale& locale() const;
 
     const TQX_FieldRow& m_row;
+    const Kor::MessageApi::TQX_FieldFacts& m_facts;
     const Kor::MessageApi::TQX_FieldLayout& m_field;
     const Kor::MessageApi::TQX_TypeLayout& m_type;
     const MessageInfo* m_owner = nullptr; ///< set when the owner lists the field

@@ -1,6 +1,6 @@
 #include "emit/metadata/FieldFacts.h"
 
-#include "emit/Names.h"
+#include "model/Names.h"
 #include "model/Values.h"
 
 #include <fmt/format.h>
@@ -40,12 +40,6 @@ std::string oneLine(std::string text)
 bool isSubMessage(const Field& field)
 {
     return field.kind == FieldKind::Blocks || field.kind == FieldKind::Embedded;
-}
-
-int countSubFields(const RecordType& type, int index)
-{
-    return static_cast<int>(std::count_if(type.fields.begin(), type.fields.end(),
-                                          [index](const Field& f) { return f.parent == index; }));
 }
 
 std::string fieldInfoClass(const RecordType& type, const Field& field)

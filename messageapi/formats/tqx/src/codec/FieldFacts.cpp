@@ -1,0 +1,116 @@
+#include "FactTables.h"
+
+#include "TQX_RecordAccess.h"
+
+#include <cstring>
+
+namespace Kor::MessageApi
+{
+
+static_assert(sizeof(TQX_FieldFacts) <= 24, "there are thousands of rows");
+
+namespace
+{
+
+double realOf(const TQX_FieldLayout& field, const void* record)
+{
+    const void* member = TQX_element(field, record);
+    if (field.type == TQX_MemberType::F32) {
+        float value = 0;
+        std::memcpy(&value, member, sizeof value);
+        return static_cast<double>(value);
+    }
+    double value = 0;
+    std::memcpy(&value, member, sizeof value);
+    return value;
+}
+
+bool isAvailable(const TQX_FieldInput& input, const void* record)
+{
+    for (unsigned i = 0; record != nullptr && i < input.linksUp; ++i)
+        record = static_cast<const KorcgHeader_s*>(record)->korcg_father;
+    if (record == nullptr)
+        return false;
+    const uint32_t type = static_cast<const KorcgHeader_s*>(record)->korcg_type;
+    const TQX_FieldLayout& field = TQX_layout(type)->fields[input.row];
+    const TQX_FieldFacts& facts = TQX_fieldFacts(type)[input.row];
+    if (field.type == TQX_MemberType::F32 || field.type == TQX_MemberType::F64)
+        return !TQX_isRealDoNotUse(facts, realOf(field, record));
+    return !TQX_isDoNotUse(facts, TQX_isSigned(field)
+                                      ? static_cast<uint64_t>(TQX_signedValue(field, record))
+                                      : TQX_unsignedValue(field, record));
+}
+
+} // namespace
+
+TQX_NamedValue TQX_NamedValues::operator[](unsigned index) const
+{
+    const Facts::NamedRow& row = Facts::namedRows[m_first + index];
+    return {row.value, Facts::texts + row.name};
+}
+
+std::string_view TQX_unit(const TQX_FieldFacts& field)
+{
+    return Facts::texts + field.unit;
+}
+
+double TQX_scale(const TQX_FieldFacts& field)
+{
+    return Facts::reals[field.scale];
+}
+
+uint64_t TQX_doNotUse(const TQX_FieldFacts& field)
+{
+    return Facts::integers[field.doNotUse];
+}
+
+double TQX_realDoNotUse(const TQX_FieldFacts& field)
+{
+    return Facts::reals[field.realDoNotUse];
+}
+
+TQX_NamedValues TQX_namedValues(const TQX_FieldFacts& field)
+{
+    const Facts::NamedRun& run = Facts::namedRuns[field.namedValues];
+    return {run.first, run.count};
+}
+
+TQX_FieldInputs TQX_inputs(const TQX_FieldFacts& field)
+{
+    return {Facts::inputs + field.inputs, field.inputCount};
+}
+
+bool TQX_hasInputs(const TQX_FieldFacts& field, const void* record)
+{
+    for (const TQX_FieldInput& input : TQX_inputs(field))
+        if (!isAvailable(input, record))
+            return false;
+    return true;
+}
+
+unsigned TQX_namedValueTables()
+{
+    return Facts::namedRunCount;
+}
+
+std::string_view TQX_description(const TQX_TypeFacts& type)
+{
+    return Facts::texts + type.description;
+}
+
+} // namespace Kor::MessageApi
+
+using namespace Kor::MessageApi;
+
+const TQX_TypeFacts* TQX_typeFacts(uint32_t recordType)
+{
+    if (recordType >= Facts::typeCount || Facts::types[recordType].firstField == Facts::noType)
+        return nullptr;
+    return Facts::types + recordType;
+}
+
+const TQX_FieldFacts* TQX_fieldFacts(uint32_t recordType)
+{
+    const TQX_TypeFacts* type = TQX_typeFacts(recordType);
+    return type ? Facts::fields + type->firstField : nullptr;
+}
