@@ -5,6 +5,7 @@
 #include "tqx/log/DataError.h"
 #include "tqx/log/index/IndexedBlocks.h"
 #include "tqx/log/source/FileAccess.h"
+#include "tqx/log/source/JoinedAccess.h"
 #include "tqx/log/source/MemorySource.h"
 
 #include <gtest/gtest.h>
@@ -289,6 +290,30 @@ TEST(Index, IsTheSameFromFilesSourcesAndThreads)
         EXPECT_TRUE(index.getPages().marks == expected.getPages().marks);
         EXPECT_EQ(index.getCount(4027), expected.getCount(4027));
         EXPECT_TRUE(readAlone(index, unmapped, {{4027}}) == readAlone(expected, mapped, {{4027}}));
+    }
+}
+
+TEST(Index, OfSeveralFilesIsThatOfOneStream)
+{
+    const Bytes log = longLog();
+    for (const size_t cutAt : {size_t{0}, size_t{1}, size_t{100000}, log.size() - 7, log.size()}) {
+        const MemoryAccess first(log.data(), cutAt, "first");
+        const MemoryAccess none(log.data(), 0);
+        const MemoryAccess second(log.data() + cutAt, log.size() - cutAt, "second");
+        const JoinedAccess joined({&first, &none, &second});
+        const Index index = Index::build(joined, {1, 5});
+        const Index whole = Index::build(MemoryAccess(log.data(), log.size()));
+        EXPECT_TRUE(index.getPages().rows == whole.getPages().rows);
+        EXPECT_TRUE(index.getPages().marks == whole.getPages().marks);
+        IndexedBlocks blocks(index, joined);
+        Block block = {};
+        for (int i = 0; i < 300; ++i)
+            ASSERT_TRUE(blocks.next(block));
+        const JoinedAccess::Place place = joined.placeOf(block.offset);
+        EXPECT_EQ(place.file, block.offset < cutAt ? "first" : "second");
+        EXPECT_EQ(place.offset, block.offset < cutAt ? block.offset : block.offset - cutAt);
+        EXPECT_TRUE(std::equal(block.data, block.data + block.size,
+                               log.begin() + static_cast<std::ptrdiff_t>(block.offset)));
     }
 }
 

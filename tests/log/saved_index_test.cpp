@@ -112,7 +112,7 @@ TEST(SavedIndex, IsUsedExtendedOrMadeAnewAsTheLogIs)
         const IndexedLog log(path, saving(warnings));
         EXPECT_EQ(log.getOrigin(), row.origin);
         EXPECT_EQ(log.isSaved(), row.origin != Origin::Saved);
-        EXPECT_EQ(warnings.size(), row.warnings);
+        ASSERT_EQ(warnings.size(), row.warnings);
         if (row.warnings != 0) {
             EXPECT_EQ(warnings[0], path + ".tqxi: is not used, it is the index of another log");
         }
