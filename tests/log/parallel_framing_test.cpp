@@ -27,7 +27,6 @@ namespace
 
 using tqx::FramedPages;
 using tqx::frameLog;
-using tqx::FramingOptions;
 using tqx::MemoryAccess;
 using tqx::PageOffsets;
 

@@ -144,7 +144,7 @@ TEST(Sources, SeveralFollowEachOtherAndBadOnesAreLeftOut)
         folder.write("z", zstdFrame(text("last")))};
     std::vector<std::string> failures;
     tqx::JoinedSource source(
-        paths, [&](const tqx::SourceError& error) { failures.push_back(error.what()); });
+        paths, [&](const tqx::SourceError& error) { failures.emplace_back(error.what()); });
     EXPECT_TRUE(readAll(source, 64).content == text("first") + content + text("last"));
     ASSERT_EQ(failures.size(), 2U);
     EXPECT_EQ(failures[0], paths[1] + ": No such file or directory");

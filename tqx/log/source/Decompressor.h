@@ -35,6 +35,8 @@ public:
     static std::unique_ptr<Decompressor> make(Compression compression);
 
     virtual ~Decompressor();
+    Decompressor(const Decompressor&) = delete;
+    Decompressor& operator=(const Decompressor&) = delete;
 
     /// For messages: "gzip".
     virtual const char* getFormat() const = 0;
@@ -71,8 +73,6 @@ public:
 
 protected:
     Decompressor() = default;
-    Decompressor(const Decompressor&) = delete;
-    Decompressor& operator=(const Decompressor&) = delete;
 
     bool stopsAtPoints = false;
 };
