@@ -1,7 +1,7 @@
 #pragma once
 
+#include "tqx/framing/CandidateChecksum.h"
 #include "tqx/framing/InnerBlockSearch.h"
-#include "tqx/framing/PrefixChecksums.h"
 #include "tqx_framing_export.h"
 
 #include <cstddef>
@@ -129,14 +129,12 @@ private:
     void search();
     bool decideCandidate();
     bool giveUpCandidate();
-    bool isIntact(size_t length);
     void drop(size_t count)
     {
         head_ += count;
         offset_ += count;
         unreported_ += count;
     }
-    bool mayBeSummedInVain(size_t size);
     size_t droppedInBuffer() const { return static_cast<size_t>(unreported_) - handedOver_; }
     void reportDropped();
     void store(const uint8_t* bytes, size_t size);
@@ -149,12 +147,8 @@ private:
     uint64_t unreported_ = 0; ///< dropped bytes before head_ that the listener has not heard of
     size_t handedOver_ = 0;   ///< those of them that never came into the buffer
     bool ended_ = false;
-
-    /// Bytes summed for candidates that turned out false. Past a limit that grows with the stream,
-    /// stretches are summed by prefixes_ instead, so that the work stays linear.
-    uint64_t summedInVain_ = 0;
-    PrefixChecksums prefixes_;
-    InnerBlockSearch inner_; ///< behind passWaiting()
+    CandidateChecksum checksum_;
+    InnerBlockSearch inner_; ///< of passWaiting()
 };
 
 } // namespace tqx
