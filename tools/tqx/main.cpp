@@ -15,6 +15,7 @@
 #include <cstring>
 #include <exception>
 #include <iostream>
+#include <new>
 
 namespace
 {
@@ -68,6 +69,8 @@ ExitStatus run(int argc, char** argv)
         return explain(program, error);
     } catch (const tqx::tool::ClosedPipe&) {
         return ExitStatus::Done;
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception& error) {
         tqx::tool::words::say(error.what());
         return ExitStatus::Failed;
@@ -82,10 +85,15 @@ int main(int argc, char** argv)
 #ifdef SIGPIPE
     std::signal(SIGPIPE, SIG_IGN);
 #endif
-    // Output is the same everywhere.
-    QLocale::setDefault(QLocale::c());
-    tqx::tool::interrupt::watch();
-    const ExitStatus status = run(argc, argv);
+    ExitStatus status = ExitStatus::Failed;
+    try {
+        // Output is the same everywhere.
+        QLocale::setDefault(QLocale::c());
+        tqx::tool::interrupt::watch();
+        status = run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        tqx::tool::words::sayOutOfMemory();
+    }
     tqx::tool::interrupt::obey();
     return static_cast<int>(status);
 }
