@@ -60,5 +60,7 @@ int main(int argc, char** argv)
 {
     const char* wanted = std::getenv("TQX_REFUSE_EVERY");
     period = wanted == nullptr ? 0 : std::strtoul(wanted, nullptr, 10);
-    return toolMain(argc, argv);
+    const int status = toolMain(argc, argv);
+    period = 0; // what libraries do at the exit is not the program's
+    return status;
 }

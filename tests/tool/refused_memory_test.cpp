@@ -57,7 +57,7 @@ TEST_P(RefusedMemory, EndsWithACleanMessage)
             EXPECT_EQ(run.words, whole.words) << period;
             return true;
         }
-        EXPECT_EQ(run.status, 1) << period;
+        EXPECT_EQ(run.status, 1) << period << " refused";
         EXPECT_EQ(run.words, "tqx: out of memory\n") << period;
         EXPECT_EQ(whole.output.substr(0, run.output.size()), run.output) << period;
         return false;
