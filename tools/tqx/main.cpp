@@ -12,6 +12,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <iostream>
@@ -78,6 +79,21 @@ ExitStatus run(int argc, char** argv)
     return ExitStatus::Failed;
 }
 
+/// Libraries may want memory where they cannot fail, such as for taking down a deep tree of JSON.
+[[noreturn]] void endWithoutMemory()
+{
+    try {
+        if (const std::exception_ptr failure = std::current_exception())
+            std::rethrow_exception(failure);
+    } catch (const std::bad_alloc&) {
+        tqx::tool::words::sayOutOfMemory();
+        std::_Exit(static_cast<int>(ExitStatus::Failed));
+    } catch (...) {
+        std::abort();
+    }
+    std::abort();
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -85,6 +101,7 @@ int main(int argc, char** argv)
 #ifdef SIGPIPE
     std::signal(SIGPIPE, SIG_IGN);
 #endif
+    std::set_terminate(endWithoutMemory);
     ExitStatus status = ExitStatus::Failed;
     try {
         // Output is the same everywhere.
