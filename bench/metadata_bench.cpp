@@ -4,6 +4,7 @@
 // The registry is set up once a process, so each measurement of it runs in a child process, in
 // processor time.
 
+#include "TQX_FieldFacts.h"
 #include "TQX_FieldRow.h"
 #include "TQX_FormatInfo.h"
 #include "TQX_MessageFactory.h"
@@ -63,34 +64,38 @@ struct PlainRegistry {
     size_t fieldCount = 0;
 };
 
-std::unique_ptr<PlainField> plainField(const TQX_FieldLayout& layout, const TQX_FieldRow& row)
+std::unique_ptr<PlainField> plainField(const TQX_FieldLayout& layout, const TQX_FieldFacts& facts)
 {
     auto field = std::make_unique<PlainField>();
     field->name = QString::fromLatin1(layout.name);
-    field->role = row.role;
-    field->flags = row.flags;
-    if (row.unit)
-        field->unit = QString::fromLatin1(row.unit);
-    field->scale = row.scale;
-    for (unsigned i = 0; row.symbols && i < row.symbols().size(); ++i) {
-        const QString& name = row.symbols().name(i);
-        field->symbols.emplace(row.symbols().value(i), QString(name.constData(), name.size()));
+    field->role = static_cast<int>(facts.role);
+    field->flags = facts.flags;
+    if (facts.unit != 0)
+        field->unit = QString::fromLatin1(TQX_unit(facts).data());
+    field->scale = TQX_scale(facts);
+    if (facts.namedValues != 0) {
+        const TQX_SymbolNames& symbols = TQX_SymbolNames::of(facts);
+        for (unsigned i = 0; i < symbols.size(); ++i) {
+            const QString& name = symbols.name(i);
+            field->symbols.emplace(symbols.value(i), QString(name.constData(), name.size()));
+        }
     }
-    if (row.has(TQX_FieldRow::NamesDoNotUse))
-        field->symbols.emplace(static_cast<int64_t>(row.doNotUse), QString::fromLatin1("DoNotUse"));
-    field->doNotUse = row.doNotUse;
-    field->precision = row.precision;
+    field->doNotUse = TQX_doNotUse(facts);
+    if (facts.has(TQX_FieldFacts::NamesDoNotUse))
+        field->symbols.emplace(static_cast<int64_t>(field->doNotUse),
+                               QString::fromLatin1("DoNotUse"));
+    field->precision = facts.precision;
     return field;
 }
 
 void addPlainFields(PlainRegistry& registry, PlainMessage& message, const TQX_TypeLayout& layout,
                     const TQX_TypeRow& type)
 {
+    const TQX_FieldFacts* facts = TQX_fieldFacts(layout.recordType);
     for (unsigned i = 0; i < layout.fieldCount; ++i) {
-        const TQX_FieldRow& row = type.fields[i];
-        ++registry.tracer[QString::fromLatin1(row.className)];
-        message.fields.emplace_back(plainField(layout.fields[i], row),
-                                    row.has(TQX_FieldRow::Identifying));
+        ++registry.tracer[QString::fromLatin1(type.fields[i].className)];
+        message.fields.emplace_back(plainField(layout.fields[i], facts[i]),
+                                    facts[i].has(TQX_FieldFacts::Identifying));
         PlainField* field = message.fields.back().first.get();
         message.byName.emplace(field->name, field);
         const int parent = layout.fields[i].parent;
@@ -108,17 +113,18 @@ void addPlainType(PlainRegistry& registry, const TQX_TypeLayout& layout, const T
     addPlainFields(registry, message, layout, type);
     if (!message.isMain)
         return;
-    if (type.description)
-        message.description = QString::fromLatin1(type.description);
+    const TQX_TypeFacts& facts = *TQX_typeFacts(layout.recordType);
+    if (facts.description != 0)
+        message.description = QString::fromLatin1(TQX_description(facts).data());
     const QString blockNumber = QString::fromLatin1("BlockNumber");
     message.discriminants.emplace_back(message.byName.at(blockNumber), layout.blockNumber);
     const auto set = [&message](const char* key, const QVariant& value) {
         message.attributes.emplace(QString::fromLatin1(key), value);
     };
-    set("flexrate", type.flexrate);
-    set("esoc", type.esoc);
-    set("timestamp", static_cast<int>(type.timestamp));
-    set("version", static_cast<int>(type.version));
+    set("flexrate", facts.flexrate);
+    set("esoc", facts.esoc);
+    set("timestamp", static_cast<int>(facts.timestamp));
+    set("version", static_cast<int>(facts.generation));
     set("blocknr", static_cast<int>(layout.blockNumber));
 }
 
@@ -144,10 +150,10 @@ size_t setUpRegistry()
 void touchRows()
 {
     for (uint32_t number = 1; number <= lastRecordType; ++number)
-        if (const TQX_FieldRow* rows = TQX_fieldRows(number))
+        if (const TQX_FieldFacts* facts = TQX_fieldFacts(number))
             for (unsigned i = 0; i < TQX_layout(number)->fieldCount; ++i)
-                if (rows[i].symbols)
-                    benchmark::DoNotOptimize(rows[i].symbols().size());
+                if (facts[i].namedValues != 0)
+                    benchmark::DoNotOptimize(TQX_SymbolNames::of(facts[i]).size());
 }
 
 int measureChild(const char* what)

@@ -50,7 +50,6 @@ install(DIRECTORY "${PROJECT_BINARY_DIR}/messageapi/formats/tqx/src/generated/"
     FILES_MATCHING PATTERN "*.h"
     PATTERN "tests" EXCLUDE
     PATTERN "TQX_codec_internal.h" EXCLUDE
-    PATTERN "TQX_SymbolTables.h" EXCLUDE
     PATTERN "TQX_TypeRows.h" EXCLUDE)
 
 # find_package(TQX [COMPONENTS codec plugin])

@@ -10,8 +10,8 @@ list(FILTER TQX_GENERATED_messages EXCLUDE REGEX "/tests/")
 tqx_numbered(files TQX_Metadata_ 16)
 tqx_type_headers(_MessageInfo _FieldInfos)
 tqx_generate(metadata
-    FILES ${files} TQX_Registration.cpp TQX_SymbolTables.cpp
-    HEADERS ${headers} TQX_SymbolTables.h TQX_TypeRows.h)
+    FILES ${files} TQX_Registration.cpp
+    HEADERS ${headers} TQX_TypeRows.h)
 
 # Nothing runs often enough in the metadata to be worth more time in the compiler.
 set_source_files_properties(${TQX_GENERATED_metadata} PROPERTIES COMPILE_OPTIONS

@@ -34,19 +34,36 @@ unsigned indexOf(uint32_t recordType, const std::string& name)
 class MadeUpField : public TQX_FieldInfo
 {
 public:
-    MadeUpField(const TQX_TypeRow& type, unsigned index) : TQX_FieldInfo(type, index) {}
+    MadeUpField(const TQX_TypeRow& type, const TQX_FieldFacts* facts, unsigned index)
+        : TQX_FieldInfo(type, facts, index)
+    {
+    }
     ~MadeUpField() override = default;
 };
 
-Lines buildAndDestroy(uint32_t recordType, unsigned index, const TQX_FieldRow& row)
+Lines buildAndDestroy(uint32_t recordType, unsigned index, const TQX_FieldFacts& facts)
 {
     std::vector<TQX_FieldRow> rows(index + 1);
-    rows[index] = row;
+    rows[index].className = "MadeUp";
+    std::vector<TQX_FieldFacts> factRows(index + 1);
+    factRows[index] = facts;
     TQX_TypeRow type{};
     type.fields = rows.data();
     type.recordType = static_cast<uint16_t>(recordType);
-    MadeUpField(type, index);
+    MadeUpField(type, factRows.data(), index);
     return Journal::take();
+}
+
+/// The first scale, in the order of the types, that is `scale`.
+uint16_t scaleIndex(double scale)
+{
+    for (uint32_t recordType = 1; const TQX_TypeLayout* type = TQX_layout(recordType); ++recordType)
+        for (int i = 0; i < type->fieldCount; ++i)
+            if (const TQX_FieldFacts& facts = TQX_fieldFacts(recordType)[i];
+                TQX_scale(facts) == scale)
+                return facts.scale;
+    ADD_FAILURE() << "no field has the scale " << scale;
+    return 0;
 }
 
 /// The calls of the first access to a type, which builds all of it.
@@ -165,14 +182,15 @@ TEST(ConstructorCalls, EveryPropertyInOrderAndDestruction)
 {
     journalOf<TQX_AGCState_MessageInfo>();
     const unsigned gain = indexOf(TQX_TypeRows::AGCState.recordType, "Gain");
-    TQX_FieldRow row = TQX_TypeRows::AGCState.fields[gain];
-    row.className = "MadeUp";
-    row.symbols = TQX_TypeRows::AGCState.fields[2].symbols;
-    row.scale = 0.5;
-    row.precision = 2;
-    row.role = 3;
-    row.flags = TQX_FieldRow::Optional | TQX_FieldRow::Repeated | TQX_FieldRow::Virtual |
-                TQX_FieldRow::BitMask | TQX_FieldRow::HasDoNotUse | TQX_FieldRow::NamesDoNotUse;
+    const TQX_FieldFacts* known = TQX_fieldFacts(TQX_TypeRows::AGCState.recordType);
+    TQX_FieldFacts facts = known[gain];
+    facts.namedValues = known[2].namedValues;
+    facts.scale = scaleIndex(0.5);
+    facts.precision = 2;
+    facts.role = TQX_Role::Reserved;
+    facts.flags = TQX_FieldFacts::Optional | TQX_FieldFacts::Repeated | TQX_FieldFacts::Virtual |
+                  TQX_FieldFacts::BitMask | TQX_FieldFacts::HasDoNotUse |
+                  TQX_FieldFacts::NamesDoNotUse;
     const Lines expected = {
         "FieldInfo Gain i8",
         "allocateObject MadeUp",
@@ -193,7 +211,7 @@ TEST(ConstructorCalls, EveryPropertyInOrderAndDestruction)
         "deallocateObject MadeUp",
         "~FieldInfo Gain",
     };
-    EXPECT_EQ(buildAndDestroy(TQX_TypeRows::AGCState.recordType, gain, row), expected);
+    EXPECT_EQ(buildAndDestroy(TQX_TypeRows::AGCState.recordType, gain, facts), expected);
 }
 
 } // namespace

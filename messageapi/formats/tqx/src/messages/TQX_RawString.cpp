@@ -1,7 +1,7 @@
 #include "TQX_RawString.h"
 
 #include "TQX_FieldAccess.h"
-#include "TQX_FieldRow.h"
+#include "TQX_FieldFacts.h"
 #include "TQX_RecordAccess.h"
 
 #include "FloatRepresentation.h"
@@ -23,7 +23,7 @@ class RawLine
 public:
     RawLine(const TQX_TypeLayout& type, const void* record) : m_type(type), m_record(record) {}
 
-    void appendField(const TQX_FieldLayout& field, const TQX_FieldRow& row)
+    void appendField(const TQX_FieldLayout& field, const TQX_FieldFacts& facts)
     {
         if (m_written)
             m_text += Message::fieldSeparator;
@@ -40,7 +40,7 @@ public:
             appendSubBlocks(TQX_elementCount(m_type, field, m_record));
             break;
         default:
-            appendElements(field, row);
+            appendElements(field, facts);
             break;
         }
     }
@@ -60,24 +60,24 @@ private:
             m_text += i == 0 ? QLatin1String("submsg") : QLatin1String(" submsg");
     }
 
-    void appendElements(const TQX_FieldLayout& field, const TQX_FieldRow& row)
+    void appendElements(const TQX_FieldLayout& field, const TQX_FieldFacts& facts)
     {
         const unsigned count = TQX_FieldAccess::readableElements(m_type, field, m_record);
         for (unsigned i = 0; i < count; ++i) {
             if (i > 0)
                 m_text += QLatin1Char(' ');
-            appendElement(field, row, i);
+            appendElement(field, facts, i);
         }
     }
 
-    void appendElement(const TQX_FieldLayout& field, const TQX_FieldRow& row, unsigned index)
+    void appendElement(const TQX_FieldLayout& field, const TQX_FieldFacts& facts, unsigned index)
     {
         switch (field.type) {
         case TQX_MemberType::F32:
-            appendReal<float>(field, row, index);
+            appendReal<float>(field, facts, index);
             break;
         case TQX_MemberType::F64:
-            appendReal<double>(field, row, index);
+            appendReal<double>(field, facts, index);
             break;
         case TQX_MemberType::Char:
             m_text += QLatin1Char(static_cast<char>(TQX_unsignedValue(field, m_record, index)));
@@ -85,29 +85,29 @@ private:
         case TQX_MemberType::I8:
         case TQX_MemberType::I16:
         case TQX_MemberType::I32:
-            appendInteger(TQX_signedValue(field, m_record, index), row);
+            appendInteger(TQX_signedValue(field, m_record, index), facts);
             break;
         default:
-            appendInteger(TQX_unsignedValue(field, m_record, index), row);
+            appendInteger(TQX_unsignedValue(field, m_record, index), facts);
             break;
         }
     }
 
     template<typename Real>
-    void appendReal(const TQX_FieldLayout& field, const TQX_FieldRow& row, unsigned index)
+    void appendReal(const TQX_FieldLayout& field, const TQX_FieldFacts& facts, unsigned index)
     {
         Real value;
         std::memcpy(&value, TQX_element(field, m_record, index), sizeof value);
-        if (Message::useDoNotUseString && row.isRealDoNotUse(static_cast<double>(value)))
+        if (Message::useDoNotUseString && TQX_isRealDoNotUse(facts, static_cast<double>(value)))
             m_text += Message::doNotUseString;
         else
-            m_text += FloatRepresentation::getString(value, 'f', row.precision, false);
+            m_text += FloatRepresentation::getString(value, 'f', facts.precision, false);
     }
 
     template<typename Integer>
-    void appendInteger(Integer value, const TQX_FieldRow& row)
+    void appendInteger(Integer value, const TQX_FieldFacts& facts)
     {
-        if (Message::useDoNotUseString && row.isDoNotUse(static_cast<uint64_t>(value))) {
+        if (Message::useDoNotUseString && TQX_isDoNotUse(facts, static_cast<uint64_t>(value))) {
             m_text += Message::doNotUseString;
             return;
         }
@@ -127,11 +127,11 @@ private:
 QString TQX_rawString(uint32_t recordType, const void* record, const QVector<bool>& fieldMask)
 {
     const TQX_TypeLayout& type = *TQX_layout(recordType);
-    const TQX_FieldRow* rows = TQX_fieldRows(recordType);
+    const TQX_FieldFacts* facts = TQX_fieldFacts(recordType);
     const int count = std::min(fieldMask.size(), static_cast<int>(type.fieldCount));
     RawLine line(type, record);
     for (int i = 0; i < count; ++i)
         if (fieldMask[i])
-            line.appendField(type.fields[i], rows[i]);
+            line.appendField(type.fields[i], facts[i]);
     return line.take();
 }

@@ -72,26 +72,32 @@ QString doNotUseText()
 } // namespace
 
 TQX_FieldInfo::TQX_FieldInfo(const TQX_TypeRow& type, unsigned index)
-    : TQX_FieldInfo(type, *TQX_layout(type.recordType), index)
+    : TQX_FieldInfo(type, TQX_fieldFacts(type.recordType), index)
 {
 }
 
-TQX_FieldInfo::TQX_FieldInfo(const TQX_TypeRow& type, const TQX_TypeLayout& layout, unsigned index)
+TQX_FieldInfo::TQX_FieldInfo(const TQX_TypeRow& type, const TQX_FieldFacts* facts, unsigned index)
+    : TQX_FieldInfo(type, *TQX_layout(type.recordType), facts[index], index)
+{
+}
+
+TQX_FieldInfo::TQX_FieldInfo(const TQX_TypeRow& type, const TQX_TypeLayout& layout,
+                             const TQX_FieldFacts& facts, unsigned index)
     : FieldInfo(TQX_sharedText(layout.fields[index].name),
                 typeOf(layout.fields[index], type.fields[index])),
-      m_row(type.fields[index]), m_field(layout.fields[index]), m_type(layout)
+      m_row(type.fields[index]), m_facts(facts), m_field(layout.fields[index]), m_type(layout)
 {
     MemLeakTracer::allocateObject(m_row.className);
     TQX_FormatInfo::getInstance();
 
-    if (m_row.has(TQX_FieldRow::Optional))
+    if (m_facts.has(TQX_FieldFacts::Optional))
         setIsOptional(true);
-    if (m_row.has(TQX_FieldRow::Repeated))
+    if (m_facts.has(TQX_FieldFacts::Repeated))
         setIsRepeated(true);
-    if (m_row.has(TQX_FieldRow::Virtual))
+    if (m_facts.has(TQX_FieldFacts::Virtual))
         setVirtual(true);
 
-    unsigned missing = m_row.subFields;
+    unsigned missing = m_facts.subFields;
     for (unsigned i = index + 1; missing > 0; ++i) {
         if (layout.fields[i].parent != static_cast<int>(index))
             continue;
@@ -99,18 +105,18 @@ TQX_FieldInfo::TQX_FieldInfo(const TQX_TypeRow& type, const TQX_TypeLayout& layo
         --missing;
     }
 
-    if (m_row.role != 0)
-        setRole(static_cast<FieldInfo::Role>(m_row.role));
-    if (m_row.unit)
-        setUnit(TQX_sharedText(m_row.unit));
-    if (m_row.scale != 0)
-        setScaleFactor(m_row.scale);
+    if (m_facts.role != TQX_Role::Unset)
+        setRole(static_cast<FieldInfo::Role>(m_facts.role));
+    if (m_facts.unit != 0)
+        setUnit(TQX_sharedText(TQX_unit(m_facts).data()));
+    if (m_facts.scale != 0)
+        setScaleFactor(TQX_scale(m_facts));
     addSymbolicValues();
-    if (m_row.has(TQX_FieldRow::HasDoNotUse))
+    if (m_facts.has(TQX_FieldFacts::HasDoNotUse))
         setDoNotUseValue(doNotUseValue());
-    if (m_row.precision >= 0)
-        setPrecision(m_row.precision);
-    if (m_row.has(TQX_FieldRow::BitMask))
+    if (m_facts.precision >= 0)
+        setPrecision(m_facts.precision);
+    if (m_facts.has(TQX_FieldFacts::BitMask))
         setRepresentationMode(FieldValue::BitMask);
 }
 
@@ -122,22 +128,22 @@ TQX_FieldInfo::~TQX_FieldInfo()
 
 void TQX_FieldInfo::addSymbolicValues()
 {
-    if (m_row.symbols) {
-        const TQX_SymbolNames& symbols = m_row.symbols();
+    if (m_facts.namedValues != 0) {
+        const TQX_SymbolNames& symbols = TQX_SymbolNames::of(m_facts);
         for (unsigned i = 0; i < symbols.size(); ++i)
             addSymbolicValue(integerValue(m_field, symbols.value(i)), symbols.name(i));
     }
-    if (m_row.has(TQX_FieldRow::NamesDoNotUse))
+    if (m_facts.has(TQX_FieldFacts::NamesDoNotUse))
         addSymbolicValue(doNotUseValue(), doNotUseName());
 }
 
 FieldValue TQX_FieldInfo::doNotUseValue() const
 {
     if (m_field.type == TQX_MemberType::F32)
-        return FieldValue::f32(static_cast<float>(m_row.realDoNotUse));
+        return FieldValue::f32(static_cast<float>(TQX_realDoNotUse(m_facts)));
     if (m_field.type == TQX_MemberType::F64)
-        return FieldValue::f64(m_row.realDoNotUse);
-    return integerValue(m_field, static_cast<int64_t>(m_row.doNotUse));
+        return FieldValue::f64(TQX_realDoNotUse(m_facts));
+    return integerValue(m_field, static_cast<int64_t>(TQX_doNotUse(m_facts)));
 }
 
 bool TQX_FieldInfo::isOfOwnType(const Message* message) const
@@ -158,7 +164,7 @@ bool TQX_FieldInfo::isPresent(const void* record) const
 /// First index that is out of range for a field that is present.
 unsigned TQX_FieldInfo::indexLimit(const void* record) const
 {
-    if (!m_row.has(TQX_FieldRow::Repeated))
+    if (!m_facts.has(TQX_FieldFacts::Repeated))
         return 1;
     return TQX_FieldAccess::readableElements(m_type, m_field, record);
 }
@@ -167,7 +173,7 @@ bool TQX_FieldInfo::hasValue(const Message* message) const
 {
     if (!isOfOwnType(message))
         return false;
-    const bool isRepeated = m_row.has(TQX_FieldRow::Repeated);
+    const bool isRepeated = m_facts.has(TQX_FieldFacts::Repeated);
     if (!isRepeated && !isOptionalHere())
         return true;
     const void* record = TQX_FieldAccess::record(*message, m_type);
@@ -178,7 +184,7 @@ unsigned TQX_FieldInfo::getNumberOfValues(const Message* message) const
 {
     if (!isOfOwnType(message))
         return 0;
-    const bool isRepeated = m_row.has(TQX_FieldRow::Repeated);
+    const bool isRepeated = m_facts.has(TQX_FieldFacts::Repeated);
     if (!isRepeated && !isOptionalHere())
         return 1;
     const void* record = TQX_FieldAccess::record(*message, m_type);
@@ -191,7 +197,7 @@ FieldValue TQX_FieldInfo::getValue(const Message* message, unsigned index) const
 {
     if (!isOfOwnType(message))
         fail("Requesting value for a field ", " that is not present in the given kind of message.");
-    const bool isRepeated = m_row.has(TQX_FieldRow::Repeated);
+    const bool isRepeated = m_facts.has(TQX_FieldFacts::Repeated);
     if (!isRepeated && !isOptionalHere() && index > 0)
         fail("Requesting value for a non-repeated field ", " using non-zero index.");
 
@@ -261,13 +267,13 @@ QString TQX_FieldInfo::getValueString(const Message* message, unsigned index, bo
 QString TQX_FieldInfo::realText(const void* record, unsigned index, bool withUnit) const
 {
     const double value = TQX_FieldAccess::real(m_field, record, index);
-    if (m_row.isRealDoNotUse(value))
+    if (TQX_isRealDoNotUse(m_facts, value))
         return doNotUseText();
     if (m_field.type == TQX_MemberType::F32)
         return withUnitWord(
-            FloatRepresentation::getString(static_cast<float>(value), 'f', m_row.precision, true),
+            FloatRepresentation::getString(static_cast<float>(value), 'f', m_facts.precision, true),
             withUnit);
-    return withUnitWord(FloatRepresentation::getString(value, 'f', m_row.precision, true),
+    return withUnitWord(FloatRepresentation::getString(value, 'f', m_facts.precision, true),
                         withUnit);
 }
 
@@ -278,7 +284,7 @@ QString TQX_FieldInfo::integerText(const void* record, unsigned index, bool with
                                     : TQX_unsignedValue(m_field, record, index);
     if (const QString* name = findSymbolicValue(integerValue(m_field, static_cast<int64_t>(value))))
         return *name;
-    if (m_row.isDoNotUse(value))
+    if (TQX_isDoNotUse(m_facts, value))
         return doNotUseText();
     return withUnitWord(isSigned ? locale().toString(static_cast<qlonglong>(value))
                                  : locale().toString(static_cast<qulonglong>(value)),
@@ -287,9 +293,9 @@ QString TQX_FieldInfo::integerText(const void* record, unsigned index, bool with
 
 QString TQX_FieldInfo::withUnitWord(const QString& number, bool withUnit) const
 {
-    if (!withUnit || !m_row.unit)
+    if (!withUnit || m_facts.unit == 0)
         return number;
-    return number + QLatin1Char(' ') + QLatin1String(m_row.unit);
+    return number + QLatin1Char(' ') + QLatin1String(TQX_unit(m_facts).data());
 }
 
 /// The default locale at the first use; a later change of the default has no effect.

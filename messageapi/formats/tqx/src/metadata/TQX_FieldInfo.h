@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TQX_FieldFacts.h"
 #include "TQX_FieldRow.h"
 #include "TQX_Layout.h"
 #include "tqx_export.h"
@@ -49,18 +50,22 @@ public:
 
     /// The constant facts behind the object.
     const TQX_FieldRow& row() const { return m_row; }
+    const Kor::MessageApi::TQX_FieldFacts& facts() const { return m_facts; }
     const Kor::MessageApi::TQX_FieldLayout& layout() const { return m_field; }
 
 protected:
     /// Field `index` of the type's field list.
     TQX_FieldInfo(const TQX_TypeRow& type, unsigned index);
+    /// Likewise, with the facts of the type given.
+    TQX_FieldInfo(const TQX_TypeRow& type, const Kor::MessageApi::TQX_FieldFacts* facts,
+                  unsigned index);
     ~TQX_FieldInfo() override;
 
 private:
     friend class TQX_MessageInfo;
 
     TQX_FieldInfo(const TQX_TypeRow& type, const Kor::MessageApi::TQX_TypeLayout& layout,
-                  unsigned index);
+                  const Kor::MessageApi::TQX_FieldFacts& facts, unsigned index);
 
     void addSymbolicValues();
     FieldValue doNotUseValue() const;
@@ -76,6 +81,7 @@ private:
     const QLocale& locale() const;
 
     const TQX_FieldRow& m_row;
+    const Kor::MessageApi::TQX_FieldFacts& m_facts;
     const Kor::MessageApi::TQX_FieldLayout& m_field;
     const Kor::MessageApi::TQX_TypeLayout& m_type;
     const MessageInfo* m_owner = nullptr; ///< set when the owner lists the field

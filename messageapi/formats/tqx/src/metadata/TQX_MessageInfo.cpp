@@ -30,8 +30,8 @@ TQX_MessageInfo::TQX_MessageInfo(const TQX_TypeRow& type)
     MemLeakTracer::allocateObject(type.className);
     if (TQX_layout(type.recordType)->blockNumber == 0)
         setIsMain(false);
-    else if (type.description)
-        setShortDescriptiveText(QString::fromUtf8(type.description));
+    else if (const auto text = TQX_description(*TQX_typeFacts(type.recordType)); !text.empty())
+        setShortDescriptiveText(QString::fromUtf8(text.data(), static_cast<int>(text.size())));
     setFormatInfo(TQX_FormatInfo::getInstance());
 }
 
@@ -43,11 +43,11 @@ TQX_MessageInfo::~TQX_MessageInfo()
 void TQX_MessageInfo::addFields()
 {
     const int count = TQX_layout(m_type->recordType)->fieldCount;
+    const TQX_FieldFacts* facts = TQX_fieldFacts(m_type->recordType);
     for (int i = 0; i < count; ++i) {
-        const TQX_FieldRow& row = m_type->fields[i];
-        TQX_FieldInfo* field = row.instance();
+        TQX_FieldInfo* field = m_type->fields[i].instance();
         field->m_owner = this;
-        addFieldInfo(field, i, row.has(TQX_FieldRow::Identifying));
+        addFieldInfo(field, i, facts[i].has(TQX_FieldFacts::Identifying));
     }
 }
 
@@ -55,10 +55,11 @@ void TQX_MessageInfo::addMainProperties(const FieldInfo* blockNumber)
 {
     const unsigned number = TQX_layout(m_type->recordType)->blockNumber;
     addDiscriminantValue(blockNumber, FieldValue::u(number, 13));
+    const TQX_TypeFacts& facts = *TQX_typeFacts(m_type->recordType);
     static const AttributeKeys keys;
-    setAttribute(keys.flexrate, QVariant(m_type->flexrate));
-    setAttribute(keys.esoc, QVariant(m_type->esoc));
-    setAttribute(keys.timestamp, QVariant(static_cast<int>(m_type->timestamp)));
-    setAttribute(keys.version, QVariant(static_cast<int>(m_type->version)));
+    setAttribute(keys.flexrate, QVariant(facts.flexrate));
+    setAttribute(keys.esoc, QVariant(facts.esoc));
+    setAttribute(keys.timestamp, QVariant(static_cast<int>(facts.timestamp)));
+    setAttribute(keys.version, QVariant(static_cast<int>(facts.generation)));
     setAttribute(keys.blocknr, QVariant(static_cast<int>(number)));
 }

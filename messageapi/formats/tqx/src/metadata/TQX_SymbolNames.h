@@ -1,33 +1,28 @@
 #pragma once
 
+#include "TQX_FieldFacts.h"
+#include "tqx_export.h"
+
 #include <QString>
 
 #include <cstdint>
 #include <vector>
 
-/// A named value of an integer field.
-struct TQX_Symbol {
-    int64_t value;
-    const char* name; ///< UTF-8
-};
-
-/// The named values of one symbol table. The texts are built once, so that the many fields that
-/// carry the table share them.
+/// The named values of one table. The texts are built once, so that the many fields that carry the
+/// table share them.
 class TQX_SymbolNames
 {
 public:
-    /// `symbols` must outlive the object.
-    TQX_SymbolNames(const TQX_Symbol* symbols, unsigned count);
-    template<unsigned Count>
-    explicit TQX_SymbolNames(const TQX_Symbol (&symbols)[Count]) : TQX_SymbolNames(symbols, Count)
-    {
-    }
+    /// The names of a field's values, built at the first call for any field that has the same.
+    TQX_API static const TQX_SymbolNames& of(const Kor::MessageApi::TQX_FieldFacts& field);
 
-    unsigned size() const { return static_cast<unsigned>(m_names.size()); }
-    int64_t value(unsigned index) const { return m_symbols[index].value; }
+    explicit TQX_SymbolNames(const Kor::MessageApi::TQX_NamedValues& values);
+
+    unsigned size() const { return m_values.size(); }
+    int64_t value(unsigned index) const { return m_values[index].value; }
     const QString& name(unsigned index) const { return m_names[index]; }
 
 private:
-    const TQX_Symbol* m_symbols;
+    Kor::MessageApi::TQX_NamedValues m_values;
     std::vector<QString> m_names;
 };

@@ -49,10 +49,12 @@ int generate(const Options& options)
     Output output(options.output, options.listOutputs);
     if (options.only.empty() || options.only == "codec")
         emitCodec(format, selection, output);
+    if (options.only.empty() || options.only == "facts")
+        emitFacts(format, selection, output);
     if (options.only.empty() || options.only == "messages")
         emitMessages(format, selection, output);
     if (options.only.empty() || options.only == "metadata")
-        emitMetadata(format, selection, output);
+        emitMetadata(selection, output);
     // For people, so it is written only when asked for.
     if (options.only == "reference")
         emitReference(format, selection, output);
@@ -77,7 +79,7 @@ int main(int argc, char** argv)
                    "Emit only these types and the sub-blocks that they hold")
         ->delimiter(',');
     app.add_option("--only", options.only, "Emit one kind of output")
-        ->check(CLI::IsMember({"codec", "messages", "metadata", "reference"}));
+        ->check(CLI::IsMember({"codec", "facts", "messages", "metadata", "reference"}));
     app.add_flag("--list-outputs", options.listOutputs,
                  "Print the names of the files that would be written, one a line");
     app.add_flag("--check", options.check, "Read and check the description, write nothing");

@@ -2,7 +2,6 @@
 #include "emit/metadata/MetadataHeaders.h"
 #include "emit/metadata/MetadataSources.h"
 #include "emit/metadata/Registration.h"
-#include "emit/metadata/SymbolTables.h"
 
 #include <algorithm>
 #include <iterator>
@@ -10,7 +9,7 @@
 namespace korcg::generator
 {
 
-void emitMetadata(const Format& format, const Selection& selection, Output& output)
+void emitMetadata(const Selection& selection, Output& output)
 {
     Selection types;
     std::copy_if(selection.begin(), selection.end(), std::back_inserter(types),
@@ -19,8 +18,7 @@ void emitMetadata(const Format& format, const Selection& selection, Output& outp
     emitTypeRowsHeader(types, output);
     for (const RecordType* type : types)
         emitMetadataHeaders(*type, output);
-    emitSymbolTables(format, types, output);
-    emitMetadataSources(format, types, output);
+    emitMetadataSources(types, output);
     emitRegistration(types, output);
 }
 

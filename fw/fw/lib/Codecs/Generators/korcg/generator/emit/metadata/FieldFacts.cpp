@@ -42,12 +42,6 @@ bool isSubMessage(const Field& field)
     return field.kind == FieldKind::Blocks || field.kind == FieldKind::Embedded;
 }
 
-int countSubFields(const RecordType& type, int index)
-{
-    return static_cast<int>(std::count_if(type.fields.begin(), type.fields.end(),
-                                          [index](const Field& f) { return f.parent == index; }));
-}
-
 std::string fieldInfoClass(const RecordType& type, const Field& field)
 {
     return fmt::format("TQX_{}_{}_FieldInfo", type.name, identifier(field.name));

@@ -9,9 +9,6 @@ namespace korcg::generator
 
 bool isSubMessage(const Field& field);
 
-/// How many fields of the type are bit ranges of field `index`.
-int countSubFields(const RecordType& type, int index);
-
 /// "TQX_AGCState_Gain_FieldInfo"
 std::string fieldInfoClass(const RecordType& type, const Field& field);
 

@@ -8,7 +8,7 @@ namespace korcg::generator
 {
 
 /// Initialisers of the TQX_FieldRow table of one type, a row a field.
-std::string fieldRows(const Format& format, const RecordType& type);
+std::string fieldRows(const RecordType& type);
 
 /// Initialiser of the type's TQX_TypeRow; `rows` is the name of its field table.
 std::string typeRow(const RecordType& type, const std::string& rows);

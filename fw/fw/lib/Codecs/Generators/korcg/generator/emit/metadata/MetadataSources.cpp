@@ -68,21 +68,20 @@ void {name}::setupFields()
                        fmt::arg("properties", properties));
 }
 
-std::string typeDefinitions(const Format& format, const RecordType& type)
+std::string typeDefinitions(const RecordType& type)
 {
     const std::string rows = type.name + "_fields";
     std::string text = fmt::format(R"(
 // {type}
 
-// class name, instance, sub-block metadata, sub-block getter, named values, unit,
-// scale, do-not-use as integer, as real, precision, role, sub-fields, flags
+// class name, instance, sub-block metadata, sub-block getter
 static constexpr TQX_FieldRow {rows}[] = {{
 {initialisers}}};
 
 const TQX_TypeRow TQX_TypeRows::{type} = {typeRow};
 )",
                                    fmt::arg("type", type.name), fmt::arg("rows", rows),
-                                   fmt::arg("initialisers", fieldRows(format, type)),
+                                   fmt::arg("initialisers", fieldRows(type)),
                                    fmt::arg("typeRow", typeRow(type, rows)));
     text += messageDefinitions(type);
     for (int i = 0; i < static_cast<int>(type.fields.size()); ++i)
@@ -119,28 +118,25 @@ std::string sources(const Selection& run)
     return files.empty() ? "no type" : fmt::format("{}", fmt::join(files, ", "));
 }
 
-void emitUnit(const Format& format, const Selection& run, size_t number, Output& output)
+void emitUnit(const Selection& run, size_t number, Output& output)
 {
     std::string definitions;
     for (const RecordType* type : run)
-        definitions += typeDefinitions(format, *type);
+        definitions += typeDefinitions(*type);
     output.write(fmt::format("TQX_Metadata_{}.cpp", number), sources(run),
                  fmt::format(R"(#include "TQX_Instances.h"
-#include "TQX_SymbolTables.h"
 #include "TQX_TypeRows.h"
-{}
-using Row [[maybe_unused]] = TQX_FieldRow;
-{})",
+{}{})",
                              includes(run), definitions));
 }
 
 } // namespace
 
-void emitMetadataSources(const Format& format, const Selection& types, Output& output)
+void emitMetadataSources(const Selection& types, Output& output)
 {
     size_t number = 0;
     for (const Selection& run : groups(types, UnitCount))
-        emitUnit(format, run, number++, output);
+        emitUnit(run, number++, output);
 }
 
 } // namespace korcg::generator

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "TQX_FieldFacts.h"
+
+/// The generated tables of facts.
+namespace Kor::MessageApi::Facts
+{
+
+struct NamedRow {
+    int64_t value;
+    uint16_t name; ///< where it begins in `texts`
+};
+
+/// Rows of one table of named values.
+struct NamedRun {
+    uint16_t first;
+    uint16_t count;
+};
+
+/// TQX_TypeFacts::firstField where there is no such type.
+constexpr uint32_t noType = UINT32_MAX;
+
+extern const char texts[];         ///< one behind the other, each with its zero; the first is empty
+extern const double reals[];       ///< the first is 0
+extern const uint64_t integers[];  ///< the first is 0
+extern const NamedRow namedRows[]; ///< the first is of no table
+extern const NamedRun namedRuns[]; ///< the first is empty
+extern const uint32_t namedRunCount;
+extern const TQX_FieldFacts fields[];
+extern const TQX_TypeFacts types[]; ///< by record type
+extern const uint32_t typeCount;
+
+} // namespace Kor::MessageApi::Facts

@@ -1,0 +1,147 @@
+#pragma once
+
+#include "TQX_Layout.h"
+
+#include <cstdint>
+#include <string_view>
+
+/// What the values of fields mean, beside where they are (TQX_Layout.h): units, scales, named
+/// values, what stands for "not available". Rows hold indices of tables that all types share, so
+/// that they are small and need no relocation; the functions below look them up. Nothing here
+/// allocates or throws, and everything may be used from several threads. Texts are UTF-8, end with
+/// a zero behind their last character and live as long as the library.
+namespace Kor::MessageApi
+{
+
+/// What a field is there for.
+enum class TQX_Role : uint8_t {
+    Unset = 0,     ///< sub-blocks
+    Data = 1,      ///< carries data
+    Structure = 2, ///< says how the block is laid out or encoded
+    Reserved = 3,
+};
+
+/// The facts of one field; row i of a type is that of field i of its layout.
+struct TQX_FieldFacts {
+    enum Flag : uint16_t {
+        Optional = 1,       ///< not in every block of the type
+        Repeated = 2,       ///< any number of values
+        Virtual = 4,        ///< computed, not sent
+        BitMask = 8,        ///< shown as a set of bits
+        Identifying = 16,   ///< distinguishes one record of the type from another
+        HasDoNotUse = 32,   ///< one value means "not available"
+        NamesDoNotUse = 64, ///< that value has the name "DoNotUse", which no table holds
+    };
+
+    uint16_t unit;         ///< for TQX_unit(); 0 for none, as with the next
+    uint16_t scale;        ///< for TQX_scale()
+    uint16_t doNotUse;     ///< for TQX_doNotUse()
+    uint16_t realDoNotUse; ///< for TQX_realDoNotUse()
+    uint16_t namedValues;  ///< for TQX_namedValues(); equal numbers are the same table
+    uint16_t flags;        ///< combination of Flag
+    int8_t precision;      ///< decimals to show, -1 for none given
+    TQX_Role role;
+    uint8_t subFields; ///< how many rows are bit ranges of this one
+
+    constexpr bool has(Flag flag) const { return (flags & flag) != 0; }
+};
+
+/// The facts of one record type. All but the first two are those of main blocks.
+struct TQX_TypeFacts {
+    uint32_t firstField;   ///< for TQX_fieldFacts()
+    uint16_t registration; ///< place in the registry from 1 on, 0 for a type without message class
+    uint16_t description;  ///< for TQX_description()
+    uint8_t generation;    ///< version of the block, from 1 on
+    bool flexrate;         ///< can be output at any rate
+    bool esoc;             ///< can be output on change
+    char timestamp;        ///< 'R' receiver time, 'S' transmission time, 'E' time of an event
+};
+
+/// A named value of an integer field.
+struct TQX_NamedValue {
+    int64_t value;
+    std::string_view name;
+};
+
+/// The named values of a field, in the order in which they are described.
+class TQX_NamedValues
+{
+public:
+    class iterator
+    {
+    public:
+        iterator(const TQX_NamedValues& values, unsigned position)
+            : m_values(&values), m_index(position)
+        {
+        }
+        TQX_NamedValue operator*() const { return (*m_values)[m_index]; }
+        iterator& operator++()
+        {
+            ++m_index;
+            return *this;
+        }
+        bool operator!=(const iterator& other) const { return m_index != other.m_index; }
+
+    private:
+        const TQX_NamedValues* m_values;
+        unsigned m_index;
+    };
+
+    TQX_NamedValues(unsigned firstRow, unsigned count) : m_first(firstRow), m_count(count) {}
+
+    unsigned size() const { return m_count; }
+    bool empty() const { return m_count == 0; }
+    /// `index` is below size().
+    TQX_CODEC_API TQX_NamedValue operator[](unsigned index) const;
+    iterator begin() const { return {*this, 0}; }
+    iterator end() const { return {*this, m_count}; }
+
+private:
+    unsigned m_first;
+    unsigned m_count;
+};
+
+/// Unit word, such as "meter"; empty for none.
+TQX_CODEC_API std::string_view TQX_unit(const TQX_FieldFacts& field);
+
+/// What a stored integer is multiplied with; 0 for none.
+TQX_CODEC_API double TQX_scale(const TQX_FieldFacts& field);
+
+/// The value of an integer field that means "not available", in two's complement when it is signed;
+/// 0 for none, so ask for HasDoNotUse.
+TQX_CODEC_API uint64_t TQX_doNotUse(const TQX_FieldFacts& field);
+
+/// Likewise of a floating-point field; exact for one of 32 bits, too.
+TQX_CODEC_API double TQX_realDoNotUse(const TQX_FieldFacts& field);
+
+/// Whether an integer (sign-extended and cast when signed) means "not available".
+inline bool TQX_isDoNotUse(const TQX_FieldFacts& field, uint64_t value)
+{
+    return field.has(TQX_FieldFacts::HasDoNotUse) && value == TQX_doNotUse(field);
+}
+
+/// Likewise for a floating-point value.
+inline bool TQX_isRealDoNotUse(const TQX_FieldFacts& field, double value)
+{
+    return field.has(TQX_FieldFacts::HasDoNotUse) && value == TQX_realDoNotUse(field);
+}
+
+/// The named values of a field, without the one that NamesDoNotUse stands for.
+TQX_CODEC_API TQX_NamedValues TQX_namedValues(const TQX_FieldFacts& field);
+
+/// How many tables of named values there are, the empty one at index 0 included.
+TQX_CODEC_API unsigned TQX_namedValueTables();
+
+/// One line on what a type is, empty for none.
+TQX_CODEC_API std::string_view TQX_description(const TQX_TypeFacts& type);
+
+} // namespace Kor::MessageApi
+
+extern "C" {
+
+/// Facts of a record type (1 to 382), or null when there is no such type.
+TQX_CODEC_API const Kor::MessageApi::TQX_TypeFacts* TQX_typeFacts(uint32_t recordType);
+
+/// Facts of its fields, as many as TQX_layout(recordType)->fieldCount, or null.
+TQX_CODEC_API const Kor::MessageApi::TQX_FieldFacts* TQX_fieldFacts(uint32_t recordType);
+}
