@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TQX_DerivedInputs.h"
 #include "TQX_FieldFacts.h"
 
 /// The generated tables of facts.
@@ -29,5 +30,8 @@ extern const uint32_t namedRunCount;
 extern const TQX_FieldFacts fields[];
 extern const TQX_TypeFacts types[]; ///< by record type
 extern const uint32_t typeCount;
+
+extern const TQX_DerivedInput derivedInputs[]; ///< ascending type and row
+extern const uint32_t derivedInputCount;
 
 } // namespace Kor::MessageApi::Facts
