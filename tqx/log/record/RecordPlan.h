@@ -54,7 +54,8 @@ struct RecordPlan {
 enum class ShownFields : uint8_t {
     All,
     OnWire,        ///< those with bytes of their own: no bit ranges, no derived values
-    WithoutFiller, ///< no header but time of week and week, no padding, unless the filter names them
+    WithoutFiller, ///< no header but time of week and week, no padding, unless the filter names
+                   ///< them
 };
 
 /// The plan of a type, sub-blocks included. Layouts and facts live as long as the codec; the filter

@@ -35,7 +35,7 @@ public:
         if (bytes <= room)
             return;
         const size_t rounded = (std::max(bytes, room * 2) + alignment - 1) / alignment * alignment;
-        Memory larger(static_cast<uint8_t*>(::operator new(rounded, std::align_val_t{alignment})));
+        Memory larger(static_cast<uint8_t*>(::operator new (rounded, std::align_val_t{alignment})));
         if (used != 0)
             std::memcpy(larger.get(), memory.get(), used);
         memory = std::move(larger);
@@ -72,7 +72,7 @@ private:
     struct Free {
         void operator()(uint8_t* bytes) const
         {
-            ::operator delete(bytes, std::align_val_t{alignment});
+            ::operator delete (bytes, std::align_val_t{alignment});
         }
     };
     using Memory = std::unique_ptr<uint8_t, Free>;

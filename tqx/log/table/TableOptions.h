@@ -28,16 +28,16 @@ struct TableOptions {
     /// Values that mean "not available", and values derived from one that is not, become null.
     bool hidesDoNotUse = true;
 
-    bool hasUtc = false;    ///< a column "utc" after "time"
-    bool hasOffset = true;  ///< a column "offset": of the block in its file
-    bool hasFile = false;   ///< a column "file": its name
+    bool hasUtc = false;   ///< a column "utc" after "time"
+    bool hasOffset = true; ///< a column "offset": of the block in its file
+    bool hasFile = false;  ///< a column "file": its name
 
     /// Most rows of a batch, at least 1; the sub-blocks of one message stay together, however.
     size_t batchRows = 65536;
 
     /// A batch ends after so many bytes of blocks, too, which bounds its memory where messages have
     /// many sub-blocks: columns take some two to eight times as much. At least 1.
-    size_t batchBytes = size_t{32} << 20U;
+    size_t batchBytes = size_t{8} << 20U;
 };
 
 } // namespace tqx

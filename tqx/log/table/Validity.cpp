@@ -11,8 +11,8 @@ namespace tqx
 namespace
 {
 
-/// Eight flags as eight bits, the first one as the lowest: the product moves flag i, which is bit 8i
-/// of the word, to bit 56 + i, and no two flags to the same bit.
+/// Eight flags as eight bits, the first one as the lowest: the product moves flag i, which is bit
+/// 8i of the word, to bit 56 + i, and no two flags to the same bit.
 uint8_t pack(const uint8_t* flags)
 {
     constexpr uint64_t spread = 0x0102040810204080;
