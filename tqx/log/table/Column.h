@@ -29,6 +29,33 @@ struct Run {
     }
 };
 
+/// Runs that follow each other in memory, read as one. Decoding puts the arrays of an array's
+/// entries one behind the other, and columns are filled faster by longer runs.
+struct JoinedRun {
+    Run run = {nullptr, 0, 0, 0, false};
+
+    /// Adds a run that is not empty; calls `use` before if it does not follow what is there.
+    template<typename Use>
+    void add(const Run& next, const Use& use)
+    {
+        if (run.count != 0 && next.base == run.at(run.count)) {
+            run.count += next.count;
+            return;
+        }
+        end(use);
+        run = next;
+    }
+
+    /// Calls `use` if there is something, and begins anew.
+    template<typename Use>
+    void end(const Use& use)
+    {
+        if (run.count != 0)
+            use();
+        run.count = 0;
+    }
+};
+
 /// Values of a column that is being filled.
 class Column
 {

@@ -132,16 +132,13 @@ std::shared_ptr<const NameDictionary> ColumnPlanner::namesOf(const RecordPlan::P
                         field.width <= NameDictionary::widest;
     if (!options.isNamed || !isCode || TQX_namedValues(*part.facts).empty())
         return nullptr;
-    const bool hides = options.hidesDoNotUse && part.facts->has(TQX_FieldFacts::HasDoNotUse);
-    const uint64_t key = uint64_t{part.facts->namedValues} << 32U |
-                         uint64_t{part.facts->flags} << 16U | uint64_t{field.width} << 9U |
-                         (hides ? TQX_doNotUse(*part.facts) + 1 : 0);
-    for (const auto& [known, names] : dictionaries)
-        if (known == key)
-            return names;
-    dictionaries.emplace_back(
-        key, std::make_shared<NameDictionary>(*part.facts, field.width, options.hidesDoNotUse));
-    return dictionaries.back().second;
+    const bool namesNone = part.facts->has(TQX_FieldFacts::NamesDoNotUse);
+    const uint64_t none = namesNone ? TQX_doNotUse(*part.facts) + 1 : 0;
+    const std::array<uint64_t, 3> key = {part.facts->namedValues, field.width, none};
+    std::shared_ptr<const NameDictionary>& names = dictionaries[key];
+    if (!names)
+        names = std::make_shared<const NameDictionary>(*part.facts, field.width);
+    return names;
 }
 
 void ColumnPlanner::planNumber(ColumnPlan& column, const RecordPlan::Part& part)
@@ -152,7 +149,7 @@ void ColumnPlanner::planNumber(ColumnPlan& column, const RecordPlan::Part& part)
     column.format = formatOf(part.field->type);
     column.names = namesOf(part);
     if (column.names) {
-        column.format = column.names->isWide() ? "s" : "c";
+        column.format = column.names->getIndexSize() == 1 ? "c" : "s";
     } else if (options.isScaled && factor != 0) {
         column.scale.emplace(factor);
         column.format = "g";

@@ -6,7 +6,9 @@
 #include "tqx/log/table/TableOptions.h"
 #include "tqx/log/value/Scale.h"
 
+#include <array>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -89,7 +91,8 @@ private:
     std::shared_ptr<const NameDictionary> namesOf(const RecordPlan::Part& part);
 
     const TableOptions& options;
-    std::vector<std::pair<uint64_t, std::shared_ptr<const NameDictionary>>> dictionaries;
+    /// By the table of names, the width and the code that means "not available", if it has a name.
+    std::map<std::array<uint64_t, 3>, std::shared_ptr<const NameDictionary>> dictionaries;
 };
 
 } // namespace tqx

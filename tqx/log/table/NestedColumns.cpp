@@ -37,6 +37,12 @@ ColumnBuffer takeOffsets(ColumnBuffer& offsets)
     return taken;
 }
 
+/// Room for as much as the last batch had and a little more: batches are alike.
+size_t withMargin(size_t size)
+{
+    return size + size / 16;
+}
+
 /// Latin-1 to UTF-8.
 void appendLatin1(ColumnBuffer& out, const char* text, size_t length)
 {
@@ -97,11 +103,13 @@ void TextColumn::appendNulls(size_t count)
 void TextColumn::reserve(size_t count)
 {
     offsets.reserve((count + 1) * sizeof(int32_t));
+    texts.reserve(usualBytes);
 }
 
 OwnedArrow<ArrowArray> TextColumn::finish()
 {
     ArrayParts parts = takeParts();
+    usualBytes = withMargin(texts.size());
     parts.buffers.push_back(takeOffsets(offsets));
     parts.buffers.push_back(std::exchange(texts, ColumnBuffer()));
     return exportArray(std::move(parts));
@@ -159,15 +167,18 @@ void ArrayColumn::appendNulls(size_t count)
 
 void ArrayColumn::reserve(size_t count)
 {
-    if (plan.kind == ColumnPlan::Kind::List)
+    if (plan.kind == ColumnPlan::Kind::List) {
         offsets.reserve((count + 1) * sizeof(int32_t));
-    else
+        items->reserve(usualItems);
+    } else {
         items->reserve(count * plan.field->elements);
+    }
 }
 
 OwnedArrow<ArrowArray> ArrayColumn::finish()
 {
     ArrayParts parts = takeParts();
+    usualItems = withMargin(items->getLength());
     if (plan.kind == ColumnPlan::Kind::List)
         parts.buffers.push_back(takeOffsets(offsets));
     parts.children.push_back(items->finish());
@@ -212,28 +223,20 @@ BlocksColumn::BlocksColumn(const ColumnPlan& column, const std::vector<std::stri
     offsets.push(int32_t{0});
 }
 
-// Decoding puts the arrays of an array's entries one behind the other, so that they are read as one
-// run as a rule.
 void BlocksColumn::append(const Run& run)
 {
-    Run joined = {nullptr, recordSize, 0, run.revision, false};
+    JoinedRun joined;
+    const auto use = [&] { fields.append(joined.run); };
     for (size_t i = 0; i < run.count; ++i) {
         const uint32_t count = TQX_elementCount(*plan.type, *plan.field, run.at(i));
         if (count != 0) {
             const auto* first = static_cast<const uint8_t*>(TQX_element(*plan.field, run.at(i)));
-            if (joined.count != 0 && first != joined.at(joined.count)) {
-                fields.append(joined);
-                joined.count = 0;
-            }
-            if (joined.count == 0)
-                joined.base = first;
-            joined.count += count;
+            joined.add({first, recordSize, count, run.revision, false}, use);
             entries.appendValid(count);
         }
         pushOffset(offsets, entries.size());
     }
-    if (joined.count != 0)
-        fields.append(joined);
+    joined.end(use);
     validity.appendValid(run.count);
 }
 
@@ -246,10 +249,12 @@ void BlocksColumn::appendNulls(size_t count)
 void BlocksColumn::reserve(size_t count)
 {
     offsets.reserve((count + 1) * sizeof(int32_t));
+    fields.reserve(usualEntries);
 }
 
 OwnedArrow<ArrowArray> BlocksColumn::finish()
 {
+    usualEntries = withMargin(entries.size());
     ArrayParts items;
     items.validity = std::exchange(entries, Validity());
     fields.finish(items.children);

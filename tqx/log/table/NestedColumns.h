@@ -20,6 +20,7 @@ protected:
     const ColumnPlan& plan;
     ColumnBuffer offsets;
     ColumnBuffer texts;
+    size_t usualBytes = 0; ///< of a batch
 
 private:
     void appendText(const char* text, size_t capacity);
@@ -52,7 +53,8 @@ private:
     const ColumnPlan& plan;
     uint32_t stride;
     std::unique_ptr<Column> items;
-    ColumnBuffer offsets; ///< of counted ones
+    size_t usualItems = 0; ///< of a batch
+    ColumnBuffer offsets;  ///< of counted ones
 };
 
 /// Embedded sub-blocks.
@@ -86,7 +88,8 @@ private:
     const ColumnPlan& plan;
     uint32_t recordSize;
     FieldColumns fields;
-    Validity entries; ///< none is null
+    Validity entries;        ///< none is null
+    size_t usualEntries = 0; ///< of a batch
     ColumnBuffer offsets;
 };
 

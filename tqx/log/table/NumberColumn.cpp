@@ -47,35 +47,40 @@ void applyTo(const void* values, size_t count, const Scale& scale, void* out)
         to[i] = scale.apply(static_cast<double>(all[i]));
 }
 
+/// What is null is the first text, for readers that look at indices before they look for nulls.
 template<typename Index>
-void lookUp(const uint8_t* codes, size_t count, const NameDictionary& names, uint8_t* out,
-            uint8_t* flags)
+void clearNulls(void* indices, size_t count, const uint8_t* flags)
 {
-    const auto& indices = names.getIndices();
-    for (size_t i = 0; i < count; ++i) {
-        const int16_t index = indices[codes[i]];
-        const auto shown = static_cast<Index>(std::max<int16_t>(index, 0));
-        std::memcpy(out + i * sizeof shown, &shown, sizeof shown);
-        flags[i] = index >= 0 ? 1 : 0;
-    }
+    auto* all = static_cast<Index*>(indices);
+    for (size_t i = 0; i < count; ++i)
+        all[i] = static_cast<Index>(all[i] * flags[i]);
+}
+
+template<typename Index>
+void replaceAll(void* indices, size_t count, const std::vector<uint8_t>& places)
+{
+    auto* all = static_cast<Index*>(indices);
+    for (size_t i = 0; i < count; ++i)
+        all[i] = places[all[i]];
 }
 
 uint32_t sizeOf(const ColumnPlan& plan)
 {
     if (plan.names)
-        return plan.names->isWide() ? 2 : 1;
+        return plan.names->getIndexSize();
     return plan.scale ? sizeof(double) : plan.source.size;
 }
 
 } // namespace
 
-NumberColumn::FindAvailable NumberColumn::findAvailableFor(const NumberSource& source)
+NumberColumn::FindAvailable NumberColumn::findAvailableFor(const NumberSource& source,
+                                                           uint32_t size)
 {
     if (!source.hasDoNotUse)
         return nullptr;
     if (source.form == NumberSource::Form::Real)
         return source.size == sizeof(float) ? findReals<float> : findReals<double>;
-    switch (source.size) {
+    switch (size) {
     case 1:
         return findIntegers<uint8_t>;
     case 2:
@@ -105,16 +110,15 @@ NumberColumn::Apply NumberColumn::applyFor(const NumberSource& source)
 }
 
 NumberColumn::NumberColumn(const ColumnPlan& column)
-    : plan(column), readings{Reading{column.source.place,
-                                     gatherFor(column.source.place, column.source.size)},
-                             Reading{column.placeOnWire,
-                                     gatherFor(column.placeOnWire, column.source.size)}},
-      findAvailable(column.names ? nullptr : findAvailableFor(column.source)),
-      apply(column.scale ? applyFor(column.source) : nullptr), size(sizeOf(column))
+    : plan(column), size(sizeOf(column)), readSize(column.names ? size : column.source.size),
+      readings{Reading{column.source.place, gatherFor(column.source.place, readSize)},
+               Reading{column.placeOnWire, gatherFor(column.placeOnWire, readSize)}},
+      findAvailable(findAvailableFor(column.source, readSize)),
+      apply(column.scale ? applyFor(column.source) : nullptr)
 {
     for (const DerivedInput& input : column.inputs)
         inputs.push_back({&input, gatherFor(input.source.place, input.source.size),
-                          findAvailableFor(input.source)});
+                          findAvailableFor(input.source, input.source.size)});
 }
 
 void NumberColumn::reserve(size_t count)
@@ -142,30 +146,34 @@ void NumberColumn::appendSome(const uint8_t* from, const Run& run, const Reading
     Scratch stored;
     uint8_t flags[chunk];
     uint8_t* out = values.extend(run.count * size);
-    const bool isPlain = !apply && !plan.names;
-    uint8_t* read = isPlain ? out : stored.bytes;
+    uint8_t* read = apply ? stored.bytes : out;
     reading.gather(from, run.stride, run.count, reading.place, read);
     if (apply)
         apply(read, run.count, *plan.scale, out);
-    if (plan.names)
-        nameAll(read, run.count, out, flags);
-    else if (findAvailable)
+    if (findAvailable)
         findAvailable(read, run.count, plan.source, flags);
-    else if (inputs.empty())
-        return validity.appendValid(run.count);
-    else
+    else if (!inputs.empty())
         std::memset(flags, 1, run.count);
     if (!inputs.empty())
         checkInputs(run, flags);
-    validity.append(flags, run.count);
+    const bool mayBeNull = findAvailable || !inputs.empty();
+    if (plan.names)
+        finishNames(out, run.count, mayBeNull ? flags : nullptr);
+    if (mayBeNull)
+        validity.append(flags, run.count);
+    else
+        validity.appendValid(run.count);
 }
 
-void NumberColumn::nameAll(const uint8_t* codes, size_t count, uint8_t* out, uint8_t* flags) const
+/// Makes indices of codes; flags are null when every code has a text.
+void NumberColumn::finishNames(uint8_t* codes, size_t count, const uint8_t* flags) const
 {
-    if (plan.names->isWide())
-        lookUp<int16_t>(codes, count, *plan.names, out, flags);
-    else
-        lookUp<int8_t>(codes, count, *plan.names, out, flags);
+    const std::vector<uint8_t>& places = plan.names->getPlaces();
+    const bool isNarrow = size == 1;
+    if (!places.empty())
+        (isNarrow ? replaceAll<uint8_t> : replaceAll<uint16_t>)(codes, count, places);
+    if (flags)
+        (isNarrow ? clearNulls<uint8_t> : clearNulls<uint16_t>)(codes, count, flags);
 }
 
 /// Clears the flags of the values that have an input which is not available.

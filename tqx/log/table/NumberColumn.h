@@ -35,19 +35,20 @@ private:
         FindAvailable findAvailable;
     };
 
-    static FindAvailable findAvailableFor(const NumberSource& source);
+    static FindAvailable findAvailableFor(const NumberSource& source, uint32_t size);
     static Apply applyFor(const NumberSource& source);
 
     void appendSome(const uint8_t* from, const Run& run, const Reading& reading);
-    void nameAll(const uint8_t* codes, size_t count, uint8_t* out, uint8_t* flags) const;
+    void finishNames(uint8_t* codes, size_t count, const uint8_t* flags) const;
     void checkInputs(const Run& run, uint8_t* flags) const;
 
     const ColumnPlan& plan;
+    uint32_t size;                   ///< of an element of the column in bytes
+    uint32_t readSize;               ///< of what is read for it: stored values, or indices of names
     std::array<Reading, 2> readings; ///< in records, on the wire
     FindAvailable findAvailable;     ///< null when every value is available
     Apply apply;                     ///< null when values are not scaled
     std::vector<Input> inputs;
-    uint32_t size; ///< of an element of the column in bytes
     ColumnBuffer values;
 };
 

@@ -61,23 +61,24 @@ class TableBuilder::Rows
 public:
     Rows(std::shared_ptr<const TableSchema> ofTable, Refuse whenRefused);
 
-    void append(const TableBlock& block);
+    size_t append(const TableBlock* blocks, size_t size);
     size_t getCount() const { return count + staged; }
-    size_t getBytes() const { return bytes; }
-    const TableSchema& getSchema() const { return *schema; }
+    bool isFull() const { return getCount() >= options.batchRows || bytes >= options.batchBytes; }
     OwnedArrow<ArrowArray> finish();
 
 private:
+    void append(const TableBlock& block);
     RowFacts factsOf(const TableBlock& block);
     uint32_t numberOf(std::string_view file);
     void stage(const TableBlock& block, unsigned revision);
     void flush();
     void decode(const TableBlock& block);
-    void appendEntries(const RowFacts& facts, size_t depth);
+    void appendEntries(size_t depth);
     void reserve();
 
     std::shared_ptr<const TableSchema> schema;
     const TablePlan& plan;
+    const TableOptions& options;
     Refuse refuse;
     std::vector<std::string> files;
     FieldColumns aboutBlock;
@@ -94,12 +95,13 @@ private:
 
     TQX_OwnedRecord record;
     std::vector<const uint8_t*> chain; ///< a record of each level
+    JoinedRun joined;                  ///< of the last level
 };
 
 TableBuilder::Rows::Rows(std::shared_ptr<const TableSchema> ofTable, Refuse whenRefused)
-    : schema(std::move(ofTable)), plan(schema->getPlan()), refuse(std::move(whenRefused)),
-      aboutBlock(plan.aboutBlock, files), heads(plan.wire.stride * mostStaged),
-      headFacts(mostStaged), chain(plan.levels.size())
+    : schema(std::move(ofTable)), plan(schema->getPlan()), options(schema->getOptions()),
+      refuse(std::move(whenRefused)), aboutBlock(plan.aboutBlock, files),
+      heads(plan.wire.stride * mostStaged), headFacts(mostStaged), chain(plan.levels.size())
 {
     for (const TablePlan::Level& level : plan.levels)
         levels.emplace_back(level.columns, files);
@@ -108,7 +110,7 @@ TableBuilder::Rows::Rows(std::shared_ptr<const TableSchema> ofTable, Refuse when
 
 void TableBuilder::Rows::reserve()
 {
-    const size_t rows = schema->getOptions().batchRows;
+    const size_t rows = options.batchRows;
     aboutBlock.reserve(rows);
     for (FieldColumns& level : levels)
         level.reserve(rows);
@@ -123,7 +125,6 @@ uint32_t TableBuilder::Rows::numberOf(std::string_view file)
 
 RowFacts TableBuilder::Rows::factsOf(const TableBlock& block)
 {
-    const TableOptions& options = schema->getOptions();
     RowFacts facts;
     const auto time = gnssMillis(korcg_load_u32(block.data + 8), korcg_load_u16(block.data + 12));
     if (time) {
@@ -135,6 +136,20 @@ RowFacts TableBuilder::Rows::factsOf(const TableBlock& block)
     if (options.hasFile)
         facts.file = numberOf(block.file);
     return facts;
+}
+
+size_t TableBuilder::Rows::append(const TableBlock* blocks, size_t size)
+{
+    const uint16_t number = schema->getType().blockNumber;
+    for (size_t i = 0; i < size; ++i) {
+        if (isFull())
+            return i;
+        if (i + ahead < size)
+            prefetch(blocks[i + ahead].data);
+        if (blocks[i].getNumber() == number)
+            append(blocks[i]);
+    }
+    return size;
 }
 
 void TableBuilder::Rows::append(const TableBlock& block)
@@ -153,10 +168,7 @@ void TableBuilder::Rows::stage(const TableBlock& block, unsigned ofBlock)
         flush();
     revision = ofBlock;
     uint8_t* head = heads.data() + staged * plan.wire.stride;
-    if (block.size >= plan.wire.size)
-        std::memcpy(head, block.data, plan.wire.size);
-    else
-        std::memcpy(head, block.data, block.size);
+    std::memcpy(head, block.data, std::min<size_t>(block.size, plan.wire.size));
     const uint32_t towc = continuousTow(korcg_load_u32(block.data + 8), block.week);
     std::memcpy(head + plan.wire.towcOffset, &towc, sizeof towc);
     headFacts[staged] = factsOf(block);
@@ -188,16 +200,22 @@ void TableBuilder::Rows::decode(const TableBlock& block)
     const RowFacts facts = factsOf(block);
     chain.front() = static_cast<const uint8_t*>(record.get());
     revision = header.Revision;
-    if (chain.size() > 1)
-        return appendEntries(facts, 1);
+    const size_t before = count;
+    if (chain.size() > 1) {
+        appendEntries(1);
+        joined.end([&] { levels.back().append(joined.run); });
+    } else {
+        ++count;
+    }
     const void* about = &facts;
-    aboutBlock.append({static_cast<const uint8_t*>(about), 0, 1, revision, false});
-    levels.front().append({chain.front(), 0, 1, revision, false});
-    ++count;
+    const size_t rows = count - before;
+    aboutBlock.append({static_cast<const uint8_t*>(about), 0, rows, revision, false});
+    levels.front().append({chain.front(), 0, rows, revision, false});
 }
 
-/// Adds the rows of the records of level `depth` in the one at hand of the level above.
-void TableBuilder::Rows::appendEntries(const RowFacts& facts, size_t depth)
+/// Adds the rows of the records of level `depth` in the one at hand of the level above, as far as
+/// they come from that level on.
+void TableBuilder::Rows::appendEntries(size_t depth)
 {
     const TQX_TypeLayout& owner = *plan.levels[depth - 1].type;
     const TQX_FieldLayout& field = *plan.levels[depth].field;
@@ -205,22 +223,20 @@ void TableBuilder::Rows::appendEntries(const RowFacts& facts, size_t depth)
     if (!TQX_isPresent(owner, field, above))
         return;
     const size_t entries = TQX_elementCount(owner, field, above);
+    if (entries == 0)
+        return;
     const auto* first = static_cast<const uint8_t*>(TQX_element(field, above));
     const Run run = {first, TQX_elementSize(field), entries, revision, false};
     if (depth + 1 < plan.levels.size()) {
         for (size_t i = 0; i < entries; ++i) {
             chain[depth] = run.at(i);
-            appendEntries(facts, depth + 1);
+            appendEntries(depth + 1);
         }
         return;
     }
-    if (entries == 0)
-        return;
-    const void* about = &facts;
-    aboutBlock.append({static_cast<const uint8_t*>(about), 0, entries, revision, false});
-    for (size_t level = 0; level < depth; ++level)
+    for (size_t level = 1; level < depth; ++level)
         levels[level].append({chain[level], 0, entries, revision, false});
-    levels[depth].append(run);
+    joined.add(run, [&] { levels.back().append(joined.run); });
     count += entries;
 }
 
@@ -248,16 +264,7 @@ TableBuilder::~TableBuilder() = default;
 
 size_t TableBuilder::append(const TableBlock* blocks, size_t count)
 {
-    const uint16_t number = rows->getSchema().getType().blockNumber;
-    for (size_t i = 0; i < count; ++i) {
-        if (isFull())
-            return i;
-        if (i + ahead < count)
-            prefetch(blocks[i + ahead].data);
-        if (blocks[i].getNumber() == number)
-            rows->append(blocks[i]);
-    }
-    return count;
+    return rows->append(blocks, count);
 }
 
 size_t TableBuilder::getRows() const
@@ -267,8 +274,7 @@ size_t TableBuilder::getRows() const
 
 bool TableBuilder::isFull() const
 {
-    const TableOptions& options = rows->getSchema().getOptions();
-    return rows->getCount() >= options.batchRows || rows->getBytes() >= options.batchBytes;
+    return rows->isFull();
 }
 
 void TableBuilder::finish(ArrowArray& out)

@@ -19,6 +19,18 @@ uint8_t pack(const uint8_t* flags)
     return static_cast<uint8_t>(korcg_load_u64(flags) * spread >> 56U);
 }
 
+/// Flags that are 1: the product adds those of eight in its highest byte.
+size_t countOnes(const uint8_t* flags, size_t count)
+{
+    constexpr uint64_t ones = 0x0101010101010101;
+    size_t sum = 0;
+    for (; count >= 8; count -= 8, flags += 8)
+        sum += korcg_load_u64(flags) * ones >> 56U;
+    for (; count != 0; --count)
+        sum += *flags++;
+    return sum;
+}
+
 } // namespace
 
 void Validity::begin()
@@ -64,9 +76,7 @@ void Validity::appendNulls(size_t count)
 
 void Validity::append(const uint8_t* flags, size_t count)
 {
-    size_t valid = 0;
-    for (size_t i = 0; i < count; ++i)
-        valid += flags[i];
+    const size_t valid = countOnes(flags, count);
     if (valid == count)
         return appendValid(count);
     begin();

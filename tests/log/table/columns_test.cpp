@@ -1,0 +1,4 @@
+#include "Tables.h"
+
+#include <gtest/gtest.h>
+TEST(Columns, None) {}
