@@ -34,8 +34,8 @@ std::string itemsText(const ArrowSchema& schema, const ArrowArray& array, size_t
         return "<list out of range>";
     std::string text = "[";
     for (size_t item = begin; item < end; ++item)
-        text += (item == begin ? "" : ",") +
-                arrowText(*schema.children[0], *array.children[0], item);
+        text +=
+            (item == begin ? "" : ",") + arrowText(*schema.children[0], *array.children[0], item);
     return text + "]";
 }
 

@@ -6,8 +6,8 @@
 #include <string>
 
 /// A value of an array as text: numbers in decimal, floats in hexadecimal, texts in quotes, lists
-/// in brackets, structs in braces, "null". Reads what the interface says and nothing else; what does
-/// not fit together gives text in angle brackets.
+/// in brackets, structs in braces, "null". Reads what the interface says and nothing else; what
+/// does not fit together gives text in angle brackets.
 std::string arrowText(const ArrowSchema& schema, const ArrowArray& array, size_t row);
 
 /// The value of a key of the metadata, "" if there is none.

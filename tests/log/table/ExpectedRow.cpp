@@ -84,8 +84,8 @@ std::string integerText(const TQX_FieldLayout& field, const TQX_FieldFacts& fact
                         const void* record, uint32_t index, Values values)
 {
     const uint64_t bits = bitsOf(field, record, index);
-    const std::string digits = TQX_isSigned(field) ? std::to_string(static_cast<int64_t>(bits))
-                                                   : std::to_string(bits);
+    const std::string digits =
+        TQX_isSigned(field) ? std::to_string(static_cast<int64_t>(bits)) : std::to_string(bits);
     if (values == Values::Stored)
         return digits;
     if (const TQX_NamedValues names = TQX_namedValues(facts); !names.empty()) {

@@ -16,8 +16,7 @@ public:
     WholeTable(const Kor::MessageApi::TQX_TypeLayout& type, const tqx::TableOptions& options,
                const std::vector<Bytes>& blocks, uint8_t week = 0)
         : schema(std::make_shared<const tqx::TableSchema>(type, options)),
-          builder(schema,
-                  [this](const tqx::TableBlock&, int32_t code) { refused.push_back(code); })
+          builder(schema, [this](const tqx::TableBlock&, int32_t code) { refused.push_back(code); })
     {
         schema->exportTo(columns);
         std::vector<tqx::TableBlock> views;
