@@ -255,4 +255,17 @@ TEST(TableBuilder, EndsABatchAfterSoManyBytes)
     EXPECT_EQ(table.column("offset"), (Texts{"100", "101", "102", "103", "104", "105", "106"}));
 }
 
+TEST(TableBuilder, HasNoBatchWithoutRows)
+{
+    const Bytes block = madeBlock<TQX_PVTGeodetic2_s>([](TQX_PVTGeodetic2_s&) {});
+    tqx::TableOptions options;
+    options.batchBytes = 1;
+    const Bytes cut(block.begin(), block.begin() + 40);
+    const WholeTable table(position(), options, {cut, cut, block, block, cut});
+    EXPECT_EQ(table.refused.size(), 3U);
+    EXPECT_EQ(table.column("offset"), (Texts{"102", "103"}));
+    ASSERT_GE(table.batches.size(), 2U);
+    EXPECT_EQ(table.batches[0].length, 1);
+}
+
 } // namespace

@@ -63,7 +63,10 @@ public:
 
     size_t append(const TableBlock* blocks, size_t size);
     size_t getCount() const { return count + staged; }
-    bool isFull() const { return getCount() >= options.batchRows || bytes >= options.batchBytes; }
+    bool isFull() const
+    {
+        return getCount() >= options.batchRows || (bytes >= options.batchBytes && getCount() != 0);
+    }
     OwnedArrow<ArrowArray> finish();
 
 private:
