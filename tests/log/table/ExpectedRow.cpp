@@ -1,7 +1,6 @@
 #include "ExpectedRow.h"
 
 #include "ArrowText.h"
-#include "TQX_DerivedInputs.h"
 #include "TQX_FieldFacts.h"
 #include "tqx/log/value/Scale.h"
 
@@ -42,27 +41,6 @@ bool isDoNotUse(const TQX_FieldLayout& field, const TQX_FieldFacts& facts, const
 {
     return isReal(field) ? TQX_isRealDoNotUse(facts, realValue(field, record, index))
                          : TQX_isDoNotUse(facts, bitsOf(field, record, index));
-}
-
-bool isAvailable(const TQX_TypeLayout& type, uint32_t row, const void* record)
-{
-    for (const TQX_DerivedInput& input : TQX_derivedInputs(type.recordType, row)) {
-        const void* owner = record;
-        for (unsigned link = 0; link < input.links; ++link)
-            owner = static_cast<const KorcgHeader_s*>(owner)->korcg_father;
-        if (static_cast<const KorcgHeader_s*>(owner)->korcg_type != input.ownerType)
-            continue;
-        const TQX_TypeLayout& ownerType = *TQX_layout(input.ownerType);
-        const TQX_FieldLayout& field = ownerType.fields[input.inputRow];
-        if (input.zeroIsNone) {
-            if (realValue(field, owner, 0) == 0)
-                return false;
-        } else if (isDoNotUse(field, TQX_fieldFacts(input.ownerType)[input.inputRow], owner, 0) ||
-                   !isAvailable(ownerType, input.inputRow, owner)) {
-            return false;
-        }
-    }
-    return true;
 }
 
 std::string latin1(const char* text, size_t capacity)
@@ -109,7 +87,7 @@ std::string numberText(const TQX_TypeLayout& type, uint32_t row, const void* rec
     if (field.type == TQX_MemberType::Char)
         return latin1(static_cast<const char*>(TQX_element(field, record, index)), 1);
     if (values == Values::Shown &&
-        (isDoNotUse(field, facts, record, index) || !isAvailable(type, row, record)))
+        (isDoNotUse(field, facts, record, index) || !TQX_hasInputs(facts, record)))
         return "null";
     if (!isReal(field))
         return integerText(field, facts, record, index, values);

@@ -154,6 +154,8 @@ TEST(HeaderColumns, ComeWhenTheyAreNamed)
     EXPECT_EQ(table.column("Length"), Texts{std::to_string(block.size())});
     // Two weeks later, in 32 bits.
     EXPECT_EQ(table.column("TOWc"), Texts{std::to_string(4000000000U + 2 * 604800000U)});
+    EXPECT_EQ(WholeTable(position(), options, {timed(0xffffffff)}, 2).column("TOWc"),
+              Texts{"null"});
 }
 
 TEST(TextColumns, AreUtf8UpToTheFirstZero)
@@ -188,8 +190,8 @@ Bytes twoSignals(uint8_t cn0, int32_t doppler, int codeOffset)
 TEST(DerivedColumns, AreNullWithoutTheirInputs)
 {
     tqx::TableOptions options;
-    options.fields = tqx::FieldFilter({"Type1.CN0_dBHz", "Type1.Type2.CodeRange",
-                                       "Type1.Type2.DopplerHz", "Type1.Type2.CN0_dBHz"});
+    options.fields = tqx::FieldFilter({"Type1.CN0_dBHz", "Type1.Type2.CN0_dBHz",
+                                       "Type1.Type2.CodeRange", "Type1.Type2.DopplerHz"});
     const WholeTable table(measurements(), options,
                            {twoSignals(160, 10000, 0), twoSignals(255, INT32_MIN, -4)});
     const std::string range = realText(20000.0);

@@ -53,7 +53,7 @@ void BlockBatch::write(BlockWriter& writer)
         if (entry.record)
             writer.write(text, entry);
         else
-            writer.writeOther(text, entry.block);
+            writer.writeOther(text, entry);
 }
 
 void BlockBatch::clear()

@@ -1,6 +1,7 @@
 #include "tqx/log/inspect/PieceText.h"
 
 #include "TQX_RecordAccess.h"
+#include "tqx/log/record/Members.h"
 #include "tqx/log/text/JsonText.h"
 
 #include "FieldInfo.h"
@@ -168,7 +169,9 @@ std::vector<PieceText> textsOf(const BlockPiece& piece, const uint8_t* block, co
     std::string bytes = piece.kind == Kind::Derived ? "derived" : bitsOf(*piece.field);
     if (piece.kind == Kind::Number)
         bytes = hex(block + piece.offset, piece.size);
-    return {{bytes, nameOf(piece), storedText(value), meaningOf(value, info)}};
+    const bool isUnset = isContinuousTime(*piece.field) && piece.stored == noContinuousTime;
+    return {{bytes, nameOf(piece), storedText(value),
+             isUnset ? "not available" : meaningOf(value, info)}};
 }
 
 } // namespace tqx

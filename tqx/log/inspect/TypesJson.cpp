@@ -104,12 +104,27 @@ void appendSubFields(Object& object, const FieldInfo& field)
     out.append(']');
 }
 
+/// What the field is, and where it is on the wire if that is the same in all blocks: its first byte
+/// in the block or sub-block, or its first bit in the word.
+void appendPlace(Object& object, const Kor::MessageApi::TQX_FieldLayout& field)
+{
+    using Kind = Kor::MessageApi::TQX_FieldKind;
+    if (*field.meaning != '\0')
+        object.text("description", field.meaning);
+    if (field.kind == Kind::Bits)
+        object.number("bit", field.shift);
+    else if (field.kind != Kind::Derived && field.wireOffset >= 0)
+        object.number("offset", field.wireOffset);
+}
+
 void appendField(Buffer& out, const FieldInfo& field, bool isIdentifying)
 {
     Object object(out);
     object.text("name", field.getName());
-    if (const auto* own = dynamic_cast<const TQX_FieldInfo*>(&field))
+    if (const auto* own = dynamic_cast<const TQX_FieldInfo*>(&field)) {
         object.text("class", own->row().className);
+        appendPlace(object, own->layout());
+    }
     const FieldType& type = field.getType();
     object.text("type", typeName(type));
     if (type.getWidth() != 0)

@@ -58,18 +58,15 @@ bool isHeaderField(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
 RecordPlan planRecord(const TQX_TypeLayout& type, const FieldFilter& filter, ShownFields shown)
 {
     const TQX_FieldFacts* facts = TQX_fieldFacts(type.recordType);
+    const std::vector<FieldFilter::Shown> chosen = filter.shownIn(type);
     RecordPlan plan;
     plan.type = &type;
+    plan.isWhole = chosen.size() == type.fieldCount;
     int lastRow = -1; // that the last member is about
-    for (int row = 0; row < type.fieldCount; ++row) {
+    for (const auto [row, inside] : chosen) {
         const TQX_FieldLayout& field = type.fields[row];
         if (isLeftOut(type, field, filter, shown))
             continue;
-        const FieldFilter* inside = filter.find(field.name);
-        if (!inside) {
-            plan.isWhole = false;
-            continue;
-        }
         const int memberRow = isPartOfNumber(type, field) ? field.parent : row;
         if (memberRow != lastRow) {
             const TQX_FieldLayout& member = type.fields[memberRow];

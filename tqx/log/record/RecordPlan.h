@@ -11,7 +11,8 @@
 namespace tqx
 {
 
-/// What of the records of a type is shown, in order: made once for a type, walked for each record.
+/// What of the records of a type is shown, in the order of the filter: made once for a type, walked
+/// for each record.
 ///
 ///     const RecordPlan plan = planRecord(*TQX_layout(type), FieldFilter(), ShownFields::All);
 ///     for (const RecordPlan::Member& member : plan.members)

@@ -1,23 +1,16 @@
 #include "tqx/log/select/FieldPath.h"
 
+#include "tqx/log/record/TypeNames.h"
+
 #include "TQX_FieldInfo.h"
 
 #include "MessageInfo.h"
-
-#include <algorithm>
 
 namespace tqx
 {
 
 namespace
 {
-
-bool isNamed(const char* name, const std::string& wanted)
-{
-    const std::string_view view = name;
-    return std::equal(view.begin(), view.end(), wanted.begin(), wanted.end(),
-                      [](char a, char b) { return (a == ' ' ? '_' : a) == b; });
-}
 
 class Search
 {
@@ -63,7 +56,7 @@ private:
     bool findIn(const MessageInfo& type, size_t at)
     {
         for (const FieldInfo* info : type.getFieldInfos()) {
-            if (isNamed(nameOf(info), names[at].text)) {
+            if (equalFields(nameOf(info), names[at].text)) {
                 take(*info, at);
                 return true;
             }

@@ -1,9 +1,12 @@
 #include "tqx/log/select/FieldTest.h"
 
+#include "tqx/log/record/Members.h"
 #include "tqx/log/record/TypeNames.h"
+#include "tqx/log/text/PrintableText.h"
 
 #include "FieldInfo.h"
 #include "Message.h"
+#include "TQX_FieldInfo.h"
 
 #include <algorithm>
 #include <cmath>
@@ -45,6 +48,7 @@ std::optional<FieldTest> FieldTest::make(const FieldPath& path, const Expression
                                          std::string& why)
 {
     FieldTest test(path, term.comparison);
+    test.isTime = isContinuousTime(static_cast<const TQX_FieldInfo*>(path.field)->layout());
     const FieldType& type = path.field->getType();
     if (term.comparison == Comparison::Has)
         return test;
@@ -75,7 +79,7 @@ std::string FieldTest::prepareName(const std::string& name)
         if (info.isDoNotUse(symbol.value))
             continue;
         names.push_back(symbol.name.toStdString());
-        if (names.back() == name)
+        if (equalNames(names.back(), name))
             named.push_back(symbol.value);
     }
     if (!named.empty())
@@ -83,7 +87,7 @@ std::string FieldTest::prepareName(const std::string& name)
     if (names.empty())
         return "has no names for its values; compare it with a number";
     const std::string meant = nearest(name, {names.begin(), names.end()});
-    return "has no value named '" + name + '\'' +
+    return "has no value named '" + shortened(name) + '\'' +
            (meant.empty() ? "" : ", did you mean '" + meant + "'?");
 }
 
@@ -122,7 +126,8 @@ bool FieldTest::passesHere(const Message& message) const
     const unsigned count = info.getNumberOfValues(&message);
     for (unsigned i = 0; i < count; ++i) {
         const FieldValue value = info.getValueUnchecked(&message, i);
-        if (!info.isDoNotUse(value) && passesValue(value))
+        const bool isUnset = isTime && value == FieldValue::u(noContinuousTime, 32);
+        if (!isUnset && !info.isDoNotUse(value) && passesValue(value))
             return true;
     }
     return false;

@@ -46,6 +46,7 @@ private:
     FieldPath path;
     Comparison comparison;
     Subject subject = Subject::Presence;
+    bool isTime = false; ///< see isContinuousTime()
     std::optional<Scale> scale;
     FieldValue number;
     std::vector<FieldValue> named; ///< the values that have the wanted name

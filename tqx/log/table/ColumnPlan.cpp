@@ -1,6 +1,5 @@
 #include "tqx/log/table/ColumnPlan.h"
 
-#include "TQX_DerivedInputs.h"
 #include "TQX_RecordAccess.h"
 #include "tqx/log/record/Members.h"
 
@@ -55,31 +54,21 @@ NumberSource sourceOf(const TQX_FieldLayout& field, const TQX_FieldFacts& facts,
     return source;
 }
 
-/// Adds what must be available for the field in row `row` to be, at the end of `links` links up.
-/// `owners` are the parents of the record that has it.
-void addInputs(const TQX_TypeLayout& type, uint32_t row, unsigned links, const Layouts& owners,
-               std::vector<DerivedInput>& inputs)
+/// What must be available for a derived value of a record whose parents are `owners` to be.
+std::vector<DerivedInput> inputsOf(const TQX_TypeLayout& type, const TQX_FieldFacts& facts,
+                                   const Layouts& owners)
 {
-    for (const TQX_DerivedInput& input : TQX_derivedInputs(type.recordType, row)) {
-        if (input.links > owners.size())
+    std::vector<DerivedInput> inputs;
+    for (const TQX_FieldInput& input : TQX_inputs(facts)) {
+        const size_t links = input.linksUp;
+        if (links > owners.size())
             continue;
-        Layouts above(owners.begin(), owners.end() - input.links);
-        const TQX_TypeLayout& owner = input.links == 0 ? type : *owners[above.size()];
-        if (owner.recordType != input.ownerType)
-            continue; // another type of parent
-        const TQX_FieldLayout& field = owner.fields[input.inputRow];
-        NumberSource source =
-            sourceOf(field, TQX_fieldFacts(owner.recordType)[input.inputRow], true);
-        if (input.zeroIsNone) {
-            source.hasDoNotUse = true;
-            source.doNotUse = 0;
-            source.realDoNotUse = 0;
-        }
-        if (source.hasDoNotUse)
-            inputs.push_back({links + input.links, source});
-        if (field.kind == TQX_FieldKind::Derived && !input.zeroIsNone)
-            addInputs(owner, input.inputRow, links + input.links, above, inputs);
+        const TQX_TypeLayout& owner = links == 0 ? type : *owners[owners.size() - links];
+        inputs.push_back(
+            {input.linksUp,
+             sourceOf(owner.fields[input.row], TQX_fieldFacts(owner.recordType)[input.row], true)});
     }
+    return inputs;
 }
 
 const char* formatOf(TQX_MemberType type)
@@ -116,11 +105,6 @@ ColumnPlan itemOf(ColumnPlan element)
     element.name = "item";
     element.metadata.clear();
     return element;
-}
-
-uint32_t rowOf(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
-{
-    return static_cast<uint32_t>(&field - type.fields);
 }
 
 } // namespace
@@ -183,8 +167,8 @@ ColumnPlan ColumnPlanner::columnOf(const RecordPlan& plan, const RecordPlan::Mem
             break;
         }
         planNumber(column, part);
-        if (options.hidesDoNotUse && field.kind == TQX_FieldKind::Derived)
-            addInputs(*plan.type, rowOf(*plan.type, field), 0, owners, column.inputs);
+        if (options.hidesDoNotUse)
+            column.inputs = inputsOf(*plan.type, *part.facts, owners);
         break;
     case RecordPlan::Kind::Array: {
         planNumber(column, part);
@@ -227,9 +211,11 @@ std::vector<ColumnPlan> ColumnPlanner::columnsOf(const RecordPlan& plan, const L
     for (const RecordPlan::Member& member : plan.members) {
         for (const RecordPlan::Part& part : member.parts) {
             columns.push_back(columnOf(plan, member, part, owners));
-            if (isHeaderField(*plan.type, *part.field) &&
-                part.field->recordOffset == offsetof(TQX_MainHeader_s, TOWc))
+            if (isContinuousTime(*part.field)) {
                 columns.back().placeOnWire.offset = towcOnWire;
+                columns.back().source.hasDoNotUse = options.hidesDoNotUse;
+                columns.back().source.doNotUse = noContinuousTime;
+            }
         }
     }
     return columns;

@@ -113,10 +113,9 @@ TableBuilder::Rows::Rows(std::shared_ptr<const TableSchema> ofTable, Refuse when
 
 void TableBuilder::Rows::reserve()
 {
-    const size_t rows = options.batchRows;
-    aboutBlock.reserve(rows);
+    aboutBlock.reserve(options.batchRows);
     for (FieldColumns& level : levels)
-        level.reserve(rows);
+        level.reserve(options.batchRows);
 }
 
 uint32_t TableBuilder::Rows::numberOf(std::string_view file)
@@ -211,9 +210,9 @@ void TableBuilder::Rows::decode(const TableBlock& block)
         ++count;
     }
     const void* about = &facts;
-    const size_t rows = count - before;
-    aboutBlock.append({static_cast<const uint8_t*>(about), 0, rows, revision, false});
-    levels.front().append({chain.front(), 0, rows, revision, false});
+    const size_t added = count - before;
+    aboutBlock.append({static_cast<const uint8_t*>(about), 0, added, revision, false});
+    levels.front().append({chain.front(), 0, added, revision, false});
 }
 
 /// Adds the rows of the records of level `depth` in the one at hand of the level above, as far as

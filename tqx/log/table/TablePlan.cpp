@@ -2,6 +2,7 @@
 
 #include "TQX_RecordAccess.h"
 #include "tqx/log/DataError.h"
+#include "tqx/log/record/Members.h"
 #include "tqx/log/record/TypeNames.h"
 
 #include <fmt/format.h>
@@ -57,17 +58,12 @@ bool isInBlocks(const TQX_FieldLayout& field, unsigned revision)
     }
 }
 
-bool isTowc(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
-{
-    return isHeaderField(type, field) && field.recordOffset == offsetof(TQX_MainHeader_s, TOWc);
-}
-
 WireHead headOf(const TQX_TypeLayout& type, const RecordPlan& shown)
 {
     WireHead head;
     head.isUsable = isLittleEndian();
     for (const RecordPlan::Member& member : shown.members)
-        if (member.field->kind == TQX_FieldKind::Derived && !isTowc(type, *member.field))
+        if (member.field->kind == TQX_FieldKind::Derived && !isContinuousTime(*member.field))
             head.isUsable = false;
     for (int row = 0; row < type.fieldCount; ++row) {
         const TQX_FieldLayout& field = type.fields[row];
@@ -168,6 +164,16 @@ const TQX_FieldLayout& findSubBlock(const TQX_TypeLayout& type, const std::strin
     throw DataError(unknownName(fmt::format("sub-block of {}", type.name), name, known));
 }
 
+/// The filter for what is in a sub-block, or null when the filter does not show it.
+const FieldFilter* insideOf(const FieldFilter& filter, const TQX_TypeLayout& type,
+                            const TQX_FieldLayout& field)
+{
+    for (const auto [row, inside] : filter.shownIn(type))
+        if (&type.fields[row] == &field)
+            return inside;
+    return nullptr;
+}
+
 std::vector<std::string> split(const std::string& path)
 {
     std::vector<std::string> names;
@@ -212,7 +218,7 @@ TablePlan::TablePlan(const TQX_TypeLayout& main, const TableOptions& options)
         levels.push_back({type, field, planIdentity(planner, *type, owners, prefix)});
         owners.push_back(type);
         field = &findSubBlock(*type, name);
-        filter = filter ? filter->find(name) : nullptr;
+        filter = filter ? insideOf(*filter, *type, *field) : nullptr;
         prefix += name + '.';
         type = TQX_layout(field->recordType);
     }

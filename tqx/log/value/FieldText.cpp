@@ -1,6 +1,8 @@
 #include "tqx/log/value/FieldText.h"
 
+#include "tqx/log/record/Members.h"
 #include "tqx/log/text/FixedNumber.h"
+#include "tqx/log/text/PrintableText.h"
 
 #include "FieldInfo.h"
 
@@ -19,7 +21,7 @@ namespace
 void appendText(Buffer& out, const QString& text)
 {
     const QByteArray utf8 = text.toUtf8();
-    out.append(utf8.constData(), static_cast<size_t>(utf8.size()));
+    out.append(printable({utf8.constData(), static_cast<size_t>(utf8.size())}));
 }
 
 /// An integer in decimal, a floating-point number in the shortest form that reads back to it.
@@ -53,6 +55,7 @@ FieldText::FieldText(const TQX_FieldLayout& layout, const FieldInfo& field, bool
               field.getRepresentationMode() != FieldValue::BitMask),
       scale(field.getScaleFactor()), decimals(field.getShownDecimals()), limit(limitOf(bits, field))
 {
+    isTime = isContinuousTime(layout);
     if (!info.getUnit().isEmpty())
         unit = ' ' + info.getUnit().toStdString();
     if (!bits.isReal())
@@ -119,6 +122,10 @@ bool FieldText::append(Buffer& out, uint64_t word) const
 {
     if (isStored) {
         appendStored(out, word);
+        return false;
+    }
+    if (isTime && word == noContinuousTime) {
+        out.append("DoNotUse");
         return false;
     }
     const bool isNumber = !isNamed(word);

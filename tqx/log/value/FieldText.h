@@ -45,7 +45,8 @@ private:
     MemberBits bits;
     uint8_t width;
     bool isStored;
-    bool isWhole; ///< whether numbers are integers without scale factor
+    bool isTime = false; ///< see isContinuousTime()
+    bool isWhole;        ///< whether numbers are integers without scale factor
     double scale;
     int decimals;
     double limit;              ///< of the digits that appendFixed() writes as the metadata does

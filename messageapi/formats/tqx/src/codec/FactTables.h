@@ -1,6 +1,5 @@
 #pragma once
 
-#include "TQX_DerivedInputs.h"
 #include "TQX_FieldFacts.h"
 
 /// The generated tables of facts.
@@ -27,11 +26,9 @@ extern const uint64_t integers[];  ///< the first is 0
 extern const NamedRow namedRows[]; ///< the first is of no table
 extern const NamedRun namedRuns[]; ///< the first is empty
 extern const uint32_t namedRunCount;
+extern const TQX_FieldInput inputs[]; ///< the first is of no field
 extern const TQX_FieldFacts fields[];
 extern const TQX_TypeFacts types[]; ///< by record type
 extern const uint32_t typeCount;
-
-extern const TQX_DerivedInput derivedInputs[]; ///< ascending type and row
-extern const uint32_t derivedInputCount;
 
 } // namespace Kor::MessageApi::Facts

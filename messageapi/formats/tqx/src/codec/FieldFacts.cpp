@@ -1,9 +1,47 @@
 #include "FactTables.h"
 
+#include "TQX_RecordAccess.h"
+
+#include <cstring>
+
 namespace Kor::MessageApi
 {
 
 static_assert(sizeof(TQX_FieldFacts) <= 24, "there are thousands of rows");
+
+namespace
+{
+
+double realOf(const TQX_FieldLayout& field, const void* record)
+{
+    const void* member = TQX_element(field, record);
+    if (field.type == TQX_MemberType::F32) {
+        float value = 0;
+        std::memcpy(&value, member, sizeof value);
+        return static_cast<double>(value);
+    }
+    double value = 0;
+    std::memcpy(&value, member, sizeof value);
+    return value;
+}
+
+bool isAvailable(const TQX_FieldInput& input, const void* record)
+{
+    for (unsigned i = 0; record != nullptr && i < input.linksUp; ++i)
+        record = static_cast<const KorcgHeader_s*>(record)->korcg_father;
+    if (record == nullptr)
+        return false;
+    const uint32_t type = static_cast<const KorcgHeader_s*>(record)->korcg_type;
+    const TQX_FieldLayout& field = TQX_layout(type)->fields[input.row];
+    const TQX_FieldFacts& facts = TQX_fieldFacts(type)[input.row];
+    if (field.type == TQX_MemberType::F32 || field.type == TQX_MemberType::F64)
+        return !TQX_isRealDoNotUse(facts, realOf(field, record));
+    return !TQX_isDoNotUse(facts, TQX_isSigned(field)
+                                      ? static_cast<uint64_t>(TQX_signedValue(field, record))
+                                      : TQX_unsignedValue(field, record));
+}
+
+} // namespace
 
 TQX_NamedValue TQX_NamedValues::operator[](unsigned index) const
 {
@@ -35,6 +73,19 @@ TQX_NamedValues TQX_namedValues(const TQX_FieldFacts& field)
 {
     const Facts::NamedRun& run = Facts::namedRuns[field.namedValues];
     return {run.first, run.count};
+}
+
+TQX_FieldInputs TQX_inputs(const TQX_FieldFacts& field)
+{
+    return {Facts::inputs + field.inputs, field.inputCount};
+}
+
+bool TQX_hasInputs(const TQX_FieldFacts& field, const void* record)
+{
+    for (const TQX_FieldInput& input : TQX_inputs(field))
+        if (!isAvailable(input, record))
+            return false;
+    return true;
 }
 
 unsigned TQX_namedValueTables()

@@ -38,10 +38,12 @@ struct TQX_FieldFacts {
     uint16_t doNotUse;     ///< for TQX_doNotUse()
     uint16_t realDoNotUse; ///< for TQX_realDoNotUse()
     uint16_t namedValues;  ///< for TQX_namedValues(); equal numbers are the same table
+    uint16_t inputs;       ///< for TQX_inputs()
     uint16_t flags;        ///< combination of Flag
     int8_t precision;      ///< decimals to show, -1 for none given
     TQX_Role role;
-    uint8_t subFields; ///< how many rows are bit ranges of this one
+    uint8_t subFields;  ///< how many rows are bit ranges of this one
+    uint8_t inputCount; ///< for TQX_inputs(); 0 for what needs no other field
 
     constexpr bool has(Flag flag) const { return (flags & flag) != 0; }
 };
@@ -101,6 +103,21 @@ private:
     unsigned m_count;
 };
 
+/// A field that another one is derived from and that can be not available.
+struct TQX_FieldInput {
+    uint16_t row;    ///< in the layout of the record that has it
+    uint8_t linksUp; ///< parent links from the record of the derived value to that record
+};
+
+/// The inputs of a derived value.
+struct TQX_FieldInputs {
+    const TQX_FieldInput* first;
+    unsigned count;
+
+    const TQX_FieldInput* begin() const { return first; }
+    const TQX_FieldInput* end() const { return first + count; }
+};
+
 /// Unit word, such as "meter"; empty for none.
 TQX_CODEC_API std::string_view TQX_unit(const TQX_FieldFacts& field);
 
@@ -128,6 +145,16 @@ inline bool TQX_isRealDoNotUse(const TQX_FieldFacts& field, double value)
 
 /// The named values of a field, without the one that NamesDoNotUse stands for.
 TQX_CODEC_API TQX_NamedValues TQX_namedValues(const TQX_FieldFacts& field);
+
+/// The fields that a derived value is not available without, near and far: what it is computed
+/// from, what that is computed from, and so on. None for fields that are not derived, and for those
+/// whose inputs always have a value.
+TQX_CODEC_API TQX_FieldInputs TQX_inputs(const TQX_FieldFacts& field);
+
+/// Whether all inputs of a field of `record` are available; true for a field without inputs. The
+/// formula gives some number in any case. With a null parent link on the way to an input it is not
+/// available.
+TQX_CODEC_API bool TQX_hasInputs(const TQX_FieldFacts& field, const void* record);
 
 /// How many tables of named values there are, the empty one at index 0 included.
 TQX_CODEC_API unsigned TQX_namedValueTables();

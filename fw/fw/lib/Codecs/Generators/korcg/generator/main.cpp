@@ -49,10 +49,8 @@ int generate(const Options& options)
     Output output(options.output, options.listOutputs);
     if (options.only.empty() || options.only == "codec")
         emitCodec(format, selection, output);
-    if (options.only.empty() || options.only == "facts") {
+    if (options.only.empty() || options.only == "facts")
         emitFacts(format, selection, output);
-        emitDerivedInputs(format, selection, output);
-    }
     if (options.only.empty() || options.only == "messages")
         emitMessages(format, selection, output);
     if (options.only.empty() || options.only == "metadata")

@@ -18,9 +18,6 @@ void emitCodec(const Format& format, const Selection& selection, Output& output)
 /// The table of facts about fields: units, scales, named values.
 void emitFacts(const Format& format, const Selection& selection, Output& output);
 
-/// The table of what derived values are computed from.
-void emitDerivedInputs(const Format& format, const Selection& selection, Output& output);
-
 /// Message classes and the record-to-message factory.
 void emitMessages(const Format& format, const Selection& selection, Output& output);
 

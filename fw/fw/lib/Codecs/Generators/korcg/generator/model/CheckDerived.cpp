@@ -72,6 +72,7 @@ private:
         }
         if (here.empty())
             error(fmt::format("is computed from {} of a parent, but has none there", input));
+        const int first = here.empty() ? -1 : findRow(**here.begin(), input);
         for (const RecordType* owner : here) {
             const int row = findRow(*owner, input);
             if (row < 0)
@@ -80,6 +81,9 @@ private:
             else if (comesLate(*owner, row, below))
                 error(fmt::format("is computed from {}, which its owner {} has behind it", input,
                                   owner->name));
+            else if (first >= 0 && row != first)
+                error(fmt::format("is computed from {}, which is in different places of {} and {}",
+                                  input, (*here.begin())->name, owner->name));
         }
     }
 

@@ -1,5 +1,6 @@
 #include "emit/Emitters.h"
 #include "emit/facts/FactPools.h"
+#include "model/Availability.h"
 #include "model/Names.h"
 
 #include <fmt/format.h>
@@ -40,6 +41,8 @@ private:
     Pool<double> m_reals{0};
     Pool<uint64_t> m_integers{0};
     Pool<std::string> m_tables{""};
+    std::string m_inputs = "    {0, 0},\n";
+    size_t m_inputCount = 1;
     size_t m_namedCount = 1; ///< the first row is none
     size_t m_fieldCount = 0;
 };
@@ -77,14 +80,20 @@ std::string FactsEmitter::fieldRow(const RecordType& type, int index)
     else if (field.doNotUse)
         integer = m_integers.indexOf(
             std::visit([](auto value) { return static_cast<uint64_t>(value); }, *field.doNotUse));
+    const std::vector<NeededField> needed = neededFields(m_format, type, field);
+    const size_t firstInput = needed.empty() ? 0 : m_inputCount;
+    for (const NeededField& input : needed)
+        m_inputs += fmt::format("    {{{}, {}}}, // {} of {}\n", input.row, input.linksUp,
+                                input.field().name, input.type->name);
+    m_inputCount += needed.size();
     const auto subFields =
         std::count_if(type.fields.begin(), type.fields.end(),
                       [index](const Field& other) { return other.parent == index; });
-    return fmt::format("    {{{}, {}, {}, {}, {}, {}, {}, TQX_Role({}), {}}}, // {}\n",
+    return fmt::format("    {{{}, {}, {}, {}, {}, {}, {}, {}, TQX_Role({}), {}, {}}}, // {}\n",
                        m_texts.offsetOf(field.unit), m_reals.indexOf(field.scale.value_or(0)),
-                       integer, real, m_tables.indexOf(field.symbols), flags(field),
+                       integer, real, m_tables.indexOf(field.symbols), firstInput, flags(field),
                        isSubBlock(field) ? -1 : field.precision.value_or(-1),
-                       static_cast<int>(field.role), subFields, field.name);
+                       static_cast<int>(field.role), subFields, needed.size(), field.name);
 }
 
 std::string FactsEmitter::typeRow(const RecordType& type)
@@ -110,7 +119,12 @@ std::string FactsEmitter::typeRows()
             fields += fieldRow(*type, i);
     }
     return fmt::format(
-        R"(// unit, scale, do-not-use as integer, as real, named values, flags, precision, role, sub-fields
+        R"(// row, parent links to it
+const TQX_FieldInput inputs[] = {{
+{}}};
+
+// unit, scale, do-not-use as integer, as real, named values, inputs, flags, precision, role,
+// sub-fields, number of inputs
 const TQX_FieldFacts fields[] = {{
 {}}};
 
@@ -120,7 +134,7 @@ const TQX_TypeFacts types[] = {{
 
 const uint32_t typeCount = {};
 )",
-        fields, types, next);
+        m_inputs, fields, types, next);
 }
 
 std::string FactsEmitter::namedRuns()
@@ -166,6 +180,7 @@ void FactsEmitter::checkSizes() const
                                                     {"real numbers", m_reals.values().size()},
                                                     {"integers", m_integers.values().size()},
                                                     {"named values", m_namedCount},
+                                                    {"inputs", m_inputCount},
                                                     {"symbol tables", m_tables.values().size()}};
     for (const auto& [what, size] : sizes)
         if (size > largestIndex)
