@@ -143,8 +143,10 @@ TEST(HeaderColumns, ComeWhenTheyAreNamed)
     options.fields = tqx::FieldFilter({"Sync1", "BlockNumber", "Length", "TOWc"});
     options.hasFile = true;
     options.hasOffset = false;
-    const Bytes block =
-        madeBlock<TQX_PVTGeodetic2_s>([](TQX_PVTGeodetic2_s& record) { record.TOW = 4000000000; });
+    const auto timed = [](uint32_t tow) {
+        return madeBlock<TQX_PVTGeodetic2_s>([=](TQX_PVTGeodetic2_s& record) { record.TOW = tow; });
+    };
+    const Bytes block = timed(4000000000);
     const WholeTable table(position(), options, {block}, 2);
     EXPECT_EQ(table.schema->getNames(),
               (Texts{"time", "file", "Sync1", "BlockNumber", "Length", "TOWc"}));
