@@ -111,9 +111,12 @@ int main(int argc, char** argv)
     benchmark::Initialize(&argc, argv);
     const MixedLog log;
     const auto add = [&](const char* name, const char* type, const tqx::TableOptions& options) {
-        benchmark::RegisterBenchmark(name, [&log, type, options](benchmark::State& state) {
-            besideDecoding(state, log, type, options);
-        })->UseManualTime()->Iterations(turns);
+        benchmark::RegisterBenchmark(name,
+                                     [&log, type, options](benchmark::State& state) {
+                                         besideDecoding(state, log, type, options);
+                                     })
+            ->UseManualTime()
+            ->Iterations(turns);
     };
     tqx::TableOptions stored;
     stored.isScaled = false;
