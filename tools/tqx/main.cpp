@@ -7,8 +7,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <QLocale>
-
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -108,8 +106,6 @@ int main(int argc, char** argv)
 #ifdef SIGPIPE
     std::signal(SIGPIPE, SIG_IGN);
 #endif
-    // Output is the same everywhere.
-    QLocale::setDefault(QLocale::c());
     tqx::tool::interrupt::watch();
     const ExitStatus status = run(argc, argv);
     tqx::tool::interrupt::obey();

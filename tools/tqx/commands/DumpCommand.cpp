@@ -8,7 +8,6 @@
 #include "tqx/log/write/RawJson.h"
 #include "tqx/log/write/ValueJson.h"
 
-#include "TQX_FormatInfo.h"
 #include "TQX_Layout.h"
 
 #include <CLI/Validators.hpp>
@@ -124,7 +123,6 @@ ExitStatus DumpCommand::run()
     if (format == "csv")
         return dumpCsv(streams, filter, raw, target);
     Output output(target);
-    TQX_FormatInfo::getInstance();
     ParallelDump dump(output, [&]() -> std::unique_ptr<BlockWriter> {
         if (format == "text")
             return std::make_unique<TextWriter>(filter, raw);

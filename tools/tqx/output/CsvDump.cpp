@@ -7,8 +7,6 @@
 #include "tqx/log/record/TypeNames.h"
 #include "tqx/log/write/FlatCsv.h"
 
-#include "TQX_FormatInfo.h"
-
 #include <fmt/format.h>
 
 #include <filesystem>
@@ -93,7 +91,6 @@ const TQX_TypeLayout& theType(const TypeSelection& selected, const FieldFilter& 
 ExitStatus dumpCsv(StreamOptions& streams, const FieldFilter& filter, bool isStored,
                    const std::string& target)
 {
-    TQX_FormatInfo::getInstance();
     if (!isOneFile(target)) {
         CsvFiles files(target);
         FolderDump dump(files, filter, isStored);

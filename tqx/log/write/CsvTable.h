@@ -22,7 +22,7 @@ public:
         std::unique_ptr<CsvTable> table;
     };
 
-    /// The table of a type that has a message class, with the fields that the filter shows. Headers
+    /// The table of a type, with the fields that the filter shows. Headers
     /// of blocks and padding are shown only where it names them. `isStored`: values as they are
     /// stored, without scale, unit and names.
     CsvTable(const Kor::MessageApi::TQX_TypeLayout& type, const FieldFilter& shown, bool isStored);
