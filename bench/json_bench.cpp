@@ -124,7 +124,7 @@ void scaled(benchmark::State& state, const Content& content)
 {
     tqx::ValueJson json(content.everything);
     besideDocuments(state, content, [&](tqx::Buffer& out, size_t index) {
-        json.write(out, content.decoders[index]->getRecord());
+        json.write(out, content.decoders[index]->getDecoded());
     });
 }
 

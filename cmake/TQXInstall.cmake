@@ -1,5 +1,6 @@
-# What an installation holds: libraries, public headers (flat: they include each other by bare
-# name), a CMake package and pkg-config files. The tool's folder installs the tool.
+# What an installation holds: libraries, public headers, a CMake package and pkg-config files. Headers
+# of the format and of the host are flat and include each other by bare name; those below tqx/ in
+# this repository keep their path. The tool's folder installs the tool.
 
 include(CMakePackageConfigHelpers)
 
@@ -12,8 +13,18 @@ function(tqx_install_library set target)
     get_target_property(headers ${target} PUBLIC_HEADER)
     get_target_property(source_dir ${target} SOURCE_DIR)
     get_target_property(binary_dir ${target} BINARY_DIR)
-    list(TRANSFORM headers PREPEND "${source_dir}/")
+    file(RELATIVE_PATH path "${PROJECT_SOURCE_DIR}" "${source_dir}")
     string(REPLACE "-" "_" file "${target}")
+    if(path MATCHES "^tqx/")
+        foreach(header IN LISTS headers)
+            get_filename_component(folder "${path}/${header}" DIRECTORY)
+            install(FILES "${source_dir}/${header}"
+                DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${folder}" COMPONENT dev)
+        endforeach()
+        set(headers)
+    else()
+        list(TRANSFORM headers PREPEND "${source_dir}/")
+    endif()
     list(APPEND headers "${binary_dir}/include/${file}_export.h")
     set_property(TARGET ${target} PROPERTY PUBLIC_HEADER "${headers}")
     install(TARGETS ${target} EXPORT ${set}
@@ -22,7 +33,7 @@ function(tqx_install_library set target)
         RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime
         ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT dev
         PUBLIC_HEADER DESTINATION "${TQX_INSTALL_INCLUDEDIR}" COMPONENT dev
-        INCLUDES DESTINATION "${TQX_INSTALL_INCLUDEDIR}")
+        INCLUDES DESTINATION "${TQX_INSTALL_INCLUDEDIR}" "${CMAKE_INSTALL_INCLUDEDIR}")
 endfunction()
 
 foreach(target IN ITEMS korcg tqx-framing tqx-codec)

@@ -1,7 +1,9 @@
-// Decoding of arbitrary bytes, and encoding of what came out of it.
+// Decoding of arbitrary bytes, and encoding of what came out of it, as it is and with appended
+// elements.
 
 #include "ExactDecoder.h"
 #include "RecordCompare.h"
+#include "RecordFiller.h"
 #include "RecordGuard.h"
 
 #include <algorithm>
@@ -31,15 +33,14 @@ void checkAgainstExact(const TQX_TypeLayout& type, const uint8_t* data, uint16_t
                        AnyRecord& decoded, int32_t result, TQX_Context_s before,
                        const TQX_Context_s& after)
 {
-    AnyRecord exact;
+    AnyRecord exact(0x5a);
     uint32_t offset = 0;
     if (decodeExactly(type, &before, data, size, &offset, nullptr, 0, exact.get()) != result)
         fail(type, "the decoders' results differ");
     if (!sameTime(before, after))
         fail(type, "the decoders' contexts differ");
     const std::string difference =
-        firstDifference(type, decoded.get(), exact.get(),
-                        result < 0 ? Compared::AfterFailure : Compared::Everything);
+        firstDifference(type, decoded.get(), exact.get(), Compared::Reachable);
     if (!difference.empty())
         fail(type, difference);
 }
@@ -72,6 +73,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t length)
         if (!difference.empty())
             fail(*type, difference);
     }
+    type->encode(out, largestBlock, record.get());
+    appendToAll(*type, record.get(), 2);
     type->encode(out, largestBlock, record.get());
     return 0;
 }

@@ -3,8 +3,8 @@
 
 #include "FieldRoles.h"
 #include "RecordCompare.h"
-#include "RecordGuard.h"
 #include "RecordFiller.h"
+#include "RecordGuard.h"
 
 #include <cstdio>
 #include <cstdlib>

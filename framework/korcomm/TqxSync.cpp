@@ -1,7 +1,17 @@
 #include "TqxSync.h"
 
+#include <QMetaType>
+
 #include <algorithm>
 #include <limits>
+
+namespace
+{
+
+// Queued connections look the types of arguments up by the names that the signal gives them.
+[[maybe_unused]] const int registered = qRegisterMetaType<uint32_t>("uint32_t");
+
+} // namespace
 
 TqxSync::TqxSync(QObject* parent) : QObject(parent), framer_(this) {}
 

@@ -19,6 +19,13 @@ FormatList& formatList()
     return *list;
 }
 
+void list(const QVector<const FormatInfo*>& formats)
+{
+    FormatList& list = formatList();
+    const std::lock_guard<std::mutex> guard(list.mutex);
+    list.formats += formats;
+}
+
 const MessageInfo* findByName(const QVector<const MessageInfo*>& infos, const QString& name)
 {
     for (const MessageInfo* info : infos) {
@@ -35,9 +42,10 @@ const MessageInfo* findByName(const QVector<const MessageInfo*>& infos, const QS
 
 FormatInfo::FormatInfo(QString name) : m_name(ownedString(std::move(name)))
 {
-    FormatList& list = formatList();
-    const std::lock_guard<std::mutex> guard(list.mutex);
-    list.formats.append(this);
+    if (SetUp* const setUp = outermostSetUp())
+        setUp->m_withheld.append(this);
+    else
+        list({this});
 }
 
 FormatInfo::FormatInfo(const FormatInfo&) = default;
@@ -45,9 +53,31 @@ FormatInfo& FormatInfo::operator=(const FormatInfo&) = default;
 
 FormatInfo::~FormatInfo()
 {
+    if (SetUp* const setUp = outermostSetUp())
+        setUp->m_withheld.removeOne(this);
     FormatList& list = formatList();
     const std::lock_guard<std::mutex> guard(list.mutex);
     list.formats.removeOne(this);
+}
+
+FormatInfo::SetUp*& FormatInfo::outermostSetUp()
+{
+    static thread_local SetUp* setUp = nullptr;
+    return setUp;
+}
+
+FormatInfo::SetUp::SetUp() : m_isOutermost(!outermostSetUp())
+{
+    if (m_isOutermost)
+        outermostSetUp() = this;
+}
+
+FormatInfo::SetUp::~SetUp()
+{
+    if (m_isOutermost) {
+        outermostSetUp() = nullptr;
+        list(m_withheld);
+    }
 }
 
 const MessageInfo* FormatInfo::getMessageInfo(const QString& name) const

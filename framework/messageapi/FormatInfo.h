@@ -9,8 +9,9 @@
 
 /// Describes one message format: its name and its types of messages.
 ///
-/// A format enters itself in a process-wide list when constructed and leaves it when destroyed;
-/// copies are not entered. The types are not owned: they may be gone before the format is.
+/// A format enters itself in a process-wide list when constructed, or when the set-up that it is
+/// part of ends, and leaves it when destroyed; copies are not entered. The types are not owned:
+/// they may be gone before the format is.
 class MESSAGEAPI_API FormatInfo
 {
 protected:
@@ -44,7 +45,26 @@ protected:
     void addMessageInfo(const MessageInfo* info);
     void addSubMessageInfo(const MessageInfo* info);
 
+    /// Withholds the formats that this thread constructs from the list until the outermost SetUp of
+    /// the thread ends, so that nobody finds a format whose types are still being added.
+    class MESSAGEAPI_API SetUp
+    {
+    public:
+        SetUp();
+        ~SetUp();
+        SetUp(const SetUp&) = delete;
+        SetUp& operator=(const SetUp&) = delete;
+
+    private:
+        friend class FormatInfo;
+        const bool m_isOutermost;
+        QVector<const FormatInfo*> m_withheld;
+    };
+
 private:
+    /// Of this thread, or null.
+    static SetUp*& outermostSetUp();
+
     QString m_name;
     QVector<const MessageInfo*> m_messageInfos;
     QVector<const MessageInfo*> m_subMessageInfos;

@@ -34,6 +34,8 @@ public:
     /// getTime in milliseconds.
     virtual uint64_t getMillis();
 
-    /// ISO 8601 text of a time that getMillis gave: "2024-02-29T12:34:56.789Z".
+    /// ISO 8601 text of milliseconds since 1970-01-01T00:00:00Z: "2024-02-29T12:34:56.789Z". That
+    /// is what getMillis() gives here; what a derived class counts from another start, or in
+    /// another time scale, has to be converted first unless the class overrides this, too.
     virtual QString millisToString(uint64_t millis);
 };

@@ -121,6 +121,50 @@ TEST(Census, Vocabularies)
     expectInUse(census()["signedWidths"], counted.signedWidths);
 }
 
+/// Every field of that name, bit ranges included.
+std::vector<const FieldInfo*> fieldsNamed(const QString& name)
+{
+    std::vector<const FieldInfo*> fields;
+    for (const MessageInfo* info : allTypes())
+        if (const FieldInfo* field = info->getFieldInfo(name))
+            fields.push_back(field);
+    return fields;
+}
+
+TEST(Census, RolesByName)
+{
+    const struct {
+        const char* name;
+        FieldInfo::Role role;
+    } rows[] = {
+        {"AlertFlag", FieldInfo::Structure},  {"PPPInfo", FieldInfo::Structure},
+        {"WACorrInfo", FieldInfo::Structure}, {"BF1", FieldInfo::Structure},
+        {"Flags", FieldInfo::Structure},      {"CarrierLSB", FieldInfo::Structure},
+        {"CarrierMSB", FieldInfo::Structure}, {"DiskUsageLSB", FieldInfo::Structure},
+        {"Reserved", FieldInfo::Reserved},    {"ReservedId", FieldInfo::Reserved},
+    };
+    for (const auto& row : rows) {
+        const auto fields = fieldsNamed(row.name);
+        EXPECT_FALSE(fields.empty()) << row.name;
+        for (const FieldInfo* field : fields)
+            EXPECT_EQ(field->getRole(), row.role) << row.name;
+    }
+    EXPECT_EQ(fieldsNamed("ReservedId").size(), 1U);
+}
+
+TEST(Census, PrecisionsByName)
+{
+    for (const char* name : {"Latitude", "Longitude", "C_ic", "IDOT", "OMEGADOT", "a_f0", "T_gd"}) {
+        const auto fields = fieldsNamed(name);
+        EXPECT_FALSE(fields.empty()) << name;
+        for (const FieldInfo* field : fields)
+            if (field->getType().getKind() == FieldKind::F32 ||
+                field->getType().getKind() == FieldKind::F64) {
+                EXPECT_EQ(field->getPrecision(), 12) << name;
+            }
+    }
+}
+
 TEST(Census, SubBlocksAndIdentifyingFields)
 {
     std::map<std::string, std::vector<std::pair<std::string, bool>>> owned;

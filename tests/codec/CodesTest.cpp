@@ -4,8 +4,8 @@
 #include "FieldRoles.h"
 #include "PossibleCodes.h"
 #include "RandomBlock.h"
-#include "RecordGuard.h"
 #include "RecordFiller.h"
+#include "RecordGuard.h"
 
 #include <gtest/gtest.h>
 

@@ -4,8 +4,8 @@
 #include "FieldRoles.h"
 #include "RandomBlock.h"
 #include "RecordCompare.h"
-#include "RecordGuard.h"
 #include "RecordFiller.h"
+#include "RecordGuard.h"
 
 #include <gtest/gtest.h>
 

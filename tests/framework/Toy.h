@@ -94,4 +94,5 @@ public:
 
     using FormatInfo::addMessageInfo;
     using FormatInfo::addSubMessageInfo;
+    using FormatInfo::SetUp;
 };

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <thread>
 #include <vector>
 
 namespace
@@ -55,6 +57,37 @@ TEST_F(Metadata, DescribesTheTypes)
     EXPECT_EQ(outer.getAttribute(QStringLiteral("number")), QVariant(1));
     EXPECT_TRUE(outer.getAttribute(QStringLiteral("colour")).isNull());
     EXPECT_EQ(outer.getAttributes().size(), 1);
+}
+
+TEST_F(Metadata, FormatsAreListedWhenTheirSetUpEnds)
+{
+    const auto isListed = [](const char* name) { return FormatInfo::getFormat(name) != nullptr; };
+    {
+        const ToyFormat::SetUp setUp;
+        const ToyFormat slow(QStringLiteral("Slow"));
+        {
+            const ToyFormat::SetUp nested;
+            const ToyFormat givenUp(QStringLiteral("GivenUp"));
+        }
+        EXPECT_FALSE(isListed("Slow"));
+        std::thread([&] {
+            const ToyFormat quick(QStringLiteral("Quick"));
+            EXPECT_TRUE(isListed("Quick")) << "the set-up is that of another thread";
+            EXPECT_FALSE(isListed("Slow"));
+        }).join();
+    }
+    EXPECT_FALSE(isListed("Slow")) << "gone before it was listed";
+    EXPECT_FALSE(isListed("GivenUp"));
+
+    std::unique_ptr<ToyFormat> late;
+    {
+        const ToyFormat::SetUp setUp;
+        late = std::make_unique<ToyFormat>(QStringLiteral("Late"));
+        EXPECT_FALSE(isListed("Late"));
+    }
+    EXPECT_EQ(FormatInfo::getFormat("Late"), late.get());
+    late.reset();
+    EXPECT_FALSE(isListed("Late"));
 }
 
 TEST_F(Metadata, PathsLeadToFields)

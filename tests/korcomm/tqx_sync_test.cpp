@@ -1,9 +1,12 @@
 #include "StreamBuilder.h"
 #include "TqxSync.h"
 
+#include <QCoreApplication>
+
 #include <gtest/gtest.h>
 
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace
@@ -55,6 +58,26 @@ TEST(TqxSync, ReceiversMayCallBack)
     }
     EXPECT_EQ(blocks, (std::vector<QByteArray>{intact, intact}));
     EXPECT_EQ(dropped, 8U);
+}
+
+TEST(TqxSync, SignalsReachOtherThreads)
+{
+    int argumentCount = 1;
+    char name[] = "test";
+    char* arguments[] = {name, nullptr};
+    const QCoreApplication application(argumentCount, arguments);
+    const QObject receiver; // of this thread
+    TqxSync sync;
+    std::string log;
+    QObject::connect(&sync, &TqxSync::CRCError, &receiver, [&] { log += "checksum "; });
+    QObject::connect(&sync, &TqxSync::droppedBytes, &receiver,
+                     [&](uint32_t count) { log += std::to_string(count) + ' '; });
+    std::thread([&] {
+        sync.appendBytes(array(flipped(blockOfSize(20), 9) + blockOfSize(20)));
+    }).join();
+    EXPECT_EQ(log, "");
+    QCoreApplication::processEvents();
+    EXPECT_EQ(log, "checksum 20 ");
 }
 
 } // namespace

@@ -12,6 +12,8 @@
 
 #include <dlfcn.h>
 
+#include <thread>
+
 namespace
 {
 
@@ -59,7 +61,16 @@ TEST(Unload, ThePlugInGoesAwayAndLeavesNothingBehind)
         const auto getInstance =
             reinterpret_cast<GetInstance>(dlsym(library, "_ZN14TQX_FormatInfo11getInstanceEv"));
         ASSERT_TRUE(getInstance);
+        int typesWhenFound = -1;
+        std::thread finder([&] {
+            const FormatInfo* found = nullptr;
+            while (!found)
+                found = FormatInfo::getFormat("TQX");
+            typesWhenFound = found->getAllMessageInfos().size();
+        });
         const FormatInfo* format = getInstance();
+        finder.join();
+        EXPECT_EQ(typesWhenFound, 347) << "listed before its set-up was complete";
         EXPECT_EQ(FormatInfo::getFormat("TQX"), format);
         const Texts texts = textsOf(*format);
         EXPECT_GT(texts.ofFields.size(), 500);

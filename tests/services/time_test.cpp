@@ -116,6 +116,7 @@ TEST(TqxTimeSource, FallsBackToItsClock)
     EXPECT_TRUE(timeSource.hasValidMillis());
     EXPECT_TRUE(isNow(timeSource.getMillis()));
     EXPECT_TRUE(isNow(timeSource.getMillis(nullptr)));
+    EXPECT_EQ(timeSource.millisToString(1000), "1970-01-01T00:00:01.000Z");
 
     // Navigation messages carry the time of the satellite.
     Kor::MessageApi::TQX_GPSNav_s record;

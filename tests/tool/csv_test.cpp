@@ -202,3 +202,98 @@ TEST(Csv, FileIsWhatStandardOutputIs)
     EXPECT_EQ(content.str(), runTool(arguments).output);
     EXPECT_GT(linesOf(content.str()).size(), 1U);
 }
+
+// Spreadsheets take such texts for formulas.
+TEST(Csv, SafeTextsDoNotBeginLikeFormulas)
+{
+    struct Case {
+        const char* text;
+        const char* cell;
+        const char* safe;
+    };
+    const Case cases[] = {{"=1+2", "=1+2", "'=1+2"},
+                          {"+1", "+1", "'+1"},
+                          {"-1", "-1", "'-1"},
+                          {"@x", "@x", "'@x"},
+                          {"\\tx", "\tx", "'\tx"},
+                          {"\\r=x", "\r=x", "'\r=x"},
+                          {"=a,\\\"b\\\"", "=a,\"b\"", "'=a,\"b\""},
+                          {"1=1", "1=1", "1=1"},
+                          {"'=", "'=", "'="},
+                          {"", "", ""}};
+    for (const Case& one : cases) {
+        const std::string line =
+            R"({"block":"ASCIIIn","fields":{"TOW":1000,"WNc":2400,"ASCIIString":")" +
+            std::string(one.text) + "\"}}";
+        const std::string stream = runTool({"encode", "-"}, line).output;
+        const QStringList arguments = {"dump",   "-",       "--format", "csv",
+                                       "--type", "ASCIIIn", "--field",  "StringLn,ASCIIString"};
+        const auto cellOf = [&](const QStringList& more) {
+            const std::vector<Row> rows = parseCsv(runTool(arguments + more, stream).output);
+            return rows.at(1).at(5);
+        };
+        EXPECT_EQ(cellOf({}), one.cell);
+        EXPECT_EQ(cellOf({"--csv-safe"}), one.safe);
+    }
+}
+
+// Numbers below zero begin like formulas, too, and stay numbers.
+TEST(Csv, SafeTablesDifferInTextsAlone)
+{
+    const QStringList arguments = {
+        "dump", "data/samples/random.tqx", "--type", "PVTGeodetic2", "--format", "csv"};
+    const std::string table = runTool(arguments).output;
+    EXPECT_NE(table.find(",-"), std::string::npos);
+    EXPECT_EQ(runTool(arguments + QStringList{"--csv-safe"}).output, table);
+}
+
+TEST(Csv, FolderThatHoldsAnInputIsRefused)
+{
+    enum class Kind { File, Symbolic, Hard, Other };
+    struct Case {
+        Kind kind;
+        const char* name;
+        QStringList more;
+        bool isRefused;
+    };
+    const Case cases[] = {{Kind::File, "PVTGeodetic2.csv", {}, true},
+                          {Kind::Symbolic, "PVTGeodetic2.csv", {}, true},
+                          {Kind::Hard, "MeasEpoch2.Type1.csv", {}, true},
+                          {Kind::File, "PVTGeodetic2.csv", {"--type", "MeasEpoch2"}, false},
+                          {Kind::File, "log.csv", {}, false},
+                          {Kind::Other, "PVTGeodetic2.csv", {}, false}};
+    const std::string content = testData("data/samples/random.tqx");
+    for (const Case& one : cases) {
+        const QTemporaryDir folder;
+        namespace fs = std::filesystem;
+        const fs::path place = fs::path(folder.path().toStdString()) / one.name;
+        const fs::path log =
+            one.kind == Kind::File ? place : fs::path(folder.path().toStdString()) / "log.tqx";
+        std::ofstream(log, std::ios::binary) << content;
+        if (one.kind == Kind::Symbolic)
+            fs::create_symlink(log, place);
+        else if (one.kind == Kind::Hard)
+            fs::create_hard_link(log, place);
+        else if (one.kind == Kind::Other)
+            std::ofstream(place) << "an older table\n";
+        const ToolRun run = runTool(QStringList{"dump", QString::fromStdString(log.string()),
+                                                "--format", "csv", "-o", folder.path()} +
+                                    one.more);
+        EXPECT_EQ(run.status, one.isRefused ? 1 : 0) << one.name << ": " << run.words;
+        EXPECT_EQ(run.words.find("is an input") != std::string::npos, one.isRefused) << run.words;
+        std::ostringstream left;
+        left << std::ifstream(log, std::ios::binary).rdbuf();
+        EXPECT_TRUE(left.str() == content) << one.name;
+        const auto files = std::distance(fs::directory_iterator(folder.path().toStdString()), {});
+        EXPECT_EQ(files > 2, !one.isRefused);
+    }
+}
+
+TEST(Csv, NameWithTheEndingAloneIsAFile)
+{
+    const QTemporaryDir folder;
+    const ToolRun run = runTool({"dump", "data/samples/random.tqx", "--type", "4007", "--format",
+                                 "csv", "-o", folder.filePath(".csv")});
+    EXPECT_EQ(run.status, 0) << run.words;
+    EXPECT_TRUE(std::filesystem::is_regular_file(folder.filePath(".csv").toStdString()));
+}

@@ -39,6 +39,29 @@ private:
     QLocale before;
 };
 
+/// As a paragraph shows it: without control characters, nor blanks at its end.
+QString shownText(const QString& text)
+{
+    QString shown;
+    for (const QChar character : text) {
+        const ushort code = character.unicode();
+        if (code == '\n' || code == '\r' || code == '\t')
+            shown += code == '\n' ? "\\n" : code == '\r' ? "\\r" : "\\t";
+        else if (code < 0x20 || (code >= 0x7f && code < 0xa0))
+            shown += QString("\\x%1").arg(code, 2, 16, QChar('0'));
+        else
+            shown += character;
+    }
+    return shown;
+}
+
+QString withoutBlanksAtTheEnd(QString line)
+{
+    while (line.endsWith(' '))
+        line.chop(1);
+    return line;
+}
+
 QString storedText(const FieldInfo& info, const Message& message)
 {
     QStringList texts;
@@ -96,11 +119,11 @@ QString linesOf(const Chain& chain, bool stored, int indentation)
             continue;
         if (!info->getType().getSubMessageInfo()) {
             const bool isNumber = info->getType().getKind() != FieldKind::Ch;
-            text += label(info).leftJustified(column) +
-                    (stored && isNumber ? storedText(*info, message)
-                     : stored           ? info->getValueString(&message)
-                                        : scaledText(*info, chain)) +
-                    '\n';
+            const QString value = stored && isNumber ? storedText(*info, message)
+                                  : stored           ? info->getValueString(&message)
+                                                     : scaledText(*info, chain);
+            text +=
+                withoutBlanksAtTheEnd(label(info).leftJustified(column) + shownText(value)) + '\n';
             continue;
         }
         for (unsigned i = 0; i < info->getNumberOfValues(&message); ++i) {

@@ -50,9 +50,9 @@ public:
         out.append("known " + std::to_string(time) + '\n');
     }
 
-    void writeOther(tqx::Buffer& out, const tqx::Block& block) override
+    void writeOther(tqx::Buffer& out, const tqx::DecodedBlock& decoded) override
     {
-        out.append("other " + std::to_string(block.offset) + '\n');
+        out.append("other " + std::to_string(decoded.block.offset) + '\n');
     }
 
 private:

@@ -72,6 +72,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"DateAlone", {"--from", "2026-01-04 GPS"}, "2 3 4 5 6 7 "},
         Case{"NoTimeYet", {"--type", "ASCIIIn", "--from", "1980-01-06 GPS"}, "3 4 "},
         Case{"Every", {"--every", "2"}, "0 2 3 5 6 7 "},
+        Case{"EveryIsDecimal", {"--every", "02"}, "0 2 3 5 6 7 "},
         Case{"EveryOfWhatTheOthersSelect", {"--every", "2", "--where", "Vn < 1"}, "0 7 "},
         Case{"Number", {"--where", "NrSV>=11"}, "0 "},
         Case{"NotAvailableComparesToNothing", {"--where", "NrSV != 11"}, "7 "},
@@ -116,7 +117,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"Pattern", {"--type", "PVX*"}, "no block has a name like PVX*"},
         Case{"EveryZero",
              {"--every", "0"},
-             "cut: --every: Value 0 not in range 1 to 4294967295 (see tqx help cut)"},
+             "cut: --every: '0' is not in the range 1 to 4294967295 (see tqx help cut)"},
         Case{"NoScale",
              {"--from", "2026-01-04T00:00:01"},
              "--from: '2026-01-04T00:00:01' does not say on which scale; put Z behind it for UTC, "

@@ -57,6 +57,42 @@ TEST(Types, JsonHoldsTheFieldsInOrder)
     EXPECT_GT(compared, 0U);
 }
 
+TEST(Types, JsonSaysWhatFieldsAreAndWhereTheyAre)
+{
+    using namespace Kor::MessageApi;
+    const json types = json::parse(runTool({"types", "--json"}).output);
+    std::map<std::string, size_t> seen;
+    for (const json& type : types) {
+        const auto* layout = TQX_layout(type["recordType"].get<uint32_t>());
+        for (int i = 0; i < layout->fieldCount; ++i) {
+            const json& field = type["fields"][static_cast<size_t>(i)];
+            const TQX_FieldLayout& row = layout->fields[i];
+            const bool isBits = row.kind == TQX_FieldKind::Bits;
+            const bool isPlaced = !isBits && row.kind != TQX_FieldKind::Derived;
+            EXPECT_EQ(field.value("description", ""), row.meaning) << row.name;
+            EXPECT_EQ(field.value("bit", -1), isBits ? row.shift : -1) << row.name;
+            EXPECT_EQ(field.value("offset", -1), isPlaced ? row.wireOffset : -1) << row.name;
+            for (const char* key : {"description", "bit", "offset"})
+                seen[key] += field.contains(key) ? 1 : 0;
+        }
+    }
+    for (const char* key : {"description", "bit", "offset"})
+        EXPECT_GT(seen[key], 500U) << key;
+    const json pvt = json::parse(runTool({"types", "--json", "PVTGeodetic2"}).output)[0]["fields"];
+    const std::map<std::string, int> offsets = {{"Sync1", 0},     {"TOW", 8},    {"WNc", 12},
+                                                {"Mode", 14},     {"Error", 15}, {"Latitude", 16},
+                                                {"Longitude", 24}};
+    size_t found = 0;
+    for (const json& field : pvt) {
+        const auto expected = offsets.find(field["name"]);
+        if (expected == offsets.end())
+            continue;
+        EXPECT_EQ(field["offset"], expected->second) << field["name"];
+        ++found;
+    }
+    EXPECT_EQ(found, offsets.size());
+}
+
 TEST(Types, LayoutOfEveryTypeIsShown)
 {
     for (uint32_t recordType = 1; recordType <= 382; ++recordType) {

@@ -1,9 +1,10 @@
 #include "commands/Command.h"
 #include "io/Interrupt.h"
+#include "io/Terminal.h"
 #include "io/ToolError.h"
 #include "io/Words.h"
-#include "reference/Reference.h"
-#include "tqx/log/record/TypeNames.h"
+#include "reference/CommandLine.h"
+#include "reference/HelpFormatter.h"
 
 #include <CLI/CLI.hpp>
 
@@ -12,7 +13,6 @@
 #include <cstring>
 #include <exception>
 #include <iostream>
-#include <string_view>
 
 namespace
 {
@@ -33,33 +33,6 @@ constexpr const char* notes =
     "\n"
     "`tqx help COMMAND` explains a command and shows examples.\n";
 
-/// What is wrong with a command line, and what may have been meant.
-std::string describe(const CLI::App& program, const CLI::ParseError& error)
-{
-    const std::vector<std::string> extras = program.remaining(true);
-    std::vector<std::string> names;
-    if (program.get_subcommands().empty()) {
-        if (extras.empty())
-            return "a command is required (see tqx --help)";
-        for (const CLI::App* command : tqx::tool::commandsOf(program))
-            names.push_back(command->get_name());
-        return tqx::unknownName("command", extras.front(), {names.begin(), names.end()});
-    }
-    if (program.remaining_size() != 0)
-        return program.remaining().front() + " stands before the command, options come behind it";
-    const CLI::App& command = *program.get_subcommands().front();
-    std::string text = error.what();
-    if (dynamic_cast<const CLI::ExtrasError*>(&error) && !extras.empty()) {
-        for (const CLI::Option* option : tqx::tool::optionsOf(command))
-            for (const std::string& name : option->get_lnames())
-                names.push_back("--" + name);
-        text = extras.front().front() == '-'
-                   ? tqx::unknownName("option", extras.front(), {names.begin(), names.end()})
-                   : extras.front() + " is one argument too many";
-    }
-    return command.get_name() + ": " + text + " (see tqx help " + command.get_name() + ")";
-}
-
 /// A bad command line is told in one line; help and version are no errors.
 ExitStatus explain(const CLI::App& program, const CLI::ParseError& error)
 {
@@ -70,7 +43,7 @@ ExitStatus explain(const CLI::App& program, const CLI::ParseError& error)
         tqx::tool::words::say(std::string("standard output: ") + std::strerror(errno));
         return ExitStatus::Failed;
     }
-    tqx::tool::words::say(describe(program, error));
+    tqx::tool::words::say(tqx::tool::describe(program, error));
     return ExitStatus::Failed;
 }
 
@@ -80,6 +53,7 @@ ExitStatus run(int argc, char** argv)
     program.footer(notes);
     program.set_version_flag("--version", version);
     program.require_subcommand(1);
+    program.formatter(std::make_shared<tqx::tool::HelpFormatter>(tqx::tool::outputWidth()));
     program.get_formatter()->label("SUBCOMMAND", "COMMAND");
     program.get_formatter()->label("Positionals", "Arguments");
     const std::vector<std::unique_ptr<Command>> commands = tqx::tool::makeCommands(program);

@@ -36,7 +36,8 @@ double referenceTime(System system, double time)
 
 Vector rounded(const Vector& v, double step)
 {
-    return {simulation::rounded(v.x, step), simulation::rounded(v.y, step), simulation::rounded(v.z, step)};
+    return {simulation::rounded(v.x, step), simulation::rounded(v.y, step),
+            simulation::rounded(v.z, step)};
 }
 
 } // namespace
@@ -88,8 +89,8 @@ KeplerEphemeris keplerEphemeris(const Satellite& satellite, double time)
         wrapped(told.elements.ascendingNode + earthModel(system).rotation / pi * told.toe),
         angleStep);
     told.issue = static_cast<unsigned>(ephemerisIndex(system, time) % 240);
-    told.clockBias =
-        simulation::rounded(satellite.clockAt(reference), system == System::Gps ? 0x1p-31 : 0x1p-33);
+    told.clockBias = simulation::rounded(satellite.clockAt(reference),
+                                         system == System::Gps ? 0x1p-31 : 0x1p-33);
     told.clockDrift = satellite.getClockDrift();
     return told;
 }

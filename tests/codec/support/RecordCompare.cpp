@@ -22,11 +22,6 @@ const TQX_FieldLayout* countedField(const TQX_TypeLayout& type, const TQX_FieldL
 bool isCompared(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const void* one,
                 Compared compared)
 {
-    // Of a counted field that is not there only the ends are defined.
-    const bool counted = countedField(type, field) != nullptr;
-    if (counted && (!TQX_isPresent(type, field, one) ||
-                    (compared == Compared::AfterFailure && !holdsEntries(field))))
-        return false;
     if (compared != Compared::WireFields)
         return true;
     // CRC, ID and Length are the encoder's; what the ID says stands in members of its own.
@@ -48,6 +43,8 @@ uint32_t elementsOf(const TQX_TypeLayout& type, const TQX_FieldLayout& field, co
     const uint32_t zero = isText && compared != Compared::WireFields ? 1 : 0;
     if (counted == nullptr)
         return field.elements + zero;
+    if (compared == Compared::Whole && counted->kind != TQX_FieldKind::Blocks)
+        return counted->elements + (isText || counted->countsBytes ? 1U : 0U);
     const auto count =
         static_cast<uint32_t>(TQX_unsignedValue(type.fields[counted->count], record));
     const uint32_t elements = counted->countsBytes ? count / TQX_elementSize(*counted) : count;
@@ -61,7 +58,8 @@ uint32_t elementsOf(const TQX_TypeLayout& type, const TQX_FieldLayout& field, co
 bool sameTail(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const void* one,
               const void* other, uint32_t index)
 {
-    if (!field.countsBytes || index >= field.elements)
+    // What is split from a word is split from whole words only.
+    if (!field.countsBytes || field.kind == TQX_FieldKind::Bits || index >= field.elements)
         return true;
     const uint64_t bits =
         TQX_unsignedValue(type.fields[field.count], one) % TQX_elementSize(field) * 8;
@@ -113,8 +111,8 @@ std::string firstDifference(const TQX_TypeLayout& type, const void* one, const v
             return std::string(type.name) + "::" + field.name;
         if (missing)
             continue;
-        // Content that was not selected is empty in a decoded record.
-        if (field.kind == TQX_FieldKind::Embedded && !TQX_isPresent(type, field, one))
+        if (field.kind == TQX_FieldKind::Embedded && !TQX_isPresent(type, field, one) &&
+            compared == Compared::WireFields)
             continue;
         for (uint32_t i = 0; i < count; ++i) {
             const std::string difference =

@@ -6,13 +6,11 @@
 
 /// Which members are compared.
 enum class Compared {
-    Everything,   ///< all that is defined, derived values and bookkeeping included
-    AfterFailure, ///< the same, but for elements of counted fields: decoding may have broken off
-    WireFields, ///< what stands on the wire in `one`; the frame, padding and entry lengths left out
+    Reachable,  ///< all that a reader can come to, derived values and bookkeeping included
+    Whole,      ///< the same and the room after the last counted element
+    WireFields, ///< what is on the wire in `one`; the frame, padding and entry lengths left out
 };
 
 /// Name of the first member in which two records of a type differ, empty when there is none.
-/// Fields that `one` does not hold, and what stands behind the last counted element, are no part
-/// of the comparison.
 std::string firstDifference(const Kor::MessageApi::TQX_TypeLayout& type, const void* one,
                             const void* other, Compared compared);

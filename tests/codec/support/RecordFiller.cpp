@@ -109,3 +109,15 @@ void fillRecord(const TQX_TypeLayout& type, void* record, unsigned revision,
     static_cast<TQX_MainHeader_s*>(record)->Revision = static_cast<uint8_t>(revision);
     Filler(options, next).fill(type, record);
 }
+
+void appendToAll(const TQX_TypeLayout& type, void* record, unsigned elements)
+{
+    for (int row = 0; row < type.fieldCount; ++row) {
+        const TQX_FieldLayout& field = type.fields[row];
+        if (field.kind != TQX_FieldKind::Blocks)
+            continue;
+        const uint64_t most = TQX_elementSize(type.fields[field.count]) == 1 ? 255 : 65535;
+        for (unsigned i = 0; i < elements && TQX_elementCount(type, field, record) < most; ++i)
+            appendToAll(*TQX_layout(field.recordType), field.append(record), elements);
+    }
+}

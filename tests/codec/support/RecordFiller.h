@@ -19,3 +19,7 @@ struct FillOptions {
 /// revision is set as given, the rest of the ID is left to the encoder.
 void fillRecord(const Kor::MessageApi::TQX_TypeLayout& type, void* record, unsigned revision,
                 const FillOptions& options, const ValueSource& next);
+
+/// Appends `elements` elements to every sub-block array of an initialised or decoded record, and to
+/// those of the new elements, as far as the counts go.
+void appendToAll(const Kor::MessageApi::TQX_TypeLayout& type, void* record, unsigned elements);

@@ -10,7 +10,12 @@
 class AnyRecord
 {
 public:
-    AnyRecord() { clear(); }
+    /// What a use does not write shows by `content`.
+    explicit AnyRecord(uint8_t content = 0xa5)
+        : m_area(sizeof(Kor::MessageApi::TQX_AnyRecord_u) / 8 + 1, content * 0x0101010101010101U)
+    {
+        clear();
+    }
     ~AnyRecord() { TQX_release(m_area.data()); }
     AnyRecord(const AnyRecord&) = delete;
     AnyRecord& operator=(const AnyRecord&) = delete;
@@ -41,7 +46,5 @@ public:
 private:
     void clear() { std::memset(m_area.data(), 0, sizeof(Kor::MessageApi::TQX_MainHeader_s)); }
 
-    // What a decode does not write shows.
-    std::vector<uint64_t> m_area = std::vector<uint64_t>(
-        sizeof(Kor::MessageApi::TQX_AnyRecord_u) / 8 + 1, 0xa5a5a5a5a5a5a5a5U);
+    std::vector<uint64_t> m_area;
 };

@@ -36,6 +36,7 @@ CutCommand::CutCommand(CLI::App& program)
           "--where asks for it. See tqx help dump for times and conditions.\n")
 {
     streams.addInputs(app);
+    streams.addDamageReport(app);
     streams.addSelection(app);
     app.add_option("-o,--output", target, "File to write instead of standard output")
         ->type_name("FILE");

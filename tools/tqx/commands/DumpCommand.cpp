@@ -1,6 +1,7 @@
 #include "commands/DumpCommand.h"
 
 #include "io/Output.h"
+#include "io/ToolError.h"
 #include "output/CsvDump.h"
 #include "output/ParallelDump.h"
 #include "tqx/log/record/FieldFilter.h"
@@ -26,7 +27,10 @@ class RawJsonWriter : public BlockWriter
 public:
     explicit RawJsonWriter(const FieldFilter& filter) : json(filter) {}
     void write(Buffer& out, const DecodedBlock& decoded) override { json.write(out, decoded); }
-    void writeOther(Buffer& out, const Block& block) override { json.writeBytes(out, block); }
+    void writeOther(Buffer& out, const DecodedBlock& decoded) override
+    {
+        json.writeBytes(out, decoded.block);
+    }
 
 private:
     RawJson json;
@@ -37,9 +41,10 @@ class ValueJsonWriter : public BlockWriter
 {
 public:
     explicit ValueJsonWriter(const FieldFilter& filter) : json(filter) {}
-    void write(Buffer& out, const DecodedBlock& decoded) override
+    void write(Buffer& out, const DecodedBlock& decoded) override { json.write(out, decoded); }
+    void writeOther(Buffer& out, const DecodedBlock& decoded) override
     {
-        json.write(out, decoded.record);
+        json.writeBytes(out, decoded);
     }
 
 private:
@@ -58,11 +63,11 @@ public:
     {
         paragraph.write(out, decoded.block, decoded.record);
     }
-    void writeOther(Buffer& out, const Block& block) override
+    void writeOther(Buffer& out, const DecodedBlock& decoded) override
     {
         // Nothing stands for a block of a known type that did not decode.
-        if (TQX_recordType(block.getNumber()) == 0)
-            paragraph.writeTitle(out, block);
+        if (TQX_recordType(decoded.block.getNumber()) == 0)
+            paragraph.writeTitle(out, decoded.block);
     }
 
 private:
@@ -83,7 +88,11 @@ DumpCommand::DumpCommand(CLI::App& program)
           "\n"
           "Text is a paragraph a message; jsonl is an object a line, with scaled values, names\n"
           "for values that have one and null for what is not available, or under --raw with the\n"
-          "stored values, from which encode makes the same blocks again.\n"
+          "stored values, from which encode makes the same blocks again. With scaled values each "
+          "object\n"
+          "says the time of its block, on the GPS scale and in UTC; a block without fields that "
+          "are\n"
+          "known has its bytes in base64. Control characters in texts are shown as \\n or \\x1b.\n"
           "\n"
           "Csv is a table of a type: to standard output or a file named .csv the one type that is\n"
           "selected, a row for each of its messages or, if it has sub-blocks, for each of those; "
@@ -99,15 +108,19 @@ DumpCommand::DumpCommand(CLI::App& program)
               std::string(SelectionOptions::notes))
 {
     streams.addInputs(app);
+    streams.addDamageReport(app);
     streams.addSelection(app);
     app.add_option("--format", format, "How to write them")
-        ->check(CLI::IsMember({"text", "jsonl", "csv"}).description(""))
+        ->transform(CLI::IsMember({"text", "jsonl", "csv"}, CLI::ignore_case).description(""))
         ->type_name("text|jsonl|csv")
         ->capture_default_str();
     app.add_flag("--raw", raw, "Values as they are stored, without scale, unit and names");
-    app.add_option(
-           "--field", fields,
-           "Only these fields; Field.Inner or just Inner for one inside the sub-blocks of Field")
+    app.add_flag("--csv-safe", csvSafe,
+                 "Put an apostrophe in front of csv texts that a spreadsheet would take for "
+                 "formulas: those that begin with = + - @, a tab or a carriage return");
+    app.add_option("--field", fields,
+                   "Only these fields, in this order; Field.Inner or just Inner for one inside the "
+                   "sub-blocks of Field, Block.Field for one of that block alone")
         ->delimiter(',')
         ->allow_extra_args(false)
         ->type_name("FIELD,FIELD");
@@ -120,8 +133,10 @@ ExitStatus DumpCommand::run()
 {
     const FieldFilter filter(fields);
     streams.checkBefore(target);
+    if (csvSafe && format != "csv")
+        throw ToolError("dump: --csv-safe goes with --format csv");
     if (format == "csv")
-        return dumpCsv(streams, filter, raw, target);
+        return dumpCsv(streams, filter, {raw, csvSafe}, target);
     Output output(target);
     ParallelDump dump(output, [&]() -> std::unique_ptr<BlockWriter> {
         if (format == "text")

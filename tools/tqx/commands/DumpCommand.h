@@ -19,6 +19,7 @@ private:
     std::string target = "-";
     std::string format = "text";
     bool raw = false;
+    bool csvSafe = false;
 };
 
 } // namespace tqx::tool

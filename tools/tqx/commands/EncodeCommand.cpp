@@ -28,6 +28,8 @@ EncodeCommand::EncodeCommand(CLI::App& program)
     app.add_option("FILE", files, "Files to read, one after the other; - is standard input")
         ->required()
         ->type_name("");
+    app.add_flag("-v,--verbose", verbose,
+                 "Report every line that cannot be encoded, not only the first ten");
     app.add_option("-o,--output", target, "File to write instead of standard output")
         ->type_name("FILE");
 }
@@ -40,20 +42,24 @@ ExitStatus EncodeCommand::run()
     LineEncoder encoder;
     Progress progress(files, true);
     bool complete = true;
+    words::Limit limit(verbose);
     for (const std::string& path : files) {
         try {
-            complete = encodeFile(path, encoder, progress, output) && complete;
+            complete = encodeFile(path, encoder, progress, output, limit) && complete;
         } catch (const SourceError& error) {
             words::say(error.what());
             complete = false;
         }
     }
     output.flush();
+    if (limit.getOthers() != 0)
+        words::say(fmt::format("{} more lines cannot be encoded (-v reports them all)",
+                               limit.getOthers()));
     return complete ? ExitStatus::Done : ExitStatus::Failed;
 }
 
 bool EncodeCommand::encodeFile(const std::string& path, LineEncoder& encoder, Progress& progress,
-                               Output& output)
+                               Output& output, words::Limit& limit)
 {
     LineReader reader(path, progress, [&output] { output.flush(); });
     bool complete = true;
@@ -68,7 +74,8 @@ bool EncodeCommand::encodeFile(const std::string& path, LineEncoder& encoder, Pr
             output.getBuffer().append(reinterpret_cast<const char*>(block.data()), block.size());
             output.commit();
         } catch (const LineError& error) {
-            words::sayLine(path, number, error.what());
+            if (limit.admits())
+                words::sayLine(path, number, error.what());
             complete = false;
         }
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "commands/Command.h"
+#include "io/Words.h"
 
 namespace tqx
 {
@@ -22,10 +23,11 @@ public:
 
 private:
     bool encodeFile(const std::string& path, LineEncoder& encoder, Progress& progress,
-                    Output& output);
+                    Output& output, words::Limit& limit);
 
     std::vector<std::string> files;
     std::string target = "-";
+    bool verbose = false;
 };
 
 } // namespace tqx::tool

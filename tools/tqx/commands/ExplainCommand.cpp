@@ -6,6 +6,7 @@
 #include "io/Words.h"
 #include "tqx/log/inspect/BlockLocator.h"
 #include "tqx/log/inspect/Explanation.h"
+#include "tqx/log/text/PrintableText.h"
 
 #include <fmt/format.h>
 
@@ -31,7 +32,8 @@ std::pair<std::string, uint64_t> split(const std::string& place)
     const auto [stop, error] =
         std::from_chars(number.data() + (isHex ? 2 : 0), end, offset, isHex ? 16 : 10);
     if (stop != end || error != std::errc())
-        throw ToolError("explain: " + place + ": " + number + " is no offset");
+        throw ToolError("explain: " + shortened(place) + ": " + shortened(number) +
+                        " is no offset");
     return {place.substr(0, at), offset};
 }
 
@@ -73,7 +75,8 @@ ExitStatus ExplainCommand::run()
 {
     for (const std::string& extra : app.remaining()) {
         if (extra.rfind("-@", 0) != 0)
-            throw ToolError("explain: there is no option " + extra + " (see tqx help explain)");
+            throw ToolError("explain: there is no option " + shortened(extra) +
+                            " (see tqx help explain)");
         places.push_back(extra);
     }
     if (places.empty())

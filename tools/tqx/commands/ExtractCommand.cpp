@@ -61,10 +61,11 @@ ExtractCommand::ExtractCommand(CLI::App& program)
               "in words of 32 bits. See tqx help dump for times and conditions.\n")
 {
     streams.addInputs(app);
+    streams.addDamageReport(app);
     streams.addConditions(app);
     app.add_option("--mode", mode, "Their format")
         ->required()
-        ->check(CLI::IsMember(modes).description(""))
+        ->transform(CLI::IsMember(modes, CLI::ignore_case).description(""))
         ->type_name("rtcm2|cmr|rtcm3|rtcmv");
     app.add_option("-o,--output", target, "File to write instead of standard output")
         ->type_name("FILE");

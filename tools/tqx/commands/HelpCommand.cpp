@@ -28,7 +28,11 @@ void HelpCommand::appendHelp(Buffer& out) const
     }
     if (!subject)
         throw ToolError(unknownName("command", topic, names));
-    out.append(subject->help(topic.empty() ? "" : program.get_name()));
+    const bool isProgram = subject == &program;
+    // App::help() of the program would show the command that was parsed, which is this one.
+    out.append(isProgram ? program.get_formatter()->make_help(&program, program.get_name(),
+                                                              CLI::AppFormatMode::Normal)
+                         : subject->help(program.get_name()));
 }
 
 ExitStatus HelpCommand::run()

@@ -5,15 +5,24 @@
 #include "io/Progress.h"
 #include "io/Target.h"
 #include "io/ToolError.h"
+#include "options/Numbers.h"
+#include "tqx/log/text/PrintableText.h"
 
 #include <CLI/Validators.hpp>
 #include <fmt/format.h>
 
 #include <cmath>
-#include <cstdlib>
+#include <limits>
 
 namespace tqx::tool
 {
+
+namespace
+{
+
+constexpr double longest = 1e8; // seconds
+
+} // namespace
 
 SimulateCommand::SimulateCommand(CLI::App& program)
     : Command(
@@ -35,9 +44,9 @@ SimulateCommand::SimulateCommand(CLI::App& program)
 {
     declareLength();
     declareTrack();
-    app.add_option("--seed", settings.seed, "Start of the random numbers")
-        ->type_name("NUMBER")
-        ->capture_default_str();
+    addWhole(app, "--seed", settings.seed, 0, std::numeric_limits<uint64_t>::max(),
+             "Start of the random numbers")
+        ->type_name("NUMBER");
     app.add_flag("--damage", settings.damage, "Flip bits, cut blocks and put junk between them");
     app.add_option("-o,--output", target, "File to write instead of standard output")
         ->type_name("FILE");
@@ -48,21 +57,16 @@ void SimulateCommand::declareLength()
     app.add_option("--start", start, "GNSS time of the first epoch, week 1930 to 4000")
         ->type_name("WEEK:SECONDS")
         ->capture_default_str();
-    duration = app.add_option("--duration", settings.duration, "Length of the log in seconds")
-                   ->check(CLI::Range(0.0, 1e8).description(""))
-                   ->type_name("SECONDS")
-                   ->capture_default_str();
-    app.add_option("--size", settings.size,
-                   "End the log at this size, as 500MB or 1GB; without --duration at no other time")
-        ->check([](const std::string& size) {
-            return size.rfind('-', 0) == 0 ? size + " is no size" : std::string();
-        })
-        ->transform(CLI::AsSizeValue(true).description(""))
-        ->type_name("BYTES");
-    app.add_option("--rate", rate, "Epochs a second; the period must be whole milliseconds")
-        ->check(CLI::Range(1e-4, 1000.0).description(""))
-        ->type_name("HERTZ")
-        ->capture_default_str();
+    duration = addReal(app, "--duration", settings.duration, 0, longest, "seconds",
+                       "Length of the log in seconds")
+                   ->type_name("SECONDS");
+    addBytes(app, "--size", settings.size,
+             "End the log at this size, as 500MB or 1GB; without --duration at no other time")
+        ->type_name("BYTES")
+        ->default_str("");
+    addReal(app, "--rate", rate, 1e-4, 1000, "hertz",
+            "Epochs a second; the period must be whole milliseconds")
+        ->type_name("HERTZ");
 }
 
 void SimulateCommand::declareTrack()
@@ -70,32 +74,34 @@ void SimulateCommand::declareTrack()
     app.add_option(
            "--track", track,
            "How the antenna moves: not at all, on a circle of 200 m radius or on a line eastwards")
-        ->check(CLI::IsMember({"static", "circle", "line"}).description(""))
+        ->transform(CLI::IsMember({"static", "circle", "line"}, CLI::ignore_case).description(""))
         ->type_name("static|circle|line")
         ->capture_default_str();
-    app.add_option("--speed", settings.track.speed, "Speed on the track in metres a second")
-        ->check(CLI::Range(0.0, 300.0).description(""))
-        ->type_name("SPEED")
-        ->capture_default_str();
+    addReal(app, "--speed", settings.track.speed, 0, 300, "metres a second",
+            "Speed on the track in metres a second")
+        ->type_name("SPEED");
     app.add_option("--position", position, "Where the track begins: degrees and metres")
-        ->expected(3)
-        ->delimiter(',')
         ->option_text("LAT,LON,HEIGHT=47.07,15.45,412.3");
 }
 
 /// Sets the time of the first epoch. Before week 1930 there were other leap seconds.
 void SimulateCommand::readStart()
 {
-    char* rest = nullptr;
-    const double week = std::strtod(start.c_str(), &rest);
-    const char* const number = *rest == ':' ? rest + 1 : rest;
-    const double seconds = std::strtod(number, &rest);
-    const double millis = seconds * 1000;
-    if (rest == number || *rest != '\0' || week != std::floor(week) || week < 1930 || week > 4000 ||
-        !(seconds >= 0) || seconds >= 604800 || std::fabs(millis - std::round(millis)) > 1e-3)
-        throw ToolError(fmt::format("simulate: {} is no start, such as 2400:216000", start));
-    settings.week = static_cast<uint16_t>(week);
-    settings.towMillis = static_cast<uint32_t>(std::llround(millis));
+    constexpr double lastMillisecond = 604799.999;
+    const size_t colon = start.find(':');
+    try {
+        const uint64_t week = numbers::whole(std::string_view(start).substr(0, colon), 1930, 4000);
+        const double seconds = numbers::real(
+            colon == std::string::npos ? "" : start.substr(colon + 1), 0, lastMillisecond);
+        const double millis = seconds * 1000;
+        if (std::fabs(millis - std::round(millis)) > 1e-3)
+            throw DataError("is finer than milliseconds");
+        settings.week = static_cast<uint16_t>(week);
+        settings.towMillis = static_cast<uint32_t>(std::llround(millis));
+    } catch (const DataError&) {
+        throw ToolError(
+            fmt::format("simulate: {} is no start, such as 2400:216000", shortened(start)));
+    }
 }
 
 void SimulateCommand::readPosition()
@@ -103,12 +109,18 @@ void SimulateCommand::readPosition()
     if (position.empty())
         return;
     constexpr double degree = simulation::pi / 180;
-    const double height = position[2];
-    if (std::fabs(position[0]) > 89 || std::fabs(position[1]) > 180 || height < -500 ||
-        height > 20000)
-        throw ToolError("simulate: --position needs a latitude up to 89, a longitude up to 180 and "
-                        "a height of -500 to 20000");
-    settings.track.start = {position[0] * degree, position[1] * degree, height};
+    const std::vector<std::string> parts = CLI::detail::split(position, ',');
+    try {
+        if (parts.size() != 3)
+            throw DataError("it needs three numbers");
+        settings.track.start = {numbers::real(parts[0], -89, 89) * degree,
+                                numbers::real(parts[1], -180, 180) * degree,
+                                numbers::real(parts[2], -500, 20000)};
+    } catch (const DataError& error) {
+        throw ToolError(fmt::format("simulate: --position needs a latitude up to 89, a longitude "
+                                    "up to 180 and a height of -500 to 20000: {}",
+                                    error.what()));
+    }
 }
 
 ExitStatus SimulateCommand::run()
@@ -125,7 +137,7 @@ ExitStatus SimulateCommand::run()
     readStart();
     readPosition();
     if (settings.size != 0 && duration->count() == 0)
-        settings.duration = 1e8;
+        settings.duration = longest;
     refuseTerminal(target);
     Output output(target);
     Progress progress("simulated", settings.size);

@@ -24,7 +24,7 @@ private:
     double rate = 1;
     std::string track = "static";
     std::string start = "2400:216000";
-    std::vector<double> position; ///< degrees and metres, empty for the one in the settings
+    std::string position; ///< degrees and metres, empty for the one in the settings
     std::string target = "-";
 };
 

@@ -7,6 +7,7 @@
 #include "tqx/log/inspect/TypesJson.h"
 #include "tqx/log/record/TypeNames.h"
 #include "tqx/log/select/NamePattern.h"
+#include "tqx/log/text/PrintableText.h"
 
 #include <fmt/format.h>
 
@@ -38,8 +39,8 @@ Types typesOf(const std::string& name)
     if (!types.empty())
         return types;
     if (isPattern(name))
-        throw ToolError("no type has a name like " + name);
-    throw ToolError(stop == end ? "there is no block " + name : unknownType(name));
+        throw ToolError("no type has a name like " + shortened(name));
+    throw ToolError(stop == end ? "there is no block " + shortened(name) : unknownType(name));
 }
 
 Types typesOf(const std::vector<std::string>& names)

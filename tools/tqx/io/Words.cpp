@@ -1,5 +1,7 @@
 #include "io/Words.h"
 
+#include "tqx/log/text/PrintableText.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -45,31 +47,35 @@ std::string fitted(std::string_view text)
     constexpr size_t usualWidth = 80;
     winsize window = {};
     const bool known = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &window) == 0 && window.ws_col != 0;
-    size_t length = std::min(text.size(), (known ? window.ws_col : usualWidth) - 1);
-    const auto isWithin = [&](size_t at) { return (text[at] & 0xc0) == 0x80; };
-    while (length != 0 && length < text.size() && isWithin(length))
+    const std::string line = printable(text);
+    size_t length = std::min(line.size(), (known ? window.ws_col : usualWidth) - 1);
+    const auto isWithin = [&](size_t at) { return (line[at] & 0xc0) == 0x80; };
+    while (length != 0 && length < line.size() && isWithin(length))
         --length;
-    std::string line(text.substr(0, length));
-    const auto isControl = [](char c) { return (c >= 0 && c < ' ') || c == '\x7f'; };
-    std::replace_if(line.begin(), line.end(), isControl, '?');
-    return line;
+    return line.substr(0, length);
 }
 
 } // namespace
 
 void say(std::string_view text)
 {
-    print(fmt::format("tqx: {}\n", text));
+    std::string lines = "tqx: ";
+    size_t start = 0;
+    for (size_t end = 0; (end = text.find("\n  ", end)) != std::string_view::npos;) {
+        lines += printable(text.substr(start, end - start)) + '\n';
+        start = ++end;
+    }
+    print(lines + printable(text.substr(start)) + '\n');
 }
 
 void sayAt(std::string_view file, uint64_t offset, std::string_view text)
 {
-    print(fmt::format("tqx: {}: {}: {}\n", file, offset, text));
+    print(fmt::format("tqx: {}: {}: {}\n", printable(file), offset, printable(text)));
 }
 
 void sayLine(std::string_view file, uint64_t line, std::string_view text)
 {
-    print(fmt::format("{}:{}: {}\n", file, line, text));
+    print(fmt::format("{}:{}: {}\n", printable(file), line, printable(text)));
 }
 
 bool canShowProgress()

@@ -12,7 +12,8 @@ namespace tqx::tool
 namespace words
 {
 
-/// "tqx: <text>"
+/// "tqx: <text>", of which lines after the first are kept that begin with two blanks. Control
+/// characters in it, here and below, are escaped.
 void say(std::string_view text);
 
 /// "tqx: <file>: <offset>: <text>"
@@ -20,6 +21,31 @@ void sayAt(std::string_view file, uint64_t offset, std::string_view text);
 
 /// "<file>:<line>: <text>"
 void sayLine(std::string_view file, uint64_t line, std::string_view text);
+
+/// How many words of one kind are said: the first ten, or all.
+class Limit
+{
+public:
+    explicit Limit(bool isVerbose) : isUnlimited(isVerbose) {}
+
+    /// Whether one more may be said.
+    bool admits()
+    {
+        constexpr uint64_t most = 10;
+        if (isUnlimited || count++ < most)
+            return true;
+        ++others;
+        return false;
+    }
+
+    /// Those that were not.
+    uint64_t getOthers() const { return others; }
+
+private:
+    bool isUnlimited;
+    uint64_t count = 0;
+    uint64_t others = 0;
+};
 
 /// Whether standard error is a terminal on which a line can be written over, and standard output no
 /// pipe: what stands behind one may write to the same terminal.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "io/InputSequence.h"
+#include "io/Words.h"
 #include "tqx/log/stream/BlockStream.h"
 
 #include <functional>
@@ -15,8 +16,8 @@ class InputStream : public InputSequence, private StreamListener, public BlockSt
 {
 public:
     /// "-" among the paths is standard input. A `quiet` one says nothing about damage and shows no
-    /// progress.
-    InputStream(std::vector<std::string> paths, bool quiet);
+    /// progress; a `verbose` one names every damaged place, others the first ten.
+    InputStream(std::vector<std::string> paths, bool quiet, bool verbose = false);
 
     /// Has gaps handed to `listener` instead of reported to standard error; undecodable blocks are
     /// then only counted.
@@ -24,6 +25,9 @@ public:
     {
         gapListener = std::move(action);
     }
+
+    /// Reports the number of damaged places that were not named, if there are any.
+    void sumUpDamage();
 
     /// Whether words about damage are unwanted.
     bool isQuiet() const { return quiet; }
@@ -34,6 +38,9 @@ private:
 
     std::function<void(const StreamGap&)> gapListener;
     bool quiet;
+    words::Limit limit;
+    StreamGap others;              ///< the sum of the gaps that were not named
+    uint64_t otherUndecodable = 0; ///< blocks that were not named
 };
 
 } // namespace tqx::tool

@@ -1,6 +1,6 @@
 #include "options/SelectionOptions.h"
 
-#include <CLI/Validators.hpp>
+#include "options/Numbers.h"
 
 #include <limits>
 
@@ -75,11 +75,10 @@ void SelectionOptions::addConditions(CLI::App& command)
         ->type_name("CONDITION")
         ->check(refuseEmpty)
         ->group(group);
-    command
-        .add_option("--every", request.every,
-                    "Of each type the first one that all this selects, then every N-th")
+    addWhole(command, "--every", request.every, 1, std::numeric_limits<uint32_t>::max(),
+             "Of each type the first one that all this selects, then every N-th")
         ->type_name("N")
-        ->check(CLI::Range(uint32_t{1}, std::numeric_limits<uint32_t>::max()).description(""))
+        ->default_str("")
         ->group(group);
 }
 

@@ -38,6 +38,9 @@ public:
     /// Adds FILE..., --strict and --quiet.
     void addInputs(CLI::App& command);
 
+    /// Adds --verbose, for commands that report damage on standard error. After addInputs().
+    void addDamageReport(CLI::App& command);
+
     /// Adds the arguments that choose blocks.
     void addSelection(CLI::App& command)
     {
@@ -55,6 +58,10 @@ public:
     /// it is one of the inputs.
     void checkBefore(const std::string& target);
 
+    /// The same before a table for each type is written into a folder: throws ToolError when one of
+    /// those that may be written is an input.
+    void checkBeforeFolder(const std::string& folder);
+
     /// Hands the selected blocks of the inputs, as one stream, to `consumer`. An input that cannot
     /// be read is reported and left out. Returns Failed if there was such a one, else, under
     /// --strict, Damaged if the stream was. Throws ToolError for bad arguments and when the output
@@ -67,6 +74,7 @@ private:
     std::optional<Selection> selection;
     bool strict = false;
     bool quiet = false;
+    bool verbose = false;
 };
 
 } // namespace tqx::tool

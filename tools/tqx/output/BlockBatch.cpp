@@ -1,6 +1,7 @@
 #include "output/BlockBatch.h"
 
-#include <cstring>
+#include "TQX_OwnedRecord.h"
+
 #include <limits>
 #include <new>
 
@@ -32,9 +33,7 @@ int32_t BlockBatch::add(TQX_Context_s& context, const Block& block)
     bytes.insert(bytes.end(), block.data, block.data + block.size);
     const Block copy = {bytes.data() + start, block.size, block.offset};
     void* record = records.get() + recordBytes;
-    // The driver leaves a record that it does not get to untouched; a head of zeros makes the
-    // release of such a record do nothing.
-    std::memset(record, 0, sizeof(TQX_MainHeader_s));
+    TQX_markEmpty(record);
     const int32_t result = TQX_decode(&context, copy.data, copy.size, record);
     if (result > 0) {
         constexpr size_t mask = alignof(Record) - 1;
@@ -54,7 +53,7 @@ void BlockBatch::write(BlockWriter& writer)
         if (entry.record)
             writer.write(text, entry);
         else
-            writer.writeOther(text, entry.block);
+            writer.writeOther(text, entry);
 }
 
 void BlockBatch::clear()

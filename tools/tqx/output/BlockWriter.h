@@ -16,8 +16,9 @@ public:
     /// Appends what is shown of a block that decoded.
     virtual void write(Buffer& out, const DecodedBlock& decoded) = 0;
 
-    /// Appends what is shown of a block of an unknown number, or of one that did not decode.
-    virtual void writeOther(Buffer&, const Block&) {}
+    /// Appends what is shown of a block of an unknown number, or of one that did not decode: of
+    /// one without record.
+    virtual void writeOther(Buffer&, const DecodedBlock&) {}
 };
 
 } // namespace tqx::tool

@@ -24,8 +24,8 @@ namespace
 class FolderDump : public RecordDump
 {
 public:
-    FolderDump(CsvFiles& files, const FieldFilter& filter, bool isStored)
-        : folder(files, filter, isStored)
+    FolderDump(CsvFiles& files, const FieldFilter& filter, const CsvStyle& style)
+        : folder(files, filter, style)
     {
     }
 
@@ -41,8 +41,9 @@ private:
 class FlatDump : public RecordDump
 {
 public:
-    FlatDump(const TQX_TypeLayout& type, const FieldFilter& filter, bool isStored, Buffer& buffer)
-        : recordType(type.recordType), table(type, filter, isStored), out(buffer)
+    FlatDump(const TQX_TypeLayout& type, const FieldFilter& filter, const CsvStyle& style,
+             Buffer& buffer)
+        : recordType(type.recordType), table(type, filter, style), out(buffer)
     {
         table.writeHeader(out);
     }
@@ -63,8 +64,10 @@ bool isOneFile(const std::string& target)
 {
     const std::filesystem::path path(target);
     std::error_code unknown;
-    return target == "-" || (equalNames(path.extension().string(), ".csv") &&
-                             !std::filesystem::is_directory(path, unknown));
+    constexpr size_t length = 4;
+    const bool isNamed =
+        target.size() >= length && equalNames(target.substr(target.size() - length), ".csv");
+    return target == "-" || (isNamed && !std::filesystem::is_directory(path, unknown));
 }
 
 /// The only type that can be written.
@@ -88,17 +91,18 @@ const TQX_TypeLayout& theType(const TypeSelection& selected, const FieldFilter& 
 
 } // namespace
 
-ExitStatus dumpCsv(StreamOptions& streams, const FieldFilter& filter, bool isStored,
+ExitStatus dumpCsv(StreamOptions& streams, const FieldFilter& filter, const CsvStyle& style,
                    const std::string& target)
 {
     if (!isOneFile(target)) {
+        streams.checkBeforeFolder(target);
         CsvFiles files(target);
-        FolderDump dump(files, filter, isStored);
+        FolderDump dump(files, filter, style);
         return streams.read(dump, files);
     }
     const TQX_TypeLayout& type = theType(streams.getSelection().getTypes(), filter);
     Output output(target);
-    FlatDump dump(type, filter, isStored, output.getBuffer());
+    FlatDump dump(type, filter, style, output.getBuffer());
     return streams.read(dump, output);
 }
 

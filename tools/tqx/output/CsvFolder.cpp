@@ -26,8 +26,8 @@ struct CsvFolder::Book {
     uint64_t messages;
 };
 
-CsvFolder::CsvFolder(CsvFiles& target, const FieldFilter& shown, bool stored)
-    : files(target), filter(shown), isStored(stored)
+CsvFolder::CsvFolder(CsvFiles& target, const FieldFilter& shown, const CsvStyle& wanted)
+    : files(target), filter(shown), style(wanted)
 {
 }
 
@@ -35,7 +35,7 @@ CsvFolder::~CsvFolder() = default;
 
 std::unique_ptr<CsvFolder::Book> CsvFolder::open(const TQX_TypeLayout& type)
 {
-    std::unique_ptr<Book> book(new Book{{type, filter, isStored}, {}, 0});
+    std::unique_ptr<Book> book(new Book{{type, filter, style}, {}, 0});
     book->sheet = addSheet(book->table, type.name, "");
     return book;
 }

@@ -18,7 +18,7 @@ class CsvFolder
 {
 public:
     /// See CsvTable.
-    CsvFolder(CsvFiles& files, const FieldFilter& shown, bool isStored);
+    CsvFolder(CsvFiles& files, const FieldFilter& shown, const CsvStyle& style);
     ~CsvFolder();
     CsvFolder(const CsvFolder&) = delete;
     CsvFolder& operator=(const CsvFolder&) = delete;
@@ -36,7 +36,7 @@ private:
 
     CsvFiles& files;
     const FieldFilter& filter;
-    bool isStored;
+    CsvStyle style;
     std::vector<std::unique_ptr<Book>> books; ///< by record type
     Buffer key;
 };

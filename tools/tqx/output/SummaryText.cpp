@@ -1,6 +1,7 @@
 #include "output/SummaryText.h"
 
 #include "TQX_codec.h"
+#include "tqx/log/text/PrintableText.h"
 
 #include <fmt/format.h>
 
@@ -91,7 +92,7 @@ private:
     }
     std::string placeOf(const std::string& file, uint64_t offset) const
     {
-        return stream.getNames().size() > 1 ? fmt::format("{}: {}", file, offset)
+        return stream.getNames().size() > 1 ? fmt::format("{}: {}", printable(file), offset)
                                             : std::to_string(offset);
     }
 
@@ -200,9 +201,9 @@ void SummaryText::appendFailures()
 std::string headOf(const std::vector<std::string>& names)
 {
     constexpr size_t mostNames = 3;
-    return names.size() > mostNames
-               ? fmt::format("{} files, {} to {}", names.size(), names.front(), names.back())
-               : fmt::format("{}", fmt::join(names, ", "));
+    return names.size() > mostNames ? fmt::format("{} files, {} to {}", names.size(),
+                                                  printable(names.front()), printable(names.back()))
+                                    : printable(fmt::format("{}", fmt::join(names, ", ")));
 }
 
 void appendSummaryText(Buffer& out, const InputStream& stream, const StreamSummary& summary)

@@ -5,6 +5,7 @@
 #include "tqx/log/inspect/BlockWalk.h"
 #include "tqx/log/inspect/PieceText.h"
 #include "tqx/log/record/RecordDecoder.h"
+#include "tqx/log/text/PrintableText.h"
 
 #include <fmt/format.h>
 
@@ -195,7 +196,7 @@ void Explainer::noteNeighbours()
 
 void Explainer::appendHead()
 {
-    out.append(fmt::format("{}, offset {}", location.file, location.offset));
+    out.append(fmt::format("{}, offset {}", printable(location.file), location.offset));
     if (size >= 6) {
         const Block block = {bytes, static_cast<uint16_t>(size), location.offset};
         out.append(fmt::format(": {}, revision {}", describeBlock(block.getNumber()),

@@ -2,6 +2,7 @@
 
 #include "TQX_FieldFacts.h"
 #include "TQX_RecordAccess.h"
+#include "tqx/log/record/Members.h"
 #include "tqx/log/text/JsonText.h"
 #include "tqx/log/value/FieldText.h"
 
@@ -71,7 +72,8 @@ std::string storedText(const BlockPiece& piece)
 
 bool isNotAvailable(const BlockPiece& piece)
 {
-    if (!piece.hasInputs)
+    const bool isUnset = isContinuousTime(*piece.field) && piece.stored == noContinuousTime;
+    if (isUnset || !piece.hasInputs)
         return true;
     const MemberBits bits(*piece.field, false);
     if (bits.isCharacter())

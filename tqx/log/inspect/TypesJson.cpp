@@ -112,6 +112,18 @@ void appendNames(Object& object, const char* name, const std::vector<std::string
     out.append(']');
 }
 
+/// What the field is, and where it is on the wire if that is the same in all blocks: its first byte
+/// in the block or sub-block, or its first bit in the word.
+void appendPlace(Object& object, const TQX_FieldLayout& field)
+{
+    if (*field.meaning != '\0')
+        object.text("description", field.meaning);
+    if (field.kind == TQX_FieldKind::Bits)
+        object.number("bit", field.shift);
+    else if (field.kind != TQX_FieldKind::Derived && field.wireOffset >= 0)
+        object.number("offset", field.wireOffset);
+}
+
 std::vector<std::string> subFieldsOf(const TQX_TypeLayout& type, int index)
 {
     std::vector<std::string> names;
@@ -138,6 +150,7 @@ void appendField(Buffer& out, const TQX_TypeLayout& type, int index)
     object.text("name", field.name);
     if (type.hasMessage)
         object.text("class", fieldClass(type, field));
+    appendPlace(object, field);
     object.text("type", typeName(field));
     if (field.width != 0)
         object.number("width", field.width);

@@ -8,7 +8,6 @@
 
 #include <fmt/format.h>
 
-#include <cstring>
 #include <limits>
 
 namespace tqx
@@ -71,24 +70,7 @@ const TQX_TypeLayout& typeOf(const json& name)
     return *type;
 }
 
-/// Frees what a record owns when the line is done with.
-class Releaser
-{
-public:
-    explicit Releaser(void* owner) : record(owner) {}
-    ~Releaser() { TQX_release(record); }
-    Releaser(const Releaser&) = delete;
-    Releaser& operator=(const Releaser&) = delete;
-
-private:
-    void* record;
-};
-
 } // namespace
-
-LineEncoder::LineEncoder() : record(new TQX_AnyRecord_u) {}
-
-LineEncoder::~LineEncoder() = default;
 
 const std::vector<uint8_t>& LineEncoder::encode(const std::string& text)
 {
@@ -115,8 +97,7 @@ const std::vector<uint8_t>& LineEncoder::encode(const std::string& text)
 
 void LineEncoder::encodeFields(const TQX_TypeLayout& type, const json& values)
 {
-    const Releaser releaser(record.get());
-    type.init(record.get());
+    record.init(type);
     fillRecord(type, record.get(), objectOf(values));
     bytes.resize(largestBlock);
     const int32_t bits =
@@ -131,10 +112,7 @@ void LineEncoder::encodeFields(const TQX_TypeLayout& type, const json& values)
 /// Lengths of entries that are given may be too short for what the entries hold.
 void LineEncoder::checkDecodes()
 {
-    TQX_release(record.get());
-    std::memset(static_cast<void*>(record.get()), 0, sizeof(TQX_MainHeader_s));
-    const int32_t bits =
-        TQX_decode(nullptr, bytes.data(), static_cast<uint16_t>(bytes.size()), record.get());
+    const int32_t bits = record.decode(nullptr, bytes.data(), static_cast<uint16_t>(bytes.size()));
     if (bits < 0)
         throw LineError(fmt::format("these values make a block that does not decode: {} ({})",
                                     TQX_errorName(bits), bits));

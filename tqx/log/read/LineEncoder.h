@@ -1,11 +1,10 @@
 #pragma once
 
-#include "TQX_codec.h"
+#include "TQX_OwnedRecord.h"
 
 #include <nlohmann/json_fwd.hpp>
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -16,11 +15,6 @@ namespace tqx
 class LineEncoder
 {
 public:
-    LineEncoder();
-    ~LineEncoder();
-    LineEncoder(const LineEncoder&) = delete;
-    LineEncoder& operator=(const LineEncoder&) = delete;
-
     /// The block that a line stands for: its "bytes" as they are, else what its "fields" make,
     /// with Length and CRC computed. Valid until the next call. Throws LineError.
     const std::vector<uint8_t>& encode(const std::string& line);
@@ -29,7 +23,7 @@ private:
     void encodeFields(const Kor::MessageApi::TQX_TypeLayout& type, const nlohmann::json& values);
     void checkDecodes();
 
-    std::unique_ptr<Kor::MessageApi::TQX_AnyRecord_u> record;
+    Kor::MessageApi::TQX_OwnedRecord record;
     std::vector<uint8_t> bytes;
 };
 

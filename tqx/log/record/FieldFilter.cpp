@@ -3,11 +3,8 @@
 #include "tqx/log/DataError.h"
 #include "tqx/log/record/TypeNames.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <set>
-#include <string_view>
 
 namespace tqx
 {
@@ -17,28 +14,21 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-/// Equal names; an underscore may stand for a blank.
-bool isSpelled(std::string_view path, std::string_view wanted)
-{
-    return std::equal(path.begin(), path.end(), wanted.begin(), wanted.end(),
-                      [](char x, char y) { return x == y || (x == ' ' && y == '_'); });
-}
-
 /// Whether the end of the path is what is wanted, from some sub-block on.
 bool endsWith(std::string_view path, std::string_view wanted)
 {
     return path.size() > wanted.size() && path[path.size() - wanted.size() - 1] == '.' &&
-           isSpelled(path.substr(path.size() - wanted.size()), wanted);
+           equalFields(path.substr(path.size() - wanted.size()), wanted);
 }
 
 /// What a name stands for in a type: the field of that name or, when there is none, all in its
 /// sub-blocks at any depth.
-std::vector<std::string> pathsIn(const TQX_TypeLayout& type, const std::string& wanted)
+std::vector<std::string> pathsIn(const TQX_TypeLayout& type, std::string_view wanted)
 {
     std::vector<std::string> exact;
     std::vector<std::string> inner;
     forEachField(type, [&](const std::string& path) {
-        if (isSpelled(path, wanted))
+        if (equalFields(path, wanted))
             exact.push_back(path);
         else if (endsWith(path, wanted))
             inner.push_back(path);
@@ -46,66 +36,104 @@ std::vector<std::string> pathsIn(const TQX_TypeLayout& type, const std::string& 
     return exact.empty() ? inner : exact;
 }
 
+int rowNamed(const TQX_TypeLayout& type, std::string_view name)
+{
+    int row = 0;
+    while (type.fields[row].name != name)
+        ++row;
+    return row;
+}
+
+/// The main block whose name a path begins with, or null.
+const TQX_TypeLayout* blockOf(std::string_view path)
+{
+    const size_t point = path.find('.');
+    const TQX_TypeLayout* type =
+        point == std::string_view::npos ? nullptr : findType(path.substr(0, point));
+    return type && type->blockNumber != 0 ? type : nullptr;
+}
+
 [[noreturn]] void refuse(const std::string& wanted)
 {
-    const size_t point = wanted.find('.');
-    const TQX_TypeLayout* block = findType(wanted.substr(0, point));
-    if (block && point != std::string::npos)
-        throw DataError(fmt::format("--field {}: the block is chosen by --type {}, the field by "
-                                    "--field {}",
-                                    wanted, block->name, wanted.substr(point + 1)));
+    const TQX_TypeLayout* block = blockOf(wanted);
     std::set<std::string> paths;
     forEachType([&](const TQX_TypeLayout& type) {
-        forEachField(type, [&](const std::string& path) { paths.insert(path); });
+        if (!block || block == &type)
+            forEachField(type, [&](const std::string& path) { paths.insert(path); });
     });
-    throw DataError(unknownName("field", wanted, {paths.begin(), paths.end()}));
+    if (!block)
+        throw DataError(unknownName("field", wanted, {paths.begin(), paths.end()}));
+    throw DataError(unknownName(std::string("field of ") + block->name,
+                                std::string_view(wanted).substr(wanted.find('.') + 1),
+                                {paths.begin(), paths.end()}));
 }
 
 } // namespace
 
-FieldFilter::FieldFilter(const std::vector<std::string>& paths)
+FieldFilter::FieldFilter(const std::vector<std::string>& paths) : isChoice(!paths.empty())
 {
+    std::set<std::string_view> seen;
     for (const std::string& wanted : paths) {
+        if (!seen.insert(wanted).second)
+            continue;
         bool found = false;
         forEachType([&](const TQX_TypeLayout& type) {
-            if (type.blockNumber == 0)
-                return;
-            for (const std::string& path : pathsIn(type, wanted)) {
-                add(path);
+            if (type.blockNumber != 0 && choose(type, wanted))
                 found = true;
-            }
         });
+        const TQX_TypeLayout* block = found ? nullptr : blockOf(wanted);
+        if (block)
+            found = choose(*block, std::string_view(wanted).substr(wanted.find('.') + 1));
         if (!found)
             refuse(wanted);
     }
 }
 
-void FieldFilter::add(const std::string& path)
+bool FieldFilter::choose(const TQX_TypeLayout& type, std::string_view wanted)
 {
-    const size_t point = path.find('.');
-    const auto [child, isNew] = children.try_emplace(path.substr(0, point));
-    if (point == std::string::npos)
-        child->second.children.clear();
-    else if (isNew || !child->second.isEverything())
-        child->second.add(path.substr(point + 1));
+    const std::vector<std::string> paths = pathsIn(type, wanted);
+    for (const std::string& path : paths)
+        types[type.recordType].add(type, path);
+    return !paths.empty();
 }
 
-const FieldFilter* FieldFilter::find(const std::string& name) const
+/// Adds a field of the type that this filter is for, which exists.
+void FieldFilter::add(const TQX_TypeLayout& type, std::string_view path)
 {
-    if (isEverything())
-        return this;
-    const auto found = children.find(name);
-    return found == children.end() ? nullptr : &found->second;
+    isChoice = true;
+    const size_t point = path.find('.');
+    const int row = rowNamed(type, path.substr(0, point));
+    const auto known = std::find(rows.begin(), rows.end(), row);
+    const auto at = static_cast<size_t>(known - rows.begin());
+    const bool isNew = known == rows.end();
+    if (isNew) {
+        rows.push_back(row);
+        insides.emplace_back();
+    }
+    if (point == std::string_view::npos)
+        insides[at] = FieldFilter();
+    else if (isNew || !insides[at].isEverything())
+        insides[at].add(*TQX_layout(type.fields[row].recordType), path.substr(point + 1));
+}
+
+std::vector<FieldFilter::Shown> FieldFilter::shownIn(const TQX_TypeLayout& type) const
+{
+    std::vector<Shown> shown;
+    if (isEverything()) {
+        for (int row = 0; row < type.fieldCount; ++row)
+            shown.push_back({row, this});
+        return shown;
+    }
+    const auto own = types.find(type.recordType);
+    const FieldFilter& filter = own == types.end() ? *this : own->second;
+    for (size_t i = 0; i < filter.rows.size(); ++i)
+        shown.push_back({filter.rows[i], &filter.insides[i]});
+    return shown;
 }
 
 bool FieldFilter::matches(const TQX_TypeLayout& type) const
 {
-    if (isEverything())
-        return true;
-    for (int i = 0; i < type.fieldCount; ++i)
-        if (find(type.fields[i].name))
-            return true;
-    return false;
+    return !shownIn(type).empty();
 }
 
 } // namespace tqx

@@ -2,40 +2,54 @@
 
 #include "TQX_Layout.h"
 
+#include <cstdint>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tqx
 {
 
-/// Which fields a command shows: a tree of names, fields of sub-blocks below the field that holds
-/// the sub-blocks. A filter without names shows everything.
+/// Which fields a command shows of each type, and in which order: a tree, with the fields of a
+/// sub-block below the field that holds it. A filter without names shows everything.
 class FieldFilter
 {
 public:
+    /// A row of a layout, and the filter for what is inside it.
+    struct Shown {
+        int row;
+        const FieldFilter* inside;
+    };
+
     /// Everything.
     FieldFilter() = default;
 
-    /// The fields named by `paths`: "Latitude", "Type1" with all that is in it, "Type1.CN0"; "CN0"
-    /// alone is that of sub-blocks in types that have none themselves. An underscore may stand for
-    /// a blank. Throws DataError for a path that no type has.
+    /// The fields named by `paths`, in this order: "Latitude", "Type1" with all that is in it,
+    /// "Type1.CN0"; "CN0" alone is that of sub-blocks in types that have none themselves. With the
+    /// name of a block in front, "MeasEpoch2.Type1.CN0", it is a field of that block alone. Case is
+    /// ignored, and an underscore may stand for a blank. Throws DataError for a path that no type
+    /// has.
     explicit FieldFilter(const std::vector<std::string>& paths);
 
     /// Whether every field is shown.
-    bool isEverything() const { return children.empty(); }
+    bool isEverything() const { return !isChoice; }
 
-    /// The filter for what is inside the field `name`, or null when the field is not shown. Of a
-    /// filter that shows everything it is that filter itself.
-    const FieldFilter* find(const std::string& name) const;
+    /// What is shown of a type in the order to show it: of the main type itself, or, for a filter
+    /// from inside a Shown, of the sub-block there. The filters live as long as this one.
+    std::vector<Shown> shownIn(const Kor::MessageApi::TQX_TypeLayout& type) const;
 
     /// Whether at least one field of the type is shown.
     bool matches(const Kor::MessageApi::TQX_TypeLayout& type) const;
 
 private:
-    void add(const std::string& path);
+    bool choose(const Kor::MessageApi::TQX_TypeLayout& type, std::string_view wanted);
+    void add(const Kor::MessageApi::TQX_TypeLayout& type, std::string_view path);
 
-    std::map<std::string, FieldFilter> children;
+    bool isChoice = false;
+    std::map<uint32_t, FieldFilter> types; ///< at the top, by record type
+    std::vector<int> rows;                 ///< below it, what is shown
+    std::vector<FieldFilter> insides;      ///< of each row
 };
 
 } // namespace tqx

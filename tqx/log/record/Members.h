@@ -3,6 +3,7 @@
 #include "TQX_Layout.h"
 #include "TQX_RecordAccess.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
@@ -41,6 +42,16 @@ inline std::string_view textOf(const Kor::MessageApi::TQX_FieldLayout& field, co
     return {text,
             zero ? static_cast<size_t>(static_cast<const char*>(zero) - text) : field.elements};
 }
+
+/// Whether a field is the time that is carried on over the ends of weeks. It has no value of its
+/// own that means not available; all ones say that the block has no time.
+inline bool isContinuousTime(const Kor::MessageApi::TQX_FieldLayout& field)
+{
+    return field.kind == Kor::MessageApi::TQX_FieldKind::Derived &&
+           field.recordOffset == offsetof(Kor::MessageApi::TQX_MainHeader_s, TOWc) &&
+           std::string_view(field.name) == "TOWc";
+}
+constexpr uint64_t noContinuousTime = 0xffffffff;
 
 /// The bits of an element of so many bytes.
 inline uint64_t loadWord(const void* element, uint32_t size)

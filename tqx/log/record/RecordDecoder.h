@@ -1,22 +1,17 @@
 #pragma once
 
-#include "TQX_codec.h"
 #include "tqx/log/record/DecodedBlock.h"
 
-#include <memory>
+#include "TQX_OwnedRecord.h"
 
 namespace tqx
 {
 
-/// Decodes blocks into records without making messages of them: the way for whatever needs the
-/// stored values of a block, or only its result.
+/// Decodes the blocks of a stream into records, one after the other.
 class RecordDecoder
 {
 public:
     RecordDecoder();
-    ~RecordDecoder();
-    RecordDecoder(const RecordDecoder&) = delete;
-    RecordDecoder& operator=(const RecordDecoder&) = delete;
 
     /// Decodes a block in place of the one before. Returns the bits consumed or the codec's
     /// negative code.
@@ -29,10 +24,8 @@ public:
     DecodedBlock getDecoded() const { return {last, record.get(), consumed}; }
 
 private:
-    void clear();
-
     Kor::MessageApi::TQX_Context_s context;
-    std::unique_ptr<Kor::MessageApi::TQX_AnyRecord_u> record;
+    Kor::MessageApi::TQX_OwnedRecord record;
     Block last = {};
     int32_t consumed = 0;
 };

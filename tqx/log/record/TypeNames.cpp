@@ -1,5 +1,7 @@
 #include "tqx/log/record/TypeNames.h"
 
+#include "tqx/log/text/PrintableText.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -45,6 +47,13 @@ bool equalNames(std::string_view a, std::string_view b)
                       [](char x, char y) { return lower(x) == lower(y); });
 }
 
+bool equalFields(std::string_view name, std::string_view written)
+{
+    return std::equal(name.begin(), name.end(), written.begin(), written.end(), [](char x, char y) {
+        return lower(x) == lower(y) || (x == ' ' && y == '_');
+    });
+}
+
 void forEachType(const std::function<void(const TQX_TypeLayout&)>& visit)
 {
     for (uint32_t recordType = 1; recordType <= lastRecordType; ++recordType)
@@ -76,9 +85,16 @@ const TQX_TypeLayout* findType(std::string_view name)
 
 std::string nearest(std::string_view name, const std::vector<std::string_view>& candidates)
 {
+    constexpr size_t longest = 128; // longer than any name
+    if (name.size() > longest)
+        return "";
     std::string_view best;
     size_t least = name.size() / 3 + 1;
     for (const std::string_view candidate : candidates) {
+        const size_t excess =
+            std::max(name.size(), candidate.size()) - std::min(name.size(), candidate.size());
+        if (excess >= least)
+            continue;
         const size_t apart = distance(name, candidate);
         if (apart < least) {
             least = apart;
@@ -92,7 +108,7 @@ std::string unknownName(std::string_view kind, std::string_view name,
                         const std::vector<std::string_view>& candidates)
 {
     const std::string meant = nearest(name, candidates);
-    std::string text = fmt::format("there is no {} named {}", kind, name);
+    std::string text = fmt::format("there is no {} named {}", kind, shortened(name));
     if (!meant.empty())
         text += fmt::format(", did you mean {}?", meant);
     return text;

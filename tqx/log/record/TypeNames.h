@@ -21,10 +21,12 @@ void forEachType(const std::function<void(const Kor::MessageApi::TQX_TypeLayout&
 void forEachField(const Kor::MessageApi::TQX_TypeLayout& type,
                   const std::function<void(const std::string&)>& visit);
 
-/// The candidate most like `name`, or "" when none is near enough to be what was meant.
+/// The candidate most like `name`, or "" when none is near enough to be what was meant, as for
+/// texts that are longer than names are.
 std::string nearest(std::string_view name, const std::vector<std::string_view>& candidates);
 
-/// "there is no <kind> named X", with the nearest candidate as a suggestion.
+/// "there is no <kind> named X", with the nearest candidate as a suggestion. X is shortened and
+/// without control characters.
 std::string unknownName(std::string_view kind, std::string_view name,
                         const std::vector<std::string_view>& candidates);
 
@@ -33,5 +35,9 @@ std::string unknownType(std::string_view name);
 
 /// Whether two names are equal but for the case of their letters.
 bool equalNames(std::string_view a, std::string_view b);
+
+/// Whether `written` is the name of a field, or a path of such names, but for case and for
+/// underscores that stand for blanks.
+bool equalFields(std::string_view name, std::string_view written);
 
 } // namespace tqx

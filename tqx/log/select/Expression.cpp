@@ -63,15 +63,29 @@ std::optional<Number> readNumber(std::string_view text)
 
 void Expression::fail(size_t position, const std::string& why) const
 {
-    std::string line = source;
+    constexpr size_t most = 60; // bytes shown on each side
+    const auto isWithin = [&](size_t at) {
+        return at < source.size() && (static_cast<unsigned char>(source[at]) & 0xc0U) == 0x80;
+    };
+    size_t begin = position - std::min(position, most);
+    size_t end = std::min(source.size(), position + most);
+    // Not within a character.
+    while (begin != 0 && isWithin(begin))
+        ++begin;
+    while (isWithin(end))
+        ++end;
+    std::string line = source.substr(begin, end - begin);
     std::replace_if(
         line.begin(), line.end(),
         [](char c) { return std::iscntrl(static_cast<unsigned char>(c)) != 0; }, ' ');
     // A character outside ASCII has several bytes, of which one counts.
-    const auto columns =
-        std::count_if(line.begin(), line.begin() + static_cast<std::ptrdiff_t>(position),
-                      [](char c) { return (static_cast<unsigned char>(c) & 0xc0U) != 0x80; });
-    throw DataError(fmt::format("--where: {}\n  {}\n  {:>{}}", why, line, '^', columns + 1));
+    const std::string before = (begin == 0 ? "" : "...") + line.substr(0, position - begin);
+    const auto columns = std::count_if(before.begin(), before.end(), [](char c) {
+        return (static_cast<unsigned char>(c) & 0xc0U) != 0x80;
+    });
+    throw DataError(fmt::format("--where: {}\n  {}{}{}\n  {:>{}}", why, before,
+                                line.substr(position - begin), end == source.size() ? "" : "...",
+                                '^', columns + 1));
 }
 
 /// Reads a text from left to right.

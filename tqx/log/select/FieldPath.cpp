@@ -1,5 +1,7 @@
 #include "tqx/log/select/FieldPath.h"
 
+#include "tqx/log/record/TypeNames.h"
+
 #include <algorithm>
 
 namespace tqx
@@ -9,13 +11,6 @@ using namespace Kor::MessageApi;
 
 namespace
 {
-
-bool isNamed(const char* name, const std::string& wanted)
-{
-    const std::string_view view = name;
-    return std::equal(view.begin(), view.end(), wanted.begin(), wanted.end(),
-                      [](char a, char b) { return (a == ' ' ? '_' : a) == b; });
-}
 
 class Search
 {
@@ -56,7 +51,7 @@ private:
     bool findIn(const TQX_TypeLayout& type, size_t at)
     {
         for (int i = 0; i < type.fieldCount; ++i) {
-            if (isNamed(type.fields[i].name, names[at].text)) {
+            if (equalFields(type.fields[i].name, names[at].text)) {
                 take({&type, type.fields + i}, at);
                 return true;
             }

@@ -5,6 +5,7 @@
 #include "tqx/log/record/Members.h"
 #include "tqx/log/record/TypeNames.h"
 #include "tqx/log/text/Latin1.h"
+#include "tqx/log/text/PrintableText.h"
 
 #include <algorithm>
 
@@ -80,6 +81,7 @@ std::optional<FieldTest> FieldTest::make(const FieldPath& path, const Expression
                                          std::string& why)
 {
     FieldTest test(path, term.comparison);
+    test.isTime = isContinuousTime(*path.field.layout);
     if (term.comparison == Comparison::Has)
         return test;
     std::string problem;
@@ -109,7 +111,7 @@ std::string FieldTest::prepareName(const std::string& name)
         if (TQX_isDoNotUse(*facts, value))
             continue;
         names.push_back(each.name);
-        if (each.name == name)
+        if (equalNames(each.name, name))
             named.push_back(value);
     }
     if (!named.empty())
@@ -117,7 +119,7 @@ std::string FieldTest::prepareName(const std::string& name)
     if (names.empty())
         return "has no names for its values; compare it with a number";
     const std::string meant = nearest(name, names);
-    return "has no value named '" + name + '\'' +
+    return "has no value named '" + shortened(name) + '\'' +
            (meant.empty() ? "" : ", did you mean '" + meant + "'?");
 }
 
@@ -179,7 +181,7 @@ bool FieldTest::passesElement(const void* record, uint32_t index) const
                (subject == Subject::Presence || passesNumber(Number::ofReal(value)));
     }
     const uint64_t value = integerOf(field, record, index);
-    if (TQX_isDoNotUse(*facts, value))
+    if (TQX_isDoNotUse(*facts, value) || (isTime && value == noContinuousTime))
         return false;
     if (subject == Subject::Name)
         return (std::find(named.begin(), named.end(), value) != named.end()) ==

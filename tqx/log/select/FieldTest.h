@@ -40,6 +40,7 @@ private:
     const Kor::MessageApi::TQX_FieldFacts* facts;
     Comparison comparison;
     Subject subject = Subject::Presence;
+    bool isTime = false; ///< see isContinuousTime()
     std::optional<Scale> scale;
     Number number;
     std::vector<uint64_t> named; ///< the values that have the wanted name, sign-extended

@@ -1,6 +1,7 @@
 #include "tqx/log/select/TimeText.h"
 
 #include "tqx/log/DataError.h"
+#include "tqx/log/text/PrintableText.h"
 #include "tqx/log/time/CalendarDate.h"
 #include "tqx/log/time/LeapSeconds.h"
 
@@ -123,7 +124,7 @@ bool readTimeOfDay(Reader& reader, CivilTime& time)
 
 [[noreturn]] void fail(const std::string& option, const std::string& text, const char* why)
 {
-    throw DataError(fmt::format("{}: '{}' {}", option, text, why));
+    throw DataError(fmt::format("{}: '{}' {}", option, shortened(text), why));
 }
 
 bool hasTimeOfDay(std::string_view rest)

@@ -3,6 +3,7 @@
 #include "tqx/log/DataError.h"
 #include "tqx/log/record/TypeNames.h"
 #include "tqx/log/select/NamePattern.h"
+#include "tqx/log/text/PrintableText.h"
 
 #include <charconv>
 #include <optional>
@@ -43,7 +44,7 @@ Numbers numbersOf(const std::string& entry)
     if (const std::optional<unsigned> number = asNumber(entry)) {
         if (*number >= TypeSelection::numbers)
             throw DataError("block numbers go up to " + std::to_string(TypeSelection::numbers - 1) +
-                            ", not " + entry);
+                            ", not " + shortened(entry));
         found.set(*number);
     } else if (isPattern(entry)) {
         forEachType([&](const TQX_TypeLayout& type) {
@@ -51,7 +52,7 @@ Numbers numbersOf(const std::string& entry)
                 found.set(type.blockNumber);
         });
         if (found.none())
-            throw DataError("no block has a name like " + entry);
+            throw DataError("no block has a name like " + shortened(entry));
     } else {
         found.set(numberOfType(entry));
     }

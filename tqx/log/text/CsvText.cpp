@@ -24,6 +24,24 @@ void appendLatin1(Buffer& out, const char* text, size_t length)
     quoteFrom(out, start);
 }
 
+void appendGuardedLatin1(Buffer& out, const char* text, size_t length)
+{
+    const size_t start = out.size();
+    tqx::appendLatin1(out, {text, length});
+    guardFrom(out, start);
+    quoteFrom(out, start);
+}
+
+void guardFrom(Buffer& out, size_t start)
+{
+    const std::string content(out.view().substr(start));
+    if (content.find_first_of("=+-@\t\r") != 0)
+        return;
+    out.truncate(start);
+    out.append('\'');
+    out.append(content);
+}
+
 void quoteFrom(Buffer& out, size_t start)
 {
     const std::string_view content = out.view().substr(start);

@@ -16,6 +16,13 @@ std::string cell(std::string_view characters);
 /// The cell of a text in Latin-1.
 void appendLatin1(Buffer& out, const char* text, size_t length);
 
+/// The same of a text that must not be taken for a formula, see guardFrom().
+void appendGuardedLatin1(Buffer& out, const char* text, size_t length);
+
+/// Puts an apostrophe in front of what stands behind `start` in the buffer if a spreadsheet would
+/// take that for a formula: if it begins with = + - @, a tab or a carriage return.
+void guardFrom(Buffer& out, size_t start);
+
 /// Makes what stands behind `start` in the buffer one cell.
 void quoteFrom(Buffer& out, size_t start);
 

@@ -39,7 +39,8 @@ Escape makeEscape(unsigned character, bool latin1)
     const auto byte = static_cast<char>(character);
     if (const size_t at = special.find(byte); at != std::string_view::npos)
         return {{'\\', letters[at]}, 2};
-    if (character < 0x20 || character == 0x7f)
+    const bool isC1 = latin1 && character >= 0x80 && character < 0xa0;
+    if (character < 0x20 || character == 0x7f || isC1)
         return {{'\\', 'u', '0', '0', hex[character >> 4U], hex[character & 15U]}, 6};
     if (latin1 && character >= 0x80)
         return {{static_cast<char>(0xc0U | character >> 6U),
@@ -82,10 +83,26 @@ void appendDouble(Buffer& out, double value)
         number::appendDouble(out, value);
 }
 
+// Control characters outside ASCII have two bytes, 0xc2 and their code.
 void appendString(Buffer& out, std::string_view text)
 {
     static const std::array<Escape, 256> escapes = makeEscapes(false);
+    const size_t start = out.size();
     appendEscaped(out, escapes, text.data(), text.size());
+    if (text.find('\xc2') == std::string_view::npos)
+        return;
+    const std::string plain(out.view().substr(start));
+    out.truncate(start);
+    for (size_t i = 0; i < plain.size(); ++i) {
+        const auto next = static_cast<uint8_t>(i + 1 < plain.size() ? plain[i + 1] : 0);
+        if (plain[i] != '\xc2' || next < 0x80 || next >= 0xa0) {
+            out.append(plain[i]);
+            continue;
+        }
+        const Escape escape = makeEscape(next, true);
+        out.append(escape.text, escape.length);
+        ++i;
+    }
 }
 
 void appendLatin1(Buffer& out, const char* text, size_t length)

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-/// JSON written straight into a buffer.
+/// JSON written straight into a buffer. In strings control characters (C0, DEL, C1) are escaped.
 namespace tqx::json
 {
 

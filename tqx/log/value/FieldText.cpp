@@ -1,7 +1,8 @@
 #include "tqx/log/value/FieldText.h"
 
+#include "tqx/log/record/Members.h"
 #include "tqx/log/text/FixedNumber.h"
-#include "tqx/log/text/Latin1.h"
+#include "tqx/log/text/PrintableText.h"
 #include "tqx/log/value/ShownDecimals.h"
 
 #include <charconv>
@@ -51,6 +52,7 @@ FieldText::FieldText(const TQX_FieldLayout& layout, const TQX_FieldFacts& facts,
       isBitMask(facts.has(TQX_FieldFacts::BitMask) && !bits.isSigned() && !bits.isReal()),
       scale(TQX_scale(facts)), decimals(shownDecimals(facts)), names(layout, facts, notation)
 {
+    isTime = isContinuousTime(layout);
     if (facts.unit != 0)
         unit = ' ' + std::string(TQX_unit(facts));
     if (bits.isReal() && facts.has(TQX_FieldFacts::HasDoNotUse))
@@ -84,7 +86,7 @@ void FieldText::appendStored(Buffer& out, uint64_t word) const
 {
     if (bits.isCharacter()) {
         const auto character = static_cast<char>(word);
-        return appendLatin1(out, {&character, character == 0 ? size_t{0} : size_t{1}});
+        return appendPrintableLatin1(out, {&character, character == 0 ? size_t{0} : size_t{1}});
     }
     if (bits.isReal() && !std::isfinite(bits.real(word)))
         return appendFixed(out, bits.real(word), 0);
@@ -116,6 +118,10 @@ bool FieldText::append(Buffer& out, uint64_t word) const
 {
     if (isStored) {
         appendStored(out, word);
+        return false;
+    }
+    if (isTime && word == noContinuousTime) {
+        appendNotAvailable(out);
         return false;
     }
     if (appendName(out, word))

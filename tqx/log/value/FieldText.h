@@ -42,6 +42,7 @@ private:
     MemberBits bits;
     uint8_t width;
     bool isStored;
+    bool isTime = false; ///< see isContinuousTime()
     bool isBitMask;
     double scale; ///< 0 for none
     int decimals; ///< negative when the number is written with significant digits instead

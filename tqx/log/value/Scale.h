@@ -2,6 +2,7 @@
 
 #include "tqx/log/text/Buffer.h"
 
+#include <cmath>
 #include <cstdint>
 
 namespace tqx
@@ -15,7 +16,12 @@ class Scale
 public:
     explicit Scale(double factor);
 
-    double apply(double value) const { return value * multiplier / divisor; }
+    /// Infinite only where the result is too large for a double.
+    double apply(double value) const
+    {
+        const double product = value * multiplier;
+        return std::isinf(product) ? value / divisor * multiplier : product / divisor;
+    }
 
     /// Appends what apply() gives for an integer, as JSON.
     void append(Buffer& out, bool isNegative, uint64_t magnitude) const;

@@ -1,5 +1,6 @@
 #include "tqx/log/value/ShownValue.h"
 
+#include "tqx/log/record/Members.h"
 #include "tqx/log/text/NumberText.h"
 
 #include <cmath>
@@ -15,6 +16,7 @@ ShownValue::ShownValue(const TQX_FieldLayout& layout, const TQX_FieldFacts& fact
 {
     if (notation.isStored)
         return;
+    isTime = isContinuousTime(layout);
     if (facts.scale != 0)
         scale.emplace(TQX_scale(facts));
     if (bits.isReal() && facts.has(TQX_FieldFacts::HasDoNotUse))
@@ -25,6 +27,8 @@ void ShownValue::appendInteger(Buffer& out, uint64_t value) const
 {
     if (const std::string* name = names.find(value))
         return out.append(*name);
+    if (isTime && value == noContinuousTime)
+        return out.append(notation.notAvailable);
     const bool isNegative = bits.isSigned() && static_cast<int64_t>(value) < 0;
     if (scale)
         return scale->append(out, isNegative, isNegative ? 0 - value : value);
@@ -38,12 +42,13 @@ void ShownValue::appendReal(Buffer& out, uint64_t word) const
     const double real = bits.real(word);
     if (notAvailable && real == *notAvailable)
         return out.append(notation.notAvailable);
-    if (!std::isfinite(real))
-        return out.append(notation.name(std::isnan(real) ? "NaN"
-                                        : real > 0       ? "Infinity"
-                                                         : "-Infinity"));
+    const double shown = scale ? scale->apply(real) : real;
+    if (!std::isfinite(shown))
+        return out.append(notation.name(std::isnan(shown) ? "NaN"
+                                        : shown > 0       ? "Infinity"
+                                                          : "-Infinity"));
     if (scale)
-        return number::appendDouble(out, scale->apply(real));
+        return number::appendDouble(out, shown);
     if (bits.isSingle())
         return number::appendFloat(out, MemberBits::single(word));
     number::appendDouble(out, real);

@@ -38,6 +38,7 @@ private:
     std::optional<Scale> scale;
     ValueNames names;
     std::optional<double> notAvailable; ///< of a floating-point field
+    bool isTime = false;                ///< see isContinuousTime()
 };
 
 } // namespace tqx

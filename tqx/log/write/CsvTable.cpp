@@ -54,21 +54,21 @@ bool isInKey(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
 
 } // namespace
 
-CsvTable::CsvTable(const TQX_TypeLayout& layout, const FieldFilter& shown, bool isStored)
-    : type(layout)
+CsvTable::CsvTable(const TQX_TypeLayout& layout, const FieldFilter& shown, const CsvStyle& wanted)
+    : type(layout), style(wanted)
 {
     int word = -1; // the row that the last step is about
-    for (int row = 0; row < type.fieldCount; ++row) {
+    for (const auto [row, inside] : shown.shownIn(type)) {
         const TQX_FieldLayout& field = type.fields[row];
-        const FieldFilter* inside = shown.find(field.name);
-        if (!inside || (shown.isEverything() && isFiller(type, field)))
+        if (shown.isEverything() && isFiller(type, field))
             continue;
         if (isInKey(type, field)) {
             showsKey = true;
             continue;
         }
         if (field.recordType != 0) {
-            addSubBlock(field, *inside, isStored);
+            addSubBlock(field, *inside);
+            word = -1;
             continue;
         }
         const bool isPart = isPartOfNumber(type, field);
@@ -76,7 +76,7 @@ CsvTable::CsvTable(const TQX_TypeLayout& layout, const FieldFilter& shown, bool 
         if (steps.empty() || stepRow != word)
             addStep(type.fields[stepRow]);
         word = stepRow;
-        addCell(row, isPart, isStored);
+        addCell(row, isPart);
     }
 }
 
@@ -99,25 +99,28 @@ void CsvTable::addStep(const TQX_FieldLayout& member)
                      nullptr});
 }
 
-void CsvTable::addCell(int row, bool isPart, bool isStored)
+void CsvTable::addCell(int row, bool isPart)
 {
     const TQX_FieldFacts& facts = TQX_fieldFacts(type.recordType)[row];
     Step& step = steps.back();
     const bool isArray = step.kind == Step::Kind::Array;
-    const Notation notation = {"", isArray ? unquoted : csv::cell, csv::appendLatin1, isStored};
+    const bool isGuarded = style.isSafe && !isArray;
+    const Notation notation = {"", isArray ? unquoted : csv::cell,
+                               isGuarded ? csv::appendGuardedLatin1 : csv::appendLatin1,
+                               style.isStored};
     step.values.emplace_back(type.fields[row], facts, isPart, notation);
-    if (facts.inputCount != 0 && !isStored)
+    if (facts.inputCount != 0 && !style.isStored)
         step.needed = &facts;
     step.empty += ',';
     std::string name = type.fields[row].name;
-    if (facts.unit != 0 && !isStored)
+    if (facts.unit != 0 && !style.isStored)
         name += " [" + std::string(TQX_unit(facts)) + "]";
     columns.push_back(name);
 }
 
-void CsvTable::addSubBlock(const TQX_FieldLayout& field, const FieldFilter& shown, bool isStored)
+void CsvTable::addSubBlock(const TQX_FieldLayout& field, const FieldFilter& shown)
 {
-    auto table = std::make_unique<CsvTable>(*TQX_layout(field.recordType), shown, isStored);
+    auto table = std::make_unique<CsvTable>(*TQX_layout(field.recordType), shown, style);
     if (field.kind == TQX_FieldKind::Blocks) {
         if (!table->columns.empty() || !table->children.empty())
             children.push_back({&field, std::move(table)});
@@ -158,7 +161,8 @@ void CsvTable::appendStep(Buffer& out, Step& step, const void* record)
     case Step::Kind::Text: {
         const std::string_view text = textOf(*step.field, record);
         out.append(',');
-        return csv::appendLatin1(out, text.data(), text.size());
+        return (style.isSafe ? csv::appendGuardedLatin1 : csv::appendLatin1)(out, text.data(),
+                                                                             text.size());
     }
     case Step::Kind::Embedded:
         return step.embedded->appendCells(out, element);
@@ -173,6 +177,8 @@ void CsvTable::appendStep(Buffer& out, Step& step, const void* record)
             out.append(';');
         step.values.front().append(out, loadWord(element, step.size));
     }
+    if (style.isSafe && step.field->type == TQX_MemberType::Char)
+        csv::guardFrom(out, start);
     csv::quoteFrom(out, start);
 }
 

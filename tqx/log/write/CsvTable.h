@@ -11,6 +11,14 @@
 namespace tqx
 {
 
+/// How the cells of a table are written.
+struct CsvStyle {
+    bool isStored = false; ///< values as they are stored, without scale, unit and names
+    /// Texts of a log that a spreadsheet would take for formulas, those that begin with = + - @, a
+    /// tab or a carriage return, get an apostrophe in front.
+    bool isSafe = false;
+};
+
 /// The columns for the records of one type: its fields in their order, those of a sub-block that
 /// is embedded in place of its field. Arrays of sub-blocks have tables of their own.
 class CsvTable
@@ -22,10 +30,10 @@ public:
         std::unique_ptr<CsvTable> table;
     };
 
-    /// The table of a type, with the fields that the filter shows. Headers
-    /// of blocks and padding are shown only where it names them. `isStored`: values as they are
-    /// stored, without scale, unit and names.
-    CsvTable(const Kor::MessageApi::TQX_TypeLayout& type, const FieldFilter& shown, bool isStored);
+    /// The table of a type, with the fields that the filter shows. Headers of blocks and padding
+    /// are shown only where it names them.
+    CsvTable(const Kor::MessageApi::TQX_TypeLayout& type, const FieldFilter& shown,
+             const CsvStyle& style);
     ~CsvTable();
     CsvTable(const CsvTable&) = delete;
     CsvTable& operator=(const CsvTable&) = delete;
@@ -49,12 +57,12 @@ private:
     struct Step;
 
     void addStep(const Kor::MessageApi::TQX_FieldLayout& member);
-    void addCell(int row, bool isPart, bool isStored);
-    void addSubBlock(const Kor::MessageApi::TQX_FieldLayout& field, const FieldFilter& shown,
-                     bool isStored);
+    void addCell(int row, bool isPart);
+    void addSubBlock(const Kor::MessageApi::TQX_FieldLayout& field, const FieldFilter& shown);
     void appendStep(Buffer& out, Step& step, const void* record);
 
     const Kor::MessageApi::TQX_TypeLayout& type;
+    CsvStyle style;
     std::vector<std::string> columns;
     std::vector<Step> steps;
     std::vector<Child> children;

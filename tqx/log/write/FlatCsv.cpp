@@ -28,8 +28,8 @@ size_t widthOf(const CsvTable& table)
 } // namespace
 
 FlatCsv::FlatCsv(const Kor::MessageApi::TQX_TypeLayout& type, const FieldFilter& shown,
-                 bool isStored)
-    : top(type, shown, isStored)
+                 const CsvStyle& style)
+    : top(type, shown, style)
 {
 }
 

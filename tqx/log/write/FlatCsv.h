@@ -13,7 +13,8 @@ class FlatCsv
 {
 public:
     /// See CsvTable.
-    FlatCsv(const Kor::MessageApi::TQX_TypeLayout& type, const FieldFilter& shown, bool isStored);
+    FlatCsv(const Kor::MessageApi::TQX_TypeLayout& type, const FieldFilter& shown,
+            const CsvStyle& style);
 
     /// Appends the line with the names of the columns.
     void writeHeader(Buffer& out) const;

@@ -1,7 +1,7 @@
 #include "tqx/log/write/Paragraph.h"
 
 #include "tqx/log/record/Members.h"
-#include "tqx/log/text/Latin1.h"
+#include "tqx/log/text/PrintableText.h"
 #include "tqx/log/text/TextCache.h"
 #include "tqx/log/value/FieldText.h"
 
@@ -92,10 +92,9 @@ std::unique_ptr<ParagraphPlan> makePlan(const TQX_TypeLayout& type, const FieldF
     plan->type = &type;
     plan->title = describeBlock(type.blockNumber);
     int word = -1; // the row that the last step is about
-    for (int row = 0; row < type.fieldCount; ++row) {
+    for (const auto [row, inside] : shown.shownIn(type)) {
         const TQX_FieldLayout& field = type.fields[row];
-        const FieldFilter* inside = shown.find(field.name);
-        if (!inside || (shown.isEverything() && isHeader(type, field)))
+        if (shown.isEverything() && isHeader(type, field))
             continue;
         const bool isPart = isPartOfNumber(type, field);
         if (!isPart || field.parent != word) {
@@ -119,6 +118,16 @@ std::unique_ptr<ParagraphPlan> makePlan(const TQX_TypeLayout& type, const FieldF
 
 void writeRecord(Buffer& out, ParagraphPlan& plan, const void* record);
 
+/// Ends a line, without the blanks that its value may end with.
+void endLine(Buffer& out)
+{
+    size_t size = out.size();
+    while (size != 0 && out.data()[size - 1] == ' ')
+        --size;
+    out.truncate(size);
+    out.append('\n');
+}
+
 void writeNumber(Buffer& out, ParagraphPlan::Step& part, const void* record)
 {
     if (part.needed && !TQX_hasInputs(*part.needed, record)) {
@@ -136,7 +145,7 @@ void writeNumber(Buffer& out, ParagraphPlan::Step& part, const void* record)
             to.append(line.label);
             if (line.text.append(to, word))
                 to.append(line.text.getUnit());
-            to.append('\n');
+            endLine(to);
         }
     });
 }
@@ -154,7 +163,7 @@ void writeArray(Buffer& out, const ParagraphPlan::Line& line, const char* elemen
     }
     if (showsNumber)
         out.append(line.text.getUnit());
-    out.append('\n');
+    endLine(out);
 }
 
 void writeSubBlocks(Buffer& out, ParagraphPlan::Step& part, const char* element, uint32_t count)
@@ -183,8 +192,8 @@ void writeRecord(Buffer& out, ParagraphPlan& plan, const void* record)
         }
         if (isText(field)) {
             out.append(part.lines.front().label);
-            appendLatin1(out, textOf(field, record));
-            out.append('\n');
+            appendPrintableLatin1(out, textOf(field, record));
+            endLine(out);
             continue;
         }
         const uint32_t count = TQX_elementCount(*plan.type, field, record);

@@ -225,15 +225,11 @@ std::unique_ptr<RawPlan> makePlan(const TQX_TypeLayout& type, const FieldFilter&
     auto plan = std::make_unique<RawPlan>();
     plan->type = &type;
     plan->opening = "{\"block\":\"" + std::string(type.name) + "\",\"fields\":";
-    for (int i = 0; i < type.fieldCount; ++i) {
+    plan->whole = shown.isEverything();
+    for (const auto [i, inside] : shown.shownIn(type)) {
         const TQX_FieldLayout& field = type.fields[i];
         if (field.kind == TQX_FieldKind::Bits || field.kind == TQX_FieldKind::Derived)
             continue;
-        const FieldFilter* inside = shown.find(field.name);
-        if (!inside) {
-            plan->whole = false;
-            continue;
-        }
         RawPlan::Step step = {&field, "," + json::key(field.name), {}, nullptr};
         if (field.recordType != 0) {
             step.plan = makePlan(*TQX_layout(field.recordType), *inside);

@@ -1,9 +1,12 @@
 #include "tqx/log/write/ValueJson.h"
 
+#include "TQX_codec.h"
 #include "tqx/log/record/Members.h"
 #include "tqx/log/text/JsonText.h"
+#include "tqx/log/text/NumberText.h"
 #include "tqx/log/text/PaddedText.h"
 #include "tqx/log/text/TextCache.h"
+#include "tqx/log/time/LeapSeconds.h"
 #include "tqx/log/value/ShownValue.h"
 
 #include <utility>
@@ -37,7 +40,7 @@ struct ValuePlan {
     };
 
     const TQX_TypeLayout* type;
-    PaddedText opening; ///< of a line, up to the value of "fields"
+    PaddedText opening; ///< of a line, up to its time
     std::vector<Step> steps;
 };
 
@@ -51,13 +54,10 @@ std::unique_ptr<ValuePlan> makePlan(const TQX_TypeLayout& type, const FieldFilte
     const TQX_FieldFacts* facts = TQX_fieldFacts(type.recordType);
     auto plan = std::make_unique<ValuePlan>();
     plan->type = &type;
-    plan->opening = PaddedText("{\"block\":" + json::text(type.name) + ",\"fields\":");
+    plan->opening = PaddedText("{\"block\":" + json::text(type.name));
     int word = -1; // the row that the last step is about
-    for (int i = 0; i < type.fieldCount; ++i) {
+    for (const auto [i, inside] : shown.shownIn(type)) {
         const TQX_FieldLayout& field = type.fields[i];
-        const FieldFilter* inside = shown.find(field.name);
-        if (!inside)
-            continue;
         const PaddedText key("," + json::key(field.name));
         const bool isPart = isPartOfNumber(type, field);
         if (!isPart || field.parent != word) {
@@ -173,16 +173,50 @@ ValuePlan& ValueJson::planOf(uint32_t recordType)
     return *plan;
 }
 
-void ValueJson::write(Buffer& out, const void* record)
+void ValueJson::appendTime(Buffer& out, const Block& block)
 {
-    const uint32_t recordType = static_cast<const KorcgHeader_s*>(record)->korcg_type;
+    const std::optional<GnssMillis> time = block.getTime();
+    if (time != lastTime || lastTimeText.empty()) {
+        lastTime = time;
+        lastTimeText = time ? R"(,"time":{"scale":"GPS","gnss":")" + dateText(*time) +
+                                  R"(","utc":")" + utcText(*time) + "\"}"
+                            : ",\"time\":null";
+    }
+    out.append(lastTimeText);
+}
+
+void ValueJson::write(Buffer& out, const DecodedBlock& decoded)
+{
+    const uint32_t recordType = decoded.getHeader().korcg_type;
     if (!TQX_layout(recordType)->hasMessage)
-        return;
+        return writeBytes(out, decoded);
     ValuePlan& plan = planOf(recordType);
     if (plan.steps.empty())
         return;
     plan.opening.appendTo(out);
-    writeRecord(out, plan, record);
+    appendTime(out, decoded.block);
+    out.append(",\"fields\":");
+    writeRecord(out, plan, decoded.record);
+    out.append("}\n");
+}
+
+void ValueJson::writeBytes(Buffer& out, const DecodedBlock& decoded)
+{
+    if (!filter.isEverything())
+        return;
+    const Block& block = decoded.block;
+    out.append("{\"number\":");
+    number::appendUnsigned(out, block.getNumber());
+    appendTime(out, block);
+    if (const TQX_TypeLayout* type = TQX_layout(TQX_recordType(block.getNumber())))
+        out.append(",\"name\":" + json::text(type->name));
+    if (!decoded.record && decoded.consumed != unknownNumber) {
+        out.append(",\"error\":{\"code\":");
+        number::appendSigned(out, decoded.consumed);
+        out.append(",\"name\":" + json::text(TQX_errorName(decoded.consumed)) + '}');
+    }
+    out.append(",\"bytes\":");
+    json::appendBase64(out, block.data, block.size);
     out.append("}\n");
 }
 

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "tqx/log/record/DecodedBlock.h"
 #include "tqx/log/record/FieldFilter.h"
 #include "tqx/log/text/Buffer.h"
 
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace tqx
@@ -14,7 +17,11 @@ struct ValuePlan;
 
 /// Writes blocks as JSON Lines of the values that they stand for, in terms of the metadata:
 ///
-///     {"block":"<name>","fields":{"TOW":604000.1,"Type1":[{"SVID":"G05",...}],...}}
+///     {"block":"<name>","time":{"scale":"GPS","gnss":"2024-02-10T23:46:40.100",
+///      "utc":"2024-02-10T23:46:22.100Z"},"fields":{"TOW":604000.1,"Type1":[{"SVID":"G05",...}],...}}
+///
+/// The time is that of the block's header, null when the header has none. Fields are in the order
+/// of the filter.
 ///
 /// Integers are multiplied by their scale factor, values with a name are that name, values that
 /// are not available are null; packed words stand beside the values they are packed from. Absent
@@ -30,15 +37,26 @@ public:
     ValueJson(const ValueJson&) = delete;
     ValueJson& operator=(const ValueJson&) = delete;
 
-    /// Appends the line of a decoded main block. Nothing when its type has no message class or the
-    /// filter shows no field of it.
-    void write(Buffer& out, const void* record);
+    /// Appends the line of a block that decoded. Without a message class it has bytes instead of
+    /// fields, see writeBytes(). Nothing when the filter shows no field of its type.
+    void write(Buffer& out, const DecodedBlock& decoded);
+
+    /// Appends the line of a block whose fields are not known, if there is no filter:
+    ///
+    ///     {"number":8191,"time":{...},"bytes":"JEAi..."}
+    ///
+    /// in base64; for one that did not decode, with its name and the codec's result behind the
+    /// time, "name":"<name>","error":{"code":-1855,"name":"TQX_ERR_..."}.
+    void writeBytes(Buffer& out, const DecodedBlock& decoded);
 
 private:
     ValuePlan& planOf(uint32_t recordType);
+    void appendTime(Buffer& out, const Block& block);
 
     const FieldFilter& filter;
     std::vector<std::unique_ptr<ValuePlan>> plans; ///< by record type
+    std::optional<GnssMillis> lastTime;            ///< the blocks of an epoch share it
+    std::string lastTimeText;
 };
 
 } // namespace tqx

@@ -121,17 +121,22 @@ inline double spatialDeviation(double varianceX, double varianceY, double varian
                : std::sqrt(varianceX + varianceY + varianceZ);
 }
 
-/// Length of a vector in the plane.
-inline double length2(double x, double y)
+/// Whether a component of a vector has a value.
+inline bool isAvailable(double component)
 {
-    return x == notAvailable || y == notAvailable ? notAvailable : std::hypot(x, y);
+    return component != notAvailable && !std::isnan(component);
 }
 
-/// Length of a vector in space.
+/// Length of a vector in the plane, "not available" when a component is that or NaN.
+inline double length2(double x, double y)
+{
+    return isAvailable(x) && isAvailable(y) ? std::hypot(x, y) : notAvailable;
+}
+
+/// Length of a vector in space, "not available" when a component is that or NaN.
 inline double length3(double x, double y, double z)
 {
-    return x == notAvailable || y == notAvailable || z == notAvailable ? notAvailable
-                                                                       : std::hypot(x, y, z);
+    return isAvailable(x) && isAvailable(y) && isAvailable(z) ? std::hypot(x, y, z) : notAvailable;
 }
 
 /// A count whose lowest 32 bits are sent apart from the bits above.

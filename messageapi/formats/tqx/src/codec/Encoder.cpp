@@ -83,6 +83,10 @@ public:
 
 private:
     bool fits(uint32_t bits) const { return uint64_t{m_cursor} + bits <= uint64_t{m_size} * 8; }
+    bool forcesLengths() const
+    {
+        return m_revision <= 1 || m_revision <= m_mainType.highestRevision;
+    }
     void forceLengths(const TQX_TypeLayout& type);
     int32_t writeRecord(const TQX_TypeLayout& type, void* record, uint32_t entryEnd = 0);
     int32_t writeEntry(const TQX_TypeLayout& owner, const TQX_FieldLayout& field, void* record,
@@ -157,7 +161,8 @@ void Encoder::writeElement(const TQX_FieldLayout& field, void* record, uint32_t 
                            uint32_t bits)
 {
     const size_t place = field.recordOffset + size_t{index} * (bits / 8);
-    if (m_cursor == idBit && record == m_main)
+    // Not by the cursor: when the ID does not fit, a narrower field comes to its place.
+    if (record == m_main && field.recordOffset == offsetof(TQX_MainHeader_s, ID))
         writeUnit(outgoingId(record), bits);
     else
         writeUnit(storedBits(static_cast<const uint8_t*>(record) + place, bits), bits);
@@ -204,10 +209,12 @@ int32_t Encoder::writeArray(const TQX_TypeLayout& type, const TQX_FieldLayout& f
 }
 
 // Every entry takes the length that its block states. When a decoded block is written back, what is
-// shorter is filled up; else only entries whose content, and so whose size, a selector chooses.
+// shorter is filled up; else only entries whose content, and so whose size, a selector chooses, and
+// these only when the length is one that the encoder forces.
 int32_t Encoder::fillTo(const TQX_TypeLayout& type, uint32_t entryEnd)
 {
-    if (m_cursor >= entryEnd || (m_fields == Fields::All && !choosesContent(type)))
+    const bool fills = m_fields == Fields::AsRead || (forcesLengths() && choosesContent(type));
+    if (m_cursor >= entryEnd || !fills)
         return 0;
     if (!fits(entryEnd - m_cursor))
         return lastScalar(type).code;
@@ -287,10 +294,11 @@ int32_t Encoder::writeRecord(const TQX_TypeLayout& type, void* record, uint32_t 
 }
 
 // Revisions 0 and 1 have fixed entry lengths; later ones let the record say them, and a record
-// that says nothing gets the length that is written.
+// that says nothing gets the length that is written. Of revisions beyond the known ones nothing is
+// forced.
 void Encoder::forceLengths(const TQX_TypeLayout& type)
 {
-    if (m_revision > 1 && m_revision > m_mainType.highestRevision)
+    if (!forcesLengths())
         return;
     for (int i = 0; i < type.fieldCount; ++i) {
         const TQX_FieldLayout& field = type.fields[i];

@@ -5,6 +5,7 @@
 #include "TQX_Context.h"
 #include "korcg_load.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -18,6 +19,13 @@ template<typename Record>
 void clearMembers(Record& record, size_t from, size_t to)
 {
     std::memset(static_cast<uint8_t*>(static_cast<void*>(&record)) + from, 0, to - from);
+}
+
+/// Zeroes the first `count` elements of an array, or all that there are.
+template<typename Element, size_t size>
+void clearElements(Element (&array)[size], size_t count)
+{
+    std::memset(array, 0, std::min(count, size) * sizeof(Element));
 }
 
 /// Whether `bytes` bytes from bit offset `bit` on lie inside the buffer; the offset must be a

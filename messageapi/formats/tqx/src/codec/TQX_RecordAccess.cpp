@@ -2,6 +2,8 @@
 
 #include "RecordMembers.h"
 
+#include <algorithm>
+
 namespace Kor::MessageApi
 {
 
@@ -62,11 +64,12 @@ uint32_t TQX_elementCount(const TQX_TypeLayout& type, const TQX_FieldLayout& fie
     case TQX_FieldKind::CountedText:
         return countOf(type, field, record) + 1U;
     case TQX_FieldKind::CountedArray:
+        return std::min<uint32_t>(countOf(type, field, record), field.elements);
     case TQX_FieldKind::Blocks:
         return countOf(type, field, record);
     case TQX_FieldKind::Bits: {
         const TQX_FieldLayout& word = type.fields[field.parent];
-        return word.kind == TQX_FieldKind::CountedArray ? countOf(type, word, record)
+        return word.kind == TQX_FieldKind::CountedArray ? TQX_elementCount(type, word, record)
                                                         : field.elements;
     }
     case TQX_FieldKind::Value:

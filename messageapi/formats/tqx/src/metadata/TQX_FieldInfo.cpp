@@ -236,6 +236,11 @@ void TQX_FieldInfo::fail(const char* before, const char* after) const
 
 QString TQX_FieldInfo::getValueString(const Message* message) const
 {
+    // Without the children: a record that was filled by hand may count more than its array holds.
+    if (m_field.type == TQX_MemberType::Record) {
+        const auto count = static_cast<int>(getNumberOfValues(message));
+        return QString::fromLatin1("submsg ").repeated(count).trimmed();
+    }
     if (!isText(m_field))
         return FieldInfo::getValueString(message);
     if (!isOfOwnType(message))

@@ -29,8 +29,8 @@ public:
     /// needs at least one element, an optional one must be present.
     bool hasValue(const Message* message) const override;
 
-    /// Number of elements, 0 for a message of another type and for an absent field. Text counts
-    /// its terminating zero.
+    /// Number of elements, 0 for a message of another type and for an absent field. Numbers are
+    /// counted up to the room in the record, text with its terminating zero.
     unsigned getNumberOfValues(const Message* message) const override;
 
     /// Element `index` as stored, in the field's type and width. Throws a MessageApiEvent of type
@@ -40,7 +40,8 @@ public:
     /// The same without any test; the caller has asked hasValue() and getNumberOfValues().
     FieldValue getValueUnchecked(const Message* message, unsigned index) const override;
 
-    /// Text fields: the Latin-1 text up to the first zero. Others: as the framework has it.
+    /// Text fields: the Latin-1 text up to the first zero. Sub-block fields: "submsg" for each
+    /// element that is counted. Others: as the framework has it.
     QString getValueString(const Message* message) const override;
 
     /// Element `index` as text: its name, else the do-not-use text, else the stored number, with

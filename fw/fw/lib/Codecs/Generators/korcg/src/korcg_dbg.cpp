@@ -15,6 +15,7 @@ constexpr dbg_Settings_s kUninitialised = {DBG_LEVEL_ALWAYS, 0,       nullptr, n
 
 // None of these needs a destructor, so that tracing works to the very end of the process.
 dbg_CallBacks_s g_callBacks = {};
+bool g_hasCallBacks = false;
 dbg_Settings_s g_storage = kUninitialised;
 std::atomic<const dbg_Settings_s*> g_settings{&kUninitialised};
 std::atomic<uint32_t> g_initCount{0};
@@ -54,7 +55,13 @@ void writeLine(const std::string& line)
 
 void dbg_SetCallBacks(const dbg_CallBacks_s* callBacks)
 {
+    g_hasCallBacks = callBacks != nullptr;
     g_callBacks = callBacks != nullptr ? *callBacks : dbg_CallBacks_s{};
+}
+
+const dbg_CallBacks_s* dbg_GetCallBacks()
+{
+    return g_hasCallBacks ? &g_callBacks : nullptr;
 }
 
 void dbg_Init(const char* logFileVariable, bool assertionsReturn)

@@ -98,6 +98,9 @@ extern "C" {
 /// other thread uses the facility.
 KORCG_API void dbg_SetCallBacks(const dbg_CallBacks_s* callBacks);
 
+/// The copy of the table that is installed, or null. Valid until the next dbg_SetCallBacks.
+KORCG_API const dbg_CallBacks_s* dbg_GetCallBacks();
+
 /// Reads the settings on the first call, counts on later ones. `logFileVariable` names the variable
 /// that holds the path of the log file, null stands for "KOR_LOGFILE"; a file that cannot be opened
 /// means standard output. With `assertionsReturn` dbg_Assert returns. A start or stop time that is

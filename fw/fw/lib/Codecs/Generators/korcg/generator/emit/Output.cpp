@@ -1,5 +1,7 @@
 #include "emit/Output.h"
 
+#include "emit/LongLines.h"
+
 #include <fmt/format.h>
 
 #include <fstream>
@@ -42,7 +44,9 @@ void Output::write(std::string_view name, std::string_view source, std::string_v
     if (m_dryRun)
         return;
     const std::filesystem::path path = m_directory / name;
-    const std::string text = headComment(path, source) + std::string(content);
+    const bool isCode = path.extension() == ".h" || path.extension() == ".cpp";
+    const std::string whole = headComment(path, source) + std::string(content);
+    const std::string text = isCode ? wrapLongLines(whole) : whole;
     std::error_code ignored;
     if (std::filesystem::exists(path, ignored) && readFile(path) == text)
         return;

@@ -1,7 +1,7 @@
-#include "emit/Names.h"
 #include "model/CheckParts.h"
 #include "model/Identifiers.h"
 #include "model/Limits.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 

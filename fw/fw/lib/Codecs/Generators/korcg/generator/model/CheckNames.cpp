@@ -1,9 +1,11 @@
-#include "emit/Names.h"
 #include "model/CheckParts.h"
 #include "model/Identifiers.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <iterator>
 #include <map>
 
 namespace korcg::generator
@@ -14,6 +16,12 @@ namespace
 
 /// Members of every record that no field may be called like.
 constexpr std::string_view bookkeepingPrefix = "korcg_";
+
+/// Members of Message and of its bases, which no getter should hide from those who hold a message
+/// by its own class.
+constexpr std::string_view messageMembers[] = {
+    "getInfo",         "getParentMessage",  "getRawRepresentation", "getRawRepresentationOf",
+    "getRawStringFor", "getReferenceCount", "getSubMessages"};
 
 void checkIdentifier(const RecordType& type, const Field& field, Errors& errors)
 {
@@ -28,6 +36,21 @@ void checkIdentifier(const RecordType& type, const Field& field, Errors& errors)
     else if (name.rfind(bookkeepingPrefix, 0) == 0)
         errors.add(field.where,
                    fmt::format("{} is named like a bookkeeping member", qualified(type, field)));
+}
+
+void checkHiding(const RecordType& type, const Field& field, Errors& errors)
+{
+    const std::string getter = "get" + identifier(field.name);
+    const bool hides = type.hasMessage &&
+                       std::find(std::begin(messageMembers), std::end(messageMembers), getter) !=
+                           std::end(messageMembers);
+    if (hides && field.hides.empty())
+        errors.add(field.where, fmt::format("{} makes a getter that hides Message::{}; "
+                                            "'hides: {}' would allow it",
+                                            qualified(type, field), getter, getter));
+    else if (!field.hides.empty() && (!hides || field.hides != getter))
+        errors.add(field.where, fmt::format("{} does not hide Message::{}", qualified(type, field),
+                                            field.hides));
 }
 
 std::string describe(const Field& field)
@@ -76,8 +99,10 @@ void checkOverlaps(const RecordType& type, Errors& errors)
 
 void checkNames(const RecordType& type, Errors& errors)
 {
-    for (const Field& field : type.fields)
+    for (const Field& field : type.fields) {
         checkIdentifier(type, field, errors);
+        checkHiding(type, field, errors);
+    }
     checkCollisions(type, errors);
     checkOverlaps(type, errors);
 }

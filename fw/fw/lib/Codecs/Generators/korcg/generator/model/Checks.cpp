@@ -1,7 +1,7 @@
 #include "model/Checks.h"
 
-#include "emit/Names.h"
 #include "model/CheckParts.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #include "model/Numbering.h"
 
-#include "emit/Names.h"
 #include "model/Limits.h"
+#include "model/Names.h"
 #include "model/Values.h"
 
 #include <fmt/format.h>

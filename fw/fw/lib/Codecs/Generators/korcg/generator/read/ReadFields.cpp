@@ -19,18 +19,18 @@ constexpr int highestPrecision = 20;
 constexpr int longestArray = 65535;
 
 const Keys wireKeys = {
-    "name",        "text", "role",         "identifies", "since", "only",    "when",   "offset",
-    "always_sent", "type", "count",        "capacity",   "bytes", "bits",    "unit",   "scale",
-    "precision",   "none", "unnamed_none", "symbols",    "mask",  "virtual", "initial"};
-const Keys subBlockKeys = {"name", "text",   "identifies",  "since",  "only",   "when",
-                           "size", "offset", "always_sent", "blocks", "embeds", "count"};
+    "name",        "text", "role",         "identifies", "since", "only",    "when",    "offset",
+    "always_sent", "type", "count",        "capacity",   "bytes", "bits",    "unit",    "scale",
+    "precision",   "none", "unnamed_none", "symbols",    "mask",  "virtual", "initial", "hides"};
+const Keys subBlockKeys = {"name",   "text",        "identifies", "since",  "only",  "when", "size",
+                           "offset", "always_sent", "blocks",     "embeds", "count", "hides"};
 const Keys derivedKeys = {"name",         "text",    "role",  "identifies", "since",
                           "when",         "type",    "unit",  "scale",      "precision",
                           "unnamed_none", "symbols", "mask",  "virtual",    "initial",
-                          "derived",      "from",    "after", "none"};
+                          "derived",      "from",    "after", "none",       "hides"};
 const Keys bitsKeys = {"name", "text",      "role",   "identifies",   "at",
                        "unit", "scale",     "none",   "unnamed_none", "symbols",
-                       "mask", "precision", "signed", "virtual"};
+                       "mask", "precision", "signed", "virtual",      "hides"};
 
 Mention mention(const YamlMap& map, std::string_view key)
 {
@@ -45,6 +45,7 @@ void readCommon(const YamlMap& map, FieldDraft& draft)
     field.name = map.requiredText("name");
     field.text = map.text("text").value_or("");
     field.identifies = map.flag("identifies").value_or(false);
+    field.hides = map.text("hides").value_or("");
     field.toldOffset = map.integer("offset", 0, longestArray);
 
     if (const std::optional<std::string> role = map.text("role")) {

@@ -1,6 +1,6 @@
 #include "read/Resolve.h"
 
-#include "emit/Names.h"
+#include "model/Names.h"
 #include "model/Values.h"
 #include "read/Header.h"
 

@@ -1,6 +1,6 @@
-#include "emit/Names.h"
 #include "emit/codec/Parts.h"
 #include "emit/codec/Shape.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 
@@ -261,6 +261,18 @@ std::string embedded(const Format& format, const RecordType& type, const Field& 
                        fmt::arg("name", identifier(field.name)));
 }
 
+// An array that is not there is as long as its count says for all who do not ask whether it is
+// there: none of it may be left over from an earlier use of the record.
+std::string clearUnread(const RecordType& type, int index, const std::string& count)
+{
+    std::string text;
+    for (int i = index; i < static_cast<int>(type.fields.size()); ++i)
+        if (i == index || row(type, i).parent == index)
+            text += fmt::format("        clearElements(record->{}, {});\n",
+                                identifier(row(type, i).name), count);
+    return text;
+}
+
 std::string counted(const RecordType& type, int index)
 {
     const Field& field = row(type, index);
@@ -283,9 +295,16 @@ std::string counted(const RecordType& type, int index)
         text += fmt::format("        load{}(buffer + end / 8, bytes, *record);\n", name);
     if (field.isText())
         text += fmt::format("        record->{}[bytes] = '\\0';\n", name);
-    return text + "        record->korcg_bits += bytes * 8;\n"
-                  "        end += bytes * 8;\n"
-                  "    }\n";
+    text += "        record->korcg_bits += bytes * 8;\n"
+            "        end += bytes * 8;\n";
+    if (!guard.empty()) {
+        const std::string elements =
+            field.countsBytes && width > 1
+                ? fmt::format("(record->{} + {}U) / {}", count, width - 1, width)
+                : fmt::format("record->{}{}", count, field.isText() ? " + 1U" : "");
+        text += "    } else {\n" + clearUnread(type, index, elements);
+    }
+    return text + "    }\n";
 }
 
 std::string tailStatements(const Format& format, const RecordType& type, int index)

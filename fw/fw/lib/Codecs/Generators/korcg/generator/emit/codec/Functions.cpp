@@ -1,6 +1,6 @@
-#include "emit/Names.h"
 #include "emit/codec/Parts.h"
 #include "emit/codec/Shape.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 

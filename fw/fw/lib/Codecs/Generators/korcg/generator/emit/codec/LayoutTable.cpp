@@ -1,5 +1,5 @@
-#include "emit/Names.h"
 #include "emit/codec/Parts.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 
@@ -114,13 +114,27 @@ int subRecordType(const Format& format, const Field& field)
     return sub == nullptr ? 0 : sub->record;
 }
 
+constexpr std::string_view fieldLegend = R"(    // name, meaning,
+    //     code, recordOffset, wireOffset, recordType, elements, presenceValue, parent, selector,
+    //     count, length,
+    //     kind, type, presence,
+    //     width, shift, lengthInMain, alwaysSent, countsBytes, isPadding, derive, append
+)";
+
+constexpr std::string_view typeLegend =
+    R"(    // name, fields, fieldCount, firstSubBlock, recordType, blockNumber, linksToMain,
+    //     highestRevision, hasMessage, recordSize,
+    // sizeUnderflow, internal, crcChecksum, disabled, kindAssertion, kindTypes,
+    // init, encode, release
+)";
+
 std::string rowText(const Format& format, const RecordType& type, int index)
 {
     const Field& field = type.fields[static_cast<std::size_t>(index)];
     return fmt::format(
-        "    {{{}, {},\n     {}, offsetof({}, {}), {}, {}, {}, {}, {}, {}, {}, {},\n"
-        "     TQX_FieldKind::{}, TQX_MemberType::{}, TQX_Presence::{}, {}, {}, {}, {}, {}, {},\n"
-        "     {}, {}}},\n",
+        "    {{{}, {},\n        {}, offsetof({}, {}), {}, {}, {}, {}, {}, {}, {}, {},\n"
+        "        TQX_FieldKind::{}, TQX_MemberType::{}, TQX_Presence::{},\n"
+        "        {}, {}, {}, {}, {}, {}, {}, {}}},\n",
         literal(field.name), literal(field.text), field.code, recordName(type),
         identifier(field.name), field.wireOffset, subRecordType(format, field), field.elements,
         field.presenceValue, field.parent, field.selector, field.count, field.length,
@@ -172,6 +186,7 @@ std::string layoutTable(const Format& format, const RecordType& type)
 {
     std::string text =
         fmt::format("namespace\n{{\n\nconst TQX_FieldLayout fields_{}[] = {{\n", type.name);
+    text += fieldLegend;
     for (int index = 0; index < static_cast<int>(type.fields.size()); ++index)
         text += rowText(format, type, index);
     text += "};\n\n";
@@ -188,16 +203,18 @@ std::string layoutTable(const Format& format, const RecordType& type)
                       : "nullptr";
     text += fmt::format(
         "const TQX_TypeLayout layout_{0} = {{\n"
+        "{17}"
         "    \"{0}\", fields_{0}, {1}, {16}, {2}, {3}, {4}, {5}, {6}, sizeof({7}),\n"
         "    {8}, {9}, {10}, {11}, {12}, {13},\n"
-        "    [](void* record) {{ return TQX_init_{0}(static_cast<{7}*>(record)); }},\n"
+        "    [](void* record) {{\n        return TQX_init_{0}(static_cast<{7}*>(record));\n    "
+        "}},\n"
         "    {14},\n"
         "    {15}}};\n\n",
         type.name, type.fields.size(), type.record, type.number, type.linksToMain,
         type.highestRevision, type.hasMessage, record, type.sizeUnderflow, type.internal,
         type.crcChecksum, type.disabled, assertion.empty() ? "nullptr" : literal(assertion),
         assertion.empty() ? "nullptr" : fmt::format("kinds_{}", type.name), encode,
-        ownsArrays(format, type) ? "&TQX_release" : "nullptr", firstSubBlock(type));
+        ownsArrays(format, type) ? "&TQX_release" : "nullptr", firstSubBlock(type), typeLegend);
     return text;
 }
 

@@ -1,6 +1,6 @@
-#include "emit/Names.h"
 #include "emit/codec/Parts.h"
 #include "emit/codec/Shape.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 
@@ -143,39 +143,26 @@ std::string condition(const Field& field)
 
 } // namespace
 
-std::string initFunction(const RecordType& type)
+namespace
 {
-    const std::string record = recordName(type);
-    std::string text = fmt::format("inline void init_{}({}& record)\n{{\n", type.name, record);
-    // Members in record order, cut at the counted arrays: of these only the ends are cleared.
-    std::string from = "korcg_type";
-    bool cleared = false;
-    std::string ends;
-    for (std::size_t i = 0; i < type.fields.size(); ++i) {
-        const Field& field = type.fields[i];
-        const bool part = field.kind == FieldKind::Bits && field.parent >= 0 &&
-                          row(type, field.parent).isCounted();
-        const std::string name = identifier(field.name);
-        if (field.isCounted() || part) {
-            if (!from.empty())
-                text += fmt::format("    clearMembers(record, offsetof({0}, {1}), offsetof({0}, "
-                                    "{2}));\n",
-                                    record, from, name);
-            from.clear();
-            const Field& array = part ? row(type, field.parent) : field;
-            const int last = array.elements - 1 + (array.isText() || array.countsBytes ? 1 : 0);
-            ends += fmt::format("    record.{0}[0] = 0;\n    record.{0}[{1}] = 0;\n", name, last);
-            cleared = true;
-        } else if (from.empty()) {
-            from = name;
-        }
-    }
-    if (!from.empty())
-        text += fmt::format("    clearMembers(record, offsetof({0}, {1}), sizeof({0}));\n", record,
-                            from);
-    if (cleared)
-        text += ends;
-    text += fmt::format("    record.korcg_type = {};\n", type.record);
+
+// Whether a member is a counted array, or split from the elements of one.
+bool isOfCounted(const RecordType& type, const Field& field)
+{
+    return field.isCounted() || (field.kind == FieldKind::Bits && field.parent >= 0 &&
+                                 row(type, field.parent).isCounted());
+}
+
+bool hasCounted(const RecordType& type)
+{
+    return std::any_of(type.fields.begin(), type.fields.end(),
+                       [&](const Field& field) { return isOfCounted(type, field); });
+}
+
+// Statements for the members of a cleared record that do not start at 0.
+std::string startingValues(const RecordType& type)
+{
+    std::string text = fmt::format("    record.korcg_type = {};\n", type.record);
     if (type.isMain())
         text += fmt::format("    record.Sync1 = '$';\n    record.Sync2 = '@';\n"
                             "    record.BlockNumber = {};\n",
@@ -189,7 +176,53 @@ std::string initFunction(const RecordType& type)
         if (field.initial)
             text += fmt::format("    record.{} = {:#};\n", name, *field.initial);
     }
-    return text + "}\n\n";
+    return text;
+}
+
+// Of a counted array, the first element and the one after the last.
+std::string clearEnds(const RecordType& type, const Field& field)
+{
+    const Field& array = field.kind == FieldKind::Bits ? row(type, field.parent) : field;
+    return fmt::format("    record.{0}[0] = 0;\n    record.{0}[{1}] = 0;\n", identifier(field.name),
+                       array.elements - 1 + (array.isText() || array.countsBytes ? 1 : 0));
+}
+
+} // namespace
+
+std::string initFunction(const RecordType& type)
+{
+    return fmt::format("inline void init_{0}({1}& record)\n{{\n"
+                       "    clearMembers(record, 0, sizeof record);\n{2}}}\n\n",
+                       type.name, recordName(type), startingValues(type));
+}
+
+std::string clearFunction(const RecordType& type)
+{
+    if (!hasCounted(type))
+        return {};
+    const std::string record = recordName(type);
+    std::string text = fmt::format("inline void clear_{}({}& record)\n{{\n", type.name, record);
+    std::string ends;
+    // Members in record order, cut at the counted arrays.
+    std::string from = "korcg_type";
+    for (const Field& field : type.fields) {
+        const std::string name = identifier(field.name);
+        if (!isOfCounted(type, field)) {
+            if (from.empty())
+                from = name;
+            continue;
+        }
+        if (!from.empty())
+            text += fmt::format("    clearMembers(record, offsetof({0}, {1}), offsetof({0}, "
+                                "{2}));\n",
+                                record, from, name);
+        from.clear();
+        ends += clearEnds(type, field);
+    }
+    if (!from.empty())
+        text += fmt::format("    clearMembers(record, offsetof({0}, {1}), sizeof({0}));\n", record,
+                            from);
+    return text + ends + startingValues(type) + "}\n\n";
 }
 
 namespace
@@ -212,7 +245,7 @@ bool isAlwaysLoaded(const RecordType& type, const Shape& shape, int index)
            condition(field).empty();
 }
 
-std::string startStatement(const RecordType& type, const Field& field)
+std::string startStatement(const Format& format, const RecordType& type, const Field& field)
 {
     const std::string name = identifier(field.name);
     const Field& array = field.kind == FieldKind::Bits ? row(type, field.parent) : field;
@@ -221,10 +254,11 @@ std::string startStatement(const RecordType& type, const Field& field)
                            "ArrayStorage::Own;\n",
                            name);
     if (field.kind == FieldKind::Embedded)
-        return fmt::format("    init_{}(record.{});\n", field.subType, name);
+        return fmt::format("    {}_{}(record.{});\n",
+                           hasCounted(*format.find(field.subType)) ? "clear" : "init",
+                           field.subType, name);
     if (array.isCounted())
-        return fmt::format("    record.{0}[0] = 0;\n    record.{0}[{1}] = 0;\n", name,
-                           array.elements - 1 + (array.isText() || array.countsBytes ? 1 : 0));
+        return clearEnds(type, field);
     if (field.kind == FieldKind::Text)
         return fmt::format("    std::memset(record.{0}, ' ', {1});\n    record.{0}[{1}] = '\\0';\n",
                            name, field.elements);
@@ -236,7 +270,7 @@ std::string startStatement(const RecordType& type, const Field& field)
 
 } // namespace
 
-std::string startFunction(const RecordType& type)
+std::string startFunction(const Format& format, const RecordType& type)
 {
     const Shape shape = shapeOf(type);
     std::string text =
@@ -247,7 +281,7 @@ std::string startFunction(const RecordType& type)
                     type.name, recordName(type), type.record);
     for (int index = 0; index < static_cast<int>(type.fields.size()); ++index)
         if (!isAlwaysLoaded(type, shape, index))
-            text += startStatement(type, row(type, index));
+            text += startStatement(format, type, row(type, index));
     return text + "}\n\n";
 }
 

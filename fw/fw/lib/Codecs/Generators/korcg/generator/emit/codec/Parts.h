@@ -13,9 +13,12 @@ std::string recordStruct(const RecordType& type);
 
 /// Inline functions init_<Name>, derive_<Name>_<Field> and load_<Name> of one type.
 std::string initFunction(const RecordType& type);
+/// clear_<Name> of a sub-block type with counted arrays: init_<Name> but for the elements of these,
+/// none of which can be reached while the counts are 0. Empty for other types.
+std::string clearFunction(const RecordType& type);
 /// start_<Name>: sets the bookkeeping members and what load_<Name> leaves alone, so that both
-/// together do what init and the exact decoder do.
-std::string startFunction(const RecordType& type);
+/// together do what init and the exact decoder do, but for elements that cannot be reached.
+std::string startFunction(const Format& format, const RecordType& type);
 std::string deriveFunctions(const Format& format, const RecordType& type);
 std::string loadFunction(const Format& format, const RecordType& type);
 /// Whether load_<Name> takes the record of the parent, from which some values derive.

@@ -1,5 +1,5 @@
-#include "emit/Names.h"
 #include "emit/codec/Parts.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 

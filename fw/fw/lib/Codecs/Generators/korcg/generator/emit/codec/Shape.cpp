@@ -1,6 +1,6 @@
 #include "emit/codec/Shape.h"
 
-#include "emit/Names.h"
+#include "model/Names.h"
 
 namespace korcg::generator
 {

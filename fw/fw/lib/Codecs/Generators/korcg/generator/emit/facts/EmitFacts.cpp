@@ -1,7 +1,7 @@
 #include "emit/Emitters.h"
-#include "emit/Names.h"
 #include "emit/facts/FactPools.h"
 #include "model/Availability.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 

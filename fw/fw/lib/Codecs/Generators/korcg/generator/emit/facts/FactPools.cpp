@@ -1,6 +1,6 @@
 #include "emit/facts/FactPools.h"
 
-#include "emit/Names.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 

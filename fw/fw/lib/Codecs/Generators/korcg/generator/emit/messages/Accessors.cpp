@@ -1,7 +1,7 @@
 #include "emit/messages/Accessors.h"
 
-#include "emit/Names.h"
 #include "emit/messages/FieldShape.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 
@@ -51,14 +51,14 @@ struct EmbeddedGetters {
     const Message* (*constGet)(const Message*);
 };
 
-using FieldGetters =
-    std::variant<ScalarGetter<unsigned char>, ScalarGetter<signed char>, ScalarGetter<char>,
-                 ScalarGetter<unsigned short>, ScalarGetter<short>, ScalarGetter<unsigned int>,
-                 ScalarGetter<int>, ScalarGetter<unsigned long long>, ScalarGetter<float>,
-                 ScalarGetter<double>, RepeatedGetters<unsigned char>, RepeatedGetters<signed char>,
-                 RepeatedGetters<char>, RepeatedGetters<unsigned short>, RepeatedGetters<short>,
-                 RepeatedGetters<unsigned int>, RepeatedGetters<int>, RepeatedGetters<float>,
-                 RepeatedGetters<double>, BlocksGetters, EmbeddedGetters>;
+using FieldGetters = std::variant<
+    ScalarGetter<unsigned char>, ScalarGetter<signed char>, ScalarGetter<char>,
+    ScalarGetter<unsigned short>, ScalarGetter<short>, ScalarGetter<unsigned int>,
+    ScalarGetter<int>, ScalarGetter<unsigned long long>, ScalarGetter<float>,
+    ScalarGetter<double>, RepeatedGetters<unsigned char>, RepeatedGetters<signed char>,
+    RepeatedGetters<char>, RepeatedGetters<unsigned short>, RepeatedGetters<short>,
+    RepeatedGetters<unsigned int>, RepeatedGetters<int>, RepeatedGetters<float>,
+    RepeatedGetters<double>, BlocksGetters, EmbeddedGetters>;
 
 struct FieldAccessor {
     int recordType;
@@ -105,16 +105,16 @@ constexpr ScalarGetter<Value> scalar(Value (Class::*get)() const)
 }}
 
 template<typename Value, typename Class>
-constexpr RepeatedGetters<Value>
-repeated(Value (Class::*at)(unsigned int) const, unsigned int (Class::*count)() const,
-         Value* (Class::*array)(), const Value* (Class::*constArray)() const,
-         QVector<Value> (Class::*vector)() const)
+constexpr RepeatedGetters<Value> repeated(
+    Value (Class::*at)(unsigned int) const, unsigned int (Class::*count)() const,
+    Value* (Class::*array)(), const Value* (Class::*constArray)() const,
+    QVector<Value> (Class::*vector)() const)
 {{
     return {{static_cast<Value (Message::*)(unsigned int) const>(at),
-            static_cast<unsigned int (Message::*)() const>(count),
-            static_cast<Value* (Message::*)()>(array),
-            static_cast<const Value* (Message::*)() const>(constArray),
-            static_cast<QVector<Value> (Message::*)() const>(vector)}};
+        static_cast<unsigned int (Message::*)() const>(count),
+        static_cast<Value* (Message::*)()>(array),
+        static_cast<const Value* (Message::*)() const>(constArray),
+        static_cast<QVector<Value> (Message::*)() const>(vector)}};
 }}
 
 template<typename Class>
@@ -165,21 +165,27 @@ constexpr const char* repeatedRow =
     "&{C}::get{F}Array, &{C}::get{F}Vector)";
 
 constexpr const char* blocksRow = R"(BlocksGetters{{
-         [](Message* m, unsigned int i) -> Message* {{
-             return static_cast<{C}*>(m)->get{F}(i);
-         }},
-         [](const Message* m, unsigned int i) -> const Message* {{
-             return static_cast<const {C}*>(m)->get{F}(i);
-         }},
-         counter(&{C}::getNumberOf{F}),
-         [](Message* m) {{ return listOf(static_cast<{C}*>(m)->get{F}Vector()); }},
-         [](const Message* m) {{ return listOf(static_cast<const {C}*>(m)->get{F}Vector()); }}}})";
+            [](Message* m, unsigned int i) -> Message* {{
+                return static_cast<{C}*>(m)->get{F}(i);
+            }},
+            [](const Message* m, unsigned int i) -> const Message* {{
+                return static_cast<const {C}*>(m)->get{F}(i);
+            }},
+            counter(&{C}::getNumberOf{F}),
+            [](Message* m) {{
+                return listOf(static_cast<{C}*>(m)->get{F}Vector());
+            }},
+            [](const Message* m) {{
+                return listOf(static_cast<const {C}*>(m)->get{F}Vector());
+            }}}})";
 
 constexpr const char* embeddedRow = R"(EmbeddedGetters{{
-         [](Message* m) -> Message* {{ return static_cast<{C}*>(m)->get{F}(); }},
-         [](const Message* m) -> const Message* {{
-             return static_cast<const {C}*>(m)->get{F}();
-         }}}})";
+            [](Message* m) -> Message* {{
+                return static_cast<{C}*>(m)->get{F}();
+            }},
+            [](const Message* m) -> const Message* {{
+                return static_cast<const {C}*>(m)->get{F}();
+            }}}})";
 
 /// By family, in the order of that enumeration.
 constexpr const char* rowTexts[] = {scalarRow, repeatedRow, blocksRow, embeddedRow};
@@ -210,7 +216,7 @@ std::string accessorsSource(const Selection& classes)
             const std::string getters =
                 fmt::format(fmt::runtime(text), fmt::arg("C", name), fmt::arg("F", suffix));
             rows += fmt::format(
-                "    {{{}, {}, {},\n     {}}},\n", type->record, row,
+                "    {{{}, {}, {},\n        {}}},\n", type->record, row,
                 isOptional(field) ? fmt::format("presence(&{}::has{})", name, suffix) : "nullptr",
                 getters);
         }

@@ -1,11 +1,10 @@
 #include "emit/Emitters.h"
 #include "emit/Groups.h"
 
-#include "emit/Names.h"
 #include "emit/messages/Accessors.h"
 #include "emit/messages/Factory.h"
-#include "emit/messages/LongLines.h"
 #include "emit/messages/MessageClass.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 
@@ -70,7 +69,7 @@ void emitMessages(const Format& format, const Selection& selection, Output& outp
     const std::string source = "the description";
     output.write("TQX_Messages.h", source, allMessagesHeader(classes));
     output.write("TQX_MessageFactory.h", source, factoryHeader());
-    output.write("TQX_MessageFactory.cpp", source, wrapLongLines(factorySource(classes)));
+    output.write("TQX_MessageFactory.cpp", source, factorySource(classes));
     output.write("tests/TQX_MessageAccessors.h", source, accessorsHeader());
     output.write("tests/TQX_MessageAccessors.cpp", source, accessorsSource(classes));
 }

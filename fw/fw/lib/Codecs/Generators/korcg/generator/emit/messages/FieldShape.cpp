@@ -1,6 +1,6 @@
 #include "emit/messages/FieldShape.h"
 
-#include "emit/Names.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 
@@ -91,10 +91,12 @@ std::string countExpression(const RecordType& type, const Field& field)
         return std::to_string(array.elements + 1);
     case FieldKind::CountedText:
         return memberOf(type, array.count) + " + 1U";
-    case FieldKind::CountedArray:
-        if (array.countsBytes && bytesOf(array.type) > 1)
-            return fmt::format("{} / {}U", memberOf(type, array.count), bytesOf(array.type));
-        return memberOf(type, array.count);
+    case FieldKind::CountedArray: {
+        const bool divided = array.countsBytes && bytesOf(array.type) > 1;
+        return fmt::format("std::min<unsigned int>({}{}, {}U)", memberOf(type, array.count),
+                           divided ? fmt::format(" / {}U", bytesOf(array.type)) : "",
+                           array.elements);
+    }
     case FieldKind::Blocks:
         return memberOf(type, array.count);
     default:
@@ -104,11 +106,10 @@ std::string countExpression(const RecordType& type, const Field& field)
 
 std::string readableCount(const RecordType& type, const Field& field)
 {
-    const Field& array = arrayField(type, field);
-    if (!array.isCounted())
+    if (field.kind != FieldKind::CountedText)
         return countExpression(type, field);
     return fmt::format("std::min(getNumberOf{}(), {}U)", identifier(field.name),
-                       array.elements + (array.isText() ? 1 : 0));
+                       field.elements + 1);
 }
 
 std::string presenceExpression(const RecordType& type, const Field& field)

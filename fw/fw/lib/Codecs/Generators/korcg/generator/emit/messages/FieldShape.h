@@ -34,11 +34,12 @@ std::string valueType(const Field& field);
 /// Cached children of a field: "m_type1Messages", "m_accelerationMessage".
 std::string childMember(const Field& field);
 
-/// What getNumberOf<F>() returns: "3", "m_record->StringLn + 1U", "m_record->N1".
+/// What getNumberOf<F>() returns: "3", "m_record->StringLn + 1U", "m_record->N1", of a counted
+/// array of numbers never more than the record has room for.
 std::string countExpression(const RecordType& type, const Field& field);
 
-/// Elements that a getter may read: the count, but never more than the record has room for, because
-/// a record that a caller has filled may announce more.
+/// Elements that a getter may read: the count, of text too never more than the record has room for,
+/// because a record that a caller has filled may announce more.
 std::string readableCount(const RecordType& type, const Field& field);
 
 /// What has<F>() returns: "m_record->Revision >= 2", "m_record->Type == 4".

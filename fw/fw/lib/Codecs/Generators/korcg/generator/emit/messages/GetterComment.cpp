@@ -1,13 +1,14 @@
 #include "emit/messages/GetterComment.h"
 
+#include "emit/messages/ValueText.h"
 #include "model/Availability.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cctype>
 #include <string_view>
-#include <vector>
 
 namespace korcg::generator
 {
@@ -16,10 +17,6 @@ namespace
 {
 
 constexpr size_t textWidth = 100;
-constexpr size_t longestValueList = 120;
-
-/// Stands for a blank at which no line is broken.
-constexpr char firmBlank = '\x1f';
 
 /// Breaks `text` into lines of at most `textWidth` columns behind `mark`; none for an empty text.
 std::string commentLines(std::string_view mark, std::string_view text)
@@ -40,94 +37,17 @@ std::string commentLines(std::string_view mark, std::string_view text)
     return result;
 }
 
-std::string withoutStop(std::string text)
+/// What kind of thing the field is, where its getters do not show it.
+std::string shapeText(const RecordType& type, const Field& field)
 {
-    while (!text.empty() && (text.back() == '.' || text.back() == ' '))
-        text.pop_back();
-    return text;
-}
-
-std::string numberText(const Number& number)
-{
-    return std::visit([](auto value) { return fmt::format("{}", value); }, number);
-}
-
-std::string bitsText(const RecordType& type, const Field& field)
-{
+    if (field.kind == FieldKind::Derived)
+        return "computed by the decoder";
+    if (field.kind != FieldKind::Bits)
+        return "";
     const std::string& word = type.fields[static_cast<size_t>(field.parent)].name;
     if (field.width == 1)
         return fmt::format("bit {} of {}", field.shift, word);
     return fmt::format("bits {} to {} of {}", field.shift, field.shift + field.width - 1, word);
-}
-
-/// What kind of thing the field is, where its getters do not tell it.
-std::string shapeText(const RecordType& type, const Field& field)
-{
-    const auto counter = [&] { return type.fields[static_cast<size_t>(field.count)].name; };
-    switch (field.kind) {
-    case FieldKind::Bits:
-        return bitsText(type, field);
-    case FieldKind::Derived:
-        return "computed by the decoder";
-    case FieldKind::Array:
-        return field.elements == 1 ? "1 element" : fmt::format("{} elements", field.elements);
-    case FieldKind::CountedArray:
-        return fmt::format("at most {} elements, {} of them are used", field.elements,
-                           field.countsBytes ? counter() + " bytes" : counter());
-    case FieldKind::Text:
-        return fmt::format("text of {} characters and a terminating zero", field.elements);
-    case FieldKind::CountedText:
-        return fmt::format("text of {} characters, at most {}, and a terminating zero", counter(),
-                           field.elements);
-    case FieldKind::Blocks:
-        return fmt::format("{} sub-blocks, owned by this message", counter());
-    case FieldKind::Embedded:
-        return "sub-block, owned by this message";
-    case FieldKind::Value:
-        break;
-    }
-    return "";
-}
-
-/// What the field is for: as the description tells it, or as others make use of it.
-std::string meaningText(const RecordType& type, const Field& field)
-{
-    if (!field.text.empty())
-        return withoutStop(field.text);
-    if (field.isPadding)
-        return "padding";
-    if (field.role == Role::Reserved)
-        return "reserved";
-    for (const Field& user : type.fields) {
-        const auto isThis = [&](int row) {
-            return row >= 0 && &type.fields[static_cast<size_t>(row)] == &field;
-        };
-        const bool isBlocks = user.kind == FieldKind::Blocks;
-        if (isThis(user.count))
-            return isBlocks ? "number of " + user.name + " sub-blocks" : "length of " + user.name;
-        if (isThis(user.length) && !user.lengthInMain)
-            return isBlocks ? "length of a " + user.name + " sub-block" : "length of " + user.name;
-    }
-    return "";
-}
-
-std::string unitText(const Field& field)
-{
-    if (field.unit.empty())
-        return field.scale ? fmt::format("times {}", *field.scale) : "";
-    return field.scale ? fmt::format("unit {} {}", *field.scale, field.unit) : "unit " + field.unit;
-}
-
-std::string valuesText(const Format& format, const Field& field)
-{
-    const auto table = format.symbols.find(field.symbols);
-    if (table == format.symbols.end())
-        return "";
-    std::string text;
-    for (const SymbolicValue& value : table->second.values)
-        text +=
-            fmt::format("{}{}{}{}", text.empty() ? "" : ", ", value.value, firmBlank, value.name);
-    return text.size() <= longestValueList ? text : "named values: " + field.symbols;
 }
 
 std::string presenceText(const RecordType& type, const Field& field)
@@ -136,7 +56,7 @@ std::string presenceText(const RecordType& type, const Field& field)
     case Presence::SinceRevision:
         return fmt::format("from revision {} on", field.presenceValue);
     case Presence::OnlyRevision:
-        return fmt::format("revision {} only", field.presenceValue);
+        return fmt::format("in revision {} only", field.presenceValue);
     case Presence::Selected:
         return fmt::format("when {} is {}", type.fields[static_cast<size_t>(field.selector)].name,
                            field.presenceValue);
@@ -146,13 +66,82 @@ std::string presenceText(const RecordType& type, const Field& field)
     return "";
 }
 
-std::string joined(const std::vector<std::string>& parts)
+std::string absenceText(const RecordType& type, const Field& field)
 {
-    std::string text;
-    for (const std::string& part : parts)
-        if (!part.empty())
-            text += (text.empty() ? "" : "; ") + part;
-    return text;
+    const std::string presence = presenceText(type, field);
+    return presence.empty() ? "" : presence + ", else absent: throws MessageApiEvent";
+}
+
+/// How many elements a repeated field has.
+std::string countText(const RecordType& type, const Field& field)
+{
+    const Field& array =
+        field.kind == FieldKind::Bits ? type.fields[static_cast<size_t>(field.parent)] : field;
+    const auto counter = [&] {
+        const std::string& name = type.fields[static_cast<size_t>(array.count)].name;
+        const int bytes = array.countsBytes ? bytesOf(array.type) : 1;
+        return bytes > 1 ? fmt::format("{} divided by {}", name, bytes) : name;
+    };
+    switch (array.kind) {
+    case FieldKind::CountedArray:
+        return fmt::format("number of elements: {}, at most {}", counter(), array.elements);
+    case FieldKind::Text:
+        return fmt::format("number of characters, a terminating zero included: {}",
+                           array.elements + 1);
+    case FieldKind::CountedText:
+        return fmt::format("number of characters: {}, at most {}, and a terminating zero",
+                           counter(), array.elements);
+    case FieldKind::Blocks:
+        return fmt::format("number of sub-blocks, from {}", counter());
+    default:
+        return fmt::format("number of elements: {}", array.elements);
+    }
+}
+
+std::string commentText(const Format& format, const RecordType& type, const Field& field,
+                        Getter getter)
+{
+    const std::string name = identifier(field.name);
+    const auto facts = [&] {
+        return joined({meaningText(format, type, field), shapeText(type, field),
+                       valueText(format, type, field), neededText(format, type, field)});
+    };
+    const std::string beyond =
+        fmt::format("throws MessageApiEvent unless `index` is below getNumberOf{}()", name);
+    switch (getter) {
+    case Getter::Presence:
+        return "whether the field is there: " + presenceText(type, field);
+    case Getter::Value: {
+        const std::string known = facts();
+        return joined({known.empty() ? "a character" : known, absenceText(type, field)});
+    }
+    case Getter::Element:
+        return joined({facts(), field.isText() ? "character `index`" : "element `index`",
+                       presenceText(type, field), beyond});
+    case Getter::Count:
+        return countText(type, field);
+    case Getter::Array:
+        return fmt::format("the values of get{}(index), inside the record", name);
+    case Getter::ConstArray:
+        return fmt::format("the values of get{}(index), inside the record, to be read", name);
+    case Getter::Vector:
+        return fmt::format("the values of get{}(index), copied", name);
+    case Getter::Block:
+        return joined({meaningText(format, type, field), "sub-block `index`, owned by this message",
+                       presenceText(type, field), beyond});
+    case Getter::ConstBlock:
+        return "sub-block `index`, to be read; " + beyond;
+    case Getter::BlockVector:
+        return "all sub-blocks, owned by this message";
+    case Getter::ConstBlockVector:
+        return "all sub-blocks, owned by this message, to be read";
+    case Getter::Child:
+        return joined({meaningText(format, type, field), "sub-block, owned by this message",
+                       absenceText(type, field)});
+    case Getter::ConstChild:
+        return joined({"the sub-block, to be read", absenceText(type, field)});
+    }
+    return "";
 }
 
 std::string sentence(std::string text)
@@ -165,14 +154,10 @@ std::string sentence(std::string text)
 
 } // namespace
 
-std::string getterComment(const Format& format, const RecordType& type, const Field& field)
+std::string getterComment(const Format& format, const RecordType& type, const Field& field,
+                          Getter getter)
 {
-    const std::string missing =
-        field.doNotUse ? numberText(*field.doNotUse) + " when not available" : "";
-    return commentLines("    /// ",
-                        sentence(joined({meaningText(type, field), shapeText(type, field),
-                                         unitText(field), missing, neededText(format, type, field),
-                                         valuesText(format, field), presenceText(type, field)})));
+    return commentLines("    /// ", sentence(commentText(format, type, field, getter)));
 }
 
 std::string classComment(std::string_view mark, const Format& format, const RecordType& type)

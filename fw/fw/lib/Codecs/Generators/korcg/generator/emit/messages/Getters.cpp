@@ -1,12 +1,12 @@
 #include "emit/messages/Getters.h"
 
-#include "emit/Names.h"
 #include "emit/messages/FieldShape.h"
 #include "emit/messages/GetterComment.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 
-#include <utility>
+#include <vector>
 
 namespace korcg::generator
 {
@@ -14,27 +14,38 @@ namespace korcg::generator
 namespace
 {
 
-constexpr const char* presenceDeclaration = "    bool has{F}() const;\n";
+/// One function of a message class, as its header declares it.
+struct Declaration {
+    Getter getter;
+    const char* text;
+};
 
-constexpr const char* scalarDeclaration = "    {T} get{F}() const;\n";
+constexpr Declaration presenceDeclaration = {Getter::Presence, "    bool has{F}() const;\n"};
 
-constexpr const char* repeatedDeclaration = R"(    {T} get{F}(unsigned int index) const;
-    unsigned int getNumberOf{F}() const;
-    {T}* get{F}Array();
-    const {T}* get{F}Array() const;
-    QVector<{T}> get{F}Vector() const;
-)";
+const std::vector<Declaration> scalarDeclarations = {
+    {Getter::Value, "    {T} get{F}() const;\n"},
+};
 
-constexpr const char* blocksDeclaration = R"(    {T} get{F}(unsigned int index);
-    const {T} get{F}(unsigned int index) const;
-    unsigned int getNumberOf{F}() const;
-    QVector<{T}> get{F}Vector();
-    QVector<const {T}> get{F}Vector() const;
-)";
+const std::vector<Declaration> repeatedDeclarations = {
+    {Getter::Element, "    {T} get{F}(unsigned int index) const;\n"},
+    {Getter::Count, "    unsigned int getNumberOf{F}() const;\n"},
+    {Getter::Array, "    {T}* get{F}Array();\n"},
+    {Getter::ConstArray, "    const {T}* get{F}Array() const;\n"},
+    {Getter::Vector, "    QVector<{T}> get{F}Vector() const;\n"},
+};
 
-constexpr const char* embeddedDeclaration = R"(    {T} get{F}();
-    const {T} get{F}() const;
-)";
+const std::vector<Declaration> blocksDeclarations = {
+    {Getter::Block, "    {T} get{F}(unsigned int index);\n"},
+    {Getter::ConstBlock, "    const {T} get{F}(unsigned int index) const;\n"},
+    {Getter::Count, "    unsigned int getNumberOf{F}() const;\n"},
+    {Getter::BlockVector, "    QVector<{T}> get{F}Vector();\n"},
+    {Getter::ConstBlockVector, "    QVector<const {T}> get{F}Vector() const;\n"},
+};
+
+const std::vector<Declaration> embeddedDeclarations = {
+    {Getter::Child, "    {T} get{F}();\n"},
+    {Getter::ConstChild, "    const {T} get{F}() const;\n"},
+};
 
 constexpr const char* presenceDefinition = R"(
 bool {C}::has{F}() const
@@ -165,8 +176,8 @@ std::string fill(const char* text, const RecordType& type, const Field& field)
 }
 
 /// Texts by family, in the order of that enumeration.
-constexpr const char* declarations[] = {scalarDeclaration, repeatedDeclaration, blocksDeclaration,
-                                        embeddedDeclaration};
+const std::vector<Declaration>* const declarations[] = {&scalarDeclarations, &repeatedDeclarations,
+                                                        &blocksDeclarations, &embeddedDeclarations};
 constexpr const char* definitions[] = {scalarDefinition, repeatedDefinition, blocksDefinition,
                                        embeddedDefinition};
 
@@ -176,14 +187,13 @@ const char* definitionOf(Family family, bool optional)
                                                 : definitions[static_cast<size_t>(family)];
 }
 
-/// Whether a field is a line of a list: plain header fields, the bit fields of a word, and fields
-/// that need no comment stand together, everything else apart.
-bool continuesList(const RecordType& type, const Field& field, const Field& previous, bool bothBare)
+/// Whether a field is a line of a list: plain header fields and the bit fields of a word stand
+/// together, everything else apart.
+bool continuesList(const RecordType& type, const Field& field, const Field& previous)
 {
     const bool plain = familyOf(type, field) == Family::Scalar && !isOptional(field);
-    if (!plain || field.isHeader != previous.isHeader)
-        return false;
-    return field.isHeader || field.kind == FieldKind::Bits || bothBare;
+    return plain && field.isHeader == previous.isHeader &&
+           (field.isHeader || field.kind == FieldKind::Bits);
 }
 
 } // namespace
@@ -191,19 +201,19 @@ bool continuesList(const RecordType& type, const Field& field, const Field& prev
 std::string getterDeclarations(const Format& format, const RecordType& type)
 {
     std::string text;
+    const auto declare = [&](const Field& field, const Declaration& declaration) {
+        text += getterComment(format, type, field, declaration.getter);
+        text += fill(declaration.text, type, field);
+    };
     const Field* previous = nullptr;
-    bool bare = false;
     for (const Field& field : type.fields) {
-        const std::string comment = getterComment(format, type, field);
-        const bool wasBare = std::exchange(bare, comment.empty());
-        if (!previous || !continuesList(type, field, *previous, bare && wasBare))
+        if (!previous || !continuesList(type, field, *previous))
             text += '\n';
-        if (!previous && field.isHeader)
-            text += "    // Header of the block.\n";
-        text += comment;
         if (isOptional(field))
-            text += fill(presenceDeclaration, type, field);
-        text += fill(declarations[static_cast<size_t>(familyOf(type, field))], type, field);
+            declare(field, presenceDeclaration);
+        for (const Declaration& declaration :
+             *declarations[static_cast<size_t>(familyOf(type, field))])
+            declare(field, declaration);
         previous = &field;
     }
     return text;

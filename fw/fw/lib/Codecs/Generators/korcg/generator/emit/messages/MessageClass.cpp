@@ -1,11 +1,10 @@
 #include "emit/messages/MessageClass.h"
 
-#include "emit/Names.h"
 #include "emit/messages/FieldShape.h"
 #include "emit/messages/GetterComment.h"
 #include "emit/messages/Getters.h"
-#include "emit/messages/LongLines.h"
 #include "emit/messages/SubMessages.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 
@@ -40,13 +39,15 @@ public:
     {C}& operator=(const {C}& other);
     ~{C}() override;
 {getters}
-{children}    QString getRawStringFor(const QVector<bool>& fieldMask) const override;
+{children}    /// One line of text of the fields whose place is set in `fieldMask`, see Message.
+    QString getRawStringFor(const QVector<bool>& fieldMask) const override;
 
 private:
     void assertRepresentation() const;
     bool hasRepresentation() const;
     void setRepresentation(Kor::MessageApi::{R}* record);
     void disposeRepresentation();
+    /// The record, or null.
     const void* getRawRepresentation() const override;
 {cacheFunctions}
     /// assertRepresentation() in line, for the getters.
@@ -143,14 +144,14 @@ std::string fill(const char* text, const RecordType& type, const std::string& co
 
 std::string messageHeader(const Format& format, const RecordType& type)
 {
-    return wrapLongLines(fill(headerText, type, classComment("/// ", format, type),
-                              getterDeclarations(format, type)));
+    return fill(headerText, type, classComment("/// ", format, type),
+                getterDeclarations(format, type));
 }
 
 std::string messageSource(const Format& format, const RecordType& type)
 {
-    return wrapLongLines(fill(lifeText, type, classComment("// ", format, type)) +
-                         getterDefinitions(type) + childDefinitions(type) + fill(recordText, type));
+    return fill(lifeText, type, classComment("// ", format, type)) + getterDefinitions(type) +
+           childDefinitions(type) + fill(recordText, type);
 }
 
 } // namespace korcg::generator

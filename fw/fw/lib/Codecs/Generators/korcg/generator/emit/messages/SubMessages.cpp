@@ -1,7 +1,7 @@
 #include "emit/messages/SubMessages.h"
 
-#include "emit/Names.h"
 #include "emit/messages/FieldShape.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 
@@ -75,7 +75,9 @@ std::string buildStatement(const RecordType& type, const Field& field)
 
 std::string childDeclarations()
 {
-    return R"(    QVector<Message*> getSubMessages() override;
+    return R"(    /// All sub-messages in field order, owned by this message.
+    QVector<Message*> getSubMessages() override;
+    /// Likewise, to be read.
     QVector<const Message*> getSubMessages() const override;
 )";
 }

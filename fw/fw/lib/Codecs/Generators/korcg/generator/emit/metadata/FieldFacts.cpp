@@ -1,6 +1,6 @@
 #include "emit/metadata/FieldFacts.h"
 
-#include "emit/Names.h"
+#include "model/Names.h"
 #include "model/Values.h"
 
 #include <fmt/format.h>

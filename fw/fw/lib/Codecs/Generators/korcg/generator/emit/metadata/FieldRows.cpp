@@ -1,7 +1,7 @@
 #include "emit/metadata/FieldRows.h"
 
-#include "emit/Names.h"
 #include "emit/metadata/FieldFacts.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 
@@ -15,9 +15,9 @@ std::string subMessageGetter(const RecordType& type, const Field& field)
 {
     const bool isArray = field.kind == FieldKind::Blocks;
     return fmt::format(R"(
-     [](const Message& owner, unsigned{index}) -> const Message* {{
-         return static_cast<const TQX_{type}_Message&>(owner).get{field}({argument});
-     }})",
+        [](const Message& owner, unsigned{index}) -> const Message* {{
+            return static_cast<const TQX_{type}_Message&>(owner).get{field}({argument});
+        }})",
                        fmt::arg("index", isArray ? " index" : ""), fmt::arg("type", type.name),
                        fmt::arg("field", identifier(field.name)),
                        fmt::arg("argument", isArray ? "index" : ""));
@@ -33,8 +33,8 @@ std::string fieldRow(const RecordType& type, const Field& field)
         subGetter = subMessageGetter(type, field);
     }
     return fmt::format(R"(    {{"{name}",
-     TQX_fieldInstance<{name}>,
-     {subInfo}, {subGetter}}},
+        TQX_fieldInstance<{name}>,
+        {subInfo}, {subGetter}}},
 )",
                        fmt::arg("name", name), fmt::arg("subInfo", subInfo),
                        fmt::arg("subGetter", subGetter));
@@ -44,7 +44,10 @@ std::string fieldRow(const RecordType& type, const Field& field)
 
 std::string fieldRows(const RecordType& type)
 {
-    std::string text;
+    std::string text = R"(    // className,
+    //     instance,
+    //     subMessageInfo, subMessage
+)";
     for (const Field& field : type.fields)
         text += fieldRow(type, field);
     return text;

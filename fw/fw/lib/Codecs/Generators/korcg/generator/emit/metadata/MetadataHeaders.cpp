@@ -1,7 +1,7 @@
 #include "emit/metadata/MetadataHeaders.h"
 
-#include "emit/Names.h"
 #include "emit/metadata/FieldFacts.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 

@@ -1,9 +1,9 @@
 #include "emit/metadata/MetadataSources.h"
 
 #include "emit/Groups.h"
-#include "emit/Names.h"
 #include "emit/metadata/FieldFacts.h"
 #include "emit/metadata/FieldRows.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
-#include "emit/Names.h"
 #include "emit/reference/Html.h"
 #include "emit/reference/Pages.h"
+#include "model/Names.h"
 
 namespace korcg::generator
 {

@@ -1,4 +1,4 @@
-#include "emit/Names.h"
+#include "model/Names.h"
 
 #include <fmt/format.h>
 

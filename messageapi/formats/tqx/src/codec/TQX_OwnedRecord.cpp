@@ -1,0 +1,82 @@
+#include "TQX_OwnedRecord.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <utility>
+
+namespace Kor::MessageApi
+{
+
+namespace
+{
+
+constexpr std::align_val_t recordAlignment{alignof(TQX_AnyRecord_u)};
+
+} // namespace
+
+// Decoding leaves a record that it does not get to untouched; a record of type 0 has nothing to
+// release.
+void TQX_markEmpty(void* record)
+{
+    std::memset(record, 0, sizeof(TQX_MainHeader_s));
+}
+
+TQX_OwnedRecord::TQX_OwnedRecord(size_t size)
+    : m_memory(::operator new(std::max(size, sizeof(TQX_MainHeader_s)), recordAlignment))
+{
+    TQX_markEmpty(m_memory.get());
+}
+
+TQX_OwnedRecord::TQX_OwnedRecord() : TQX_OwnedRecord(sizeof(TQX_AnyRecord_u)) {}
+
+TQX_OwnedRecord::TQX_OwnedRecord(const TQX_TypeLayout& type)
+    : TQX_OwnedRecord(size_t{type.recordSize})
+{
+    type.init(get());
+}
+
+TQX_OwnedRecord::~TQX_OwnedRecord()
+{
+    if (m_memory) {
+        TQX_release(get());
+    }
+}
+
+TQX_OwnedRecord::TQX_OwnedRecord(TQX_OwnedRecord&& other) noexcept = default;
+
+TQX_OwnedRecord& TQX_OwnedRecord::operator=(TQX_OwnedRecord&& other) noexcept
+{
+    // What this one held goes with `other`.
+    std::swap(m_memory, other.m_memory);
+    return *this;
+}
+
+void TQX_OwnedRecord::Deleter::operator()(void* memory) const
+{
+    ::operator delete(memory, recordAlignment);
+}
+
+void TQX_OwnedRecord::clear()
+{
+    TQX_release(get());
+    TQX_markEmpty(get());
+}
+
+void TQX_OwnedRecord::init(const TQX_TypeLayout& type)
+{
+    clear();
+    type.init(get());
+}
+
+int32_t TQX_OwnedRecord::decode(TQX_Context_s* context, const uint8_t* bytes, uint16_t size)
+{
+    clear();
+    const int32_t result = TQX_decode(context, bytes, size, get());
+    if (result <= 0) {
+        clear();
+    }
+    return result;
+}
+
+} // namespace Kor::MessageApi

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <CLI/App.hpp>
+
+#include <string>
+
+namespace tqx::tool
+{
+
+/// What is wrong with a command line, in one line, and what may have been meant.
+std::string describe(const CLI::App& program, const CLI::ParseError& error);
+
+} // namespace tqx::tool

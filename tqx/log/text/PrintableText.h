@@ -1,0 +1,24 @@
+#pragma once
+
+#include "tqx/log/text/Buffer.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+/// Texts from outside (of logs, names of files, arguments) as they may go to a terminal. Control
+/// characters (C0, DEL, C1) become "\n", "\r", "\t" or "\x1b", so that a text can neither command
+/// the terminal nor pass for another line.
+namespace tqx
+{
+
+/// Appends Latin-1 characters in UTF-8.
+void appendPrintableLatin1(Buffer& out, std::string_view text);
+
+/// The same of UTF-8 text; bytes that are no UTF-8 become "\xff", too.
+std::string printable(std::string_view text);
+
+/// printable(), cut to about `most` bytes with "..." behind them.
+std::string shortened(std::string_view text, size_t most = 80);
+
+} // namespace tqx
