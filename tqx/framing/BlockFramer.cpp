@@ -69,6 +69,26 @@ void BlockFramer::takeBlock()
     search();
 }
 
+BlockFramer::Candidate BlockFramer::waiting() const
+{
+    if (hasBlock() || available() < kHeaderSize) {
+        return {nullptr, 0, 0, offset_};
+    }
+    return {head(), available(), korcg_load_u16(head() + kLengthAt), offset_};
+}
+
+bool BlockFramer::passWaiting()
+{
+    const Candidate candidate = waiting();
+    if (candidate.data == nullptr ||
+        !inner_.find(candidate.data + kSyncSize, candidate.size - kSyncSize, offset_ + kSyncSize)) {
+        return false;
+    }
+    drop(kSyncSize);
+    search();
+    return true;
+}
+
 size_t BlockFramer::bytesLeft() const
 {
     return available() + static_cast<size_t>(unreported_);
