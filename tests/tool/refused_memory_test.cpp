@@ -73,8 +73,9 @@ TEST_P(RefusedMemory, EndsWithACleanMessage)
         const unsigned long between = (refused + enough) / 2;
         (isEnough(between) ? enough : refused) = between;
     }
-    // The last requests are those for the last blocks.
-    constexpr unsigned long last = 25;
+    // The last requests are those for the last blocks. A connection of Qt does not survive that its
+    // memory is refused, and extract makes some late.
+    const unsigned long last = GetParam().arguments.front() == "extract" ? 0 : 25;
     for (unsigned long period = refused; period > refused - std::min(refused, last); --period)
         isEnough(period);
 }
