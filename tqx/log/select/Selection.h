@@ -40,6 +40,9 @@ public:
     /// decode it.
     bool accepts(BlockStream& stream, const Block& block);
 
+    /// Whether what follows the last block, and has no time of its own, is between the times.
+    bool isInTime() const;
+
 private:
     bool isInTime(const Block& block);
     bool meetsCondition(BlockStream& stream, const Block& block);
