@@ -17,6 +17,7 @@ constexpr size_t widestHead = 28;
 std::string filled(const std::string& text, size_t start, size_t indentation, size_t width)
 {
     std::istringstream words(text);
+    words.exceptions(std::ios::badbit); // else want of memory would be an end
     std::string lines;
     size_t column = start;
     bool isFirst = true;
@@ -73,6 +74,7 @@ std::string HelpFormatter::make_description(const CLI::App* app) const
 std::string HelpFormatter::make_footer(const CLI::App* app) const
 {
     std::istringstream lines(app->get_footer());
+    lines.exceptions(std::ios::badbit);
     std::string footer;
     std::string paragraph;
     const auto endParagraph = [&] {
