@@ -57,6 +57,27 @@ void BlockFramer::takeBlock()
     search();
 }
 
+BlockFramer::Candidate BlockFramer::waiting() const
+{
+    if (hasBlock() || available() < BlockHeader::kSize) {
+        return {nullptr, 0, 0, offset_};
+    }
+    return {head(), available(), korcg_load_u16(head() + BlockHeader::kLengthAt), offset_};
+}
+
+bool BlockFramer::passWaiting()
+{
+    const Candidate candidate = waiting();
+    if (candidate.data == nullptr ||
+        !inner_.find(candidate.data + BlockHeader::kSyncSize,
+                     candidate.size - BlockHeader::kSyncSize, offset_ + BlockHeader::kSyncSize)) {
+        return false;
+    }
+    drop(BlockHeader::kSyncSize);
+    search();
+    return true;
+}
+
 size_t BlockFramer::bytesLeft() const
 {
     return available() + static_cast<size_t>(unreported_);

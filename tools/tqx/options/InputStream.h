@@ -29,9 +29,6 @@ public:
     /// Reports the number of damaged places that were not named, if there are any.
     void sumUpDamage();
 
-    /// Whether words about damage are unwanted.
-    bool isQuiet() const { return quiet; }
-
 private:
     void onGap(const StreamGap& gap) override;
     void onUndecodable(const std::string& file, const Block& block, int32_t code) override;
