@@ -10,6 +10,8 @@ namespace tqx
 
 BlockFramer::Listener::~Listener() = default;
 
+void BlockFramer::Listener::onDroppedPiece(uint64_t, const uint8_t*, size_t) {}
+
 BlockFramer::BlockFramer(Listener* listener) : listener_(listener) {}
 
 BlockFramer::~BlockFramer() = default;
@@ -20,15 +22,21 @@ void BlockFramer::append(const uint8_t* bytes, size_t size)
         return;
     }
     ended_ = false;
-    if (available() == 0) {
-        // Junk in front is not worth a copy.
-        const size_t junk = findSync(bytes, size);
-        offset_ += junk;
-        unreported_ += junk;
-        bytes += junk;
-        size -= junk;
+    if (available() != 0 || unreported_ != 0) {
+        store(bytes, size);
+        search();
+        return;
     }
-    store(bytes, size);
+    // Junk in front is not worth a copy.
+    const size_t junk = findSync(bytes, size);
+    const uint64_t start = offset_;
+    offset_ += junk;
+    unreported_ += junk;
+    handedOver_ = junk;
+    store(bytes + junk, size - junk);
+    if (junk != 0 && listener_ != nullptr) {
+        listener_->onDroppedPiece(start, bytes, junk);
+    }
     search();
 }
 
@@ -134,24 +142,32 @@ bool BlockFramer::giveUpCandidate()
 void BlockFramer::reportDropped()
 {
     const uint64_t count = unreported_;
+    const size_t inBuffer = droppedInBuffer();
+    const uint64_t end = offset_;
     unreported_ = 0;
-    if (count != 0 && listener_ != nullptr) {
-        listener_->onBytesDropped(offset_ - count, count);
+    handedOver_ = 0;
+    if (count == 0 || listener_ == nullptr) {
+        return;
     }
+    if (inBuffer != 0) {
+        listener_->onDroppedPiece(end - inBuffer, head() - inBuffer, inBuffer);
+    }
+    listener_->onBytesDropped(end - count, count);
 }
 
 // Consumed bytes are removed when room is needed and they are the larger part, so that every byte
-// is moved at most once on average.
+// is moved at most once on average. Those that are still to be reported are not consumed.
 void BlockFramer::store(const uint8_t* bytes, size_t size)
 {
     constexpr size_t kLeastCapacity = 16384;
-    const size_t kept = available();
-    if (buffer_.capacity() - buffer_.size() < size && head_ >= kept) {
-        std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(head_), buffer_.end(),
+    const size_t consumed = head_ - droppedInBuffer();
+    const size_t kept = buffer_.size() - consumed;
+    if (buffer_.capacity() - buffer_.size() < size && consumed >= kept) {
+        std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(consumed), buffer_.end(),
                   buffer_.begin());
         buffer_.resize(kept);
         buffer_.reserve(kLeastCapacity);
-        head_ = 0;
+        head_ -= consumed;
     }
     buffer_.insert(buffer_.end(), bytes, bytes + size);
 }

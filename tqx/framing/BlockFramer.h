@@ -53,6 +53,9 @@ public:
         /// `count` (> 0) bytes that belong to no block, in one run that ends before the next block
         /// or with the bytes at hand.
         virtual void onBytesDropped(uint64_t offset, uint64_t count) = 0;
+        /// The bytes of the next report of dropped ones, all of them, in order and in one piece or
+        /// two. They stay valid until this returns or calls the framer. Does nothing by default.
+        virtual void onDroppedPiece(uint64_t offset, const uint8_t* bytes, size_t size);
 
     protected:
         Listener() = default;
@@ -132,6 +135,7 @@ private:
         offset_ += count;
         unreported_ += count;
     }
+    size_t droppedInBuffer() const { return static_cast<size_t>(unreported_) - handedOver_; }
     void reportDropped();
     void store(const uint8_t* bytes, size_t size);
 
@@ -141,6 +145,7 @@ private:
     size_t blockSize_ = 0;    ///< size of the block that stands at head_, 0 for none
     uint64_t offset_ = 0;     ///< of head_ in the stream
     uint64_t unreported_ = 0; ///< dropped bytes before head_ that the listener has not heard of
+    size_t handedOver_ = 0;   ///< those of them that never came into the buffer
     bool ended_ = false;
     CandidateChecksum checksum_;
     InnerBlockSearch inner_; ///< behind passWaiting()

@@ -39,6 +39,9 @@ public:
     /// reported to the stream and not selected.
     bool accepts(BlockStream& stream, const Block& block);
 
+    /// Whether what follows the last block, and has no time of its own, is between the times.
+    bool isInTime() const;
+
 private:
     bool isInTime(const Block& block);
     bool meetsCondition(BlockStream& stream, const Block& block);
