@@ -89,7 +89,8 @@ public:
     std::vector<uint64_t> getWeekStarts() const;
 
     /// Calls `visit` for each run of bytes that belong to no block, from the first to the last.
-    /// What in them is well-formed otherwise, NeighbourScanner says. `file` is what the gaps name.
+    /// What in them is well-formed otherwise, reportBetweenBlocks() says. `file` is what the gaps
+    /// name.
     void visitGaps(const std::function<void(const StreamGap&)>& visit,
                    const std::string& file = {}) const;
 
