@@ -148,7 +148,7 @@ private:
     size_t handedOver_ = 0;   ///< those of them that never came into the buffer
     bool ended_ = false;
     CandidateChecksum checksum_;
-    InnerBlockSearch inner_; ///< behind passWaiting()
+    InnerBlockSearch inner_; ///< of passWaiting()
 };
 
 } // namespace tqx

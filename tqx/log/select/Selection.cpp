@@ -26,7 +26,7 @@ Selection::Selection(const SelectionRequest& request)
         throw DataError("--to " + request.to + " is not after --from " + request.from);
     if (request.where.empty())
         return;
-    decoder = std::make_unique<MessageDecoder>();
+    decoder = std::make_unique<RecordDecoder>();
     condition = std::make_unique<Condition>(request.where, types);
 }
 
@@ -67,9 +67,11 @@ bool Selection::meetsCondition(BlockStream& stream, const Block& block)
     if (!condition->reads(block.getNumber()))
         return condition->accepts(nullptr);
     const int32_t result = decoder->decode(block);
-    if (result < 0)
+    if (result < 0) {
         stream.reportUndecodable(block, result);
-    return decoder->getMessage() && condition->accepts(decoder->getMessage());
+        return false;
+    }
+    return condition->accepts(decoder->getRecord());
 }
 
 } // namespace tqx

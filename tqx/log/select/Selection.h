@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tqx/log/record/MessageDecoder.h"
+#include "tqx/log/record/RecordDecoder.h"
 #include "tqx/log/select/Condition.h"
 #include "tqx/log/select/TypeSelection.h"
 #include "tqx/log/stream/BlockStream.h"
@@ -36,7 +36,8 @@ public:
     const TypeSelection& getTypes() const { return types; }
 
     /// Whether the block is selected. One that must be decoded to know and does not decode is
-    /// reported to the stream and not selected.
+    /// reported to the stream and not selected. Throws std::bad_alloc when there is no memory to
+    /// decode it.
     bool accepts(BlockStream& stream, const Block& block);
 
     /// Whether what follows the last block, and has no time of its own, is between the times.
@@ -51,7 +52,7 @@ private:
     std::optional<GnssMillis> to;
     std::optional<GnssMillis> time; ///< of the last block that had one
     std::unique_ptr<Condition> condition;
-    std::unique_ptr<MessageDecoder> decoder; ///< beside a condition
+    std::unique_ptr<RecordDecoder> decoder; ///< beside a condition
     uint32_t every;
     std::vector<uint32_t> sinceLast; ///< by block number
 };
