@@ -2,6 +2,7 @@
 
 #include "korcg_crc.h"
 #include "korcg_load.h"
+#include "tqx/framing/CandidateChecksum.h"
 #include "tqx/framing/SyncSearch.h"
 
 #include <algorithm>
@@ -12,8 +13,6 @@ namespace tqx
 namespace
 {
 
-constexpr size_t kHeaderSize = 8;
-constexpr size_t kCheckedFrom = 4;
 // Marks may end this much before the bytes that have been summed.
 constexpr size_t kMarkSlack = 8;
 // Shorter stretches are summed directly; longer ones begin where marks reach.
@@ -47,15 +46,16 @@ void InnerBlockSearch::collect(const uint8_t* bytes, size_t size, uint64_t posit
     while (searched_ < end) {
         const uint8_t* from = bytes + (searched_ - position);
         searched_ += findSync(from, static_cast<size_t>(end - searched_));
-        if (searched_ + kHeaderSize > end) {
+        if (searched_ + BlockHeader::kSize > end) {
             return;
         }
-        const uint16_t length = korcg_load_u16(bytes + (searched_ - position) + 6);
-        if (length >= kHeaderSize) {
+        const uint16_t length =
+            korcg_load_u16(bytes + (searched_ - position) + BlockHeader::kLengthAt);
+        if (length >= BlockHeader::kSize) {
             claims_.push_back({searched_ + length, length});
             std::push_heap(claims_.begin(), claims_.end());
         }
-        searched_ += 2;
+        searched_ += BlockHeader::kSyncSize;
     }
 }
 
@@ -73,11 +73,12 @@ void InnerBlockSearch::sum(const uint8_t* bytes, size_t size, uint64_t position)
 
 bool InnerBlockSearch::isIntact(const uint8_t* block, const Claim& claim)
 {
-    const uint8_t* checked = block + kCheckedFrom;
-    const size_t size = claim.size - kCheckedFrom;
-    const uint16_t sum = size < kShort ? korcg_crc16_bytes(checked, size)
-                                       : prefixes_.of(checked, claim.begin() + kCheckedFrom, size);
-    return sum == korcg_load_u16(block + 2);
+    const uint8_t* checked = block + BlockHeader::kCheckedFrom;
+    const size_t size = claim.size - BlockHeader::kCheckedFrom;
+    const uint16_t sum =
+        size < kShort ? korcg_crc16_bytes(checked, size)
+                      : prefixes_.of(checked, claim.begin() + BlockHeader::kCheckedFrom, size);
+    return sum == korcg_load_u16(block + BlockHeader::kChecksumAt);
 }
 
 } // namespace tqx

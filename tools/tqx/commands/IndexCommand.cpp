@@ -3,6 +3,7 @@
 #include "io/Output.h"
 #include "io/ToolError.h"
 #include "io/Words.h"
+#include "tqx/log/index/BetweenBlocks.h"
 #include "tqx/log/index/IndexedLog.h"
 #include "tqx/log/stream/Block.h"
 
@@ -30,9 +31,10 @@ const char* describe(IndexedLog::Origin origin)
     return "index is up to date";
 }
 
-std::string describe(const Index& index)
+std::string describe(const IndexedLog& log)
 {
-    const StreamCounts counts = index.getCounts();
+    const Index& index = log.getIndex();
+    const StreamCounts counts = reportBetweenBlocks(index, log.getContent(), nullptr);
     const auto first = index.getFirstTime();
     const auto last = index.getLastTime();
     const std::string times =
@@ -68,8 +70,7 @@ bool IndexCommand::index(Output& output, const std::string& file) const
     options.onWarning = [](const std::string& warning) { words::say(warning); };
     const IndexedLog log(file, options);
     Buffer& out = output.getBuffer();
-    out.append(
-        fmt::format("{}: {}, {}\n", file, describe(log.getOrigin()), describe(log.getIndex())));
+    out.append(fmt::format("{}: {}, {}\n", file, describe(log.getOrigin()), describe(log)));
     if (list) {
         for (const Index::Type& type : log.getIndex().getTypes())
             out.append(fmt::format("{:>10}  {}\n", type.blocks, describeBlock(type.number)));

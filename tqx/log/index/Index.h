@@ -62,7 +62,8 @@ public:
     /// Bytes that were indexed.
     uint64_t getLogSize() const { return size; }
 
-    /// As a BlockStream counts; `undecodable` is 0, for nothing is decoded.
+    /// What framing counts. Nothing is decoded and no neighbours of the blocks are recognised:
+    /// `undecodable` is 0, and all bytes that belong to no block are dropped ones.
     StreamCounts getCounts() const;
 
     struct Type {
@@ -87,8 +88,9 @@ public:
     std::vector<uint64_t> getInvalidLengths() const;
     std::vector<uint64_t> getWeekStarts() const;
 
-    /// Calls `visit` for each run of bytes that belong to no block, from the first to the last, as
-    /// BlockStream reports them. `file` is what the gaps name.
+    /// Calls `visit` for each run of bytes that belong to no block, from the first to the last.
+    /// What in them is well-formed otherwise, reportBetweenBlocks() says. `file` is what the gaps
+    /// name.
     void visitGaps(const std::function<void(const StreamGap&)>& visit,
                    const std::string& file = {}) const;
 

@@ -3,6 +3,7 @@
 #include "tqx/log/source/ByteSource.h"
 #include "tqx/log/source/Decompressor.h"
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -27,6 +28,12 @@ public:
                      std::vector<AccessPoint>* points = nullptr);
 
     size_t read(uint8_t* bytes, size_t capacity) override;
+    /// Whether there are compressed bytes; content may still need more of them.
+    bool isReady(std::chrono::milliseconds patience) override
+    {
+        return begin != end || wasFull || packed->isReady(patience);
+    }
+
     Place placeOf(uint64_t offset) const override { return {name, offset}; }
     bool isInterrupted() const override { return packed->isInterrupted(); }
 

@@ -4,6 +4,7 @@
 #include "tqx/log/source/ByteSource.h"
 #include "tqx/log/source/OpenSource.h"
 
+#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -32,6 +33,10 @@ public:
 
     /// Throws nothing of its own: failures go to the listener.
     size_t read(uint8_t* bytes, size_t capacity) override;
+    bool isReady(std::chrono::milliseconds patience) override
+    {
+        return !source || source->isReady(patience);
+    }
     Place placeOf(uint64_t offset) const override;
     bool isInterrupted() const override { return source && source->isInterrupted(); }
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstring>
 #include <utility>
 
@@ -46,6 +47,11 @@ public:
         const uint64_t restored = std::min<uint64_t>(wanted, count - given);
         given += static_cast<size_t>(restored);
         return restored == wanted ? restored : restored + source->skip(wanted - restored);
+    }
+
+    bool isReady(std::chrono::milliseconds patience) override
+    {
+        return given != count || source->isReady(patience);
     }
 
     Place placeOf(uint64_t offset) const override { return source->placeOf(offset); }
