@@ -1,5 +1,5 @@
 // Any bytes in any pieces: the accounting holds, every block is whole and intact, pieces do not
-// matter, nothing is left behind the end of input.
+// matter unless waiting candidates are doubted, nothing is left behind the end of input.
 
 #include "FixedChecksums.h"
 #include "tqx/framing/BlockFramer.h"
@@ -27,6 +27,13 @@ public:
         appended_ += size;
         framer_.append(bytes, size);
         takeBlocks();
+    }
+
+    void passWaiting()
+    {
+        while (framer_.passWaiting()) {
+            takeBlocks();
+        }
     }
 
     void flush()
@@ -60,16 +67,23 @@ private:
 
     void onChecksumFailed(uint64_t offset) override { require(offset < appended_); }
     void onInvalidLength(uint64_t offset) override { require(offset < appended_); }
+    void onDroppedPiece(uint64_t offset, const uint8_t*, size_t size) override
+    {
+        require(size != 0 && offset == taken_ + dropped_ + handedOver_);
+        handedOver_ += size;
+    }
     void onBytesDropped(uint64_t offset, uint64_t count) override
     {
-        require(count != 0 && offset == taken_ + dropped_);
+        require(count == handedOver_ && offset == taken_ + dropped_);
         dropped_ += count;
+        handedOver_ = 0;
     }
 
     std::vector<std::pair<uint64_t, size_t>> blocks_;
     uint64_t appended_ = 0;
     uint64_t taken_ = 0;
     uint64_t dropped_ = 0;
+    uint64_t handedOver_ = 0; // bytes of the next report
     tqx::BlockFramer framer_{this};
 };
 
@@ -94,5 +108,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     whole.append(stream.data(), stream.size());
     whole.flush();
     require(whole.blocks() == inPieces.blocks());
+
+    Checked doubting;
+    for (size_t at = 0; at < stream.size(); at += piece) {
+        doubting.append(stream.data() + at, std::min(piece, stream.size() - at));
+        doubting.passWaiting();
+    }
+    doubting.flush();
     return 0;
 }

@@ -10,12 +10,19 @@
 namespace tqx::tool
 {
 
+/// How many gaps and outages are looked at one by one.
+constexpr size_t mostListed = 100000;
+
 /// The names of the inputs, "3 files, a to c" when they are many.
 std::string headOf(const std::vector<std::string>& names);
 
 /// Appends a summary for people: totals, a table of the types, then gaps, damage and what did not
 /// decode, the first few places of each.
 void appendSummaryText(Buffer& out, const InputStream& stream, const StreamSummary& summary);
+
+/// Appends a table of what came between the blocks, by kind and type; nothing when there is none.
+/// Shares are of `bytes`.
+void appendNeighbourTable(Buffer& out, const NeighbourSummary& neighbours, uint64_t bytes);
 
 /// Appends a summary as one JSON object in a line.
 void appendSummaryJson(Buffer& out, const InputStream& stream, const StreamSummary& summary);

@@ -3,6 +3,8 @@
 #include "tqx/log/DataError.h"
 #include "tqx/log/select/TimeText.h"
 
+#include <new>
+
 namespace tqx
 {
 
@@ -49,6 +51,11 @@ bool Selection::isInTime(const Block& block)
         return true;
     if (const std::optional<GnssMillis> own = block.getTime())
         time = own;
+    return isInTime();
+}
+
+bool Selection::isInTime() const
+{
     // Before the first time of a stream it is earlier than any that is asked for.
     if (!time)
         return !from;
@@ -64,6 +71,8 @@ bool Selection::meetsCondition(BlockStream& stream, const Block& block)
     const int32_t result = decoder->decode(block);
     if (result < 0)
         stream.reportUndecodable(block, result);
+    else if (!decoder->getMessage())
+        throw std::bad_alloc(); // all types that conditions read have messages
     return decoder->getMessage() && condition->accepts(decoder->getMessage());
 }
 
