@@ -1,13 +1,14 @@
-// Columns of one type out of a mixed log in memory, in turns with its yardstick: TQX_decode of the
-// same blocks, found in the same way, into one record that is used again and again. All batches of
-// a turn are kept until its end, so that every column goes to fresh memory.
+// Columns of one type out of a mixed log in memory by its index, in turns with its yardstick:
+// TQX_decode of the same blocks, found by the index too, into one record that is used again and
+// again. All batches of a turn are kept until its end, so that every column goes to fresh memory.
 
 #include "RandomBlock.h"
 #include "RecordGuard.h"
 #include "TellingBlocks.h"
 #include "Turns.h"
 #include "tqx/log/record/TypeNames.h"
-#include "tqx/log/table/TableBuilder.h"
+#include "tqx/log/table/IndexInput.h"
+#include "tqx/log/table/TableStream.h"
 
 #include <benchmark/benchmark.h>
 
@@ -40,64 +41,51 @@ struct MixedLog {
         }
     }
 
-    void add(const Bytes& block)
-    {
-        offsets.push_back(bytes.size());
-        bytes.insert(bytes.end(), block.begin(), block.end());
-    }
-
-    std::vector<tqx::TableBlock> blocksOf(const TQX_TypeLayout& type) const
-    {
-        std::vector<tqx::TableBlock> blocks;
-        for (const size_t offset : offsets) {
-            const uint8_t* data = bytes.data() + offset;
-            const tqx::TableBlock block = {
-                data, static_cast<uint16_t>(data[6] | data[7] << 8U), 0, offset, {}};
-            if (block.getNumber() == type.blockNumber)
-                blocks.push_back(block);
-        }
-        return blocks;
-    }
+    void add(const Bytes& block) { bytes.insert(bytes.end(), block.begin(), block.end()); }
 
     Bytes bytes;
-    std::vector<size_t> offsets;
 };
 
-using Blocks = std::vector<tqx::TableBlock>;
+/// What is to be read: the blocks of one type.
+struct Wanted {
+    const tqx::Index& index;
+    const tqx::MemoryAccess& log;
+    const TQX_TypeLayout& type;
+};
 
-void decodeAll(const Blocks& blocks)
+void decodeAll(const Wanted& wanted)
 {
     AnyRecord record;
     TQX_Context_s context;
     TQX_init_context(&context);
-    for (const tqx::TableBlock& block : blocks) {
+    tqx::IndexedBlocks blocks(wanted.index, wanted.log, {{wanted.type.blockNumber}});
+    for (tqx::Block block; blocks.next(block);) {
         benchmark::DoNotOptimize(TQX_decode(&context, block.data, block.size, record.get()));
         TQX_release(record.get());
     }
 }
 
-void fillColumns(const std::shared_ptr<const tqx::TableSchema>& schema, const Blocks& blocks)
+void fillColumns(const Wanted& wanted, const std::shared_ptr<const tqx::TableSchema>& schema)
 {
     std::vector<ArrowArray> batches;
-    tqx::TableBuilder builder(schema);
-    for (size_t taken = 0; taken < blocks.size();) {
-        taken += builder.append(blocks.data() + taken, blocks.size() - taken);
-        builder.finish(batches.emplace_back());
-    }
+    tqx::TableStream table(
+        schema, std::make_unique<tqx::IndexInput>(wanted.index, wanted.log, wanted.type));
+    for (ArrowArray batch; table.next(batch);)
+        batches.push_back(batch);
     for (ArrowArray& batch : batches)
         batch.release(&batch);
 }
 
-void besideDecoding(benchmark::State& state, const MixedLog& log, const std::string& name,
-                    const tqx::TableOptions& options)
+void besideDecoding(benchmark::State& state, const tqx::Index& index, const tqx::MemoryAccess& log,
+                    const std::string& name, const tqx::TableOptions& options)
 {
     const TQX_TypeLayout& type = *tqx::findType(name);
-    const Blocks blocks = log.blocksOf(type);
+    const Wanted wanted = {index, log, type};
     const auto schema = std::make_shared<const tqx::TableSchema>(type, options);
     const std::vector<double> ns =
-        runInTurns(state, {{1, [&](int) { fillColumns(schema, blocks); }},
-                           {1, [&](int) { decodeAll(blocks); }}});
-    const auto count = static_cast<double>(blocks.size());
+        runInTurns(state, {{1, [&](int) { fillColumns(wanted, schema); }},
+                           {1, [&](int) { decodeAll(wanted); }}});
+    const auto count = static_cast<double>(index.getCount(type.blockNumber));
     state.counters["columns"] = static_cast<double>(schema->getNames().size());
     state.counters["ns_per_block"] = ns[0] / count;
     state.counters["decode_ns_per_block"] = ns[1] / count;
@@ -109,11 +97,13 @@ void besideDecoding(benchmark::State& state, const MixedLog& log, const std::str
 int main(int argc, char** argv)
 {
     benchmark::Initialize(&argc, argv);
-    const MixedLog log;
+    const MixedLog content;
+    const tqx::MemoryAccess log(content.bytes.data(), content.bytes.size());
+    const tqx::Index index = tqx::Index::build(log);
     const auto add = [&](const char* name, const char* type, const tqx::TableOptions& options) {
         benchmark::RegisterBenchmark(name,
-                                     [&log, type, options](benchmark::State& state) {
-                                         besideDecoding(state, log, type, options);
+                                     [&index, &log, type, options](benchmark::State& state) {
+                                         besideDecoding(state, index, log, type, options);
                                      })
             ->UseManualTime()
             ->Iterations(turns);

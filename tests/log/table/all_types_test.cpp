@@ -17,13 +17,16 @@ namespace
 
 constexpr size_t batchRows = 100;
 
-/// Blocks of all revisions, several of one at a time, some of which are cut off.
+/// Blocks of all revisions, several of one at a time, some of which are cut off, and some with more
+/// elements or entries than columns look at in one go.
 std::vector<Bytes> blocksOf(const TQX_TypeLayout& type, std::mt19937_64& random)
 {
+    const unsigned many = type.firstSubBlock == type.fieldCount ? 1000 : 30;
     std::vector<Bytes> blocks;
     for (unsigned revision = 0; revision < 8; ++revision) {
         for (unsigned i = 0; i < 30; ++i) {
-            blocks.push_back(randomBlock(type, {revision, 3, i % 5 == 4 ? 2U : 0U}, random));
+            const unsigned count = revision % 4 == 0 && i == 5 ? many : 3;
+            blocks.push_back(randomBlock(type, {revision, count, i % 5 == 4 ? 2U : 0U}, random));
             if (i % 9 == 8)
                 blocks.back().resize(blocks.back().size() * (random() % 100) / 100);
             if (blocks.back().size() < 8)

@@ -5,12 +5,15 @@
 #include "korcg_crc.h"
 #include "tqx/log/DataError.h"
 #include "tqx/log/record/TypeNames.h"
+#include "tqx/log/source/MemorySource.h"
+#include "tqx/log/table/IndexInput.h"
 #include "tqx/log/table/TableStream.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <random>
 #include <thread>
 
 using namespace Kor::MessageApi;
@@ -26,26 +29,6 @@ Bytes position(uint32_t tow, double height)
         record.Height = height;
     });
 }
-
-class MemorySource : public tqx::ByteSource
-{
-public:
-    explicit MemorySource(Bytes content) : bytes(std::move(content)) {}
-
-    size_t read(uint8_t* to, size_t capacity) override
-    {
-        const size_t count = std::min(capacity, bytes.size() - at);
-        std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), count, to);
-        at += count;
-        return count;
-    }
-    Place placeOf(uint64_t offset) const override { return {name, offset}; }
-
-private:
-    Bytes bytes;
-    size_t at = 0;
-    std::string name = "day.tqx";
-};
 
 struct Refusals : tqx::StreamListener {
     void onGap(const tqx::StreamGap&) override {}
@@ -85,7 +68,7 @@ TEST(StreamInput, FollowsTheWeekThroughAllBlocks)
     add(madeBlock<TQX_MeasEpoch2_s>([](TQX_MeasEpoch2_s& record) { record.TOW = 1000; }));
     add(cutPosition());
     add(position(604799000, 2)); // of the week after
-    MemorySource source(log);
+    tqx::MemorySource source(log.data(), log.size(), "day.tqx");
     Refusals refusals;
     tqx::BlockStream blocks(source, &refusals);
     tqx::TableOptions options;
@@ -106,6 +89,64 @@ TEST(StreamInput, FollowsTheWeekThroughAllBlocks)
     EXPECT_FALSE(table.next(none));
     batch.release(&batch);
     columns.release(&columns);
+}
+
+/// Everything that a table has of a log.
+std::vector<std::string> rowsOf(const tqx::TableSchema& schema, tqx::TableStream& table)
+{
+    std::vector<std::string> rows;
+    ArrowSchema columns;
+    schema.exportTo(columns);
+    for (ArrowArray batch; table.next(batch); batch.release(&batch))
+        for (int64_t row = 0; row < batch.length; ++row)
+            rows.push_back(arrowText(columns, batch, static_cast<size_t>(row)));
+    columns.release(&columns);
+    return rows;
+}
+
+/// Memory that has to be read.
+class DistantAccess : public tqx::MemoryAccess
+{
+public:
+    using MemoryAccess::MemoryAccess;
+    const uint8_t* getBytes() const override { return nullptr; }
+};
+
+TEST(IndexInput, GivesTheRowsOfOnePass)
+{
+    Bytes log;
+    std::mt19937 random(3);
+    for (unsigned i = 0; i < 300; ++i) {
+        const Bytes next = i % 7 == 6
+                               ? cutPosition()
+                               : position(static_cast<uint32_t>(random() % 3) * 250000000, 1.0 * i);
+        log.insert(log.end(), next.begin(), next.end());
+        log.insert(log.end(), random() % 5, 'x');
+    }
+    tqx::TableOptions options;
+    options.fields = tqx::FieldFilter({"TOWc", "Height"});
+    options.batchRows = 100;
+    options.hasFile = true;
+    const auto schema = schemaOf(options);
+    Refusals before;
+    tqx::MemorySource source(log.data(), log.size(), "day.tqx");
+    tqx::BlockStream blocks(source, &before);
+    tqx::TableStream onePass(schema, std::make_unique<tqx::StreamInput>(blocks, schema->getType()));
+    const std::vector<std::string> expected = rowsOf(*schema, onePass);
+    EXPECT_GT(expected.size(), 200U);
+
+    const tqx::MemoryAccess inMemory(log.data(), log.size(), "day.tqx");
+    const DistantAccess distant(log.data(), log.size(), "day.tqx");
+    const tqx::Index index = tqx::Index::build(inMemory, {}, 256);
+    for (const tqx::RandomAccess* access : {static_cast<const tqx::RandomAccess*>(&inMemory),
+                                            static_cast<const tqx::RandomAccess*>(&distant)}) {
+        Refusals refusals;
+        tqx::TableStream byIndex(
+            schema, std::make_unique<tqx::IndexInput>(index, *access, schema->getType(),
+                                                      tqx::BlockQuery(), &refusals));
+        EXPECT_EQ(rowsOf(*schema, byIndex), expected);
+        EXPECT_EQ(refusals.texts, before.texts);
+    }
 }
 
 /// Blocks one after the other, then an error if there is one.

@@ -4,6 +4,7 @@
 #include "Tables.h"
 #include "tqx/log/DataError.h"
 #include "tqx/log/record/TypeNames.h"
+#include "tqx/log/table/Gather.h"
 
 #include <gtest/gtest.h>
 
@@ -25,6 +26,31 @@ const TQX_TypeLayout& position()
 const TQX_TypeLayout& measurements()
 {
     return *tqx::findType("MeasEpoch2");
+}
+
+TEST(Gather, TakesNumbersOutOfTheirWords)
+{
+    const uint8_t words[] = {0xff, 0x5a, 0x34, 0xa1, 0xff, 0x00, 0x0c, 0x5f};
+    const struct {
+        tqx::NumberPlace place;
+        int16_t first;
+        int16_t second; // four bytes on
+    } cases[] = {
+        {{1, 1, 0, 8, false}, 0x5a, 0},
+        {{1, 1, 4, 3, false}, 5, 0},
+        {{1, 1, 4, 3, true}, -3, 0},
+        {{2, 2, 0, 16, false}, static_cast<int16_t>(0xa134), 0x5f0c},
+        {{2, 2, 4, 9, true}, 0x13, -0x10},
+        {{2, 2, 5, 11, true}, -0x2f7, 0x2f8},
+        {{0, 4, 24, 8, true}, -0x5f, 0x5f},
+    };
+    for (const auto& each : cases) {
+        int16_t out[2] = {};
+        tqx::gatherFor(each.place, sizeof(int16_t))(words + each.place.offset, 4, 2, each.place,
+                                                    out);
+        EXPECT_EQ(out[0], each.first);
+        EXPECT_EQ(out[1], each.second);
+    }
 }
 
 TEST(TimeColumn, IsInGpsTimeAndUtc)
