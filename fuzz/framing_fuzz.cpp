@@ -1,5 +1,5 @@
 // Any bytes in any pieces: the accounting holds, every block is whole and intact, pieces do not
-// matter, nothing is left behind the end of input.
+// matter unless waiting candidates are doubted, nothing is left behind the end of input.
 
 #include "FixedChecksums.h"
 #include "tqx/framing/BlockFramer.h"
@@ -27,6 +27,13 @@ public:
         appended_ += size;
         framer_.append(bytes, size);
         takeBlocks();
+    }
+
+    void passWaiting()
+    {
+        while (framer_.passWaiting()) {
+            takeBlocks();
+        }
     }
 
     void flush()
@@ -101,5 +108,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     whole.append(stream.data(), stream.size());
     whole.flush();
     require(whole.blocks() == inPieces.blocks());
+
+    Checked doubting;
+    for (size_t at = 0; at < stream.size(); at += piece) {
+        doubting.append(stream.data() + at, std::min(piece, stream.size() - at));
+        doubting.passWaiting();
+    }
+    doubting.flush();
     return 0;
 }

@@ -39,7 +39,8 @@ protected:
         const Selection all = select(s_format, {}, errors);
         emitCodec(s_format, all, output);
         emitMessages(s_format, all, output);
-        emitMetadata(s_format, all, output);
+        emitFacts(s_format, all, output);
+        emitMetadata(all, output);
         s_names = output.names();
     }
 

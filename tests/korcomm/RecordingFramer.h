@@ -27,6 +27,32 @@ public:
         takeBlocks();
     }
 
+    /// Doubts the candidate that waits; returns what the framer says.
+    bool passWaiting()
+    {
+        const bool isPassed = framer_.passWaiting();
+        takeBlocks();
+        return isPassed;
+    }
+
+    /// Whether a candidate waits with a whole block after its sync, found the straightforward way.
+    bool holdsBack() const
+    {
+        const tqx::BlockFramer::Candidate candidate = framer_.waiting();
+        for (size_t at = 2; at + 8 <= candidate.size; ++at) {
+            const uint8_t* inner = candidate.data + at;
+            const size_t length = inner[6] + size_t{256} * inner[7];
+            if (inner[0] == '$' && inner[1] == '@' && length >= 8 &&
+                at + length <= candidate.size &&
+                slowChecksum(inner + 4, length - 4) == inner[2] + 256 * inner[3]) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    tqx::BlockFramer::Candidate waiting() const { return framer_.waiting(); }
+
     const Framing& framing() const { return framing_; }
 
 private:

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 
 using nlohmann::json;
 
@@ -74,6 +75,11 @@ TEST_P(EncodeGoodLine, GivesTheBlock)
         const json::json_pointer place(pointer);
         ASSERT_TRUE(block["fields"].contains(place)) << pointer << " in " << block;
         EXPECT_EQ(block["fields"][place], value) << pointer;
+        if (value.is_number_float()) {
+            EXPECT_EQ(std::signbit(block["fields"][place].get<double>()),
+                      std::signbit(value.get<double>()))
+                << pointer;
+        }
     }
 }
 
@@ -124,6 +130,9 @@ INSTANTIATE_TEST_SUITE_P(
              R"({"block":"ExtSensorMeas1","fields":{"ExtSensorMeasSet":[
                  {"Type":0,"Acceleration":{"AccX":1.5}}]}})",
              R"({"/N":1,"/ExtSensorMeasSet/0/Acceleration/AccX":1.5})"},
+        Good{"MinusZero",
+             R"({"block":"PVTGeodetic2","fields":{"Latitude":-0,"Vn":-0,"NrSV":-0,"Error":-0}})",
+             R"({"/Latitude":-0.0,"/Vn":-0.0,"/NrSV":0,"/Error":0})"},
         Good{"Floats",
              R"({"block":"PVTGeodetic2","fields":{"Latitude":-0.0,"Longitude":"-Infinity",
                  "Height":"NaN","Undulation":16777217,"Vn":"Infinity","Ve":-2e10}})",
@@ -206,6 +215,75 @@ TEST(Encode, BytesGoOutAsTheyAre)
     EXPECT_EQ(
         runTool({"encode", "-"}, R"({"block":"ASCIIIn","fields":{"CD":1},"bytes":"JEA="})").output,
         "$@");
+}
+
+TEST(Encode, NothingIsDroppedAfterANull)
+{
+    const std::string good = "{\"block\":\"ASCIIIn\"}\n";
+    const std::string bad = "{\"block\":\"ASCIIIn\"}" + std::string(1, '\0') + "rest\n";
+    const ToolRun run = runTool({"encode", "-"}, good + bad + good);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.words, "-:2: no valid JSON at column 20: a null character\n");
+    EXPECT_EQ(run.output.size(), 160U);
+}
+
+TEST(Encode, FieldsThatDifferFromBytesAreReported)
+{
+    std::vector<std::string> lines = rawLines(runTool({"encode", "tool/data/told.jsonl"}).output);
+    json line = json::parse(lines.at(1));
+    ASSERT_EQ(line["block"], "MeasEpoch2");
+    const std::string block = runTool({"encode", "-"}, lines.at(1)).output;
+    line["bytes"] = QByteArray::fromStdString(block).toBase64().toStdString();
+    const ToolRun same = runTool({"encode", "-"}, line.dump());
+    EXPECT_EQ(same.words, "");
+    EXPECT_EQ(same.output, block);
+
+    line["fields"]["Type1"][0]["Type2"][0]["CN0"] = 1;
+    const ToolRun other = runTool({"encode", "-"}, line.dump());
+    EXPECT_EQ(other.status, 0);
+    EXPECT_EQ(other.words, "-:1: differs from the bytes beside it, which are taken: Type1\n");
+    EXPECT_EQ(other.output, block);
+
+    line.erase("fields");
+    line["block"] = "ASCIIIn";
+    EXPECT_EQ(runTool({"encode", "-"}, line.dump()).words,
+              "-:1: differs from the bytes beside it, which are taken: block\n");
+}
+
+TEST(Encode, ScaledLinesAreReportedOnce)
+{
+    const std::string scaled =
+        runTool({"dump", "--format", "jsonl", "--type", "4007", "data/samples/random.tqx"}).output;
+    ASSERT_GT(linesOf(scaled).size(), 1U);
+    const std::string good = "{\"block\":\"ASCIIIn\"}\n";
+    const ToolRun run = runTool({"encode", "-"}, scaled + good);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.words, "-:1: holds scaled values, but only stored ones can be encoded, which "
+                         "dump --format jsonl --raw writes\n");
+    EXPECT_EQ(run.output.size(), 80U);
+}
+
+TEST(Encode, LongLinesAreReportedAndSkipped)
+{
+    const std::string good = "{\"block\":\"ASCIIIn\"}\n";
+    const std::string padded = "{\"block\":\"ASCIIIn\"" + std::string(300000, ' ');
+    const ToolRun run =
+        runTool({"encode", "--max-line", "300kB", "-"}, padded + "}\n" + good + padded);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.words, "-:1: longer than 300000 bytes (see --max-line)\n"
+                         "-:3: longer than 300000 bytes (see --max-line)\n");
+    EXPECT_EQ(run.output.size(), 80U);
+    EXPECT_EQ(runTool({"encode", "--max-line", "301kB", "-"}, padded + "}").output.size(), 80U);
+}
+
+TEST(Encode, ValuesOfALineAreLimited)
+{
+    std::string line = R"({"block":"ASCIIIn","fields":{"CD":[0)";
+    for (int i = 0; i < 1000000; ++i)
+        line += ",0";
+    const ToolRun run = runTool({"encode", "-"}, line + "]}}");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.words, "-:1: more than 1000000 values\n");
 }
 
 // Blocks of all types and revisions, a newer one with longer entries among them, and unknown ones.

@@ -4,6 +4,8 @@
 #include "tqx/log/inspect/BlockWalk.h"
 #include "tqx/log/record/RecordDecoder.h"
 
+#include <nlohmann/json.hpp>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -70,4 +72,69 @@ TEST(Explain, TellsWhereToLookInstead)
               0U)
         << run.words;
     EXPECT_NE(run.words.find("; the next block is "), std::string::npos) << run.words;
+}
+
+TEST(Explain, ExplainsReportsOfDamage)
+{
+    const char* const file = "data/samples/random-damaged.tqx";
+    const auto info = nlohmann::json::parse(runTool({"info", "--json", file}).output);
+    size_t headers = 0;
+    for (const auto& damage : info["damage"]) {
+        const auto offset = damage["offset"].get<uint64_t>();
+        const ToolRun run = runTool({"explain", QString("%1@%2").arg(file).arg(offset)});
+        EXPECT_EQ(run.status, 0) << run.words;
+        EXPECT_EQ(run.words, "");
+        EXPECT_NE(run.output.find("sound block "), std::string::npos) << run.output;
+        if (damage["crcErrors"] == 0)
+            continue;
+        ++headers;
+        EXPECT_NE(run.output.find("the checksum is 0x"), std::string::npos) << run.output;
+    }
+    EXPECT_GT(headers, 10U);
+}
+
+// A sync that no block can have stands before the header.
+TEST(Explain, LooksForTheHeaderInTheDamage)
+{
+    const std::string sound = runTool({"cut", "--type", "4007", "data/samples/random.tqx"}).output;
+    const std::string before = runTool({"encode", "tool/data/told.jsonl"}).output.substr(0, 96);
+    const std::string junk = "junk $@ and more of it ";
+    std::string damaged = before;
+    damaged[90] ^= 1;
+    const std::string stream = before + junk + damaged + sound;
+    const auto info = nlohmann::json::parse(runTool({"info", "--json", "-"}, stream).output);
+    ASSERT_EQ(info["damage"].size(), 1U) << info;
+    const auto offset = info["damage"][0]["offset"].get<size_t>();
+    const ToolRun run = runTool({"explain", QString("-@%1").arg(offset)}, stream);
+    EXPECT_EQ(run.status, 0) << run.words;
+    const std::string header = std::to_string(offset + junk.size());
+    EXPECT_EQ(run.output.find("standard input, offset " + header + ": PVTGeodetic2 (4007)"), 0U)
+        << run.output;
+    EXPECT_NE(run.output.find("\n119 bytes belong from " + std::to_string(offset) +
+                              " on to no block, this header at " + header +
+                              " is among them\nthe checksum is 0x"),
+              std::string::npos)
+        << run.output;
+}
+
+TEST(Explain, DamageWithoutHeader)
+{
+    const std::string log = testData("data/samples/random.tqx");
+    const std::string junk = "no header here";
+    const ToolRun run = runTool({"explain", "-@0"}, junk + log);
+    EXPECT_EQ(run.status, 0) << run.words;
+    EXPECT_EQ(run.output.find("standard input, offset 0: no block\n"), 0U) << run.output;
+    EXPECT_NE(run.output.find("\n14 bytes belong from 0 on to no block, no header is among them\n"
+                              "the next sound block is "),
+              std::string::npos)
+        << run.output;
+}
+
+// The input has no end, and no block is in it.
+TEST(Explain, ReadsOnForAWhileOnly)
+{
+    const ToolRun run = runTool({"explain", "/dev/zero@5"});
+    EXPECT_EQ(run.status, 0) << run.words;
+    EXPECT_NE(run.output.find("no sound block follows within 1 MiB\n"), std::string::npos)
+        << run.output;
 }

@@ -84,3 +84,92 @@ TEST_F(Live, InterruptionEndsTheInput)
     EXPECT_TRUE(summary >> bytes);
     EXPECT_GE(bytes, log.size() - pipeSize);
 }
+
+namespace
+{
+
+/// "$@", a checksum of 0, `number` and `length`.
+std::string falseHeader(uint16_t number, uint16_t length)
+{
+    return {'$',
+            '@',
+            '\0',
+            '\0',
+            static_cast<char>(number & 0xff),
+            static_cast<char>(number >> 8),
+            static_cast<char>(length & 0xff),
+            static_cast<char>(length >> 8)};
+}
+
+struct Header {
+    const char* name;
+    uint16_t number;
+    uint16_t length;
+    bool isDoubtful; ///< without a pause
+};
+
+void PrintTo(const Header& value, std::ostream* stream)
+{
+    *stream << value.name;
+}
+
+class LiveHeader : public Live, public testing::WithParamInterface<Header>
+{
+protected:
+    /// Whether the blocks after the header come out while the input is still open.
+    bool comesOut(const QStringList& arguments, int milliseconds)
+    {
+        start(QStringList{"dump", "-q", "--format", "jsonl", "-"} + arguments);
+        send(falseHeader(GetParam().number, GetParam().length) +
+             runTool({"simulate", "--duration", "1"}).output);
+        const bool isOut = process.waitForReadyRead(milliseconds);
+        process.closeWriteChannel();
+        EXPECT_TRUE(process.waitForFinished(patience));
+        EXPECT_EQ(process.exitCode(), 0);
+        EXPECT_NE(process.readAllStandardOutput().size(), 0);
+        return isOut;
+    }
+};
+
+constexpr int aWhile = 500; // milliseconds
+
+} // namespace
+
+TEST_P(LiveHeader, HoldsBackWithoutTheOption)
+{
+    EXPECT_FALSE(comesOut({}, aWhile));
+}
+
+TEST_P(LiveHeader, IsPassedAtOnceWhenItFitsNoType)
+{
+    EXPECT_EQ(comesOut({"--live", "--pause", "3600"}, GetParam().isDoubtful ? patience : aWhile),
+              GetParam().isDoubtful);
+}
+
+TEST_P(LiveHeader, IsPassedAfterAPause)
+{
+    EXPECT_TRUE(comesOut({"--live", "--pause", "0.05"}, patience));
+}
+
+INSTANTIATE_TEST_SUITE_P(Tool, LiveHeader,
+                         testing::Values(Header{"UnknownNumber", 3999, 0xffff, true},
+                                         Header{"TooLongForItsType", 4007, 60000, true},
+                                         Header{"MayBeABlock", 4027, 60000, false},
+                                         Header{"MayBeANewerRevision", 4007 + (7 << 13), 60000,
+                                                false}),
+                         [](const auto& instance) { return instance.param.name; });
+
+// There is nothing after it that it could hold back.
+TEST_F(Live, BlockMayComeInPiecesWithPauses)
+{
+    const std::string log = testData("data/samples/random.tqx");
+    const std::string blocks = log.substr(0, 3000);
+    start({"cut", "--live", "--pause", "0.01", "-"});
+    for (size_t at = 0; at < blocks.size(); at += 300) {
+        send(blocks.substr(at, 300));
+        QThread::msleep(30);
+    }
+    process.closeWriteChannel();
+    ASSERT_TRUE(process.waitForFinished(patience));
+    EXPECT_EQ(process.readAllStandardOutput().toStdString(), runTool({"cut", "-"}, blocks).output);
+}

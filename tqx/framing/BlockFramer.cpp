@@ -1,6 +1,5 @@
 #include "tqx/framing/BlockFramer.h"
 
-#include "korcg_crc.h"
 #include "korcg_load.h"
 #include "tqx/framing/SyncSearch.h"
 
@@ -8,17 +7,6 @@
 
 namespace tqx
 {
-
-namespace
-{
-
-constexpr size_t kHeaderSize = 8; // up to and with the length; also the least valid length
-constexpr size_t kChecksumAt = 2;
-constexpr size_t kCheckedFrom = 4;
-constexpr size_t kLengthAt = 6;
-constexpr size_t kSyncSize = 2;
-
-} // namespace
 
 BlockFramer::Listener::~Listener() = default;
 
@@ -77,6 +65,27 @@ void BlockFramer::takeBlock()
     search();
 }
 
+BlockFramer::Candidate BlockFramer::waiting() const
+{
+    if (hasBlock() || available() < BlockHeader::kSize) {
+        return {nullptr, 0, 0, offset_};
+    }
+    return {head(), available(), korcg_load_u16(head() + BlockHeader::kLengthAt), offset_};
+}
+
+bool BlockFramer::passWaiting()
+{
+    const Candidate candidate = waiting();
+    if (candidate.data == nullptr ||
+        !inner_.find(candidate.data + BlockHeader::kSyncSize,
+                     candidate.size - BlockHeader::kSyncSize, offset_ + BlockHeader::kSyncSize)) {
+        return false;
+    }
+    drop(BlockHeader::kSyncSize);
+    search();
+    return true;
+}
+
 size_t BlockFramer::bytesLeft() const
 {
     return available() + static_cast<size_t>(unreported_);
@@ -95,13 +104,13 @@ void BlockFramer::search()
 bool BlockFramer::decideCandidate()
 {
     drop(findSync(head(), available()));
-    if (available() < kHeaderSize) {
+    if (available() < BlockHeader::kSize) {
         return giveUpCandidate();
     }
-    const size_t length = korcg_load_u16(head() + kLengthAt);
+    const size_t length = korcg_load_u16(head() + BlockHeader::kLengthAt);
     const uint64_t candidate = offset_;
-    if (length < kHeaderSize) {
-        drop(kSyncSize);
+    if (length < BlockHeader::kSize) {
+        drop(BlockHeader::kSyncSize);
         if (listener_ != nullptr) {
             listener_->onInvalidLength(candidate);
         }
@@ -110,11 +119,11 @@ bool BlockFramer::decideCandidate()
     if (available() < length) {
         return giveUpCandidate();
     }
-    if (isIntact(length)) {
+    if (checksum_.isIntact(head(), length, offset_)) {
         blockSize_ = length;
         return false;
     }
-    drop(kSyncSize);
+    drop(BlockHeader::kSyncSize);
     if (listener_ != nullptr) {
         listener_->onChecksumFailed(candidate);
     }
@@ -126,35 +135,8 @@ bool BlockFramer::giveUpCandidate()
     if (!ended_ || available() == 0) {
         return false;
     }
-    drop(std::min(kSyncSize, available()));
+    drop(std::min(BlockHeader::kSyncSize, available()));
     return true;
-}
-
-bool BlockFramer::isIntact(size_t length)
-{
-    const uint8_t* checked = head() + kCheckedFrom;
-    const size_t size = length - kCheckedFrom;
-    const uint16_t expected = korcg_load_u16(head() + kChecksumAt);
-    if (!mayBeSummedInVain(size)) {
-        return prefixes_.of(checked, offset_ + kCheckedFrom, size) == expected;
-    }
-    if (korcg_crc16_bytes(checked, size) == expected) {
-        return true;
-    }
-    summedInVain_ += size;
-    return false;
-}
-
-// Summing in vain is allowed for twice the bytes of the stream so far, but not saved up over long
-// sound stretches.
-bool BlockFramer::mayBeSummedInVain(size_t size)
-{
-    constexpr uint64_t kMostSaved = 4 * PrefixChecksums::kLongest;
-    const uint64_t limit = 2 * offset_;
-    if (limit > summedInVain_ + kMostSaved) {
-        summedInVain_ = limit - kMostSaved;
-    }
-    return summedInVain_ + size <= limit;
 }
 
 void BlockFramer::reportDropped()

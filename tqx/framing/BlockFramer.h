@@ -1,6 +1,7 @@
 #pragma once
 
-#include "tqx/framing/PrefixChecksums.h"
+#include "tqx/framing/CandidateChecksum.h"
+#include "tqx/framing/InnerBlockSearch.h"
 #include "tqx_framing_export.h"
 
 #include <cstddef>
@@ -29,6 +30,12 @@ namespace tqx
 /// The work is linear in the bytes appended, whatever they are and however they are cut. Memory
 /// stays within a small multiple of one block (65,535 bytes) plus one piece, as long as the blocks
 /// are taken before the next piece is appended.
+///
+/// A false header costs time on a live stream: what is intact after it comes out only once as many
+/// bytes as it claims have come, up to 65,535. A caller that knows more than the bytes say, such as
+/// that nothing has come for a while or that no type has the number, may ask for a decision
+/// earlier, see waiting() and passWaiting(). What comes out then depends on when it asks. The
+/// framer never does so by itself, and files should be read without.
 ///
 /// Not thread safe. Listeners may call back into the framer.
 class TQX_FRAMING_API BlockFramer
@@ -65,6 +72,15 @@ public:
         uint64_t offset;     ///< where it stands in the stream
     };
 
+    /// A candidate with a whole header that waits for the rest of the bytes that it claims. Its
+    /// bytes belong to the framer and stay valid until the next call that is not const.
+    struct Candidate {
+        const uint8_t* data; ///< null when none waits
+        size_t size;         ///< of what is at hand of it, at least 8
+        size_t length;       ///< that it claims, more than `size`
+        uint64_t offset;     ///< where it is in the stream
+    };
+
     /// `listener` is not owned, must outlive the framer and may be null.
     explicit BlockFramer(Listener* listener = nullptr);
     BlockFramer(const BlockFramer&) = delete;
@@ -88,6 +104,21 @@ public:
     /// Removes the block at hand, if any, and looks for the next one.
     void takeBlock();
 
+    /// The candidate that keeps the framer from going on. Not for listeners.
+    Candidate waiting() const;
+
+    /// For live streams: the caller doubts the candidate that waits. If a whole block with the
+    /// right checksum begins within the bytes at hand after its sync, the candidate is given up as
+    /// at the end of input and the search goes on; else nothing happens, as nothing is held back.
+    /// Returns whether it was given up: then there is a block, or another candidate waits. The
+    /// price is an intact block that is still on its way and has a whole block in its body.
+    ///
+    ///     while (!framer.hasBlock() && isDoubtful(framer.waiting()) && framer.passWaiting()) {
+    ///     }
+    ///
+    /// Asking after every piece is linear in the bytes appended, too.
+    bool passWaiting();
+
     /// Bytes appended that are neither taken nor reported as dropped.
     size_t bytesLeft() const;
 
@@ -98,14 +129,12 @@ private:
     void search();
     bool decideCandidate();
     bool giveUpCandidate();
-    bool isIntact(size_t length);
     void drop(size_t count)
     {
         head_ += count;
         offset_ += count;
         unreported_ += count;
     }
-    bool mayBeSummedInVain(size_t size);
     size_t droppedInBuffer() const { return static_cast<size_t>(unreported_) - handedOver_; }
     void reportDropped();
     void store(const uint8_t* bytes, size_t size);
@@ -118,11 +147,8 @@ private:
     uint64_t unreported_ = 0; ///< dropped bytes before head_ that the listener has not heard of
     size_t handedOver_ = 0;   ///< those of them that never came into the buffer
     bool ended_ = false;
-
-    /// Bytes summed for candidates that turned out false. Past a limit that grows with the stream,
-    /// stretches are summed by prefixes_ instead, so that the work stays linear.
-    uint64_t summedInVain_ = 0;
-    PrefixChecksums prefixes_;
+    CandidateChecksum checksum_;
+    InnerBlockSearch inner_; ///< of passWaiting()
 };
 
 } // namespace tqx

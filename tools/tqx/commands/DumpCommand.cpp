@@ -140,13 +140,14 @@ ExitStatus DumpCommand::run()
         return dumpCsv(streams, filter, {raw, csvSafe}, target);
     Output output(target);
     TQX_FormatInfo::getInstance();
-    ParallelDump dump(output, [&]() -> std::unique_ptr<BlockWriter> {
+    const auto makeWriter = [&]() -> std::unique_ptr<BlockWriter> {
         if (format == "text")
             return std::make_unique<TextWriter>(filter, raw);
         if (raw)
             return std::make_unique<RawJsonWriter>(filter);
         return std::make_unique<ValueJsonWriter>(filter);
-    });
+    };
+    ParallelDump dump(output, makeWriter, streams.isLive() ? 1 : 0);
     return streams.read(dump, dump);
 }
 

@@ -7,6 +7,7 @@
 #include "io/Target.h"
 #include "io/ToolError.h"
 #include "io/Words.h"
+#include "options/Numbers.h"
 #include "tqx/log/read/LineEncoder.h"
 #include "tqx/log/read/LineError.h"
 
@@ -23,13 +24,17 @@ EncodeCommand::EncodeCommand(CLI::App& program)
           "A line that cannot be encoded is reported as FILE:LINE: MESSAGE and skipped; the exit\n"
           "status is then 1. Fields that are left out keep their initial values. Counts follow\n"
           "from arrays and texts, Length and CRC are computed. A packed word may be given by its\n"
-          "named bit ranges.\n")
+          "named bit ranges. Where bytes are given, they are the block; other fields beside them\n"
+          "are reported. Lines of scaled values, without --raw, are reported once and skipped.\n")
 {
     app.add_option("FILE", files, "Files to read, one after the other; - is standard input")
         ->required()
         ->type_name("");
     app.add_flag("-v,--verbose", verbose,
                  "Report every line that cannot be encoded, not only the first ten");
+    addBytes(app, "--max-line", longestLine, "Skip and report longer lines; 64 MiB by default")
+        ->type_name("BYTES")
+        ->default_str("");
     app.add_option("-o,--output", target, "File to write instead of standard output")
         ->type_name("FILE");
 }
@@ -37,34 +42,46 @@ EncodeCommand::EncodeCommand(CLI::App& program)
 ExitStatus EncodeCommand::run()
 {
     refuseSameFile(files, target);
+    if (target != "-")
+        refuseUnreadable(files);
     refuseTerminal(target);
     Output output(target);
     LineEncoder encoder;
     Progress progress(files, true);
     bool complete = true;
-    words::Limit limit(verbose);
+    Reports reports = {words::Limit(verbose), words::Limit(verbose), false};
     for (const std::string& path : files) {
         try {
-            complete = encodeFile(path, encoder, progress, output, limit) && complete;
+            complete = encodeFile(path, encoder, progress, output, reports) && complete;
         } catch (const SourceError& error) {
             words::say(error.what());
             complete = false;
         }
     }
     output.flush();
-    if (limit.getOthers() != 0)
+    if (reports.errors.getOthers() != 0)
         words::say(fmt::format("{} more lines cannot be encoded (-v reports them all)",
-                               limit.getOthers()));
+                               reports.errors.getOthers()));
+    if (reports.differences.getOthers() != 0)
+        words::say(fmt::format("{} more lines differ from the bytes beside them",
+                               reports.differences.getOthers()));
     return complete ? ExitStatus::Done : ExitStatus::Failed;
 }
 
 bool EncodeCommand::encodeFile(const std::string& path, LineEncoder& encoder, Progress& progress,
-                               Output& output, words::Limit& limit)
+                               Output& output, Reports& reports)
 {
-    LineReader reader(path, progress, [&output] { output.flush(); });
+    LineReader reader(path, longestLine, progress, [&output] { output.flush(); });
     bool complete = true;
     std::string line;
     for (size_t number = 1; reader.next(line); ++number) {
+        if (reader.isTooLong()) {
+            if (reports.errors.admits())
+                words::sayLine(path, number,
+                               fmt::format("longer than {} bytes (see --max-line)", longestLine));
+            complete = false;
+            continue;
+        }
         if (line.find_first_not_of(" \t") == std::string::npos)
             continue;
         if (interrupt::hasCome())
@@ -73,8 +90,15 @@ bool EncodeCommand::encodeFile(const std::string& path, LineEncoder& encoder, Pr
             const std::vector<uint8_t>& block = encoder.encode(line);
             output.getBuffer().append(reinterpret_cast<const char*>(block.data()), block.size());
             output.commit();
+            if (!encoder.getWarning().empty() && reports.differences.admits())
+                words::sayLine(path, number, encoder.getWarning());
+        } catch (const ScaledLineError& error) {
+            if (!reports.hasSaidScaled)
+                words::sayLine(path, number, error.what());
+            reports.hasSaidScaled = true;
+            complete = false;
         } catch (const LineError& error) {
-            if (limit.admits())
+            if (reports.errors.admits())
                 words::sayLine(path, number, error.what());
             complete = false;
         }

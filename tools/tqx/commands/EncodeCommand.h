@@ -22,11 +22,19 @@ public:
     ExitStatus run() override;
 
 private:
+    /// What has been said about lines so far.
+    struct Reports {
+        words::Limit errors;
+        words::Limit differences; ///< from the bytes beside the fields
+        bool hasSaidScaled;
+    };
+
     bool encodeFile(const std::string& path, LineEncoder& encoder, Progress& progress,
-                    Output& output, words::Limit& limit);
+                    Output& output, Reports& reports);
 
     std::vector<std::string> files;
     std::string target = "-";
+    uint64_t longestLine = uint64_t{64} << 20U;
     bool verbose = false;
 };
 

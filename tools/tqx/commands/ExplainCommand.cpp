@@ -40,14 +40,17 @@ std::pair<std::string, uint64_t> split(const std::string& place)
 } // namespace
 
 ExplainCommand::ExplainCommand(CLI::App& program)
-    : Command(program, "explain", "Show a block byte by byte",
-              "  tqx explain log.tqx@404\n"
-              "  tqx explain log.tqx@0x194 log.tqx@1784\n"
-              "  tqx simulate | tqx explain -@404\n"
-              "\n"
-              "A row a value: where it stands in the file and in the block, its bytes, its name,\n"
-              "the stored value and what that stands for. Below, what is wrong with the block.\n"
-              "info, dump and the reports of damage name the offsets of blocks.\n")
+    : Command(
+          program, "explain", "Show a block byte by byte",
+          "  tqx explain log.tqx@404\n"
+          "  tqx explain log.tqx@0x194 log.tqx@1784\n"
+          "  tqx simulate | tqx explain -@404\n"
+          "\n"
+          "A row a value: where it stands in the file and in the block, its bytes, its name,\n"
+          "the stored value and what that stands for. Below, what is wrong with the block.\n"
+          "info, dump and the reports of damage name the offsets of blocks. Where damage begins\n"
+          "without a header, the one that it is about is looked for before the next sound block,\n"
+          "which may be up to 1 MiB away.\n")
 {
     app.add_option("FILE@OFFSET", places,
                    "Where the block begins, in decimal or with 0x in hexadecimal")
@@ -61,7 +64,7 @@ void ExplainCommand::explain(Output& output, const std::string& place)
     const auto [path, offset] = split(place);
     Input input(path);
     const BlockLocation location = locateBlock(input, offset);
-    if (!location.hasSync())
+    if (!location.hasSync() && location.around)
         throw SourceError(
             fmt::format("{}: {}: {}", location.file, offset, describeNoBlock(location)));
     if (shown)

@@ -1,7 +1,6 @@
 #include "commands/InfoCommand.h"
 
 #include "io/Output.h"
-#include "io/Words.h"
 #include "output/SummaryText.h"
 #include "tqx/log/summary/StreamSummary.h"
 
@@ -27,8 +26,6 @@ public:
     {
         if (stream.hasFailed() && stream.getCounts().bytes == 0)
             return;
-        if (stream.getCounts().blocks == 0 && stream.getCounts().bytes != 0 && !stream.isQuiet())
-            words::say(headOf(stream.getNames()) + ": holds no TQX blocks");
         if (json)
             appendSummaryJson(out, stream, summary);
         else
@@ -44,16 +41,20 @@ private:
 } // namespace
 
 InfoCommand::InfoCommand(CLI::App& program)
-    : Command(
-          program, "info", "Show what a stream holds: types, times, rates, damage",
-          "  tqx info log.tqx\n"
-          "  tqx info day1.tqx day2.tqx\n"
-          "  tqx info --json *.tqx | jq .crcErrors\n"
-          "\n"
-          "Several files are summed up as one stream. The text shows the first ten places of\n"
-          "damage, JSON the first thousand. A gap is an interval of at least one and a half\n"
-          "times the one at which a type usually comes. NMEA sentences, RTCM 3 frames and text\n"
-          "between the blocks are counted apart and are no damage.\n")
+    : Command(program, "info", "Show what a stream holds: types, times, rates, damage",
+              "  tqx info log.tqx\n"
+              "  tqx info day1.tqx day2.tqx\n"
+              "  tqx info --json *.tqx | jq .crcErrors\n"
+              "\n"
+              "Several files are summed up as one stream. The text shows the first ten places of\n"
+              "damage, JSON the first thousand, likewise of blocks that do not decode or have an\n"
+              "unknown number. A gap is an interval of at least one and a half times the one at\n"
+              "which a type usually comes, an outage is one in which blocks of no type come; JSON\n"
+              "lists the first 100,000 of each with their starts. First and last are the earliest\n"
+              "and the latest time. Time runs back where a block is earlier than the one of its\n"
+              "type before it; an epoch is repeated when blocks of a type come with a time that\n"
+              "blocks of that type had before. NMEA sentences, RTCM 3 frames and text between the\n"
+              "blocks are counted apart and are no damage.\n")
 {
     streams.addInputs(app);
     streams.addSelection(app);

@@ -6,7 +6,7 @@ namespace tqx::tool
 /// Exit status of the program.
 enum class ExitStatus : int {
     Done = 0,    ///< did what was asked
-    Failed = 1,  ///< could not do it: bad argument, unreadable file, bad input line
+    Failed = 1,  ///< could not do it: bad argument, unreadable file, no block, bad input line
     Damaged = 2, ///< did it, but under --strict the stream turned out to be damaged
 };
 

@@ -44,10 +44,10 @@ size_t Input::read(uint8_t* bytes, size_t capacity)
     return 0;
 }
 
-bool Input::isReady(int patience) const
+bool Input::isReady(std::chrono::milliseconds patience)
 {
     pollfd wanted = {descriptor, POLLIN, 0};
-    return ::poll(&wanted, 1, patience) != 0;
+    return ::poll(&wanted, 1, static_cast<int>(patience.count())) != 0;
 }
 
 uint64_t Input::skip(uint64_t count)

@@ -24,8 +24,7 @@ public:
     /// than what a pipe holds. Throws SourceError.
     size_t read(uint8_t* bytes, size_t capacity) override;
 
-    /// Whether a read need not wait longer than `patience` milliseconds.
-    bool isReady(int patience) const;
+    bool isReady(std::chrono::milliseconds patience) override;
 
     uint64_t skip(uint64_t count) override;
 

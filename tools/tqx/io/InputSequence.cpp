@@ -61,12 +61,32 @@ size_t InputSequence::readInput(uint8_t* bytes, size_t capacity)
 /// What has come is handed on when nothing follows at once, and in a steady stream now and then.
 void InputSequence::handOn()
 {
-    constexpr int patience = 20; // milliseconds
+    constexpr std::chrono::milliseconds patience(20);
     constexpr std::chrono::milliseconds longest(100);
     if (!beforeRead || (input && input->isReady(patience) && Clock::now() - handedOn < longest))
         return;
     beforeRead();
     handedOn = Clock::now();
+}
+
+bool InputSequence::isReady(std::chrono::milliseconds patience)
+{
+    handOn();
+    return !input || input->isReady(patience);
+}
+
+void InputSequence::keepHead(const uint8_t* bytes, size_t count)
+{
+    constexpr size_t mostInputs = 10;
+    constexpr size_t mostBytes = 4096;
+    if (!hasHead) {
+        if (heads.size() == mostInputs)
+            return;
+        heads.push_back({input->getName(), {}});
+        hasHead = true;
+    }
+    std::vector<uint8_t>& head = heads.back().bytes;
+    head.insert(head.end(), bytes, bytes + std::min(count, mostBytes - head.size()));
 }
 
 size_t InputSequence::read(uint8_t* bytes, size_t capacity)
@@ -83,9 +103,11 @@ size_t InputSequence::read(uint8_t* bytes, size_t capacity)
         if (count != 0) {
             size += count;
             progress->add(count);
+            keepHead(bytes, count);
             return count;
         }
         input.reset();
+        hasHead = false;
     }
 }
 

@@ -25,6 +25,9 @@ public:
 
     size_t read(uint8_t* bytes, size_t capacity) override;
 
+    /// Has what came so far handed on before it waits.
+    bool isReady(std::chrono::milliseconds patience) override;
+
     /// Offsets must not go down by more than one block from call to call.
     Place placeOf(uint64_t offset) const override;
 
@@ -36,6 +39,15 @@ public:
 
     /// Names of the inputs that could be opened so far.
     const std::vector<std::string>& getNames() const { return names; }
+
+    /// The first bytes of an input.
+    struct Head {
+        std::string name;
+        std::vector<uint8_t> bytes; ///< up to 4,096
+    };
+
+    /// Those of the first ten inputs that have any.
+    const std::vector<Head>& getHeads() const { return heads; }
 
     /// Whether an input could not be opened or read.
     bool hasFailed() const { return failed; }
@@ -51,6 +63,7 @@ private:
 
     bool openNext();
     void handOn();
+    void keepHead(const uint8_t* bytes, size_t count);
     size_t readInput(uint8_t* bytes, size_t capacity);
 
     std::vector<std::string> paths;
@@ -58,6 +71,8 @@ private:
     std::optional<Input> input;
     std::optional<Progress> progress; ///< until the last input has ended
     std::vector<std::string> names;
+    std::vector<Head> heads;
+    bool hasHead = false;   ///< whether the last of them is of the input at hand
     std::deque<Part> parts; ///< all that could be opened
     uint64_t size = 0;      ///< bytes read so far
     std::function<void()> beforeRead;

@@ -13,8 +13,10 @@ constexpr size_t pieceSize = 1 << 18;
 
 } // namespace
 
-LineReader::LineReader(const std::string& path, Progress& shown, std::function<void()> action)
-    : input(path), progress(shown), beforeRead(std::move(action)), piece(pieceSize)
+LineReader::LineReader(const std::string& path, uint64_t longestLine, Progress& shown,
+                       std::function<void()> action)
+    : input(path), longest(longestLine), progress(shown), beforeRead(std::move(action)),
+      piece(pieceSize)
 {
     progress.setName(input.getName());
 }
@@ -31,13 +33,19 @@ bool LineReader::readOn()
 bool LineReader::next(std::string& line)
 {
     line.clear();
+    tooLong = false;
     for (;;) {
         if (position == filled && !readOn())
-            return !line.empty();
+            return !line.empty() || tooLong;
         const uint8_t* begin = piece.data() + position;
         const uint8_t* end = piece.data() + filled;
         const uint8_t* stop = std::find(begin, end, uint8_t{'\n'});
-        line.append(begin, stop);
+        if (tooLong || static_cast<uint64_t>(stop - begin) > longest - line.size()) {
+            tooLong = true;
+            line.clear();
+        } else {
+            line.append(begin, stop);
+        }
         position += static_cast<size_t>(stop - begin);
         if (stop == end)
             continue;

@@ -16,20 +16,27 @@ class LineReader
 public:
     /// Throws SourceError when the input cannot be opened. `progress` is told what is
     /// read, `beforeRead` is called each time before more of the input is.
-    LineReader(const std::string& path, Progress& progress, std::function<void()> beforeRead);
+    /// Of lines longer than `longest` bytes nothing is kept.
+    LineReader(const std::string& path, uint64_t longest, Progress& progress,
+               std::function<void()> beforeRead);
 
     /// Gets the next line without its end; false at the end of the input. Throws SourceError.
     bool next(std::string& line);
+
+    /// Whether the last line was too long; it is empty then.
+    bool isTooLong() const { return tooLong; }
 
 private:
     bool readOn();
 
     Input input;
+    uint64_t longest;
     Progress& progress;
     std::function<void()> beforeRead;
     std::vector<uint8_t> piece;
     size_t position = 0;
     size_t filled = 0;
+    bool tooLong = false;
 };
 
 } // namespace tqx::tool

@@ -1,7 +1,10 @@
 #include "io/Target.h"
 
+#include "io/Input.h"
 #include "io/ToolError.h"
 
+#include <cerrno>
+#include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -31,6 +34,21 @@ void refuseSameFile(const std::vector<std::string>& inputs, const std::string& t
             input.st_ino == output.st_ino)
             throw ToolError((target == "-" ? "standard output" : target) +
                             " is an input, it cannot be the output as well");
+    }
+}
+
+void refuseUnreadable(const std::vector<std::string>& inputs)
+{
+    for (const std::string& path : inputs) {
+        if (path == "-")
+            continue;
+        struct stat status = {};
+        if (::stat(path.c_str(), &status) != 0 || ::access(path.c_str(), R_OK) != 0)
+            throw SourceError(path + ": " + std::strerror(errno));
+        if (S_ISDIR(status.st_mode))
+            throw SourceError(path + ": " + std::strerror(EISDIR));
+        if (S_ISREG(status.st_mode))
+            const Input opened(path);
     }
 }
 

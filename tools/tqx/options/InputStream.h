@@ -35,9 +35,6 @@ public:
     /// Reports the number of damaged places that were not named, if there are any.
     void sumUpDamage();
 
-    /// Whether words about damage are unwanted.
-    bool isQuiet() const { return quiet; }
-
 private:
     void onGap(const StreamGap& gap) override;
     void onNeighbour(const std::string& file, const Neighbour& neighbour) override;

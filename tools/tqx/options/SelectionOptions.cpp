@@ -46,7 +46,13 @@ const char* const SelectionOptions::notes =
     "  --where 'PVTMode == \"RTK fixed\" or not has Height'\n"
     "  --where 'SVID == \"G05\"'              # in any of the sub-blocks\n"
     "\n"
-    "Several files are one stream: a block may begin in one and end in the next.\n";
+    "Several files are one stream: a block may begin in one and end in the next.\n"
+    "\n"
+    "A false header may claim 65,535 bytes, and what is intact in them is not looked at until "
+    "they\n"
+    "have come. Under --live such a header is passed over, where whole blocks follow it, once its\n"
+    "number or length fits no type or nothing has come for --pause seconds. A block on its way\n"
+    "that has a whole block in its body may be lost to that, so that files are read without.\n";
 
 void SelectionOptions::addTypes(CLI::App& command)
 {

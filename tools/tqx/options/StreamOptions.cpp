@@ -3,10 +3,13 @@
 #include "io/Sink.h"
 #include "io/Target.h"
 #include "io/Words.h"
+#include "options/Numbers.h"
 #include "tqx/log/record/TypeNames.h"
+#include "tqx/log/source/ContentGuess.h"
 
 #include <fmt/format.h>
 
+#include <cmath>
 #include <filesystem>
 #include <system_error>
 
@@ -23,6 +26,13 @@ void StreamOptions::addInputs(CLI::App& command)
     command.add_flag("--strict", strict, "Exit with status 2 when an input is damaged");
     command.add_flag("-q,--quiet", quiet,
                      "Show no progress and do not report damage on standard error");
+    CLI::Option* receiver = command.add_flag(
+        "--live", live,
+        "Input is a receiver while it sends: false headers hold back no intact blocks");
+    addReal(command, "--pause", pause, 0.001, 3600, "seconds",
+            "With --live, the pause after which to doubt a header")
+        ->needs(receiver)
+        ->type_name("SECONDS");
 }
 
 void StreamOptions::addDamageReport(CLI::App& command)
@@ -42,6 +52,8 @@ void StreamOptions::checkBefore(const std::string& target)
 {
     getSelection();
     refuseSameFile(files, target);
+    if (target != "-")
+        refuseUnreadable(files);
 }
 
 void StreamOptions::checkBeforeFolder(const std::string& folder)
@@ -60,6 +72,8 @@ ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
 {
     Selection& chosen = getSelection();
     InputStream stream(files, quiet, verbose);
+    if (live)
+        stream.setLive(std::chrono::milliseconds(std::llround(pause * 1000)));
     stream.setBeforeRead([&output] { output.handOn(); });
     consumer.begin(stream);
     Block block = {};
@@ -74,8 +88,27 @@ ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
     consumer.end(stream);
     output.flush();
     const bool damaged = strict && stream.getCounts().isDamaged();
-    return worse(stream.hasFailed() ? ExitStatus::Failed : ExitStatus::Done,
-                 damaged ? ExitStatus::Damaged : ExitStatus::Done);
+    const ExitStatus status = worse(stream.hasFailed() ? ExitStatus::Failed : ExitStatus::Done,
+                                    damaged ? ExitStatus::Damaged : ExitStatus::Done);
+    return worse(status, reportNoBlocks(stream));
+}
+
+/// Says what inputs without blocks seem to be.
+ExitStatus StreamOptions::reportNoBlocks(const InputStream& stream) const
+{
+    ExitStatus status = ExitStatus::Done;
+    if (stream.getCounts().blocks != 0 || stream.isInterrupted())
+        return status;
+    for (const InputSequence::Head& head : stream.getHeads()) {
+        const Content content = guessContent(head.bytes.data(), head.bytes.size());
+        const bool isFailure = !isReceiverOutput(content);
+        if (isFailure || !quiet)
+            words::say(fmt::format("{}: holds no TQX blocks, it seems to be {}", head.name,
+                                   describeContent(content)));
+        if (isFailure)
+            status = ExitStatus::Failed;
+    }
+    return status;
 }
 
 } // namespace tqx::tool

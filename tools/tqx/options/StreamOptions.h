@@ -35,7 +35,7 @@ public:
 class StreamOptions
 {
 public:
-    /// Adds FILE..., --strict and --quiet.
+    /// Adds FILE..., --strict, --quiet, --live and --pause.
     void addInputs(CLI::App& command);
 
     /// Adds --verbose, for commands that report damage on standard error. After addInputs().
@@ -51,11 +51,15 @@ public:
     /// Adds only those of them that do not choose by type.
     void addConditions(CLI::App& command) { selections.addConditions(command); }
 
+    /// Whether the input is read as a receiver that sends: by one thread.
+    bool isLive() const { return live; }
+
     /// The selection that they ask for. Throws ToolError for bad arguments.
     Selection& getSelection();
 
-    /// What must be known before `target` is written: throws ToolError for bad arguments, and when
-    /// it is one of the inputs.
+    /// What must be known before `target` is written: throws DataError for bad arguments, when it
+    /// is one of the inputs, and when an input cannot be opened while `target` is no standard
+    /// output: a file that exists must not be emptied for a name that is mistyped.
     void checkBefore(const std::string& target);
 
     /// The same before a table for each type is written into a folder: throws ToolError when one of
@@ -63,17 +67,22 @@ public:
     void checkBeforeFolder(const std::string& folder);
 
     /// Hands the selected blocks of the inputs, as one stream, to `consumer`. An input that cannot
-    /// be read is reported and left out. Returns Failed if there was such a one, else, under
-    /// --strict, Damaged if the stream was. Throws ToolError for bad arguments and when the output
+    /// be read is reported and left out. Returns Failed if there was such a one or bytes but no
+    /// block at all, unless the receiver sent other messages only; else, under --strict, Damaged if
+    /// the stream was. Throws ToolError for bad arguments and when the output
     /// cannot be written, ClosedPipe when nobody reads it.
     ExitStatus read(BlockConsumer& consumer, Sink& output);
 
 private:
+    ExitStatus reportNoBlocks(const InputStream& stream) const;
+
     std::vector<std::string> files;
     SelectionOptions selections;
     std::optional<Selection> selection;
     bool strict = false;
     bool quiet = false;
+    bool live = false;
+    double pause = 1; ///< seconds
     bool verbose = false;
 };
 

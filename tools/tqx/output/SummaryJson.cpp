@@ -24,18 +24,33 @@ Json timeOf(GnssMillis time)
             {"date", dateText(time)}};
 }
 
-void addIntervals(Json& object, const Intervals& intervals)
+/// The first gaps one by one under `name`, and how many there are under "<name>Count".
+void addGaps(Json& object, const std::string& name, const Intervals& intervals, uint64_t usual)
 {
-    const std::optional<uint64_t> usual = intervals.getUsual();
-    if (!usual)
-        return;
-    object["interval"] = secondsOf(*usual);
-    object["gaps"] = Json::array();
-    for (const Intervals::Gap& gap : intervals.getGaps())
-        object["gaps"].push_back({{"seconds", secondsOf(gap.millis)},
-                                  {"missing", gap.missing},
-                                  {"times", gap.times},
-                                  {"after", timeOf(gap.after)}});
+    object[name + "Count"] = intervals.getGapCount(usual);
+    Json& list = object[name] = Json::array();
+    for (const Intervals::Gap& gap : intervals.getGaps(usual, mostListed))
+        list.push_back({{"seconds", secondsOf(gap.millis)},
+                        {"missing", gap.missing},
+                        {"after", timeOf(gap.after)}});
+}
+
+Json placeOf(const BlockPlace& place)
+{
+    Json object = {{"file", place.file}, {"offset", place.offset}, {"number", place.number}};
+    if (place.code != 0) {
+        object["code"] = place.code;
+        object["name"] = TQX_errorName(place.code);
+    }
+    return object;
+}
+
+Json placesOf(const std::vector<BlockPlace>& places)
+{
+    Json list = Json::array();
+    for (const BlockPlace& place : places)
+        list.push_back(placeOf(place));
+    return list;
 }
 
 Json typeOf(uint16_t number, const TypeSummary& type)
@@ -49,7 +64,10 @@ Json typeOf(uint16_t number, const TypeSummary& type)
             object["revisions"].push_back(revision);
     object["blocks"] = type.blocks;
     object["bytes"] = type.bytes;
-    addIntervals(object, type.intervals);
+    if (const std::optional<uint64_t> usual = type.intervals.getUsual()) {
+        object["interval"] = secondsOf(*usual);
+        addGaps(object, "gaps", type.intervals, *usual);
+    }
     for (const auto& [code, failure] : type.failures)
         object["undecodable"].push_back({{"code", code},
                                          {"name", TQX_errorName(code)},
@@ -96,6 +114,10 @@ void appendSummaryJson(Buffer& out, const InputStream& stream, const StreamSumma
     if (summary.getFirst()) {
         object["first"] = timeOf(*summary.getFirst());
         object["last"] = timeOf(*summary.getLast());
+        object["stepsBack"] = summary.getStepsBack();
+        if (summary.getStepsBack() != 0)
+            object["firstStepBack"] = placeOf(summary.getFirstStepBack());
+        object["repeatedEpochs"] = summary.getRepeatedEpochs();
     }
     object["crcErrors"] = counts.crcErrors;
     object["invalidLengths"] = counts.invalidLengths;
@@ -109,6 +131,10 @@ void appendSummaryJson(Buffer& out, const InputStream& stream, const StreamSumma
         blocks += type->blocks;
     }
     object["blocks"] = blocks;
+    if (const std::optional<uint64_t> usual = summary.getUsualInterval())
+        addGaps(object, "outages", summary.getIntervals(), *usual);
+    object["undecodableBlocks"] = placesOf(summary.getUndecodablePlaces());
+    object["unknownBlocks"] = placesOf(summary.getUnknownPlaces());
     object["neighbours"] = neighboursOf(counts, summary.getNeighbours());
     object["damagedPlaces"] = summary.getDamagedPlaces();
     object["damage"] = Json::array();
@@ -119,7 +145,7 @@ void appendSummaryJson(Buffer& out, const InputStream& stream, const StreamSumma
                                     {"crcErrors", gap.crcErrors},
                                     {"invalidLengths", gap.invalidLengths}});
     // Names of files may be no UTF-8.
-    out.append(object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n");
+    out.append(object.dump(-1, ' ', true, Json::error_handler_t::replace) + "\n");
 }
 
 } // namespace tqx::tool

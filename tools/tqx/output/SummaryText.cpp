@@ -72,6 +72,7 @@ public:
         appendTable();
         appendNeighbourTable(out, summary.getNeighbours(), stream.getCounts().bytes);
         appendGaps();
+        appendOutages();
         appendDamage();
         appendFailures();
     }
@@ -84,6 +85,7 @@ private:
     void appendTotals();
     void appendTable();
     void appendGaps();
+    void appendOutages();
     void appendDamage();
     void appendFailures();
     void appendMore(uint64_t all)
@@ -118,9 +120,16 @@ void SummaryText::appendTotals()
         const GnssMillis last = *summary.getLast();
         line("first", timeText(first));
         line("last", timeText(last));
-        if (last >= first)
-            line("duration", durationText(last - first));
+        line("duration", durationText(last - first));
     }
+    if (const uint64_t times = summary.getStepsBack(); times != 0) {
+        const BlockPlace& place = summary.getFirstStepBack();
+        line("time runs back",
+             fmt::format("{} {}, first at {}", times, times == 1 ? "time" : "times",
+                         placeOf(place.file, place.offset)));
+    }
+    if (summary.getRepeatedEpochs() != 0)
+        line("repeated epochs", std::to_string(summary.getRepeatedEpochs()));
     line("CRC errors", std::to_string(counts.crcErrors));
     line("invalid lengths", std::to_string(counts.invalidLengths));
     std::string dropped = std::to_string(counts.droppedBytes);
@@ -140,9 +149,8 @@ void SummaryText::appendTable()
                            "type", nameWidth, "blocks", "bytes", "share", "gaps"));
     const auto bytes = static_cast<double>(stream.getCounts().bytes);
     for (const auto& [number, type] : types) {
-        uint64_t gaps = 0;
-        for (const Intervals::Gap& gap : type->intervals.getGaps())
-            gaps += gap.times;
+        const std::optional<uint64_t> usual = type->intervals.getUsual();
+        const uint64_t gaps = usual ? type->intervals.getGapCount(*usual) : 0;
         out.append(fmt::format(
             "  {:>6}  {:<{}}  {:<9}  {:>10}  {:>12}  {:>5.1f} %  {:>5}  {}\n", number,
             nameOf(number), nameWidth, revisionsText(type->revisions), type->blocks, type->bytes,
@@ -154,20 +162,43 @@ void SummaryText::appendGaps()
 {
     size_t found = 0;
     for (const auto& [number, type] : types) {
-        for (const Intervals::Gap& gap : type->intervals.getGaps()) {
+        const std::optional<uint64_t> usual = type->intervals.getUsual();
+        if (!usual)
+            continue;
+        for (const auto& [gap, times] : type->intervals.getGapsByLength(*usual)) {
             if (++found == 1)
                 out.append("\n  gaps\n");
             if (found > mostPlaces)
                 continue;
-            const bool isOnce = gap.times == 1;
+            const bool isOnce = times == 1;
             out.append(fmt::format(
                 "  {:>6}  {:<{}}  {}{} after {}, {} {} missing{}\n", number, nameOf(number),
-                nameWidth, isOnce ? "" : fmt::format("{} times ", gap.times),
+                nameWidth, isOnce ? "" : fmt::format("{} times ", times),
                 secondsText(gap.millis) + (isOnce ? "" : ", first"), weekText(gap.after),
                 gap.missing, gap.missing == 1 ? "block" : "blocks", isOnce ? "" : " each"));
         }
     }
     appendMore(found);
+}
+
+/// Longest first.
+void SummaryText::appendOutages()
+{
+    const std::optional<uint64_t> usual = summary.getUsualInterval();
+    if (!usual)
+        return;
+    std::vector<Intervals::Gap> outages = summary.getIntervals().getGaps(*usual, mostListed);
+    if (outages.empty())
+        return;
+    const auto isLonger = [](const Intervals::Gap& a, const Intervals::Gap& b) {
+        return a.millis > b.millis;
+    };
+    std::stable_sort(outages.begin(), outages.end(), isLonger);
+    out.append("\n  outages, with blocks of no type\n");
+    for (size_t i = 0; i < std::min(outages.size(), mostPlaces); ++i)
+        out.append(fmt::format("  {:>12} after {}\n", secondsText(outages[i].millis),
+                               timeText(outages[i].after)));
+    appendMore(summary.getIntervals().getGapCount(*usual));
 }
 
 void SummaryText::appendDamage()

@@ -10,6 +10,9 @@
 namespace tqx::tool
 {
 
+/// How many gaps and outages are looked at one by one.
+constexpr size_t mostListed = 100000;
+
 /// The names of the inputs, "3 files, a to c" when they are many.
 std::string headOf(const std::vector<std::string>& names);
 

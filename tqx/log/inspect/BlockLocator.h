@@ -12,6 +12,9 @@ namespace tqx
 
 /// A place in an input, with the blocks around it.
 struct BlockLocation {
+    /// How far after the place a sound block is looked for.
+    static constexpr uint64_t reach = 1 << 20;
+
     /// A sound block near the place.
     struct Neighbour {
         uint64_t offset;
@@ -20,17 +23,22 @@ struct BlockLocation {
     };
 
     std::string file;
-    uint64_t offset;
-    std::vector<uint8_t> bytes;      ///< from the place on, as many as a block can have
+    uint64_t place;             ///< that was asked for
+    uint64_t offset;            ///< the place, or the header in the damage that begins there
+    std::vector<uint8_t> bytes; ///< from the offset on, as many as a block can have
+    uint64_t damage = 0;        ///< bytes from the place on that belong to no block, as far as read
+    bool isCutShort = false;    ///< the input goes on where the search for a sound block ended
     std::optional<Neighbour> around; ///< the sound block that the place lies in, its begin included
     std::optional<Neighbour> following; ///< the first sound block that begins behind the place
 
-    /// Whether a block may begin here: the sync characters do.
+    /// Whether a block may begin at the offset: the sync characters do.
     bool hasSync() const { return bytes.size() >= 2 && bytes[0] == '$' && bytes[1] == '@'; }
 };
 
-/// Reads what is around an offset of a source of which nothing has been read yet. Throws
-/// SourceError when it cannot be read or ends before the offset.
+/// Reads what is around a place of a source of which nothing has been read yet. When no sync is at
+/// the place and it is in no sound block, the offset goes on to a header in the stretch before the
+/// next sound one: the first that a type could have, else the first of all. Throws SourceError when
+/// it cannot be read or ends before the offset.
 BlockLocation locateBlock(ByteSource& source, uint64_t offset);
 
 } // namespace tqx

@@ -30,6 +30,12 @@ std::string describe(const BlockLocation::Neighbour& block)
     return fmt::format("{} at {}", describeBlock(block.number), block.offset);
 }
 
+/// " within 1 MiB" when the search did not go on to the end.
+std::string howFar(const BlockLocation& location)
+{
+    return location.isCutShort ? fmt::format(" within {} MiB", BlockLocation::reach >> 20U) : "";
+}
+
 /// Any main type: the header is the same in all of them.
 const TQX_TypeLayout& anyMainType()
 {
@@ -51,6 +57,8 @@ private:
         PieceText text;
     };
 
+    void noteDamage();
+    void addBytes();
     void checkFrame();
     void walk();
     void addUnknownBody();
@@ -76,9 +84,35 @@ Explainer::Explainer(Buffer& buffer, const BlockLocation& place)
     : out(buffer), location(place), bytes(place.bytes.data()),
       size(static_cast<uint32_t>(place.bytes.size()))
 {
+    noteDamage();
+    if (!location.hasSync())
+        return;
     if (size >= 6)
         type = TQX_layout(TQX_recordType(korcg_load_u16(bytes + 4) & 0x1fffU));
     checkFrame();
+}
+
+/// What the place is that was asked for, when it is not the block's own.
+void Explainer::noteDamage()
+{
+    if (location.offset == location.place && location.hasSync())
+        return;
+    std::string fault =
+        fmt::format("{} {} from {} on to no block", location.damage,
+                    location.damage == 1 ? "byte belongs" : "bytes belong", location.place);
+    if (location.hasSync())
+        fault += fmt::format(", this header at {} is among them", location.offset);
+    else
+        fault += ", no header is among them";
+    faults.push_back(fault);
+}
+
+/// Some of the bytes of damage without header.
+void Explainer::addBytes()
+{
+    constexpr uint64_t most = 64;
+    size = static_cast<uint32_t>(std::min(location.damage, most));
+    addRows({BlockPiece::Kind::Unknown, 0, &anyMainType(), nullptr, 0, 0, size, 0});
 }
 
 void Explainer::checkFrame()
@@ -200,13 +234,15 @@ void Explainer::noteNeighbours()
             "the next sound block is {}{}", describe(*location.following),
             location.following->offset < location.offset + length ? ", within this one" : ""));
     else if (!isSound)
-        faults.emplace_back("no sound block follows");
+        faults.push_back("no sound block follows" + howFar(location));
 }
 
 void Explainer::appendHead()
 {
     out.append(fmt::format("{}, offset {}", printable(location.file), location.offset));
-    if (size >= 6) {
+    if (!location.hasSync()) {
+        out.append(": no block");
+    } else if (size >= 6) {
         const Block block = {bytes, static_cast<uint16_t>(size), location.offset};
         out.append(fmt::format(": {}, revision {}", describeBlock(block.getNumber()),
                                block.getRevision()));
@@ -253,7 +289,10 @@ void Explainer::appendRows()
 
 void Explainer::append()
 {
-    walk();
+    if (location.hasSync())
+        walk();
+    else
+        addBytes();
     noteNeighbours();
     appendHead();
     appendRows();
@@ -276,7 +315,7 @@ std::string describeNoBlock(const BlockLocation& location)
     if (location.following)
         text += "; the next block is " + describe(*location.following);
     else
-        text += "; no block follows";
+        text += "; no block follows" + howFar(location);
     return text;
 }
 

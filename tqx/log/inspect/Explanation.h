@@ -8,10 +8,12 @@ namespace tqx
 
 /// Appends what stands at a place byte by byte: a head line, a row for each value with its place in
 /// the file and in the block, its bytes, its name, the stored number and what that stands for, and
-/// what is wrong with the block if anything is. The place must have sync characters.
+/// what is wrong with the block if anything is. Of damage without a header only the first bytes are
+/// shown. The place must have sync characters or be in no sound block.
 void appendExplanation(Buffer& out, const BlockLocation& location);
 
-/// Why there is nothing to explain at a place without sync characters, and where to look instead.
+/// Why there is nothing to explain at a place inside a sound block without sync characters, and
+/// where to look instead.
 std::string describeNoBlock(const BlockLocation& location);
 
 } // namespace tqx

@@ -1,10 +1,12 @@
 #include "tqx/log/read/LineEncoder.h"
 
+#include "tqx/log/read/BytesCheck.h"
 #include "tqx/log/read/LineError.h"
 #include "tqx/log/read/RecordFiller.h"
 #include "tqx/log/read/StoredValue.h"
 #include "tqx/log/record/TypeNames.h"
 #include "tqx/log/text/Base64.h"
+#include "tqx/log/text/PrintableText.h"
 
 #include <fmt/format.h>
 
@@ -21,10 +23,26 @@ namespace
 
 constexpr size_t largestBlock = std::numeric_limits<uint16_t>::max();
 
+/// Parses a line that is long enough for its values to take much more memory than its text.
+json parseLong(const std::string& line)
+{
+    constexpr size_t mostValues = 1000000;
+    size_t values = 0;
+    return json::parse(line, [&](int, json::parse_event_t, const json&) {
+        if (++values > mostValues)
+            throw LineError(fmt::format("more than {} values", mostValues));
+        return true;
+    });
+}
+
 json parse(const std::string& line)
 {
+    constexpr size_t longest = 1 << 20;
+    // To the parser it would be the end.
+    if (const size_t null = line.find('\0'); null != std::string::npos)
+        throw LineError(fmt::format("no valid JSON at column {}: a null character", null + 1));
     try {
-        return json::parse(line);
+        return line.size() > longest ? parseLong(line) : json::parse(line);
     } catch (const json::parse_error& error) {
         throw LineError(fmt::format("no valid JSON at column {}", error.byte));
     } catch (const json::out_of_range&) {
@@ -52,6 +70,8 @@ Line membersOf(const json& value)
             line.number = &member;
         else if (name == "bytes")
             line.bytes = &member;
+        else if (name == "time") // has it
+            throw ScaledLineError();
         else
             throw LineError(unknownName("member", name, {"block", "fields", "number", "bytes"}));
     }
@@ -77,10 +97,15 @@ const std::vector<uint8_t>& LineEncoder::encode(const std::string& text)
     const json value = parse(text);
     const Line line = membersOf(value);
     bytes.clear();
+    warning.clear();
     if (line.bytes) {
         if (!line.bytes->is_string() ||
             !decodeBase64(line.bytes->get_ref<const std::string&>(), bytes))
             throw LineError::at("bytes", "is no base64 text");
+        if (const std::string name = differenceFromBytes(line.block, line.fields, bytes);
+            !name.empty())
+            warning = fmt::format("differs from the bytes beside it, which are taken: {}",
+                                  shortened(name));
         return bytes;
     }
     if (!line.block)

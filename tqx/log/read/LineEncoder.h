@@ -16,8 +16,13 @@ class LineEncoder
 {
 public:
     /// The block that a line stands for: its "bytes" as they are, else what its "fields" make,
-    /// with Length and CRC computed. Valid until the next call. Throws LineError.
+    /// with Length and CRC computed. Valid until the next call. Throws LineError; of a line with
+    /// scaled values ScaledLineError. Takes at most a million values in a line, far more than a
+    /// block can hold.
     const std::vector<uint8_t>& encode(const std::string& line);
+
+    /// What is doubtful about the last line that was encoded, "" when nothing is.
+    const std::string& getWarning() const { return warning; }
 
 private:
     void encodeFields(const Kor::MessageApi::TQX_TypeLayout& type, const nlohmann::json& values);
@@ -25,6 +30,7 @@ private:
 
     Kor::MessageApi::TQX_OwnedRecord record;
     std::vector<uint8_t> bytes;
+    std::string warning;
 };
 
 } // namespace tqx

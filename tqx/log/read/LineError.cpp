@@ -8,6 +8,12 @@ LineError::LineError(const std::string& text, bool startsWithPlace)
 {
 }
 
+ScaledLineError::ScaledLineError()
+    : LineError("holds scaled values, but only stored ones can be encoded, which dump --format "
+                "jsonl --raw writes")
+{
+}
+
 LineError LineError::at(const std::string& place, const std::string& text)
 {
     return {place + ": " + text, true};

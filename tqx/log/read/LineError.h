@@ -25,4 +25,11 @@ private:
     bool hasPlace = false;
 };
 
+/// A line of scaled values, which do not say what a block holds.
+class ScaledLineError : public LineError
+{
+public:
+    ScaledLineError();
+};
+
 } // namespace tqx

@@ -45,6 +45,12 @@ std::string shown(const json& value)
     throw LineError(fmt::format("{} is no {}", shown(value), wanted));
 }
 
+/// JSON's "-0", which is an integer, too.
+bool isMinusZero(const json& value)
+{
+    return value.is_number_integer() && !value.is_number_unsigned() && value.get<int64_t>() == 0;
+}
+
 /// An integer that fits `width` bits, as two's complement.
 uint64_t integerOf(const json& value, unsigned width, bool isSigned)
 {
@@ -60,6 +66,8 @@ uint64_t integerOf(const json& value, unsigned width, bool isSigned)
             failRange(value, std::to_string(-highest - 1), std::to_string(highest));
         return static_cast<uint64_t>(number);
     }
+    if (isMinusZero(value))
+        return 0;
     if (!value.is_number_unsigned() || value.get<uint64_t>() > all)
         failRange(value, "0", std::to_string(all));
     return value.get<uint64_t>();
@@ -82,6 +90,8 @@ float nearestFloat(double value)
 
 double doubleOf(const json& value)
 {
+    if (isMinusZero(value))
+        return -0.0;
     if (value.is_number())
         return value.get<double>();
     if (value == "NaN")

@@ -3,6 +3,8 @@
 #include "tqx/log/DataError.h"
 #include "tqx/log/select/TimeText.h"
 
+#include <new>
+
 namespace tqx
 {
 
@@ -69,6 +71,8 @@ bool Selection::meetsCondition(BlockStream& stream, const Block& block)
     const int32_t result = decoder->decode(block);
     if (result < 0)
         stream.reportUndecodable(block, result);
+    else if (!decoder->getMessage())
+        throw std::bad_alloc(); // all types that conditions read have messages
     return decoder->getMessage() && condition->accepts(decoder->getMessage());
 }
 

@@ -8,6 +8,11 @@ namespace tqx
 
 ByteSource::~ByteSource() = default;
 
+bool ByteSource::isReady(std::chrono::milliseconds)
+{
+    return true;
+}
+
 uint64_t ByteSource::skip(uint64_t count)
 {
     std::vector<uint8_t> piece(1 << 16);

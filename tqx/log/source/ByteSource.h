@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -27,6 +28,10 @@ public:
     /// Passes over `count` bytes, or as many as there are, and returns how many. Throws
     /// SourceError.
     virtual uint64_t skip(uint64_t count);
+
+    /// Whether a read would return within `patience`: with bytes or at the end. True for sources
+    /// that never wait.
+    virtual bool isReady(std::chrono::milliseconds patience);
 
     /// Where the byte at `offset` of the source is found. Only for bytes that were read.
     virtual Place placeOf(uint64_t offset) const = 0;

@@ -1,5 +1,8 @@
 #include "tqx/log/stream/BlockStream.h"
 
+#include "korcg_load.h"
+#include "tqx/log/stream/HeaderCheck.h"
+
 namespace tqx
 {
 
@@ -46,8 +49,33 @@ void BlockStream::reportUndecodable(const Block& block, int32_t code)
         listener->onUndecodable(name, block, code);
 }
 
+/// Passes candidates that look false by themselves; true when there is a block then.
+bool BlockStream::passDoubtful()
+{
+    while (!framer.hasBlock()) {
+        const BlockFramer::Candidate candidate = framer.waiting();
+        if (candidate.data == nullptr ||
+            isPlausibleHeader(korcg_load_u16(candidate.data + 4), candidate.length) ||
+            !framer.passWaiting())
+            return false;
+    }
+    return true;
+}
+
+/// Passes whatever waits once the source has been silent; true when there is a block then.
+bool BlockStream::passAfterPause()
+{
+    if (framer.waiting().data == nullptr || source.isReady(*longestPause))
+        return false;
+    while (!framer.hasBlock() && framer.passWaiting()) {
+    }
+    return framer.hasBlock();
+}
+
 void BlockStream::readOn()
 {
+    if (longestPause && (passDoubtful() || passAfterPause()))
+        return;
     const size_t size = source.read(piece.data(), piece.size());
     if (size != 0) {
         counts.bytes += size;

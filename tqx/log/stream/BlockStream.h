@@ -7,8 +7,10 @@
 #include "tqx/log/stream/StreamListener.h"
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <deque>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -43,6 +45,13 @@ public:
     /// Neither is owned, both must outlive the stream; the listener may be null.
     explicit BlockStream(ByteSource& source, StreamListener* listener = nullptr);
 
+    /// For a source that is a receiver while it sends: does not let a false header hold back what
+    /// is intact after it. A candidate for a block that waits for more bytes is given up, if a
+    /// whole block with the right checksum is within the length that it claims, when its number is
+    /// unknown or its length does not fit its type, or when nothing has come for `pause`. The
+    /// blocks then depend on when the bytes come, so that a recorded log is better read without.
+    void setLive(std::chrono::milliseconds pause) { longestPause = pause; }
+
     /// Gets the next block, whose bytes stay valid until the next call; false at the end. Throws
     /// what the source throws.
     bool next(Block& block);
@@ -63,6 +72,8 @@ private:
     };
 
     void readOn();
+    bool passDoubtful();
+    bool passAfterPause();
     void closeGap();
     void onChecksumFailed(uint64_t offset) override;
     void onInvalidLength(uint64_t offset) override;
@@ -74,6 +85,7 @@ private:
     ByteSource& source;
     StreamListener* listener;
     BlockFramer framer;
+    std::optional<std::chrono::milliseconds> longestPause; ///< of a live stream
     NeighbourScanner scanner;
     std::deque<FalseBlock> falseBlocks; ///< in bytes of which the scanner has still to decide
     std::vector<uint8_t> piece;

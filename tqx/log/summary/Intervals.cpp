@@ -5,41 +5,129 @@
 namespace tqx
 {
 
+namespace
+{
+
+bool isGap(uint64_t interval, uint64_t usual)
+{
+    return interval >= usual + (usual + 1) / 2;
+}
+
+/// Times at the usual interval that would fit into a gap.
+uint64_t missingIn(uint64_t gap, uint64_t usual)
+{
+    return (gap + usual / 2) / usual - 1;
+}
+
+} // namespace
+
 void Intervals::add(GnssMillis time)
 {
-    constexpr size_t mostDifferent = 100;
     if (last && time > *last) {
         const uint64_t interval = time - *last;
-        ++total;
-        const auto found = intervals.find(interval);
-        if (found != intervals.end())
-            ++found->second.times;
-        else if (intervals.size() < mostDifferent)
-            intervals[interval] = {1, *last};
+        count(interval);
+        keep(*last, interval);
     }
     last = time;
 }
 
+// An interval that is not among the most frequent ones takes the place of the rarest, and its count
+// with it: so one that becomes frequent gets in, whatever came before.
+void Intervals::count(uint64_t interval)
+{
+    constexpr size_t mostDifferent = 100;
+    ++total;
+    const auto known = frequent.find(interval);
+    if (known != frequent.end()) {
+        ++known->second.times;
+        return;
+    }
+    Seen seen = {1, 0};
+    if (frequent.size() == mostDifferent) {
+        const auto rarest =
+            std::min_element(frequent.begin(), frequent.end(), [](const auto& a, const auto& b) {
+                return a.second.times < b.second.times;
+            });
+        seen = {rarest->second.times + 1, rarest->second.times};
+        frequent.erase(rarest);
+    }
+    frequent[interval] = seen;
+}
+
+void Intervals::keep(GnssMillis after, uint64_t interval)
+{
+    if (!runs.empty()) {
+        Run& run = runs.back();
+        if (run.millis == interval && run.after + run.millis * run.times == after) {
+            ++run.times;
+            return;
+        }
+    }
+    if (room != 0 || makeRoom()) {
+        --room;
+        runs.push_back({after, interval, 1});
+        return;
+    }
+    const std::optional<uint64_t> usual = getUsual();
+    if (usual && isGap(interval, *usual))
+        ++unlisted;
+}
+
+/// Forgets the intervals that are no gaps.
+bool Intervals::makeRoom()
+{
+    const std::optional<uint64_t> usual = getUsual();
+    if (!usual || runs.size() < leastToSift)
+        return false;
+    const auto end = std::remove_if(runs.begin(), runs.end(),
+                                    [&](const Run& run) { return !isGap(run.millis, *usual); });
+    room += static_cast<size_t>(runs.end() - end);
+    runs.erase(end, runs.end());
+    leastToSift = runs.size() + runs.size() / 8 + 1;
+    return room != 0;
+}
+
 std::optional<uint64_t> Intervals::getUsual() const
 {
+    const auto timesOf = [](const auto& entry) { return entry.second.times - entry.second.excess; };
     const auto most =
-        std::max_element(intervals.begin(), intervals.end(), [](const auto& a, const auto& b) {
-            return a.second.times < b.second.times;
-        });
-    if (most == intervals.end() || most->second.times * 2 <= total)
+        std::max_element(frequent.begin(), frequent.end(),
+                         [&](const auto& a, const auto& b) { return timesOf(a) < timesOf(b); });
+    if (most == frequent.end() || timesOf(*most) * 2 <= total)
         return std::nullopt;
     return most->first;
 }
 
-std::vector<Intervals::Gap> Intervals::getGaps() const
+std::vector<Intervals::Gap> Intervals::getGaps(uint64_t usual, size_t most) const
 {
     std::vector<Gap> gaps;
-    const std::optional<uint64_t> usual = getUsual();
-    for (const auto& [interval, seen] : intervals)
-        if (usual && interval * 2 >= *usual * 3)
-            gaps.push_back(
-                {interval, seen.times, seen.after, (interval + *usual / 2) / *usual - 1});
+    for (const Run& run : runs)
+        for (uint64_t i = 0; isGap(run.millis, usual) && i < run.times && gaps.size() < most; ++i)
+            gaps.push_back({run.millis, run.after + i * run.millis, missingIn(run.millis, usual)});
     return gaps;
+}
+
+uint64_t Intervals::getGapCount(uint64_t usual) const
+{
+    uint64_t gaps = unlisted;
+    for (const Run& run : runs)
+        gaps += isGap(run.millis, usual) ? run.times : 0;
+    return gaps;
+}
+
+std::vector<Intervals::GapGroup> Intervals::getGapsByLength(uint64_t usual) const
+{
+    std::map<uint64_t, GapGroup> groups;
+    for (const Run& run : runs) {
+        if (!isGap(run.millis, usual))
+            continue;
+        const Gap gap = {run.millis, run.after, missingIn(run.millis, usual)};
+        groups.emplace(run.millis, GapGroup{gap, 0}).first->second.times += run.times;
+    }
+    std::vector<GapGroup> sorted;
+    for (const auto& [millis, group] : groups)
+        sorted.push_back(group);
+    return sorted;
 }
 
 } // namespace tqx

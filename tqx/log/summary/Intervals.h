@@ -2,6 +2,7 @@
 
 #include "tqx/log/time/GnssTime.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -10,38 +11,70 @@
 namespace tqx
 {
 
-/// Finds out at which interval the blocks of a type come and when some are missing. Blocks of one
-/// time count once, steps back not at all. Memory is bounded: of intervals beyond the first hundred
-/// different ones only the number is kept.
+/// Finds out at which interval times usually follow each other and where some are missing. Equal
+/// times count once; a step back begins anew. Memory is bounded: intervals for which there is no
+/// room any more are only counted.
 class Intervals
 {
 public:
-    /// Intervals of one length that are too long.
+    /// An interval that is too long.
     struct Gap {
-        uint64_t millis;  ///< from one block to the next
-        uint64_t times;   ///< how often
-        GnssMillis after; ///< time of the block before the first of them
-        uint64_t missing; ///< blocks that would fit into one
+        uint64_t millis;  ///< from one time to the next
+        GnssMillis after; ///< the time before it
+        uint64_t missing; ///< times that would fit into it
     };
+
+    /// `sharedRoom` is how many runs of equal intervals may still be kept by all that share it; it
+    /// must outlive them.
+    explicit Intervals(size_t& sharedRoom) : room(sharedRoom) {}
 
     void add(GnssMillis time);
 
     /// The most frequent interval in milliseconds, if it makes up more than half of them.
     std::optional<uint64_t> getUsual() const;
 
-    /// The intervals of at least one and a half times the usual one, shortest first; none without
-    /// a usual one.
-    std::vector<Gap> getGaps() const;
+    /// The first intervals of at least one and a half times `usual` milliseconds (above 0), at most
+    /// `most` of them, in the order in which they came.
+    std::vector<Gap> getGaps(uint64_t usual, size_t most) const;
 
-private:
-    struct Seen {
-        uint64_t times = 0;
-        GnssMillis after = 0;
+    /// How many there are. Of those for which there was no room the count goes by the interval that
+    /// was usual when they came.
+    uint64_t getGapCount(uint64_t usual) const;
+
+    /// All gaps of one length.
+    struct GapGroup {
+        Gap first;
+        uint64_t times;
     };
 
+    /// The gaps by length, shortest first, without those for which there was no room.
+    std::vector<GapGroup> getGapsByLength(uint64_t usual) const;
+
+private:
+    /// Equal intervals that follow each other.
+    struct Run {
+        GnssMillis after; ///< the time before the first of them
+        uint64_t millis;
+        uint64_t times;
+    };
+
+    /// How often an interval was seen: at least `times` less `excess`.
+    struct Seen {
+        uint64_t times = 0;
+        uint64_t excess = 0;
+    };
+
+    void count(uint64_t interval);
+    void keep(GnssMillis after, uint64_t interval);
+    bool makeRoom();
+
+    size_t& room;
     std::optional<GnssMillis> last;
-    std::map<uint64_t, Seen> intervals;
+    std::map<uint64_t, Seen> frequent;
     uint64_t total = 0;
+    std::vector<Run> runs;
+    size_t leastToSift = 0; ///< number of runs from which on it is worth to look for room again
+    uint64_t unlisted = 0;
 };
 
 } // namespace tqx

@@ -1,5 +1,7 @@
 #include "tqx/log/summary/StreamSummary.h"
 
+#include <algorithm>
+
 namespace tqx
 {
 
@@ -7,6 +9,13 @@ namespace
 {
 
 constexpr size_t blockNumbers = 1 << 13;
+
+void keepFirst(std::vector<BlockPlace>& places, const BlockPlace& place)
+{
+    constexpr size_t mostKept = 1000;
+    if (places.size() < mostKept)
+        places.push_back(place);
+}
 
 } // namespace
 
@@ -16,30 +25,68 @@ void StreamSummary::add(BlockStream& stream, const Block& block)
 {
     std::unique_ptr<TypeSummary>& known = types[block.getNumber()];
     if (!known) {
-        known = std::make_unique<TypeSummary>();
+        known = std::make_unique<TypeSummary>(roomForIntervals, roomForEpochs);
         known->isKnown = TQX_recordType(block.getNumber()) != 0;
     }
     TypeSummary& type = *known;
     ++type.blocks;
     type.bytes += block.size;
     type.revisions.set(block.getRevision());
-    if (!type.isKnown)
+    if (!type.isKnown) {
+        keepFirst(unknownPlaces, {stream.getName(), block.offset, block.getNumber(), 0});
         return;
+    }
     if (const int32_t result = decoder.decode(block); result < 0) {
         FailureSummary& failure = type.failures[result];
         if (failure.blocks++ == 0) {
             failure.file = stream.getName();
             failure.offset = block.offset;
         }
+        keepFirst(undecodablePlaces, {stream.getName(), block.offset, block.getNumber(), result});
         stream.reportUndecodable(block, result);
         return;
     }
-    if (const std::optional<GnssMillis> time = block.getTime()) {
-        type.intervals.add(*time);
-        last = time;
-        if (!first)
-            first = time;
+    if (const std::optional<GnssMillis> time = block.getTime())
+        addTime(stream, block, type, *time);
+}
+
+// Blocks of different types may well be out of order: some carry the time at which a satellite sent
+// what they hold.
+void StreamSummary::addTime(const BlockStream& stream, const Block& block, TypeSummary& type,
+                            GnssMillis time)
+{
+    first = first ? std::min(*first, time) : time;
+    last = last ? std::max(*last, time) : time;
+    type.intervals.add(time);
+    if (type.last && time < *type.last && type.stepsBack == stepsBack) {
+        if (stepsBack++ == 0)
+            firstStepBack = {stream.getName(), block.offset, block.getNumber(), 0};
+        latest.reset();
     }
+    type.stepsBack = stepsBack;
+    if (!latest || time > *latest) {
+        intervals.add(time);
+        latest = time;
+    }
+    if (type.last != time && !type.epochs.add(time) && repeated.add(time))
+        ++repeatedEpochs;
+    type.last = time;
+}
+
+std::optional<uint64_t> StreamSummary::getUsualInterval() const
+{
+    std::optional<uint64_t> usual = intervals.getUsual();
+    uint64_t most = 0;
+    if (usual)
+        return usual;
+    for (const auto& [number, type] : getTypes()) {
+        const std::optional<uint64_t> own = type->intervals.getUsual();
+        if (own && type->blocks > most) {
+            most = type->blocks;
+            usual = own;
+        }
+    }
+    return usual;
 }
 
 void StreamSummary::addDamage(const StreamGap& gap)

@@ -1,0 +1,237 @@
+#include "tqx/log/source/ContentGuess.h"
+
+#include "korcg_load.h"
+#include "tqx/log/stream/HeaderCheck.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace tqx
+{
+
+namespace
+{
+
+struct Signature {
+    std::string_view bytes;
+    size_t offset;
+    Content content;
+};
+
+constexpr std::array<Signature, 7> signatures = {{
+    {"\x1f\x8b", 0, Content::Gzip},
+    {"\x28\xb5\x2f\xfd", 0, Content::Zstandard},
+    {"\xfd"
+     "7zXZ",
+     0, Content::Xz},
+    {"BZh", 0, Content::Bzip2},
+    {"PK\x03\x04", 0, Content::Zip},
+    {"RINEX VERSION / TYPE", 60, Content::Rinex},
+    {"CRINEX VERS   / TYPE", 60, Content::CompactRinex},
+}};
+
+bool isPrintable(char character)
+{
+    const auto byte = static_cast<unsigned char>(character);
+    return byte >= ' ' ? byte != 0x7f : byte == '\t' || byte == '\n' || byte == '\r';
+}
+
+int hexDigit(char character)
+{
+    if (character >= '0' && character <= '9')
+        return character - '0';
+    if (character >= 'A' && character <= 'F')
+        return character - 'A' + 10;
+    return character >= 'a' && character <= 'f' ? character - 'a' + 10 : -1;
+}
+
+/// Size of the sentence "$GPGGA,...*hh" with line end that the text begins with, 0 for none.
+size_t sentenceAt(std::string_view text)
+{
+    constexpr size_t longest = 250; // proprietary ones exceed the 82 of the standard
+    if (text.empty() || (text.front() != '$' && text.front() != '!'))
+        return 0;
+    unsigned sum = 0;
+    for (size_t i = 1; i < std::min(text.size(), longest) && isPrintable(text[i]); ++i) {
+        if (text[i] != '*') {
+            sum ^= static_cast<unsigned char>(text[i]);
+            continue;
+        }
+        if (i + 4 > text.size() || hexDigit(text[i + 1]) < 0 || hexDigit(text[i + 2]) < 0 ||
+            static_cast<unsigned>(hexDigit(text[i + 1]) * 16 + hexDigit(text[i + 2])) != sum)
+            return 0;
+        const size_t end = text.find_first_not_of("\r\n", i + 3);
+        return end == std::string_view::npos ? text.size() : end;
+    }
+    return 0;
+}
+
+/// Size of the RTCM 3 frame that the bytes begin with, 0 for none: preamble, ten bits of length,
+/// message, 24-bit checksum.
+size_t frameAt(std::string_view text)
+{
+    constexpr size_t overhead = 6;
+    const auto at = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
+    if (text.size() < overhead || at(0) != 0xd3 || (at(1) & 0xfcU) != 0)
+        return 0;
+    const size_t size = (at(1) * 256U + at(2)) + overhead;
+    if (size > text.size())
+        return 0;
+    uint32_t sum = 0;
+    for (size_t i = 0; i < size; ++i) { // over its own checksum it comes to zero
+        sum ^= static_cast<uint32_t>(at(i)) << 16U;
+        for (int bit = 0; bit < 8; ++bit)
+            sum = sum << 1U ^ ((sum & 0x800000U) != 0 ? 0x1864cfbU : 0U);
+    }
+    return (sum & 0xffffffU) == 0 ? size : 0;
+}
+
+/// The parity of the 30-bit word in the low bits, given the two bits before it.
+bool hasParity(uint32_t word)
+{
+    // Bits of the data, complemented by the last one of the word before, that each parity bit sums,
+    // and which of the two bits before the word joins them.
+    constexpr std::array<uint32_t, 6> masks = {0xec7cd2, 0x763e69, 0xbb1f34,
+                                               0x5d8f9a, 0xaec7cd, 0x2dea27};
+    constexpr std::array<unsigned, 6> before = {31, 30, 31, 30, 30, 31};
+    uint32_t data = word >> 6U & 0xffffffU;
+    if ((word >> 30U & 1U) != 0)
+        data ^= 0xffffffU;
+    for (unsigned i = 0; i < masks.size(); ++i) {
+        uint32_t sum = word >> before[i] & 1U;
+        for (uint32_t bits = data & masks[i]; bits != 0; bits &= bits - 1)
+            sum ^= 1U;
+        if (sum != (word >> (5 - i) & 1U))
+            return false;
+    }
+    return true;
+}
+
+/// RTCM 2 comes six bits a byte, the first one lowest, and has neither length nor word boundaries:
+/// the right one of the thirty possible ones has nearly all words with right parity.
+bool isRtcm2(std::string_view text)
+{
+    constexpr size_t wordBytes = 5;
+    constexpr size_t leastWords = 20;
+    const auto isOther = [](char c) { return (static_cast<unsigned char>(c) & 0xc0U) != 0x40; };
+    if (text.size() < (leastWords + 1) * wordBytes ||
+        std::any_of(text.begin(), text.end(), isOther))
+        return false;
+    for (size_t start = 0; start < wordBytes; ++start) {
+        uint32_t bits = 0;
+        size_t words = 0;
+        size_t right = 0;
+        for (size_t i = start; i < text.size(); ++i) {
+            for (unsigned bit = 0; bit < 6; ++bit)
+                bits = bits << 1U | (static_cast<unsigned char>(text[i]) >> bit & 1U);
+            if (i - start < wordBytes * 2 - 1 || (i - start) % wordBytes != wordBytes - 1)
+                continue;
+            ++words;
+            right += hasParity(bits) ? 1 : 0;
+        }
+        if (words >= leastWords && right * 10 >= words * 9)
+            return true;
+    }
+    return false;
+}
+
+/// Whether a header of a block is in it.
+bool hasHeader(std::string_view text)
+{
+    constexpr size_t headerSize = 8;
+    for (size_t i = 0; (i = text.find("$@", i)) != std::string_view::npos; ++i) {
+        if (i + headerSize > text.size())
+            return false;
+        const auto* header = reinterpret_cast<const uint8_t*>(text.data()) + i;
+        if (isPlausibleHeader(korcg_load_u16(header + 4), korcg_load_u16(header + 6)))
+            return true;
+    }
+    return false;
+}
+
+/// NMEA, RTCM 3 or both, but for one message that is cut off at either end.
+Content messagesIn(std::string_view text)
+{
+    constexpr size_t longestFrame = 1029;
+    size_t covered = 0;
+    size_t sentences = 0;
+    size_t frames = 0;
+    for (size_t i = 0; i < text.size();) {
+        const size_t sentence = sentenceAt(text.substr(i));
+        const size_t frame = sentence == 0 ? frameAt(text.substr(i)) : 0;
+        sentences += sentence != 0 ? 1 : 0;
+        frames += frame != 0 ? 1 : 0;
+        covered += sentence + frame;
+        i += std::max(sentence + frame, size_t{1});
+    }
+    const size_t other = text.size() - covered;
+    const size_t cutOff = frames != 0 ? 2 * longestFrame : 300;
+    if (sentences + frames == 0 || other > std::max(text.size() / 20, std::min(cutOff, covered)))
+        return Content::Unknown;
+    if (frames == 0)
+        return Content::Nmea;
+    return sentences == 0 ? Content::Rtcm3 : Content::NmeaAndRtcm3;
+}
+
+} // namespace
+
+Content guessContent(const uint8_t* bytes, size_t size)
+{
+    const std::string_view text(reinterpret_cast<const char*>(bytes), size);
+    for (const Signature& one : signatures)
+        if (text.size() >= one.offset && text.substr(one.offset, one.bytes.size()) == one.bytes)
+            return one.content;
+    if (const Content messages = messagesIn(text); messages != Content::Unknown)
+        return messages;
+    if (isRtcm2(text))
+        return Content::Rtcm2;
+    if (text.empty() || !std::all_of(text.begin(), text.end(), isPrintable))
+        return hasHeader(text) ? Content::DamagedTqx : Content::Unknown;
+    return text.substr(0, 2) == "{\"" ? Content::JsonLines : Content::Text;
+}
+
+const char* describeContent(Content content)
+{
+    switch (content) {
+    case Content::Text:
+        return "text";
+    case Content::JsonLines:
+        return "JSON Lines, of which tqx encode makes blocks";
+    case Content::Gzip:
+        return "compressed by gzip";
+    case Content::Zstandard:
+        return "compressed by zstd";
+    case Content::Xz:
+        return "compressed by xz";
+    case Content::Bzip2:
+        return "compressed by bzip2";
+    case Content::Zip:
+        return "a zip archive";
+    case Content::Rinex:
+        return "RINEX";
+    case Content::CompactRinex:
+        return "compact RINEX";
+    case Content::Nmea:
+        return "NMEA";
+    case Content::Rtcm2:
+        return "RTCM 2";
+    case Content::Rtcm3:
+        return "RTCM 3";
+    case Content::NmeaAndRtcm3:
+        return "NMEA and RTCM 3";
+    case Content::DamagedTqx:
+        return "TQX, damaged or cut off";
+    case Content::Unknown:
+        break;
+    }
+    return "binary data of another kind";
+}
+
+bool isReceiverOutput(Content content)
+{
+    return content == Content::Nmea || content == Content::Rtcm2 || content == Content::Rtcm3 ||
+           content == Content::NmeaAndRtcm3;
+}
+
+} // namespace tqx

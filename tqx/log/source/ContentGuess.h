@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tqx
+{
+
+/// What bytes that hold no TQX block seem to be.
+enum class Content {
+    Unknown,
+    DamagedTqx,
+    Text,
+    JsonLines,
+    Gzip,
+    Zstandard,
+    Xz,
+    Bzip2,
+    Zip,
+    Rinex,
+    CompactRinex,
+    Nmea,
+    Rtcm2,
+    Rtcm3,
+    NmeaAndRtcm3,
+};
+
+/// Guesses by the first bytes of an input; a few thousand are enough. NMEA and RTCM need right
+/// checksums, and nearly nothing else beside them.
+Content guessContent(const uint8_t* bytes, size_t size);
+
+/// "RINEX", "text", "compressed by gzip": what "it seems to be".
+const char* describeContent(Content content);
+
+/// Whether a receiver sends it on its own, so that a stream of it alone is nothing wrong.
+bool isReceiverOutput(Content content);
+
+} // namespace tqx

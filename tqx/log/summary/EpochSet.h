@@ -1,0 +1,39 @@
+#pragma once
+
+#include "tqx/log/time/GnssTime.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+
+namespace tqx
+{
+
+/// A set of times. Regular series of them are kept as their first, last and period, so that a long
+/// log takes little memory.
+class EpochSet
+{
+public:
+    /// `sharedRoom` is how many series may still be kept by all sets that share it; it must outlive
+    /// them.
+    explicit EpochSet(size_t& sharedRoom) : room(sharedRoom) {}
+
+    /// Adds a time. Returns false when it was there already. Without room it is forgotten.
+    bool add(GnssMillis time);
+
+private:
+    struct Series {
+        GnssMillis last;
+        uint64_t period; ///< 0 for a single time
+    };
+    using Map = std::map<GnssMillis, Series>; ///< by first time; they do not overlap
+
+    void insert(GnssMillis first, const Series& series);
+    void split(Map::iterator found, GnssMillis time);
+
+    size_t& room;
+    Map all;
+    Map::iterator current = all.end(); ///< that was extended last
+};
+
+} // namespace tqx
