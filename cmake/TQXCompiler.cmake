@@ -63,6 +63,25 @@ function(tqx_library name macro)
     endif()
 endfunction()
 
+# tqx_static_twin(<name> <twin>...): <name>-static, an archive of the objects of the shared library
+# <name>, which needs the other twins. Built only for what links to it.
+function(tqx_static_twin name)
+    add_library(${name}-static STATIC EXCLUDE_FROM_ALL "$<TARGET_OBJECTS:${name}>")
+    set_target_properties(${name}-static PROPERTIES LINKER_LANGUAGE CXX)
+    target_include_directories(${name}-static INTERFACE
+        "$<TARGET_PROPERTY:${name},INTERFACE_INCLUDE_DIRECTORIES>")
+    target_link_libraries(${name}-static INTERFACE ${ARGN})
+endfunction()
+
+# tqx_link_either(<target> <name>...): links a static library to shared libraries of the project, or,
+# in programs that have the property TQX_STATIC, to their static twins.
+function(tqx_link_either target)
+    foreach(name IN LISTS ARGN)
+        target_link_libraries(${target} PUBLIC
+            "$<IF:$<BOOL:$<TARGET_PROPERTY:TQX_STATIC>>,${name}-static,${name}>")
+    endforeach()
+endfunction()
+
 # tqx_warnings(<target>): the warnings that hand-written code is held to.
 function(tqx_warnings name)
     if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")

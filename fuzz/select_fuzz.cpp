@@ -2,50 +2,46 @@
 // random blocks of all types.
 
 #include "FieldRoles.h"
-#include "Message.h"
 #include "RandomBlock.h"
 #include "io/ToolError.h"
-#include "tqx/log/record/MessageDecoder.h"
+#include "tqx/log/record/RecordDecoder.h"
 #include "tqx/log/select/Condition.h"
 #include "tqx/log/select/TimeText.h"
 
 #include <cstdlib>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace
 {
 
-/// One message of each type, which the decoder that made it keeps.
-class Messages
+/// A record of each main type.
+class Records
 {
 public:
-    Messages()
+    Records()
     {
         std::mt19937_64 random(1);
         for (const Kor::MessageApi::TQX_TypeLayout* type : mainTypes()) {
             const std::vector<uint8_t> bytes =
                 randomBlock(*type, {type->highestRevision, 2}, random);
-            decoder.decode({bytes.data(), static_cast<uint16_t>(bytes.size()), 0});
-            if (!decoder.getMessage())
-                continue;
-            decoder.getMessage()->addReference();
-            messages.push_back(decoder.getMessage());
+            auto decoder = std::make_unique<tqx::RecordDecoder>();
+            if (decoder->decode({bytes.data(), static_cast<uint16_t>(bytes.size()), 0}) > 0)
+                decoders.push_back(std::move(decoder));
         }
     }
-    ~Messages()
-    {
-        for (const Message* message : messages)
-            message->removeReference();
-    }
-    Messages(const Messages&) = delete;
-    Messages& operator=(const Messages&) = delete;
 
-    const std::vector<const Message*>& get() const { return messages; }
+    bool accepted(const tqx::Condition& condition) const
+    {
+        bool any = false;
+        for (const auto& decoder : decoders)
+            any = condition.accepts(decoder->getRecord()) || any;
+        return any;
+    }
 
 private:
-    tqx::MessageDecoder decoder;
-    std::vector<const Message*> messages;
+    std::vector<std::unique_ptr<tqx::RecordDecoder>> decoders;
 };
 
 void tryTime(const std::string& text)
@@ -58,13 +54,12 @@ void tryTime(const std::string& text)
     }
 }
 
-void tryCondition(const std::string& text, const std::vector<const Message*>& messages)
+void tryCondition(const std::string& text, const Records& records)
 {
     try {
         const tqx::Condition condition(text, tqx::TypeSelection());
         condition.accepts(nullptr);
-        for (const Message* message : messages)
-            condition.accepts(message);
+        records.accepted(condition);
     } catch (const tqx::DataError&) {
     }
 }
@@ -73,9 +68,9 @@ void tryCondition(const std::string& text, const std::vector<const Message*>& me
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    static const Messages messages;
+    static const Records records;
     const std::string text(reinterpret_cast<const char*>(data), size);
     tryTime(text);
-    tryCondition(text, messages.get());
+    tryCondition(text, records);
     return 0;
 }

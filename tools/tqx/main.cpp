@@ -8,8 +8,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <QLocale>
-
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -104,8 +102,6 @@ int main(int argc, char** argv)
     std::set_terminate(endWithoutMemory);
     ExitStatus status = ExitStatus::Failed;
     try {
-        // Output is the same everywhere.
-        QLocale::setDefault(QLocale::c());
         tqx::tool::interrupt::watch();
         status = run(argc, argv);
     } catch (const std::bad_alloc&) {

@@ -9,7 +9,6 @@
 #include "tqx/log/write/RawJson.h"
 #include "tqx/log/write/ValueJson.h"
 
-#include "TQX_FormatInfo.h"
 #include "TQX_Layout.h"
 
 #include <CLI/Validators.hpp>
@@ -139,7 +138,6 @@ ExitStatus DumpCommand::run()
     if (format == "csv")
         return dumpCsv(streams, filter, {raw, csvSafe}, target);
     Output output(target);
-    TQX_FormatInfo::getInstance();
     const auto makeWriter = [&]() -> std::unique_ptr<BlockWriter> {
         if (format == "text")
             return std::make_unique<TextWriter>(filter, raw);

@@ -1,15 +1,12 @@
 #include "commands/ExtractCommand.h"
 
+#include "TQX_DiffCorrIn_Payload.h"
 #include "io/Output.h"
 #include "io/Target.h"
 #include "io/ToolError.h"
 #include "output/NeighbourWriter.h"
-
-#include "AbstractDecoder.h"
-#include "TQXDecoder.h"
-#include "TQX_DiffCorrIn_Extractor.h"
-#include "TQX_DiffCorrIn_MessageInfo.h"
-#include "TQX_FormatInfo.h"
+#include "tqx/log/record/RecordDecoder.h"
+#include "tqx/log/record/TypeNames.h"
 
 #include <CLI/Validators.hpp>
 
@@ -19,6 +16,8 @@
 
 namespace tqx::tool
 {
+
+using namespace Kor::MessageApi;
 
 namespace
 {
@@ -34,57 +33,30 @@ size_t placeIn(const std::vector<std::string>& names, const std::string& name)
     return static_cast<size_t>(std::find(names.begin(), names.end(), name) - names.begin());
 }
 
-/// Where the extractor expects a decoder of the corrections: writes their bytes out as they are.
-class PayloadWriter : public AbstractDecoder
-{
-public:
-    explicit PayloadWriter(Buffer& buffer)
-        : AbstractDecoder(QStringLiteral("corrections"), nullptr), out(buffer)
-    {
-    }
-
-    int32_t decodeMessage(const uint8_t* bytes, uint32_t size) override
-    {
-        out.append(reinterpret_cast<const char*>(bytes), size);
-        return static_cast<int32_t>(size) * 8;
-    }
-
-    // There is but one kind of payload.
-    void enableAllMessages() override {}
-    void disableAllMessages() override {}
-    void enableMessageEnum(int32_t) override {}
-    void disableMessageEnum(int32_t) override {}
-    bool isEnabledMessageEnum(int32_t) const override { return true; }
-
-private:
-    Buffer& out;
-};
-
+/// Writes the corrections of one format out as they are.
 class Corrections : public BlockConsumer
 {
 public:
-    Corrections(Buffer& buffer, uint8_t mode)
-        : decoder((TQX_FormatInfo::getInstance(), nullptr)), writer(buffer),
-          extractor(&decoder, &writer, mode), number(TQX_DiffCorrIn_MessageInfo::getInstance()
-                                                         ->getAttribute(QStringLiteral("blocknr"))
-                                                         .toUInt())
-    {
-    }
+    Corrections(Buffer& buffer, uint8_t format) : out(buffer), wanted(format) {}
 
     void take(BlockStream& stream, const Block& block) override
     {
         if (block.getNumber() != number)
             return;
-        const int32_t result = decoder.decodeMessage(block.data, block.size);
-        if (result < 0)
-            stream.reportUndecodable(block, result);
+        if (const int32_t result = decoder.decode(block); result < 0)
+            return stream.reportUndecodable(block, result);
+        const auto& record = *static_cast<const TQX_DiffCorrIn_s*>(decoder.getRecord());
+        if (record.Mode != wanted)
+            return;
+        const TQX_Corrections corrections = TQX_correctionsOf(record);
+        out.append(reinterpret_cast<const char*>(corrections.bytes), corrections.size);
     }
 
 private:
-    TQXDecoder decoder;
-    PayloadWriter writer;
-    TQX_DiffCorrIn_Extractor extractor;
-    unsigned number;
+    RecordDecoder decoder;
+    Buffer& out;
+    uint8_t wanted;
+    uint16_t number = findType("DiffCorrIn")->blockNumber;
 };
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "commands/TypesCommand.h"
 
+#include "TQX_FieldFacts.h"
 #include "io/Output.h"
 #include "io/ToolError.h"
 #include "tqx/log/inspect/FieldTable.h"
@@ -7,9 +8,6 @@
 #include "tqx/log/record/TypeNames.h"
 #include "tqx/log/select/NamePattern.h"
 #include "tqx/log/text/PrintableText.h"
-
-#include "MessageInfo.h"
-#include "TQX_FormatInfo.h"
 
 #include <fmt/format.h>
 
@@ -54,22 +52,17 @@ Types typesOf(const std::vector<std::string>& names)
     return types;
 }
 
-const MessageInfo* metadataOf(const TQX_TypeLayout& type)
-{
-    return TQX_FormatInfo::getInstance()->getMessageInfo(QLatin1String(type.name));
-}
-
 void appendCatalogue(Buffer& out)
 {
-    for (const MessageInfo* type : TQX_FormatInfo::getInstance()->getAllMessageInfos()) {
-        const std::string number =
-            type->isMain() ? type->getAttribute("blocknr").toString().toStdString() : "sub";
-        const std::string text = type->getShortDescriptiveText().toStdString();
-        const std::string name = type->getName().toStdString();
+    for (const TQX_TypeLayout* type : registeredTypes()) {
+        const bool isMain = type->blockNumber != 0;
+        const std::string number = isMain ? std::to_string(type->blockNumber) : "sub";
+        const std::string_view text =
+            isMain ? TQX_description(*TQX_typeFacts(type->recordType)) : std::string_view();
         if (text.empty())
-            out.append(fmt::format("{:>4}  {}\n", number, name));
+            out.append(fmt::format("{:>4}  {}\n", number, type->name));
         else
-            out.append(fmt::format("{:>4}  {:<28}  {}\n", number, name, text));
+            out.append(fmt::format("{:>4}  {:<28}  {}\n", number, type->name, text));
     }
 }
 
@@ -111,16 +104,7 @@ ExitStatus TypesCommand::run()
 
 void TypesCommand::appendJson(Buffer& out) const
 {
-    std::vector<const MessageInfo*> wanted;
-    for (const TQX_TypeLayout* type : typesOf(names)) {
-        if (!type->hasMessage)
-            throw ToolError(std::string(type->name) + " has no metadata");
-        wanted.push_back(metadataOf(*type));
-    }
-    if (names.empty())
-        for (const MessageInfo* type : TQX_FormatInfo::getInstance()->getAllMessageInfos())
-            wanted.push_back(type);
-    appendTypesJson(out, wanted);
+    appendTypesJson(out, names.empty() ? registeredTypes() : typesOf(names));
 }
 
 /// Of several types each name once.
@@ -146,7 +130,7 @@ void TypesCommand::appendLayouts(Buffer& out) const
         if (!first)
             out.append('\n');
         first = false;
-        appendFieldTable(out, *type, type->hasMessage ? metadataOf(*type) : nullptr);
+        appendFieldTable(out, *type);
     }
 }
 

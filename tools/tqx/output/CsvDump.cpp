@@ -7,8 +7,6 @@
 #include "tqx/log/record/TypeNames.h"
 #include "tqx/log/write/FlatCsv.h"
 
-#include "TQX_FormatInfo.h"
-
 #include <fmt/format.h>
 
 #include <filesystem>
@@ -96,7 +94,6 @@ const TQX_TypeLayout& theType(const TypeSelection& selected, const FieldFilter& 
 ExitStatus dumpCsv(StreamOptions& streams, const FieldFilter& filter, const CsvStyle& style,
                    const std::string& target)
 {
-    TQX_FormatInfo::getInstance();
     if (!isOneFile(target)) {
         streams.checkBeforeFolder(target);
         CsvFiles files(target);

@@ -1,5 +1,6 @@
 #include "tqx/log/inspect/BlockWalk.h"
 
+#include "TQX_FieldFacts.h"
 #include "TQX_RecordAccess.h"
 
 #include <algorithm>
@@ -198,10 +199,13 @@ int32_t Level::readEntries(int index)
 
 void Level::addDerived(const TQX_FieldLayout& field)
 {
-    for (uint32_t i = 0; record && i < field.elements; ++i)
+    const TQX_FieldFacts& facts = TQX_fieldFacts(type.recordType)[&field - type.fields];
+    for (uint32_t i = 0; record && i < field.elements; ++i) {
         add(Kind::Derived, &field, i, 0,
             TQX_isSigned(field) ? static_cast<uint64_t>(TQX_signedValue(field, record, i))
                                 : TQX_unsignedValue(field, record, i));
+        walk.pieces.back().hasInputs = TQX_hasInputs(facts, record);
+    }
 }
 
 /// Ends the fields of an entry where its length says, whatever is known of them.

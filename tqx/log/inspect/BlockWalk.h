@@ -29,7 +29,8 @@ struct BlockPiece {
     uint32_t index;                                ///< of the element or entry
     uint32_t offset;                               ///< of its first byte in the block
     uint32_t size;                                 ///< in bytes
-    uint64_t stored; ///< Number, Bits, Derived: the value's bits; signed ones sign-extended
+    uint64_t stored;       ///< Number, Bits, Derived: the value's bits; signed ones sign-extended
+    bool hasInputs = true; ///< Derived: whether what it is computed from is available
 };
 
 /// What there is in the bytes of a block, in wire order, and the result that the decoders come to.

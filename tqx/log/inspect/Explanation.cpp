@@ -7,9 +7,6 @@
 #include "tqx/log/record/RecordDecoder.h"
 #include "tqx/log/text/PrintableText.h"
 
-#include "MessageInfo.h"
-#include "TQX_FormatInfo.h"
-
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -154,14 +151,8 @@ void Explainer::noteChecksum(PieceText& text) const
 
 void Explainer::addRows(const BlockPiece& piece)
 {
-    const MessageInfo* metadata =
-        piece.type->hasMessage
-            ? TQX_FormatInfo::getInstance()->getMessageInfo(QLatin1String(piece.type->name))
-            : nullptr;
-    const auto row = piece.field ? static_cast<int>(piece.field - piece.type->fields) : -1;
     uint32_t offset = piece.offset;
-    for (PieceText& text :
-         textsOf(piece, bytes, metadata ? metadata->getFieldInfos().value(row) : nullptr)) {
+    for (PieceText& text : textsOf(piece, bytes)) {
         if (piece.depth == 0 && piece.field && piece.kind == BlockPiece::Kind::Number &&
             piece.field->recordOffset == offsetof(TQX_MainHeader_s, CRC))
             noteChecksum(text);

@@ -1,7 +1,8 @@
 #include "tqx/log/inspect/FieldTable.h"
 
-#include "FieldInfo.h"
-#include "MessageInfo.h"
+#include "TQX_FieldFacts.h"
+#include "TQX_RecordAccess.h"
+#include "tqx/log/inspect/FieldNames.h"
 
 #include <fmt/format.h>
 
@@ -66,40 +67,33 @@ std::string successorOf(std::string name)
 
 /// "<value> <name>" for each named value but the one that says "not available"; three or more that
 /// are counted through together are one "<first>..<last> <name>..<name>".
-std::vector<std::string> symbolsOf(const FieldInfo& field)
+std::vector<std::string> symbolsOf(const TQX_FieldFacts& facts)
 {
     struct Run {
-        FieldValue first;
-        FieldValue last;
-        std::string firstName;
-        std::string lastName;
+        TQX_NamedValue first;
+        TQX_NamedValue last;
         size_t length;
     };
     std::vector<Run> runs;
-    for (const FieldInfo::SymbolicValue& symbol : field.getSymbolicValues()) {
-        if (field.isDoNotUse(symbol.value) && symbol.name == QLatin1String("DoNotUse"))
-            continue;
-        const std::string name = symbol.name.toStdString();
-        if (!runs.empty() && successorOf(runs.back().lastName) == name &&
-            runs.back().last.toDouble() + 1 == symbol.value.toDouble()) {
-            runs.back().last = symbol.value;
-            runs.back().lastName = name;
+    for (const TQX_NamedValue& named : TQX_namedValues(facts)) {
+        if (!runs.empty() && successorOf(std::string(runs.back().last.name)) == named.name &&
+            runs.back().last.value + 1 == named.value) {
+            runs.back().last = named;
             ++runs.back().length;
         } else {
-            runs.push_back({symbol.value, symbol.value, name, name, 1});
+            runs.push_back({named, named, 1});
         }
     }
     std::vector<std::string> names;
-    for (const Run& run : runs) {
-        const std::string first = run.first.toString().toStdString();
-        const std::string last = run.last.toString().toStdString();
-        if (run.length > 2) {
-            names.push_back(fmt::format("{}..{} {}..{}", first, last, run.firstName, run.lastName));
+    for (const auto& [first, last, length] : runs) {
+        if (length > 2) {
+            names.push_back(
+                fmt::format("{}..{} {}..{}", first.value, last.value, first.name, last.name));
             continue;
         }
-        names.push_back(fmt::format("{} {}", first, run.firstName));
-        if (run.length == 2)
-            names.push_back(fmt::format("{} {}", last, run.lastName));
+        names.push_back(fmt::format("{} {}", first.value, first.name));
+        if (length == 2)
+            names.push_back(fmt::format("{} {}", last.value, last.name));
     }
     return names;
 }
@@ -114,8 +108,8 @@ bool isShort(const std::vector<std::string>& names)
 class Table
 {
 public:
-    Table(Buffer& buffer, const TQX_TypeLayout& layout, const MessageInfo* metadata)
-        : out(buffer), type(layout), info(metadata)
+    Table(Buffer& buffer, const TQX_TypeLayout& layout)
+        : out(buffer), type(layout), facts(TQX_fieldFacts(layout.recordType))
     {
     }
 
@@ -124,20 +118,17 @@ public:
 private:
     void appendHead();
     void appendRow(int index, size_t nameWidth, size_t typeWidth);
-    void appendSymbols(const FieldInfo& field, size_t indentation);
-    const FieldInfo* metadataOf(int index) const
-    {
-        return info ? info->getFieldInfos().value(index) : nullptr;
-    }
+    void appendSymbols(int index, size_t indentation);
     std::string nameOf(int index) const;
     std::string offsetOf(const TQX_FieldLayout& field) const;
     std::string typeOf(const TQX_FieldLayout& field) const;
     std::string presenceOf(const TQX_FieldLayout& field) const;
+    std::string neededOf(const TQX_FieldFacts& field) const;
     std::string propertiesOf(int index) const;
 
     Buffer& out;
     const TQX_TypeLayout& type;
-    const MessageInfo* info;
+    const TQX_FieldFacts* facts;
 };
 
 std::string Table::nameOf(int index) const
@@ -198,28 +189,37 @@ std::string Table::presenceOf(const TQX_FieldLayout& field) const
     return "";
 }
 
+/// "not available when CN0 is not"
+std::string Table::neededOf(const TQX_FieldFacts& field) const
+{
+    std::vector<std::string> names = inputNames(type, field);
+    std::string last = std::move(names.back());
+    names.pop_back();
+    return fmt::format("not available when {}{}{} is not", fmt::join(names, ", "),
+                       names.empty() ? "" : " or ", last);
+}
+
 std::string Table::propertiesOf(int index) const
 {
     std::vector<std::string> properties;
     const TQX_FieldLayout& layout = type.fields[index];
-    if (const FieldInfo* field = metadataOf(index)) {
-        const std::string unit = field->getUnit().toStdString();
-        if (field->hasScaleFactor())
-            properties.push_back(
-                fmt::format("x {}{}{}", field->getScaleFactor(), unit.empty() ? "" : " ", unit));
-        else if (!unit.empty())
-            properties.push_back(unit);
-        if (field->hasDoNotUseValue())
-            properties.push_back("not available: " +
-                                 field->getDoNotUseValue().toString().toStdString());
-        if (const std::vector<std::string> names = symbolsOf(*field);
-            !names.empty() && isShort(names))
-            properties.push_back(fmt::format("{}", fmt::join(names, ", ")));
-        if (info->isIdentifying(index))
-            properties.emplace_back("identifies");
-        if (field->isVirtual())
-            properties.emplace_back("derived");
-    }
+    const TQX_FieldFacts& field = facts[index];
+    const std::string_view unit = TQX_unit(field);
+    if (field.scale != 0)
+        properties.push_back(
+            fmt::format("x {}{}{}", TQX_scale(field), unit.empty() ? "" : " ", unit));
+    else if (!unit.empty())
+        properties.emplace_back(unit);
+    if (field.has(TQX_FieldFacts::HasDoNotUse))
+        properties.push_back("not available: " + doNotUseText(layout, field));
+    if (field.inputCount != 0)
+        properties.push_back(neededOf(field));
+    if (const std::vector<std::string> names = symbolsOf(field); !names.empty() && isShort(names))
+        properties.push_back(fmt::format("{}", fmt::join(names, ", ")));
+    if (field.has(TQX_FieldFacts::Identifying))
+        properties.emplace_back("identifies");
+    if (field.has(TQX_FieldFacts::Virtual))
+        properties.emplace_back("derived");
     if (std::string presence = presenceOf(layout); !presence.empty())
         properties.push_back(std::move(presence));
     if (*layout.meaning)
@@ -240,17 +240,20 @@ void Table::appendHead()
     if (!type.hasMessage)
         out.append(", no message class");
     out.append('\n');
-    if (info && !info->getShortDescriptiveText().isEmpty())
-        out.append(info->getShortDescriptiveText().toStdString() + "\n");
+    if (const TQX_TypeFacts& whole = *TQX_typeFacts(type.recordType);
+        whole.description != 0 && type.blockNumber != 0) {
+        out.append(TQX_description(whole));
+        out.append('\n');
+    }
     out.append('\n');
 }
 
 /// The names of a field's values, as many in a line as it holds, below the field. What fits beside
 /// it stands there already.
-void Table::appendSymbols(const FieldInfo& field, size_t indentation)
+void Table::appendSymbols(int index, size_t indentation)
 {
     constexpr size_t lineWidth = 100;
-    const std::vector<std::string> names = symbolsOf(field);
+    const std::vector<std::string> names = symbolsOf(facts[index]);
     if (isShort(names))
         return;
     std::string line;
@@ -272,8 +275,7 @@ void Table::appendRow(int index, size_t nameWidth, size_t typeWidth)
     line.erase(line.find_last_not_of(' ') + 1);
     out.append(line);
     out.append('\n');
-    if (const FieldInfo* metadata = metadataOf(index))
-        appendSymbols(*metadata, nameWidth + 12);
+    appendSymbols(index, nameWidth + 12);
 }
 
 void Table::append()
@@ -292,9 +294,9 @@ void Table::append()
 
 } // namespace
 
-void appendFieldTable(Buffer& out, const TQX_TypeLayout& type, const MessageInfo* info)
+void appendFieldTable(Buffer& out, const TQX_TypeLayout& type)
 {
-    Table(out, type, info).append();
+    Table(out, type).append();
 }
 
 } // namespace tqx

@@ -1,15 +1,14 @@
 #include "tqx/log/inspect/PieceText.h"
 
+#include "TQX_FieldFacts.h"
 #include "TQX_RecordAccess.h"
 #include "tqx/log/record/Members.h"
 #include "tqx/log/text/JsonText.h"
-
-#include "FieldInfo.h"
+#include "tqx/log/value/FieldText.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstring>
 
 namespace tqx
 {
@@ -41,54 +40,67 @@ std::string textOf(const uint8_t* bytes, uint32_t count)
     return count == 0 ? "" : quoted(reinterpret_cast<const char*>(bytes), count);
 }
 
-FieldValue valueOf(const TQX_FieldLayout& field, uint64_t stored)
+const TQX_FieldFacts& factsOf(const BlockPiece& piece)
 {
-    switch (field.type) {
-    case TQX_MemberType::F32: {
-        const auto bits = static_cast<uint32_t>(stored);
-        float value;
-        std::memcpy(&value, &bits, sizeof value);
-        return FieldValue::f32(value);
-    }
-    case TQX_MemberType::F64: {
-        double value;
-        std::memcpy(&value, &stored, sizeof value);
-        return FieldValue::f64(value);
-    }
-    case TQX_MemberType::Char:
-        return FieldValue::ch(static_cast<char>(stored));
-    default:
-        return TQX_isSigned(field) ? FieldValue::i(static_cast<int64_t>(stored), field.width)
-                                   : FieldValue::u(stored, field.width);
-    }
+    return TQX_fieldFacts(piece.type->recordType)[piece.field - piece.type->fields];
 }
 
-std::string storedText(const FieldValue& value)
+/// The value as it stands in the block, or scaled and by its name, without a unit.
+struct ValueText {
+    std::string text;
+    bool isNumber; ///< not a name
+};
+
+ValueText valueText(const BlockPiece& piece, bool isStored, std::string* unit = nullptr)
 {
-    if (value.getKind() != FieldKind::Ch)
-        return value.toString().toStdString();
-    const char character = value.getCh();
+    const TQX_FieldFacts& facts = factsOf(piece);
+    const FieldText field(*piece.field, facts, false, isStored);
+    Buffer buffer;
+    const bool isNumber = field.append(buffer, piece.stored);
+    if (unit)
+        *unit = field.getUnit();
+    return {std::string(buffer.view()), isNumber};
+}
+
+std::string storedText(const BlockPiece& piece)
+{
+    if (piece.field->type != TQX_MemberType::Char)
+        return valueText(piece, true).text;
+    const auto character = static_cast<char>(piece.stored);
     return quoted(&character, 1);
 }
 
-std::string meaningOf(const FieldValue& value, const FieldInfo* info)
+bool isNotAvailable(const BlockPiece& piece)
 {
-    if (!info)
-        return "";
-    if (info->isDoNotUse(value))
+    const bool isUnset = isContinuousTime(*piece.field) && piece.stored == noContinuousTime;
+    if (isUnset || !piece.hasInputs)
+        return true;
+    const MemberBits bits(*piece.field, false);
+    if (bits.isCharacter())
+        return false;
+    return bits.isReal() ? TQX_isRealDoNotUse(factsOf(piece), bits.real(piece.stored))
+                         : TQX_isDoNotUse(factsOf(piece), piece.stored);
+}
+
+std::string meaningOf(const BlockPiece& piece)
+{
+    if (isNotAvailable(piece))
         return "not available";
-    if (const QString* name = info->findSymbolicValue(value))
-        return name->toStdString();
-    if (value.getKind() == FieldKind::Ch)
+    std::string unit;
+    auto [text, isNumber] = valueText(piece, false, &unit);
+    if (!isNumber)
+        return text;
+    const MemberBits bits(*piece.field, false);
+    if (bits.isCharacter())
         return "";
     // Numbers far from what the field is meant for would be hundreds of digits long.
     constexpr size_t longest = 24;
-    std::string text = info->toScaledString(value).toStdString();
-    if (text.size() > longest && value.isFloat())
-        text = storedText(value);
-    if (info->getUnit().isEmpty())
-        return text == storedText(value) || value.isFloat() ? "" : text;
-    return text + " " + info->getUnit().toStdString();
+    const std::string stored = storedText(piece);
+    if (text.size() > longest && bits.isReal())
+        text = stored;
+    if (unit.empty())
+        return text == stored || bits.isReal() ? "" : text;
+    return text + unit;
 }
 
 std::string nameOf(const BlockPiece& piece)
@@ -144,7 +156,7 @@ PieceText entryText(const BlockPiece& piece)
 
 } // namespace
 
-std::vector<PieceText> textsOf(const BlockPiece& piece, const uint8_t* block, const FieldInfo* info)
+std::vector<PieceText> textsOf(const BlockPiece& piece, const uint8_t* block)
 {
     switch (piece.kind) {
     case Kind::Run:
@@ -165,13 +177,10 @@ std::vector<PieceText> textsOf(const BlockPiece& piece, const uint8_t* block, co
     case Kind::Derived:
         break;
     }
-    const FieldValue value = valueOf(*piece.field, piece.stored);
     std::string bytes = piece.kind == Kind::Derived ? "derived" : bitsOf(*piece.field);
     if (piece.kind == Kind::Number)
         bytes = hex(block + piece.offset, piece.size);
-    const bool isUnset = isContinuousTime(*piece.field) && piece.stored == noContinuousTime;
-    return {{bytes, nameOf(piece), storedText(value),
-             isUnset ? "not available" : meaningOf(value, info)}};
+    return {{bytes, nameOf(piece), storedText(piece), meaningOf(piece)}};
 }
 
 } // namespace tqx

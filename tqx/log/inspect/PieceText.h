@@ -5,8 +5,6 @@
 #include <string>
 #include <vector>
 
-class FieldInfo;
-
 namespace tqx
 {
 
@@ -18,10 +16,8 @@ struct PieceText {
     std::string value;  ///< what it stands for, where that is more: scaled, with unit, a name
 };
 
-/// Rows for a piece of a block, several for a long run. `piece` stands in `block`; `info` is the
-/// field's metadata, null where there is none.
-std::vector<PieceText> textsOf(const BlockPiece& piece, const uint8_t* block,
-                               const FieldInfo* info);
+/// Rows for a piece of a block, several for a long run. `piece` stands in `block`.
+std::vector<PieceText> textsOf(const BlockPiece& piece, const uint8_t* block);
 
 /// How many bytes a row shows.
 constexpr uint32_t bytesPerRow = 8;

@@ -1,17 +1,20 @@
 #include "tqx/log/inspect/TypesJson.h"
 
+#include "TQX_FieldFacts.h"
+#include "TQX_RecordAccess.h"
+#include "tqx/log/inspect/FieldNames.h"
+#include "tqx/log/record/TypeNames.h"
 #include "tqx/log/text/JsonText.h"
 #include "tqx/log/text/NumberText.h"
 
-#include "FieldInfo.h"
-#include "MessageInfo.h"
-#include "TQXDecoder.h"
-#include "TQX_FieldInfo.h"
-
+#include <algorithm>
 #include <string>
+#include <string_view>
 
 namespace tqx
 {
+
+using namespace Kor::MessageApi;
 
 namespace
 {
@@ -32,9 +35,9 @@ public:
         return out;
     }
 
-    void text(const char* name, const QString& value)
+    void text(const char* name, std::string_view value)
     {
-        json::appendString(member(name), value.toStdString());
+        json::appendString(member(name), std::string(value));
     }
     void number(const char* name, int64_t value) { number::appendSigned(member(name), value); }
     void real(const char* name, double value) { json::appendDouble(member(name), value); }
@@ -51,54 +54,59 @@ private:
     bool first = true;
 };
 
-const char* typeName(const FieldType& type)
+const char* typeName(const TQX_FieldLayout& field)
 {
-    switch (type.getKind()) {
-    case FieldKind::U:
-        return "u";
-    case FieldKind::I:
-        return "i";
-    case FieldKind::F32:
+    switch (field.type) {
+    case TQX_MemberType::F32:
         return "f32";
-    case FieldKind::F64:
+    case TQX_MemberType::F64:
         return "f64";
-    case FieldKind::Ch:
+    case TQX_MemberType::Char:
         return "ch";
-    default:
+    case TQX_MemberType::Record:
         return "sub";
+    default:
+        return TQX_isSigned(field) ? "i" : "u";
     }
 }
 
-void appendValue(Buffer& out, const FieldValue& value)
+void appendDoNotUse(Object& object, const TQX_FieldLayout& field, const TQX_FieldFacts& facts)
 {
-    if (value.getKind() == FieldKind::F32)
-        json::appendFloat(out, value.getF32());
-    else if (value.getKind() == FieldKind::F64)
-        json::appendDouble(out, value.getF64());
+    if (!facts.has(TQX_FieldFacts::HasDoNotUse))
+        return;
+    Buffer& out = object.member("doNotUse");
+    if (field.type == TQX_MemberType::F32)
+        json::appendFloat(out, static_cast<float>(TQX_realDoNotUse(facts)));
+    else if (field.type == TQX_MemberType::F64)
+        json::appendDouble(out, TQX_realDoNotUse(facts));
     else
-        out.append(value.toString().toStdString());
+        out.append(doNotUseText(field, facts));
 }
 
-void appendSymbols(Object& object, const FieldInfo& field)
+void appendSymbols(Object& object, const TQX_FieldLayout& field, const TQX_FieldFacts& facts)
 {
-    if (field.getSymbolicValues().isEmpty())
+    const TQX_NamedValues named = TQX_namedValues(facts);
+    const bool namesDoNotUse = facts.has(TQX_FieldFacts::NamesDoNotUse);
+    if (named.empty() && !namesDoNotUse)
         return;
     Buffer& out = object.member("symbols");
     Object symbols(out);
-    for (const FieldInfo::SymbolicValue& symbol : field.getSymbolicValues())
-        symbols.text(symbol.value.toString().toStdString().c_str(), symbol.name);
+    for (const TQX_NamedValue& value : named)
+        symbols.text(std::to_string(value.value).c_str(), value.name);
+    if (namesDoNotUse)
+        symbols.text(doNotUseText(field, facts).c_str(), "DoNotUse");
     symbols.close();
 }
 
-void appendSubFields(Object& object, const FieldInfo& field)
+void appendNames(Object& object, const char* name, const std::vector<std::string>& names)
 {
-    if (field.getSubFieldInfos().isEmpty())
+    if (names.empty())
         return;
-    Buffer& out = object.member("subFields");
+    Buffer& out = object.member(name);
     const char* separator = "[";
-    for (const FieldInfo* subField : field.getSubFieldInfos()) {
+    for (const std::string& each : names) {
         out.append(separator);
-        json::appendString(out, subField->getName().toStdString());
+        json::appendString(out, each);
         separator = ",";
     }
     out.append(']');
@@ -106,77 +114,95 @@ void appendSubFields(Object& object, const FieldInfo& field)
 
 /// What the field is, and where it is on the wire if that is the same in all blocks: its first byte
 /// in the block or sub-block, or its first bit in the word.
-void appendPlace(Object& object, const Kor::MessageApi::TQX_FieldLayout& field)
+void appendPlace(Object& object, const TQX_FieldLayout& field)
 {
-    using Kind = Kor::MessageApi::TQX_FieldKind;
     if (*field.meaning != '\0')
         object.text("description", field.meaning);
-    if (field.kind == Kind::Bits)
+    if (field.kind == TQX_FieldKind::Bits)
         object.number("bit", field.shift);
-    else if (field.kind != Kind::Derived && field.wireOffset >= 0)
+    else if (field.kind != TQX_FieldKind::Derived && field.wireOffset >= 0)
         object.number("offset", field.wireOffset);
 }
 
-void appendField(Buffer& out, const FieldInfo& field, bool isIdentifying)
+std::vector<std::string> subFieldsOf(const TQX_TypeLayout& type, int index)
 {
+    std::vector<std::string> names;
+    for (int i = 0; i < type.fieldCount; ++i)
+        if (type.fields[i].parent == index)
+            names.emplace_back(type.fields[i].name);
+    return names;
+}
+
+/// The class that the Qt library has for the field.
+std::string fieldClass(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
+{
+    std::string name = field.name;
+    std::replace(name.begin(), name.end(), ' ', '_');
+    return std::string("TQX_") + type.name + '_' + name + "_FieldInfo";
+}
+
+void appendField(Buffer& out, const TQX_TypeLayout& type, int index)
+{
+    using Facts = TQX_FieldFacts;
+    const TQX_FieldLayout& field = type.fields[index];
+    const Facts& facts = TQX_fieldFacts(type.recordType)[index];
     Object object(out);
-    object.text("name", field.getName());
-    if (const auto* own = dynamic_cast<const TQX_FieldInfo*>(&field)) {
-        object.text("class", own->row().className);
-        appendPlace(object, own->layout());
-    }
-    const FieldType& type = field.getType();
-    object.text("type", typeName(type));
-    if (type.getWidth() != 0)
-        object.number("width", type.getWidth());
-    if (!field.getUnit().isEmpty())
-        object.text("unit", field.getUnit());
-    if (field.hasScaleFactor())
-        object.real("scale", field.getScaleFactor());
-    if (field.getPrecision() >= 0)
-        object.number("precision", field.getPrecision());
-    if (field.getRole() != FieldInfo::Unset)
-        object.number("role", field.getRole());
-    object.flag("optional", field.isOptional());
-    object.flag("repeated", field.isRepeated());
-    object.flag("virtual", field.isVirtual());
-    object.flag("bitMask", field.getRepresentationMode() == FieldValue::BitMask);
-    object.flag("identifying", isIdentifying);
-    if (field.hasDoNotUseValue())
-        appendValue(object.member("doNotUse"), field.getDoNotUseValue());
-    appendSymbols(object, field);
-    appendSubFields(object, field);
-    if (const MessageInfo* sub = type.getSubMessageInfo())
-        object.text("subMessage", sub->getName());
+    object.text("name", field.name);
+    if (type.hasMessage)
+        object.text("class", fieldClass(type, field));
+    appendPlace(object, field);
+    object.text("type", typeName(field));
+    if (field.width != 0)
+        object.number("width", field.width);
+    if (facts.unit != 0)
+        object.text("unit", TQX_unit(facts));
+    if (facts.scale != 0)
+        object.real("scale", TQX_scale(facts));
+    if (facts.precision >= 0)
+        object.number("precision", facts.precision);
+    if (facts.role != TQX_Role::Unset)
+        object.number("role", static_cast<int>(facts.role));
+    object.flag("optional", facts.has(Facts::Optional));
+    object.flag("repeated", facts.has(Facts::Repeated));
+    object.flag("virtual", facts.has(Facts::Virtual));
+    object.flag("bitMask", facts.has(Facts::BitMask));
+    object.flag("identifying", facts.has(Facts::Identifying));
+    appendDoNotUse(object, field, facts);
+    appendNames(object, "inputs", inputNames(type, facts));
+    appendSymbols(object, field, facts);
+    appendNames(object, "subFields", subFieldsOf(type, index));
+    if (field.recordType != 0)
+        object.text("subMessage", TQX_layout(field.recordType)->name);
     object.close();
 }
 
-void appendAttributes(Object& object, const MessageInfo& type)
+void appendAttributes(Object& object, const TQX_TypeFacts& facts)
 {
-    object.number("version", type.getAttribute("version").toInt());
-    object.boolean("flexrate", type.getAttribute("flexrate").toBool());
-    object.boolean("esoc", type.getAttribute("esoc").toBool());
-    object.text("timestamp", QString(QChar(type.getAttribute("timestamp").toInt())));
-    if (!type.getShortDescriptiveText().isEmpty())
-        object.text("description", type.getShortDescriptiveText());
+    object.number("version", facts.generation);
+    object.boolean("flexrate", facts.flexrate);
+    object.boolean("esoc", facts.esoc);
+    object.text("timestamp", std::string_view(&facts.timestamp, 1));
+    if (facts.description != 0)
+        object.text("description", TQX_description(facts));
 }
 
-void appendType(Buffer& out, const MessageInfo& type, int recordType)
+void appendType(Buffer& out, const TQX_TypeLayout& type)
 {
+    const bool isMain = type.blockNumber != 0;
     Object object(out);
-    object.text("name", type.getName());
-    object.text("kind", type.isMain() ? "main" : "sub");
-    if (type.isMain())
-        object.number("number", type.getAttribute("blocknr").toInt());
-    object.number("recordType", recordType);
-    if (type.isMain())
-        appendAttributes(object, type);
+    object.text("name", type.name);
+    object.text("kind", isMain ? "main" : "sub");
+    if (isMain)
+        object.number("number", type.blockNumber);
+    object.number("recordType", type.recordType);
+    if (isMain)
+        appendAttributes(object, *TQX_typeFacts(type.recordType));
     Buffer& fields = object.member("fields");
     fields.append('[');
-    for (int i = 0; i < type.getFieldInfos().size(); ++i) {
+    for (int i = 0; i < type.fieldCount; ++i) {
         if (i != 0)
             fields.append(',');
-        appendField(fields, *type.getFieldInfos()[i], type.isIdentifying(i));
+        appendField(fields, type, i);
     }
     fields.append(']');
     object.close();
@@ -184,14 +210,26 @@ void appendType(Buffer& out, const MessageInfo& type, int recordType)
 
 } // namespace
 
-void appendTypesJson(Buffer& out, const std::vector<const MessageInfo*>& types)
+std::vector<const TQX_TypeLayout*> registeredTypes()
 {
-    // A decoder knows the record types by their metadata.
-    const TQXDecoder decoder;
+    std::vector<const TQX_TypeLayout*> types;
+    forEachType([&](const TQX_TypeLayout& type) {
+        if (TQX_typeFacts(type.recordType)->registration != 0)
+            types.push_back(&type);
+    });
+    std::sort(types.begin(), types.end(), [](const TQX_TypeLayout* a, const TQX_TypeLayout* b) {
+        return TQX_typeFacts(a->recordType)->registration <
+               TQX_typeFacts(b->recordType)->registration;
+    });
+    return types;
+}
+
+void appendTypesJson(Buffer& out, const std::vector<const TQX_TypeLayout*>& types)
+{
     const char* separator = "[\n";
-    for (const MessageInfo* type : types) {
+    for (const TQX_TypeLayout* type : types) {
         out.append(separator);
-        appendType(out, *type, decoder.getMessageEnum(type));
+        appendType(out, *type);
         separator = ",\n";
     }
     out.append(types.empty() ? "[]\n" : "\n]\n");

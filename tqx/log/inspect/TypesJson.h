@@ -1,16 +1,18 @@
 #pragma once
 
+#include "TQX_Layout.h"
 #include "tqx/log/text/Buffer.h"
 
 #include <vector>
 
-class MessageInfo;
-
 namespace tqx
 {
 
-/// Appends the metadata of the types as one JSON array, a type a line, properties that are not set
-/// left out.
-void appendTypesJson(Buffer& out, const std::vector<const MessageInfo*>& types);
+/// The types that have a message class, in the order of the registry.
+std::vector<const Kor::MessageApi::TQX_TypeLayout*> registeredTypes();
+
+/// Appends what is known of the types and their fields as one JSON array, a type a line, properties
+/// that are not set left out.
+void appendTypesJson(Buffer& out, const std::vector<const Kor::MessageApi::TQX_TypeLayout*>& types);
 
 } // namespace tqx

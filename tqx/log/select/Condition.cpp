@@ -1,49 +1,41 @@
 #include "tqx/log/select/Condition.h"
 
+#include "TQX_RecordAccess.h"
 #include "tqx/log/record/TypeNames.h"
 #include "tqx/log/select/FieldPath.h"
-
-#include "Message.h"
-#include "MessageInfo.h"
-#include "TQX_FormatInfo.h"
 
 #include <utility>
 
 namespace tqx
 {
 
-using Kor::MessageApi::TQX_TypeLayout;
+using namespace Kor::MessageApi;
 
 namespace
 {
 
 /// The main type that the first of several names names, or null.
-const MessageInfo* typeNamedBy(const std::vector<ExpressionWord>& path)
+const TQX_TypeLayout* typeNamedBy(const std::vector<ExpressionWord>& path)
 {
-    const TQX_TypeLayout* layout = path.size() > 1 ? findType(path.front().text) : nullptr;
-    if (!layout || layout->blockNumber == 0)
-        return nullptr;
-    return TQX_FormatInfo::getInstance()->getMessageInfo(QString::fromLatin1(layout->name));
+    const TQX_TypeLayout* type = path.size() > 1 ? findType(path.front().text) : nullptr;
+    return type && type->blockNumber != 0 ? type : nullptr;
 }
 
-struct MainType {
-    const MessageInfo* info;
-    uint16_t number;
-};
-
-const std::vector<MainType>& mainTypes()
+const std::vector<const TQX_TypeLayout*>& mainTypes()
 {
-    static const std::vector<MainType> types = [] {
-        std::vector<MainType> list;
-        for (const MessageInfo* info : TQX_FormatInfo::getInstance()->getMessageInfos())
-            list.push_back({info, findType(info->getName().toStdString())->blockNumber});
+    static const std::vector<const TQX_TypeLayout*> types = [] {
+        std::vector<const TQX_TypeLayout*> list;
+        forEachType([&](const TQX_TypeLayout& type) {
+            if (type.blockNumber != 0)
+                list.push_back(&type);
+        });
         return list;
     }();
     return types;
 }
 
 std::string unknownFieldText(const ExpressionTerm& term, const UnknownField& unknown,
-                             const MessageInfo* owner)
+                             const TQX_TypeLayout* owner)
 {
     const std::string& name = term.path[unknown.depth].text;
     if (unknown.depth == 0 && term.path.size() == 1) {
@@ -58,7 +50,7 @@ std::string unknownFieldText(const ExpressionTerm& term, const UnknownField& unk
             if (type.blockNumber != 0)
                 candidates.emplace_back(type.name);
         });
-    const std::string kind = owner        ? "field of " + owner->getName().toStdString()
+    const std::string kind = owner        ? "field of " + std::string(owner->name)
                              : mayBeBlock ? "block or field"
                                           : "field";
     return unknownName(kind, name, candidates);
@@ -76,13 +68,13 @@ Condition::Condition(const std::string& text, const TypeSelection& types)
 void Condition::resolve(size_t termIndex, const TypeSelection& types)
 {
     const ExpressionTerm& term = expression.terms()[termIndex];
-    const MessageInfo* owner = typeNamedBy(term.path);
+    const TQX_TypeLayout* owner = typeNamedBy(term.path);
     UnknownField unknown;
     std::string why;
     bool isKnown = false;
     bool isTest = false;
     bool isSelected = false;
-    for (const auto& [type, number] : mainTypes()) {
+    for (const TQX_TypeLayout* type : mainTypes()) {
         if (owner && owner != type)
             continue;
         for (const FieldPath& path : findFields(*type, term.path, owner ? 1 : 0, unknown)) {
@@ -91,11 +83,13 @@ void Condition::resolve(size_t termIndex, const TypeSelection& types)
             if (!test)
                 continue;
             isTest = true;
-            if (!types.accepts(number))
+            if (!types.accepts(type->blockNumber))
                 continue;
             isSelected = true;
-            readTypes.set(number);
-            testsOfTypes.try_emplace(type, noTests).first->second[termIndex].push_back(*test);
+            readTypes.set(type->blockNumber);
+            testsOfTypes.try_emplace(type->recordType, noTests)
+                .first->second[termIndex]
+                .push_back(*test);
         }
     }
     if (!isKnown)
@@ -106,26 +100,28 @@ void Condition::resolve(size_t termIndex, const TypeSelection& types)
         expression.fail(term.path.front().position, "no selected block has this field");
 }
 
-bool Condition::accepts(const Message* message) const
+bool Condition::accepts(const void* record) const
 {
-    const auto tests = message ? testsOfTypes.find(message->getInfo()) : testsOfTypes.end();
-    return holds(expression.root(), tests == testsOfTypes.end() ? noTests : tests->second, message);
+    const auto tests =
+        record ? testsOfTypes.find(static_cast<const KorcgHeader_s*>(record)->korcg_type)
+               : testsOfTypes.end();
+    return holds(expression.root(), tests == testsOfTypes.end() ? noTests : tests->second, record);
 }
 
-bool Condition::holds(size_t index, const Tests& tests, const Message* message) const
+bool Condition::holds(size_t index, const Tests& tests, const void* record) const
 {
     using Kind = Expression::Node::Kind;
     const Expression::Node& node = expression.node(index);
     switch (node.kind) {
     case Kind::And:
-        return holds(node.left, tests, message) && holds(node.right, tests, message);
+        return holds(node.left, tests, record) && holds(node.right, tests, record);
     case Kind::Or:
-        return holds(node.left, tests, message) || holds(node.right, tests, message);
+        return holds(node.left, tests, record) || holds(node.right, tests, record);
     case Kind::Not:
-        return !holds(node.left, tests, message);
+        return !holds(node.left, tests, record);
     default:
         for (const FieldTest& test : tests[node.left])
-            if (test.passes(*message))
+            if (test.passes(record))
                 return true;
         return false;
     }

@@ -9,9 +9,6 @@
 #include <unordered_map>
 #include <vector>
 
-class Message;
-class MessageInfo;
-
 namespace tqx
 {
 
@@ -19,7 +16,7 @@ namespace tqx
 ///
 /// A field stands for the values that the message has of it: one, or all elements of an array and
 /// of all sub-blocks. A comparison holds when it holds for at least one that is available, in the
-/// unit and with the names that the metadata gives; so it does not hold for messages without the
+/// unit and with the names that the description gives; so it does not hold for messages without the
 /// field. `has` asks whether there is an available value.
 class Condition
 {
@@ -30,21 +27,22 @@ public:
     Condition(const std::string& text, const TypeSelection& types);
 
     /// Whether any of the fields belongs to that type. If not, accepts() says the same for all its
-    /// messages, and for null.
+    /// blocks, and for null.
     bool reads(uint16_t blockNumber) const { return readTypes[blockNumber]; }
 
-    /// Whether the condition holds. Null stands for a message that has none of the fields.
-    bool accepts(const Message* message) const;
+    /// Whether the condition holds for the record of a main block. Null stands for a block that has
+    /// none of the fields.
+    bool accepts(const void* record) const;
 
 private:
     /// The tests that each term comes down to for one type.
     using Tests = std::vector<std::vector<FieldTest>>;
 
     void resolve(size_t termIndex, const TypeSelection& types);
-    bool holds(size_t node, const Tests& tests, const Message* message) const;
+    bool holds(size_t node, const Tests& tests, const void* record) const;
 
     Expression expression;
-    std::unordered_map<const MessageInfo*, Tests> testsOfTypes;
+    std::unordered_map<uint32_t, Tests> testsOfTypes; ///< by record type
     Tests noTests;
     std::bitset<TypeSelection::numbers> readTypes;
 };

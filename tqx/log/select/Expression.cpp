@@ -8,6 +8,7 @@
 #include <cctype>
 #include <charconv>
 #include <cmath>
+#include <optional>
 #include <utility>
 
 namespace tqx
@@ -26,33 +27,36 @@ bool isDigit(char c)
     return std::isdigit(static_cast<unsigned char>(c));
 }
 
-template<typename Number>
-bool readWhole(std::string_view text, Number& number, int base)
+template<typename Integer>
+bool readWhole(std::string_view text, Integer& number, int base)
 {
     const auto [stop, error] =
         std::from_chars(text.data(), text.data() + text.size(), number, base);
     return error == std::errc() && stop == text.data() + text.size();
 }
 
-/// Integers that 64 bits hold exactly, everything else as a double; empty for no number.
-FieldValue readNumber(std::string_view text)
+/// Integers that 64 bits hold exactly, everything else as a double.
+std::optional<Number> readNumber(std::string_view text)
 {
     if (!text.empty() && text.front() == '+')
         text.remove_prefix(1);
     if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
         uint64_t bits = 0;
-        return readWhole(text.substr(2), bits, 16) ? FieldValue::u(bits, 64) : FieldValue();
+        if (!readWhole(text.substr(2), bits, 16))
+            return std::nullopt;
+        return Number::ofUnsigned(bits);
     }
     uint64_t whole = 0;
     if (readWhole(text, whole, 10))
-        return FieldValue::u(whole, 64);
+        return Number::ofUnsigned(whole);
     int64_t negative = 0;
     if (readWhole(text, negative, 10))
-        return FieldValue::i(negative, 64);
+        return Number::ofSigned(negative);
     double real = 0;
     const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), real);
-    const bool isReal = error == std::errc() && stop == text.data() + text.size();
-    return isReal ? FieldValue::f64(real) : FieldValue();
+    if (error != std::errc() || stop != text.data() + text.size() || !std::isfinite(real))
+        return std::nullopt;
+    return Number::ofReal(real);
 }
 
 } // namespace
@@ -256,10 +260,11 @@ void ExpressionParser::readValue(ExpressionTerm& term)
                                   (end == at || text[end - 1] == 'e' || text[end - 1] == 'E'))))
         ++end;
     term.value.text = text.substr(at, end - at);
-    term.number = readNumber(term.value.text);
-    if (term.number.isEmpty() || !std::isfinite(term.number.toDouble()))
+    const std::optional<Number> number = readNumber(term.value.text);
+    if (!number)
         fail(end != at && isLetter(text[at]) ? "names and texts stand in quotes"
                                              : "a number, or a name in quotes, is expected here");
+    term.number = *number;
     at = end;
 }
 

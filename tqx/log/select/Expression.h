@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FieldValue.h"
+#include "tqx/log/select/Number.h"
 
 #include <cstddef>
 #include <string>
@@ -24,7 +24,7 @@ struct ExpressionTerm {
     Comparison comparison;
     ExpressionWord value; ///< as written, a name without its quotes; nothing for Has
     bool isName = false;  ///< the value stands in quotes
-    FieldValue number;    ///< an integer or a double, for values without quotes
+    Number number;        ///< for values without quotes
 };
 
 /// A condition on the fields of messages, read into a tree. The grammar, loosest binding first:

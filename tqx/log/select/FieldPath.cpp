@@ -2,12 +2,12 @@
 
 #include "tqx/log/record/TypeNames.h"
 
-#include "TQX_FieldInfo.h"
-
-#include "MessageInfo.h"
+#include <algorithm>
 
 namespace tqx
 {
+
+using namespace Kor::MessageApi;
 
 namespace
 {
@@ -21,43 +21,38 @@ public:
     }
 
     /// The field of that name in the type, or else all of that name in its sub-blocks.
-    void findAtAnyDepth(const MessageInfo& type, size_t at)
+    void findAtAnyDepth(const TQX_TypeLayout& type, size_t at)
     {
         if (!findIn(type, at))
-            forEachSubBlock(type, [&](const MessageInfo& inner) { findBelow(inner, at); });
+            forEachSubBlock(type, [&](const TQX_TypeLayout& inner) { findBelow(inner, at); });
     }
 
     std::vector<FieldPath> found;
 
 private:
-    static const char* nameOf(const FieldInfo* info)
-    {
-        return static_cast<const TQX_FieldInfo*>(info)->layout().name;
-    }
-
     template<typename Action>
-    void forEachSubBlock(const MessageInfo& type, const Action& action)
+    void forEachSubBlock(const TQX_TypeLayout& type, const Action& action)
     {
-        for (const FieldInfo* info : type.getFieldInfos()) {
-            if (const MessageInfo* inner = info->getType().getSubMessageInfo()) {
-                through.push_back(info);
-                action(*inner);
-                through.pop_back();
-            }
+        for (int i = type.firstSubBlock; i < type.fieldCount; ++i) {
+            if (type.fields[i].recordType == 0)
+                continue;
+            through.push_back({&type, type.fields + i});
+            action(*TQX_layout(type.fields[i].recordType));
+            through.pop_back();
         }
     }
 
-    void findBelow(const MessageInfo& type, size_t at)
+    void findBelow(const TQX_TypeLayout& type, size_t at)
     {
         findIn(type, at);
-        forEachSubBlock(type, [&](const MessageInfo& inner) { findBelow(inner, at); });
+        forEachSubBlock(type, [&](const TQX_TypeLayout& inner) { findBelow(inner, at); });
     }
 
-    bool findIn(const MessageInfo& type, size_t at)
+    bool findIn(const TQX_TypeLayout& type, size_t at)
     {
-        for (const FieldInfo* info : type.getFieldInfos()) {
-            if (equalFields(nameOf(info), names[at].text)) {
-                take(*info, at);
+        for (int i = 0; i < type.fieldCount; ++i) {
+            if (equalFields(type.fields[i].name, names[at].text)) {
+                take({&type, type.fields + i}, at);
                 return true;
             }
         }
@@ -65,38 +60,39 @@ private:
         return false;
     }
 
-    void take(const FieldInfo& info, size_t at)
+    void take(const FieldOfType& field, size_t at)
     {
         if (at + 1 == names.size()) {
-            found.push_back({through, &info});
-        } else if (const MessageInfo* inner = info.getType().getSubMessageInfo()) {
-            through.push_back(&info);
-            findIn(*inner, at + 1);
+            found.push_back({through, field});
+        } else if (field.layout->recordType != 0) {
+            through.push_back(field);
+            findIn(*TQX_layout(field.layout->recordType), at + 1);
             through.pop_back();
         } else if (at + 1 > unknown.depth) {
             unknown = {at + 1, {}};
         }
     }
 
-    void note(const MessageInfo& type, size_t at)
+    void note(const TQX_TypeLayout& type, size_t at)
     {
         if (at < unknown.depth)
             return;
         if (at > unknown.depth)
             unknown = {at, {}};
-        for (const FieldInfo* info : type.getFieldInfos())
-            unknown.candidates.insert(nameOf(info));
+        for (int i = 0; i < type.fieldCount; ++i)
+            unknown.candidates.insert(type.fields[i].name);
     }
 
     const std::vector<ExpressionWord>& names;
     UnknownField& unknown;
-    std::vector<const FieldInfo*> through;
+    std::vector<FieldOfType> through;
 };
 
 } // namespace
 
-std::vector<FieldPath> findFields(const MessageInfo& type, const std::vector<ExpressionWord>& names,
-                                  size_t first, UnknownField& unknown)
+std::vector<FieldPath> findFields(const TQX_TypeLayout& type,
+                                  const std::vector<ExpressionWord>& names, size_t first,
+                                  UnknownField& unknown)
 {
     Search search(names, unknown);
     search.findAtAnyDepth(type, first);

@@ -2,20 +2,31 @@
 
 #include "tqx/log/select/Expression.h"
 
+#include "TQX_FieldFacts.h"
+#include "TQX_Layout.h"
+
 #include <set>
 #include <string_view>
 #include <vector>
 
-class FieldInfo;
-class MessageInfo;
-
 namespace tqx
 {
 
+/// A field of a type.
+struct FieldOfType {
+    const Kor::MessageApi::TQX_TypeLayout* type;
+    const Kor::MessageApi::TQX_FieldLayout* layout;
+
+    const Kor::MessageApi::TQX_FieldFacts& facts() const
+    {
+        return TQX_fieldFacts(type->recordType)[layout - type->fields];
+    }
+};
+
 /// A field and the sub-block fields that lead to it from a main block.
 struct FieldPath {
-    std::vector<const FieldInfo*> through;
-    const FieldInfo* field;
+    std::vector<FieldOfType> through;
+    FieldOfType field;
 };
 
 /// How far names could be followed; what an error says about names that lead nowhere.
@@ -27,7 +38,8 @@ struct UnknownField {
 /// The fields of a type that names lead to, from `first` on: a field of the type itself or, when it
 /// has none of that name, all in its sub-blocks at any depth. Blanks in the name of a field are
 /// written as underscores. When there is none, `unknown` is brought up to date.
-std::vector<FieldPath> findFields(const MessageInfo& type, const std::vector<ExpressionWord>& names,
-                                  size_t first, UnknownField& unknown);
+std::vector<FieldPath> findFields(const Kor::MessageApi::TQX_TypeLayout& type,
+                                  const std::vector<ExpressionWord>& names, size_t first,
+                                  UnknownField& unknown);
 
 } // namespace tqx

@@ -1,38 +1,37 @@
 #include "tqx/log/select/FieldTest.h"
 
+#include "TQX_RecordAccess.h"
+#include "tqx/log/record/MemberBits.h"
 #include "tqx/log/record/Members.h"
 #include "tqx/log/record/TypeNames.h"
+#include "tqx/log/text/Latin1.h"
 #include "tqx/log/text/PrintableText.h"
 
-#include "FieldInfo.h"
-#include "Message.h"
-#include "TQX_FieldInfo.h"
-
 #include <algorithm>
-#include <cmath>
 
 namespace tqx
 {
 
+using namespace Kor::MessageApi;
+
 namespace
 {
 
-template<typename Value>
-bool compares(const Value& value, Comparison comparison, const Value& wanted)
+bool holds(Comparison comparison, int order)
 {
     switch (comparison) {
     case Comparison::Equal:
-        return value == wanted;
+        return order == 0;
     case Comparison::NotEqual:
-        return value != wanted;
+        return order != 0;
     case Comparison::Less:
-        return value < wanted;
+        return order < 0;
     case Comparison::LessOrEqual:
-        return value <= wanted;
+        return order <= 0;
     case Comparison::Greater:
-        return value > wanted;
+        return order > 0;
     default:
-        return value >= wanted;
+        return order >= 0;
     }
 }
 
@@ -42,24 +41,57 @@ std::string withoutTrailingBlanks(std::string text)
     return text;
 }
 
+bool isReal(const TQX_FieldLayout& field)
+{
+    return field.type == TQX_MemberType::F32 || field.type == TQX_MemberType::F64;
+}
+
+/// How many values a record has of a field.
+uint32_t countOf(const FieldOfType& field, const void* record)
+{
+    const TQX_FieldLayout& layout = *field.layout;
+    if (layout.presence != TQX_Presence::Always && !TQX_isPresent(*field.type, layout, record))
+        return 0;
+    return field.facts().has(TQX_FieldFacts::Repeated)
+               ? TQX_elementCount(*field.type, layout, record)
+               : 1;
+}
+
+double realOf(const TQX_FieldLayout& field, const void* record, uint32_t index)
+{
+    return MemberBits(field, false)
+        .real(loadWord(TQX_element(field, record, index), TQX_elementSize(field)));
+}
+
+/// In two's complement when it is signed.
+uint64_t integerOf(const TQX_FieldLayout& field, const void* record, uint32_t index)
+{
+    return TQX_isSigned(field) ? static_cast<uint64_t>(TQX_signedValue(field, record, index))
+                               : TQX_unsignedValue(field, record, index);
+}
+
 } // namespace
+
+FieldTest::FieldTest(const FieldPath& fieldPath, Comparison wanted)
+    : path(fieldPath), facts(&fieldPath.field.facts()), comparison(wanted)
+{
+}
 
 std::optional<FieldTest> FieldTest::make(const FieldPath& path, const ExpressionTerm& term,
                                          std::string& why)
 {
     FieldTest test(path, term.comparison);
-    test.isTime = isContinuousTime(static_cast<const TQX_FieldInfo*>(path.field)->layout());
-    const FieldType& type = path.field->getType();
+    test.isTime = isContinuousTime(*path.field.layout);
     if (term.comparison == Comparison::Has)
         return test;
     std::string problem;
-    if (type.getKind() == FieldKind::SubMessage)
+    if (path.field.layout->recordType != 0)
         problem = "holds sub-blocks; compare a field inside, or ask whether it is there with has";
     else
         problem = term.isName ? test.prepareName(term.value.text) : test.prepareNumber(term.number);
     if (problem.empty())
         return test;
-    why = path.field->getName().toStdString() + ' ' + problem;
+    why = std::string(path.field.layout->name) + ' ' + problem;
     return std::nullopt;
 }
 
@@ -67,97 +99,105 @@ std::string FieldTest::prepareName(const std::string& name)
 {
     if (comparison != Comparison::Equal && comparison != Comparison::NotEqual)
         return "can be compared with a name or text by == and != only";
-    const FieldInfo& info = *path.field;
-    if (info.getType().getKind() == FieldKind::Ch) {
+    if (path.field.layout->type == TQX_MemberType::Char) {
         subject = Subject::Text;
         text = withoutTrailingBlanks(name);
         return {};
     }
     subject = Subject::Name;
-    std::vector<std::string> names;
-    for (const FieldInfo::SymbolicValue& symbol : info.getSymbolicValues()) {
-        if (info.isDoNotUse(symbol.value))
+    std::vector<std::string_view> names;
+    for (const TQX_NamedValue& each : TQX_namedValues(*facts)) {
+        const auto value = static_cast<uint64_t>(each.value);
+        if (TQX_isDoNotUse(*facts, value))
             continue;
-        names.push_back(symbol.name.toStdString());
-        if (equalNames(names.back(), name))
-            named.push_back(symbol.value);
+        names.push_back(each.name);
+        if (equalNames(each.name, name))
+            named.push_back(value);
     }
     if (!named.empty())
         return {};
     if (names.empty())
         return "has no names for its values; compare it with a number";
-    const std::string meant = nearest(name, {names.begin(), names.end()});
+    const std::string meant = nearest(name, names);
     return "has no value named '" + shortened(name) + '\'' +
            (meant.empty() ? "" : ", did you mean '" + meant + "'?");
 }
 
-std::string FieldTest::prepareNumber(const FieldValue& value)
+std::string FieldTest::prepareNumber(const Number& value)
 {
-    const FieldInfo& info = *path.field;
-    if (info.getType().getKind() == FieldKind::Ch)
+    if (path.field.layout->type == TQX_MemberType::Char)
         return "is a text; compare it with one in quotes";
     subject = Subject::Number;
     number = value;
-    if (info.hasScaleFactor())
-        scale.emplace(info.getScaleFactor());
+    if (facts->scale != 0)
+        scale.emplace(TQX_scale(*facts));
     // A number that a float shows as 0.1 is meant to equal 0.1.
-    else if (info.getType().getKind() == FieldKind::F32)
-        number = FieldValue::f32(static_cast<float>(value.toDouble()));
+    else if (path.field.layout->type == TQX_MemberType::F32)
+        number = Number::ofReal(static_cast<double>(static_cast<float>(value.toDouble())));
     return {};
 }
 
-bool FieldTest::passesBelow(const Message& message, size_t depth) const
+bool FieldTest::passesBelow(const void* record, size_t depth) const
 {
     if (depth == path.through.size())
-        return passesHere(message);
-    const FieldInfo& info = *path.through[depth];
-    const unsigned count = info.getNumberOfValues(&message);
-    for (unsigned i = 0; i < count; ++i)
-        if (passesBelow(*info.getValueUnchecked(&message, i).getSubMessage(), depth + 1))
+        return passesHere(record);
+    const FieldOfType& field = path.through[depth];
+    const uint32_t count = countOf(field, record);
+    for (uint32_t i = 0; i < count; ++i)
+        if (passesBelow(TQX_element(*field.layout, record, i), depth + 1))
             return true;
     return false;
 }
 
-bool FieldTest::passesHere(const Message& message) const
+bool FieldTest::passesHere(const void* record) const
 {
-    const FieldInfo& info = *path.field;
+    const uint32_t count = countOf(path.field, record);
     if (subject == Subject::Text)
-        return passesText(message);
-    const unsigned count = info.getNumberOfValues(&message);
-    for (unsigned i = 0; i < count; ++i) {
-        const FieldValue value = info.getValueUnchecked(&message, i);
-        const bool isUnset = isTime && value == FieldValue::u(noContinuousTime, 32);
-        if (!isUnset && !info.isDoNotUse(value) && passesValue(value))
+        return count != 0 && passesText(record);
+    if (facts->inputCount != 0 && !TQX_hasInputs(*facts, record))
+        return false;
+    for (uint32_t i = 0; i < count; ++i)
+        if (passesElement(record, i))
             return true;
-    }
     return false;
 }
 
-bool FieldTest::passesText(const Message& message) const
+bool FieldTest::passesText(const void* record) const
 {
-    if (!path.field->hasValue(&message))
-        return false;
-    const std::string value = path.field->getValueString(&message).toStdString();
-    return compares(withoutTrailingBlanks(value), comparison, text);
+    Buffer value;
+    appendLatin1(value, textOf(*path.field.layout, record));
+    const bool isEqual = withoutTrailingBlanks(std::string(value.view())) == text;
+    return isEqual == (comparison == Comparison::Equal);
 }
 
-bool FieldTest::passesValue(const FieldValue& value) const
+bool FieldTest::passesElement(const void* record, uint32_t index) const
 {
-    if (subject == Subject::Number)
-        return passesNumber(value);
+    const TQX_FieldLayout& field = *path.field.layout;
+    if (field.recordType != 0 || field.type == TQX_MemberType::Char)
+        return true;
+    if (isReal(field)) {
+        const double value = realOf(field, record, index);
+        return !TQX_isRealDoNotUse(*facts, value) &&
+               (subject == Subject::Presence || passesNumber(Number::ofReal(value)));
+    }
+    const uint64_t value = integerOf(field, record, index);
+    if (TQX_isDoNotUse(*facts, value) || (isTime && value == noContinuousTime))
+        return false;
     if (subject == Subject::Name)
         return (std::find(named.begin(), named.end(), value) != named.end()) ==
                (comparison == Comparison::Equal);
-    return true;
+    return subject == Subject::Presence ||
+           passesNumber(TQX_isSigned(field) ? Number::ofSigned(static_cast<int64_t>(value))
+                                            : Number::ofUnsigned(value));
 }
 
-bool FieldTest::passesNumber(const FieldValue& value) const
+bool FieldTest::passesNumber(const Number& value) const
 {
-    if (value.isFloat() && std::isnan(value.getF64()))
+    if (value.isNaN())
         return false;
-    if (scale)
-        return compares(scale->apply(value.toDouble()), comparison, number.toDouble());
-    return compares(value, comparison, number);
+    return holds(comparison, scale ? Number::ofReal(scale->apply(value.toDouble()))
+                                         .compare(Number::ofReal(number.toDouble()))
+                                   : value.compare(number));
 }
 
 } // namespace tqx

@@ -4,14 +4,9 @@
 #include "tqx/log/select/FieldPath.h"
 #include "tqx/log/value/Scale.h"
 
-#include "FieldValue.h"
-
 #include <optional>
 #include <string>
 #include <vector>
-
-class FieldInfo;
-class Message;
 
 namespace tqx
 {
@@ -24,32 +19,31 @@ public:
     static std::optional<FieldTest> make(const FieldPath& path, const ExpressionTerm& term,
                                          std::string& why);
 
-    /// Whether at least one value that the message has of the field passes.
-    bool passes(const Message& message) const { return passesBelow(message, 0); }
+    /// Whether at least one available value that the record of a main block has of the field
+    /// passes.
+    bool passes(const void* record) const { return passesBelow(record, 0); }
 
 private:
     enum class Subject { Presence, Number, Name, Text };
 
-    explicit FieldTest(const FieldPath& fieldPath, Comparison wanted)
-        : path(fieldPath), comparison(wanted)
-    {
-    }
+    FieldTest(const FieldPath& fieldPath, Comparison wanted);
 
     std::string prepareName(const std::string& name);
-    std::string prepareNumber(const FieldValue& value);
-    bool passesBelow(const Message& message, size_t depth) const;
-    bool passesHere(const Message& message) const;
-    bool passesText(const Message& message) const;
-    bool passesValue(const FieldValue& value) const;
-    bool passesNumber(const FieldValue& value) const;
+    std::string prepareNumber(const Number& value);
+    bool passesBelow(const void* record, size_t depth) const;
+    bool passesHere(const void* record) const;
+    bool passesText(const void* record) const;
+    bool passesElement(const void* record, uint32_t index) const;
+    bool passesNumber(const Number& value) const;
 
     FieldPath path;
+    const Kor::MessageApi::TQX_FieldFacts* facts;
     Comparison comparison;
     Subject subject = Subject::Presence;
     bool isTime = false; ///< see isContinuousTime()
     std::optional<Scale> scale;
-    FieldValue number;
-    std::vector<FieldValue> named; ///< the values that have the wanted name
+    Number number;
+    std::vector<uint64_t> named; ///< the values that have the wanted name, sign-extended
     std::string text;
 };
 

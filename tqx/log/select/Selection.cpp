@@ -3,8 +3,6 @@
 #include "tqx/log/DataError.h"
 #include "tqx/log/select/TimeText.h"
 
-#include <new>
-
 namespace tqx
 {
 
@@ -28,7 +26,7 @@ Selection::Selection(const SelectionRequest& request)
         throw DataError("--to " + request.to + " is not after --from " + request.from);
     if (request.where.empty())
         return;
-    decoder = std::make_unique<MessageDecoder>();
+    decoder = std::make_unique<RecordDecoder>();
     condition = std::make_unique<Condition>(request.where, types);
 }
 
@@ -69,11 +67,11 @@ bool Selection::meetsCondition(BlockStream& stream, const Block& block)
     if (!condition->reads(block.getNumber()))
         return condition->accepts(nullptr);
     const int32_t result = decoder->decode(block);
-    if (result < 0)
+    if (result < 0) {
         stream.reportUndecodable(block, result);
-    else if (!decoder->getMessage())
-        throw std::bad_alloc(); // all types that conditions read have messages
-    return decoder->getMessage() && condition->accepts(decoder->getMessage());
+        return false;
+    }
+    return condition->accepts(decoder->getRecord());
 }
 
 } // namespace tqx

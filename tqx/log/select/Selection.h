@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tqx/log/record/MessageDecoder.h"
+#include "tqx/log/record/RecordDecoder.h"
 #include "tqx/log/select/Condition.h"
 #include "tqx/log/select/TypeSelection.h"
 #include "tqx/log/stream/BlockStream.h"
@@ -52,7 +52,7 @@ private:
     std::optional<GnssMillis> to;
     std::optional<GnssMillis> time; ///< of the last block that had one
     std::unique_ptr<Condition> condition;
-    std::unique_ptr<MessageDecoder> decoder; ///< beside a condition
+    std::unique_ptr<RecordDecoder> decoder; ///< beside a condition
     uint32_t every;
     std::vector<uint32_t> sinceLast; ///< by block number
 };

@@ -5,13 +5,18 @@
 namespace tqx
 {
 
-/// Appends a number with so many decimals, as QLocale::c() writes it in the format 'f': rounded by
-/// its exact value, ties away from zero, with a sign even where a negative number becomes zero.
-///
-/// False, and nothing appended, where the plain way to round is not certain to give that: a number
-/// so close to a tie that multiplying it by the power of ten may have brought it to the other side,
-/// or one whose digits, the point left out, make `limit` or more. Numbers that are not finite are
-/// among these, and so is everything with more than 22 decimals.
-bool appendFixed(Buffer& out, double value, int decimals, double limit = 0x1p53);
+/// Appends a number with so many decimals (0 or more), rounded by its exact value, ties away from
+/// zero: 0.125 with two decimals is 0.13. A negative number that becomes zero keeps its sign; what
+/// is not finite is "nan", "inf" or "-inf".
+void appendFixed(Buffer& out, double value, int decimals);
+
+/// The same for a number of 32 bits, with no more than the decimals of the shortest text that reads
+/// back to it and zeros behind them.
+void appendFixed(Buffer& out, float value, int decimals);
+
+/// Appends a number with so many significant digits (1 or more), rounded likewise, without zeros at
+/// its end; with an exponent where the first digit is before the fourth decimal or the point behind
+/// the last digit: 0.0001234568, 1.234568e-05, 1.234568e+07.
+void appendSignificant(Buffer& out, double value, int digits);
 
 } // namespace tqx

@@ -3,10 +3,8 @@
 #include "tqx/log/record/Members.h"
 #include "tqx/log/text/FixedNumber.h"
 #include "tqx/log/text/PrintableText.h"
+#include "tqx/log/value/ShownDecimals.h"
 
-#include "FieldInfo.h"
-
-#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -18,11 +16,15 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-void appendText(Buffer& out, const QString& text)
+constexpr std::string_view notAvailable = "DoNotUse";
+constexpr int significantDigits = 7; // those that a float of 32 bits has
+
+std::string plain(std::string_view name)
 {
-    const QByteArray utf8 = text.toUtf8();
-    out.append(printable({utf8.constData(), static_cast<size_t>(utf8.size())}));
+    return std::string(name);
 }
+
+const Notation notation = {notAvailable, plain, nullptr, false, true};
 
 /// An integer in decimal, a floating-point number in the shortest form that reads back to it.
 template<typename Number>
@@ -33,50 +35,28 @@ void appendShortest(Buffer& out, Number value)
     out.advance(static_cast<size_t>(std::to_chars(begin, begin + longest, value).ptr - begin));
 }
 
-// A float is shown with no more than its own decimals and zeros behind them. The number that these
-// stand for is half a unit of the float's last place away from it at most; up to so many digits,
-// that makes no difference to what they are rounded to.
-constexpr double limitOfSingles = 0x1p23;
-constexpr double limitOfDoubles = 0x1p53;
-
-double limitOf(const MemberBits& bits, const FieldInfo& info)
+/// As many hexadecimal digits as the width takes, so that bits keep their places.
+void appendBitMask(Buffer& out, uint64_t value, unsigned width)
 {
-    if (bits.isCharacter() || info.getRepresentationMode() == FieldValue::BitMask)
-        return 0;
-    return bits.isSingle() && !info.hasScaleFactor() ? limitOfSingles : limitOfDoubles;
+    constexpr char digits[] = "0123456789abcdef";
+    out.append("0x");
+    for (unsigned digit = (width + 3) / 4; digit != 0; --digit)
+        out.append(digits[value >> (4 * (digit - 1)) & 0xfU]);
 }
 
 } // namespace
 
-FieldText::FieldText(const TQX_FieldLayout& layout, const FieldInfo& field, bool isPacked,
+FieldText::FieldText(const TQX_FieldLayout& layout, const TQX_FieldFacts& facts, bool isPacked,
                      bool stored)
-    : info(field), bits(layout, isPacked), width(layout.width), isStored(stored),
-      isWhole(field.getType().isInteger() && !field.hasScaleFactor() &&
-              field.getRepresentationMode() != FieldValue::BitMask),
-      scale(field.getScaleFactor()), decimals(field.getShownDecimals()), limit(limitOf(bits, field))
+    : bits(layout, isPacked), width(layout.width), isStored(stored),
+      isBitMask(facts.has(TQX_FieldFacts::BitMask) && !bits.isSigned() && !bits.isReal()),
+      scale(TQX_scale(facts)), decimals(shownDecimals(facts)), names(layout, facts, notation)
 {
     isTime = isContinuousTime(layout);
-    if (!info.getUnit().isEmpty())
-        unit = ' ' + info.getUnit().toStdString();
-    if (!bits.isReal())
-        return;
-    if (info.hasDoNotUseValue())
-        names.push_back(info.getDoNotUseValue().toDouble());
-    for (const FieldInfo::SymbolicValue& symbol : info.getSymbolicValues())
-        names.push_back(symbol.value.toDouble());
-}
-
-FieldValue FieldText::valueIn(uint64_t word) const
-{
-    if (bits.isCharacter())
-        return FieldValue::ch(static_cast<char>(word));
-    if (bits.isSingle())
-        return FieldValue::f32(MemberBits::single(word));
-    if (bits.isReal())
-        return FieldValue::f64(bits.real(word));
-    const uint64_t value = bits.integer(word);
-    return bits.isSigned() ? FieldValue::i(static_cast<int64_t>(value), width)
-                           : FieldValue::u(value, width);
+    if (facts.unit != 0)
+        unit = ' ' + std::string(TQX_unit(facts));
+    if (bits.isReal() && facts.has(TQX_FieldFacts::HasDoNotUse))
+        doNotUse = TQX_realDoNotUse(facts);
 }
 
 double FieldText::numberIn(uint64_t word) const
@@ -88,18 +68,28 @@ double FieldText::numberIn(uint64_t word) const
                            : static_cast<double>(value);
 }
 
-bool FieldText::isNamed(uint64_t word) const
+bool FieldText::appendName(Buffer& out, uint64_t word) const
 {
-    if (bits.isReal())
-        return std::find(names.begin(), names.end(), bits.real(word)) != names.end();
-    const FieldValue value = valueIn(word);
-    return info.isDoNotUse(value) || info.findSymbolicValue(value);
+    if (bits.isReal()) {
+        if (!doNotUse || bits.real(word) != *doNotUse)
+            return false;
+        appendNotAvailable(out);
+        return true;
+    }
+    const std::string* name = bits.isCharacter() ? nullptr : names.find(bits.integer(word));
+    if (name)
+        out.append(*name);
+    return name != nullptr;
 }
 
 void FieldText::appendStored(Buffer& out, uint64_t word) const
 {
-    if (bits.isCharacter() || (bits.isReal() && !std::isfinite(bits.real(word))))
-        return appendText(out, valueIn(word).toString());
+    if (bits.isCharacter()) {
+        const auto character = static_cast<char>(word);
+        return appendPrintableLatin1(out, {&character, character == 0 ? size_t{0} : size_t{1}});
+    }
+    if (bits.isReal() && !std::isfinite(bits.real(word)))
+        return appendFixed(out, bits.real(word), 0);
     if (bits.isSingle())
         return appendShortest(out, MemberBits::single(word));
     if (bits.isReal())
@@ -109,13 +99,19 @@ void FieldText::appendStored(Buffer& out, uint64_t word) const
     appendShortest(out, bits.integer(word));
 }
 
-/// False, and nothing appended, when the metadata has to be asked.
-bool FieldText::appendPlain(Buffer& out, uint64_t word) const
+void FieldText::appendNumber(Buffer& out, uint64_t word) const
 {
-    if (!isWhole)
-        return appendFixed(out, numberIn(word) * scale, decimals, limit);
-    appendStored(out, word);
-    return true;
+    if (isBitMask)
+        return appendBitMask(out, bits.integer(word), width);
+    if (bits.isCharacter() || (scale == 0 && !bits.isReal()))
+        return appendStored(out, word);
+    if (scale == 0 && bits.isSingle())
+        return appendFixed(out, MemberBits::single(word), decimals);
+    if (scale == 0)
+        return appendFixed(out, bits.real(word), decimals);
+    if (decimals >= 0)
+        return appendFixed(out, numberIn(word) * scale, decimals);
+    appendSignificant(out, numberIn(word) * scale, significantDigits);
 }
 
 bool FieldText::append(Buffer& out, uint64_t word) const
@@ -125,13 +121,18 @@ bool FieldText::append(Buffer& out, uint64_t word) const
         return false;
     }
     if (isTime && word == noContinuousTime) {
-        out.append("DoNotUse");
+        appendNotAvailable(out);
         return false;
     }
-    const bool isNumber = !isNamed(word);
-    if (!isNumber || !appendPlain(out, word))
-        appendText(out, info.toScaledString(valueIn(word)));
-    return isNumber;
+    if (appendName(out, word))
+        return false;
+    appendNumber(out, word);
+    return true;
+}
+
+void FieldText::appendNotAvailable(Buffer& out)
+{
+    out.append(notAvailable);
 }
 
 } // namespace tqx

@@ -1,56 +1,53 @@
 #pragma once
 
+#include "TQX_FieldFacts.h"
 #include "TQX_Layout.h"
 #include "tqx/log/record/MemberBits.h"
 #include "tqx/log/text/Buffer.h"
+#include "tqx/log/value/ValueNames.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
-#include <vector>
-
-class FieldInfo;
-class FieldValue;
 
 namespace tqx
 {
 
-/// How the values of one number or character field are written for people: as FieldInfo's
-/// getValueString has them in the C locale, or as they are stored.
-///
-/// What a value is called is asked of the metadata; plain numbers are written without it, which is
-/// many times as fast, wherever that is sure to give the same.
+/// How the values of one number or character field are written for people: by their names, else
+/// scaled and rounded to the decimals that make sense, or as they are stored. Texts are those of
+/// FieldInfo's getValueString in the C locale.
 class FieldText
 {
 public:
     /// `isPacked`: values of a bit range are taken from the packed word, not from their own member.
-    /// The metadata must outlive this.
-    FieldText(const Kor::MessageApi::TQX_FieldLayout& layout, const FieldInfo& info, bool isPacked,
-              bool isStored);
+    FieldText(const Kor::MessageApi::TQX_FieldLayout& layout,
+              const Kor::MessageApi::TQX_FieldFacts& facts, bool isPacked, bool isStored);
 
     /// Appends the value that stands in the bits of a member. Whether the unit belongs behind it,
     /// as it does behind numbers but not behind names.
     bool append(Buffer& out, uint64_t word) const;
 
+    /// Appends what is written for a value that is not available.
+    static void appendNotAvailable(Buffer& out);
+
     /// The unit with a blank in front, or nothing.
     const std::string& getUnit() const { return unit; }
 
 private:
-    FieldValue valueIn(uint64_t word) const;
-    double numberIn(uint64_t word) const;
-    bool isNamed(uint64_t word) const;
+    bool appendName(Buffer& out, uint64_t word) const;
     void appendStored(Buffer& out, uint64_t word) const;
-    bool appendPlain(Buffer& out, uint64_t word) const;
+    void appendNumber(Buffer& out, uint64_t word) const;
+    double numberIn(uint64_t word) const;
 
-    const FieldInfo& info;
     MemberBits bits;
     uint8_t width;
     bool isStored;
     bool isTime = false; ///< see isContinuousTime()
-    bool isWhole;        ///< whether numbers are integers without scale factor
-    double scale;
-    int decimals;
-    double limit;              ///< of the digits that appendFixed() writes as the metadata does
-    std::vector<double> names; ///< the values of a floating-point field that are words
+    bool isBitMask;
+    double scale; ///< 0 for none
+    int decimals; ///< negative when the number is written with significant digits instead
+    ValueNames names;
+    std::optional<double> doNotUse; ///< of a floating-point field
     std::string unit;
 };
 

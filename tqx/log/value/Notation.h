@@ -13,7 +13,8 @@ struct Notation {
     std::string_view notAvailable;
     std::string (*name)(std::string_view characters);
     void (*appendLatin1)(Buffer& out, const char* text, size_t length);
-    bool isStored = false; ///< values as they are stored, without scale, names and notAvailable
+    bool isStored = false;     ///< values as they are stored, without scale, names and notAvailable
+    bool prefersNames = false; ///< a value that has a name and means not available has the name
 };
 
 } // namespace tqx

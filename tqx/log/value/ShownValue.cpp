@@ -3,8 +3,6 @@
 #include "tqx/log/record/Members.h"
 #include "tqx/log/text/NumberText.h"
 
-#include "FieldInfo.h"
-
 #include <cmath>
 
 namespace tqx
@@ -12,17 +10,17 @@ namespace tqx
 
 using namespace Kor::MessageApi;
 
-ShownValue::ShownValue(const TQX_FieldLayout& layout, const FieldInfo& info, bool isPacked,
+ShownValue::ShownValue(const TQX_FieldLayout& layout, const TQX_FieldFacts& facts, bool isPacked,
                        const Notation& shownIn)
-    : notation(shownIn), bits(layout, isPacked), names(info, shownIn)
+    : notation(shownIn), bits(layout, isPacked), names(layout, facts, shownIn)
 {
     if (notation.isStored)
         return;
     isTime = isContinuousTime(layout);
-    if (info.hasScaleFactor())
-        scale.emplace(info.getScaleFactor());
-    if (info.getType().isFloat() && info.hasDoNotUseValue())
-        notAvailable = info.getDoNotUseValue().toDouble();
+    if (facts.scale != 0)
+        scale.emplace(TQX_scale(facts));
+    if (bits.isReal() && facts.has(TQX_FieldFacts::HasDoNotUse))
+        notAvailable = TQX_realDoNotUse(facts);
 }
 
 void ShownValue::appendInteger(Buffer& out, uint64_t value) const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TQX_FieldFacts.h"
 #include "TQX_Layout.h"
 #include "tqx/log/record/MemberBits.h"
 #include "tqx/log/text/Buffer.h"
@@ -9,22 +10,24 @@
 #include <cstdint>
 #include <optional>
 
-class FieldInfo;
-
 namespace tqx
 {
 
-/// How the values of one number or character field are written, in terms of its metadata.
+/// How the values of one number or character field are written, by what is known of the field.
 class ShownValue
 {
 public:
     /// `isPacked`: values of a bit range are taken from the packed word, not from their own member.
-    ShownValue(const Kor::MessageApi::TQX_FieldLayout& layout, const FieldInfo& info, bool isPacked,
+    ShownValue(const Kor::MessageApi::TQX_FieldLayout& layout,
+               const Kor::MessageApi::TQX_FieldFacts& facts, bool isPacked,
                const Notation& notation);
 
     /// Appends the value that stands in the bits of a member: its name, what the notation has
     /// for not available, else the number times its scale factor.
     void append(Buffer& out, uint64_t word) const;
+
+    /// Appends what the notation has for not available.
+    void appendNotAvailable(Buffer& out) const { out.append(notation.notAvailable); }
 
 private:
     void appendInteger(Buffer& out, uint64_t value) const;

@@ -5,15 +5,35 @@
 namespace tqx
 {
 
-ValueNames::ValueNames(const FieldInfo& field, const Notation& notation)
+using namespace Kor::MessageApi;
+
+namespace
+{
+
+bool isInteger(TQX_MemberType type)
+{
+    return type != TQX_MemberType::F32 && type != TQX_MemberType::F64 &&
+           type != TQX_MemberType::Char && type != TQX_MemberType::Record;
+}
+
+} // namespace
+
+ValueNames::ValueNames(const TQX_FieldLayout& layout, const TQX_FieldFacts& facts,
+                       const Notation& notation)
 {
     constexpr size_t small = 256;
-    if (!field.getType().isInteger() || notation.isStored)
+    if (!isInteger(layout.type) || notation.isStored)
         return;
-    if (field.hasDoNotUseValue())
-        add(field.getDoNotUseValue(), std::string(notation.notAvailable));
-    for (const FieldInfo::SymbolicValue& symbol : field.getSymbolicValues())
-        add(symbol.value, notation.name(symbol.name.toStdString()));
+    const auto addNotAvailable = [&] {
+        if (facts.has(TQX_FieldFacts::HasDoNotUse))
+            entries.emplace_back(TQX_doNotUse(facts), notation.notAvailable);
+    };
+    if (!notation.prefersNames)
+        addNotAvailable();
+    for (const TQX_NamedValue& named : TQX_namedValues(facts))
+        entries.emplace_back(static_cast<uint64_t>(named.value), notation.name(named.name));
+    if (notation.prefersNames)
+        addNotAvailable();
     // Of several names for a value the first one counts.
     std::stable_sort(entries.begin(), entries.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });
@@ -23,13 +43,6 @@ ValueNames::ValueNames(const FieldInfo& field, const Notation& notation)
     for (const auto& [bits, text] : entries)
         if (bits >= small)
             firstWide = std::min(firstWide, bits);
-}
-
-void ValueNames::add(const FieldValue& value, std::string text)
-{
-    const uint64_t bits =
-        value.getKind() == FieldKind::U ? value.getU64() : static_cast<uint64_t>(value.getI64());
-    entries.emplace_back(bits, std::move(text));
 }
 
 const std::string* ValueNames::search(uint64_t bits) const

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "FieldInfo.h"
+#include "TQX_FieldFacts.h"
+#include "TQX_Layout.h"
 #include "tqx/log/value/Notation.h"
 
 #include <cstdint>
@@ -17,7 +18,8 @@ class ValueNames
 {
 public:
     /// Field of any type; fields that are no integers have no names.
-    ValueNames(const FieldInfo& field, const Notation& notation);
+    ValueNames(const Kor::MessageApi::TQX_FieldLayout& layout,
+               const Kor::MessageApi::TQX_FieldFacts& facts, const Notation& notation);
 
     /// The text for a value of the field, null when it is shown as a number. `bits` are those
     /// of the value, sign-extended when it is signed.
@@ -29,7 +31,6 @@ public:
     }
 
 private:
-    void add(const FieldValue& value, std::string text);
     const std::string* search(uint64_t bits) const;
 
     std::vector<std::pair<uint64_t, std::string>> entries; ///< by value, in two's complement

@@ -5,10 +5,6 @@
 #include "tqx/log/text/TextCache.h"
 #include "tqx/log/value/ShownValue.h"
 
-#include "FieldInfo.h"
-#include "MessageInfo.h"
-#include "TQX_FormatInfo.h"
-
 #include <cstddef>
 #include <utility>
 
@@ -22,6 +18,7 @@ struct CsvTable::Step {
     enum class Kind { Number, Text, Array, Embedded };
 
     const TQX_FieldLayout* field;
+    const TQX_FieldFacts* needed; ///< of a value that is not available without its inputs, or null
     Kind kind;
     bool isOptional;
     uint32_t size;                  ///< of an element in bytes
@@ -38,11 +35,6 @@ namespace
 std::string unquoted(std::string_view characters)
 {
     return std::string(characters);
-}
-
-const MessageInfo& infoOf(const TQX_TypeLayout& type)
-{
-    return *TQX_FormatInfo::getInstance()->getMessageInfo(QLatin1String(type.name));
 }
 
 /// Fields that nobody looks for: those of the header, most of which the key columns hold, and
@@ -94,6 +86,7 @@ void CsvTable::addStep(const TQX_FieldLayout& member)
 {
     const uint32_t size = member.recordType == 0 ? TQX_elementSize(member) : 0;
     steps.push_back({&member,
+                     nullptr,
                      isNumber(member)         ? Step::Kind::Number
                      : isText(member)         ? Step::Kind::Text
                      : member.recordType == 0 ? Step::Kind::Array
@@ -108,18 +101,20 @@ void CsvTable::addStep(const TQX_FieldLayout& member)
 
 void CsvTable::addCell(int row, bool isPart)
 {
-    const FieldInfo& info = *infoOf(type).getFieldInfos()[row];
+    const TQX_FieldFacts& facts = TQX_fieldFacts(type.recordType)[row];
     Step& step = steps.back();
     const bool isArray = step.kind == Step::Kind::Array;
     const bool isGuarded = style.isSafe && !isArray;
     const Notation notation = {"", isArray ? unquoted : csv::cell,
                                isGuarded ? csv::appendGuardedLatin1 : csv::appendLatin1,
                                style.isStored};
-    step.values.emplace_back(type.fields[row], info, isPart, notation);
+    step.values.emplace_back(type.fields[row], facts, isPart, notation);
+    if (facts.inputCount != 0 && !style.isStored)
+        step.needed = &facts;
     step.empty += ',';
     std::string name = type.fields[row].name;
-    if (!info.getUnit().isEmpty() && !style.isStored)
-        name += " [" + info.getUnit().toStdString() + "]";
+    if (facts.unit != 0 && !style.isStored)
+        name += " [" + std::string(TQX_unit(facts)) + "]";
     columns.push_back(name);
 }
 
@@ -153,6 +148,8 @@ void CsvTable::appendStep(Buffer& out, Step& step, const void* record)
     const auto* element = static_cast<const char*>(TQX_element(*step.field, record));
     switch (step.kind) {
     case Step::Kind::Number: {
+        if (step.needed && !TQX_hasInputs(*step.needed, record))
+            return out.append(step.empty);
         const uint64_t word = loadWord(element, step.size);
         return step.cache.append(out, word, [&step, word](Buffer& to) {
             for (const ShownValue& value : step.values) {

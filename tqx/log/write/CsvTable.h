@@ -30,8 +30,8 @@ public:
         std::unique_ptr<CsvTable> table;
     };
 
-    /// The table of a type that has a message class, with the fields that the filter shows. Headers
-    /// of blocks and padding are shown only where it names them.
+    /// The table of a type, with the fields that the filter shows. Headers of blocks and padding
+    /// are shown only where it names them.
     CsvTable(const Kor::MessageApi::TQX_TypeLayout& type, const FieldFilter& shown,
              const CsvStyle& style);
     ~CsvTable();

@@ -5,9 +5,6 @@
 #include "tqx/log/text/TextCache.h"
 #include "tqx/log/value/FieldText.h"
 
-#include "MessageInfo.h"
-#include "TQX_FormatInfo.h"
-
 #include <fmt/compile.h>
 #include <fmt/format.h>
 
@@ -35,7 +32,8 @@ struct ParagraphPlan {
         bool isOptional;
         bool isNumber;
         bool isRepeated;
-        uint32_t size; ///< of an element in bytes
+        const TQX_FieldFacts* needed; ///< of a value not available without its inputs, or null
+        uint32_t size;                ///< of an element in bytes
         std::vector<Line> lines;
         TextCache cache;
         std::string label;                   ///< of the sub-block
@@ -58,13 +56,15 @@ bool isHeader(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
     return type.blockNumber != 0 && field.recordOffset <= offsetof(TQX_MainHeader_s, WNc);
 }
 
-ParagraphPlan::Step makeStep(const TQX_FieldLayout& member, const FieldInfo& info)
+ParagraphPlan::Step makeStep(const TQX_FieldLayout& member, const TQX_FieldFacts& facts,
+                             bool isStored)
 {
     const uint32_t size = TQX_elementSize(member);
     return {&member,
             member.presence != TQX_Presence::Always,
             isNumber(member),
-            info.isRepeated(),
+            facts.has(TQX_FieldFacts::Repeated),
+            facts.inputCount != 0 && !isStored ? &facts : nullptr,
             size,
             {},
             {},
@@ -87,27 +87,25 @@ void alignValues(ParagraphPlan& plan)
 std::unique_ptr<ParagraphPlan> makePlan(const TQX_TypeLayout& type, const FieldFilter& shown,
                                         bool isStored, size_t indentation)
 {
-    const MessageInfo& info =
-        *TQX_FormatInfo::getInstance()->getMessageInfo(QLatin1String(type.name));
+    const TQX_FieldFacts* facts = TQX_fieldFacts(type.recordType);
     auto plan = std::make_unique<ParagraphPlan>();
     plan->type = &type;
     plan->title = describeBlock(type.blockNumber);
     int word = -1; // the row that the last step is about
     for (const auto [row, inside] : shown.shownIn(type)) {
         const TQX_FieldLayout& field = type.fields[row];
-        const FieldInfo& fieldInfo = *info.getFieldInfos()[row];
         if (shown.isEverything() && isHeader(type, field))
             continue;
         const bool isPart = isPartOfNumber(type, field);
         if (!isPart || field.parent != word) {
             word = isPart ? field.parent : row;
-            plan->steps.push_back(makeStep(type.fields[word], *info.getFieldInfos()[word]));
+            plan->steps.push_back(makeStep(type.fields[word], facts[word], isStored));
         }
         ParagraphPlan::Step& added = plan->steps.back();
         const size_t inwards = indentation + (field.kind == TQX_FieldKind::Bits ? step / 2 : 0);
         const std::string label = std::string(inwards, ' ') + field.name;
         if (field.recordType == 0) {
-            added.lines.push_back({label, FieldText(field, fieldInfo, isPart, isStored)});
+            added.lines.push_back({label, FieldText(field, facts[row], isPart, isStored)});
         } else {
             added.label = label;
             added.plan =
@@ -132,6 +130,14 @@ void endLine(Buffer& out)
 
 void writeNumber(Buffer& out, ParagraphPlan::Step& part, const void* record)
 {
+    if (part.needed && !TQX_hasInputs(*part.needed, record)) {
+        for (const ParagraphPlan::Line& line : part.lines) {
+            out.append(line.label);
+            FieldText::appendNotAvailable(out);
+            out.append('\n');
+        }
+        return;
+    }
     const uint64_t word =
         loadWord(static_cast<const char*>(record) + part.field->recordOffset, part.size);
     part.cache.append(out, word, [&part, word](Buffer& to) {

@@ -9,10 +9,6 @@
 #include "tqx/log/time/LeapSeconds.h"
 #include "tqx/log/value/ShownValue.h"
 
-#include "FieldInfo.h"
-#include "MessageInfo.h"
-#include "TQX_FormatInfo.h"
-
 #include <utility>
 
 namespace tqx
@@ -32,10 +28,12 @@ struct ValuePlan {
         // What every number needs stands together.
         bool isNumber;
         bool isOptional;
+        bool hasInputs;
         uint32_t size;   ///< of a number in bytes
         uint32_t offset; ///< in the record
         TextCache cache;
         const TQX_FieldLayout* field;
+        const TQX_FieldFacts* facts;
         std::vector<Part> parts; ///< of a number; else at most the one for the elements
         PaddedText key;
         std::unique_ptr<ValuePlan> plan; ///< of the sub-block
@@ -53,8 +51,7 @@ const Notation notation = {"null", json::text, json::appendLatin1};
 
 std::unique_ptr<ValuePlan> makePlan(const TQX_TypeLayout& type, const FieldFilter& shown)
 {
-    const MessageInfo& info =
-        *TQX_FormatInfo::getInstance()->getMessageInfo(QLatin1String(type.name));
+    const TQX_FieldFacts* facts = TQX_fieldFacts(type.recordType);
     auto plan = std::make_unique<ValuePlan>();
     plan->type = &type;
     plan->opening = PaddedText("{\"block\":" + json::text(type.name));
@@ -69,10 +66,12 @@ std::unique_ptr<ValuePlan> makePlan(const TQX_TypeLayout& type, const FieldFilte
             const uint32_t size = field.recordType == 0 ? TQX_elementSize(member) : 0;
             plan->steps.push_back({isNumber(member),
                                    member.presence != TQX_Presence::Always,
+                                   facts[word].inputCount != 0,
                                    size,
                                    member.recordOffset,
                                    {},
                                    &member,
+                                   facts + word,
                                    {},
                                    key,
                                    nullptr});
@@ -81,8 +80,7 @@ std::unique_ptr<ValuePlan> makePlan(const TQX_TypeLayout& type, const FieldFilte
         if (field.recordType != 0)
             step.plan = makePlan(*TQX_layout(field.recordType), *inside);
         else
-            step.parts.push_back(
-                {key, ShownValue(field, *info.getFieldInfos()[i], isPart, notation)});
+            step.parts.push_back({key, ShownValue(field, facts[i], isPart, notation)});
     }
     return plan;
 }
@@ -91,6 +89,13 @@ void writeRecord(Buffer& out, ValuePlan& plan, const void* record);
 
 void writeNumber(Buffer& out, ValuePlan::Step& step, const void* record)
 {
+    if (step.hasInputs && !TQX_hasInputs(*step.facts, record)) {
+        for (const ValuePlan::Part& part : step.parts) {
+            part.key.appendTo(out);
+            part.value.appendNotAvailable(out);
+        }
+        return;
+    }
     const uint64_t word = loadWord(static_cast<const char*>(record) + step.offset, step.size);
     step.cache.append(out, word, [&step, word](Buffer& to) {
         for (const ValuePlan::Part& part : step.parts) {

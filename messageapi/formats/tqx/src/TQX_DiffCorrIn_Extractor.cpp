@@ -1,8 +1,8 @@
 #include "TQX_DiffCorrIn_Extractor.h"
 
-#include "TQX_DiffCorrIn_Message.h"
+#include "TQX_DiffCorrIn_Payload.h"
+#include "TQX_FieldAccess.h"
 #include "TQX_Getters.h"
-#include "TQX_codec.h"
 
 #include "AbstractDecoder.h"
 #include "FieldInfo.h"
@@ -11,39 +11,12 @@
 #include "MessageSource.h"
 #include "PathExpression.h"
 
-#include <algorithm>
+using namespace Kor::MessageApi;
 
 namespace
 {
 
-using Record = Kor::MessageApi::TQX_DiffCorrIn_s;
-
 std::atomic<int> traceLevel{-1};
-
-struct Payload {
-    const void* bytes;
-    size_t capacity;
-};
-
-Payload payloadOf(const TQX_DiffCorrIn_Message& message, uint8_t mode)
-{
-    switch (mode) {
-    case 0:
-        return {message.getRTCM2WordsArray(), sizeof(Record::RTCM2Words)};
-    case 1:
-        return {message.getCMRMessageArray(), sizeof(Record::CMRMessage)};
-    case 2:
-        return {message.getRTCM3MessageArray(), sizeof(Record::RTCM3Message)};
-    case 3:
-        return {message.getRTCMVMessageArray(), sizeof(Record::RTCMVMessage)};
-    default:
-        dbg_Assert("MessageAPI_TQX", "TQX_DiffCorrIn_Extractor",
-                   "TQX_DiffCorrIn_Extractor::processNewMessage",
-                   "..\\messageapi\\formats\\tqx\\src\\TQX_DiffCorrIn_Extractor", 92,
-                   "Unsupported DiffCorrIn Mode value");
-        return {nullptr, 0};
-    }
-}
 
 } // namespace
 
@@ -74,11 +47,16 @@ void TQX_DiffCorrIn_Extractor::processNewMessage(const Message* message)
         m_modeField->getValueUnchecked(message, 0).getU8() != m_mode) {
         return;
     }
-    const auto& corrections = static_cast<const TQX_DiffCorrIn_Message&>(*message);
-    const Payload payload = payloadOf(corrections, m_mode);
-    // RTCM 2 comes in words; a length that is no multiple of theirs could point behind the last.
-    const size_t size = std::min<size_t>(corrections.getData_Byte_Length(), payload.capacity);
-    m_payload = QByteArray(static_cast<const char*>(payload.bytes), static_cast<int>(size));
+    const auto& record =
+        *static_cast<const TQX_DiffCorrIn_s*>(TQX_FieldAccess::rawRecord(*message));
+    if (record.Mode >= TQX_correctionFormats)
+        dbg_Assert("MessageAPI_TQX", "TQX_DiffCorrIn_Extractor",
+                   "TQX_DiffCorrIn_Extractor::processNewMessage",
+                   "..\\messageapi\\formats\\tqx\\src\\TQX_DiffCorrIn_Extractor", 92,
+                   "Unsupported DiffCorrIn Mode value");
+    const TQX_Corrections corrections = TQX_correctionsOf(record);
+    m_payload = QByteArray(reinterpret_cast<const char*>(corrections.bytes),
+                           static_cast<int>(corrections.size));
     preprocessRawData();
     m_target->decodeMessage(reinterpret_cast<const uint8_t*>(m_payload.constData()),
                             static_cast<uint32_t>(m_payload.size()));

@@ -6,7 +6,7 @@
 namespace tqx
 {
 
-/// Decodes blocks into messages, for whatever shows values as the metadata describes them.
+/// Decodes blocks into messages, for tests that compare what is shown with the metadata.
 class MessageDecoder
 {
 public:

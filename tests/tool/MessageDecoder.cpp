@@ -1,4 +1,4 @@
-#include "tqx/log/record/MessageDecoder.h"
+#include "MessageDecoder.h"
 
 #include "Message.h"
 #include "TQX_FormatInfo.h"

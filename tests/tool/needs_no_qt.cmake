@@ -1,0 +1,30 @@
+# Fails when a program or library, or a shared library of this build that it needs, needs a library
+# of Qt.
+#
+# usage: cmake -DREADELF=<readelf> -DFILE=<program> -DLIBRARIES=<folder> -P needs_no_qt.cmake
+cmake_minimum_required(VERSION 3.25)
+if(NOT READELF OR NOT EXISTS "${FILE}")
+    message(FATAL_ERROR "no readelf or no file '${FILE}'")
+endif()
+set(unread "${FILE}")
+set(known)
+while(unread)
+    list(POP_FRONT unread file)
+    execute_process(COMMAND "${READELF}" --dynamic --wide "${file}"
+        OUTPUT_VARIABLE section COMMAND_ERROR_IS_FATAL ANY)
+    string(REGEX MATCHALL "\\(NEEDED\\)[^\n]*" entries "${section}")
+    if(NOT entries)
+        message(FATAL_ERROR "${file} has no dynamic section that names a library")
+    endif()
+    foreach(entry IN LISTS entries)
+        string(REGEX REPLACE ".*\\[(.*)\\].*" "\\1" name "${entry}")
+        if(name MATCHES "[Qq]t")
+            message(FATAL_ERROR "${file} needs ${name}")
+        endif()
+        if(EXISTS "${LIBRARIES}/${name}" AND NOT name IN_LIST known)
+            list(APPEND known "${name}")
+            list(APPEND unread "${LIBRARIES}/${name}")
+        endif()
+    endforeach()
+    message(STATUS "${file} needs ${entries}")
+endwhile()

@@ -1,0 +1,64 @@
+#include "tqx/log/inspect/FieldNames.h"
+
+#include "tqx/log/record/TypeNames.h"
+#include "tqx/log/value/FieldText.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace tqx
+{
+
+using namespace Kor::MessageApi;
+
+namespace
+{
+
+/// The first type that holds a sub-block; all that do have its inputs in the same place.
+const TQX_TypeLayout* ownerOf(const TQX_TypeLayout& sub)
+{
+    const TQX_TypeLayout* owner = nullptr;
+    forEachType([&](const TQX_TypeLayout& type) {
+        const bool isOwner = std::any_of(
+            type.fields, type.fields + type.fieldCount,
+            [&](const TQX_FieldLayout& field) { return field.recordType == sub.recordType; });
+        if (isOwner && !owner)
+            owner = &type;
+    });
+    return owner;
+}
+
+} // namespace
+
+std::vector<std::string> inputNames(const TQX_TypeLayout& type, const TQX_FieldFacts& field)
+{
+    std::vector<std::string> names;
+    for (const TQX_FieldInput& input : TQX_inputs(field)) {
+        const TQX_TypeLayout* holder = &type;
+        for (unsigned i = 0; holder && i < input.linksUp; ++i)
+            holder = ownerOf(*holder);
+        if (!holder)
+            continue;
+        names.emplace_back(holder->fields[input.row].name);
+        if (holder != &type)
+            names.back() += std::string(" of ") + holder->name;
+    }
+    return names;
+}
+
+std::string doNotUseText(const TQX_FieldLayout& layout, const TQX_FieldFacts& field)
+{
+    uint64_t word = TQX_doNotUse(field);
+    const double real = TQX_realDoNotUse(field);
+    if (layout.type == TQX_MemberType::F64)
+        std::memcpy(&word, &real, sizeof word);
+    if (layout.type == TQX_MemberType::F32) {
+        const auto single = static_cast<float>(real);
+        std::memcpy(&word, &single, sizeof single);
+    }
+    Buffer text;
+    FieldText(layout, field, false, true).append(text, word);
+    return std::string(text.view());
+}
+
+} // namespace tqx

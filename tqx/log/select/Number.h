@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+
+namespace tqx
+{
+
+/// A number of a block or of a condition: an integer of either sign up to 64 bits, or a double.
+/// Numbers compare by what they are worth, exactly, whatever their kinds.
+class Number
+{
+public:
+    enum class Kind : uint8_t { Unsigned, Signed, Real };
+
+    Number() : bits{0} {}
+    static Number ofUnsigned(uint64_t value);
+    static Number ofSigned(int64_t value);
+    static Number ofReal(double value);
+
+    bool isNaN() const;
+
+    /// Rounded to the nearest double where that cannot hold it.
+    double toDouble() const;
+
+    /// Below 0, 0 or above 0 as this number is less than, equals or is more than the other; neither
+    /// is a NaN.
+    int compare(const Number& other) const;
+
+private:
+    Kind kind = Kind::Unsigned;
+    union {
+        uint64_t bits;
+        int64_t whole;
+        double real;
+    };
+};
+
+} // namespace tqx
