@@ -67,16 +67,23 @@ private:
 
     void onChecksumFailed(uint64_t offset) override { require(offset < appended_); }
     void onInvalidLength(uint64_t offset) override { require(offset < appended_); }
+    void onDroppedPiece(uint64_t offset, const uint8_t*, size_t size) override
+    {
+        require(size != 0 && offset == taken_ + dropped_ + handedOver_);
+        handedOver_ += size;
+    }
     void onBytesDropped(uint64_t offset, uint64_t count) override
     {
-        require(count != 0 && offset == taken_ + dropped_);
+        require(count == handedOver_ && offset == taken_ + dropped_);
         dropped_ += count;
+        handedOver_ = 0;
     }
 
     std::vector<std::pair<uint64_t, size_t>> blocks_;
     uint64_t appended_ = 0;
     uint64_t taken_ = 0;
     uint64_t dropped_ = 0;
+    uint64_t handedOver_ = 0; // bytes of the next report
     tqx::BlockFramer framer_{this};
 };
 

@@ -65,6 +65,7 @@ private:
             EXPECT_TRUE(
                 std::equal(block.data, block.data + block.size, appended_.data() + block.offset));
             framing_.blocks.push_back({block.offset, block.size});
+            handedOver_ = block.offset + block.size;
             framer_.takeBlock();
             check();
         }
@@ -78,12 +79,21 @@ private:
 
     void onChecksumFailed(uint64_t offset) override { framing_.checksumErrors.push_back(offset); }
     void onInvalidLength(uint64_t offset) override { framing_.invalidLengths.push_back(offset); }
+    void onDroppedPiece(uint64_t offset, const uint8_t* bytes, size_t size) override
+    {
+        ASSERT_EQ(offset, handedOver_);
+        ASSERT_LE(offset + size, appended_.size());
+        EXPECT_TRUE(std::equal(bytes, bytes + size, appended_.data() + offset));
+        handedOver_ += size;
+    }
     void onBytesDropped(uint64_t offset, uint64_t count) override
     {
+        EXPECT_EQ(handedOver_, offset + count);
         framing_.addDropped(offset, count);
     }
 
     Bytes appended_;
+    uint64_t handedOver_ = 0; ///< end of the blocks and the dropped bytes that came so far
     Framing framing_;
     tqx::BlockFramer framer_{this};
 };

@@ -119,6 +119,51 @@ TEST(BlockFramer, BlockStaysUntilTaken)
     EXPECT_EQ(framer.bytesLeft(), 0U);
 }
 
+/// Appends the rest of the stream from within the last report of an invalid length.
+class AppendingListener : public tqx::BlockFramer::Listener
+{
+public:
+    AppendingListener(size_t errors, const Bytes& bytes) : errorsLeft_(errors), rest_(bytes) {}
+
+    void onChecksumFailed(uint64_t) override {}
+    void onInvalidLength(uint64_t) override
+    {
+        if (--errorsLeft_ == 0) {
+            framer.append(rest_.data(), rest_.size());
+        }
+    }
+    void onBytesDropped(uint64_t offset, uint64_t count) override
+    {
+        EXPECT_EQ(dropped.size(), offset + count);
+    }
+    void onDroppedPiece(uint64_t offset, const uint8_t* bytes, size_t size) override
+    {
+        EXPECT_EQ(dropped.size(), offset);
+        dropped.insert(dropped.end(), bytes, bytes + size);
+    }
+
+    tqx::BlockFramer framer{this};
+    Bytes dropped;
+
+private:
+    size_t errorsLeft_;
+    const Bytes& rest_;
+};
+
+// The buffer makes room for the rest while what was dropped before it waits for its report.
+TEST(BlockFramer, HandsOverDroppedBytesOfAListenerThatAppends)
+{
+    constexpr size_t errors = 200;
+    Bytes errorBytes;
+    for (size_t i = 0; i < errors; ++i) {
+        errorBytes = errorBytes + falseHeader(static_cast<uint16_t>(i % 8));
+    }
+    const Bytes rest(40000, 'x');
+    AppendingListener listener(errors, rest);
+    listener.framer.append(errorBytes.data(), errorBytes.size());
+    EXPECT_EQ(listener.dropped, errorBytes + rest);
+}
+
 double secondsToFrame(const Bytes& stream)
 {
     const std::clock_t start = std::clock();

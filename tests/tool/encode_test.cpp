@@ -75,10 +75,11 @@ TEST_P(EncodeGoodLine, GivesTheBlock)
         const json::json_pointer place(pointer);
         ASSERT_TRUE(block["fields"].contains(place)) << pointer << " in " << block;
         EXPECT_EQ(block["fields"][place], value) << pointer;
-        if (value.is_number_float())
+        if (value.is_number_float()) {
             EXPECT_EQ(std::signbit(block["fields"][place].get<double>()),
                       std::signbit(value.get<double>()))
                 << pointer;
+        }
     }
 }
 

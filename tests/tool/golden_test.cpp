@@ -63,6 +63,8 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"info_damaged.txt", {"info", "data/samples/random-damaged.tqx"}},
         Case{"info_gaps.txt", {"info", "tool/data/gaps.tqx", "tool/data/undecodable.tqx"}},
         Case{"info_gaps.json", {"info", "--json", "tool/data/gaps.tqx"}},
+        Case{"info_mixed.txt", {"info", "tool/data/mixed.tqx"}},
+        Case{"info_mixed.json", {"info", "--json", "tool/data/mixed.tqx"}},
         Case{"explain.txt", {"explain", "-@96"}}, Case{"explain_unknown.txt", {"explain", "-@595"}},
         Case{"explain_bad_checksum.txt", {"explain", "data/samples/random-damaged.tqx@1460"}},
         Case{"explain_cut.txt", {"explain", "tool/data/cut.tqx"}},

@@ -120,12 +120,16 @@ TEST(HostileText, InNamesOfFilesIsEscaped)
     const QString path = folder.filePath("a\x1b[2J\nb.tqx");
     std::ofstream(path.toStdString(), std::ios::binary)
         << testData("data/samples/random-damaged.tqx");
-    const std::vector<QStringList> commands = {
-        {"info", path},           {"info", path, path},
-        {"dump", path},           {"explain", path},
-        {"explain", path + "@1"}, {"info", folder.filePath("\x1b[2J")},
-        {"encode", path},         {"dump", "-o", folder.filePath("\x1b[2J/x"), path},
-        {"cut", path, "-o", path}};
+    const std::vector<QStringList> commands = {{"info", "--json", path},
+                                               {"info", path},
+                                               {"info", path, path},
+                                               {"dump", path},
+                                               {"explain", path},
+                                               {"explain", path + "@1"},
+                                               {"info", folder.filePath("\x1b[2J")},
+                                               {"encode", path},
+                                               {"dump", "-o", folder.filePath("\x1b[2J/x"), path},
+                                               {"cut", path, "-o", path}};
     for (const QStringList& command : commands) {
         const ToolRun run = runTool(command);
         EXPECT_FALSE(hasControls(run.words)) << run.words;

@@ -56,6 +56,25 @@ TEST(Simulate, DamageLeavesTheOtherBlocks)
     }
 }
 
+TEST(Simulate, MixedLogHasTheSameBlocksAndNoDamage)
+{
+    const std::string mixed = simulated({"--duration", "20", "--mixed"});
+    EXPECT_TRUE(runTool({"cut", "-"}, mixed).output == simulated({"--duration", "20"}));
+    const ToolRun info = runTool({"info", "--json", "--strict", "-"}, mixed);
+    EXPECT_EQ(info.status, 0);
+    const json summary = json::parse(info.output);
+    EXPECT_EQ(summary["droppedBytes"], 0);
+    uint64_t bytes = 0;
+    for (const json& type : summary["types"])
+        bytes += type["bytes"].get<uint64_t>();
+    for (const json& kind : summary["neighbours"])
+        bytes += kind["bytes"].get<uint64_t>();
+    EXPECT_EQ(bytes, mixed.size());
+    EXPECT_EQ(summary["neighbours"]["nmea"]["count"], 20);
+    EXPECT_EQ(summary["neighbours"]["rtcm3"]["count"], 6);
+    EXPECT_EQ(summary["neighbours"]["ascii"]["count"], 5);
+}
+
 // A carrier that changes as the Doppler says, from epoch to epoch.
 TEST(Simulate, MeasurementsAgreeWithEachOther)
 {

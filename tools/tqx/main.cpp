@@ -10,9 +10,11 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <iostream>
+#include <new>
 
 namespace
 {
@@ -66,11 +68,28 @@ ExitStatus run(int argc, char** argv)
         return explain(program, error);
     } catch (const tqx::tool::ClosedPipe&) {
         return ExitStatus::Done;
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception& error) {
         tqx::tool::words::say(error.what());
         return ExitStatus::Failed;
     }
     return ExitStatus::Failed;
+}
+
+/// Libraries may want memory where they cannot fail, such as for taking down a deep tree of JSON.
+[[noreturn]] void endWithoutMemory()
+{
+    try {
+        if (const std::exception_ptr failure = std::current_exception())
+            std::rethrow_exception(failure);
+    } catch (const std::bad_alloc&) {
+        tqx::tool::words::sayOutOfMemory();
+        std::_Exit(static_cast<int>(ExitStatus::Failed));
+    } catch (...) {
+        std::abort();
+    }
+    std::abort();
 }
 
 } // namespace
@@ -80,8 +99,14 @@ int main(int argc, char** argv)
 #ifdef SIGPIPE
     std::signal(SIGPIPE, SIG_IGN);
 #endif
-    tqx::tool::interrupt::watch();
-    const ExitStatus status = run(argc, argv);
+    std::set_terminate(endWithoutMemory);
+    ExitStatus status = ExitStatus::Failed;
+    try {
+        tqx::tool::interrupt::watch();
+        status = run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        tqx::tool::words::sayOutOfMemory();
+    }
     tqx::tool::interrupt::obey();
     return static_cast<int>(status);
 }

@@ -1,6 +1,5 @@
 #include "tqx/framing/BlockFramer.h"
 
-#include "korcg_crc.h"
 #include "korcg_load.h"
 #include "tqx/framing/SyncSearch.h"
 
@@ -9,18 +8,9 @@
 namespace tqx
 {
 
-namespace
-{
-
-constexpr size_t kHeaderSize = 8; // up to and with the length; also the least valid length
-constexpr size_t kChecksumAt = 2;
-constexpr size_t kCheckedFrom = 4;
-constexpr size_t kLengthAt = 6;
-constexpr size_t kSyncSize = 2;
-
-} // namespace
-
 BlockFramer::Listener::~Listener() = default;
+
+void BlockFramer::Listener::onDroppedPiece(uint64_t, const uint8_t*, size_t) {}
 
 BlockFramer::BlockFramer(Listener* listener) : listener_(listener) {}
 
@@ -32,15 +22,21 @@ void BlockFramer::append(const uint8_t* bytes, size_t size)
         return;
     }
     ended_ = false;
-    if (available() == 0) {
-        // Junk in front is not worth a copy.
-        const size_t junk = findSync(bytes, size);
-        offset_ += junk;
-        unreported_ += junk;
-        bytes += junk;
-        size -= junk;
+    if (available() != 0 || unreported_ != 0) {
+        store(bytes, size);
+        search();
+        return;
     }
-    store(bytes, size);
+    // Junk in front is not worth a copy.
+    const size_t junk = findSync(bytes, size);
+    const uint64_t start = offset_;
+    offset_ += junk;
+    unreported_ += junk;
+    handedOver_ = junk;
+    store(bytes + junk, size - junk);
+    if (junk != 0 && listener_ != nullptr) {
+        listener_->onDroppedPiece(start, bytes, junk);
+    }
     search();
 }
 
@@ -71,20 +67,21 @@ void BlockFramer::takeBlock()
 
 BlockFramer::Candidate BlockFramer::waiting() const
 {
-    if (hasBlock() || available() < kHeaderSize) {
+    if (hasBlock() || available() < BlockHeader::kSize) {
         return {nullptr, 0, 0, offset_};
     }
-    return {head(), available(), korcg_load_u16(head() + kLengthAt), offset_};
+    return {head(), available(), korcg_load_u16(head() + BlockHeader::kLengthAt), offset_};
 }
 
 bool BlockFramer::passWaiting()
 {
     const Candidate candidate = waiting();
     if (candidate.data == nullptr ||
-        !inner_.find(candidate.data + kSyncSize, candidate.size - kSyncSize, offset_ + kSyncSize)) {
+        !inner_.find(candidate.data + BlockHeader::kSyncSize,
+                     candidate.size - BlockHeader::kSyncSize, offset_ + BlockHeader::kSyncSize)) {
         return false;
     }
-    drop(kSyncSize);
+    drop(BlockHeader::kSyncSize);
     search();
     return true;
 }
@@ -107,13 +104,13 @@ void BlockFramer::search()
 bool BlockFramer::decideCandidate()
 {
     drop(findSync(head(), available()));
-    if (available() < kHeaderSize) {
+    if (available() < BlockHeader::kSize) {
         return giveUpCandidate();
     }
-    const size_t length = korcg_load_u16(head() + kLengthAt);
+    const size_t length = korcg_load_u16(head() + BlockHeader::kLengthAt);
     const uint64_t candidate = offset_;
-    if (length < kHeaderSize) {
-        drop(kSyncSize);
+    if (length < BlockHeader::kSize) {
+        drop(BlockHeader::kSyncSize);
         if (listener_ != nullptr) {
             listener_->onInvalidLength(candidate);
         }
@@ -122,11 +119,11 @@ bool BlockFramer::decideCandidate()
     if (available() < length) {
         return giveUpCandidate();
     }
-    if (isIntact(length)) {
+    if (checksum_.isIntact(head(), length, offset_)) {
         blockSize_ = length;
         return false;
     }
-    drop(kSyncSize);
+    drop(BlockHeader::kSyncSize);
     if (listener_ != nullptr) {
         listener_->onChecksumFailed(candidate);
     }
@@ -138,58 +135,39 @@ bool BlockFramer::giveUpCandidate()
     if (!ended_ || available() == 0) {
         return false;
     }
-    drop(std::min(kSyncSize, available()));
+    drop(std::min(BlockHeader::kSyncSize, available()));
     return true;
-}
-
-bool BlockFramer::isIntact(size_t length)
-{
-    const uint8_t* checked = head() + kCheckedFrom;
-    const size_t size = length - kCheckedFrom;
-    const uint16_t expected = korcg_load_u16(head() + kChecksumAt);
-    if (!mayBeSummedInVain(size)) {
-        return prefixes_.of(checked, offset_ + kCheckedFrom, size) == expected;
-    }
-    if (korcg_crc16_bytes(checked, size) == expected) {
-        return true;
-    }
-    summedInVain_ += size;
-    return false;
-}
-
-// Summing in vain is allowed for twice the bytes of the stream so far, but not saved up over long
-// sound stretches.
-bool BlockFramer::mayBeSummedInVain(size_t size)
-{
-    constexpr uint64_t kMostSaved = 4 * PrefixChecksums::kLongest;
-    const uint64_t limit = 2 * offset_;
-    if (limit > summedInVain_ + kMostSaved) {
-        summedInVain_ = limit - kMostSaved;
-    }
-    return summedInVain_ + size <= limit;
 }
 
 void BlockFramer::reportDropped()
 {
     const uint64_t count = unreported_;
+    const size_t inBuffer = droppedInBuffer();
+    const uint64_t end = offset_;
     unreported_ = 0;
-    if (count != 0 && listener_ != nullptr) {
-        listener_->onBytesDropped(offset_ - count, count);
+    handedOver_ = 0;
+    if (count == 0 || listener_ == nullptr) {
+        return;
     }
+    if (inBuffer != 0) {
+        listener_->onDroppedPiece(end - inBuffer, head() - inBuffer, inBuffer);
+    }
+    listener_->onBytesDropped(end - count, count);
 }
 
 // Consumed bytes are removed when room is needed and they are the larger part, so that every byte
-// is moved at most once on average.
+// is moved at most once on average. Those that are still to be reported are not consumed.
 void BlockFramer::store(const uint8_t* bytes, size_t size)
 {
     constexpr size_t kLeastCapacity = 16384;
-    const size_t kept = available();
-    if (buffer_.capacity() - buffer_.size() < size && head_ >= kept) {
-        std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(head_), buffer_.end(),
+    const size_t consumed = head_ - droppedInBuffer();
+    const size_t kept = buffer_.size() - consumed;
+    if (buffer_.capacity() - buffer_.size() < size && consumed >= kept) {
+        std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(consumed), buffer_.end(),
                   buffer_.begin());
         buffer_.resize(kept);
         buffer_.reserve(kLeastCapacity);
-        head_ = 0;
+        head_ -= consumed;
     }
     buffer_.insert(buffer_.end(), bytes, bytes + size);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "tqx/framing/CandidateChecksum.h"
 #include "tqx/framing/InnerBlockSearch.h"
-#include "tqx/framing/PrefixChecksums.h"
 #include "tqx_framing_export.h"
 
 #include <cstddef>
@@ -53,6 +53,9 @@ public:
         /// `count` (> 0) bytes that belong to no block, in one run that ends before the next block
         /// or with the bytes at hand.
         virtual void onBytesDropped(uint64_t offset, uint64_t count) = 0;
+        /// The bytes of the next report of dropped ones, all of them, in order and in one piece or
+        /// two. They stay valid until this returns or calls the framer. Does nothing by default.
+        virtual void onDroppedPiece(uint64_t offset, const uint8_t* bytes, size_t size);
 
     protected:
         Listener() = default;
@@ -126,14 +129,13 @@ private:
     void search();
     bool decideCandidate();
     bool giveUpCandidate();
-    bool isIntact(size_t length);
     void drop(size_t count)
     {
         head_ += count;
         offset_ += count;
         unreported_ += count;
     }
-    bool mayBeSummedInVain(size_t size);
+    size_t droppedInBuffer() const { return static_cast<size_t>(unreported_) - handedOver_; }
     void reportDropped();
     void store(const uint8_t* bytes, size_t size);
 
@@ -143,13 +145,10 @@ private:
     size_t blockSize_ = 0;    ///< size of the block that stands at head_, 0 for none
     uint64_t offset_ = 0;     ///< of head_ in the stream
     uint64_t unreported_ = 0; ///< dropped bytes before head_ that the listener has not heard of
+    size_t handedOver_ = 0;   ///< those of them that never came into the buffer
     bool ended_ = false;
-
-    /// Bytes summed for candidates that turned out false. Past a limit that grows with the stream,
-    /// stretches are summed by prefixes_ instead, so that the work stays linear.
-    uint64_t summedInVain_ = 0;
-    PrefixChecksums prefixes_;
-    InnerBlockSearch inner_; ///< behind passWaiting()
+    CandidateChecksum checksum_;
+    InnerBlockSearch inner_; ///< of passWaiting()
 };
 
 } // namespace tqx

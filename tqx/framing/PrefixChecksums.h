@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tqx_framing_export.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -12,7 +14,7 @@ namespace tqx
 /// it ("marks"); the checksum of any stretch follows from two marks and the few bytes between them
 /// and its ends. Every byte of the stream is summed once on behalf of the marks, however many
 /// stretches it belongs to.
-class PrefixChecksums
+class TQX_FRAMING_API PrefixChecksums
 {
 public:
     /// Longest stretch that can be asked for.

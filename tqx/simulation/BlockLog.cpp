@@ -2,6 +2,7 @@
 
 #include "tqx/log/DataError.h"
 
+#include <algorithm>
 #include <limits>
 #include <string>
 
@@ -15,11 +16,21 @@ BlockLog::BlockLog(Buffer& target, std::optional<uint64_t> damageSeed)
         random.emplace(*damageSeed);
 }
 
+void BlockLog::addNeighbour(const uint8_t* bytes, size_t size)
+{
+    std::copy(bytes, bytes + size, block.begin());
+    writeBytes(size);
+}
+
 void BlockLog::write(int bits)
 {
     if (bits < 0)
         throw DataError(std::string("simulate: ") + TQX_errorName(bits));
-    const size_t size = static_cast<size_t>(bits) / 8;
+    writeBytes(static_cast<size_t>(bits) / 8);
+}
+
+void BlockLog::writeBytes(size_t size)
+{
     const size_t before = output.size();
     if (random)
         damage(size);

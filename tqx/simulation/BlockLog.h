@@ -31,11 +31,15 @@ public:
         write(encode(block.data(), static_cast<unsigned short>(block.size()), &record));
     }
 
+    /// Appends what the receiver sends beside its blocks, at most 65,535 bytes.
+    void addNeighbour(const uint8_t* bytes, size_t size);
+
     /// Bytes appended so far.
     uint64_t getSize() const { return written; }
 
 private:
     void write(int bits);
+    void writeBytes(size_t size);
     void damage(size_t size);
     void writeJunk();
 

@@ -70,4 +70,15 @@ void addText(BlockLog& log, const Epoch& epoch, Random& random);
 /// the place where the antenna started.
 void addCorrections(BlockLog& log, const Epoch& epoch, const Geodetic& start);
 
+// What a port with other output than blocks sends between them:
+
+/// The position as the NMEA 0183 sentence GGA.
+void addPositionSentence(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
+
+/// Position and names of the receiver itself as a base station, in frames of RTCM 3.
+void addBaseFrames(BlockLog& log, const Geodetic& marker);
+
+/// The reply to a question about its state, and a prompt.
+void addReply(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
+
 } // namespace tqx::simulation

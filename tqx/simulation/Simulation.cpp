@@ -32,6 +32,7 @@ private:
     bool isDue(const Epoch& epoch, uint32_t everyMillis) const;
     void addNewEphemerides(const Epoch& epoch);
     void addBlocks(const Epoch& epoch);
+    void addNeighbours(const Epoch& epoch);
 
     const SimulationSettings& settings;
     Random random;
@@ -103,6 +104,16 @@ void Simulation::addBlocks(const Epoch& epoch)
     }
 }
 
+void Simulation::addNeighbours(const Epoch& epoch)
+{
+    constexpr uint32_t second = 1000;
+    if (epoch.elapsed == 0 || isDue(epoch, 30 * second))
+        addReply(log, epoch, receiver);
+    addPositionSentence(log, epoch, receiver);
+    if (isDue(epoch, 10 * second))
+        addBaseFrames(log, settings.track.start);
+}
+
 void Simulation::run(const AfterEpoch& afterEpoch)
 {
     const auto epochs =
@@ -113,6 +124,8 @@ void Simulation::run(const AfterEpoch& afterEpoch)
         const Epoch epoch = epochAt(index);
         receiver.advance(epoch);
         addBlocks(epoch);
+        if (settings.mixed)
+            addNeighbours(epoch);
         if (afterEpoch && !afterEpoch(log.getSize() - before))
             return;
     }

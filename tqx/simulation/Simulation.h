@@ -19,6 +19,7 @@ struct SimulationSettings {
     uint32_t towMillis = 216000000; ///< of the first epoch
     TrackSettings track;
     bool damage = false;
+    bool mixed = false; ///< with NMEA, RTCM 3 and text between the blocks, which stay the same
 };
 
 /// Called after each epoch with the number of bytes it appended; false ends the log there. It may

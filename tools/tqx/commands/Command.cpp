@@ -7,6 +7,7 @@
 #include "commands/ExplainCommand.h"
 #include "commands/ExtractCommand.h"
 #include "commands/HelpCommand.h"
+#include "commands/IndexCommand.h"
 #include "commands/InfoCommand.h"
 #include "commands/SimulateCommand.h"
 #include "commands/TypesCommand.h"
@@ -30,6 +31,7 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program)
     commands.push_back(std::make_unique<ExplainCommand>(program));
     commands.push_back(std::make_unique<CutCommand>(program));
     commands.push_back(std::make_unique<ExtractCommand>(program));
+    commands.push_back(std::make_unique<IndexCommand>(program));
     commands.push_back(std::make_unique<TypesCommand>(program));
     commands.push_back(std::make_unique<EncodeCommand>(program));
     commands.push_back(std::make_unique<SimulateCommand>(program));

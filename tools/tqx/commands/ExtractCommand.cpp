@@ -3,6 +3,8 @@
 #include "TQX_DiffCorrIn_Payload.h"
 #include "io/Output.h"
 #include "io/Target.h"
+#include "io/ToolError.h"
+#include "output/NeighbourWriter.h"
 #include "tqx/log/record/RecordDecoder.h"
 #include "tqx/log/record/TypeNames.h"
 
@@ -22,6 +24,14 @@ namespace
 
 /// The formats, each at the place of its number.
 const std::vector<std::string> modes = {"rtcm2", "cmr", "rtcm3", "rtcmv"};
+
+/// The kinds of neighbours of blocks, each at the place of its number.
+const std::vector<std::string> kinds = {"nmea", "rtcm3", "ascii"};
+
+size_t placeIn(const std::vector<std::string>& names, const std::string& name)
+{
+    return static_cast<size_t>(std::find(names.begin(), names.end(), name) - names.begin());
+}
 
 /// Writes the corrections of one format out as they are.
 class Corrections : public BlockConsumer
@@ -52,32 +62,51 @@ private:
 } // namespace
 
 ExtractCommand::ExtractCommand(CLI::App& program)
-    : Command(program, "extract", "Write the corrections of one format that a receiver received",
-              "  tqx extract --mode rtcm3 log.tqx -o corrections.rtcm3\n"
-              "  tqx extract --mode cmr --where 'Source == \"COM1\"' log.tqx > com1.cmr\n"
-              "\n"
-              "The messages stand one behind the other, as the receiver wrote them into its log; "
-              "RTCM 2\n"
-              "in words of 32 bits. See tqx help dump for times and conditions.\n")
+    : Command(
+          program, "extract", "Write received corrections, or what came between the blocks",
+          "  tqx extract --mode rtcm3 log.tqx -o corrections.rtcm3\n"
+          "  tqx extract --mode cmr --where 'Source == \"COM1\"' log.tqx > com1.cmr\n"
+          "  tqx extract --between nmea log.tqx -o log.nmea\n"
+          "\n"
+          "The messages stand one behind the other, as the receiver wrote them into its log; "
+          "RTCM 2\n"
+          "in words of 32 bits. See tqx help dump for times and conditions.\n"
+          "\n"
+          "Between the blocks a port may send NMEA sentences (whole ones with a valid checksum),\n"
+          "RTCM 3 frames and ASCII text: lines that end with CR and LF, and prompts. They are\n"
+          "written as they are; by --from and --to each goes with the block before it.\n")
 {
     streams.addInputs(app);
     streams.addDamageReport(app);
     streams.addConditions(app);
-    app.add_option("--mode", mode, "Their format")
-        ->required()
-        ->transform(CLI::IsMember(modes, CLI::ignore_case).description(""))
-        ->type_name("rtcm2|cmr|rtcm3|rtcmv");
+    CLI::Option* const corrections =
+        app.add_option("--mode", mode, "Format of the corrections")
+            ->transform(CLI::IsMember(modes, CLI::ignore_case).description(""))
+            ->type_name("rtcm2|cmr|rtcm3|rtcmv");
+    app.add_option("--between", between, "Instead of corrections, what came between the blocks")
+        ->transform(CLI::IsMember(kinds, CLI::ignore_case).description(""))
+        ->type_name("nmea|rtcm3|ascii")
+        ->excludes(corrections)
+        ->excludes(app.get_option("--where"))
+        ->excludes(app.get_option("--every"));
     app.add_option("-o,--output", target, "File to write instead of standard output")
         ->type_name("FILE");
 }
 
 ExitStatus ExtractCommand::run()
 {
+    if (mode.empty() && between.empty())
+        throw ToolError("extract: --mode or --between is needed");
     streams.checkBefore(target);
     refuseTerminal(target);
     Output output(target);
-    const auto number = std::find(modes.begin(), modes.end(), mode) - modes.begin();
-    Corrections corrections(output.getBuffer(), static_cast<uint8_t>(number));
+    if (!between.empty()) {
+        NeighbourWriter neighbours(output.getBuffer(),
+                                   static_cast<NeighbourKind>(placeIn(kinds, between)),
+                                   streams.getSelection());
+        return streams.read(neighbours, output);
+    }
+    Corrections corrections(output.getBuffer(), static_cast<uint8_t>(placeIn(modes, mode)));
     return streams.read(corrections, output);
 }
 

@@ -8,7 +8,7 @@
 namespace tqx::tool
 {
 
-/// `tqx extract`: the correction messages that a receiver has received.
+/// `tqx extract`: the correction messages that a receiver has received, or what came between blocks.
 class ExtractCommand : public Command
 {
 public:
@@ -17,7 +17,8 @@ public:
 
 private:
     StreamOptions streams;
-    std::string mode;
+    std::string mode;    ///< format of corrections
+    std::string between; ///< kind of neighbours instead
     std::string target = "-";
 };
 

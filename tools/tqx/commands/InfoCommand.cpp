@@ -18,6 +18,8 @@ public:
     void begin(InputStream& stream) override
     {
         stream.setGapListener([this](const StreamGap& gap) { summary.addDamage(gap); });
+        stream.setNeighbourListener(
+            [this](const Neighbour& neighbour) { summary.addNeighbour(neighbour); });
     }
     void take(BlockStream& stream, const Block& block) override { summary.add(stream, block); }
     void end(InputStream& stream) override
@@ -51,7 +53,8 @@ InfoCommand::InfoCommand(CLI::App& program)
               "lists the first 100,000 of each with their starts. First and last are the earliest\n"
               "and the latest time. Time runs back where a block is earlier than the one of its\n"
               "type before it; an epoch is repeated when blocks of a type come with a time that\n"
-              "blocks of that type had before.\n")
+              "blocks of that type had before. NMEA sentences, RTCM 3 frames and text between the\n"
+              "blocks are counted apart and are no damage.\n")
 {
     streams.addInputs(app);
     streams.addSelection(app);

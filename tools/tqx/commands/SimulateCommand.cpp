@@ -33,6 +33,7 @@ SimulateCommand::SimulateCommand(CLI::App& program)
           "  tqx simulate --start 2404:604790 --duration 30 | tqx info -\n"
           "  tqx simulate --size 1GB --rate 20 -o big.tqx\n"
           "  tqx simulate --rate 10 --duration 60 --seed 7 --damage | tqx info -\n"
+          "  tqx simulate --mixed -o mixed.tqx\n"
           "\n"
           "The receiver tracks the nominal constellations of GPS, GLONASS, Galileo and BeiDou on "
           "up\n"
@@ -48,6 +49,8 @@ SimulateCommand::SimulateCommand(CLI::App& program)
              "Start of the random numbers")
         ->type_name("NUMBER");
     app.add_flag("--damage", settings.damage, "Flip bits, cut blocks and put junk between them");
+    app.add_flag("--mixed", settings.mixed,
+                 "Put NMEA sentences, RTCM 3 frames and replies between the blocks");
     app.add_option("-o,--output", target, "File to write instead of standard output")
         ->type_name("FILE");
 }

@@ -68,6 +68,14 @@ void say(std::string_view text)
     print(lines + printable(text.substr(start)) + '\n');
 }
 
+void sayOutOfMemory()
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    wipe();
+    std::fputs("tqx: out of memory\n", stderr);
+    std::fflush(stderr);
+}
+
 void sayAt(std::string_view file, uint64_t offset, std::string_view text)
 {
     print(fmt::format("tqx: {}: {}: {}\n", printable(file), offset, printable(text)));

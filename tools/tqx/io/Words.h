@@ -16,6 +16,9 @@ namespace words
 /// characters in it, here and below, are escaped.
 void say(std::string_view text);
 
+/// "tqx: out of memory", without taking any.
+void sayOutOfMemory();
+
 /// "tqx: <file>: <offset>: <text>"
 void sayAt(std::string_view file, uint64_t offset, std::string_view text);
 

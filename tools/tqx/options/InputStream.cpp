@@ -30,6 +30,12 @@ void InputStream::onGap(const StreamGap& found)
     others.isCut = others.isCut || found.isCut;
 }
 
+void InputStream::onNeighbour(const std::string&, const Neighbour& neighbour)
+{
+    if (neighbourListener)
+        neighbourListener(neighbour);
+}
+
 void InputStream::onUndecodable(const std::string& file, const Block& block, int32_t code)
 {
     if (quiet || gapListener)

@@ -26,14 +26,22 @@ public:
         gapListener = std::move(action);
     }
 
+    /// Has `action` called for every sentence, frame and line of text between the blocks.
+    void setNeighbourListener(std::function<void(const Neighbour&)> action)
+    {
+        neighbourListener = std::move(action);
+    }
+
     /// Reports the number of damaged places that were not named, if there are any.
     void sumUpDamage();
 
 private:
     void onGap(const StreamGap& gap) override;
+    void onNeighbour(const std::string& file, const Neighbour& neighbour) override;
     void onUndecodable(const std::string& file, const Block& block, int32_t code) override;
 
     std::function<void(const StreamGap&)> gapListener;
+    std::function<void(const Neighbour&)> neighbourListener;
     bool quiet;
     words::Limit limit;
     StreamGap others;              ///< the sum of the gaps that were not named

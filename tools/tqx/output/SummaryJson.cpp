@@ -77,6 +77,34 @@ Json typeOf(uint16_t number, const TypeSummary& type)
     return object;
 }
 
+Json countOf(const NeighbourCount& found)
+{
+    return {{"count", found.count}, {"bytes", found.bytes}};
+}
+
+/// Counts of one kind in all, and by type under `name`.
+template<typename Types>
+Json kindOf(const NeighbourCount& all, const char* name, const Types& types)
+{
+    Json object = countOf(all);
+    object["types"] = Json::array();
+    for (const auto& [type, found] : types) {
+        Json entry = {{name, type}};
+        entry.update(countOf(found));
+        object["types"].push_back(entry);
+    }
+    return object;
+}
+
+Json neighboursOf(const StreamCounts& counts, const NeighbourSummary& neighbours)
+{
+    return {
+        {"nmea", kindOf(counts.of(NeighbourKind::Nmea), "address", neighbours.getSentences())},
+        {"rtcm3", kindOf(counts.of(NeighbourKind::Rtcm3), "number", neighbours.getFrames())},
+        {"ascii", countOf(counts.of(NeighbourKind::Ascii))},
+    };
+}
+
 } // namespace
 
 void appendSummaryJson(Buffer& out, const InputStream& stream, const StreamSummary& summary)
@@ -107,6 +135,7 @@ void appendSummaryJson(Buffer& out, const InputStream& stream, const StreamSumma
         addGaps(object, "outages", summary.getIntervals(), *usual);
     object["undecodableBlocks"] = placesOf(summary.getUndecodablePlaces());
     object["unknownBlocks"] = placesOf(summary.getUnknownPlaces());
+    object["neighbours"] = neighboursOf(counts, summary.getNeighbours());
     object["damagedPlaces"] = summary.getDamagedPlaces();
     object["damage"] = Json::array();
     for (const StreamGap& gap : summary.getDamage())
@@ -116,7 +145,7 @@ void appendSummaryJson(Buffer& out, const InputStream& stream, const StreamSumma
                                     {"crcErrors", gap.crcErrors},
                                     {"invalidLengths", gap.invalidLengths}});
     // Names of files may be no UTF-8.
-    out.append(object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n");
+    out.append(object.dump(-1, ' ', true, Json::error_handler_t::replace) + "\n");
 }
 
 } // namespace tqx::tool

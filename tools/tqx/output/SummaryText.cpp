@@ -70,6 +70,7 @@ public:
     {
         appendTotals();
         appendTable();
+        appendNeighbourTable(out, summary.getNeighbours(), stream.getCounts().bytes);
         appendGaps();
         appendOutages();
         appendDamage();

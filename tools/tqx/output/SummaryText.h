@@ -20,6 +20,10 @@ std::string headOf(const std::vector<std::string>& names);
 /// decode, the first few places of each.
 void appendSummaryText(Buffer& out, const InputStream& stream, const StreamSummary& summary);
 
+/// Appends a table of what came between the blocks, by kind and type; nothing when there is none.
+/// Shares are of `bytes`.
+void appendNeighbourTable(Buffer& out, const NeighbourSummary& neighbours, uint64_t bytes);
+
 /// Appends a summary as one JSON object in a line.
 void appendSummaryJson(Buffer& out, const InputStream& stream, const StreamSummary& summary);
 

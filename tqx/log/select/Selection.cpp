@@ -3,6 +3,8 @@
 #include "tqx/log/DataError.h"
 #include "tqx/log/select/TimeText.h"
 
+#include <new>
+
 namespace tqx
 {
 
@@ -49,6 +51,11 @@ bool Selection::isInTime(const Block& block)
         return true;
     if (const std::optional<GnssMillis> own = block.getTime())
         time = own;
+    return isInTime();
+}
+
+bool Selection::isInTime() const
+{
     // Before the first time of a stream it is earlier than any that is asked for.
     if (!time)
         return !from;

@@ -36,8 +36,12 @@ public:
     const TypeSelection& getTypes() const { return types; }
 
     /// Whether the block is selected. One that must be decoded to know and does not decode is
-    /// reported to the stream and not selected.
+    /// reported to the stream and not selected. Throws std::bad_alloc when there is no memory to
+    /// decode it.
     bool accepts(BlockStream& stream, const Block& block);
+
+    /// Whether what follows the last block, and has no time of its own, is between the times.
+    bool isInTime() const;
 
 private:
     bool isInTime(const Block& block);

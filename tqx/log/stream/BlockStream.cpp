@@ -14,7 +14,7 @@ constexpr size_t pieceSize = 1 << 18;
 } // namespace
 
 BlockStream::BlockStream(ByteSource& bytes, StreamListener* hears)
-    : source(bytes), listener(hears), framer(this), piece(pieceSize)
+    : source(bytes), listener(hears), framer(this), scanner(*this), piece(pieceSize)
 {
 }
 
@@ -23,12 +23,15 @@ bool BlockStream::next(Block& block)
     framer.takeBlock();
     while (!framer.hasBlock()) {
         if (ended) {
+            if (!source.isInterrupted())
+                scanner.end();
             gap.isCut = isCut;
             closeGap();
             return false;
         }
         readOn();
     }
+    scanner.end();
     closeGap();
     ++counts.blocks;
     const BlockFramer::Block found = framer.block();
@@ -86,30 +89,57 @@ void BlockStream::readOn()
     framer.flush();
 }
 
-void BlockStream::onChecksumFailed(uint64_t)
+void BlockStream::onChecksumFailed(uint64_t offset)
 {
-    ++counts.crcErrors;
-    ++gap.crcErrors;
+    falseBlocks.push_back({offset, false});
 }
 
-void BlockStream::onInvalidLength(uint64_t)
+void BlockStream::onInvalidLength(uint64_t offset)
 {
-    ++counts.invalidLengths;
-    ++gap.invalidLengths;
+    falseBlocks.push_back({offset, true});
+}
+
+// Its bytes are what counts.
+void BlockStream::onBytesDropped(uint64_t, uint64_t) {}
+
+void BlockStream::onDroppedPiece(uint64_t offset, const uint8_t* bytes, size_t size)
+{
+    scanner.append(offset, bytes, size);
+}
+
+void BlockStream::onNeighbour(const Neighbour& neighbour)
+{
+    closeGap();
+    counts.neighbours[static_cast<size_t>(neighbour.kind)].add(neighbour);
+    while (!falseBlocks.empty() && falseBlocks.front().offset < neighbour.offset + neighbour.size)
+        falseBlocks.pop_front();
+    if (!listener)
+        return;
+    const ByteSource::Place place = source.placeOf(neighbour.offset);
+    listener->onNeighbour(place.file,
+                          {neighbour.kind, neighbour.data, neighbour.size, place.offset});
 }
 
 // One stretch may be reported in several pieces.
-void BlockStream::onBytesDropped(uint64_t offset, uint64_t count)
+void BlockStream::onDamage(uint64_t offset, uint64_t count)
 {
     counts.droppedBytes += count;
     if (gap.bytes == 0)
         gap.offset = offset;
     gap.bytes += count;
+    for (; !falseBlocks.empty() && falseBlocks.front().offset < offset + count;
+         falseBlocks.pop_front()) {
+        const bool isTooShort = falseBlocks.front().isTooShort;
+        ++(isTooShort ? counts.invalidLengths : counts.crcErrors);
+        ++(isTooShort ? gap.invalidLengths : gap.crcErrors);
+    }
 }
 
 void BlockStream::closeGap()
 {
-    if (gap.bytes != 0 && listener) {
+    if (gap.bytes == 0)
+        return;
+    if (listener) {
         const ByteSource::Place place = source.placeOf(gap.offset);
         gap.file = place.file;
         gap.offset = place.offset;

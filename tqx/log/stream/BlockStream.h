@@ -1,12 +1,15 @@
 #pragma once
 
 #include "tqx/framing/BlockFramer.h"
+#include "tqx/log/mixed/NeighbourScanner.h"
 #include "tqx/log/source/ByteSource.h"
 #include "tqx/log/stream/Block.h"
 #include "tqx/log/stream/StreamListener.h"
 
+#include <array>
 #include <chrono>
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,21 +17,29 @@
 namespace tqx
 {
 
-/// What framing has found so far.
+/// What framing has found so far. Once the input has ended, the bytes are those of the blocks, the
+/// neighbours and the dropped ones.
 struct StreamCounts {
     uint64_t bytes = 0;          ///< of the input
     uint64_t blocks = 0;         ///< valid ones
-    uint64_t droppedBytes = 0;   ///< that belong to no valid block
+    uint64_t droppedBytes = 0;   ///< that belong to no valid block and no neighbour
     uint64_t crcErrors = 0;      ///< complete candidates with a bad checksum
     uint64_t invalidLengths = 0; ///< candidates that claim fewer bytes than a header has
     uint64_t undecodable = 0;    ///< valid blocks of known types that do not decode
+    std::array<NeighbourCount, neighbourKinds> neighbours; ///< by NeighbourKind
 
+    const NeighbourCount& of(NeighbourKind kind) const
+    {
+        return neighbours[static_cast<size_t>(kind)];
+    }
+
+    /// Neighbours are no damage.
     bool isDamaged() const { return droppedBytes != 0 || undecodable != 0; }
 };
 
-/// The valid blocks of a source, in order. Whatever else is in it goes to a listener. Works in
-/// constant memory.
-class BlockStream : private BlockFramer::Listener
+/// The valid blocks of a source, in order. Whatever else is in it goes to a listener. What looks
+/// like the start of a block within a neighbour is no error. Works in constant memory.
+class BlockStream : private BlockFramer::Listener, private NeighbourScanner::Listener
 {
 public:
     /// Neither is owned, both must outlive the stream; the listener may be null.
@@ -54,6 +65,12 @@ public:
     const StreamCounts& getCounts() const { return counts; }
 
 private:
+    /// What looked like a block and was none.
+    struct FalseBlock {
+        uint64_t offset;
+        bool isTooShort; ///< by its length; else its checksum is bad
+    };
+
     void readOn();
     bool passDoubtful();
     bool passAfterPause();
@@ -61,11 +78,16 @@ private:
     void onChecksumFailed(uint64_t offset) override;
     void onInvalidLength(uint64_t offset) override;
     void onBytesDropped(uint64_t offset, uint64_t count) override;
+    void onDroppedPiece(uint64_t offset, const uint8_t* bytes, size_t size) override;
+    void onNeighbour(const Neighbour& neighbour) override;
+    void onDamage(uint64_t offset, uint64_t count) override;
 
     ByteSource& source;
     StreamListener* listener;
     BlockFramer framer;
     std::optional<std::chrono::milliseconds> longestPause; ///< of a live stream
+    NeighbourScanner scanner;
+    std::deque<FalseBlock> falseBlocks; ///< in bytes of which the scanner has still to decide
     std::vector<uint8_t> piece;
     std::string name;
     StreamCounts counts;

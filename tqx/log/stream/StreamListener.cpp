@@ -29,4 +29,6 @@ std::string StreamGap::describe() const
 
 StreamListener::~StreamListener() = default;
 
+void StreamListener::onNeighbour(const std::string&, const Neighbour&) {}
+
 } // namespace tqx

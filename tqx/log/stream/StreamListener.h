@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tqx/log/mixed/Neighbour.h"
 #include "tqx/log/stream/Block.h"
 
 #include <cstdint>
@@ -8,7 +9,7 @@
 namespace tqx
 {
 
-/// A stretch of bytes that belongs to no block.
+/// A stretch of bytes that belongs to no block and to no neighbour of blocks.
 struct StreamGap {
     std::string file;
     uint64_t offset = 0; ///< in the file that it begins in
@@ -27,8 +28,12 @@ class StreamListener
 public:
     virtual ~StreamListener();
 
-    /// Bytes that belong to no block, once for each stretch of them.
+    /// Damage, once for each stretch of it.
     virtual void onGap(const StreamGap& gap) = 0;
+
+    /// A sentence, frame or line of text between the blocks of `file`, with its offset there. Its
+    /// bytes are valid until this returns. Does nothing by default.
+    virtual void onNeighbour(const std::string& file, const Neighbour& neighbour);
 
     /// A block of `file` that the codec refused with `code`.
     virtual void onUndecodable(const std::string& file, const Block& block, int32_t code) = 0;

@@ -14,7 +14,8 @@ namespace tqx
 class EpochSet
 {
 public:
-    /// `sharedRoom` is how many series may still be kept by all sets that share it; it must outlive them.
+    /// `sharedRoom` is how many series may still be kept by all sets that share it; it must outlive
+    /// them.
     explicit EpochSet(size_t& sharedRoom) : room(sharedRoom) {}
 
     /// Adds a time. Returns false when it was there already. Without room it is forgotten.

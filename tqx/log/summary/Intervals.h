@@ -24,8 +24,8 @@ public:
         uint64_t missing; ///< times that would fit into it
     };
 
-    /// `sharedRoom` is how many runs of equal intervals may still be kept by all that share it; it must
-    /// outlive them.
+    /// `sharedRoom` is how many runs of equal intervals may still be kept by all that share it; it
+    /// must outlive them.
     explicit Intervals(size_t& sharedRoom) : room(sharedRoom) {}
 
     void add(GnssMillis time);

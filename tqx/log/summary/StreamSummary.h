@@ -4,6 +4,7 @@
 #include "tqx/log/stream/BlockStream.h"
 #include "tqx/log/summary/EpochSet.h"
 #include "tqx/log/summary/Intervals.h"
+#include "tqx/log/summary/NeighbourSummary.h"
 
 #include <bitset>
 #include <cstdint>
@@ -62,6 +63,9 @@ public:
     /// Notes where bytes belong to no block; only the first thousand places are kept.
     void addDamage(const StreamGap& gap);
 
+    /// Counts what came between blocks.
+    void addNeighbour(const Neighbour& neighbour) { neighbours.add(neighbour); }
+
     /// By block number; unknown ones are among them.
     std::map<uint16_t, const TypeSummary*> getTypes() const;
 
@@ -75,6 +79,8 @@ public:
     /// The first thousand blocks that do not decode, and those of unknown numbers.
     const std::vector<BlockPlace>& getUndecodablePlaces() const { return undecodablePlaces; }
     const std::vector<BlockPlace>& getUnknownPlaces() const { return unknownPlaces; }
+
+    const NeighbourSummary& getNeighbours() const { return neighbours; }
 
     /// The earliest and the latest time of a block.
     const std::optional<GnssMillis>& getFirst() const { return first; }
@@ -102,6 +108,7 @@ private:
     std::vector<std::unique_ptr<TypeSummary>> types; ///< by block number
     std::vector<StreamGap> damage;
     uint64_t damagedPlaces = 0;
+    NeighbourSummary neighbours;
     std::optional<GnssMillis> first;
     std::optional<GnssMillis> last;
     std::optional<GnssMillis> latest; ///< since time ran back

@@ -54,6 +54,15 @@ const std::vector<uint64_t>& insertionDays()
 
 constexpr uint64_t secondsPerDay = 86400;
 
+/// Leap seconds that are over after so many seconds of GNSS time.
+uint64_t insertedBefore(uint64_t seconds)
+{
+    uint64_t inserted = 0;
+    for (const uint64_t day : insertionDays())
+        inserted += seconds > day * secondsPerDay + inserted ? 1U : 0U;
+    return inserted;
+}
+
 } // namespace
 
 bool endsWithLeapSecond(uint64_t day)
@@ -68,12 +77,15 @@ unsigned leapSecondsBefore(uint64_t day)
     return static_cast<unsigned>(std::upper_bound(days.begin(), days.end(), day) - days.begin());
 }
 
+uint64_t utcMillis(GnssMillis millis)
+{
+    return millis - insertedBefore(millis / 1000) * 1000;
+}
+
 std::string utcText(GnssMillis millis)
 {
     const uint64_t seconds = millis / 1000;
-    uint64_t inserted = 0;
-    for (const uint64_t day : insertionDays())
-        inserted += seconds > day * secondsPerDay + inserted ? 1U : 0U;
+    const uint64_t inserted = insertedBefore(seconds);
     // In an inserted second the calendar stands at the end of the day.
     const std::vector<uint64_t>& days = insertionDays();
     const bool isLeap =

@@ -15,6 +15,10 @@ bool endsWithLeapSecond(uint64_t day);
 /// the end of the list have as many as its last.
 unsigned leapSecondsBefore(uint64_t day);
 
+/// Milliseconds from 1980-01-06 as a clock of UTC counts them that knows no leap seconds: a leap
+/// second has the time of the second after it.
+uint64_t utcMillis(GnssMillis millis);
+
 /// "2024-02-10T23:46:22.100Z", the time in UTC; a leap second is the second 60.
 std::string utcText(GnssMillis millis);
 

@@ -80,7 +80,7 @@ std::string header(const Selection& selection)
                         "template<typename Record>\nconstexpr uint32_t TQX_recordTypeOf = 0;\n",
                         sizes);
     for (const RecordType* type : selection)
-        text += fmt::format("template<>\nconstexpr uint32_t TQX_recordTypeOf<{}> = {};\n",
+        text += fmt::format("template<>\ninline constexpr uint32_t TQX_recordTypeOf<{}> = {};\n",
                             recordName(*type), type->record);
     text += "\n} // namespace Kor::MessageApi\n\n";
     text += declarationsStart;

@@ -1,0 +1,66 @@
+// The program with an operator new that refuses memory now and then.
+
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+
+int toolMain(int argc, char** argv); // the main function of the program
+
+namespace
+{
+
+unsigned long granted = 0;
+unsigned long period = 0; ///< every so many requests one is refused, 0 for none
+
+void* allocate(size_t size, size_t alignment)
+{
+    if (period != 0 && ++granted % period == 0)
+        throw std::bad_alloc();
+    void* memory = alignment <= alignof(std::max_align_t)
+                       ? std::malloc(size)
+                       : std::aligned_alloc(alignment, (size + alignment - 1) & ~(alignment - 1));
+    if (memory == nullptr)
+        throw std::bad_alloc();
+    return memory;
+}
+
+} // namespace
+
+void* operator new(size_t size)
+{
+    return allocate(size, 1);
+}
+
+void* operator new(size_t size, std::align_val_t alignment)
+{
+    return allocate(size, static_cast<size_t>(alignment));
+}
+
+void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, size_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::align_val_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, size_t, std::align_val_t) noexcept
+{
+    std::free(memory);
+}
+
+int main(int argc, char** argv)
+{
+    const char* wanted = std::getenv("TQX_REFUSE_EVERY");
+    period = wanted == nullptr ? 0 : std::strtoul(wanted, nullptr, 10);
+    const int status = toolMain(argc, argv);
+    period = 0; // what libraries do at the exit is not the program's
+    return status;
+}

@@ -1,0 +1,102 @@
+#include "commands/IndexCommand.h"
+
+#include "io/Output.h"
+#include "io/ToolError.h"
+#include "io/Words.h"
+#include "tqx/log/index/IndexedLog.h"
+#include "tqx/log/stream/Block.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <thread>
+
+namespace tqx::tool
+{
+
+namespace
+{
+
+const char* describe(IndexedLog::Origin origin)
+{
+    switch (origin) {
+    case IndexedLog::Origin::Made:
+        return "indexed";
+    case IndexedLog::Origin::Extended:
+        return "indexed further";
+    case IndexedLog::Origin::Saved:
+        break;
+    }
+    return "index is up to date";
+}
+
+std::string describe(const Index& index)
+{
+    const StreamCounts counts = index.getCounts();
+    const auto first = index.getFirstTime();
+    const auto last = index.getLastTime();
+    const std::string times =
+        first && last ? fmt::format(", {} to {} GPS", dateText(*first), dateText(*last)) : "";
+    return fmt::format("{} bytes, {} blocks of {} types{}, {} bytes belong to no block",
+                       counts.bytes, counts.blocks, index.getTypes().size(), times,
+                       counts.droppedBytes);
+}
+
+} // namespace
+
+IndexCommand::IndexCommand(CLI::App& program)
+    : Command(
+          program, "index", "Save beside logs where their blocks are",
+          "  tqx index day1.tqx day2.tqx.gz\n"
+          "  tqx index --show --list day1.tqx\n"
+          "\n"
+          "The index of FILE is FILE.tqxi. One that is there already is used if it is that of\n"
+          "the log, goes on if the log has become longer, and is made anew otherwise. Logs may\n"
+          "be compressed with gzip or zstd.\n")
+{
+    app.add_option("FILE", files, "Logs")->required()->type_name("");
+    app.add_flag("--show", onlyShow, "Save nothing, only say what the logs hold");
+    app.add_flag("--list", list, "Also list the blocks of each type");
+}
+
+/// Whether it could be done.
+bool IndexCommand::index(Output& output, const std::string& file) const
+{
+    IndexedLogOptions options;
+    options.framing.threads = std::max(1U, std::thread::hardware_concurrency());
+    options.save = !onlyShow;
+    options.onWarning = [](const std::string& warning) { words::say(warning); };
+    const IndexedLog log(file, options);
+    Buffer& out = output.getBuffer();
+    out.append(
+        fmt::format("{}: {}, {}\n", file, describe(log.getOrigin()), describe(log.getIndex())));
+    if (list) {
+        for (const Index::Type& type : log.getIndex().getTypes())
+            out.append(fmt::format("{:>10}  {}\n", type.blocks, describeBlock(type.number)));
+    }
+    output.commit();
+    if (onlyShow || log.isSaved() || log.getOrigin() == IndexedLog::Origin::Saved)
+        return true;
+    words::say(IndexedLog::indexPath(file) + ": cannot be written");
+    return false;
+}
+
+ExitStatus IndexCommand::run()
+{
+    Output output;
+    ExitStatus status = ExitStatus::Done;
+    for (const std::string& file : files) {
+        try {
+            if (!index(output, file))
+                status = ExitStatus::Failed;
+        } catch (const SourceError& error) {
+            output.flush();
+            words::say(error.what());
+            status = ExitStatus::Failed;
+        }
+    }
+    output.flush();
+    return status;
+}
+
+} // namespace tqx::tool

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "commands/Command.h"
+
+#include <string>
+#include <vector>
+
+namespace tqx::tool
+{
+
+class Output;
+
+/// `tqx index`: saves where the blocks of logs are.
+class IndexCommand : public Command
+{
+public:
+    explicit IndexCommand(CLI::App& program);
+    ExitStatus run() override;
+
+private:
+    bool index(Output& output, const std::string& file) const;
+
+    std::vector<std::string> files;
+    bool onlyShow = false;
+    bool list = false;
+};
+
+} // namespace tqx::tool

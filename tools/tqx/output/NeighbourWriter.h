@@ -1,0 +1,35 @@
+#pragma once
+
+#include "options/StreamOptions.h"
+#include "tqx/log/text/Buffer.h"
+
+namespace tqx::tool
+{
+
+/// Writes the neighbours of one kind as they are: those between the times of the selection, where
+/// each goes with the block before it.
+class NeighbourWriter : public BlockConsumer
+{
+public:
+    /// Neither is owned.
+    NeighbourWriter(Buffer& buffer, NeighbourKind wanted, const Selection& times)
+        : out(buffer), kind(wanted), selection(times)
+    {
+    }
+
+    void begin(InputStream& stream) override
+    {
+        stream.setNeighbourListener([this](const Neighbour& neighbour) {
+            if (neighbour.kind == kind && selection.isInTime())
+                out.append(reinterpret_cast<const char*>(neighbour.data), neighbour.size);
+        });
+    }
+    void take(BlockStream&, const Block&) override {}
+
+private:
+    Buffer& out;
+    NeighbourKind kind;
+    const Selection& selection;
+};
+
+} // namespace tqx::tool

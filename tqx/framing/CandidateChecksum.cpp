@@ -1,0 +1,36 @@
+#include "tqx/framing/CandidateChecksum.h"
+
+#include "korcg_crc.h"
+#include "korcg_load.h"
+
+namespace tqx
+{
+
+bool CandidateChecksum::isIntact(const uint8_t* block, size_t length, uint64_t offset)
+{
+    const uint8_t* checked = block + BlockHeader::kCheckedFrom;
+    const size_t size = length - BlockHeader::kCheckedFrom;
+    const uint16_t expected = korcg_load_u16(block + BlockHeader::kChecksumAt);
+    if (!mayBeSummedInVain(size, offset)) {
+        return prefixes_.of(checked, offset + BlockHeader::kCheckedFrom, size) == expected;
+    }
+    if (korcg_crc16_bytes(checked, size) == expected) {
+        return true;
+    }
+    summedInVain_ += size;
+    return false;
+}
+
+// Summing in vain is allowed for twice the bytes of the stream so far, but not saved up over long
+// valid stretches.
+bool CandidateChecksum::mayBeSummedInVain(size_t size, uint64_t offset)
+{
+    constexpr uint64_t kMostSaved = 4 * PrefixChecksums::kLongest;
+    const uint64_t limit = 2 * (offset - start_) + allowance_;
+    if (limit > summedInVain_ + kMostSaved) {
+        summedInVain_ = limit - kMostSaved;
+    }
+    return summedInVain_ + size <= limit;
+}
+
+} // namespace tqx

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "tqx/framing/PrefixChecksums.h"
+#include "tqx_framing_export.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tqx
+{
+
+/// The header of a block, as far as framing reads it.
+struct BlockHeader {
+    static constexpr size_t kSize = 8; ///< up to and with the length; also the least valid length
+    static constexpr size_t kChecksumAt = 2;
+    static constexpr size_t kCheckedFrom = 4;
+    static constexpr size_t kLengthAt = 6;
+    static constexpr size_t kSyncSize = 2;
+};
+
+/// Tests the checksums of one candidate after the other, at a cost that stays linear in the bytes
+/// of the stream even when most candidates are false and claim the same bytes over and over.
+class TQX_FRAMING_API CandidateChecksum
+{
+public:
+    /// `start`: offset of the first byte of the stream that candidates come from. `allowance`:
+    /// bytes that may be summed for false candidates before overlapping claims share their sums;
+    /// selects a method, never a result.
+    explicit CandidateChecksum(uint64_t start = 0, uint64_t allowance = 0)
+        : start_(start), allowance_(allowance)
+    {
+    }
+
+    /// Whether the block of `length` bytes (at least BlockHeader::kSize, at most 65,535) at
+    /// `block`, which stands at `offset` of the stream, has the checksum that it says. Offsets must
+    /// not decrease from call to call.
+    bool isIntact(const uint8_t* block, size_t length, uint64_t offset);
+
+private:
+    bool mayBeSummedInVain(size_t size, uint64_t offset);
+
+    uint64_t start_;
+    uint64_t allowance_;
+
+    /// Bytes summed for candidates that turned out false. Past a limit that grows with the stream,
+    /// stretches are summed by prefixes_ instead, so that the work stays linear.
+    uint64_t summedInVain_ = 0;
+    PrefixChecksums prefixes_;
+};
+
+} // namespace tqx

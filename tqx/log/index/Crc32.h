@@ -1,0 +1,12 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tqx
+{
+
+/// CRC-32 as in gzip and PNG; of "123456789" it is 0xcbf43926.
+uint32_t crc32(const uint8_t* bytes, size_t size);
+
+} // namespace tqx

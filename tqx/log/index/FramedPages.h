@@ -1,0 +1,109 @@
+#pragma once
+
+#include "tqx/log/index/PageOffsets.h"
+#include "tqx/log/time/GnssTime.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace tqx
+{
+
+/// Stands for no time in what an index stores.
+constexpr GnssMillis noMillis = ~GnssMillis{0};
+
+/// A time of week that says nothing, as on the wire.
+constexpr uint32_t noTow = 0xffffffff;
+
+/// Whether decoding, whose context has seen `last`, takes a block at `tow` to begin a week.
+constexpr bool isWeekStart(uint32_t tow, uint32_t last)
+{
+    constexpr uint32_t twoDays = 172800000;
+    return tow + twoDays < last;
+}
+
+/// What an index knows of a page of a log. Blocks belong to the page that they begin in.
+struct PageRow {
+    /// Where framing enters, counted from the page's start: 0, or the end of the block that
+    /// reaches into the page.
+    uint32_t entry = 0;
+    uint16_t blocks = 0;
+
+    /// The first block that decoding follows the week by, if there is one, and the TOW of it and of
+    /// the last such block.
+    uint16_t firstTowAt = 0;
+    uint32_t firstTow = noTow;
+    uint32_t lastTow = noTow;
+
+    /// Of the blocks that have a time.
+    GnssMillis minTime = noMillis;
+    GnssMillis maxTime = noMillis;
+    GnssMillis lastTime = noMillis;
+
+    // What follows from the pages before.
+    GnssMillis timeBefore = noMillis; ///< of the last block before that has one
+    uint32_t towBefore = 0;           ///< last TOW of a decoding context
+    uint8_t weekBefore = 0;           ///< week counter of a decoding context
+    bool startsWeek = false;          ///< the block at firstTowAt begins a week
+};
+
+bool operator==(const PageRow& left, const PageRow& right);
+
+/// What framing a row of pages of a log gives. Parts that follow each other are joined to one.
+struct FramedPages {
+    static constexpr uint32_t defaultPageSize = 1 << 16;
+
+    /// What is noted beside blocks.
+    enum Mark {
+        ChecksumError, ///< a complete candidate with a bad checksum
+        InvalidLength, ///< a candidate that claims fewer bytes than a header has
+        GapStart,      ///< first byte of a run of bytes that belong to no block
+        GapLast,       ///< its last byte; runs that touch are one
+        WeekStart,     ///< a block that begins a week, but for PageRow::firstTowAt
+        GivenUp,       ///< a candidate that the end of the log cuts off
+        markCount
+    };
+
+    /// Where the blocks of a number are.
+    struct Type {
+        uint16_t number;
+        PageOffsets offsets;
+    };
+
+    explicit FramedPages(uint32_t bytesPerPage = defaultPageSize, uint32_t first = 0,
+                         uint64_t firstEntry = 0)
+        : pageSize(bytesPerPage), firstPage(first), exit(firstEntry)
+    {
+    }
+
+    uint32_t getEndPage() const { return firstPage + static_cast<uint32_t>(rows.size()); }
+    uint64_t startOf(uint32_t page) const { return uint64_t{page} * pageSize; }
+    const PageRow& rowOf(uint32_t page) const { return rows[page - firstPage]; }
+
+    /// Where framing enters a page from getFirstPage() to getEndPage().
+    uint64_t entryOf(uint32_t page) const;
+
+    /// The offsets of a number, made when there are none.
+    PageOffsets& offsetsOf(uint16_t number);
+
+    /// Adds the pages of `later` from `page` on. `page` must be getEndPage(), and `later` enter it
+    /// as this leaves its last page.
+    void append(const FramedPages& later, uint32_t page);
+
+    /// Removes the pages from `page` on.
+    void truncate(uint32_t page);
+
+    /// Works out what follows from the pages before, for all rows; firstPage must be 0.
+    void linkRows();
+
+    uint32_t pageSize; ///< at most 65,536
+    uint32_t firstPage;
+    uint64_t exit; ///< where framing enters the page after the last one
+    std::vector<PageRow> rows;
+    std::vector<Type> types; ///< that have blocks, in no particular order
+    std::array<PageOffsets, markCount> marks;
+};
+
+} // namespace tqx

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "tqx/log/index/Index.h"
+#include "tqx/log/source/RandomAccess.h"
+#include "tqx/log/stream/Block.h"
+
+#include <cstdint>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace tqx
+{
+
+/// Which blocks of an indexed log are wanted.
+struct BlockQuery {
+    std::vector<uint16_t> numbers; ///< block numbers; empty: all
+
+    /// Blocks at or after `from` and before `to`. A block without a time counts as at the time of
+    /// the last block before it, of any type, that has one; before the first of these it is earlier
+    /// than any time.
+    std::optional<GnssMillis> from = std::nullopt;
+    std::optional<GnssMillis> to = std::nullopt;
+
+    /// Only blocks of these pages.
+    uint32_t firstPage = 0;
+    uint32_t endPage = 0xffffffff;
+};
+
+/// The blocks of an indexed log that are asked for, in the order of the log. Touches nothing else
+/// of the log, except for the headers of a page in which a block without a time is found and a time
+/// is asked for. Used by one thread; several can divide the pages.
+class IndexedBlocks
+{
+public:
+    /// Neither is owned, both must outlive the object. `log` must be what was indexed.
+    IndexedBlocks(const Index& index, const RandomAccess& log, BlockQuery query = {});
+
+    /// Gets the next block, whose bytes stay valid until the next call; false after the last one.
+    /// Throws SourceError when the log cannot be read or has no such block where the index says.
+    bool next(Block& block);
+
+    /// For the last block gotten: what to give a context for it to decode as in one pass over the
+    /// whole log. Of the last TOW only what matters for this block is true.
+    WeekContext getContext() const;
+
+private:
+    struct Selected {
+        const FramedPages::Type* type;
+        PageOffsets::Cursor cursor;
+    };
+
+    bool loadPage();
+    bool mayHoldTime(const PageRow& row) const;
+    bool isWanted(const Block& block);
+    bool isInTime(std::optional<GnssMillis> time) const;
+    GnssMillis timeBefore(uint16_t offset);
+    Block blockAt(uint64_t offset);
+    const uint8_t* bytesAt(uint64_t offset, size_t count);
+    [[noreturn]] void failAt(uint64_t offset) const;
+
+    const FramedPages& pages;
+    const RandomAccess& log;
+    BlockQuery query;
+    uint64_t size; ///< of the log as indexed
+
+    std::vector<Selected> selected;
+    PageOffsets::Cursor weekStarts;
+    std::vector<Selected> every; ///< all types, once they are needed
+
+    uint32_t page;                 ///< the next one
+    uint32_t current;              ///< the one that `offsets` are of
+    std::vector<uint16_t> offsets; ///< wanted blocks of the page
+    size_t position = 0;           ///< the next one of them
+    uint16_t lastOffset = 0;       ///< of the last block gotten
+    PageOffsets::Page starts = {}; ///< weeks that begin in the page
+
+    /// All blocks of the page and the time that each of them counts as; made when needed.
+    std::vector<std::pair<uint16_t, GnssMillis>> times;
+
+    std::vector<uint8_t> buffer; ///< for logs that are not in memory
+    uint64_t bufferStart = 0;
+    size_t bufferSize = 0;
+};
+
+} // namespace tqx

@@ -1,0 +1,141 @@
+#include "tqx/log/index/IndexedLog.h"
+
+#include "tqx/log/DataError.h"
+#include "tqx/log/index/SavedIndex.h"
+#include "tqx/log/source/CompressedSource.h"
+#include "tqx/log/source/FileSource.h"
+#include "tqx/log/source/JoinedSource.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <system_error>
+#include <utility>
+
+namespace tqx
+{
+
+namespace
+{
+
+Compression recognise(const RandomAccess& file)
+{
+    uint8_t first[4];
+    return compressionOf(first, file.readAt(0, first, sizeof first));
+}
+
+void warn(const IndexedLogOptions& options, const std::string& warning)
+{
+    if (options.onWarning)
+        options.onWarning(warning);
+}
+
+} // namespace
+
+IndexedLog::IndexedLog(const std::string& path, const IndexedLogOptions& options)
+    : file(std::make_unique<FileAccess>(path, options.mapping))
+{
+    std::optional<SavedIndex> saved = load(options);
+    if (!saved) {
+        saved = make(options);
+        origin = Origin::Made;
+    }
+    if (!saved->damage.empty())
+        warn(options, path + ": " + saved->damage);
+    if (options.save && origin != Origin::Saved)
+        save(*saved);
+    index = std::make_unique<Index>(std::move(saved->index));
+    content = file.get();
+    if (saved->compression != Compression::None) {
+        unpacked = std::make_unique<CompressedAccess>(
+            *file, saved->compression, std::move(saved->points), index->getLogSize());
+        content = unpacked.get();
+    }
+}
+
+IndexedLog::~IndexedLog() = default;
+
+/// The saved index, brought up to date; nothing when there is none for this log.
+std::optional<SavedIndex> IndexedLog::load(const IndexedLogOptions& options)
+{
+    // What an index takes at the worst is a few times its log; anything larger is none.
+    const uint64_t most = 8 * file->getSize() + (1 << 20);
+    const std::string path = indexPath(file->getName());
+    std::ifstream stream(path, std::ios::binary);
+    if (!stream)
+        return std::nullopt;
+    std::error_code error;
+    const uint64_t size = std::filesystem::file_size(path, error);
+    std::string reason = "it is too large";
+    std::optional<SavedIndex> saved;
+    if (!error && size <= most) {
+        std::vector<uint8_t> bytes(static_cast<size_t>(size));
+        stream.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(size));
+        saved = unpackIndex(bytes.data(), static_cast<size_t>(stream.gcount()), reason);
+    }
+    if (!saved) {
+        warn(options, path + ": is not used, " + reason);
+        return std::nullopt;
+    }
+    switch (saved->identity.compare(*file)) {
+    case LogIdentity::Match::Same:
+        if (saved->compression != recognise(*file))
+            break;
+        origin = Origin::Saved;
+        return saved;
+    case LogIdentity::Match::Longer:
+        if (saved->compression != Compression::None || recognise(*file) != Compression::None)
+            return std::nullopt;
+        saved->index.extend(*file, options.framing);
+        saved->identity = LogIdentity::of(*file);
+        origin = Origin::Extended;
+        return saved;
+    case LogIdentity::Match::Other:
+        break;
+    }
+    warn(options, path + ": is not used, it is the index of another log");
+    return std::nullopt;
+}
+
+SavedIndex IndexedLog::make(const IndexedLogOptions& options) const
+{
+    const LogIdentity identity = LogIdentity::of(*file);
+    const Compression compression = recognise(*file);
+    if (compression == Compression::None)
+        return {identity, compression, {}, {}, Index::build(*file, options.framing)};
+    std::vector<AccessPoint> points;
+    std::string damage;
+    const std::string& path = file->getName();
+    JoinedSource source(
+        {path},
+        [&](const SourceError& error) {
+            damage = std::string(error.what()).substr(path.size() + 2);
+        },
+        [&](const std::string&) {
+            return std::make_unique<CompressedSource>(std::make_unique<FileSource>(path),
+                                                      compression, &points);
+        });
+    Index made = Index::build(source);
+    return {identity, compression, std::move(damage), std::move(points), std::move(made)};
+}
+
+// Written under another name first, so that nobody reads half of it.
+void IndexedLog::save(const SavedIndex& made)
+{
+    const std::vector<uint8_t> bytes = packIndex(made);
+    const std::string path = indexPath(file->getName());
+    const std::string unfinished = path + ".new";
+    std::ofstream stream(unfinished, std::ios::binary | std::ios::trunc);
+    stream.write(reinterpret_cast<const char*>(bytes.data()),
+                 static_cast<std::streamsize>(bytes.size()));
+    stream.close();
+    std::error_code error;
+    if (stream)
+        std::filesystem::rename(unfinished, path, error);
+    hasSaved = stream && !error;
+    if (!hasSaved)
+        std::filesystem::remove(unfinished, error);
+}
+
+} // namespace tqx

@@ -1,0 +1,198 @@
+#include "tqx/log/index/LogFramer.h"
+
+#include "tqx/log/index/StretchFramer.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstring>
+#include <exception>
+#include <functional>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace tqx
+{
+
+namespace
+{
+
+constexpr size_t pieceSize = 1 << 20;
+
+/// The part of a log around the page that is framed next.
+class Feed
+{
+public:
+    /// Gets up to `count` bytes that follow the last ones; 0 at the end of the log.
+    using Reader = std::function<size_t(uint8_t* bytes, size_t count)>;
+
+    Feed(uint64_t from, Reader next) : start(from), reader(std::move(next)) {}
+
+    /// Frames pages before `endPage`, reading at most `piece` bytes ahead.
+    void frame(StretchFramer& framer, uint32_t endPage, size_t piece)
+    {
+        for (;;) {
+            framer.frame({buffer.data(), start, start + filled, isAtEnd}, endPage);
+            const FramedPages& pages = framer.getPages();
+            if (isAtEnd || pages.getEndPage() >= endPage)
+                return;
+            dropBefore(pages.startOf(pages.getEndPage()));
+            const size_t capacity = piece + 2 * FramedPages::defaultPageSize;
+            if (buffer.size() < capacity)
+                buffer.resize(capacity);
+            const size_t got = reader(buffer.data() + filled, buffer.size() - filled);
+            filled += got;
+            isAtEnd = got == 0;
+        }
+    }
+
+    uint64_t getEnd() const { return start + filled; }
+
+private:
+    void dropBefore(uint64_t offset)
+    {
+        const auto count = static_cast<size_t>(std::min<uint64_t>(offset - start, filled));
+        if (count != 0)
+            std::memmove(buffer.data(), buffer.data() + count, filled - count);
+        start += count;
+        filled -= count;
+    }
+
+    uint64_t start; ///< offset in the log of the first byte in the buffer
+    Reader reader;
+    std::vector<uint8_t> buffer;
+    size_t filled = 0;
+    bool isAtEnd = false;
+};
+
+/// Frames pages of a log, one stretch of them after the other.
+class PageFeed
+{
+public:
+    PageFeed(const RandomAccess& source, uint64_t from)
+        : log(source), position(from),
+          feed(from, [this](uint8_t* bytes, size_t count) { return read(bytes, count); })
+    {
+    }
+    PageFeed(const PageFeed&) = delete;
+    PageFeed& operator=(const PageFeed&) = delete;
+
+    void frame(StretchFramer& framer, uint32_t endPage)
+    {
+        const FramedPages& pages = framer.getPages();
+        if (const uint8_t* bytes = log.getBytes()) {
+            framer.frame({bytes, 0, log.getSize(), true}, endPage);
+            return;
+        }
+        const uint64_t needed = uint64_t{pages.pageSize} * (endPage - pages.getEndPage());
+        feed.frame(framer, endPage, static_cast<size_t>(std::min<uint64_t>(needed, pieceSize)));
+    }
+
+private:
+    size_t read(uint8_t* bytes, size_t count)
+    {
+        const size_t got = log.readAt(position, bytes, count);
+        position += got;
+        return got;
+    }
+
+    const RandomAccess& log;
+    uint64_t position;
+    Feed feed;
+};
+
+/// Runs `work` for 0 to `count` - 1 on several threads; throws what one of them threw.
+void runParallel(unsigned threads, size_t count, const std::function<void(size_t)>& work)
+{
+    std::atomic<size_t> next = 0;
+    std::exception_ptr failure;
+    std::mutex mutex;
+    const auto run = [&] {
+        try {
+            for (size_t i = next++; i < count; i = next++)
+                work(i);
+        } catch (...) {
+            next = count;
+            const std::lock_guard<std::mutex> lock(mutex);
+            failure = std::current_exception();
+        }
+    };
+    std::vector<std::thread> others;
+    try {
+        for (size_t i = 1; i < std::min<size_t>(threads, count); ++i)
+            others.emplace_back(run);
+    } catch (const std::system_error&) {
+        // No more threads to be had: those that there are do all of it.
+    }
+    run();
+    for (std::thread& other : others)
+        other.join();
+    if (failure)
+        std::rethrow_exception(failure);
+}
+
+/// Adds a stretch to the pages before it, from the page on that both enter at the same place.
+void join(const RandomAccess& log, FramedPages& joined, const FramedPages& stretch)
+{
+    const uint32_t first = stretch.firstPage;
+    if (stretch.entryOf(first) == joined.exit) {
+        joined.append(stretch, first);
+        return;
+    }
+    StretchFramer again(joined.pageSize, first, joined.exit);
+    PageFeed feed(log, joined.startOf(first));
+    uint32_t page = first;
+    do
+        feed.frame(again, ++page);
+    while (page != stretch.getEndPage() && again.getPages().exit != stretch.entryOf(page));
+    joined.append(again.getPages(), first);
+    joined.append(stretch, page);
+}
+
+} // namespace
+
+FramedPages frameLog(const RandomAccess& log, FramedPages begun, const FramingOptions& options)
+{
+    const uint64_t pageSize = begun.pageSize;
+    const uint64_t first = begun.getEndPage();
+    const uint64_t count = (log.getSize() + pageSize - 1) / pageSize - first;
+    const uint64_t wanted = options.stretches != 0 ? options.stretches : options.threads;
+    const auto stretches = static_cast<size_t>(std::min(std::max<uint64_t>(wanted, 1), count));
+    const auto boundary = [&](size_t i) {
+        return static_cast<uint32_t>(first + count * i / stretches);
+    };
+
+    std::vector<FramedPages> framed(stretches);
+    runParallel(options.threads, stretches, [&](size_t i) {
+        const uint32_t page = boundary(i);
+        const uint64_t entry = i == 0 ? begun.exit : begun.startOf(page);
+        StretchFramer framer(begun.pageSize, page, entry);
+        PageFeed(log, begun.startOf(page)).frame(framer, boundary(i + 1));
+        framed[i] = framer.takePages();
+    });
+    for (FramedPages& stretch : framed) {
+        if (begun.rows.empty())
+            begun = std::move(stretch);
+        else
+            join(log, begun, stretch);
+        stretch = FramedPages();
+    }
+    begun.linkRows();
+    return begun;
+}
+
+FramedPages frameSource(ByteSource& source, FramedPages begun, uint64_t& size)
+{
+    StretchFramer framer(begun.pageSize, begun.getEndPage(), begun.exit);
+    Feed feed(begun.startOf(begun.getEndPage()),
+              [&](uint8_t* bytes, size_t count) { return source.read(bytes, count); });
+    feed.frame(framer, 0xffffffff, pieceSize);
+    size = feed.getEnd();
+    begun.append(framer.getPages(), begun.getEndPage());
+    begun.linkRows();
+    return begun;
+}
+
+} // namespace tqx

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "tqx/log/source/RandomAccess.h"
+
+#include <cstdint>
+
+namespace tqx
+{
+
+/// By what a file is known again: its size and checksums (CRC-32) of its first and its last 64 kB.
+struct LogIdentity {
+    uint64_t size = 0;
+    uint32_t first = 0;
+    uint32_t last = 0;
+
+    enum class Match {
+        Same,
+        Longer, ///< it begins as the known one and goes on
+        Other,
+    };
+
+    /// Throws SourceError when the file cannot be read.
+    static LogIdentity of(const RandomAccess& file);
+
+    /// What a file is by this identity. Throws SourceError when it cannot be read.
+    Match compare(const RandomAccess& file) const;
+};
+
+} // namespace tqx

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace tqx
+{
+
+/// Ascending offsets in a log, by page: 16 bits each, and 6 bytes for each page that has any.
+class PageOffsets
+{
+public:
+    /// Offsets of one page, counted from its start, ascending.
+    struct Page {
+        const uint16_t* begin_;
+        const uint16_t* end_;
+        const uint16_t* begin() const { return begin_; }
+        const uint16_t* end() const { return end_; }
+        size_t size() const { return static_cast<size_t>(end_ - begin_); }
+        bool isEmpty() const { return begin_ == end_; }
+    };
+
+    /// Adds an offset after all those that were added before.
+    void add(uint32_t page, uint16_t offset)
+    {
+        if (pages.empty() || pages.back() != page) {
+            pages.push_back(page);
+            counts.push_back(0);
+        }
+        ++counts.back();
+        offsets.push_back(offset);
+    }
+
+    /// Adds those of `later` that are in the pages from `firstPage` on.
+    void append(const PageOffsets& later, uint32_t firstPage);
+
+    /// Removes those in the pages from `firstPage` on.
+    void truncate(uint32_t firstPage);
+
+    /// Adds the offsets of a whole page after all others; for readers of saved ones.
+    void addPage(uint32_t page, const std::vector<uint16_t>& ofPage);
+
+    size_t size() const { return offsets.size(); }
+    bool isEmpty() const { return offsets.empty(); }
+
+    /// Pages that have offsets, ascending.
+    size_t getPageCount() const { return pages.size(); }
+    uint32_t getFirstPage() const { return pages.front(); }
+    uint32_t getLastPage() const { return pages.back(); }
+
+    /// Walks the pages upwards. The offsets must not change meanwhile.
+    class Cursor
+    {
+    public:
+        explicit Cursor(const PageOffsets& all) : source(&all) {}
+
+        /// Offsets of `page`; none if there are none. Pages must not go down from call to call.
+        Page at(uint32_t page);
+
+        /// The next page at or after `page` that has offsets; `none` if there is none.
+        uint32_t nextPage(uint32_t page);
+
+        static constexpr uint32_t none = 0xffffffff;
+
+    private:
+        const PageOffsets* source;
+        size_t row = 0;
+        size_t first = 0; ///< index of the first offset of the row
+    };
+
+    friend bool operator==(const PageOffsets& left, const PageOffsets& right)
+    {
+        return left.pages == right.pages && left.counts == right.counts &&
+               left.offsets == right.offsets;
+    }
+
+private:
+    size_t rowOf(uint32_t page) const;
+    size_t offsetsBefore(size_t row) const;
+
+    std::vector<uint32_t> pages;
+    std::vector<uint16_t> counts;
+    std::vector<uint16_t> offsets;
+};
+
+} // namespace tqx

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+
+namespace tqx
+{
+
+/// What writer and reader of a saved index agree on.
+struct SavedIndexFormat {
+    static constexpr uint32_t signature = 0x49585154; ///< "TQXI"
+    static constexpr uint32_t version = 1;
+    static constexpr uint16_t numbers = 0x2000; ///< block numbers are below
+
+    /// A checksum of the block numbers that decoding knows, for these are what weeks are followed
+    /// by: an index made when others were known does not give what decoding gives now.
+    static uint32_t knownNumbers();
+};
+
+} // namespace tqx

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "tqx/framing/CandidateChecksum.h"
+#include "tqx/log/index/FramedPages.h"
+
+#include <cstdint>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace tqx
+{
+
+/// Bytes of a log that are in memory.
+struct LogWindow {
+    const uint8_t* bytes;
+    uint64_t start; ///< offset in the log of the first one
+    uint64_t end;   ///< offset after the last one
+    bool isLast;    ///< whether the log ends there
+};
+
+/// Frames pages of a log in place, one after the other, by the rules of BlockFramer. The only state
+/// that it carries from page to page is the position at which the next one is entered.
+class StretchFramer
+{
+public:
+    /// Longest block.
+    static constexpr uint32_t longest = 0xffff;
+
+    /// Begins with page `firstPage`, entered at offset `entry` of the log.
+    explicit StretchFramer(uint32_t pageSize = FramedPages::defaultPageSize, uint32_t firstPage = 0,
+                           uint64_t entry = 0);
+
+    /// Frames the pages before `endPage` that the window decides: those with `longest` bytes after
+    /// them, and all that have a byte if the log ends with it. The window must hold the log from
+    /// the start of the first page that is still to be framed.
+    void frame(const LogWindow& window, uint32_t endPage);
+
+    /// The pages framed so far.
+    const FramedPages& getPages() const { return pages; }
+    /// Hands them over; no more can be framed then.
+    FramedPages takePages() { return std::move(pages); }
+
+private:
+    /// What is known of a block number.
+    struct KnownNumber {
+        uint32_t type = 0; ///< index in FramedPages::types
+        bool movesWeek = false;
+    };
+
+    void framePage(const LogWindow& window);
+    void addBlock(const uint8_t* block, size_t size, uint32_t page, uint16_t at, PageRow& row);
+    void addTow(uint32_t tow, uint32_t page, uint16_t at, PageRow& row);
+    const KnownNumber& slotOf(uint16_t number);
+
+    FramedPages pages;
+    CandidateChecksum checksum;
+    std::unique_ptr<uint16_t[]> slots; ///< by number: 1 + index in known
+    std::vector<KnownNumber> known;
+};
+
+} // namespace tqx

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tqx
+{
+
+/// Longest line, CR and LF included.
+constexpr size_t longestLine = 1000;
+
+/// As many characters has the first line of a text at least, so that damage does not pass for one.
+constexpr size_t leastText = 4;
+
+/// "COM1>": the name of a connection and '>'.
+constexpr size_t promptSize = 5;
+
+/// What may be in a line: the printable characters of ASCII and the tabulator.
+constexpr bool isPrintable(uint8_t character)
+{
+    return (character >= ' ' && character <= '~') || character == '\t';
+}
+
+constexpr bool isCapital(uint8_t character)
+{
+    return character >= 'A' && character <= 'Z';
+}
+
+/// Whether a sentence of NMEA 0183 begins with this character.
+constexpr bool beginsSentence(uint8_t character)
+{
+    return character == '$' || character == '!';
+}
+
+/// What a line is to NMEA 0183.
+enum class SentenceCheck {
+    None,
+    Wrong, ///< ends with a checksum like a sentence, but it is none or the checksum does not match
+    Right,
+};
+
+/// Judges a line of printable characters that ends with CR and LF. A sentence has an address of 3
+/// to 15 capitals and digits, its two delimiters '$' and '!' nowhere else, and always a checksum.
+SentenceCheck checkSentence(const uint8_t* line, size_t size);
+
+/// Whether these are the first characters of a prompt (`size` up to 5): two or three capitals, one
+/// or two digits, four together, and '>'.
+bool mayBePrompt(const uint8_t* bytes, size_t size);
+
+} // namespace tqx

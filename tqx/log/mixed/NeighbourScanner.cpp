@@ -1,0 +1,205 @@
+#include "tqx/log/mixed/NeighbourScanner.h"
+
+#include "tqx/log/mixed/BeginningSearch.h"
+#include "tqx/log/mixed/LineRules.h"
+
+#include <algorithm>
+
+namespace tqx
+{
+
+namespace
+{
+
+constexpr size_t frameHeader = 3;
+constexpr size_t frameChecksum = 3;
+constexpr size_t endSize = 2; // CR, LF
+
+// Results of findLineEnd() that are no size of a line.
+constexpr size_t noLine = 0;
+constexpr size_t unknown = SIZE_MAX;
+
+bool isLineEnd(const uint8_t* bytes)
+{
+    return bytes[0] == '\r' && bytes[1] == '\n';
+}
+
+} // namespace
+
+NeighbourScanner::Listener::~Listener() = default;
+
+void NeighbourScanner::append(uint64_t offset, const uint8_t* bytes, size_t size)
+{
+    if (offset != position + waiting.size())
+        end();
+    if (size == 0)
+        return;
+    if (!isOpen)
+        position = offset;
+    isOpen = true;
+    if (waiting.empty()) {
+        const size_t decided = scan(bytes, size, false);
+        waiting.assign(bytes + decided, bytes + size);
+        return;
+    }
+    waiting.insert(waiting.end(), bytes, bytes + size);
+    const size_t decided = scan(waiting.data(), waiting.size(), false);
+    waiting.erase(waiting.begin(), waiting.begin() + static_cast<std::ptrdiff_t>(decided));
+}
+
+void NeighbourScanner::close()
+{
+    scan(waiting.data(), waiting.size(), true);
+    waiting.clear();
+    crc.restart();
+    isOpen = false;
+    isLineStart = true;
+    isWithinText = false;
+}
+
+/// Decides about as many of the bytes as it can, the first of which is at `position`, and returns
+/// how many those are.
+size_t NeighbourScanner::scan(const uint8_t* bytes, size_t size, bool isLast)
+{
+    size_t at = 0;
+    size_t damage = 0; // where it begins; it goes on to `at`
+    const auto reportDamage = [&] {
+        if (damage != at)
+            listener.onDamage(position - (at - damage), at - damage);
+    };
+    for (;;) {
+        if (!isLineStart) {
+            const size_t passed = findBeginning(bytes + at, size - at);
+            at += passed;
+            position += passed;
+        }
+        if (at == size)
+            break;
+        const Decision decision = decide({bytes + at, size - at, isLast});
+        if (decision.verdict == Verdict::Waits)
+            break;
+        looked = 0;
+        const bool isNeighbour = decision.verdict == Verdict::Neighbour;
+        if (isNeighbour) {
+            reportDamage();
+            listener.onNeighbour({decision.kind, bytes + at, decision.size, position});
+        }
+        at += decision.size;
+        position += decision.size;
+        if (isNeighbour)
+            damage = at;
+        isLineStart = isNeighbour || decision.size > 1;
+        isWithinText = isNeighbour && decision.kind == NeighbourKind::Ascii;
+    }
+    reportDamage();
+    return at;
+}
+
+// Damage of more than one byte ends where a line may begin.
+NeighbourScanner::Decision NeighbourScanner::decide(const View& view)
+{
+    Decision decision = *view.data == framePreamble ? decideFrame(view)
+                        : isLineStart               ? decideText(view)
+                                                    : decideSentence(view);
+    if (decision.verdict == Verdict::Waits && view.isLast)
+        decision = {Verdict::Damage, 1, {}};
+    return decision;
+}
+
+NeighbourScanner::Decision NeighbourScanner::decideFrame(const View& view)
+{
+    if (view.size > 1 && (view.data[1] & frameReserved) != 0)
+        return {Verdict::Damage, 1, {}};
+    if (view.size < frameHeader)
+        return {Verdict::Waits, 0, {}};
+    const size_t message = view.data[1] * size_t{256} + view.data[2];
+    const size_t size = frameHeader + message + frameChecksum;
+    if (view.size < size)
+        return {Verdict::Waits, 0, {}};
+    if (!crc.holds(position, view.data, size))
+        return {Verdict::Damage, 1, {}};
+    return {Verdict::Neighbour, size, NeighbourKind::Rtcm3};
+}
+
+NeighbourScanner::Decision NeighbourScanner::decideSentence(const View& view)
+{
+    if (view.size > 1 && !isCapital(view.data[1]))
+        return {Verdict::Damage, 1, {}};
+    const size_t size = findLineEnd(view, 1, true);
+    if (size == unknown)
+        return {Verdict::Waits, 0, {}};
+    const SentenceCheck check =
+        size == noLine ? SentenceCheck::None : checkSentence(view.data, size);
+    if (check == SentenceCheck::Right)
+        return {Verdict::Neighbour, size, NeighbourKind::Nmea};
+    return {Verdict::Damage, check == SentenceCheck::Wrong ? size : 1, {}};
+}
+
+NeighbourScanner::Decision NeighbourScanner::decideText(const View& view)
+{
+    constexpr size_t mostBlank = 8 * endSize;
+    size_t blank = 0;
+    while (blank < mostBlank && blank + endSize <= view.size && isLineEnd(view.data + blank)) {
+        blank += endSize;
+        if (isWithinText)
+            return {Verdict::Neighbour, blank, NeighbourKind::Ascii};
+    }
+    const uint8_t* const first = view.data + blank;
+    const size_t size = view.size - blank;
+    if (size != 0 && mayBePrompt(first, std::min(size, promptSize))) {
+        if (size < promptSize && !view.isLast)
+            return {Verdict::Waits, 0, {}};
+        if (size >= promptSize)
+            return {Verdict::Neighbour, blank + promptSize, NeighbourKind::Ascii};
+    }
+    const size_t end = findLineEnd(view, blank, false);
+    if (end == unknown)
+        return {Verdict::Waits, 0, {}};
+    return decideLine(view, blank, end);
+}
+
+/// Decides about a line that ends at `end` after `blank` bytes of empty lines.
+NeighbourScanner::Decision NeighbourScanner::decideLine(const View& view, size_t blank,
+                                                        size_t end) const
+{
+    // What precedes something else than a text is damage of its own.
+    const Decision none = {Verdict::Damage, blank == 0 ? 1 : blank, {}};
+    if (end == noLine)
+        return none;
+    const uint8_t* const line = view.data + blank;
+    const size_t size = end - blank;
+    const SentenceCheck check = checkSentence(line, size);
+    if (check == SentenceCheck::Right)
+        return blank == 0 ? Decision{Verdict::Neighbour, size, NeighbourKind::Nmea} : none;
+    // A sentence that begins within the line is whole, what precedes it is not.
+    for (size_t at = size - endSize; at-- > 1;) {
+        if (!beginsSentence(line[at]))
+            continue;
+        if (checkSentence(line + at, size - at) == SentenceCheck::Right)
+            return {Verdict::Damage, blank + at, {}};
+        break;
+    }
+    if (check == SentenceCheck::Wrong)
+        return {Verdict::Damage, end, {}};
+    const bool isFalseSync = line[0] == '$' && line[1] == '@';
+    if (isFalseSync || (!isWithinText && size < leastText + endSize))
+        return none;
+    return {Verdict::Neighbour, end, NeighbourKind::Ascii};
+}
+
+/// Size of the line with its CR and LF, of which the bytes before `from` are known; noLine, or
+/// unknown when that depends on bytes to come.
+size_t NeighbourScanner::findLineEnd(const View& view, size_t from, bool isSentence)
+{
+    size_t at = std::max(from, looked);
+    const size_t most = std::min(view.size, from + longestLine - endSize);
+    while (at < most && isPrintable(view.data[at]) &&
+           !(isSentence && beginsSentence(view.data[at])))
+        ++at;
+    looked = at;
+    if (at + endSize <= view.size)
+        return isLineEnd(view.data + at) ? at + endSize : noLine;
+    return at == view.size || view.data[at] == '\r' ? unknown : noLine;
+}
+
+} // namespace tqx

@@ -1,0 +1,92 @@
+#include "tqx/log/record/RecordPlan.h"
+
+#include "TQX_RecordAccess.h"
+#include "tqx/log/record/Members.h"
+
+#include <cstddef>
+#include <utility>
+
+namespace tqx
+{
+
+using namespace Kor::MessageApi;
+
+namespace
+{
+
+/// What nobody looks for, unless it is asked for by name.
+bool isFiller(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
+{
+    if (field.isPadding)
+        return true;
+    return isHeaderField(type, field) && field.recordOffset != offsetof(TQX_MainHeader_s, TOW) &&
+           field.recordOffset != offsetof(TQX_MainHeader_s, WNc);
+}
+
+bool isLeftOut(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const FieldFilter& filter,
+               ShownFields shown)
+{
+    switch (shown) {
+    case ShownFields::All:
+        return false;
+    case ShownFields::OnWire:
+        return field.kind == TQX_FieldKind::Bits || field.kind == TQX_FieldKind::Derived;
+    case ShownFields::WithoutFiller:
+        return filter.isEverything() && isFiller(type, field);
+    }
+    return false;
+}
+
+RecordPlan::Kind kindOf(const TQX_FieldLayout& member)
+{
+    if (member.kind == TQX_FieldKind::Blocks)
+        return RecordPlan::Kind::Blocks;
+    if (member.kind == TQX_FieldKind::Embedded)
+        return RecordPlan::Kind::Embedded;
+    if (isText(member))
+        return RecordPlan::Kind::Text;
+    return isNumber(member) ? RecordPlan::Kind::Number : RecordPlan::Kind::Array;
+}
+
+} // namespace
+
+bool isHeaderField(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
+{
+    return type.blockNumber != 0 && field.recordOffset <= offsetof(TQX_MainHeader_s, WNc);
+}
+
+RecordPlan planRecord(const TQX_TypeLayout& type, const FieldFilter& filter, ShownFields shown)
+{
+    const TQX_FieldFacts* facts = TQX_fieldFacts(type.recordType);
+    const std::vector<FieldFilter::Shown> chosen = filter.shownIn(type);
+    RecordPlan plan;
+    plan.type = &type;
+    plan.isWhole = chosen.size() == type.fieldCount;
+    int lastRow = -1; // that the last member is about
+    for (const auto [row, inside] : chosen) {
+        const TQX_FieldLayout& field = type.fields[row];
+        if (isLeftOut(type, field, filter, shown))
+            continue;
+        const int memberRow = isPartOfNumber(type, field) ? field.parent : row;
+        if (memberRow != lastRow) {
+            const TQX_FieldLayout& member = type.fields[memberRow];
+            plan.members.push_back({&member,
+                                    kindOf(member),
+                                    member.presence != TQX_Presence::Always,
+                                    member.recordType == 0 ? TQX_elementSize(member) : 0,
+                                    {},
+                                    nullptr});
+            lastRow = memberRow;
+        }
+        RecordPlan::Member& member = plan.members.back();
+        member.parts.push_back({&field, facts + row});
+        if (field.recordType != 0) {
+            member.plan = std::make_unique<RecordPlan>(
+                planRecord(*TQX_layout(field.recordType), *inside, shown));
+            plan.isWhole = plan.isWhole && member.plan->isWhole;
+        }
+    }
+    return plan;
+}
+
+} // namespace tqx

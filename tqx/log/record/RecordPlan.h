@@ -1,0 +1,71 @@
+#pragma once
+
+#include "TQX_FieldFacts.h"
+#include "TQX_Layout.h"
+#include "tqx/log/record/FieldFilter.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace tqx
+{
+
+/// What of the records of a type is shown, in the order of the filter: made once for a type, walked
+/// for each record.
+///
+///     const RecordPlan plan = planRecord(*TQX_layout(type), FieldFilter(), ShownFields::All);
+///     for (const RecordPlan::Member& member : plan.members)
+///         if (member.kind == RecordPlan::Kind::Number)
+///             show(loadWord(TQX_element(*member.field, record), member.size), member.parts);
+struct RecordPlan {
+    enum class Kind : uint8_t {
+        Number,   ///< one number or character, with the bit ranges that are packed in it
+        Text,     ///< characters up to the first zero
+        Array,    ///< a fixed or counted number of numbers
+        Embedded, ///< at most one sub-block
+        Blocks,   ///< an array of sub-blocks
+    };
+
+    /// A field with a value to be shown.
+    struct Part {
+        const Kor::MessageApi::TQX_FieldLayout* field;
+        const Kor::MessageApi::TQX_FieldFacts* facts;
+    };
+
+    /// A member of the record that is looked at once.
+    struct Member {
+        /// Where it is. Of bit ranges of a number it is that number, shown or not; TQX_isPresent()
+        /// of it holds for its parts.
+        const Kor::MessageApi::TQX_FieldLayout* field;
+        Kind kind;
+        bool isOptional; ///< whether records may be without it
+        uint32_t size;   ///< of an element in bytes, 0 for sub-blocks
+        /// Of a number: it and its bit ranges, as far as they are shown. Of anything else: itself.
+        std::vector<Part> parts;
+        std::unique_ptr<RecordPlan> plan; ///< of the sub-blocks
+    };
+
+    const Kor::MessageApi::TQX_TypeLayout* type;
+    std::vector<Member> members;
+    bool isWhole = true; ///< whether nothing that could be shown was left out by the filter
+};
+
+/// Which fields are worth showing, before a filter is asked.
+enum class ShownFields : uint8_t {
+    All,
+    OnWire,        ///< those with bytes of their own: no bit ranges, no derived values
+    WithoutFiller, ///< no header but time of week and week, no padding, unless the filter names
+                   ///< them
+};
+
+/// The plan of a type, sub-blocks included. Layouts and facts live as long as the codec; the filter
+/// is needed during the call only.
+RecordPlan planRecord(const Kor::MessageApi::TQX_TypeLayout& type, const FieldFilter& filter,
+                      ShownFields shown);
+
+/// Whether the field belongs to the header of a main block, TOWc included.
+bool isHeaderField(const Kor::MessageApi::TQX_TypeLayout& type,
+                   const Kor::MessageApi::TQX_FieldLayout& field);
+
+} // namespace tqx

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "tqx/log/source/Decompressor.h"
+#include "tqx/log/source/RandomAccess.h"
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace tqx
+{
+
+/// The content of a compressed file, read anywhere: from the access point before what is asked for,
+/// or from the start if there is none. Reading on where the last read ended costs least. Threads
+/// may read at the same time, but wait for each other.
+class CompressedAccess : public RandomAccess
+{
+public:
+    /// `packed` is not owned and must outlive the object. `points` ascend; `contentSize` is what
+    /// reading all of the content gives. Points from outside may be wrong: what is read then is
+    /// wrong or fails. Throws DataError when there is no memory to decompress with.
+    CompressedAccess(const RandomAccess& packed, Compression compression,
+                     std::vector<AccessPoint> points, uint64_t contentSize);
+
+    const std::string& getName() const override { return packed.getName(); }
+    uint64_t getSize() const override { return size; }
+    size_t readAt(uint64_t offset, uint8_t* bytes, size_t count) const override;
+
+private:
+    void goTo(uint64_t offset) const;
+    size_t readOn(uint8_t* bytes, size_t count) const;
+    [[noreturn]] void fail(const char* reason) const;
+
+    const RandomAccess& packed;
+    Compression compression;
+    std::vector<AccessPoint> accessPoints;
+    uint64_t size;
+
+    mutable std::mutex mutex;
+    mutable std::unique_ptr<Decompressor> decompressor; ///< null: not at any position
+    mutable uint64_t contentOffset = 0;                 ///< of what comes next
+    mutable uint64_t packedOffset = 0;                  ///< of the buffer's end
+    mutable std::vector<uint8_t> buffer;
+    mutable size_t begin = 0; ///< of what is still to be decompressed
+    mutable size_t end = 0;   ///< of what is in the buffer
+};
+
+} // namespace tqx

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "tqx/log/source/ByteSource.h"
+#include "tqx/log/source/Decompressor.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tqx
+{
+
+/// The content of a gzip or Zstandard source, in constant memory. Offsets are those of the content.
+/// What can be decompressed comes out before damage or a missing end is reported, with its offset
+/// in the compressed file; from then on every read reports it again.
+class CompressedSource : public ByteSource
+{
+public:
+    /// Content between two access points, at least.
+    static constexpr uint64_t pointDistance = 4 << 20;
+
+    /// Takes over the compressed bytes, which are read as content is asked for. `compression` is
+    /// not None. `points`, if given, is not owned and receives the access points that are come
+    /// across. Throws DataError when there is no memory to decompress with.
+    CompressedSource(std::unique_ptr<ByteSource> compressed, Compression compression,
+                     std::vector<AccessPoint>* points = nullptr);
+
+    size_t read(uint8_t* bytes, size_t capacity) override;
+    Place placeOf(uint64_t offset) const override { return {name, offset}; }
+    bool isInterrupted() const override { return packed->isInterrupted(); }
+
+private:
+    bool fill();
+    void notePoint();
+
+    std::unique_ptr<ByteSource> packed;
+    std::unique_ptr<Decompressor> decompressor;
+    std::vector<AccessPoint>* accessPoints;
+    std::string name; ///< of the compressed file
+    std::vector<uint8_t> buffer;
+    size_t begin = 0;           ///< of what is still to be decompressed
+    size_t end = 0;             ///< of what is in the buffer
+    uint64_t packedOffset = 0;  ///< in the compressed file, of the buffer's end
+    uint64_t contentOffset = 0; ///< of what comes next
+    Decompressor::Outcome last = Decompressor::Outcome::Complete;
+    bool wasFull = false; ///< the last step had no room left, so that more may be at hand
+    std::string failure;
+};
+
+} // namespace tqx

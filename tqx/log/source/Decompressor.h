@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace tqx
+{
+
+/// A place in a compressed file from which its content can be decompressed without what comes
+/// before.
+struct AccessPoint {
+    uint64_t packed = 0;         ///< offset in the compressed file of the first byte that is needed
+    uint64_t content = 0;        ///< offset in the content of what comes first
+    uint8_t bits = 0;            ///< bits of the byte before that are needed too, 0 to 7
+    std::vector<uint8_t> window; ///< content before it that is referred to, as a zlib stream
+};
+
+/// The forms of compression that are understood.
+enum class Compression : uint8_t { None = 0, Gzip = 1, Zstd = 2 };
+
+/// What a file is that begins with these bytes; decides by 4 of them or by all.
+Compression compressionOf(const uint8_t* bytes, size_t count);
+
+/// Whether a file that begins with these bytes may turn out to be compressed when more are known.
+bool mayBeCompressed(const uint8_t* bytes, size_t count);
+
+/// Decompresses a stream step by step, in constant memory. Several streams that follow each other
+/// are one.
+class Decompressor
+{
+public:
+    /// Null for Compression::None. Throws DataError when there is no memory to decompress with.
+    static std::unique_ptr<Decompressor> make(Compression compression);
+
+    virtual ~Decompressor();
+    Decompressor(const Decompressor&) = delete;
+    Decompressor& operator=(const Decompressor&) = delete;
+
+    /// For messages: "gzip".
+    virtual const char* getFormat() const = 0;
+
+    /// What there is to decompress and room for what comes of it. A step moves the starts forward.
+    struct Step {
+        const uint8_t* input;
+        size_t inputSize;
+        uint8_t* output;
+        size_t outputSize;
+    };
+
+    enum class Outcome {
+        Going,     ///< more input or more room is needed
+        Complete,  ///< all input so far is decompressed and the content may end here
+        Damaged,   ///< the input is none of the format
+        Exhausted, ///< the content has ended and what follows belongs to nothing
+    };
+
+    /// Decompresses until input or room are used up, or a place is reached that may be an access
+    /// point, if these are wanted.
+    virtual Outcome decompress(Step& step) = 0;
+
+    /// Makes decompress() stop where an access point may be.
+    void setStopsAtPoints() { stopsAtPoints = true; }
+
+    /// Whether the place reached is an access point; then `point` receives bits and window, for
+    /// which there must be memory.
+    virtual bool getPoint(AccessPoint& point) const = 0;
+
+    /// Goes on at a point. `byteBefore` is the byte before AccessPoint::packed, if bits of it are
+    /// needed. False when the point is none.
+    virtual bool restart(const AccessPoint& point, uint8_t byteBefore) = 0;
+
+protected:
+    Decompressor() = default;
+
+    bool stopsAtPoints = false;
+};
+
+} // namespace tqx

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "tqx/log/source/RandomAccess.h"
+
+#include <memory>
+#include <string>
+
+namespace tqx
+{
+
+/// A regular file that is read anywhere, of the size that it has when it is opened.
+///
+///     FileAccess log("day.tqx");
+///     const Index index = Index::build(log);
+///
+/// Any number of threads may read at the same time.
+class FileAccess : public RandomAccess
+{
+public:
+    enum class Mapping {
+        /// Into memory where the system can do that, which reads fastest. A mapped file that
+        /// somebody truncates ends the process when the missing part is touched.
+        IfPossible,
+        /// Every read asks the system: the way for files that others write.
+        Never,
+    };
+
+    /// Opens `path`. Throws SourceError "<path>: <reason>" when it cannot be opened or is no
+    /// regular file.
+    explicit FileAccess(const std::string& path, Mapping mapping = Mapping::IfPossible);
+    ~FileAccess() override;
+    FileAccess(const FileAccess&) = delete;
+    FileAccess& operator=(const FileAccess&) = delete;
+
+    const std::string& getName() const override { return name; }
+    uint64_t getSize() const override { return size; }
+    size_t readAt(uint64_t offset, uint8_t* bytes, size_t count) const override;
+    const uint8_t* getBytes() const override { return mapped; }
+
+private:
+    class OpenFile;
+
+    std::string name;
+    std::unique_ptr<OpenFile> file;
+    uint64_t size = 0;
+    const uint8_t* mapped = nullptr;
+};
+
+} // namespace tqx

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "tqx/log/source/ByteSource.h"
+
+#include <cstdio>
+#include <string>
+
+namespace tqx
+{
+
+/// A file, from its start to its end.
+class FileSource : public ByteSource
+{
+public:
+    /// Opens `path`. Throws SourceError "<path>: <reason>".
+    explicit FileSource(const std::string& path);
+
+    /// Reads on in a stream that is open already, such as stdin, which stays the caller's and must
+    /// outlive the source. `label` is what messages call it.
+    FileSource(std::FILE* opened, std::string label);
+
+    ~FileSource() override;
+    FileSource(const FileSource&) = delete;
+    FileSource& operator=(const FileSource&) = delete;
+
+    /// Waits until there are `capacity` bytes or no more.
+    size_t read(uint8_t* bytes, size_t capacity) override;
+    uint64_t skip(uint64_t count) override;
+    Place placeOf(uint64_t offset) const override { return {name, offset}; }
+
+private:
+    std::string name;
+    std::FILE* stream;
+    bool isOwned;
+    uint64_t size = 0; ///< of a regular file, else 0
+    uint64_t position = 0;
+};
+
+} // namespace tqx

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "tqx/log/source/RandomAccess.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tqx
+{
+
+/// Several contents that follow each other as one, so that a block may begin in one and end in the
+/// next. As many threads may read as may read each of them.
+class JoinedAccess : public RandomAccess
+{
+public:
+    /// The parts are not owned and must outlive the object. `label` is what messages call it all.
+    explicit JoinedAccess(const std::vector<const RandomAccess*>& parts,
+                          std::string label = "several files");
+
+    const std::string& getName() const override { return name; }
+    uint64_t getSize() const override { return size; }
+
+    /// Throws what the part that cannot be read throws.
+    size_t readAt(uint64_t offset, uint8_t* bytes, size_t count) const override;
+
+    /// Where a byte is found: the name of a part, which lives as long as the part, and the offset
+    /// in it. Only for offsets below getSize().
+    struct Place {
+        const std::string& file;
+        uint64_t offset;
+    };
+    Place placeOf(uint64_t offset) const;
+
+private:
+    struct Part {
+        const RandomAccess* access;
+        uint64_t start;
+    };
+
+    std::vector<Part>::const_iterator partAt(uint64_t offset) const;
+
+    std::vector<Part> joined; ///< those that are not empty
+    std::string name;
+    uint64_t size = 0;
+};
+
+} // namespace tqx

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "tqx/log/DataError.h"
+#include "tqx/log/source/ByteSource.h"
+#include "tqx/log/source/OpenSource.h"
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tqx
+{
+
+/// Several sources that follow each other as one. Each is opened when the one before has ended.
+/// One that cannot be opened is left out, one that cannot be read on ends there; both are reported
+/// and the next one follows.
+class JoinedSource : public ByteSource
+{
+public:
+    /// Opens a source or throws SourceError.
+    using Opener = std::function<std::unique_ptr<ByteSource>(const std::string& path)>;
+
+    /// Called while read() runs; what it throws leaves read().
+    using FailureListener = std::function<void(const SourceError& error)>;
+
+    /// `onFailure` may be empty.
+    JoinedSource(std::vector<std::string> paths, FailureListener onFailure,
+                 Opener opener = openSource);
+
+    /// Throws nothing of its own: failures go to the listener.
+    size_t read(uint8_t* bytes, size_t capacity) override;
+    Place placeOf(uint64_t offset) const override;
+    bool isInterrupted() const override { return source && source->isInterrupted(); }
+
+    /// Whether a source could not be opened or read.
+    bool hasFailed() const { return failed; }
+
+private:
+    /// One source within the sequence.
+    struct Part {
+        std::string name;
+        uint64_t start; ///< in the sequence
+    };
+
+    void openNext();
+    void fail(const SourceError& error);
+
+    std::vector<std::string> paths;
+    FailureListener listener;
+    Opener open;
+    size_t opened = 0; ///< paths that were tried
+    std::unique_ptr<ByteSource> source;
+    std::deque<Part> parts; ///< all that could be opened
+    uint64_t size = 0;      ///< bytes read so far
+    bool failed = false;
+};
+
+} // namespace tqx

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "tqx/log/source/ByteSource.h"
+
+#include <string>
+#include <utility>
+
+namespace tqx
+{
+
+/// Bytes in memory. They belong to the caller and must outlive the source. Never throws.
+class MemorySource : public ByteSource
+{
+public:
+    /// `label` is what messages call it.
+    MemorySource(const uint8_t* data, size_t count, std::string label = "memory")
+        : content(data), size(count), name(std::move(label))
+    {
+    }
+
+    size_t read(uint8_t* bytes, size_t capacity) override;
+    uint64_t skip(uint64_t count) override;
+    Place placeOf(uint64_t offset) const override { return {name, offset}; }
+
+private:
+    const uint8_t* content;
+    size_t size;
+    size_t position = 0;
+    std::string name;
+};
+
+} // namespace tqx

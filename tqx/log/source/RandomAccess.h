@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace tqx
+{
+
+/// Bytes of known number that can be read anywhere: a file, memory, the content of a compressed
+/// file. Reading does not change it: several threads may read at the same time, unless the class
+/// says otherwise.
+class RandomAccess
+{
+public:
+    virtual ~RandomAccess();
+
+    /// For messages: the path of a file.
+    virtual const std::string& getName() const = 0;
+
+    /// Bytes in all, constant for as long as the object lives.
+    virtual uint64_t getSize() const = 0;
+
+    /// Writes the bytes from `offset` on to `bytes` and returns how many: `count`, or as many as
+    /// there are before getSize(). Throws SourceError with file and offset when they cannot be
+    /// read, also when a file has become shorter; `bytes` is undefined then.
+    virtual size_t readAt(uint64_t offset, uint8_t* bytes, size_t count) const = 0;
+
+    /// All bytes, if they are in memory; null otherwise. They live as long as the object.
+    virtual const uint8_t* getBytes() const { return nullptr; }
+
+protected:
+    RandomAccess() = default;
+    RandomAccess(const RandomAccess&) = default;
+    RandomAccess& operator=(const RandomAccess&) = default;
+};
+
+/// Bytes in memory. They belong to the caller and must outlive the object.
+class MemoryAccess : public RandomAccess
+{
+public:
+    MemoryAccess(const uint8_t* data, size_t count, std::string label = "memory");
+
+    const std::string& getName() const override { return name; }
+    uint64_t getSize() const override { return size; }
+    size_t readAt(uint64_t offset, uint8_t* bytes, size_t count) const override;
+    const uint8_t* getBytes() const override { return content; }
+
+private:
+    const uint8_t* content;
+    size_t size;
+    std::string name;
+};
+
+} // namespace tqx

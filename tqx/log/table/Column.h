@@ -1,0 +1,119 @@
+#pragma once
+
+#include "tqx/log/table/ArrowExport.h"
+#include "tqx/log/table/ColumnPlan.h"
+#include "tqx/log/table/Validity.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tqx
+{
+
+/// Records of one type, or blocks as they are on the wire, that are apart by a constant distance,
+/// which is 0 to read one of them again and again. They are of one revision.
+struct Run {
+    const uint8_t* base;
+    size_t stride;
+    size_t count;
+    unsigned revision;
+    bool isOnWire;
+
+    const uint8_t* at(size_t index) const { return base + index * stride; }
+    Run part(size_t first, size_t end) const
+    {
+        return {at(first), stride, end - first, revision, isOnWire};
+    }
+};
+
+/// Runs that follow each other in memory, read as one. Decoding puts the arrays of an array's
+/// entries one behind the other, and columns are filled faster by longer runs.
+struct JoinedRun {
+    Run run = {nullptr, 0, 0, 0, false};
+
+    /// Adds a run that is not empty; calls `use` before if it does not follow what is there.
+    template<typename Use>
+    void add(const Run& next, const Use& use)
+    {
+        if (run.count != 0 && next.base == run.at(run.count)) {
+            run.count += next.count;
+            return;
+        }
+        end(use);
+        run = next;
+    }
+
+    /// Calls `use` if there is something, and begins anew.
+    template<typename Use>
+    void end(const Use& use)
+    {
+        if (run.count != 0)
+            use();
+        run.count = 0;
+    }
+};
+
+/// Values of a column that is being filled.
+class Column
+{
+public:
+    virtual ~Column();
+    Column(const Column&) = delete;
+    Column& operator=(const Column&) = delete;
+
+    /// Adds the value of each record, all of which have the field. Throws std::bad_alloc, and
+    /// DataError when the column has no room for more; it must not be used any more then.
+    virtual void append(const Run& run) = 0;
+
+    virtual void appendNulls(size_t count) = 0;
+
+    /// Makes room for so many values, as far as their size is known.
+    virtual void reserve(size_t count) = 0;
+
+    size_t getLength() const { return validity.size(); }
+
+    /// Hands the values over and begins anew, with no values. Throws std::bad_alloc; the values are
+    /// lost then.
+    virtual OwnedArrow<ArrowArray> finish() = 0;
+
+protected:
+    Column() = default;
+
+    /// The length and validity of the array to be, taken from the column.
+    ArrayParts takeParts();
+
+    Validity validity;
+};
+
+/// A column of the plan, which must outlive it. `files` are what columns of kind File have numbers
+/// of.
+std::unique_ptr<Column> makeColumn(const ColumnPlan& plan, const std::vector<std::string>& files);
+
+/// The columns of the records of one type.
+class FieldColumns
+{
+public:
+    FieldColumns(const std::vector<ColumnPlan>& plans, const std::vector<std::string>& files);
+
+    void append(const Run& run);
+    void appendNulls(size_t count);
+    void reserve(size_t count);
+
+    /// Appends the arrays to `out`.
+    void finish(std::vector<OwnedArrow<ArrowArray>>& out);
+
+private:
+    struct Field {
+        const ColumnPlan* plan;
+        std::unique_ptr<Column> column;
+    };
+
+    static void appendSelected(const Field& field, const Run& run);
+
+    std::vector<Field> fields;
+};
+
+} // namespace tqx

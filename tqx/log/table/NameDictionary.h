@@ -1,0 +1,43 @@
+#pragma once
+
+#include "TQX_FieldFacts.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tqx
+{
+
+/// The texts of all codes that an integer field of up to 8 bits can have: their names, and the
+/// digits of those that have none. The place of a text is its code. It never changes, so that all
+/// batches of a column share it.
+class NameDictionary
+{
+public:
+    static constexpr unsigned widest = 8; ///< bits of a field
+
+    /// For a field of `width` bits.
+    NameDictionary(const Kor::MessageApi::TQX_FieldFacts& facts, unsigned width);
+
+    size_t size() const { return offsets.size() - 1; }
+
+    /// Bytes of an index; they are signed, as some readers want them.
+    uint32_t getIndexSize() const { return size() > size_t{INT8_MAX} + 1 ? 2 : 1; }
+
+    /// Empty, or by code the place of its text: of codes that share a name it is the first one's,
+    /// since no text is in a dictionary twice.
+    const std::vector<uint8_t>& getPlaces() const { return places; }
+
+    /// UTF-8, one text after the other, and where they begin; the last offset is the end.
+    const std::string& getTexts() const { return texts; }
+    const std::vector<int32_t>& getOffsets() const { return offsets; }
+
+private:
+    std::vector<uint8_t> places;
+    std::string texts;
+    std::vector<int32_t> offsets;
+};
+
+} // namespace tqx

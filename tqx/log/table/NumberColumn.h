@@ -1,0 +1,55 @@
+#pragma once
+
+#include "tqx/log/table/Column.h"
+
+#include <array>
+
+namespace tqx
+{
+
+/// A column of numbers, of indices of a dictionary or of points in time.
+class NumberColumn : public Column
+{
+public:
+    explicit NumberColumn(const ColumnPlan& plan);
+
+    void append(const Run& run) override;
+    void appendNulls(size_t count) override;
+    void reserve(size_t count) override;
+    OwnedArrow<ArrowArray> finish() override;
+
+private:
+    /// Sets flags to 1 where a value is available, 0 where it is not.
+    using FindAvailable = void (*)(const void* values, size_t count, const NumberSource& source,
+                                   uint8_t* flags);
+    /// Makes floating-point numbers of stored ones.
+    using Apply = void (*)(const void* values, size_t count, const Scale& scale, void* out);
+
+    struct Reading {
+        NumberPlace place;
+        Gather gather;
+    };
+    struct Input {
+        const DerivedInput* plan;
+        Gather gather;
+        FindAvailable findAvailable;
+    };
+
+    static FindAvailable findAvailableFor(const NumberSource& source, uint32_t size);
+    static Apply applyFor(const NumberSource& source);
+
+    void appendSome(const uint8_t* from, const Run& run, const Reading& reading);
+    void finishNames(uint8_t* codes, size_t count, const uint8_t* flags) const;
+    void checkInputs(const Run& run, uint8_t* flags) const;
+
+    const ColumnPlan& plan;
+    uint32_t size;                   ///< of an element of the column in bytes
+    uint32_t readSize;               ///< of what is read for it: stored values, or indices of names
+    std::array<Reading, 2> readings; ///< in records, on the wire
+    FindAvailable findAvailable;     ///< null when every value is available
+    Apply apply;                     ///< null when values are not scaled
+    std::vector<Input> inputs;
+    ColumnBuffer values;
+};
+
+} // namespace tqx

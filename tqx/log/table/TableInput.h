@@ -1,0 +1,57 @@
+#pragma once
+
+#include "TQX_Context.h"
+#include "TQX_Layout.h"
+#include "tqx/log/stream/BlockStream.h"
+#include "tqx/log/table/TableBlock.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tqx
+{
+
+/// Where a table gets its blocks from: all of a stream, or those that an index found.
+class TableInput
+{
+public:
+    virtual ~TableInput();
+
+    /// Writes the next blocks to `blocks`, at most `capacity` of them, and returns how many: 0 only
+    /// at the end. Their bytes stay valid until the next call. Blocks of other types may be among
+    /// them. Several at a time are read faster than one. Throws what it has to; the table ends
+    /// then.
+    virtual size_t read(TableBlock* blocks, size_t capacity) = 0;
+
+    /// Hears of a block of the table's type that the codec refused with `code`, and that has no
+    /// row; called between two reads.
+    virtual void refuse(const TableBlock& block, int32_t code);
+
+protected:
+    TableInput() = default;
+    TableInput(const TableInput&) = default;
+    TableInput& operator=(const TableInput&) = default;
+};
+
+/// The blocks of one type out of all that a stream has. All blocks of known types, whether they
+/// decode or not, count for the week of TOWc.
+///
+///     BlockStream blocks(source);
+///     StreamInput input(blocks, *findType(name));
+class StreamInput : public TableInput
+{
+public:
+    /// The stream is not owned and must outlive the input. Blocks that are refused are reported as
+    /// its undecodable ones.
+    StreamInput(BlockStream& stream, const Kor::MessageApi::TQX_TypeLayout& type);
+
+    size_t read(TableBlock* blocks, size_t capacity) override;
+    void refuse(const TableBlock& block, int32_t code) override;
+
+private:
+    BlockStream& stream;
+    uint16_t number;
+    Kor::MessageApi::TQX_Context_s context;
+};
+
+} // namespace tqx

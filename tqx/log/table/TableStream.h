@@ -1,0 +1,55 @@
+#pragma once
+
+#include "tqx/log/table/ArrowInterface.h"
+#include "tqx/log/table/TableBuilder.h"
+#include "tqx/log/table/TableInput.h"
+#include "tqx/log/table/TableSchema.h"
+
+#include <memory>
+#include <vector>
+
+namespace tqx
+{
+
+/// A table that is made while it is read, in constant memory. For one thread at a time.
+///
+///     auto schema = std::make_shared<TableSchema>(*findType(name), TableOptions());
+///     auto input = std::make_unique<StreamInput>(blocks, schema->getType());
+///     TableStream table(schema, std::move(input));
+///     for (ArrowArray batch; table.next(batch); batch.release(&batch))
+///         use(batch);
+class TableStream
+{
+public:
+    TableStream(std::shared_ptr<const TableSchema> schema, std::unique_ptr<TableInput> input);
+    ~TableStream();
+    TableStream(const TableStream&) = delete;
+    TableStream& operator=(const TableStream&) = delete;
+
+    const TableSchema& getSchema() const { return *schema; }
+
+    /// Writes the next batch to `out`, whose content is forgotten; the caller releases it. False at
+    /// the end, and `out` is as it was; there is no batch without rows. Throws what the input
+    /// throws, std::bad_alloc and DataError, and again at every later call; `out` is as it was, and
+    /// the rows since the last batch are lost.
+    bool next(ArrowArray& out);
+
+private:
+    void fill();
+
+    std::shared_ptr<const TableSchema> schema;
+    std::unique_ptr<TableInput> input;
+    TableBuilder builder;
+    std::vector<TableBlock> blocks;
+    size_t taken = 0; ///< of the blocks
+    size_t read = 0;
+    bool ended = false;
+};
+
+/// Hands a table to whoever reads Arrow. What `out` held is forgotten, not released. Its calls
+/// return 0, ENOMEM, or EIO for anything else that was thrown, whose text get_last_error gives; the
+/// table ends with an error. What the input refers to must live until `out` is released.
+/// Throws std::bad_alloc, and leaves `out` as it was.
+void exportStream(std::unique_ptr<TableStream> table, ArrowArrayStream& out);
+
+} // namespace tqx

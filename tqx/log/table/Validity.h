@@ -1,0 +1,44 @@
+#pragma once
+
+#include "tqx/log/table/ColumnBuffer.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tqx
+{
+
+/// Which values of a column are not null: a bit each, from the lowest bit of the first byte on. As
+/// long as there is no null, there are no bits either.
+class Validity
+{
+public:
+    size_t size() const { return length; }
+    size_t getNulls() const { return nulls; }
+
+    void appendValid(size_t count)
+    {
+        if (nulls != 0)
+            appendOnes(count);
+        length += count;
+    }
+
+    void appendNulls(size_t count);
+
+    /// Values of which those with flag 1 are valid, the others, whose flag is 0, null.
+    void append(const uint8_t* flags, size_t count);
+
+    /// The bits, empty when nothing is null; begins anew.
+    ColumnBuffer take();
+
+private:
+    void begin();
+    void appendOnes(size_t count);
+    void appendBit(size_t position, unsigned bit);
+
+    ColumnBuffer bits;
+    size_t length = 0;
+    size_t nulls = 0;
+};
+
+} // namespace tqx
