@@ -35,7 +35,7 @@ public:
     {
     public:
         /// Its offset is that of the stream; its bytes are valid until this returns.
-        virtual void onNeighbour(const Neighbour& neighbour) = 0;
+        virtual void onRecognised(const Neighbour& neighbour) = 0;
 
         /// `count` (> 0) bytes that are nothing well-formed. One stretch may come in several parts.
         virtual void onDamage(uint64_t offset, uint64_t count) = 0;

@@ -80,7 +80,7 @@ private:
     void onInvalidLength(uint64_t offset) override;
     void onBytesDropped(uint64_t offset, uint64_t count) override;
     void onDroppedPiece(uint64_t offset, const uint8_t* bytes, size_t size) override;
-    void onNeighbour(const Neighbour& neighbour) override;
+    void onRecognised(const Neighbour& neighbour) override;
     void onDamage(uint64_t offset, uint64_t count) override;
 
     ByteSource& source;
