@@ -2,6 +2,7 @@
 
 #include "tqx/log/mixed/Crc24.h"
 #include "tqx/log/mixed/Neighbour.h"
+#include "tqx_log_export.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -26,7 +27,7 @@ namespace tqx
 /// What comes out depends only on the runs, never on the pieces in which they arrive. At all times:
 /// bytes of neighbours + damage + bytesLeft() == bytes appended. The work is linear in the bytes
 /// appended; less than 1,029 bytes wait between calls.
-class NeighbourScanner
+class TQX_LOG_API NeighbourScanner
 {
 public:
     /// Hears what there is, in order, while append and end run. Must not call the scanner.
