@@ -102,7 +102,7 @@ size_t InputSequence::read(uint8_t* bytes, size_t capacity)
         const size_t count = readInput(bytes, capacity);
         if (count != 0) {
             size += count;
-            progress->add(count);
+            progress->add(input->takeProgress());
             keepHead(bytes, count);
             return count;
         }

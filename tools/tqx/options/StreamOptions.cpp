@@ -20,7 +20,10 @@ using Kor::MessageApi::TQX_TypeLayout;
 
 void StreamOptions::addInputs(CLI::App& command)
 {
-    command.add_option("FILE", files, "Files to read, one after the other; - is standard input")
+    command
+        .add_option("FILE", files,
+                    "Files to read, one after the other, also compressed with gzip or zstd; - is "
+                    "standard input")
         ->required()
         ->type_name("");
     command.add_flag("--strict", strict, "Exit with status 2 when an input is damaged");
