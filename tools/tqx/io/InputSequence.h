@@ -34,6 +34,9 @@ public:
 
     bool isInterrupted() const override;
 
+    /// Leaves the rest of the inputs unread.
+    void close();
+
     /// Has `action` called before more of the input is waited for: the moment to hand on what a
     /// live stream has brought so far.
     void setBeforeRead(std::function<void()> action) { beforeRead = std::move(action); }

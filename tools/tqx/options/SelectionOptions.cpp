@@ -10,8 +10,6 @@ namespace tqx::tool
 namespace
 {
 
-constexpr const char* group = "Which blocks";
-
 void addNames(CLI::App& command, const char* name, std::vector<std::string>& names,
               const char* description)
 {
@@ -19,7 +17,7 @@ void addNames(CLI::App& command, const char* name, std::vector<std::string>& nam
         ->delimiter(',')
         ->allow_extra_args(false)
         ->type_name("TYPE,TYPE")
-        ->group(group);
+        ->group(SelectionOptions::group);
 }
 
 /// An empty one is more likely a variable that was never set than the wish for everything.
@@ -29,6 +27,8 @@ std::string refuseEmpty(const std::string& value)
 }
 
 } // namespace
+
+const char* const SelectionOptions::group = "Which blocks";
 
 const char* const SelectionOptions::notes =
     "Times: --from 2400:216000.5 is week and seconds in GNSS time, --from 2026-01-06T11:59:42Z\n"

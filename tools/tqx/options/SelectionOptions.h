@@ -17,6 +17,9 @@ public:
     /// Adds --from, --to, --where and --every.
     void addConditions(CLI::App& command);
 
+    /// Where they all stand in a help text.
+    static const char* const group;
+
     /// Lines for the end of a help text: how times and conditions are written and what they mean.
     static const char* const notes;
 
