@@ -77,7 +77,8 @@ ExtractCommand::ExtractCommand(CLI::App& program)
           "\n"
           "Between the blocks a port may send NMEA sentences (whole ones with a valid checksum),\n"
           "RTCM 3 frames and ASCII text: lines that end with CR and LF, and prompts. They are\n"
-          "written as they are; by --from and --to each goes with the block before it.\n")
+          "written as they are; by --from, --to and --interval each goes with the block before "
+          "it.\n")
 {
     streams.addInputs(app);
     streams.addDamageReport(app);

@@ -14,7 +14,7 @@ public:
     /// Adds --type and --not-type.
     void addTypes(CLI::App& command);
 
-    /// Adds --from, --to, --where and --every.
+    /// Adds --from, --to, --where, --interval and --every.
     void addConditions(CLI::App& command);
 
     /// Where they all stand in a help text.
