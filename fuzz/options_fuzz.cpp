@@ -90,9 +90,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
                 if (shown.row < 0 || shown.row >= type->fieldCount)
                     std::abort();
     });
-    tried([&] { Selection({{first}, {last}, "", "", "", 1}); });
-    tried([&] { Selection({{}, {}, first, "", "", 1}); });
-    tried([&] { Selection({{}, {}, first, last, "", 1}); });
-    tried([&] { Selection({{}, {}, "", "", last, 1}); });
+    tried([&] { Selection({{first}, {last}, "", "", "", 1, 0}); });
+    tried([&] { Selection({{}, {}, first, "", "", 1, 0}); });
+    tried([&] { Selection({{}, {}, first, last, "", 1, 0}); });
+    tried([&] { Selection({{}, {}, "", "", last, 1, 0}); });
     return 0;
 }

@@ -120,9 +120,7 @@ TEST_P(NoBlocks, SaysWhatItSeemsToBe)
 INSTANTIATE_TEST_SUITE_P(
     Tool, NoBlocks,
     testing::Values(
-        Case{"Empty", just(""), 0, ""},
-        Case{"Gzip", just("\x1f\x8b\x08 abc"), 1, "compressed by gzip"},
-        Case{"Zstandard", just("\x28\xb5\x2f\xfd abc"), 1, "compressed by zstd"},
+        Case{"Empty", just(""), 0, ""}, Case{"Bzip2", just("BZh91AY&SY"), 1, "compressed by bzip2"},
         Case{"Zip", just("PK\x03\x04 abc"), 1, "a zip archive"},
         Case{"Text", just("one line\nand another\n"), 1, "text"},
         Case{"Rinex",

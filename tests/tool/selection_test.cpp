@@ -74,6 +74,18 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"Every", {"--every", "2"}, "0 2 3 5 6 7 "},
         Case{"EveryIsDecimal", {"--every", "02"}, "0 2 3 5 6 7 "},
         Case{"EveryOfWhatTheOthersSelect", {"--every", "2", "--where", "Vn < 1"}, "0 7 "},
+        Case{"Interval", {"--interval", "2"}, "0 2 3 7 "},
+        Case{"IntervalInMilliseconds", {"--interval", "0.5"}, "0 2 3 4 5 7 "},
+        Case{"IntervalThatDividesNoWeek", {"--interval", "11"}, ""},
+        Case{"IntervalOfAWeek", {"--interval", "604800"}, "2 3 "},
+        Case{"IntervalWithTheOthers",
+             {"--interval", "1", "--from", "2400:0.001", "--every", "2", "--where", "not has Vx"},
+             "4 7 "},
+        Case{"Limit", {"--limit", "3"}, "0 1 2 "},
+        Case{"LimitOfWhatTheOthersSelect",
+             {"--limit", "2", "--every", "2", "--type", "PVT*,4075"},
+             "0 3 "},
+        Case{"LimitBeyondTheEnd", {"--limit", "18446744073709551615"}, "0 1 2 3 4 5 6 7 "},
         Case{"Number", {"--where", "NrSV>=11"}, "0 "},
         Case{"NotAvailableComparesToNothing", {"--where", "NrSV != 11"}, "7 "},
         Case{"NaNComparesToNothing", {"--where", "Height < 0 or Height >= 0"}, "0 7 "},
@@ -118,6 +130,15 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"EveryZero",
              {"--every", "0"},
              "cut: --every: '0' is not in the range 1 to 4294967295 (see tqx help cut)"},
+        Case{"IntervalBelowMilliseconds",
+             {"--interval", "0.0015"},
+             "--interval: '0.0015' is no whole number of milliseconds up to a week"},
+        Case{"IntervalZero",
+             {"--interval", "0"},
+             "cut: --interval: '0' is not in the range 0.001 to 604800 (see tqx help cut)"},
+        Case{"LimitZero",
+             {"--limit", "0"},
+             "cut: --limit: '0' is not in the range 1 to 18446744073709551615 (see tqx help cut)"},
         Case{"NoScale",
              {"--from", "2026-01-04T00:00:01"},
              "--from: '2026-01-04T00:00:01' does not say on which scale; put Z behind it for UTC, "
@@ -212,6 +233,28 @@ INSTANTIATE_TEST_SUITE_P(
              "  NrSV > 5 NrSV < 9\n"
              "           ^"}),
     nameOf);
+
+// Neither the damage after the last block that is wanted is met, nor the next input.
+TEST(Selection, LimitLeavesTheRestUnread)
+{
+    const std::string input = allBlocks() + "junk";
+    const std::vector<QStringList> commands = {{"cut"},
+                                               {"info", "--strict"},
+                                               {"dump"},
+                                               {"dump", "--format", "csv", "--type", "4007"},
+                                               {"extract", "--mode", "rtcm3"}};
+    for (const QStringList& command : commands) {
+        const QString count = command.contains("csv") ? "3" : command.contains("rtcm3") ? "1" : "8";
+        const ToolRun all = runTool(command + QStringList{"-"}, allBlocks());
+        const ToolRun run =
+            runTool(command + QStringList{"--limit", count, "-", "no/such/file"}, input);
+        EXPECT_EQ(run.status, 0) << command.join(' ').toStdString();
+        EXPECT_EQ(run.words, "");
+        if (command.front() != "info") {
+            EXPECT_EQ(run.output, all.output);
+        }
+    }
+}
 
 class BadTime : public testing::TestWithParam<const char*>
 {

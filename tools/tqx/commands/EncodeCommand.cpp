@@ -27,7 +27,9 @@ EncodeCommand::EncodeCommand(CLI::App& program)
           "named bit ranges. Where bytes are given, they are the block; other fields beside them\n"
           "are reported. Lines of scaled values, without --raw, are reported once and skipped.\n")
 {
-    app.add_option("FILE", files, "Files to read, one after the other; - is standard input")
+    app.add_option("FILE", files,
+                   "Files to read, one after the other, also compressed with gzip or zstd; - is "
+                   "standard input")
         ->required()
         ->type_name("");
     app.add_flag("-v,--verbose", verbose,

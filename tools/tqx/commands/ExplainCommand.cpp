@@ -1,8 +1,8 @@
 #include "commands/ExplainCommand.h"
 
-#include "io/Input.h"
 #include "io/Output.h"
 #include "io/ToolError.h"
+#include "io/UnpackedInput.h"
 #include "io/Words.h"
 #include "tqx/log/inspect/BlockLocator.h"
 #include "tqx/log/inspect/Explanation.h"
@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 
 #include <charconv>
+#include <optional>
 #include <utility>
 
 namespace tqx::tool
@@ -37,6 +38,57 @@ std::pair<std::string, uint64_t> split(const std::string& place)
     return {place.substr(0, at), offset};
 }
 
+/// An input that ends where it cannot be read any more, so that a block before that is explained.
+class ReadableInput : public ByteSource
+{
+public:
+    explicit ReadableInput(const std::string& path) : input(path) {}
+
+    size_t read(uint8_t* bytes, size_t capacity) override
+    {
+        return unlessFailed<size_t>([&] { return input.read(bytes, capacity); });
+    }
+    uint64_t skip(uint64_t count) override
+    {
+        return unlessFailed<uint64_t>([&] { return input.skip(count); });
+    }
+    Place placeOf(uint64_t offset) const override { return input.placeOf(offset); }
+
+    /// Throws what the input threw, if it did.
+    void check() const
+    {
+        if (failure)
+            throw SourceError(*failure);
+    }
+
+private:
+    template<typename Count, typename Action>
+    Count unlessFailed(const Action& action)
+    {
+        if (failure)
+            return 0;
+        try {
+            return action();
+        } catch (const SourceError& error) {
+            failure.emplace(error);
+            return 0;
+        }
+    }
+
+    UnpackedInput input;
+    std::optional<SourceError> failure;
+};
+
+BlockLocation locateIn(ReadableInput& input, uint64_t offset)
+{
+    try {
+        return locateBlock(input, offset);
+    } catch (const SourceError&) {
+        input.check();
+        throw;
+    }
+}
+
 } // namespace
 
 ExplainCommand::ExplainCommand(CLI::App& program)
@@ -45,6 +97,7 @@ ExplainCommand::ExplainCommand(CLI::App& program)
           "  tqx explain log.tqx@404\n"
           "  tqx explain log.tqx@0x194 log.tqx@1784\n"
           "  tqx simulate | tqx explain -@404\n"
+          "  tqx explain log.tqx.gz@404          # an offset of what is compressed\n"
           "\n"
           "A row a value: where it stands in the file and in the block, its bytes, its name,\n"
           "the stored value and what that stands for. Below, what is wrong with the block.\n"
@@ -62,8 +115,8 @@ ExplainCommand::ExplainCommand(CLI::App& program)
 void ExplainCommand::explain(Output& output, const std::string& place)
 {
     const auto [path, offset] = split(place);
-    Input input(path);
-    const BlockLocation location = locateBlock(input, offset);
+    ReadableInput input(path);
+    const BlockLocation location = locateIn(input, offset);
     if (!location.hasSync() && location.around)
         throw SourceError(
             fmt::format("{}: {}: {}", location.file, offset, describeNoBlock(location)));
@@ -72,6 +125,7 @@ void ExplainCommand::explain(Output& output, const std::string& place)
     shown = true;
     appendExplanation(output.getBuffer(), location);
     output.commit();
+    input.check();
 }
 
 ExitStatus ExplainCommand::run()

@@ -52,6 +52,8 @@ public:
         out.append(reinterpret_cast<const char*>(corrections.bytes), corrections.size);
     }
 
+    bool counts(const Block& block) const override { return block.getNumber() == number; }
+
 private:
     RecordDecoder decoder;
     Buffer& out;
@@ -70,11 +72,13 @@ ExtractCommand::ExtractCommand(CLI::App& program)
           "\n"
           "The messages stand one behind the other, as the receiver wrote them into its log; "
           "RTCM 2\n"
-          "in words of 32 bits. See tqx help dump for times and conditions.\n"
+          "in words of 32 bits. See tqx help dump for times and conditions; --limit counts the\n"
+          "blocks that hold corrections.\n"
           "\n"
           "Between the blocks a port may send NMEA sentences (whole ones with a valid checksum),\n"
           "RTCM 3 frames and ASCII text: lines that end with CR and LF, and prompts. They are\n"
-          "written as they are; by --from and --to each goes with the block before it.\n")
+          "written as they are; by --from, --to and --interval each goes with the block before "
+          "it.\n")
 {
     streams.addInputs(app);
     streams.addDamageReport(app);
@@ -88,7 +92,8 @@ ExtractCommand::ExtractCommand(CLI::App& program)
         ->type_name("nmea|rtcm3|ascii")
         ->excludes(corrections)
         ->excludes(app.get_option("--where"))
-        ->excludes(app.get_option("--every"));
+        ->excludes(app.get_option("--every"))
+        ->excludes(app.get_option("--limit"));
     app.add_option("-o,--output", target, "File to write instead of standard output")
         ->type_name("FILE");
 }

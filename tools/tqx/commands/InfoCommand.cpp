@@ -54,7 +54,8 @@ InfoCommand::InfoCommand(CLI::App& program)
               "and the latest time. Time runs back where a block is earlier than the one of its\n"
               "type before it; an epoch is repeated when blocks of a type come with a time that\n"
               "blocks of that type had before. NMEA sentences, RTCM 3 frames and text between the\n"
-              "blocks are counted apart and are no damage.\n")
+              "blocks are counted apart and are no damage. Under --limit the bytes are those that\n"
+              "were read so far, in pieces.\n")
 {
     streams.addInputs(app);
     streams.addSelection(app);

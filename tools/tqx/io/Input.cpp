@@ -36,8 +36,10 @@ size_t Input::read(uint8_t* bytes, size_t capacity)
 {
     while (!interrupt::hasCome()) {
         const ssize_t count = ::read(descriptor, bytes, capacity);
-        if (count >= 0)
+        if (count >= 0) {
+            position += static_cast<uint64_t>(count);
             return static_cast<size_t>(count);
+        }
         if (errno != EINTR)
             throw SourceError(name + ": " + std::strerror(errno));
     }
@@ -50,12 +52,19 @@ bool Input::isReady(std::chrono::milliseconds patience)
     return ::poll(&wanted, 1, static_cast<int>(patience.count())) != 0;
 }
 
+bool Input::isInterrupted() const
+{
+    return interrupt::hasCome();
+}
+
 uint64_t Input::skip(uint64_t count)
 {
     if (size != 0) {
         const uint64_t skipped = std::min(count, size);
-        if (::lseek(descriptor, static_cast<off_t>(skipped), SEEK_CUR) >= 0)
+        if (::lseek(descriptor, static_cast<off_t>(skipped), SEEK_CUR) >= 0) {
+            position += skipped;
             return skipped;
+        }
     }
     return ByteSource::skip(count);
 }

@@ -30,16 +30,22 @@ public:
 
     Place placeOf(uint64_t offset) const override { return {name, offset}; }
 
+    bool isInterrupted() const override;
+
     /// Name for messages: the path, or "standard input".
     const std::string& getName() const { return name; }
 
     /// Size of a regular file in bytes, 0 when it is not known.
     uint64_t getSize() const { return size; }
 
+    /// Bytes read or passed over so far.
+    uint64_t getPosition() const { return position; }
+
 private:
     std::string name;
     int descriptor;
     uint64_t size = 0;
+    uint64_t position = 0;
 };
 
 } // namespace tqx::tool

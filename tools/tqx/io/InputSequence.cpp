@@ -89,6 +89,13 @@ void InputSequence::keepHead(const uint8_t* bytes, size_t count)
     head.insert(head.end(), bytes, bytes + std::min(count, mostBytes - head.size()));
 }
 
+void InputSequence::close()
+{
+    input.reset();
+    opened = paths.size();
+    progress.reset();
+}
+
 size_t InputSequence::read(uint8_t* bytes, size_t capacity)
 {
     for (;;) {
@@ -102,7 +109,7 @@ size_t InputSequence::read(uint8_t* bytes, size_t capacity)
         const size_t count = readInput(bytes, capacity);
         if (count != 0) {
             size += count;
-            progress->add(count);
+            progress->add(input->takeProgress());
             keepHead(bytes, count);
             return count;
         }

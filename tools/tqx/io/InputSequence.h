@@ -1,7 +1,7 @@
 #pragma once
 
-#include "io/Input.h"
 #include "io/Progress.h"
+#include "io/UnpackedInput.h"
 #include "tqx/log/source/ByteSource.h"
 
 #include <chrono>
@@ -15,8 +15,9 @@
 namespace tqx::tool
 {
 
-/// Inputs that follow each other as one source, opened one after the other. One that cannot be read
-/// is reported to standard error and left out. Shows progress on a terminal.
+/// Inputs that follow each other as one source, opened one after the other and decompressed. One
+/// that cannot be read is reported to standard error and left out from there on. Shows progress on
+/// a terminal.
 class InputSequence : public ByteSource
 {
 public:
@@ -32,6 +33,9 @@ public:
     Place placeOf(uint64_t offset) const override;
 
     bool isInterrupted() const override;
+
+    /// Leaves the rest of the inputs unread.
+    void close();
 
     /// Has `action` called before more of the input is waited for: the moment to hand on what a
     /// live stream has brought so far.
@@ -68,7 +72,7 @@ private:
 
     std::vector<std::string> paths;
     size_t opened = 0; ///< paths that were tried
-    std::optional<Input> input;
+    std::optional<UnpackedInput> input;
     std::optional<Progress> progress; ///< until the last input has ended
     std::vector<std::string> names;
     std::vector<Head> heads;

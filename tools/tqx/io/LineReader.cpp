@@ -26,7 +26,7 @@ bool LineReader::readOn()
     beforeRead();
     position = 0;
     filled = input.read(piece.data(), piece.size());
-    progress.add(filled);
+    progress.add(input.takeProgress());
     return filled != 0;
 }
 

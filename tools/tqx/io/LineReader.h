@@ -1,7 +1,7 @@
 #pragma once
 
-#include "io/Input.h"
 #include "io/Progress.h"
+#include "io/UnpackedInput.h"
 
 #include <functional>
 #include <string>
@@ -10,7 +10,7 @@
 namespace tqx::tool
 {
 
-/// The lines of an input, one after the other.
+/// The lines of an input, which may be compressed, one after the other.
 class LineReader
 {
 public:
@@ -29,7 +29,7 @@ public:
 private:
     bool readOn();
 
-    Input input;
+    UnpackedInput input;
     uint64_t longest;
     Progress& progress;
     std::function<void()> beforeRead;

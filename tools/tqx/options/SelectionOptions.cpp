@@ -10,8 +10,6 @@ namespace tqx::tool
 namespace
 {
 
-constexpr const char* group = "Which blocks";
-
 void addNames(CLI::App& command, const char* name, std::vector<std::string>& names,
               const char* description)
 {
@@ -19,7 +17,7 @@ void addNames(CLI::App& command, const char* name, std::vector<std::string>& nam
         ->delimiter(',')
         ->allow_extra_args(false)
         ->type_name("TYPE,TYPE")
-        ->group(group);
+        ->group(SelectionOptions::group);
 }
 
 /// An empty one is more likely a variable that was never set than the wish for everything.
@@ -30,11 +28,18 @@ std::string refuseEmpty(const std::string& value)
 
 } // namespace
 
+const char* const SelectionOptions::group = "Which blocks";
+
 const char* const SelectionOptions::notes =
     "Times: --from 2400:216000.5 is week and seconds in GNSS time, --from 2026-01-06T11:59:42Z\n"
     "UTC, --from '2026-01-06T12:00:00 GPS' GPS time; milliseconds are the finest. The week counts\n"
     "on without rollover, as in the blocks. A block whose header has no time goes with the block\n"
-    "before it; those that come before any time are left out under --from.\n"
+    "before it; those that come before any time are left out under --from and --interval.\n"
+    "--interval selects blocks of all types by the time of their header, in milliseconds exactly:\n"
+    "--interval 30 those at 0 and 30 seconds of each minute of GNSS time, --interval 0.5 also\n"
+    "between. The multiples count from the beginning of GNSS time, with that of every week if "
+    "they\n"
+    "divide it. Of a type that never comes at such a time there are none, see --every.\n"
     "\n"
     "Conditions compare fields with numbers or names: == != < <= > >=, joined by and, or, not and\n"
     "parentheses; `has Field` asks whether there is an available value. A field is Field or\n"
@@ -46,7 +51,9 @@ const char* const SelectionOptions::notes =
     "  --where 'PVTMode == \"RTK fixed\" or not has Height'\n"
     "  --where 'SVID == \"G05\"'              # in any of the sub-blocks\n"
     "\n"
-    "Several files are one stream: a block may begin in one and end in the next.\n"
+    "Several files are one stream: a block may begin in one and end in the next. A compressed\n"
+    "one is recognised by its first bytes; offsets are those of what it holds, but that of damage\n"
+    "of the compression is one of the file.\n"
     "\n"
     "A false header may claim 65,535 bytes, and what is intact in them is not looked at until "
     "they\n"
@@ -80,6 +87,11 @@ void SelectionOptions::addConditions(CLI::App& command)
                     "'NrSV >= 8 and not has COG'")
         ->type_name("CONDITION")
         ->check(refuseEmpty)
+        ->group(group);
+    addReal(command, "--interval", request.interval, 0.001, 604800, "seconds",
+            "Only blocks at multiples of this in GNSS time, such as 30 for every half minute")
+        ->type_name("SECONDS")
+        ->default_str("")
         ->group(group);
     addWhole(command, "--every", request.every, 1, std::numeric_limits<uint32_t>::max(),
              "Of each type the first one that all this selects, then every N-th")

@@ -14,8 +14,11 @@ public:
     /// Adds --type and --not-type.
     void addTypes(CLI::App& command);
 
-    /// Adds --from, --to, --where and --every.
+    /// Adds --from, --to, --where, --interval and --every.
     void addConditions(CLI::App& command);
+
+    /// Where they all stand in a help text.
+    static const char* const group;
 
     /// Lines for the end of a help text: how times and conditions are written and what they mean.
     static const char* const notes;

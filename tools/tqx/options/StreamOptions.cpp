@@ -11,6 +11,7 @@
 
 #include <cmath>
 #include <filesystem>
+#include <limits>
 #include <system_error>
 
 namespace tqx::tool
@@ -20,7 +21,10 @@ using Kor::MessageApi::TQX_TypeLayout;
 
 void StreamOptions::addInputs(CLI::App& command)
 {
-    command.add_option("FILE", files, "Files to read, one after the other; - is standard input")
+    command
+        .add_option("FILE", files,
+                    "Files to read, one after the other, also compressed with gzip or zstd; - is "
+                    "standard input")
         ->required()
         ->type_name("");
     command.add_flag("--strict", strict, "Exit with status 2 when an input is damaged");
@@ -39,6 +43,16 @@ void StreamOptions::addDamageReport(CLI::App& command)
 {
     command.add_flag("-v,--verbose", verbose,
                      "Name every damaged place on standard error, not only the first ten");
+}
+
+void StreamOptions::addConditions(CLI::App& command)
+{
+    selections.addConditions(command);
+    addWhole(command, "--limit", limit, 1, std::numeric_limits<uint64_t>::max(),
+             "End after N blocks that all this selects, without reading on")
+        ->type_name("N")
+        ->default_str("")
+        ->group(SelectionOptions::group);
 }
 
 Selection& StreamOptions::getSelection()
@@ -77,10 +91,18 @@ ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
     stream.setBeforeRead([&output] { output.handOn(); });
     consumer.begin(stream);
     Block block = {};
+    uint64_t left = limit;
     while (stream.next(block)) {
-        if (chosen.accepts(stream, block))
+        bool isLast = false;
+        if (chosen.accepts(stream, block)) {
             consumer.take(stream, block);
+            isLast = limit != 0 && consumer.counts(block) && --left == 0;
+        }
         output.commit();
+        if (isLast) {
+            stream.close();
+            break;
+        }
     }
     stream.sumUpDamage();
     if (stream.getCounts().bytes == 0 && !stream.hasFailed() && !quiet)

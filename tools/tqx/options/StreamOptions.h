@@ -27,6 +27,9 @@ public:
     /// A selected block. What is appended to the output is written in time.
     virtual void take(BlockStream& stream, const Block& block) = 0;
 
+    /// Whether a selected block is one that the consumer is for, so that it counts for --limit.
+    virtual bool counts(const Block&) const { return true; }
+
     /// The stream has ended.
     virtual void end(InputStream&) {}
 };
@@ -49,7 +52,7 @@ public:
     }
 
     /// Adds only those of them that do not choose by type.
-    void addConditions(CLI::App& command) { selections.addConditions(command); }
+    void addConditions(CLI::App& command);
 
     /// Whether the input is read as a receiver that sends: by one thread.
     bool isLive() const { return live; }
@@ -66,7 +69,8 @@ public:
     /// those that may be written is an input.
     void checkBeforeFolder(const std::string& folder);
 
-    /// Hands the selected blocks of the inputs, as one stream, to `consumer`. An input that cannot
+    /// Hands the selected blocks of the inputs, as one stream, to `consumer`; after as many as
+    /// --limit says, nothing more is read. An input that cannot
     /// be read is reported and left out. Returns Failed if there was such a one or bytes but no
     /// block at all, unless the receiver sent other messages only; else, under --strict, Damaged if
     /// the stream was. Throws ToolError for bad arguments and when the output
@@ -79,6 +83,7 @@ private:
     std::vector<std::string> files;
     SelectionOptions selections;
     std::optional<Selection> selection;
+    uint64_t limit = 0; ///< 0 for none
     bool strict = false;
     bool quiet = false;
     bool live = false;

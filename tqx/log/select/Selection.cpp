@@ -3,6 +3,10 @@
 #include "tqx/log/DataError.h"
 #include "tqx/log/select/TimeText.h"
 
+#include <fmt/format.h>
+
+#include <cmath>
+
 namespace tqx
 {
 
@@ -16,11 +20,25 @@ std::optional<GnssMillis> timeOf(const std::string& option, const std::string& t
     return parseTime(option, text);
 }
 
+/// In milliseconds. A decimal fraction, which a double seldom holds exactly, counts as whole ones.
+GnssMillis intervalOf(double seconds)
+{
+    if (seconds == 0)
+        return 1;
+    const double millis = seconds * 1000;
+    if (!(millis > 0 && millis <= static_cast<double>(millisPerWeek)) ||
+        std::fabs(millis - std::round(millis)) > 1e-9 * millis || std::round(millis) < 1)
+        throw DataError(fmt::format(
+            "--interval: '{}' is no whole number of milliseconds up to a week", seconds));
+    return static_cast<GnssMillis>(std::llround(millis));
+}
+
 } // namespace
 
 Selection::Selection(const SelectionRequest& request)
     : types(request.types, request.notTypes), from(timeOf("--from", request.from)),
-      to(timeOf("--to", request.to)), every(request.every), sinceLast(TypeSelection::numbers)
+      to(timeOf("--to", request.to)), interval(intervalOf(request.interval)), every(request.every),
+      sinceLast(TypeSelection::numbers)
 {
     if (from && to && *from >= *to)
         throw DataError("--to " + request.to + " is not after --from " + request.from);
@@ -45,7 +63,7 @@ bool Selection::accepts(BlockStream& stream, const Block& block)
 
 bool Selection::isInTime(const Block& block)
 {
-    if (!from && !to)
+    if (!from && !to && interval == 1)
         return true;
     if (const std::optional<GnssMillis> own = block.getTime())
         time = own;
@@ -56,8 +74,8 @@ bool Selection::isInTime() const
 {
     // Before the first time of a stream it is earlier than any that is asked for.
     if (!time)
-        return !from;
-    return (!from || *time >= *from) && (!to || *time < *to);
+        return !from && interval == 1;
+    return *time % interval == 0 && (!from || *time >= *from) && (!to || *time < *to);
 }
 
 bool Selection::meetsCondition(BlockStream& stream, const Block& block)

@@ -23,6 +23,7 @@ struct SelectionRequest {
     std::string to;
     std::string where;
     uint32_t every = 1;
+    double interval = 0; ///< seconds, whole milliseconds up to a week; 0 selects all times
 };
 
 /// Which blocks of a stream a command looks at. Looks at them in stream order, and runs on over the
@@ -41,7 +42,8 @@ public:
     /// decode it.
     bool accepts(BlockStream& stream, const Block& block);
 
-    /// Whether what follows the last block, and has no time of its own, is between the times.
+    /// Whether what follows the last block, and has no time of its own, is at a time that is
+    /// wanted.
     bool isInTime() const;
 
 private:
@@ -51,6 +53,7 @@ private:
     TypeSelection types;
     std::optional<GnssMillis> from;
     std::optional<GnssMillis> to;
+    GnssMillis interval;            ///< 1 for all times
     std::optional<GnssMillis> time; ///< of the last block that had one
     std::unique_ptr<Condition> condition;
     std::unique_ptr<RecordDecoder> decoder; ///< beside a condition
