@@ -18,8 +18,8 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME tqx)
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION
     "tool and libraries for the TQX block format of GNSS receivers
 The program tqx tells what a log of a receiver holds, shows, selects, encodes
-and simulates it. The shared libraries that it stands on frame, decode,
-describe and encode the blocks.")
+and simulates it. The shared libraries frame, find, select, decode, describe
+and encode the blocks.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
@@ -32,7 +32,8 @@ set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEV_DESCRIPTION
     "headers of the libraries for the TQX block format of GNSS receivers
 Headers, CMake package and pkg-config files for programs that read or write
-TQX blocks: the codec in plain C++, messages and metadata for Qt.")
+TQX blocks: the codec and the blocks of logs in plain C++, messages and
+metadata for Qt.")
 set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "tqx (= ${PROJECT_VERSION})")
 if(TQX_BUILD_PLUGIN)
     string(APPEND CPACK_DEBIAN_DEV_PACKAGE_DEPENDS ", qtbase5-dev (>= 5.15)")

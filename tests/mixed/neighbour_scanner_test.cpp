@@ -47,7 +47,7 @@ public:
     }
 
 private:
-    void onNeighbour(const Neighbour& neighbour) override
+    void onRecognised(const Neighbour& neighbour) override
     {
         ASSERT_EQ(neighbour.offset, next + reported);
         ASSERT_LE(reported + neighbour.size, fed + stream.size());
@@ -160,7 +160,7 @@ TEST(NeighbourScanner, RunsEndWhereTheOffsetJumps)
     class : public NeighbourScanner::Listener
     {
     public:
-        void onNeighbour(const Neighbour& neighbour) override { addPart(parts, neighbour); }
+        void onRecognised(const Neighbour& neighbour) override { addPart(parts, neighbour); }
         void onDamage(uint64_t offset, uint64_t count) override { addDamage(parts, offset, count); }
         Parts parts;
     } found;

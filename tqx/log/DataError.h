@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tqx_log_export.h"
+
 #include <stdexcept>
 #include <string>
 
@@ -8,7 +10,7 @@ namespace tqx
 
 /// Something that keeps the library from doing what it was asked to: a request that makes no sense
 /// or an input that cannot be read. what() is one line for the user, without a program's name.
-class DataError : public std::runtime_error
+class TQX_LOG_API DataError : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
@@ -16,7 +18,7 @@ public:
 
 /// An input that cannot be opened or read: "<file>: <reason>" or "<file>: <offset>: <reason>".
 /// Other inputs may still be read.
-class SourceError : public DataError
+class TQX_LOG_API SourceError : public DataError
 {
 public:
     using DataError::DataError;

@@ -5,7 +5,7 @@
 #include "io/Words.h"
 #include "options/Numbers.h"
 #include "tqx/log/record/TypeNames.h"
-#include "tqx/log/source/ContentGuess.h"
+#include "tqx/log/stream/ContentGuess.h"
 
 #include <fmt/format.h>
 

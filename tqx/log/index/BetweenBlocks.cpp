@@ -70,7 +70,7 @@ private:
     static constexpr size_t pieceSize = 1 << 16;
 
     // What looks like the start of a block within a neighbour is no error.
-    void onNeighbour(const Neighbour& neighbour) override
+    void onRecognised(const Neighbour& neighbour) override
     {
         closeGap();
         counts.neighbours[static_cast<size_t>(neighbour.kind)].add(neighbour);

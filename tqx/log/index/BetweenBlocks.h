@@ -4,6 +4,7 @@
 #include "tqx/log/source/RandomAccess.h"
 #include "tqx/log/stream/BlockStream.h"
 #include "tqx/log/stream/StreamListener.h"
+#include "tqx_log_export.h"
 
 namespace tqx
 {
@@ -12,7 +13,7 @@ namespace tqx
 /// be null), in the order of the log and just as a BlockStream that reads all of it, and returns
 /// what that counts; `undecodable` is 0. Reads only the bytes that belong to no block. `log` must
 /// be what was indexed. Throws SourceError when it cannot be read, and what the listener throws.
-StreamCounts reportBetweenBlocks(const Index& index, const RandomAccess& log,
-                                 StreamListener* listener);
+TQX_LOG_API StreamCounts reportBetweenBlocks(const Index& index, const RandomAccess& log,
+                                             StreamListener* listener);
 
 } // namespace tqx

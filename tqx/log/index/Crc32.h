@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tqx_log_export.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -7,6 +9,6 @@ namespace tqx
 {
 
 /// CRC-32 as in gzip and PNG; of "123456789" it is 0xcbf43926.
-uint32_t crc32(const uint8_t* bytes, size_t size);
+TQX_LOG_API uint32_t crc32(const uint8_t* bytes, size_t size);
 
 } // namespace tqx

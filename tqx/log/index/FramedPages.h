@@ -2,6 +2,7 @@
 
 #include "tqx/log/index/PageOffsets.h"
 #include "tqx/log/time/GnssTime.h"
+#include "tqx_log_export.h"
 
 #include <array>
 #include <cstddef>
@@ -49,10 +50,10 @@ struct PageRow {
     bool startsWeek = false;          ///< the block at firstTowAt begins a week
 };
 
-bool operator==(const PageRow& left, const PageRow& right);
+TQX_LOG_API bool operator==(const PageRow& left, const PageRow& right);
 
 /// What framing a row of pages of a log gives. Parts that follow each other are joined to one.
-struct FramedPages {
+struct TQX_LOG_API FramedPages {
     static constexpr uint32_t defaultPageSize = 1 << 16;
 
     /// What is noted beside blocks.

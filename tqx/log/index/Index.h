@@ -4,6 +4,7 @@
 #include "tqx/log/index/LogFramer.h"
 #include "tqx/log/stream/BlockStream.h"
 #include "tqx/log/time/GnssTime.h"
+#include "tqx_log_export.h"
 
 #include "TQX_codec.h"
 
@@ -41,7 +42,7 @@ struct WeekContext {
 ///         use(block);
 ///
 /// An index does not refer to the log. Any number of threads may ask the same one at the same time.
-class Index
+class TQX_LOG_API Index
 {
 public:
     /// Frames the whole log. Throws SourceError when it cannot be read. `pageSize` is at least 16

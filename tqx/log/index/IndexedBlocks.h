@@ -3,6 +3,7 @@
 #include "tqx/log/index/Index.h"
 #include "tqx/log/source/RandomAccess.h"
 #include "tqx/log/stream/Block.h"
+#include "tqx_log_export.h"
 
 #include <cstdint>
 #include <optional>
@@ -30,7 +31,7 @@ struct BlockQuery {
 /// The blocks of an indexed log that are asked for, in the order of the log. Touches nothing else
 /// of the log, except for the headers of a page in which a block without a time is found and a time
 /// is asked for. Used by one thread; several can divide the pages.
-class IndexedBlocks
+class TQX_LOG_API IndexedBlocks
 {
 public:
     /// Neither is owned, both must outlive the object. `log` must be what was indexed.

@@ -5,6 +5,7 @@
 #include "tqx/log/source/CompressedAccess.h"
 #include "tqx/log/source/FileAccess.h"
 #include "tqx/log/source/RandomAccess.h"
+#include "tqx_log_export.h"
 
 #include <functional>
 #include <memory>
@@ -18,7 +19,7 @@ namespace tqx
 struct SavedIndex;
 
 /// How a log is opened by its index.
-struct IndexedLogOptions {
+struct TQX_LOG_API IndexedLogOptions {
     FramingOptions framing;
 
     /// Whether an index that was made or went on is saved beside the log. A folder that cannot be
@@ -43,7 +44,7 @@ struct IndexedLogOptions {
 ///         use(block);
 ///
 /// Any number of threads may call it at the same time.
-class IndexedLog
+class TQX_LOG_API IndexedLog
 {
 public:
     /// How the index came about.

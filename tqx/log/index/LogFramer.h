@@ -3,6 +3,7 @@
 #include "tqx/log/index/FramedPages.h"
 #include "tqx/log/source/ByteSource.h"
 #include "tqx/log/source/RandomAccess.h"
+#include "tqx_log_export.h"
 
 namespace tqx
 {
@@ -18,10 +19,11 @@ struct FramingOptions {
 /// guess of where it is entered, and from its start again until both framings meet: from there they
 /// are the same for ever, for all that matters of the state is whether it is inside a block. Throws
 /// SourceError when the log cannot be read.
-FramedPages frameLog(const RandomAccess& log, FramedPages begun, const FramingOptions& options);
+TQX_LOG_API FramedPages frameLog(const RandomAccess& log, FramedPages begun,
+                                 const FramingOptions& options);
 
 /// Frames all that a source has, in constant memory but for what is returned. `size` receives the
 /// number of its bytes. Throws what the source throws.
-FramedPages frameSource(ByteSource& source, FramedPages begun, uint64_t& size);
+TQX_LOG_API FramedPages frameSource(ByteSource& source, FramedPages begun, uint64_t& size);
 
 } // namespace tqx

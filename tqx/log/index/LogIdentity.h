@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/source/RandomAccess.h"
+#include "tqx_log_export.h"
 
 #include <cstdint>
 
@@ -8,7 +9,7 @@ namespace tqx
 {
 
 /// By what a file is known again: its size and checksums (CRC-32) of its first and its last 64 kB.
-struct LogIdentity {
+struct TQX_LOG_API LogIdentity {
     uint64_t size = 0;
     uint32_t first = 0;
     uint32_t last = 0;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tqx_log_export.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -8,7 +10,7 @@ namespace tqx
 {
 
 /// Ascending offsets in a log, by page: 16 bits each, and 6 bytes for each page that has any.
-class PageOffsets
+class TQX_LOG_API PageOffsets
 {
 public:
     /// Offsets of one page, counted from its start, ascending.

@@ -3,6 +3,7 @@
 #include "tqx/log/index/Index.h"
 #include "tqx/log/index/LogIdentity.h"
 #include "tqx/log/source/Decompressor.h"
+#include "tqx_log_export.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -55,10 +56,11 @@ struct SavedIndex {
 ///       v page                     less the page before (the first one as it is)
 ///       v count                    1 or more
 ///       u16 offset                 each, ascending
-std::vector<uint8_t> packIndex(const SavedIndex& saved);
+TQX_LOG_API std::vector<uint8_t> packIndex(const SavedIndex& saved);
 
 /// Reads what packIndex has written. Nothing for bytes of any other kind, whatever they are;
 /// `reason` receives why. Memory stays within some ten times the bytes.
-std::optional<SavedIndex> unpackIndex(const uint8_t* bytes, size_t size, std::string& reason);
+TQX_LOG_API std::optional<SavedIndex> unpackIndex(const uint8_t* bytes, size_t size,
+                                                  std::string& reason);
 
 } // namespace tqx

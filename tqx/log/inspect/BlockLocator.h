@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/source/ByteSource.h"
+#include "tqx_log_export.h"
 
 #include <cstdint>
 #include <optional>
@@ -39,6 +40,6 @@ struct BlockLocation {
 /// the place and it is in no sound block, the offset goes on to a header in the stretch before the
 /// next sound one: the first that a type could have, else the first of all. Throws SourceError when
 /// it cannot be read or ends before the offset.
-BlockLocation locateBlock(ByteSource& source, uint64_t offset);
+TQX_LOG_API BlockLocation locateBlock(ByteSource& source, uint64_t offset);
 
 } // namespace tqx

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "TQX_Layout.h"
+#include "tqx_log_export.h"
 
 #include <cstdint>
 #include <vector>
@@ -41,7 +42,7 @@ struct BlockWalk {
 
 /// Walks along a block of a type, as far as the bytes go. `record` is what the block was decoded
 /// to, from which the derived values are taken; null for a block that does not decode.
-BlockWalk walkBlock(const Kor::MessageApi::TQX_TypeLayout& type, const uint8_t* bytes,
-                    uint32_t size, const void* record);
+TQX_LOG_API BlockWalk walkBlock(const Kor::MessageApi::TQX_TypeLayout& type, const uint8_t* bytes,
+                                uint32_t size, const void* record);
 
 } // namespace tqx

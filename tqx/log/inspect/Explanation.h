@@ -2,6 +2,7 @@
 
 #include "tqx/log/inspect/BlockLocator.h"
 #include "tqx/log/text/Buffer.h"
+#include "tqx_log_export.h"
 
 namespace tqx
 {
@@ -10,10 +11,10 @@ namespace tqx
 /// the file and in the block, its bytes, its name, the stored number and what that stands for, and
 /// what is wrong with the block if anything is. Of damage without a header only the first bytes are
 /// shown. The place must have sync characters or be in no sound block.
-void appendExplanation(Buffer& out, const BlockLocation& location);
+TQX_LOG_API void appendExplanation(Buffer& out, const BlockLocation& location);
 
 /// Why there is nothing to explain at a place inside a sound block without sync characters, and
 /// where to look instead.
-std::string describeNoBlock(const BlockLocation& location);
+TQX_LOG_API std::string describeNoBlock(const BlockLocation& location);
 
 } // namespace tqx

@@ -2,6 +2,7 @@
 
 #include "TQX_FieldFacts.h"
 #include "TQX_Layout.h"
+#include "tqx_log_export.h"
 
 #include <string>
 #include <vector>
@@ -11,11 +12,11 @@ namespace tqx
 
 /// The fields that a field of a type is not available without: "CN0", or "Doppler of Channel" for a
 /// field of the block or sub-block that holds this one.
-std::vector<std::string> inputNames(const Kor::MessageApi::TQX_TypeLayout& type,
-                                    const Kor::MessageApi::TQX_FieldFacts& field);
+TQX_LOG_API std::vector<std::string> inputNames(const Kor::MessageApi::TQX_TypeLayout& type,
+                                                const Kor::MessageApi::TQX_FieldFacts& field);
 
 /// The value that means "not available", as it is stored; for fields that have one.
-std::string doNotUseText(const Kor::MessageApi::TQX_FieldLayout& layout,
-                         const Kor::MessageApi::TQX_FieldFacts& field);
+TQX_LOG_API std::string doNotUseText(const Kor::MessageApi::TQX_FieldLayout& layout,
+                                     const Kor::MessageApi::TQX_FieldFacts& field);
 
 } // namespace tqx

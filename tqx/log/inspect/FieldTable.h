@@ -2,12 +2,13 @@
 
 #include "TQX_Layout.h"
 #include "tqx/log/text/Buffer.h"
+#include "tqx_log_export.h"
 
 namespace tqx
 {
 
 /// Appends what a type is and a table of its fields: where they stand, how wide they are, their
 /// units, scales, names of values, revisions and meaning.
-void appendFieldTable(Buffer& out, const Kor::MessageApi::TQX_TypeLayout& type);
+TQX_LOG_API void appendFieldTable(Buffer& out, const Kor::MessageApi::TQX_TypeLayout& type);
 
 } // namespace tqx

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/inspect/BlockWalk.h"
+#include "tqx_log_export.h"
 
 #include <string>
 #include <vector>
@@ -17,7 +18,7 @@ struct PieceText {
 };
 
 /// Rows for a piece of a block, several for a long run. `piece` stands in `block`.
-std::vector<PieceText> textsOf(const BlockPiece& piece, const uint8_t* block);
+TQX_LOG_API std::vector<PieceText> textsOf(const BlockPiece& piece, const uint8_t* block);
 
 /// How many bytes a row shows.
 constexpr uint32_t bytesPerRow = 8;

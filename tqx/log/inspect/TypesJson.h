@@ -2,6 +2,7 @@
 
 #include "TQX_Layout.h"
 #include "tqx/log/text/Buffer.h"
+#include "tqx_log_export.h"
 
 #include <vector>
 
@@ -9,10 +10,11 @@ namespace tqx
 {
 
 /// The types that have a message class, in the order of the registry.
-std::vector<const Kor::MessageApi::TQX_TypeLayout*> registeredTypes();
+TQX_LOG_API std::vector<const Kor::MessageApi::TQX_TypeLayout*> registeredTypes();
 
 /// Appends what is known of the types and their fields as one JSON array, a type a line, properties
 /// that are not set left out.
-void appendTypesJson(Buffer& out, const std::vector<const Kor::MessageApi::TQX_TypeLayout*>& types);
+TQX_LOG_API void appendTypesJson(Buffer& out,
+                                 const std::vector<const Kor::MessageApi::TQX_TypeLayout*>& types);
 
 } // namespace tqx

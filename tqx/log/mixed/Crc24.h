@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tqx_log_export.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -10,7 +12,7 @@ namespace tqx
 /// Checks frames that end with their CRC-24Q (polynomial 0x1864cfb, initial value 0, highest bit
 /// first), as RTCM 10403 frames do. Frames may overlap: a byte is summed about once, however many
 /// candidates claim it.
-class Crc24
+class TQX_LOG_API Crc24
 {
 public:
     /// The longest frame that can be asked for.

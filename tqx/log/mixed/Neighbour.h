@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tqx_log_export.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -17,7 +19,7 @@ enum class NeighbourKind : uint8_t {
 constexpr size_t neighbourKinds = 3;
 
 /// A neighbour of the blocks in a mixed stream. It refers to the bytes of whoever hands it out.
-struct Neighbour {
+struct TQX_LOG_API Neighbour {
     NeighbourKind kind;
     const uint8_t* data;
     size_t size;     ///< at most 1,029

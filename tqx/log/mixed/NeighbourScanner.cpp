@@ -82,7 +82,7 @@ size_t NeighbourScanner::scan(const uint8_t* bytes, size_t size, bool isLast)
         const bool isNeighbour = decision.verdict == Verdict::Neighbour;
         if (isNeighbour) {
             reportDamage();
-            listener.onNeighbour({decision.kind, bytes + at, decision.size, position});
+            listener.onRecognised({decision.kind, bytes + at, decision.size, position});
         }
         at += decision.size;
         position += decision.size;

@@ -2,6 +2,7 @@
 
 #include "tqx/log/mixed/Crc24.h"
 #include "tqx/log/mixed/Neighbour.h"
+#include "tqx_log_export.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -26,7 +27,7 @@ namespace tqx
 /// What comes out depends only on the runs, never on the pieces in which they arrive. At all times:
 /// bytes of neighbours + damage + bytesLeft() == bytes appended. The work is linear in the bytes
 /// appended; less than 1,029 bytes wait between calls.
-class NeighbourScanner
+class TQX_LOG_API NeighbourScanner
 {
 public:
     /// Hears what there is, in order, while append and end run. Must not call the scanner.
@@ -34,7 +35,7 @@ public:
     {
     public:
         /// Its offset is that of the stream; its bytes are valid until this returns.
-        virtual void onNeighbour(const Neighbour& neighbour) = 0;
+        virtual void onRecognised(const Neighbour& neighbour) = 0;
 
         /// `count` (> 0) bytes that are nothing well-formed. One stretch may come in several parts.
         virtual void onDamage(uint64_t offset, uint64_t count) = 0;

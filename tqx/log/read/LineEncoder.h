@@ -1,6 +1,7 @@
 #pragma once
 
 #include "TQX_OwnedRecord.h"
+#include "tqx_log_export.h"
 
 #include <nlohmann/json_fwd.hpp>
 
@@ -12,7 +13,7 @@ namespace tqx
 {
 
 /// Makes blocks of JSON Lines, see RawJson for their form.
-class LineEncoder
+class TQX_LOG_API LineEncoder
 {
 public:
     /// The block that a line stands for: its "bytes" as they are, else what its "fields" make,

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tqx_log_export.h"
+
 #include <stdexcept>
 #include <string>
 
@@ -7,7 +9,7 @@ namespace tqx
 {
 
 /// Why a line of JSON cannot be made into a block. The text names the place inside the line.
-class LineError : public std::runtime_error
+class TQX_LOG_API LineError : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
@@ -26,7 +28,7 @@ private:
 };
 
 /// A line of scaled values, which do not say what a block holds.
-class ScaledLineError : public LineError
+class TQX_LOG_API ScaledLineError : public LineError
 {
 public:
     ScaledLineError();

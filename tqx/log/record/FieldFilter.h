@@ -1,6 +1,7 @@
 #pragma once
 
 #include "TQX_Layout.h"
+#include "tqx_log_export.h"
 
 #include <cstdint>
 #include <map>
@@ -13,7 +14,7 @@ namespace tqx
 
 /// Which fields a command shows of each type, and in which order: a tree, with the fields of a
 /// sub-block below the field that holds it. A filter without names shows everything.
-class FieldFilter
+class TQX_LOG_API FieldFilter
 {
 public:
     /// A row of a layout, and the filter for what is inside it.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/record/DecodedBlock.h"
+#include "tqx_log_export.h"
 
 #include "TQX_OwnedRecord.h"
 
@@ -8,7 +9,7 @@ namespace tqx
 {
 
 /// Decodes the blocks of a stream into records, one after the other.
-class RecordDecoder
+class TQX_LOG_API RecordDecoder
 {
 public:
     RecordDecoder();

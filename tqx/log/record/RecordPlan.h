@@ -3,6 +3,7 @@
 #include "TQX_FieldFacts.h"
 #include "TQX_Layout.h"
 #include "tqx/log/record/FieldFilter.h"
+#include "tqx_log_export.h"
 
 #include <cstdint>
 #include <memory>
@@ -61,11 +62,11 @@ enum class ShownFields : uint8_t {
 
 /// The plan of a type, sub-blocks included. Layouts and facts live as long as the codec; the filter
 /// is needed during the call only.
-RecordPlan planRecord(const Kor::MessageApi::TQX_TypeLayout& type, const FieldFilter& filter,
-                      ShownFields shown);
+TQX_LOG_API RecordPlan planRecord(const Kor::MessageApi::TQX_TypeLayout& type,
+                                  const FieldFilter& filter, ShownFields shown);
 
 /// Whether the field belongs to the header of a main block, TOWc included.
-bool isHeaderField(const Kor::MessageApi::TQX_TypeLayout& type,
-                   const Kor::MessageApi::TQX_FieldLayout& field);
+TQX_LOG_API bool isHeaderField(const Kor::MessageApi::TQX_TypeLayout& type,
+                               const Kor::MessageApi::TQX_FieldLayout& field);
 
 } // namespace tqx

@@ -3,6 +3,7 @@
 #include "tqx/log/select/Expression.h"
 #include "tqx/log/select/FieldTest.h"
 #include "tqx/log/select/TypeSelection.h"
+#include "tqx_log_export.h"
 
 #include <bitset>
 #include <string>
@@ -19,7 +20,7 @@ namespace tqx
 /// unit and with the names that the description gives; so it does not hold for messages without the
 /// field. `has` asks whether there is an available value. `any` holds when all that it asks holds
 /// for the same element of a field of sub-blocks.
-class Condition
+class TQX_LOG_API Condition
 {
 public:
     /// Resolves names among the main types that `types` accepts. Throws DataError for an

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/select/Number.h"
+#include "tqx_log_export.h"
 
 #include <cstddef>
 #include <string>
@@ -48,7 +49,7 @@ struct ExpressionScope {
 ///     value     = number | 0x number | 'name' | "name"
 ///
 /// What the names mean is not looked at here.
-class Expression
+class TQX_LOG_API Expression
 {
 public:
     /// A node; the children of And and Or are other nodes, Not has one, Term is terms()[left]. Any

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/select/Expression.h"
+#include "tqx_log_export.h"
 
 #include "TQX_FieldFacts.h"
 #include "TQX_Layout.h"
@@ -38,8 +39,8 @@ struct UnknownField {
 /// The fields of a type that names lead to, from `first` on: a field of the type itself or, when it
 /// has none of that name, all in its sub-blocks at any depth. Blanks in the name of a field are
 /// written as underscores. When there is none, `unknown` is brought up to date.
-std::vector<FieldPath> findFields(const Kor::MessageApi::TQX_TypeLayout& type,
-                                  const std::vector<ExpressionWord>& names, size_t first,
-                                  UnknownField& unknown);
+TQX_LOG_API std::vector<FieldPath> findFields(const Kor::MessageApi::TQX_TypeLayout& type,
+                                              const std::vector<ExpressionWord>& names,
+                                              size_t first, UnknownField& unknown);
 
 } // namespace tqx

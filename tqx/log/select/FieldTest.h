@@ -3,6 +3,7 @@
 #include "tqx/log/select/Expression.h"
 #include "tqx/log/select/FieldPath.h"
 #include "tqx/log/value/Scale.h"
+#include "tqx_log_export.h"
 
 #include <optional>
 #include <string>
@@ -12,7 +13,7 @@ namespace tqx
 {
 
 /// One term of an expression, made ready for one field.
-class FieldTest
+class TQX_LOG_API FieldTest
 {
 public:
     /// Nothing, and `why` filled, when the field has no such comparison.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tqx_log_export.h"
+
 #include <cstdint>
 
 namespace tqx
@@ -7,7 +9,7 @@ namespace tqx
 
 /// A number of a block or of a condition: an integer of either sign up to 64 bits, or a double.
 /// Numbers compare by what they are worth, exactly, whatever their kinds.
-class Number
+class TQX_LOG_API Number
 {
 public:
     enum class Kind : uint8_t { Unsigned, Signed, Real };

@@ -4,6 +4,7 @@
 #include "tqx/log/select/Condition.h"
 #include "tqx/log/select/TypeSelection.h"
 #include "tqx/log/stream/BlockStream.h"
+#include "tqx_log_export.h"
 
 #include <cstdint>
 #include <memory>
@@ -27,7 +28,7 @@ struct SelectionRequest {
 
 /// Which blocks of a stream a command looks at. Looks at them in stream order, and runs on over the
 /// inputs as if they were one.
-class Selection
+class TQX_LOG_API Selection
 {
 public:
     /// Throws DataError for anything in the request that makes no sense.

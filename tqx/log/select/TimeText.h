@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/time/GnssTime.h"
+#include "tqx_log_export.h"
 
 #include <string>
 
@@ -16,6 +17,6 @@ namespace tqx
 /// Seconds have up to three decimals; of a date the seconds, or the whole time of day, may be left
 /// out, and a blank may stand for the T. Throws DataError, with `option` at its beginning, for
 /// anything else, for dates before 1980-01-06 and for dates without a word on their time scale.
-GnssMillis parseTime(const std::string& option, const std::string& text);
+TQX_LOG_API GnssMillis parseTime(const std::string& option, const std::string& text);
 
 } // namespace tqx

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tqx_log_export.h"
+
 #include <bitset>
 #include <cstddef>
 #include <cstdint>
@@ -10,7 +12,7 @@ namespace tqx
 {
 
 /// Which blocks a command looks at, by block number.
-class TypeSelection
+class TQX_LOG_API TypeSelection
 {
 public:
     /// One more than the highest block number.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tqx_log_export.h"
+
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -10,7 +12,7 @@ namespace tqx
 
 /// Bytes in order: a file, several files as one, memory, a decompressed stream. Used by one thread
 /// at a time.
-class ByteSource
+class TQX_LOG_API ByteSource
 {
 public:
     /// Where a byte comes from.

@@ -2,6 +2,7 @@
 
 #include "tqx/log/source/Decompressor.h"
 #include "tqx/log/source/RandomAccess.h"
+#include "tqx_log_export.h"
 
 #include <cstdint>
 #include <memory>
@@ -15,7 +16,7 @@ namespace tqx
 /// The content of a compressed file, read anywhere: from the access point before what is asked for,
 /// or from the start if there is none. Reading on where the last read ended costs least. Threads
 /// may read at the same time, but wait for each other.
-class CompressedAccess : public RandomAccess
+class TQX_LOG_API CompressedAccess : public RandomAccess
 {
 public:
     /// `packed` is not owned and must outlive the object. `points` ascend; `contentSize` is what

@@ -2,6 +2,7 @@
 
 #include "tqx/log/source/ByteSource.h"
 #include "tqx/log/source/Decompressor.h"
+#include "tqx_log_export.h"
 
 #include <chrono>
 #include <cstdint>
@@ -15,7 +16,7 @@ namespace tqx
 /// The content of a gzip or Zstandard source, in constant memory. Offsets are those of the content.
 /// What can be decompressed comes out before damage or a missing end is reported, with its offset
 /// in the compressed file; from then on every read reports it again.
-class CompressedSource : public ByteSource
+class TQX_LOG_API CompressedSource : public ByteSource
 {
 public:
     /// Content between two access points, at least.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tqx_log_export.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -21,14 +23,14 @@ struct AccessPoint {
 enum class Compression : uint8_t { None = 0, Gzip = 1, Zstd = 2 };
 
 /// What a file is that begins with these bytes; decides by 4 of them or by all.
-Compression compressionOf(const uint8_t* bytes, size_t count);
+TQX_LOG_API Compression compressionOf(const uint8_t* bytes, size_t count);
 
 /// Whether a file that begins with these bytes may turn out to be compressed when more are known.
-bool mayBeCompressed(const uint8_t* bytes, size_t count);
+TQX_LOG_API bool mayBeCompressed(const uint8_t* bytes, size_t count);
 
 /// Decompresses a stream step by step, in constant memory. Several streams that follow each other
 /// are one.
-class Decompressor
+class TQX_LOG_API Decompressor
 {
 public:
     /// Null for Compression::None. Throws DataError when there is no memory to decompress with.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/source/RandomAccess.h"
+#include "tqx_log_export.h"
 
 #include <memory>
 #include <string>
@@ -14,7 +15,7 @@ namespace tqx
 ///     const Index index = Index::build(log);
 ///
 /// Any number of threads may read at the same time.
-class FileAccess : public RandomAccess
+class TQX_LOG_API FileAccess : public RandomAccess
 {
 public:
     enum class Mapping {

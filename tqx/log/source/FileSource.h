@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/source/ByteSource.h"
+#include "tqx_log_export.h"
 
 #include <cstdio>
 #include <string>
@@ -9,7 +10,7 @@ namespace tqx
 {
 
 /// A file, from its start to its end.
-class FileSource : public ByteSource
+class TQX_LOG_API FileSource : public ByteSource
 {
 public:
     /// Opens `path`. Throws SourceError "<path>: <reason>".

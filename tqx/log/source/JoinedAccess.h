@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/source/RandomAccess.h"
+#include "tqx_log_export.h"
 
 #include <cstdint>
 #include <string>
@@ -11,7 +12,7 @@ namespace tqx
 
 /// Several contents that follow each other as one, so that a block may begin in one and end in the
 /// next. As many threads may read as may read each of them.
-class JoinedAccess : public RandomAccess
+class TQX_LOG_API JoinedAccess : public RandomAccess
 {
 public:
     /// The parts are not owned and must outlive the object. `label` is what messages call it all.

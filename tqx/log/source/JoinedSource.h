@@ -3,6 +3,7 @@
 #include "tqx/log/DataError.h"
 #include "tqx/log/source/ByteSource.h"
 #include "tqx/log/source/OpenSource.h"
+#include "tqx_log_export.h"
 
 #include <chrono>
 #include <cstdint>
@@ -18,7 +19,7 @@ namespace tqx
 /// Several sources that follow each other as one. Each is opened when the one before has ended.
 /// One that cannot be opened is left out, one that cannot be read on ends there; both are reported
 /// and the next one follows.
-class JoinedSource : public ByteSource
+class TQX_LOG_API JoinedSource : public ByteSource
 {
 public:
     /// Opens a source or throws SourceError.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/source/ByteSource.h"
+#include "tqx_log_export.h"
 
 #include <string>
 #include <utility>
@@ -9,7 +10,7 @@ namespace tqx
 {
 
 /// Bytes in memory. They belong to the caller and must outlive the source. Never throws.
-class MemorySource : public ByteSource
+class TQX_LOG_API MemorySource : public ByteSource
 {
 public:
     /// `label` is what messages call it.

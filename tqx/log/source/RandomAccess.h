@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tqx_log_export.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -10,7 +12,7 @@ namespace tqx
 /// Bytes of known number that can be read anywhere: a file, memory, the content of a compressed
 /// file. Reading does not change it: several threads may read at the same time, unless the class
 /// says otherwise.
-class RandomAccess
+class TQX_LOG_API RandomAccess
 {
 public:
     virtual ~RandomAccess();
@@ -36,7 +38,7 @@ protected:
 };
 
 /// Bytes in memory. They belong to the caller and must outlive the object.
-class MemoryAccess : public RandomAccess
+class TQX_LOG_API MemoryAccess : public RandomAccess
 {
 public:
     MemoryAccess(const uint8_t* data, size_t count, std::string label = "memory");

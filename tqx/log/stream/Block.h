@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/time/GnssTime.h"
+#include "tqx_log_export.h"
 
 #include <cstdint>
 #include <optional>
@@ -10,7 +11,7 @@ namespace tqx
 {
 
 /// A framed block with a valid checksum. It refers to the bytes of whoever hands it out.
-struct Block {
+struct TQX_LOG_API Block {
     const uint8_t* data;
     uint16_t size;
     uint64_t offset; ///< of its first byte in its file
@@ -24,6 +25,6 @@ struct Block {
 };
 
 /// "<name> (4007)", or "block 1234" for a number without type.
-std::string describeBlock(uint16_t number);
+TQX_LOG_API std::string describeBlock(uint16_t number);
 
 } // namespace tqx

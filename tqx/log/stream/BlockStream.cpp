@@ -107,7 +107,7 @@ void BlockStream::onDroppedPiece(uint64_t offset, const uint8_t* bytes, size_t s
     scanner.append(offset, bytes, size);
 }
 
-void BlockStream::onNeighbour(const Neighbour& neighbour)
+void BlockStream::onRecognised(const Neighbour& neighbour)
 {
     closeGap();
     counts.neighbours[static_cast<size_t>(neighbour.kind)].add(neighbour);

@@ -5,6 +5,7 @@
 #include "tqx/log/source/ByteSource.h"
 #include "tqx/log/stream/Block.h"
 #include "tqx/log/stream/StreamListener.h"
+#include "tqx_log_export.h"
 
 #include <array>
 #include <chrono>
@@ -39,7 +40,7 @@ struct StreamCounts {
 
 /// The valid blocks of a source, in order. Whatever else is in it goes to a listener. What looks
 /// like the start of a block within a neighbour is no error. Works in constant memory.
-class BlockStream : private BlockFramer::Listener, private NeighbourScanner::Listener
+class TQX_LOG_API BlockStream : private BlockFramer::Listener, private NeighbourScanner::Listener
 {
 public:
     /// Neither is owned, both must outlive the stream; the listener may be null.
@@ -79,7 +80,7 @@ private:
     void onInvalidLength(uint64_t offset) override;
     void onBytesDropped(uint64_t offset, uint64_t count) override;
     void onDroppedPiece(uint64_t offset, const uint8_t* bytes, size_t size) override;
-    void onNeighbour(const Neighbour& neighbour) override;
+    void onRecognised(const Neighbour& neighbour) override;
     void onDamage(uint64_t offset, uint64_t count) override;
 
     ByteSource& source;

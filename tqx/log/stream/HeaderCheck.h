@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tqx_log_export.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -9,6 +11,6 @@ namespace tqx
 /// Whether a header may begin a block: a type has its number, and its length is one that a block of
 /// that type and revision can have. False for every header of an unknown number, which may be
 /// a newer type's: a reason to doubt, no proof. `id` is the header's ID, revision included.
-bool isPlausibleHeader(uint16_t id, size_t length);
+TQX_LOG_API bool isPlausibleHeader(uint16_t id, size_t length);
 
 } // namespace tqx

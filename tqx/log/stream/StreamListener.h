@@ -2,6 +2,7 @@
 
 #include "tqx/log/mixed/Neighbour.h"
 #include "tqx/log/stream/Block.h"
+#include "tqx_log_export.h"
 
 #include <cstdint>
 #include <string>
@@ -10,7 +11,7 @@ namespace tqx
 {
 
 /// A stretch of bytes that belongs to no block and to no neighbour of blocks.
-struct StreamGap {
+struct TQX_LOG_API StreamGap {
     std::string file;
     uint64_t offset = 0; ///< in the file that it begins in
     uint64_t bytes = 0;
@@ -23,7 +24,7 @@ struct StreamGap {
 };
 
 /// Hears of everything in a stream that is no valid block. Called while a BlockStream works.
-class StreamListener
+class TQX_LOG_API StreamListener
 {
 public:
     virtual ~StreamListener();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/time/GnssTime.h"
+#include "tqx_log_export.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -11,7 +12,7 @@ namespace tqx
 
 /// A set of times. Regular series of them are kept as their first, last and period, so that a long
 /// log takes little memory.
-class EpochSet
+class TQX_LOG_API EpochSet
 {
 public:
     /// `sharedRoom` is how many series may still be kept by all sets that share it; it must outlive

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/time/GnssTime.h"
+#include "tqx_log_export.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -14,7 +15,7 @@ namespace tqx
 /// Finds out at which interval times usually follow each other and where some are missing. Equal
 /// times count once; a step back begins anew. Memory is bounded: intervals for which there is no
 /// room any more are only counted.
-class Intervals
+class TQX_LOG_API Intervals
 {
 public:
     /// An interval that is too long.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/mixed/Neighbour.h"
+#include "tqx_log_export.h"
 
 #include <cstdint>
 #include <map>
@@ -10,7 +11,7 @@ namespace tqx
 {
 
 /// What came between the blocks of a stream, gathered one by one.
-class NeighbourSummary
+class TQX_LOG_API NeighbourSummary
 {
 public:
     void add(const Neighbour& neighbour);

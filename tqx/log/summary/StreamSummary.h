@@ -5,6 +5,7 @@
 #include "tqx/log/summary/EpochSet.h"
 #include "tqx/log/summary/Intervals.h"
 #include "tqx/log/summary/NeighbourSummary.h"
+#include "tqx_log_export.h"
 
 #include <bitset>
 #include <cstdint>
@@ -52,7 +53,7 @@ struct TypeSummary {
 };
 
 /// What a stream holds, gathered block by block.
-class StreamSummary
+class TQX_LOG_API StreamSummary
 {
 public:
     StreamSummary();

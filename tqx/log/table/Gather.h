@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tqx_log_export.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -22,6 +24,6 @@ using Gather = void (*)(const uint8_t* from, size_t stride, size_t count, const 
 
 /// The function for a place and elements of `outSize` bytes, which must have room for the number.
 /// Words are in the byte order of the machine.
-Gather gatherFor(const NumberPlace& place, uint32_t outSize);
+TQX_LOG_API Gather gatherFor(const NumberPlace& place, uint32_t outSize);
 
 } // namespace tqx

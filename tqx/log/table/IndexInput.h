@@ -3,6 +3,7 @@
 #include "tqx/log/index/IndexedBlocks.h"
 #include "tqx/log/stream/StreamListener.h"
 #include "tqx/log/table/TableInput.h"
+#include "tqx_log_export.h"
 
 #include <string>
 
@@ -17,7 +18,7 @@ namespace tqx
 ///     auto schema = std::make_shared<TableSchema>(*findType(name), TableOptions());
 ///     TableStream table(schema, std::make_unique<IndexInput>(log.getIndex(), log.getContent(),
 ///                                                            schema->getType()));
-class IndexInput : public TableInput
+class TQX_LOG_API IndexInput : public TableInput
 {
 public:
     /// Neither is owned, both must outlive the input, and so must the listener, which hears of

@@ -3,6 +3,7 @@
 #include "tqx/log/table/ArrowInterface.h"
 #include "tqx/log/table/TableBlock.h"
 #include "tqx/log/table/TableSchema.h"
+#include "tqx_log_export.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -19,7 +20,7 @@ namespace tqx
 ///     builder.append(blocks.data(), blocks.size());
 ///     ArrowArray batch;
 ///     builder.finish(batch);
-class TableBuilder
+class TQX_LOG_API TableBuilder
 {
 public:
     /// Hears of blocks that the codec refuses with a negative code; they have no row.

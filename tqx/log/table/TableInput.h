@@ -4,6 +4,7 @@
 #include "TQX_Layout.h"
 #include "tqx/log/stream/BlockStream.h"
 #include "tqx/log/table/TableBlock.h"
+#include "tqx_log_export.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -12,7 +13,7 @@ namespace tqx
 {
 
 /// Where a table gets its blocks from: all of a stream, or those that an index found.
-class TableInput
+class TQX_LOG_API TableInput
 {
 public:
     virtual ~TableInput();
@@ -38,7 +39,7 @@ protected:
 ///
 ///     BlockStream blocks(source);
 ///     StreamInput input(blocks, *findType(name));
-class StreamInput : public TableInput
+class TQX_LOG_API StreamInput : public TableInput
 {
 public:
     /// The stream is not owned and must outlive the input. Blocks that are refused are reported as

@@ -3,6 +3,7 @@
 #include "TQX_Layout.h"
 #include "tqx/log/table/ArrowInterface.h"
 #include "tqx/log/table/TableOptions.h"
+#include "tqx_log_export.h"
 
 #include <memory>
 #include <string>
@@ -32,7 +33,7 @@ struct TablePlan;
 /// of the table: "block", "number", "description".
 ///
 /// Immutable, so that any number of threads may fill tables of one schema.
-class TableSchema
+class TQX_LOG_API TableSchema
 {
 public:
     /// Throws DataError when the type is no main block, when `options.rows` is no path of

@@ -4,6 +4,7 @@
 #include "tqx/log/table/TableBuilder.h"
 #include "tqx/log/table/TableInput.h"
 #include "tqx/log/table/TableSchema.h"
+#include "tqx_log_export.h"
 
 #include <memory>
 #include <vector>
@@ -18,7 +19,7 @@ namespace tqx
 ///     TableStream table(schema, std::move(input));
 ///     for (ArrowArray batch; table.next(batch); batch.release(&batch))
 ///         use(batch);
-class TableStream
+class TQX_LOG_API TableStream
 {
 public:
     TableStream(std::shared_ptr<const TableSchema> schema, std::unique_ptr<TableInput> input);
@@ -50,6 +51,6 @@ private:
 /// return 0, ENOMEM, or EIO for anything else that was thrown, whose text get_last_error gives; the
 /// table ends with an error. What the input refers to must live until `out` is released.
 /// Throws std::bad_alloc, and leaves `out` as it was.
-void exportStream(std::unique_ptr<TableStream> table, ArrowArrayStream& out);
+TQX_LOG_API void exportStream(std::unique_ptr<TableStream> table, ArrowArrayStream& out);
 
 } // namespace tqx

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/text/Buffer.h"
+#include "tqx_log_export.h"
 
 #include <cstddef>
 #include <string>
@@ -11,19 +12,19 @@ namespace tqx::csv
 {
 
 /// The cell that holds these characters: in quotes where it has to be.
-std::string cell(std::string_view characters);
+TQX_LOG_API std::string cell(std::string_view characters);
 
 /// The cell of a text in Latin-1.
-void appendLatin1(Buffer& out, const char* text, size_t length);
+TQX_LOG_API void appendLatin1(Buffer& out, const char* text, size_t length);
 
 /// The same of a text that must not be taken for a formula, see guardFrom().
-void appendGuardedLatin1(Buffer& out, const char* text, size_t length);
+TQX_LOG_API void appendGuardedLatin1(Buffer& out, const char* text, size_t length);
 
 /// Puts an apostrophe in front of what stands behind `start` in the buffer if a spreadsheet would
 /// take that for a formula: if it begins with = + - @, a tab or a carriage return.
-void guardFrom(Buffer& out, size_t start);
+TQX_LOG_API void guardFrom(Buffer& out, size_t start);
 
 /// Makes what stands behind `start` in the buffer one cell.
-void quoteFrom(Buffer& out, size_t start);
+TQX_LOG_API void quoteFrom(Buffer& out, size_t start);
 
 } // namespace tqx::csv

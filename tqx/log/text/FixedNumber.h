@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/text/Buffer.h"
+#include "tqx_log_export.h"
 
 namespace tqx
 {
@@ -8,15 +9,15 @@ namespace tqx
 /// Appends a number with so many decimals (0 or more), rounded by its exact value, ties away from
 /// zero: 0.125 with two decimals is 0.13. A negative number that becomes zero keeps its sign; what
 /// is not finite is "nan", "inf" or "-inf".
-void appendFixed(Buffer& out, double value, int decimals);
+TQX_LOG_API void appendFixed(Buffer& out, double value, int decimals);
 
 /// The same for a number of 32 bits, with no more than the decimals of the shortest text that reads
 /// back to it and zeros behind them.
-void appendFixed(Buffer& out, float value, int decimals);
+TQX_LOG_API void appendFixed(Buffer& out, float value, int decimals);
 
 /// Appends a number with so many significant digits (1 or more), rounded likewise, without zeros at
 /// its end; with an exponent where the first digit is before the fourth decimal or the point behind
 /// the last digit: 0.0001234568, 1.234568e-05, 1.234568e+07.
-void appendSignificant(Buffer& out, double value, int digits);
+TQX_LOG_API void appendSignificant(Buffer& out, double value, int digits);
 
 } // namespace tqx

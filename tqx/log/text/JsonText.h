@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/text/Buffer.h"
+#include "tqx_log_export.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -13,22 +14,22 @@ namespace tqx::json
 
 /// As number::appendFloat and appendDouble; a value that is not finite becomes "NaN", "Infinity" or
 /// "-Infinity".
-void appendFloat(Buffer& out, float value);
-void appendDouble(Buffer& out, double value);
+TQX_LOG_API void appendFloat(Buffer& out, float value);
+TQX_LOG_API void appendDouble(Buffer& out, double value);
 
 /// String of UTF-8 text, quotes included.
-void appendString(Buffer& out, std::string_view text);
+TQX_LOG_API void appendString(Buffer& out, std::string_view text);
 
 /// String of Latin-1 characters, quotes included.
-void appendLatin1(Buffer& out, const char* text, size_t length);
+TQX_LOG_API void appendLatin1(Buffer& out, const char* text, size_t length);
 
 /// String of the bytes in base64, quotes included.
-void appendBase64(Buffer& out, const uint8_t* bytes, size_t length);
+TQX_LOG_API void appendBase64(Buffer& out, const uint8_t* bytes, size_t length);
 
 /// The string as it would be appended.
-std::string text(std::string_view characters);
+TQX_LOG_API std::string text(std::string_view characters);
 
 /// A member's name as it stands before its value: "name":
-std::string key(std::string_view name);
+TQX_LOG_API std::string key(std::string_view name);
 
 } // namespace tqx::json

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/text/Buffer.h"
+#include "tqx_log_export.h"
 
 #include <cstddef>
 #include <string>
@@ -13,12 +14,12 @@ namespace tqx
 {
 
 /// Appends Latin-1 characters in UTF-8.
-void appendPrintableLatin1(Buffer& out, std::string_view text);
+TQX_LOG_API void appendPrintableLatin1(Buffer& out, std::string_view text);
 
 /// The same of UTF-8 text; bytes that are no UTF-8 become "\xff", too.
-std::string printable(std::string_view text);
+TQX_LOG_API std::string printable(std::string_view text);
 
 /// printable(), cut to about `most` bytes with "..." behind them.
-std::string shortened(std::string_view text, size_t most = 80);
+TQX_LOG_API std::string shortened(std::string_view text, size_t most = 80);
 
 } // namespace tqx

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tqx_log_export.h"
+
 #include <cstdint>
 
 namespace tqx
@@ -13,12 +15,12 @@ struct CalendarDate {
 };
 
 /// The date that many days after 1980-01-06.
-CalendarDate dateOf(uint64_t days);
+TQX_LOG_API CalendarDate dateOf(uint64_t days);
 
 /// Days from 1980-01-06 to a date, which must exist; below 0 for one before.
-int64_t daysOf(const CalendarDate& date);
+TQX_LOG_API int64_t daysOf(const CalendarDate& date);
 
 /// Whether the month has that day in that year.
-bool exists(const CalendarDate& date);
+TQX_LOG_API bool exists(const CalendarDate& date);
 
 } // namespace tqx

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tqx_log_export.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -13,15 +15,15 @@ using GnssMillis = uint64_t;
 constexpr GnssMillis millisPerWeek = 604800000;
 
 /// The time of a block's header, nothing when the header says that it is not available.
-std::optional<GnssMillis> gnssMillis(uint32_t tow, uint16_t week);
+TQX_LOG_API std::optional<GnssMillis> gnssMillis(uint32_t tow, uint16_t week);
 
 /// "2300:604000.100", week and seconds of the week.
-std::string weekText(GnssMillis millis);
+TQX_LOG_API std::string weekText(GnssMillis millis);
 
 /// "2024-02-10T23:46:40.100", the date in GNSS time.
-std::string dateText(GnssMillis millis);
+TQX_LOG_API std::string dateText(GnssMillis millis);
 
 /// Both, for people: "2300:604000.100  2024-02-10T23:46:40.100 GPS".
-std::string timeText(GnssMillis millis);
+TQX_LOG_API std::string timeText(GnssMillis millis);
 
 } // namespace tqx

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/time/GnssTime.h"
+#include "tqx_log_export.h"
 
 #include <cstdint>
 #include <string>
@@ -9,17 +10,17 @@ namespace tqx
 {
 
 /// Whether UTC has a leap second at the end of that day, counted from 1980-01-06.
-bool endsWithLeapSecond(uint64_t day);
+TQX_LOG_API bool endsWithLeapSecond(uint64_t day);
 
 /// Leap seconds that UTC has inserted from 1980-01-06 up to the beginning of that day. Days behind
 /// the end of the list have as many as its last.
-unsigned leapSecondsBefore(uint64_t day);
+TQX_LOG_API unsigned leapSecondsBefore(uint64_t day);
 
 /// Milliseconds from 1980-01-06 as a clock of UTC counts them that knows no leap seconds: a leap
 /// second has the time of the second after it.
-uint64_t utcMillis(GnssMillis millis);
+TQX_LOG_API uint64_t utcMillis(GnssMillis millis);
 
 /// "2024-02-10T23:46:22.100Z", the time in UTC; a leap second is the second 60.
-std::string utcText(GnssMillis millis);
+TQX_LOG_API std::string utcText(GnssMillis millis);
 
 } // namespace tqx

@@ -5,6 +5,7 @@
 #include "tqx/log/record/MemberBits.h"
 #include "tqx/log/text/Buffer.h"
 #include "tqx/log/value/ValueNames.h"
+#include "tqx_log_export.h"
 
 #include <cstdint>
 #include <optional>
@@ -16,7 +17,7 @@ namespace tqx
 /// How the values of one number or character field are written for people: by their names, else
 /// scaled and rounded to the decimals that make sense, or as they are stored. Texts are those of
 /// FieldInfo's getValueString in the C locale.
-class FieldText
+class TQX_LOG_API FieldText
 {
 public:
     /// `isPacked`: values of a bit range are taken from the packed word, not from their own member.

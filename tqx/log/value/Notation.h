@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/text/Buffer.h"
+#include "tqx_log_export.h"
 
 #include <string>
 #include <string_view>
@@ -9,7 +10,7 @@ namespace tqx
 {
 
 /// How a form of output writes values that are no numbers.
-struct Notation {
+struct TQX_LOG_API Notation {
     std::string_view notAvailable;
     std::string (*name)(std::string_view characters);
     void (*appendLatin1)(Buffer& out, const char* text, size_t length);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/text/Buffer.h"
+#include "tqx_log_export.h"
 
 #include <cmath>
 #include <cstdint>
@@ -11,7 +12,7 @@ namespace tqx
 /// A scale factor, applied so that the result is the double nearest to the decimal number that
 /// the stored integer and the factor as written stand for: 604000100 at 0.001 is 604000.1, not
 /// 604000.1000000001.
-class Scale
+class TQX_LOG_API Scale
 {
 public:
     explicit Scale(double factor);

@@ -6,6 +6,7 @@
 #include "tqx/log/text/Buffer.h"
 #include "tqx/log/value/Scale.h"
 #include "tqx/log/value/ValueNames.h"
+#include "tqx_log_export.h"
 
 #include <cstdint>
 #include <optional>
@@ -14,7 +15,7 @@ namespace tqx
 {
 
 /// How the values of one number or character field are written, by what is known of the field.
-class ShownValue
+class TQX_LOG_API ShownValue
 {
 public:
     /// `isPacked`: values of a bit range are taken from the packed word, not from their own member.

@@ -3,6 +3,7 @@
 #include "TQX_FieldFacts.h"
 #include "TQX_Layout.h"
 #include "tqx/log/value/Notation.h"
+#include "tqx_log_export.h"
 
 #include <cstdint>
 #include <string>
@@ -14,7 +15,7 @@ namespace tqx
 
 /// What stands for the values of an integer field that are not shown as numbers: their
 /// names, and a word for what is not available.
-class ValueNames
+class TQX_LOG_API ValueNames
 {
 public:
     /// Field of any type; fields that are no integers have no names.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/text/Buffer.h"
+#include "tqx_log_export.h"
 
 #include <cstdint>
 
@@ -9,9 +10,9 @@ namespace tqx::csv
 {
 
 /// "MessageIndex,WNc [week],TOW [second],UTC"
-void appendKeyColumns(Buffer& out);
+TQX_LOG_API void appendKeyColumns(Buffer& out);
 
 /// The cells of them for a record of a main block, which is the `index`-th of its type, from 0.
-void appendKey(Buffer& out, uint64_t index, const void* record);
+TQX_LOG_API void appendKey(Buffer& out, uint64_t index, const void* record);
 
 } // namespace tqx::csv

@@ -3,6 +3,7 @@
 #include "TQX_Layout.h"
 #include "tqx/log/record/FieldFilter.h"
 #include "tqx/log/text/Buffer.h"
+#include "tqx_log_export.h"
 
 #include <memory>
 #include <string>
@@ -21,7 +22,7 @@ struct CsvStyle {
 
 /// The columns for the records of one type: its fields in their order, those of a sub-block that
 /// is embedded in place of its field. Arrays of sub-blocks have tables of their own.
-class CsvTable
+class TQX_LOG_API CsvTable
 {
 public:
     /// A table below another one: the entries of an array of sub-blocks.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/write/CsvTable.h"
+#include "tqx_log_export.h"
 
 #include <cstdint>
 
@@ -9,7 +10,7 @@ namespace tqx
 
 /// The messages of one type as one table. A message with sub-blocks has a row for each of them, in
 /// which what stands above the sub-block is repeated; columns of other sub-blocks are empty.
-class FlatCsv
+class TQX_LOG_API FlatCsv
 {
 public:
     /// See CsvTable.

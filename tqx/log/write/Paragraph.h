@@ -3,6 +3,7 @@
 #include "tqx/log/record/FieldFilter.h"
 #include "tqx/log/stream/Block.h"
 #include "tqx/log/text/Buffer.h"
+#include "tqx_log_export.h"
 
 #include <cstdint>
 #include <memory>
@@ -20,7 +21,7 @@ struct ParagraphPlan;
 /// stands, then a line a field, bit ranges below their word and sub-blocks below their field, each
 /// a step further in. Texts are those of the metadata in the C locale; the values come straight
 /// from the records.
-class Paragraph
+class TQX_LOG_API Paragraph
 {
 public:
     /// How values are shown.

@@ -4,6 +4,7 @@
 #include "tqx/log/record/DecodedBlock.h"
 #include "tqx/log/record/FieldFilter.h"
 #include "tqx/log/text/Buffer.h"
+#include "tqx_log_export.h"
 
 #include <memory>
 #include <string>
@@ -22,7 +23,7 @@ struct RawPlan;
 /// so is padding that holds zeros. A block that its fields alone would not bring back byte for
 /// byte has a member "bytes" as well, and a block without message class, of an unknown number or
 /// that does not decode has nothing else: {"number":4213,"bytes":"..."}.
-class RawJson
+class TQX_LOG_API RawJson
 {
 public:
     /// With a filter that does not show everything, "bytes" is never written: such lines are not

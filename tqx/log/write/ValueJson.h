@@ -3,6 +3,7 @@
 #include "tqx/log/record/DecodedBlock.h"
 #include "tqx/log/record/FieldFilter.h"
 #include "tqx/log/text/Buffer.h"
+#include "tqx_log_export.h"
 
 #include <cstdint>
 #include <memory>
@@ -29,7 +30,7 @@ struct ValuePlan;
 ///
 /// The values come straight from the records, which is several times as fast as asking the field
 /// metadata for each.
-class ValueJson
+class TQX_LOG_API ValueJson
 {
 public:
     explicit ValueJson(const FieldFilter& filter);

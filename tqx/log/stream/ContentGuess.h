@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tqx_log_export.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -27,12 +29,12 @@ enum class Content {
 
 /// Guesses by the first bytes of an input; a few thousand are enough. NMEA and RTCM need right
 /// checksums, and nearly nothing else beside them.
-Content guessContent(const uint8_t* bytes, size_t size);
+TQX_LOG_API Content guessContent(const uint8_t* bytes, size_t size);
 
 /// "RINEX", "text", "compressed by gzip": what "it seems to be".
-const char* describeContent(Content content);
+TQX_LOG_API const char* describeContent(Content content);
 
 /// Whether a receiver sends it on its own, so that a stream of it alone is nothing wrong.
-bool isReceiverOutput(Content content);
+TQX_LOG_API bool isReceiverOutput(Content content);
 
 } // namespace tqx

@@ -1,4 +1,4 @@
-#include "tqx/log/source/ContentGuess.h"
+#include "tqx/log/stream/ContentGuess.h"
 
 #include "korcg_load.h"
 #include "tqx/log/stream/HeaderCheck.h"
