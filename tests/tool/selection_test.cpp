@@ -112,6 +112,24 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"AndBeforeOr", {"--where", "NrSV == 0 or NrSV == 11 and Vn > 1"}, "7 "},
         Case{"Parentheses", {"--where", "(NrSV == 0 or NrSV == 11) and not (Vn > 1)"}, "0 7 "},
         Case{"Not", {"--where", "not not NrSV > 5 and not Vn > 1"}, "0 "},
+        Case{"Like", {"--where", "SVID like 'r0?'"}, "2 "},
+        Case{"LikeText", {"--where", "ASCIIString like 'C?F?' or SensorModel like 'X*1'"}, "4 "},
+        Case{"NotLike", {"--where", "not PVTMode like 'RTK*' and has PVTMode"}, "1 7 "},
+        Case{"SameElement", {"--where", "any(Type1: SVID == 'G03' and CN0 == 30)"}, "2 "},
+        Case{"OtherElement", {"--where", "any(Type1: SVID == 'R01' and CN0 == 30)"}, ""},
+        Case{"NotInTheElement",
+             {"--where", "any(MeasEpoch2.Type1: SVID == 'R01' and not has CN0)"},
+             "2 "},
+        Case{"NoSuchElement", {"--where", "not any(Type1: has SVID)"}, "0 1 3 4 5 6 7 "},
+        Case{"ElementInElement",
+             {"--where", "any(Type1: SVID == 'G03' and any(Type2: CN0 == 15)) and TOW == 0"},
+             "2 "},
+        Case{"ElementInOtherElement",
+             {"--where", "any(Type1: SVID == 'R01' and any(Type2: CN0 == 15))"},
+             ""},
+        Case{"ElementsOfBothTypes",
+             {"--where", "any(Type1: CN0 == 30) or any(AGCState: Gain == -7)"},
+             "2 6 "},
         Case{"OnlySelectedTypes", {"--type", "4075", "--where", "TOW <= 1"}, "4 "}),
     nameOf);
 
@@ -188,7 +206,7 @@ INSTANTIATE_TEST_SUITE_P(
              "                                   ^"},
         Case{"OrderOfNames",
              {"--where", "PVTMode > 'PPP'"},
-             "--where: PVTMode can be compared with a name or text by == and != only\n"
+             "--where: PVTMode can be compared with a name or text by ==, != and like only\n"
              "  PVTMode > 'PPP'\n"
              "            ^"},
         Case{"NameForNumber",
@@ -209,9 +227,39 @@ INSTANTIATE_TEST_SUITE_P(
              "           ^"},
         Case{"Assignment",
              {"--where", "NrSV = 8"},
-             "--where: equality is written ==, the others are != < <= > >=\n"
+             "--where: equality is written ==, the others are != < <= > >= like\n"
              "  NrSV = 8\n"
              "       ^"},
+        Case{"LikeWithoutQuotes",
+             {"--where", "NrSV like 8"},
+             "--where: a pattern in quotes is expected here, such as 'G*'\n"
+             "  NrSV like 8\n"
+             "            ^"},
+        Case{"LikeNoName",
+             {"--where", "PVTMode like 'XY*'"},
+             "--where: PVTMode has no value with a name like 'XY*'\n"
+             "  PVTMode like 'XY*'\n"
+             "               ^"},
+        Case{"AnyUnknownField",
+             {"--where", "any(Type1: SVID == 'G03' and SVD == 1)"},
+             "--where: there is no field of Type1 named SVD, did you mean SVID?\n"
+             "  any(Type1: SVID == 'G03' and SVD == 1)\n"
+             "                               ^"},
+        Case{"AnyOfNoSubBlocks",
+             {"--where", "any(PVTMode: SVID == 'G03')"},
+             "--where: PVTMode holds no sub-blocks; any asks for elements of those\n"
+             "  any(PVTMode: SVID == 'G03')\n"
+             "      ^"},
+        Case{"AnyUnselectedType",
+             {"--type", "4007", "--where", "any(Type1: CN0 == 1)"},
+             "--where: no selected block has this field\n"
+             "  any(Type1: CN0 == 1)\n"
+             "             ^"},
+        Case{"AnyWithoutColon",
+             {"--where", "any(Type1 CN0 == 1)"},
+             "--where: a colon is expected here, then what is asked of the same element\n"
+             "  any(Type1 CN0 == 1)\n"
+             "            ^"},
         Case{"NoQuotes",
              {"--where", "NrSV == eight"},
              "--where: names and texts stand in quotes\n"

@@ -2,6 +2,7 @@
 
 #include "TQX_RecordAccess.h"
 #include "tqx/log/record/TypeNames.h"
+#include "tqx/log/select/Elements.h"
 #include "tqx/log/select/FieldPath.h"
 
 #include <utility>
@@ -34,70 +35,151 @@ const std::vector<const TQX_TypeLayout*>& mainTypes()
     return types;
 }
 
-std::string unknownFieldText(const ExpressionTerm& term, const UnknownField& unknown,
-                             const TQX_TypeLayout* owner)
+/// `owner` is the name of what the names are looked up in, "" for all main blocks.
+std::string unknownFieldText(const std::vector<ExpressionWord>& path, const UnknownField& unknown,
+                             const std::string& owner)
 {
-    const std::string& name = term.path[unknown.depth].text;
-    if (unknown.depth == 0 && term.path.size() == 1) {
+    const std::string& name = path[unknown.depth].text;
+    if (owner.empty() && path.size() == 1) {
         const TQX_TypeLayout* layout = findType(name);
         if (layout && layout->blockNumber != 0)
             return name + " is a block; name a field of it, as " + name + ".TOW";
     }
     std::vector<std::string_view> candidates(unknown.candidates.begin(), unknown.candidates.end());
-    const bool mayBeBlock = unknown.depth == 0 && term.path.size() > 1;
+    const bool mayBeBlock = owner.empty() && unknown.depth == 0 && path.size() > 1;
     if (mayBeBlock)
         forEachType([&](const TQX_TypeLayout& type) {
             if (type.blockNumber != 0)
                 candidates.emplace_back(type.name);
         });
-    const std::string kind = owner        ? "field of " + std::string(owner->name)
-                             : mayBeBlock ? "block or field"
-                                          : "field";
+    const std::string kind = !owner.empty() ? "field of " + owner
+                             : mayBeBlock   ? "block or field"
+                                            : "field";
     return unknownName(kind, name, candidates);
 }
 
 } // namespace
 
-Condition::Condition(const std::string& text, const TypeSelection& types)
-    : expression(text), noTests(expression.terms().size())
+Condition::Tests::Tests(const Expression& all)
+    : terms(all.terms().size()), branches(all.scopes().size())
 {
-    for (size_t i = 0; i < expression.terms().size(); ++i)
-        resolve(i, types);
 }
 
-void Condition::resolve(size_t termIndex, const TypeSelection& types)
+Condition::Tests::Tests(const ExpressionScope& scope)
+    : firstTerm(scope.firstTerm), firstScope(scope.firstScope),
+      terms(scope.endTerm - scope.firstTerm), branches(scope.endScope - scope.firstScope)
 {
-    const ExpressionTerm& term = expression.terms()[termIndex];
-    const TQX_TypeLayout* owner = typeNamedBy(term.path);
+}
+
+Condition::Condition(const std::string& text, const TypeSelection& types)
+    : expression(text), noTests(expression)
+{
+    Places places;
+    for (const TQX_TypeLayout* type : mainTypes()) {
+        Tests* tests = nullptr;
+        if (types.accepts(type->blockNumber))
+            tests = &testsOfTypes.emplace(type->recordType, expression).first->second;
+        places.list.push_back({type, type->blockNumber, tests});
+    }
+    resolve(expression.root(), places);
+}
+
+// In the order of the text, so that what is wrong first is reported.
+void Condition::resolve(size_t index, const Places& places)
+{
+    using Kind = Expression::Node::Kind;
+    const Expression::Node& node = expression.node(index);
+    switch (node.kind) {
+    case Kind::And:
+    case Kind::Or:
+        resolve(node.left, places);
+        return resolve(node.right, places);
+    case Kind::Not:
+        return resolve(node.left, places);
+    case Kind::Any:
+        return resolve(node.left, resolveScope(node.right, places));
+    case Kind::Term:
+        return resolveTerm(node.left, places);
+    }
+}
+
+/// At least one.
+std::vector<Condition::Found> Condition::find(const std::vector<ExpressionWord>& path,
+                                              const Places& places) const
+{
+    const TQX_TypeLayout* type = places.owner.empty() ? typeNamedBy(path) : nullptr;
+    std::vector<Found> found;
     UnknownField unknown;
+    for (const Place& place : places.list) {
+        if (type && type != place.type)
+            continue;
+        for (const FieldPath& each : findFields(*place.type, path, type ? 1 : 0, unknown))
+            found.push_back({place, each});
+    }
+    if (found.empty())
+        expression.fail(path[unknown.depth].position,
+                        unknownFieldText(path, unknown, type ? type->name : places.owner));
+    return found;
+}
+
+void Condition::resolveTerm(size_t index, const Places& places)
+{
+    const ExpressionTerm& term = expression.terms()[index];
     std::string why;
-    bool isKnown = false;
     bool isTest = false;
     bool isSelected = false;
-    for (const TQX_TypeLayout* type : mainTypes()) {
-        if (owner && owner != type)
+    for (const Found& each : find(term.path, places)) {
+        const std::optional<FieldTest> test = FieldTest::make(each.path, term, why);
+        if (!test)
             continue;
-        for (const FieldPath& path : findFields(*type, term.path, owner ? 1 : 0, unknown)) {
-            isKnown = true;
-            const std::optional<FieldTest> test = FieldTest::make(path, term, why);
-            if (!test)
-                continue;
-            isTest = true;
-            if (!types.accepts(type->blockNumber))
-                continue;
-            isSelected = true;
-            readTypes.set(type->blockNumber);
-            testsOfTypes.try_emplace(type->recordType, noTests)
-                .first->second[termIndex]
-                .push_back(*test);
-        }
+        isTest = true;
+        Tests* const tests = each.place.tests;
+        if (!tests)
+            continue;
+        isSelected = true;
+        readTypes.set(each.place.blockNumber);
+        tests->terms[index - tests->firstTerm].push_back(*test);
     }
-    if (!isKnown)
-        expression.fail(term.path[unknown.depth].position, unknownFieldText(term, unknown, owner));
     if (!isTest)
         expression.fail(term.value.position, why);
     if (!isSelected)
         expression.fail(term.path.front().position, "no selected block has this field");
+}
+
+/// The types of the elements that it is about.
+Condition::Places Condition::resolveScope(size_t index, const Places& places)
+{
+    const ExpressionScope& scope = expression.scopes()[index];
+    Places inner = {{}, scope.path.back().text};
+    const std::vector<Found> all = find(scope.path, places);
+    for (const Found& each : all) {
+        if (each.path.field.layout->recordType == 0)
+            continue;
+        Tests* const tests = each.place.tests;
+        if (tests) {
+            std::vector<FieldOfType> fields = each.path.through;
+            fields.push_back(each.path.field);
+            tests->branches[index - tests->firstScope].push_back({std::move(fields), Tests(scope)});
+        }
+    }
+    // The branches stay where they are from here on.
+    const Place* last = nullptr;
+    size_t branch = 0;
+    for (const Found& each : all) {
+        const uint32_t type = each.path.field.layout->recordType;
+        if (type == 0)
+            continue;
+        branch = &each.place == last ? branch + 1 : 0;
+        last = &each.place;
+        Tests* const tests = each.place.tests;
+        inner.list.push_back(
+            {TQX_layout(type), each.place.blockNumber,
+             tests ? &tests->branches[index - tests->firstScope][branch].tests : nullptr});
+    }
+    if (inner.list.empty())
+        expression.fail(scope.path.back().position,
+                        inner.owner + " holds no sub-blocks; any asks for elements of those");
+    return inner;
 }
 
 bool Condition::accepts(const void* record) const
@@ -119,12 +201,22 @@ bool Condition::holds(size_t index, const Tests& tests, const void* record) cons
         return holds(node.left, tests, record) || holds(node.right, tests, record);
     case Kind::Not:
         return !holds(node.left, tests, record);
-    default:
-        for (const FieldTest& test : tests[node.left])
-            if (test.passes(record))
+    case Kind::Any:
+        for (const Branch& branch : tests.ofScope(node.right)) {
+            const auto meets = [&](const void* element) {
+                return holds(node.left, branch.tests, element);
+            };
+            if (anyElement(branch.fields, record, meets))
                 return true;
+        }
         return false;
+    case Kind::Term:
+        break;
     }
+    for (const FieldTest& test : tests.ofTerm(node.left))
+        if (test.passes(record))
+            return true;
+    return false;
 }
 
 } // namespace tqx

@@ -18,7 +18,8 @@ namespace tqx
 /// A field stands for the values that the message has of it: one, or all elements of an array and
 /// of all sub-blocks. A comparison holds when it holds for at least one that is available, in the
 /// unit and with the names that the description gives; so it does not hold for messages without the
-/// field. `has` asks whether there is an available value.
+/// field. `has` asks whether there is an available value. `any` holds when all that it asks holds
+/// for the same element of a field of sub-blocks.
 class TQX_LOG_API Condition
 {
 public:
@@ -36,14 +37,58 @@ public:
     bool accepts(const void* record) const;
 
 private:
-    /// The tests that each term comes down to for one type.
-    using Tests = std::vector<std::vector<FieldTest>>;
+    struct Branch;
 
-    void resolve(size_t termIndex, const TypeSelection& types);
+    /// What the terms come down to for one type, and what the scopes lead to.
+    struct Tests {
+        explicit Tests(const Expression& all);
+        explicit Tests(const ExpressionScope& scope);
+
+        const std::vector<FieldTest>& ofTerm(size_t term) const { return terms[term - firstTerm]; }
+        const std::vector<Branch>& ofScope(size_t scope) const
+        {
+            return branches[scope - firstScope];
+        }
+
+        size_t firstTerm = 0;
+        size_t firstScope = 0;
+        std::vector<std::vector<FieldTest>> terms;
+        std::vector<std::vector<Branch>> branches;
+    };
+
+    /// A field of sub-blocks and what is asked of their elements.
+    struct Branch {
+        std::vector<FieldOfType> fields; ///< that lead to it, and itself
+        Tests tests;
+    };
+
+    /// A type in which names are looked up.
+    struct Place {
+        const Kor::MessageApi::TQX_TypeLayout* type;
+        uint16_t blockNumber; ///< of the main block that it is or that it is in
+        Tests* tests;         ///< null when that is not selected
+    };
+
+    /// Where the names of a scope are looked up.
+    struct Places {
+        std::vector<Place> list;
+        std::string owner; ///< name of the field whose elements they are; "" for main blocks
+    };
+
+    /// A field that a path leads to in one of the places.
+    struct Found {
+        const Place& place;
+        FieldPath path;
+    };
+
+    void resolve(size_t node, const Places& places);
+    void resolveTerm(size_t term, const Places& places);
+    Places resolveScope(size_t scope, const Places& places);
+    std::vector<Found> find(const std::vector<ExpressionWord>& path, const Places& places) const;
     bool holds(size_t node, const Tests& tests, const void* record) const;
 
     Expression expression;
-    std::unordered_map<uint32_t, Tests> testsOfTypes; ///< by record type
+    std::unordered_map<uint32_t, Tests> testsOfTypes; ///< by record type, of selected main types
     Tests noTests;
     std::bitset<TypeSelection::numbers> readTypes;
 };

@@ -109,6 +109,7 @@ private:
     size_t readAnd();
     size_t readTest();
     size_t readTerm(bool isHas);
+    size_t readAny();
     std::vector<ExpressionWord> readPath();
     Comparison readComparison();
     void readValue(ExpressionTerm& term);
@@ -192,11 +193,30 @@ size_t ExpressionParser::readTest()
         node = readOr();
         if (!skip(")"))
             fail("a closing parenthesis is expected here");
+    } else if (skipWord("any")) {
+        node = readAny();
     } else {
         node = readTerm(skipWord("has"));
     }
     --depth;
     return node;
+}
+
+size_t ExpressionParser::readAny()
+{
+    if (!skip("("))
+        fail("any is written any(Field: condition)");
+    const size_t index = result.allScopes.size();
+    result.allScopes.push_back({readPath(), result.allTerms.size(), 0, index + 1, 0});
+    if (!skip(":"))
+        fail("a colon is expected here, then what is asked of the same element");
+    const size_t node = readOr();
+    if (!skip(")"))
+        fail("a closing parenthesis is expected here");
+    ExpressionScope& scope = result.allScopes[index];
+    scope.endTerm = result.allTerms.size();
+    scope.endScope = result.allScopes.size();
+    return add(Kind::Any, node, index);
 }
 
 size_t ExpressionParser::readTerm(bool isHas)
@@ -236,9 +256,11 @@ Comparison ExpressionParser::readComparison()
     for (const auto& [symbol, comparison] : symbols)
         if (skip(symbol))
             return comparison;
+    if (skipWord("like"))
+        return Comparison::Like;
     if (text.substr(at, 1) == "=")
-        fail("equality is written ==, the others are != < <= > >=");
-    fail("a comparison is expected here: == != < <= > >=");
+        fail("equality is written ==, the others are != < <= > >= like");
+    fail("a comparison is expected here: == != < <= > >= like");
 }
 
 void ExpressionParser::readValue(ExpressionTerm& term)
@@ -254,6 +276,8 @@ void ExpressionParser::readValue(ExpressionTerm& term)
         at = end + 1;
         return;
     }
+    if (term.comparison == Comparison::Like)
+        fail("a pattern in quotes is expected here, such as 'G*'");
     size_t end = at;
     while (end < text.size() && (isLetter(text[end]) || isDigit(text[end]) || text[end] == '.' ||
                                  ((text[end] == '-' || text[end] == '+') &&

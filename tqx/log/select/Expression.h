@@ -17,7 +17,7 @@ struct ExpressionWord {
     size_t position;
 };
 
-enum class Comparison { Equal, NotEqual, Less, LessOrEqual, Greater, GreaterOrEqual, Has };
+enum class Comparison { Equal, NotEqual, Less, LessOrEqual, Greater, GreaterOrEqual, Like, Has };
 
 /// One test of a field: `path op value`, or `has path`.
 struct ExpressionTerm {
@@ -28,11 +28,22 @@ struct ExpressionTerm {
     Number number;        ///< for values without quotes
 };
 
+/// What `any` asks of the elements of a field. Terms and further ones within have consecutive
+/// numbers.
+struct ExpressionScope {
+    std::vector<ExpressionWord> path; ///< of the field, never empty
+    size_t firstTerm = 0;
+    size_t endTerm = 0;
+    size_t firstScope = 0; ///< of those within
+    size_t endScope = 0;
+};
+
 /// A condition on the fields of messages, read into a tree. The grammar, loosest binding first:
 ///
 ///     condition = both { "or" both }
 ///     both      = test { "and" test }
 ///     test      = "not" test | "(" condition ")" | "has" field | field op value
+///               | field "like" 'name' | "any" "(" field ":" condition ")"
 ///     field     = name { "." name }
 ///     op        = "==" | "!=" | "<" | "<=" | ">" | ">="
 ///     value     = number | 0x number | 'name' | "name"
@@ -41,9 +52,10 @@ struct ExpressionTerm {
 class TQX_LOG_API Expression
 {
 public:
-    /// A node; the children of And and Or are other nodes, Not has one, Term is terms()[left].
+    /// A node; the children of And and Or are other nodes, Not has one, Term is terms()[left]. Any
+    /// has one, left, for the elements of scopes()[right].
     struct Node {
-        enum class Kind { And, Or, Not, Term };
+        enum class Kind { And, Or, Not, Term, Any };
         Kind kind;
         size_t left;
         size_t right;
@@ -53,6 +65,7 @@ public:
     explicit Expression(std::string text);
 
     const std::vector<ExpressionTerm>& terms() const { return allTerms; }
+    const std::vector<ExpressionScope>& scopes() const { return allScopes; }
     const Node& node(size_t index) const { return nodes[index]; }
     size_t root() const { return nodes.size() - 1; }
 
@@ -64,6 +77,7 @@ private:
 
     std::string source;
     std::vector<ExpressionTerm> allTerms;
+    std::vector<ExpressionScope> allScopes;
     std::vector<Node> nodes; ///< children before their parents
 };
 

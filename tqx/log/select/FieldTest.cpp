@@ -4,6 +4,8 @@
 #include "tqx/log/record/MemberBits.h"
 #include "tqx/log/record/Members.h"
 #include "tqx/log/record/TypeNames.h"
+#include "tqx/log/select/Elements.h"
+#include "tqx/log/select/NamePattern.h"
 #include "tqx/log/text/Latin1.h"
 #include "tqx/log/text/PrintableText.h"
 
@@ -46,17 +48,6 @@ bool isReal(const TQX_FieldLayout& field)
     return field.type == TQX_MemberType::F32 || field.type == TQX_MemberType::F64;
 }
 
-/// How many values a record has of a field.
-uint32_t countOf(const FieldOfType& field, const void* record)
-{
-    const TQX_FieldLayout& layout = *field.layout;
-    if (layout.presence != TQX_Presence::Always && !TQX_isPresent(*field.type, layout, record))
-        return 0;
-    return field.facts().has(TQX_FieldFacts::Repeated)
-               ? TQX_elementCount(*field.type, layout, record)
-               : 1;
-}
-
 double realOf(const TQX_FieldLayout& field, const void* record, uint32_t index)
 {
     return MemberBits(field, false)
@@ -97,8 +88,9 @@ std::optional<FieldTest> FieldTest::make(const FieldPath& path, const Expression
 
 std::string FieldTest::prepareName(const std::string& name)
 {
-    if (comparison != Comparison::Equal && comparison != Comparison::NotEqual)
-        return "can be compared with a name or text by == and != only";
+    if (comparison != Comparison::Equal && comparison != Comparison::NotEqual &&
+        comparison != Comparison::Like)
+        return "can be compared with a name or text by ==, != and like only";
     if (path.field.layout->type == TQX_MemberType::Char) {
         subject = Subject::Text;
         text = withoutTrailingBlanks(name);
@@ -111,13 +103,16 @@ std::string FieldTest::prepareName(const std::string& name)
         if (TQX_isDoNotUse(*facts, value))
             continue;
         names.push_back(each.name);
-        if (equalNames(each.name, name))
+        if (comparison == Comparison::Like ? matchesPattern(each.name, name)
+                                           : equalNames(each.name, name))
             named.push_back(value);
     }
     if (!named.empty())
         return {};
     if (names.empty())
         return "has no names for its values; compare it with a number";
+    if (comparison == Comparison::Like)
+        return "has no value with a name like '" + shortened(name) + '\'';
     const std::string meant = nearest(name, names);
     return "has no value named '" + shortened(name) + '\'' +
            (meant.empty() ? "" : ", did you mean '" + meant + "'?");
@@ -137,16 +132,10 @@ std::string FieldTest::prepareNumber(const Number& value)
     return {};
 }
 
-bool FieldTest::passesBelow(const void* record, size_t depth) const
+bool FieldTest::passes(const void* record) const
 {
-    if (depth == path.through.size())
-        return passesHere(record);
-    const FieldOfType& field = path.through[depth];
-    const uint32_t count = countOf(field, record);
-    for (uint32_t i = 0; i < count; ++i)
-        if (passesBelow(TQX_element(*field.layout, record, i), depth + 1))
-            return true;
-    return false;
+    return anyElement(path.through, record,
+                      [this](const void* owner) { return passesHere(owner); });
 }
 
 bool FieldTest::passesHere(const void* record) const
@@ -166,8 +155,10 @@ bool FieldTest::passesText(const void* record) const
 {
     Buffer value;
     appendLatin1(value, textOf(*path.field.layout, record));
-    const bool isEqual = withoutTrailingBlanks(std::string(value.view())) == text;
-    return isEqual == (comparison == Comparison::Equal);
+    const std::string found = withoutTrailingBlanks(std::string(value.view()));
+    if (comparison == Comparison::Like)
+        return matchesPattern(found, text);
+    return (found == text) == (comparison == Comparison::Equal);
 }
 
 bool FieldTest::passesElement(const void* record, uint32_t index) const
@@ -185,7 +176,7 @@ bool FieldTest::passesElement(const void* record, uint32_t index) const
         return false;
     if (subject == Subject::Name)
         return (std::find(named.begin(), named.end(), value) != named.end()) ==
-               (comparison == Comparison::Equal);
+               (comparison != Comparison::NotEqual);
     return subject == Subject::Presence ||
            passesNumber(TQX_isSigned(field) ? Number::ofSigned(static_cast<int64_t>(value))
                                             : Number::ofUnsigned(value));

@@ -20,9 +20,9 @@ public:
     static std::optional<FieldTest> make(const FieldPath& path, const ExpressionTerm& term,
                                          std::string& why);
 
-    /// Whether at least one available value that the record of a main block has of the field
-    /// passes.
-    bool passes(const void* record) const { return passesBelow(record, 0); }
+    /// Whether at least one available value that a record of the type that the path begins in has
+    /// of the field passes.
+    bool passes(const void* record) const;
 
 private:
     enum class Subject { Presence, Number, Name, Text };
@@ -31,7 +31,6 @@ private:
 
     std::string prepareName(const std::string& name);
     std::string prepareNumber(const Number& value);
-    bool passesBelow(const void* record, size_t depth) const;
     bool passesHere(const void* record) const;
     bool passesText(const void* record) const;
     bool passesElement(const void* record, uint32_t index) const;

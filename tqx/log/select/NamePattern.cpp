@@ -10,6 +10,17 @@ bool isPattern(std::string_view name)
     return name.find_first_of("*?") != std::string_view::npos;
 }
 
+namespace
+{
+
+/// Whether a byte goes on with a character of UTF-8.
+bool isWithin(char byte)
+{
+    return (static_cast<unsigned char>(byte) & 0xc0U) == 0x80;
+}
+
+} // namespace
+
 // A run that was taken too short is taken one longer; only the last run needs to be tried again.
 bool matchesPattern(std::string_view name, std::string_view pattern)
 {
@@ -23,8 +34,9 @@ bool matchesPattern(std::string_view name, std::string_view pattern)
             runStart = n;
         } else if (p < pattern.size() &&
                    (pattern[p] == '?' || equalNames(name.substr(n, 1), pattern.substr(p, 1)))) {
-            ++n;
-            ++p;
+            const bool isAny = pattern[p++] == '?';
+            for (++n; isAny && n < name.size() && isWithin(name[n]);)
+                ++n;
         } else if (run != std::string_view::npos) {
             p = run + 1;
             n = ++runStart;
