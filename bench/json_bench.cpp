@@ -6,17 +6,13 @@
 #include "FieldRoles.h"
 #include "RandomBlock.h"
 #include "Turns.h"
+#include "tqx/framing/BlockFramer.h"
 #include "tqx/log/record/RecordDecoder.h"
 #include "tqx/log/write/RawJson.h"
 #include "tqx/log/write/ValueJson.h"
 #include "tqx/simulation/Simulation.h"
 
-#include "tqx/framing/BlockFramer.h"
-
 #include <nlohmann/json.hpp>
-
-#include <QFile>
-#include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
 
