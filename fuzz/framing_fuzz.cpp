@@ -1,5 +1,5 @@
 // Any bytes in any pieces: the accounting holds, every block is whole and intact, pieces do not
-// matter unless waiting candidates are doubted, nothing is left behind the end of input.
+// matter unless waiting candidates are doubted, nothing is left after the end of input.
 
 #include "FixedChecksums.h"
 #include "tqx/framing/BlockFramer.h"

@@ -7,7 +7,7 @@
 #include <QObject>
 
 /// Cuts a stream of bytes into whole TQX blocks whose checksum matches, see tqx::BlockFramer for
-/// the rules. Damage is told by signals, emitted while appendBytes, getBlockBytes and flush run;
+/// the rules. Signals report damage, emitted while appendBytes, getBlockBytes and flush run;
 /// none of it ends the work, and receivers may call back. Used by one thread at a time.
 class KORCOMM_API TqxSync : public QObject, private tqx::BlockFramer::Listener
 {

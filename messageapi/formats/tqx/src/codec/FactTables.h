@@ -20,7 +20,7 @@ struct NamedRun {
 /// TQX_TypeFacts::firstField where there is no such type.
 constexpr uint32_t noType = UINT32_MAX;
 
-extern const char texts[];         ///< one behind the other, each with its zero; the first is empty
+extern const char texts[];         ///< concatenated, each with its zero; the first is empty
 extern const double reals[];       ///< the first is 0
 extern const uint64_t integers[];  ///< the first is 0
 extern const NamedRow namedRows[]; ///< the first is of no table

@@ -89,7 +89,7 @@ struct Field {
     bool bitMask = false;    ///< representation mode 1
     bool identifies = false; ///< flag of addFieldInfo
 
-    std::string hides; ///< member of the messages' base that its getter is told to hide, or empty
+    std::string hides; ///< member of the messages' base that its getter may hide, or empty
 
     std::optional<int> toldOffset; ///< wire offset as the description tells it, to be checked
 
