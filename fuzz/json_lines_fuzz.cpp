@@ -27,6 +27,8 @@ void checkBlock(const std::vector<uint8_t>& bytes, bool mayBeAnything)
     static const tqx::FieldFilter everything;
     static tqx::RawJson json(everything);
     const tqx::Block block = {bytes.data(), static_cast<uint16_t>(bytes.size()), 0};
+    if (mayBeAnything && (bytes[0] != '$' || bytes[1] != '@'))
+        return; // no block that a stream would give; lines of fields do not bring it back
     tqx::RecordDecoder decoder;
     if (decoder.decode(block) <= 0) {
         if (!mayBeAnything)
