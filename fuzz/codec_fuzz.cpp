@@ -1,4 +1,4 @@
-// Decoding of arbitrary bytes, and encoding of what came out of it, as it is and with appended
+// Decoding of arbitrary bytes, and encoding of the result, as it is and with appended
 // elements.
 
 #include "ExactDecoder.h"

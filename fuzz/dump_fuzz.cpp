@@ -41,7 +41,7 @@ void checkParagraph(std::string_view text)
     if (hasControls(text) || text.find(" \n") != std::string_view::npos)
         fail("no clean text", text);
     const size_t end = text.find('\n');
-    // Behind the title all lines are indented, up to the empty one at the end.
+    // After the title all lines are indented, up to the empty one at the end.
     for (size_t at = end; at + 2 < text.size(); at = text.find('\n', at + 1))
         if (text.substr(at + 1, 4) != "    ")
             fail("no paragraph", text);

@@ -59,7 +59,7 @@ void fillHeap(int content)
             pieces.push_back(memoryOf(size, content));
 }
 
-/// One use of a record's memory, and what came out of it.
+/// One use of a record's memory, and its result.
 class Use
 {
 public:

@@ -8,7 +8,7 @@ class Message;
 class MessageInfo;
 class TQX_FieldInfo;
 
-/// What only the metadata knows of one field. Where it is in a record stands in the layout row of
+/// What only the metadata knows of one field. Where it is in a record is in the layout row of
 /// the same position, what its values mean in the row of facts.
 struct TQX_FieldRow {
     const char* className;                  ///< "TQX_AGCState_Gain_FieldInfo"

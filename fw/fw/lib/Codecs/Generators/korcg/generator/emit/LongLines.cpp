@@ -29,7 +29,7 @@ std::vector<bool> literalsOf(std::string_view line)
     return inside;
 }
 
-/// Where the rest of a long statement begins, or npos when it cannot be broken: behind the last
+/// Where the rest of a long statement begins, or npos when it cannot be broken: after the last
 /// mark that is outside of literals and within the width.
 size_t breakOf(std::string_view line, const std::vector<bool>& inside, size_t indent)
 {
