@@ -4,6 +4,7 @@
 #include "io/ToolError.h"
 #include "output/CsvDump.h"
 #include "output/ParallelDump.h"
+#include "output/SqliteDump.h"
 #include "tqx/log/record/FieldFilter.h"
 #include "tqx/log/write/Paragraph.h"
 #include "tqx/log/write/RawJson.h"
@@ -111,8 +112,8 @@ DumpCommand::DumpCommand(CLI::App& program)
     streams.addDamageReport(app);
     streams.addSelection(app);
     app.add_option("--format", format, "How to write them")
-        ->transform(CLI::IsMember({"text", "jsonl", "csv"}, CLI::ignore_case).description(""))
-        ->type_name("text|jsonl|csv")
+        ->transform(CLI::IsMember({"text", "jsonl", "csv", "sqlite"}, CLI::ignore_case).description(""))
+        ->type_name("text|jsonl|csv|sqlite")
         ->capture_default_str();
     app.add_flag("--raw", raw, "Values as they are stored, without scale, unit and names");
     app.add_flag("--csv-safe", csvSafe,
@@ -137,6 +138,8 @@ ExitStatus DumpCommand::run()
         throw ToolError("dump: --csv-safe goes with --format csv");
     if (format == "csv")
         return dumpCsv(streams, filter, {raw, csvSafe}, target);
+    if (format == "sqlite")
+        return dumpSqlite(streams, filter, raw, target);
     Output output(target);
     const auto makeWriter = [&]() -> std::unique_ptr<BlockWriter> {
         if (format == "text")
