@@ -57,6 +57,8 @@ public:
     /// Whether the input is read as a receiver that sends: by one thread.
     bool isLive() const { return live; }
 
+    const std::vector<std::string>& getInputs() const { return files; }
+
     /// The selection that they ask for. Throws ToolError for bad arguments.
     Selection& getSelection();
 

@@ -1,0 +1,64 @@
+#include "commands/SplitCommand.h"
+
+#include "io/Target.h"
+#include "io/ToolError.h"
+#include "options/Duration.h"
+#include "options/Numbers.h"
+
+namespace tqx::tool
+{
+
+SplitCommand::SplitCommand(CLI::App& program)
+    : Command(
+          program, "split", "Copy the blocks of a log into several files, by time or size",
+          "  tqx split --every 1h day.tqx -o hours\n"
+          "  tqx split --every 1d week.tqx.gz -o 'archive/{time}.tqx'\n"
+          "  tqx split --size 100MB log.tqx -o 'part-{number}.tqx'\n"
+          "\n"
+          "Blocks are copied byte for byte, damage and bytes between them are left out: the files\n"
+          "one after the other are the blocks of the log. They are listed on standard output.\n"
+          "\n"
+          "--every 1h begins a file with each hour of GNSS time; durations count from the "
+          "beginning\n"
+          "of GNSS time, which is to say from that of each week where they divide it. A block "
+          "whose\n"
+          "header has no time stays with the block before it, and so does one up to a minute "
+          "earlier\n"
+          "than its file, for the blocks of one epoch may have different times. Where time runs\n"
+          "back by more, a new file begins, with -2 behind a name that was used before. --size\n"
+          "begins a file before it would have more bytes than that.\n"
+          "\n"
+          "In the name of a file {number} is that of the part, {time} the GNSS time at which its\n"
+          "interval begins, as in 20260106T120000, or with --size that of its blocks, and {name} "
+          "the\n"
+          "name of the first input without extension. Files in a folder are {name}-{time}.tqx, or\n"
+          "with --size {name}-{number}.tqx. Files that exist are written anew.\n")
+{
+    m_streams.addInputs(app);
+    m_streams.addDamageReport(app);
+    CLI::Option* every = addDuration(app, "--every", m_limits.every,
+                                     "A file for each interval of GNSS time: 30s, 15min, 1h, 1d");
+    addBytes(app, "--size", m_limits.size, "Files of up to so many bytes, such as 100MB")
+        ->type_name("BYTES")
+        ->default_str("")
+        ->excludes(every);
+    app.add_option("-o,--output", m_target,
+                   "Folder, or a pattern for names of files with {number} or {time} in it; the "
+                   "current folder by default")
+        ->type_name("FOLDER|PATTERN");
+}
+
+ExitStatus SplitCommand::run()
+{
+    if (m_limits.every == 0 && m_limits.size == 0)
+        throw ToolError("split: --every or --size says where to split (see tqx help split)");
+    const std::vector<std::string>& inputs = m_streams.getInputs();
+    refuseUnreadable(inputs);
+    PartNames names(m_target, m_limits.every != 0 ? "{name}-{time}.tqx" : "{name}-{number}.tqx",
+                    stemOf(inputs.front()));
+    Output list;
+    PartFiles parts(m_limits, names, inputs, list);
+    return m_streams.read(parts, parts);
+}
+
+} // namespace tqx::tool
