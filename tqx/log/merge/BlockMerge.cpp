@@ -12,7 +12,8 @@ namespace tqx
 namespace
 {
 
-constexpr GnssMillis longestDisorder = 60000; // milliseconds
+constexpr GnssMillis longestDisorder = 60000;  // milliseconds
+constexpr size_t mostHeld = size_t{16} << 20U; // bytes
 
 /// One stream, block by block, with the time that each is sorted by.
 class Input
@@ -71,7 +72,6 @@ bool Input::isDoubtful(const std::optional<GnssMillis>& time) const
 /// at the start of the one after it, is taken to be wrong about it and stays where it is.
 void Input::readAfterJump(std::optional<GnssMillis> time)
 {
-    constexpr size_t mostHeld = size_t{16} << 20U;
     const bool hadTime = m_hasTime;
     const size_t first = m_held.size();
     std::optional<GnssMillis> after;
@@ -99,7 +99,7 @@ void Input::read()
     m_heldBytes = 0;
     m_hasBlock = m_stream->next(m_block);
     std::optional<GnssMillis> time = m_hasBlock ? m_block.getTime() : std::nullopt;
-    if (m_hasBlock && isDoubtful(time)) {
+    while (m_hasBlock && isDoubtful(time) && m_heldBytes < mostHeld) {
         readAfterJump(time);
         time = m_hasBlock ? m_block.getTime() : std::nullopt;
     }
