@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace tqx::tool
@@ -31,7 +32,8 @@ bool PartFiles::beginsPart(const std::optional<GnssMillis>& time, size_t size) c
         return m_bytes + size > m_limits.size;
     if (!time)
         return false;
-    return !m_start || *time >= *m_start + m_limits.every || *time + longestDisorder < *m_start;
+    return !m_start || *time >= *m_start + m_limits.every ||
+           (*time < *m_start && *time + longestDisorder < m_latest);
 }
 
 void PartFiles::begin(const std::optional<GnssMillis>& time)
@@ -63,14 +65,17 @@ void PartFiles::take(BlockStream&, const Block& block)
 {
     const auto* bytes = reinterpret_cast<const char*>(block.data);
     const std::optional<GnssMillis> time = block.getTime();
-    if (time)
+    const bool isNew = beginsPart(time, block.size);
+    if (time) {
         m_time = time;
+        m_latest = isNew ? *time : std::max(m_latest, *time);
+    }
     if (m_limits.every != 0 && !m_part && !m_time && m_held.size() < mostHeld) {
         m_held.append(bytes, block.size);
         ++m_heldBlocks;
         return;
     }
-    if (beginsPart(time, block.size))
+    if (isNew)
         begin(m_time);
     appendHeld();
     append(bytes, block.size, 1);

@@ -52,6 +52,7 @@ private:
     uint64_t m_bytes = 0;              ///< in it
     std::optional<GnssMillis> m_start; ///< of its interval
     std::optional<GnssMillis> m_time;  ///< of the last block that had one
+    GnssMillis m_latest = 0;           ///< in the part
     std::string m_held;                ///< blocks before any time, until a part has a name for them
     uint64_t m_heldBlocks = 0;
 };
