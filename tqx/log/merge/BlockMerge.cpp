@@ -74,19 +74,19 @@ void Input::readAfterJump(std::optional<GnssMillis> time)
 {
     const bool hadTime = m_hasTime;
     const size_t first = m_held.size();
-    std::optional<GnssMillis> after;
+    GnssMillis after = 0; // 0 until there is a second time
     do {
         hold();
         m_hasBlock = m_stream->next(m_block);
-        after = m_hasBlock ? m_block.getTime() : std::nullopt;
-        if (!time && after) {
-            time = after; // the first of all
-            after.reset();
-        }
-    } while (m_hasBlock && !after && m_heldBytes < mostHeld);
-    if (time && after && *after + longestDisorder < *time &&
-        (!hadTime || *after + longestDisorder >= m_place))
-        time = hadTime ? m_place : *after;
+        const std::optional<GnssMillis> next = m_hasBlock ? m_block.getTime() : std::nullopt;
+        if (time)
+            after = next.value_or(0);
+        else
+            time = next;
+    } while (m_hasBlock && after == 0 && m_heldBytes < mostHeld);
+    if (time && after != 0 && after + longestDisorder < *time &&
+        (!hadTime || after + longestDisorder >= m_place))
+        time = hadTime ? m_place : after;
     if (time)
         m_place = *time;
     m_hasTime = m_hasTime || time;
