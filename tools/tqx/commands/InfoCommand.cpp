@@ -1,8 +1,14 @@
 #include "commands/InfoCommand.h"
 
 #include "io/Output.h"
+#include "io/Terminal.h"
+#include "output/SummaryTable.h"
 #include "output/SummaryText.h"
 #include "tqx/log/summary/StreamSummary.h"
+
+#include <functional>
+#include <memory>
+#include <utility>
 
 namespace tqx::tool
 {
@@ -10,62 +16,101 @@ namespace tqx::tool
 namespace
 {
 
+using Show = std::function<void(const InputStream&, const StreamSummary&)>;
+
 class Summarizer : public BlockConsumer
 {
 public:
-    Summarizer(Buffer& buffer, bool asJson) : out(buffer), json(asJson) {}
+    explicit Summarizer(Show show) : m_show(std::move(show)) {}
 
     void begin(InputStream& stream) override
     {
-        stream.setGapListener([this](const StreamGap& gap) { summary.addDamage(gap); });
+        stream.setGapListener([this](const StreamGap& gap) { m_summary.addDamage(gap); });
         stream.setNeighbourListener(
-            [this](const Neighbour& neighbour) { summary.addNeighbour(neighbour); });
+            [this](const Neighbour& neighbour) { m_summary.addNeighbour(neighbour); });
     }
-    void take(BlockStream& stream, const Block& block) override { summary.add(stream, block); }
+    void take(BlockStream& stream, const Block& block) override { m_summary.add(stream, block); }
     void end(InputStream& stream) override
     {
-        if (stream.hasFailed() && stream.getCounts().bytes == 0)
-            return;
-        if (json)
-            appendSummaryJson(out, stream, summary);
-        else
-            appendSummaryText(out, stream, summary);
+        if (!stream.hasFailed() || stream.getCounts().bytes != 0)
+            m_show(stream, m_summary);
     }
 
 private:
-    Buffer& out;
-    bool json;
-    StreamSummary summary;
+    Show m_show;
+    StreamSummary m_summary;
 };
 
 } // namespace
 
 InfoCommand::InfoCommand(CLI::App& program)
-    : Command(program, "info", "Show what a stream holds: types, times, rates, damage",
-              "  tqx info log.tqx\n"
-              "  tqx info day1.tqx day2.tqx\n"
-              "  tqx info --json *.tqx | jq .crcErrors\n"
-              "\n"
-              "Several files are summed up as one stream. The text shows the first ten places of\n"
-              "damage, JSON the first thousand, likewise of blocks that do not decode or have an\n"
-              "unknown number. A gap is an interval of at least one and a half times the one at\n"
-              "which a type usually comes, an outage is one in which blocks of no type come; JSON\n"
-              "lists the first 100,000 of each with their starts. First and last are the earliest\n"
-              "and the latest time. Time runs back where a block is earlier than the one of its\n"
-              "type before it; an epoch is repeated when blocks of a type come with a time that\n"
-              "blocks of that type had before. NMEA sentences, RTCM 3 frames and text between the\n"
-              "blocks are counted apart and are no damage. Under --limit the bytes are those that\n"
-              "were read so far, in pieces.\n")
+    : Command(
+          program, "info", "Show what a stream holds: types, times, rates, damage",
+          "  tqx info log.tqx\n"
+          "  tqx info day1.tqx day2.tqx\n"
+          "  tqx info --json *.tqx | jq .crcErrors\n"
+          "  tqx info --each monday.tqx tuesday.tqx\n"
+          "\n"
+          "Several files are summed up as one stream, unless --each compares them: a column for\n"
+          "each, with the blocks of each type, their rate and gaps in it. The text shows the first "
+          "ten places of\n"
+          "damage, JSON the first thousand, likewise of blocks that do not decode or have an\n"
+          "unknown number. A gap is an interval of at least one and a half times the one at\n"
+          "which a type usually comes, an outage is one in which blocks of no type come; JSON\n"
+          "lists the first 100,000 of each with their starts. First and last are the earliest\n"
+          "and the latest time. Time runs back where a block is earlier than the one of its\n"
+          "type before it; an epoch is repeated when blocks of a type come with a time that\n"
+          "blocks of that type had before. NMEA sentences, RTCM 3 frames and text between the\n"
+          "blocks are counted apart and are no damage. Under --limit the bytes are those that\n"
+          "were read so far, in pieces.\n")
 {
     streams.addInputs(app);
     streams.addSelection(app);
     app.add_flag("--json", json, "A JSON object instead of text");
+    app.add_flag(
+        "--each", isEach,
+        "Each file as a stream of its own, side by side: a column for each, or with --json "
+        "an array of objects");
+}
+
+/// The logs side by side.
+ExitStatus InfoCommand::showEach(Output& output)
+{
+    SummaryTable table;
+    Buffer object;
+    bool hasObjects = false;
+    const auto makeSummarizer = [&] {
+        return std::make_unique<Summarizer>(
+            [&](const InputStream& stream, const StreamSummary& summary) {
+                if (!json)
+                    return table.add(stream, summary);
+                object.clear();
+                appendSummaryJson(object, stream, summary);
+                output.getBuffer().append(hasObjects ? "," : "[");
+                output.getBuffer().append(object.view());
+                hasObjects = true;
+            });
+    };
+    const ExitStatus status = streams.readEach(makeSummarizer, output);
+    if (json)
+        output.getBuffer().append(hasObjects ? "]\n" : "[]\n");
+    else
+        table.append(output.getBuffer(), outputWidth());
+    output.flush();
+    return status;
 }
 
 ExitStatus InfoCommand::run()
 {
     Output output;
-    Summarizer summarizer(output.getBuffer(), json);
+    if (isEach)
+        return showEach(output);
+    Summarizer summarizer([&](const InputStream& stream, const StreamSummary& summary) {
+        if (json)
+            appendSummaryJson(output.getBuffer(), stream, summary);
+        else
+            appendSummaryText(output.getBuffer(), stream, summary);
+    });
     return streams.read(summarizer, output);
 }
 

@@ -6,6 +6,8 @@
 namespace tqx::tool
 {
 
+class Output;
+
 /// `tqx info`: what a stream holds.
 class InfoCommand : public Command
 {
@@ -14,8 +16,11 @@ public:
     ExitStatus run() override;
 
 private:
+    ExitStatus showEach(Output& output);
+
     StreamOptions streams;
     bool json = false;
+    bool isEach = false;
 };
 
 } // namespace tqx::tool

@@ -1,11 +1,12 @@
 #include "options/StreamOptions.h"
 
+#include "io/Interrupt.h"
 #include "io/Sink.h"
 #include "io/Target.h"
 #include "io/Words.h"
+#include "options/NoBlocks.h"
 #include "options/Numbers.h"
 #include "tqx/log/record/TypeNames.h"
-#include "tqx/log/stream/ContentGuess.h"
 
 #include <fmt/format.h>
 
@@ -112,24 +113,23 @@ ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
     const bool damaged = strict && stream.getCounts().isDamaged();
     const ExitStatus status = worse(stream.hasFailed() ? ExitStatus::Failed : ExitStatus::Done,
                                     damaged ? ExitStatus::Damaged : ExitStatus::Done);
-    return worse(status, reportNoBlocks(stream));
+    return worse(status, reportNoBlocks(stream, quiet));
 }
 
-/// Says what inputs without blocks seem to be.
-ExitStatus StreamOptions::reportNoBlocks(const InputStream& stream) const
+ExitStatus
+StreamOptions::readEach(const std::function<std::unique_ptr<BlockConsumer>()>& makeConsumer,
+                        Sink& output)
 {
+    const std::vector<std::string> all = files;
     ExitStatus status = ExitStatus::Done;
-    if (stream.getCounts().blocks != 0 || stream.isInterrupted())
-        return status;
-    for (const InputSequence::Head& head : stream.getHeads()) {
-        const Content content = guessContent(head.bytes.data(), head.bytes.size());
-        const bool isFailure = !isReceiverOutput(content);
-        if (isFailure || !quiet)
-            words::say(fmt::format("{}: holds no TQX blocks, it seems to be {}", head.name,
-                                   describeContent(content)));
-        if (isFailure)
-            status = ExitStatus::Failed;
+    for (const std::string& file : all) {
+        if (interrupt::hasCome())
+            break;
+        files = {file};
+        selection.reset();
+        status = worse(status, read(*makeConsumer(), output));
     }
+    files = all;
     return status;
 }
 

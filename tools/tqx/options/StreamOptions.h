@@ -6,6 +6,8 @@
 
 #include <CLI/App.hpp>
 
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -79,9 +81,12 @@ public:
     /// cannot be written, ClosedPipe when nobody reads it.
     ExitStatus read(BlockConsumer& consumer, Sink& output);
 
-private:
-    ExitStatus reportNoBlocks(const InputStream& stream) const;
+    /// Hands the inputs to `makeConsumer` one by one, each as a stream of its own, from which
+    /// blocks are selected as if there were no other. Returns the gravest of what read() does.
+    ExitStatus readEach(const std::function<std::unique_ptr<BlockConsumer>()>& makeConsumer,
+                        Sink& output);
 
+private:
     std::vector<std::string> files;
     SelectionOptions selections;
     std::optional<Selection> selection;

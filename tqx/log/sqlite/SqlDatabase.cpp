@@ -101,8 +101,9 @@ public:
     Database(const std::string& path, std::string name) : m_name(std::move(name))
     {
         sqlite3* database = nullptr;
-        const int result = sqlite3_open_v2(path.c_str(), &database,
-                                           SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+        const int result = sqlite3_open_v2(
+            path.c_str(), &database,
+            SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
         m_database.reset(database);
         if (result != SQLITE_OK)
             fail(m_name, database, result);
