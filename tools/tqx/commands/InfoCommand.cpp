@@ -51,26 +51,28 @@ InfoCommand::InfoCommand(CLI::App& program)
           "  tqx info --json *.tqx | jq .crcErrors\n"
           "  tqx info --each monday.tqx tuesday.tqx\n"
           "\n"
-          "Several files are summed up as one stream, unless --each compares them: a column for\n"
-          "each, with the blocks of each type, their rate and gaps in it. The text shows the first "
-          "ten places of\n"
-          "damage, JSON the first thousand, likewise of blocks that do not decode or have an\n"
-          "unknown number. A gap is an interval of at least one and a half times the one at\n"
-          "which a type usually comes, an outage is one in which blocks of no type come; JSON\n"
-          "lists the first 100,000 of each with their starts. First and last are the earliest\n"
-          "and the latest time. Time runs back where a block is earlier than the one of its\n"
-          "type before it; an epoch is repeated when blocks of a type come with a time that\n"
-          "blocks of that type had before. NMEA sentences, RTCM 3 frames and text between the\n"
-          "blocks are counted apart and are no damage. Under --limit the bytes are those that\n"
-          "were read so far, in pieces.\n")
+          "Several files are summed up as one stream. With --each every file is one of its own, "
+          "and\n"
+          "has a column in which the blocks of each type are counted, with their rate and gaps.\n"
+          "\n"
+          "The text shows the first ten places of damage, JSON the first thousand, likewise of\n"
+          "blocks that do not decode or have an unknown number. A gap is an interval of at least\n"
+          "one and a half times the one at which a type usually comes, an outage is one in which\n"
+          "blocks of no type come; JSON lists the first 100,000 of each with their starts. First\n"
+          "and last are the earliest and the latest time. Time runs back where a block is earlier\n"
+          "than the one of its type before it; an epoch is repeated when blocks of a type come "
+          "with\n"
+          "a time that blocks of that type had before. NMEA sentences, RTCM 3 frames and text\n"
+          "between the blocks are counted apart and are no damage. Under --limit the bytes are "
+          "those\n"
+          "that were read so far, in pieces.\n")
 {
-    streams.addInputs(app);
-    streams.addSelection(app);
-    app.add_flag("--json", json, "A JSON object instead of text");
-    app.add_flag(
-        "--each", isEach,
-        "Each file as a stream of its own, side by side: a column for each, or with --json "
-        "an array of objects");
+    m_streams.addInputs(m_app);
+    m_streams.addSelection(m_app);
+    m_app.add_flag("--json", m_json, "A JSON object instead of text");
+    m_app.add_flag(
+        "--each", m_isEach,
+        "Compare files side by side: a column for each, or with --json an array of objects");
 }
 
 /// The logs side by side.
@@ -82,7 +84,7 @@ ExitStatus InfoCommand::showEach(Output& output)
     const auto makeSummarizer = [&] {
         return std::make_unique<Summarizer>(
             [&](const InputStream& stream, const StreamSummary& summary) {
-                if (!json)
+                if (!m_json)
                     return table.add(stream, summary);
                 object.clear();
                 appendSummaryJson(object, stream, summary);
@@ -91,8 +93,8 @@ ExitStatus InfoCommand::showEach(Output& output)
                 hasObjects = true;
             });
     };
-    const ExitStatus status = streams.readEach(makeSummarizer, output);
-    if (json)
+    const ExitStatus status = m_streams.readEach(makeSummarizer, output);
+    if (m_json)
         output.getBuffer().append(hasObjects ? "]\n" : "[]\n");
     else
         table.append(output.getBuffer(), outputWidth());
@@ -103,15 +105,15 @@ ExitStatus InfoCommand::showEach(Output& output)
 ExitStatus InfoCommand::run()
 {
     Output output;
-    if (isEach)
+    if (m_isEach)
         return showEach(output);
     Summarizer summarizer([&](const InputStream& stream, const StreamSummary& summary) {
-        if (json)
+        if (m_json)
             appendSummaryJson(output.getBuffer(), stream, summary);
         else
             appendSummaryText(output.getBuffer(), stream, summary);
     });
-    return streams.read(summarizer, output);
+    return m_streams.read(summarizer, output);
 }
 
 } // namespace tqx::tool

@@ -18,9 +18,9 @@ public:
 private:
     ExitStatus showEach(Output& output);
 
-    StreamOptions streams;
-    bool json = false;
-    bool isEach = false;
+    StreamOptions m_streams;
+    bool m_json = false;
+    bool m_isEach = false;
 };
 
 } // namespace tqx::tool

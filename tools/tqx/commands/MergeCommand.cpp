@@ -37,16 +37,17 @@ MergeCommand::MergeCommand(CLI::App& program)
           "the result runs back as well, and what was written before is not recognised when it\n"
           "comes again. Merge the parts of such a log, which split makes.\n")
 {
-    app.add_option("FILE", m_files,
-                   "Files to merge, also compressed with gzip or zstd; - is standard input")
+    m_app
+        .add_option("FILE", m_files,
+                    "Files to merge, also compressed with gzip or zstd; - is standard input")
         ->required()
         ->type_name("");
-    app.add_flag("--strict", m_isStrict, "Exit with status 2 when an input is damaged");
-    app.add_flag("-q,--quiet", m_isQuiet,
-                 "Show no progress and do not report damage on standard error");
-    app.add_flag("-v,--verbose", m_isVerbose,
-                 "Name every damaged place on standard error, not only the first ten");
-    app.add_option("-o,--output", m_target, "File to write instead of standard output")
+    m_app.add_flag("--strict", m_isStrict, "Exit with status 2 when an input is damaged");
+    m_app.add_flag("-q,--quiet", m_isQuiet,
+                   "Show no progress and do not report damage on standard error");
+    m_app.add_flag("-v,--verbose", m_isVerbose,
+                   "Name every damaged place on standard error, not only the first ten");
+    m_app.add_option("-o,--output", m_target, "File to write instead of standard output")
         ->type_name("FILE");
 }
 

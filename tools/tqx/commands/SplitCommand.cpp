@@ -36,17 +36,18 @@ SplitCommand::SplitCommand(CLI::App& program)
           "name of the first input without extension. Files in a folder are {name}-{time}.tqx, or\n"
           "with --size {name}-{number}.tqx. Files that exist are written anew.\n")
 {
-    m_streams.addInputs(app);
-    m_streams.addDamageReport(app);
-    CLI::Option* every = addDuration(app, "--every", m_limits.every,
+    m_streams.addInputs(m_app);
+    m_streams.addDamageReport(m_app);
+    CLI::Option* every = addDuration(m_app, "--every", m_limits.every,
                                      "A file for each interval of GNSS time: 30s, 15min, 1h, 1d");
-    addBytes(app, "--size", m_limits.size, "Files of up to so many bytes, such as 100MB")
+    addBytes(m_app, "--size", m_limits.size, "Files of up to so many bytes, such as 100MB")
         ->type_name("BYTES")
         ->default_str("")
         ->excludes(every);
-    app.add_option("-o,--output", m_target,
-                   "Folder, or a pattern for names of files with {number} or {time} in it; the "
-                   "current folder by default")
+    m_app
+        .add_option("-o,--output", m_target,
+                    "Folder, or a pattern for names of files with {number} or {time} in it; the "
+                    "current folder by default")
         ->type_name("FOLDER|PATTERN");
 }
 

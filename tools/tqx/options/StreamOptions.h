@@ -49,7 +49,7 @@ public:
     /// Adds the arguments that choose blocks.
     void addSelection(CLI::App& command)
     {
-        selections.addTypes(command);
+        m_selections.addTypes(command);
         addConditions(command);
     }
 
@@ -57,9 +57,9 @@ public:
     void addConditions(CLI::App& command);
 
     /// Whether the input is read as a receiver that sends: by one thread.
-    bool isLive() const { return live; }
+    bool isLive() const { return m_live; }
 
-    const std::vector<std::string>& getInputs() const { return files; }
+    const std::vector<std::string>& getInputs() const { return m_files; }
 
     /// The selection that they ask for. Throws ToolError for bad arguments.
     Selection& getSelection();
@@ -87,15 +87,15 @@ public:
                         Sink& output);
 
 private:
-    std::vector<std::string> files;
-    SelectionOptions selections;
-    std::optional<Selection> selection;
-    uint64_t limit = 0; ///< 0 for none
-    bool strict = false;
-    bool quiet = false;
-    bool live = false;
-    double pause = 1; ///< seconds
-    bool verbose = false;
+    std::vector<std::string> m_files;
+    SelectionOptions m_selections;
+    std::optional<Selection> m_selection;
+    uint64_t m_limit = 0; ///< 0 for none
+    bool m_strict = false;
+    bool m_quiet = false;
+    bool m_live = false;
+    double m_pause = 1; ///< seconds
+    bool m_verbose = false;
 };
 
 } // namespace tqx::tool
