@@ -33,7 +33,7 @@ Bytes blocksOf(const std::string& words)
         if (word.empty())
             continue;
         const bool isTimed = word.front() != '~';
-        const auto number = static_cast<uint16_t>(word.back());
+        const auto number = static_cast<uint16_t>(static_cast<unsigned char>(word.back()));
         const uint32_t tow = isTimed ? static_cast<uint32_t>(std::stoul(word)) * 1000 : unsetTow;
         bytes = bytes + timedBlock(number, tow, isTimed ? week : 0xffff);
     }
@@ -48,6 +48,17 @@ std::string wordOf(const Block& block)
     return when + static_cast<char>(block.getNumber());
 }
 
+struct Log {
+    explicit Log(const std::string& words)
+        : bytes(blocksOf(words)), source(bytes.data(), bytes.size()), stream(source)
+    {
+    }
+
+    Bytes bytes;
+    MemorySource source;
+    BlockStream stream;
+};
+
 struct Merged {
     std::string words;
     uint64_t duplicates = 0;
@@ -56,15 +67,10 @@ struct Merged {
 
 Merged merge(const std::vector<std::string>& logs)
 {
-    std::deque<Bytes> bytes;
-    std::deque<MemorySource> sources;
-    std::deque<BlockStream> streams;
+    std::deque<Log> opened;
     std::vector<BlockStream*> inputs;
-    for (const std::string& log : logs) {
-        bytes.push_back(blocksOf(log));
-        sources.emplace_back(bytes.back().data(), bytes.back().size());
-        inputs.push_back(&streams.emplace_back(sources.back()));
-    }
+    for (const std::string& log : logs)
+        inputs.push_back(&opened.emplace_back(log).stream);
     Merged merged;
     BlockMerge blocks(inputs);
     blocks.setStepBackListener([&](const BlockMerge::StepBack& step) {

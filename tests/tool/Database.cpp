@@ -60,8 +60,9 @@ std::vector<DatabaseRow> Database::query(const std::string& text) const
 std::vector<std::string> Database::texts(const std::string& text) const
 {
     std::vector<std::string> found;
-    for (const DatabaseRow& row : query(text))
+    for (const DatabaseRow& row : query(text)) {
         found.push_back(row.begin()->second.is_string() ? row.begin()->second.get<std::string>()
                                                         : row.begin()->second.dump());
+    }
     return found;
 }

@@ -45,17 +45,18 @@ bool isSame(const json& cell, const json& value)
         return cell.is_string() && json::parse(cell.get<std::string>()) == value;
     if (value.is_number() && cell.is_string()) // a code without name, or 2^63 or more
         return cell == value.dump();
-    if (value.is_number() && cell.is_number_float())
+    if (value.is_number() && cell.is_number_float()) {
         return cell == value.get<double>() ||
                cell.get<float>() == value.get<float>(); // the shortest text of 32 bits
+    }
     return cell == value && cell.type() != json::value_t::number_float;
 }
 
 /// The tables of a database, read row by row beside the JSON of their messages.
-class Tables
+class DatabaseTables
 {
 public:
-    Tables(const Database& database, bool isStored) : m_isStored(isStored)
+    DatabaseTables(const Database& database, bool isStored) : m_isStored(isStored)
     {
         for (const DatabaseRow& row : database.query("SELECT * FROM tqx_tables")) {
             const std::string name = row.at("table_name");
@@ -63,9 +64,10 @@ public:
             table.rows = database.query("SELECT * FROM \"" + name + "\" ORDER BY id");
             EXPECT_EQ(row.at("row_count"), table.rows.size()) << name;
             for (const DatabaseRow& column :
-                 database.query("SELECT * FROM tqx_columns WHERE table_name = '" + name + "'"))
+                 database.query("SELECT * FROM tqx_columns WHERE table_name = '" + name + "'")) {
                 if (!column.at("field").is_null())
                     table.columns[column.at("field")] = column.at("column_name");
+            }
         }
     }
 
@@ -94,9 +96,10 @@ public:
 
     bool areRead() const
     {
-        for (const auto& [name, table] : m_tables)
+        for (const auto& [name, table] : m_tables) {
             if (table.next != table.rows.size())
                 return false;
+        }
         return !m_tables.empty();
     }
 
@@ -182,7 +185,7 @@ TEST_P(SqliteTest, HoldsEveryCellOfEveryType)
     EXPECT_EQ(run.words + run.output, "");
 
     const Database database(path);
-    Tables tables(database, GetParam());
+    DatabaseTables tables(database, GetParam());
     std::vector<DatabaseRow> others = database.query("SELECT * FROM tqx_other_blocks ORDER BY id");
     size_t otherCount = 0;
     size_t id = 0;
@@ -277,10 +280,9 @@ TEST(SqliteDump, KeepsWhatIsThereUntilItIsComplete)
     }
     // A file that may not grow is as good as a full disk.
     QProcess shell;
-    shell.start("sh", {"-c",
-                       "trap '' XFSZ; ulimit -f 64; exec \"$0\" dump --format sqlite "
-                       "-o \"$1\" \"$2\"",
-                       TQX_TOOL, target, QString::fromStdString(source)});
+    const QString script =
+        "trap '' XFSZ; ulimit -f 64; exec \"$0\" dump --format sqlite -o \"$1\" \"$2\"";
+    shell.start("sh", {"-c", script, TQX_TOOL, target, QString::fromStdString(source)});
     ASSERT_TRUE(shell.waitForFinished());
     EXPECT_EQ(shell.exitCode(), 1);
     EXPECT_EQ(shell.readAllStandardError().toStdString(),

@@ -94,10 +94,11 @@ ExitStatus InfoCommand::showEach(Output& output)
             });
     };
     const ExitStatus status = m_streams.readEach(makeSummarizer, output);
-    if (m_json)
+    if (m_json) {
         output.getBuffer().append(hasObjects ? "]\n" : "[]\n");
-    else
+    } else {
         table.append(output.getBuffer(), outputWidth());
+    }
     output.flush();
     return status;
 }
@@ -108,10 +109,11 @@ ExitStatus InfoCommand::run()
     if (m_isEach)
         return showEach(output);
     Summarizer summarizer([&](const InputStream& stream, const StreamSummary& summary) {
-        if (m_json)
+        if (m_json) {
             appendSummaryJson(output.getBuffer(), stream, summary);
-        else
+        } else {
             appendSummaryText(output.getBuffer(), stream, summary);
+        }
     });
     return m_streams.read(summarizer, output);
 }

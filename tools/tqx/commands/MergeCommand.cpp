@@ -14,7 +14,7 @@ namespace tqx::tool
 
 MergeCommand::MergeCommand(CLI::App& program)
     : Command(
-          program, "merge", "Copy the blocks of several logs into one, in the order of their times",
+          program, "merge", "Merge logs by time, without what comes twice",
           "  tqx merge morning.tqx noon.tqx evening.tqx -o day.tqx\n"
           "  tqx merge receiver/*.tqx.gz | tqx info -\n"
           "\n"
@@ -68,12 +68,13 @@ void MergeCommand::merge(std::deque<InputStream>& streams, Output& output,
         inputs.push_back(&stream);
     BlockMerge merged(inputs);
     merged.setStepBackListener([&](const BlockMerge::StepBack& step) {
-        if (!m_isQuiet && limit.admits())
+        if (!m_isQuiet && limit.admits()) {
             words::sayAt(streams[step.input].getName(), step.block.offset,
                          fmt::format("time runs back by {:.3f} s; blocks from here on are sorted "
                                      "in from {} on",
                                      static_cast<double>(step.millis) * 1e-3,
                                      timeText(*step.block.getTime())));
+        }
     });
     Progress progress(m_files, !m_isQuiet);
     std::vector<uint64_t> read(streams.size());
@@ -98,10 +99,11 @@ ExitStatus MergeCommand::rate(const std::deque<InputStream>& streams) const
 {
     ExitStatus status = ExitStatus::Done;
     for (const InputStream& stream : streams) {
-        if (stream.hasFailed())
+        if (stream.hasFailed()) {
             status = ExitStatus::Failed;
-        else if (stream.getCounts().bytes == 0 && !m_isQuiet)
+        } else if (stream.getCounts().bytes == 0 && !m_isQuiet) {
             words::say(stream.getNames().front() + ": empty");
+        }
         if (m_isStrict && stream.getCounts().isDamaged())
             status = worse(status, ExitStatus::Damaged);
         status = worse(status, reportNoBlocks(stream, m_isQuiet));
@@ -124,12 +126,14 @@ ExitStatus MergeCommand::run()
     if (limit.getOthers() != 0 && !m_isQuiet)
         words::say(fmt::format("{} more places like these (-v names them all)", limit.getOthers()));
     uint64_t neighbourBytes = 0;
-    for (const InputStream& stream : streams)
+    for (const InputStream& stream : streams) {
         for (const NeighbourCount& count : stream.getCounts().neighbours)
             neighbourBytes += count.bytes;
-    if (neighbourBytes != 0 && !m_isQuiet)
+    }
+    if (neighbourBytes != 0 && !m_isQuiet) {
         words::say(fmt::format("{} bytes of other messages between the blocks were left out",
                                neighbourBytes));
+    }
     return rate(streams);
 }
 

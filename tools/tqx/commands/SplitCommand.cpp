@@ -10,7 +10,7 @@ namespace tqx::tool
 
 SplitCommand::SplitCommand(CLI::App& program)
     : Command(
-          program, "split", "Copy the blocks of a log into several files, by time or size",
+          program, "split", "Split a log into files, by time or size",
           "  tqx split --every 1h day.tqx -o hours\n"
           "  tqx split --every 1d week.tqx.gz -o 'archive/{time}.tqx'\n"
           "  tqx split --size 100MB log.tqx -o 'part-{number}.tqx'\n"

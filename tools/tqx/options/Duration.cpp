@@ -30,14 +30,16 @@ uint64_t durationMillis(std::string_view text)
     const auto* unit = std::find_if(std::begin(units), std::end(units), [&](const Unit& candidate) {
         return equalNames(name, candidate.name);
     });
-    if (unit == std::end(units) || digits == 0)
+    if (unit == std::end(units) || digits == 0) {
         throw DataError(fmt::format("'{}' is not a duration, such as 30s, 15min, 1h or 1d",
                                     shortened(text, longestShown)));
+    }
     const double millis = numbers::real(text.substr(0, digits), 0, longest) * unit->millis;
     const double whole = std::round(millis);
-    if (whole < 1 || whole > longest || std::fabs(millis - whole) > 1e-6 * whole)
+    if (whole < 1 || whole > longest || std::fabs(millis - whole) > 1e-6 * whole) {
         throw DataError(fmt::format("'{}' is not 1 ms to 3650 d in whole milliseconds",
                                     shortened(text, longestShown)));
+    }
     return static_cast<uint64_t>(whole);
 }
 

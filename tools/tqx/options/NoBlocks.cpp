@@ -16,9 +16,10 @@ ExitStatus reportNoBlocks(const InputStream& stream, bool isQuiet)
     for (const InputSequence::Head& head : stream.getHeads()) {
         const Content content = guessContent(head.bytes.data(), head.bytes.size());
         const bool isFailure = !isReceiverOutput(content);
-        if (isFailure || !isQuiet)
+        if (isFailure || !isQuiet) {
             words::say(fmt::format("{}: holds no TQX blocks, it seems to be {}", head.name,
                                    describeContent(content)));
+        }
         if (isFailure)
             status = ExitStatus::Failed;
     }

@@ -36,7 +36,7 @@ bool PartFiles::beginsPart(const std::optional<GnssMillis>& time, size_t size) c
            (*time < *m_start && *time + longestDisorder < m_latest);
 }
 
-void PartFiles::begin(const std::optional<GnssMillis>& time)
+void PartFiles::open(const std::optional<GnssMillis>& time)
 {
     close();
     m_start = time;
@@ -76,7 +76,7 @@ void PartFiles::take(BlockStream&, const Block& block)
         return;
     }
     if (isNew)
-        begin(m_time);
+        open(m_time);
     appendHeld();
     append(bytes, block.size, 1);
 }
@@ -96,7 +96,7 @@ void PartFiles::close()
 void PartFiles::end(InputStream&)
 {
     if (m_heldBlocks != 0) {
-        begin(std::nullopt);
+        open(std::nullopt);
         appendHeld();
     }
     close();

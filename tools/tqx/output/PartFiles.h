@@ -37,7 +37,7 @@ public:
 
 private:
     bool beginsPart(const std::optional<GnssMillis>& time, size_t size) const;
-    void begin(const std::optional<GnssMillis>& time);
+    void open(const std::optional<GnssMillis>& time);
     void append(const char* bytes, size_t size, uint64_t blocks);
     void appendHeld();
     void close();

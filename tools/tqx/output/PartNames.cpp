@@ -22,9 +22,10 @@ namespace
 std::string plainTime(GnssMillis time)
 {
     std::string plain;
-    for (const char character : dateText(time))
+    for (const char character : dateText(time)) {
         if (character != '-' && character != ':')
             plain += character;
+    }
     constexpr std::string_view none = ".000";
     const size_t point = plain.size() - none.size();
     return plain.substr(point) == none ? plain.substr(0, point) : plain;
@@ -41,14 +42,15 @@ std::string filledIn(const std::string& pattern, const std::string& name, unsign
         }
         const size_t end = pattern.find('}', i);
         const std::string key = pattern.substr(i, end == std::string::npos ? end : end - i + 1);
-        if (key == "{name}")
+        if (key == "{name}") {
             text += name;
-        else if (key == "{number}")
+        } else if (key == "{number}") {
             text += fmt::format("{:04}", number);
-        else if (key == "{time}")
+        } else if (key == "{time}") {
             text += time;
-        else
+        } else {
             throw ToolError(pattern + ": " + key + " is none of {number}, {time} and {name}");
+        }
         i = end;
     }
     return text;
@@ -61,9 +63,10 @@ PartNames::PartNames(const std::string& target, std::string pattern, std::string
 {
     if (target.find('{') != std::string::npos) {
         m_pattern = target;
-        if (filledIn(target, "", 1, "1") == filledIn(target, "", 2, "2"))
+        if (filledIn(target, "", 1, "1") == filledIn(target, "", 2, "2")) {
             throw ToolError(target +
                             ": one of {number} and {time} is needed, for names that differ");
+        }
     } else {
         m_pattern = (fs::path(target) / m_pattern).string();
     }
@@ -95,9 +98,10 @@ std::string stemOf(const std::string& path)
     if (path == "-")
         return "log";
     fs::path name = fs::path(path).filename();
-    for (const char* extension : {".gz", ".zst", ".tqx"})
+    for (const char* extension : {".gz", ".zst", ".tqx"}) {
         if (equalNames(name.extension().string(), extension))
             name = name.stem();
+    }
     return name.string();
 }
 

@@ -86,11 +86,12 @@ void SummaryTable::appendPiece(Buffer& out, size_t first, size_t last, size_t la
         line(rows[row], [&](const Column& column) { return column.totals[row]; });
     if (!m_types.empty())
         out.append('\n');
-    for (const auto& [number, label] : m_types)
+    for (const auto& [number, label] : m_types) {
         line(label, [wanted = number](const Column& column) {
             const auto found = column.types.find(wanted);
             return found == column.types.end() ? std::string("-") : found->second;
         });
+    }
 }
 
 void SummaryTable::append(Buffer& out, size_t width) const
@@ -103,10 +104,10 @@ void SummaryTable::append(Buffer& out, size_t width) const
     for (size_t first = 0; first < m_columns.size();) {
         size_t last = first;
         size_t used = labelWidth;
-        do
+        do {
             used += std::string_view(parting).size() + m_columns[last++].width;
-        while (last < m_columns.size() &&
-               used + std::string_view(parting).size() + m_columns[last].width <= width);
+        } while (last < m_columns.size() &&
+                 used + std::string_view(parting).size() + m_columns[last].width <= width);
         if (first != 0)
             out.append('\n');
         appendPiece(out, first, last, labelWidth);

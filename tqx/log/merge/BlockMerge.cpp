@@ -79,10 +79,11 @@ void Input::readAfterJump(std::optional<GnssMillis> time)
         hold();
         m_hasBlock = m_stream->next(m_block);
         const std::optional<GnssMillis> next = m_hasBlock ? m_block.getTime() : std::nullopt;
-        if (time)
+        if (time) {
             after = next.value_or(0);
-        else
+        } else {
             time = next;
+        }
     } while (m_hasBlock && after == 0 && m_heldBytes < mostHeld);
     if (time && after != 0 && after + longestDisorder < *time &&
         (!hadTime || after + longestDisorder >= m_place))

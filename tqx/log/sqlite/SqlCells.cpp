@@ -92,9 +92,10 @@ void SqlNumber::setInteger(SqlInsert& row, int parameter, uint64_t value, std::s
         return;
     const auto number = static_cast<int64_t>(value);
     const bool isTooBig = !m_bits.isSigned() && number < 0;
-    if (m_scale)
+    if (m_scale) {
         return row.setReal(parameter, m_scale->apply(isTooBig ? static_cast<double>(value)
                                                               : static_cast<double>(number)));
+    }
     if (!isTooBig)
         return row.setInteger(parameter, number);
     text = std::to_string(value);
@@ -132,9 +133,10 @@ struct SqlCells::Step {
 SqlCells::SqlCells(const RecordPlan& plan, const Prefix& prefix, bool isStored, SqlColumns& columns)
     : m_plan(plan)
 {
-    for (const RecordPlan::Member& member : plan.members)
+    for (const RecordPlan::Member& member : plan.members) {
         if (member.kind != RecordPlan::Kind::Blocks)
             addStep(member, prefix, isStored, columns);
+    }
 }
 
 SqlCells::~SqlCells() = default;

@@ -20,9 +20,10 @@ bool isDigit(char character)
 
 std::string lowerCase(std::string text)
 {
-    for (char& character : text)
+    for (char& character : text) {
         if (character >= 'A' && character <= 'Z')
             character = static_cast<char>(character - 'A' + 'a');
+    }
     return text;
 }
 

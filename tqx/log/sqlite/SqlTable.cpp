@@ -39,9 +39,10 @@ std::unique_ptr<RecordPlan> identityOf(const TQX_TypeLayout& type)
     plan->members.clear();
     for (RecordPlan::Member& member : members) {
         std::vector<RecordPlan::Part> parts;
-        for (const RecordPlan::Part& part : member.parts)
+        for (const RecordPlan::Part& part : member.parts) {
             if (part.facts->has(TQX_FieldFacts::Identifying))
                 parts.push_back(part);
+        }
         if (parts.empty() ||
             (member.kind != RecordPlan::Kind::Number && member.kind != RecordPlan::Kind::Text))
             continue;
@@ -93,9 +94,10 @@ SqlTable::SqlTable(SqlTables& tables, const RecordPlan& plan, const SqlTable& pa
     const SqlTable* block = &parent;
     while (block->m_owner)
         block = block->m_owner;
-    if (block != &parent)
+    if (block != &parent) {
         m_columns.add(key("block_id", (references + quotedSql(block->m_name)).c_str(),
                           "id of the row of the block"));
+    }
     addOwners(parent);
     addFields(tables);
 }
@@ -168,10 +170,11 @@ std::vector<const SqlTable*> SqlTable::getChildren() const
 
 void SqlTable::addIndexes(SqlTables& tables) const
 {
-    if (m_owner)
+    if (m_owner) {
         tables.database.execute("CREATE INDEX " +
                                 quotedSql(tables.names.take(m_name + "_by_parent")) + " ON " +
                                 quotedSql(m_name) + " (parent_id)");
+    }
     for (const Child& child : m_children)
         child.table->addIndexes(tables);
 }
@@ -184,10 +187,11 @@ void SqlTable::insert(const SqlBlock& block, const void* record)
     m_insert->setInteger(FileOffset, static_cast<int64_t>(block.offset));
     if (m_isStored || gnssMillis(0, header.WNc))
         m_insert->setInteger(Week, header.WNc);
-    if (m_isStored)
+    if (m_isStored) {
         m_insert->setInteger(TimeOfWeek, header.TOW);
-    else if (gnssMillis(header.TOW, 0))
+    } else if (gnssMillis(header.TOW, 0)) {
         m_insert->setReal(TimeOfWeek, Scale(secondsPerMilli).apply(header.TOW));
+    }
     if (!block.gnssTime.empty()) {
         m_insert->setText(GnssTime, block.gnssTime);
         m_insert->setText(UtcTime, block.utcTime);
@@ -207,10 +211,10 @@ void SqlTable::insertEntry(int64_t block, int64_t parent, uint32_t element, cons
         m_insert->setInteger(BlockId, block);
     const void* owner = record;
     for (auto cells = m_owners.rbegin(); cells != m_owners.rend(); ++cells) {
-        do
+        do {
             owner = TQX_korcgHeader(owner)->korcg_father;
-        while (TQX_korcgHeader(owner)->korcg_type !=
-               m_identities[static_cast<size_t>(m_owners.rend() - cells) - 1]->type->recordType);
+        } while (TQX_korcgHeader(owner)->korcg_type !=
+                 m_identities[static_cast<size_t>(m_owners.rend() - cells) - 1]->type->recordType);
         (*cells)->set(*m_insert, owner);
     }
     m_cells->set(*m_insert, record);

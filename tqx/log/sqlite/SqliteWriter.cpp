@@ -123,7 +123,8 @@ SqliteWriter::Core::Type& SqliteWriter::Core::open(uint32_t recordType)
     if (type)
         return *type;
     const TQX_TypeLayout& layout = *TQX_layout(recordType);
-    type.reset(new Type{planRecord(layout, m_filter, ShownFields::WithoutFiller), nullptr});
+    type = std::make_unique<Type>();
+    type->plan = planRecord(layout, m_filter, ShownFields::WithoutFiller);
     std::vector<RecordPlan::Member>& members = type->plan.members;
     // Tables have columns of their own for them.
     members.erase(
