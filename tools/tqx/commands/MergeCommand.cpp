@@ -14,7 +14,7 @@ namespace tqx::tool
 
 MergeCommand::MergeCommand(CLI::App& program)
     : Command(
-          program, "merge", "Merge logs by time, without what comes twice",
+          program, "merge", "Merge logs by time, dropping duplicates",
           "  tqx merge morning.tqx noon.tqx evening.tqx -o day.tqx\n"
           "  tqx merge receiver/*.tqx.gz | tqx info -\n"
           "\n"
@@ -26,16 +26,19 @@ MergeCommand::MergeCommand(CLI::App& program)
           "one epoch may have different times. A block whose time is far from that of both its\n"
           "neighbours stays where it is.\n"
           "\n"
-          "Where inputs overlap, blocks that come again are left out: those with the same bytes "
-          "and\n"
-          "time. Of blocks without time, which a receiver may repeat, as many remain as the input\n"
-          "has that repeats them most. Damage and bytes between blocks are left out and reported.\n"
+          "Where inputs overlap, duplicates are dropped: blocks with the same bytes and time. "
+          "Blocks\n"
+          "without time may be repeated by the receiver; as many remain as the input has that "
+          "repeats\n"
+          "them most. Damage and bytes between blocks are dropped and reported.\n"
           "\n"
-          "All inputs are read at the same time and once. One whose time runs back by more than a\n"
-          "minute is reported: what comes from there on is sorted in from its own time on, so "
-          "that\n"
-          "the result runs back as well, and what was written before is not recognised when it\n"
-          "comes again. Merge the parts of such a log, which split makes.\n")
+          "All inputs are read at the same time, and once. Where the time of one runs back by "
+          "more\n"
+          "than a minute, this is reported, and its next blocks are merged from their own time on: "
+          "the\n"
+          "output runs back as well, and duplicates of what was written before are not "
+          "recognised.\n"
+          "Split such a log with --every first, and merge its parts.\n")
 {
     m_app
         .add_option("FILE", m_files,
@@ -70,8 +73,7 @@ void MergeCommand::merge(std::deque<InputStream>& streams, Output& output,
     merged.setStepBackListener([&](const BlockMerge::StepBack& step) {
         if (!m_isQuiet && limit.admits()) {
             words::sayAt(streams[step.input].getName(), step.block.offset,
-                         fmt::format("time runs back by {:.3f} s; blocks from here on are sorted "
-                                     "in from {} on",
+                         fmt::format("time runs back by {:.3f} s; its blocks are merged from {} on",
                                      static_cast<double>(step.millis) * 1e-3,
                                      timeText(*step.block.getTime())));
         }
@@ -92,7 +94,7 @@ void MergeCommand::merge(std::deque<InputStream>& streams, Output& output,
     }
     output.flush();
     if (merged.getDuplicates() != 0 && !m_isQuiet)
-        words::say(fmt::format("{} blocks that came again were left out", merged.getDuplicates()));
+        words::say(fmt::format("{} duplicates were dropped", merged.getDuplicates()));
 }
 
 ExitStatus MergeCommand::rate(const std::deque<InputStream>& streams) const
@@ -131,7 +133,7 @@ ExitStatus MergeCommand::run()
             neighbourBytes += count.bytes;
     }
     if (neighbourBytes != 0 && !m_isQuiet) {
-        words::say(fmt::format("{} bytes of other messages between the blocks were left out",
+        words::say(fmt::format("{} bytes of other messages between the blocks were dropped",
                                neighbourBytes));
     }
     return rate(streams);

@@ -26,7 +26,7 @@ SplitCommand::SplitCommand(CLI::App& program)
           "minute\n"
           "earlier than others before it, for the blocks of one epoch may have different times. "
           "Where\n"
-          "time runs back by more, a new file begins, with -2 behind a name that was used before. "
+          "time runs back by more, a new file begins, with -2 after a name that was used before. "
           "--size\n"
           "begins a file before it would have more bytes than that.\n"
           "\n"
@@ -34,7 +34,7 @@ SplitCommand::SplitCommand(CLI::App& program)
           "interval begins, as in 20260106T120000, or with --size that of its blocks, and {name} "
           "the\n"
           "name of the first input without extension. Files in a folder are {name}-{time}.tqx, or\n"
-          "with --size {name}-{number}.tqx. Files that exist are written anew.\n")
+          "with --size {name}-{number}.tqx. Existing files are overwritten.\n")
 {
     m_streams.addInputs(m_app);
     m_streams.addDamageReport(m_app);

@@ -32,8 +32,7 @@ bool PartFiles::beginsPart(const std::optional<GnssMillis>& time, size_t size) c
         return m_bytes + size > m_limits.size;
     if (!time)
         return false;
-    return !m_start || *time >= *m_start + m_limits.every ||
-           (*time < *m_start && *time + longestDisorder < m_latest);
+    return !m_start || *time >= *m_start + m_limits.every || *time + longestDisorder < m_latest;
 }
 
 void PartFiles::open(const std::optional<GnssMillis>& time)

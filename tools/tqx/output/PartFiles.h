@@ -21,8 +21,8 @@ struct PartLimits {
 };
 
 /// Writes blocks byte for byte into one file after the other. A block without time, or with one
-/// that is up to a minute before that of its part, stays with the block before it; those before any
-/// time are in the first part. Where time runs back by more, a new part begins.
+/// that is before that of its part, stays with the block before it; those before any time are in
+/// the first part. Where time runs back by more than a minute, a new part begins.
 class PartFiles final : public BlockConsumer, public Sink
 {
 public:
