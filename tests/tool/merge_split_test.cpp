@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QProcess>
+
 #include <algorithm>
 #include <filesystem>
 
@@ -190,6 +192,28 @@ TEST(Merge, ReportsTimeThatRunsBack)
               0U)
         << run.words;
     EXPECT_TRUE(run.output.substr(0, late.size()) == late);
+}
+
+TEST(Merge, ReadsMoreInputsThanMayBeOpenAtFirst)
+{
+    const TemporaryFolder folder;
+    const std::string log = folder.write("log.tqx", bytesOf(simulated()));
+    const auto mergeUnder = [&](const QString& limits) {
+        QProcess shell;
+        shell.start("sh", {"-c", limits + R"(; set --; i=0
+                                  while [ $i -lt 60 ]; do set -- "$@" "$LOG"; i=$((i + 1)); done
+                                  exec "$TQX" merge -q "$@")"});
+        EXPECT_TRUE(shell.waitForFinished());
+        EXPECT_EQ(shell.readAllStandardOutput().toStdString() == simulated(),
+                  shell.exitCode() == 0);
+        return shell.readAllStandardError().toStdString();
+    };
+    qputenv("TQX", TQX_TOOL);
+    qputenv("LOG", log.c_str());
+    EXPECT_EQ(mergeUnder("ulimit -S -n 40"), "");
+    EXPECT_EQ(mergeUnder("ulimit -n 40"),
+              "tqx: 60 inputs at the same time are more than the system allows, which is 40 open "
+              "files (see ulimit -n)\n");
 }
 
 TEST(MergeAndSplit, SayWhatTheyCannotDo)

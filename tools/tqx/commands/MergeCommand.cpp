@@ -1,5 +1,6 @@
 #include "commands/MergeCommand.h"
 
+#include "io/OpenFiles.h"
 #include "io/Output.h"
 #include "io/Progress.h"
 #include "io/Target.h"
@@ -119,6 +120,7 @@ ExitStatus MergeCommand::run()
     if (m_target != "-")
         refuseUnreadable(m_files);
     refuseTerminal(m_target);
+    allowOpenFiles(m_files.size());
     Output output(m_target);
     words::Limit limit(m_isVerbose);
     std::deque<InputStream> streams;
