@@ -149,6 +149,9 @@ void addKeplerEphemeris(BlockLog& log, const Epoch& epoch, const Satellite& sate
         addBeiDouB2b(log, epoch, satellite, ephemeris);
         break;
     case System::Glonass:
+    case System::Qzss:
+    case System::NavIc:
+    case System::Sbas:
         break;
     }
 }

@@ -142,6 +142,10 @@ void Satellite::makeDelays(Random& random)
     case System::BeiDou:
         delays = {first, 0, second};
         break;
+    case System::Qzss:
+    case System::NavIc:
+    case System::Sbas:
+        break;
     }
 }
 

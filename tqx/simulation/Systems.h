@@ -1,20 +1,13 @@
 #pragma once
 
+#include "tqx/gnss/orbit/System.h"
+
 #include <cstdint>
 
 namespace tqx::simulation
 {
 
-/// The satellite systems that the receiver tracks.
-enum class System : uint8_t { Gps, Glonass, Galileo, BeiDou };
-
-constexpr unsigned systemCount = 4;
-
-/// Place of a system in tables with one entry each.
-constexpr unsigned indexOf(System system)
-{
-    return static_cast<unsigned>(system);
-}
+constexpr unsigned systemCount = 4; ///< the first systems, which the receiver tracks
 
 /// The identifier of a satellite in blocks. The numbers of BeiDou above 40 have a range of their
 /// own.

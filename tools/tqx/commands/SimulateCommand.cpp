@@ -111,7 +111,7 @@ void SimulateCommand::readPosition()
 {
     if (position.empty())
         return;
-    constexpr double degree = simulation::pi / 180;
+    constexpr double degree = pi / 180;
     const std::vector<std::string> parts = CLI::detail::split(position, ',');
     try {
         if (parts.size() != 3)
