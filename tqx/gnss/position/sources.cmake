@@ -1,0 +1,6 @@
+list(APPEND public_headers
+    position/Position.h
+    position/PositionBlocks.h)
+target_sources(tqx-gnss PRIVATE
+    position/FieldNames.cpp
+    position/PositionBlocks.cpp)
