@@ -1,0 +1,41 @@
+#pragma once
+
+#include "tqx_gnss_export.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace tqx
+{
+
+/// A satellite as RINEX names it: the letter of its system and its number there.
+struct SatelliteId {
+    char system = ' ';  ///< G GPS, R GLONASS, E Galileo, C BeiDou, J QZSS, I NavIC, S SBAS
+    uint8_t number = 0; ///< of SBAS the PRN code minus 100, of GLONASS the slot
+
+    /// "G05"
+    TQX_GNSS_API std::string text() const;
+
+    friend bool operator==(const SatelliteId& a, const SatelliteId& b)
+    {
+        return a.system == b.system && a.number == b.number;
+    }
+    friend bool operator!=(const SatelliteId& a, const SatelliteId& b) { return !(a == b); }
+    friend bool operator<(const SatelliteId& a, const SatelliteId& b)
+    {
+        return a.system != b.system ? a.system < b.system : a.number < b.number;
+    }
+};
+
+/// The letters of all systems, in the order in which files list them.
+constexpr char systemLetters[] = "GRECJIS";
+
+/// Place of a system in systemLetters, 0 to 6.
+TQX_GNSS_API unsigned systemIndex(char system);
+
+/// The satellite of an identifier in blocks. Nothing for beams of the L band, for GLONASS
+/// satellites whose slot is not known yet and for identifiers without a satellite.
+TQX_GNSS_API std::optional<SatelliteId> satelliteOf(uint8_t svid);
+
+} // namespace tqx
