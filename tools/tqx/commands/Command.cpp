@@ -10,6 +10,7 @@
 #include "commands/IndexCommand.h"
 #include "commands/InfoCommand.h"
 #include "commands/SimulateCommand.h"
+#include "commands/TrackCommand.h"
 #include "commands/TypesCommand.h"
 
 namespace tqx::tool
@@ -31,6 +32,7 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program)
     commands.push_back(std::make_unique<ExplainCommand>(program));
     commands.push_back(std::make_unique<CutCommand>(program));
     commands.push_back(std::make_unique<ExtractCommand>(program));
+    commands.push_back(std::make_unique<TrackCommand>(program));
     commands.push_back(std::make_unique<IndexCommand>(program));
     commands.push_back(std::make_unique<TypesCommand>(program));
     commands.push_back(std::make_unique<EncodeCommand>(program));

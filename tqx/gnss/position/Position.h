@@ -38,8 +38,8 @@ enum class AccuracyLevel : uint8_t {
 struct Position {
     const PositionSource* source = nullptr; ///< the kind of block
     GnssMillis time = 0;
-    Fix fix = Fix::None;   ///< None: there is no position at that time, and nothing below
-    std::string_view mode; ///< the block's name for how it was computed
+    Fix fix = Fix::None;          ///< None: there is no position at that time, and nothing below
+    std::string_view mode;        ///< the block's name for how it was computed
     double latitude = notKnown;   ///< degrees, northern ones positive
     double longitude = notKnown;  ///< degrees, eastern ones positive, -180 to 180
     double height = notKnown;     ///< metres above the ellipsoid of the datum
@@ -51,7 +51,7 @@ struct Position {
     double spatialAccuracy = notKnown;    ///< metres, of blocks that only have that
     int satellites = -1;                  ///< satellites used, -1 when not known
     double correctionAge = notKnown;      ///< mean age of the corrections, seconds
-    int reference = -1; ///< identifier of the base station or correction service, -1 for none
+    int reference = -1;      ///< identifier of the base station or correction service, -1 for none
     double north = notKnown; ///< velocity, metres per second
     double east = notKnown;
     double up = notKnown;

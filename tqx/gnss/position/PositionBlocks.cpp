@@ -32,10 +32,10 @@ double known(uint16_t value, double scale)
 
 Fix fixOfMode(unsigned mode)
 {
-    static constexpr Fix fixes[] = {Fix::None,     Fix::Standalone, Fix::Differential,
+    static constexpr Fix fixes[] = {Fix::None,         Fix::Standalone, Fix::Differential,
                                     Fix::Differential, Fix::RtkFixed,   Fix::RtkFloat,
-                                    Fix::Estimated, Fix::Manual,    Fix::Ppp,
-                                    Fix::Ppp,      Fix::RtkFixed,   Fix::RtkFloat};
+                                    Fix::Estimated,    Fix::Manual,     Fix::Ppp,
+                                    Fix::Ppp,          Fix::RtkFixed,   Fix::RtkFloat};
     return mode < std::size(fixes) ? fixes[mode] : Fix::Standalone;
 }
 
@@ -92,8 +92,7 @@ void setVelocity(Position& position, double north, double east, double up)
 
 void setEarthFixedVelocity(Position& position, double x, double y, double z)
 {
-    const Vector local =
-        LocalFrame(placeOf(position)).toLocal({known(x), known(y), known(z)});
+    const Vector local = LocalFrame(placeOf(position)).toLocal({known(x), known(y), known(z)});
     setVelocity(position, local.y, local.x, local.z);
 }
 
@@ -238,8 +237,7 @@ bool readInertial(const Record& record, unsigned gnssMode, Position& position)
 {
     position.mode = valueName(record.korcg_type, "Mode", record.Mode);
     position.datum = valueName(record.korcg_type, "Datum", record.Datum);
-    position.fix =
-        record.Error == 0 ? fixOfInertialMode(record.Mode, gnssMode) : Fix::None;
+    position.fix = record.Error == 0 ? fixOfInertialMode(record.Mode, gnssMode) : Fix::None;
     return position.fix != Fix::None;
 }
 

@@ -31,8 +31,8 @@ TQX_GNSS_API const PositionSource* positionSource(uint16_t blockNumber);
 /// The source of that name, case ignored, or null.
 TQX_GNSS_API const PositionSource* positionSource(std::string_view name);
 
-/// Reads the record of a main block. False, and nothing done, when it is not of a position source or
-/// has no time in its header; else `position` is filled anew. A block without a solution is a
+/// Reads the record of a main block. False, and nothing done, when it is not of a position source
+/// or has no time in its header; else `position` is filled anew. A block without a solution is a
 /// position with Fix::None.
 TQX_GNSS_API bool readPosition(const void* record, Position& position);
 

@@ -16,7 +16,7 @@ struct Style {
 };
 
 constexpr Style styles[] = {
-    {"none", "ff000000"},     {"standalone", "ff0000ff"}, {"differential", "ff00a5ff"},
+    {"none", "ff000000"},      {"standalone", "ff0000ff"}, {"differential", "ff00a5ff"},
     {"rtk-float", "ff00ffff"}, {"rtk-fixed", "ff00c000"},  {"ppp", "ffff8000"},
     {"estimated", "ffff00ff"}, {"manual", "ff808080"},
 };
@@ -70,9 +70,8 @@ void KmlTrack::openPlacemark(const Position& position)
 
 std::string_view altitudeMode(const Position& position)
 {
-    return std::isfinite(position.aboveGeoid())
-               ? "<altitudeMode>absolute</altitudeMode>"
-               : "<altitudeMode>clampToGround</altitudeMode>";
+    return std::isfinite(position.aboveGeoid()) ? "<altitudeMode>absolute</altitudeMode>"
+                                                : "<altitudeMode>clampToGround</altitudeMode>";
 }
 
 void KmlTrack::appendTuple(const Position& position)

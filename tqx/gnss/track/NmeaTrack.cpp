@@ -13,8 +13,8 @@ namespace tqx
 namespace
 {
 
-/// Quality in GGA and mode in RMC. NMEA 0183 has none for precise point positioning; its ambiguities
-/// are real numbers like those of float solutions.
+/// Quality in GGA and mode in RMC. NMEA 0183 has none for precise point positioning; its
+/// ambiguities are real numbers like those of float solutions.
 struct Quality {
     char number;
     char letter;

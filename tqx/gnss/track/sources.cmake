@@ -1,4 +1,3 @@
-find_package(SQLite3 REQUIRED)
 list(APPEND public_headers
     track/GeoPackage.h
     track/TrackWriter.h)
