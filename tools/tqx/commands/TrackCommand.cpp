@@ -85,7 +85,7 @@ TrackCommand::TrackCommand(CLI::App& program)
 }
 
 /// Null when it is to be decided while reading.
-const PositionSource* TrackCommand::findSource() const
+const PositionSource* TrackCommand::findSource()
 {
     if (!m_source.empty()) {
         const PositionSource* const source = positionSource(m_source);
@@ -98,15 +98,14 @@ const PositionSource* TrackCommand::findSource() const
     }
     if (!m_streams.canLookAhead())
         return nullptr;
-    SourceChoice choice;
     RecordDecoder decoder;
     m_streams.lookAhead([&](BlockStream&, const Block& block) {
         Position position;
         if (positionSource(block.getNumber()) && decoder.decode(block) > 0 &&
             readPosition(decoder.getRecord(), position))
-            choice.take(position);
+            m_choice.take(position);
     });
-    return choice.best();
+    return m_choice.best();
 }
 
 std::string TrackCommand::trackName() const
@@ -115,9 +114,28 @@ std::string TrackCommand::trackName() const
     return name == "-" ? "track" : name;
 }
 
+/// Which source was chosen among several, and what is not in the track.
+void TrackCommand::say(const TrackOutput& track) const
+{
+    const PositionSource* const chosen = track.getSource();
+    const SourceChoice& choice = m_choice.best() ? m_choice : track.getChoice();
+    std::string others;
+    for (const PositionSource* source : choice.found())
+        if (source != chosen)
+            others += (others.empty() ? "" : ", ") + std::string(source->name);
+    if (chosen && !others.empty())
+        words::say(fmt::format("positions of {} ({}); there are also those of {}, see --source",
+                               chosen->name, chosen->describe, others));
+    if (track.getMissing() != 0)
+        words::say(fmt::format("{} {} without a position", track.getMissing(),
+                               track.getMissing() == 1 ? "epoch" : "epochs"));
+}
+
 ExitStatus TrackCommand::write(TrackOutput& track, Sink& output)
 {
     const ExitStatus status = m_streams.read(track, output);
+    if (!m_streams.isQuiet())
+        say(track);
     if (track.getCount() == 0 && status == ExitStatus::Done) {
         words::say("no position in the blocks selected");
         return ExitStatus::Failed;

@@ -3,12 +3,9 @@
 #include "commands/Command.h"
 #include "options/StreamOptions.h"
 
-#include <string>
+#include "tqx/gnss/position/SourceChoice.h"
 
-namespace tqx
-{
-struct PositionSource;
-}
+#include <string>
 
 namespace tqx::tool
 {
@@ -23,14 +20,16 @@ public:
     ExitStatus run() override;
 
 private:
-    const PositionSource* findSource() const;
+    const PositionSource* findSource();
     std::string trackName() const;
     ExitStatus write(TrackOutput& track, Sink& output);
+    void say(const TrackOutput& track) const;
 
     StreamOptions m_streams;
     std::string m_format = "csv";
     std::string m_source; ///< empty for the best one
     std::string m_target = "-";
+    SourceChoice m_choice; ///< of files that were looked at before
 };
 
 } // namespace tqx::tool
