@@ -1,7 +1,6 @@
 #include "tqx/gnss/observation/SatelliteId.h"
 
 #include <array>
-#include <string_view>
 
 namespace tqx
 {
@@ -41,11 +40,6 @@ constexpr std::array<SatelliteId, 256> satellites = makeTable();
 std::string SatelliteId::text() const
 {
     return {system, static_cast<char>('0' + number / 10), static_cast<char>('0' + number % 10)};
-}
-
-unsigned systemIndex(char system)
-{
-    return static_cast<unsigned>(std::string_view(systemLetters).find(system));
 }
 
 std::optional<SatelliteId> satelliteOf(uint8_t svid)

@@ -31,8 +31,16 @@ struct SatelliteId {
 /// The letters of all systems, in the order in which files list them.
 constexpr char systemLetters[] = "GRECJIS";
 
-/// Place of a system in systemLetters, 0 to 6.
-TQX_GNSS_API unsigned systemIndex(char system);
+constexpr unsigned systemCount = 7;
+
+/// Place of a system in systemLetters.
+constexpr unsigned systemIndex(char system)
+{
+    unsigned index = 0;
+    while (index + 1 < systemCount && systemLetters[index] != system)
+        ++index;
+    return index;
+}
 
 /// The satellite of an identifier in blocks. Nothing for beams of the L band, for GLONASS
 /// satellites whose slot is not known yet and for identifiers without a satellite.
