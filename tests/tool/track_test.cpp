@@ -251,10 +251,10 @@ TEST(Track, SentencesHaveTheirChecksums)
         EXPECT_EQ(place[3], at.longitude < 0 ? "W" : "E");
     }
     EXPECT_EQ(lines[0], "$GNGGA,000122.00,3330.0000000,S,15115.0000000,W,4,09,,460.000,M,40.000,M,"
-                        "1.2,0077*4E\r");
+                        "1.2,0077*77\r");
     EXPECT_EQ(lines[1],
-              "$GNRMC,000122.00,A,3330.0000000,S,15115.0000000,W,6.873,225.00,040126,,,R,V*13\r");
-    EXPECT_EQ(lines[2], "$GNZDA,000122.00,04,01,2026,00,00*7F\r");
+              "$GNRMC,000122.00,A,3330.0000000,S,15115.0000000,W,6.873,225.00,040126,,,R,V*1B\r");
+    EXPECT_EQ(lines[2], "$GNZDA,000122.00,04,01,2026,00,00*7A\r");
 }
 
 namespace

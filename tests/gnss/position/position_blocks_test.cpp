@@ -6,6 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <cstring>
 #include <functional>
 
 using namespace Kor::MessageApi;
@@ -99,6 +102,7 @@ const std::vector<Case>& cases()
              fillGeodetic(record);
              record.Mode = 3;
              record.SBList = 1 | 1 << 2 | 1 << 5;
+             record.Position_StdDev = record.Attitude = record.Velocity = 1;
              record.Undulation = 44.5;
              record.PosStdDev = {};
              record.PosStdDev.LatStdDev = record.PosStdDev.LonStdDev = 0.3F;
@@ -113,6 +117,7 @@ const std::vector<Case>& cases()
              fillCartesian(record);
              record.Mode = 5;
              record.SBList = 3 | 1 << 2 | 1 << 5;
+             record.Position_StdDev = record.Position_Cov = record.Attitude = record.Velocity = 1;
              record.PosStdDev.XStdDev = record.PosStdDev.YStdDev = record.PosStdDev.ZStdDev = 0.3F;
              record.Att.Heading = 53;
              fillFixedVelocity(record.Vel);
@@ -246,8 +251,7 @@ Position positionOf(const Case& each, const std::function<void(void*)>& change =
 void expectKnown(double value, double expected, bool isKnown, double tolerance)
 {
     EXPECT_EQ(std::isfinite(value), isKnown);
-    if (isKnown)
-        EXPECT_NEAR(value, expected, tolerance);
+    EXPECT_NEAR(isKnown ? value : expected, expected, tolerance);
 }
 
 } // namespace

@@ -46,8 +46,8 @@ TrackCommand::TrackCommand(CLI::App& program)
     : Command(program, "track", "Write positions for maps and tables",
               "  tqx track log.tqx > positions.csv\n"
               "  tqx track --format gpx --interval 1 day1.tqx day2.tqx.gz -o days.gpx\n"
-              "  tqx track --format gpkg --source PVTGeodetic2 log.tqx -o log.gpkg\n"
-              "  tqx track --format nmea --live --source PVTGeodetic2 - < /dev/ttyUSB0\n"
+              "  tqx track --format gpkg --source 4007 log.tqx -o log.gpkg\n"
+              "  tqx track --format nmea --live --source 4007 - < /dev/ttyUSB0\n"
               "\n"
               "Positions are those of one kind of block, --source; the kinds are, best first:\n" +
                   sourceList() +
@@ -79,7 +79,7 @@ TrackCommand::TrackCommand(CLI::App& program)
         ->transform(CLI::IsMember(formats, CLI::ignore_case).description(""))
         ->type_name("csv|gpx|kml|geojson|gpkg|nmea")
         ->capture_default_str();
-    app.add_option("--source", m_source, "Kind of block that has the positions")->type_name("TYPE");
+    app.add_option("--source", m_source, "Kind of block that has the positions, by name or number")->type_name("TYPE");
     app.add_option("-o,--output", m_target, "File to write instead of standard output")
         ->type_name("FILE");
 }

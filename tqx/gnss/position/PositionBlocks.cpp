@@ -7,6 +7,7 @@
 #include "TQX_codec.h"
 
 #include <algorithm>
+#include <string>
 
 namespace tqx
 {
@@ -373,7 +374,7 @@ const PositionSource* positionSource(uint16_t blockNumber)
 const PositionSource* positionSource(std::string_view name)
 {
     for (const PositionSource& source : positionSources())
-        if (equalNames(source.name, name))
+        if (equalNames(source.name, name) || std::to_string(source.number) == name)
             return &source;
     return nullptr;
 }

@@ -28,7 +28,7 @@ TQX_GNSS_API const std::vector<PositionSource>& positionSources();
 /// The source that blocks of this number are, null for other blocks.
 TQX_GNSS_API const PositionSource* positionSource(uint16_t blockNumber);
 
-/// The source of that name, case ignored, or null.
+/// The source of that name, case ignored, or of that block number; null for others.
 TQX_GNSS_API const PositionSource* positionSource(std::string_view name);
 
 /// Reads the record of a main block. False, and nothing done, when it is not of a position source
