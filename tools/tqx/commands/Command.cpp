@@ -10,6 +10,7 @@
 #include "commands/IndexCommand.h"
 #include "commands/InfoCommand.h"
 #include "commands/ObservationsCommand.h"
+#include "commands/RinexCommand.h"
 #include "commands/SimulateCommand.h"
 #include "commands/TypesCommand.h"
 
@@ -32,6 +33,7 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program)
     commands.push_back(std::make_unique<ExplainCommand>(program));
     commands.push_back(std::make_unique<CutCommand>(program));
     commands.push_back(std::make_unique<ExtractCommand>(program));
+    commands.push_back(std::make_unique<RinexCommand>(program));
     commands.push_back(std::make_unique<ObservationsCommand>(program));
     commands.push_back(std::make_unique<IndexCommand>(program));
     commands.push_back(std::make_unique<TypesCommand>(program));

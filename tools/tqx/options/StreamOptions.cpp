@@ -9,6 +9,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <limits>
@@ -53,6 +54,11 @@ void StreamOptions::addConditions(CLI::App& command)
         ->type_name("N")
         ->default_str("")
         ->group(SelectionOptions::group);
+}
+
+bool StreamOptions::hasStandardInput() const
+{
+    return std::find(files.begin(), files.end(), "-") != files.end();
 }
 
 Selection& StreamOptions::getSelection()
