@@ -3,6 +3,7 @@
 #include "commands/CutCommand.h"
 #include "commands/DumpCommand.h"
 #include "commands/EncodeCommand.h"
+#include "commands/EphemeridesCommand.h"
 #include "commands/ErrorCommand.h"
 #include "commands/ExplainCommand.h"
 #include "commands/ExtractCommand.h"
@@ -35,6 +36,7 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program)
     commands.push_back(std::make_unique<ExtractCommand>(program));
     commands.push_back(std::make_unique<RinexCommand>(program));
     commands.push_back(std::make_unique<ObservationsCommand>(program));
+    commands.push_back(std::make_unique<EphemeridesCommand>(program));
     commands.push_back(std::make_unique<IndexCommand>(program));
     commands.push_back(std::make_unique<TypesCommand>(program));
     commands.push_back(std::make_unique<EncodeCommand>(program));

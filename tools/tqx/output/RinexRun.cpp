@@ -33,14 +33,30 @@ void RinexRun::take(BlockStream& stream, const Block& block)
     const uint16_t number = block.getNumber();
     const bool isObservation = ObservationGatherer::wants(number);
     const bool isForHeader = LogSurvey::wants(number);
-    if (!isObservation && !isForHeader)
+    const bool isMessage = NavigationStore::wants(number);
+    if (!isObservation && !isForHeader && !isMessage)
         return;
     if (const int32_t result = m_decoder.decode(block); result < 0)
         return stream.reportUndecodable(block, result);
     if (isForHeader)
         m_survey.take(m_decoder.getDecoded());
+    if (isMessage)
+        takeMessage(m_decoder.getDecoded());
     if (isObservation)
         m_gatherer.take(m_decoder.getDecoded());
+}
+
+/// A message before the first epoch may hold the ephemeris for that.
+void RinexRun::takeMessage(const DecodedBlock& decoded)
+{
+    const auto time = decoded.block.getTime();
+    if (time && m_request.selection.to && *time >= *m_request.selection.to)
+        return;
+    if (time && !m_firstMessage)
+        m_firstMessage = time;
+    if (time)
+        m_lastMessage = *time;
+    m_navigation.take(decoded);
 }
 
 void RinexRun::end(InputStream&)
@@ -50,16 +66,14 @@ void RinexRun::end(InputStream&)
         words::say(line);
 }
 
-bool RinexRun::select(const ObservationEpoch& epoch) const
-{
-    return m_request.selection.isInTime(epoch.time) && m_request.selection.isOnInterval(epoch.time);
-}
-
 bool RinexRun::survey(ObservationEpoch& epoch)
 {
-    if (!select(epoch))
+    const EpochSelection& selection = m_request.selection;
+    if (!selection.isInTime(epoch.time))
         return true;
-    m_request.selection.reduce(epoch);
+    if (!selection.isOnInterval(epoch.time))
+        return false;
+    selection.reduce(epoch);
     m_survey.take(epoch);
     return true;
 }
@@ -125,30 +139,64 @@ void RinexRun::writeObservations(ByteSource& source)
     gatherer.finish();
 }
 
+void RinexRun::finish(ProductFile& file)
+{
+    file.finish();
+    if (!m_isQuiet)
+        words::say("wrote " + file.getPath());
+}
+
+void RinexRun::writeNavigation()
+{
+    const auto& ephemerides = m_navigation.getEphemerides();
+    const auto isWanted = [this](const Ephemeris& ephemeris) {
+        return isWritten(ephemeris, m_request.options.version) &&
+               m_request.selection.accepts(ephemeris.satellite);
+    };
+    if (std::none_of(ephemerides.begin(), ephemerides.end(), isWanted)) {
+        words::say("no ephemerides: there is no navigation file");
+        return;
+    }
+    NameParts parts;
+    parts.marker = m_request.options.marker;
+    parts.setUp = m_survey.getSetUp().value_or(SetUp());
+    parts.first = m_firstMessage.value_or(0);
+    parts.last = m_lastMessage;
+    if (!m_survey.getAntennas().empty()) {
+        const AntennaSurvey& main = m_survey.getAntennas().begin()->second;
+        parts.first = main.first;
+        parts.last = main.last;
+        parts.interval = main.getInterval();
+    }
+    ProductFile file(placeIn(navigationFileName(parts)), m_request.isCompressed);
+    writeNavigationFile(file.getBuffer(), m_navigation, m_request.selection,
+                        m_survey.getLeapSeconds(), m_request.options);
+    finish(file);
+}
+
 ExitStatus RinexRun::writeFiles(const std::vector<std::string>& files, bool isQuiet)
 {
-    if (m_survey.getAntennas().empty()) {
-        words::say("no observations: there is nothing to write");
-        return ExitStatus::Failed;
-    }
-    if (!m_survey.getSetUp() && m_request.options.marker.empty())
+    m_isQuiet = isQuiet;
+    const bool hasObservations = !m_survey.getAntennas().empty();
+    if (!hasObservations)
+        words::say("no observations: there is no observation file");
+    else if (!m_survey.getSetUp() && m_request.options.marker.empty())
         words::say("the log does not describe the installation: marker, receiver and antenna are "
                    "not known (--marker, --observer and --agency give some of it)");
     openFiles();
-    if (m_spool) {
+    if (m_spool && !m_outputs.empty()) {
         writeObservations(*m_spool->read());
-    } else {
+    } else if (!m_outputs.empty()) {
         InputSequence source(files, isQuiet);
         writeObservations(source);
+        // What is cut off would not be what the headers say.
         if (interrupt::hasCome())
             return ExitStatus::Failed;
     }
-    for (const auto& output : m_outputs) {
-        output->file.finish();
-        if (!isQuiet)
-            words::say("wrote " + output->file.getPath());
-    }
-    return ExitStatus::Done;
+    for (const auto& output : m_outputs)
+        finish(output->file);
+    writeNavigation();
+    return m_names.empty() ? ExitStatus::Failed : ExitStatus::Done;
 }
 
 } // namespace tqx::tool

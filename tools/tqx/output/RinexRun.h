@@ -3,9 +3,11 @@
 #include "io/ProductFile.h"
 #include "io/Spool.h"
 #include "options/StreamOptions.h"
+#include "tqx/gnss/navigation/NavigationStore.h"
 #include "tqx/gnss/observation/EpochSelection.h"
 #include "tqx/gnss/observation/ObservationGatherer.h"
 #include "tqx/gnss/rinex/LogSurvey.h"
+#include "tqx/gnss/rinex/NavigationFile.h"
 #include "tqx/gnss/rinex/ObservationFile.h"
 #include "tqx/gnss/rinex/RinexOptions.h"
 #include "tqx/log/record/RecordDecoder.h"
@@ -48,18 +50,24 @@ private:
     };
 
     bool survey(ObservationEpoch& epoch);
-    bool select(const ObservationEpoch& epoch) const;
     void openFiles();
+    void takeMessage(const DecodedBlock& decoded);
+    void writeNavigation();
     void writeObservations(ByteSource& source);
     std::string placeIn(const std::string& name);
+    void finish(ProductFile& file);
 
     RinexRequest m_request;
     std::optional<Spool> m_spool;
     RecordDecoder m_decoder;
     LogSurvey m_survey;
+    NavigationStore m_navigation;
+    std::optional<GnssMillis> m_firstMessage; ///< times of blocks for the navigation file
+    GnssMillis m_lastMessage = 0;
     ObservationGatherer m_gatherer;
     std::vector<std::unique_ptr<Output>> m_outputs;
     std::vector<std::string> m_names; ///< of the files so far
+    bool m_isQuiet = false;
 };
 
 } // namespace tqx::tool
