@@ -3,6 +3,7 @@
 #include "commands/CutCommand.h"
 #include "commands/DumpCommand.h"
 #include "commands/EncodeCommand.h"
+#include "commands/EphemeridesCommand.h"
 #include "commands/ErrorCommand.h"
 #include "commands/ExplainCommand.h"
 #include "commands/ExtractCommand.h"
@@ -10,6 +11,7 @@
 #include "commands/IndexCommand.h"
 #include "commands/InfoCommand.h"
 #include "commands/ObservationsCommand.h"
+#include "commands/RinexCommand.h"
 #include "commands/SimulateCommand.h"
 #include "commands/TrackCommand.h"
 #include "commands/TypesCommand.h"
@@ -33,7 +35,9 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program)
     commands.push_back(std::make_unique<ExplainCommand>(program));
     commands.push_back(std::make_unique<CutCommand>(program));
     commands.push_back(std::make_unique<ExtractCommand>(program));
+    commands.push_back(std::make_unique<RinexCommand>(program));
     commands.push_back(std::make_unique<ObservationsCommand>(program));
+    commands.push_back(std::make_unique<EphemeridesCommand>(program));
     commands.push_back(std::make_unique<TrackCommand>(program));
     commands.push_back(std::make_unique<IndexCommand>(program));
     commands.push_back(std::make_unique<TypesCommand>(program));

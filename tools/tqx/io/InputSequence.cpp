@@ -111,6 +111,8 @@ size_t InputSequence::read(uint8_t* bytes, size_t capacity)
             size += count;
             progress->add(input->takeProgress());
             keepHead(bytes, count);
+            if (m_copy)
+                m_copy(bytes, count);
             return count;
         }
         input.reset();

@@ -41,6 +41,9 @@ public:
     /// live stream has brought so far.
     void setBeforeRead(std::function<void()> action) { beforeRead = std::move(action); }
 
+    /// Has `action` called with all bytes that are read, in order.
+    void setCopy(std::function<void(const uint8_t*, size_t)> action) { m_copy = std::move(action); }
+
     /// Names of the inputs that could be opened so far.
     const std::vector<std::string>& getNames() const { return names; }
 
@@ -80,6 +83,7 @@ private:
     std::deque<Part> parts; ///< all that could be opened
     uint64_t size = 0;      ///< bytes read so far
     std::function<void()> beforeRead;
+    std::function<void(const uint8_t*, size_t)> m_copy;
     Clock::time_point handedOn;
     bool failed = false;
 };

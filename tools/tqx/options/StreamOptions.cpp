@@ -58,6 +58,11 @@ void StreamOptions::addConditions(CLI::App& command)
         ->group(SelectionOptions::group);
 }
 
+bool StreamOptions::hasStandardInput() const
+{
+    return std::find(files.begin(), files.end(), "-") != files.end();
+}
+
 Selection& StreamOptions::getSelection()
 {
     if (!selection)

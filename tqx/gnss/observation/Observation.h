@@ -37,6 +37,13 @@ struct Observation {
     double smoothing = notMeasured;      ///< metres, to be added to undo the smoothing
 };
 
+/// Whether an observation has a value at all.
+inline bool hasValue(const Observation& o)
+{
+    return !std::isnan(o.range) || !std::isnan(o.phase) || !std::isnan(o.doppler) ||
+           !std::isnan(o.cn0);
+}
+
 /// What was measured at one instant of the receiver's clock.
 struct ObservationEpoch {
     GnssMillis time = 0;                   ///< that the receiver's clock shows
