@@ -2,6 +2,7 @@
 
 #include "tqx/simulation/Blocks.h"
 #include "tqx/simulation/Broadcast.h"
+#include "tqx/simulation/CompactBlocks.h"
 
 #include <cmath>
 #include <map>
@@ -38,6 +39,7 @@ private:
     Random random;
     BlockLog log;
     Receiver receiver;
+    CompactBlocks compact;
     std::map<uint8_t, int64_t> sentEphemerides; ///< number of the last one by satellite
 };
 
@@ -79,6 +81,8 @@ void Simulation::addBlocks(const Epoch& epoch)
     if (epoch.elapsed == 0)
         addSetup(log, epoch, settings.track.start);
     addMeasurements(log, epoch, receiver);
+    if (settings.compact)
+        compact.add(log, epoch, receiver);
     addPosition(log, epoch, receiver);
     addSensor(log, epoch, receiver.getTrack(), random);
     addNewEphemerides(epoch);

@@ -19,6 +19,7 @@ struct SimulationSettings {
     uint32_t towMillis = 216000000; ///< of the first epoch
     TrackSettings track;
     bool damage = false;
+    bool compact = false; ///< with the measurements in compact blocks, too
     bool mixed = false; ///< with NMEA, RTCM 3 and text between the blocks, which stay the same
 };
 

@@ -49,6 +49,8 @@ SimulateCommand::SimulateCommand(CLI::App& program)
              "Start of the random numbers")
         ->type_name("NUMBER");
     app.add_flag("--damage", settings.damage, "Flip bits, cut blocks and put junk between them");
+    app.add_flag("--compact", settings.compact,
+                 "Send the measurements in compact blocks as well: residues between full epochs");
     app.add_flag("--mixed", settings.mixed,
                  "Put NMEA sentences, RTCM 3 frames and replies between the blocks");
     app.add_option("-o,--output", target, "File to write instead of standard output")
