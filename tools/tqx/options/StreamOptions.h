@@ -81,11 +81,6 @@ public:
     /// those that may be written is an input.
     void checkBeforeFolder(const std::string& folder);
 
-    /// The inputs, "-" for standard input.
-    const std::vector<std::string>& getFiles() const { return files; }
-
-    bool isQuiet() const { return quiet; }
-
     /// What --limit says, 0 for none.
     uint64_t getLimit() const { return limit; }
 
