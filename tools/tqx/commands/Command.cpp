@@ -13,6 +13,7 @@
 #include "commands/ObservationsCommand.h"
 #include "commands/RinexCommand.h"
 #include "commands/SimulateCommand.h"
+#include "commands/TrackCommand.h"
 #include "commands/TypesCommand.h"
 
 namespace tqx::tool
@@ -37,6 +38,7 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program)
     commands.push_back(std::make_unique<RinexCommand>(program));
     commands.push_back(std::make_unique<ObservationsCommand>(program));
     commands.push_back(std::make_unique<EphemeridesCommand>(program));
+    commands.push_back(std::make_unique<TrackCommand>(program));
     commands.push_back(std::make_unique<IndexCommand>(program));
     commands.push_back(std::make_unique<TypesCommand>(program));
     commands.push_back(std::make_unique<EncodeCommand>(program));

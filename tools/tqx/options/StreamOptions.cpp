@@ -1,10 +1,12 @@
 #include "options/StreamOptions.h"
 
+#include "io/Interrupt.h"
 #include "io/Sink.h"
 #include "io/Target.h"
 #include "io/Words.h"
 #include "options/Numbers.h"
 #include "tqx/log/record/TypeNames.h"
+#include "tqx/log/source/JoinedSource.h"
 #include "tqx/log/stream/ContentGuess.h"
 
 #include <fmt/format.h>
@@ -88,6 +90,24 @@ void StreamOptions::checkBeforeFolder(const std::string& folder)
     }
 }
 
+bool StreamOptions::canLookAhead() const
+{
+    std::error_code error;
+    return std::all_of(files.begin(), files.end(), [&error](const std::string& file) {
+        return file != "-" && std::filesystem::is_regular_file(file, error);
+    });
+}
+
+void StreamOptions::lookAhead(const std::function<void(BlockStream&, const Block&)>& consumer) const
+{
+    Selection chosen(selections.getRequest());
+    JoinedSource source(files, {});
+    BlockStream stream(source);
+    for (Block block = {}; !interrupt::hasCome() && stream.next(block);)
+        if (chosen.accepts(stream, block))
+            consumer(stream, block);
+}
+
 ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
 {
     Selection& chosen = getSelection();
@@ -103,6 +123,7 @@ ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
         if (chosen.accepts(stream, block)) {
             consumer.take(stream, block);
             isLast = limit != 0 && consumer.counts(block) && --left == 0;
+            isLast = isLast || consumer.isDone();
         }
         output.commit();
         if (isLast) {

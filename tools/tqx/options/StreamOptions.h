@@ -6,6 +6,7 @@
 
 #include <CLI/App.hpp>
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -29,6 +30,9 @@ public:
 
     /// Whether a selected block is one that the consumer is for, so that it counts for --limit.
     virtual bool counts(const Block&) const { return true; }
+
+    /// Whether nothing more is wanted, asked after each selected block.
+    virtual bool isDone() const { return false; }
 
     /// The stream has ended.
     virtual void end(InputStream&) {}
@@ -76,6 +80,21 @@ public:
     /// The same before a table for each type is written into a folder: throws ToolError when one of
     /// those that may be written is an input.
     void checkBeforeFolder(const std::string& folder);
+
+    /// The inputs, "-" for standard input.
+    const std::vector<std::string>& getFiles() const { return files; }
+
+    bool isQuiet() const { return quiet; }
+
+    /// What --limit says, 0 for none.
+    uint64_t getLimit() const { return limit; }
+
+    /// Whether the inputs are files that can be read twice.
+    bool canLookAhead() const;
+
+    /// Hands the selected blocks to `consumer` before read() does, without limit and without a
+    /// word. Throws DataError for bad arguments.
+    void lookAhead(const std::function<void(BlockStream&, const Block&)>& consumer) const;
 
     /// Hands the selected blocks of the inputs, as one stream, to `consumer`; after as many as
     /// --limit says, nothing more is read. An input that cannot
