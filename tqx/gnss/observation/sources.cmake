@@ -7,6 +7,7 @@ list(APPEND public_headers
     observation/SatelliteId.h
     observation/SignalCode.h)
 target_sources(tqx-gnss PRIVATE
+    observation/CompactReader.cpp
     observation/EpochSelection.cpp
     observation/LockTracker.cpp
     observation/ObservationGatherer.cpp
