@@ -89,6 +89,10 @@ void SimulateCommand::declareReceiver()
         ->transform(CLI::IsMember(systemNames, CLI::ignore_case).description(""))
         ->type_name("gps|glonass|galileo|beidou|qzss|navic|sbas")
         ->default_str("gps,glonass,galileo,beidou");
+    m_app.add_flag("--two-antennas", m_settings.receiver.hasSecondAntenna,
+                   "Measure at a second antenna, 1.5 m to the east of the first, as well");
+    m_app.add_flag("--almanacs", m_settings.almanacs,
+                   "Send almanacs of all satellites but those of GLONASS, NavIC and SBAS");
     m_clockDrift = addReal(m_app, "--clock-drift", m_partsPerMillion, -100, 100, "ppm",
                            "Drift of the clock; 10 are a jump by a millisecond every 100 seconds")
                        ->type_name("PPM")
