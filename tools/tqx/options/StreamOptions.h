@@ -61,13 +61,8 @@ public:
     /// Whether the input is read as a receiver that sends: by one thread.
     bool isLive() const { return live; }
 
-    /// The inputs as they were given.
-    const std::vector<std::string>& getFiles() const { return files; }
-
     /// Whether standard input is one of them.
     bool hasStandardInput() const;
-
-    bool isQuiet() const { return quiet; }
 
     /// The selection that they ask for. Throws ToolError for bad arguments.
     Selection& getSelection();
