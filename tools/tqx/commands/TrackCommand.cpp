@@ -72,16 +72,16 @@ TrackCommand::TrackCommand(CLI::App& program)
                   "point\n"
                   "positioning is quality 5, for want of its own.\n")
 {
-    m_streams.addInputs(app);
-    m_streams.addDamageReport(app);
-    m_streams.addConditions(app);
-    app.add_option("--format", m_format, "Format of the track")
+    m_streams.addInputs(m_app);
+    m_streams.addDamageReport(m_app);
+    m_streams.addConditions(m_app);
+    m_app.add_option("--format", m_format, "Format of the track")
         ->transform(CLI::IsMember(formats, CLI::ignore_case).description(""))
         ->type_name("csv|gpx|kml|geojson|gpkg|nmea")
         ->capture_default_str();
-    app.add_option("--source", m_source, "Kind of block that has the positions, by name or number")
+    m_app.add_option("--source", m_source, "Kind of block that has the positions, by name or number")
         ->type_name("TYPE");
-    app.add_option("-o,--output", m_target, "File to write instead of standard output")
+    m_app.add_option("-o,--output", m_target, "File to write instead of standard output")
         ->type_name("FILE");
 }
 
