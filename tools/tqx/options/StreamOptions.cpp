@@ -60,7 +60,7 @@ void StreamOptions::addConditions(CLI::App& command)
 
 bool StreamOptions::hasStandardInput() const
 {
-    return std::find(m_files.begin(), m_files.end(), "-") != files.end();
+    return std::find(m_files.begin(), m_files.end(), "-") != m_files.end();
 }
 
 Selection& StreamOptions::getSelection()
