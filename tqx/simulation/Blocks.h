@@ -39,8 +39,11 @@ void addTimeOffsets(BlockLog& log, const Epoch& epoch, const Receiver& receiver)
 /// The date and the time of day.
 void addTime(BlockLog& log, const Epoch& epoch);
 
-/// The ephemeris of a GPS, Galileo or BeiDou satellite, from each of its messages.
+/// The ephemeris of a GPS, Galileo, BeiDou, QZSS or NavIC satellite, from each of its messages.
 void addKeplerEphemeris(BlockLog& log, const Epoch& epoch, const Satellite& satellite);
+
+/// The ephemeris of an SBAS satellite.
+void addSbasEphemeris(BlockLog& log, const Epoch& epoch, const Satellite& satellite);
 
 /// The ephemeris of a GLONASS satellite.
 void addGlonassEphemeris(BlockLog& log, const Epoch& epoch, const Satellite& satellite);

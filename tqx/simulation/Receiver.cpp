@@ -28,11 +28,14 @@ double Sight::elevation() const
     return std::asin(direction.z) * degrees;
 }
 
-Receiver::Receiver(Random& source, const TrackSettings& settings, double start)
-    : m_random(source), m_track(settings), m_initialBias(source.uniform(-3e-4, 3e-4)),
-      m_clockDrift(source.uniform(-1.5e-7, 1.5e-7)), m_frame(settings.start)
+Receiver::Receiver(Random& source, const TrackSettings& track, double start,
+                   const ReceiverSettings& settings)
+    : m_random(source), m_slips(4711), m_slipsPerHour(settings.slipsPerHour), m_track(track),
+      m_initialBias(source.uniform(-3e-4, 3e-4)), m_clockDrift(source.uniform(-1.5e-7, 1.5e-7)),
+      m_frame(track.start)
 {
-    for (const NominalSatellite& nominal : nominalSatellites())
+    m_clockDrift = settings.clockDrift.value_or(m_clockDrift);
+    for (const NominalSatellite& nominal : nominalSatellites(settings.systems))
         m_satellites.push_back(std::make_unique<Satellite>(nominal, source, start));
     m_channels.resize(m_satellites.size());
     m_numbersInUse.resize(m_satellites.size() + 1);
@@ -100,6 +103,17 @@ Receiver::Geometry Receiver::geometry(const Satellite& satellite, double& flight
         dot(towards, speed - m_antenna.velocity) / (1 + dot(towards, speed - sweep) / speedOfLight);
     view.direction = m_frame.toLocal(towards);
     return view;
+}
+
+/// Lock is lost and found again within an epoch: the phases go on from other whole cycles.
+void Receiver::slip(Channel& channel, const Epoch& epoch)
+{
+    constexpr uint64_t most = 50;
+    for (double& ambiguity : channel.ambiguities) {
+        const auto cycles = static_cast<double>(1 + m_slips.below(most));
+        ambiguity += m_slips.chance(0.5) ? cycles : -cycles;
+    }
+    channel.since = epoch.elapsed;
 }
 
 void Receiver::startTracking(Channel& channel, const Epoch& epoch)
@@ -185,6 +199,7 @@ void Receiver::advance(const Epoch& epoch)
 {
     constexpr double correlation = 90; // seconds over which reflections change
     m_reflectionsKept = std::exp((m_lastElapsed - epoch.elapsed) / correlation);
+    m_step = epoch.elapsed - m_lastElapsed;
     m_lastElapsed = epoch.elapsed;
     advanceClock(epoch.elapsed);
     m_time = epoch.time - m_clockBias;
@@ -201,6 +216,8 @@ void Receiver::advance(const Epoch& epoch)
         if (view.direction.z >= std::sin(maskElevation / degrees)) {
             if (channel.number == 0)
                 startTracking(channel, epoch);
+            else if (m_slipsPerHour > 0 && m_slips.chance(m_slipsPerHour * m_step / 3600))
+                slip(channel, epoch);
             observe(*m_satellites[i], channel, view, epoch);
         } else if (channel.number != 0) {
             m_numbersInUse[std::exchange(channel.number, uint8_t{0})] = false;

@@ -6,6 +6,7 @@
 #include "tqx/simulation/Track.h"
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace tqx::simulation
@@ -51,12 +52,20 @@ struct Sight {
     double elevation() const;
 };
 
+/// What a receiver is like.
+struct ReceiverSettings {
+    unsigned systems = globalSystems; ///< bits of those that it tracks
+    std::optional<double> clockDrift; ///< seconds per second, random without
+    double slipsPerHour = 0;          ///< of each satellite, on all of its signals at once
+};
+
 /// A receiver and its antenna: what it tracks and measures, and the position it finds.
 class Receiver
 {
 public:
     /// `start` in seconds since the start of the almanac week.
-    Receiver(Random& random, const TrackSettings& track, double start);
+    Receiver(Random& random, const TrackSettings& track, double start,
+             const ReceiverSettings& settings = {});
 
     /// Moves to an epoch; epochs come in order.
     void advance(const Epoch& epoch);
@@ -73,7 +82,8 @@ public:
     uint8_t getClockJumps() const { return static_cast<uint8_t>(m_clockJumps & 0xff); }
 
     /// Seconds by which the receiver's paths delay the signals of a system against those of GPS.
-    static constexpr std::array<double, systemCount> systemDelays = {0, 31.7e-9, 4.3e-9, -12.9e-9};
+    static constexpr std::array<double, systemCount> systemDelays = {
+        0, 31.7e-9, 4.3e-9, -12.9e-9, 0.6e-9, 18.2e-9, 1.1e-9};
 
     /// Height of the geoid above the ellipsoid at the antenna, metres.
     static constexpr double undulation = 44.5;
@@ -101,6 +111,7 @@ private:
     void advanceClock(double elapsed);
     void selectCandidates(double time);
     Geometry geometry(const Satellite& satellite, double& flight) const;
+    void slip(Channel& channel, const Epoch& epoch);
     void startTracking(Channel& channel, const Epoch& epoch);
     void observe(const Satellite& satellite, Channel& channel, const Geometry& view,
                  const Epoch& epoch);
@@ -108,6 +119,9 @@ private:
                    double ionosphere);
 
     Random& m_random;
+    Random m_slips; ///< when locks are lost; of its own, so that all else stays the same
+    double m_slipsPerHour;
+    double m_step = 0; ///< seconds since the last epoch
     Track m_track;
     std::vector<std::unique_ptr<Satellite>> m_satellites;
     std::vector<Channel> m_channels;  ///< by satellite

@@ -11,6 +11,7 @@
 #include <CLI/Validators.hpp>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -21,6 +22,10 @@ namespace
 {
 
 constexpr double longest = 1e8; // seconds
+
+/// Each at the place of its number.
+const std::vector<std::string> systemNames = {"gps",  "glonass", "galileo", "beidou",
+                                              "qzss", "navic",   "sbas"};
 
 } // namespace
 
@@ -45,11 +50,14 @@ SimulateCommand::SimulateCommand(CLI::App& program)
 {
     declareLength();
     declareTrack();
+    declareReceiver();
     addWhole(m_app, "--seed", m_settings.seed, 0, std::numeric_limits<uint64_t>::max(),
              "Start of the random numbers")
         ->type_name("NUMBER");
     m_app.add_flag("--damage", m_settings.damage,
                    "Flip bits, cut blocks and put junk between them");
+    m_app.add_flag("--compact", m_settings.compact,
+                   "Send the measurements in compact blocks as well: residues between full epochs");
     m_app.add_flag("--mixed", m_settings.mixed,
                    "Put NMEA sentences, RTCM 3 frames and replies between the blocks");
     m_app.add_option("-o,--output", m_target, "File to write instead of standard output")
@@ -71,6 +79,34 @@ void SimulateCommand::declareLength()
     addReal(m_app, "--rate", m_rate, 1e-4, 1000, "hertz",
             "Epochs a second; the period must be whole milliseconds")
         ->type_name("HERTZ");
+}
+
+void SimulateCommand::declareReceiver()
+{
+    m_app.add_option("--systems", m_systems, "Satellite systems that the receiver tracks")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->transform(CLI::IsMember(systemNames, CLI::ignore_case).description(""))
+        ->type_name("gps|glonass|galileo|beidou|qzss|navic|sbas")
+        ->default_str("gps,glonass,galileo,beidou");
+    m_clockDrift = addReal(m_app, "--clock-drift", m_partsPerMillion, -100, 100, "ppm",
+                           "Drift of the clock; 10 are a jump by a millisecond every 100 seconds")
+                       ->type_name("PPM")
+                       ->default_str("");
+    addReal(m_app, "--slips", m_settings.receiver.slipsPerHour, 0, 3600, "an hour",
+            "How often lock on a satellite is lost, in the mean")
+        ->type_name("PER_HOUR");
+}
+
+void SimulateCommand::readReceiver()
+{
+    simulation::ReceiverSettings& receiver = m_settings.receiver;
+    receiver.systems = 0;
+    for (const std::string& name : m_systems)
+        receiver.systems |=
+            1U << (std::find(systemNames.begin(), systemNames.end(), name) - systemNames.begin());
+    if (m_clockDrift->count() != 0)
+        receiver.clockDrift = m_partsPerMillion * 1e-6;
 }
 
 void SimulateCommand::declareTrack()
@@ -143,6 +179,7 @@ ExitStatus SimulateCommand::run()
                                                 : Kind::Static;
     readStart();
     readPosition();
+    readReceiver();
     if (m_settings.size != 0 && m_duration->count() == 0)
         m_settings.duration = longest;
     refuseTerminal(m_target);

@@ -61,8 +61,13 @@ public:
     /// Whether the input is read as a receiver that sends: by one thread.
     bool isLive() const { return m_live; }
 
+    /// The inputs as they were given.
+    const std::vector<std::string>& getFiles() const { return m_files; }
+
     /// Whether standard input is one of them.
     bool hasStandardInput() const;
+
+    bool isQuiet() const { return m_quiet; }
 
     /// The selection that they ask for. Throws ToolError for bad arguments.
     Selection& getSelection();
@@ -75,11 +80,6 @@ public:
     /// The same before a table for each type is written into a folder: throws ToolError when one of
     /// those that may be written is an input.
     void checkBeforeFolder(const std::string& folder);
-
-    /// The inputs, "-" for standard input.
-    const std::vector<std::string>& getFiles() const { return m_files; }
-
-    bool isQuiet() const { return m_quiet; }
 
     /// What --limit says, 0 for none.
     uint64_t getLimit() const { return m_limit; }

@@ -1,5 +1,7 @@
 #include "tqx/gnss/observation/ObservationGatherer.h"
 
+#include "tqx/gnss/observation/CompactReader.h"
+
 #include "TQX_codec.h"
 
 #include <fmt/format.h>
@@ -20,6 +22,11 @@ constexpr uint16_t pvtCartesian2 = 4006;
 constexpr uint16_t pvtGeodetic2 = 4007;
 constexpr uint16_t measEpoch2 = 4027;
 constexpr uint16_t measFullRange = 4098;
+constexpr uint16_t compactRanges = 4109;
+constexpr uint16_t compactCn0 = 4110;
+constexpr uint16_t compactDoppler = 4111;
+constexpr uint16_t compactFlags = 4112;
+constexpr uint16_t compactMultipath = 4113;
 constexpr uint16_t measEpoch1 = 5889;
 constexpr uint16_t shortMeasEpoch = 5890;
 constexpr uint16_t pvtCartesian1 = 5903;
@@ -27,9 +34,10 @@ constexpr uint16_t pvtGeodetic1 = 5904;
 constexpr uint16_t endOfMeas = 5922;
 constexpr uint16_t genMeasEpoch = 5944;
 
-constexpr uint16_t wanted[] = {measExtra,     pvtCartesian2, pvtGeodetic2,   measEpoch2,
-                               measFullRange, measEpoch1,    shortMeasEpoch, pvtCartesian1,
-                               pvtGeodetic1,  endOfMeas,     genMeasEpoch};
+constexpr uint16_t wanted[] = {measExtra,     pvtCartesian2,    pvtGeodetic2, measEpoch2,
+                               measFullRange, compactRanges,    compactCn0,   compactDoppler,
+                               compactFlags,  compactMultipath, measEpoch1,   shortMeasEpoch,
+                               pvtCartesian1, pvtGeodetic1,     endOfMeas,    genMeasEpoch};
 
 constexpr double lightSpeed = 299792458;
 constexpr double noRealValue = -2e10;
@@ -92,6 +100,16 @@ std::vector<std::string> ObservationLosses::describe() const
 bool ObservationGatherer::wants(uint16_t blockNumber)
 {
     return std::binary_search(std::begin(wanted), std::end(wanted), blockNumber);
+}
+
+ObservationGatherer::ObservationGatherer(Receiver receiver) : m_receiver(std::move(receiver)) {}
+
+ObservationGatherer::~ObservationGatherer() = default;
+
+void ObservationGatherer::advance(GnssMillis time)
+{
+    if (m_source != Source::None && time > m_epoch.time)
+        close();
 }
 
 /// Whether measurements of this source are to be added to the epoch at hand.
@@ -255,14 +273,71 @@ void ObservationGatherer::takeFullRange(const void* block)
     }
 }
 
+/// Compact epochs are completed even where another generation of the same epoch counts, for the
+/// sake of those after them.
+void ObservationGatherer::takeCompact(uint16_t number, const void* block)
+{
+    const auto& header = as<TQX_MainHeader_s>(block);
+    const auto time = gnssMillis(header.TOW, header.WNc);
+    if (!m_compact)
+        m_compact = std::make_unique<CompactReader>();
+    if (number == compactRanges) {
+        const auto& record = as<TQX_Meas3Ranges_s>(block);
+        if (record.Scrambled != 0)
+            return;
+        if (begin(header, Source::Compact)) {
+            m_epoch.clockJumps = record.Revision >= 1 ? record.CumClkJumps : uint8_t{0};
+            m_epoch.isSteered = record.ClockSteering != 0;
+            m_isE6B = record.E6BUsed != 0;
+            m_isSmoothed = record.CodeSmoothing != 0;
+        }
+        if (time)
+            m_compact->take(record, *time);
+    } else if (!time) {
+        return;
+    } else if (number == compactCn0) {
+        m_compact->take(as<TQX_Meas3CN0HiRes_s>(block), *time);
+    } else if (number == compactDoppler) {
+        m_compact->take(as<TQX_Meas3Doppler_s>(block), *time);
+    } else if (number == compactFlags) {
+        m_compact->take(as<TQX_Meas3PP_s>(block), *time);
+    } else {
+        m_compact->take(as<TQX_Meas3MP_s>(block), *time);
+    }
+}
+
+/// The observations of the compact epoch at hand, which has ended.
+void ObservationGatherer::addCompact()
+{
+    for (const CompactObservation& each : m_compact->finish()) {
+        const uint8_t svid = svidOf({systemLetters[each.constellation], each.number});
+        Observation* const observation = add(svid, each.signal, 0, each.slot);
+        if (!observation)
+            continue;
+        m_evidence.back() = each.evidence;
+        observation->isHalfCycle = each.isHalfCycle;
+        observation->isSmoothed = m_isSmoothed;
+        observation->doppler = each.doppler;
+        observation->cn0 = each.cn0;
+        observation->lockTime = each.lockTime;
+        observation->multipath = each.multipath;
+        const double frequency = carrierFrequency(each.signal, observation->channel);
+        if (each.range)
+            observation->range = static_cast<double>(*each.range) * 1e-3;
+        if (each.carrier && frequency > 0 && (!isFdma(each.signal) || each.slot != 0))
+            observation->phase =
+                static_cast<double>(*each.carrier) * 1e-3 * (frequency / lightSpeed);
+    }
+    m_losses.incomplete = m_compact->getIncomplete();
+}
+
 void ObservationGatherer::takeExtra(const void* block)
 {
     const auto& record = as<TQX_MeasExtra_s>(block);
     const auto time = gnssMillis(record.TOW, record.WNc);
     if (!time)
         return;
-    if (m_source != Source::None && *time > m_epoch.time)
-        close();
+    advance(*time);
     if (*time != m_extrasTime)
         m_extras.clear();
     m_extrasTime = *time;
@@ -295,8 +370,7 @@ void ObservationGatherer::takeBias(const TQX_MainHeader_s& header, double bias, 
     const auto time = gnssMillis(header.TOW, header.WNc);
     if (!time)
         return;
-    if (m_source != Source::None && *time > m_epoch.time)
-        close();
+    advance(*time);
     if (bias == noRealValue || std::isnan(bias) || (system != 0 && system != noTimeSystem))
         return;
     m_biasTime = *time;
@@ -332,6 +406,12 @@ void ObservationGatherer::take(const DecodedBlock& decoded)
         return begin(header, Source::Short) ? takeShort(block) : void();
     case measFullRange:
         return begin(header, Source::FullRange) ? takeFullRange(block) : void();
+    case compactRanges:
+    case compactCn0:
+    case compactDoppler:
+    case compactFlags:
+    case compactMultipath:
+        return takeCompact(decoded.block.getNumber(), block);
     case measExtra:
         return takeExtra(block);
     case pvtCartesian2:
@@ -389,6 +469,8 @@ void ObservationGatherer::close()
     if (m_source != Source::None && m_last && m_epoch.time <= *m_last) {
         ++m_losses.outOfOrder;
     } else if (m_source != Source::None) {
+        if (m_source == Source::Compact)
+            addCompact();
         if (m_extrasTime == m_epoch.time)
             for (const Extra& extra : m_extras)
                 join(extra);

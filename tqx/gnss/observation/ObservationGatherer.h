@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -16,6 +17,8 @@
 
 namespace tqx
 {
+
+class CompactReader;
 
 /// What of a log's measurements did not become observations.
 struct TQX_GNSS_API ObservationLosses {
@@ -30,9 +33,10 @@ struct TQX_GNSS_API ObservationLosses {
 };
 
 /// Makes epochs of observations from the measurement blocks of a log, whatever their generation:
-/// MeasEpoch2, GenMeasEpoch, MeasFullRange, MeasEpoch1 and ShortMeasEpoch, with what MeasExtra adds
-/// and the clock bias of the position blocks. Where an epoch comes in several generations, the
-/// first of these counts. Keeps one epoch in memory.
+/// MeasEpoch2, GenMeasEpoch, MeasFullRange, Meas3Ranges with its extensions, MeasEpoch1 and
+/// ShortMeasEpoch, with what MeasExtra adds and the clock bias of the position blocks. Where an
+/// epoch comes in several generations, the first of these counts. Keeps one epoch in memory, and
+/// what completes compact measurements.
 ///
 ///     ObservationGatherer gatherer([](ObservationEpoch& epoch) { use(epoch); });
 ///     while (stream.next(block))
@@ -47,13 +51,17 @@ public:
     /// reported with the next that is.
     using Receiver = std::function<bool(ObservationEpoch& epoch)>;
 
-    explicit ObservationGatherer(Receiver receiver) : m_receiver(std::move(receiver)) {}
+    explicit ObservationGatherer(Receiver receiver);
+    ~ObservationGatherer();
 
     /// Whether blocks of this number have anything to do with observations.
     static bool wants(uint16_t blockNumber);
 
     /// A block that decoded and is wanted, in the order of the log.
     void take(const DecodedBlock& decoded);
+
+    /// No measurement of an earlier time follows: an epoch before that is given out.
+    void advance(GnssMillis time);
 
     /// The log has ended.
     void finish() { close(); }
@@ -62,7 +70,7 @@ public:
 
 private:
     /// Generations of measurements, the better the later.
-    enum class Source : uint8_t { None, Short, First, FullRange, Generic, Second };
+    enum class Source : uint8_t { None, Short, First, Compact, FullRange, Generic, Second };
 
     struct Extra {
         uint8_t svid;
@@ -86,6 +94,8 @@ private:
     void takeShort(const void* record);
     void takeFirst(const void* record);
     void takeFullRange(const void* record);
+    void takeCompact(uint16_t number, const void* record);
+    void addCompact();
     void takeExtra(const void* record);
     void takeBias(const Kor::MessageApi::TQX_MainHeader_s& header, double bias, uint8_t system);
     void join(const Extra& extra);
@@ -103,9 +113,11 @@ private:
     GnssMillis m_extrasTime = 0;
     Source m_source = Source::None; ///< of the epoch at hand
     bool m_isE6B = false;
+    bool m_isSmoothed = false;        ///< of a compact epoch
     std::optional<GnssMillis> m_last; ///< time of the last epoch that was given out
     GnssMillis m_biasTime = 0;
     double m_bias = notMeasured;
+    std::unique_ptr<CompactReader> m_compact; ///< once there are such blocks
     ObservationLosses m_losses;
 };
 

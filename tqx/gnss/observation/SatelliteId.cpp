@@ -50,4 +50,12 @@ std::optional<SatelliteId> satelliteOf(uint8_t svid)
     return satellite;
 }
 
+uint8_t svidOf(const SatelliteId& satellite)
+{
+    for (unsigned svid = 1; svid < satellites.size(); ++svid)
+        if (satellites[svid] == satellite)
+            return static_cast<uint8_t>(svid);
+    return 0;
+}
+
 } // namespace tqx

@@ -46,4 +46,7 @@ constexpr unsigned systemIndex(char system)
 /// satellites whose slot is not known yet and for identifiers without a satellite.
 TQX_GNSS_API std::optional<SatelliteId> satelliteOf(uint8_t svid);
 
+/// The reverse: the identifier in blocks, 0 for a satellite that has none.
+TQX_GNSS_API uint8_t svidOf(const SatelliteId& satellite);
+
 } // namespace tqx
