@@ -38,6 +38,9 @@ void RinexRun::take(BlockStream& stream, const Block& block)
         return;
     if (const int32_t result = m_decoder.decode(block); result < 0)
         return stream.reportUndecodable(block, result);
+    // What a block says holds for the epochs after it.
+    if (const auto time = block.getTime(); time && number == SetUp::blockNumber)
+        m_gatherer.advance(*time);
     if (isForHeader)
         m_survey.take(m_decoder.getDecoded());
     if (isMessage)
@@ -130,11 +133,14 @@ void RinexRun::writeObservations(ByteSource& source)
         const bool isSetUp = number == SetUp::blockNumber;
         if ((!isSetUp && !ObservationGatherer::wants(number)) || m_decoder.decode(block) < 0)
             continue;
-        if (isSetUp)
-            for (const auto& output : m_outputs)
-                output->rinex.change(SetUp::of(m_decoder.getDecoded()));
-        else
+        if (!isSetUp) {
             gatherer.take(m_decoder.getDecoded());
+            continue;
+        }
+        if (const auto time = block.getTime())
+            gatherer.advance(*time);
+        for (const auto& output : m_outputs)
+            output->rinex.change(SetUp::of(m_decoder.getDecoded()));
     }
     gatherer.finish();
 }

@@ -106,6 +106,12 @@ ObservationGatherer::ObservationGatherer(Receiver receiver) : m_receiver(std::mo
 
 ObservationGatherer::~ObservationGatherer() = default;
 
+void ObservationGatherer::advance(GnssMillis time)
+{
+    if (m_source != Source::None && time > m_epoch.time)
+        close();
+}
+
 /// Whether measurements of this source are to be added to the epoch at hand.
 bool ObservationGatherer::begin(const TQX_MainHeader_s& header, Source source)
 {
@@ -331,8 +337,7 @@ void ObservationGatherer::takeExtra(const void* block)
     const auto time = gnssMillis(record.TOW, record.WNc);
     if (!time)
         return;
-    if (m_source != Source::None && *time > m_epoch.time)
-        close();
+    advance(*time);
     if (*time != m_extrasTime)
         m_extras.clear();
     m_extrasTime = *time;
@@ -365,8 +370,7 @@ void ObservationGatherer::takeBias(const TQX_MainHeader_s& header, double bias, 
     const auto time = gnssMillis(header.TOW, header.WNc);
     if (!time)
         return;
-    if (m_source != Source::None && *time > m_epoch.time)
-        close();
+    advance(*time);
     if (bias == noRealValue || std::isnan(bias) || (system != 0 && system != noTimeSystem))
         return;
     m_biasTime = *time;

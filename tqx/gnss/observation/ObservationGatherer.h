@@ -60,6 +60,9 @@ public:
     /// A block that decoded and is wanted, in the order of the log.
     void take(const DecodedBlock& decoded);
 
+    /// No measurement of an earlier time follows: an epoch before that is given out.
+    void advance(GnssMillis time);
+
     /// The log has ended.
     void finish() { close(); }
 

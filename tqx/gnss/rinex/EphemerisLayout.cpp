@@ -12,7 +12,8 @@ using E = Ephemeris;
 using Fields = std::vector<LayoutField>;
 
 constexpr LayoutField blank = {};
-constexpr double kilo = 1e-3; // kilometres of what is in metres
+constexpr LayoutField zero = {nullptr, 0}; ///< as most files have it, which some readers expect
+constexpr double kilo = 1e-3;              // kilometres of what is in metres
 
 const Fields legacy = {
     {&E::af0},       {&E::af1},    {&E::af2},      {&E::iode},        //
@@ -41,7 +42,7 @@ const Fields beiDou = {
     {&E::e},      {&E::cus},    {&E::sqrtA},    {&E::toe},         //
     {&E::cic},    {&E::omega0}, {&E::cis},      {&E::i0},          //
     {&E::crc},    {&E::omega},  {&E::omegaDot}, {&E::iDot},        //
-    blank,        {&E::week},   blank,          {&E::accuracy},    //
+    zero,         {&E::week},   zero,           {&E::accuracy},    //
     {&E::health}, {&E::delay1}, {&E::delay2},   {&E::transmitted}, //
     {&E::iodc},
 };

@@ -9,8 +9,8 @@ namespace tqx::rinex
 
 /// A number in a record of an ephemeris.
 struct LayoutField {
-    double Ephemeris::*member = nullptr; ///< null for a field that stays blank
-    double scale = 1;
+    double Ephemeris::*member = nullptr; ///< null for a spare field
+    double scale = 1;                    ///< of a spare field 0 for zero, else it stays blank
 };
 
 /// The numbers of a record in their order: three in the line of the reference time, then four in a

@@ -117,20 +117,28 @@ void appendLeapSeconds(Buffer& out, const LeapSecondsInfo& leap)
     appendHeaderLine(out, text, "LEAP SECONDS");
 }
 
-/// Lines of four numbers after `used` columns of the first, which has as many numbers less.
+void endLine(Buffer& out)
+{
+    const std::string_view text = out.view();
+    out.truncate(text.find_last_not_of(' ') + 1);
+    out.append('\n');
+}
+
+/// `count` numbers, `inFirst` of them in the line at hand and four in each that follows.
 template<typename Value>
 void appendNumbers(Buffer& out, size_t count, size_t inFirst, Value value)
 {
     size_t inLine = 4 - inFirst;
     for (size_t i = 0; i < count; ++i) {
         if (inLine == 4) {
-            out.append("\n    ");
+            endLine(out);
+            out.append("    ");
             inLine = 0;
         }
         appendScientific(out, value(i));
         ++inLine;
     }
-    out.append('\n');
+    endLine(out);
 }
 
 void appendEphemeris(Buffer& out, const Ephemeris& ephemeris, RinexVersion version)
@@ -142,7 +150,9 @@ void appendEphemeris(Buffer& out, const Ephemeris& ephemeris, RinexVersion versi
     const auto& layout = rinex::layoutOf(ephemeris.satellite.system, ephemeris.message);
     appendNumbers(out, layout.size(), 3, [&](size_t i) {
         const rinex::LayoutField& entry = layout[i];
-        return entry.member ? ephemeris.*entry.member * entry.scale : Ephemeris::none;
+        if (!entry.member)
+            return entry.scale == 0 ? 0 : Ephemeris::none;
+        return ephemeris.*entry.member * entry.scale;
     });
 }
 
