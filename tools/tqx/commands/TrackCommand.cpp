@@ -79,7 +79,8 @@ TrackCommand::TrackCommand(CLI::App& program)
         ->transform(CLI::IsMember(formats, CLI::ignore_case).description(""))
         ->type_name("csv|gpx|kml|geojson|gpkg|nmea")
         ->capture_default_str();
-    m_app.add_option("--source", m_source, "Kind of block that has the positions, by name or number")
+    m_app
+        .add_option("--source", m_source, "Kind of block that has the positions, by name or number")
         ->type_name("TYPE");
     m_app.add_option("-o,--output", m_target, "File to write instead of standard output")
         ->type_name("FILE");
