@@ -85,6 +85,15 @@ Vector3d glonassAt(const NavigationRecord& r, double since)
     return 1000 * s.head<3>();
 }
 
+/// DO-229, A.4.4.11.
+Vector3d sbasAt(const NavigationRecord& r, double since)
+{
+    const Vector3d position(at(r, 3), at(r, 7), at(r, 11));
+    const Vector3d velocity(at(r, 4), at(r, 8), at(r, 12));
+    const Vector3d acceleration(at(r, 5), at(r, 9), at(r, 13));
+    return 1000 * (position + velocity * since + acceleration * (since * since / 2));
+}
+
 /// The two codes of a system whose ionosphere-free combination is used, with their frequencies and
 /// the seconds by which the clock of the message is ahead of that of each signal.
 struct Pair {
@@ -118,6 +127,18 @@ std::optional<Pair> pairOf(const SatelliteLine& line, const NavigationRecord& r)
         if (has("C2I") && has("C6I"))
             return Pair{"C2I", "C6I", 1561.098, 1268.52, at(r, 25), 0};
         return std::nullopt;
+    case 'J':
+        if (has("C1C") && has("C5Q"))
+            return Pair{"C1C", "C5Q", l1, l5, 0, 0};
+        return std::nullopt;
+    case 'I':
+        if (has("C5A") && has("C9A"))
+            return Pair{"C5A", "C9A", l5, 2492.028, 0, 0};
+        return std::nullopt;
+    case 'S':
+        if (has("C1C") && has("C5I"))
+            return Pair{"C1C", "C5I", l1, l5, 0, 0};
+        return std::nullopt;
     default:
         return std::nullopt;
     }
@@ -131,9 +152,22 @@ double troposphere(double height, double sine)
            std::sqrt(0.002001 + sine * sine);
 }
 
+/// Of the ionosphere-free combination at the zenith, metres.
 double sigmaOf(char system)
 {
-    return system == 'G' ? 0.55 : system == 'R' ? 1.0 : system == 'E' ? 0.35 : 0.7;
+    switch (system) {
+    case 'G':
+        return 0.55;
+    case 'R':
+        return 1;
+    case 'E':
+    case 'I':
+        return 0.35;
+    case 'J':
+        return 0.42;
+    default:
+        return 0.7;
+    }
 }
 
 } // namespace
@@ -177,6 +211,8 @@ std::optional<FixFromRinex::Sent> FixFromRinex::sentBy(const std::string& satell
     double clock = at(*best, 0) + at(*best, 1) * since;
     if (satellite[0] == 'R')
         return Sent{glonassAt(*best, since - clock), clock, best};
+    if (satellite[0] == 'S')
+        return Sent{sbasAt(*best, since - clock), clock, best};
     clock += at(*best, 2) * since * since;
     const auto [position, relativity] = keplerAt(*best, since - clock);
     return Sent{position, clock + relativity, best};
@@ -209,7 +245,7 @@ std::optional<FixResult> FixFromRinex::solve(const Epoch& epoch, const std::stri
         used.push_back({code + lightSpeed * sent->clock, sent->position, system});
     }
     const size_t unknowns = 3 + letters.size();
-    if (used.size() <= unknowns)
+    if (used.size() < unknowns)
         return std::nullopt;
     FixResult fix;
     fix.satellites = used.size();

@@ -142,6 +142,12 @@ INSTANTIATE_TEST_SUITE_P(
              "SIMU00XXX_R_20260061200_01M_01S_MO.rnx"},
         Case{"OneSignal", "--duration 5", "--signal '?1C,C2I' --marker 'graz 2'", "3.05", 5,
              "GRAZ00XXX_R_20260061200_01M_01S_MO.rnx"},
+        Case{"AllSystems",
+             "--duration 20 --position 13,100,20 --systems "
+             "gps,glonass,galileo,beidou,qzss,navic,sbas",
+             "", "3.05", 20, "SIMU00XXX_R_20260061200_01M_01S_MO.rnx"},
+        Case{"SlipsAndClockJumps", "--duration 1200 --rate 0.2 --slips 60 --clock-drift 10", "",
+             "3.05", 240, "SIMU00XXX_R_20260061200_20M_05S_MO.rnx"},
         Case{"Stretch", "--duration 60", "--from 2400:216010 --to '2026-01-06T12:00:30 GPS'",
              "3.05", 20, "SIMU00XXX_R_20260061200_01M_01S_MO.rnx"}),
     [](const auto& instance) { return instance.param.name; });
