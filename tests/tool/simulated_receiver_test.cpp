@@ -107,7 +107,8 @@ TEST(SimulatedReceiver, MeasuresAtTwoAntennas)
         weights += east * east;
     }
     EXPECT_GT(weights, 100);
-    EXPECT_NEAR(sum / weights, 1.5, 0.15); // metres to the east
+    // Metres to the east. Reflections stay for longer than the log is, so that they do not average.
+    EXPECT_NEAR(sum / weights, 1.5, 0.4);
 }
 
 // An almanac and an ephemeris of one satellite place it alike, within what an almanac is good for.
