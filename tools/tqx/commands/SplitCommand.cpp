@@ -55,7 +55,7 @@ ExitStatus SplitCommand::run()
 {
     if (m_limits.every == 0 && m_limits.size == 0)
         throw ToolError("split: --every or --size says where to split (see tqx help split)");
-    const std::vector<std::string>& inputs = m_streams.getInputs();
+    const std::vector<std::string>& inputs = m_streams.getFiles();
     refuseUnreadable(inputs);
     PartNames names(m_target, m_limits.every != 0 ? "{name}-{time}.tqx" : "{name}-{number}.tqx",
                     stemOf(inputs.front()));

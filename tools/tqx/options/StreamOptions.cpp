@@ -7,9 +7,11 @@
 #include "options/NoBlocks.h"
 #include "options/Numbers.h"
 #include "tqx/log/record/TypeNames.h"
+#include "tqx/log/source/JoinedSource.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <limits>
@@ -56,6 +58,11 @@ void StreamOptions::addConditions(CLI::App& command)
         ->group(SelectionOptions::group);
 }
 
+bool StreamOptions::hasStandardInput() const
+{
+    return std::find(m_files.begin(), m_files.end(), "-") != m_files.end();
+}
+
 Selection& StreamOptions::getSelection()
 {
     if (!m_selection)
@@ -83,6 +90,24 @@ void StreamOptions::checkBeforeFolder(const std::string& folder)
     }
 }
 
+bool StreamOptions::canLookAhead() const
+{
+    std::error_code error;
+    return std::all_of(m_files.begin(), m_files.end(), [&error](const std::string& file) {
+        return file != "-" && std::filesystem::is_regular_file(file, error);
+    });
+}
+
+void StreamOptions::lookAhead(const std::function<void(BlockStream&, const Block&)>& consumer) const
+{
+    Selection chosen(m_selections.getRequest());
+    JoinedSource source(m_files, {});
+    BlockStream stream(source);
+    for (Block block = {}; !interrupt::hasCome() && stream.next(block);)
+        if (chosen.accepts(stream, block))
+            consumer(stream, block);
+}
+
 ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
 {
     Selection& chosen = getSelection();
@@ -98,6 +123,7 @@ ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
         if (chosen.accepts(stream, block)) {
             consumer.take(stream, block);
             isLast = m_limit != 0 && consumer.counts(block) && --left == 0;
+            isLast = isLast || consumer.isDone();
         }
         output.commit();
         if (isLast) {

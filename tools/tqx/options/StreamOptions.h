@@ -32,6 +32,9 @@ public:
     /// Whether a selected block is one that the consumer is for, so that it counts for --limit.
     virtual bool counts(const Block&) const { return true; }
 
+    /// Whether nothing more is wanted, asked after each selected block.
+    virtual bool isDone() const { return false; }
+
     /// The stream has ended.
     virtual void end(InputStream&) {}
 };
@@ -59,7 +62,13 @@ public:
     /// Whether the input is read as a receiver that sends: by one thread.
     bool isLive() const { return m_live; }
 
-    const std::vector<std::string>& getInputs() const { return m_files; }
+    /// The inputs as they were given.
+    const std::vector<std::string>& getFiles() const { return m_files; }
+
+    /// Whether standard input is one of them.
+    bool hasStandardInput() const;
+
+    bool isQuiet() const { return m_quiet; }
 
     /// The selection that they ask for. Throws ToolError for bad arguments.
     Selection& getSelection();
@@ -72,6 +81,16 @@ public:
     /// The same before a table for each type is written into a folder: throws ToolError when one of
     /// those that may be written is an input.
     void checkBeforeFolder(const std::string& folder);
+
+    /// What --limit says, 0 for none.
+    uint64_t getLimit() const { return m_limit; }
+
+    /// Whether the inputs are files that can be read twice.
+    bool canLookAhead() const;
+
+    /// Hands the selected blocks to `consumer` before read() does, without limit and without a
+    /// word. Throws DataError for bad arguments.
+    void lookAhead(const std::function<void(BlockStream&, const Block&)>& consumer) const;
 
     /// Hands the selected blocks of the inputs, as one stream, to `consumer`; after as many as
     /// --limit says, nothing more is read. An input that cannot

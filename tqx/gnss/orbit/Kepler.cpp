@@ -1,8 +1,8 @@
-#include "tqx/simulation/Kepler.h"
+#include "tqx/gnss/orbit/Kepler.h"
 
 #include <cmath>
 
-namespace tqx::simulation
+namespace tqx
 {
 
 namespace
@@ -32,7 +32,7 @@ const EarthModel& earthModel(System system)
     static constexpr EarthModel gps = {3.986005e14, 7.2921151467e-5, -4.442807633e-10};
     static constexpr EarthModel galileo = {3.986004418e14, 7.2921151467e-5, -4.442807309e-10};
     static constexpr EarthModel beiDou = {3.986004418e14, 7.2921150e-5, -4.442807309e-10};
-    return system == System::Gps ? gps : system == System::Galileo ? galileo : beiDou;
+    return system == System::Galileo ? galileo : system == System::BeiDou ? beiDou : gps;
 }
 
 KeplerPoint pointAt(const KeplerElements& elements, const EarthModel& model, double elapsed)
@@ -76,4 +76,4 @@ double wrapped(double semicircles)
     return semicircles - 2 * std::round(semicircles / 2);
 }
 
-} // namespace tqx::simulation
+} // namespace tqx

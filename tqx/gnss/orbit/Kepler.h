@@ -1,9 +1,9 @@
 #pragma once
 
-#include "tqx/simulation/Geodesy.h"
-#include "tqx/simulation/Systems.h"
+#include "tqx/gnss/orbit/Geodesy.h"
+#include "tqx/gnss/orbit/System.h"
 
-namespace tqx::simulation
+namespace tqx
 {
 
 /// A Kepler orbit on the rotating earth with the corrections that navigation messages carry, at a
@@ -23,14 +23,15 @@ struct KeplerElements {
     double cic, cis; ///< inclination
 };
 
-/// Constants that the interface document of a system tells its users to compute with.
+/// Constants that the interface document of a system gives for computing with its orbits.
 struct EarthModel {
     double gravitation; ///< cubic metres per second squared
     double rotation;    ///< radians per second
     double relativity;  ///< of the clock, seconds per square root of metre
 };
 
-/// IS-GPS-200, Galileo OS SIS ICD, BDS-SIS-ICD-B1I and B3I.
+/// IS-GPS-200, also for QZSS, NavIC and SBAS; Galileo OS SIS ICD; BDS-SIS-ICD-B1I and B3I. Not of
+/// GLONASS, which sends no Kepler elements.
 const EarthModel& earthModel(System system);
 
 /// Position and the effect of the changing speed on the clock.
@@ -41,10 +42,10 @@ struct KeplerPoint {
 
 KeplerPoint pointAt(const KeplerElements& elements, const EarthModel& model, double elapsed);
 
-/// The same orbit, told for another reference time.
+/// The same orbit for another reference time.
 KeplerElements advanced(const KeplerElements& elements, const EarthModel& model, double elapsed);
 
 /// Between -1 and 1 semicircles.
 double wrapped(double semicircles);
 
-} // namespace tqx::simulation
+} // namespace tqx

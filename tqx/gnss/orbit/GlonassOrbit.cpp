@@ -1,8 +1,8 @@
-#include "tqx/simulation/GlonassOrbit.h"
+#include "tqx/gnss/orbit/GlonassOrbit.h"
 
 #include <cmath>
 
-namespace tqx::simulation
+namespace tqx
 {
 
 namespace
@@ -10,7 +10,7 @@ namespace
 
 constexpr double degree = pi / 180;
 constexpr double rotation = 7.292115e-5;
-constexpr double almanacDay = 9499.5; ///< start of the almanac week, days since J2000
+constexpr double firstDay = 9499.5; ///< start of GPS week 2400, days since J2000
 
 /// Sun or moon on a circle in the ecliptic.
 struct Body {
@@ -65,7 +65,7 @@ Motion moved(const Motion& motion, const Motion& rate, double step)
 
 Vector lunisolarAcceleration(const Vector& position, double time)
 {
-    const double day = almanacDay + time / 86400;
+    const double day = firstDay + time / 86400;
     return pull(sun, position, day) + pull(moon, position, day);
 }
 
@@ -88,4 +88,4 @@ Motion integrated(Motion motion, double time, double target)
     return motion;
 }
 
-} // namespace tqx::simulation
+} // namespace tqx

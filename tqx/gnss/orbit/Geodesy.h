@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-namespace tqx::simulation
+namespace tqx
 {
 
 constexpr double pi = 3.14159265358979323846;
@@ -78,4 +78,4 @@ private:
 /// A place `local` metres east, north and up of another.
 Geodetic moved(const Geodetic& place, const Vector& local);
 
-} // namespace tqx::simulation
+} // namespace tqx

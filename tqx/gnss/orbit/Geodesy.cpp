@@ -1,6 +1,6 @@
-#include "tqx/simulation/Geodesy.h"
+#include "tqx/gnss/orbit/Geodesy.h"
 
-namespace tqx::simulation
+namespace tqx
 {
 
 namespace
@@ -77,4 +77,4 @@ Geodetic moved(const Geodetic& place, const Vector& local)
             place.height + local.z};
 }
 
-} // namespace tqx::simulation
+} // namespace tqx

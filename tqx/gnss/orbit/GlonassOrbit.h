@@ -1,8 +1,8 @@
 #pragma once
 
-#include "tqx/simulation/Geodesy.h"
+#include "tqx/gnss/orbit/Geodesy.h"
 
-namespace tqx::simulation
+namespace tqx
 {
 
 /// Motion of a satellite on the rotating earth.
@@ -11,9 +11,9 @@ struct Motion {
     Vector velocity;
 };
 
-/// Pull of the sun and the moon against that on the earth, on the rotating earth, at a time in
-/// seconds since the start of the almanac week. Mean circular motions of both are good to a few
-/// percent of it.
+/// Pull of the sun and the moon relative to that on the earth, on the rotating earth, at a time in
+/// seconds since the start of GPS week 2400 (2026-01-04). Mean circular motions of both are good to
+/// a few percent of it.
 Vector lunisolarAcceleration(const Vector& position, double time);
 
 /// Moves on by one Runge-Kutta step of `step` seconds under the equations of motion of the
@@ -21,7 +21,8 @@ Vector lunisolarAcceleration(const Vector& position, double time);
 /// stays the same.
 Motion stepped(const Motion& motion, const Vector& acceleration, double step);
 
-/// Moves on from `time` to `target` in equal steps of at most a minute.
+/// Moves on from `time` to `target` (seconds since the start of GPS week 2400) in equal steps of at
+/// most a minute, with the pull of the sun and the moon at each.
 Motion integrated(Motion motion, double time, double target);
 
-} // namespace tqx::simulation
+} // namespace tqx
