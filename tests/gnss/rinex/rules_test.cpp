@@ -57,7 +57,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"ColumnOfPosition", "\n(.*) APPROX", "\n $1APPROX", "APPROX POSITION XYZ"},
         Case{"TimeOfFirst", "0[.]0000000     GPS         TIME OF F",
              "5.0000000     GPS         TIME OF F", "wrong TIME OF FIRST OBS"},
-        Case{"CountOfObservations", "(   G03 )(     3)", "$1     4", "wrong PRN / # OF OBS of G03"},
+        Case{"CountOfObservations", "(   G03)     3", "$1     4", "wrong PRN / # OF OBS of G03"},
         Case{"NumberOfSatellites", "35 (.*# OF SAT)", "34 $1", "wrong # OF SATELLITES"},
         Case{"Digits", "\nG03  ([0-9]+)[.]([0-9]{3})", "\nG03  $1$2.", "no observation"},
         Case{"SecondTwice", "  1[.]0000000  0", "  0.0000000  0", "out of order"},
