@@ -51,6 +51,9 @@ void addGlonassEphemeris(BlockLog& log, const Epoch& epoch, const Satellite& sat
 /// Ionosphere, UTC and system time parameters of all systems.
 void addSystemPages(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
 
+/// Almanacs of all satellites of GPS, Galileo, BeiDou and QZSS.
+void addAlmanacs(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
+
 /// Names of the site, the receiver and its antenna.
 void addSetup(BlockLog& log, const Epoch& epoch, const Geodetic& marker);
 

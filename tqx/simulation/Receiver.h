@@ -46,6 +46,8 @@ struct Sight {
     SatelliteState sent; ///< when the signal left
     unsigned signalCount;
     std::array<Signal, maxSignals> signals;
+    bool hasSecond; ///< the second antenna measures it, too
+    std::array<Signal, maxSignals> secondSignals;
 
     /// In degrees, clockwise from north and above the horizon.
     double azimuth() const;
@@ -56,7 +58,8 @@ struct Sight {
 struct ReceiverSettings {
     unsigned systems = globalSystems; ///< bits of those that it tracks
     std::optional<double> clockDrift; ///< seconds per second, random without
-    double slipsPerHour = 0;          ///< of each satellite, on all of its signals at once
+    bool hasSecondAntenna = false;
+    double slipsPerHour = 0; ///< of each satellite, on all of its signals at once
 };
 
 /// A receiver and its antenna: what it tracks and measures, and the position it finds.
@@ -70,6 +73,8 @@ public:
     /// Moves to an epoch; epochs come in order.
     void advance(const Epoch& epoch);
 
+    /// All of the systems that it tracks, above the horizon and below.
+    const std::vector<std::unique_ptr<Satellite>>& getSatellites() const { return m_satellites; }
     const std::vector<Sight>& getSights() const { return m_sights; }
     const Solution& getSolution() const { return m_estimator.getSolution(); }
     /// Its satellites are those of getSights() that are used, in the same order.
@@ -87,6 +92,9 @@ public:
 
     /// Height of the geoid above the ellipsoid at the antenna, metres.
     static constexpr double undulation = 44.5;
+
+    /// Where the second antenna is, as seen from the first: east, north and up, metres.
+    static constexpr Vector secondAntenna = {1.5, 0, 0};
 
     /// Satellites below are not tracked, degrees.
     static constexpr double maskElevation = 5;
@@ -115,11 +123,16 @@ private:
     void startTracking(Channel& channel, const Epoch& epoch);
     void observe(const Satellite& satellite, Channel& channel, const Geometry& view,
                  const Epoch& epoch);
+    void observeSecond(Sight& sight, Geometry view, Channel& channel, bool isNew,
+                       double ionosphere);
     Signal measure(const Sight& sight, const Geometry& view, Channel& channel, unsigned index,
-                   double ionosphere);
+                   double ionosphere, Random& noise);
 
     Random& m_random;
-    Random m_slips; ///< when locks are lost; of its own, so that all else stays the same
+    // These have random numbers of their own, so that all else stays the same.
+    Random m_slips;
+    Random m_secondNoise;
+    std::vector<Channel> m_secondChannels; ///< of the second antenna, by satellite; or none
     double m_slipsPerHour;
     double m_step = 0; ///< seconds since the last epoch
     Track m_track;

@@ -91,6 +91,8 @@ void Simulation::addBlocks(const Epoch& epoch)
     addNewEphemerides(epoch);
     if (epoch.elapsed == 0 || isDue(epoch, almanacCycle))
         addSystemPages(m_log, epoch, m_receiver);
+    if (m_settings.almanacs && (epoch.elapsed == 0 || isDue(epoch, almanacCycle)))
+        addAlmanacs(m_log, epoch, m_receiver);
     if (isDue(epoch, second)) {
         addTime(m_log, epoch);
         addChannels(m_log, epoch, m_receiver);

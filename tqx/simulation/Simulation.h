@@ -21,8 +21,9 @@ struct SimulationSettings {
     TrackSettings track;
     ReceiverSettings receiver;
     bool damage = false;
-    bool compact = false; ///< with the measurements in compact blocks, too
-    bool mixed = false;   ///< with NMEA, RTCM 3 and text between the blocks, which stay the same
+    bool almanacs = false; ///< with the almanacs of GPS, Galileo, BeiDou and QZSS
+    bool compact = false;  ///< with the measurements in compact blocks, too
+    bool mixed = false;    ///< with NMEA, RTCM 3 and text between the blocks, which stay the same
 };
 
 /// Called after each epoch with the number of bytes it appended; false ends the log there. It may

@@ -5,6 +5,7 @@
 #include "commands/EncodeCommand.h"
 #include "commands/EphemeridesCommand.h"
 #include "commands/ErrorCommand.h"
+#include "commands/EventsCommand.h"
 #include "commands/ExplainCommand.h"
 #include "commands/ExtractCommand.h"
 #include "commands/HelpCommand.h"
@@ -39,6 +40,7 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program)
     commands.push_back(std::make_unique<ObservationsCommand>(program));
     commands.push_back(std::make_unique<EphemeridesCommand>(program));
     commands.push_back(std::make_unique<TrackCommand>(program));
+    commands.push_back(std::make_unique<EventsCommand>(program));
     commands.push_back(std::make_unique<IndexCommand>(program));
     commands.push_back(std::make_unique<TypesCommand>(program));
     commands.push_back(std::make_unique<EncodeCommand>(program));

@@ -39,14 +39,15 @@ SimulateCommand::SimulateCommand(CLI::App& program)
           "  tqx simulate --size 1GB --rate 20 -o big.tqx\n"
           "  tqx simulate --rate 10 --duration 60 --seed 7 --damage | tqx info -\n"
           "  tqx simulate --mixed -o mixed.tqx\n"
+          "  tqx simulate --compact --systems gps,qzss --slips 20 --clock-drift 5 -o rough.tqx\n"
           "\n"
-          "The receiver tracks the nominal constellations of GPS, GLONASS, Galileo and BeiDou on "
-          "up\n"
-          "to three signals each, and sends measurements that agree with its navigation messages:\n"
-          "geometry, clocks, group delays, ionosphere (the broadcast Klobuchar model), "
-          "troposphere\n"
-          "(Saastamoinen in a standard atmosphere) and noise. The same seed gives the same bytes\n"
-          "from one build.\n")
+          "The receiver tracks the nominal constellations of GPS, GLONASS, Galileo and BeiDou, "
+          "and\n"
+          "if asked QZSS, NavIC and SBAS, on up to three signals each. Its measurements agree "
+          "with\n"
+          "the navigation messages: geometry, clocks, group delays, ionosphere (the broadcast\n"
+          "Klobuchar model), troposphere (Saastamoinen in a standard atmosphere) and noise. The\n"
+          "same seed gives the same bytes from one build.\n")
 {
     declareLength();
     declareTrack();
@@ -83,12 +84,19 @@ void SimulateCommand::declareLength()
 
 void SimulateCommand::declareReceiver()
 {
-    m_app.add_option("--systems", m_systems, "Satellite systems that the receiver tracks")
+    m_app
+        .add_option("--systems", m_systems,
+                    "Satellite systems that the receiver tracks, of gps, glonass, galileo, beidou, "
+                    "qzss, navic and sbas; without, the first four")
         ->delimiter(',')
         ->allow_extra_args(false)
         ->transform(CLI::IsMember(systemNames, CLI::ignore_case).description(""))
-        ->type_name("gps|glonass|galileo|beidou|qzss|navic|sbas")
-        ->default_str("gps,glonass,galileo,beidou");
+        ->type_name("SYSTEM,SYSTEM")
+        ->default_str("");
+    m_app.add_flag("--two-antennas", m_settings.receiver.hasSecondAntenna,
+                   "Measure at a second antenna, 1.5 m to the east of the first, as well");
+    m_app.add_flag("--almanacs", m_settings.almanacs,
+                   "Send almanacs of all satellites but those of GLONASS, NavIC and SBAS");
     m_clockDrift = addReal(m_app, "--clock-drift", m_partsPerMillion, -100, 100, "ppm",
                            "Drift of the clock; 10 are a jump by a millisecond every 100 seconds")
                        ->type_name("PPM")

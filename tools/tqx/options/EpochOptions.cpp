@@ -36,7 +36,7 @@ const char* const EpochOptions::notes =
     "UTC, --from '2026-01-06T12:00:00 GPS' GPS time. Epochs before --from are still read, so that\n"
     "a loss of lock at the first one shown is known.\n";
 
-void EpochOptions::addWithoutSignals(CLI::App& command)
+void EpochOptions::addTimes(CLI::App& command)
 {
     command
         .add_option("--from", m_from,
@@ -49,6 +49,11 @@ void EpochOptions::addWithoutSignals(CLI::App& command)
         ->type_name("TIME")
         ->check(refuseEmpty)
         ->group(group);
+}
+
+void EpochOptions::addWithoutSignals(CLI::App& command)
+{
+    addTimes(command);
     addPatterns(command, "--satellite", m_selection.satellites,
                 "Only these satellites: names or patterns such as 'G*,E11'", "NAME,NAME");
 }

@@ -16,6 +16,9 @@ public:
     /// Adds --from, --to, --interval, --satellite and --signal.
     void add(CLI::App& command);
 
+    /// Adds --from and --to alone.
+    void addTimes(CLI::App& command);
+
     /// Adds --from, --to and --satellite alone.
     void addWithoutSignals(CLI::App& command);
 

@@ -254,7 +254,6 @@ void CompactReader::complete(Entry& entry, const Entry* master)
         {time, *observation.range, moment.rate.value_or(0), moment.rate.has_value(), carrier},
         m_isReference);
     known.time = m_time;
-    known.lockTime = observation.lockTime;
     known.jumps = m_jumps;
     if (m_isReference)
         known.jumpsAtReference = m_jumps;

@@ -70,7 +70,6 @@ private:
     };
     struct Known {
         CompactSignal signal;
-        double lockTime = notMeasured;
         GnssMillis time = 0;
         uint8_t jumps = 0;
         uint8_t jumpsAtReference = 0;

@@ -1,7 +1,7 @@
 #include "tqx/gnss/position/PositionBlocks.h"
 
-#include "tqx/gnss/orbit/Geodesy.h"
 #include "tqx/gnss/position/FieldNames.h"
+#include "tqx/gnss/position/PositionFilling.h"
 #include "tqx/log/record/TypeNames.h"
 
 #include "TQX_codec.h"
@@ -13,128 +13,10 @@ namespace tqx
 {
 
 using namespace Kor::MessageApi;
+using namespace filling;
 
 namespace
 {
-
-constexpr double degree = pi / 180;
-
-/// Floating-point values that are not available are stored as this number.
-double known(double value)
-{
-    return value <= -2e10 || !std::isfinite(value) ? notKnown : value;
-}
-
-/// A scaled integer, all ones for what is not available.
-double known(uint16_t value, double scale)
-{
-    return value == 65535 ? notKnown : value * scale;
-}
-
-Fix fixOfMode(unsigned mode)
-{
-    static constexpr Fix fixes[] = {Fix::None,         Fix::Standalone, Fix::Differential,
-                                    Fix::Differential, Fix::RtkFixed,   Fix::RtkFloat,
-                                    Fix::Estimated,    Fix::Manual,     Fix::Ppp,
-                                    Fix::Ppp,          Fix::RtkFixed,   Fix::RtkFloat};
-    return mode < std::size(fixes) ? fixes[mode] : Fix::Standalone;
-}
-
-/// Of the inertial filter. What the GNSS positions are that it uses, only some blocks say.
-Fix fixOfInertialMode(unsigned mode, unsigned gnssMode)
-{
-    constexpr unsigned withGnss = 3;
-    if (mode == 0)
-        return Fix::None;
-    const Fix used = fixOfMode(gnssMode);
-    return mode > withGnss ? Fix::Estimated : used == Fix::None ? Fix::Standalone : used;
-}
-
-/// Variances and covariances of earth-fixed coordinates.
-struct Variances {
-    double xx, yy, zz, xy, xz, yz;
-
-    double along(const Vector& d) const
-    {
-        return d.x * d.x * xx + d.y * d.y * yy + d.z * d.z * zz +
-               2 * (d.x * d.y * xy + d.x * d.z * xz + d.y * d.z * yz);
-    }
-};
-
-Geodetic placeOf(const Position& position)
-{
-    return {position.latitude * degree, position.longitude * degree, position.height};
-}
-
-/// True if there are coordinates.
-bool setPlace(Position& position, double latitude, double longitude, double height)
-{
-    position.latitude = known(latitude) / degree;
-    position.longitude = known(longitude) / degree;
-    position.height = known(height);
-    return std::isfinite(position.latitude) && std::isfinite(position.longitude);
-}
-
-bool setEarthFixed(Position& position, double x, double y, double z)
-{
-    const Vector point = {known(x), known(y), known(z)};
-    if (!std::isfinite(length(point)) || length(point) < 1000) // zeros are no place
-        return false;
-    const Geodetic place = toGeodetic(point);
-    return setPlace(position, place.latitude, place.longitude, place.height);
-}
-
-void setVelocity(Position& position, double north, double east, double up)
-{
-    position.north = known(north);
-    position.east = known(east);
-    position.up = known(up);
-}
-
-void setEarthFixedVelocity(Position& position, double x, double y, double z)
-{
-    const Vector local = LocalFrame(placeOf(position)).toLocal({known(x), known(y), known(z)});
-    setVelocity(position, local.y, local.x, local.z);
-}
-
-void setDeviations(Position& position, double north, double east, double up)
-{
-    position.level = AccuracyLevel::Sigma;
-    position.horizontalAccuracy = std::hypot(north, east);
-    position.verticalAccuracy = up;
-}
-
-void setVariances(Position& position, const Variances& variances)
-{
-    const LocalFrame frame(placeOf(position));
-    setDeviations(position, std::sqrt(variances.along(frame.getNorth())),
-                  std::sqrt(variances.along(frame.getEast())),
-                  std::sqrt(variances.along(frame.getUp())));
-}
-
-void setBounds(Position& position, double horizontal, double vertical, double spatial = notKnown)
-{
-    position.horizontalAccuracy = horizontal;
-    position.verticalAccuracy = vertical;
-    position.spatialAccuracy = spatial;
-    if (std::isfinite(horizontal) || std::isfinite(vertical) || std::isfinite(spatial))
-        position.level = AccuracyLevel::Percent95;
-}
-
-template<typename Record>
-void setAttitude(Position& position, const Record& attitude)
-{
-    position.heading = known(attitude.Heading);
-    position.pitch = known(attitude.Pitch);
-    position.roll = known(attitude.Roll);
-}
-
-template<typename Record>
-void setCorrections(Position& position, const Record& record)
-{
-    position.correctionAge = known(record.MeanCorrAge, 0.01);
-    position.reference = record.ReferenceID == 65535 ? -1 : record.ReferenceID;
-}
 
 /// False, as of all functions below, when there is no solution.
 template<typename Record>

@@ -5,4 +5,5 @@ list(APPEND public_headers
 target_sources(tqx-gnss PRIVATE
     position/FieldNames.cpp
     position/PositionBlocks.cpp
+    position/PositionFilling.cpp
     position/SourceChoice.cpp)
