@@ -145,7 +145,8 @@ ExitStatus DumpCommand::run()
             return std::make_unique<RawJsonWriter>(filter);
         return std::make_unique<ValueJsonWriter>(filter);
     };
-    ParallelDump dump(output, makeWriter, streams.isLive() ? 1 : 0);
+    OutputTarget text(output);
+    ParallelDump dump(text, makeWriter, streams.isLive() ? 1 : 0);
     return streams.read(dump, dump);
 }
 

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "TQX_codec.h"
+#include "output/BatchText.h"
 #include "output/BlockWriter.h"
-#include "tqx/log/record/DecodedBlock.h"
-#include "tqx/log/text/Buffer.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -12,6 +11,14 @@
 
 namespace tqx::tool
 {
+
+/// What decoding carries on from block to block of a stream.
+struct StreamState {
+    StreamState() { TQX_init_context(&context); }
+
+    Kor::MessageApi::TQX_Context_s context;
+    std::vector<uint64_t> messages; ///< that decoded so far, by record type
+};
 
 /// Consecutive blocks of a stream with their records, and the text that a writer made of them. A
 /// batch belongs to one thread at a time.
@@ -23,17 +30,17 @@ public:
     BlockBatch(const BlockBatch&) = delete;
     BlockBatch& operator=(const BlockBatch&) = delete;
 
-    bool isEmpty() const { return entries.empty(); }
-    bool isFull() const { return bytes.size() >= enoughBytes || recordBytes >= enoughRecords; }
+    bool isEmpty() const { return m_entries.empty(); }
+    bool isFull() const { return m_bytes.size() >= enoughBytes || m_recordBytes >= enoughRecords; }
 
     /// Decodes a copy of a block. Returns the bits consumed or the codec's negative code. Only
     /// while the batch is not full.
-    int32_t add(Kor::MessageApi::TQX_Context_s& context, const Block& block);
+    int32_t add(StreamState& state, const Block& block);
 
     /// Has the text made of all blocks.
-    void write(BlockWriter& writer);
+    void write(BatchWriter& writer);
 
-    const Buffer& getText() const { return text; }
+    const BatchText& getText() const { return m_text; }
 
     /// Forgets blocks and text, and keeps their memory.
     void clear();
@@ -48,11 +55,11 @@ private:
         void operator()(std::byte* memory) const;
     };
 
-    std::vector<uint8_t> bytes; ///< of the blocks; never grows beyond what it was made with
-    std::unique_ptr<std::byte, RecordsDeleter> records; ///< one behind the other
-    size_t recordBytes = 0;                             ///< that are in use
-    std::vector<DecodedBlock> entries;
-    Buffer text;
+    std::vector<uint8_t> m_bytes; ///< of the blocks; never grows beyond what it was made with
+    std::unique_ptr<std::byte, RecordsDeleter> m_records; ///< one after the other
+    size_t m_recordBytes = 0;                             ///< that are in use
+    std::vector<BatchEntry> m_entries;
+    BatchText m_text;
 };
 
 } // namespace tqx::tool

@@ -7,101 +7,105 @@
 namespace tqx::tool
 {
 
-ParallelDump::ParallelDump(Output& target, MakeWriter make, unsigned wanted)
-    : output(target), makeWriter(std::move(make)),
-      threadCount(wanted != 0 ? wanted : std::thread::hardware_concurrency()),
-      ownWriter(makeWriter()), filling(std::make_unique<BlockBatch>())
+ParallelDump::ParallelDump(BatchTarget& target, MakeWriter makeWriter, unsigned threads)
+    : m_target(target), m_makeWriter(std::move(makeWriter)),
+      m_threadCount(threads != 0 ? threads : std::thread::hardware_concurrency()),
+      m_ownWriter(m_makeWriter()), m_filling(std::make_unique<BlockBatch>())
 {
     // Reading and decoding keep up with about this many.
     constexpr unsigned most = 8;
-    threadCount = std::min(threadCount, most);
-    TQX_init_context(&context);
+    m_threadCount = std::min(m_threadCount, most);
 }
 
 ParallelDump::~ParallelDump()
 {
     {
-        const std::lock_guard lock(mutex);
-        isEnding = true;
+        const std::lock_guard lock(m_mutex);
+        m_isEnding = true;
     }
-    hasWork.notify_all();
-    for (std::thread& thread : threads)
+    m_hasWork.notify_all();
+    for (std::thread& thread : m_threads)
         thread.join();
 }
 
 void ParallelDump::take(BlockStream& stream, const Block& block)
 {
-    const int32_t result = filling->add(context, block);
+    const int32_t result = m_filling->add(m_state, block);
+    m_isHandedOn = false;
     if (result < 0 && result != unknownNumber)
         stream.reportUndecodable(block, result);
-    if (filling->isFull())
-        submit();
+    if (m_filling->isFull())
+        submit(false);
 }
 
 void ParallelDump::handOn()
 {
-    if (!filling->isEmpty())
-        submit();
+    if (m_isHandedOn)
+        return;
+    m_isHandedOn = true;
+    submit(true);
 }
 
 void ParallelDump::flush()
 {
     handOn();
     {
-        std::unique_lock lock(mutex);
-        while (!jobs.empty())
+        std::unique_lock lock(m_mutex);
+        while (!m_jobs.empty())
             help(lock);
     }
     throwFailure();
-    output.flush();
+    m_target.flush();
 }
 
 // A few blocks, such as those of a short log or of a receiver that sends once a second, are not
 // worth a thread.
-void ParallelDump::submit()
+void ParallelDump::submit(bool isLast)
 {
     throwFailure();
-    if (threads.empty() && filling->isFull() && threadCount > 1)
+    if (m_threads.empty() && m_filling->isFull() && m_threadCount > 1)
         startThreads();
-    if (threads.empty())
-        return writeHere();
-    std::unique_lock lock(mutex);
-    jobs.push_back({std::move(filling), false});
-    hasWork.notify_one();
-    while (idle.empty())
+    if (m_threads.empty())
+        return writeHere(isLast);
+    std::unique_lock lock(m_mutex);
+    m_jobs.push_back({std::move(m_filling), isLast, false});
+    m_hasWork.notify_one();
+    while (m_idle.empty())
         help(lock);
-    filling = std::move(idle.back());
-    idle.pop_back();
+    m_filling = std::move(m_idle.back());
+    m_idle.pop_back();
 }
 
-void ParallelDump::writeHere()
+void ParallelDump::writeHere(bool isLast)
 {
-    filling->write(*ownWriter);
-    output.write(filling->getText().view());
-    filling->clear();
+    m_filling->write(*m_ownWriter);
+    m_target.put(m_filling->getText());
+    if (isLast)
+        m_target.flush();
+    m_filling->clear();
 }
 
 void ParallelDump::startThreads()
 {
-    for (unsigned i = 0; i < threadCount; ++i) {
-        idle.push_back(std::make_unique<BlockBatch>());
-        idle.push_back(std::make_unique<BlockBatch>());
+    for (unsigned i = 0; i < m_threadCount; ++i) {
+        m_idle.push_back(std::make_unique<BlockBatch>());
+        m_idle.push_back(std::make_unique<BlockBatch>());
     }
     try {
-        while (threads.size() + 1 < threadCount)
-            threads.emplace_back(
-                [this, writer = std::shared_ptr<BlockWriter>(makeWriter())] { work(*writer); });
+        while (m_threads.size() + 1 < m_threadCount)
+            m_threads.emplace_back(
+                [this, writer = std::shared_ptr<BatchWriter>(m_makeWriter())] { work(*writer); });
     } catch (const std::system_error&) {
-        threadCount = static_cast<unsigned>(threads.size()) + 1; // that the system grants us
+        m_threadCount = static_cast<unsigned>(m_threads.size()) + 1; // that the system grants us
     }
 }
 
-void ParallelDump::work(BlockWriter& writer)
+void ParallelDump::work(BatchWriter& writer)
 {
-    std::unique_lock lock(mutex);
+    std::unique_lock lock(m_mutex);
     for (;;) {
-        hasWork.wait(lock, [this] { return isEnding || claimed < jobs.size(); });
-        if (claimed == jobs.size())
+        m_hasWork.wait(lock, [this] { return m_isEnding || m_claimed < m_jobs.size(); });
+        if (m_claimed == m_jobs.size())
             return;
         doJob(lock, writer);
     }
@@ -110,16 +114,16 @@ void ParallelDump::work(BlockWriter& writer)
 /// What the caller's thread does until something has come out.
 void ParallelDump::help(std::unique_lock<std::mutex>& lock)
 {
-    if (claimed < jobs.size())
-        doJob(lock, *ownWriter);
+    if (m_claimed < m_jobs.size())
+        doJob(lock, *m_ownWriter);
     else
-        hasRoom.wait(lock);
+        m_hasRoom.wait(lock);
 }
 
-void ParallelDump::doJob(std::unique_lock<std::mutex>& lock, BlockWriter& writer)
+void ParallelDump::doJob(std::unique_lock<std::mutex>& lock, BatchWriter& writer)
 {
-    Job& job = jobs[claimed++]; // stays where it is while others come and go
-    const bool isWanted = !failure && !isEnding;
+    Job& job = m_jobs[m_claimed++]; // stays where it is while others come and go
+    const bool isWanted = !m_failure && !m_isEnding;
     lock.unlock();
     std::exception_ptr trouble;
     try {
@@ -129,45 +133,48 @@ void ParallelDump::doJob(std::unique_lock<std::mutex>& lock, BlockWriter& writer
         trouble = std::current_exception();
     }
     lock.lock();
-    if (trouble && !failure)
-        failure = trouble;
+    if (trouble && !m_failure)
+        m_failure = trouble;
     job.isWritten = true;
     outputInOrder(lock);
 }
 
 void ParallelDump::outputInOrder(std::unique_lock<std::mutex>& lock)
 {
-    if (isOutput)
+    if (m_isOutput)
         return; // by the thread that does it
-    isOutput = true;
-    while (!jobs.empty() && jobs.front().isWritten) {
-        BlockBatch& batch = *jobs.front().batch;
-        const bool isWanted = !failure;
+    m_isOutput = true;
+    while (!m_jobs.empty() && m_jobs.front().isWritten) {
+        BlockBatch& batch = *m_jobs.front().batch;
+        const bool isLast = m_jobs.front().isLast;
+        const bool isWanted = !m_failure;
         lock.unlock();
         std::exception_ptr trouble;
         try {
             if (isWanted)
-                output.write(batch.getText().view());
+                m_target.put(batch.getText());
+            if (isWanted && isLast)
+                m_target.flush();
         } catch (...) {
             trouble = std::current_exception();
         }
         batch.clear();
         lock.lock();
         if (trouble)
-            failure = trouble;
-        idle.push_back(std::move(jobs.front().batch));
-        jobs.pop_front();
-        --claimed;
-        hasRoom.notify_one();
+            m_failure = trouble;
+        m_idle.push_back(std::move(m_jobs.front().batch));
+        m_jobs.pop_front();
+        --m_claimed;
+        m_hasRoom.notify_one();
     }
-    isOutput = false;
+    m_isOutput = false;
 }
 
 void ParallelDump::throwFailure()
 {
-    const std::lock_guard lock(mutex);
-    if (failure)
-        std::rethrow_exception(failure);
+    const std::lock_guard lock(m_mutex);
+    if (m_failure)
+        std::rethrow_exception(m_failure);
 }
 
 } // namespace tqx::tool

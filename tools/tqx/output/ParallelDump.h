@@ -1,8 +1,8 @@
 #pragma once
 
-#include "io/Output.h"
 #include "io/Sink.h"
 #include "options/StreamOptions.h"
+#include "output/BatchTarget.h"
 #include "output/BlockBatch.h"
 #include "output/BlockWriter.h"
 
@@ -25,11 +25,11 @@ namespace tqx::tool
 class ParallelDump final : public BlockConsumer, public Sink
 {
 public:
-    using MakeWriter = std::function<std::unique_ptr<BlockWriter>()>;
+    using MakeWriter = std::function<std::unique_ptr<BatchWriter>()>;
 
     /// `makeWriter` is called on the caller's thread, for one writer a thread. `threads` 0 stands
     /// for the number of processors; 1 makes all text on the caller's thread.
-    ParallelDump(Output& output, MakeWriter makeWriter, unsigned threads = 0);
+    ParallelDump(BatchTarget& target, MakeWriter makeWriter, unsigned threads = 0);
     ~ParallelDump() override;
     ParallelDump(const ParallelDump&) = delete;
     ParallelDump& operator=(const ParallelDump&) = delete;
@@ -42,36 +42,38 @@ public:
 private:
     struct Job {
         std::unique_ptr<BlockBatch> batch;
+        bool isLast;            ///< before more of the input is waited for
         bool isWritten = false; ///< whether its text has been made
     };
 
-    void submit();
-    void writeHere();
+    void submit(bool isLast);
+    void writeHere(bool isLast);
     void startThreads();
-    void work(BlockWriter& writer);
+    void work(BatchWriter& writer);
     void help(std::unique_lock<std::mutex>& lock);
-    void doJob(std::unique_lock<std::mutex>& lock, BlockWriter& writer);
+    void doJob(std::unique_lock<std::mutex>& lock, BatchWriter& writer);
     void outputInOrder(std::unique_lock<std::mutex>& lock);
     void throwFailure();
 
-    Output& output;
-    MakeWriter makeWriter;
-    unsigned threadCount;
-    Kor::MessageApi::TQX_Context_s context;
-    std::unique_ptr<BlockWriter> ownWriter;
-    std::unique_ptr<BlockBatch> filling;
+    BatchTarget& m_target;
+    MakeWriter m_makeWriter;
+    unsigned m_threadCount;
+    StreamState m_state;
+    bool m_isHandedOn = false; ///< whether all that was taken is
+    std::unique_ptr<BatchWriter> m_ownWriter;
+    std::unique_ptr<BlockBatch> m_filling;
 
-    std::mutex mutex; ///< of what follows
-    std::condition_variable hasWork;
-    std::condition_variable hasRoom;
-    std::deque<Job> jobs;  ///< in the order of the stream, until their text is out
-    size_t claimed = 0;    ///< of the jobs, those that a thread has begun
-    bool isOutput = false; ///< whether a thread is putting out the first job
-    bool isEnding = false;
-    std::exception_ptr failure; ///< of the first text that could not be made or put out
-    std::vector<std::unique_ptr<BlockBatch>> idle;
+    std::mutex m_mutex; ///< of what follows
+    std::condition_variable m_hasWork;
+    std::condition_variable m_hasRoom;
+    std::deque<Job> m_jobs;  ///< in the order of the stream, until their text is out
+    size_t m_claimed = 0;    ///< of the jobs, those that a thread has begun
+    bool m_isOutput = false; ///< whether a thread is putting out the first job
+    bool m_isEnding = false;
+    std::exception_ptr m_failure; ///< of the first text that could not be made or put out
+    std::vector<std::unique_ptr<BlockBatch>> m_idle;
 
-    std::vector<std::thread> threads;
+    std::vector<std::thread> m_threads;
 };
 
 } // namespace tqx::tool

@@ -33,6 +33,8 @@ bool isLeftOut(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const F
         return field.kind == TQX_FieldKind::Bits || field.kind == TQX_FieldKind::Derived;
     case ShownFields::WithoutFiller:
         return filter.isEverything() && isFiller(type, field);
+    case ShownFields::WithoutHeader:
+        return filter.isEverything() && isHeaderField(type, field);
     }
     return false;
 }
@@ -71,9 +73,10 @@ RecordPlan planRecord(const TQX_TypeLayout& type, const FieldFilter& filter, Sho
         if (memberRow != lastRow) {
             const TQX_FieldLayout& member = type.fields[memberRow];
             plan.members.push_back({&member,
+                                    facts + memberRow,
                                     kindOf(member),
                                     member.presence != TQX_Presence::Always,
-                                    member.recordType == 0 ? TQX_elementSize(member) : 0,
+                                    TQX_elementSize(member),
                                     {},
                                     nullptr});
             lastRow = memberRow;

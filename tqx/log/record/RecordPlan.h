@@ -39,9 +39,10 @@ struct RecordPlan {
         /// Where it is. Of bit ranges of a number it is that number, shown or not; TQX_isPresent()
         /// of it holds for its parts.
         const Kor::MessageApi::TQX_FieldLayout* field;
+        const Kor::MessageApi::TQX_FieldFacts* facts;
         Kind kind;
         bool isOptional; ///< whether records may be without it
-        uint32_t size;   ///< of an element in bytes, 0 for sub-blocks
+        uint32_t size;   ///< of an element in bytes; of sub-blocks that of their records
         /// Of a number: it and its bit ranges, as far as they are shown. Of anything else: itself.
         std::vector<Part> parts;
         std::unique_ptr<RecordPlan> plan; ///< of the sub-blocks
@@ -58,6 +59,7 @@ enum class ShownFields : uint8_t {
     OnWire,        ///< those with bytes of their own: no bit ranges, no derived values
     WithoutFiller, ///< no header but time of week and week, no padding, unless the filter names
                    ///< them
+    WithoutHeader, ///< no header, unless the filter names fields of it
 };
 
 /// The plan of a type, sub-blocks included. Layouts and facts live as long as the codec; the filter

@@ -2,6 +2,7 @@
 
 #include "TQX_Layout.h"
 #include "tqx/log/record/FieldFilter.h"
+#include "tqx/log/record/MemberReader.h"
 #include "tqx/log/text/Buffer.h"
 #include "tqx_log_export.h"
 
@@ -27,7 +28,7 @@ class TQX_LOG_API CsvTable
 public:
     /// A table below another one: the entries of an array of sub-blocks.
     struct Child {
-        const Kor::MessageApi::TQX_FieldLayout* field;
+        MemberReader member;
         std::unique_ptr<CsvTable> table;
     };
 
@@ -40,34 +41,38 @@ public:
     CsvTable& operator=(const CsvTable&) = delete;
 
     /// Whether records have a row of their own, beside those of the children.
-    bool hasRows() const { return showsKey || !columns.empty(); }
+    bool hasRows() const { return m_showsKey || !m_columns.empty(); }
 
     /// Names of the columns with their units: "Height [meter]".
-    const std::vector<std::string>& getColumns() const { return columns; }
+    const std::vector<std::string>& getColumns() const { return m_columns; }
 
-    const std::vector<Child>& getChildren() const { return children; }
+    const std::vector<Child>& getChildren() const { return m_children; }
 
     /// Appends the cells of a record of the type, each with a comma in front.
     void appendCells(Buffer& out, const void* record);
 
-    /// Number of entries that a record has in the array of a child, and the records of them.
-    uint32_t countEntries(const Child& child, const void* record) const;
-    static const void* entry(const Child& child, const void* record, uint32_t index);
+    /// Number of entries that a record has in the array of a child.
+    static uint32_t countEntries(const Child& child, const void* record)
+    {
+        return child.member.isPresent(record) ? child.member.countElements(record) : 0;
+    }
 
 private:
     struct Step;
 
-    void addStep(const Kor::MessageApi::TQX_FieldLayout& member);
-    void addCell(int row, bool isPart);
-    void addSubBlock(const Kor::MessageApi::TQX_FieldLayout& field, const FieldFilter& shown);
-    void appendStep(Buffer& out, Step& step, const void* record);
+    CsvTable(const RecordPlan& plan, const CsvStyle& style);
+    void add(const RecordPlan& plan, const RecordPlan::Member& member);
+    void addStep(const RecordPlan& plan, const RecordPlan::Member& member);
+    void addCells(Step& step, const std::vector<RecordPlan::Part>& parts);
+    void appendNumber(Buffer& out, Step& step, const void* record) const;
+    void appendOther(Buffer& out, Step& step, const void* record) const;
 
-    const Kor::MessageApi::TQX_TypeLayout& type;
-    CsvStyle style;
-    std::vector<std::string> columns;
-    std::vector<Step> steps;
-    std::vector<Child> children;
-    bool showsKey = false; ///< the filter names what the key columns hold
+    const Kor::MessageApi::TQX_TypeLayout& m_type;
+    CsvStyle m_style;
+    std::vector<std::string> m_columns;
+    std::vector<Step> m_steps;
+    std::vector<Child> m_children;
+    bool m_showsKey = false; ///< the filter names what the key columns hold
 };
 
 } // namespace tqx
