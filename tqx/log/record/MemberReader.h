@@ -58,7 +58,9 @@ public:
     /// The first of the elements, and how far the next one is from it in bytes.
     const char* getElements(const void* record) const
     {
-        return static_cast<const char*>(TQX_element(*m_field, record));
+        return m_kind == RecordPlan::Kind::Blocks
+                   ? static_cast<const char*>(TQX_element(*m_field, record))
+                   : static_cast<const char*>(record) + m_offset;
     }
     uint32_t getStride() const { return m_size; }
 
