@@ -84,8 +84,8 @@ class Writers
 {
 public:
     explicit Writers(const std::vector<std::string>& fields)
-        : filter(fields), text(filter, tqx::Paragraph::Values::Scaled),
-          storedText(filter, tqx::Paragraph::Values::Stored), values(filter), stored(filter)
+        : filter(fields), text(filter), storedText(filter, tqx::ValueStyle{true}), values(filter),
+          stored(filter)
     {
     }
 
@@ -129,11 +129,11 @@ private:
         std::unique_ptr<tqx::FlatCsv>& table = tables[type * 4 + style];
         if (!table)
             table = std::make_unique<tqx::FlatCsv>(
-                *TQX_layout(type), filter, tqx::CsvStyle{(style & 1U) != 0, (style & 2U) != 0});
+                *TQX_layout(type), filter, tqx::CsvStyle{{(style & 1U) != 0}, (style & 2U) != 0});
         check(
             [&](tqx::Buffer& to) {
                 table->writeHeader(to);
-                table->write(to, record);
+                table->write(to, record, 0);
             },
             checkTable);
     }

@@ -5,6 +5,7 @@
 #include "output/CsvDump.h"
 #include "output/ParallelDump.h"
 #include "tqx/log/record/FieldFilter.h"
+#include "tqx/log/select/RowCondition.h"
 #include "tqx/log/write/Paragraph.h"
 #include "tqx/log/write/RawJson.h"
 #include "tqx/log/write/ValueJson.h"
@@ -14,6 +15,7 @@
 #include <CLI/Validators.hpp>
 
 #include <memory>
+#include <optional>
 
 namespace tqx::tool
 {
@@ -40,7 +42,7 @@ private:
 class ValueJsonWriter : public BlockWriter
 {
 public:
-    explicit ValueJsonWriter(const FieldFilter& filter) : json(filter) {}
+    ValueJsonWriter(const FieldFilter& filter, const ValueStyle& style) : json(filter, style) {}
     void write(Buffer& out, const DecodedBlock& decoded) override { json.write(out, decoded); }
     void writeOther(Buffer& out, const DecodedBlock& decoded) override
     {
@@ -55,8 +57,8 @@ private:
 class TextWriter : public BlockWriter
 {
 public:
-    TextWriter(const FieldFilter& filter, bool raw)
-        : paragraph(filter, raw ? Paragraph::Values::Stored : Paragraph::Values::Scaled)
+    TextWriter(const FieldFilter& filter, const ValueStyle& style, bool isUtc)
+        : paragraph(filter, style, isUtc)
     {
     }
     void write(Buffer& out, const DecodedBlock& decoded) override
@@ -103,7 +105,13 @@ DumpCommand::DumpCommand(CLI::App& program)
           "and\n"
           "joins the two. Elements of other arrays share a cell, parted by semicolons. UTC is from "
           "the\n"
-          "leap seconds known in 2025; what is not available is an empty cell.\n"
+          "leap seconds known in 2025; what is not available is an empty cell. --rows leaves out "
+          "rows:\n"
+          "its condition, written like those of --where but without any, names fields of the "
+          "row's\n"
+          "message or sub-block and of those around it, the nearest first. A table whose rows "
+          "have\n"
+          "none of the fields is left with its header.\n"
           "\n" +
               std::string(SelectionOptions::notes))
 {
@@ -115,6 +123,18 @@ DumpCommand::DumpCommand(CLI::App& program)
         ->type_name("text|jsonl|csv")
         ->capture_default_str();
     app.add_flag("--raw", raw, "Values as they are stored, without scale, unit and names");
+    app.add_option("--units", units, "How units are written in text and csv: meter, or m")
+        ->transform(CLI::IsMember({"words", "symbols"}, CLI::ignore_case).description(""))
+        ->type_name("words|symbols")
+        ->capture_default_str();
+    app.add_flag("--degrees", degrees,
+                 "Show angles in degrees that are in radians; --where and --rows stay in radians");
+    app.add_flag("--utc", utc,
+                 "Show the times of blocks in text in UTC; jsonl and csv always have it");
+    app.add_option("--rows", rows,
+                   "Only csv rows that meet a condition, such as "
+                   "'SVID like \"G*\" and CN0_dBHz > 45'")
+        ->type_name("CONDITION");
     app.add_flag("--csv-safe", csvSafe,
                  "Put an apostrophe in front of csv texts that a spreadsheet would take for "
                  "formulas: those that begin with = + - @, a tab or a carriage return");
@@ -135,15 +155,25 @@ ExitStatus DumpCommand::run()
     streams.checkBefore(target);
     if (csvSafe && format != "csv")
         throw ToolError("dump: --csv-safe goes with --format csv");
-    if (format == "csv")
-        return dumpCsv(streams, filter, {raw, csvSafe}, target);
+    if (degrees && raw)
+        throw ToolError("dump: --degrees is for scaled values, --raw shows them as stored");
+    if (!rows.empty() && format != "csv")
+        throw ToolError("dump: --rows goes with --format csv; --where selects blocks");
+    const ValueStyle style = {raw, degrees, units == "symbols"};
+    if (format == "csv") {
+        std::optional<RowCondition> condition;
+        if (!rows.empty())
+            condition.emplace(rows, streams.getSelection().getTypes());
+        return dumpCsv(streams, filter, {style, csvSafe, condition ? &*condition : nullptr},
+                       target);
+    }
     Output output(target);
     const auto makeWriter = [&]() -> std::unique_ptr<BlockWriter> {
         if (format == "text")
-            return std::make_unique<TextWriter>(filter, raw);
+            return std::make_unique<TextWriter>(filter, style, utc);
         if (raw)
             return std::make_unique<RawJsonWriter>(filter);
-        return std::make_unique<ValueJsonWriter>(filter);
+        return std::make_unique<ValueJsonWriter>(filter, style);
     };
     OutputTarget text(output);
     ParallelDump dump(text, makeWriter, streams.isLive() ? 1 : 0);

@@ -20,6 +20,10 @@ private:
     std::string format = "text";
     bool raw = false;
     bool csvSafe = false;
+    bool degrees = false;
+    bool utc = false;
+    std::string units = "words";
+    std::string rows;
 };
 
 } // namespace tqx::tool

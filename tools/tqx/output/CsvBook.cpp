@@ -10,7 +10,7 @@ namespace tqx::tool
 
 CsvBook::CsvBook(const Kor::MessageApi::TQX_TypeLayout& type, const FieldFilter& shown,
                  const CsvStyle& style)
-    : m_recordType(type.recordType), m_table(type, shown, style)
+    : m_recordType(type.recordType), m_style(style.values), m_table(type, shown, style)
 {
     addSheets(m_table, type.name, {});
 }
@@ -30,7 +30,7 @@ void CsvBook::addSheets(CsvTable& table, const std::string& name,
 void CsvBook::appendHeader(Buffer& out, size_t table) const
 {
     const Sheet& sheet = m_sheets[table];
-    CsvKey::appendColumns(out);
+    CsvKey::appendColumns(out, m_style);
     for (const CsvTable::Child* child : sheet.path) {
         out.append(',');
         out.append(csv::cell(std::string(child->member.getField().name) + " index"));
@@ -56,6 +56,8 @@ void CsvBook::write(BatchText& out, CsvKey& key, const void* record, uint64_t in
 void CsvBook::writeRows(Buffer& out, const Sheet& sheet, size_t depth, const void* record)
 {
     if (depth == sheet.path.size()) {
+        if (!sheet.table->accepts(record))
+            return;
         m_start.reserve(Buffer::chunk);
         out.appendPadded(m_start.data(), m_start.size());
         sheet.table->appendCells(out, record);

@@ -49,6 +49,7 @@ private:
     void writeRows(Buffer& out, const Sheet& sheet, size_t depth, const void* record);
 
     uint32_t m_recordType;
+    ValueStyle m_style;
     CsvTable m_table;
     std::vector<Sheet> m_sheets;
     Buffer m_start; ///< the cells that rows begin with

@@ -3,7 +3,6 @@
 #include "tqx/log/record/Members.h"
 #include "tqx/log/text/FixedNumber.h"
 #include "tqx/log/text/PrintableText.h"
-#include "tqx/log/value/ShownDecimals.h"
 
 #include <charconv>
 #include <cmath>
@@ -47,14 +46,15 @@ void appendBitMask(Buffer& out, uint64_t value, unsigned width)
 } // namespace
 
 FieldText::FieldText(const TQX_FieldLayout& layout, const TQX_FieldFacts& facts, bool isPacked,
-                     bool stored)
-    : bits(layout, isPacked), width(layout.width), isStored(stored),
+                     const ValueStyle& style)
+    : bits(layout, isPacked), width(layout.width), isStored(style.isStored),
       isBitMask(facts.has(TQX_FieldFacts::BitMask) && !bits.isSigned() && !bits.isReal()),
-      scale(TQX_scale(facts)), decimals(shownDecimals(facts)), names(layout, facts, notation)
+      scale(shownScale(facts, style)), decimals(shownDecimals(facts, style)),
+      names(layout, facts, notation)
 {
     isTime = isContinuousTime(layout);
-    if (facts.unit != 0)
-        unit = ' ' + std::string(TQX_unit(facts));
+    if (const std::string_view shown = shownUnit(facts, style); !shown.empty())
+        unit = ' ' + std::string(shown);
     if (bits.isReal() && facts.has(TQX_FieldFacts::HasDoNotUse))
         doNotUse = TQX_realDoNotUse(facts);
 }

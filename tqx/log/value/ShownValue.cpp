@@ -11,14 +11,14 @@ namespace tqx
 using namespace Kor::MessageApi;
 
 ShownValue::ShownValue(const TQX_FieldLayout& layout, const TQX_FieldFacts& facts, bool isPacked,
-                       const Notation& shownIn)
+                       const Notation& shownIn, const ValueStyle& style)
     : notation(shownIn), bits(layout, isPacked), names(layout, facts, shownIn)
 {
     if (notation.isStored)
         return;
     isTime = isContinuousTime(layout);
-    if (facts.scale != 0)
-        scale.emplace(TQX_scale(facts));
+    if (const double factor = shownScale(facts, style); factor != 0)
+        scale.emplace(factor);
     if (bits.isReal() && facts.has(TQX_FieldFacts::HasDoNotUse))
         notAvailable = TQX_realDoNotUse(facts);
 }

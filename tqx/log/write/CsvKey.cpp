@@ -31,9 +31,13 @@ std::string timeCells(uint32_t tow, uint16_t week)
 
 } // namespace
 
-void CsvKey::appendColumns(Buffer& out)
+void CsvKey::appendColumns(Buffer& out, const ValueStyle& style)
 {
-    out.append("MessageIndex,WNc [week],TOW [second],UTC");
+    out.append("MessageIndex,WNc [");
+    out.append(shownUnit("week", style));
+    out.append("],TOW [");
+    out.append(shownUnit("second", style));
+    out.append("],UTC");
 }
 
 void CsvKey::append(Buffer& out, uint64_t index, const void* record)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/text/Buffer.h"
+#include "tqx/log/value/ValueStyle.h"
 #include "tqx_log_export.h"
 
 #include <cstdint>
@@ -13,8 +14,8 @@ namespace tqx
 class TQX_LOG_API CsvKey
 {
 public:
-    /// "MessageIndex,WNc [week],TOW [second],UTC"
-    static void appendColumns(Buffer& out);
+    /// "MessageIndex,WNc [week],TOW [second],UTC"; these have units under every style.
+    static void appendColumns(Buffer& out, const ValueStyle& style);
 
     /// Appends the cells of them for a record of a main block, which is the `index`-th of its type,
     /// from 0.

@@ -41,29 +41,35 @@ bool isInKey(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
 } // namespace
 
 CsvTable::CsvTable(const TQX_TypeLayout& type, const FieldFilter& shown, const CsvStyle& style)
-    : CsvTable(planRecord(type, shown, ShownFields::WithoutFiller), style)
+    : CsvTable(planRecord(type, shown, ShownFields::WithoutFiller), style, type, {})
 {
     m_showsKey = m_showsKey && !shown.isEverything();
 }
 
-CsvTable::CsvTable(const RecordPlan& plan, const CsvStyle& style)
-    : m_type(*plan.type), m_style(style)
+CsvTable::CsvTable(const RecordPlan& plan, const CsvStyle& style, const TQX_TypeLayout& main,
+                   const RowCondition::Path& path)
+    : m_type(*plan.type), m_style(style),
+      m_tests(style.rows ? style.rows->find(main, path) : nullptr)
 {
     for (const RecordPlan::Member& member : plan.members)
         if (isInKey(m_type, *member.field))
             m_showsKey = true;
         else
-            add(plan, member);
+            add(plan, member, main, path);
 }
 
 CsvTable::~CsvTable() = default;
 
-void CsvTable::add(const RecordPlan& plan, const RecordPlan::Member& member)
+void CsvTable::add(const RecordPlan& plan, const RecordPlan::Member& member,
+                   const TQX_TypeLayout& main, const RowCondition::Path& path)
 {
     const TQX_FieldLayout& field = *member.field;
     std::unique_ptr<CsvTable> table;
-    if (member.plan)
-        table.reset(new CsvTable(*member.plan, m_style));
+    if (member.plan) {
+        RowCondition::Path inner = path;
+        inner.push_back(&field);
+        table.reset(new CsvTable(*member.plan, m_style, main, inner));
+    }
     if (member.kind == RecordPlan::Kind::Blocks) {
         if (!table->m_columns.empty() || !table->m_children.empty())
             m_children.push_back({MemberReader(plan, member), std::move(table)});
@@ -84,13 +90,13 @@ void CsvTable::addCells(Step& step, const std::vector<RecordPlan::Part>& parts)
     const bool isGuarded = m_style.isSafe && !isArray;
     const Notation notation = {"", isArray ? unquoted : csv::cell,
                                isGuarded ? csv::appendGuardedLatin1 : csv::appendLatin1,
-                               m_style.isStored};
+                               m_style.values.isStored};
     for (const RecordPlan::Part& part : parts) {
         step.values.emplace_back(*part.field, *part.facts, part.field != &step.member.getField(),
-                                 notation);
+                                 notation, m_style.values);
         std::string name = part.field->name;
-        if (part.facts->unit != 0 && !m_style.isStored)
-            name += " [" + std::string(TQX_unit(*part.facts)) + "]";
+        if (const std::string_view unit = shownUnit(*part.facts, m_style.values); !unit.empty())
+            name += " [" + std::string(unit) + "]";
         m_columns.push_back(name);
     }
     step.empty.assign(parts.size(), ',');
@@ -98,7 +104,7 @@ void CsvTable::addCells(Step& step, const std::vector<RecordPlan::Part>& parts)
 
 inline void CsvTable::appendNumber(Buffer& out, Step& step, const void* record) const
 {
-    if (!m_style.isStored && !step.member.isAvailable(record))
+    if (!m_style.values.isStored && !step.member.isAvailable(record))
         return out.append(step.empty);
     const uint64_t word = step.member.getWord(record);
     step.cache.append(out, word, [&step, word](Buffer& to) {

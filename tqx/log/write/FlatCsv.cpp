@@ -35,13 +35,13 @@ size_t widthOf(const CsvTable& table)
 
 FlatCsv::FlatCsv(const Kor::MessageApi::TQX_TypeLayout& type, const FieldFilter& shown,
                  const CsvStyle& style)
-    : m_top(type, shown, style), m_cellsOfChildren(widthOfChildren(m_top))
+    : m_style(style.values), m_top(type, shown, style), m_cellsOfChildren(widthOfChildren(m_top))
 {
 }
 
 void FlatCsv::writeHeader(Buffer& out) const
 {
-    CsvKey::appendColumns(out);
+    CsvKey::appendColumns(out, m_style);
     writeColumns(out, m_top, "");
     out.append('\n');
 }
@@ -91,7 +91,7 @@ void FlatCsv::writeRows(Buffer& out, const CsvTable& table, const void* record, 
         left -= width;
     }
     m_row.truncate(start);
-    if (hasEntries || !table.hasRows())
+    if (hasEntries || !table.hasRows() || !table.accepts(record))
         return;
     m_row.reserve(Buffer::chunk);
     out.appendPadded(m_row.data(), m_row.size());

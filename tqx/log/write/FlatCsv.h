@@ -30,6 +30,7 @@ private:
     void writeColumns(Buffer& out, const CsvTable& table, const std::string& path) const;
     void writeRows(Buffer& out, const CsvTable& table, const void* record, size_t cellsAfter);
 
+    ValueStyle m_style;
     CsvTable m_top;
     size_t m_cellsOfChildren;
     CsvKey m_key;

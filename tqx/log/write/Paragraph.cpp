@@ -3,6 +3,7 @@
 #include "tqx/log/record/MemberReader.h"
 #include "tqx/log/text/PrintableText.h"
 #include "tqx/log/text/TextCache.h"
+#include "tqx/log/time/LeapSeconds.h"
 #include "tqx/log/value/FieldText.h"
 
 #include <fmt/compile.h>
@@ -43,7 +44,7 @@ struct ParagraphPlan {
 namespace
 {
 
-constexpr size_t step = 4;
+constexpr size_t indent = 4;
 
 /// Fills the labels up to where the values begin.
 void alignValues(ParagraphPlan& plan)
@@ -57,11 +58,12 @@ void alignValues(ParagraphPlan& plan)
             line.label.resize(column, ' ');
 }
 
-std::unique_ptr<ParagraphPlan> makePlan(const RecordPlan& shown, bool isStored, size_t indentation)
+std::unique_ptr<ParagraphPlan> makePlan(const RecordPlan& shown, const ValueStyle& style,
+                                        size_t indentation)
 {
     auto plan = std::make_unique<ParagraphPlan>();
     plan->title = describeBlock(shown.type->blockNumber);
-    plan->isStored = isStored;
+    plan->isStored = style.isStored;
     for (const RecordPlan::Member& member : shown.members) {
         plan->steps.push_back({MemberReader(shown, member),
                                member.facts->has(TQX_FieldFacts::Repeated),
@@ -72,15 +74,15 @@ std::unique_ptr<ParagraphPlan> makePlan(const RecordPlan& shown, bool isStored, 
         ParagraphPlan::Step& added = plan->steps.back();
         if (member.plan) {
             added.label = std::string(indentation, ' ') + member.field->name;
-            added.plan = makePlan(*member.plan, isStored, indentation + step);
+            added.plan = makePlan(*member.plan, style, indentation + indent);
             continue;
         }
         for (const RecordPlan::Part& part : member.parts) {
             const bool isBits = part.field->kind == TQX_FieldKind::Bits;
-            const size_t inwards = indentation + (isBits ? step / 2 : 0);
+            const size_t inwards = indentation + (isBits ? indent / 2 : 0);
             const bool isPacked = part.field != member.field;
             added.lines.push_back({std::string(inwards, ' ') + part.field->name,
-                                   FieldText(*part.field, *part.facts, isPacked, isStored)});
+                                   FieldText(*part.field, *part.facts, isPacked, style)});
         }
     }
     alignValues(*plan);
@@ -176,7 +178,10 @@ void writeRecord(Buffer& out, ParagraphPlan& plan, const void* record)
 
 } // namespace
 
-Paragraph::Paragraph(const FieldFilter& shown, Values mode) : filter(shown), values(mode) {}
+Paragraph::Paragraph(const FieldFilter& shown, const ValueStyle& wanted, bool wantsUtc)
+    : filter(shown), style(wanted), isUtc(wantsUtc)
+{
+}
 
 Paragraph::~Paragraph() = default;
 
@@ -187,7 +192,7 @@ ParagraphPlan& Paragraph::planOf(uint32_t recordType)
     std::unique_ptr<ParagraphPlan>& plan = plans[recordType];
     if (!plan)
         plan = makePlan(planRecord(*TQX_layout(recordType), filter, ShownFields::WithoutHeader),
-                        values == Values::Stored, step);
+                        style, indent);
     return *plan;
 }
 
@@ -196,7 +201,9 @@ void Paragraph::appendTitle(Buffer& out, std::string_view what, const Block& blo
     const std::optional<GnssMillis> time = block.getTime();
     if (time != lastTime || lastTimeText.empty()) {
         lastTime = time;
-        lastTimeText = time ? timeText(*time) : "no time";
+        lastTimeText = !time   ? "no time"
+                       : isUtc ? weekText(*time) + "  " + utcText(*time)
+                               : timeText(*time);
     }
     out.append(what);
     out.append("  ");

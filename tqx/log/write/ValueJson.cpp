@@ -40,7 +40,7 @@ namespace
 
 const Notation notation = {"null", json::text, json::appendLatin1};
 
-std::unique_ptr<ValuePlan> makePlan(const RecordPlan& shown)
+std::unique_ptr<ValuePlan> makePlan(const RecordPlan& shown, const ValueStyle& style)
 {
     auto plan = std::make_unique<ValuePlan>();
     plan->opening = PaddedText("{\"block\":" + json::text(shown.type->name));
@@ -50,10 +50,10 @@ std::unique_ptr<ValuePlan> makePlan(const RecordPlan& shown)
         for (const RecordPlan::Part& part : member.parts) {
             const bool isPacked = part.field != member.field;
             step.parts.push_back({PaddedText("," + json::key(part.field->name)),
-                                  ShownValue(*part.field, *part.facts, isPacked, notation)});
+                                  ShownValue(*part.field, *part.facts, isPacked, notation, style)});
         }
         if (member.plan)
-            step.plan = makePlan(*member.plan);
+            step.plan = makePlan(*member.plan, style);
     }
     return plan;
 }
@@ -125,7 +125,10 @@ void writeRecord(Buffer& out, ValuePlan& plan, const void* record)
 
 } // namespace
 
-ValueJson::ValueJson(const FieldFilter& shown) : filter(shown) {}
+ValueJson::ValueJson(const FieldFilter& shown, const ValueStyle& wanted)
+    : filter(shown), style(wanted)
+{
+}
 
 ValueJson::~ValueJson() = default;
 
@@ -135,7 +138,7 @@ ValuePlan& ValueJson::planOf(uint32_t recordType)
         plans.resize(recordType + 1);
     std::unique_ptr<ValuePlan>& plan = plans[recordType];
     if (!plan)
-        plan = makePlan(planRecord(*TQX_layout(recordType), filter, ShownFields::All));
+        plan = makePlan(planRecord(*TQX_layout(recordType), filter, ShownFields::All), style);
     return *plan;
 }
 
