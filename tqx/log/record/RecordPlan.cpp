@@ -50,6 +50,21 @@ RecordPlan::Kind kindOf(const TQX_FieldLayout& member)
     return isNumber(member) ? RecordPlan::Kind::Number : RecordPlan::Kind::Array;
 }
 
+std::vector<RecordPlan::Input> inputsOf(const TQX_TypeLayout& type, const TQX_FieldFacts& facts,
+                                        const OwnerTypes& owners)
+{
+    std::vector<RecordPlan::Input> inputs;
+    for (const TQX_FieldInput& input : TQX_inputs(facts)) {
+        const size_t links = input.linksUp;
+        if (links > owners.size())
+            continue;
+        const TQX_TypeLayout& owner = links == 0 ? type : *owners[owners.size() - links];
+        inputs.push_back({input.linksUp, owner.fields + input.row,
+                          TQX_fieldFacts(owner.recordType) + input.row});
+    }
+    return inputs;
+}
+
 } // namespace
 
 bool isHeaderField(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
@@ -57,10 +72,13 @@ bool isHeaderField(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
     return type.blockNumber != 0 && field.recordOffset <= offsetof(TQX_MainHeader_s, WNc);
 }
 
-RecordPlan planRecord(const TQX_TypeLayout& type, const FieldFilter& filter, ShownFields shown)
+RecordPlan planRecord(const TQX_TypeLayout& type, const FieldFilter& filter, ShownFields shown,
+                      const OwnerTypes& owners)
 {
     const TQX_FieldFacts* facts = TQX_fieldFacts(type.recordType);
     const std::vector<FieldFilter::Shown> chosen = filter.shownIn(type);
+    OwnerTypes innerOwners = owners;
+    innerOwners.push_back(&type);
     RecordPlan plan;
     plan.type = &type;
     plan.isWhole = chosen.size() == type.fieldCount;
@@ -82,10 +100,10 @@ RecordPlan planRecord(const TQX_TypeLayout& type, const FieldFilter& filter, Sho
             lastRow = memberRow;
         }
         RecordPlan::Member& member = plan.members.back();
-        member.parts.push_back({&field, facts + row});
+        member.parts.push_back({&field, facts + row, inputsOf(type, facts[row], owners)});
         if (field.recordType != 0) {
             member.plan = std::make_unique<RecordPlan>(
-                planRecord(*TQX_layout(field.recordType), *inside, shown));
+                planRecord(*TQX_layout(field.recordType), *inside, shown, innerOwners));
             plan.isWhole = plan.isWhole && member.plan->isWhole;
         }
     }
