@@ -33,8 +33,9 @@ const std::string& stream()
 {
     static const std::string bytes =
         runTool({"encode", "tool/data/told.jsonl"}).output +
-        runTool({"encode", "-"},
-                R"({"block":"PVTGeodetic2","fields":{"TOW":216001000,"WNc":2400}})")
+        runTool(
+            {"encode", "-"},
+            R"({"block":"PVTGeodetic2","fields":{"TOW":216001000,"WNc":2400,"Latitude":-2e10,"Height":-2e10}})")
             .output;
     return bytes;
 }
