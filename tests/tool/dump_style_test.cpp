@@ -108,12 +108,13 @@ TEST(DumpStyles, EveryUnitHasASymbol)
 {
     using namespace Kor::MessageApi;
     size_t units = 0;
-    for (uint32_t type = 1; const TQX_TypeLayout* layout = TQX_layout(type); ++type)
+    for (uint32_t type = 1; const TQX_TypeLayout* layout = TQX_layout(type); ++type) {
         for (int row = 0; row < layout->fieldCount; ++row) {
             const std::string_view unit = TQX_unit(TQX_fieldFacts(type)[row]);
             EXPECT_EQ(TQX_unitSymbol(unit).empty(), unit.empty()) << unit;
             units += unit.empty() ? 0 : 1;
         }
+    }
     EXPECT_GT(units, 1000U);
     EXPECT_EQ(TQX_unitSymbol("metersquaredpersecondsquared"), "m²/s²");
     EXPECT_EQ(TQX_unitSymbol("parsec"), "");

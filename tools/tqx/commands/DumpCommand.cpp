@@ -27,30 +27,30 @@ namespace
 class RawJsonWriter : public BlockWriter
 {
 public:
-    explicit RawJsonWriter(const FieldFilter& filter) : json(filter) {}
-    void write(Buffer& out, const DecodedBlock& decoded) override { json.write(out, decoded); }
+    explicit RawJsonWriter(const FieldFilter& filter) : m_json(filter) {}
+    void write(Buffer& out, const DecodedBlock& decoded) override { m_json.write(out, decoded); }
     void writeOther(Buffer& out, const DecodedBlock& decoded) override
     {
-        json.writeBytes(out, decoded.block);
+        m_json.writeBytes(out, decoded.block);
     }
 
 private:
-    RawJson json;
+    RawJson m_json;
 };
 
 /// Scaled values and names as JSON Lines.
 class ValueJsonWriter : public BlockWriter
 {
 public:
-    ValueJsonWriter(const FieldFilter& filter, const ValueStyle& style) : json(filter, style) {}
-    void write(Buffer& out, const DecodedBlock& decoded) override { json.write(out, decoded); }
+    ValueJsonWriter(const FieldFilter& filter, const ValueStyle& style) : m_json(filter, style) {}
+    void write(Buffer& out, const DecodedBlock& decoded) override { m_json.write(out, decoded); }
     void writeOther(Buffer& out, const DecodedBlock& decoded) override
     {
-        json.writeBytes(out, decoded);
+        m_json.writeBytes(out, decoded);
     }
 
 private:
-    ValueJson json;
+    ValueJson m_json;
 };
 
 /// Paragraphs for people.
@@ -58,22 +58,22 @@ class TextWriter : public BlockWriter
 {
 public:
     TextWriter(const FieldFilter& filter, const ValueStyle& style, bool isUtc)
-        : paragraph(filter, style, isUtc)
+        : m_paragraph(filter, style, isUtc)
     {
     }
     void write(Buffer& out, const DecodedBlock& decoded) override
     {
-        paragraph.write(out, decoded.block, decoded.record);
+        m_paragraph.write(out, decoded.block, decoded.record);
     }
     void writeOther(Buffer& out, const DecodedBlock& decoded) override
     {
         // Nothing stands for a block of a known type that did not decode.
         if (TQX_recordType(decoded.block.getNumber()) == 0)
-            paragraph.writeTitle(out, decoded.block);
+            m_paragraph.writeTitle(out, decoded.block);
     }
 
 private:
-    Paragraph paragraph;
+    Paragraph m_paragraph;
 };
 
 } // namespace
@@ -115,69 +115,74 @@ DumpCommand::DumpCommand(CLI::App& program)
           "\n" +
               std::string(SelectionOptions::notes))
 {
-    streams.addInputs(app);
-    streams.addDamageReport(app);
-    streams.addSelection(app);
-    app.add_option("--format", format, "How to write them")
+    m_streams.addInputs(m_app);
+    m_streams.addDamageReport(m_app);
+    m_streams.addSelection(m_app);
+    m_app.add_option("--format", m_format, "How to write them")
         ->transform(CLI::IsMember({"text", "jsonl", "csv"}, CLI::ignore_case).description(""))
         ->type_name("text|jsonl|csv")
         ->capture_default_str();
-    app.add_flag("--raw", raw, "Values as they are stored, without scale, unit and names");
-    app.add_option("--units", units, "How units are written in text and csv: meter, or m")
+    m_app.add_flag("--raw", m_raw, "Values as they are stored, without scale, unit and names");
+    m_app.add_option("--units", m_units, "How units are written in text and csv: meter, or m")
         ->transform(CLI::IsMember({"words", "symbols"}, CLI::ignore_case).description(""))
         ->type_name("words|symbols")
         ->capture_default_str();
-    app.add_flag("--degrees", degrees,
-                 "Show angles in degrees that are in radians; --where and --rows stay in radians");
-    app.add_flag("--utc", utc,
-                 "Show the times of blocks in text in UTC; jsonl and csv always have it");
-    app.add_option("--rows", rows,
-                   "Only csv rows that meet a condition, such as "
-                   "'SVID like \"G*\" and CN0_dBHz > 45'")
+    m_app.add_flag("--degrees", m_degrees,
+                   "Show angles in degrees that are in radians; --where and --rows stay in "
+                   "radians");
+    m_app.add_flag("--utc", m_utc,
+                   "Show the times of blocks in text in UTC; jsonl and csv always have it");
+    m_app
+        .add_option("--rows", m_rows,
+                    "Only csv rows that meet a condition, such as "
+                    "'SVID like \"G*\" and CN0_dBHz > 45'")
         ->type_name("CONDITION");
-    app.add_flag("--csv-safe", csvSafe,
-                 "Put an apostrophe in front of csv texts that a spreadsheet would take for "
-                 "formulas: those that begin with = + - @, a tab or a carriage return");
-    app.add_option("--field", fields,
-                   "Only these fields, in this order; Field.Inner or just Inner for one inside the "
-                   "sub-blocks of Field, Block.Field for one of that block alone")
+    m_app.add_flag("--csv-safe", m_csvSafe,
+                   "Put an apostrophe in front of csv texts that a spreadsheet would take for "
+                   "formulas: those that begin with = + - @, a tab or a carriage return");
+    m_app
+        .add_option(
+            "--field", m_fields,
+            "Only these fields, in this order; Field.Inner or just Inner for one inside the "
+            "sub-blocks of Field, Block.Field for one of that block alone")
         ->delimiter(',')
         ->allow_extra_args(false)
         ->type_name("FIELD,FIELD");
-    app.add_option("-o,--output", target,
-                   "File to write instead of standard output; for csv a folder, too")
+    m_app
+        .add_option("-o,--output", m_target,
+                    "File to write instead of standard output; for csv a folder, too")
         ->type_name("FILE");
 }
 
 ExitStatus DumpCommand::run()
 {
-    const FieldFilter filter(fields);
-    streams.checkBefore(target);
-    if (csvSafe && format != "csv")
+    const FieldFilter filter(m_fields);
+    m_streams.checkBefore(m_target);
+    if (m_csvSafe && m_format != "csv")
         throw ToolError("dump: --csv-safe goes with --format csv");
-    if (degrees && raw)
+    if (m_degrees && m_raw)
         throw ToolError("dump: --degrees is for scaled values, --raw shows them as stored");
-    if (!rows.empty() && format != "csv")
+    if (!m_rows.empty() && m_format != "csv")
         throw ToolError("dump: --rows goes with --format csv; --where selects blocks");
-    const ValueStyle style = {raw, degrees, units == "symbols"};
-    if (format == "csv") {
+    const ValueStyle style = {m_raw, m_degrees, m_units == "symbols"};
+    if (m_format == "csv") {
         std::optional<RowCondition> condition;
-        if (!rows.empty())
-            condition.emplace(rows, streams.getSelection().getTypes());
-        return dumpCsv(streams, filter, {style, csvSafe, condition ? &*condition : nullptr},
-                       target);
+        if (!m_rows.empty())
+            condition.emplace(m_rows, m_streams.getSelection().getTypes());
+        return dumpCsv(m_streams, filter, {style, m_csvSafe, condition ? &*condition : nullptr},
+                       m_target);
     }
-    Output output(target);
+    Output output(m_target);
     const auto makeWriter = [&]() -> std::unique_ptr<BlockWriter> {
-        if (format == "text")
-            return std::make_unique<TextWriter>(filter, style, utc);
-        if (raw)
+        if (m_format == "text")
+            return std::make_unique<TextWriter>(filter, style, m_utc);
+        if (m_raw)
             return std::make_unique<RawJsonWriter>(filter);
         return std::make_unique<ValueJsonWriter>(filter, style);
     };
     OutputTarget text(output);
-    ParallelDump dump(text, makeWriter, streams.isLive() ? 1 : 0);
-    return streams.read(dump, dump);
+    ParallelDump dump(text, makeWriter, m_streams.isLive() ? 1 : 0);
+    return m_streams.read(dump, dump);
 }
 
 } // namespace tqx::tool

@@ -14,16 +14,16 @@ public:
     ExitStatus run() override;
 
 private:
-    StreamOptions streams;
-    std::vector<std::string> fields;
-    std::string target = "-";
-    std::string format = "text";
-    bool raw = false;
-    bool csvSafe = false;
-    bool degrees = false;
-    bool utc = false;
-    std::string units = "words";
-    std::string rows;
+    StreamOptions m_streams;
+    std::vector<std::string> m_fields;
+    std::string m_target = "-";
+    std::string m_format = "text";
+    bool m_raw = false;
+    bool m_csvSafe = false;
+    bool m_degrees = false;
+    bool m_utc = false;
+    std::string m_units = "words";
+    std::string m_rows;
 };
 
 } // namespace tqx::tool

@@ -57,9 +57,10 @@ void BlockBatch::write(BatchWriter& writer)
 
 void BlockBatch::clear()
 {
-    for (const BatchEntry& entry : m_entries)
+    for (const BatchEntry& entry : m_entries) {
         if (entry.decoded.record)
             TQX_release(const_cast<void*>(entry.decoded.record));
+    }
     m_entries.clear();
     m_bytes.clear();
     m_recordBytes = 0;

@@ -92,9 +92,10 @@ void ParallelDump::startThreads()
         m_idle.push_back(std::make_unique<BlockBatch>());
     }
     try {
-        while (m_threads.size() + 1 < m_threadCount)
+        while (m_threads.size() + 1 < m_threadCount) {
             m_threads.emplace_back(
                 [this, writer = std::shared_ptr<BatchWriter>(m_makeWriter())] { work(*writer); });
+        }
     } catch (const std::system_error&) {
         m_threadCount = static_cast<unsigned>(m_threads.size()) + 1; // that the system grants us
     }

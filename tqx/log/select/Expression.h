@@ -65,10 +65,10 @@ public:
     /// given as, named in errors; it must outlive this.
     explicit Expression(std::string text, const char* option = "--where");
 
-    const std::vector<ExpressionTerm>& terms() const { return allTerms; }
-    const std::vector<ExpressionScope>& scopes() const { return allScopes; }
-    const Node& node(size_t index) const { return nodes[index]; }
-    size_t root() const { return nodes.size() - 1; }
+    const std::vector<ExpressionTerm>& terms() const { return m_allTerms; }
+    const std::vector<ExpressionScope>& scopes() const { return m_allScopes; }
+    const Node& node(size_t index) const { return m_nodes[index]; }
+    size_t root() const { return m_nodes.size() - 1; }
 
     /// Throws DataError: the option, `why`, then the expression, then a line that points to
     /// `position` in it.
@@ -77,11 +77,11 @@ public:
 private:
     friend class ExpressionParser;
 
-    std::string source;
+    std::string m_source;
     const char* m_option;
-    std::vector<ExpressionTerm> allTerms;
-    std::vector<ExpressionScope> allScopes;
-    std::vector<Node> nodes; ///< children before their parents
+    std::vector<ExpressionTerm> m_allTerms;
+    std::vector<ExpressionScope> m_allScopes;
+    std::vector<Node> m_nodes; ///< children before their parents
 };
 
 } // namespace tqx

@@ -25,9 +25,10 @@ struct LinkedPath {
 
 const TQX_FieldLayout* findField(const TQX_TypeLayout& type, const std::string& name)
 {
-    for (int row = 0; row < type.fieldCount; ++row)
+    for (int row = 0; row < type.fieldCount; ++row) {
         if (equalFields(type.fields[row].name, name))
             return type.fields + row;
+    }
     return nullptr;
 }
 
@@ -70,9 +71,10 @@ struct RowCondition::Table {
     std::optional<LinkedPath> find(const std::vector<ExpressionWord>& names) const
     {
         const bool namesBlock = names.size() > 1 && equalNames(types.front()->name, names[0].text);
-        for (size_t level = types.size(); level-- != 0;)
+        for (size_t level = types.size(); level-- != 0;) {
             if (std::optional<LinkedPath> found = findFrom(level, names, namesBlock ? 1 : 0))
                 return found;
+        }
         return std::nullopt;
     }
 };

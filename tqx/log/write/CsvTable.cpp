@@ -51,11 +51,12 @@ CsvTable::CsvTable(const RecordPlan& plan, const CsvStyle& style, const TQX_Type
     : m_type(*plan.type), m_style(style),
       m_tests(style.rows ? style.rows->find(main, path) : nullptr)
 {
-    for (const RecordPlan::Member& member : plan.members)
+    for (const RecordPlan::Member& member : plan.members) {
         if (isInKey(m_type, *member.field))
             m_showsKey = true;
         else
             add(plan, member, main, path);
+    }
 }
 
 CsvTable::~CsvTable() = default;

@@ -50,12 +50,14 @@ constexpr size_t indent = 4;
 void alignValues(ParagraphPlan& plan)
 {
     size_t column = 0;
-    for (const ParagraphPlan::Step& part : plan.steps)
+    for (const ParagraphPlan::Step& part : plan.steps) {
         for (const ParagraphPlan::Line& line : part.lines)
             column = std::max(column, line.label.size() + 2);
-    for (ParagraphPlan::Step& part : plan.steps)
+    }
+    for (ParagraphPlan::Step& part : plan.steps) {
         for (ParagraphPlan::Line& line : part.lines)
             line.label.resize(column, ' ');
+    }
 }
 
 std::unique_ptr<ParagraphPlan> makePlan(const RecordPlan& shown, const ValueStyle& style,
@@ -179,7 +181,7 @@ void writeRecord(Buffer& out, ParagraphPlan& plan, const void* record)
 } // namespace
 
 Paragraph::Paragraph(const FieldFilter& shown, const ValueStyle& wanted, bool wantsUtc)
-    : filter(shown), style(wanted), isUtc(wantsUtc)
+    : m_filter(shown), m_style(wanted), m_isUtc(wantsUtc)
 {
 }
 
@@ -187,27 +189,27 @@ Paragraph::~Paragraph() = default;
 
 ParagraphPlan& Paragraph::planOf(uint32_t recordType)
 {
-    if (plans.size() <= recordType)
-        plans.resize(recordType + 1);
-    std::unique_ptr<ParagraphPlan>& plan = plans[recordType];
+    if (m_plans.size() <= recordType)
+        m_plans.resize(recordType + 1);
+    std::unique_ptr<ParagraphPlan>& plan = m_plans[recordType];
     if (!plan)
-        plan = makePlan(planRecord(*TQX_layout(recordType), filter, ShownFields::WithoutHeader),
-                        style, indent);
+        plan = makePlan(planRecord(*TQX_layout(recordType), m_filter, ShownFields::WithoutHeader),
+                        m_style, indent);
     return *plan;
 }
 
 void Paragraph::appendTitle(Buffer& out, std::string_view what, const Block& block)
 {
     const std::optional<GnssMillis> time = block.getTime();
-    if (time != lastTime || lastTimeText.empty()) {
-        lastTime = time;
-        lastTimeText = !time   ? "no time"
-                       : isUtc ? weekText(*time) + "  " + utcText(*time)
-                               : timeText(*time);
+    if (time != m_lastTime || m_lastTimeText.empty()) {
+        m_lastTime = time;
+        m_lastTimeText = !time     ? "no time"
+                         : m_isUtc ? weekText(*time) + "  " + utcText(*time)
+                                   : timeText(*time);
     }
     out.append(what);
     out.append("  ");
-    out.append(lastTimeText);
+    out.append(m_lastTimeText);
     constexpr size_t longest = 80;
     char* const begin = out.reserve(longest);
     const char* end = fmt::format_to(begin, FMT_COMPILE("  revision {}, {} bytes at {}\n"),
@@ -221,7 +223,7 @@ void Paragraph::write(Buffer& out, const Block& block, const void* record)
     if (!TQX_layout(recordType)->hasMessage)
         return writeTitle(out, block);
     ParagraphPlan& plan = planOf(recordType);
-    if (plan.steps.empty() && !filter.isEverything())
+    if (plan.steps.empty() && !m_filter.isEverything())
         return;
     appendTitle(out, plan.title, block);
     writeRecord(out, plan, record);
@@ -230,7 +232,7 @@ void Paragraph::write(Buffer& out, const Block& block, const void* record)
 
 void Paragraph::writeTitle(Buffer& out, const Block& block)
 {
-    if (!filter.isEverything())
+    if (!m_filter.isEverything())
         return;
     appendTitle(out, describeBlock(block.getNumber()), block);
     out.append('\n');

@@ -126,7 +126,7 @@ void writeRecord(Buffer& out, ValuePlan& plan, const void* record)
 } // namespace
 
 ValueJson::ValueJson(const FieldFilter& shown, const ValueStyle& wanted)
-    : filter(shown), style(wanted)
+    : m_filter(shown), m_style(wanted)
 {
 }
 
@@ -134,24 +134,24 @@ ValueJson::~ValueJson() = default;
 
 ValuePlan& ValueJson::planOf(uint32_t recordType)
 {
-    if (plans.size() <= recordType)
-        plans.resize(recordType + 1);
-    std::unique_ptr<ValuePlan>& plan = plans[recordType];
+    if (m_plans.size() <= recordType)
+        m_plans.resize(recordType + 1);
+    std::unique_ptr<ValuePlan>& plan = m_plans[recordType];
     if (!plan)
-        plan = makePlan(planRecord(*TQX_layout(recordType), filter, ShownFields::All), style);
+        plan = makePlan(planRecord(*TQX_layout(recordType), m_filter, ShownFields::All), m_style);
     return *plan;
 }
 
 void ValueJson::appendTime(Buffer& out, const Block& block)
 {
     const std::optional<GnssMillis> time = block.getTime();
-    if (time != lastTime || lastTimeText.empty()) {
-        lastTime = time;
-        lastTimeText = time ? R"(,"time":{"scale":"GPS","gnss":")" + dateText(*time) +
-                                  R"(","utc":")" + utcText(*time) + "\"}"
-                            : ",\"time\":null";
+    if (time != m_lastTime || m_lastTimeText.empty()) {
+        m_lastTime = time;
+        m_lastTimeText = time ? R"(,"time":{"scale":"GPS","gnss":")" + dateText(*time) +
+                                    R"(","utc":")" + utcText(*time) + "\"}"
+                              : ",\"time\":null";
     }
-    out.append(lastTimeText);
+    out.append(m_lastTimeText);
 }
 
 void ValueJson::write(Buffer& out, const DecodedBlock& decoded)
@@ -171,7 +171,7 @@ void ValueJson::write(Buffer& out, const DecodedBlock& decoded)
 
 void ValueJson::writeBytes(Buffer& out, const DecodedBlock& decoded)
 {
-    if (!filter.isEverything())
+    if (!m_filter.isEverything())
         return;
     const Block& block = decoded.block;
     out.append("{\"number\":");

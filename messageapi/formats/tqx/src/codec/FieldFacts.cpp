@@ -56,9 +56,10 @@ std::string_view TQX_unit(const TQX_FieldFacts& field)
 
 std::string_view TQX_unitSymbol(std::string_view unit)
 {
-    for (uint32_t i = 0; i < Facts::unitCount; ++i)
+    for (uint32_t i = 0; i < Facts::unitCount; ++i) {
         if (Facts::texts + Facts::units[i].word == unit)
             return Facts::texts + Facts::units[i].symbol;
+    }
     return {};
 }
 
@@ -90,9 +91,10 @@ TQX_FieldInputs TQX_inputs(const TQX_FieldFacts& field)
 
 bool TQX_hasInputs(const TQX_FieldFacts& field, const void* record)
 {
-    for (const TQX_FieldInput& input : TQX_inputs(field))
+    for (const TQX_FieldInput& input : TQX_inputs(field)) {
         if (!isAvailable(input, record))
             return false;
+    }
     return true;
 }
 

@@ -23,10 +23,11 @@ void readUnits(const ReadContext& context, const YamlMap& map, Format& format)
     for (const YAML::Node& unit : map.list("units")) {
         const auto entry = unit.IsMap() && unit.size() == 1 ? unit.begin() : unit.end();
         if (entry == unit.end() || !entry->first.IsScalar() || !entry->second.IsScalar() ||
-            entry->second.Scalar().empty())
+            entry->second.Scalar().empty()) {
             context.error(unit, "a unit must be a word with its symbol, as in 'meter: m'");
-        else if (!format.units.emplace(entry->first.Scalar(), entry->second.Scalar()).second)
+        } else if (!format.units.emplace(entry->first.Scalar(), entry->second.Scalar()).second) {
             context.error(unit, fmt::format("unit '{}' given twice", entry->first.Scalar()));
+        }
     }
 }
 
@@ -34,20 +35,22 @@ void readScales(const ReadContext& context, const YamlMap& map, Format& format)
 {
     for (const YAML::Node& node : map.list("scales")) {
         const std::optional<double> scale = realNumber(node);
-        if (scale)
+        if (scale) {
             format.scales.push_back(*scale);
-        else
+        } else {
             context.error(node, "a scale must be a number or a fraction \"1/3600\"");
+        }
     }
 }
 
 void readRegistration(const ReadContext& context, const YamlMap& map, Format& format)
 {
     for (const YAML::Node& node : map.list("registration")) {
-        if (node.IsScalar())
+        if (node.IsScalar()) {
             format.registration.push_back({node.Scalar(), context.at(node)});
-        else
+        } else {
             context.error(node, "an entry of the registration must be the name of a type");
+        }
     }
 }
 
