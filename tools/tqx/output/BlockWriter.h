@@ -39,10 +39,11 @@ public:
 
     void write(BatchText& out, const BatchEntry& entry) final
     {
-        if (entry.decoded.record)
+        if (entry.decoded.record) {
             write(out.text, entry.decoded);
-        else
+        } else {
             writeOther(out.text, entry.decoded);
+}
     }
 };
 

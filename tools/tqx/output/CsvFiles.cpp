@@ -35,10 +35,11 @@ void CsvFiles::append(size_t number, std::string_view text)
         write(number, buffer.view());
         buffer.clear();
     }
-    if (text.size() > pieceSize)
+    if (text.size() > pieceSize) {
         write(number, text);
-    else
+    } else {
         buffer.append(text);
+    }
 }
 
 void CsvFiles::flush()

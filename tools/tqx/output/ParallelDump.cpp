@@ -115,10 +115,11 @@ void ParallelDump::work(BatchWriter& writer)
 /// What the caller's thread does until something has come out.
 void ParallelDump::help(std::unique_lock<std::mutex>& lock)
 {
-    if (m_claimed < m_jobs.size())
+    if (m_claimed < m_jobs.size()) {
         doJob(lock, *m_ownWriter);
-    else
+    } else {
         m_hasRoom.wait(lock);
+    }
 }
 
 void ParallelDump::doJob(std::unique_lock<std::mutex>& lock, BatchWriter& writer)

@@ -82,9 +82,10 @@ struct RowCondition::Table {
 RowCondition::RowCondition(const std::string& text, const TypeSelection& types)
     : m_expression(text, "--rows")
 {
-    if (!m_expression.scopes().empty())
+    if (!m_expression.scopes().empty()) {
         m_expression.fail(m_expression.scopes().front().path.front().position,
                           "any is for blocks; a row has one element of each array");
+    }
     std::vector<Term> terms(m_expression.terms().size());
     forEachType([&](const TQX_TypeLayout& type) {
         if (type.blockNumber == 0 || !types.accepts(type.blockNumber))

@@ -52,10 +52,11 @@ CsvTable::CsvTable(const RecordPlan& plan, const CsvStyle& style, const TQX_Type
       m_tests(style.rows ? style.rows->find(main, path) : nullptr)
 {
     for (const RecordPlan::Member& member : plan.members) {
-        if (isInKey(m_type, *member.field))
+        if (isInKey(m_type, *member.field)) {
             m_showsKey = true;
-        else
+        } else {
             add(plan, member, main, path);
+        }
     }
 }
 
@@ -119,12 +120,13 @@ inline void CsvTable::appendNumber(Buffer& out, Step& step, const void* record) 
 void CsvTable::appendCells(Buffer& out, const void* record)
 {
     for (Step& step : m_steps) {
-        if (!step.member.isPresent(record))
+        if (!step.member.isPresent(record)) {
             out.append(step.empty);
-        else if (step.member.isNumber())
+        } else if (step.member.isNumber()) {
             appendNumber(out, step, record);
-        else
+        } else {
             appendOther(out, step, record);
+        }
     }
 }
 

@@ -171,10 +171,11 @@ void writeRecord(Buffer& out, ParagraphPlan& plan, const void* record)
         }
         const uint32_t count = part.member.countElements(record);
         const char* element = part.member.getElements(record);
-        if (part.plan)
+        if (part.plan) {
             writeSubBlocks(out, part, element, count);
-        else if (count != 0)
+        } else if (count != 0) {
             writeArray(out, part.lines.front(), element, part.member.getStride(), count);
+        }
     }
 }
 
@@ -192,9 +193,10 @@ ParagraphPlan& Paragraph::planOf(uint32_t recordType)
     if (m_plans.size() <= recordType)
         m_plans.resize(recordType + 1);
     std::unique_ptr<ParagraphPlan>& plan = m_plans[recordType];
-    if (!plan)
+    if (!plan) {
         plan = makePlan(planRecord(*TQX_layout(recordType), m_filter, ShownFields::WithoutHeader),
                         m_style, indent);
+    }
     return *plan;
 }
 

@@ -123,10 +123,11 @@ void Writer::writeNumber(RawPlan::Step& step, const void* record)
         writeElement(field, step.member.getElements(record));
     };
     // Texts that are kept would not tell an odd NaN.
-    if (field.type == TQX_MemberType::F32 || field.type == TQX_MemberType::F64)
+    if (field.type == TQX_MemberType::F32 || field.type == TQX_MemberType::F64) {
         make(m_out);
-    else
+    } else {
         step.cache.append(m_out, step.member.getWord(record), make);
+    }
 }
 
 void Writer::writeText(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const void* record)
@@ -207,10 +208,11 @@ void Writer::writeRecord(RawPlan& plan, const void* record)
         writeField(plan, step, record);
     }
     // The first field brought a comma where the object begins.
-    if (m_out.size() == start)
+    if (m_out.size() == start) {
         m_out.append('{');
-    else
+    } else {
         m_out.replace(start, '{');
+    }
     m_out.append('}');
 }
 

@@ -87,10 +87,11 @@ void writeArray(Buffer& out, ValuePlan::Step& step, const void* record)
     for (uint32_t i = 0; i < count; ++i, element += stride) {
         if (i != 0)
             out.append(',');
-        if (step.plan)
+        if (step.plan) {
             writeRecord(out, *step.plan, element);
-        else
+        } else {
             step.parts.front().value.append(out, loadWord(element, stride));
+        }
     }
     out.append(']');
 }
@@ -116,10 +117,11 @@ void writeRecord(Buffer& out, ValuePlan& plan, const void* record)
         }
     }
     // The first field brought a comma where the object begins.
-    if (out.size() == start)
+    if (out.size() == start) {
         out.append('{');
-    else
+    } else {
         out.replace(start, '{');
+    }
     out.append('}');
 }
 
