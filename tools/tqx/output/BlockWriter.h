@@ -43,7 +43,7 @@ public:
             write(out.text, entry.decoded);
         } else {
             writeOther(out.text, entry.decoded);
-}
+        }
     }
 };
 
