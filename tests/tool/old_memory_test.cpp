@@ -33,7 +33,7 @@ std::string writtenOver(uint8_t filling, const std::vector<uint8_t>& bytes)
         const tqx::DecodedBlock decoded = {block, memory.data(), bits};
         tqx::RawJson(everything).write(out, decoded);
         tqx::ValueJson(everything).write(out, decoded);
-        tqx::Paragraph(everything, tqx::Paragraph::Values::Scaled).write(out, block, memory.data());
+        tqx::Paragraph(everything).write(out, block, memory.data());
     }
     TQX_release(memory.data());
     return std::string(out.view());

@@ -22,7 +22,7 @@ public:
 
     void run()
     {
-        if (!m_field.unit.empty() && !contains(m_format.units, m_field.unit))
+        if (!m_field.unit.empty() && m_format.units.count(m_field.unit) == 0)
             error(fmt::format("has the unknown unit '{}'", m_field.unit));
         if (m_field.scale && !contains(m_format.scales, *m_field.scale))
             error(fmt::format("has the unknown scale {}", *m_field.scale));

@@ -166,7 +166,8 @@ struct Format {
     std::vector<ReservedType> reserved;
     std::vector<RegistrationEntry> registration;
     std::map<std::string, SymbolTable> symbols;
-    std::vector<std::string> units;     ///< unit vocabulary
+    /// Unit vocabulary: symbols by words.
+    std::map<std::string, std::string> units;
     std::vector<double> scales;         ///< allowed scale factors
     std::vector<std::string> codeNames; ///< name of code -1 first, then downward to -6073
 

@@ -4,8 +4,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-
 namespace korcg::generator
 {
 
@@ -23,12 +21,12 @@ void givenOnce(const YamlMap& map, std::string_view key, bool isGiven)
 void readUnits(const ReadContext& context, const YamlMap& map, Format& format)
 {
     for (const YAML::Node& unit : map.list("units")) {
-        if (!unit.IsScalar()) {
-            context.error(unit, "a unit must be a word");
-        } else if (std::count(format.units.begin(), format.units.end(), unit.Scalar()) != 0) {
-            context.error(unit, fmt::format("unit '{}' given twice", unit.Scalar()));
-        } else {
-            format.units.push_back(unit.Scalar());
+        const auto entry = unit.IsMap() && unit.size() == 1 ? unit.begin() : unit.end();
+        if (entry == unit.end() || !entry->first.IsScalar() || !entry->second.IsScalar() ||
+            entry->second.Scalar().empty()) {
+            context.error(unit, "a unit must be a word with its symbol, as in 'meter: m'");
+        } else if (!format.units.emplace(entry->first.Scalar(), entry->second.Scalar()).second) {
+            context.error(unit, fmt::format("unit '{}' given twice", entry->first.Scalar()));
         }
     }
 }
