@@ -1,4 +1,5 @@
 #include "emit/Emitters.h"
+#include "model/Limits.h"
 #include "model/Selection.h"
 #include "read/Load.h"
 
@@ -7,7 +8,10 @@
 
 #include <cstdio>
 #include <exception>
-#include <set>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -23,6 +27,8 @@ struct Options {
     std::string only;
     bool listOutputs = false;
     bool check = false;
+    int edition = 0;
+    bool updateLedger = false;
 };
 
 int report(const Errors& errors)
@@ -33,13 +39,39 @@ int report(const Errors& errors)
     return 1;
 }
 
+std::filesystem::path ledgerPath(const Options& options)
+{
+    return std::filesystem::path(options.description) / "ledger.txt";
+}
+
+/// A description that has one edition only needs no ledger.
+Ledger readLedger(const Options& options, Errors& errors)
+{
+    const std::filesystem::path path = ledgerPath(options);
+    std::ifstream stream(path, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(stream), {}};
+    return Ledger(path.string(), text, options.updateLedger, errors);
+}
+
+void writeLedger(const Options& options, const Ledger& ledger)
+{
+    std::ofstream stream(ledgerPath(options), std::ios::binary | std::ios::trunc);
+    stream << ledger.text();
+    stream.close();
+    if (!stream)
+        throw std::runtime_error(ledgerPath(options).string() + ": cannot be written");
+}
+
 int generate(const Options& options)
 {
     Errors errors;
     const std::vector<Source> sources = readSources(options.description, errors);
     if (!errors.empty())
         return report(errors);
-    const Format format = load(sources, errors);
+    Ledger ledger = readLedger(options, errors);
+    const Format format = loadWithHistory(sources, errors, {options.edition, &ledger});
+    if (errors.empty() && ledger.hasGrown())
+        writeLedger(options, ledger);
     const Selection selection = select(format, options.types, errors);
     if (!errors.empty())
         return report(errors);
@@ -83,6 +115,11 @@ int main(int argc, char** argv)
     app.add_flag("--list-outputs", options.listOutputs,
                  "Print the names of the files that would be written, one a line");
     app.add_flag("--check", options.check, "Read and check the description, write nothing");
+    app.add_option("--edition", options.edition,
+                   "Generate what the format had in this edition; without it, the latest")
+        ->check(CLI::Range(1, latestEdition));
+    app.add_flag("--update-ledger", options.updateLedger,
+                 "Give numbers to what later editions added, in ledger.txt of the description");
     CLI11_PARSE(app, argc, argv);
 
     if (options.output.empty() && !options.listOutputs && !options.check) {

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
+#include <vector>
 
 namespace korcg::generator
 {
@@ -79,19 +80,36 @@ void checkCollisions(const RecordType& type, Errors& errors)
     }
 }
 
+uint64_t bitsOf(const Field& field)
+{
+    const uint64_t ones = field.width >= 64 ? ~uint64_t{0} : (uint64_t{1} << field.width) - 1;
+    return ones << field.shift;
+}
+
+/// Whether one sub-field may lie over the other: it sums stored ones up, or a later edition took it
+/// out of a reserved one, which keeps its name.
+bool mayOverlap(const Field& below, const Field& above)
+{
+    return above.isVirtual || below.isVirtual ||
+           (below.role == Role::Reserved && above.edition > below.edition);
+}
+
 void checkOverlaps(const RecordType& type, Errors& errors)
 {
-    std::map<int, uint64_t> usedBits; // by row of the word
+    std::map<int, std::vector<const Field*>> words; // by row of the word
     for (const Field& field : type.fields) {
-        if (field.kind != FieldKind::Bits || field.isVirtual)
+        if (field.kind != FieldKind::Bits)
             continue;
-        const uint64_t ones = field.width >= 64 ? ~uint64_t{0} : (uint64_t{1} << field.width) - 1;
-        uint64_t& used = usedBits[field.parent];
-        if ((used & ones << field.shift) != 0)
+        std::vector<const Field*>& before = words[field.parent];
+        const auto collides = [&](const Field* other) {
+            return (bitsOf(*other) & bitsOf(field)) != 0 && !mayOverlap(*other, field) &&
+                   !mayOverlap(field, *other);
+        };
+        if (std::any_of(before.begin(), before.end(), collides))
             errors.add(field.where, fmt::format("{} overlaps another sub-field; 'virtual: true' "
                                                 "would allow it",
                                                 qualified(type, field)));
-        used |= ones << field.shift;
+        before.push_back(&field);
     }
 }
 

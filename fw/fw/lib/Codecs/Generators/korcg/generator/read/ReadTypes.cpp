@@ -1,5 +1,6 @@
 #include "read/ReadTypes.h"
 
+#include "model/Limits.h"
 #include "read/ReadFields.h"
 
 #include <fmt/format.h>
@@ -13,10 +14,11 @@ namespace
 constexpr int highestNumber = 65535; // wider than the ranges that the checks allow
 constexpr int unknownNumber = -1;    // a main block all the same
 
-const std::vector<std::string_view> blockKeys = {"block",    "record", "number",    "generation",
-                                                 "flexrate", "esoc",   "timestamp", "text",
-                                                 "message",  "kind",   "fields"};
-const std::vector<std::string_view> subKeys = {"sub", "record", "text", "message", "fields"};
+const std::vector<std::string_view> blockKeys = {"block",      "edition",  "record", "number",
+                                                 "generation", "flexrate", "esoc",   "timestamp",
+                                                 "text",       "message",  "kind",   "fields"};
+const std::vector<std::string_view> subKeys = {"sub",  "edition", "record",
+                                               "text", "message", "fields"};
 
 void readBlockAttributes(const YamlMap& map, RecordType& type)
 {
@@ -41,7 +43,11 @@ TypeDraft readType(const ReadContext& context, const YAML::Node& node)
     RecordType& type = draft.type;
     type.where = map.where();
     type.name = map.requiredText(isSub ? "sub" : "block");
-    type.record = map.requiredInteger("record", 1, highestNumber).value_or(0);
+    type.edition = map.integer("edition", 2, latestEdition).value_or(1);
+    if (type.edition == 1)
+        type.record = map.requiredInteger("record", 1, highestNumber).value_or(0);
+    else if (map.has("record"))
+        map.error("record", "is what the ledger says for types of later editions");
     type.text = map.text("text").value_or("");
     type.hasMessage = map.flag("message").value_or(true);
     if (!isSub)
