@@ -56,10 +56,17 @@ private:
             before.code == after.code && before.capacityCode == after.capacityCode &&
             before.role == after.role && before.presence == after.presence &&
             before.isOptional == after.isOptional && before.isRepeated == after.isRepeated &&
-            (isShortened || before.wireOffset == after.wireOffset);
+            (isShortened || before.wireOffset == after.wireOffset ||
+             (followsEntry(after) && after.wireOffset < 0));
         if (!isSame)
             error(after.where, fmt::format("{} gets another code or place than in edition {}",
                                            qualified(m_after, after), m_earlier.edition));
+    }
+
+    bool followsEntry(const Field& field) const
+    {
+        return !m_after.isMain() && !field.subType.empty() &&
+               (field.kind == FieldKind::Blocks || field.length >= 0);
     }
 
     /// Blocks of the revisions that exist already must stay as they are: an addition is there from
@@ -74,9 +81,7 @@ private:
                                            qualified(m_after, field), highest));
         for (std::size_t i = static_cast<std::size_t>(row); i < m_after.fields.size(); ++i) {
             const Field& other = m_after.fields[i];
-            const bool followsEntry = !m_after.isMain() && !other.subType.empty() &&
-                                      (other.kind == FieldKind::Blocks || other.length >= 0);
-            if (other.onWire() && other.edition < field.edition && !followsEntry)
+            if (other.onWire() && other.edition < field.edition && !followsEntry(other))
                 error(field.where, fmt::format("{} is before {}, which is older",
                                                qualified(m_after, field), other.name));
         }

@@ -62,6 +62,7 @@ void Ledger::readLine(const std::string& line, int number, Errors& errors)
 void Ledger::restart(int edition)
 {
     m_edition = edition;
+    m_missing = 0;
     for (Entry& entry : m_entries)
         entry.used = false;
 }
@@ -87,8 +88,8 @@ int Ledger::number(Kind kind, int edition, const std::string& name, const Locati
         return found->number;
     }
     if (!m_grows) {
-        errors.add(where,
-                   fmt::format("{} is not in the ledger yet; --update-ledger adds it", name));
+        if (m_missing++ == 0)
+            m_firstMissing = {where, name};
         return 0;
     }
     if (!m_entries.empty() && m_entries.back().edition > edition)
@@ -101,6 +102,12 @@ int Ledger::number(Kind kind, int edition, const std::string& name, const Locati
 
 void Ledger::finish(Errors& errors) const
 {
+    if (m_missing != 0)
+        errors.add(
+            m_firstMissing.first,
+            fmt::format("{}{} not in the ledger yet; --update-ledger adds what is missing",
+                        m_firstMissing.second,
+                        m_missing == 1 ? " is" : fmt::format(" and {} more are", m_missing - 1)));
     bool isFirst[2] = {true, true};
     for (const Entry& entry : m_entries) {
         if (std::exchange(isFirst[entry.kind], false) && entry.number != m_firsts[entry.kind])

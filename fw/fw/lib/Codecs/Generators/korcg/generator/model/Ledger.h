@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace korcg::generator
@@ -36,7 +37,7 @@ public:
     int number(Kind kind, int edition, const std::string& name, const Location& where,
                Errors& errors);
 
-    /// Reports the entries that were not asked for since restart().
+    /// Reports what was missing since restart(), and the entries that were not asked for.
     void finish(Errors& errors) const;
 
     bool hasGrown() const { return m_hasGrown; }
@@ -61,6 +62,8 @@ private:
     bool m_hasGrown = false;
     int m_firsts[2] = {};
     int m_edition = 1;
+    int m_missing = 0;
+    std::pair<Location, std::string> m_firstMissing;
     std::vector<Entry> m_entries;
 };
 

@@ -153,7 +153,7 @@ private:
         field.code = next(name + "_EXT_BUFFER_OVERFLOW");
         if (canExceedCapacity(type, field)) {
             field.capacityCode = next(name + "_INT_BUFFER_OVERFLOW");
-            if (field.capacityCode != field.code - 1 && m_errors.empty())
+            if (field.code != 0 && field.capacityCode != field.code - 1)
                 m_errors.add(field.where, fmt::format("the codes {} and {} of {} in the ledger do "
                                                       "not follow each other",
                                                       field.code, field.capacityCode, name));
