@@ -48,12 +48,11 @@ void Ledger::readLine(const std::string& line, int number, Errors& errors)
         return;
     }
     entry.kind = found == std::begin(kindNames) ? Type : Code;
-    if (!m_entries.empty() && entry.edition < m_entries.back().edition)
+    const Entry* before = last(entry.kind);
+    if (before != nullptr && entry.edition < before->edition)
         error(fmt::format("{} is of edition {}, but edition {} has begun before it", entry.name,
-                          entry.edition, m_entries.back().edition));
-    const auto before = std::find_if(m_entries.rbegin(), m_entries.rend(),
-                                     [&](const Entry& each) { return each.kind == entry.kind; });
-    if (before != m_entries.rend() && entry.number != before->number + steps[entry.kind])
+                          entry.edition, before->edition));
+    if (before != nullptr && entry.number != before->number + steps[entry.kind])
         error(fmt::format("{} has the number {}, expected {}", entry.name, entry.number,
                           before->number + steps[entry.kind]));
     m_entries.push_back(std::move(entry));
@@ -67,11 +66,17 @@ void Ledger::restart(int edition)
         entry.used = false;
 }
 
+const Ledger::Entry* Ledger::last(Kind kind) const
+{
+    const auto found = std::find_if(m_entries.rbegin(), m_entries.rend(),
+                                    [kind](const Entry& entry) { return entry.kind == kind; });
+    return found == m_entries.rend() ? nullptr : &*found;
+}
+
 int Ledger::next(Kind kind) const
 {
-    const auto last = std::find_if(m_entries.rbegin(), m_entries.rend(),
-                                   [kind](const Entry& entry) { return entry.kind == kind; });
-    return last == m_entries.rend() ? m_firsts[kind] : last->number + steps[kind];
+    const Entry* before = last(kind);
+    return before == nullptr ? m_firsts[kind] : before->number + steps[kind];
 }
 
 int Ledger::number(Kind kind, int edition, const std::string& name, const Location& where,
@@ -92,9 +97,9 @@ int Ledger::number(Kind kind, int edition, const std::string& name, const Locati
             m_firstMissing = {where, name};
         return 0;
     }
-    if (!m_entries.empty() && m_entries.back().edition > edition)
+    if (const Entry* before = last(kind); before != nullptr && before->edition > edition)
         errors.add(where, fmt::format("{} cannot join edition {}: edition {} has begun", name,
-                                      edition, m_entries.back().edition));
+                                      edition, before->edition));
     m_entries.push_back({kind, edition, next(kind), name, 0, true});
     m_hasGrown = true;
     return m_entries.back().number;

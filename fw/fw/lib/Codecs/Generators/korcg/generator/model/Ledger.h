@@ -55,6 +55,7 @@ private:
     };
 
     void readLine(const std::string& line, int number, Errors& errors);
+    const Entry* last(Kind kind) const;
     int next(Kind kind) const;
 
     std::string m_file;
