@@ -1,6 +1,7 @@
 #include "emit/Emitters.h"
 #include "model/Limits.h"
 #include "model/Selection.h"
+#include "read/Keys.h"
 #include "read/Load.h"
 
 #include <CLI/CLI.hpp>
@@ -29,6 +30,7 @@ struct Options {
     bool check = false;
     int edition = 0;
     bool updateLedger = false;
+    bool keys = false;
 };
 
 int report(const Errors& errors)
@@ -104,8 +106,7 @@ int main(int argc, char** argv)
     CLI::App app(
         "Generates the codec, messages and metadata of a block format from its description",
         "korcg-generate");
-    app.add_option("--description", options.description, "Directory of the description (*.yaml)")
-        ->required();
+    app.add_option("--description", options.description, "Directory of the description (*.yaml)");
     app.add_option("--output", options.output, "Directory that receives the generated files");
     app.add_option("--types", options.types,
                    "Emit only these types and the sub-blocks that they hold")
@@ -120,8 +121,17 @@ int main(int argc, char** argv)
         ->check(CLI::Range(1, latestEdition));
     app.add_flag("--update-ledger", options.updateLedger,
                  "Give numbers to what later editions added, in ledger.txt of the description");
+    app.add_flag("--keys", options.keys, "Print the page of the keys that a description may have");
     CLI11_PARSE(app, argc, argv);
 
+    if (options.keys) {
+        fmt::print("{}", keysPage());
+        return 0;
+    }
+    if (options.description.empty()) {
+        fmt::print(stderr, "korcg-generate: --description is missing\n");
+        return 1;
+    }
     if (options.output.empty() && !options.listOutputs && !options.check) {
         fmt::print(stderr, "korcg-generate: --output is missing\n");
         return 1;

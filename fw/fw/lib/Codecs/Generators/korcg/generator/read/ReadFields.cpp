@@ -2,6 +2,7 @@
 
 #include "model/Limits.h"
 #include "model/Values.h"
+#include "read/Keys.h"
 
 #include <fmt/format.h>
 
@@ -14,27 +15,9 @@ namespace korcg::generator
 namespace
 {
 
-using Keys = std::vector<std::string_view>;
-
 constexpr int highestRevisionNumber = 7;
 constexpr int highestPrecision = 20;
 constexpr int longestArray = 65535;
-
-const Keys wireKeys = {
-    "name",    "edition", "takes",   "text",        "role",      "identifies", "since",
-    "only",    "when",    "offset",  "always_sent", "type",      "count",      "capacity",
-    "bytes",   "bits",    "unit",    "scale",       "precision", "none",       "unnamed_none",
-    "symbols", "mask",    "virtual", "initial",     "hides"};
-const Keys subBlockKeys = {"name",   "edition", "text",  "identifies", "since",
-                           "only",   "when",    "size",  "offset",     "always_sent",
-                           "blocks", "embeds",  "count", "hides"};
-const Keys derivedKeys = {"name",    "edition", "text",    "role",    "identifies", "since",
-                          "when",    "type",    "unit",    "scale",   "precision",  "unnamed_none",
-                          "symbols", "mask",    "virtual", "initial", "derived",    "from",
-                          "after",   "none",    "hides"};
-const Keys bitsKeys = {"name",      "edition", "text",    "role",         "identifies", "at",
-                       "unit",      "scale",   "none",    "unnamed_none", "symbols",    "mask",
-                       "precision", "signed",  "virtual", "hides"};
 
 Mention mention(const YamlMap& map, std::string_view key)
 {
@@ -181,7 +164,7 @@ void readBitRange(const YamlMap& map, Field& field, int wordBits)
 
 FieldDraft readSubField(const ReadContext& context, const YAML::Node& node, int wordBits)
 {
-    const YamlMap map(context, node, "a sub-field", bitsKeys);
+    const YamlMap map(context, node, bitsKeys());
     FieldDraft draft;
     readCommon(map, draft);
     Field& field = draft.field;
@@ -244,7 +227,7 @@ void readElements(const ReadContext& context, const YamlMap& map, FieldDraft& dr
 
 FieldDraft readWireField(const ReadContext& context, const YAML::Node& node)
 {
-    const YamlMap map(context, node, "a field", wireKeys);
+    const YamlMap map(context, node, fieldKeys());
     FieldDraft draft;
     readCommon(map, draft);
     Field& field = draft.field;
@@ -274,7 +257,7 @@ FieldDraft readWireField(const ReadContext& context, const YAML::Node& node)
 
 FieldDraft readSubBlockField(const ReadContext& context, const YAML::Node& node)
 {
-    const YamlMap map(context, node, "a sub-block field", subBlockKeys);
+    const YamlMap map(context, node, subBlockFieldKeys());
     FieldDraft draft;
     readCommon(map, draft);
     readPresence(context, map, draft);
@@ -307,7 +290,7 @@ FieldDraft readSubBlockField(const ReadContext& context, const YAML::Node& node)
 
 FieldDraft readDerivedField(const ReadContext& context, const YAML::Node& node)
 {
-    const YamlMap map(context, node, "a derived field", derivedKeys);
+    const YamlMap map(context, node, derivedKeys());
     FieldDraft draft;
     readCommon(map, draft);
     Field& field = draft.field;

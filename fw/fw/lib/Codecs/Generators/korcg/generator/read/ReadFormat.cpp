@@ -1,5 +1,6 @@
 #include "read/ReadFormat.h"
 
+#include "read/Keys.h"
 #include "read/SymbolNames.h"
 
 #include <fmt/format.h>
@@ -55,9 +56,7 @@ void readRegistration(const ReadContext& context, const YamlMap& map, Format& fo
 
 void readFirstEdition(const ReadContext& context, const YamlMap& map, Format& format)
 {
-    const YamlMap totals(context, map.node("first_edition"), "the first edition",
-                         {"types", "leaves", "owners", "overflow_after", "overflow_code",
-                          "first_disabled", "codes"});
+    const YamlMap totals(context, map.node("first_edition"), firstEditionKeys());
     const auto number = [&](std::string_view key) {
         return totals.integer(key, 1, highestNumber).value_or(0);
     };
@@ -95,8 +94,7 @@ void readSymbols(const ReadContext& context, const YamlMap& map, Format& format)
 
 void readFormat(const ReadContext& context, const YAML::Node& document, Format& format)
 {
-    const YamlMap map(context, document, "the format",
-                      {"format", "units", "scales", "registration", "first_edition", "symbols"});
+    const YamlMap map(context, document, formatKeys());
     if (map.has("format")) {
         givenOnce(map, "format", !format.name.empty());
         format.name = map.requiredText("format");

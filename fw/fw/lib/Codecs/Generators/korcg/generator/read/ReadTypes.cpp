@@ -1,6 +1,7 @@
 #include "read/ReadTypes.h"
 
 #include "model/Limits.h"
+#include "read/Keys.h"
 #include "read/ReadFields.h"
 
 #include <fmt/format.h>
@@ -13,12 +14,6 @@ namespace
 
 constexpr int highestNumber = 65535; // wider than the ranges that the checks allow
 constexpr int unknownNumber = -1;    // a main block all the same
-
-const std::vector<std::string_view> blockKeys = {"block",      "edition",  "record", "number",
-                                                 "generation", "flexrate", "esoc",   "timestamp",
-                                                 "text",       "message",  "kind",   "fields"};
-const std::vector<std::string_view> subKeys = {"sub",  "edition", "record",
-                                               "text", "message", "fields"};
 
 void readBlockAttributes(const YamlMap& map, RecordType& type)
 {
@@ -37,8 +32,7 @@ void readBlockAttributes(const YamlMap& map, RecordType& type)
 TypeDraft readType(const ReadContext& context, const YAML::Node& node)
 {
     const bool isSub = static_cast<bool>(node["sub"]);
-    const YamlMap map(context, node, isSub ? "a sub-block" : "a block",
-                      isSub ? subKeys : blockKeys);
+    const YamlMap map(context, node, isSub ? subBlockKeys() : blockKeys());
     TypeDraft draft;
     RecordType& type = draft.type;
     type.where = map.where();

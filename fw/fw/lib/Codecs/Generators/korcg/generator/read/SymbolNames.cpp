@@ -1,6 +1,7 @@
 #include "read/SymbolNames.h"
 
 #include "model/Limits.h"
+#include "read/Keys.h"
 
 #include <fmt/format.h>
 
@@ -65,7 +66,7 @@ public:
     void readEntry(const YAML::Node& node)
     {
         if (node.IsMap() && node["value"]) {
-            const YamlMap map(m_context, node, "a named value", {"value", "name", "edition"});
+            const YamlMap map(m_context, node, namedValueKeys());
             const std::string name = map.requiredText("name");
             m_edition = map.integer("edition", 1, latestEdition).value_or(1);
             if (map.has("name"))
@@ -73,8 +74,7 @@ public:
             m_edition = 1;
             return;
         }
-        const YamlMap map(m_context, node, "a range of named values",
-                          {"from", "to", "name", "start", "edition"});
+        const YamlMap map(m_context, node, namedRangeKeys());
         const std::optional<int> from = map.requiredInteger("from", 0, 65535);
         const std::optional<int> to = map.requiredInteger("to", 0, 65535);
         const std::string name = map.requiredText("name");
