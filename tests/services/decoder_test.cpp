@@ -216,7 +216,8 @@ TEST(TQXDecoder, AllTypesAreSwitchedButSubBlocks)
     EXPECT_EQ(enabled(), mainTypes);
 
     // Bits of other types and memory beyond the mask stay as they are.
-    for (const int outside : {-2147483647 - 1, -8, -1, kLastEnum + 1, kLastEnum + 2, 100000, 2147483647}) {
+    for (const int outside :
+         {-2147483647 - 1, -8, -1, kLastEnum + 1, kLastEnum + 2, 100000, 2147483647}) {
         decoder.enableMessageEnum(outside);
         EXPECT_FALSE(decoder.isEnabledMessageEnum(outside)) << outside;
         decoder.disableMessageEnum(outside);
