@@ -55,9 +55,15 @@ bool canOverflowBuffer(const TQX_TypeLayout& type, int row, Direction direction,
             (field.presenceValue != type.ownRevision || revision != type.ownRevision))
             return false;
     }
+<<<<<<< HEAD
     for (uint32_t room = 0; room < TQX_elementSize(field); ++room)
         if (hasLastWord(type, row, room, direction, revision))
+=======
+    for (uint32_t room = 0; room < TQX_elementSize(field); ++room) {
+        if (hasLastWord(type, row, room, direction))
+>>>>>>> main
             return true;
+    }
     return false;
 }
 

@@ -17,8 +17,8 @@ public:
 private:
     void explain(Output& output, const std::string& place);
 
-    std::vector<std::string> places;
-    bool shown = false;
+    std::vector<std::string> m_places;
+    bool m_shown = false;
 };
 
 } // namespace tqx::tool

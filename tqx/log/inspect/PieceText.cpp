@@ -133,14 +133,16 @@ std::vector<PieceText> runTexts(const BlockPiece& piece, const uint8_t* bytes)
     for (uint32_t at = 0; at < piece.size || texts.empty(); at += bytesPerRow) {
         const uint32_t count = std::min(bytesPerRow, piece.size - at);
         PieceText text = {hex(bytes + at, count), nameOf(piece), "", ""};
-        if (piece.field && !isText && piece.size > bytesPerRow)
+        if (piece.field && !isText && piece.size > bytesPerRow) {
             text.name += fmt::format("[{}]", at);
-        else if (at != 0)
+        } else if (at != 0) {
             text.name.clear();
-        if (isText)
+        }
+        if (isText) {
             text.stored = textOf(bytes + at, count);
-        else if (piece.size == 0)
+        } else if (piece.size == 0) {
             text.value = "empty";
+        }
         texts.push_back(std::move(text));
     }
     return texts;

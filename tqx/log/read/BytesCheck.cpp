@@ -28,14 +28,16 @@ bool isBitRange(const TQX_TypeLayout& type, const std::string& name)
 /// Whether all of `part` is in `whole`; of objects, members that `whole` lacks do not count.
 bool isWithin(const json& part, const json& whole)
 {
-    if (part.is_array() && whole.is_array())
+    if (part.is_array() && whole.is_array()) {
         return part.size() == whole.size() &&
                std::equal(part.begin(), part.end(), whole.begin(), isWithin);
+    }
     if (!part.is_object() || !whole.is_object())
         return part == whole;
-    for (const auto& [name, value] : part.items())
+    for (const auto& [name, value] : part.items()) {
         if (whole.contains(name) && !isWithin(value, whole[name]))
             return false;
+    }
     return true;
 }
 

@@ -62,18 +62,19 @@ Line membersOf(const json& value)
 {
     Line line;
     for (const auto& [name, member] : objectOf(value)) {
-        if (name == "block")
+        if (name == "block") {
             line.block = &member;
-        else if (name == "fields")
+        } else if (name == "fields") {
             line.fields = &member;
-        else if (name == "number")
+        } else if (name == "number") {
             line.number = &member;
-        else if (name == "bytes")
+        } else if (name == "bytes") {
             line.bytes = &member;
-        else if (name == "time") // has it
+        } else if (name == "time") { // has it
             throw ScaledLineError();
-        else
+        } else {
             throw LineError(unknownName("member", name, {"block", "fields", "number", "bytes"}));
+        }
     }
     return line;
 }
@@ -96,17 +97,18 @@ const std::vector<uint8_t>& LineEncoder::encode(const std::string& text)
 {
     const json value = parse(text);
     const Line line = membersOf(value);
-    bytes.clear();
-    warning.clear();
+    m_bytes.clear();
+    m_warning.clear();
     if (line.bytes) {
         if (!line.bytes->is_string() ||
-            !decodeBase64(line.bytes->get_ref<const std::string&>(), bytes))
+            !decodeBase64(line.bytes->get_ref<const std::string&>(), m_bytes))
             throw LineError::at("bytes", "is no base64 text");
-        if (const std::string name = differenceFromBytes(line.block, line.fields, bytes);
-            !name.empty())
-            warning = fmt::format("differs from the bytes beside it, which are taken: {}",
-                                  shortened(name));
-        return bytes;
+        if (const std::string name = differenceFromBytes(line.block, line.fields, m_bytes);
+            !name.empty()) {
+            m_warning = fmt::format("differs from the bytes beside it, which are taken: {}",
+                                    shortened(name));
+        }
+        return m_bytes;
     }
     if (!line.block)
         throw LineError("neither \"block\" nor \"bytes\" is given");
@@ -117,33 +119,37 @@ const std::vector<uint8_t>& LineEncoder::encode(const std::string& text)
     } catch (const LineError& error) {
         throw error.inside(type.name);
     }
-    return bytes;
+    return m_bytes;
 }
 
 void LineEncoder::encodeFields(const TQX_TypeLayout& type, const json& values)
 {
-    record.init(type);
-    fillRecord(type, record.get(), objectOf(values));
-    bytes.resize(largestBlock);
+    m_record.init(type);
+    fillRecord(type, m_record.get(), objectOf(values));
+    m_bytes.resize(largestBlock);
     const int32_t bits =
-        TQX_reencode(bytes.data(), static_cast<uint16_t>(bytes.size()), record.get());
-    if (bits < 0)
+        TQX_reencode(m_bytes.data(), static_cast<uint16_t>(m_bytes.size()), m_record.get());
+    if (bits < 0) {
         throw LineError(
             fmt::format("larger than a block can be: {} ({})", TQX_errorName(bits), bits));
-    bytes.resize(static_cast<size_t>(bits) / 8);
+    }
+    m_bytes.resize(static_cast<size_t>(bits) / 8);
     checkDecodes();
 }
 
 /// Lengths of entries that are given may be too short for what the entries hold.
 void LineEncoder::checkDecodes()
 {
-    const int32_t bits = record.decode(nullptr, bytes.data(), static_cast<uint16_t>(bytes.size()));
-    if (bits < 0)
+    const int32_t bits =
+        m_record.decode(nullptr, m_bytes.data(), static_cast<uint16_t>(m_bytes.size()));
+    if (bits < 0) {
         throw LineError(fmt::format("these values make a block that does not decode: {} ({})",
                                     TQX_errorName(bits), bits));
-    if (static_cast<size_t>(bits) != bytes.size() * 8)
+    }
+    if (static_cast<size_t>(bits) != m_bytes.size() * 8) {
         throw LineError(fmt::format("these values make a block of {} bytes of which {} decode",
-                                    bytes.size(), bits / 8));
+                                    m_bytes.size(), bits / 8));
+    }
 }
 
 } // namespace tqx

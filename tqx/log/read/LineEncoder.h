@@ -23,15 +23,15 @@ public:
     const std::vector<uint8_t>& encode(const std::string& line);
 
     /// What is doubtful about the last line that was encoded, "" when nothing is.
-    const std::string& getWarning() const { return warning; }
+    const std::string& getWarning() const { return m_warning; }
 
 private:
     void encodeFields(const Kor::MessageApi::TQX_TypeLayout& type, const nlohmann::json& values);
     void checkDecodes();
 
-    Kor::MessageApi::TQX_OwnedRecord record;
-    std::vector<uint8_t> bytes;
-    std::string warning;
+    Kor::MessageApi::TQX_OwnedRecord m_record;
+    std::vector<uint8_t> m_bytes;
+    std::string m_warning;
 };
 
 } // namespace tqx

@@ -27,16 +27,16 @@ class Filler
 {
 public:
     Filler(const TQX_TypeLayout& layout, void* target, const Object& object)
-        : type(layout), record(target), values(object), given(layout.fieldCount, nullptr)
+        : m_type(layout), m_record(target), m_values(object), m_given(layout.fieldCount, nullptr)
     {
     }
 
     void fill();
 
 private:
-    const TQX_FieldLayout& row(int index) const { return type.fields[index]; }
-    bool isGiven(int index) const { return given[static_cast<size_t>(index)] != nullptr; }
-    const json& valueOf(int index) const { return *given[static_cast<size_t>(index)]; }
+    const TQX_FieldLayout& row(int index) const { return m_type.fields[index]; }
+    bool isGiven(int index) const { return m_given[static_cast<size_t>(index)] != nullptr; }
+    const json& valueOf(int index) const { return *m_given[static_cast<size_t>(index)]; }
 
     void assignRows();
     [[noreturn]] void failUnknown() const;
@@ -54,11 +54,11 @@ private:
     void settleId();
     void checkPresence(int index) const;
 
-    const TQX_TypeLayout& type;
-    void* record;
-    const Object& values;
-    std::vector<const json*> given;  ///< per row of the layout
-    std::map<int, size_t> countedBy; ///< elements announced so far, by row of the count field
+    const TQX_TypeLayout& m_type;
+    void* m_record;
+    const Object& m_values;
+    std::vector<const json*> m_given;  ///< per row of the layout
+    std::map<int, size_t> m_countedBy; ///< elements announced so far, by row of the count field
 };
 
 const void* mainOf(const TQX_TypeLayout& type, const void* record)
@@ -93,26 +93,27 @@ void atElement(const TQX_FieldLayout& field, uint32_t index, Step step)
 void Filler::assignRows()
 {
     size_t known = 0;
-    for (int i = 0; i < type.fieldCount; ++i) {
-        const auto found = values.find(row(i).name);
-        if (found == values.end())
+    for (int i = 0; i < m_type.fieldCount; ++i) {
+        const auto found = m_values.find(row(i).name);
+        if (found == m_values.end())
             continue;
-        if (row(i).kind == TQX_FieldKind::Derived)
+        if (row(i).kind == TQX_FieldKind::Derived) {
             throw LineError::at(row(i).name,
                                 "is computed when a block is decoded, it cannot be given");
-        given[static_cast<size_t>(i)] = &found->second;
+        }
+        m_given[static_cast<size_t>(i)] = &found->second;
         ++known;
     }
-    if (known != values.size())
+    if (known != m_values.size())
         failUnknown();
 }
 
 void Filler::failUnknown() const
 {
     std::vector<std::string_view> names;
-    for (int i = 0; i < type.fieldCount; ++i)
+    for (int i = 0; i < m_type.fieldCount; ++i)
         names.emplace_back(row(i).name);
-    const auto unknown = std::find_if(values.begin(), values.end(), [&](const auto& member) {
+    const auto unknown = std::find_if(m_values.begin(), m_values.end(), [&](const auto& member) {
         return std::find(names.begin(), names.end(), member.first) == names.end();
     });
     throw LineError(unknownName("field", unknown->first, names));
@@ -121,7 +122,7 @@ void Filler::failUnknown() const
 void Filler::checkPresence(int index) const
 {
     const TQX_FieldLayout& field = row(index);
-    if (!isGiven(index) || field.alwaysSent || TQX_isPresent(type, field, record))
+    if (!isGiven(index) || field.alwaysSent || TQX_isPresent(m_type, field, m_record))
         return;
     switch (field.presence) {
     case TQX_Presence::SinceRevision:
@@ -149,11 +150,12 @@ void Filler::fillBits(int word, int part)
     for (uint32_t i = 0; i < count; ++i) {
         const uint64_t mask = ~uint64_t{0} >> (64 - bits.width);
         const uint64_t value = bitsOf(bits, isArray ? arrayOf(valueOf(part))[i] : valueOf(part));
-        const uint64_t whole = TQX_unsignedValue(field, record, i);
-        if (!isGiven(word))
-            storeInteger(field, record, i, (whole & ~(mask << bits.shift)) | value << bits.shift);
-        else if ((whole >> bits.shift & mask) != value)
+        const uint64_t whole = TQX_unsignedValue(field, m_record, i);
+        if (!isGiven(word)) {
+            storeInteger(field, m_record, i, (whole & ~(mask << bits.shift)) | value << bits.shift);
+        } else if ((whole >> bits.shift & mask) != value) {
             throw LineError(fmt::format("contradicts {}", field.name));
+        }
     }
     if (isArray)
         setCount(word, count);
@@ -162,15 +164,16 @@ void Filler::fillBits(int word, int part)
 /// The bit ranges of a packed field. Given together with the word, they must agree with it.
 void Filler::fillWord(int word)
 {
-    for (int part = word + 1; part < type.fieldCount && row(part).parent == word; ++part)
+    for (int part = word + 1; part < m_type.fieldCount && row(part).parent == word; ++part) {
         if (isGiven(part))
             atField(row(part), [&] { fillBits(word, part); });
+    }
 }
 
 void Filler::fillScalar(int index)
 {
     if (isGiven(index))
-        atField(row(index), [&] { storeElement(row(index), record, 0, valueOf(index)); });
+        atField(row(index), [&] { storeElement(row(index), m_record, 0, valueOf(index)); });
     fillWord(index);
     splitWord(index);
 }
@@ -178,12 +181,12 @@ void Filler::fillScalar(int index)
 /// Sets the members of the bit ranges, which may say what other fields there are.
 void Filler::splitWord(int word)
 {
-    for (int i = word + 1; i < type.fieldCount && row(i).parent == word; ++i) {
+    for (int i = word + 1; i < m_type.fieldCount && row(i).parent == word; ++i) {
         const TQX_FieldLayout& part = row(i);
         const uint64_t sign = TQX_isSigned(part) ? uint64_t{1} << (part.width - 1) : 0;
-        const uint64_t value =
-            TQX_unsignedValue(row(word), record) >> part.shift & ~uint64_t{0} >> (64 - part.width);
-        storeInteger(part, record, 0, (value ^ sign) - sign);
+        const uint64_t value = TQX_unsignedValue(row(word), m_record) >> part.shift &
+                               ~uint64_t{0} >> (64 - part.width);
+        storeInteger(part, m_record, 0, (value ^ sign) - sign);
     }
 }
 
@@ -201,18 +204,20 @@ void Filler::setCount(int index, size_t elements)
     const size_t unit = field.countsBytes ? TQX_elementSize(field) : 1;
     const uint64_t highest = ~uint64_t{0} >> (64 - count.width);
     const bool isBlocks = field.kind == TQX_FieldKind::Blocks;
-    if (elements * unit > highest || (!isBlocks && elements > field.elements))
+    if (elements * unit > highest || (!isBlocks && elements > field.elements)) {
         throw LineError(
             fmt::format("{} elements, there is room for {}", elements,
                         isBlocks ? highest : std::min<uint64_t>(highest / unit, field.elements)));
-    const auto [known, isFirst] = countedBy.emplace(field.count, elements);
-    if (!isFirst && known->second != elements)
+    }
+    const auto [known, isFirst] = m_countedBy.emplace(field.count, elements);
+    if (!isFirst && known->second != elements) {
         throw LineError(fmt::format("{} elements, but {} for others that {} counts", elements,
                                     known->second, count.name));
+    }
     if (isBlocks)
         return;
-    if (!isGiven(field.count) || TQX_unsignedValue(count, record) / unit != elements)
-        storeInteger(count, record, 0, elements * unit);
+    if (!isGiven(field.count) || TQX_unsignedValue(count, m_record) / unit != elements)
+        storeInteger(count, m_record, 0, elements * unit);
 }
 
 void Filler::fillArray(int index)
@@ -221,7 +226,7 @@ void Filler::fillArray(int index)
     atField(field, [&] { setCount(index, arrayOf(valueOf(index)).size()); });
     const json::array_t& elements = arrayOf(valueOf(index));
     for (uint32_t i = 0; i < elements.size(); ++i)
-        atElement(field, i, [&] { storeElement(field, record, i, elements[i]); });
+        atElement(field, i, [&] { storeElement(field, m_record, i, elements[i]); });
 }
 
 void Filler::fillText(int index)
@@ -230,7 +235,7 @@ void Filler::fillText(int index)
     const std::string text = latin1Of(valueOf(index), field.elements);
     if (field.count >= 0)
         setCount(index, text.size());
-    auto* characters = static_cast<char*>(TQX_element(field, record));
+    auto* characters = static_cast<char*>(TQX_element(field, m_record));
     const size_t end = field.count >= 0 ? text.size() : field.elements;
     std::memcpy(characters, text.data(), text.size());
     std::memset(characters + text.size(), 0, end + 1 - text.size());
@@ -240,21 +245,21 @@ void Filler::fillText(int index)
 /// they are given.
 void Filler::setEntryLengths(const TQX_TypeLayout& owner)
 {
-    const auto* header = static_cast<const TQX_MainHeader_s*>(mainOf(type, record));
+    const auto* header = static_cast<const TQX_MainHeader_s*>(mainOf(m_type, m_record));
     for (int i = 0; i < owner.fieldCount; ++i) {
         const TQX_FieldLayout& field = owner.fields[i];
         if (field.recordType == 0)
             continue;
         const TQX_TypeLayout& sub = *TQX_layout(field.recordType);
         const bool isHere =
-            &owner == &type ? !field.lengthInMain || type.linksToMain == 0 : field.lengthInMain;
+            &owner == &m_type ? !field.lengthInMain || m_type.linksToMain == 0 : field.lengthInMain;
         if (field.length >= 0 && isHere && !isGiven(field.length)) {
-            const uint64_t known = TQX_unsignedValue(row(field.length), record);
+            const uint64_t known = TQX_unsignedValue(row(field.length), m_record);
             storeInteger(
-                row(field.length), record, 0,
+                row(field.length), m_record, 0,
                 std::max<uint64_t>(known, TQX_entrySize(field.recordType, header->Revision)));
         }
-        if (type.linksToMain == 0)
+        if (m_type.linksToMain == 0)
             setEntryLengths(sub);
     }
 }
@@ -264,24 +269,25 @@ void Filler::fillBlocks(int index)
     const TQX_FieldLayout& field = row(index);
     atField(field, [&] { setCount(index, arrayOf(valueOf(index)).size()); });
     const json::array_t& entries = arrayOf(valueOf(index));
-    storeInteger(row(field.count), record, 0, 0);
+    storeInteger(row(field.count), m_record, 0, 0);
     // All are appended before the first is filled: appending moves the others.
     for (size_t i = 0; i < entries.size(); ++i)
-        field.append(record);
-    for (uint32_t i = 0; i < entries.size(); ++i)
+        field.append(m_record);
+    for (uint32_t i = 0; i < entries.size(); ++i) {
         atElement(field, i, [&] {
-            fillRecord(*TQX_layout(field.recordType), TQX_element(field, record, i),
+            fillRecord(*TQX_layout(field.recordType), TQX_element(field, m_record, i),
                        objectOf(entries[i]));
         });
+    }
 }
 
 void Filler::fillEmbedded(int index)
 {
     const TQX_FieldLayout& field = row(index);
     const TQX_TypeLayout& sub = *TQX_layout(field.recordType);
-    void* entry = TQX_element(field, record);
+    void* entry = TQX_element(field, m_record);
     sub.init(entry);
-    static_cast<KorcgHeader_s*>(entry)->korcg_father = record;
+    static_cast<KorcgHeader_s*>(entry)->korcg_father = m_record;
     if (isGiven(index))
         atField(field, [&] { fillRecord(sub, entry, objectOf(valueOf(index))); });
 }
@@ -289,13 +295,14 @@ void Filler::fillEmbedded(int index)
 void Filler::fillContent(int index)
 {
     const TQX_FieldLayout& field = row(index);
-    if (!field.alwaysSent && !TQX_isPresent(type, field, record))
+    if (!field.alwaysSent && !TQX_isPresent(m_type, field, m_record))
         return;
     switch (field.kind) {
     case TQX_FieldKind::Array:
     case TQX_FieldKind::CountedArray:
         // Initialising leaves most of a counted array as it was.
-        std::memset(TQX_element(field, record), 0, size_t{field.elements} * TQX_elementSize(field));
+        std::memset(TQX_element(field, m_record), 0,
+                    size_t{field.elements} * TQX_elementSize(field));
         if (isGiven(index))
             fillArray(index);
         fillWord(index);
@@ -317,37 +324,40 @@ void Filler::fillContent(int index)
     case TQX_FieldKind::Derived:
         return;
     }
-    if (field.count >= 0 && countedBy.count(field.count) == 0 &&
-        TQX_unsignedValue(row(field.count), record) != 0)
+    if (field.count >= 0 && m_countedBy.count(field.count) == 0 &&
+        TQX_unsignedValue(row(field.count), m_record) != 0) {
         throw LineError::at(row(field.count).name,
                             fmt::format("is not 0, but {} is not given", field.name));
+    }
 }
 
 /// Makes the three forms of a main block's number and revision agree with each other.
 void Filler::settleId()
 {
-    auto* header = static_cast<TQX_MainHeader_s*>(record);
+    auto* header = static_cast<TQX_MainHeader_s*>(m_record);
     if (header->Sync1 != '$' || header->Sync2 != '@')
         throw LineError("the sync characters are not those of a block");
     if ((header->ID & 0x1fffU) == 0)
-        header->ID = static_cast<uint16_t>(header->ID | type.blockNumber);
+        header->ID = static_cast<uint16_t>(header->ID | m_type.blockNumber);
     header->BlockNumber = header->ID & 0x1fffU;
     header->Revision = static_cast<uint8_t>(header->ID >> 13U);
-    if (header->BlockNumber != type.blockNumber)
+    if (header->BlockNumber != m_type.blockNumber) {
         throw LineError(fmt::format("the ID is that of block {}, not of {} ({})",
-                                    header->BlockNumber, type.name, type.blockNumber));
+                                    header->BlockNumber, m_type.name, m_type.blockNumber));
+    }
 }
 
 void Filler::fill()
 {
     assignRows();
-    for (int i = 0; i < type.fieldCount; ++i)
+    for (int i = 0; i < m_type.fieldCount; ++i) {
         if (row(i).kind == TQX_FieldKind::Value)
             fillScalar(i);
-    if (type.linksToMain == 0)
+    }
+    if (m_type.linksToMain == 0)
         settleId();
-    setEntryLengths(type);
-    for (int i = 0; i < type.fieldCount; ++i) {
+    setEntryLengths(m_type);
+    for (int i = 0; i < m_type.fieldCount; ++i) {
         checkPresence(i);
         fillContent(i);
     }

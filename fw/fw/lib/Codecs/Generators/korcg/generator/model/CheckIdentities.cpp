@@ -18,7 +18,18 @@ namespace
 /// Names that could not be read are empty, which is reported already.
 bool isRead(const RecordType& type)
 {
+<<<<<<< HEAD
     return !type.name.empty() || !type.broken;
+=======
+    std::vector<Identity> all;
+    for (const RecordType& type : format.types) {
+        if (!type.name.empty() || !type.broken)
+            all.push_back({type.name, type.record, type.number, type.where});
+    }
+    for (const ReservedType& type : format.reserved)
+        all.push_back({type.name, type.record, type.number, type.where});
+    return all;
+>>>>>>> main
 }
 
 void checkUnique(const Format& format, Errors& errors)
@@ -56,6 +67,7 @@ void checkRanges(const Format& format, Errors& errors)
             continue;
         if (!isIdentifier(type.name))
             errors.add(type.where, fmt::format("'{}' cannot name a type", type.name));
+<<<<<<< HEAD
         if (type.edition == 1 && lastFirst != 0 && type.record > lastFirst)
             errors.add(type.where, fmt::format("record number {} of {} is above {}", type.record,
                                                type.name, lastFirst));
@@ -66,8 +78,16 @@ void checkRanges(const Format& format, Errors& errors)
                             "a bit for",
                             type.record, type.name, format.lastFirstRecord + laterTypes));
         if (type.number > lastBlockNumber)
+=======
+        if (type.record > lastRecord) {
+            errors.add(type.where, fmt::format("record number {} of {} is above {}", type.record,
+                                               type.name, lastRecord));
+        }
+        if (type.number > lastBlockNumber) {
+>>>>>>> main
             errors.add(type.where, fmt::format("block number {} of {} is above {}", type.number,
                                                type.name, lastBlockNumber));
+        }
     }
 }
 
@@ -89,17 +109,25 @@ void checkRegistration(const Format& format, Errors& errors)
     std::set<std::string> registered;
     for (const RegistrationEntry& entry : format.registration) {
         const auto type = hasMessage.find(entry.name);
-        if (!registered.insert(entry.name).second)
+        if (!registered.insert(entry.name).second) {
             errors.add(entry.where, fmt::format("{} is registered twice", entry.name));
+<<<<<<< HEAD
         else if (type == hasMessage.end() && entry.edition <= format.edition)
             errors.add(entry.where, fmt::format("registered type {} does not exist", entry.name));
         else if (type != hasMessage.end() && !type->second)
+=======
+        } else if (type == hasMessage.end()) {
+            errors.add(entry.where, fmt::format("registered type {} does not exist", entry.name));
+        } else if (!type->second) {
+>>>>>>> main
             errors.add(entry.where,
                        fmt::format("registered type {} has no message class", entry.name));
+        }
     }
-    for (const RecordType& type : format.types)
+    for (const RecordType& type : format.types) {
         if (type.hasMessage && !type.name.empty() && registered.count(type.name) == 0)
             errors.add(type.where, fmt::format("{} is missing in the registration", type.name));
+    }
 }
 
 } // namespace

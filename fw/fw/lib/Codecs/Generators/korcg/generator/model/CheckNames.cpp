@@ -27,16 +27,17 @@ constexpr std::string_view messageMembers[] = {
 void checkIdentifier(const RecordType& type, const Field& field, Errors& errors)
 {
     const std::string name = identifier(field.name);
-    if (isKeyword(name))
+    if (isKeyword(name)) {
         errors.add(field.where,
                    fmt::format("{} is named like a C++ keyword", qualified(type, field)));
-    else if (!isIdentifier(name))
+    } else if (!isIdentifier(name)) {
         errors.add(field.where, fmt::format("'{}' cannot name a field of {}: letters, digits, "
                                             "blanks and underscores only, no digit in front",
                                             field.name, type.name));
-    else if (name.rfind(bookkeepingPrefix, 0) == 0)
+    } else if (name.rfind(bookkeepingPrefix, 0) == 0) {
         errors.add(field.where,
                    fmt::format("{} is named like a bookkeeping member", qualified(type, field)));
+    }
 }
 
 void checkHiding(const RecordType& type, const Field& field, Errors& errors)
@@ -45,13 +46,14 @@ void checkHiding(const RecordType& type, const Field& field, Errors& errors)
     const bool hides = type.hasMessage &&
                        std::find(std::begin(messageMembers), std::end(messageMembers), getter) !=
                            std::end(messageMembers);
-    if (hides && field.hides.empty())
+    if (hides && field.hides.empty()) {
         errors.add(field.where, fmt::format("{} makes a getter that hides Message::{}; "
                                             "'hides: {}' would allow it",
                                             qualified(type, field), getter, getter));
-    else if (!field.hides.empty() && (!hides || field.hides != getter))
+    } else if (!field.hides.empty() && (!hides || field.hides != getter)) {
         errors.add(field.where, fmt::format("{} does not hide Message::{}", qualified(type, field),
                                             field.hides));
+    }
 }
 
 std::string describe(const Field& field)
@@ -74,9 +76,10 @@ void checkCollisions(const RecordType& type, Errors& errors)
         if (!field.hasCode())
             continue;
         const auto [code, isNewCode] = codes.emplace(upperName(field.name), &field);
-        if (!isNewCode)
+        if (!isNewCode) {
             errors.add(field.where, fmt::format("{} gives the same code names as {}",
                                                 qualified(type, field), code->second->name));
+        }
     }
 }
 
@@ -100,6 +103,7 @@ void checkOverlaps(const RecordType& type, Errors& errors)
     for (const Field& field : type.fields) {
         if (field.kind != FieldKind::Bits)
             continue;
+<<<<<<< HEAD
         std::vector<const Field*>& before = words[field.parent];
         const auto collides = [&](const Field* other) {
             return (bitsOf(*other) & bitsOf(field)) != 0 && !mayOverlap(*other, field) &&
@@ -110,6 +114,16 @@ void checkOverlaps(const RecordType& type, Errors& errors)
                                                 "would allow it",
                                                 qualified(type, field)));
         before.push_back(&field);
+=======
+        const uint64_t ones = field.width >= 64 ? ~uint64_t{0} : (uint64_t{1} << field.width) - 1;
+        uint64_t& used = usedBits[field.parent];
+        if ((used & ones << field.shift) != 0) {
+            errors.add(field.where, fmt::format("{} overlaps another sub-field; 'virtual: true' "
+                                                "would allow it",
+                                                qualified(type, field)));
+        }
+        used |= ones << field.shift;
+>>>>>>> main
     }
 }
 

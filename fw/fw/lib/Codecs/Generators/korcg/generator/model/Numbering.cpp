@@ -83,6 +83,7 @@ public:
     {
         const FirstEdition& first = m_format.first;
         next("TQX_ERR_INVALID_CRC");
+<<<<<<< HEAD
         int overflow = 0;
         const auto addOverflow = [&] {
             if (overflow == 0)
@@ -104,6 +105,50 @@ public:
         m_format.invalidMessage = next("TQX_ERR_INVALID_MESSAGE");
         m_format.lastFirstCode = next("TQX_ERR_EOF");
         expect("TQX_ERR_EOF", m_format.lastFirstCode, -first.codes);
+=======
+    }
+
+    void runs()
+    {
+        std::size_t described = 0;
+        std::size_t reserved = 0;
+        std::vector<const ReservedType*> waiting = byRecord();
+        while (described < m_format.types.size() || reserved < waiting.size()) {
+            const bool takeReserved =
+                described == m_format.types.size() ||
+                (reserved < waiting.size() &&
+                 waiting[reserved]->record < m_format.types[described].record);
+            const int record =
+                takeReserved ? waiting[reserved]->record : m_format.types[described].record;
+            if (record > bufferOverflowAfterRecord)
+                bufferOverflow();
+            if (takeReserved) {
+                run(*waiting[reserved++]);
+            } else {
+                run(m_format.types[described++]);
+            }
+        }
+        bufferOverflow();
+    }
+
+    void disabled()
+    {
+        std::vector<std::pair<int, std::pair<std::string, int*>>> mains;
+        for (RecordType& type : m_format.types) {
+            if (type.isMain())
+                mains.push_back({type.record, {type.name, &type.disabled}});
+        }
+        for (ReservedType& type : m_format.reserved) {
+            if (type.number != 0)
+                mains.push_back({type.record, {type.name, &type.disabled}});
+        }
+        std::stable_sort(mains.begin(), mains.end(),
+                         [](const auto& a, const auto& b) { return a.first < b.first; });
+        for (auto& main : mains) {
+            *main.second.second =
+                next(fmt::format("TQX_ERR_{}_DISABLED", upperName(main.second.first)));
+        }
+>>>>>>> main
     }
 
     /// Types and fields of one edition, in the order of the record types.
@@ -163,10 +208,23 @@ private:
     void run(RecordType& type)
     {
         const std::string name = upperName(type.name);
+<<<<<<< HEAD
         for (Field& field : type.fields)
             if (isOwn(type, field))
                 fieldCodes(type, field);
         m_where = type.where;
+=======
+        for (Field& field : type.fields) {
+            if (!field.hasCode())
+                continue;
+            const std::string fieldName = upperName(field.name);
+            field.code = next(fmt::format("TQX_ERR_{}_{}_EXT_BUFFER_OVERFLOW", name, fieldName));
+            if (canExceedCapacity(type, field)) {
+                field.capacityCode =
+                    next(fmt::format("TQX_ERR_{}_{}_INT_BUFFER_OVERFLOW", name, fieldName));
+            }
+        }
+>>>>>>> main
         const auto underflow = [&](std::string_view field) {
             return next(fmt::format("TQX_ERR_{}_{}_SIZE_UNDERFLOW", name, upperName(field)));
         };

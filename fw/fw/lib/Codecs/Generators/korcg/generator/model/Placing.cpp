@@ -20,10 +20,11 @@ public:
     void place(RecordType& type)
     {
         for (Field& field : type.fields) {
-            if (field.kind == FieldKind::Bits)
+            if (field.kind == FieldKind::Bits) {
                 field.wireOffset = type.fields[static_cast<std::size_t>(field.parent)].wireOffset;
-            else if (field.onWire())
+            } else if (field.onWire()) {
                 field.wireOffset = placeWireField(field);
+            }
         }
     }
 
@@ -38,13 +39,17 @@ private:
             m_selector = -1;
             m_position = notConstant;
         }
-        if (field.presence == Presence::SinceRevision && !field.alwaysSent)
+        if (field.presence == Presence::SinceRevision && !field.alwaysSent) {
             for (; m_revision < field.presenceValue; ++m_revision)
                 m_ends[m_revision] = m_position;
+<<<<<<< HEAD
         // What follows an entry that has grown is found by the length of the entry.
         m_isGrown = m_isGrown || field.isAddition;
         if (m_isGrown && !field.isAddition)
             m_position = notConstant;
+=======
+        }
+>>>>>>> main
         const int here = m_position;
         advance(m_position, field);
         return here;

@@ -46,10 +46,14 @@ Format readDescription(const std::vector<Source>& sources, int edition, Ledger& 
             errors.add({source.file, failure.mark.line + 1}, failure.msg);
         }
     }
-    if (format.name.empty())
+    if (format.name.empty()) {
         errors.add({sources.empty() ? "" : sources.front().file, 0},
                    "no file tells the name of the format ('format')");
+<<<<<<< HEAD
     applyEdition(drafts, format, edition, ledger, errors);
+=======
+    }
+>>>>>>> main
     resolve(std::move(drafts), format, errors);
     return format;
 }

@@ -55,12 +55,13 @@ public:
         const std::optional<WholeNumber> number = wholeNumber(key);
         const std::optional<int64_t> value =
             number ? number->within(lowestValue, highestValue) : std::nullopt;
-        if (!value)
+        if (!value) {
             m_context.error(key, "a named value must be a whole number of up to 32 bits");
-        else if (!name.IsScalar())
+        } else if (!name.IsScalar()) {
             m_context.error(key, fmt::format("the name of {} must be a text", *value));
-        else
+        } else {
             add(key, *value, name.Scalar());
+        }
     }
 
     void readEntry(const YAML::Node& node)
@@ -88,25 +89,39 @@ public:
             map.error("to", "must not lie before 'from', nor far behind it");
             return;
         }
+<<<<<<< HEAD
         m_edition = map.integer("edition", 1, latestEdition).value_or(1);
         for (int value = *from; value <= *to; ++value)
+=======
+        for (int value = *from; value <= *to; ++value) {
+>>>>>>> main
             add(node, value,
                 fmt::format("{}{:0{}d}{}", name.substr(0, place->begin),
                             start.value_or(*from) + value - *from, place->digits,
                             name.substr(place->end)));
+<<<<<<< HEAD
         m_edition = 1;
+=======
+        }
+>>>>>>> main
     }
 
 private:
     void add(const YAML::Node& node, int64_t value, std::string name)
     {
-        if (name.empty())
+        if (name.empty()) {
             m_context.error(node, fmt::format("the name of {} is empty", value));
-        else if (!m_values.insert(value).second)
+        } else if (!m_values.insert(value).second) {
             m_context.error(node, fmt::format("value {} named twice in symbol table '{}'", value,
                                               m_table.name));
+<<<<<<< HEAD
         else
             m_table.values.push_back({value, std::move(name), m_edition});
+=======
+        } else {
+            m_table.values.push_back({value, std::move(name)});
+        }
+>>>>>>> main
     }
 
     const ReadContext& m_context;
