@@ -33,9 +33,10 @@ const generator::Format& firstEdition()
 
 const TQX_FieldLayout* rowOf(const TQX_TypeLayout& type, const std::string& name)
 {
-    for (int row = 0; row < type.fieldCount; ++row)
+    for (int row = 0; row < type.fieldCount; ++row) {
         if (type.fields[row].name == name)
             return type.fields + row;
+    }
     return nullptr;
 }
 

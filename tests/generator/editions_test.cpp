@@ -42,9 +42,10 @@ std::vector<std::string> errorsOf(const std::vector<Source>& sources)
 
 bool anyContains(const std::vector<std::string>& lines, const std::string& text)
 {
-    for (const std::string& line : lines)
+    for (const std::string& line : lines) {
         if (line.find(text) != std::string::npos)
             return true;
+    }
     return false;
 }
 

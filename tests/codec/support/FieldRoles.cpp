@@ -23,11 +23,7 @@ uint32_t roomOf(const TQX_FieldLayout& field)
 std::vector<const TQX_TypeLayout*> layouts(bool mainsOnly)
 {
     std::vector<const TQX_TypeLayout*> types;
-<<<<<<< HEAD
-    for (uint32_t record = 1; record <= TQX_lastRecordType; ++record)
-=======
-    for (uint32_t record = 1; record <= 382; ++record) {
->>>>>>> main
+    for (uint32_t record = 1; record <= TQX_lastRecordType; ++record) {
         if (const TQX_TypeLayout* type = TQX_layout(record);
             type != nullptr && (!mainsOnly || type->blockNumber != 0))
             types.push_back(type);
@@ -60,13 +56,8 @@ FieldRole findRole(const TQX_TypeLayout& type, int row)
 
 std::vector<std::vector<FieldRole>> allRoles()
 {
-<<<<<<< HEAD
     std::vector<std::vector<FieldRole>> roles(TQX_lastRecordType + 1);
-    for (const TQX_TypeLayout* type : allTypes())
-=======
-    std::vector<std::vector<FieldRole>> roles(383);
     for (const TQX_TypeLayout* type : allTypes()) {
->>>>>>> main
         for (int row = 0; row < type->fieldCount; ++row)
             roles[type->recordType].push_back(findRole(*type, row));
     }

@@ -55,13 +55,8 @@ bool canOverflowBuffer(const TQX_TypeLayout& type, int row, Direction direction,
             (field.presenceValue != type.ownRevision || revision != type.ownRevision))
             return false;
     }
-<<<<<<< HEAD
-    for (uint32_t room = 0; room < TQX_elementSize(field); ++room)
-        if (hasLastWord(type, row, room, direction, revision))
-=======
     for (uint32_t room = 0; room < TQX_elementSize(field); ++room) {
-        if (hasLastWord(type, row, room, direction))
->>>>>>> main
+        if (hasLastWord(type, row, room, direction, revision))
             return true;
     }
     return false;
@@ -85,9 +80,10 @@ std::set<int32_t> possibleCodes(const TQX_TypeLayout& type, Direction direction)
         const TQX_FieldLayout& field = type.fields[row];
         if (!isOnWire(field) || holdsEntries(field))
             continue;
-        for (unsigned revision = 0; revision < 8; ++revision)
+        for (unsigned revision = 0; revision < 8; ++revision) {
             if (canOverflowBuffer(type, row, direction, revision))
                 codes.insert(field.code);
+        }
         if (canOverflowRecord(type, field))
             codes.insert(field.code - 1);
     }

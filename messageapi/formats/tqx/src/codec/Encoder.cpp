@@ -371,13 +371,8 @@ uint32_t entrySize(const TQX_TypeLayout& type, Fields fields, unsigned revision)
             continue;
         if (field.kind == TQX_FieldKind::Embedded) {
             bytes += largestContent(type, i, fields, revision);
-<<<<<<< HEAD
-        else if (field.presence != TQX_Presence::Selected &&
-                 isWritten(type, field, nullptr, fields, revision, type.ownRevision))
-=======
         } else if (field.presence != TQX_Presence::Selected &&
-                   isWritten(type, field, nullptr, fields, revision, type.highestRevision)) {
->>>>>>> main
+                   isWritten(type, field, nullptr, fields, revision, type.ownRevision)) {
             bytes += TQX_elementSize(field) * field.elements;
         }
     }

@@ -33,14 +33,16 @@ public:
             m_before.linksToMain == m_after.linksToMain;
         if (!isSame)
             error(m_after.where, fmt::format("{} gets other numbers", m_after.name));
-        for (const Field& field : m_before.fields)
+        for (const Field& field : m_before.fields) {
             compare(
                 field,
                 m_after.fields[static_cast<std::size_t>(findRow(m_after, identifier(field.name)))]);
-        for (std::size_t row = 0; row < m_after.fields.size(); ++row)
+        }
+        for (std::size_t row = 0; row < m_after.fields.size(); ++row) {
             if (const Field& field = m_after.fields[row];
                 field.isAddition && field.edition == m_later.edition)
                 checkAddition(field, static_cast<int>(row));
+        }
     }
 
 private:
@@ -58,9 +60,10 @@ private:
             before.isOptional == after.isOptional && before.isRepeated == after.isRepeated &&
             (isShortened || before.wireOffset == after.wireOffset ||
              (followsEntry(after) && after.wireOffset < 0));
-        if (!isSame)
+        if (!isSame) {
             error(after.where, fmt::format("{} gets another code or place than in edition {}",
                                            qualified(m_after, after), m_earlier.edition));
+        }
     }
 
     bool followsEntry(const Field& field) const
@@ -76,23 +79,27 @@ private:
         const bool isRevised = (field.presence == Presence::SinceRevision && !field.alwaysSent) ||
                                (field.isPadding && field.presence == Presence::OnlyRevision);
         const int highest = highestRevision();
-        if (!isRevised || field.presenceValue <= highest)
+        if (!isRevised || field.presenceValue <= highest) {
             error(field.where, fmt::format("{} needs 'since' with a revision above {}",
                                            qualified(m_after, field), highest));
+        }
         for (std::size_t i = static_cast<std::size_t>(row); i < m_after.fields.size(); ++i) {
             const Field& other = m_after.fields[i];
-            if (other.onWire() && other.edition < field.edition && !followsEntry(other))
+            if (other.onWire() && other.edition < field.edition && !followsEntry(other)) {
                 error(field.where, fmt::format("{} is before {}, which is older",
                                                qualified(m_after, field), other.name));
+            }
         }
         if (m_after.isMain())
             return;
-        for (int i = 0; i < row; ++i)
+        for (int i = 0; i < row; ++i) {
             if (const Field& other = m_after.fields[static_cast<std::size_t>(i)];
-                other.kind == FieldKind::Blocks && field.kind != FieldKind::Blocks)
+                other.kind == FieldKind::Blocks && field.kind != FieldKind::Blocks) {
                 error(field.where,
                       fmt::format("{} is after {}, which follows the entry that is grown",
                                   qualified(m_after, field), other.name));
+            }
+        }
     }
 
     /// The revisions that are known of the main blocks around the type.
@@ -126,12 +133,14 @@ void checkGrowth(const Format& earlier, const Format& later, Errors& errors)
     for (const RecordType& type : earlier.types)
         GrowthCheck(earlier, type, later, *later.find(type.name), errors).run();
     const auto known = static_cast<std::ptrdiff_t>(earlier.codeNames.size());
-    for (std::ptrdiff_t i = 0; i < known; ++i)
+    for (std::ptrdiff_t i = 0; i < known; ++i) {
         if (earlier.codeNames[static_cast<std::size_t>(i)] !=
-            later.codeNames[static_cast<std::size_t>(i)])
+            later.codeNames[static_cast<std::size_t>(i)]) {
             errors.add(later.first.where,
                        fmt::format("edition {}: code {} is no longer {}", later.edition, -1 - i,
                                    earlier.codeNames[static_cast<std::size_t>(i)]));
+        }
+    }
 }
 
 } // namespace korcg::generator

@@ -18,18 +18,7 @@ namespace
 /// Names that could not be read are empty, which is reported already.
 bool isRead(const RecordType& type)
 {
-<<<<<<< HEAD
     return !type.name.empty() || !type.broken;
-=======
-    std::vector<Identity> all;
-    for (const RecordType& type : format.types) {
-        if (!type.name.empty() || !type.broken)
-            all.push_back({type.name, type.record, type.number, type.where});
-    }
-    for (const ReservedType& type : format.reserved)
-        all.push_back({type.name, type.record, type.number, type.where});
-    return all;
->>>>>>> main
 }
 
 void checkUnique(const Format& format, Errors& errors)
@@ -67,24 +56,18 @@ void checkRanges(const Format& format, Errors& errors)
             continue;
         if (!isIdentifier(type.name))
             errors.add(type.where, fmt::format("'{}' cannot name a type", type.name));
-<<<<<<< HEAD
-        if (type.edition == 1 && lastFirst != 0 && type.record > lastFirst)
+        if (type.edition == 1 && lastFirst != 0 && type.record > lastFirst) {
             errors.add(type.where, fmt::format("record number {} of {} is above {}", type.record,
                                                type.name, lastFirst));
-        if (type.record > format.lastFirstRecord + laterTypes)
+        }
+        if (type.record > format.lastFirstRecord + laterTypes) {
             errors.add(
                 type.where,
                 fmt::format("record number {} of {} is above {}, the last that a context has "
                             "a bit for",
                             type.record, type.name, format.lastFirstRecord + laterTypes));
-        if (type.number > lastBlockNumber)
-=======
-        if (type.record > lastRecord) {
-            errors.add(type.where, fmt::format("record number {} of {} is above {}", type.record,
-                                               type.name, lastRecord));
         }
         if (type.number > lastBlockNumber) {
->>>>>>> main
             errors.add(type.where, fmt::format("block number {} of {} is above {}", type.number,
                                                type.name, lastBlockNumber));
         }
@@ -95,9 +78,10 @@ void checkTotal(const Format& format, Errors& errors)
 {
     const auto types = std::count_if(format.types.begin(), format.types.end(),
                                      [](const RecordType& type) { return type.edition == 1; });
-    if (format.first.types != 0 && types != format.first.types)
+    if (format.first.types != 0 && types != format.first.types) {
         errors.add(format.first.where, fmt::format("the first edition has {} types, not {}", types,
                                                    format.first.types));
+    }
 }
 
 void checkRegistration(const Format& format, Errors& errors)
@@ -111,15 +95,9 @@ void checkRegistration(const Format& format, Errors& errors)
         const auto type = hasMessage.find(entry.name);
         if (!registered.insert(entry.name).second) {
             errors.add(entry.where, fmt::format("{} is registered twice", entry.name));
-<<<<<<< HEAD
-        else if (type == hasMessage.end() && entry.edition <= format.edition)
+        } else if (type == hasMessage.end() && entry.edition <= format.edition) {
             errors.add(entry.where, fmt::format("registered type {} does not exist", entry.name));
-        else if (type != hasMessage.end() && !type->second)
-=======
-        } else if (type == hasMessage.end()) {
-            errors.add(entry.where, fmt::format("registered type {} does not exist", entry.name));
-        } else if (!type->second) {
->>>>>>> main
+        } else if (type != hasMessage.end() && !type->second) {
             errors.add(entry.where,
                        fmt::format("registered type {} has no message class", entry.name));
         }

@@ -128,22 +128,14 @@ private:
                 error(field, "must not stand behind padding of a single revision");
             const bool isNewer = field.presence == Presence::SinceRevision && !field.alwaysSent;
             const int since = isNewer ? field.presenceValue : 0;
-<<<<<<< HEAD
-            if (since < revision && !followsEntry(field))
-=======
-            if (since < revision) {
->>>>>>> main
+            if (since < revision && !followsEntry(field)) {
                 error(field, "{} must not stand behind fields of revision {}",
                       since == 0 ? "is in every revision and"
                                  : fmt::format("of revision {}", since),
                       revision);
-<<<<<<< HEAD
+            }
             if (!followsEntry(field))
                 revision = std::max(revision, since);
-=======
-            }
-            revision = std::max(revision, since);
->>>>>>> main
         }
     }
 

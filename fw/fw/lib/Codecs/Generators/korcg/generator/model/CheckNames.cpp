@@ -103,27 +103,17 @@ void checkOverlaps(const RecordType& type, Errors& errors)
     for (const Field& field : type.fields) {
         if (field.kind != FieldKind::Bits)
             continue;
-<<<<<<< HEAD
         std::vector<const Field*>& before = words[field.parent];
         const auto collides = [&](const Field* other) {
             return (bitsOf(*other) & bitsOf(field)) != 0 && !mayOverlap(*other, field) &&
                    !mayOverlap(field, *other);
         };
-        if (std::any_of(before.begin(), before.end(), collides))
-            errors.add(field.where, fmt::format("{} overlaps another sub-field; 'virtual: true' "
-                                                "would allow it",
-                                                qualified(type, field)));
-        before.push_back(&field);
-=======
-        const uint64_t ones = field.width >= 64 ? ~uint64_t{0} : (uint64_t{1} << field.width) - 1;
-        uint64_t& used = usedBits[field.parent];
-        if ((used & ones << field.shift) != 0) {
+        if (std::any_of(before.begin(), before.end(), collides)) {
             errors.add(field.where, fmt::format("{} overlaps another sub-field; 'virtual: true' "
                                                 "would allow it",
                                                 qualified(type, field)));
         }
-        used |= ones << field.shift;
->>>>>>> main
+        before.push_back(&field);
     }
 }
 

@@ -20,21 +20,10 @@ bool checkSubTypes(const Format& format, const RecordType& type, Errors& errors)
         if (field.subType.empty())
             continue;
         const RecordType* const sub = format.find(field.subType);
-<<<<<<< HEAD
-        if (!sub)
+        if (!sub) {
             errors.add(field.where, fmt::format("{} holds {}, which does not exist",
                                                 qualified(type, field), field.subType));
-        else if (sub->isMain())
-=======
-        const bool isReserved =
-            std::any_of(format.reserved.begin(), format.reserved.end(),
-                        [&field](const ReservedType& each) { return each.name == field.subType; });
-        if (!sub) {
-            errors.add(field.where,
-                       fmt::format("{} holds {}, which {}", qualified(type, field), field.subType,
-                                   isReserved ? "is not described yet" : "does not exist"));
         } else if (sub->isMain()) {
->>>>>>> main
             errors.add(field.where, fmt::format("{} holds {}, which is a main block",
                                                 qualified(type, field), field.subType));
         }
@@ -69,18 +58,11 @@ void checkLevel(const FirstEdition& first, const RecordType& type, Errors& error
         return;
     const Range& range = *std::find_if(std::begin(ranges), std::end(ranges),
                                        [&](const Range& each) { return type.record <= each.last; });
-<<<<<<< HEAD
-    if (&range - ranges != type.ownLevel)
+    if (&range - ranges != type.ownLevel) {
         errors.add(type.where,
                    fmt::format("{} {}, but record numbers {} to {} {}", type.name,
                                actual[type.ownLevel], range.first, range.last, range.meaning));
-=======
-    if (&range - ranges != type.level) {
-        errors.add(type.where,
-                   fmt::format("{} {}, but record numbers {} to {} {}", type.name,
-                               actual[type.level], range.first, range.last, range.meaning));
     }
->>>>>>> main
 }
 
 /// Sub-blocks that look up a length assert the kind of the main block, one kind for all of them.

@@ -28,9 +28,10 @@ Ledger::Ledger(std::string file, std::string_view text, bool grows, Errors& erro
 {
     std::istringstream lines{std::string(text)};
     std::string line;
-    for (int number = 1; std::getline(lines, line); ++number)
+    for (int number = 1; std::getline(lines, line); ++number) {
         if (!line.empty() && line.front() != '#')
             readLine(line, number, errors);
+    }
 }
 
 void Ledger::readLine(const std::string& line, int number, Errors& errors)
@@ -49,12 +50,14 @@ void Ledger::readLine(const std::string& line, int number, Errors& errors)
     }
     entry.kind = found == std::begin(kindNames) ? Type : Code;
     const Entry* before = last(entry.kind);
-    if (before != nullptr && entry.edition < before->edition)
+    if (before != nullptr && entry.edition < before->edition) {
         error(fmt::format("{} is of edition {}, but edition {} has begun before it", entry.name,
                           entry.edition, before->edition));
-    if (before != nullptr && entry.number != before->number + steps[entry.kind])
+    }
+    if (before != nullptr && entry.number != before->number + steps[entry.kind]) {
         error(fmt::format("{} has the number {}, expected {}", entry.name, entry.number,
                           before->number + steps[entry.kind]));
+    }
     m_entries.push_back(std::move(entry));
 }
 
@@ -87,9 +90,10 @@ int Ledger::number(Kind kind, int edition, const std::string& name, const Locati
     });
     if (found != m_entries.end()) {
         found->used = true;
-        if (found->edition != edition)
+        if (found->edition != edition) {
             errors.add(where, fmt::format("{} is of edition {}, but of edition {} in {}:{}", name,
                                           edition, found->edition, m_file, found->line));
+        }
         return found->number;
     }
     if (!m_grows) {
@@ -97,9 +101,10 @@ int Ledger::number(Kind kind, int edition, const std::string& name, const Locati
             m_firstMissing = {where, name};
         return 0;
     }
-    if (const Entry* before = last(kind); before != nullptr && before->edition > edition)
+    if (const Entry* before = last(kind); before != nullptr && before->edition > edition) {
         errors.add(where, fmt::format("{} cannot join edition {}: edition {} has begun", name,
                                       edition, before->edition));
+    }
     m_entries.push_back({kind, edition, next(kind), name, 0, true});
     m_hasGrown = true;
     return m_entries.back().number;
@@ -107,30 +112,34 @@ int Ledger::number(Kind kind, int edition, const std::string& name, const Locati
 
 void Ledger::finish(Errors& errors) const
 {
-    if (m_missing != 0)
+    if (m_missing != 0) {
         errors.add(
             m_firstMissing.first,
             fmt::format("{}{} not in the ledger yet; --update-ledger adds what is missing",
                         m_firstMissing.second,
                         m_missing == 1 ? " is" : fmt::format(" and {} more are", m_missing - 1)));
+    }
     bool isFirst[2] = {true, true};
     for (const Entry& entry : m_entries) {
-        if (std::exchange(isFirst[entry.kind], false) && entry.number != m_firsts[entry.kind])
+        if (std::exchange(isFirst[entry.kind], false) && entry.number != m_firsts[entry.kind]) {
             errors.add({m_file, entry.line},
                        fmt::format("{} has the number {}, expected {}", entry.name, entry.number,
                                    m_firsts[entry.kind]));
-        if (!entry.used && entry.edition <= m_edition)
+        }
+        if (!entry.used && entry.edition <= m_edition) {
             errors.add({m_file, entry.line}, fmt::format("{} {} is no longer in the description",
                                                          kindNames[entry.kind], entry.name));
+        }
     }
 }
 
 std::string Ledger::text() const
 {
     std::string lines(head);
-    for (const Entry& entry : m_entries)
+    for (const Entry& entry : m_entries) {
         lines += fmt::format("{} {} {} {}\n", entry.edition, kindNames[entry.kind], entry.number,
                              entry.name);
+    }
     return lines;
 }
 

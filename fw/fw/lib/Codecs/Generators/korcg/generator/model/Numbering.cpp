@@ -83,7 +83,6 @@ public:
     {
         const FirstEdition& first = m_format.first;
         next("TQX_ERR_INVALID_CRC");
-<<<<<<< HEAD
         int overflow = 0;
         const auto addOverflow = [&] {
             if (overflow == 0)
@@ -99,56 +98,13 @@ public:
         addOverflow();
         expect("TQX_ERR_BUFFER_OVERFLOW", overflow, first.overflowCode);
         expect("the first DISABLED code", nextCode(), first.firstDisabled);
-        for (RecordType& type : m_format.types)
+        for (RecordType& type : m_format.types) {
             if (type.edition == 1 && type.isMain())
                 disabled(type);
+        }
         m_format.invalidMessage = next("TQX_ERR_INVALID_MESSAGE");
         m_format.lastFirstCode = next("TQX_ERR_EOF");
         expect("TQX_ERR_EOF", m_format.lastFirstCode, -first.codes);
-=======
-    }
-
-    void runs()
-    {
-        std::size_t described = 0;
-        std::size_t reserved = 0;
-        std::vector<const ReservedType*> waiting = byRecord();
-        while (described < m_format.types.size() || reserved < waiting.size()) {
-            const bool takeReserved =
-                described == m_format.types.size() ||
-                (reserved < waiting.size() &&
-                 waiting[reserved]->record < m_format.types[described].record);
-            const int record =
-                takeReserved ? waiting[reserved]->record : m_format.types[described].record;
-            if (record > bufferOverflowAfterRecord)
-                bufferOverflow();
-            if (takeReserved) {
-                run(*waiting[reserved++]);
-            } else {
-                run(m_format.types[described++]);
-            }
-        }
-        bufferOverflow();
-    }
-
-    void disabled()
-    {
-        std::vector<std::pair<int, std::pair<std::string, int*>>> mains;
-        for (RecordType& type : m_format.types) {
-            if (type.isMain())
-                mains.push_back({type.record, {type.name, &type.disabled}});
-        }
-        for (ReservedType& type : m_format.reserved) {
-            if (type.number != 0)
-                mains.push_back({type.record, {type.name, &type.disabled}});
-        }
-        std::stable_sort(mains.begin(), mains.end(),
-                         [](const auto& a, const auto& b) { return a.first < b.first; });
-        for (auto& main : mains) {
-            *main.second.second =
-                next(fmt::format("TQX_ERR_{}_DISABLED", upperName(main.second.first)));
-        }
->>>>>>> main
     }
 
     /// Types and fields of one edition, in the order of the record types.
@@ -162,9 +118,10 @@ public:
                     disabled(type);
                 continue;
             }
-            for (Field& field : type.fields)
+            for (Field& field : type.fields) {
                 if (type.edition < edition && field.edition == edition)
                     fieldCodes(type, field);
+            }
         }
     }
 
@@ -198,33 +155,22 @@ private:
         field.code = next(name + "_EXT_BUFFER_OVERFLOW");
         if (canExceedCapacity(type, field)) {
             field.capacityCode = next(name + "_INT_BUFFER_OVERFLOW");
-            if (field.code != 0 && field.capacityCode != field.code - 1)
+            if (field.code != 0 && field.capacityCode != field.code - 1) {
                 m_errors.add(field.where, fmt::format("the codes {} and {} of {} in the ledger do "
                                                       "not follow each other",
                                                       field.code, field.capacityCode, name));
+            }
         }
     }
 
     void run(RecordType& type)
     {
         const std::string name = upperName(type.name);
-<<<<<<< HEAD
-        for (Field& field : type.fields)
+        for (Field& field : type.fields) {
             if (isOwn(type, field))
                 fieldCodes(type, field);
-        m_where = type.where;
-=======
-        for (Field& field : type.fields) {
-            if (!field.hasCode())
-                continue;
-            const std::string fieldName = upperName(field.name);
-            field.code = next(fmt::format("TQX_ERR_{}_{}_EXT_BUFFER_OVERFLOW", name, fieldName));
-            if (canExceedCapacity(type, field)) {
-                field.capacityCode =
-                    next(fmt::format("TQX_ERR_{}_{}_INT_BUFFER_OVERFLOW", name, fieldName));
-            }
         }
->>>>>>> main
+        m_where = type.where;
         const auto underflow = [&](std::string_view field) {
             return next(fmt::format("TQX_ERR_{}_{}_SIZE_UNDERFLOW", name, upperName(field)));
         };

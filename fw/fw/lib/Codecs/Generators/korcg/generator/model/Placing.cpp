@@ -42,14 +42,11 @@ private:
         if (field.presence == Presence::SinceRevision && !field.alwaysSent) {
             for (; m_revision < field.presenceValue; ++m_revision)
                 m_ends[m_revision] = m_position;
-<<<<<<< HEAD
+        }
         // What follows an entry that has grown is found by the length of the entry.
         m_isGrown = m_isGrown || field.isAddition;
         if (m_isGrown && !field.isAddition)
             m_position = notConstant;
-=======
-        }
->>>>>>> main
         const int here = m_position;
         advance(m_position, field);
         return here;

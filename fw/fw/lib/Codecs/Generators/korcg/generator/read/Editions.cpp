@@ -19,22 +19,25 @@ public:
 
     void run(std::vector<TypeDraft>& drafts, int edition)
     {
-        for (TypeDraft& type : drafts)
+        for (TypeDraft& type : drafts) {
             for (FieldDraft& field : type.fields)
                 setEdition(field, type.type.edition);
+        }
         findLatest(drafts);
         m_format.edition = edition == 0 ? m_format.latestEdition : edition;
-        if (m_format.edition > m_format.latestEdition)
+        if (m_format.edition > m_format.latestEdition) {
             m_errors.add({"--edition", 0}, fmt::format("there is no edition {}, the latest is {}",
                                                        edition, m_format.latestEdition));
+        }
         setRegistration(drafts);
         dropLater(drafts, [](const TypeDraft& type) { return type.type.edition; });
         for (TypeDraft& type : drafts) {
             dropLater(type.fields, [](const FieldDraft& each) { return each.field.edition; });
             // A place that the description tells is that in the edition of the field.
-            for (FieldDraft& field : type.fields)
+            for (FieldDraft& field : type.fields) {
                 if (field.field.edition < m_format.edition)
                     field.field.toldOffset.reset();
+            }
             for (FieldDraft& field : type.fields)
                 dropLater(field.bits, [](const FieldDraft& each) { return each.field.edition; });
         }
@@ -46,10 +49,11 @@ private:
     void setEdition(FieldDraft& draft, int around)
     {
         draft.field.edition = draft.edition.value_or(around);
-        if (draft.field.edition < around)
+        if (draft.field.edition < around) {
             m_errors.add(draft.field.where,
                          fmt::format("{} is of edition {}, but what holds it of edition {}",
                                      draft.field.name, draft.field.edition, around));
+        }
         for (FieldDraft& bits : draft.bits)
             setEdition(bits, draft.field.edition);
     }
@@ -66,9 +70,10 @@ private:
                     count(bits.field.edition);
             }
         }
-        for (const auto& table : m_format.symbols)
+        for (const auto& table : m_format.symbols) {
             for (const SymbolicValue& value : table.second.values)
                 count(value.edition);
+        }
         m_format.latestEdition = latest;
     }
 
@@ -85,10 +90,11 @@ private:
             if (found == editions.end())
                 continue;
             entry.edition = found->second;
-            if (entry.edition < edition)
+            if (entry.edition < edition) {
                 m_errors.add(entry.where, fmt::format("{} of edition {} is registered after a type "
                                                       "of edition {}",
                                                       entry.name, entry.edition, edition));
+            }
             edition = std::max(edition, entry.edition);
         }
     }
@@ -113,17 +119,21 @@ void applyEdition(std::vector<TypeDraft>& drafts, Format& format, int edition, L
 {
     EditionFilter(format, errors).run(drafts, edition);
     int last = format.first.types;
-    if (last == 0)
+    if (last == 0) {
         for (const TypeDraft& draft : drafts)
             last = std::max(last, draft.type.record);
+    }
     format.lastFirstRecord = last;
     ledger.restart(format.edition);
     ledger.startAt(Ledger::Type, last + 1);
-    for (int each = 2; each <= format.edition; ++each)
-        for (TypeDraft& draft : drafts)
-            if (draft.type.edition == each && !draft.type.name.empty())
+    for (int each = 2; each <= format.edition; ++each) {
+        for (TypeDraft& draft : drafts) {
+            if (draft.type.edition == each && !draft.type.name.empty()) {
                 draft.type.record =
                     ledger.number(Ledger::Type, each, draft.type.name, draft.type.where, errors);
+            }
+        }
+    }
 }
 
 } // namespace korcg::generator

@@ -248,9 +248,10 @@ FieldDraft readWireField(const ReadContext& context, const YAML::Node& node)
     field.takes = draft.takes.name;
     if (draft.takes && !draft.edition)
         map.error("takes", "needs 'edition'");
-    if (draft.takes && field.presence != Presence::Always)
+    if (draft.takes && field.presence != Presence::Always) {
         map.error("takes",
                   "excludes 'since', 'only' and 'when': they are those of the field taken");
+    }
     if (field.presence == Presence::OnlyRevision && !field.isPadding)
         map.error("only", "belongs to padding, named _padding<revision>");
     readElements(context, map, draft, isText);

@@ -49,15 +49,9 @@ void readScales(const ReadContext& context, const YamlMap& map, Format& format)
 void readRegistration(const ReadContext& context, const YamlMap& map, Format& format)
 {
     for (const YAML::Node& node : map.list("registration")) {
-<<<<<<< HEAD
-        if (node.IsScalar())
-            format.registration.push_back({node.Scalar(), context.at(node), 1});
-        else
-=======
         if (node.IsScalar()) {
-            format.registration.push_back({node.Scalar(), context.at(node)});
+            format.registration.push_back({node.Scalar(), context.at(node), 1});
         } else {
->>>>>>> main
             context.error(node, "an entry of the registration must be the name of a type");
         }
     }

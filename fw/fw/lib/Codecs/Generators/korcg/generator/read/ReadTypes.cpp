@@ -39,10 +39,11 @@ TypeDraft readType(const ReadContext& context, const YAML::Node& node)
     type.where = map.where();
     type.name = map.requiredText(isSub ? "sub" : "block");
     type.edition = map.integer("edition", 2, latestEdition).value_or(1);
-    if (type.edition == 1)
+    if (type.edition == 1) {
         type.record = map.requiredInteger("record", 1, highestNumber).value_or(0);
-    else if (map.has("record"))
+    } else if (map.has("record")) {
         map.error("record", "is what the ledger says for types of later editions");
+    }
     type.text = map.text("text").value_or("");
     type.hasMessage = map.flag("message").value_or(true);
     if (!isSub)

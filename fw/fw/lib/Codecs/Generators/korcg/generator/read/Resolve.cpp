@@ -35,13 +35,11 @@ public:
         for (std::size_t row = 0; row < m_type.fields.size(); ++row) {
             if (m_drafts[row])
                 resolveNames(m_type.fields[row], *m_drafts[row]);
-<<<<<<< HEAD
-        for (std::size_t row = 0; row < m_type.fields.size(); ++row)
+        }
+        for (std::size_t row = 0; row < m_type.fields.size(); ++row) {
             if (m_drafts[row] && m_drafts[row]->takes)
                 takeBytes(static_cast<int>(row), m_drafts[row]->takes);
-=======
         }
->>>>>>> main
         for (Field& field : m_type.fields)
             inherit(field);
         for (std::size_t row = 0; row < m_type.fields.size(); ++row)
@@ -116,10 +114,11 @@ private:
             array.name.rfind("Reserved", 0) != 0 || array.edition >= field.edition)
             return wrong("it is no reserved array of bytes of an earlier edition");
         for (int between = std::min(row, reserved) + 1; between < std::max(row, reserved);
-             ++between)
+             ++between) {
             if (const Field& other = m_type.fields[static_cast<std::size_t>(between)];
                 other.onWire() && other.takes != field.takes)
                 return wrong(fmt::format("{} is between them", other.name));
+        }
         if (!field.hasCode() || field.isCounted())
             return wrong("its own size is not constant");
         array.elements -= bitsOf(field.type) / 8 * field.elements;

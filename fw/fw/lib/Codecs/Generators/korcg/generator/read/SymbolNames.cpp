@@ -89,21 +89,14 @@ public:
             map.error("to", "must not lie before 'from', nor far behind it");
             return;
         }
-<<<<<<< HEAD
         m_edition = map.integer("edition", 1, latestEdition).value_or(1);
-        for (int value = *from; value <= *to; ++value)
-=======
         for (int value = *from; value <= *to; ++value) {
->>>>>>> main
             add(node, value,
                 fmt::format("{}{:0{}d}{}", name.substr(0, place->begin),
                             start.value_or(*from) + value - *from, place->digits,
                             name.substr(place->end)));
-<<<<<<< HEAD
-        m_edition = 1;
-=======
         }
->>>>>>> main
+        m_edition = 1;
     }
 
 private:
@@ -114,14 +107,9 @@ private:
         } else if (!m_values.insert(value).second) {
             m_context.error(node, fmt::format("value {} named twice in symbol table '{}'", value,
                                               m_table.name));
-<<<<<<< HEAD
-        else
-            m_table.values.push_back({value, std::move(name), m_edition});
-=======
         } else {
-            m_table.values.push_back({value, std::move(name)});
+            m_table.values.push_back({value, std::move(name), m_edition});
         }
->>>>>>> main
     }
 
     const ReadContext& m_context;

@@ -102,18 +102,11 @@ YamlMap::YamlMap(const ReadContext& context, const YAML::Node& node, const KeyTa
             continue;
         }
         const std::string& key = entry.first.Scalar();
-<<<<<<< HEAD
-        if (!table.has(key))
+        if (!table.has(key)) {
             m_context.error(entry.first, fmt::format("unknown key '{}' in {}", key, m_what));
-        else if (!m_values.emplace(key, entry.second).second)
-            m_context.error(entry.first, fmt::format("key '{}' given twice in {}", key, m_what));
-=======
-        if (std::find(keys.begin(), keys.end(), key) == keys.end()) {
-            m_context.error(entry.first, fmt::format("unknown key '{}' in {}", key, what));
         } else if (!m_values.emplace(key, entry.second).second) {
-            m_context.error(entry.first, fmt::format("key '{}' given twice in {}", key, what));
+            m_context.error(entry.first, fmt::format("key '{}' given twice in {}", key, m_what));
         }
->>>>>>> main
     }
 }
 

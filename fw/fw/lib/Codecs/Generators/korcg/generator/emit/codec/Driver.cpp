@@ -17,7 +17,6 @@ namespace
 // ones, counted from the first: byte e / 8, likewise.
 std::vector<unsigned> enableMask(const Format& format, bool later)
 {
-<<<<<<< HEAD
     const auto lastFirst = static_cast<unsigned>(format.lastFirstRecord);
     std::vector<unsigned> mask(later ? laterTypes / 8 : (lastFirst + 1) / 8 + 1);
     for (const RecordType& type : format.types) {
@@ -25,20 +24,6 @@ std::vector<unsigned> enableMask(const Format& format, bool later)
             continue;
         const unsigned e = static_cast<unsigned>(type.record) - (later ? lastFirst + 1 : 0);
         mask.at((later ? e : e + 1) / 8) |= 0x80U >> (e % 8);
-=======
-    std::array<unsigned, 48> mask{};
-    const auto set = [&mask](int record) {
-        const auto e = static_cast<unsigned>(record);
-        mask.at((e + 1) / 8) |= 0x80U >> (e % 8);
-    };
-    for (const RecordType& type : format.types) {
-        if (type.isMain())
-            set(type.record);
-    }
-    for (const ReservedType& type : format.reserved) {
-        if (type.number != 0)
-            set(type.record);
->>>>>>> main
     }
     return mask;
 }

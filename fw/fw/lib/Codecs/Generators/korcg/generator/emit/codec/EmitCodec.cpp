@@ -75,9 +75,10 @@ Selection inDependencyOrder(const Format& format, const Selection& selection)
     const std::function<void(const RecordType*)> add = [&](const RecordType* type) {
         if (!done.insert(type).second)
             return;
-        for (const Field& field : type->fields)
+        for (const Field& field : type->fields) {
             if (!field.subType.empty())
                 add(format.find(field.subType));
+        }
         ordered.push_back(type);
     };
     for (const RecordType* type : selection)
@@ -117,13 +118,8 @@ std::string internalHeader(const Format& format, const Selection& selection)
     for (const RecordType* type : selection)
         text += fmt::format("extern const TQX_TypeLayout layout_{};\n", type->name);
     text += "\n";
-<<<<<<< HEAD
-    for (const RecordType* type : inDependencyOrder(format, selection))
-        if (!type->isMain())
-=======
-    for (const RecordType* type : selection) {
+    for (const RecordType* type : inDependencyOrder(format, selection)) {
         if (!type->isMain()) {
->>>>>>> main
             text += codec::initFunction(*type) + codec::clearFunction(*type) +
                     codec::startFunction(format, *type) + codec::deriveFunctions(format, *type) +
                     codec::loadFunction(format, *type);
