@@ -92,6 +92,8 @@ int generate(const Options& options)
     // For people, so it is written only when asked for.
     if (options.only == "reference")
         emitReference(format, selection, output);
+    if (options.only == "names")
+        emitNames(selection, output);
     if (options.listOutputs) {
         for (const std::string& name : output.names())
             fmt::print("{}\n", name);
@@ -113,7 +115,7 @@ int main(int argc, char** argv)
                    "Emit only these types and the sub-blocks that they hold")
         ->delimiter(',');
     app.add_option("--only", options.only, "Emit one kind of output")
-        ->check(CLI::IsMember({"codec", "facts", "messages", "metadata", "reference"}));
+        ->check(CLI::IsMember({"codec", "facts", "messages", "metadata", "reference", "names"}));
     app.add_flag("--list-outputs", options.listOutputs,
                  "Print the names of the files that would be written, one a line");
     app.add_flag("--check", options.check, "Read and check the description, write nothing");

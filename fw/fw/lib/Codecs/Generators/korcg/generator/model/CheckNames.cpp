@@ -99,21 +99,35 @@ bool mayOverlap(const Field& below, const Field& above)
 
 void checkOverlaps(const RecordType& type, Errors& errors)
 {
-    std::map<int, std::vector<const Field*>> words; // by row of the word
+    struct Word {
+        std::vector<const Field*> parts;
+        uint64_t stored = 0;
+    };
+    std::map<int, Word> words; // by row of the word
+    for (const Field& field : type.fields) {
+        if (field.kind == FieldKind::Bits && !field.isVirtual)
+            words[field.parent].stored |= bitsOf(field);
+    }
     for (const Field& field : type.fields) {
         if (field.kind != FieldKind::Bits)
             continue;
-        std::vector<const Field*>& before = words[field.parent];
-        const auto collides = [&](const Field* other) {
-            return (bitsOf(*other) & bitsOf(field)) != 0 && !mayOverlap(*other, field) &&
-                   !mayOverlap(field, *other);
-        };
-        if (std::any_of(before.begin(), before.end(), collides)) {
-            errors.add(field.where, fmt::format("{} overlaps another sub-field; 'virtual: true' "
-                                                "would allow it",
-                                                qualified(type, field)));
+        Word& word = words[field.parent];
+        for (const Field* other : word.parts) {
+            const uint64_t common = bitsOf(*other) & bitsOf(field);
+            if (common == 0)
+                continue;
+            if (other->isVirtual && field.isVirtual && (common & ~word.stored) != 0) {
+                errors.add(field.where, fmt::format("{} overlaps {}, and no stored sub-field is "
+                                                    "beneath both",
+                                                    qualified(type, field), other->name));
+            } else if (!mayOverlap(*other, field) && !mayOverlap(field, *other)) {
+                errors.add(field.where, fmt::format("{} overlaps another sub-field; 'virtual: "
+                                                    "true' would allow it",
+                                                    qualified(type, field)));
+                break;
+            }
         }
-        before.push_back(&field);
+        word.parts.push_back(&field);
     }
 }
 

@@ -1,0 +1,23 @@
+# Compares the names, numbers and places of the first edition with those that are frozen.
+#
+# usage: cmake -DGENERATOR=<korcg-generate> -DDESCRIPTION=<folder> -DFROZEN=<file> -DOUTPUT=<folder>
+#              -P first_edition.cmake
+execute_process(COMMAND "${GENERATOR}" --description "${DESCRIPTION}" --edition 1 --only names
+    --output "${OUTPUT}" COMMAND_ERROR_IS_FATAL ANY)
+file(STRINGS "${OUTPUT}/names.txt" now)
+file(STRINGS "${FROZEN}" frozen)
+list(LENGTH frozen count)
+if(count LESS 4000)
+    message(FATAL_ERROR "${FROZEN} has ${count} lines only")
+endif()
+if(now STREQUAL frozen)
+    message(STATUS "${count} lines are as frozen")
+    return()
+endif()
+foreach(line IN LISTS frozen)
+    list(FIND now "${line}" place)
+    if(place LESS 0)
+        message(FATAL_ERROR "the first edition no longer has '${line}'")
+    endif()
+endforeach()
+message(FATAL_ERROR "the first edition has more than ${FROZEN}, or in another order")
