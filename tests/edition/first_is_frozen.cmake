@@ -3,6 +3,7 @@
 #
 # usage: cmake -DGENERATOR=<korcg-generate> -DREAL=<folder> -DLATER=<folder> -DOUTPUT=<folder>
 #              -P first_is_frozen.cmake
+cmake_minimum_required(VERSION 3.25)
 file(REMOVE_RECURSE "${OUTPUT}")
 foreach(which IN ITEMS REAL LATER)
     execute_process(COMMAND "${GENERATOR}" --description "${${which}}" --edition 1

@@ -2,6 +2,7 @@
 #
 # usage: cmake -DDESCRIPTION=<folder> -DADDITIONS=<this folder> -DOUTPUT=<folder>
 #              -P make_description.cmake
+cmake_minimum_required(VERSION 3.25)
 file(REMOVE_RECURSE "${OUTPUT}")
 file(MAKE_DIRECTORY "${OUTPUT}")
 file(GLOB sources "${DESCRIPTION}/*.yaml")

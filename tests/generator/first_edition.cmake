@@ -2,6 +2,7 @@
 #
 # usage: cmake -DGENERATOR=<korcg-generate> -DDESCRIPTION=<folder> -DFROZEN=<file> -DOUTPUT=<folder>
 #              -P first_edition.cmake
+cmake_minimum_required(VERSION 3.25)
 execute_process(COMMAND "${GENERATOR}" --description "${DESCRIPTION}" --edition 1 --only names
     --output "${OUTPUT}" COMMAND_ERROR_IS_FATAL ANY)
 file(STRINGS "${OUTPUT}/names.txt" now)
