@@ -21,7 +21,7 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-constexpr uint32_t kLongestBlock = 0xffff;
+constexpr uint32_t longestBlock = 0xffff;
 
 std::atomic<int> traceLevel{-1};
 
@@ -81,7 +81,7 @@ int32_t TQXDecoder::decodeMessage(const uint8_t* buffer, uint32_t maxlength)
     TQX_AnyRecord_u record;
     TQX_markEmpty(&record);
 
-    const auto size = static_cast<uint16_t>(std::min(maxlength, kLongestBlock));
+    const auto size = static_cast<uint16_t>(std::min(maxlength, longestBlock));
     const int32_t result = TQX_decode(&m_context, buffer, size, &record);
     if (result <= 0) {
         TQX_release(&record);
