@@ -1,3 +1,4 @@
+#include "TQX_Edition.h"
 #include "Tool.h"
 
 #include <gtest/gtest.h>
