@@ -64,6 +64,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"info_damaged.txt", {"info", "data/samples/random-damaged.tqx"}},
         Case{"info_gaps.txt", {"info", "tool/data/gaps.tqx", "tool/data/undecodable.tqx"}},
         Case{"info_gaps.json", {"info", "--json", "tool/data/gaps.tqx"}},
+        Case{"info_each.txt", {"info", "--each", "tool/data/gaps.tqx", "-", "tool/data/mixed.tqx"}},
         Case{"info_mixed.txt", {"info", "tool/data/mixed.tqx"}},
         Case{"info_mixed.json", {"info", "--json", "tool/data/mixed.tqx"}},
         Case{"explain.txt", {"explain", "-@96"}}, Case{"explain_unknown.txt", {"explain", "-@595"}},

@@ -4,6 +4,7 @@
 #include "io/ToolError.h"
 #include "output/CsvDump.h"
 #include "output/ParallelDump.h"
+#include "output/SqliteDump.h"
 #include "tqx/log/record/FieldFilter.h"
 #include "tqx/log/write/Paragraph.h"
 #include "tqx/log/write/RawJson.h"
@@ -84,6 +85,7 @@ DumpCommand::DumpCommand(CLI::App& program)
           "  tail -c +1 -f log.tqx | tqx dump --format jsonl - | jq .fields.TOW\n"
           "  tqx dump --format csv --type 4007 log.tqx > position.csv\n"
           "  tqx dump --format csv log.tqx -o tables\n"
+          "  tqx dump --format sqlite log.tqx -o log.sqlite\n"
           "  tqx dump --format jsonl --raw log.tqx | tqx encode - -o same.tqx\n"
           "\n"
           "Text is a paragraph a message; jsonl is an object a line, with scaled values, names\n"
@@ -104,6 +106,20 @@ DumpCommand::DumpCommand(CLI::App& program)
           "joins the two. Elements of other arrays share a cell, parted by semicolons. UTC is from "
           "the\n"
           "leap seconds known in 2025; what is not available is an empty cell.\n"
+          "\n"
+          "Sqlite is a database with a table for each type, which has a row a message, and a "
+          "table\n"
+          "Block_Field for each array of sub-blocks with a row an entry, whose parent_id is the id "
+          "of\n"
+          "the row that it belongs to. What is not available is NULL, and so is NaN, which SQLite\n"
+          "does not know; elements of other arrays share a cell as JSON. Blanks and points in "
+          "names\n"
+          "are underscores. The tables tqx_tables, tqx_columns (with units and scales), tqx_files "
+          "and\n"
+          "tqx_log describe the database; tqx_other_blocks has the bytes of blocks without fields "
+          "that\n"
+          "are known. It is written beside the file of -o, and put in its place once it is "
+          "complete.\n"
           "\n" +
               std::string(SelectionOptions::notes))
 {
@@ -111,8 +127,9 @@ DumpCommand::DumpCommand(CLI::App& program)
     m_streams.addDamageReport(m_app);
     m_streams.addSelection(m_app);
     m_app.add_option("--format", m_format, "How to write them")
-        ->transform(CLI::IsMember({"text", "jsonl", "csv"}, CLI::ignore_case).description(""))
-        ->type_name("text|jsonl|csv")
+        ->transform(
+            CLI::IsMember({"text", "jsonl", "csv", "sqlite"}, CLI::ignore_case).description(""))
+        ->type_name("text|jsonl|csv|sqlite")
         ->capture_default_str();
     m_app.add_flag("--raw", m_raw, "Values as they are stored, without scale, unit and names");
     m_app.add_flag("--csv-safe", m_csvSafe,
@@ -127,8 +144,9 @@ DumpCommand::DumpCommand(CLI::App& program)
         ->allow_extra_args(false)
         ->type_name("FIELD,FIELD");
     m_app
-        .add_option("-o,--output", m_target,
-                    "File to write instead of standard output; for csv a folder, too")
+        .add_option(
+            "-o,--output", m_target,
+            "File to write instead of standard output; for csv a folder, too. Sqlite needs one")
         ->type_name("FILE");
 }
 
@@ -140,6 +158,8 @@ ExitStatus DumpCommand::run()
         throw ToolError("dump: --csv-safe goes with --format csv");
     if (m_format == "csv")
         return dumpCsv(m_streams, filter, {m_raw, m_csvSafe}, m_target);
+    if (m_format == "sqlite")
+        return dumpSqlite(m_streams, filter, m_raw, m_target);
     Output output(m_target);
     const auto makeWriter = [&]() -> std::unique_ptr<BlockWriter> {
         if (m_format == "text")
