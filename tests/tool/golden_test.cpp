@@ -1,3 +1,4 @@
+#include "TQX_Edition.h"
 #include "Tool.h"
 
 #include <gtest/gtest.h>
@@ -86,9 +87,9 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(Tool, ListsAllCodes)
 {
     const std::vector<std::string> lines = linesOf(runTool({"error", "--all"}).output);
-    ASSERT_EQ(lines.size(), 6073U);
+    ASSERT_EQ(lines.size(), static_cast<size_t>(-Kor::MessageApi::TQX_lowestCode));
     EXPECT_EQ(lines.front(), "-1 TQX_ERR_INVALID_CRC");
     EXPECT_EQ(lines[1], "-2 TQX_ERR_CHANNELSTATEINFO_ANTENNA_EXT_BUFFER_OVERFLOW");
     EXPECT_EQ(lines[1854], "-1855 TQX_ERR_PVTGEODETIC2_LATENCY_EXT_BUFFER_OVERFLOW");
-    EXPECT_EQ(lines.back(), "-6073 TQX_ERR_EOF");
+    EXPECT_EQ(lines[6072], "-6073 TQX_ERR_EOF");
 }

@@ -45,7 +45,7 @@ TEST(OldMemory, ShowsInNoText)
 {
     std::mt19937_64 random(20);
     size_t written = 0;
-    for (uint32_t type = 1; type <= 382; ++type) {
+    for (uint32_t type = 1; type <= TQX_lastRecordType; ++type) {
         const TQX_TypeLayout* layout = TQX_layout(type);
         if (layout->blockNumber == 0)
             continue;

@@ -170,7 +170,7 @@ TQX_CODEC_API std::string_view TQX_description(const TQX_TypeFacts& type);
 
 extern "C" {
 
-/// Facts of a record type (1 to 382), or null when there is no such type.
+/// Facts of a record type (1 to TQX_lastRecordType), or null when there is no such type.
 TQX_CODEC_API const Kor::MessageApi::TQX_TypeFacts* TQX_typeFacts(uint32_t recordType);
 
 /// Facts of its fields, as many as TQX_layout(recordType)->fieldCount, or null.

@@ -32,6 +32,7 @@ public:
             error("is a character and has no scale");
         checkSymbols();
         checkInitial();
+        checkPrecision();
     }
 
 private:
@@ -80,6 +81,16 @@ private:
         if (std::trunc(value) != value || std::fabs(value) > exact ||
             !fits(m_field, static_cast<int64_t>(value)))
             error(fmt::format("cannot start at {}", value));
+    }
+
+    /// Of whole numbers the largest is known.
+    void checkPrecision()
+    {
+        if (!m_field.scale || !m_field.precision || !isInteger(m_field.type))
+            return;
+        const double largest = static_cast<double>(maximumOf(m_field)) * std::fabs(*m_field.scale);
+        if (largest < 0.5 * std::pow(10.0, -*m_field.precision))
+            error(fmt::format("shows every value as 0 with {} decimals", *m_field.precision));
     }
 
     const Format& m_format;
