@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
 #include <new>
 
@@ -196,10 +197,17 @@ std::string_view withoutByteOrderMark(std::string_view line)
 
 bool isAscii(std::string_view line)
 {
-    unsigned char all = 0;
-    for (const char character : line)
-        all = static_cast<unsigned char>(all | static_cast<unsigned char>(character));
-    return all < 0x80;
+    constexpr uint64_t highBits = 0x8080808080808080;
+    uint64_t all = 0;
+    uint64_t word = 0;
+    while (line.size() >= sizeof word) {
+        std::memcpy(&word, line.data(), sizeof word);
+        all |= word;
+        line.remove_prefix(sizeof word);
+    }
+    word = 0;
+    std::memcpy(&word, line.data(), line.size());
+    return ((all | word) & highBits) == 0;
 }
 
 } // namespace
@@ -235,7 +243,7 @@ const JsonValue& JsonLine::parse(std::string_view line)
     if (!isFine || mayHaveSurrogates(line))
         findFault(line);
     if (!isFine)
-        throw LineError("no valid JSON");
+        failTooLarge(); // zero with an exponent that no other number could have
     return m_values.front();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/read/JsonValue.h"
+#include "tqx_log_export.h"
 
 #include <memory>
 #include <string>
@@ -11,7 +12,7 @@ namespace tqx
 {
 
 /// Parses lines of JSON, one after the other, without a copy of each value.
-class JsonLine
+class TQX_LOG_API JsonLine
 {
 public:
     JsonLine();
