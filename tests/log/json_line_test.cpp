@@ -7,7 +7,6 @@
 
 #include <iterator>
 #include <random>
-#include <regex>
 #include <string>
 
 namespace
@@ -95,6 +94,8 @@ const char* const texts[] = {
     "-1e999",
     "1e-999",
     "[1e400]",
+    "[0e400]",
+    "[0.0e-999,-0]",
     "0.00000000000000000000000000000000000000000000000001e355",
     "0.1000000000000000055511151231257827021181583404541015625",
     "\"\"",
@@ -147,13 +148,16 @@ TEST(JsonLine, ReadsWhatAnotherParserReads)
 {
     for (const char* text : texts)
         EXPECT_EQ(described(text), expected(text)) << text;
+    const std::string open(100, '[');
+    const std::string deep = open + "{\"a\":[0,-0,1.50,\"b\"]}" + std::string(100, ']');
+    EXPECT_EQ(described(deep), expected(deep));
+    EXPECT_EQ(described(open), expected(open));
 }
 
 TEST(JsonLine, ReadsChangedLinesAsAnotherParserDoes)
 {
     std::mt19937 random(3);
     const auto below = [&random](size_t limit) { return random() % limit; };
-    const std::regex zeroWithExponent("0(\\.0*)?[eE]\\+?[0-9]{3}");
     size_t accepted = 0;
     for (int run = 0; run < 20000; ++run) {
         std::string line = texts[below(std::size(texts))];
@@ -167,11 +171,7 @@ TEST(JsonLine, ReadsChangedLinesAsAnotherParserDoes)
             if (below(8) == 0)
                 line = "[" + line + ",\"" + std::string(below(40), 'x') + "\"]";
         }
-        const std::string found = described(line);
-        // Zero may not have a large exponent either.
-        if (found != "a number is too large" || !std::regex_search(line, zeroWithExponent)) {
-            ASSERT_EQ(found, expected(line)) << line;
-        }
+        ASSERT_EQ(described(line), expected(line)) << line;
         accepted += json::accept(line) ? 1U : 0U;
     }
     EXPECT_GT(accepted, 2000U);

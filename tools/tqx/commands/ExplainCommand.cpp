@@ -123,7 +123,7 @@ void ExplainCommand::explain(Output& output, const std::string& place)
     if (shown)
         output.getBuffer().append('\n');
     shown = true;
-    appendExplanation(output.getBuffer(), location);
+    appendExplanation(output.getBuffer(), inspect(location));
     output.commit();
     input.check();
 }

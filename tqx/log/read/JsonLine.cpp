@@ -17,8 +17,10 @@
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
+#include <deque>
 #include <limits>
 #include <new>
+#include <utility>
 
 namespace tqx
 {
@@ -49,7 +51,7 @@ bool isLong(std::string_view line)
 class Allocator
 {
 public:
-    static constexpr bool kNeedFree = true;
+    [[maybe_unused]] static constexpr bool kNeedFree = true;
 
     static void* Malloc(size_t size) { return size == 0 ? nullptr : checked(std::malloc(size)); }
     static void* Realloc(void* memory, size_t, size_t size)
@@ -93,6 +95,8 @@ public:
     ValueList(std::vector<JsonValue>& values, std::vector<uint32_t>& open, bool isLimited)
         : m_values(values), m_open(open), m_left(isLimited ? mostValues : ~size_t{0})
     {
+        values.clear();
+        open.clear();
     }
 
     bool Null() { return add(JsonValue::Kind::Null); }
@@ -107,14 +111,15 @@ public:
             failTooLarge();
         return add(JsonValue::Kind::Number, text, length);
     }
-    bool StartObject() { return begin(JsonValue::Kind::Object); }
+    // The parser calls itself for what is inside.
+    bool StartObject() { return !isDeep() && begin(JsonValue::Kind::Object); }
     bool Key(const char* text, uint32_t length, bool)
     {
         m_name = {text, length};
         return count();
     }
     bool EndObject(uint32_t members) { return end(members); }
-    bool StartArray() { return begin(JsonValue::Kind::Array); }
+    bool StartArray() { return !isDeep() && begin(JsonValue::Kind::Array); }
     bool EndArray(uint32_t elements) { return end(elements); }
 
     // Numbers come as they are written.
@@ -123,22 +128,6 @@ public:
     static bool Int64(int64_t) { return false; }
     static bool Uint64(uint64_t) { return false; }
     static bool Double(double) { return false; }
-
-private:
-    bool count()
-    {
-        if (m_left-- == 0)
-            failTooMany();
-        return true;
-    }
-
-    bool add(JsonValue::Kind kind, const char* text = nullptr, uint32_t length = 0)
-    {
-        m_values.push_back(
-            {m_name.data(), text, static_cast<uint32_t>(m_name.size()), length, 1, kind});
-        m_name = {};
-        return count();
-    }
 
     bool begin(JsonValue::Kind kind)
     {
@@ -155,30 +144,100 @@ private:
         return count();
     }
 
+    /// Ends an array or object whose size the parser does not know.
+    bool end()
+    {
+        uint32_t size = 0;
+        for (size_t i = m_open.back() + size_t{1}; i < m_values.size(); i += m_values[i].span)
+            ++size;
+        return end(size);
+    }
+
+private:
+    bool isDeep() const
+    {
+        constexpr size_t deepest = 64; // far more than blocks need
+        return m_open.size() >= deepest;
+    }
+
+    bool count()
+    {
+        if (m_left-- == 0)
+            failTooMany();
+        return true;
+    }
+
+    bool add(JsonValue::Kind kind, const char* text = nullptr, uint32_t length = 0)
+    {
+        m_values.push_back(
+            {m_name.data(), text, static_cast<uint32_t>(m_name.size()), length, 1, kind});
+        m_name = {};
+        return count();
+    }
+
     std::vector<JsonValue>& m_values;
     std::vector<uint32_t>& m_open; ///< arrays and objects around the next value
     std::string_view m_name;       ///< of the next value
     size_t m_left;
 };
 
-/// What is wrong with a line, found by a parser that names the place as other tools do; nothing
-/// when that one takes it.
-void findFault(std::string_view line)
+/// Hands the values of a slower parser on, which takes what the fast one does not, and names the
+/// places of mistakes as other tools do.
+class ThoroughParser : public nlohmann::json_sax<nlohmann::json>
 {
-    size_t values = 0;
-    const auto count = [&](int, nlohmann::json::parse_event_t, const nlohmann::json&) {
-        if (++values > mostValues && isLong(line))
-            failTooMany();
-        return true;
-    };
-    try {
-        const auto taken = nlohmann::json::parse(line, count);
-    } catch (const nlohmann::json::parse_error& error) {
-        throw LineError(fmt::format("no valid JSON at column {}", error.byte));
-    } catch (const nlohmann::json::out_of_range&) {
-        failTooLarge();
+public:
+    /// What `texts` holds is referred to by the values.
+    ThoroughParser(ValueList& list, std::deque<std::string>& texts) : m_list(list), m_texts(texts)
+    {
     }
-}
+
+    bool null() override { return m_list.Null(); }
+    bool boolean(bool value) override { return m_list.Bool(value); }
+    bool number_integer(int64_t value) override
+    {
+        // Without a sign it would be an unsigned one.
+        return number(value == 0 ? "-0" : std::to_string(value));
+    }
+    bool number_unsigned(uint64_t value) override { return number(std::to_string(value)); }
+    bool number_float(double, const std::string& text) override { return number(text); }
+    bool string(std::string& text) override
+    {
+        const std::string& kept = keep(std::move(text));
+        return m_list.String(kept.data(), static_cast<uint32_t>(kept.size()), false);
+    }
+    bool key(std::string& text) override
+    {
+        const std::string& kept = keep(std::move(text));
+        return m_list.Key(kept.data(), static_cast<uint32_t>(kept.size()), false);
+    }
+    bool start_object(size_t) override { return m_list.begin(JsonValue::Kind::Object); }
+    bool start_array(size_t) override { return m_list.begin(JsonValue::Kind::Array); }
+    bool end_object() override { return m_list.end(); }
+    bool end_array() override { return m_list.end(); }
+    bool binary(nlohmann::json::binary_t&) override { return false; }
+    bool parse_error(size_t position, const std::string&,
+                     const nlohmann::json::exception& error) override
+    {
+        if (dynamic_cast<const nlohmann::json::out_of_range*>(&error))
+            failTooLarge();
+        throw LineError(fmt::format("no valid JSON at column {}", position));
+    }
+
+private:
+    const std::string& keep(std::string text)
+    {
+        m_texts.push_back(std::move(text));
+        return m_texts.back();
+    }
+    bool number(std::string text)
+    {
+        const std::string& kept = keep(std::move(text));
+        return m_list.RawNumber(kept.data(), static_cast<uint32_t>(kept.size()), false);
+    }
+
+    ValueList& m_list;
+    std::deque<std::string>& m_texts;
+};
 
 /// Halves of surrogate pairs, which the parser lets pass alone.
 bool mayHaveSurrogates(std::string_view line)
@@ -215,6 +274,7 @@ bool isAscii(std::string_view line)
 struct JsonLine::Parser {
     Reader reader;
     std::vector<uint32_t> open;
+    std::deque<std::string> texts; ///< of the slower parser
 };
 
 JsonLine::JsonLine() : m_parser(std::make_unique<Parser>()) {}
@@ -228,23 +288,28 @@ const JsonValue& JsonLine::parse(std::string_view line)
     constexpr size_t longest = std::numeric_limits<uint32_t>::max() - 1;
     if (line.size() > longest)
         throw LineError(fmt::format("longer than {} bytes", longest));
-    constexpr unsigned inPlace = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag |
-                                 rapidjson::kParseNumbersAsStringsFlag;
+    m_parser->texts.clear();
+    if (mayHaveSurrogates(line) || !parseFast(line)) {
+        ValueList list(m_values, m_parser->open, isLong(line));
+        ThoroughParser parser(list, m_parser->texts);
+        nlohmann::json::sax_parse(line, &parser);
+    }
+    return m_values.front();
+}
+
+bool JsonLine::parseFast(std::string_view line)
+{
+    constexpr unsigned inPlace =
+        rapidjson::kParseInsituFlag | rapidjson::kParseNumbersAsStringsFlag;
     constexpr unsigned strict = inPlace | rapidjson::kParseValidateEncodingFlag;
     constexpr size_t padding = 16; // what is loaded at once
     m_text.assign(withoutByteOrderMark(line));
     m_text.append(padding, '\0');
-    m_values.clear();
-    m_parser->open.clear();
     ValueList list(m_values, m_parser->open, isLong(line));
     rapidjson::InsituStringStream stream(m_text.data());
-    const bool isFine = isAscii(line) ? m_parser->reader.Parse<inPlace>(stream, list)
+    const auto result = isAscii(line) ? m_parser->reader.Parse<inPlace>(stream, list)
                                       : m_parser->reader.Parse<strict>(stream, list);
-    if (!isFine || mayHaveSurrogates(line))
-        findFault(line);
-    if (!isFine)
-        failTooLarge(); // zero with an exponent that no other number could have
-    return m_values.front();
+    return !result.IsError();
 }
 
 } // namespace tqx

@@ -28,6 +28,8 @@ public:
 private:
     struct Parser;
 
+    bool parseFast(std::string_view line);
+
     std::string m_text; ///< the line, in which strings lose their escapes
     std::vector<JsonValue> m_values;
     std::unique_ptr<Parser> m_parser;
