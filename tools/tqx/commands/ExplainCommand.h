@@ -19,6 +19,7 @@ private:
 
     std::vector<std::string> places;
     bool shown = false;
+    bool json = false;
 };
 
 } // namespace tqx::tool
