@@ -45,9 +45,10 @@ QString timeOf(const Message& message)
 /// The field may belong to the message itself or to one anywhere inside it.
 void printValues(const FieldInfo& field, const Message& message, const QString& time)
 {
-    if (field.hasValue(&message))
+    if (field.hasValue(&message)) {
         std::printf("%s\t%s\n", qUtf8Printable(time),
                     qUtf8Printable(field.getValueString(&message)));
+    }
     for (const Message* part : message.getSubMessages())
         printValues(field, *part, time);
 }

@@ -16,15 +16,15 @@
 class FuzzInput
 {
 public:
-    FuzzInput(const uint8_t* bytes, size_t count) : data(bytes), size(count) {}
+    FuzzInput(const uint8_t* bytes, size_t count) : m_data(bytes), m_size(count) {}
 
-    bool isEmpty() const { return size == 0; }
+    bool isEmpty() const { return m_size == 0; }
 
     uint64_t next(unsigned bytes)
     {
         uint64_t value = 0;
-        for (unsigned i = 0; i < bytes && size != 0; ++i, ++data, --size)
-            value |= uint64_t{*data} << (8 * i);
+        for (unsigned i = 0; i < bytes && m_size != 0; ++i, ++m_data, --m_size)
+            value |= uint64_t{*m_data} << (8 * i);
         return value;
     }
 
@@ -33,15 +33,15 @@ public:
 
     std::string rest()
     {
-        const std::string text(reinterpret_cast<const char*>(data), size);
-        data += size;
-        size = 0;
+        const std::string text(reinterpret_cast<const char*>(m_data), m_size);
+        m_data += m_size;
+        m_size = 0;
         return text;
     }
 
 private:
-    const uint8_t* data;
-    size_t size;
+    const uint8_t* m_data;
+    size_t m_size;
 };
 
 /// A random block of a type that the input chooses, with up to so many changed bytes and a

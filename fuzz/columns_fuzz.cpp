@@ -57,9 +57,10 @@ size_t countEntries(const TQX_TypeLayout& type, int row, const std::vector<Bytes
     const TQX_FieldLayout& field = type.fields[row];
     size_t count = 0;
     AnyRecord record;
-    for (const Bytes& block : blocks)
+    for (const Bytes& block : blocks) {
         if (record.decode(block) > 0 && TQX_isPresent(type, field, record.get()))
             count += TQX_elementCount(type, field, record.get());
+    }
     return count;
 }
 
@@ -78,12 +79,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     AnyRecord record;
     for (size_t i = 0; i < blocks.size(); ++i) {
         const int32_t result = record.decode(blocks[i]);
-        if (result > 0)
+        if (result > 0) {
             expected.push_back("{time=" + expectedTime(record.get()) +
                                ",offset=" + std::to_string(100 + i) + "," +
                                expectedFields(type, record.get(), values) + "}");
-        else
+        } else {
             refused.push_back(result);
+        }
     }
     tqx::TableOptions options;
     options.batchRows = 3;

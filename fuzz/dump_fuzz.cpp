@@ -42,9 +42,10 @@ void checkParagraph(std::string_view text)
         fail("no clean text", text);
     const size_t end = text.find('\n');
     // After the title all lines are indented, up to the empty one at the end.
-    for (size_t at = end; at + 2 < text.size(); at = text.find('\n', at + 1))
+    for (size_t at = end; at + 2 < text.size(); at = text.find('\n', at + 1)) {
         if (text.substr(at + 1, 4) != "    ")
             fail("no paragraph", text);
+    }
     if (!text.empty() && text.substr(text.size() - 2) != "\n\n")
         fail("no end", text);
 }
@@ -74,9 +75,10 @@ std::vector<size_t> cellsOf(std::string_view table)
 void checkTable(std::string_view table)
 {
     const std::vector<size_t> rows = cellsOf(table);
-    for (const size_t cells : rows)
+    for (const size_t cells : rows) {
         if (cells != rows.front())
             fail("a row of another length", table);
+    }
 }
 
 /// The writers of one filter, which keep what they know of types.
@@ -84,8 +86,9 @@ class Writers
 {
 public:
     explicit Writers(const std::vector<std::string>& fields)
-        : filter(fields), text(filter, tqx::Paragraph::Values::Scaled),
-          storedText(filter, tqx::Paragraph::Values::Stored), values(filter), stored(filter)
+        : m_filter(fields), m_text(m_filter, tqx::Paragraph::Values::Scaled),
+          m_storedText(m_filter, tqx::Paragraph::Values::Stored), m_values(m_filter),
+          m_stored(m_filter)
     {
     }
 
@@ -96,40 +99,42 @@ public:
         if (result <= 0) {
             check(
                 [&](tqx::Buffer& out) {
-                    values.writeBytes(out, {block, nullptr, result});
+                    m_values.writeBytes(out, {block, nullptr, result});
                 },
                 checkJson);
-            check([&](tqx::Buffer& out) { stored.writeBytes(out, block); }, checkJson);
-            check([&](tqx::Buffer& out) { text.writeTitle(out, block); }, checkParagraph);
+            check([&](tqx::Buffer& out) { m_stored.writeBytes(out, block); }, checkJson);
+            check([&](tqx::Buffer& out) { m_text.writeTitle(out, block); }, checkParagraph);
             return;
         }
         const tqx::DecodedBlock& decoded = decoder.getDecoded();
         const void* record = decoder.getRecord();
-        check([&](tqx::Buffer& out) { values.write(out, decoded); }, checkJson);
-        check([&](tqx::Buffer& out) { stored.write(out, decoded); }, checkJson);
-        check([&](tqx::Buffer& out) { text.write(out, block, record); }, checkParagraph);
-        check([&](tqx::Buffer& out) { storedText.write(out, block, record); }, checkParagraph);
+        check([&](tqx::Buffer& out) { m_values.write(out, decoded); }, checkJson);
+        check([&](tqx::Buffer& out) { m_stored.write(out, decoded); }, checkJson);
+        check([&](tqx::Buffer& out) { m_text.write(out, block, record); }, checkParagraph);
+        check([&](tqx::Buffer& out) { m_storedText.write(out, block, record); }, checkParagraph);
         const uint32_t type = decoded.getHeader().korcg_type;
-        if (TQX_layout(type)->hasMessage)
+        if (TQX_layout(type)->hasMessage) {
             for (unsigned style = 0; style < 4; ++style)
                 checkTables(type, style, record);
+        }
     }
 
 private:
     template<typename Write>
     void check(Write write, void (*checkText)(std::string_view))
     {
-        buffer.clear();
-        write(buffer);
-        checkText(buffer.view());
+        m_buffer.clear();
+        write(m_buffer);
+        checkText(m_buffer.view());
     }
 
     void checkTables(uint32_t type, unsigned style, const void* record)
     {
-        std::unique_ptr<tqx::FlatCsv>& table = tables[type * 4 + style];
-        if (!table)
+        std::unique_ptr<tqx::FlatCsv>& table = m_tables[type * 4 + style];
+        if (!table) {
             table = std::make_unique<tqx::FlatCsv>(
-                *TQX_layout(type), filter, tqx::CsvStyle{(style & 1U) != 0, (style & 2U) != 0});
+                *TQX_layout(type), m_filter, tqx::CsvStyle{(style & 1U) != 0, (style & 2U) != 0});
+        }
         check(
             [&](tqx::Buffer& to) {
                 table->writeHeader(to);
@@ -138,13 +143,13 @@ private:
             checkTable);
     }
 
-    tqx::FieldFilter filter;
-    tqx::Paragraph text;
-    tqx::Paragraph storedText;
-    tqx::ValueJson values;
-    tqx::RawJson stored;
-    std::map<uint32_t, std::unique_ptr<tqx::FlatCsv>> tables;
-    tqx::Buffer buffer;
+    tqx::FieldFilter m_filter;
+    tqx::Paragraph m_text;
+    tqx::Paragraph m_storedText;
+    tqx::ValueJson m_values;
+    tqx::RawJson m_stored;
+    std::map<uint32_t, std::unique_ptr<tqx::FlatCsv>> m_tables;
+    tqx::Buffer m_buffer;
 };
 
 } // namespace

@@ -18,26 +18,26 @@ class Bytes : public tqx::ByteSource
 {
 public:
     Bytes(std::vector<uint8_t> content, size_t largestPiece)
-        : bytes(std::move(content)), piece(largestPiece)
+        : m_bytes(std::move(content)), m_piece(largestPiece)
     {
     }
 
     size_t read(uint8_t* to, size_t capacity) override
     {
-        const size_t count = std::min({capacity, piece, bytes.size() - position});
+        const size_t count = std::min({capacity, m_piece, m_bytes.size() - m_position});
         if (count != 0)
-            std::memcpy(to, bytes.data() + position, count);
-        position += count;
+            std::memcpy(to, m_bytes.data() + m_position, count);
+        m_position += count;
         return count;
     }
 
-    Place placeOf(uint64_t offset) const override { return {name, offset}; }
+    Place placeOf(uint64_t offset) const override { return {m_name, offset}; }
 
 private:
-    std::vector<uint8_t> bytes;
-    size_t piece;
-    size_t position = 0;
-    std::string name = "\x1b[2J\xff";
+    std::vector<uint8_t> m_bytes;
+    size_t m_piece;
+    size_t m_position = 0;
+    std::string m_name = "\x1b[2J\xff";
 };
 
 } // namespace
@@ -60,10 +60,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     tqx::Buffer out;
     try {
         const tqx::BlockLocation location = tqx::locateBlock(source, offset);
-        if (location.hasSync())
+        if (location.hasSync()) {
             tqx::appendExplanation(out, tqx::inspect(location));
-        else if (tqx::describeNoBlock(location).empty())
+        } else if (tqx::describeNoBlock(location).empty()) {
             std::abort();
+        }
     } catch (const tqx::SourceError&) {
         if (offset < bytes.size())
             std::abort();

@@ -24,67 +24,67 @@ class Checked : private tqx::BlockFramer::Listener
 public:
     void append(const uint8_t* bytes, size_t size)
     {
-        appended_ += size;
-        framer_.append(bytes, size);
+        m_appended += size;
+        m_framer.append(bytes, size);
         takeBlocks();
     }
 
     void passWaiting()
     {
-        while (framer_.passWaiting()) {
+        while (m_framer.passWaiting()) {
             takeBlocks();
         }
     }
 
     void flush()
     {
-        framer_.flush();
+        m_framer.flush();
         takeBlocks();
-        require(framer_.bytesLeft() == 0);
+        require(m_framer.bytesLeft() == 0);
     }
 
     // Offset and size of every block.
-    const std::vector<std::pair<uint64_t, size_t>>& blocks() const { return blocks_; }
+    const std::vector<std::pair<uint64_t, size_t>>& blocks() const { return m_blocks; }
 
 private:
     void takeBlocks()
     {
         account();
-        while (framer_.hasBlock()) {
-            const tqx::BlockFramer::Block block = framer_.block();
+        while (m_framer.hasBlock()) {
+            const tqx::BlockFramer::Block block = m_framer.block();
             require(block.size >= 8 && block.data[0] == '$' && block.data[1] == '@');
             require(korcg_load_u16(block.data + 6) == block.size);
             require(korcg_load_u16(block.data + 2) ==
                     korcg_crc16_bytes(block.data + 4, block.size - 4));
-            blocks_.emplace_back(block.offset, block.size);
-            taken_ += block.size;
-            framer_.takeBlock();
+            m_blocks.emplace_back(block.offset, block.size);
+            m_taken += block.size;
+            m_framer.takeBlock();
             account();
         }
     }
 
-    void account() const { require(taken_ + dropped_ + framer_.bytesLeft() == appended_); }
+    void account() const { require(m_taken + m_dropped + m_framer.bytesLeft() == m_appended); }
 
-    void onChecksumFailed(uint64_t offset) override { require(offset < appended_); }
-    void onInvalidLength(uint64_t offset) override { require(offset < appended_); }
+    void onChecksumFailed(uint64_t offset) override { require(offset < m_appended); }
+    void onInvalidLength(uint64_t offset) override { require(offset < m_appended); }
     void onDroppedPiece(uint64_t offset, const uint8_t*, size_t size) override
     {
-        require(size != 0 && offset == taken_ + dropped_ + handedOver_);
-        handedOver_ += size;
+        require(size != 0 && offset == m_taken + m_dropped + m_handedOver);
+        m_handedOver += size;
     }
     void onBytesDropped(uint64_t offset, uint64_t count) override
     {
-        require(count == handedOver_ && offset == taken_ + dropped_);
-        dropped_ += count;
-        handedOver_ = 0;
+        require(count == m_handedOver && offset == m_taken + m_dropped);
+        m_dropped += count;
+        m_handedOver = 0;
     }
 
-    std::vector<std::pair<uint64_t, size_t>> blocks_;
-    uint64_t appended_ = 0;
-    uint64_t taken_ = 0;
-    uint64_t dropped_ = 0;
-    uint64_t handedOver_ = 0; // bytes of the next report
-    tqx::BlockFramer framer_{this};
+    std::vector<std::pair<uint64_t, size_t>> m_blocks;
+    uint64_t m_appended = 0;
+    uint64_t m_taken = 0;
+    uint64_t m_dropped = 0;
+    uint64_t m_handedOver = 0; // bytes of the next report
+    tqx::BlockFramer m_framer{this};
 };
 
 } // namespace

@@ -49,8 +49,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const std::vector<uint8_t> bytes = encoded(line);
     constexpr size_t shortest = 8;
     constexpr size_t longest = 65535;
-    if (bytes.size() >= shortest && bytes.size() <= longest)
+    if (bytes.size() >= shortest && bytes.size() <= longest) {
         checkBlock(bytes, line.find("bytes") != std::string::npos ||
                               line.find("\\u") != std::string::npos);
+    }
     return 0;
 }

@@ -66,56 +66,56 @@ void fixNeighbours(std::vector<uint8_t>& stream)
 class Source : public ByteSource
 {
 public:
-    Source(const std::vector<uint8_t>& content, size_t size) : bytes(content), piece(size) {}
+    Source(const std::vector<uint8_t>& content, size_t size) : m_bytes(content), m_piece(size) {}
 
     size_t read(uint8_t* to, size_t capacity) override
     {
-        const size_t size = std::min({bytes.size() - at, capacity, piece});
-        std::copy_n(bytes.data() + at, size, to);
-        at += size;
+        const size_t size = std::min({m_bytes.size() - m_at, capacity, m_piece});
+        std::copy_n(m_bytes.data() + m_at, size, to);
+        m_at += size;
         return size;
     }
     Place placeOf(uint64_t offset) const override
     {
-        require(offset < at);
-        return {name, offset};
+        require(offset < m_at);
+        return {m_name, offset};
     }
 
 private:
-    const std::vector<uint8_t>& bytes;
-    size_t piece;
-    size_t at = 0;
-    std::string name;
+    const std::vector<uint8_t>& m_bytes;
+    size_t m_piece;
+    size_t m_at = 0;
+    std::string m_name;
 };
 
 /// What a stream gives: offset, size and kind of each part.
 class Parts : public StreamListener
 {
 public:
-    Parts(const std::vector<uint8_t>& content, size_t piece) : bytes(content)
+    Parts(const std::vector<uint8_t>& content, size_t piece) : m_bytes(content)
     {
-        Source source(bytes, piece);
+        Source source(m_bytes, piece);
         BlockStream stream(source, this);
         Block block = {};
         while (stream.next(block))
             add(block.offset, block.size, 'B');
         const StreamCounts& counts = stream.getCounts();
-        require(end == bytes.size() && counts.bytes == end);
+        require(m_end == m_bytes.size() && counts.bytes == m_end);
         require(counts.isDamaged() == (counts.droppedBytes != 0));
-        require(counts.crcErrors == crcErrors && counts.invalidLengths == invalidLengths);
+        require(counts.crcErrors == m_crcErrors && counts.invalidLengths == m_invalidLengths);
     }
 
     void onGap(const StreamGap& gap) override
     {
-        require(!isGap);
+        require(!m_isGap);
         add(gap.offset, gap.bytes, '-');
-        isGap = true;
-        crcErrors += gap.crcErrors;
-        invalidLengths += gap.invalidLengths;
+        m_isGap = true;
+        m_crcErrors += gap.crcErrors;
+        m_invalidLengths += gap.invalidLengths;
     }
     void onNeighbour(const std::string&, const Neighbour& found) override
     {
-        require(std::equal(found.data, found.data + found.size, bytes.data() + found.offset));
+        require(std::equal(found.data, found.data + found.size, m_bytes.data() + found.offset));
         const uint8_t* const last = found.data + found.size;
         switch (found.kind) {
         case NeighbourKind::Nmea:
@@ -142,17 +142,17 @@ public:
 private:
     void add(uint64_t offset, uint64_t size, char kind)
     {
-        require(size != 0 && offset == end);
-        end += size;
-        isGap = false;
+        require(size != 0 && offset == m_end);
+        m_end += size;
+        m_isGap = false;
         parts.emplace_back(offset, size, kind);
     }
 
-    const std::vector<uint8_t>& bytes;
-    uint64_t end = 0;
-    uint64_t crcErrors = 0;
-    uint64_t invalidLengths = 0;
-    bool isGap = false; ///< whether the last part is one
+    const std::vector<uint8_t>& m_bytes;
+    uint64_t m_end = 0;
+    uint64_t m_crcErrors = 0;
+    uint64_t m_invalidLengths = 0;
+    bool m_isGap = false; ///< whether the last part is one
 };
 
 } // namespace

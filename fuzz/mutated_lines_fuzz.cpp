@@ -57,10 +57,11 @@ std::string rawLine(const std::vector<uint8_t>& bytes)
     tqx::RecordDecoder decoder;
     tqx::Buffer line;
     const tqx::Block block = {bytes.data(), static_cast<uint16_t>(bytes.size()), 0};
-    if (decoder.decode(block) > 0)
+    if (decoder.decode(block) > 0) {
         writer.write(line, decoder.getDecoded());
-    else
+    } else {
         writer.writeBytes(line, block);
+    }
     return std::string(line.view());
 }
 
@@ -85,14 +86,15 @@ void changeText(std::string& line, FuzzInput& input, unsigned operation)
         return;
     const size_t at = input.below(line.size());
     const size_t length = input.below(40);
-    if (operation == 0)
+    if (operation == 0) {
         line[at] = static_cast<char>(input.next(1));
-    else if (operation == 1)
+    } else if (operation == 1) {
         line.erase(at, length);
-    else if (operation == 2)
+    } else if (operation == 2) {
         line.insert(at, line.substr(input.below(line.size()), length));
-    else
+    } else {
         line.insert(at, values[input.below(std::size(values))]);
+    }
 }
 
 std::string mutated(std::string line, FuzzInput& input)

@@ -85,10 +85,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         std::abort();
     tried([&] {
         const FieldFilter filter({first, last});
-        for (const Kor::MessageApi::TQX_TypeLayout* type : mainTypes())
-            for (const FieldFilter::Shown& shown : filter.shownIn(*type))
+        for (const Kor::MessageApi::TQX_TypeLayout* type : mainTypes()) {
+            for (const FieldFilter::Shown& shown : filter.shownIn(*type)) {
                 if (shown.row < 0 || shown.row >= type->fieldCount)
                     std::abort();
+            }
+        }
     });
     tried([&] { Selection({{first}, {last}, "", "", "", 1, 0}); });
     tried([&] { Selection({{}, {}, first, "", "", 1, 0}); });

@@ -28,20 +28,20 @@ public:
                 randomBlock(*type, {type->highestRevision, 2}, random);
             auto decoder = std::make_unique<tqx::RecordDecoder>();
             if (decoder->decode({bytes.data(), static_cast<uint16_t>(bytes.size()), 0}) > 0)
-                decoders.push_back(std::move(decoder));
+                m_decoders.push_back(std::move(decoder));
         }
     }
 
     bool accepted(const tqx::Condition& condition) const
     {
         bool any = false;
-        for (const auto& decoder : decoders)
+        for (const auto& decoder : m_decoders)
             any = condition.accepts(decoder->getRecord()) || any;
         return any;
     }
 
 private:
-    std::vector<std::unique_ptr<tqx::RecordDecoder>> decoders;
+    std::vector<std::unique_ptr<tqx::RecordDecoder>> m_decoders;
 };
 
 void tryTime(const std::string& text)

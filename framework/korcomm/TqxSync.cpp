@@ -13,38 +13,38 @@ namespace
 
 } // namespace
 
-TqxSync::TqxSync(QObject* parent) : QObject(parent), framer_(this) {}
+TqxSync::TqxSync(QObject* parent) : QObject(parent), m_framer(this) {}
 
 TqxSync::~TqxSync() = default;
 
 void TqxSync::appendBytes(const QByteArray& bytes)
 {
-    framer_.append(reinterpret_cast<const uint8_t*>(bytes.constData()),
-                   static_cast<size_t>(bytes.size()));
+    m_framer.append(reinterpret_cast<const uint8_t*>(bytes.constData()),
+                    static_cast<size_t>(bytes.size()));
 }
 
 bool TqxSync::hasBlock() const
 {
-    return framer_.hasBlock();
+    return m_framer.hasBlock();
 }
 
 QByteArray TqxSync::getBlockBytes()
 {
-    const tqx::BlockFramer::Block block = framer_.block();
+    const tqx::BlockFramer::Block block = m_framer.block();
     QByteArray bytes(reinterpret_cast<const char*>(block.data), static_cast<int>(block.size));
-    framer_.takeBlock();
+    m_framer.takeBlock();
     return bytes;
 }
 
 int TqxSync::getNumberOfBytesLeft() const
 {
     constexpr size_t most = std::numeric_limits<int>::max();
-    return static_cast<int>(std::min(framer_.bytesLeft(), most));
+    return static_cast<int>(std::min(m_framer.bytesLeft(), most));
 }
 
 void TqxSync::flush()
 {
-    framer_.flush();
+    m_framer.flush();
 }
 
 void TqxSync::onChecksumFailed(uint64_t)

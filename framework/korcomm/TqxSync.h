@@ -47,5 +47,5 @@ private:
     void onInvalidLength(uint64_t offset) override;
     void onBytesDropped(uint64_t offset, uint64_t count) override;
 
-    tqx::BlockFramer framer_;
+    tqx::BlockFramer m_framer;
 };

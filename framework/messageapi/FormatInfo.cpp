@@ -42,10 +42,11 @@ const MessageInfo* findByName(const QVector<const MessageInfo*>& infos, const QS
 
 FormatInfo::FormatInfo(QString name) : m_name(ownedString(std::move(name)))
 {
-    if (SetUp* const setUp = outermostSetUp())
+    if (SetUp* const setUp = outermostSetUp()) {
         setUp->m_withheld.append(this);
-    else
+    } else {
         list({this});
+    }
 }
 
 FormatInfo::FormatInfo(const FormatInfo&) = default;

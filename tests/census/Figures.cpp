@@ -144,7 +144,7 @@ std::map<std::string, long> countedTotals()
 Frequencies countedFrequencies()
 {
     Frequencies counted;
-    for (const MessageInfo* info : allTypes())
+    for (const MessageInfo* info : allTypes()) {
         for (const FieldInfo* field : info->getFieldInfos()) {
             if (!field->getUnit().isEmpty())
                 ++counted.units[field->getUnit().toStdString()];
@@ -157,5 +157,6 @@ Frequencies countedFrequencies()
             if (field->getType().getKind() == FieldKind::I)
                 ++counted.signedWidths[field->getType().getWidth()];
         }
+    }
     return counted;
 }

@@ -35,9 +35,10 @@ TEST(Census, Totals)
 TEST(Census, CatalogueInRegistrationOrder)
 {
     std::map<int, json> rows;
-    for (const json& row : census()["recordTypes"])
+    for (const json& row : census()["recordTypes"]) {
         if (row.contains("registration"))
             rows[row["registration"]] = row;
+    }
     const std::vector<const MessageInfo*> types = allTypes();
     ASSERT_EQ(types.size(), rows.size());
     for (const auto& [position, row] : rows) {
@@ -83,9 +84,10 @@ TEST(Census, CodesAndEnableBits)
     Kor::MessageApi::TQX_Context_s context;
     TQX_init_context(&context);
     std::string mask;
-    for (const uint8_t byte : context.enableMask)
+    for (const uint8_t byte : context.enableMask) {
         for (const int nibble : {byte >> 4, byte & 0xf})
             mask += "0123456789abcdef"[nibble];
+    }
     EXPECT_EQ(mask, census()["enableMask"]);
 }
 
@@ -125,9 +127,10 @@ TEST(Census, Vocabularies)
 std::vector<const FieldInfo*> fieldsNamed(const QString& name)
 {
     std::vector<const FieldInfo*> fields;
-    for (const MessageInfo* info : allTypes())
+    for (const MessageInfo* info : allTypes()) {
         if (const FieldInfo* field = info->getFieldInfo(name))
             fields.push_back(field);
+    }
     return fields;
 }
 
@@ -157,11 +160,12 @@ TEST(Census, PrecisionsByName)
     for (const char* name : {"Latitude", "Longitude", "C_ic", "IDOT", "OMEGADOT", "a_f0", "T_gd"}) {
         const auto fields = fieldsNamed(name);
         EXPECT_FALSE(fields.empty()) << name;
-        for (const FieldInfo* field : fields)
+        for (const FieldInfo* field : fields) {
             if (field->getType().getKind() == FieldKind::F32 ||
                 field->getType().getKind() == FieldKind::F64) {
                 EXPECT_EQ(field->getPrecision(), 12) << name;
             }
+        }
     }
 }
 
@@ -172,19 +176,21 @@ TEST(Census, SubBlocksAndIdentifyingFields)
         owned[row["owner"]].emplace_back(row["type"], row["embedded"]);
     for (const MessageInfo* info : allTypes()) {
         std::vector<std::pair<std::string, bool>> found;
-        for (const FieldInfo* field : info->getFieldInfos())
+        for (const FieldInfo* field : info->getFieldInfos()) {
             if (const MessageInfo* sub = field->getType().getSubMessageInfo())
                 found.emplace_back(sub->getName().toStdString(), !field->isRepeated());
+        }
         EXPECT_EQ(found, owned[info->getName().toStdString()]) << info->getName().toStdString();
     }
     for (const auto& [name, positions] : census()["identifyingFields"].items()) {
         const MessageInfo* info =
             TQX_FormatInfo::getInstance()->getMessageInfo(QString::fromStdString(name));
         ASSERT_NE(info, nullptr) << name;
-        for (int i = 0; i < info->getFieldInfos().size(); ++i)
+        for (int i = 0; i < info->getFieldInfos().size(); ++i) {
             EXPECT_EQ(info->isIdentifying(i),
                       std::find(positions.begin(), positions.end(), i) != positions.end())
                 << name << " " << i;
+        }
     }
 }
 

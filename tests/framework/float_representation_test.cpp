@@ -25,9 +25,10 @@ struct Row {
 template<typename Real>
 void checkPlain(std::initializer_list<Row<Real>> rows)
 {
-    for (const Row<Real>& row : rows)
+    for (const Row<Real>& row : rows) {
         EXPECT_EQ(FloatRepresentation::getString(row.value, row.format, row.precision, false),
                   row.text);
+    }
 }
 
 TEST(FloatRepresentation, PlainFormIsThatOfC)

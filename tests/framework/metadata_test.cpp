@@ -17,46 +17,47 @@ class Metadata : public testing::Test
 protected:
     Metadata()
     {
-        inner.setIsMain(false);
-        inner.addFieldInfo(&speed, 0, false);
-        word.addSubFieldInfo(&bit);
+        m_inner.setIsMain(false);
+        m_inner.addFieldInfo(&m_speed, 0, false);
+        m_word.addSubFieldInfo(&m_bit);
         // In another order than that of the list.
-        outer.addFieldInfo(&children, 3, false);
-        outer.addFieldInfo(&word, 1, false);
-        outer.addFieldInfo(&station, 0, true);
-        outer.addFieldInfo(&bit, 2, false);
-        format.addMessageInfo(&outer);
-        format.addSubMessageInfo(&inner);
+        m_outer.addFieldInfo(&m_children, 3, false);
+        m_outer.addFieldInfo(&m_word, 1, false);
+        m_outer.addFieldInfo(&m_station, 0, true);
+        m_outer.addFieldInfo(&m_bit, 2, false);
+        m_format.addMessageInfo(&m_outer);
+        m_format.addSubMessageInfo(&m_inner);
     }
 
-    ToyFormat format{QStringLiteral("Toy")};
-    ToyInfo outer{QStringLiteral("Outer")};
-    ToyInfo inner{QStringLiteral("Inner")};
-    ToyField speed{QStringLiteral("Speed"), FieldType::f32()};
-    ToyField station{QStringLiteral("Station"), FieldType::u(16)};
-    ToyField word{QStringLiteral("Word"), FieldType::u(8)};
-    ToyField bit{QStringLiteral("Bit"), FieldType::u(1)};
-    ToyField children{QStringLiteral("Children"), FieldType::subMessage(&inner)};
+    ToyFormat m_format{QStringLiteral("Toy")};
+    ToyInfo m_outer{QStringLiteral("Outer")};
+    ToyInfo m_inner{QStringLiteral("Inner")};
+    ToyField m_speed{QStringLiteral("Speed"), FieldType::f32()};
+    ToyField m_station{QStringLiteral("Station"), FieldType::u(16)};
+    ToyField m_word{QStringLiteral("Word"), FieldType::u(8)};
+    ToyField m_bit{QStringLiteral("Bit"), FieldType::u(1)};
+    ToyField m_children{QStringLiteral("Children"), FieldType::subMessage(&m_inner)};
 };
 
 TEST_F(Metadata, DescribesTheTypes)
 {
-    EXPECT_EQ(format.getAllMessageInfos(), (QVector<const MessageInfo*>{&outer, &inner}));
-    EXPECT_EQ(format.getMessageInfo(QStringLiteral("Inner")), &inner);
-    EXPECT_EQ(format.getMessageInfo(QStringLiteral("inner")), nullptr);
-    EXPECT_EQ(FormatInfo::getFormat(QStringLiteral("Toy")), &format);
+    EXPECT_EQ(m_format.getAllMessageInfos(), (QVector<const MessageInfo*>{&m_outer, &m_inner}));
+    EXPECT_EQ(m_format.getMessageInfo(QStringLiteral("Inner")), &m_inner);
+    EXPECT_EQ(m_format.getMessageInfo(QStringLiteral("inner")), nullptr);
+    EXPECT_EQ(FormatInfo::getFormat(QStringLiteral("Toy")), &m_format);
 
-    EXPECT_EQ(outer.getFieldInfos(), (QVector<const FieldInfo*>{&station, &word, &bit, &children}));
-    EXPECT_EQ(outer.getFieldInfo(QStringLiteral("Bit")), &bit);
-    EXPECT_EQ(outer.getFieldInfo(QStringLiteral("bit")), nullptr);
+    EXPECT_EQ(m_outer.getFieldInfos(),
+              (QVector<const FieldInfo*>{&m_station, &m_word, &m_bit, &m_children}));
+    EXPECT_EQ(m_outer.getFieldInfo(QStringLiteral("Bit")), &m_bit);
+    EXPECT_EQ(m_outer.getFieldInfo(QStringLiteral("bit")), nullptr);
     for (const int index : {-1, 0, 1, 2, 3, 4})
-        EXPECT_EQ(outer.isIdentifying(index), index == 0) << index;
+        EXPECT_EQ(m_outer.isIdentifying(index), index == 0) << index;
 
-    outer.setAttribute(QStringLiteral("number"), 0);
-    outer.setAttribute(QStringLiteral("number"), 1);
-    EXPECT_EQ(outer.getAttribute(QStringLiteral("number")), QVariant(1));
-    EXPECT_TRUE(outer.getAttribute(QStringLiteral("colour")).isNull());
-    EXPECT_EQ(outer.getAttributes().size(), 1);
+    m_outer.setAttribute(QStringLiteral("number"), 0);
+    m_outer.setAttribute(QStringLiteral("number"), 1);
+    EXPECT_EQ(m_outer.getAttribute(QStringLiteral("number")), QVariant(1));
+    EXPECT_TRUE(m_outer.getAttribute(QStringLiteral("colour")).isNull());
+    EXPECT_EQ(m_outer.getAttributes().size(), 1);
 }
 
 TEST_F(Metadata, FormatsAreListedWhenTheirSetUpEnds)
@@ -93,16 +94,11 @@ TEST_F(Metadata, FormatsAreListedWhenTheirSetUpEnds)
 TEST_F(Metadata, PathsLeadToFields)
 {
     const std::vector<std::pair<const char*, const FieldInfo*>> rows = {
-        {"Toy:Outer:Station", &station},
-        {"Toy:Outer:Word:Bit", &bit},
-        {"Toy:Outer:Children", &children},
-        {"Toy:Outer:Children:Speed", &speed},
-        {"Toy:Inner:Speed", &speed},
-        {"Toy:Outer:Wind", nullptr},
-        {"Toy:Outer:Wind:Speed", nullptr},
-        {"Toy:Outer:Station:Speed", nullptr},
-        {"Toy:Outer:Children:Colour", nullptr},
-        {"Toy:Outer:", nullptr},
+        {"Toy:Outer:Station", &m_station},      {"Toy:Outer:Word:Bit", &m_bit},
+        {"Toy:Outer:Children", &m_children},    {"Toy:Outer:Children:Speed", &m_speed},
+        {"Toy:Inner:Speed", &m_speed},          {"Toy:Outer:Wind", nullptr},
+        {"Toy:Outer:Wind:Speed", nullptr},      {"Toy:Outer:Station:Speed", nullptr},
+        {"Toy:Outer:Children:Colour", nullptr}, {"Toy:Outer:", nullptr},
     };
     for (const auto& [path, field] : rows)
         EXPECT_EQ(PathExpression::getUniqueFieldInfo(path), field) << path;
@@ -116,7 +112,8 @@ TEST_F(Metadata, PathsThroughTheUnknownThrow)
         const char* text;
     } rows[] = {
         {"Tides:High:Level", nullptr, "Unknown format \"Tides\" in the path \"Tides:High:Level\"."},
-        {"Toy:Storm:Speed", &format, "Unknown message \"Storm\" in the path \"Toy:Storm:Speed\"."},
+        {"Toy:Storm:Speed", &m_format,
+         "Unknown message \"Storm\" in the path \"Toy:Storm:Speed\"."},
         {"Toy:Inner", nullptr,
          "FORMAT:MESSAGE:FIELD is expected, not found in the path \"Toy:Inner\"."},
     };
@@ -134,8 +131,8 @@ TEST_F(Metadata, PathsThroughTheUnknownThrow)
 
 TEST_F(Metadata, MessagesHaveNoSubMessagesOfTheirOwn)
 {
-    ToyMessage parent(&outer);
-    ToyMessage child(&inner);
+    ToyMessage parent(&m_outer);
+    ToyMessage child(&m_inner);
     EXPECT_TRUE(parent.getSubMessages().isEmpty());
     EXPECT_TRUE(std::as_const(parent).getSubMessages().isEmpty());
     EXPECT_EQ(parent.getRawRepresentationOf(&child), &child.values);
@@ -144,11 +141,11 @@ TEST_F(Metadata, MessagesHaveNoSubMessagesOfTheirOwn)
 
 TEST_F(Metadata, CopiesOfAMessageHaveTheirOwnReferenceCount)
 {
-    const auto* message = new ToyMessage(&outer);
+    const auto* message = new ToyMessage(&m_outer);
     message->addReference();
     const ToyMessage copy(*message);
     EXPECT_EQ(copy.getReferenceCount(), 0);
-    auto* assigned = new ToyMessage(&inner);
+    auto* assigned = new ToyMessage(&m_inner);
     assigned->addReference();
     *assigned = *message;
     message->addReference();

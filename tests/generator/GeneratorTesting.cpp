@@ -30,9 +30,10 @@ std::vector<std::string> testFiles(const std::string& folder)
 
 const Field* findField(const RecordType& type, const std::string& name)
 {
-    for (const Field& field : type.fields)
+    for (const Field& field : type.fields) {
         if (field.name == name)
             return &field;
+    }
     ADD_FAILURE() << type.name << " has no field " << name;
     return nullptr;
 }

@@ -14,8 +14,8 @@ class RecordingFramer : private tqx::BlockFramer::Listener
 public:
     void append(const uint8_t* bytes, size_t size)
     {
-        appended_.insert(appended_.end(), bytes, bytes + size);
-        framer_.append(bytes, size);
+        m_appended.insert(m_appended.end(), bytes, bytes + size);
+        m_framer.append(bytes, size);
         takeBlocks();
     }
 
@@ -23,14 +23,14 @@ public:
 
     void flush()
     {
-        framer_.flush();
+        m_framer.flush();
         takeBlocks();
     }
 
     /// Doubts the candidate that waits; returns what the framer says.
     bool passWaiting()
     {
-        const bool isPassed = framer_.passWaiting();
+        const bool isPassed = m_framer.passWaiting();
         takeBlocks();
         return isPassed;
     }
@@ -38,7 +38,7 @@ public:
     /// Whether a candidate waits with a whole block after its sync, found the straightforward way.
     bool holdsBack() const
     {
-        const tqx::BlockFramer::Candidate candidate = framer_.waiting();
+        const tqx::BlockFramer::Candidate candidate = m_framer.waiting();
         for (size_t at = 2; at + 8 <= candidate.size; ++at) {
             const uint8_t* inner = candidate.data + at;
             const size_t length = inner[6] + size_t{256} * inner[7];
@@ -51,49 +51,49 @@ public:
         return false;
     }
 
-    tqx::BlockFramer::Candidate waiting() const { return framer_.waiting(); }
+    tqx::BlockFramer::Candidate waiting() const { return m_framer.waiting(); }
 
-    const Framing& framing() const { return framing_; }
+    const Framing& framing() const { return m_framing; }
 
 private:
     void takeBlocks()
     {
         check();
-        while (framer_.hasBlock()) {
-            const tqx::BlockFramer::Block block = framer_.block();
-            ASSERT_LE(block.offset + block.size, appended_.size());
+        while (m_framer.hasBlock()) {
+            const tqx::BlockFramer::Block block = m_framer.block();
+            ASSERT_LE(block.offset + block.size, m_appended.size());
             EXPECT_TRUE(
-                std::equal(block.data, block.data + block.size, appended_.data() + block.offset));
-            framing_.blocks.push_back({block.offset, block.size});
-            handedOver_ = block.offset + block.size;
-            framer_.takeBlock();
+                std::equal(block.data, block.data + block.size, m_appended.data() + block.offset));
+            m_framing.blocks.push_back({block.offset, block.size});
+            m_handedOver = block.offset + block.size;
+            m_framer.takeBlock();
             check();
         }
     }
 
     void check()
     {
-        framing_.left = framer_.bytesLeft();
-        EXPECT_EQ(framing_.bytesInAll(), appended_.size());
+        m_framing.left = m_framer.bytesLeft();
+        EXPECT_EQ(m_framing.bytesInAll(), m_appended.size());
     }
 
-    void onChecksumFailed(uint64_t offset) override { framing_.checksumErrors.push_back(offset); }
-    void onInvalidLength(uint64_t offset) override { framing_.invalidLengths.push_back(offset); }
+    void onChecksumFailed(uint64_t offset) override { m_framing.checksumErrors.push_back(offset); }
+    void onInvalidLength(uint64_t offset) override { m_framing.invalidLengths.push_back(offset); }
     void onDroppedPiece(uint64_t offset, const uint8_t* bytes, size_t size) override
     {
-        ASSERT_EQ(offset, handedOver_);
-        ASSERT_LE(offset + size, appended_.size());
-        EXPECT_TRUE(std::equal(bytes, bytes + size, appended_.data() + offset));
-        handedOver_ += size;
+        ASSERT_EQ(offset, m_handedOver);
+        ASSERT_LE(offset + size, m_appended.size());
+        EXPECT_TRUE(std::equal(bytes, bytes + size, m_appended.data() + offset));
+        m_handedOver += size;
     }
     void onBytesDropped(uint64_t offset, uint64_t count) override
     {
-        EXPECT_EQ(handedOver_, offset + count);
-        framing_.addDropped(offset, count);
+        EXPECT_EQ(m_handedOver, offset + count);
+        m_framing.addDropped(offset, count);
     }
 
-    Bytes appended_;
-    uint64_t handedOver_ = 0; ///< end of the blocks and the dropped bytes that came so far
-    Framing framing_;
-    tqx::BlockFramer framer_{this};
+    Bytes m_appended;
+    uint64_t m_handedOver = 0; ///< end of the blocks and the dropped bytes that came so far
+    Framing m_framing;
+    tqx::BlockFramer m_framer{this};
 };

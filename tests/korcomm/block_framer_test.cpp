@@ -123,13 +123,13 @@ TEST(BlockFramer, BlockStaysUntilTaken)
 class AppendingListener : public tqx::BlockFramer::Listener
 {
 public:
-    AppendingListener(size_t errors, const Bytes& bytes) : errorsLeft_(errors), rest_(bytes) {}
+    AppendingListener(size_t errors, const Bytes& bytes) : m_errorsLeft(errors), m_rest(bytes) {}
 
     void onChecksumFailed(uint64_t) override {}
     void onInvalidLength(uint64_t) override
     {
-        if (--errorsLeft_ == 0) {
-            framer.append(rest_.data(), rest_.size());
+        if (--m_errorsLeft == 0) {
+            framer.append(m_rest.data(), m_rest.size());
         }
     }
     void onBytesDropped(uint64_t offset, uint64_t count) override
@@ -146,8 +146,8 @@ public:
     Bytes dropped;
 
 private:
-    size_t errorsLeft_;
-    const Bytes& rest_;
+    size_t m_errorsLeft;
+    const Bytes& m_rest;
 };
 
 // The buffer makes room for the rest while what was dropped before it waits for its report.

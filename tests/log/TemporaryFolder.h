@@ -16,21 +16,21 @@ public:
     TemporaryFolder()
     {
         const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-        path = std::filesystem::temp_directory_path() /
-               (std::string("tqx-log-") + test->test_suite_name() + "-" + test->name());
-        std::filesystem::remove_all(path);
-        std::filesystem::create_directories(path);
+        m_path = std::filesystem::temp_directory_path() /
+                 (std::string("tqx-log-") + test->test_suite_name() + "-" + test->name());
+        std::filesystem::remove_all(m_path);
+        std::filesystem::create_directories(m_path);
     }
-    ~TemporaryFolder() { std::filesystem::remove_all(path); }
+    ~TemporaryFolder() { std::filesystem::remove_all(m_path); }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-    std::string fileName(const std::string& name) const { return (path / name).string(); }
+    std::string fileName(const std::string& name) const { return (m_path / name).string(); }
 
     /// Writes a file and returns its path.
     std::string write(const std::string& name, const Bytes& bytes) const
     {
-        std::ofstream file(path / name, std::ios::binary);
+        std::ofstream file(m_path / name, std::ios::binary);
         file.write(reinterpret_cast<const char*>(bytes.data()),
                    static_cast<std::streamsize>(bytes.size()));
         return fileName(name);
@@ -38,10 +38,10 @@ public:
 
     Bytes read(const std::string& name) const
     {
-        std::ifstream file(path / name, std::ios::binary);
+        std::ifstream file(m_path / name, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
 private:
-    std::filesystem::path path;
+    std::filesystem::path m_path;
 };

@@ -63,17 +63,17 @@ public:
         passed.offset = block.offset;
         passed.number = block.getNumber();
         passed.bytes.assign(block.data, block.data + block.size);
-        auto* header = reinterpret_cast<TQX_MainHeader_s*>(record.get());
+        auto* header = reinterpret_cast<TQX_MainHeader_s*>(m_record.get());
         *header = {};
-        passed.result = TQX_decode(&context, block.data, block.size, record.get());
+        passed.result = TQX_decode(&context, block.data, block.size, m_record.get());
         passed.continuousTime = header->TOWc;
-        TQX_release(record.get());
+        TQX_release(m_record.get());
     }
 
     TQX_Context_s context;
 
 private:
-    std::unique_ptr<TQX_AnyRecord_u> record{new TQX_AnyRecord_u};
+    std::unique_ptr<TQX_AnyRecord_u> m_record{new TQX_AnyRecord_u};
 };
 
 struct Pass {
@@ -143,10 +143,11 @@ private:
     void onInvalidLength(uint64_t offset) override { invalidLengths.push_back(offset); }
     void onBytesDropped(uint64_t offset, uint64_t count) override
     {
-        if (!gaps.empty() && gaps.back()[0] + gaps.back()[1] == offset)
+        if (!gaps.empty() && gaps.back()[0] + gaps.back()[1] == offset) {
             gaps.back()[1] += count;
-        else
+        } else {
             gaps.push_back({offset, count});
+        }
     }
 };
 

@@ -96,23 +96,23 @@ public:
         takeBlocks(framer);
     }
 
-    const Framing& getFraming() const { return framing; }
+    const Framing& getFraming() const { return m_framing; }
 
 private:
     void takeBlocks(tqx::BlockFramer& framer)
     {
         for (; framer.hasBlock(); framer.takeBlock())
-            framing.blocks.push_back({framer.block().offset, framer.block().size});
+            m_framing.blocks.push_back({framer.block().offset, framer.block().size});
     }
 
-    void onChecksumFailed(uint64_t offset) override { framing.checksumErrors.push_back(offset); }
-    void onInvalidLength(uint64_t offset) override { framing.invalidLengths.push_back(offset); }
+    void onChecksumFailed(uint64_t offset) override { m_framing.checksumErrors.push_back(offset); }
+    void onInvalidLength(uint64_t offset) override { m_framing.invalidLengths.push_back(offset); }
     void onBytesDropped(uint64_t offset, uint64_t count) override
     {
-        framing.addDropped(offset, count);
+        m_framing.addDropped(offset, count);
     }
 
-    Framing framing;
+    Framing m_framing;
 };
 
 FramedPages sorted(FramedPages pages)

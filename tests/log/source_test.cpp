@@ -28,9 +28,10 @@ Outcome readAll(tqx::ByteSource& source, size_t piece)
     Outcome outcome;
     Bytes buffer(piece);
     try {
-        while (const size_t count = source.read(buffer.data(), buffer.size()))
+        while (const size_t count = source.read(buffer.data(), buffer.size())) {
             outcome.content.insert(outcome.content.end(), buffer.begin(),
                                    buffer.begin() + static_cast<std::ptrdiff_t>(count));
+        }
     } catch (const tqx::SourceError& error) {
         outcome.error = error.what();
     }

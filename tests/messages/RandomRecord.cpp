@@ -75,11 +75,12 @@ void fillRandomly(const TQX_TypeLayout& type, void* record, std::mt19937& genera
         const TQX_FieldLayout& field = type.fields[i];
         if (field.selector >= 0 && below(2) == 0)
             select(type, static_cast<int>(i), record);
-        if (field.kind == TQX_FieldKind::Blocks)
+        if (field.kind == TQX_FieldKind::Blocks) {
             writeUnsigned(type.fields[field.count], record, 0, 0);
-        else if (field.count >= 0 && field.kind != TQX_FieldKind::Bits)
+        } else if (field.count >= 0 && field.kind != TQX_FieldKind::Bits) {
             writeUnsigned(type.fields[field.count], record, 0,
                           randomCount(type, field, generator, fill));
+        }
     }
     for (unsigned i = 0; i < type.fieldCount; ++i) {
         const TQX_FieldLayout& field = type.fields[i];

@@ -27,16 +27,17 @@ namespace
 template<typename Value>
 FieldValue fieldValue(Value value, unsigned char width)
 {
-    if constexpr (std::is_same_v<Value, char>)
+    if constexpr (std::is_same_v<Value, char>) {
         return FieldValue::ch(value);
-    else if constexpr (std::is_same_v<Value, float>)
+    } else if constexpr (std::is_same_v<Value, float>) {
         return FieldValue::f32(value);
-    else if constexpr (std::is_same_v<Value, double>)
+    } else if constexpr (std::is_same_v<Value, double>) {
         return FieldValue::f64(value);
-    else if constexpr (std::is_signed_v<Value>)
+    } else if constexpr (std::is_signed_v<Value>) {
         return FieldValue::i(value, width);
-    else
+    } else {
         return FieldValue::u(value, width);
+    }
 }
 
 /// What the walk over all messages has met.
@@ -166,9 +167,10 @@ private:
                 EXPECT_EQ(stored.getKind(), expected.getKind());
                 EXPECT_EQ(stored.getWidth(), expected.getWidth());
             }
-            for (const bool withUnit : {false, true})
+            for (const bool withUnit : {false, true}) {
                 EXPECT_EQ(m_info->getValueString(&m_message, index, withUnit),
                           shownText(value, expected, withUnit));
+            }
         }
         m_texts += rawText(value, m_info->isDoNotUse(expected));
     }
@@ -180,12 +182,13 @@ private:
             m_seen.doNotUse.insert(m_info);
         if (isDoNotUse && Message::useDoNotUseString)
             return Message::doNotUseString;
-        if constexpr (std::is_same_v<Value, char>)
+        if constexpr (std::is_same_v<Value, char>) {
             return QString(QLatin1Char(value));
-        else if constexpr (std::is_floating_point_v<Value>)
+        } else if constexpr (std::is_floating_point_v<Value>) {
             return FloatRepresentation::getString(value, 'f', m_info->getPrecision(), false);
-        else
+        } else {
             return QString::number(value);
+        }
     }
 
     /// The same for people: integers by their names, numbers in the locale's way and with unit.
@@ -195,16 +198,18 @@ private:
         if constexpr (std::is_same_v<Value, char>) {
             return value ? QString(QLatin1Char(value)) : QString();
         } else {
-            for (const auto& symbol : m_info->getSymbolicValues())
+            for (const auto& symbol : m_info->getSymbolicValues()) {
                 if (std::is_integral_v<Value> && symbol.value == stored)
                     return symbol.name;
+            }
             if (m_info->isDoNotUse(stored))
                 return Message::useDoNotUseString ? Message::doNotUseString : QString();
             QString number;
-            if constexpr (std::is_floating_point_v<Value>)
+            if constexpr (std::is_floating_point_v<Value>) {
                 number = FloatRepresentation::getString(value, 'f', m_info->getPrecision(), true);
-            else
+            } else {
                 number = QLocale().toString(value);
+            }
             return !withUnit || m_info->getUnit().isEmpty() ? number
                                                             : number + ' ' + m_info->getUnit();
         }
@@ -214,10 +219,11 @@ private:
     void check(const ScalarGetter<Value>& getter)
     {
         const auto read = [&] { return (m_message.*getter.get)(); };
-        if (m_present)
+        if (m_present) {
             checkElement(read(), 0);
-        else
+        } else {
             expectAbsent(read);
+        }
     }
 
     template<typename Value>
@@ -316,15 +322,15 @@ protected:
     }
     ~AllMessages() override
     {
-        QLocale::setDefault(locale);
-        Message::fieldSeparator = separator;
-        Message::doNotUseString = doNotUse;
+        QLocale::setDefault(m_locale);
+        Message::fieldSeparator = m_separator;
+        Message::doNotUseString = m_doNotUse;
         Message::useDoNotUseString = true;
     }
 
-    const QLocale locale;
-    const QString separator = Message::fieldSeparator;
-    const QString doNotUse = Message::doNotUseString;
+    const QLocale m_locale;
+    const QString m_separator = Message::fieldSeparator;
+    const QString m_doNotUse = Message::doNotUseString;
 };
 
 TEST_F(AllMessages, GiveWhatTheirRecordsHold)
@@ -338,9 +344,10 @@ TEST_F(AllMessages, GiveWhatTheirRecordsHold)
     for (const TQX_MessageType& row : TQX_messageTypes()) {
         const TQX_TypeLayout& type = *TQX_layout(static_cast<uint32_t>(row.recordType));
         std::vector<int> selected;
-        for (int i = 0; i < type.fieldCount; ++i)
+        for (int i = 0; i < type.fieldCount; ++i) {
             if (type.fields[i].presence == TQX_Presence::Selected)
                 selected.push_back(i);
+        }
         for (unsigned round = 0; round < 16 + selected.size(); ++round) {
             TQX_AnyRecord_u area;
             type.init(&area);

@@ -101,10 +101,11 @@ QStringList reachedOver(uint8_t content, const std::vector<uint8_t>& block)
     std::memset(&area, content, sizeof area);
     area.head = {};
     QStringList lines;
-    if (TQX_decode(nullptr, block.data(), static_cast<uint16_t>(block.size()), &area) > 0)
+    if (TQX_decode(nullptr, block.data(), static_cast<uint16_t>(block.size()), &area) > 0) {
         lines = Reached(*std::unique_ptr<Message>(TQX_createMessage(&area))).lines;
-    else
+    } else {
         TQX_release(&area);
+    }
     return lines;
 }
 
@@ -156,9 +157,10 @@ TEST(OldMemory, IsNotShownByVectorsOfOtherContent)
 
 const FieldInfo* infoOf(const Message& message, const char* name)
 {
-    for (const FieldInfo* info : message.getInfo()->getFieldInfos())
+    for (const FieldInfo* info : message.getInfo()->getFieldInfos()) {
         if (info->getName() == name)
             return info;
+    }
     return nullptr;
 }
 

@@ -61,10 +61,11 @@ void compareDoNotUse(const FieldInfo& field, const TQX_FieldLayout& layout,
     if (!field.hasDoNotUseValue())
         return;
     const FieldValue& value = field.getDoNotUseValue();
-    if (value.isFloat())
+    if (value.isFloat()) {
         EXPECT_EQ(value.getF64(), TQX_realDoNotUse(facts));
-    else
+    } else {
         EXPECT_EQ(value, integerValue(layout, TQX_doNotUse(facts)));
+    }
 }
 
 void compareField(const FieldInfo& field, bool isIdentifying, const TQX_FieldLayout& layout,
@@ -129,9 +130,10 @@ TEST(Facts, AreThoseOfTheRegistry)
 TEST(Facts, OrderOfTheRegistry)
 {
     std::map<unsigned, const char*> ordered;
-    for (uint32_t number = 1; number <= lastRecordType; ++number)
+    for (uint32_t number = 1; number <= lastRecordType; ++number) {
         if (const unsigned place = TQX_typeFacts(number)->registration)
             ordered[place] = TQX_layout(number)->name;
+    }
     QStringList names;
     for (const auto& [place, name] : ordered)
         names += name;

@@ -77,10 +77,12 @@ TEST(FieldList, TellingFieldsAreDescribed)
           "Height f64 meter role 1 none -2e+10 digits 3", "AlertFlag u8 role 2",
           "WACorrInfo u8 role 2"}},
     };
-    for (const auto& [type, lines] : types)
-        for (const std::string line : lines)
+    for (const auto& [type, lines] : types) {
+        for (const std::string line : lines) {
             EXPECT_EQ(lineOf(fieldInfo(type, line.substr(0, line.find(' ')).c_str())), line)
                 << type;
+        }
+    }
 }
 
 } // namespace

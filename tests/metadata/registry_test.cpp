@@ -85,9 +85,10 @@ TEST(Registry, SubFieldsAreThePartsOfTheirWord)
         const auto& fields = row.info()->getFieldInfos();
         for (int i = 0; i < fields.size(); ++i) {
             QVector<const FieldInfo*> parts;
-            for (int k = 0; k < type.fieldCount; ++k)
+            for (int k = 0; k < type.fieldCount; ++k) {
                 if (type.fields[k].parent == i)
                     parts.append(fields[k]);
+            }
             EXPECT_EQ(fields[i]->getSubFieldInfos(), parts) << type.name << type.fields[i].name;
         }
     }

@@ -61,9 +61,10 @@ bool endsLikeSentence(string_view line)
 /// Whether some later part of the line is a sentence.
 bool holdsSentence(string_view line)
 {
-    for (size_t at = 1; at < line.size(); ++at)
+    for (size_t at = 1; at < line.size(); ++at) {
         if ((line[at] == '$' || line[at] == '!') && isRightSentence(line.substr(at)))
             return true;
+    }
     return false;
 }
 
@@ -129,10 +130,11 @@ void addDamage(Parts& parts, uint64_t offset, uint64_t size)
 {
     const bool goesOn = !parts.empty() && parts.back().kind == '-' &&
                         parts.back().offset + parts.back().size == offset;
-    if (goesOn)
+    if (goesOn) {
         parts.back().size += size;
-    else
+    } else {
         parts.push_back({offset, size, '-'});
+    }
 }
 
 bool operator==(const Part& left, const Part& right)

@@ -14,22 +14,22 @@ using namespace tqx;
 class PieceSource : public ByteSource
 {
 public:
-    PieceSource(Bytes content, size_t size) : bytes(std::move(content)), piece(size) {}
+    PieceSource(Bytes content, size_t size) : m_bytes(std::move(content)), m_piece(size) {}
 
     size_t read(uint8_t* to, size_t capacity) override
     {
-        const size_t size = std::min({bytes.size() - at, capacity, piece});
-        std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), size, to);
-        at += size;
+        const size_t size = std::min({m_bytes.size() - m_at, capacity, m_piece});
+        std::copy_n(m_bytes.begin() + static_cast<std::ptrdiff_t>(m_at), size, to);
+        m_at += size;
         return size;
     }
-    Place placeOf(uint64_t offset) const override { return {name, offset}; }
+    Place placeOf(uint64_t offset) const override { return {m_name, offset}; }
 
 private:
-    std::string name = "memory";
-    Bytes bytes;
-    size_t piece;
-    size_t at = 0;
+    std::string m_name = "memory";
+    Bytes m_bytes;
+    size_t m_piece;
+    size_t m_at = 0;
 };
 
 /// Everything that a stream reports, in order, as text.

@@ -17,59 +17,60 @@ using tqx::NeighbourScanner;
 class RecordingScanner : private NeighbourScanner::Listener
 {
 public:
-    explicit RecordingScanner(const Bytes& bytes, uint64_t start = 0) : stream(bytes), next(start)
+    explicit RecordingScanner(const Bytes& bytes, uint64_t start = 0)
+        : m_stream(bytes), m_next(start)
     {
     }
 
     void append(size_t size)
     {
-        const Bytes piece(stream.begin() + static_cast<std::ptrdiff_t>(fed),
-                          stream.begin() + static_cast<std::ptrdiff_t>(fed + size));
-        scanner.append(next + fed, piece.data(), piece.size());
-        fed += size;
-        EXPECT_EQ(reported + scanner.bytesLeft(), fed);
-        EXPECT_LT(scanner.bytesLeft(), 1029U);
+        const Bytes piece(m_stream.begin() + static_cast<std::ptrdiff_t>(m_fed),
+                          m_stream.begin() + static_cast<std::ptrdiff_t>(m_fed + size));
+        m_scanner.append(m_next + m_fed, piece.data(), piece.size());
+        m_fed += size;
+        EXPECT_EQ(m_reported + m_scanner.bytesLeft(), m_fed);
+        EXPECT_LT(m_scanner.bytesLeft(), 1029U);
     }
 
     Parts end()
     {
-        scanner.end();
-        EXPECT_EQ(scanner.bytesLeft(), 0U);
-        EXPECT_EQ(reported, fed);
-        return parts;
+        m_scanner.end();
+        EXPECT_EQ(m_scanner.bytesLeft(), 0U);
+        EXPECT_EQ(m_reported, m_fed);
+        return m_parts;
     }
 
     Parts inPiecesOf(size_t size)
     {
-        while (fed < stream.size())
-            append(std::min(size, stream.size() - fed));
+        while (m_fed < m_stream.size())
+            append(std::min(size, m_stream.size() - m_fed));
         return end();
     }
 
 private:
     void onRecognised(const Neighbour& neighbour) override
     {
-        ASSERT_EQ(neighbour.offset, next + reported);
-        ASSERT_LE(reported + neighbour.size, fed + stream.size());
+        ASSERT_EQ(neighbour.offset, m_next + m_reported);
+        ASSERT_LE(m_reported + neighbour.size, m_fed + m_stream.size());
         EXPECT_TRUE(std::equal(neighbour.data, neighbour.data + neighbour.size,
-                               stream.begin() + static_cast<std::ptrdiff_t>(reported)));
-        reported += neighbour.size;
-        addPart(parts, neighbour);
+                               m_stream.begin() + static_cast<std::ptrdiff_t>(m_reported)));
+        m_reported += neighbour.size;
+        addPart(m_parts, neighbour);
     }
     void onDamage(uint64_t offset, uint64_t count) override
     {
-        ASSERT_EQ(offset, next + reported);
+        ASSERT_EQ(offset, m_next + m_reported);
         ASSERT_NE(count, 0U);
-        reported += count;
-        addDamage(parts, offset, count);
+        m_reported += count;
+        addDamage(m_parts, offset, count);
     }
 
-    const Bytes& stream;
-    uint64_t next;
-    uint64_t fed = 0;
-    uint64_t reported = 0;
-    Parts parts;
-    NeighbourScanner scanner{*this};
+    const Bytes& m_stream;
+    uint64_t m_next;
+    uint64_t m_fed = 0;
+    uint64_t m_reported = 0;
+    Parts m_parts;
+    NeighbourScanner m_scanner{*this};
 };
 
 struct Row {
@@ -125,9 +126,10 @@ TEST(NeighbourScanner, TellsNeighboursFromDamage)
     for (const Row& row : kRows) {
         const Parts expected = referenceParts(row.run);
         EXPECT_EQ(kindsOf(expected), row.kinds) << row.name << " by reference";
-        for (const size_t piece : {size_t{1}, size_t{7}, row.run.size()})
+        for (const size_t piece : {size_t{1}, size_t{7}, row.run.size()}) {
             EXPECT_EQ(RecordingScanner(row.run).inPiecesOf(piece), expected)
                 << row.name << " in pieces of " << piece;
+        }
     }
 }
 

@@ -71,9 +71,10 @@ TEST(Threads, GetAWholeRegistryFromTheFirstCall)
 {
     std::array<int, 4> sizes = {};
     std::vector<std::thread> threads;
-    for (int& size : sizes)
+    for (int& size : sizes) {
         threads.emplace_back(
             [&size] { size = TQX_FormatInfo::getInstance()->getMessageInfos().size(); });
+    }
     for (std::thread& thread : threads)
         thread.join();
     EXPECT_THAT(sizes, testing::Each(221));

@@ -135,7 +135,7 @@ BroadcastOrbit glonassOrbit(const TQX_GLONav_Message& nav)
 void Ephemerides::take(const Message& message)
 {
     if (const auto* gps = dynamic_cast<const TQX_GPSNav_Message*>(&message)) {
-        BroadcastOrbit& orbit = orbits[gps->getPRN()] = keplerOrbit(*gps, gps->getSQRT_A());
+        BroadcastOrbit& orbit = m_orbits[gps->getPRN()] = keplerOrbit(*gps, gps->getSQRT_A());
         orbit.gravitation = 3.986005e14;
         orbit.relativity = -4.442807633e-10;
         const double delay = gps->getT_gd();
@@ -143,39 +143,39 @@ void Ephemerides::take(const Message& message)
             {0, delay}, {3, squared(77. / 60) * delay}, {4, squared(154. / 115) * delay}};
     } else if (const auto* galileo = dynamic_cast<const TQX_GALNav_Message*>(&message)) {
         const bool isFnav = galileo->getSource() == 0;
-        BroadcastOrbit& orbit = orbits[galileo->getSVID() + (isFnav ? secondMessage : 0)] =
+        BroadcastOrbit& orbit = m_orbits[galileo->getSVID() + (isFnav ? secondMessage : 0)] =
             keplerOrbit(*galileo, galileo->getSQRT_A());
         orbit.delays = {{17, galileo->getBGD_E1E5b()},
                         {20, squared(154. / 115) * galileo->getBGD_E1E5a()},
                         {21, squared(154. / 118) * galileo->getBGD_E1E5b()}};
     } else if (const auto* beiDou = dynamic_cast<const TQX_BDSNav_Message*>(&message)) {
-        BroadcastOrbit& orbit = orbits[beiDou->getPRN()] =
+        BroadcastOrbit& orbit = m_orbits[beiDou->getPRN()] =
             keplerOrbit(*beiDou, beiDou->getSQRT_A());
         orbit.rotation = 7.2921150e-5;
         orbit.behindGps = 14;
         orbit.delays = {{28, beiDou->getT_gd1()}};
     } else if (const auto* b2b = dynamic_cast<const TQX_BDSCNav3_Message*>(&message)) {
         const double reference = b2b->getSatType() == 3 ? 27906100 : 42162200;
-        BroadcastOrbit& orbit = orbits[b2b->getPRN() + secondMessage] =
+        BroadcastOrbit& orbit = m_orbits[b2b->getPRN() + secondMessage] =
             keplerOrbit(*b2b, std::sqrt(reference + b2b->getDEL_A()));
         orbit.rotation = 7.2921150e-5;
         orbit.behindGps = 14;
         orbit.delays = {{34, b2b->getT_gd_B2bI()}};
     } else if (const auto* glonass = dynamic_cast<const TQX_GLONav_Message*>(&message)) {
-        orbits[glonass->getSVID()] = glonassOrbit(*glonass);
+        m_orbits[glonass->getSVID()] = glonassOrbit(*glonass);
     }
 }
 
 const BroadcastOrbit& Ephemerides::orbitFor(int svid, int signal) const
 {
     // E5a and B2b have messages of their own.
-    return orbits.at(signal == 20 || signal == 34 ? svid + secondMessage : svid);
+    return m_orbits.at(signal == 20 || signal == 34 ? svid + secondMessage : svid);
 }
 
 std::optional<Vector3d> Ephemerides::position(int svid, double tow) const
 {
-    const auto found = orbits.find(svid);
-    if (found == orbits.end())
+    const auto found = m_orbits.find(svid);
+    if (found == m_orbits.end())
         return std::nullopt;
     const BroadcastOrbit& orbit = found->second;
     const double tk = sinceReference(orbit, tow);

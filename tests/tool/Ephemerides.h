@@ -42,5 +42,5 @@ private:
     const BroadcastOrbit& orbitFor(int svid, int signal) const;
 
     /// By satellite, and 1000 more for the second message of Galileo (F/NAV) and BeiDou (B2b).
-    std::map<int, BroadcastOrbit> orbits;
+    std::map<int, BroadcastOrbit> m_orbits;
 };

@@ -78,7 +78,7 @@ std::vector<Tracked> trackedIn(const TQX_MeasEpoch2_Message& epoch)
 /// At a time of sending by the satellite's system. The earth turns while the signal travels.
 Vector3d Solver::lineTo(int svid, double sent, const Fix& fix) const
 {
-    const Vector3d position = *ephemerides.position(svid, sent);
+    const Vector3d position = *m_ephemerides.position(svid, sent);
     const double flight = (position - fix.position).norm() / lightSpeed;
     return Eigen::AngleAxisd(-earthRate * flight, Vector3d::UnitZ()) * position - fix.position;
 }
@@ -86,8 +86,8 @@ Vector3d Solver::lineTo(int svid, double sent, const Fix& fix) const
 Solver::Unexplained Solver::unexplained(const Tracked& satellite, const Range& range,
                                         const Fix& fix) const
 {
-    const double shown = time - range.code / lightSpeed; // by the satellite's clock
-    const double ahead = ephemerides.clock(satellite.svid, range.signal, shown);
+    const double shown = m_time - range.code / lightSpeed; // by the satellite's clock
+    const double ahead = m_ephemerides.clock(satellite.svid, range.signal, shown);
     const Vector3d line = lineTo(satellite.svid, shown - ahead, fix);
     const Place place = placeOf(fix.position);
     const double sine = line.normalized().dot(place.up());
@@ -105,9 +105,9 @@ Solver::Row Solver::rowOf(const Tracked& satellite, const Fix& fix) const
     const Unexplained left = unexplained(satellite, first, fix);
     const double residual = a * left.metres + (1 - a) * unexplained(satellite, second, fix).metres;
 
-    const double sent = time - first.code / lightSpeed;
+    const double sent = m_time - first.code / lightSpeed;
     const auto clockAt = [&](double t) {
-        return ephemerides.clock(satellite.svid, first.signal, t);
+        return m_ephemerides.clock(satellite.svid, first.signal, t);
     };
     const double drift = (clockAt(sent + 1) - clockAt(sent - 1)) / 2;
     const double rate = (lineTo(satellite.svid, sent - clockAt(sent) + 1, fix).norm() -
@@ -135,9 +135,10 @@ void Solver::improve(Fix& fix, const std::vector<Row>& rows, unsigned systems) c
     }
     const Eigen::MatrixXd weighted = design.transpose() * weights.asDiagonal();
     Eigen::MatrixXd normal = weighted * design;
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 4; ++i) {
         if ((systems >> i & 1U) == 0)
             normal(3 + i, 3 + i) = 1;
+    }
     const Eigen::MatrixXd inverse = normal.inverse();
     const Eigen::VectorXd step = inverse * (weighted * residuals);
     fix.position += step.head<3>();
@@ -152,7 +153,7 @@ Fix Solver::solve(const std::vector<Tracked>& satellites, unsigned systems) cons
     std::vector<Tracked> used;
     Vector3d sky = Vector3d::Zero();
     for (const Tracked& satellite : satellites) {
-        const auto position = ephemerides.position(satellite.svid, time);
+        const auto position = m_ephemerides.position(satellite.svid, m_time);
         if (!position || satellite.ranges.size() < 2 || (systems >> satellite.system & 1U) == 0)
             continue;
         used.push_back(satellite);

@@ -50,7 +50,7 @@ class Solver
 {
 public:
     /// `tow` is the time that the receiver's clock shows.
-    Solver(const Ephemerides& known, double tow) : ephemerides(known), time(tow) {}
+    Solver(const Ephemerides& known, double tow) : m_ephemerides(known), m_time(tow) {}
 
     /// From the systems whose bits are set.
     Fix solve(const std::vector<Tracked>& satellites, unsigned systems) const;
@@ -74,6 +74,6 @@ private:
     Row rowOf(const Tracked& satellite, const Fix& fix) const;
     void improve(Fix& fix, const std::vector<Row>& rows, unsigned systems) const;
 
-    const Ephemerides& ephemerides;
-    double time;
+    const Ephemerides& m_ephemerides;
+    double m_time;
 };

@@ -6,9 +6,9 @@
 namespace tqx
 {
 
-MessageDecoder::MessageDecoder() : decoder((TQX_FormatInfo::getInstance(), nullptr))
+MessageDecoder::MessageDecoder() : m_decoder((TQX_FormatInfo::getInstance(), nullptr))
 {
-    QObject::connect(&decoder, &MessageSource::newMessage,
+    QObject::connect(&m_decoder, &MessageSource::newMessage,
                      [this](const Message* published) { keep(published); });
 }
 
@@ -20,20 +20,20 @@ MessageDecoder::~MessageDecoder()
 int32_t MessageDecoder::decode(const Block& block)
 {
     drop();
-    return decoder.decodeMessage(block.data, block.size);
+    return m_decoder.decodeMessage(block.data, block.size);
 }
 
 void MessageDecoder::keep(const Message* published)
 {
     published->addReference();
-    message = published;
+    m_message = published;
 }
 
 void MessageDecoder::drop()
 {
-    if (message)
-        message->removeReference();
-    message = nullptr;
+    if (m_message)
+        m_message->removeReference();
+    m_message = nullptr;
 }
 
 } // namespace tqx

@@ -22,14 +22,14 @@ public:
 
     /// The message of the last block; null when it did not decode or its type has no message
     /// class. Valid until the next block is decoded.
-    const Message* getMessage() const { return message; }
+    const Message* getMessage() const { return m_message; }
 
 private:
     void keep(const Message* published);
     void drop();
 
-    TQXDecoder decoder;
-    const Message* message = nullptr;
+    TQXDecoder m_decoder;
+    const Message* m_message = nullptr;
 };
 
 } // namespace tqx

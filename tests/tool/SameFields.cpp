@@ -49,9 +49,10 @@ testing::AssertionResult sameFields(const TQX_TypeLayout& type, const json& expe
     for (int i = 0; i < type.fieldCount; ++i) {
         const TQX_FieldLayout& field = type.fields[i];
         const bool isExpected = expected.contains(field.name);
-        if (isExpected != actual.contains(field.name))
+        if (isExpected != actual.contains(field.name)) {
             return testing::AssertionFailure()
                    << type.name << "::" << field.name << (isExpected ? " is missing" : " is there");
+        }
         if (!isExpected)
             continue;
         ++known;

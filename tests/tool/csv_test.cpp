@@ -31,16 +31,17 @@ std::vector<Row> parseCsv(const std::string& text)
     bool quoted = false;
     for (size_t i = 0; i < text.size(); ++i) {
         const char character = text[i];
-        if (character == '"' && quoted && text[i + 1] == '"')
+        if (character == '"' && quoted && text[i + 1] == '"') {
             rows.back().back() += text[++i];
-        else if (character == '"')
+        } else if (character == '"') {
             quoted = !quoted;
-        else if (quoted || (character != ',' && character != '\n'))
+        } else if (quoted || (character != ',' && character != '\n')) {
             rows.back().back() += character;
-        else if (character == ',')
+        } else if (character == ',') {
             rows.back().emplace_back();
-        else
+        } else {
             rows.emplace_back(1);
+        }
     }
     EXPECT_FALSE(quoted);
     EXPECT_EQ(rows.back(), Row(1));
@@ -56,7 +57,7 @@ public:
         for (const auto& entry : std::filesystem::directory_iterator(folder.toStdString())) {
             std::ostringstream content;
             content << std::ifstream(entry.path(), std::ios::binary).rdbuf();
-            tables[entry.path().stem().string()] = {parseCsv(content.str()), 1};
+            m_tables[entry.path().stem().string()] = {parseCsv(content.str()), 1};
         }
     }
 
@@ -64,7 +65,7 @@ public:
     std::map<std::string, std::string> next(const std::string& table)
     {
         std::map<std::string, std::string> cells;
-        auto& [rows, at] = tables[table];
+        auto& [rows, at] = m_tables[table];
         if (rows.size() <= at || rows[at].size() != rows[0].size()) {
             ADD_FAILURE() << table << ": row " << at;
             return cells;
@@ -77,13 +78,13 @@ public:
 
     bool areRead() const
     {
-        return std::all_of(tables.begin(), tables.end(), [](const auto& table) {
+        return std::all_of(m_tables.begin(), m_tables.end(), [](const auto& table) {
             return table.second.second == table.second.first.size();
         });
     }
 
 private:
-    std::map<std::string, std::pair<std::vector<Row>, size_t>> tables;
+    std::map<std::string, std::pair<std::vector<Row>, size_t>> m_tables;
 };
 
 /// A value as a cell; numbers as those of JSON are read.
@@ -169,9 +170,10 @@ void compareDumps(const QStringList& arguments)
         if (!message.contains("block"))
             continue;
         // The key columns have these in units.
-        if (arguments.contains("--raw"))
+        if (arguments.contains("--raw")) {
             for (const char* name : {"TOW", "WNc"})
                 message["fields"].erase(name);
+        }
         compared += compare(tables, message["block"], message["fields"], "");
     }
     EXPECT_TRUE(tables.areRead());
@@ -270,12 +272,13 @@ TEST(Csv, FolderThatHoldsAnInputIsRefused)
         const fs::path log =
             one.kind == Kind::File ? place : fs::path(folder.path().toStdString()) / "log.tqx";
         std::ofstream(log, std::ios::binary) << content;
-        if (one.kind == Kind::Symbolic)
+        if (one.kind == Kind::Symbolic) {
             fs::create_symlink(log, place);
-        else if (one.kind == Kind::Hard)
+        } else if (one.kind == Kind::Hard) {
             fs::create_hard_link(log, place);
-        else if (one.kind == Kind::Other)
+        } else if (one.kind == Kind::Other) {
             std::ofstream(place) << "an older table\n";
+        }
         const ToolRun run = runTool(QStringList{"dump", QString::fromStdString(log.string()),
                                                 "--format", "csv", "-o", folder.path()} +
                                     one.more);

@@ -53,9 +53,10 @@ const char* const derived[] = {"CN0_dBHz", "DopplerHz", "CodeRange", "CarrierPha
 std::string missingIn(const json& measurement)
 {
     std::string letters;
-    for (const char* name : derived)
+    for (const char* name : derived) {
         if (measurement.at(name).is_null())
             letters += name[name[0] == 'C' ? 1 : 0];
+    }
     return letters;
 }
 
@@ -78,11 +79,12 @@ TEST(DerivedValues, AreNamedInTextAndLeftOutOfTables)
 {
     const std::string text = runTool({"dump", "-"}, epoch()).output;
     size_t count = 0;
-    for (const std::string& line : linesOf(text))
+    for (const std::string& line : linesOf(text)) {
         if (std::any_of(std::begin(derived), std::end(derived), [&](const char* name) {
                 return line.find(std::string(" ") + name + ' ') != std::string::npos;
             }))
             count += line.find("DoNotUse") != std::string::npos ? 1 : 0;
+    }
     EXPECT_EQ(count, 9U);
 
     const ToolRun table = runTool({"dump", "-", "--format", "csv", "--type", "MeasEpoch2",
@@ -100,9 +102,10 @@ TEST(DerivedValues, AreSaidToBeNotAvailableWhereABlockIsExplained)
     runTool({"cut", "-", "-o", QString::fromStdString(path)}, epoch());
     const ToolRun run = runTool({"explain", QString::fromStdString(path) + "@0"});
     size_t count = 0;
-    for (const std::string& line : linesOf(run.output))
+    for (const std::string& line : linesOf(run.output)) {
         if (line.find("derived") != std::string::npos)
             count += line.find("not available") != std::string::npos ? 1 : 0;
+    }
     EXPECT_EQ(count, 9U) << run.output;
     std::remove(path.c_str());
 }
@@ -151,9 +154,10 @@ TEST(DerivedValues, WithoutAParentInputsOfItAreNotAvailable)
     record.CN0 = 100;
     const TQX_TypeLayout& type = *TQX_layout(record.korcg_type);
     const auto isAvailable = [&](const char* name) {
-        for (int i = 0; i < type.fieldCount; ++i)
+        for (int i = 0; i < type.fieldCount; ++i) {
             if (type.fields[i].name == std::string(name))
                 return TQX_hasInputs(TQX_fieldFacts(type.recordType)[i], &record);
+        }
         ADD_FAILURE() << name;
         return false;
     };

@@ -31,10 +31,11 @@ TEST_P(ExitStatusTest, IsAsDocumented)
     const Case& expected = GetParam();
     const ToolRun run = runTool(expected.arguments);
     EXPECT_EQ(run.status, expected.status) << run.words;
-    if (*expected.words == '\0')
+    if (*expected.words == '\0') {
         EXPECT_EQ(run.words, "");
-    else
+    } else {
         EXPECT_NE(run.words.find(expected.words), std::string::npos) << run.words;
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -75,9 +75,10 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"help.txt", {"--help"}}, Case{"help_dump.txt", {"help", "dump"}}),
     [](const auto& instance) {
         std::string name = instance.param.file;
-        for (char& character : name)
+        for (char& character : name) {
             if (character == '.')
                 character = '_';
+        }
         return name;
     });
 

@@ -89,9 +89,10 @@ TEST(Help, WidthIsThatOfTheTerminal)
     EXPECT_TRUE(process.waitForFinished(patience) || process.state() == QProcess::NotRunning);
     ::close(terminal);
     std::string text;
-    for (const char character : written)
+    for (const char character : written) {
         if (character != '\r')
             text += character;
+    }
     EXPECT_LE(widthOf(text), 60U) << text;
     EXPECT_GE(widthOf(text), 55U) << text;
 }

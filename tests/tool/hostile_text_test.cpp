@@ -41,9 +41,10 @@ bool isControl(char character)
 /// Control characters in UTF-8 other than the ends of lines.
 bool hasControls(const std::string& text)
 {
-    for (size_t i = 0; i + 1 < text.size(); ++i)
+    for (size_t i = 0; i + 1 < text.size(); ++i) {
         if (text[i] == '\xc2' && static_cast<unsigned char>(text[i + 1]) < 0xa0)
             return true;
+    }
     return std::any_of(text.begin(), text.end(), isControl);
 }
 

@@ -23,10 +23,11 @@ struct Timed {
 std::string streamOf(const std::vector<Timed>& blocks)
 {
     std::string lines;
-    for (const Timed& one : blocks)
+    for (const Timed& one : blocks) {
         lines += json{{"block", one.block}, {"fields", {{"WNc", 2400}, {"TOW", one.second * 1000}}}}
                      .dump() +
                  "\n";
+    }
     const ToolRun run = runTool({"encode", "-"}, lines);
     EXPECT_EQ(run.status, 0) << run.words;
     return run.output;
@@ -90,12 +91,13 @@ TEST(Info, FirstAndLastAreTheEarliestAndTheLatest)
 TEST(Info, CountsRepeatedEpochs)
 {
     std::vector<Timed> blocks;
-    for (const unsigned start : {0U, 6U, 3U})
+    for (const unsigned start : {0U, 6U, 3U}) {
         for (unsigned second = start; second < start + 10; ++second) {
             blocks.push_back({"BatteryStatus", second});
             blocks.push_back({"BatteryStatus", second});
             blocks.push_back({"ReceiverStatus2", second});
         }
+    }
     const std::string stream = streamOf(blocks);
     const json info = infoOf(stream);
     EXPECT_EQ(info["stepsBack"], 2) << "of two types together";
@@ -174,9 +176,10 @@ TEST(Intervals, ListTheFirstGapsAndCountTheRest)
     size_t left = room;
     tqx::Intervals intervals(left);
     tqx::GnssMillis time = 0;
-    for (uint64_t i = 0; i < gaps; ++i)
+    for (uint64_t i = 0; i < gaps; ++i) {
         for (const uint64_t interval : {1000U, 1000U, 3000U})
             intervals.add(time += interval);
+    }
     ASSERT_EQ(intervals.getUsual(), 1000U);
     EXPECT_EQ(intervals.getGapCount(1000), gaps);
     const std::vector<tqx::Intervals::Gap> listed = intervals.getGaps(1000, gaps);
@@ -207,7 +210,8 @@ TEST(EpochSet, KeepsALongSeriesInLittleRoom)
 {
     size_t room = 1;
     tqx::EpochSet epochs(room);
-    for (int pass = 0; pass < 2; ++pass)
+    for (int pass = 0; pass < 2; ++pass) {
         for (tqx::GnssMillis time = 1000; time < 100000; time += 100)
             ASSERT_EQ(epochs.add(time), pass == 0);
+    }
 }

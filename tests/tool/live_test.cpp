@@ -23,15 +23,15 @@ class Live : public testing::Test
 protected:
     void start(const QStringList& arguments)
     {
-        process.start(TQX_TOOL, arguments);
-        ASSERT_TRUE(process.waitForStarted(patience));
+        m_process.start(TQX_TOOL, arguments);
+        ASSERT_TRUE(m_process.waitForStarted(patience));
     }
 
     void send(const std::string& bytes)
     {
-        process.write(bytes.data(), static_cast<qint64>(bytes.size()));
-        while (process.bytesToWrite() != 0)
-            ASSERT_TRUE(process.waitForBytesWritten(patience));
+        m_process.write(bytes.data(), static_cast<qint64>(bytes.size()));
+        while (m_process.bytesToWrite() != 0)
+            ASSERT_TRUE(m_process.waitForBytesWritten(patience));
     }
 
     static bool comesTrue(const std::function<bool()>& condition)
@@ -41,7 +41,7 @@ protected:
         return condition();
     }
 
-    QProcess process;
+    QProcess m_process;
 };
 
 } // namespace
@@ -59,9 +59,9 @@ TEST_F(Live, RowsAreInTheirFilesAsTheyCome)
     const uintmax_t first = std::filesystem::file_size(table);
     send(log);
     EXPECT_TRUE(comesTrue([&] { return std::filesystem::file_size(table) > first; }));
-    process.closeWriteChannel();
-    EXPECT_TRUE(process.waitForFinished(patience));
-    EXPECT_EQ(process.exitCode(), 0);
+    m_process.closeWriteChannel();
+    EXPECT_TRUE(m_process.waitForFinished(patience));
+    EXPECT_EQ(m_process.exitCode(), 0);
 }
 
 // All but what a pipe holds has been read by then.
@@ -71,12 +71,12 @@ TEST_F(Live, InterruptionEndsTheInput)
     const std::string log = runTool({"simulate", "--size", "200000"}).output;
     start({"info", "-"});
     send(log);
-    process.terminate();
-    ASSERT_TRUE(process.waitForFinished(patience));
-    EXPECT_EQ(process.exitStatus(), QProcess::CrashExit);
-    EXPECT_EQ(process.exitCode(), SIGTERM);
-    EXPECT_EQ(process.readAllStandardError().toStdString(), "");
-    std::istringstream summary(process.readAllStandardOutput().toStdString());
+    m_process.terminate();
+    ASSERT_TRUE(m_process.waitForFinished(patience));
+    EXPECT_EQ(m_process.exitStatus(), QProcess::CrashExit);
+    EXPECT_EQ(m_process.exitCode(), SIGTERM);
+    EXPECT_EQ(m_process.readAllStandardError().toStdString(), "");
+    std::istringstream summary(m_process.readAllStandardOutput().toStdString());
     std::string word;
     size_t bytes = 0;
     while (summary >> word && word != "bytes") {
@@ -122,11 +122,11 @@ protected:
         start(QStringList{"dump", "-q", "--format", "jsonl", "-"} + arguments);
         send(falseHeader(GetParam().number, GetParam().length) +
              runTool({"simulate", "--duration", "1"}).output);
-        const bool isOut = process.waitForReadyRead(milliseconds);
-        process.closeWriteChannel();
-        EXPECT_TRUE(process.waitForFinished(patience));
-        EXPECT_EQ(process.exitCode(), 0);
-        EXPECT_NE(process.readAllStandardOutput().size(), 0);
+        const bool isOut = m_process.waitForReadyRead(milliseconds);
+        m_process.closeWriteChannel();
+        EXPECT_TRUE(m_process.waitForFinished(patience));
+        EXPECT_EQ(m_process.exitCode(), 0);
+        EXPECT_NE(m_process.readAllStandardOutput().size(), 0);
         return isOut;
     }
 };
@@ -169,7 +169,8 @@ TEST_F(Live, BlockMayComeInPiecesWithPauses)
         send(blocks.substr(at, 300));
         QThread::msleep(30);
     }
-    process.closeWriteChannel();
-    ASSERT_TRUE(process.waitForFinished(patience));
-    EXPECT_EQ(process.readAllStandardOutput().toStdString(), runTool({"cut", "-"}, blocks).output);
+    m_process.closeWriteChannel();
+    ASSERT_TRUE(m_process.waitForFinished(patience));
+    EXPECT_EQ(m_process.readAllStandardOutput().toStdString(),
+              runTool({"cut", "-"}, blocks).output);
 }

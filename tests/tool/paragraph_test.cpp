@@ -33,10 +33,10 @@ class Paragraphs : public testing::Test
 {
 protected:
     Paragraphs() { QLocale::setDefault(QLocale::c()); }
-    ~Paragraphs() override { QLocale::setDefault(before); }
+    ~Paragraphs() override { QLocale::setDefault(m_before); }
 
 private:
-    QLocale before;
+    QLocale m_before;
 };
 
 /// As a paragraph shows it: without control characters, nor blanks at its end.
@@ -45,12 +45,13 @@ QString shownText(const QString& text)
     QString shown;
     for (const QChar character : text) {
         const ushort code = character.unicode();
-        if (code == '\n' || code == '\r' || code == '\t')
+        if (code == '\n' || code == '\r' || code == '\t') {
             shown += code == '\n' ? "\\n" : code == '\r' ? "\\r" : "\\t";
-        else if (code < 0x20 || (code >= 0x7f && code < 0xa0))
+        } else if (code < 0x20 || (code >= 0x7f && code < 0xa0)) {
             shown += QString("\\x%1").arg(code, 2, 16, QChar('0'));
-        else
+        } else {
             shown += character;
+        }
     }
     return shown;
 }
@@ -110,9 +111,10 @@ QString linesOf(const Chain& chain, bool stored, int indentation)
         return QString(indentation + (parts.contains(info) ? 2 : 0), ' ') + info->getName();
     };
     int column = 0;
-    for (const FieldInfo* info : infos)
+    for (const FieldInfo* info : infos) {
         if (!info->getType().getSubMessageInfo())
             column = std::max(column, label(info).size() + 2);
+    }
     QString text;
     for (const FieldInfo* info : infos) {
         if (!info->hasValue(&message))
@@ -169,10 +171,11 @@ uint64_t bitsOf(double value, bool isSingle)
 {
     uint64_t word = 0;
     const auto single = static_cast<float>(value);
-    if (isSingle)
+    if (isSingle) {
         std::memcpy(&word, &single, sizeof single);
-    else
+    } else {
         std::memcpy(&word, &value, sizeof value);
+    }
     return word;
 }
 

@@ -38,12 +38,12 @@ std::vector<uint8_t> blockOf(uint32_t index)
 class SlowWriter : public tqx::tool::BlockWriter
 {
 public:
-    explicit SlowWriter(uint32_t blockThatFails) : failing(blockThatFails) {}
+    explicit SlowWriter(uint32_t blockThatFails) : m_failing(blockThatFails) {}
 
     void write(tqx::Buffer& out, const tqx::DecodedBlock& decoded) override
     {
         const uint32_t time = decoded.getHeader().TOW;
-        if (time == failing)
+        if (time == m_failing)
             throw std::runtime_error("cannot be written");
         if (time % 7000 == 0)
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -56,7 +56,7 @@ public:
     }
 
 private:
-    uint32_t failing;
+    uint32_t m_failing;
 };
 
 std::string contentOf(const QString& path)
@@ -77,7 +77,7 @@ protected:
     {
         for (uint32_t i = first; i < last; ++i) {
             const std::vector<uint8_t> bytes = blockOf(i);
-            dump.take(stream, {bytes.data(), static_cast<uint16_t>(bytes.size()), i});
+            dump.take(m_stream, {bytes.data(), static_cast<uint16_t>(bytes.size()), i});
             if (i % 1000 == 999)
                 dump.handOn();
         }
@@ -91,36 +91,36 @@ protected:
         return text;
     }
 
-    QTemporaryDir folder;
-    QString path = folder.filePath("text");
-    tqx::tool::InputStream stream{{}, false};
+    QTemporaryDir m_folder;
+    QString m_path = m_folder.filePath("text");
+    tqx::tool::InputStream m_stream{{}, false};
 };
 
 TEST_P(ParallelDumpTest, KeepsTheOrderOfTheStream)
 {
     constexpr uint32_t count = 60000;
-    tqx::tool::Output output(path.toStdString());
+    tqx::tool::Output output(m_path.toStdString());
     {
         tqx::tool::ParallelDump dump(
             output, [] { return std::make_unique<SlowWriter>(none); }, GetParam());
         take(dump, 0, count);
         dump.flush();
-        EXPECT_EQ(contentOf(path), expected(count));
+        EXPECT_EQ(contentOf(m_path), expected(count));
         // What is handed on comes out by itself.
         take(dump, count, count + 10);
         dump.handOn();
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (contentOf(path) != expected(count + 10) && std::chrono::steady_clock::now() < end)
+        while (contentOf(m_path) != expected(count + 10) && std::chrono::steady_clock::now() < end)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        EXPECT_EQ(contentOf(path), expected(count + 10));
+        EXPECT_EQ(contentOf(m_path), expected(count + 10));
     }
-    EXPECT_EQ(stream.getCounts().undecodable, 0U);
+    EXPECT_EQ(m_stream.getCounts().undecodable, 0U);
 }
 
 TEST_P(ParallelDumpTest, HandsOnFailures)
 {
     static constexpr uint32_t failing = 30000;
-    tqx::tool::Output output(path.toStdString());
+    tqx::tool::Output output(m_path.toStdString());
     tqx::tool::ParallelDump dump(
         output, [] { return std::make_unique<SlowWriter>(failing); }, GetParam());
     EXPECT_THROW(
@@ -129,7 +129,7 @@ TEST_P(ParallelDumpTest, HandsOnFailures)
             dump.flush();
         },
         std::runtime_error);
-    const std::string text = contentOf(path);
+    const std::string text = contentOf(m_path);
     EXPECT_EQ(text, expected(failing).substr(0, text.size()));
 
     tqx::tool::Output full("/dev/full");

@@ -49,9 +49,10 @@ std::string writtenToTerminal(const Case& run)
     QProcess process;
     qputenv("TERM", "xterm");
     process.setStandardErrorFile(::ptsname(terminal));
-    if (run.target != Target::Pipe)
+    if (run.target != Target::Pipe) {
         process.setStandardOutputFile(run.target == Target::Terminal ? ::ptsname(terminal)
                                                                      : QProcess::nullDevice());
+    }
     std::string written;
     const auto readOn = [&] {
         char piece[4096];

@@ -36,9 +36,10 @@ Words optionsOf(const std::string& command)
 {
     const std::string help = runTool({"help", command.c_str()}).output;
     Words words;
-    for (const std::string& names : matchesOf(help, "\n  (-[-a-z,]*)"))
+    for (const std::string& names : matchesOf(help, "\n  (-[-a-z,]*)")) {
         for (const std::string& name : matchesOf(names + ",", "(-[-a-z]+),"))
             words.insert(name);
+    }
     return words;
 }
 
@@ -74,9 +75,10 @@ TEST_F(Reference, CompletionOffersWhatHelpLists)
         EXPECT_EQ(completions("tqx " + command.substr(0, command.size() - 1)).count(command), 1U);
         const Words options = optionsOf(command);
         EXPECT_EQ(options.count("--help"), 1U) << command;
-        for (const std::string& option : options)
+        for (const std::string& option : options) {
             EXPECT_EQ(completions("tqx " + command + " " + option).count(option), 1U)
                 << command << " " << option;
+        }
     }
 }
 
@@ -99,15 +101,17 @@ TEST_F(Reference, CompletionKnowsValues)
 TEST_F(Reference, ManualPageDescribesWhatHelpLists)
 {
     std::string page = runTool({"help", "--man"}).output;
-    for (size_t at = page.find('\\'); at != std::string::npos; at = page.find('\\', at + 1))
+    for (size_t at = page.find('\\'); at != std::string::npos; at = page.find('\\', at + 1)) {
         if (page.compare(at, 2, "\\-") == 0)
             page.erase(at, 1);
+    }
     for (const std::string& command : commands()) {
         const size_t start = page.find(".SS " + command + "\n");
         ASSERT_NE(start, std::string::npos) << command;
         const std::string section = page.substr(start, page.find(".SS ", start + 1) - start);
-        for (const std::string& option : optionsOf(command))
+        for (const std::string& option : optionsOf(command)) {
             EXPECT_NE(section.find("fB" + option + "\\fR"), std::string::npos)
                 << command << " " << option;
+        }
     }
 }

@@ -61,9 +61,10 @@ ExitStatus run(int argc, char** argv)
     const std::vector<std::unique_ptr<Command>> commands = tqx::tool::makeCommands(program);
     try {
         program.parse(argc, argv);
-        for (const std::unique_ptr<Command>& command : commands)
+        for (const std::unique_ptr<Command>& command : commands) {
             if (command->getApp().parsed())
                 return command->run();
+        }
     } catch (const CLI::ParseError& error) {
         return explain(program, error);
     } catch (const tqx::tool::ClosedPipe&) {

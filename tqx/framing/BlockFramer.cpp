@@ -12,7 +12,7 @@ BlockFramer::Listener::~Listener() = default;
 
 void BlockFramer::Listener::onDroppedPiece(uint64_t, const uint8_t*, size_t) {}
 
-BlockFramer::BlockFramer(Listener* listener) : listener_(listener) {}
+BlockFramer::BlockFramer(Listener* listener) : m_listener(listener) {}
 
 BlockFramer::~BlockFramer() = default;
 
@@ -21,37 +21,37 @@ void BlockFramer::append(const uint8_t* bytes, size_t size)
     if (size == 0) {
         return;
     }
-    ended_ = false;
-    if (available() != 0 || unreported_ != 0) {
+    m_ended = false;
+    if (available() != 0 || m_unreported != 0) {
         store(bytes, size);
         search();
         return;
     }
     // Junk in front is not worth a copy.
     const size_t junk = findSync(bytes, size);
-    const uint64_t start = offset_;
-    offset_ += junk;
-    unreported_ += junk;
-    handedOver_ = junk;
+    const uint64_t start = m_offset;
+    m_offset += junk;
+    m_unreported += junk;
+    m_handedOver = junk;
     store(bytes + junk, size - junk);
-    if (junk != 0 && listener_ != nullptr) {
-        listener_->onDroppedPiece(start, bytes, junk);
+    if (junk != 0 && m_listener != nullptr) {
+        m_listener->onDroppedPiece(start, bytes, junk);
     }
     search();
 }
 
 void BlockFramer::flush()
 {
-    ended_ = true;
+    m_ended = true;
     search();
 }
 
 BlockFramer::Block BlockFramer::block() const
 {
     if (!hasBlock()) {
-        return {nullptr, 0, offset_};
+        return {nullptr, 0, m_offset};
     }
-    return {head(), blockSize_, offset_};
+    return {head(), m_blockSize, m_offset};
 }
 
 void BlockFramer::takeBlock()
@@ -59,26 +59,26 @@ void BlockFramer::takeBlock()
     if (!hasBlock()) {
         return;
     }
-    head_ += blockSize_;
-    offset_ += blockSize_;
-    blockSize_ = 0;
+    m_head += m_blockSize;
+    m_offset += m_blockSize;
+    m_blockSize = 0;
     search();
 }
 
 BlockFramer::Candidate BlockFramer::waiting() const
 {
     if (hasBlock() || available() < BlockHeader::kSize) {
-        return {nullptr, 0, 0, offset_};
+        return {nullptr, 0, 0, m_offset};
     }
-    return {head(), available(), korcg_load_u16(head() + BlockHeader::kLengthAt), offset_};
+    return {head(), available(), korcg_load_u16(head() + BlockHeader::kLengthAt), m_offset};
 }
 
 bool BlockFramer::passWaiting()
 {
     const Candidate candidate = waiting();
     if (candidate.data == nullptr ||
-        !inner_.find(candidate.data + BlockHeader::kSyncSize,
-                     candidate.size - BlockHeader::kSyncSize, offset_ + BlockHeader::kSyncSize)) {
+        !m_inner.find(candidate.data + BlockHeader::kSyncSize,
+                      candidate.size - BlockHeader::kSyncSize, m_offset + BlockHeader::kSyncSize)) {
         return false;
     }
     drop(BlockHeader::kSyncSize);
@@ -88,7 +88,7 @@ bool BlockFramer::passWaiting()
 
 size_t BlockFramer::bytesLeft() const
 {
-    return available() + static_cast<size_t>(unreported_);
+    return available() + static_cast<size_t>(m_unreported);
 }
 
 // The listener may append or take while it is told something, so nothing is kept across a report.
@@ -108,31 +108,31 @@ bool BlockFramer::decideCandidate()
         return giveUpCandidate();
     }
     const size_t length = korcg_load_u16(head() + BlockHeader::kLengthAt);
-    const uint64_t candidate = offset_;
+    const uint64_t candidate = m_offset;
     if (length < BlockHeader::kSize) {
         drop(BlockHeader::kSyncSize);
-        if (listener_ != nullptr) {
-            listener_->onInvalidLength(candidate);
+        if (m_listener != nullptr) {
+            m_listener->onInvalidLength(candidate);
         }
         return true;
     }
     if (available() < length) {
         return giveUpCandidate();
     }
-    if (checksum_.isIntact(head(), length, offset_)) {
-        blockSize_ = length;
+    if (m_checksum.isIntact(head(), length, m_offset)) {
+        m_blockSize = length;
         return false;
     }
     drop(BlockHeader::kSyncSize);
-    if (listener_ != nullptr) {
-        listener_->onChecksumFailed(candidate);
+    if (m_listener != nullptr) {
+        m_listener->onChecksumFailed(candidate);
     }
     return true;
 }
 
 bool BlockFramer::giveUpCandidate()
 {
-    if (!ended_ || available() == 0) {
+    if (!m_ended || available() == 0) {
         return false;
     }
     drop(std::min(BlockHeader::kSyncSize, available()));
@@ -141,18 +141,18 @@ bool BlockFramer::giveUpCandidate()
 
 void BlockFramer::reportDropped()
 {
-    const uint64_t count = unreported_;
+    const uint64_t count = m_unreported;
     const size_t inBuffer = droppedInBuffer();
-    const uint64_t end = offset_;
-    unreported_ = 0;
-    handedOver_ = 0;
-    if (count == 0 || listener_ == nullptr) {
+    const uint64_t end = m_offset;
+    m_unreported = 0;
+    m_handedOver = 0;
+    if (count == 0 || m_listener == nullptr) {
         return;
     }
     if (inBuffer != 0) {
-        listener_->onDroppedPiece(end - inBuffer, head() - inBuffer, inBuffer);
+        m_listener->onDroppedPiece(end - inBuffer, head() - inBuffer, inBuffer);
     }
-    listener_->onBytesDropped(end - count, count);
+    m_listener->onBytesDropped(end - count, count);
 }
 
 // Consumed bytes are removed when room is needed and they are the larger part, so that every byte
@@ -160,16 +160,16 @@ void BlockFramer::reportDropped()
 void BlockFramer::store(const uint8_t* bytes, size_t size)
 {
     constexpr size_t kLeastCapacity = 16384;
-    const size_t consumed = head_ - droppedInBuffer();
-    const size_t kept = buffer_.size() - consumed;
-    if (buffer_.capacity() - buffer_.size() < size && consumed >= kept) {
-        std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(consumed), buffer_.end(),
-                  buffer_.begin());
-        buffer_.resize(kept);
-        buffer_.reserve(kLeastCapacity);
-        head_ -= consumed;
+    const size_t consumed = m_head - droppedInBuffer();
+    const size_t kept = m_buffer.size() - consumed;
+    if (m_buffer.capacity() - m_buffer.size() < size && consumed >= kept) {
+        std::copy(m_buffer.begin() + static_cast<std::ptrdiff_t>(consumed), m_buffer.end(),
+                  m_buffer.begin());
+        m_buffer.resize(kept);
+        m_buffer.reserve(kLeastCapacity);
+        m_head -= consumed;
     }
-    buffer_.insert(buffer_.end(), bytes, bytes + size);
+    m_buffer.insert(m_buffer.end(), bytes, bytes + size);
 }
 
 } // namespace tqx

@@ -96,7 +96,7 @@ public:
     void flush();
 
     /// Whether a whole block is at hand.
-    bool hasBlock() const { return blockSize_ != 0; }
+    bool hasBlock() const { return m_blockSize != 0; }
 
     /// The next block; stays at hand until it is taken.
     Block block() const;
@@ -123,32 +123,32 @@ public:
     size_t bytesLeft() const;
 
 private:
-    const uint8_t* head() const { return buffer_.data() + head_; }
-    size_t available() const { return buffer_.size() - head_; }
+    const uint8_t* head() const { return m_buffer.data() + m_head; }
+    size_t available() const { return m_buffer.size() - m_head; }
 
     void search();
     bool decideCandidate();
     bool giveUpCandidate();
     void drop(size_t count)
     {
-        head_ += count;
-        offset_ += count;
-        unreported_ += count;
+        m_head += count;
+        m_offset += count;
+        m_unreported += count;
     }
-    size_t droppedInBuffer() const { return static_cast<size_t>(unreported_) - handedOver_; }
+    size_t droppedInBuffer() const { return static_cast<size_t>(m_unreported) - m_handedOver; }
     void reportDropped();
     void store(const uint8_t* bytes, size_t size);
 
-    Listener* listener_;
-    std::vector<uint8_t> buffer_;
-    size_t head_ = 0;         ///< first byte of the buffer that is not yet consumed
-    size_t blockSize_ = 0;    ///< size of the block that stands at head_, 0 for none
-    uint64_t offset_ = 0;     ///< of head_ in the stream
-    uint64_t unreported_ = 0; ///< dropped bytes before head_ that the listener has not heard of
-    size_t handedOver_ = 0;   ///< those of them that never came into the buffer
-    bool ended_ = false;
-    CandidateChecksum checksum_;
-    InnerBlockSearch inner_; ///< of passWaiting()
+    Listener* m_listener;
+    std::vector<uint8_t> m_buffer;
+    size_t m_head = 0;         ///< first byte of the buffer that is not yet consumed
+    size_t m_blockSize = 0;    ///< size of the block that stands at head_, 0 for none
+    uint64_t m_offset = 0;     ///< of head_ in the stream
+    uint64_t m_unreported = 0; ///< dropped bytes before head_ that the listener has not heard of
+    size_t m_handedOver = 0;   ///< those of them that never came into the buffer
+    bool m_ended = false;
+    CandidateChecksum m_checksum;
+    InnerBlockSearch m_inner; ///< of passWaiting()
 };
 
 } // namespace tqx

@@ -12,12 +12,12 @@ bool CandidateChecksum::isIntact(const uint8_t* block, size_t length, uint64_t o
     const size_t size = length - BlockHeader::kCheckedFrom;
     const uint16_t expected = korcg_load_u16(block + BlockHeader::kChecksumAt);
     if (!mayBeSummedInVain(size, offset)) {
-        return prefixes_.of(checked, offset + BlockHeader::kCheckedFrom, size) == expected;
+        return m_prefixes.of(checked, offset + BlockHeader::kCheckedFrom, size) == expected;
     }
     if (korcg_crc16_bytes(checked, size) == expected) {
         return true;
     }
-    summedInVain_ += size;
+    m_summedInVain += size;
     return false;
 }
 
@@ -26,11 +26,11 @@ bool CandidateChecksum::isIntact(const uint8_t* block, size_t length, uint64_t o
 bool CandidateChecksum::mayBeSummedInVain(size_t size, uint64_t offset)
 {
     constexpr uint64_t kMostSaved = 4 * PrefixChecksums::kLongest;
-    const uint64_t limit = 2 * (offset - start_) + allowance_;
-    if (limit > summedInVain_ + kMostSaved) {
-        summedInVain_ = limit - kMostSaved;
+    const uint64_t limit = 2 * (offset - m_start) + m_allowance;
+    if (limit > m_summedInVain + kMostSaved) {
+        m_summedInVain = limit - kMostSaved;
     }
-    return summedInVain_ + size <= limit;
+    return m_summedInVain + size <= limit;
 }
 
 } // namespace tqx

@@ -27,7 +27,7 @@ public:
     /// bytes that may be summed for false candidates before overlapping claims share their sums;
     /// selects a method, never a result.
     explicit CandidateChecksum(uint64_t start = 0, uint64_t allowance = 0)
-        : start_(start), allowance_(allowance)
+        : m_start(start), m_allowance(allowance)
     {
     }
 
@@ -39,13 +39,13 @@ public:
 private:
     bool mayBeSummedInVain(size_t size, uint64_t offset);
 
-    uint64_t start_;
-    uint64_t allowance_;
+    uint64_t m_start;
+    uint64_t m_allowance;
 
     /// Bytes summed for candidates that turned out false. Past a limit that grows with the stream,
     /// stretches are summed by prefixes_ instead, so that the work stays linear.
-    uint64_t summedInVain_ = 0;
-    PrefixChecksums prefixes_;
+    uint64_t m_summedInVain = 0;
+    PrefixChecksums m_prefixes;
 };
 
 } // namespace tqx

@@ -22,17 +22,17 @@ constexpr size_t kShort = 64;
 
 bool InnerBlockSearch::find(const uint8_t* bytes, size_t size, uint64_t position)
 {
-    if (found_ && *found_ >= position) {
+    if (m_found && *m_found >= position) {
         return true;
     }
     collect(bytes, size, position);
     sum(bytes, size, position);
-    while (!claims_.empty() && claims_.front().end <= position + size) {
-        const Claim claim = claims_.front();
-        std::pop_heap(claims_.begin(), claims_.end());
-        claims_.pop_back();
+    while (!m_claims.empty() && m_claims.front().end <= position + size) {
+        const Claim claim = m_claims.front();
+        std::pop_heap(m_claims.begin(), m_claims.end());
+        m_claims.pop_back();
         if (claim.begin() >= position && isIntact(bytes + (claim.begin() - position), claim)) {
-            found_ = claim.begin();
+            m_found = claim.begin();
             return true;
         }
     }
@@ -41,21 +41,21 @@ bool InnerBlockSearch::find(const uint8_t* bytes, size_t size, uint64_t position
 
 void InnerBlockSearch::collect(const uint8_t* bytes, size_t size, uint64_t position)
 {
-    searched_ = std::max(searched_, position);
+    m_searched = std::max(m_searched, position);
     const uint64_t end = position + size;
-    while (searched_ < end) {
-        const uint8_t* from = bytes + (searched_ - position);
-        searched_ += findSync(from, static_cast<size_t>(end - searched_));
-        if (searched_ + BlockHeader::kSize > end) {
+    while (m_searched < end) {
+        const uint8_t* from = bytes + (m_searched - position);
+        m_searched += findSync(from, static_cast<size_t>(end - m_searched));
+        if (m_searched + BlockHeader::kSize > end) {
             return;
         }
         const uint16_t length =
-            korcg_load_u16(bytes + (searched_ - position) + BlockHeader::kLengthAt);
+            korcg_load_u16(bytes + (m_searched - position) + BlockHeader::kLengthAt);
         if (length >= BlockHeader::kSize) {
-            claims_.push_back({searched_ + length, length});
-            std::push_heap(claims_.begin(), claims_.end());
+            m_claims.push_back({m_searched + length, length});
+            std::push_heap(m_claims.begin(), m_claims.end());
         }
-        searched_ += BlockHeader::kSyncSize;
+        m_searched += BlockHeader::kSyncSize;
     }
 }
 
@@ -63,12 +63,12 @@ void InnerBlockSearch::collect(const uint8_t* bytes, size_t size, uint64_t posit
 void InnerBlockSearch::sum(const uint8_t* bytes, size_t size, uint64_t position)
 {
     const uint64_t end = position + size;
-    summed_ = std::max(summed_, position);
-    if (end < summed_ + 2 * kMarkSlack) {
+    m_summed = std::max(m_summed, position);
+    if (end < m_summed + 2 * kMarkSlack) {
         return;
     }
-    prefixes_.of(bytes + (summed_ - position), summed_, static_cast<size_t>(end - summed_));
-    summed_ = end - kMarkSlack;
+    m_prefixes.of(bytes + (m_summed - position), m_summed, static_cast<size_t>(end - m_summed));
+    m_summed = end - kMarkSlack;
 }
 
 bool InnerBlockSearch::isIntact(const uint8_t* block, const Claim& claim)
@@ -77,7 +77,7 @@ bool InnerBlockSearch::isIntact(const uint8_t* block, const Claim& claim)
     const size_t size = claim.size - BlockHeader::kCheckedFrom;
     const uint16_t sum =
         size < kShort ? korcg_crc16_bytes(checked, size)
-                      : prefixes_.of(checked, claim.begin() + BlockHeader::kCheckedFrom, size);
+                      : m_prefixes.of(checked, claim.begin() + BlockHeader::kCheckedFrom, size);
     return sum == korcg_load_u16(block + BlockHeader::kChecksumAt);
 }
 

@@ -36,11 +36,11 @@ private:
     void sum(const uint8_t* bytes, size_t size, uint64_t position);
     bool isIntact(const uint8_t* block, const Claim& claim);
 
-    std::vector<Claim> claims_;     ///< a heap of those that end after all bytes so far
-    std::optional<uint64_t> found_; ///< where the last block begins that was found
-    uint64_t searched_ = 0;         ///< headers before this place have become claims
-    uint64_t summed_ = 0;           ///< the checksums reach at least as far
-    PrefixChecksums prefixes_;
+    std::vector<Claim> m_claims;     ///< a heap of those that end after all bytes so far
+    std::optional<uint64_t> m_found; ///< where the last block begins that was found
+    uint64_t m_searched = 0;         ///< headers before this place have become claims
+    uint64_t m_summed = 0;           ///< the checksums reach at least as far
+    PrefixChecksums m_prefixes;
 };
 
 } // namespace tqx

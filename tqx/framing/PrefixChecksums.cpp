@@ -7,13 +7,13 @@ namespace tqx
 
 uint16_t PrefixChecksums::of(const uint8_t* bytes, uint64_t position, size_t size)
 {
-    if (marks_.empty() || position > base_ + lastMark_ * kStride) {
-        marks_.resize(kMarks);
-        base_ = position;
-        lastMark_ = 0;
+    if (m_marks.empty() || position > m_base + m_lastMark * kStride) {
+        m_marks.resize(kMarks);
+        m_base = position;
+        m_lastMark = 0;
         mark(0) = 0;
     }
-    const uint64_t begin = position - base_;
+    const uint64_t begin = position - m_base;
     const uint64_t end = begin + size;
     const uint64_t firstMark = (begin + kStride - 1) / kStride;
     const auto toFirstMark = static_cast<size_t>(firstMark * kStride - begin);
@@ -23,8 +23,9 @@ uint16_t PrefixChecksums::of(const uint8_t* bytes, uint64_t position, size_t siz
 
     // No byte before the stretch is looked at: firstMark is not behind lastMark_.
     const auto at = [&](uint64_t offset) { return bytes + (offset - begin); };
-    for (; lastMark_ < end / kStride; ++lastMark_) {
-        mark(lastMark_ + 1) = korcg_crc16_bytes(at(lastMark_ * kStride), kStride, mark(lastMark_));
+    for (; m_lastMark < end / kStride; ++m_lastMark) {
+        mark(m_lastMark + 1) =
+            korcg_crc16_bytes(at(m_lastMark * kStride), kStride, mark(m_lastMark));
     }
     const uint64_t endMark = end / kStride;
     const uint16_t sumToEnd = korcg_crc16_bytes(

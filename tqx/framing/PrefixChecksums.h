@@ -28,12 +28,12 @@ private:
     static constexpr size_t kStride = 8;
     static constexpr size_t kMarks = 16384; ///< power of two; reaches farther than kLongest
 
-    uint16_t& mark(uint64_t index) { return marks_[static_cast<size_t>(index % kMarks)]; }
+    uint16_t& mark(uint64_t index) { return m_marks[static_cast<size_t>(index % kMarks)]; }
 
-    std::vector<uint16_t> marks_; ///< a ring; mark k is the checksum of the kStride * k bytes
-                                  ///< from base_ on
-    uint64_t base_ = 0;
-    uint64_t lastMark_ = 0;
+    std::vector<uint16_t> m_marks; ///< a ring; mark k is the checksum of the kStride * k bytes
+                                   ///< from base_ on
+    uint64_t m_base = 0;
+    uint64_t m_lastMark = 0;
 };
 
 } // namespace tqx

@@ -94,9 +94,10 @@ void addGeosynchronous(std::vector<NominalSatellite>& satellites)
 std::vector<NominalSatellite> nominalSatellites()
 {
     std::vector<NominalSatellite> satellites;
-    for (const Slot& slot : gpsSlots)
+    for (const Slot& slot : gpsSlots) {
         satellites.push_back({System::Gps, static_cast<uint8_t>(satellites.size() + 1), 0, 26559700,
                               55, slot.ascendingNode - greenwich(), slot.latitudeArgument});
+    }
     for (const Walker& walker : walkers)
         addWalker(satellites, walker);
     addGeosynchronous(satellites);

@@ -28,14 +28,14 @@ public:
     {
         record.TOW = epoch.towMillis;
         record.WNc = epoch.week;
-        write(encode(block.data(), static_cast<unsigned short>(block.size()), &record));
+        write(encode(m_block.data(), static_cast<unsigned short>(m_block.size()), &record));
     }
 
     /// Appends what the receiver sends beside its blocks, at most 65,535 bytes.
     void addNeighbour(const uint8_t* bytes, size_t size);
 
     /// Bytes appended so far.
-    uint64_t getSize() const { return written; }
+    uint64_t getSize() const { return m_written; }
 
 private:
     void write(int bits);
@@ -43,10 +43,10 @@ private:
     void damage(size_t size);
     void writeJunk();
 
-    Buffer& output;
-    std::optional<Random> random;
-    std::vector<uint8_t> block;
-    uint64_t written = 0;
+    Buffer& m_output;
+    std::optional<Random> m_random;
+    std::vector<uint8_t> m_block;
+    uint64_t m_written = 0;
 };
 
 } // namespace tqx::simulation

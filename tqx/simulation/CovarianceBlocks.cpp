@@ -27,11 +27,14 @@ Covariance toEarthFixed(const Covariance& local, const LocalFrame& frame)
                                {east.z, north.z, up.z, 0},
                                {0, 0, 0, 1}};
     Covariance result = {};
-    for (size_t i = 0; i < 4; ++i)
-        for (size_t j = 0; j < 4; ++j)
-            for (size_t k = 0; k < 4; ++k)
+    for (size_t i = 0; i < 4; ++i) {
+        for (size_t j = 0; j < 4; ++j) {
+            for (size_t k = 0; k < 4; ++k) {
                 for (size_t l = 0; l < 4; ++l)
                     result[i][j] += turn[i][k] * local[k][l] * turn[j][l];
+            }
+        }
+    }
     return result;
 }
 

@@ -18,9 +18,10 @@ using Matrix = std::array<std::array<double, size>, size>;
 template<size_t size>
 Matrix<size> inverse(Matrix<size> m)
 {
-    for (size_t i = 0; i < size; ++i)
+    for (size_t i = 0; i < size; ++i) {
         for (size_t j = 0; j < i; ++j)
             m[j][i] = m[i][j];
+    }
     for (size_t k = 0; k < size; ++k) {
         const double pivot = 1 / m[k][k];
         m[k][k] = 1;
@@ -98,14 +99,14 @@ unsigned Solution::usedSatellites() const
 
 void Estimator::begin()
 {
-    observations.clear();
-    position = {};
-    dilution = {};
-    velocity = {};
-    solution.used = {};
+    m_observations.clear();
+    m_position = {};
+    m_dilution = {};
+    m_velocity = {};
+    m_solution.used = {};
     // The clock of a system without satellites stays what it is.
     for (size_t i = 4; i < positionUnknowns; ++i)
-        position.normal[i][i] = dilution.normal[i][i] = 1e-9;
+        m_position.normal[i][i] = m_dilution.normal[i][i] = 1e-9;
 }
 
 void Estimator::add(System system, const Vector& direction, double codeError, double codeNoise,
@@ -118,57 +119,58 @@ void Estimator::add(System system, const Vector& direction, double codeError, do
         row[3 + indexOf(system)] = 1;
     const double codeWeight = sine * sine / (noise * noise);
     const double rateWeight = sine * sine / (rangeRateNoise * rangeRateNoise);
-    addRow(position, row, codeError, codeWeight);
-    addRow(dilution, row, 0, 1);
-    addRow(velocity, motionOf(row), rateError, rateWeight);
-    observations.push_back({row, codeError, codeWeight, rateError, rateWeight});
-    ++solution.used[indexOf(system)];
+    addRow(m_position, row, codeError, codeWeight);
+    addRow(m_dilution, row, 0, 1);
+    addRow(m_velocity, motionOf(row), rateError, rateWeight);
+    m_observations.push_back({row, codeError, codeWeight, rateError, rateWeight});
+    ++m_solution.used[indexOf(system)];
 }
 
 void Estimator::solve(const Truth& truth, const LocalFrame& frame)
 {
-    place.inverse = inverse(position.normal);
-    speed.inverse = inverse(velocity.normal);
-    place.unknowns = product(place.inverse, position.right);
-    speed.unknowns = product(speed.inverse, velocity.right);
-    const auto& x = place.unknowns;
-    const auto& v = speed.unknowns;
+    m_place.inverse = inverse(m_position.normal);
+    m_speed.inverse = inverse(m_velocity.normal);
+    m_place.unknowns = product(m_place.inverse, m_position.right);
+    m_speed.unknowns = product(m_speed.inverse, m_velocity.right);
+    const auto& x = m_place.unknowns;
+    const auto& v = m_speed.unknowns;
     const Vector offset = {x[0], x[1], x[2]};
     const Vector speedOffset = {v[0], v[1], v[2]};
-    solution.antenna = {truth.antenna.position + frame.toEarthFixed(offset),
-                        truth.antenna.velocity + frame.toEarthFixed(speedOffset)};
-    solution.position = toGeodetic(solution.antenna.position);
-    solution.velocity = frame.toLocal(solution.antenna.velocity);
-    solution.clockBias = truth.clockBias + x[3] / speedOfLight;
-    solution.clockDrift = truth.clockDrift + v[3] / speedOfLight;
-    solution.positionCovariance = corner(place.inverse);
-    solution.velocityCovariance = corner(speed.inverse);
-    solution.cofactors = corner(inverse(dilution.normal));
+    m_solution.antenna = {truth.antenna.position + frame.toEarthFixed(offset),
+                          truth.antenna.velocity + frame.toEarthFixed(speedOffset)};
+    m_solution.position = toGeodetic(m_solution.antenna.position);
+    m_solution.velocity = frame.toLocal(m_solution.antenna.velocity);
+    m_solution.clockBias = truth.clockBias + x[3] / speedOfLight;
+    m_solution.clockDrift = truth.clockDrift + v[3] / speedOfLight;
+    m_solution.positionCovariance = corner(m_place.inverse);
+    m_solution.velocityCovariance = corner(m_speed.inverse);
+    m_solution.cofactors = corner(inverse(m_dilution.normal));
     for (size_t i = 1; i < systemCount; ++i) {
-        solution.offsets[i] = x[3 + i];
-        solution.offsetVariances[i] = place.inverse[3 + i][3 + i];
+        m_solution.offsets[i] = x[3 + i];
+        m_solution.offsetVariances[i] = m_place.inverse[3 + i][3 + i];
     }
     const auto systems = static_cast<unsigned>(std::count_if(
-        solution.used.begin(), solution.used.end(), [](uint8_t n) { return n != 0; }));
-    const unsigned satellites = solution.usedSatellites();
-    solution.positionTest =
-        position.squares - std::inner_product(x.begin(), x.end(), position.right.begin(), 0.0);
-    solution.velocityTest =
-        velocity.squares - std::inner_product(v.begin(), v.end(), velocity.right.begin(), 0.0);
-    solution.positionRedundancy = satellites - std::min(satellites, 3 + systems);
-    solution.velocityRedundancy = satellites - std::min(satellites, 4U);
+        m_solution.used.begin(), m_solution.used.end(), [](uint8_t n) { return n != 0; }));
+    const unsigned satellites = m_solution.usedSatellites();
+    m_solution.positionTest =
+        m_position.squares - std::inner_product(x.begin(), x.end(), m_position.right.begin(), 0.0);
+    m_solution.velocityTest =
+        m_velocity.squares - std::inner_product(v.begin(), v.end(), m_velocity.right.begin(), 0.0);
+    m_solution.positionRedundancy = satellites - std::min(satellites, 3 + systems);
+    m_solution.velocityRedundancy = satellites - std::min(satellites, 4U);
 }
 
 Residual Estimator::codeResidual(size_t index) const
 {
-    const Observation& o = observations[index];
-    return residualOf(o.row, o.codeError, o.codeWeight, place.inverse, place.unknowns);
+    const Observation& o = m_observations[index];
+    return residualOf(o.row, o.codeError, o.codeWeight, m_place.inverse, m_place.unknowns);
 }
 
 Residual Estimator::rateResidual(size_t index) const
 {
-    const Observation& o = observations[index];
-    return residualOf(motionOf(o.row), o.rateError, o.rateWeight, speed.inverse, speed.unknowns);
+    const Observation& o = m_observations[index];
+    return residualOf(motionOf(o.row), o.rateError, o.rateWeight, m_speed.inverse,
+                      m_speed.unknowns);
 }
 
 } // namespace tqx::simulation

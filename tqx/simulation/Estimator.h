@@ -71,7 +71,7 @@ public:
 
     void solve(const Truth& truth, const LocalFrame& frame);
 
-    const Solution& getSolution() const { return solution; }
+    const Solution& getSolution() const { return m_solution; }
 
     /// Residuals of the satellite that was the index-th to be added since begin(), from 0.
     Residual codeResidual(size_t index) const;
@@ -100,13 +100,13 @@ private:
         double rateWeight;
     };
 
-    std::vector<Observation> observations;
-    Solved<positionUnknowns> place = {};
-    Solved<4> speed = {};
-    Equations<positionUnknowns> position = {};
-    Equations<positionUnknowns> dilution = {};
-    Equations<4> velocity = {};
-    Solution solution = {};
+    std::vector<Observation> m_observations;
+    Solved<positionUnknowns> m_place = {};
+    Solved<4> m_speed = {};
+    Equations<positionUnknowns> m_position = {};
+    Equations<positionUnknowns> m_dilution = {};
+    Equations<4> m_velocity = {};
+    Solution m_solution = {};
 };
 
 } // namespace tqx::simulation

@@ -51,19 +51,19 @@ LocalFrame::LocalFrame(const Geodetic& place)
     const double cosLat = std::cos(place.latitude);
     const double sinLon = std::sin(place.longitude);
     const double cosLon = std::cos(place.longitude);
-    east = {-sinLon, cosLon, 0};
-    north = {-sinLat * cosLon, -sinLat * sinLon, cosLat};
-    up = {cosLat * cosLon, cosLat * sinLon, sinLat};
+    m_east = {-sinLon, cosLon, 0};
+    m_north = {-sinLat * cosLon, -sinLat * sinLon, cosLat};
+    m_up = {cosLat * cosLon, cosLat * sinLon, sinLat};
 }
 
 Vector LocalFrame::toLocal(const Vector& difference) const
 {
-    return {dot(difference, east), dot(difference, north), dot(difference, up)};
+    return {dot(difference, m_east), dot(difference, m_north), dot(difference, m_up)};
 }
 
 Vector LocalFrame::toEarthFixed(const Vector& local) const
 {
-    return east * local.x + north * local.y + up * local.z;
+    return m_east * local.x + m_north * local.y + m_up * local.z;
 }
 
 Geodetic moved(const Geodetic& place, const Vector& local)

@@ -65,14 +65,14 @@ public:
     Vector toEarthFixed(const Vector& local) const;
 
     /// Directions of length 1, earth-fixed.
-    const Vector& getEast() const { return east; }
-    const Vector& getNorth() const { return north; }
-    const Vector& getUp() const { return up; }
+    const Vector& getEast() const { return m_east; }
+    const Vector& getNorth() const { return m_north; }
+    const Vector& getUp() const { return m_up; }
 
 private:
-    Vector east;
-    Vector north;
-    Vector up;
+    Vector m_east;
+    Vector m_north;
+    Vector m_up;
 };
 
 /// A place `local` metres east, north and up of another.

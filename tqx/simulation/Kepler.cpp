@@ -18,9 +18,10 @@ double meanMotion(const KeplerElements& elements, const EarthModel& model)
 double eccentricAnomaly(double mean, double eccentricity)
 {
     double anomaly = mean;
-    for (int i = 0; i < 5; ++i)
+    for (int i = 0; i < 5; ++i) {
         anomaly -= (anomaly - eccentricity * std::sin(anomaly) - mean) /
                    (1 - eccentricity * std::cos(anomaly));
+    }
     return anomaly;
 }
 

@@ -12,15 +12,15 @@ namespace tqx::simulation
 class Random
 {
 public:
-    explicit Random(uint64_t seed) : generator(seed) {}
+    explicit Random(uint64_t seed) : m_generator(seed) {}
 
     /// From 0 up to but not with 1.
-    double uniform() { return static_cast<double>(generator() >> 11U) * 0x1p-53; }
+    double uniform() { return static_cast<double>(m_generator() >> 11U) * 0x1p-53; }
 
     double uniform(double low, double high) { return low + (high - low) * uniform(); }
 
     /// Below `limit`, which is above 0.
-    uint64_t below(uint64_t limit) { return generator() % limit; }
+    uint64_t below(uint64_t limit) { return m_generator() % limit; }
 
     /// True with the given probability.
     bool chance(double probability) { return uniform() < probability; }
@@ -30,7 +30,7 @@ public:
     double normal(double sigma);
 
 private:
-    std::mt19937_64 generator;
+    std::mt19937_64 m_generator;
 };
 
 /// `value` in whole steps. What goes into a log is a multiple of a step that is far above the

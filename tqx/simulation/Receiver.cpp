@@ -29,23 +29,23 @@ double Sight::elevation() const
 }
 
 Receiver::Receiver(Random& source, const TrackSettings& settings, double start)
-    : random(source), track(settings), initialBias(source.uniform(-3e-4, 3e-4)),
-      clockDrift(source.uniform(-1.5e-7, 1.5e-7)), frame(settings.start)
+    : m_random(source), m_track(settings), m_initialBias(source.uniform(-3e-4, 3e-4)),
+      m_clockDrift(source.uniform(-1.5e-7, 1.5e-7)), m_frame(settings.start)
 {
     for (const NominalSatellite& nominal : nominalSatellites())
-        satellites.push_back(std::make_unique<Satellite>(nominal, source, start));
-    channels.resize(satellites.size());
-    numbersInUse.resize(satellites.size() + 1);
+        m_satellites.push_back(std::make_unique<Satellite>(nominal, source, start));
+    m_channels.resize(m_satellites.size());
+    m_numbersInUse.resize(m_satellites.size() + 1);
 }
 
 /// The clock drifts, and is set by whole milliseconds to stay within half of one.
 void Receiver::advanceClock(double elapsed)
 {
-    clockBias = initialBias + clockDrift * elapsed + clockJumps * 1e-3;
-    while (std::fabs(clockBias) > 5e-4) {
-        const int jump = clockBias > 0 ? -1 : 1;
-        clockJumps += jump;
-        clockBias += jump * 1e-3;
+    m_clockBias = m_initialBias + m_clockDrift * elapsed + m_clockJumps * 1e-3;
+    while (std::fabs(m_clockBias) > 5e-4) {
+        const int jump = m_clockBias > 0 ? -1 : 1;
+        m_clockJumps += jump;
+        m_clockBias += jump * 1e-3;
     }
 }
 
@@ -55,19 +55,20 @@ void Receiver::selectCandidates(double now)
 {
     constexpr double interval = 30;
     constexpr double margin = 2 / degrees; // what a satellite rises in that time, and more
-    if (now < candidatesUntil)
+    if (now < m_candidatesUntil)
         return;
-    candidatesUntil = now + interval;
-    candidates.clear();
-    for (size_t i = 0; i < satellites.size(); ++i) {
-        satellites[i]->moveTo(now);
-        const Vector line = satellites[i]->stateAt(now).motion.position - antenna.position;
+    m_candidatesUntil = now + interval;
+    m_candidates.clear();
+    for (size_t i = 0; i < m_satellites.size(); ++i) {
+        m_satellites[i]->moveTo(now);
+        const Vector line = m_satellites[i]->stateAt(now).motion.position - m_antenna.position;
         const bool isNear =
-            dot(line, frame.getUp()) > std::sin(maskElevation / degrees - margin) * length(line);
-        if (isNear)
-            candidates.push_back(i);
-        else if (channels[i].number != 0)
-            numbersInUse[std::exchange(channels[i].number, uint8_t{0})] = false;
+            dot(line, m_frame.getUp()) > std::sin(maskElevation / degrees - margin) * length(line);
+        if (isNear) {
+            m_candidates.push_back(i);
+        } else if (m_channels[i].number != 0) {
+            m_numbersInUse[std::exchange(m_channels[i].number, uint8_t{0})] = false;
+        }
     }
 }
 
@@ -80,7 +81,7 @@ Receiver::Geometry Receiver::geometry(const Satellite& satellite, double& flight
     Vector speed = {};
     Vector sweep = {};
     for (int i = 0; i < 2; ++i) {
-        view.sent = satellite.stateAt(time - flight);
+        view.sent = satellite.stateAt(m_time - flight);
         const double turn = earthRotation * flight;
         const double sine = std::sin(turn);
         const double cosine = std::cos(turn);
@@ -88,7 +89,7 @@ Receiver::Geometry Receiver::geometry(const Satellite& satellite, double& flight
             return Vector{v.x * cosine + v.y * sine, v.y * cosine - v.x * sine, v.z};
         };
         const Vector position = turned(view.sent.motion.position);
-        line = position - antenna.position;
+        line = position - m_antenna.position;
         speed = turned(view.sent.motion.velocity);
         sweep = {position.y * earthRotation, -position.x * earthRotation, 0};
         view.range = length(line);
@@ -96,22 +97,22 @@ Receiver::Geometry Receiver::geometry(const Satellite& satellite, double& flight
     }
     const Vector towards = line * (1 / view.range);
     view.rangeRate =
-        dot(towards, speed - antenna.velocity) / (1 + dot(towards, speed - sweep) / speedOfLight);
-    view.direction = frame.toLocal(towards);
+        dot(towards, speed - m_antenna.velocity) / (1 + dot(towards, speed - sweep) / speedOfLight);
+    view.direction = m_frame.toLocal(towards);
     return view;
 }
 
 void Receiver::startTracking(Channel& channel, const Epoch& epoch)
 {
     size_t number = 1;
-    while (numbersInUse[number])
+    while (m_numbersInUse[number])
         ++number;
-    numbersInUse[number] = true;
+    m_numbersInUse[number] = true;
     channel.number = static_cast<uint8_t>(number);
     channel.since = epoch.elapsed == 0 ? -warmUp : epoch.elapsed;
     channel.isNew = true;
     for (double& ambiguity : channel.ambiguities)
-        ambiguity = static_cast<double>(random.below(2000)) - 1000;
+        ambiguity = static_cast<double>(m_random.below(2000)) - 1000;
 }
 
 Signal Receiver::measure(const Sight& sight, const Geometry& view, Channel& channel, unsigned index,
@@ -126,24 +127,24 @@ Signal Receiver::measure(const Sight& sight, const Geometry& view, Channel& chan
     const double wavelength = speedOfLight / signal.frequency;
     const double ratio = referenceFrequency / signal.frequency;
     const double delay = ionosphere * ratio * ratio;
-    const double clocks = clockBias - view.sent.clock + satellite.getDelays()[index] +
+    const double clocks = m_clockBias - view.sent.clock + satellite.getDelays()[index] +
                           systemDelays[indexOf(satellite.getSystem())];
     const double path =
-        view.range + speedOfLight * clocks + zenithDelay * troposphericMapping(view.direction.z);
+        view.range + speedOfLight * clocks + m_zenithDelay * troposphericMapping(view.direction.z);
 
-    const double kept = channel.isNew ? 0 : reflectionsKept;
+    const double kept = channel.isNew ? 0 : m_reflectionsKept;
     double& reflection = channel.reflections[index];
     reflection =
-        reflection * kept + random.normal(plan.codeNoise * Estimator::reflectionShare * lowness) *
+        reflection * kept + m_random.normal(plan.codeNoise * Estimator::reflectionShare * lowness) *
                                 std::sqrt(1 - kept * kept);
-    signal.codeError = random.normal(plan.codeNoise * lowness) + reflection;
+    signal.codeError = m_random.normal(plan.codeNoise * lowness) + reflection;
     signal.code = path + delay + signal.codeError;
     signal.phase =
-        (path - delay) / wavelength + channel.ambiguities[index] + random.normal(0.005 * lowness);
-    signal.rangeRateError = random.normal(Estimator::rangeRateNoise * lowness);
-    const double drift = clockDrift - view.sent.clockDrift;
+        (path - delay) / wavelength + channel.ambiguities[index] + m_random.normal(0.005 * lowness);
+    signal.rangeRateError = m_random.normal(Estimator::rangeRateNoise * lowness);
+    const double drift = m_clockDrift - view.sent.clockDrift;
     signal.doppler = -(view.rangeRate + speedOfLight * drift + signal.rangeRateError) / wavelength;
-    signal.cn0 = 36.5 + 14 * view.direction.z - plan.loss + random.normal(0.4);
+    signal.cn0 = 36.5 + 14 * view.direction.z - plan.loss + m_random.normal(0.4);
     return signal;
 }
 
@@ -152,20 +153,21 @@ void Receiver::observe(const Satellite& satellite, Channel& channel, const Geome
 {
     const double sine = view.direction.z;
     const double level = std::sqrt(1 - sine * sine);
-    Sight& sight = sights.emplace_back();
+    Sight& sight = m_sights.emplace_back();
     sight.satellite = &satellite;
     sight.channel = channel.number;
     sight.lockTime = epoch.elapsed - channel.since;
     sight.direction = view.direction;
-    sight.rising = dot(view.sent.motion.velocity, frame.getUp()) > sine * view.rangeRate;
+    sight.rising = dot(view.sent.motion.velocity, m_frame.getUp()) > sine * view.rangeRate;
     sight.rangeRate = view.rangeRate;
     sight.sent = view.sent;
     const Direction direction = {sine, view.direction.y / level, view.direction.x / level};
-    const double ionosphere = ionosphericDelay(place, direction, epoch.tow());
+    const double ionosphere = ionosphericDelay(m_place, direction, epoch.tow());
     const System system = satellite.getSystem();
-    for (unsigned i = 0; i < maxSignals; ++i)
+    for (unsigned i = 0; i < maxSignals; ++i) {
         if (sends(system, satellite.getNumber(), i))
             sight.signals[sight.signalCount++] = measure(sight, view, channel, i, ionosphere);
+    }
     channel.isNew = false;
     sight.used = sight.signalCount > 1;
     if (!sight.used)
@@ -173,38 +175,38 @@ void Receiver::observe(const Satellite& satellite, Channel& channel, const Geome
     const Signal& first = sight.signals[0];
     const Signal& second = sight.signals[1];
     const IonoFree weights(first.frequency, second.frequency);
-    estimator.add(system, view.direction,
-                  weights.a * first.codeError + weights.b * second.codeError,
-                  std::hypot(weights.a * first.plan->codeNoise, weights.b * second.plan->codeNoise),
-                  first.rangeRateError);
+    m_estimator.add(
+        system, view.direction, weights.a * first.codeError + weights.b * second.codeError,
+        std::hypot(weights.a * first.plan->codeNoise, weights.b * second.plan->codeNoise),
+        first.rangeRateError);
 }
 
 void Receiver::advance(const Epoch& epoch)
 {
     constexpr double correlation = 90; // seconds over which reflections change
-    reflectionsKept = std::exp((lastElapsed - epoch.elapsed) / correlation);
-    lastElapsed = epoch.elapsed;
+    m_reflectionsKept = std::exp((m_lastElapsed - epoch.elapsed) / correlation);
+    m_lastElapsed = epoch.elapsed;
     advanceClock(epoch.elapsed);
-    time = epoch.time - clockBias;
-    antenna = track.at(epoch.elapsed - clockBias);
-    place = toGeodetic(antenna.position);
-    frame = LocalFrame(place);
-    zenithDelay = zenithTroposphere(place);
-    selectCandidates(time);
-    sights.clear();
-    estimator.begin();
-    for (const size_t i : candidates) {
-        Channel& channel = channels[i];
-        const Geometry view = geometry(*satellites[i], channel.flight);
+    m_time = epoch.time - m_clockBias;
+    m_antenna = m_track.at(epoch.elapsed - m_clockBias);
+    m_place = toGeodetic(m_antenna.position);
+    m_frame = LocalFrame(m_place);
+    m_zenithDelay = zenithTroposphere(m_place);
+    selectCandidates(m_time);
+    m_sights.clear();
+    m_estimator.begin();
+    for (const size_t i : m_candidates) {
+        Channel& channel = m_channels[i];
+        const Geometry view = geometry(*m_satellites[i], channel.flight);
         if (view.direction.z >= std::sin(maskElevation / degrees)) {
             if (channel.number == 0)
                 startTracking(channel, epoch);
-            observe(*satellites[i], channel, view, epoch);
+            observe(*m_satellites[i], channel, view, epoch);
         } else if (channel.number != 0) {
-            numbersInUse[std::exchange(channel.number, uint8_t{0})] = false;
+            m_numbersInUse[std::exchange(channel.number, uint8_t{0})] = false;
         }
     }
-    estimator.solve({antenna, clockBias, clockDrift}, frame);
+    m_estimator.solve({m_antenna, m_clockBias, m_clockDrift}, m_frame);
 }
 
 } // namespace tqx::simulation

@@ -61,16 +61,16 @@ public:
     /// Moves to an epoch; epochs come in order.
     void advance(const Epoch& epoch);
 
-    const std::vector<Sight>& getSights() const { return sights; }
-    const Solution& getSolution() const { return estimator.getSolution(); }
+    const std::vector<Sight>& getSights() const { return m_sights; }
+    const Solution& getSolution() const { return m_estimator.getSolution(); }
     /// Its satellites are those of getSights() that are used, in the same order.
-    const Estimator& getEstimator() const { return estimator; }
-    const Track& getTrack() const { return track; }
+    const Estimator& getEstimator() const { return m_estimator; }
+    const Track& getTrack() const { return m_track; }
     /// True position of the antenna on the ellipsoid.
-    const Geodetic& getPlace() const { return place; }
+    const Geodetic& getPlace() const { return m_place; }
 
     /// Milliseconds by which the clock has been set back or forth, modulo 256.
-    uint8_t getClockJumps() const { return static_cast<uint8_t>(clockJumps & 0xff); }
+    uint8_t getClockJumps() const { return static_cast<uint8_t>(m_clockJumps & 0xff); }
 
     /// Seconds by which the receiver's paths delay the signals of a system against those of GPS.
     static constexpr std::array<double, systemCount> systemDelays = {0, 31.7e-9, 4.3e-9, -12.9e-9};
@@ -107,27 +107,27 @@ private:
     Signal measure(const Sight& sight, const Geometry& view, Channel& channel, unsigned index,
                    double ionosphere);
 
-    Random& random;
-    Track track;
-    std::vector<std::unique_ptr<Satellite>> satellites;
-    std::vector<Channel> channels;  ///< by satellite
-    std::vector<size_t> candidates; ///< satellites that may be above the mask
-    std::vector<bool> numbersInUse;
-    std::vector<Sight> sights;
-    Estimator estimator;
+    Random& m_random;
+    Track m_track;
+    std::vector<std::unique_ptr<Satellite>> m_satellites;
+    std::vector<Channel> m_channels;  ///< by satellite
+    std::vector<size_t> m_candidates; ///< satellites that may be above the mask
+    std::vector<bool> m_numbersInUse;
+    std::vector<Sight> m_sights;
+    Estimator m_estimator;
 
-    double initialBias;   ///< of the clock, seconds
-    double clockDrift;    ///< seconds per second
-    double clockBias = 0; ///< seconds ahead of GPS time
-    int clockJumps = 0;
-    double candidatesUntil = -1e300;
-    double lastElapsed = 0;
-    double reflectionsKept = 0; ///< part of the reflections that the last epoch leaves
-    double time = 0;            ///< true time of the epoch
-    Motion antenna = {};
-    Geodetic place = {};
-    LocalFrame frame;
-    double zenithDelay = 0; ///< of the troposphere, metres
+    double m_initialBias;   ///< of the clock, seconds
+    double m_clockDrift;    ///< seconds per second
+    double m_clockBias = 0; ///< seconds ahead of GPS time
+    int m_clockJumps = 0;
+    double m_candidatesUntil = -1e300;
+    double m_lastElapsed = 0;
+    double m_reflectionsKept = 0; ///< part of the reflections that the last epoch leaves
+    double m_time = 0;            ///< true time of the epoch
+    Motion m_antenna = {};
+    Geodetic m_place = {};
+    LocalFrame m_frame;
+    double m_zenithDelay = 0; ///< of the troposphere, metres
 };
 
 } // namespace tqx::simulation

@@ -16,17 +16,18 @@ class BitWriter
 public:
     void put(uint64_t value, unsigned width)
     {
-        for (unsigned i = width; i-- != 0; ++used) {
-            if (used % 8 == 0)
+        for (unsigned i = width; i-- != 0; ++m_used) {
+            if (m_used % 8 == 0)
                 bytes.push_back(0);
-            bytes.back() = static_cast<uint8_t>(bytes.back() | (value >> i & 1U) << (7 - used % 8));
+            bytes.back() =
+                static_cast<uint8_t>(bytes.back() | (value >> i & 1U) << (7 - m_used % 8));
         }
     }
 
     std::vector<uint8_t> bytes;
 
 private:
-    size_t used = 0;
+    size_t m_used = 0;
 };
 
 /// CRC-24Q.

@@ -63,55 +63,56 @@ Motion circularMotion(const NominalSatellite& nominal, double sinceAlmanac)
 } // namespace
 
 Satellite::Satellite(const NominalSatellite& nominal, Random& random, double start)
-    : system(nominal.system), number(nominal.number), channel(nominal.channel), origin(start),
-      clockBias(rounded(random.uniform(-4e-4, 4e-4), 0x1p-34)),
-      clockDrift(rounded(random.uniform(-1e-11, 1e-11), 0x1p-43)),
-      firstNode(static_cast<int64_t>(std::floor(start / nodeDistance)) - 1)
+    : m_system(nominal.system), m_number(nominal.number), m_channel(nominal.channel),
+      m_origin(start), m_clockBias(rounded(random.uniform(-4e-4, 4e-4), 0x1p-34)),
+      m_clockDrift(rounded(random.uniform(-1e-11, 1e-11), 0x1p-43)),
+      m_firstNode(static_cast<int64_t>(std::floor(start / nodeDistance)) - 1)
 {
     makeDelays(random);
-    if (system == System::Glonass) {
-        lastTime = static_cast<double>(firstNode) * nodeDistance;
+    if (m_system == System::Glonass) {
+        m_lastTime = static_cast<double>(m_firstNode) * nodeDistance;
         NominalSatellite real = nominal;
         real.semiMajorAxis += random.uniform(-3000, 3000);
         real.inclination += random.uniform(-0.5, 0.5);
-        lastMotion = circularMotion(real, lastTime);
+        m_lastMotion = circularMotion(real, m_lastTime);
     } else {
         makeElements(nominal, random);
     }
-    for (size_t i = 0; i < nodes.size(); ++i)
-        nodes[i] = nodeAt(static_cast<double>(firstNode + static_cast<int64_t>(i)) * nodeDistance);
+    for (size_t i = 0; i < m_nodes.size(); ++i)
+        m_nodes[i] =
+            nodeAt(static_cast<double>(m_firstNode + static_cast<int64_t>(i)) * nodeDistance);
 }
 
 /// Rates and corrections as they are seen in broadcast ephemerides, in the steps of the messages.
 void Satellite::makeElements(const NominalSatellite& nominal, Random& random)
 {
-    const bool isGps = system == System::Gps;
+    const bool isGps = m_system == System::Gps;
     const auto any = [&random](double limit, double step) {
         return rounded(random.uniform(-limit, limit), step);
     };
     const double perigee = rounded(random.uniform(-1, 1), 0x1p-31);
     // First the mean way of all satellites of the system, from an almanac that may be old.
-    elements.sqrtA = std::sqrt(nominal.semiMajorAxis);
-    elements.motionCorrection = 1.4e-9;
-    elements.nodeRate = -2.2e-9;
-    elements.ascendingNode = nominal.ascendingNode / 180;
-    elements.meanAnomaly = nominal.latitudeArgument / 180 - perigee;
-    elements = advanced(elements, earthModel(system), origin);
-    elements.sqrtA =
+    m_elements.sqrtA = std::sqrt(nominal.semiMajorAxis);
+    m_elements.motionCorrection = 1.4e-9;
+    m_elements.nodeRate = -2.2e-9;
+    m_elements.ascendingNode = nominal.ascendingNode / 180;
+    m_elements.meanAnomaly = nominal.latitudeArgument / 180 - perigee;
+    m_elements = advanced(m_elements, earthModel(m_system), m_origin);
+    m_elements.sqrtA =
         rounded(std::sqrt(nominal.semiMajorAxis + random.uniform(-1500, 1500)), 0x1p-19);
-    elements.eccentricity =
+    m_elements.eccentricity =
         rounded(isGps ? random.uniform(0.0005, 0.018) : random.uniform(1e-5, 8e-4), 0x1p-33);
-    elements.inclination = (nominal.inclination + random.uniform(-0.8, 0.8)) / 180;
-    elements.perigee = perigee;
-    elements.motionCorrection = rounded(random.uniform(1.1e-9, 1.7e-9), 0x1p-43);
-    elements.nodeRate = rounded(random.uniform(-2.75e-9, -1.7e-9), 0x1p-43);
-    elements.inclinationRate = any(1.6e-10, 0x1p-43);
-    elements.cuc = any(6e-6, 0x1p-29);
-    elements.cus = rounded(random.uniform(2e-6, 1.2e-5), 0x1p-29);
-    elements.crc = rounded(random.uniform(150, 330), 0x1p-5);
-    elements.crs = any(120, 0x1p-5);
-    elements.cic = any(2e-7, 0x1p-29);
-    elements.cis = any(2e-7, 0x1p-29);
+    m_elements.inclination = (nominal.inclination + random.uniform(-0.8, 0.8)) / 180;
+    m_elements.perigee = perigee;
+    m_elements.motionCorrection = rounded(random.uniform(1.1e-9, 1.7e-9), 0x1p-43);
+    m_elements.nodeRate = rounded(random.uniform(-2.75e-9, -1.7e-9), 0x1p-43);
+    m_elements.inclinationRate = any(1.6e-10, 0x1p-43);
+    m_elements.cuc = any(6e-6, 0x1p-29);
+    m_elements.cus = rounded(random.uniform(2e-6, 1.2e-5), 0x1p-29);
+    m_elements.crc = rounded(random.uniform(150, 330), 0x1p-5);
+    m_elements.crs = any(120, 0x1p-5);
+    m_elements.cic = any(2e-7, 0x1p-29);
+    m_elements.cis = any(2e-7, 0x1p-29);
 }
 
 /// The group delay parameters refer to pairs of signals, and the clock to a combination of them in
@@ -119,49 +120,51 @@ void Satellite::makeElements(const NominalSatellite& nominal, Random& random)
 void Satellite::makeDelays(Random& random)
 {
     const auto ratio = [this](unsigned signal) {
-        const double r = frequencyOf(system, channel, 0) / frequencyOf(system, channel, signal);
+        const double r =
+            frequencyOf(m_system, m_channel, 0) / frequencyOf(m_system, m_channel, signal);
         return r * r;
     };
-    groupDelays = {rounded(random.uniform(-8e-9, 8e-9), 1e-10),
-                   rounded(random.uniform(-8e-9, 8e-9), 1e-10)};
-    if (system == System::Gps || system == System::Galileo)
-        for (double& delay : groupDelays)
-            delay = rounded(delay, system == System::Gps ? 0x1p-31 : 0x1p-32);
-    const auto [first, second] = groupDelays;
-    switch (system) {
+    m_groupDelays = {rounded(random.uniform(-8e-9, 8e-9), 1e-10),
+                     rounded(random.uniform(-8e-9, 8e-9), 1e-10)};
+    if (m_system == System::Gps || m_system == System::Galileo) {
+        for (double& delay : m_groupDelays)
+            delay = rounded(delay, m_system == System::Gps ? 0x1p-31 : 0x1p-32);
+    }
+    const auto [first, second] = m_groupDelays;
+    switch (m_system) {
     case System::Gps:
-        delays = {first, ratio(1) * first, ratio(2) * first};
+        m_delays = {first, ratio(1) * first, ratio(2) * first};
         break;
     case System::Glonass:
-        groupDelays[0] = rounded(first, 0x1p-30);
-        delays = {0, groupDelays[0], 0};
+        m_groupDelays[0] = rounded(first, 0x1p-30);
+        m_delays = {0, m_groupDelays[0], 0};
         break;
     case System::Galileo: // first: E1 and E5a, second: E1 and E5b
-        delays = {second, second + (ratio(1) - 1) * first, ratio(2) * second};
+        m_delays = {second, second + (ratio(1) - 1) * first, ratio(2) * second};
         break;
     case System::BeiDou:
-        delays = {first, 0, second};
+        m_delays = {first, 0, second};
         break;
     }
 }
 
 bool Satellite::isGeosynchronous() const
 {
-    return system == System::BeiDou && elements.sqrtA > 6000;
+    return m_system == System::BeiDou && m_elements.sqrtA > 6000;
 }
 
 Satellite::Node Satellite::nodeAt(double time)
 {
-    if (system == System::Glonass) {
-        lastMotion = integrated(lastMotion, lastTime, time);
-        lastTime = time;
-        return {lastMotion, 0, 0};
+    if (m_system == System::Glonass) {
+        m_lastMotion = integrated(m_lastMotion, m_lastTime, time);
+        m_lastTime = time;
+        return {m_lastMotion, 0, 0};
     }
     constexpr double half = 0.5;
-    const EarthModel& model = earthModel(system);
-    const KeplerPoint before = pointAt(elements, model, time - half - origin);
-    const KeplerPoint here = pointAt(elements, model, time - origin);
-    const KeplerPoint after = pointAt(elements, model, time + half - origin);
+    const EarthModel& model = earthModel(m_system);
+    const KeplerPoint before = pointAt(m_elements, model, time - half - m_origin);
+    const KeplerPoint here = pointAt(m_elements, model, time - m_origin);
+    const KeplerPoint after = pointAt(m_elements, model, time + half - m_origin);
     return {{here.position, (after.position - before.position) * (0.5 / half)},
             here.relativity,
             (after.relativity - before.relativity) * (0.5 / half)};
@@ -170,18 +173,18 @@ Satellite::Node Satellite::nodeAt(double time)
 void Satellite::moveTo(double time)
 {
     const auto wanted = static_cast<int64_t>(std::floor(time / nodeDistance)) - 1;
-    for (; firstNode < wanted; ++firstNode) {
-        std::rotate(nodes.begin(), nodes.begin() + 1, nodes.end());
-        nodes.back() = nodeAt(static_cast<double>(firstNode + 4) * nodeDistance);
+    for (; m_firstNode < wanted; ++m_firstNode) {
+        std::rotate(m_nodes.begin(), m_nodes.begin() + 1, m_nodes.end());
+        m_nodes.back() = nodeAt(static_cast<double>(m_firstNode + 4) * nodeDistance);
     }
 }
 
 SatelliteState Satellite::stateAt(double time) const
 {
-    const double place = time / nodeDistance - static_cast<double>(firstNode);
+    const double place = time / nodeDistance - static_cast<double>(m_firstNode);
     const auto index = static_cast<size_t>(std::clamp(place, 0.0, 2.0));
-    const Node& from = nodes[index];
-    const Node& to = nodes[index + 1];
+    const Node& from = m_nodes[index];
+    const Node& to = m_nodes[index + 1];
     const Hermite hermite(place - static_cast<double>(index));
     return {{hermite.value(from.motion.position, from.motion.velocity, to.motion.position,
                            to.motion.velocity),
@@ -189,18 +192,18 @@ SatelliteState Satellite::stateAt(double time) const
                           to.motion.velocity)},
             clockAt(time) + hermite.value(from.relativity, from.relativityRate, to.relativity,
                                           to.relativityRate),
-            clockDrift + hermite.rate(from.relativity, from.relativityRate, to.relativity,
-                                      to.relativityRate)};
+            m_clockDrift + hermite.rate(from.relativity, from.relativityRate, to.relativity,
+                                        to.relativityRate)};
 }
 
 KeplerElements Satellite::elementsAt(double time) const
 {
-    return advanced(elements, earthModel(system), time - origin);
+    return advanced(m_elements, earthModel(m_system), time - m_origin);
 }
 
 Motion Satellite::motionAt(double time) const
 {
-    return integrated(lastMotion, lastTime, time);
+    return integrated(m_lastMotion, m_lastTime, time);
 }
 
 } // namespace tqx::simulation

@@ -29,10 +29,10 @@ public:
     /// Near its nominal place, by how much is random.
     Satellite(const NominalSatellite& nominal, Random& random, double start);
 
-    System getSystem() const { return system; }
-    unsigned getNumber() const { return number; }
-    int getChannel() const { return channel; }
-    uint8_t getSvid() const { return svidOf(system, number); }
+    System getSystem() const { return m_system; }
+    unsigned getNumber() const { return m_number; }
+    int getChannel() const { return m_channel; }
+    uint8_t getSvid() const { return svidOf(m_system, m_number); }
     bool isGeosynchronous() const;
 
     /// Makes stateAt() good for times from a minute before `time` to two minutes behind it. Times
@@ -49,13 +49,13 @@ public:
     Motion motionAt(double time) const;
 
     /// The clock without what changing speed does to it, seconds ahead of GPS time.
-    double clockAt(double time) const { return clockBias + clockDrift * (time - origin); }
-    double getClockDrift() const { return clockDrift; }
+    double clockAt(double time) const { return m_clockBias + m_clockDrift * (time - m_origin); }
+    double getClockDrift() const { return m_clockDrift; }
 
     /// By how many seconds each signal leaves late.
-    const std::array<double, maxSignals>& getDelays() const { return delays; }
+    const std::array<double, maxSignals>& getDelays() const { return m_delays; }
     /// The parameters that tell the delays in navigation messages.
-    const std::array<double, 2>& getGroupDelays() const { return groupDelays; }
+    const std::array<double, 2>& getGroupDelays() const { return m_groupDelays; }
 
 private:
     struct Node {
@@ -68,19 +68,19 @@ private:
     void makeDelays(Random& random);
     Node nodeAt(double time);
 
-    System system;
-    unsigned number;
-    int channel;
-    double origin; ///< reference time of elements and clock
-    KeplerElements elements = {};
-    double clockBias;
-    double clockDrift;
-    std::array<double, maxSignals> delays = {};
-    std::array<double, 2> groupDelays = {};
-    Motion lastMotion = {}; ///< of GLONASS, at lastTime
-    double lastTime = 0;
-    int64_t firstNode;
-    std::array<Node, 4> nodes = {}; ///< a minute apart, nodes[0] at firstNode
+    System m_system;
+    unsigned m_number;
+    int m_channel;
+    double m_origin; ///< reference time of elements and clock
+    KeplerElements m_elements = {};
+    double m_clockBias;
+    double m_clockDrift;
+    std::array<double, maxSignals> m_delays = {};
+    std::array<double, 2> m_groupDelays = {};
+    Motion m_lastMotion = {}; ///< of GLONASS, at lastTime
+    double m_lastTime = 0;
+    int64_t m_firstNode;
+    std::array<Node, 4> m_nodes = {}; ///< a minute apart, nodes[0] at firstNode
 };
 
 } // namespace tqx::simulation

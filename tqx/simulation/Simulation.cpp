@@ -19,9 +19,9 @@ class Simulation
 {
 public:
     Simulation(const SimulationSettings& wanted, Buffer& output)
-        : settings(wanted), random(wanted.seed),
-          log(output, wanted.damage ? std::optional<uint64_t>(~wanted.seed) : std::nullopt),
-          receiver(random, wanted.track, epochAt(0).time)
+        : m_settings(wanted), m_random(wanted.seed),
+          m_log(output, wanted.damage ? std::optional<uint64_t>(~wanted.seed) : std::nullopt),
+          m_receiver(m_random, wanted.track, epochAt(0).time)
     {
     }
 
@@ -34,18 +34,18 @@ private:
     void addBlocks(const Epoch& epoch);
     void addNeighbours(const Epoch& epoch);
 
-    const SimulationSettings& settings;
-    Random random;
-    BlockLog log;
-    Receiver receiver;
-    std::map<uint8_t, int64_t> sentEphemerides; ///< number of the last one by satellite
+    const SimulationSettings& m_settings;
+    Random m_random;
+    BlockLog m_log;
+    Receiver m_receiver;
+    std::map<uint8_t, int64_t> m_sentEphemerides; ///< number of the last one by satellite
 };
 
 Epoch Simulation::epochAt(uint64_t index) const
 {
-    const uint64_t passed = index * settings.periodMillis;
-    const uint64_t tow = settings.towMillis + passed;
-    const auto week = static_cast<uint16_t>(settings.week + tow / millisPerWeek);
+    const uint64_t passed = index * m_settings.periodMillis;
+    const uint64_t tow = m_settings.towMillis + passed;
+    const auto week = static_cast<uint16_t>(m_settings.week + tow / millisPerWeek);
     const auto towMillis = static_cast<uint32_t>(tow % millisPerWeek);
     return {week, towMillis, static_cast<double>(passed) * 1e-3,
             (static_cast<double>(week) - almanacWeek) * secondsPerWeek + towMillis * 1e-3};
@@ -54,21 +54,22 @@ Epoch Simulation::epochAt(uint64_t index) const
 /// Whether an epoch is the first one in its stretch of that many milliseconds.
 bool Simulation::isDue(const Epoch& epoch, uint32_t everyMillis) const
 {
-    return epoch.towMillis % everyMillis < settings.periodMillis;
+    return epoch.towMillis % everyMillis < m_settings.periodMillis;
 }
 
 void Simulation::addNewEphemerides(const Epoch& epoch)
 {
-    for (const Sight& sight : receiver.getSights()) {
+    for (const Sight& sight : m_receiver.getSights()) {
         const Satellite& satellite = *sight.satellite;
         const int64_t index = ephemerisIndex(satellite.getSystem(), epoch.time);
-        const auto [sent, isFirst] = sentEphemerides.try_emplace(satellite.getSvid(), index);
+        const auto [sent, isFirst] = m_sentEphemerides.try_emplace(satellite.getSvid(), index);
         if (!isFirst && std::exchange(sent->second, index) == index)
             continue;
-        if (satellite.getSystem() == System::Glonass)
-            addGlonassEphemeris(log, epoch, satellite);
-        else
-            addKeplerEphemeris(log, epoch, satellite);
+        if (satellite.getSystem() == System::Glonass) {
+            addGlonassEphemeris(m_log, epoch, satellite);
+        } else {
+            addKeplerEphemeris(m_log, epoch, satellite);
+        }
     }
 }
 
@@ -77,30 +78,30 @@ void Simulation::addBlocks(const Epoch& epoch)
     constexpr uint32_t second = 1000;
     constexpr uint32_t almanacCycle = 750 * second; // the pages of GPS come round in it
     if (epoch.elapsed == 0)
-        addSetup(log, epoch, settings.track.start);
-    addMeasurements(log, epoch, receiver);
-    addPosition(log, epoch, receiver);
-    addSensor(log, epoch, receiver.getTrack(), random);
+        addSetup(m_log, epoch, m_settings.track.start);
+    addMeasurements(m_log, epoch, m_receiver);
+    addPosition(m_log, epoch, m_receiver);
+    addSensor(m_log, epoch, m_receiver.getTrack(), m_random);
     addNewEphemerides(epoch);
     if (epoch.elapsed == 0 || isDue(epoch, almanacCycle))
-        addSystemPages(log, epoch, receiver);
+        addSystemPages(m_log, epoch, m_receiver);
     if (isDue(epoch, second)) {
-        addTime(log, epoch);
-        addChannels(log, epoch, receiver);
-        addVisibility(log, epoch, receiver);
-        addSatellitePositions(log, epoch, receiver);
-        addResiduals(log, epoch, receiver);
-        addIntegrity(log, epoch, receiver);
-        addReceiverState(log, epoch, random);
+        addTime(m_log, epoch);
+        addChannels(m_log, epoch, m_receiver);
+        addVisibility(m_log, epoch, m_receiver);
+        addSatellitePositions(m_log, epoch, m_receiver);
+        addResiduals(m_log, epoch, m_receiver);
+        addIntegrity(m_log, epoch, m_receiver);
+        addReceiverState(m_log, epoch, m_random);
     }
     if (isDue(epoch, 5 * second)) {
-        addText(log, epoch, random);
-        addQuality(log, epoch);
+        addText(m_log, epoch, m_random);
+        addQuality(m_log, epoch);
     }
     if (isDue(epoch, 10 * second)) {
-        addTimeOffsets(log, epoch, receiver);
-        addPower(log, epoch, random);
-        addCorrections(log, epoch, settings.track.start);
+        addTimeOffsets(m_log, epoch, m_receiver);
+        addPower(m_log, epoch, m_random);
+        addCorrections(m_log, epoch, m_settings.track.start);
     }
 }
 
@@ -108,25 +109,25 @@ void Simulation::addNeighbours(const Epoch& epoch)
 {
     constexpr uint32_t second = 1000;
     if (epoch.elapsed == 0 || isDue(epoch, 30 * second))
-        addReply(log, epoch, receiver);
-    addPositionSentence(log, epoch, receiver);
+        addReply(m_log, epoch, m_receiver);
+    addPositionSentence(m_log, epoch, m_receiver);
     if (isDue(epoch, 10 * second))
-        addBaseFrames(log, settings.track.start);
+        addBaseFrames(m_log, m_settings.track.start);
 }
 
 void Simulation::run(const AfterEpoch& afterEpoch)
 {
     const auto epochs =
-        static_cast<uint64_t>(std::llround(settings.duration * 1000 / settings.periodMillis));
-    const uint64_t enough = settings.size == 0 ? UINT64_MAX : settings.size;
-    for (uint64_t index = 0; index < epochs && log.getSize() < enough; ++index) {
-        const uint64_t before = log.getSize();
+        static_cast<uint64_t>(std::llround(m_settings.duration * 1000 / m_settings.periodMillis));
+    const uint64_t enough = m_settings.size == 0 ? UINT64_MAX : m_settings.size;
+    for (uint64_t index = 0; index < epochs && m_log.getSize() < enough; ++index) {
+        const uint64_t before = m_log.getSize();
         const Epoch epoch = epochAt(index);
-        receiver.advance(epoch);
+        m_receiver.advance(epoch);
         addBlocks(epoch);
-        if (settings.mixed)
+        if (m_settings.mixed)
             addNeighbours(epoch);
-        if (afterEpoch && !afterEpoch(log.getSize() - before))
+        if (afterEpoch && !afterEpoch(m_log.getSize() - before))
             return;
     }
 }

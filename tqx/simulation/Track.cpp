@@ -13,35 +13,36 @@ constexpr double radius = 200;
 } // namespace
 
 Track::Track(const TrackSettings& wanted)
-    : settings(wanted), speed(wanted.kind == TrackSettings::Kind::Static ? 0 : wanted.speed),
-      start(toEarthFixed(wanted.start)), frame(wanted.start)
+    : m_settings(wanted), m_speed(wanted.kind == TrackSettings::Kind::Static ? 0 : wanted.speed),
+      m_start(toEarthFixed(wanted.start)), m_frame(wanted.start)
 {
-    if (settings.kind == TrackSettings::Kind::Circle)
-        turnRate = speed / radius;
-    if (settings.kind == TrackSettings::Kind::Line)
-        longitudeRate = speed / std::hypot(start.x, start.y);
+    if (m_settings.kind == TrackSettings::Kind::Circle)
+        m_turnRate = m_speed / radius;
+    if (m_settings.kind == TrackSettings::Kind::Line)
+        m_longitudeRate = m_speed / std::hypot(m_start.x, m_start.y);
 }
 
 Motion Track::at(double elapsed) const
 {
-    switch (settings.kind) {
+    switch (m_settings.kind) {
     case TrackSettings::Kind::Static:
         break;
     case TrackSettings::Kind::Circle: {
-        const double angle = std::fmod(turnRate * elapsed, 2 * pi);
+        const double angle = std::fmod(m_turnRate * elapsed, 2 * pi);
         const double sine = std::sin(angle);
         const double cosine = std::cos(angle);
-        return {start + frame.toEarthFixed({radius * sine, radius * (1 - cosine), 0}),
-                frame.toEarthFixed({speed * cosine, speed * sine, 0})};
+        return {m_start + m_frame.toEarthFixed({radius * sine, radius * (1 - cosine), 0}),
+                m_frame.toEarthFixed({m_speed * cosine, m_speed * sine, 0})};
     }
     case TrackSettings::Kind::Line: {
-        const double angle = std::fmod(longitudeRate * elapsed, 2 * pi);
-        const Vector position = {start.x * std::cos(angle) - start.y * std::sin(angle),
-                                 start.y * std::cos(angle) + start.x * std::sin(angle), start.z};
-        return {position, {-position.y * longitudeRate, position.x * longitudeRate, 0}};
+        const double angle = std::fmod(m_longitudeRate * elapsed, 2 * pi);
+        const Vector position = {m_start.x * std::cos(angle) - m_start.y * std::sin(angle),
+                                 m_start.y * std::cos(angle) + m_start.x * std::sin(angle),
+                                 m_start.z};
+        return {position, {-position.y * m_longitudeRate, position.x * m_longitudeRate, 0}};
     }
     }
-    return {start, {0, 0, 0}};
+    return {m_start, {0, 0, 0}};
 }
 
 } // namespace tqx::simulation

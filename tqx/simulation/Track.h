@@ -27,17 +27,17 @@ public:
     Motion at(double elapsed) const;
 
     /// Radians per second by which it turns to the left.
-    double getTurnRate() const { return turnRate; }
+    double getTurnRate() const { return m_turnRate; }
     /// Metres per second.
-    double getSpeed() const { return speed; }
+    double getSpeed() const { return m_speed; }
 
 private:
-    TrackSettings settings;
-    double speed;
-    double turnRate = 0;      ///< in the circle
-    double longitudeRate = 0; ///< on the line, radians per second
-    Vector start;
-    LocalFrame frame;
+    TrackSettings m_settings;
+    double m_speed;
+    double m_turnRate = 0;      ///< in the circle
+    double m_longitudeRate = 0; ///< on the line, radians per second
+    Vector m_start;
+    LocalFrame m_frame;
 };
 
 } // namespace tqx::simulation

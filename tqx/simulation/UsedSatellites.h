@@ -18,9 +18,10 @@ void fillCounts(Record& record, const Solution& solution)
 inline uint32_t usedSignals(const Receiver& receiver)
 {
     uint32_t signals = 0;
-    for (const Sight& sight : receiver.getSights())
+    for (const Sight& sight : receiver.getSights()) {
         for (unsigned i = 0; i < (sight.used ? 2U : 0U); ++i)
             signals |= 1U << sight.signals[i].plan->number;
+    }
     return signals;
 }
 

@@ -16,9 +16,10 @@ Ancestors::Ancestors(const TQX_TypeLayout& type, unsigned revision, unsigned nes
         owner->init(record.data());
         m_surroundings.main = owner;
     }
-    for (size_t i = 1; i < m_records.size(); ++i)
+    for (size_t i = 1; i < m_records.size(); ++i) {
         static_cast<KorcgHeader_s*>(static_cast<void*>(m_records[i - 1].data()))->korcg_father =
             m_records[i].data();
+    }
     if (m_records.empty())
         return;
     auto* main = reinterpret_cast<uint8_t*>(m_records.back().data());
@@ -42,8 +43,9 @@ int32_t decodeAlone(const TQX_TypeLayout& type, TQX_Context_s* context, const ui
         int32_t (*)(TQX_Context_s*, const uint8_t*, uint16_t, uint32_t*, void*, uint32_t, void*);
     static std::map<uint16_t, Decoder> decoders;
     Decoder& decoder = decoders[type.recordType];
-    if (decoder == nullptr)
+    if (decoder == nullptr) {
         decoder = reinterpret_cast<Decoder>(
             dlsym(RTLD_DEFAULT, (std::string("TQX_decode_") + type.name).c_str()));
+    }
     return decoder(context, buffer, size, offset, father, explicitLength, record);
 }

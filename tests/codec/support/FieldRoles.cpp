@@ -8,9 +8,10 @@ namespace
 // The length of nested entries stands in the main block.
 const TQX_FieldLayout* nestedSizedBy(const TQX_TypeLayout& sub, int row)
 {
-    for (int i = 0; i < sub.fieldCount; ++i)
+    for (int i = 0; i < sub.fieldCount; ++i) {
         if (sub.fields[i].lengthInMain && sub.fields[i].length == row)
             return &sub.fields[i];
+    }
     return nullptr;
 }
 
@@ -22,10 +23,11 @@ uint32_t roomOf(const TQX_FieldLayout& field)
 std::vector<const TQX_TypeLayout*> layouts(bool mainsOnly)
 {
     std::vector<const TQX_TypeLayout*> types;
-    for (uint32_t record = 1; record <= 382; ++record)
+    for (uint32_t record = 1; record <= 382; ++record) {
         if (const TQX_TypeLayout* type = TQX_layout(record);
             type != nullptr && (!mainsOnly || type->blockNumber != 0))
             types.push_back(type);
+    }
     return types;
 }
 
@@ -44,9 +46,10 @@ FieldRole findRole(const TQX_TypeLayout& type, int row)
         if (other.presence != TQX_Presence::Selected)
             continue;
         const TQX_FieldLayout& selector = type.fields[other.selector];
-        if (other.selector == row || selector.parent == row)
+        if (other.selector == row || selector.parent == row) {
             role.choices.push_back({(~uint64_t{0} >> (64U - selector.width)) << selector.shift,
                                     uint64_t{other.presenceValue} << selector.shift});
+        }
     }
     return role;
 }
@@ -54,9 +57,10 @@ FieldRole findRole(const TQX_TypeLayout& type, int row)
 std::vector<std::vector<FieldRole>> allRoles()
 {
     std::vector<std::vector<FieldRole>> roles(383);
-    for (const TQX_TypeLayout* type : allTypes())
+    for (const TQX_TypeLayout* type : allTypes()) {
         for (int row = 0; row < type->fieldCount; ++row)
             roles[type->recordType].push_back(findRole(*type, row));
+    }
     return roles;
 }
 
@@ -82,9 +86,11 @@ const std::vector<const TQX_TypeLayout*>& mainTypes()
 
 const TQX_TypeLayout* ownerOf(const TQX_TypeLayout& type)
 {
-    for (const TQX_TypeLayout* owner : allTypes())
-        for (int i = 0; i < owner->fieldCount; ++i)
+    for (const TQX_TypeLayout* owner : allTypes()) {
+        for (int i = 0; i < owner->fieldCount; ++i) {
             if (owner->fields[i].recordType == type.recordType && holdsEntries(owner->fields[i]))
                 return owner;
+        }
+    }
     return nullptr;
 }

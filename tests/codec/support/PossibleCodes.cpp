@@ -42,9 +42,10 @@ bool canOverflowBuffer(const TQX_TypeLayout& type, int row, Direction direction)
             field.presenceValue != type.highestRevision)
             return false;
     }
-    for (uint32_t room = 0; room < TQX_elementSize(field); ++room)
+    for (uint32_t room = 0; room < TQX_elementSize(field); ++room) {
         if (hasLastWord(type, row, room, direction))
             return true;
+    }
     return false;
 }
 

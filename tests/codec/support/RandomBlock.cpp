@@ -63,9 +63,10 @@ bool Builder::isWanted(const TQX_TypeLayout& type, const TQX_FieldLayout& field,
     if (field.presence == TQX_Presence::Selected) {
         const TQX_FieldLayout& selector = type.fields[field.selector];
         uint64_t value = values[static_cast<size_t>(field.selector)];
-        if (selector.kind == TQX_FieldKind::Bits)
+        if (selector.kind == TQX_FieldKind::Bits) {
             value = values[static_cast<size_t>(selector.parent)] >> selector.shift &
                     (~uint64_t{0} >> (64U - selector.width));
+        }
         return value == field.presenceValue;
     }
     return field.presence == TQX_Presence::SinceRevision
@@ -146,9 +147,10 @@ void Builder::record(const TQX_TypeLayout& type, uint64_t length)
             put(values[at], TQX_elementSize(field));
         } else {
             uint64_t size = uint64_t{field.elements} * TQX_elementSize(field);
-            if (field.count >= 0)
+            if (field.count >= 0) {
                 size = values[static_cast<size_t>(field.count)] *
                        (field.countsBytes ? 1 : TQX_elementSize(field));
+            }
             for (uint64_t i = 0; i < size; ++i)
                 put(any(8), 1);
         }

@@ -23,14 +23,15 @@ public:
             const TQX_FieldLayout& field = type.fields[row];
             if (field.presence == TQX_Presence::Selected && !TQX_isPresent(type, field, record))
                 continue;
-            if (field.kind == TQX_FieldKind::Value)
+            if (field.kind == TQX_FieldKind::Value) {
                 value(type, row, record);
-            else if (field.kind == TQX_FieldKind::Embedded)
+            } else if (field.kind == TQX_FieldKind::Embedded) {
                 fill(*TQX_layout(field.recordType), TQX_element(field, record));
-            else if (field.kind == TQX_FieldKind::Blocks)
+            } else if (field.kind == TQX_FieldKind::Blocks) {
                 entries(field, record);
-            else if (isOnWire(field))
+            } else if (isOnWire(field)) {
                 array(field, record);
+            }
         }
     }
 

@@ -151,9 +151,10 @@ struct Reader {
         const uint64_t count =
             field.kind == TQX_FieldKind::Blocks ? valueOf(type, field.count, entry) : 1;
         uint64_t length = 0;
-        if (field.length >= 0)
+        if (field.length >= 0) {
             length = field.lengthInMain ? valueOf(*main, field.length, *mainEntry)
                                         : valueOf(type, field.length, entry);
+        }
         for (uint64_t i = 0; i < count; ++i) {
             Reader inner = *this;
             inner.main = main == nullptr ? &type : main;

@@ -33,9 +33,10 @@ std::string itemsText(const ArrowSchema& schema, const ArrowArray& array, size_t
     if (end > asSize(array.children[0]->length))
         return "<list out of range>";
     std::string text = "[";
-    for (size_t item = begin; item < end; ++item)
+    for (size_t item = begin; item < end; ++item) {
         text +=
             (item == begin ? "" : ",") + arrowText(*schema.children[0], *array.children[0], item);
+    }
     return text + "]";
 }
 
@@ -100,9 +101,10 @@ std::string arrowText(const ArrowSchema& schema, const ArrowArray& array, size_t
     }
     if (format == "u")
         return quoted(stringAt(array, row));
-    if (format == "+l")
+    if (format == "+l") {
         return itemsText(schema, array, asSize(valueAt<int32_t>(array.buffers[1], row)),
                          asSize(valueAt<int32_t>(array.buffers[1], row + 1)));
+    }
     if (format.substr(0, 3) == "+w:") {
         const size_t size = std::stoul(format.substr(3));
         return itemsText(schema, array, row * size, (row + 1) * size);
@@ -110,9 +112,10 @@ std::string arrowText(const ArrowSchema& schema, const ArrowArray& array, size_t
     if (format != "+s")
         return numberText(format[0], array.buffers[1], row);
     std::string text = "{";
-    for (int64_t i = 0; i < schema.n_children; ++i)
+    for (int64_t i = 0; i < schema.n_children; ++i) {
         text += (i == 0 ? "" : ",") + std::string(schema.children[i]->name) + "=" +
                 arrowText(*schema.children[i], *array.children[i], row);
+    }
     return text + "}";
 }
 
@@ -140,8 +143,9 @@ std::string metadataOf(const ArrowSchema& schema, const std::string& key)
 
 int findColumn(const ArrowSchema& table, const std::string& name)
 {
-    for (int64_t i = 0; i < table.n_children; ++i)
+    for (int64_t i = 0; i < table.n_children; ++i) {
         if (table.children[i]->name == name)
             return static_cast<int>(i);
+    }
     return -1;
 }

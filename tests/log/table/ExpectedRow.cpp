@@ -67,9 +67,10 @@ std::string integerText(const TQX_FieldLayout& field, const TQX_FieldFacts& fact
     if (values == Values::Stored)
         return digits;
     if (const TQX_NamedValues names = TQX_namedValues(facts); !names.empty()) {
-        for (const TQX_NamedValue named : names)
+        for (const TQX_NamedValue named : names) {
             if (static_cast<uint64_t>(named.value) == bits)
                 return quoted(std::string(named.name));
+        }
         return quoted(digits);
     }
     if (TQX_scale(facts) == 0)
@@ -109,19 +110,21 @@ std::string fieldText(const TQX_TypeLayout& type, uint32_t row, const void* reco
     };
     if (field.kind == TQX_FieldKind::Embedded)
         return entryText(0);
-    if (field.kind == TQX_FieldKind::Text || field.kind == TQX_FieldKind::CountedText)
+    if (field.kind == TQX_FieldKind::Text || field.kind == TQX_FieldKind::CountedText) {
         return latin1(static_cast<const char*>(TQX_element(field, record)),
                       TQX_elementCount(type, field, record) - 1);
+    }
     const bool isPart = field.kind == TQX_FieldKind::Bits;
     const TQX_FieldKind kind = isPart ? type.fields[field.parent].kind : field.kind;
     if (kind == TQX_FieldKind::Value || kind == TQX_FieldKind::Derived)
         return numberText(type, row, record, 0, values);
     std::string text = "[";
     const uint32_t count = TQX_elementCount(type, field, record);
-    for (uint32_t i = 0; i < count; ++i)
+    for (uint32_t i = 0; i < count; ++i) {
         text += (i == 0 ? "" : ",") + (kind == TQX_FieldKind::Blocks
                                            ? entryText(i)
                                            : numberText(type, row, record, i, values));
+    }
     return text + "]";
 }
 
@@ -145,9 +148,10 @@ void append(std::string& text, const std::string& name, const std::string& value
 std::string expectedFields(const TQX_TypeLayout& type, const void* record, Values values)
 {
     std::string text;
-    for (uint32_t row = 0; row < type.fieldCount; ++row)
+    for (uint32_t row = 0; row < type.fieldCount; ++row) {
         if (isShown(type, type.fields[row]))
             append(text, type.fields[row].name, fieldText(type, row, record, values));
+    }
     return text;
 }
 
@@ -155,10 +159,12 @@ std::string expectedIdentity(const TQX_TypeLayout& type, const void* record,
                              const std::string& prefix)
 {
     std::string text;
-    for (uint32_t row = 0; row < type.fieldCount; ++row)
-        if (TQX_fieldFacts(type.recordType)[row].has(TQX_FieldFacts::Identifying))
+    for (uint32_t row = 0; row < type.fieldCount; ++row) {
+        if (TQX_fieldFacts(type.recordType)[row].has(TQX_FieldFacts::Identifying)) {
             append(text, prefix + type.fields[row].name,
                    fieldText(type, row, record, Values::Shown));
+        }
+    }
     return text;
 }
 

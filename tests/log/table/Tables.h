@@ -16,16 +16,18 @@ public:
     WholeTable(const Kor::MessageApi::TQX_TypeLayout& type, const tqx::TableOptions& options,
                const std::vector<Bytes>& blocks, uint8_t week = 0)
         : schema(std::make_shared<const tqx::TableSchema>(type, options)),
-          builder(schema, [this](const tqx::TableBlock&, int32_t code) { refused.push_back(code); })
+          m_builder(schema,
+                    [this](const tqx::TableBlock&, int32_t code) { refused.push_back(code); })
     {
         schema->exportTo(columns);
         std::vector<tqx::TableBlock> views;
-        for (const Bytes& block : blocks)
+        for (const Bytes& block : blocks) {
             views.push_back({block.data(), static_cast<uint16_t>(block.size()), week,
                              100 + views.size(), "day.tqx"});
+        }
         for (size_t taken = 0; taken < views.size();) {
-            taken += builder.append(views.data() + taken, views.size() - taken);
-            builder.finish(batches.emplace_back());
+            taken += m_builder.append(views.data() + taken, views.size() - taken);
+            m_builder.finish(batches.emplace_back());
         }
     }
 
@@ -42,9 +44,10 @@ public:
     std::vector<std::string> rows() const
     {
         std::vector<std::string> texts;
-        for (const ArrowArray& batch : batches)
+        for (const ArrowArray& batch : batches) {
             for (int64_t row = 0; row < batch.length; ++row)
                 texts.push_back(arrowText(columns, batch, static_cast<size_t>(row)));
+        }
         return texts;
     }
 
@@ -53,10 +56,12 @@ public:
     {
         std::vector<std::string> texts;
         const int index = findColumn(columns, name);
-        for (const ArrowArray& batch : batches)
-            for (int64_t row = 0; index >= 0 && row < batch.length; ++row)
+        for (const ArrowArray& batch : batches) {
+            for (int64_t row = 0; index >= 0 && row < batch.length; ++row) {
                 texts.push_back(arrowText(*columns.children[index], *batch.children[index],
                                           static_cast<size_t>(row)));
+            }
+        }
         return texts;
     }
 
@@ -71,5 +76,5 @@ public:
     std::vector<ArrowArray> batches;
 
 private:
-    tqx::TableBuilder builder;
+    tqx::TableBuilder m_builder;
 };

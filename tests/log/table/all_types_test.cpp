@@ -99,9 +99,10 @@ void addSubRows(const std::vector<const TQX_FieldLayout*>& path, size_t depth,
     const std::string identity = expectedIdentity(type, record, prefix);
     const std::string next = before + (identity.empty() ? "" : ",") + identity;
     const uint32_t count = TQX_elementCount(type, field, record);
-    for (uint32_t i = 0; i < count; ++i)
+    for (uint32_t i = 0; i < count; ++i) {
         addSubRows(path, depth + 1, *TQX_layout(field.recordType), TQX_element(field, record, i),
                    prefix + field.name + ".", next, rows);
+    }
 }
 
 void checkSubRows(const TQX_TypeLayout& main, std::vector<const TQX_FieldLayout*>& path,
@@ -118,12 +119,14 @@ void checkSubRows(const TQX_TypeLayout& main, std::vector<const TQX_FieldLayout*
         SCOPED_TRACE(options.rows);
         std::vector<std::string> expected;
         AnyRecord record;
-        for (size_t i = 0; i < blocks.size(); ++i)
-            if (record.decode(blocks[i]) > 0)
+        for (size_t i = 0; i < blocks.size(); ++i) {
+            if (record.decode(blocks[i]) > 0) {
                 addSubRows(path, 0, main, record.get(), "",
                            "{time=" + expectedTime(record.get()) +
                                ",offset=" + std::to_string(100 + i),
                            expected);
+            }
+        }
         const WholeTable table(main, options, blocks);
         ASSERT_EQ(table.rows(), expected);
         ++paths;

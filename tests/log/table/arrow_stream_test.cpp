@@ -97,9 +97,10 @@ std::vector<std::string> rowsOf(const tqx::TableSchema& schema, tqx::TableStream
     std::vector<std::string> rows;
     ArrowSchema columns;
     schema.exportTo(columns);
-    for (ArrowArray batch; table.next(batch); batch.release(&batch))
+    for (ArrowArray batch; table.next(batch); batch.release(&batch)) {
         for (int64_t row = 0; row < batch.length; ++row)
             rows.push_back(arrowText(columns, batch, static_cast<size_t>(row)));
+    }
     columns.release(&columns);
     return rows;
 }
@@ -154,26 +155,26 @@ class GivenInput : public tqx::TableInput
 {
 public:
     GivenInput(size_t blocks, std::string failure)
-        : count(blocks), error(std::move(failure)), block(position(1000, 0.5))
+        : m_count(blocks), m_error(std::move(failure)), m_block(position(1000, 0.5))
     {
     }
 
     size_t read(tqx::TableBlock* blocks, size_t capacity) override
     {
-        if (given == count && !error.empty())
-            throw tqx::SourceError(error);
-        const size_t now = std::min({capacity, count - given, size_t{2}});
+        if (m_given == m_count && !m_error.empty())
+            throw tqx::SourceError(m_error);
+        const size_t now = std::min({capacity, m_count - m_given, size_t{2}});
         for (size_t i = 0; i < now; ++i)
-            blocks[i] = {block.data(), static_cast<uint16_t>(block.size()), 0, given + i, {}};
-        given += now;
+            blocks[i] = {m_block.data(), static_cast<uint16_t>(m_block.size()), 0, m_given + i, {}};
+        m_given += now;
         return now;
     }
 
 private:
-    size_t count;
-    std::string error;
-    Bytes block;
-    size_t given = 0;
+    size_t m_count;
+    std::string m_error;
+    Bytes m_block;
+    size_t m_given = 0;
 };
 
 ArrowArrayStream streamOf(size_t blocks, const std::string& failure)

@@ -35,9 +35,10 @@ TEST(Example, ThePlanOfARecord)
     };
 
     const RecordPlan plan = planRecord(*TQX_layout(type), FieldFilter(), ShownFields::All);
-    for (const RecordPlan::Member& member : plan.members)
+    for (const RecordPlan::Member& member : plan.members) {
         if (member.kind == RecordPlan::Kind::Number)
             show(loadWord(TQX_element(*member.field, record), member.size), member.parts);
+    }
 
     EXPECT_GE(values, 10U); // the header alone has as many
     EXPECT_TRUE(plan.isWhole);
@@ -71,16 +72,16 @@ class GivenInput : public TableInput
 public:
     size_t read(TableBlock* blocks, size_t) override
     {
-        if (given == 3)
+        if (m_given == 3)
             return 0;
-        ++given;
-        *blocks = blocksOver(bytes)[0];
+        ++m_given;
+        *blocks = blocksOver(m_bytes)[0];
         return 1;
     }
 
 private:
-    std::vector<uint8_t> bytes = madeBlock<TQX_EndOfMeas_s>([](TQX_EndOfMeas_s&) {});
-    int given = 0;
+    std::vector<uint8_t> m_bytes = madeBlock<TQX_EndOfMeas_s>([](TQX_EndOfMeas_s&) {});
+    int m_given = 0;
 };
 
 TEST(Example, ATableBatchByBatch)

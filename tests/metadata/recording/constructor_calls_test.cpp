@@ -57,11 +57,14 @@ Lines buildAndDestroy(uint32_t recordType, unsigned index, const TQX_FieldFacts&
 /// The first scale, in the order of the types, that is `scale`.
 uint16_t scaleIndex(double scale)
 {
-    for (uint32_t recordType = 1; const TQX_TypeLayout* type = TQX_layout(recordType); ++recordType)
-        for (int i = 0; i < type->fieldCount; ++i)
+    for (uint32_t recordType = 1; const TQX_TypeLayout* type = TQX_layout(recordType);
+         ++recordType) {
+        for (int i = 0; i < type->fieldCount; ++i) {
             if (const TQX_FieldFacts& facts = TQX_fieldFacts(recordType)[i];
                 TQX_scale(facts) == scale)
                 return facts.scale;
+        }
+    }
     ADD_FAILURE() << "no field has the scale " << scale;
     return 0;
 }

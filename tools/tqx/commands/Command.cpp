@@ -17,10 +17,10 @@ namespace tqx::tool
 
 Command::Command(CLI::App& program, const std::string& name, const std::string& description,
                  const std::string& examples)
-    : app(*program.add_subcommand(name, description))
+    : m_app(*program.add_subcommand(name, description))
 {
-    app.group("Commands");
-    app.footer("Examples:\n" + examples);
+    m_app.group("Commands");
+    m_app.footer("Examples:\n" + examples);
 }
 
 std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program)

@@ -23,14 +23,14 @@ public:
     virtual ExitStatus run() = 0;
 
     /// The command as it is declared to the parser of arguments.
-    CLI::App& getApp() const { return app; }
+    CLI::App& getApp() const { return m_app; }
 
 protected:
     /// `examples` are lines for the end of the help text.
     Command(CLI::App& program, const std::string& name, const std::string& description,
             const std::string& examples);
 
-    CLI::App& app;
+    CLI::App& m_app;
 };
 
 /// All commands, in the order of the help text.

@@ -12,15 +12,15 @@ namespace
 class Copies : public BlockConsumer
 {
 public:
-    explicit Copies(Buffer& buffer) : out(buffer) {}
+    explicit Copies(Buffer& buffer) : m_out(buffer) {}
 
     void take(BlockStream&, const Block& block) override
     {
-        out.append(reinterpret_cast<const char*>(block.data), block.size);
+        m_out.append(reinterpret_cast<const char*>(block.data), block.size);
     }
 
 private:
-    Buffer& out;
+    Buffer& m_out;
 };
 
 } // namespace
@@ -35,20 +35,20 @@ CutCommand::CutCommand(CLI::App& program)
           "Only blocks with a sound checksum are copied; what they hold is not looked at, unless\n"
           "--where asks for it. See tqx help dump for times and conditions.\n")
 {
-    streams.addInputs(app);
-    streams.addDamageReport(app);
-    streams.addSelection(app);
-    app.add_option("-o,--output", target, "File to write instead of standard output")
+    m_streams.addInputs(m_app);
+    m_streams.addDamageReport(m_app);
+    m_streams.addSelection(m_app);
+    m_app.add_option("-o,--output", m_target, "File to write instead of standard output")
         ->type_name("FILE");
 }
 
 ExitStatus CutCommand::run()
 {
-    streams.checkBefore(target);
-    refuseTerminal(target);
-    Output output(target);
+    m_streams.checkBefore(m_target);
+    refuseTerminal(m_target);
+    Output output(m_target);
     Copies copies(output.getBuffer());
-    return streams.read(copies, output);
+    return m_streams.read(copies, output);
 }
 
 } // namespace tqx::tool

@@ -16,8 +16,8 @@ public:
     ExitStatus run() override;
 
 private:
-    StreamOptions streams;
-    std::string target = "-";
+    StreamOptions m_streams;
+    std::string m_target = "-";
 };
 
 } // namespace tqx::tool

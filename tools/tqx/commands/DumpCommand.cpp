@@ -25,30 +25,30 @@ namespace
 class RawJsonWriter : public BlockWriter
 {
 public:
-    explicit RawJsonWriter(const FieldFilter& filter) : json(filter) {}
-    void write(Buffer& out, const DecodedBlock& decoded) override { json.write(out, decoded); }
+    explicit RawJsonWriter(const FieldFilter& filter) : m_json(filter) {}
+    void write(Buffer& out, const DecodedBlock& decoded) override { m_json.write(out, decoded); }
     void writeOther(Buffer& out, const DecodedBlock& decoded) override
     {
-        json.writeBytes(out, decoded.block);
+        m_json.writeBytes(out, decoded.block);
     }
 
 private:
-    RawJson json;
+    RawJson m_json;
 };
 
 /// Scaled values and names as JSON Lines.
 class ValueJsonWriter : public BlockWriter
 {
 public:
-    explicit ValueJsonWriter(const FieldFilter& filter) : json(filter) {}
-    void write(Buffer& out, const DecodedBlock& decoded) override { json.write(out, decoded); }
+    explicit ValueJsonWriter(const FieldFilter& filter) : m_json(filter) {}
+    void write(Buffer& out, const DecodedBlock& decoded) override { m_json.write(out, decoded); }
     void writeOther(Buffer& out, const DecodedBlock& decoded) override
     {
-        json.writeBytes(out, decoded);
+        m_json.writeBytes(out, decoded);
     }
 
 private:
-    ValueJson json;
+    ValueJson m_json;
 };
 
 /// Paragraphs for people.
@@ -56,22 +56,22 @@ class TextWriter : public BlockWriter
 {
 public:
     TextWriter(const FieldFilter& filter, bool raw)
-        : paragraph(filter, raw ? Paragraph::Values::Stored : Paragraph::Values::Scaled)
+        : m_paragraph(filter, raw ? Paragraph::Values::Stored : Paragraph::Values::Scaled)
     {
     }
     void write(Buffer& out, const DecodedBlock& decoded) override
     {
-        paragraph.write(out, decoded.block, decoded.record);
+        m_paragraph.write(out, decoded.block, decoded.record);
     }
     void writeOther(Buffer& out, const DecodedBlock& decoded) override
     {
         // Nothing stands for a block of a known type that did not decode.
         if (TQX_recordType(decoded.block.getNumber()) == 0)
-            paragraph.writeTitle(out, decoded.block);
+            m_paragraph.writeTitle(out, decoded.block);
     }
 
 private:
-    Paragraph paragraph;
+    Paragraph m_paragraph;
 };
 
 } // namespace
@@ -107,46 +107,49 @@ DumpCommand::DumpCommand(CLI::App& program)
           "\n" +
               std::string(SelectionOptions::notes))
 {
-    streams.addInputs(app);
-    streams.addDamageReport(app);
-    streams.addSelection(app);
-    app.add_option("--format", format, "How to write them")
+    m_streams.addInputs(m_app);
+    m_streams.addDamageReport(m_app);
+    m_streams.addSelection(m_app);
+    m_app.add_option("--format", m_format, "How to write them")
         ->transform(CLI::IsMember({"text", "jsonl", "csv"}, CLI::ignore_case).description(""))
         ->type_name("text|jsonl|csv")
         ->capture_default_str();
-    app.add_flag("--raw", raw, "Values as they are stored, without scale, unit and names");
-    app.add_flag("--csv-safe", csvSafe,
-                 "Put an apostrophe in front of csv texts that a spreadsheet would take for "
-                 "formulas: those that begin with = + - @, a tab or a carriage return");
-    app.add_option("--field", fields,
-                   "Only these fields, in this order; Field.Inner or just Inner for one inside the "
-                   "sub-blocks of Field, Block.Field for one of that block alone")
+    m_app.add_flag("--raw", m_raw, "Values as they are stored, without scale, unit and names");
+    m_app.add_flag("--csv-safe", m_csvSafe,
+                   "Put an apostrophe in front of csv texts that a spreadsheet would take for "
+                   "formulas: those that begin with = + - @, a tab or a carriage return");
+    m_app
+        .add_option(
+            "--field", m_fields,
+            "Only these fields, in this order; Field.Inner or just Inner for one inside the "
+            "sub-blocks of Field, Block.Field for one of that block alone")
         ->delimiter(',')
         ->allow_extra_args(false)
         ->type_name("FIELD,FIELD");
-    app.add_option("-o,--output", target,
-                   "File to write instead of standard output; for csv a folder, too")
+    m_app
+        .add_option("-o,--output", m_target,
+                    "File to write instead of standard output; for csv a folder, too")
         ->type_name("FILE");
 }
 
 ExitStatus DumpCommand::run()
 {
-    const FieldFilter filter(fields);
-    streams.checkBefore(target);
-    if (csvSafe && format != "csv")
+    const FieldFilter filter(m_fields);
+    m_streams.checkBefore(m_target);
+    if (m_csvSafe && m_format != "csv")
         throw ToolError("dump: --csv-safe goes with --format csv");
-    if (format == "csv")
-        return dumpCsv(streams, filter, {raw, csvSafe}, target);
-    Output output(target);
+    if (m_format == "csv")
+        return dumpCsv(m_streams, filter, {m_raw, m_csvSafe}, m_target);
+    Output output(m_target);
     const auto makeWriter = [&]() -> std::unique_ptr<BlockWriter> {
-        if (format == "text")
-            return std::make_unique<TextWriter>(filter, raw);
-        if (raw)
+        if (m_format == "text")
+            return std::make_unique<TextWriter>(filter, m_raw);
+        if (m_raw)
             return std::make_unique<RawJsonWriter>(filter);
         return std::make_unique<ValueJsonWriter>(filter);
     };
-    ParallelDump dump(output, makeWriter, streams.isLive() ? 1 : 0);
-    return streams.read(dump, dump);
+    ParallelDump dump(output, makeWriter, m_streams.isLive() ? 1 : 0);
+    return m_streams.read(dump, dump);
 }
 
 } // namespace tqx::tool

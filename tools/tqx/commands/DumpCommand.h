@@ -14,12 +14,12 @@ public:
     ExitStatus run() override;
 
 private:
-    StreamOptions streams;
-    std::vector<std::string> fields;
-    std::string target = "-";
-    std::string format = "text";
-    bool raw = false;
-    bool csvSafe = false;
+    StreamOptions m_streams;
+    std::vector<std::string> m_fields;
+    std::string m_target = "-";
+    std::string m_format = "text";
+    bool m_raw = false;
+    bool m_csvSafe = false;
 };
 
 } // namespace tqx::tool

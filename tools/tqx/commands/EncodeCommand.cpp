@@ -27,32 +27,33 @@ EncodeCommand::EncodeCommand(CLI::App& program)
           "named bit ranges. Where bytes are given, they are the block; other fields beside them\n"
           "are reported. Lines of scaled values, without --raw, are reported once and skipped.\n")
 {
-    app.add_option("FILE", files,
-                   "Files to read, one after the other, also compressed with gzip or zstd; - is "
-                   "standard input")
+    m_app
+        .add_option("FILE", m_files,
+                    "Files to read, one after the other, also compressed with gzip or zstd; - is "
+                    "standard input")
         ->required()
         ->type_name("");
-    app.add_flag("-v,--verbose", verbose,
-                 "Report every line that cannot be encoded, not only the first ten");
-    addBytes(app, "--max-line", longestLine, "Skip and report longer lines; 64 MiB by default")
+    m_app.add_flag("-v,--verbose", m_verbose,
+                   "Report every line that cannot be encoded, not only the first ten");
+    addBytes(m_app, "--max-line", m_longestLine, "Skip and report longer lines; 64 MiB by default")
         ->type_name("BYTES")
         ->default_str("");
-    app.add_option("-o,--output", target, "File to write instead of standard output")
+    m_app.add_option("-o,--output", m_target, "File to write instead of standard output")
         ->type_name("FILE");
 }
 
 ExitStatus EncodeCommand::run()
 {
-    refuseSameFile(files, target);
-    if (target != "-")
-        refuseUnreadable(files);
-    refuseTerminal(target);
-    Output output(target);
+    refuseSameFile(m_files, m_target);
+    if (m_target != "-")
+        refuseUnreadable(m_files);
+    refuseTerminal(m_target);
+    Output output(m_target);
     LineEncoder encoder;
-    Progress progress(files, true);
+    Progress progress(m_files, true);
     bool complete = true;
-    Reports reports = {words::Limit(verbose), words::Limit(verbose), false};
-    for (const std::string& path : files) {
+    Reports reports = {words::Limit(m_verbose), words::Limit(m_verbose), false};
+    for (const std::string& path : m_files) {
         try {
             complete = encodeFile(path, encoder, progress, output, reports) && complete;
         } catch (const SourceError& error) {
@@ -61,26 +62,29 @@ ExitStatus EncodeCommand::run()
         }
     }
     output.flush();
-    if (reports.errors.getOthers() != 0)
+    if (reports.errors.getOthers() != 0) {
         words::say(fmt::format("{} more lines cannot be encoded (-v reports them all)",
                                reports.errors.getOthers()));
-    if (reports.differences.getOthers() != 0)
+    }
+    if (reports.differences.getOthers() != 0) {
         words::say(fmt::format("{} more lines differ from the bytes beside them",
                                reports.differences.getOthers()));
+    }
     return complete ? ExitStatus::Done : ExitStatus::Failed;
 }
 
 bool EncodeCommand::encodeFile(const std::string& path, LineEncoder& encoder, Progress& progress,
                                Output& output, Reports& reports)
 {
-    LineReader reader(path, longestLine, progress, [&output] { output.flush(); });
+    LineReader reader(path, m_longestLine, progress, [&output] { output.flush(); });
     bool complete = true;
     std::string line;
     for (size_t number = 1; reader.next(line); ++number) {
         if (reader.isTooLong()) {
-            if (reports.errors.admits())
+            if (reports.errors.admits()) {
                 words::sayLine(path, number,
-                               fmt::format("longer than {} bytes (see --max-line)", longestLine));
+                               fmt::format("longer than {} bytes (see --max-line)", m_longestLine));
+            }
             complete = false;
             continue;
         }

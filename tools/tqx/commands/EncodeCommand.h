@@ -32,10 +32,10 @@ private:
     bool encodeFile(const std::string& path, LineEncoder& encoder, Progress& progress,
                     Output& output, Reports& reports);
 
-    std::vector<std::string> files;
-    std::string target = "-";
-    uint64_t longestLine = uint64_t{64} << 20U;
-    bool verbose = false;
+    std::vector<std::string> m_files;
+    std::string m_target = "-";
+    uint64_t m_longestLine = uint64_t{64} << 20U;
+    bool m_verbose = false;
 };
 
 } // namespace tqx::tool

@@ -43,10 +43,10 @@ ErrorCommand::ErrorCommand(CLI::App& program)
               "  tqx error TQX_ERR_EOF\n"
               "  tqx error --all\n")
 {
-    app.add_option("CODE", items, "Codes, or their names")->type_name("");
+    m_app.add_option("CODE", m_items, "Codes, or their names")->type_name("");
     // Negative numbers look like options; this way they come through.
-    app.allow_extras();
-    app.add_flag("--all", all, "List every code with its name, from -1 down");
+    m_app.allow_extras();
+    m_app.add_flag("--all", m_all, "List every code with its name, from -1 down");
 }
 
 void ErrorCommand::explain(Buffer& out, const std::string& item)
@@ -72,15 +72,15 @@ void ErrorCommand::explain(Buffer& out, const std::string& item)
 
 ExitStatus ErrorCommand::run()
 {
-    const std::vector<std::string> codes = app.remaining();
-    items.insert(items.end(), codes.begin(), codes.end());
-    if (!all && items.empty())
+    const std::vector<std::string> codes = m_app.remaining();
+    m_items.insert(m_items.end(), codes.begin(), codes.end());
+    if (!m_all && m_items.empty())
         throw ToolError("error: give a code, a name or --all");
     Output output;
     ExitStatus status = ExitStatus::Done;
-    for (int32_t code = -1; all && code >= lowestCode; --code)
+    for (int32_t code = -1; m_all && code >= lowestCode; --code)
         output.getBuffer().append(line(code, TQX_errorName(code)));
-    for (const std::string& item : items) {
+    for (const std::string& item : m_items) {
         try {
             explain(output.getBuffer(), item);
         } catch (const ToolError& error) {

@@ -20,8 +20,8 @@ public:
 private:
     static void explain(Buffer& out, const std::string& item);
 
-    std::vector<std::string> items;
-    bool all = false;
+    std::vector<std::string> m_items;
+    bool m_all = false;
 };
 
 } // namespace tqx::tool

@@ -33,9 +33,10 @@ std::pair<std::string, uint64_t> split(const std::string& place)
     const char* end = number.data() + number.size();
     const auto [stop, error] =
         std::from_chars(number.data() + (isHex ? 2 : 0), end, offset, isHex ? 16 : 10);
-    if (stop != end || error != std::errc())
+    if (stop != end || error != std::errc()) {
         throw ToolError("explain: " + shortened(place) + ": " + shortened(number) +
                         " is no offset");
+    }
     return {place.substr(0, at), offset};
 }
 
@@ -43,41 +44,41 @@ std::pair<std::string, uint64_t> split(const std::string& place)
 class ReadableInput : public ByteSource
 {
 public:
-    explicit ReadableInput(const std::string& path) : input(path) {}
+    explicit ReadableInput(const std::string& path) : m_input(path) {}
 
     size_t read(uint8_t* bytes, size_t capacity) override
     {
-        return unlessFailed<size_t>([&] { return input.read(bytes, capacity); });
+        return unlessFailed<size_t>([&] { return m_input.read(bytes, capacity); });
     }
     uint64_t skip(uint64_t count) override
     {
-        return unlessFailed<uint64_t>([&] { return input.skip(count); });
+        return unlessFailed<uint64_t>([&] { return m_input.skip(count); });
     }
-    Place placeOf(uint64_t offset) const override { return input.placeOf(offset); }
+    Place placeOf(uint64_t offset) const override { return m_input.placeOf(offset); }
 
     /// Throws what the input threw, if it did.
     void check() const
     {
-        if (failure)
-            throw SourceError(*failure);
+        if (m_failure)
+            throw SourceError(*m_failure);
     }
 
 private:
     template<typename Count, typename Action>
     Count unlessFailed(const Action& action)
     {
-        if (failure)
+        if (m_failure)
             return 0;
         try {
             return action();
         } catch (const SourceError& error) {
-            failure.emplace(error);
+            m_failure.emplace(error);
             return 0;
         }
     }
 
-    UnpackedInput input;
-    std::optional<SourceError> failure;
+    UnpackedInput m_input;
+    std::optional<SourceError> m_failure;
 };
 
 BlockLocation locateIn(ReadableInput& input, uint64_t offset)
@@ -106,20 +107,18 @@ ExplainCommand::ExplainCommand(CLI::App& program)
           "without a header, the one that it is about is looked for before the next sound block,\n"
           "which may be up to 1 MiB away.\n"
           "\n"
-          "--json writes one object per place, with one of its `rows` per value: `path` names the\n"
-          "field, `offset` and `size` are its bytes in the block, `lowestBit` and `bits` those of "
-          "a\n"
-          "bit range in them. `raw` is what is stored, `value` and `unit` what that means, or "
-          "`name`.\n"
-          "`depth` and `parent`, the number of another row, say which sub-block a row belongs "
-          "to.\n")
+          "--json writes one object per place, with one of its rows for each value: path names\n"
+          "the field, offset and size are its bytes in the block, lowestBit and bits those of a\n"
+          "bit range in them. raw is what is stored, value and unit what that means, or name.\n"
+          "depth and parent, the place of another row, say which sub-block a row belongs to.\n")
 {
-    app.add_option("FILE@OFFSET", places,
-                   "Where the block begins, in decimal or with 0x in hexadecimal")
+    m_app
+        .add_option("FILE@OFFSET", m_places,
+                    "Where the block begins, in decimal or with 0x in hexadecimal")
         ->type_name("");
-    app.add_flag("--json", json, "A JSON object per place instead of text");
+    m_app.add_flag("--json", m_json, "A JSON object per place instead of text");
     // Standard input looks like an option, -@0; this way it comes through.
-    app.allow_extras();
+    m_app.allow_extras();
 }
 
 void ExplainCommand::explain(Output& output, const std::string& place)
@@ -127,35 +126,37 @@ void ExplainCommand::explain(Output& output, const std::string& place)
     const auto [path, offset] = split(place);
     ReadableInput input(path);
     const BlockLocation location = locateIn(input, offset);
-    if (!location.hasSync() && location.around)
+    if (!location.hasSync() && location.around) {
         throw SourceError(
             fmt::format("{}: {}: {}", location.file, offset, describeNoBlock(location)));
+    }
     const Inspection inspection = inspect(location);
-    if (json) {
+    if (m_json) {
         appendInspectionJson(output.getBuffer(), inspection);
     } else {
-        if (shown)
+        if (m_shown)
             output.getBuffer().append('\n');
         appendExplanation(output.getBuffer(), inspection);
     }
-    shown = true;
+    m_shown = true;
     output.commit();
     input.check();
 }
 
 ExitStatus ExplainCommand::run()
 {
-    for (const std::string& extra : app.remaining()) {
-        if (extra.rfind("-@", 0) != 0)
+    for (const std::string& extra : m_app.remaining()) {
+        if (extra.rfind("-@", 0) != 0) {
             throw ToolError("explain: there is no option " + shortened(extra) +
                             " (see tqx help explain)");
-        places.push_back(extra);
+        }
+        m_places.push_back(extra);
     }
-    if (places.empty())
+    if (m_places.empty())
         throw ToolError("explain: FILE@OFFSET is required (see tqx help explain)");
     Output output;
     ExitStatus status = ExitStatus::Done;
-    for (const std::string& place : places) {
+    for (const std::string& place : m_places) {
         try {
             explain(output, place);
         } catch (const SourceError& error) {

@@ -17,9 +17,9 @@ public:
 private:
     void explain(Output& output, const std::string& place);
 
-    std::vector<std::string> places;
-    bool shown = false;
-    bool json = false;
+    std::vector<std::string> m_places;
+    bool m_shown = false;
+    bool m_json = false;
 };
 
 } // namespace tqx::tool

@@ -37,28 +37,28 @@ size_t placeIn(const std::vector<std::string>& names, const std::string& name)
 class Corrections : public BlockConsumer
 {
 public:
-    Corrections(Buffer& buffer, uint8_t format) : out(buffer), wanted(format) {}
+    Corrections(Buffer& buffer, uint8_t format) : m_out(buffer), m_wanted(format) {}
 
     void take(BlockStream& stream, const Block& block) override
     {
-        if (block.getNumber() != number)
+        if (block.getNumber() != m_number)
             return;
-        if (const int32_t result = decoder.decode(block); result < 0)
+        if (const int32_t result = m_decoder.decode(block); result < 0)
             return stream.reportUndecodable(block, result);
-        const auto& record = *static_cast<const TQX_DiffCorrIn_s*>(decoder.getRecord());
-        if (record.Mode != wanted)
+        const auto& record = *static_cast<const TQX_DiffCorrIn_s*>(m_decoder.getRecord());
+        if (record.Mode != m_wanted)
             return;
         const TQX_Corrections corrections = TQX_correctionsOf(record);
-        out.append(reinterpret_cast<const char*>(corrections.bytes), corrections.size);
+        m_out.append(reinterpret_cast<const char*>(corrections.bytes), corrections.size);
     }
 
-    bool counts(const Block& block) const override { return block.getNumber() == number; }
+    bool counts(const Block& block) const override { return block.getNumber() == m_number; }
 
 private:
-    RecordDecoder decoder;
-    Buffer& out;
-    uint8_t wanted;
-    uint16_t number = findType("DiffCorrIn")->blockNumber;
+    RecordDecoder m_decoder;
+    Buffer& m_out;
+    uint8_t m_wanted;
+    uint16_t m_number = findType("DiffCorrIn")->blockNumber;
 };
 
 } // namespace
@@ -80,39 +80,40 @@ ExtractCommand::ExtractCommand(CLI::App& program)
           "written as they are; by --from, --to and --interval each goes with the block before "
           "it.\n")
 {
-    streams.addInputs(app);
-    streams.addDamageReport(app);
-    streams.addConditions(app);
+    m_streams.addInputs(m_app);
+    m_streams.addDamageReport(m_app);
+    m_streams.addConditions(m_app);
     CLI::Option* const corrections =
-        app.add_option("--mode", mode, "Format of the corrections")
+        m_app.add_option("--mode", m_mode, "Format of the corrections")
             ->transform(CLI::IsMember(modes, CLI::ignore_case).description(""))
             ->type_name("rtcm2|cmr|rtcm3|rtcmv");
-    app.add_option("--between", between, "Instead of corrections, what came between the blocks")
+    m_app
+        .add_option("--between", m_between, "Instead of corrections, what came between the blocks")
         ->transform(CLI::IsMember(kinds, CLI::ignore_case).description(""))
         ->type_name("nmea|rtcm3|ascii")
         ->excludes(corrections)
-        ->excludes(app.get_option("--where"))
-        ->excludes(app.get_option("--every"))
-        ->excludes(app.get_option("--limit"));
-    app.add_option("-o,--output", target, "File to write instead of standard output")
+        ->excludes(m_app.get_option("--where"))
+        ->excludes(m_app.get_option("--every"))
+        ->excludes(m_app.get_option("--limit"));
+    m_app.add_option("-o,--output", m_target, "File to write instead of standard output")
         ->type_name("FILE");
 }
 
 ExitStatus ExtractCommand::run()
 {
-    if (mode.empty() && between.empty())
+    if (m_mode.empty() && m_between.empty())
         throw ToolError("extract: --mode or --between is needed");
-    streams.checkBefore(target);
-    refuseTerminal(target);
-    Output output(target);
-    if (!between.empty()) {
+    m_streams.checkBefore(m_target);
+    refuseTerminal(m_target);
+    Output output(m_target);
+    if (!m_between.empty()) {
         NeighbourWriter neighbours(output.getBuffer(),
-                                   static_cast<NeighbourKind>(placeIn(kinds, between)),
-                                   streams.getSelection());
-        return streams.read(neighbours, output);
+                                   static_cast<NeighbourKind>(placeIn(kinds, m_between)),
+                                   m_streams.getSelection());
+        return m_streams.read(neighbours, output);
     }
-    Corrections corrections(output.getBuffer(), static_cast<uint8_t>(placeIn(modes, mode)));
-    return streams.read(corrections, output);
+    Corrections corrections(output.getBuffer(), static_cast<uint8_t>(placeIn(modes, m_mode)));
+    return m_streams.read(corrections, output);
 }
 
 } // namespace tqx::tool

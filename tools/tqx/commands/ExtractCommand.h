@@ -17,10 +17,10 @@ public:
     ExitStatus run() override;
 
 private:
-    StreamOptions streams;
-    std::string mode;    ///< format of corrections
-    std::string between; ///< kind of neighbours instead
-    std::string target = "-";
+    StreamOptions m_streams;
+    std::string m_mode;    ///< format of corrections
+    std::string m_between; ///< kind of neighbours instead
+    std::string m_target = "-";
 };
 
 } // namespace tqx::tool

@@ -9,41 +9,42 @@ namespace tqx::tool
 {
 
 HelpCommand::HelpCommand(CLI::App& whole)
-    : Command(whole, "help", "Show how to use a command", "  tqx help dump\n"), program(whole)
+    : Command(whole, "help", "Show how to use a command", "  tqx help dump\n"), m_program(whole)
 {
-    app.add_option("COMMAND", topic, "Command to explain")->type_name("");
-    app.add_flag("--man", man, "Write the manual page")->group("");
-    app.add_flag("--completion", completion, "Write the completion script for bash")->group("");
-    app.add_option("--output", target, "File to write them to")->group("");
+    m_app.add_option("COMMAND", m_topic, "Command to explain")->type_name("");
+    m_app.add_flag("--man", m_man, "Write the manual page")->group("");
+    m_app.add_flag("--completion", m_completion, "Write the completion script for bash")->group("");
+    m_app.add_option("--output", m_target, "File to write them to")->group("");
 }
 
 void HelpCommand::appendHelp(Buffer& out) const
 {
-    const CLI::App* subject = topic.empty() ? &program : nullptr;
+    const CLI::App* subject = m_topic.empty() ? &m_program : nullptr;
     std::vector<std::string_view> names;
-    for (const CLI::App* command : commandsOf(program)) {
+    for (const CLI::App* command : commandsOf(m_program)) {
         names.emplace_back(command->get_name());
-        if (command->get_name() == topic)
+        if (command->get_name() == m_topic)
             subject = command;
     }
     if (!subject)
-        throw ToolError(unknownName("command", topic, names));
-    const bool isProgram = subject == &program;
+        throw ToolError(unknownName("command", m_topic, names));
+    const bool isProgram = subject == &m_program;
     // App::help() of the program would show the command that was parsed, which is this one.
-    out.append(isProgram ? program.get_formatter()->make_help(&program, program.get_name(),
-                                                              CLI::AppFormatMode::Normal)
-                         : subject->help(program.get_name()));
+    out.append(isProgram ? m_program.get_formatter()->make_help(&m_program, m_program.get_name(),
+                                                                CLI::AppFormatMode::Normal)
+                         : subject->help(m_program.get_name()));
 }
 
 ExitStatus HelpCommand::run()
 {
-    Output output(target);
-    if (man)
-        appendManPage(output.getBuffer(), program, program.version());
-    else if (completion)
-        appendCompletion(output.getBuffer(), program);
-    else
+    Output output(m_target);
+    if (m_man) {
+        appendManPage(output.getBuffer(), m_program, m_program.version());
+    } else if (m_completion) {
+        appendCompletion(output.getBuffer(), m_program);
+    } else {
         appendHelp(output.getBuffer());
+    }
     output.flush();
     return ExitStatus::Done;
 }

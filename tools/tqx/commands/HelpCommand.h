@@ -21,11 +21,11 @@ public:
 private:
     void appendHelp(Buffer& out) const;
 
-    const CLI::App& program;
-    std::string topic;
-    std::string target = "-";
-    bool man = false;
-    bool completion = false;
+    const CLI::App& m_program;
+    std::string m_topic;
+    std::string m_target = "-";
+    bool m_man = false;
+    bool m_completion = false;
 };
 
 } // namespace tqx::tool

@@ -56,9 +56,9 @@ IndexCommand::IndexCommand(CLI::App& program)
           "the log, goes on if the log has become longer, and is made anew otherwise. Logs may\n"
           "be compressed with gzip or zstd.\n")
 {
-    app.add_option("FILE", files, "Logs")->required()->type_name("");
-    app.add_flag("--show", onlyShow, "Save nothing, only say what the logs hold");
-    app.add_flag("--list", list, "Also list the blocks of each type");
+    m_app.add_option("FILE", m_files, "Logs")->required()->type_name("");
+    m_app.add_flag("--show", m_onlyShow, "Save nothing, only say what the logs hold");
+    m_app.add_flag("--list", m_list, "Also list the blocks of each type");
 }
 
 /// Whether it could be done.
@@ -66,17 +66,17 @@ bool IndexCommand::index(Output& output, const std::string& file) const
 {
     IndexedLogOptions options;
     options.framing.threads = std::max(1U, std::thread::hardware_concurrency());
-    options.save = !onlyShow;
+    options.save = !m_onlyShow;
     options.onWarning = [](const std::string& warning) { words::say(warning); };
     const IndexedLog log(file, options);
     Buffer& out = output.getBuffer();
     out.append(fmt::format("{}: {}, {}\n", file, describe(log.getOrigin()), describe(log)));
-    if (list) {
+    if (m_list) {
         for (const Index::Type& type : log.getIndex().getTypes())
             out.append(fmt::format("{:>10}  {}\n", type.blocks, describeBlock(type.number)));
     }
     output.commit();
-    if (onlyShow || log.isSaved() || log.getOrigin() == IndexedLog::Origin::Saved)
+    if (m_onlyShow || log.isSaved() || log.getOrigin() == IndexedLog::Origin::Saved)
         return true;
     words::say(IndexedLog::indexPath(file) + ": cannot be written");
     return false;
@@ -86,7 +86,7 @@ ExitStatus IndexCommand::run()
 {
     Output output;
     ExitStatus status = ExitStatus::Done;
-    for (const std::string& file : files) {
+    for (const std::string& file : m_files) {
         try {
             if (!index(output, file))
                 status = ExitStatus::Failed;

@@ -20,9 +20,9 @@ public:
 private:
     bool index(Output& output, const std::string& file) const;
 
-    std::vector<std::string> files;
-    bool onlyShow = false;
-    bool list = false;
+    std::vector<std::string> m_files;
+    bool m_onlyShow = false;
+    bool m_list = false;
 };
 
 } // namespace tqx::tool

@@ -13,29 +13,30 @@ namespace
 class Summarizer : public BlockConsumer
 {
 public:
-    Summarizer(Buffer& buffer, bool asJson) : out(buffer), json(asJson) {}
+    Summarizer(Buffer& buffer, bool asJson) : m_out(buffer), m_json(asJson) {}
 
     void begin(InputStream& stream) override
     {
-        stream.setGapListener([this](const StreamGap& gap) { summary.addDamage(gap); });
+        stream.setGapListener([this](const StreamGap& gap) { m_summary.addDamage(gap); });
         stream.setNeighbourListener(
-            [this](const Neighbour& neighbour) { summary.addNeighbour(neighbour); });
+            [this](const Neighbour& neighbour) { m_summary.addNeighbour(neighbour); });
     }
-    void take(BlockStream& stream, const Block& block) override { summary.add(stream, block); }
+    void take(BlockStream& stream, const Block& block) override { m_summary.add(stream, block); }
     void end(InputStream& stream) override
     {
         if (stream.hasFailed() && stream.getCounts().bytes == 0)
             return;
-        if (json)
-            appendSummaryJson(out, stream, summary);
-        else
-            appendSummaryText(out, stream, summary);
+        if (m_json) {
+            appendSummaryJson(m_out, stream, m_summary);
+        } else {
+            appendSummaryText(m_out, stream, m_summary);
+        }
     }
 
 private:
-    Buffer& out;
-    bool json;
-    StreamSummary summary;
+    Buffer& m_out;
+    bool m_json;
+    StreamSummary m_summary;
 };
 
 } // namespace
@@ -57,16 +58,16 @@ InfoCommand::InfoCommand(CLI::App& program)
               "blocks are counted apart and are no damage. Under --limit the bytes are those that\n"
               "were read so far, in pieces.\n")
 {
-    streams.addInputs(app);
-    streams.addSelection(app);
-    app.add_flag("--json", json, "A JSON object instead of text");
+    m_streams.addInputs(m_app);
+    m_streams.addSelection(m_app);
+    m_app.add_flag("--json", m_json, "A JSON object instead of text");
 }
 
 ExitStatus InfoCommand::run()
 {
     Output output;
-    Summarizer summarizer(output.getBuffer(), json);
-    return streams.read(summarizer, output);
+    Summarizer summarizer(output.getBuffer(), m_json);
+    return m_streams.read(summarizer, output);
 }
 
 } // namespace tqx::tool

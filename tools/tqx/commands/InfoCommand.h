@@ -14,8 +14,8 @@ public:
     ExitStatus run() override;
 
 private:
-    StreamOptions streams;
-    bool json = false;
+    StreamOptions m_streams;
+    bool m_json = false;
 };
 
 } // namespace tqx::tool

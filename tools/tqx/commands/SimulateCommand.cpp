@@ -45,45 +45,47 @@ SimulateCommand::SimulateCommand(CLI::App& program)
 {
     declareLength();
     declareTrack();
-    addWhole(app, "--seed", settings.seed, 0, std::numeric_limits<uint64_t>::max(),
+    addWhole(m_app, "--seed", m_settings.seed, 0, std::numeric_limits<uint64_t>::max(),
              "Start of the random numbers")
         ->type_name("NUMBER");
-    app.add_flag("--damage", settings.damage, "Flip bits, cut blocks and put junk between them");
-    app.add_flag("--mixed", settings.mixed,
-                 "Put NMEA sentences, RTCM 3 frames and replies between the blocks");
-    app.add_option("-o,--output", target, "File to write instead of standard output")
+    m_app.add_flag("--damage", m_settings.damage,
+                   "Flip bits, cut blocks and put junk between them");
+    m_app.add_flag("--mixed", m_settings.mixed,
+                   "Put NMEA sentences, RTCM 3 frames and replies between the blocks");
+    m_app.add_option("-o,--output", m_target, "File to write instead of standard output")
         ->type_name("FILE");
 }
 
 void SimulateCommand::declareLength()
 {
-    app.add_option("--start", start, "GNSS time of the first epoch, week 1930 to 4000")
+    m_app.add_option("--start", m_start, "GNSS time of the first epoch, week 1930 to 4000")
         ->type_name("WEEK:SECONDS")
         ->capture_default_str();
-    duration = addReal(app, "--duration", settings.duration, 0, longest, "seconds",
-                       "Length of the log in seconds")
-                   ->type_name("SECONDS");
-    addBytes(app, "--size", settings.size,
+    m_duration = addReal(m_app, "--duration", m_settings.duration, 0, longest, "seconds",
+                         "Length of the log in seconds")
+                     ->type_name("SECONDS");
+    addBytes(m_app, "--size", m_settings.size,
              "End the log at this size, as 500MB or 1GB; without --duration at no other time")
         ->type_name("BYTES")
         ->default_str("");
-    addReal(app, "--rate", rate, 1e-4, 1000, "hertz",
+    addReal(m_app, "--rate", m_rate, 1e-4, 1000, "hertz",
             "Epochs a second; the period must be whole milliseconds")
         ->type_name("HERTZ");
 }
 
 void SimulateCommand::declareTrack()
 {
-    app.add_option(
-           "--track", track,
-           "How the antenna moves: not at all, on a circle of 200 m radius or on a line eastwards")
+    m_app
+        .add_option(
+            "--track", m_track,
+            "How the antenna moves: not at all, on a circle of 200 m radius or on a line eastwards")
         ->transform(CLI::IsMember({"static", "circle", "line"}, CLI::ignore_case).description(""))
         ->type_name("static|circle|line")
         ->capture_default_str();
-    addReal(app, "--speed", settings.track.speed, 0, 300, "metres a second",
+    addReal(m_app, "--speed", m_settings.track.speed, 0, 300, "metres a second",
             "Speed on the track in metres a second")
         ->type_name("SPEED");
-    app.add_option("--position", position, "Where the track begins: degrees and metres")
+    m_app.add_option("--position", m_position, "Where the track begins: degrees and metres")
         ->option_text("LAT,LON,HEIGHT=47.07,15.45,412.3");
 }
 
@@ -91,34 +93,35 @@ void SimulateCommand::declareTrack()
 void SimulateCommand::readStart()
 {
     constexpr double lastMillisecond = 604799.999;
-    const size_t colon = start.find(':');
+    const size_t colon = m_start.find(':');
     try {
-        const uint64_t week = numbers::whole(std::string_view(start).substr(0, colon), 1930, 4000);
+        const uint64_t week =
+            numbers::whole(std::string_view(m_start).substr(0, colon), 1930, 4000);
         const double seconds = numbers::real(
-            colon == std::string::npos ? "" : start.substr(colon + 1), 0, lastMillisecond);
+            colon == std::string::npos ? "" : m_start.substr(colon + 1), 0, lastMillisecond);
         const double millis = seconds * 1000;
         if (std::fabs(millis - std::round(millis)) > 1e-3)
             throw DataError("is finer than milliseconds");
-        settings.week = static_cast<uint16_t>(week);
-        settings.towMillis = static_cast<uint32_t>(std::llround(millis));
+        m_settings.week = static_cast<uint16_t>(week);
+        m_settings.towMillis = static_cast<uint32_t>(std::llround(millis));
     } catch (const DataError&) {
         throw ToolError(
-            fmt::format("simulate: {} is no start, such as 2400:216000", shortened(start)));
+            fmt::format("simulate: {} is no start, such as 2400:216000", shortened(m_start)));
     }
 }
 
 void SimulateCommand::readPosition()
 {
-    if (position.empty())
+    if (m_position.empty())
         return;
     constexpr double degree = simulation::pi / 180;
-    const std::vector<std::string> parts = CLI::detail::split(position, ',');
+    const std::vector<std::string> parts = CLI::detail::split(m_position, ',');
     try {
         if (parts.size() != 3)
             throw DataError("it needs three numbers");
-        settings.track.start = {numbers::real(parts[0], -89, 89) * degree,
-                                numbers::real(parts[1], -180, 180) * degree,
-                                numbers::real(parts[2], -500, 20000)};
+        m_settings.track.start = {numbers::real(parts[0], -89, 89) * degree,
+                                  numbers::real(parts[1], -180, 180) * degree,
+                                  numbers::real(parts[2], -500, 20000)};
     } catch (const DataError& error) {
         throw ToolError(fmt::format("simulate: --position needs a latitude up to 89, a longitude "
                                     "up to 180 and a height of -500 to 20000: {}",
@@ -128,23 +131,24 @@ void SimulateCommand::readPosition()
 
 ExitStatus SimulateCommand::run()
 {
-    const double period = 1000 / rate;
-    if (std::fabs(period - std::round(period)) > 1e-6 * period)
-        throw ToolError(
-            fmt::format("simulate: {} Hz is a period of {} ms, which is not whole", rate, period));
-    settings.periodMillis = static_cast<uint32_t>(std::llround(period));
+    const double period = 1000 / m_rate;
+    if (std::fabs(period - std::round(period)) > 1e-6 * period) {
+        throw ToolError(fmt::format("simulate: {} Hz is a period of {} ms, which is not whole",
+                                    m_rate, period));
+    }
+    m_settings.periodMillis = static_cast<uint32_t>(std::llround(period));
     using Kind = simulation::TrackSettings::Kind;
-    settings.track.kind = track == "circle" ? Kind::Circle
-                          : track == "line" ? Kind::Line
-                                            : Kind::Static;
+    m_settings.track.kind = m_track == "circle" ? Kind::Circle
+                            : m_track == "line" ? Kind::Line
+                                                : Kind::Static;
     readStart();
     readPosition();
-    if (settings.size != 0 && duration->count() == 0)
-        settings.duration = longest;
-    refuseTerminal(target);
-    Output output(target);
-    Progress progress("simulated", settings.size);
-    simulation::simulate(settings, output.getBuffer(), [&](uint64_t size) {
+    if (m_settings.size != 0 && m_duration->count() == 0)
+        m_settings.duration = longest;
+    refuseTerminal(m_target);
+    Output output(m_target);
+    Progress progress("simulated", m_settings.size);
+    simulation::simulate(m_settings, output.getBuffer(), [&](uint64_t size) {
         progress.add(size);
         output.commit();
         return !interrupt::hasCome();

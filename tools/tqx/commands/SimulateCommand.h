@@ -19,13 +19,13 @@ private:
     void readStart();
     void readPosition();
 
-    simulation::SimulationSettings settings;
-    CLI::Option* duration = nullptr;
-    double rate = 1;
-    std::string track = "static";
-    std::string start = "2400:216000";
-    std::string position; ///< degrees and metres, empty for the one in the settings
-    std::string target = "-";
+    simulation::SimulationSettings m_settings;
+    CLI::Option* m_duration = nullptr;
+    double m_rate = 1;
+    std::string m_track = "static";
+    std::string m_start = "2400:216000";
+    std::string m_position; ///< degrees and metres, empty for the one in the settings
+    std::string m_target = "-";
 };
 
 } // namespace tqx::tool

@@ -46,9 +46,10 @@ Types typesOf(const std::string& name)
 Types typesOf(const std::vector<std::string>& names)
 {
     Types types;
-    for (const std::string& name : names)
+    for (const std::string& name : names) {
         for (const TQX_TypeLayout* type : typesOf(name))
             types.push_back(type);
+    }
     return types;
 }
 
@@ -59,10 +60,11 @@ void appendCatalogue(Buffer& out)
         const std::string number = isMain ? std::to_string(type->blockNumber) : "sub";
         const std::string_view text =
             isMain ? TQX_description(*TQX_typeFacts(type->recordType)) : std::string_view();
-        if (text.empty())
+        if (text.empty()) {
             out.append(fmt::format("{:>4}  {}\n", number, type->name));
-        else
+        } else {
             out.append(fmt::format("{:>4}  {:<28}  {}\n", number, type->name, text));
+        }
     }
 }
 
@@ -76,35 +78,38 @@ TypesCommand::TypesCommand(CLI::App& program)
               "  tqx types --fields 4027\n"
               "  tqx types --json | jq '.[] | select(.kind == \"main\") | .name'\n")
 {
-    app.add_option("NAME", names,
-                   "Types to show the layout of: names, block numbers, or patterns such as 'PVT*'")
+    m_app
+        .add_option("NAME", m_names,
+                    "Types to show the layout of: names, block numbers, or patterns such as 'PVT*'")
         ->delimiter(',')
         ->type_name("");
     CLI::Option* asJson =
-        app.add_flag("--json", json, "All metadata as a JSON array, in order of registration");
-    app.add_flag("--fields", fields,
-                 "Names of fields alone, a line each, as dump --field takes them")
+        m_app.add_flag("--json", m_json, "All metadata as a JSON array, in order of registration");
+    m_app
+        .add_flag("--fields", m_fields,
+                  "Names of fields alone, a line each, as dump --field takes them")
         ->excludes(asJson);
 }
 
 ExitStatus TypesCommand::run()
 {
     Output output;
-    if (json)
+    if (m_json) {
         appendJson(output.getBuffer());
-    else if (fields)
+    } else if (m_fields) {
         appendFields(output.getBuffer());
-    else if (names.empty())
+    } else if (m_names.empty()) {
         appendCatalogue(output.getBuffer());
-    else
+    } else {
         appendLayouts(output.getBuffer());
+    }
     output.flush();
     return ExitStatus::Done;
 }
 
 void TypesCommand::appendJson(Buffer& out) const
 {
-    appendTypesJson(out, names.empty() ? registeredTypes() : typesOf(names));
+    appendTypesJson(out, m_names.empty() ? registeredTypes() : typesOf(m_names));
 }
 
 /// Of several types each name once.
@@ -117,16 +122,16 @@ void TypesCommand::appendFields(Buffer& out) const
                 out.append(path + '\n');
         });
     };
-    for (const TQX_TypeLayout* type : typesOf(names))
+    for (const TQX_TypeLayout* type : typesOf(m_names))
         add(*type);
-    if (names.empty())
+    if (m_names.empty())
         forEachType(add);
 }
 
 void TypesCommand::appendLayouts(Buffer& out) const
 {
     bool first = true;
-    for (const TQX_TypeLayout* type : typesOf(names)) {
+    for (const TQX_TypeLayout* type : typesOf(m_names)) {
         if (!first)
             out.append('\n');
         first = false;

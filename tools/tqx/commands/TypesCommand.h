@@ -22,9 +22,9 @@ private:
     void appendFields(Buffer& out) const;
     void appendLayouts(Buffer& out) const;
 
-    std::vector<std::string> names;
-    bool json = false;
-    bool fields = false;
+    std::vector<std::string> m_names;
+    bool m_json = false;
+    bool m_fields = false;
 };
 
 } // namespace tqx::tool

@@ -16,39 +16,39 @@ namespace tqx::tool
 {
 
 Input::Input(std::string path)
-    : name(path == "-" ? "standard input" : path),
-      descriptor(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC))
+    : m_name(path == "-" ? "standard input" : path),
+      m_descriptor(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC))
 {
-    if (descriptor < 0)
-        throw SourceError(name + ": " + std::strerror(errno));
+    if (m_descriptor < 0)
+        throw SourceError(m_name + ": " + std::strerror(errno));
     struct stat status = {};
-    if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode))
-        size = static_cast<uint64_t>(status.st_size);
+    if (::fstat(m_descriptor, &status) == 0 && S_ISREG(status.st_mode))
+        m_size = static_cast<uint64_t>(status.st_size);
 }
 
 Input::~Input()
 {
-    if (descriptor != STDIN_FILENO)
-        ::close(descriptor);
+    if (m_descriptor != STDIN_FILENO)
+        ::close(m_descriptor);
 }
 
 size_t Input::read(uint8_t* bytes, size_t capacity)
 {
     while (!interrupt::hasCome()) {
-        const ssize_t count = ::read(descriptor, bytes, capacity);
+        const ssize_t count = ::read(m_descriptor, bytes, capacity);
         if (count >= 0) {
-            position += static_cast<uint64_t>(count);
+            m_position += static_cast<uint64_t>(count);
             return static_cast<size_t>(count);
         }
         if (errno != EINTR)
-            throw SourceError(name + ": " + std::strerror(errno));
+            throw SourceError(m_name + ": " + std::strerror(errno));
     }
     return 0;
 }
 
 bool Input::isReady(std::chrono::milliseconds patience)
 {
-    pollfd wanted = {descriptor, POLLIN, 0};
+    pollfd wanted = {m_descriptor, POLLIN, 0};
     return ::poll(&wanted, 1, static_cast<int>(patience.count())) != 0;
 }
 
@@ -59,10 +59,10 @@ bool Input::isInterrupted() const
 
 uint64_t Input::skip(uint64_t count)
 {
-    if (size != 0) {
-        const uint64_t skipped = std::min(count, size);
-        if (::lseek(descriptor, static_cast<off_t>(skipped), SEEK_CUR) >= 0) {
-            position += skipped;
+    if (m_size != 0) {
+        const uint64_t skipped = std::min(count, m_size);
+        if (::lseek(m_descriptor, static_cast<off_t>(skipped), SEEK_CUR) >= 0) {
+            m_position += skipped;
             return skipped;
         }
     }

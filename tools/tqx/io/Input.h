@@ -28,24 +28,24 @@ public:
 
     uint64_t skip(uint64_t count) override;
 
-    Place placeOf(uint64_t offset) const override { return {name, offset}; }
+    Place placeOf(uint64_t offset) const override { return {m_name, offset}; }
 
     bool isInterrupted() const override;
 
     /// Name for messages: the path, or "standard input".
-    const std::string& getName() const { return name; }
+    const std::string& getName() const { return m_name; }
 
     /// Size of a regular file in bytes, 0 when it is not known.
-    uint64_t getSize() const { return size; }
+    uint64_t getSize() const { return m_size; }
 
     /// Bytes read or passed over so far.
-    uint64_t getPosition() const { return position; }
+    uint64_t getPosition() const { return m_position; }
 
 private:
-    std::string name;
-    int descriptor;
-    uint64_t size = 0;
-    uint64_t position = 0;
+    std::string m_name;
+    int m_descriptor;
+    uint64_t m_size = 0;
+    uint64_t m_position = 0;
 };
 
 } // namespace tqx::tool

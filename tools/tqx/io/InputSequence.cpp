@@ -11,7 +11,7 @@ namespace tqx::tool
 {
 
 InputSequence::InputSequence(std::vector<std::string> inputs, bool isSilent)
-    : paths(std::move(inputs)), progress(std::in_place, paths, !isSilent)
+    : m_paths(std::move(inputs)), m_progress(std::in_place, m_paths, !isSilent)
 {
 }
 
@@ -23,7 +23,7 @@ bool InputSequence::isInterrupted() const
 ByteSource::Place InputSequence::placeOf(uint64_t offset) const
 {
     const auto after =
-        std::upper_bound(parts.begin(), parts.end(), offset,
+        std::upper_bound(m_parts.begin(), m_parts.end(), offset,
                          [](uint64_t wanted, const Part& part) { return wanted < part.start; });
     const Part& part = *std::prev(after);
     return {part.name, offset - part.start};
@@ -32,16 +32,16 @@ ByteSource::Place InputSequence::placeOf(uint64_t offset) const
 /// False when there are no more inputs.
 bool InputSequence::openNext()
 {
-    if (opened == paths.size() || interrupt::hasCome())
+    if (m_opened == m_paths.size() || interrupt::hasCome())
         return false;
     try {
-        input.emplace(paths[opened++]);
-        progress->setName(input->getName());
-        names.push_back(input->getName());
-        parts.push_back({input->getName(), size});
+        m_input.emplace(m_paths[m_opened++]);
+        m_progress->setName(m_input->getName());
+        m_names.push_back(m_input->getName());
+        m_parts.push_back({m_input->getName(), m_size});
     } catch (const SourceError& error) {
         words::say(error.what());
-        failed = true;
+        m_failed = true;
     }
     return true;
 }
@@ -50,10 +50,10 @@ bool InputSequence::openNext()
 size_t InputSequence::readInput(uint8_t* bytes, size_t capacity)
 {
     try {
-        return input->read(bytes, capacity);
+        return m_input->read(bytes, capacity);
     } catch (const SourceError& error) {
         words::say(error.what());
-        failed = true;
+        m_failed = true;
         return 0;
     }
 }
@@ -63,58 +63,59 @@ void InputSequence::handOn()
 {
     constexpr std::chrono::milliseconds patience(20);
     constexpr std::chrono::milliseconds longest(100);
-    if (!beforeRead || (input && input->isReady(patience) && Clock::now() - handedOn < longest))
+    if (!m_beforeRead ||
+        (m_input && m_input->isReady(patience) && Clock::now() - m_handedOn < longest))
         return;
-    beforeRead();
-    handedOn = Clock::now();
+    m_beforeRead();
+    m_handedOn = Clock::now();
 }
 
 bool InputSequence::isReady(std::chrono::milliseconds patience)
 {
     handOn();
-    return !input || input->isReady(patience);
+    return !m_input || m_input->isReady(patience);
 }
 
 void InputSequence::keepHead(const uint8_t* bytes, size_t count)
 {
     constexpr size_t mostInputs = 10;
     constexpr size_t mostBytes = 4096;
-    if (!hasHead) {
-        if (heads.size() == mostInputs)
+    if (!m_hasHead) {
+        if (m_heads.size() == mostInputs)
             return;
-        heads.push_back({input->getName(), {}});
-        hasHead = true;
+        m_heads.push_back({m_input->getName(), {}});
+        m_hasHead = true;
     }
-    std::vector<uint8_t>& head = heads.back().bytes;
+    std::vector<uint8_t>& head = m_heads.back().bytes;
     head.insert(head.end(), bytes, bytes + std::min(count, mostBytes - head.size()));
 }
 
 void InputSequence::close()
 {
-    input.reset();
-    opened = paths.size();
-    progress.reset();
+    m_input.reset();
+    m_opened = m_paths.size();
+    m_progress.reset();
 }
 
 size_t InputSequence::read(uint8_t* bytes, size_t capacity)
 {
     for (;;) {
         handOn();
-        if (!input && !openNext()) {
-            progress.reset();
+        if (!m_input && !openNext()) {
+            m_progress.reset();
             return 0;
         }
-        if (!input)
+        if (!m_input)
             continue;
         const size_t count = readInput(bytes, capacity);
         if (count != 0) {
-            size += count;
-            progress->add(input->takeProgress());
+            m_size += count;
+            m_progress->add(m_input->takeProgress());
             keepHead(bytes, count);
             return count;
         }
-        input.reset();
-        hasHead = false;
+        m_input.reset();
+        m_hasHead = false;
     }
 }
 

@@ -39,10 +39,10 @@ public:
 
     /// Has `action` called before more of the input is waited for: the moment to hand on what a
     /// live stream has brought so far.
-    void setBeforeRead(std::function<void()> action) { beforeRead = std::move(action); }
+    void setBeforeRead(std::function<void()> action) { m_beforeRead = std::move(action); }
 
     /// Names of the inputs that could be opened so far.
-    const std::vector<std::string>& getNames() const { return names; }
+    const std::vector<std::string>& getNames() const { return m_names; }
 
     /// The first bytes of an input.
     struct Head {
@@ -51,10 +51,10 @@ public:
     };
 
     /// Those of the first ten inputs that have any.
-    const std::vector<Head>& getHeads() const { return heads; }
+    const std::vector<Head>& getHeads() const { return m_heads; }
 
     /// Whether an input could not be opened or read.
-    bool hasFailed() const { return failed; }
+    bool hasFailed() const { return m_failed; }
 
 private:
     /// One input within the sequence.
@@ -70,18 +70,18 @@ private:
     void keepHead(const uint8_t* bytes, size_t count);
     size_t readInput(uint8_t* bytes, size_t capacity);
 
-    std::vector<std::string> paths;
-    size_t opened = 0; ///< paths that were tried
-    std::optional<UnpackedInput> input;
-    std::optional<Progress> progress; ///< until the last input has ended
-    std::vector<std::string> names;
-    std::vector<Head> heads;
-    bool hasHead = false;   ///< whether the last of them is of the input at hand
-    std::deque<Part> parts; ///< all that could be opened
-    uint64_t size = 0;      ///< bytes read so far
-    std::function<void()> beforeRead;
-    Clock::time_point handedOn;
-    bool failed = false;
+    std::vector<std::string> m_paths;
+    size_t m_opened = 0; ///< paths that were tried
+    std::optional<UnpackedInput> m_input;
+    std::optional<Progress> m_progress; ///< until the last input has ended
+    std::vector<std::string> m_names;
+    std::vector<Head> m_heads;
+    bool m_hasHead = false;   ///< whether the last of them is of the input at hand
+    std::deque<Part> m_parts; ///< all that could be opened
+    uint64_t m_size = 0;      ///< bytes read so far
+    std::function<void()> m_beforeRead;
+    Clock::time_point m_handedOn;
+    bool m_failed = false;
 };
 
 } // namespace tqx::tool

@@ -15,41 +15,41 @@ constexpr size_t pieceSize = 1 << 18;
 
 LineReader::LineReader(const std::string& path, uint64_t longestLine, Progress& shown,
                        std::function<void()> action)
-    : input(path), longest(longestLine), progress(shown), beforeRead(std::move(action)),
-      piece(pieceSize)
+    : m_input(path), m_longest(longestLine), m_progress(shown), m_beforeRead(std::move(action)),
+      m_piece(pieceSize)
 {
-    progress.setName(input.getName());
+    m_progress.setName(m_input.getName());
 }
 
 bool LineReader::readOn()
 {
-    beforeRead();
-    position = 0;
-    filled = input.read(piece.data(), piece.size());
-    progress.add(input.takeProgress());
-    return filled != 0;
+    m_beforeRead();
+    m_position = 0;
+    m_filled = m_input.read(m_piece.data(), m_piece.size());
+    m_progress.add(m_input.takeProgress());
+    return m_filled != 0;
 }
 
 bool LineReader::next(std::string& line)
 {
     line.clear();
-    tooLong = false;
+    m_tooLong = false;
     for (;;) {
-        if (position == filled && !readOn())
-            return !line.empty() || tooLong;
-        const uint8_t* begin = piece.data() + position;
-        const uint8_t* end = piece.data() + filled;
+        if (m_position == m_filled && !readOn())
+            return !line.empty() || m_tooLong;
+        const uint8_t* begin = m_piece.data() + m_position;
+        const uint8_t* end = m_piece.data() + m_filled;
         const uint8_t* stop = std::find(begin, end, uint8_t{'\n'});
-        if (tooLong || static_cast<uint64_t>(stop - begin) > longest - line.size()) {
-            tooLong = true;
+        if (m_tooLong || static_cast<uint64_t>(stop - begin) > m_longest - line.size()) {
+            m_tooLong = true;
             line.clear();
         } else {
             line.append(begin, stop);
         }
-        position += static_cast<size_t>(stop - begin);
+        m_position += static_cast<size_t>(stop - begin);
         if (stop == end)
             continue;
-        ++position;
+        ++m_position;
         if (!line.empty() && line.back() == '\r')
             line.pop_back();
         return true;

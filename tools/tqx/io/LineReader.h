@@ -24,19 +24,19 @@ public:
     bool next(std::string& line);
 
     /// Whether the last line was too long; it is empty then.
-    bool isTooLong() const { return tooLong; }
+    bool isTooLong() const { return m_tooLong; }
 
 private:
     bool readOn();
 
-    UnpackedInput input;
-    uint64_t longest;
-    Progress& progress;
-    std::function<void()> beforeRead;
-    std::vector<uint8_t> piece;
-    size_t position = 0;
-    size_t filled = 0;
-    bool tooLong = false;
+    UnpackedInput m_input;
+    uint64_t m_longest;
+    Progress& m_progress;
+    std::function<void()> m_beforeRead;
+    std::vector<uint8_t> m_piece;
+    size_t m_position = 0;
+    size_t m_filled = 0;
+    bool m_tooLong = false;
 };
 
 } // namespace tqx::tool

@@ -9,38 +9,38 @@
 namespace tqx::tool
 {
 
-Output::Output() : name("standard output"), file(stdout) {}
+Output::Output() : m_name("standard output"), m_file(stdout) {}
 
 Output::Output(const std::string& path)
-    : name(path == "-" ? "standard output" : path),
-      file(path == "-" ? stdout : std::fopen(path.c_str(), "wb"))
+    : m_name(path == "-" ? "standard output" : path),
+      m_file(path == "-" ? stdout : std::fopen(path.c_str(), "wb"))
 {
-    if (!file)
-        throw ToolError(name + ": " + std::strerror(errno));
+    if (!m_file)
+        throw ToolError(m_name + ": " + std::strerror(errno));
 }
 
 Output::~Output()
 {
-    if (file != stdout)
-        std::fclose(file);
+    if (m_file != stdout)
+        std::fclose(m_file);
 }
 
 void Output::flush()
 {
-    const std::string_view text = buffer.view();
-    buffer.clear();
+    const std::string_view text = m_buffer.view();
+    m_buffer.clear();
     write(text);
 }
 
 void Output::write(std::string_view text)
 {
-    if (file == stdout && !text.empty())
+    if (m_file == stdout && !text.empty())
         words::makeWay();
-    if (std::fwrite(text.data(), 1, text.size(), file) == text.size() && std::fflush(file) == 0)
+    if (std::fwrite(text.data(), 1, text.size(), m_file) == text.size() && std::fflush(m_file) == 0)
         return;
     if (errno == EPIPE || errno == EINTR)
         throw ClosedPipe();
-    throw ToolError(name + ": " + std::strerror(errno));
+    throw ToolError(m_name + ": " + std::strerror(errno));
 }
 
 } // namespace tqx::tool

@@ -30,11 +30,11 @@ public:
     void write(std::string_view text);
 
     /// What is to be written next; append to it, then call commit().
-    Buffer& getBuffer() { return buffer; }
+    Buffer& getBuffer() { return m_buffer; }
 
     void commit() override
     {
-        if (buffer.size() >= pieceSize)
+        if (m_buffer.size() >= pieceSize)
             flush();
     }
 
@@ -43,9 +43,9 @@ public:
 private:
     static constexpr size_t pieceSize = 1 << 16;
 
-    std::string name;
-    std::FILE* file;
-    Buffer buffer;
+    std::string m_name;
+    std::FILE* m_file;
+    Buffer m_buffer;
 };
 
 } // namespace tqx::tool

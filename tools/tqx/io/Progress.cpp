@@ -32,43 +32,44 @@ uint64_t sizeOf(const std::vector<std::string>& paths)
 } // namespace
 
 Progress::Progress(const std::vector<std::string>& paths, bool isWanted)
-    : enabled(isWanted && words::canShowProgress())
+    : m_enabled(isWanted && words::canShowProgress())
 {
-    if (enabled)
-        size = sizeOf(paths);
+    if (m_enabled)
+        m_size = sizeOf(paths);
 }
 
 Progress::Progress(std::string subject, uint64_t expected)
-    : name(std::move(subject)), size(expected), enabled(words::canShowProgress())
+    : m_name(std::move(subject)), m_size(expected), m_enabled(words::canShowProgress())
 {
 }
 
 Progress::~Progress()
 {
-    if (enabled)
+    if (m_enabled)
         words::showProgress("");
 }
 
 void Progress::add(uint64_t bytes)
 {
-    done += bytes;
-    if (!enabled)
+    m_done += bytes;
+    if (!m_enabled)
         return;
     const Clock::time_point now = Clock::now();
-    if (now < next)
+    if (now < m_next)
         return;
-    next = now + std::chrono::milliseconds(200);
+    m_next = now + std::chrono::milliseconds(200);
     words::showProgress(describe(now));
 }
 
 /// The name comes last: it is what a narrow terminal cuts off.
 std::string Progress::describe(Clock::time_point now) const
 {
-    const double seconds = std::chrono::duration<double>(now - start).count();
-    const double megabytes = static_cast<double>(done) * 1e-6;
+    const double seconds = std::chrono::duration<double>(now - m_start).count();
+    const double megabytes = static_cast<double>(m_done) * 1e-6;
     const std::string share =
-        size == 0 ? "" : fmt::format("{}%, ", std::min(done, size) * 100 / size);
-    return fmt::format("{}{:.1f} MB, {:.1f} MB/s: {}", share, megabytes, megabytes / seconds, name);
+        m_size == 0 ? "" : fmt::format("{}%, ", std::min(m_done, m_size) * 100 / m_size);
+    return fmt::format("{}{:.1f} MB, {:.1f} MB/s: {}", share, megabytes, megabytes / seconds,
+                       m_name);
 }
 
 } // namespace tqx::tool

@@ -22,7 +22,7 @@ public:
     Progress& operator=(const Progress&) = delete;
 
     /// What is read now.
-    void setName(const std::string& input) { name = input; }
+    void setName(const std::string& input) { m_name = input; }
 
     /// Reports that `bytes` more have been read.
     void add(uint64_t bytes);
@@ -32,12 +32,12 @@ private:
 
     std::string describe(Clock::time_point now) const;
 
-    std::string name;
-    uint64_t size = 0; ///< of all in bytes, 0 when it is not known
-    uint64_t done = 0;
-    bool enabled;
-    Clock::time_point start = Clock::now();
-    Clock::time_point next = start + std::chrono::seconds(1);
+    std::string m_name;
+    uint64_t m_size = 0; ///< of all in bytes, 0 when it is not known
+    uint64_t m_done = 0;
+    bool m_enabled;
+    Clock::time_point m_start = Clock::now();
+    Clock::time_point m_next = m_start + std::chrono::seconds(1);
 };
 
 } // namespace tqx::tool

@@ -31,9 +31,10 @@ void refuseSameFile(const std::vector<std::string>& inputs, const std::string& t
     for (const std::string& path : inputs) {
         struct stat input = {};
         if (getStatus(path, STDIN_FILENO, input) && input.st_dev == output.st_dev &&
-            input.st_ino == output.st_ino)
+            input.st_ino == output.st_ino) {
             throw ToolError((target == "-" ? "standard output" : target) +
                             " is an input, it cannot be the output as well");
+        }
     }
 }
 

@@ -12,16 +12,16 @@ namespace
 class Borrowed : public ByteSource
 {
 public:
-    explicit Borrowed(Input& borrowed) : input(borrowed) {}
+    explicit Borrowed(Input& borrowed) : m_input(borrowed) {}
 
-    size_t read(uint8_t* bytes, size_t capacity) override { return input.read(bytes, capacity); }
-    uint64_t skip(uint64_t count) override { return input.skip(count); }
-    bool isReady(std::chrono::milliseconds patience) override { return input.isReady(patience); }
-    Place placeOf(uint64_t offset) const override { return input.placeOf(offset); }
-    bool isInterrupted() const override { return input.isInterrupted(); }
+    size_t read(uint8_t* bytes, size_t capacity) override { return m_input.read(bytes, capacity); }
+    uint64_t skip(uint64_t count) override { return m_input.skip(count); }
+    bool isReady(std::chrono::milliseconds patience) override { return m_input.isReady(patience); }
+    Place placeOf(uint64_t offset) const override { return m_input.placeOf(offset); }
+    bool isInterrupted() const override { return m_input.isInterrupted(); }
 
 private:
-    Input& input;
+    Input& m_input;
 };
 
 } // namespace
@@ -29,9 +29,9 @@ private:
 // Not before something is read: the first bytes may have to be waited for.
 ByteSource& UnpackedInput::getContent()
 {
-    if (!content)
-        content = decompressed(std::make_unique<Borrowed>(input));
-    return *content;
+    if (!m_content)
+        m_content = decompressed(std::make_unique<Borrowed>(m_input));
+    return *m_content;
 }
 
 size_t UnpackedInput::read(uint8_t* bytes, size_t capacity)
@@ -46,13 +46,13 @@ uint64_t UnpackedInput::skip(uint64_t count)
 
 bool UnpackedInput::isReady(std::chrono::milliseconds patience)
 {
-    return content ? content->isReady(patience) : input.isReady(patience);
+    return m_content ? m_content->isReady(patience) : m_input.isReady(patience);
 }
 
 uint64_t UnpackedInput::takeProgress()
 {
-    const uint64_t added = input.getPosition() - shown;
-    shown += added;
+    const uint64_t added = m_input.getPosition() - m_shown;
+    m_shown += added;
     return added;
 }
 

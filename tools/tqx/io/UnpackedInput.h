@@ -20,7 +20,7 @@ class UnpackedInput : public ByteSource
 public:
     /// Opens `path`; "-" is standard input. Throws SourceError with "<path>: <reason>". Nothing is
     /// read yet.
-    explicit UnpackedInput(std::string path) : input(std::move(path)) {}
+    explicit UnpackedInput(std::string path) : m_input(std::move(path)) {}
 
     /// As Input::read(). What comes before damage of a compressed input is handed out before
     /// SourceError says where in the file it is.
@@ -28,10 +28,10 @@ public:
     uint64_t skip(uint64_t count) override;
     bool isReady(std::chrono::milliseconds patience) override;
     Place placeOf(uint64_t offset) const override { return {getName(), offset}; }
-    bool isInterrupted() const override { return input.isInterrupted(); }
+    bool isInterrupted() const override { return m_input.isInterrupted(); }
 
     /// Name for messages: the path, or "standard input".
-    const std::string& getName() const { return input.getName(); }
+    const std::string& getName() const { return m_input.getName(); }
 
     /// Bytes of the input, as it is stored, that were read or passed over since the last call.
     uint64_t takeProgress();
@@ -39,9 +39,9 @@ public:
 private:
     ByteSource& getContent();
 
-    Input input;
-    std::unique_ptr<ByteSource> content; ///< once the first bytes have been looked at
-    uint64_t shown = 0;                  ///< bytes that takeProgress() has returned
+    Input m_input;
+    std::unique_ptr<ByteSource> m_content; ///< once the first bytes have been looked at
+    uint64_t m_shown = 0;                  ///< bytes that takeProgress() has returned
 };
 
 } // namespace tqx::tool

@@ -29,25 +29,25 @@ void sayLine(std::string_view file, uint64_t line, std::string_view text);
 class Limit
 {
 public:
-    explicit Limit(bool isVerbose) : isUnlimited(isVerbose) {}
+    explicit Limit(bool isVerbose) : m_isUnlimited(isVerbose) {}
 
     /// Whether one more may be said.
     bool admits()
     {
         constexpr uint64_t most = 10;
-        if (isUnlimited || count++ < most)
+        if (m_isUnlimited || m_count++ < most)
             return true;
-        ++others;
+        ++m_others;
         return false;
     }
 
     /// Those that were not.
-    uint64_t getOthers() const { return others; }
+    uint64_t getOthers() const { return m_others; }
 
 private:
-    bool isUnlimited;
-    uint64_t count = 0;
-    uint64_t others = 0;
+    bool m_isUnlimited;
+    uint64_t m_count = 0;
+    uint64_t m_others = 0;
 };
 
 /// Whether standard error is a terminal on which a line can be written over, and standard output no

@@ -12,52 +12,55 @@ namespace tqx::tool
 InputStream::InputStream(std::vector<std::string> inputs, bool isSilent, bool isVerbose)
     : InputSequence(std::move(inputs), isSilent),
       BlockStream(static_cast<ByteSource&>(*this), static_cast<StreamListener*>(this)),
-      quiet(isSilent), limit(isVerbose)
+      m_quiet(isSilent), m_limit(isVerbose)
 {
 }
 
 void InputStream::onGap(const StreamGap& found)
 {
-    if (gapListener)
-        return gapListener(found);
-    if (quiet)
+    if (m_gapListener)
+        return m_gapListener(found);
+    if (m_quiet)
         return;
-    if (limit.admits())
+    if (m_limit.admits())
         return words::sayAt(found.file, found.offset, found.describe());
-    others.bytes += found.bytes;
-    others.crcErrors += found.crcErrors;
-    others.invalidLengths += found.invalidLengths;
-    others.isCut = others.isCut || found.isCut;
+    m_others.bytes += found.bytes;
+    m_others.crcErrors += found.crcErrors;
+    m_others.invalidLengths += found.invalidLengths;
+    m_others.isCut = m_others.isCut || found.isCut;
 }
 
 void InputStream::onNeighbour(const std::string&, const Neighbour& neighbour)
 {
-    if (neighbourListener)
-        neighbourListener(neighbour);
+    if (m_neighbourListener)
+        m_neighbourListener(neighbour);
 }
 
 void InputStream::onUndecodable(const std::string& file, const Block& block, int32_t code)
 {
-    if (quiet || gapListener)
+    if (m_quiet || m_gapListener)
         return;
-    if (limit.admits())
+    if (m_limit.admits()) {
         return words::sayAt(file, block.offset,
                             fmt::format("{}: {} ({})", describeBlock(block.getNumber()),
                                         TQX_errorName(code), code));
-    ++otherUndecodable;
+    }
+    ++m_otherUndecodable;
 }
 
 void InputStream::sumUpDamage()
 {
-    if (limit.getOthers() == 0)
+    if (m_limit.getOthers() == 0)
         return;
-    std::string text = fmt::format("{} more damaged {}: ", limit.getOthers(),
-                                   limit.getOthers() == 1 ? "place" : "places");
-    if (others.bytes != 0)
-        text += others.describe();
-    if (otherUndecodable != 0)
-        text += fmt::format("{}{} {} not decode", others.bytes != 0 ? ", " : "", otherUndecodable,
-                            otherUndecodable == 1 ? "block does" : "blocks do");
+    std::string text = fmt::format("{} more damaged {}: ", m_limit.getOthers(),
+                                   m_limit.getOthers() == 1 ? "place" : "places");
+    if (m_others.bytes != 0)
+        text += m_others.describe();
+    if (m_otherUndecodable != 0) {
+        text +=
+            fmt::format("{}{} {} not decode", m_others.bytes != 0 ? ", " : "", m_otherUndecodable,
+                        m_otherUndecodable == 1 ? "block does" : "blocks do");
+    }
     words::say(text + " (-v names them all)");
 }
 

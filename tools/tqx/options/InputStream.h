@@ -23,13 +23,13 @@ public:
     /// then only counted.
     void setGapListener(std::function<void(const StreamGap&)> action)
     {
-        gapListener = std::move(action);
+        m_gapListener = std::move(action);
     }
 
     /// Has `action` called for every sentence, frame and line of text between the blocks.
     void setNeighbourListener(std::function<void(const Neighbour&)> action)
     {
-        neighbourListener = std::move(action);
+        m_neighbourListener = std::move(action);
     }
 
     /// Reports the number of damaged places that were not named, if there are any.
@@ -40,12 +40,12 @@ private:
     void onNeighbour(const std::string& file, const Neighbour& neighbour) override;
     void onUndecodable(const std::string& file, const Block& block, int32_t code) override;
 
-    std::function<void(const StreamGap&)> gapListener;
-    std::function<void(const Neighbour&)> neighbourListener;
-    bool quiet;
-    words::Limit limit;
-    StreamGap others;              ///< the sum of the gaps that were not named
-    uint64_t otherUndecodable = 0; ///< blocks that were not named
+    std::function<void(const StreamGap&)> m_gapListener;
+    std::function<void(const Neighbour&)> m_neighbourListener;
+    bool m_quiet;
+    words::Limit m_limit;
+    StreamGap m_others;              ///< the sum of the gaps that were not named
+    uint64_t m_otherUndecodable = 0; ///< blocks that were not named
 };
 
 } // namespace tqx::tool

@@ -76,10 +76,11 @@ double numbers::real(std::string_view text, double least, double most, const cha
     const bool isNumber = text.size() > (isSigned ? 1 : 0) &&
                           (isDigit(text[isSigned ? 1 : 0]) || text[isSigned ? 1 : 0] == '.');
     const auto [stop, error] = std::from_chars(text.data(), end, value);
-    if (!isNumber || stop != end || error == std::errc::invalid_argument)
+    if (!isNumber || stop != end || error == std::errc::invalid_argument) {
         fail(text, *unit == '\0' ? "is not a number"
                                  : fmt::format("is not a number of {}, such as {}", unit,
                                                std::clamp(60.0, least, most)));
+    }
     if (error != std::errc() || !(value >= least && value <= most))
         fail(text, fmt::format("is not in the range {} to {}", least, most));
     return value;

@@ -67,37 +67,37 @@ const char* const SelectionOptions::notes =
 
 void SelectionOptions::addTypes(CLI::App& command)
 {
-    addNames(command, "--type", request.types,
+    addNames(command, "--type", m_request.types,
              "Only blocks of these types: names, block numbers, or patterns such as 'PVT*'");
-    addNames(command, "--not-type", request.notTypes, "No blocks of these types");
+    addNames(command, "--not-type", m_request.notTypes, "No blocks of these types");
 }
 
 void SelectionOptions::addConditions(CLI::App& command)
 {
     command
-        .add_option("--from", request.from,
+        .add_option("--from", m_request.from,
                     "Only from this time on: GNSS week:seconds, or a date in UTC or GPS time such "
                     "as 2026-01-06T11:59:42Z or '2026-01-06T12:00:00 GPS'")
         ->type_name("TIME")
         ->check(refuseEmpty)
         ->group(group);
-    command.add_option("--to", request.to, "Only before this time, written like that of --from")
+    command.add_option("--to", m_request.to, "Only before this time, written like that of --from")
         ->type_name("TIME")
         ->check(refuseEmpty)
         ->group(group);
     command
-        .add_option("--where", request.where,
+        .add_option("--where", m_request.where,
                     "Only blocks whose fields meet a condition, such as "
                     "'NrSV >= 8 and not has COG'")
         ->type_name("CONDITION")
         ->check(refuseEmpty)
         ->group(group);
-    addReal(command, "--interval", request.interval, 0.001, 604800, "seconds",
+    addReal(command, "--interval", m_request.interval, 0.001, 604800, "seconds",
             "Only blocks at multiples of this in GNSS time, such as 30 for every half minute")
         ->type_name("SECONDS")
         ->default_str("")
         ->group(group);
-    addWhole(command, "--every", request.every, 1, std::numeric_limits<uint32_t>::max(),
+    addWhole(command, "--every", m_request.every, 1, std::numeric_limits<uint32_t>::max(),
              "Of each type the first one that all this selects, then every N-th")
         ->type_name("N")
         ->default_str("")

@@ -24,10 +24,10 @@ public:
     static const char* const notes;
 
     /// What the arguments say, once they are parsed.
-    const SelectionRequest& getRequest() const { return request; }
+    const SelectionRequest& getRequest() const { return m_request; }
 
 private:
-    SelectionRequest request;
+    SelectionRequest m_request;
 };
 
 } // namespace tqx::tool

@@ -22,18 +22,18 @@ using Kor::MessageApi::TQX_TypeLayout;
 void StreamOptions::addInputs(CLI::App& command)
 {
     command
-        .add_option("FILE", files,
+        .add_option("FILE", m_files,
                     "Files to read, one after the other, also compressed with gzip or zstd; - is "
                     "standard input")
         ->required()
         ->type_name("");
-    command.add_flag("--strict", strict, "Exit with status 2 when an input is damaged");
-    command.add_flag("-q,--quiet", quiet,
+    command.add_flag("--strict", m_strict, "Exit with status 2 when an input is damaged");
+    command.add_flag("-q,--quiet", m_quiet,
                      "Show no progress and do not report damage on standard error");
     CLI::Option* receiver = command.add_flag(
-        "--live", live,
+        "--live", m_live,
         "Input is a receiver while it sends: false headers hold back no intact blocks");
-    addReal(command, "--pause", pause, 0.001, 3600, "seconds",
+    addReal(command, "--pause", m_pause, 0.001, 3600, "seconds",
             "With --live, the pause after which to doubt a header")
         ->needs(receiver)
         ->type_name("SECONDS");
@@ -41,14 +41,14 @@ void StreamOptions::addInputs(CLI::App& command)
 
 void StreamOptions::addDamageReport(CLI::App& command)
 {
-    command.add_flag("-v,--verbose", verbose,
+    command.add_flag("-v,--verbose", m_verbose,
                      "Name every damaged place on standard error, not only the first ten");
 }
 
 void StreamOptions::addConditions(CLI::App& command)
 {
-    selections.addConditions(command);
-    addWhole(command, "--limit", limit, 1, std::numeric_limits<uint64_t>::max(),
+    m_selections.addConditions(command);
+    addWhole(command, "--limit", m_limit, 1, std::numeric_limits<uint64_t>::max(),
              "End after N blocks that all this selects, without reading on")
         ->type_name("N")
         ->default_str("")
@@ -57,17 +57,17 @@ void StreamOptions::addConditions(CLI::App& command)
 
 Selection& StreamOptions::getSelection()
 {
-    if (!selection)
-        selection.emplace(selections.getRequest());
-    return *selection;
+    if (!m_selection)
+        m_selection.emplace(m_selections.getRequest());
+    return *m_selection;
 }
 
 void StreamOptions::checkBefore(const std::string& target)
 {
     getSelection();
-    refuseSameFile(files, target);
+    refuseSameFile(m_files, target);
     if (target != "-")
-        refuseUnreadable(files);
+        refuseUnreadable(m_files);
 }
 
 void StreamOptions::checkBeforeFolder(const std::string& folder)
@@ -78,25 +78,25 @@ void StreamOptions::checkBeforeFolder(const std::string& folder)
         const TQX_TypeLayout* type = findType(name.substr(0, name.find('.')));
         if (type && entry.path().extension() == ".csv" &&
             getSelection().getTypes().accepts(type->blockNumber))
-            refuseSameFile(files, entry.path().string());
+            refuseSameFile(m_files, entry.path().string());
     }
 }
 
 ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
 {
     Selection& chosen = getSelection();
-    InputStream stream(files, quiet, verbose);
-    if (live)
-        stream.setLive(std::chrono::milliseconds(std::llround(pause * 1000)));
+    InputStream stream(m_files, m_quiet, m_verbose);
+    if (m_live)
+        stream.setLive(std::chrono::milliseconds(std::llround(m_pause * 1000)));
     stream.setBeforeRead([&output] { output.handOn(); });
     consumer.begin(stream);
     Block block = {};
-    uint64_t left = limit;
+    uint64_t left = m_limit;
     while (stream.next(block)) {
         bool isLast = false;
         if (chosen.accepts(stream, block)) {
             consumer.take(stream, block);
-            isLast = limit != 0 && consumer.counts(block) && --left == 0;
+            isLast = m_limit != 0 && consumer.counts(block) && --left == 0;
         }
         output.commit();
         if (isLast) {
@@ -105,11 +105,11 @@ ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
         }
     }
     stream.sumUpDamage();
-    if (stream.getCounts().bytes == 0 && !stream.hasFailed() && !quiet)
+    if (stream.getCounts().bytes == 0 && !stream.hasFailed() && !m_quiet)
         words::say(fmt::format("{}: empty", fmt::join(stream.getNames(), ", ")));
     consumer.end(stream);
     output.flush();
-    const bool damaged = strict && stream.getCounts().isDamaged();
+    const bool damaged = m_strict && stream.getCounts().isDamaged();
     const ExitStatus status = worse(stream.hasFailed() ? ExitStatus::Failed : ExitStatus::Done,
                                     damaged ? ExitStatus::Damaged : ExitStatus::Done);
     return worse(status, reportNoBlocks(stream));
@@ -124,9 +124,10 @@ ExitStatus StreamOptions::reportNoBlocks(const InputStream& stream) const
     for (const InputSequence::Head& head : stream.getHeads()) {
         const Content content = guessContent(head.bytes.data(), head.bytes.size());
         const bool isFailure = !isReceiverOutput(content);
-        if (isFailure || !quiet)
+        if (isFailure || !m_quiet) {
             words::say(fmt::format("{}: holds no TQX blocks, it seems to be {}", head.name,
                                    describeContent(content)));
+        }
         if (isFailure)
             status = ExitStatus::Failed;
     }

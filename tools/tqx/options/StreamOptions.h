@@ -47,7 +47,7 @@ public:
     /// Adds the arguments that choose blocks.
     void addSelection(CLI::App& command)
     {
-        selections.addTypes(command);
+        m_selections.addTypes(command);
         addConditions(command);
     }
 
@@ -55,7 +55,7 @@ public:
     void addConditions(CLI::App& command);
 
     /// Whether the input is read as a receiver that sends: by one thread.
-    bool isLive() const { return live; }
+    bool isLive() const { return m_live; }
 
     /// The selection that they ask for. Throws ToolError for bad arguments.
     Selection& getSelection();
@@ -80,15 +80,15 @@ public:
 private:
     ExitStatus reportNoBlocks(const InputStream& stream) const;
 
-    std::vector<std::string> files;
-    SelectionOptions selections;
-    std::optional<Selection> selection;
-    uint64_t limit = 0; ///< 0 for none
-    bool strict = false;
-    bool quiet = false;
-    bool live = false;
-    double pause = 1; ///< seconds
-    bool verbose = false;
+    std::vector<std::string> m_files;
+    SelectionOptions m_selections;
+    std::optional<Selection> m_selection;
+    uint64_t m_limit = 0; ///< 0 for none
+    bool m_strict = false;
+    bool m_quiet = false;
+    bool m_live = false;
+    double m_pause = 1; ///< seconds
+    bool m_verbose = false;
 };
 
 } // namespace tqx::tool

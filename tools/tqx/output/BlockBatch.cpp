@@ -11,10 +11,10 @@ namespace tqx::tool
 using namespace Kor::MessageApi;
 
 BlockBatch::BlockBatch()
-    : records(static_cast<std::byte*>(
+    : m_records(static_cast<std::byte*>(
           ::operator new(enoughRecords + sizeof(Record), std::align_val_t(alignof(Record)))))
 {
-    bytes.reserve(enoughBytes + std::numeric_limits<uint16_t>::max());
+    m_bytes.reserve(enoughBytes + std::numeric_limits<uint16_t>::max());
 }
 
 BlockBatch::~BlockBatch()
@@ -29,42 +29,45 @@ void BlockBatch::RecordsDeleter::operator()(std::byte* memory) const
 
 int32_t BlockBatch::add(TQX_Context_s& context, const Block& block)
 {
-    const size_t start = bytes.size();
-    bytes.insert(bytes.end(), block.data, block.data + block.size);
-    const Block copy = {bytes.data() + start, block.size, block.offset};
-    void* record = records.get() + recordBytes;
+    const size_t start = m_bytes.size();
+    m_bytes.insert(m_bytes.end(), block.data, block.data + block.size);
+    const Block copy = {m_bytes.data() + start, block.size, block.offset};
+    void* record = m_records.get() + m_recordBytes;
     TQX_markEmpty(record);
     const int32_t result = TQX_decode(&context, copy.data, copy.size, record);
     if (result > 0) {
         constexpr size_t mask = alignof(Record) - 1;
         const uint32_t type = static_cast<const KorcgHeader_s*>(record)->korcg_type;
-        recordBytes += (TQX_layout(type)->recordSize + mask) & ~mask;
-        entries.push_back({copy, record, result});
+        m_recordBytes += (TQX_layout(type)->recordSize + mask) & ~mask;
+        m_entries.push_back({copy, record, result});
     } else {
         TQX_release(record);
-        entries.push_back({copy, nullptr, result});
+        m_entries.push_back({copy, nullptr, result});
     }
     return result;
 }
 
 void BlockBatch::write(BlockWriter& writer)
 {
-    for (const DecodedBlock& entry : entries)
-        if (entry.record)
-            writer.write(text, entry);
-        else
-            writer.writeOther(text, entry);
+    for (const DecodedBlock& entry : m_entries) {
+        if (entry.record) {
+            writer.write(m_text, entry);
+        } else {
+            writer.writeOther(m_text, entry);
+        }
+    }
 }
 
 void BlockBatch::clear()
 {
-    for (const DecodedBlock& entry : entries)
+    for (const DecodedBlock& entry : m_entries) {
         if (entry.record)
             TQX_release(const_cast<void*>(entry.record));
-    entries.clear();
-    bytes.clear();
-    recordBytes = 0;
-    text.clear();
+    }
+    m_entries.clear();
+    m_bytes.clear();
+    m_recordBytes = 0;
+    m_text.clear();
 }
 
 } // namespace tqx::tool

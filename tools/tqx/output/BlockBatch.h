@@ -23,8 +23,8 @@ public:
     BlockBatch(const BlockBatch&) = delete;
     BlockBatch& operator=(const BlockBatch&) = delete;
 
-    bool isEmpty() const { return entries.empty(); }
-    bool isFull() const { return bytes.size() >= enoughBytes || recordBytes >= enoughRecords; }
+    bool isEmpty() const { return m_entries.empty(); }
+    bool isFull() const { return m_bytes.size() >= enoughBytes || m_recordBytes >= enoughRecords; }
 
     /// Decodes a copy of a block. Returns the bits consumed or the codec's negative code. Only
     /// while the batch is not full.
@@ -33,7 +33,7 @@ public:
     /// Has the text made of all blocks.
     void write(BlockWriter& writer);
 
-    const Buffer& getText() const { return text; }
+    const Buffer& getText() const { return m_text; }
 
     /// Forgets blocks and text, and keeps their memory.
     void clear();
@@ -48,11 +48,11 @@ private:
         void operator()(std::byte* memory) const;
     };
 
-    std::vector<uint8_t> bytes; ///< of the blocks; never grows beyond what it was made with
-    std::unique_ptr<std::byte, RecordsDeleter> records; ///< one behind the other
-    size_t recordBytes = 0;                             ///< that are in use
-    std::vector<DecodedBlock> entries;
-    Buffer text;
+    std::vector<uint8_t> m_bytes; ///< of the blocks; never grows beyond what it was made with
+    std::unique_ptr<std::byte, RecordsDeleter> m_records; ///< one behind the other
+    size_t m_recordBytes = 0;                             ///< that are in use
+    std::vector<DecodedBlock> m_entries;
+    Buffer m_text;
 };
 
 } // namespace tqx::tool

@@ -25,17 +25,17 @@ class FolderDump : public RecordDump
 {
 public:
     FolderDump(CsvFiles& files, const FieldFilter& filter, const CsvStyle& style)
-        : folder(files, filter, style)
+        : m_folder(files, filter, style)
     {
     }
 
 private:
     void write(const Block&, const RecordDecoder& decoder) override
     {
-        folder.write(decoder.getRecord());
+        m_folder.write(decoder.getRecord());
     }
 
-    CsvFolder folder;
+    CsvFolder m_folder;
 };
 
 class FlatDump : public RecordDump
@@ -43,21 +43,21 @@ class FlatDump : public RecordDump
 public:
     FlatDump(const TQX_TypeLayout& type, const FieldFilter& filter, const CsvStyle& style,
              Buffer& buffer)
-        : recordType(type.recordType), table(type, filter, style), out(buffer)
+        : m_recordType(type.recordType), m_table(type, filter, style), m_out(buffer)
     {
-        table.writeHeader(out);
+        m_table.writeHeader(m_out);
     }
 
 private:
     void write(const Block&, const RecordDecoder& decoder) override
     {
-        if (decoder.getDecoded().getHeader().korcg_type == recordType)
-            table.write(out, decoder.getRecord());
+        if (decoder.getDecoded().getHeader().korcg_type == m_recordType)
+            m_table.write(m_out, decoder.getRecord());
     }
 
-    uint32_t recordType;
-    FlatCsv table;
-    Buffer& out;
+    uint32_t m_recordType;
+    FlatCsv m_table;
+    Buffer& m_out;
 };
 
 bool isOneFile(const std::string& target)
@@ -81,11 +81,12 @@ const TQX_TypeLayout& theType(const TypeSelection& selected, const FieldFilter& 
     });
     if (types.empty())
         throw ToolError("no selected type has fields to write as csv");
-    if (types.size() > 1)
+    if (types.size() > 1) {
         throw ToolError(fmt::format(
             "one csv file holds one type, but {} are selected; choose one with --type, or have a "
             "file for each with -o FOLDER",
             types.size()));
+    }
     return *types.front();
 }
 

@@ -12,27 +12,27 @@
 namespace tqx::tool
 {
 
-CsvFiles::CsvFiles(std::string path) : directory(std::move(path))
+CsvFiles::CsvFiles(std::string path) : m_directory(std::move(path))
 {
     std::error_code error;
-    std::filesystem::create_directories(directory, error);
+    std::filesystem::create_directories(m_directory, error);
     std::error_code unknown;
-    if (error || !std::filesystem::is_directory(directory, unknown))
-        throw ToolError(directory + ": " + (error ? error.message() : "Not a directory"));
+    if (error || !std::filesystem::is_directory(m_directory, unknown))
+        throw ToolError(m_directory + ": " + (error ? error.message() : "Not a directory"));
 }
 
 size_t CsvFiles::add(const std::string& name)
 {
     auto file = std::make_unique<File>();
-    file->path = (std::filesystem::path(directory) / name).string();
+    file->path = (std::filesystem::path(m_directory) / name).string();
     file->isNew = true;
-    files.push_back(std::move(file));
-    return files.size() - 1;
+    m_files.push_back(std::move(file));
+    return m_files.size() - 1;
 }
 
 void CsvFiles::flush()
 {
-    for (const std::unique_ptr<File>& file : files)
+    for (const std::unique_ptr<File>& file : m_files)
         write(*file);
 }
 

@@ -22,13 +22,13 @@ public:
     size_t add(const std::string& name);
 
     /// What is to be written next to a file.
-    Buffer& getBuffer(size_t file) { return files[file]->buffer; }
+    Buffer& getBuffer(size_t file) { return m_files[file]->buffer; }
 
     /// Writes out what has become big of a file. Throws as flush().
     void commit(size_t file)
     {
-        if (files[file]->buffer.size() >= pieceSize)
-            write(*files[file]);
+        if (m_files[file]->buffer.size() >= pieceSize)
+            write(*m_files[file]);
     }
 
     void commit() override {}
@@ -45,8 +45,8 @@ private:
 
     void write(File& file);
 
-    std::string directory;
-    std::vector<std::unique_ptr<File>> files;
+    std::string m_directory;
+    std::vector<std::unique_ptr<File>> m_files;
 };
 
 } // namespace tqx::tool

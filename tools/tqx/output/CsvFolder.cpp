@@ -27,7 +27,7 @@ struct CsvFolder::Book {
 };
 
 CsvFolder::CsvFolder(CsvFiles& target, const FieldFilter& shown, const CsvStyle& wanted)
-    : files(target), filter(shown), style(wanted)
+    : m_files(target), m_filter(shown), m_style(wanted)
 {
 }
 
@@ -35,7 +35,7 @@ CsvFolder::~CsvFolder() = default;
 
 std::unique_ptr<CsvFolder::Book> CsvFolder::open(const TQX_TypeLayout& type)
 {
-    std::unique_ptr<Book> book(new Book{{type, filter, style}, {}, 0});
+    std::unique_ptr<Book> book(new Book{{type, m_filter, m_style}, {}, 0});
     book->sheet = addSheet(book->table, type.name, "");
     return book;
 }
@@ -45,8 +45,8 @@ CsvFolder::Sheet CsvFolder::addSheet(CsvTable& table, const std::string& name,
 {
     Sheet sheet = {&table, table.hasRows(), 0, {}};
     if (sheet.hasFile) {
-        sheet.file = files.add(name + ".csv");
-        Buffer& out = files.getBuffer(sheet.file);
+        sheet.file = m_files.add(name + ".csv");
+        Buffer& out = m_files.getBuffer(sheet.file);
         csv::appendKeyColumns(out);
         out.append(indexes);
         for (const std::string& column : table.getColumns()) {
@@ -55,10 +55,11 @@ CsvFolder::Sheet CsvFolder::addSheet(CsvTable& table, const std::string& name,
         }
         out.append('\n');
     }
-    for (const CsvTable::Child& child : table.getChildren())
+    for (const CsvTable::Child& child : table.getChildren()) {
         sheet.children.push_back(
             addSheet(*child.table, name + '.' + child.field->name,
                      indexes + ',' + csv::cell(std::string(child.field->name) + " index")));
+    }
     return sheet;
 }
 
@@ -68,13 +69,13 @@ void CsvFolder::write(const void* record)
     const TQX_TypeLayout& type = *TQX_layout(recordType);
     if (!type.hasMessage)
         return;
-    if (books.size() <= recordType)
-        books.resize(recordType + 1);
-    std::unique_ptr<Book>& book = books[recordType];
+    if (m_books.size() <= recordType)
+        m_books.resize(recordType + 1);
+    std::unique_ptr<Book>& book = m_books[recordType];
     if (!book)
         book = open(type);
-    key.clear();
-    csv::appendKey(key, book->messages++, record);
+    m_key.clear();
+    csv::appendKey(m_key, book->messages++, record);
     writeRows(book->sheet, record);
 }
 
@@ -82,21 +83,21 @@ void CsvFolder::write(const void* record)
 void CsvFolder::writeRows(Sheet& sheet, const void* record)
 {
     if (sheet.hasFile) {
-        Buffer& out = files.getBuffer(sheet.file);
-        out.append(key.view());
+        Buffer& out = m_files.getBuffer(sheet.file);
+        out.append(m_key.view());
         sheet.table->appendCells(out, record);
         out.append('\n');
-        files.commit(sheet.file);
+        m_files.commit(sheet.file);
     }
-    const size_t start = key.size();
+    const size_t start = m_key.size();
     for (size_t c = 0; c < sheet.children.size(); ++c) {
         const CsvTable::Child& child = sheet.table->getChildren()[c];
         const uint32_t count = sheet.table->countEntries(child, record);
         for (uint32_t i = 0; i < count; ++i) {
-            key.append(',');
-            number::appendUnsigned(key, i);
+            m_key.append(',');
+            number::appendUnsigned(m_key, i);
             writeRows(sheet.children[c], CsvTable::entry(child, record, i));
-            key.truncate(start);
+            m_key.truncate(start);
         }
     }
 }

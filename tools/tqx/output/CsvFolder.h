@@ -34,11 +34,11 @@ private:
     Sheet addSheet(CsvTable& table, const std::string& name, const std::string& indexes);
     void writeRows(Sheet& sheet, const void* record);
 
-    CsvFiles& files;
-    const FieldFilter& filter;
-    CsvStyle style;
-    std::vector<std::unique_ptr<Book>> books; ///< by record type
-    Buffer key;
+    CsvFiles& m_files;
+    const FieldFilter& m_filter;
+    CsvStyle m_style;
+    std::vector<std::unique_ptr<Book>> m_books; ///< by record type
+    Buffer m_key;
 };
 
 } // namespace tqx::tool

@@ -13,23 +13,23 @@ class NeighbourWriter : public BlockConsumer
 public:
     /// Neither is owned.
     NeighbourWriter(Buffer& buffer, NeighbourKind wanted, const Selection& times)
-        : out(buffer), kind(wanted), selection(times)
+        : m_out(buffer), m_kind(wanted), m_selection(times)
     {
     }
 
     void begin(InputStream& stream) override
     {
         stream.setNeighbourListener([this](const Neighbour& neighbour) {
-            if (neighbour.kind == kind && selection.isInTime())
-                out.append(reinterpret_cast<const char*>(neighbour.data), neighbour.size);
+            if (neighbour.kind == m_kind && m_selection.isInTime())
+                m_out.append(reinterpret_cast<const char*>(neighbour.data), neighbour.size);
         });
     }
     void take(BlockStream&, const Block&) override {}
 
 private:
-    Buffer& out;
-    NeighbourKind kind;
-    const Selection& selection;
+    Buffer& m_out;
+    NeighbourKind m_kind;
+    const Selection& m_selection;
 };
 
 } // namespace tqx::tool

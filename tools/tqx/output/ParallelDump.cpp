@@ -8,39 +8,39 @@ namespace tqx::tool
 {
 
 ParallelDump::ParallelDump(Output& target, MakeWriter make, unsigned wanted)
-    : output(target), makeWriter(std::move(make)),
-      threadCount(wanted != 0 ? wanted : std::thread::hardware_concurrency()),
-      ownWriter(makeWriter()), filling(std::make_unique<BlockBatch>())
+    : m_output(target), m_makeWriter(std::move(make)),
+      m_threadCount(wanted != 0 ? wanted : std::thread::hardware_concurrency()),
+      m_ownWriter(m_makeWriter()), m_filling(std::make_unique<BlockBatch>())
 {
     // Reading and decoding keep up with about this many.
     constexpr unsigned most = 8;
-    threadCount = std::min(threadCount, most);
-    TQX_init_context(&context);
+    m_threadCount = std::min(m_threadCount, most);
+    TQX_init_context(&m_context);
 }
 
 ParallelDump::~ParallelDump()
 {
     {
-        const std::lock_guard lock(mutex);
-        isEnding = true;
+        const std::lock_guard lock(m_mutex);
+        m_isEnding = true;
     }
-    hasWork.notify_all();
-    for (std::thread& thread : threads)
+    m_hasWork.notify_all();
+    for (std::thread& thread : m_threads)
         thread.join();
 }
 
 void ParallelDump::take(BlockStream& stream, const Block& block)
 {
-    const int32_t result = filling->add(context, block);
+    const int32_t result = m_filling->add(m_context, block);
     if (result < 0 && result != unknownNumber)
         stream.reportUndecodable(block, result);
-    if (filling->isFull())
+    if (m_filling->isFull())
         submit();
 }
 
 void ParallelDump::handOn()
 {
-    if (!filling->isEmpty())
+    if (!m_filling->isEmpty())
         submit();
 }
 
@@ -48,12 +48,12 @@ void ParallelDump::flush()
 {
     handOn();
     {
-        std::unique_lock lock(mutex);
-        while (!jobs.empty())
+        std::unique_lock lock(m_mutex);
+        while (!m_jobs.empty())
             help(lock);
     }
     throwFailure();
-    output.flush();
+    m_output.flush();
 }
 
 // A few blocks, such as those of a short log or of a receiver that sends once a second, are not
@@ -61,47 +61,48 @@ void ParallelDump::flush()
 void ParallelDump::submit()
 {
     throwFailure();
-    if (threads.empty() && filling->isFull() && threadCount > 1)
+    if (m_threads.empty() && m_filling->isFull() && m_threadCount > 1)
         startThreads();
-    if (threads.empty())
+    if (m_threads.empty())
         return writeHere();
-    std::unique_lock lock(mutex);
-    jobs.push_back({std::move(filling), false});
-    hasWork.notify_one();
-    while (idle.empty())
+    std::unique_lock lock(m_mutex);
+    m_jobs.push_back({std::move(m_filling), false});
+    m_hasWork.notify_one();
+    while (m_idle.empty())
         help(lock);
-    filling = std::move(idle.back());
-    idle.pop_back();
+    m_filling = std::move(m_idle.back());
+    m_idle.pop_back();
 }
 
 void ParallelDump::writeHere()
 {
-    filling->write(*ownWriter);
-    output.write(filling->getText().view());
-    filling->clear();
+    m_filling->write(*m_ownWriter);
+    m_output.write(m_filling->getText().view());
+    m_filling->clear();
 }
 
 void ParallelDump::startThreads()
 {
-    for (unsigned i = 0; i < threadCount; ++i) {
-        idle.push_back(std::make_unique<BlockBatch>());
-        idle.push_back(std::make_unique<BlockBatch>());
+    for (unsigned i = 0; i < m_threadCount; ++i) {
+        m_idle.push_back(std::make_unique<BlockBatch>());
+        m_idle.push_back(std::make_unique<BlockBatch>());
     }
     try {
-        while (threads.size() + 1 < threadCount)
-            threads.emplace_back(
-                [this, writer = std::shared_ptr<BlockWriter>(makeWriter())] { work(*writer); });
+        while (m_threads.size() + 1 < m_threadCount) {
+            m_threads.emplace_back(
+                [this, writer = std::shared_ptr<BlockWriter>(m_makeWriter())] { work(*writer); });
+        }
     } catch (const std::system_error&) {
-        threadCount = static_cast<unsigned>(threads.size()) + 1; // that the system grants us
+        m_threadCount = static_cast<unsigned>(m_threads.size()) + 1; // that the system grants us
     }
 }
 
 void ParallelDump::work(BlockWriter& writer)
 {
-    std::unique_lock lock(mutex);
+    std::unique_lock lock(m_mutex);
     for (;;) {
-        hasWork.wait(lock, [this] { return isEnding || claimed < jobs.size(); });
-        if (claimed == jobs.size())
+        m_hasWork.wait(lock, [this] { return m_isEnding || m_claimed < m_jobs.size(); });
+        if (m_claimed == m_jobs.size())
             return;
         doJob(lock, writer);
     }
@@ -110,16 +111,17 @@ void ParallelDump::work(BlockWriter& writer)
 /// What the caller's thread does until something has come out.
 void ParallelDump::help(std::unique_lock<std::mutex>& lock)
 {
-    if (claimed < jobs.size())
-        doJob(lock, *ownWriter);
-    else
-        hasRoom.wait(lock);
+    if (m_claimed < m_jobs.size()) {
+        doJob(lock, *m_ownWriter);
+    } else {
+        m_hasRoom.wait(lock);
+    }
 }
 
 void ParallelDump::doJob(std::unique_lock<std::mutex>& lock, BlockWriter& writer)
 {
-    Job& job = jobs[claimed++]; // stays where it is while others come and go
-    const bool isWanted = !failure && !isEnding;
+    Job& job = m_jobs[m_claimed++]; // stays where it is while others come and go
+    const bool isWanted = !m_failure && !m_isEnding;
     lock.unlock();
     std::exception_ptr trouble;
     try {
@@ -129,45 +131,45 @@ void ParallelDump::doJob(std::unique_lock<std::mutex>& lock, BlockWriter& writer
         trouble = std::current_exception();
     }
     lock.lock();
-    if (trouble && !failure)
-        failure = trouble;
+    if (trouble && !m_failure)
+        m_failure = trouble;
     job.isWritten = true;
     outputInOrder(lock);
 }
 
 void ParallelDump::outputInOrder(std::unique_lock<std::mutex>& lock)
 {
-    if (isOutput)
+    if (m_isOutput)
         return; // by the thread that does it
-    isOutput = true;
-    while (!jobs.empty() && jobs.front().isWritten) {
-        BlockBatch& batch = *jobs.front().batch;
-        const bool isWanted = !failure;
+    m_isOutput = true;
+    while (!m_jobs.empty() && m_jobs.front().isWritten) {
+        BlockBatch& batch = *m_jobs.front().batch;
+        const bool isWanted = !m_failure;
         lock.unlock();
         std::exception_ptr trouble;
         try {
             if (isWanted)
-                output.write(batch.getText().view());
+                m_output.write(batch.getText().view());
         } catch (...) {
             trouble = std::current_exception();
         }
         batch.clear();
         lock.lock();
         if (trouble)
-            failure = trouble;
-        idle.push_back(std::move(jobs.front().batch));
-        jobs.pop_front();
-        --claimed;
-        hasRoom.notify_one();
+            m_failure = trouble;
+        m_idle.push_back(std::move(m_jobs.front().batch));
+        m_jobs.pop_front();
+        --m_claimed;
+        m_hasRoom.notify_one();
     }
-    isOutput = false;
+    m_isOutput = false;
 }
 
 void ParallelDump::throwFailure()
 {
-    const std::lock_guard lock(mutex);
-    if (failure)
-        std::rethrow_exception(failure);
+    const std::lock_guard lock(m_mutex);
+    if (m_failure)
+        std::rethrow_exception(m_failure);
 }
 
 } // namespace tqx::tool

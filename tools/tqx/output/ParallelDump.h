@@ -54,24 +54,24 @@ private:
     void outputInOrder(std::unique_lock<std::mutex>& lock);
     void throwFailure();
 
-    Output& output;
-    MakeWriter makeWriter;
-    unsigned threadCount;
-    Kor::MessageApi::TQX_Context_s context;
-    std::unique_ptr<BlockWriter> ownWriter;
-    std::unique_ptr<BlockBatch> filling;
+    Output& m_output;
+    MakeWriter m_makeWriter;
+    unsigned m_threadCount;
+    Kor::MessageApi::TQX_Context_s m_context;
+    std::unique_ptr<BlockWriter> m_ownWriter;
+    std::unique_ptr<BlockBatch> m_filling;
 
-    std::mutex mutex; ///< of what follows
-    std::condition_variable hasWork;
-    std::condition_variable hasRoom;
-    std::deque<Job> jobs;  ///< in the order of the stream, until their text is out
-    size_t claimed = 0;    ///< of the jobs, those that a thread has begun
-    bool isOutput = false; ///< whether a thread is putting out the first job
-    bool isEnding = false;
-    std::exception_ptr failure; ///< of the first text that could not be made or put out
-    std::vector<std::unique_ptr<BlockBatch>> idle;
+    std::mutex m_mutex; ///< of what follows
+    std::condition_variable m_hasWork;
+    std::condition_variable m_hasRoom;
+    std::deque<Job> m_jobs;  ///< in the order of the stream, until their text is out
+    size_t m_claimed = 0;    ///< of the jobs, those that a thread has begun
+    bool m_isOutput = false; ///< whether a thread is putting out the first job
+    bool m_isEnding = false;
+    std::exception_ptr m_failure; ///< of the first text that could not be made or put out
+    std::vector<std::unique_ptr<BlockBatch>> m_idle;
 
-    std::vector<std::thread> threads;
+    std::vector<std::thread> m_threads;
 };
 
 } // namespace tqx::tool

@@ -20,7 +20,7 @@ protected:
     virtual void writeOther(const Block&) {}
 
 private:
-    RecordDecoder records;
+    RecordDecoder m_records;
 };
 
 } // namespace tqx::tool

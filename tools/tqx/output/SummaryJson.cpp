@@ -29,10 +29,11 @@ void addGaps(Json& object, const std::string& name, const Intervals& intervals, 
 {
     object[name + "Count"] = intervals.getGapCount(usual);
     Json& list = object[name] = Json::array();
-    for (const Intervals::Gap& gap : intervals.getGaps(usual, mostListed))
+    for (const Intervals::Gap& gap : intervals.getGaps(usual, mostListed)) {
         list.push_back({{"seconds", secondsOf(gap.millis)},
                         {"missing", gap.missing},
                         {"after", timeOf(gap.after)}});
+    }
 }
 
 Json placeOf(const BlockPlace& place)
@@ -59,21 +60,23 @@ Json typeOf(uint16_t number, const TypeSummary& type)
     if (const Kor::MessageApi::TQX_TypeLayout* layout = TQX_layout(TQX_recordType(number)))
         object["name"] = layout->name;
     object["revisions"] = Json::array();
-    for (size_t revision = 0; revision < type.revisions.size(); ++revision)
+    for (size_t revision = 0; revision < type.revisions.size(); ++revision) {
         if (type.revisions[revision])
             object["revisions"].push_back(revision);
+    }
     object["blocks"] = type.blocks;
     object["bytes"] = type.bytes;
     if (const std::optional<uint64_t> usual = type.intervals.getUsual()) {
         object["interval"] = secondsOf(*usual);
         addGaps(object, "gaps", type.intervals, *usual);
     }
-    for (const auto& [code, failure] : type.failures)
+    for (const auto& [code, failure] : type.failures) {
         object["undecodable"].push_back({{"code", code},
                                          {"name", TQX_errorName(code)},
                                          {"blocks", failure.blocks},
                                          {"file", failure.file},
                                          {"offset", failure.offset}});
+    }
     return object;
 }
 
@@ -138,12 +141,13 @@ void appendSummaryJson(Buffer& out, const InputStream& stream, const StreamSumma
     object["neighbours"] = neighboursOf(counts, summary.getNeighbours());
     object["damagedPlaces"] = summary.getDamagedPlaces();
     object["damage"] = Json::array();
-    for (const StreamGap& gap : summary.getDamage())
+    for (const StreamGap& gap : summary.getDamage()) {
         object["damage"].push_back({{"file", gap.file},
                                     {"offset", gap.offset},
                                     {"bytes", gap.bytes},
                                     {"crcErrors", gap.crcErrors},
                                     {"invalidLengths", gap.invalidLengths}});
+    }
     // Names of files may be no UTF-8.
     out.append(object.dump(-1, ' ', true, Json::error_handler_t::replace) + "\n");
 }

@@ -50,9 +50,10 @@ std::string rateText(const Intervals& intervals)
 std::string revisionsText(const std::bitset<8>& revisions)
 {
     std::vector<size_t> seen;
-    for (size_t revision = 0; revision < revisions.size(); ++revision)
+    for (size_t revision = 0; revision < revisions.size(); ++revision) {
         if (revisions[revision])
             seen.push_back(revision);
+    }
     return fmt::format("{}", fmt::join(seen, ","));
 }
 
@@ -60,17 +61,17 @@ class SummaryText
 {
 public:
     SummaryText(Buffer& buffer, const InputStream& source, const StreamSummary& content)
-        : out(buffer), stream(source), summary(content), types(content.getTypes())
+        : m_out(buffer), m_stream(source), m_summary(content), m_types(content.getTypes())
     {
-        for (const auto& [number, type] : types)
-            nameWidth = std::max(nameWidth, nameOf(number).size());
+        for (const auto& [number, type] : m_types)
+            m_nameWidth = std::max(m_nameWidth, nameOf(number).size());
     }
 
     void append()
     {
         appendTotals();
         appendTable();
-        appendNeighbourTable(out, summary.getNeighbours(), stream.getCounts().bytes);
+        appendNeighbourTable(m_out, m_summary.getNeighbours(), m_stream.getCounts().bytes);
         appendGaps();
         appendOutages();
         appendDamage();
@@ -80,7 +81,7 @@ public:
 private:
     void line(const char* name, const std::string& value)
     {
-        out.append(fmt::format("  {:<16} {}\n", name, value));
+        m_out.append(fmt::format("  {:<16} {}\n", name, value));
     }
     void appendTotals();
     void appendTable();
@@ -91,69 +92,70 @@ private:
     void appendMore(uint64_t all)
     {
         if (all > mostPlaces)
-            out.append(fmt::format("  ... and {} more\n", all - mostPlaces));
+            m_out.append(fmt::format("  ... and {} more\n", all - mostPlaces));
     }
     std::string placeOf(const std::string& file, uint64_t offset) const
     {
-        return stream.getNames().size() > 1 ? fmt::format("{}: {}", printable(file), offset)
-                                            : std::to_string(offset);
+        return m_stream.getNames().size() > 1 ? fmt::format("{}: {}", printable(file), offset)
+                                              : std::to_string(offset);
     }
 
-    Buffer& out;
-    const InputStream& stream;
-    const StreamSummary& summary;
-    const std::map<uint16_t, const TypeSummary*> types;
-    size_t nameWidth = 7;
+    Buffer& m_out;
+    const InputStream& m_stream;
+    const StreamSummary& m_summary;
+    const std::map<uint16_t, const TypeSummary*> m_types;
+    size_t m_nameWidth = 7;
 };
 
 void SummaryText::appendTotals()
 {
-    const StreamCounts& counts = stream.getCounts();
-    out.append(headOf(stream.getNames()) + "\n");
+    const StreamCounts& counts = m_stream.getCounts();
+    m_out.append(headOf(m_stream.getNames()) + "\n");
     line("bytes", std::to_string(counts.bytes));
     uint64_t blocks = 0;
-    for (const auto& [number, type] : types)
+    for (const auto& [number, type] : m_types)
         blocks += type->blocks;
     line("blocks", std::to_string(blocks));
-    if (summary.getFirst()) {
-        const GnssMillis first = *summary.getFirst();
-        const GnssMillis last = *summary.getLast();
+    if (m_summary.getFirst()) {
+        const GnssMillis first = *m_summary.getFirst();
+        const GnssMillis last = *m_summary.getLast();
         line("first", timeText(first));
         line("last", timeText(last));
         line("duration", durationText(last - first));
     }
-    if (const uint64_t times = summary.getStepsBack(); times != 0) {
-        const BlockPlace& place = summary.getFirstStepBack();
+    if (const uint64_t times = m_summary.getStepsBack(); times != 0) {
+        const BlockPlace& place = m_summary.getFirstStepBack();
         line("time runs back",
              fmt::format("{} {}, first at {}", times, times == 1 ? "time" : "times",
                          placeOf(place.file, place.offset)));
     }
-    if (summary.getRepeatedEpochs() != 0)
-        line("repeated epochs", std::to_string(summary.getRepeatedEpochs()));
+    if (m_summary.getRepeatedEpochs() != 0)
+        line("repeated epochs", std::to_string(m_summary.getRepeatedEpochs()));
     line("CRC errors", std::to_string(counts.crcErrors));
     line("invalid lengths", std::to_string(counts.invalidLengths));
     std::string dropped = std::to_string(counts.droppedBytes);
-    if (counts.droppedBytes != 0)
+    if (counts.droppedBytes != 0) {
         dropped += fmt::format(", {:.3g} %", static_cast<double>(counts.droppedBytes) * 100 /
                                                  static_cast<double>(counts.bytes));
+    }
     line("dropped bytes", dropped);
     line("undecodable", std::to_string(counts.undecodable));
-    line("unknown", std::to_string(summary.getUnknown()));
+    line("unknown", std::to_string(m_summary.getUnknown()));
 }
 
 void SummaryText::appendTable()
 {
-    if (types.empty())
+    if (m_types.empty())
         return;
-    out.append(fmt::format("\n  number  {:<{}}  revisions  {:>10}  {:>12}  {:>7}  {:>5}  rate\n",
-                           "type", nameWidth, "blocks", "bytes", "share", "gaps"));
-    const auto bytes = static_cast<double>(stream.getCounts().bytes);
-    for (const auto& [number, type] : types) {
+    m_out.append(fmt::format("\n  number  {:<{}}  revisions  {:>10}  {:>12}  {:>7}  {:>5}  rate\n",
+                             "type", m_nameWidth, "blocks", "bytes", "share", "gaps"));
+    const auto bytes = static_cast<double>(m_stream.getCounts().bytes);
+    for (const auto& [number, type] : m_types) {
         const std::optional<uint64_t> usual = type->intervals.getUsual();
         const uint64_t gaps = usual ? type->intervals.getGapCount(*usual) : 0;
-        out.append(fmt::format(
+        m_out.append(fmt::format(
             "  {:>6}  {:<{}}  {:<9}  {:>10}  {:>12}  {:>5.1f} %  {:>5}  {}\n", number,
-            nameOf(number), nameWidth, revisionsText(type->revisions), type->blocks, type->bytes,
+            nameOf(number), m_nameWidth, revisionsText(type->revisions), type->blocks, type->bytes,
             static_cast<double>(type->bytes) * 100 / bytes, gaps, rateText(type->intervals)));
     }
 }
@@ -161,19 +163,19 @@ void SummaryText::appendTable()
 void SummaryText::appendGaps()
 {
     size_t found = 0;
-    for (const auto& [number, type] : types) {
+    for (const auto& [number, type] : m_types) {
         const std::optional<uint64_t> usual = type->intervals.getUsual();
         if (!usual)
             continue;
         for (const auto& [gap, times] : type->intervals.getGapsByLength(*usual)) {
             if (++found == 1)
-                out.append("\n  gaps\n");
+                m_out.append("\n  gaps\n");
             if (found > mostPlaces)
                 continue;
             const bool isOnce = times == 1;
-            out.append(fmt::format(
+            m_out.append(fmt::format(
                 "  {:>6}  {:<{}}  {}{} after {}, {} {} missing{}\n", number, nameOf(number),
-                nameWidth, isOnce ? "" : fmt::format("{} times ", times),
+                m_nameWidth, isOnce ? "" : fmt::format("{} times ", times),
                 secondsText(gap.millis) + (isOnce ? "" : ", first"), weekText(gap.after),
                 gap.missing, gap.missing == 1 ? "block" : "blocks", isOnce ? "" : " each"));
         }
@@ -184,46 +186,48 @@ void SummaryText::appendGaps()
 /// Longest first.
 void SummaryText::appendOutages()
 {
-    const std::optional<uint64_t> usual = summary.getUsualInterval();
+    const std::optional<uint64_t> usual = m_summary.getUsualInterval();
     if (!usual)
         return;
-    std::vector<Intervals::Gap> outages = summary.getIntervals().getGaps(*usual, mostListed);
+    std::vector<Intervals::Gap> outages = m_summary.getIntervals().getGaps(*usual, mostListed);
     if (outages.empty())
         return;
     const auto isLonger = [](const Intervals::Gap& a, const Intervals::Gap& b) {
         return a.millis > b.millis;
     };
     std::stable_sort(outages.begin(), outages.end(), isLonger);
-    out.append("\n  outages, with blocks of no type\n");
-    for (size_t i = 0; i < std::min(outages.size(), mostPlaces); ++i)
-        out.append(fmt::format("  {:>12} after {}\n", secondsText(outages[i].millis),
-                               timeText(outages[i].after)));
-    appendMore(summary.getIntervals().getGapCount(*usual));
+    m_out.append("\n  outages, with blocks of no type\n");
+    for (size_t i = 0; i < std::min(outages.size(), mostPlaces); ++i) {
+        m_out.append(fmt::format("  {:>12} after {}\n", secondsText(outages[i].millis),
+                                 timeText(outages[i].after)));
+    }
+    appendMore(m_summary.getIntervals().getGapCount(*usual));
 }
 
 void SummaryText::appendDamage()
 {
-    if (summary.getDamage().empty())
+    if (m_summary.getDamage().empty())
         return;
-    out.append("\n  damage\n");
-    const size_t shown = std::min(summary.getDamage().size(), mostPlaces);
+    m_out.append("\n  damage\n");
+    const size_t shown = std::min(m_summary.getDamage().size(), mostPlaces);
     for (size_t i = 0; i < shown; ++i) {
-        const StreamGap& gap = summary.getDamage()[i];
-        out.append(fmt::format("  {:>10}  {}\n", placeOf(gap.file, gap.offset), gap.describe()));
+        const StreamGap& gap = m_summary.getDamage()[i];
+        m_out.append(fmt::format("  {:>10}  {}\n", placeOf(gap.file, gap.offset), gap.describe()));
     }
-    appendMore(summary.getDamagedPlaces());
+    appendMore(m_summary.getDamagedPlaces());
 }
 
 void SummaryText::appendFailures()
 {
     const char* head = "\n  blocks that do not decode\n";
-    for (const auto& [number, type] : types) {
+    for (const auto& [number, type] : m_types) {
         for (const auto& [code, failure] : type->failures) {
-            out.append(head);
+            m_out.append(head);
             head = "";
-            out.append(fmt::format("  {:>6}  {:<{}}  {} with {} ({}), first at {}\n", number,
-                                   nameOf(number), nameWidth, failure.blocks, TQX_errorName(code),
-                                   code, placeOf(failure.file, failure.offset)));
+            m_out.append(fmt::format("  {:>6}  {:<{}}  {} with {} ({}), first at {}\n", number,
+                                     nameOf(number), m_nameWidth, failure.blocks,
+                                     TQX_errorName(code), code,
+                                     placeOf(failure.file, failure.offset)));
         }
     }
 }

@@ -20,9 +20,10 @@ constexpr size_t longestText = 400;
 std::string unknownOption(const CLI::App& app, const std::string& given)
 {
     std::vector<std::string> names;
-    for (const CLI::Option* option : optionsOf(app))
+    for (const CLI::Option* option : optionsOf(app)) {
         for (const std::string& name : option->get_lnames())
             names.push_back("--" + name);
+    }
     return unknownName("option", std::string_view(given).substr(0, given.find('=')),
                        {names.begin(), names.end()});
 }
@@ -59,11 +60,13 @@ std::string describeCount(const CLI::App& command, const std::string& text)
 /// The name of the argument that is missing, and how to read standard input where that helps.
 std::string describeMissing(const CLI::App& command, const std::string& text)
 {
-    for (const CLI::Option* option : optionsOf(command))
+    for (const CLI::Option* option : optionsOf(command)) {
         if (option->get_positional() && option->get_required() && option->count() == 0 &&
-            option->get_name(true) == "FILE")
+            option->get_name(true) == "FILE") {
             return fmt::format("FILE is required, - for standard input: tqx {} -",
                                command.get_name());
+        }
+    }
     return text;
 }
 
@@ -73,20 +76,22 @@ std::string describe(const CLI::App& program, const CLI::ParseError& error)
 {
     if (program.get_subcommands().empty())
         return describeCommand(program);
-    if (program.remaining_size() != 0)
+    if (program.remaining_size() != 0) {
         return shortened(program.remaining().front()) +
                " stands before the command, options come behind it";
+    }
     const CLI::App& command = *program.get_subcommands().front();
     const std::vector<std::string> extras = program.remaining(true);
     std::string text = shortened(error.what(), longestText);
-    if (dynamic_cast<const CLI::ExtrasError*>(&error) && !extras.empty())
+    if (dynamic_cast<const CLI::ExtrasError*>(&error) && !extras.empty()) {
         text = extras.front().rfind('-', 0) == 0
                    ? unknownOption(command, extras.front())
                    : shortened(extras.front()) + " is one argument too many";
-    else if (dynamic_cast<const CLI::ArgumentMismatch*>(&error))
+    } else if (dynamic_cast<const CLI::ArgumentMismatch*>(&error)) {
         text = describeCount(command, text);
-    else if (dynamic_cast<const CLI::RequiredError*>(&error))
+    } else if (dynamic_cast<const CLI::RequiredError*>(&error)) {
         text = describeMissing(command, text);
+    }
     return command.get_name() + ": " + text + " (see tqx help " + command.get_name() + ")";
 }
 

@@ -23,9 +23,10 @@ std::vector<std::string> namesOf(const CLI::Option& option)
 std::string wordsOf(const CLI::App& command)
 {
     std::vector<std::string> words;
-    for (const CLI::Option* option : optionsOf(command))
+    for (const CLI::Option* option : optionsOf(command)) {
         for (std::string& name : namesOf(*option))
             words.push_back(std::move(name));
+    }
     return fmt::format("{}", fmt::join(words, " "));
 }
 

@@ -35,24 +35,25 @@ std::string filled(const std::string& text, size_t start, size_t indentation, si
     return lines + '\n';
 }
 
-HelpFormatter::HelpFormatter(size_t columns) : width(std::max(columns, narrowest))
+HelpFormatter::HelpFormatter(size_t columns) : m_width(std::max(columns, narrowest))
 {
-    column_width(std::min(widestHead, width / 3));
+    column_width(std::min(widestHead, m_width / 3));
 }
 
 std::string HelpFormatter::entry(const std::string& head, const std::string& text) const
 {
     const size_t column = get_column_width();
-    std::string line = "  " + filled(head, 2, 4, width);
+    std::string line = "  " + filled(head, 2, 4, m_width);
     line.pop_back();
     const size_t used = line.size() - (line.rfind('\n') + 1);
     if (text.empty())
         return line + '\n';
-    if (used + 2 > column)
+    if (used + 2 > column) {
         line += '\n' + std::string(column, ' ');
-    else
+    } else {
         line += std::string(column - used, ' ');
-    return line + filled(text, column, column, width);
+    }
+    return line + filled(text, column, column, m_width);
 }
 
 std::string HelpFormatter::make_option(const CLI::Option* option, bool isPositional) const
@@ -68,7 +69,7 @@ std::string HelpFormatter::make_subcommand(const CLI::App* command) const
 
 std::string HelpFormatter::make_description(const CLI::App* app) const
 {
-    return filled(app->get_description(), 0, 0, width);
+    return filled(app->get_description(), 0, 0, m_width);
 }
 
 std::string HelpFormatter::make_footer(const CLI::App* app) const
@@ -79,7 +80,7 @@ std::string HelpFormatter::make_footer(const CLI::App* app) const
     std::string paragraph;
     const auto endParagraph = [&] {
         if (!paragraph.empty())
-            footer += filled(paragraph, 0, 0, width);
+            footer += filled(paragraph, 0, 0, m_width);
         paragraph.clear();
     };
     for (std::string line; std::getline(lines, line);) {

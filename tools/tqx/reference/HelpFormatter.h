@@ -24,7 +24,7 @@ public:
 private:
     std::string entry(const std::string& head, const std::string& text) const;
 
-    size_t width;
+    size_t m_width;
 };
 
 /// The words of `text` in lines of up to `width` columns, each ended. `indentation` blanks are in

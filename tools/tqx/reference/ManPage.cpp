@@ -15,12 +15,13 @@ std::string plain(const std::string& text)
 {
     std::string escaped;
     for (const char character : text) {
-        if (character == '\\')
+        if (character == '\\') {
             escaped += "\\e";
-        else if (character == '-' || character == '\'' || character == '`')
+        } else if (character == '-' || character == '\'' || character == '`') {
             escaped += character == '-' ? "\\-" : character == '\'' ? "\\(aq" : "\\(ga";
-        else
+        } else {
             escaped += character;
+        }
     }
     return !escaped.empty() && escaped.front() == '.' ? "\\&" + escaped : escaped;
 }
@@ -46,17 +47,17 @@ std::string headOf(const CLI::Option& option)
 class ManPage
 {
 public:
-    explicit ManPage(Buffer& buffer) : out(buffer) {}
+    explicit ManPage(Buffer& buffer) : m_out(buffer) {}
 
     void append(const CLI::App& program, const std::string& version);
 
 private:
-    void line(const std::string& text) { out.append(text + "\n"); }
+    void line(const std::string& text) { m_out.append(text + "\n"); }
     void appendNotes(const std::string& notes);
     void appendOptions(const CLI::App& command);
     void appendCommand(const CLI::App& program, const CLI::App& command);
 
-    Buffer& out;
+    Buffer& m_out;
 };
 
 /// Paragraphs, and examples, which are indented.

@@ -19,52 +19,54 @@ namespace
 class Errors
 {
 public:
-    explicit Errors(std::vector<uint64_t> all) : offsets(std::move(all)) {}
+    explicit Errors(std::vector<uint64_t> all) : m_offsets(std::move(all)) {}
 
     /// Passes those before `offset` and returns how many.
     uint64_t passBefore(uint64_t offset)
     {
-        const size_t before = next;
-        while (next < offsets.size() && offsets[next] < offset)
-            ++next;
-        return next - before;
+        const size_t before = m_next;
+        while (m_next < m_offsets.size() && m_offsets[m_next] < offset)
+            ++m_next;
+        return m_next - before;
     }
 
 private:
-    std::vector<uint64_t> offsets;
-    size_t next = 0;
+    std::vector<uint64_t> m_offsets;
+    size_t m_next = 0;
 };
 
 class Scan : private NeighbourScanner::Listener
 {
 public:
     Scan(const Index& index, const RandomAccess& source, StreamListener* hears)
-        : log(source), listener(hears), scanner(*this), checksums(index.getChecksumErrors()),
-          lengths(index.getInvalidLengths()), piece(pieceSize)
+        : m_log(source), m_listener(hears), m_scanner(*this),
+          m_checksums(index.getChecksumErrors()), m_lengths(index.getInvalidLengths()),
+          m_piece(pieceSize)
     {
-        counts = index.getCounts();
-        counts.droppedBytes = 0;
-        counts.crcErrors = 0;
-        counts.invalidLengths = 0;
+        m_counts = index.getCounts();
+        m_counts.droppedBytes = 0;
+        m_counts.crcErrors = 0;
+        m_counts.invalidLengths = 0;
     }
 
     void add(const StreamGap& run)
     {
         for (uint64_t at = run.offset, end = run.offset + run.bytes; at < end;) {
-            const auto wanted = static_cast<size_t>(std::min<uint64_t>(piece.size(), end - at));
-            const size_t got = log.readAt(at, piece.data(), wanted);
-            if (got != wanted)
+            const auto wanted = static_cast<size_t>(std::min<uint64_t>(m_piece.size(), end - at));
+            const size_t got = m_log.readAt(at, m_piece.data(), wanted);
+            if (got != wanted) {
                 throw SourceError(fmt::format("{}: {}: the log is shorter than its index",
-                                              log.getName(), at + got));
-            scanner.append(at, piece.data(), got);
+                                              m_log.getName(), at + got));
+            }
+            m_scanner.append(at, m_piece.data(), got);
             at += got;
         }
-        scanner.end();
-        gap.isCut = run.isCut;
+        m_scanner.end();
+        m_gap.isCut = run.isCut;
         closeGap();
     }
 
-    const StreamCounts& getCounts() const { return counts; }
+    const StreamCounts& getCounts() const { return m_counts; }
 
 private:
     static constexpr size_t pieceSize = 1 << 16;
@@ -73,43 +75,43 @@ private:
     void onRecognised(const Neighbour& neighbour) override
     {
         closeGap();
-        counts.neighbours[static_cast<size_t>(neighbour.kind)].add(neighbour);
-        checksums.passBefore(neighbour.offset + neighbour.size);
-        lengths.passBefore(neighbour.offset + neighbour.size);
-        if (listener != nullptr)
-            listener->onNeighbour(log.getName(), neighbour);
+        m_counts.neighbours[static_cast<size_t>(neighbour.kind)].add(neighbour);
+        m_checksums.passBefore(neighbour.offset + neighbour.size);
+        m_lengths.passBefore(neighbour.offset + neighbour.size);
+        if (m_listener != nullptr)
+            m_listener->onNeighbour(m_log.getName(), neighbour);
     }
 
     void onDamage(uint64_t offset, uint64_t count) override
     {
-        if (gap.bytes == 0)
-            gap.offset = offset;
-        gap.bytes += count;
-        gap.crcErrors += checksums.passBefore(offset + count);
-        gap.invalidLengths += lengths.passBefore(offset + count);
+        if (m_gap.bytes == 0)
+            m_gap.offset = offset;
+        m_gap.bytes += count;
+        m_gap.crcErrors += m_checksums.passBefore(offset + count);
+        m_gap.invalidLengths += m_lengths.passBefore(offset + count);
     }
 
     void closeGap()
     {
-        if (gap.bytes != 0) {
-            counts.droppedBytes += gap.bytes;
-            counts.crcErrors += gap.crcErrors;
-            counts.invalidLengths += gap.invalidLengths;
-            gap.file = log.getName();
-            if (listener != nullptr)
-                listener->onGap(gap);
+        if (m_gap.bytes != 0) {
+            m_counts.droppedBytes += m_gap.bytes;
+            m_counts.crcErrors += m_gap.crcErrors;
+            m_counts.invalidLengths += m_gap.invalidLengths;
+            m_gap.file = m_log.getName();
+            if (m_listener != nullptr)
+                m_listener->onGap(m_gap);
         }
-        gap = StreamGap();
+        m_gap = StreamGap();
     }
 
-    const RandomAccess& log;
-    StreamListener* listener;
-    NeighbourScanner scanner;
-    Errors checksums;
-    Errors lengths;
-    std::vector<uint8_t> piece;
-    StreamGap gap;
-    StreamCounts counts;
+    const RandomAccess& m_log;
+    StreamListener* m_listener;
+    NeighbourScanner m_scanner;
+    Errors m_checksums;
+    Errors m_lengths;
+    std::vector<uint8_t> m_piece;
+    StreamGap m_gap;
+    StreamCounts m_counts;
 };
 
 } // namespace

@@ -14,18 +14,18 @@ class OffsetWalk
 {
 public:
     OffsetWalk(const FramedPages& framed, const PageOffsets& offsets)
-        : pages(framed), cursor(offsets)
+        : m_pages(framed), m_cursor(offsets)
     {
         load();
     }
 
-    bool isAtEnd() const { return page == PageOffsets::Cursor::none; }
-    uint64_t get() const { return pages.startOf(page) + *at; }
+    bool isAtEnd() const { return m_page == PageOffsets::Cursor::none; }
+    uint64_t get() const { return m_pages.startOf(m_page) + *m_at; }
 
     void advance()
     {
-        if (++at == ofPage.end()) {
-            ++page;
+        if (++m_at == m_ofPage.end()) {
+            ++m_page;
             load();
         }
     }
@@ -42,23 +42,23 @@ public:
 private:
     void load()
     {
-        page = cursor.nextPage(page);
+        m_page = m_cursor.nextPage(m_page);
         if (isAtEnd())
             return;
-        ofPage = cursor.at(page);
-        at = ofPage.begin();
+        m_ofPage = m_cursor.at(m_page);
+        m_at = m_ofPage.begin();
     }
 
-    const FramedPages& pages;
-    PageOffsets::Cursor cursor;
-    uint32_t page = 0;
-    PageOffsets::Page ofPage = {};
-    const uint16_t* at = nullptr;
+    const FramedPages& m_pages;
+    PageOffsets::Cursor m_cursor;
+    uint32_t m_page = 0;
+    PageOffsets::Page m_ofPage = {};
+    const uint16_t* m_at = nullptr;
 };
 
 } // namespace
 
-Index::Index(FramedPages framed, uint64_t logSize) : pages(std::move(framed)), size(logSize) {}
+Index::Index(FramedPages framed, uint64_t logSize) : m_pages(std::move(framed)), m_size(logSize) {}
 
 Index Index::build(const RandomAccess& log, const FramingOptions& options, uint32_t pageSize)
 {
@@ -75,36 +75,36 @@ Index Index::build(ByteSource& source)
 // Only the end of the log gives candidates up, and a page that it was in may now have more blocks.
 void Index::extend(const RandomAccess& log, const FramingOptions& options)
 {
-    if (log.getSize() < size) {
-        *this = build(log, options, pages.pageSize);
+    if (log.getSize() < m_size) {
+        *this = build(log, options, m_pages.pageSize);
         return;
     }
-    FramedPages kept = pages;
+    FramedPages kept = m_pages;
     const PageOffsets& givenUp = kept.marks[FramedPages::GivenUp];
-    auto first = static_cast<uint32_t>(size / kept.pageSize);
+    auto first = static_cast<uint32_t>(m_size / kept.pageSize);
     if (!givenUp.isEmpty())
         first = std::min(first, givenUp.getFirstPage());
     kept.truncate(first);
-    pages = frameLog(log, std::move(kept), options);
-    size = log.getSize();
+    m_pages = frameLog(log, std::move(kept), options);
+    m_size = log.getSize();
 }
 
 StreamCounts Index::getCounts() const
 {
     StreamCounts counts;
-    counts.bytes = size;
-    for (const PageRow& row : pages.rows)
+    counts.bytes = m_size;
+    for (const PageRow& row : m_pages.rows)
         counts.blocks += row.blocks;
     visitGaps([&](const StreamGap& gap) { counts.droppedBytes += gap.bytes; });
-    counts.crcErrors = pages.marks[FramedPages::ChecksumError].size();
-    counts.invalidLengths = pages.marks[FramedPages::InvalidLength].size();
+    counts.crcErrors = m_pages.marks[FramedPages::ChecksumError].size();
+    counts.invalidLengths = m_pages.marks[FramedPages::InvalidLength].size();
     return counts;
 }
 
 std::vector<Index::Type> Index::getTypes() const
 {
     std::vector<Type> types;
-    for (const FramedPages::Type& type : pages.types)
+    for (const FramedPages::Type& type : m_pages.types)
         types.push_back({type.number, type.offsets.size()});
     std::sort(types.begin(), types.end(),
               [](const Type& left, const Type& right) { return left.number < right.number; });
@@ -113,7 +113,7 @@ std::vector<Index::Type> Index::getTypes() const
 
 uint64_t Index::getCount(uint16_t number) const
 {
-    for (const FramedPages::Type& type : pages.types) {
+    for (const FramedPages::Type& type : m_pages.types) {
         if (type.number == number)
             return type.offsets.size();
     }
@@ -123,7 +123,7 @@ uint64_t Index::getCount(uint16_t number) const
 std::optional<GnssMillis> Index::getFirstTime() const
 {
     GnssMillis first = noMillis; // later than any
-    for (const PageRow& row : pages.rows)
+    for (const PageRow& row : m_pages.rows)
         first = std::min(first, row.minTime);
     return first == noMillis ? std::nullopt : std::optional(first);
 }
@@ -131,7 +131,7 @@ std::optional<GnssMillis> Index::getFirstTime() const
 std::optional<GnssMillis> Index::getLastTime() const
 {
     std::optional<GnssMillis> last;
-    for (const PageRow& row : pages.rows) {
+    for (const PageRow& row : m_pages.rows) {
         if (row.maxTime != noMillis)
             last = std::max(last.value_or(0), row.maxTime);
     }
@@ -141,7 +141,7 @@ std::optional<GnssMillis> Index::getLastTime() const
 std::vector<uint64_t> Index::listOf(FramedPages::Mark mark) const
 {
     std::vector<uint64_t> list;
-    for (OffsetWalk walk(pages, pages.marks[mark]); !walk.isAtEnd(); walk.advance())
+    for (OffsetWalk walk(m_pages, m_pages.marks[mark]); !walk.isAtEnd(); walk.advance())
         list.push_back(walk.get());
     return list;
 }
@@ -161,9 +161,9 @@ std::vector<uint64_t> Index::getWeekStarts() const
     std::vector<uint64_t> starts = listOf(FramedPages::WeekStart);
     const auto within = static_cast<std::ptrdiff_t>(starts.size());
     for (uint32_t page = 0; page < getPageCount(); ++page) {
-        const PageRow& row = pages.rowOf(page);
+        const PageRow& row = m_pages.rowOf(page);
         if (row.startsWeek)
-            starts.push_back(pages.startOf(page) + row.firstTowAt);
+            starts.push_back(m_pages.startOf(page) + row.firstTowAt);
     }
     std::inplace_merge(starts.begin(), starts.begin() + within, starts.end());
     return starts;
@@ -172,10 +172,10 @@ std::vector<uint64_t> Index::getWeekStarts() const
 void Index::visitGaps(const std::function<void(const StreamGap&)>& visit,
                       const std::string& file) const
 {
-    OffsetWalk starts(pages, pages.marks[FramedPages::GapStart]);
-    OffsetWalk lasts(pages, pages.marks[FramedPages::GapLast]);
-    OffsetWalk checksums(pages, pages.marks[FramedPages::ChecksumError]);
-    OffsetWalk lengths(pages, pages.marks[FramedPages::InvalidLength]);
+    OffsetWalk starts(m_pages, m_pages.marks[FramedPages::GapStart]);
+    OffsetWalk lasts(m_pages, m_pages.marks[FramedPages::GapLast]);
+    OffsetWalk checksums(m_pages, m_pages.marks[FramedPages::ChecksumError]);
+    OffsetWalk lengths(m_pages, m_pages.marks[FramedPages::InvalidLength]);
     while (!starts.isAtEnd()) {
         StreamGap gap;
         gap.file = file;
@@ -186,14 +186,14 @@ void Index::visitGaps(const std::function<void(const StreamGap&)>& visit,
         gap.bytes = end - gap.offset;
         gap.crcErrors = checksums.passBefore(end);
         gap.invalidLengths = lengths.passBefore(end);
-        gap.isCut = end == size && !pages.marks[FramedPages::GivenUp].isEmpty();
+        gap.isCut = end == m_size && !m_pages.marks[FramedPages::GivenUp].isEmpty();
         visit(gap);
     }
 }
 
 WeekContext Index::getPageContext(uint32_t page) const
 {
-    const PageRow& row = pages.rowOf(page);
+    const PageRow& row = m_pages.rowOf(page);
     return {row.weekBefore, row.towBefore};
 }
 

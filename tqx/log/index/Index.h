@@ -61,7 +61,7 @@ public:
     void extend(const RandomAccess& log, const FramingOptions& options = {});
 
     /// Bytes that were indexed.
-    uint64_t getLogSize() const { return size; }
+    uint64_t getLogSize() const { return m_size; }
 
     /// What framing counts. Nothing is decoded and no neighbours of the blocks are recognised:
     /// `undecodable` is 0, and all bytes that belong to no block are dropped ones.
@@ -96,16 +96,16 @@ public:
                    const std::string& file = {}) const;
 
     /// The pages that the log is divided into. A block is in the page that it begins in.
-    uint32_t getPageCount() const { return pages.getEndPage(); }
+    uint32_t getPageCount() const { return m_pages.getEndPage(); }
 
     /// Offset at which the first block of a page can begin; for getPageCount() the end of the log.
-    uint64_t getPageEntry(uint32_t page) const { return pages.entryOf(page); }
+    uint64_t getPageEntry(uint32_t page) const { return m_pages.entryOf(page); }
 
     /// What decoding carries into a page.
     WeekContext getPageContext(uint32_t page) const;
 
     /// All of it, for readers and writers of this library.
-    const FramedPages& getPages() const { return pages; }
+    const FramedPages& getPages() const { return m_pages; }
 
     /// Puts an index together of pages that were framed or saved; they must be linked.
     Index(FramedPages framed, uint64_t logSize);
@@ -113,8 +113,8 @@ public:
 private:
     std::vector<uint64_t> listOf(FramedPages::Mark mark) const;
 
-    FramedPages pages;
-    uint64_t size;
+    FramedPages m_pages;
+    uint64_t m_size;
 };
 
 } // namespace tqx

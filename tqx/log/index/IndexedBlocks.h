@@ -60,28 +60,28 @@ private:
     const uint8_t* bytesAt(uint64_t offset, size_t count);
     [[noreturn]] void failAt(uint64_t offset) const;
 
-    const FramedPages& pages;
-    const RandomAccess& log;
-    BlockQuery query;
-    uint64_t size; ///< of the log as indexed
+    const FramedPages& m_pages;
+    const RandomAccess& m_log;
+    BlockQuery m_query;
+    uint64_t m_size; ///< of the log as indexed
 
-    std::vector<Selected> selected;
-    PageOffsets::Cursor weekStarts;
-    std::vector<Selected> every; ///< all types, once they are needed
+    std::vector<Selected> m_selected;
+    PageOffsets::Cursor m_weekStarts;
+    std::vector<Selected> m_every; ///< all types, once they are needed
 
-    uint32_t page;                 ///< the next one
-    uint32_t current;              ///< the one that `offsets` are of
-    std::vector<uint16_t> offsets; ///< wanted blocks of the page
-    size_t position = 0;           ///< the next one of them
-    uint16_t lastOffset = 0;       ///< of the last block gotten
-    PageOffsets::Page starts = {}; ///< weeks that begin in the page
+    uint32_t m_page;                 ///< the next one
+    uint32_t m_current;              ///< the one that `offsets` are of
+    std::vector<uint16_t> m_offsets; ///< wanted blocks of the page
+    size_t m_position = 0;           ///< the next one of them
+    uint16_t m_lastOffset = 0;       ///< of the last block gotten
+    PageOffsets::Page m_starts = {}; ///< weeks that begin in the page
 
     /// All blocks of the page and the time that each of them counts as; made when needed.
-    std::vector<std::pair<uint16_t, GnssMillis>> times;
+    std::vector<std::pair<uint16_t, GnssMillis>> m_times;
 
-    std::vector<uint8_t> buffer; ///< for logs that are not in memory
-    uint64_t bufferStart = 0;
-    size_t bufferSize = 0;
+    std::vector<uint8_t> m_buffer; ///< for logs that are not in memory
+    uint64_t m_bufferStart = 0;
+    size_t m_bufferSize = 0;
 };
 
 } // namespace tqx

@@ -34,23 +34,23 @@ void warn(const IndexedLogOptions& options, const std::string& warning)
 } // namespace
 
 IndexedLog::IndexedLog(const std::string& path, const IndexedLogOptions& options)
-    : file(std::make_unique<FileAccess>(path, options.mapping))
+    : m_file(std::make_unique<FileAccess>(path, options.mapping))
 {
     std::optional<SavedIndex> saved = load(options);
     if (!saved) {
         saved = make(options);
-        origin = Origin::Made;
+        m_origin = Origin::Made;
     }
     if (!saved->damage.empty())
         warn(options, path + ": " + saved->damage);
-    if (options.save && origin != Origin::Saved)
+    if (options.save && m_origin != Origin::Saved)
         save(*saved);
-    index = std::make_unique<Index>(std::move(saved->index));
-    content = file.get();
+    m_index = std::make_unique<Index>(std::move(saved->index));
+    m_content = m_file.get();
     if (saved->compression != Compression::None) {
-        unpacked = std::make_unique<CompressedAccess>(
-            *file, saved->compression, std::move(saved->points), index->getLogSize());
-        content = unpacked.get();
+        m_unpacked = std::make_unique<CompressedAccess>(
+            *m_file, saved->compression, std::move(saved->points), m_index->getLogSize());
+        m_content = m_unpacked.get();
     }
 }
 
@@ -60,8 +60,8 @@ IndexedLog::~IndexedLog() = default;
 std::optional<SavedIndex> IndexedLog::load(const IndexedLogOptions& options)
 {
     // What an index takes at the worst is a few times its log; anything larger is none.
-    const uint64_t most = 8 * file->getSize() + (1 << 20);
-    const std::string path = indexPath(file->getName());
+    const uint64_t most = 8 * m_file->getSize() + (1 << 20);
+    const std::string path = indexPath(m_file->getName());
     std::ifstream stream(path, std::ios::binary);
     if (!stream)
         return std::nullopt;
@@ -78,18 +78,18 @@ std::optional<SavedIndex> IndexedLog::load(const IndexedLogOptions& options)
         warn(options, path + ": is not used, " + reason);
         return std::nullopt;
     }
-    switch (saved->identity.compare(*file)) {
+    switch (saved->identity.compare(*m_file)) {
     case LogIdentity::Match::Same:
-        if (saved->compression != recognise(*file))
+        if (saved->compression != recognise(*m_file))
             break;
-        origin = Origin::Saved;
+        m_origin = Origin::Saved;
         return saved;
     case LogIdentity::Match::Longer:
-        if (saved->compression != Compression::None || recognise(*file) != Compression::None)
+        if (saved->compression != Compression::None || recognise(*m_file) != Compression::None)
             return std::nullopt;
-        saved->index.extend(*file, options.framing);
-        saved->identity = LogIdentity::of(*file);
-        origin = Origin::Extended;
+        saved->index.extend(*m_file, options.framing);
+        saved->identity = LogIdentity::of(*m_file);
+        m_origin = Origin::Extended;
         return saved;
     case LogIdentity::Match::Other:
         break;
@@ -100,13 +100,13 @@ std::optional<SavedIndex> IndexedLog::load(const IndexedLogOptions& options)
 
 SavedIndex IndexedLog::make(const IndexedLogOptions& options) const
 {
-    const LogIdentity identity = LogIdentity::of(*file);
-    const Compression compression = recognise(*file);
+    const LogIdentity identity = LogIdentity::of(*m_file);
+    const Compression compression = recognise(*m_file);
     if (compression == Compression::None)
-        return {identity, compression, {}, {}, Index::build(*file, options.framing)};
+        return {identity, compression, {}, {}, Index::build(*m_file, options.framing)};
     std::vector<AccessPoint> points;
     std::string damage;
-    const std::string& path = file->getName();
+    const std::string& path = m_file->getName();
     JoinedSource source(
         {path},
         [&](const SourceError& error) {
@@ -124,7 +124,7 @@ SavedIndex IndexedLog::make(const IndexedLogOptions& options) const
 void IndexedLog::save(const SavedIndex& made)
 {
     const std::vector<uint8_t> bytes = packIndex(made);
-    const std::string path = indexPath(file->getName());
+    const std::string path = indexPath(m_file->getName());
     const std::string unfinished = path + ".new";
     std::ofstream stream(unfinished, std::ios::binary | std::ios::trunc);
     stream.write(reinterpret_cast<const char*>(bytes.data()),
@@ -133,8 +133,8 @@ void IndexedLog::save(const SavedIndex& made)
     std::error_code error;
     if (stream)
         std::filesystem::rename(unfinished, path, error);
-    hasSaved = stream && !error;
-    if (!hasSaved)
+    m_hasSaved = stream && !error;
+    if (!m_hasSaved)
         std::filesystem::remove(unfinished, error);
 }
 

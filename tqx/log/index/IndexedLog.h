@@ -61,17 +61,17 @@ public:
     IndexedLog(const IndexedLog&) = delete;
     IndexedLog& operator=(const IndexedLog&) = delete;
 
-    const Index& getIndex() const { return *index; }
-    Origin getOrigin() const { return origin; }
+    const Index& getIndex() const { return *m_index; }
+    Origin getOrigin() const { return m_origin; }
 
     /// Whether the index was saved now.
-    bool isSaved() const { return hasSaved; }
+    bool isSaved() const { return m_hasSaved; }
 
     /// The log, decompressed; offsets of the index are offsets in it.
-    const RandomAccess& getContent() const { return *content; }
+    const RandomAccess& getContent() const { return *m_content; }
 
     /// The blocks of a query. Refers to the log.
-    IndexedBlocks find(BlockQuery query) const { return {*index, *content, std::move(query)}; }
+    IndexedBlocks find(BlockQuery query) const { return {*m_index, *m_content, std::move(query)}; }
 
     /// Where the index of a log is saved: beside it, "<path>.tqxi".
     static std::string indexPath(const std::string& path) { return path + ".tqxi"; }
@@ -81,12 +81,12 @@ private:
     SavedIndex make(const IndexedLogOptions& options) const;
     void save(const SavedIndex& made);
 
-    std::unique_ptr<FileAccess> file;
-    std::unique_ptr<CompressedAccess> unpacked; ///< of a compressed file
-    const RandomAccess* content = nullptr;
-    std::unique_ptr<Index> index;
-    Origin origin = Origin::Made;
-    bool hasSaved = false;
+    std::unique_ptr<FileAccess> m_file;
+    std::unique_ptr<CompressedAccess> m_unpacked; ///< of a compressed file
+    const RandomAccess* m_content = nullptr;
+    std::unique_ptr<Index> m_index;
+    Origin m_origin = Origin::Made;
+    bool m_hasSaved = false;
 };
 
 } // namespace tqx

@@ -28,43 +28,43 @@ public:
     /// Gets up to `count` bytes that follow the last ones; 0 at the end of the log.
     using Reader = std::function<size_t(uint8_t* bytes, size_t count)>;
 
-    Feed(uint64_t from, Reader next) : start(from), reader(std::move(next)) {}
+    Feed(uint64_t from, Reader next) : m_start(from), m_reader(std::move(next)) {}
 
     /// Frames pages before `endPage`, reading at most `piece` bytes ahead.
     void frame(StretchFramer& framer, uint32_t endPage, size_t piece)
     {
         for (;;) {
-            framer.frame({buffer.data(), start, start + filled, isAtEnd}, endPage);
+            framer.frame({m_buffer.data(), m_start, m_start + m_filled, m_isAtEnd}, endPage);
             const FramedPages& pages = framer.getPages();
-            if (isAtEnd || pages.getEndPage() >= endPage)
+            if (m_isAtEnd || pages.getEndPage() >= endPage)
                 return;
             dropBefore(pages.startOf(pages.getEndPage()));
             const size_t capacity = piece + 2 * FramedPages::defaultPageSize;
-            if (buffer.size() < capacity)
-                buffer.resize(capacity);
-            const size_t got = reader(buffer.data() + filled, buffer.size() - filled);
-            filled += got;
-            isAtEnd = got == 0;
+            if (m_buffer.size() < capacity)
+                m_buffer.resize(capacity);
+            const size_t got = m_reader(m_buffer.data() + m_filled, m_buffer.size() - m_filled);
+            m_filled += got;
+            m_isAtEnd = got == 0;
         }
     }
 
-    uint64_t getEnd() const { return start + filled; }
+    uint64_t getEnd() const { return m_start + m_filled; }
 
 private:
     void dropBefore(uint64_t offset)
     {
-        const auto count = static_cast<size_t>(std::min<uint64_t>(offset - start, filled));
+        const auto count = static_cast<size_t>(std::min<uint64_t>(offset - m_start, m_filled));
         if (count != 0)
-            std::memmove(buffer.data(), buffer.data() + count, filled - count);
-        start += count;
-        filled -= count;
+            std::memmove(m_buffer.data(), m_buffer.data() + count, m_filled - count);
+        m_start += count;
+        m_filled -= count;
     }
 
-    uint64_t start; ///< offset in the log of the first byte in the buffer
-    Reader reader;
-    std::vector<uint8_t> buffer;
-    size_t filled = 0;
-    bool isAtEnd = false;
+    uint64_t m_start; ///< offset in the log of the first byte in the buffer
+    Reader m_reader;
+    std::vector<uint8_t> m_buffer;
+    size_t m_filled = 0;
+    bool m_isAtEnd = false;
 };
 
 /// Frames pages of a log, one stretch of them after the other.
@@ -72,8 +72,8 @@ class PageFeed
 {
 public:
     PageFeed(const RandomAccess& source, uint64_t from)
-        : log(source), position(from),
-          feed(from, [this](uint8_t* bytes, size_t count) { return read(bytes, count); })
+        : m_log(source), m_position(from),
+          m_feed(from, [this](uint8_t* bytes, size_t count) { return read(bytes, count); })
     {
     }
     PageFeed(const PageFeed&) = delete;
@@ -82,25 +82,25 @@ public:
     void frame(StretchFramer& framer, uint32_t endPage)
     {
         const FramedPages& pages = framer.getPages();
-        if (const uint8_t* bytes = log.getBytes()) {
-            framer.frame({bytes, 0, log.getSize(), true}, endPage);
+        if (const uint8_t* bytes = m_log.getBytes()) {
+            framer.frame({bytes, 0, m_log.getSize(), true}, endPage);
             return;
         }
         const uint64_t needed = uint64_t{pages.pageSize} * (endPage - pages.getEndPage());
-        feed.frame(framer, endPage, static_cast<size_t>(std::min<uint64_t>(needed, pieceSize)));
+        m_feed.frame(framer, endPage, static_cast<size_t>(std::min<uint64_t>(needed, pieceSize)));
     }
 
 private:
     size_t read(uint8_t* bytes, size_t count)
     {
-        const size_t got = log.readAt(position, bytes, count);
-        position += got;
+        const size_t got = m_log.readAt(m_position, bytes, count);
+        m_position += got;
         return got;
     }
 
-    const RandomAccess& log;
-    uint64_t position;
-    Feed feed;
+    const RandomAccess& m_log;
+    uint64_t m_position;
+    Feed m_feed;
 };
 
 /// Runs `work` for 0 to `count` - 1 on several threads; throws what one of them threw.
@@ -144,9 +144,9 @@ void join(const RandomAccess& log, FramedPages& joined, const FramedPages& stret
     StretchFramer again(joined.pageSize, first, joined.exit);
     PageFeed feed(log, joined.startOf(first));
     uint32_t page = first;
-    do
+    do {
         feed.frame(again, ++page);
-    while (page != stretch.getEndPage() && again.getPages().exit != stretch.entryOf(page));
+    } while (page != stretch.getEndPage() && again.getPages().exit != stretch.entryOf(page));
     joined.append(again.getPages(), first);
     joined.append(stretch, page);
 }
@@ -173,10 +173,11 @@ FramedPages frameLog(const RandomAccess& log, FramedPages begun, const FramingOp
         framed[i] = framer.takePages();
     });
     for (FramedPages& stretch : framed) {
-        if (begun.rows.empty())
+        if (begun.rows.empty()) {
             begun = std::move(stretch);
-        else
+        } else {
             join(log, begun, stretch);
+        }
         stretch = FramedPages();
     }
     begun.linkRows();

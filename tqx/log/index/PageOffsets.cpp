@@ -22,12 +22,12 @@ typename std::vector<T>::const_iterator from(const std::vector<T>& values, size_
 size_t PageOffsets::rowOf(uint32_t page) const
 {
     return static_cast<size_t>(
-        std::distance(pages.begin(), std::lower_bound(pages.begin(), pages.end(), page)));
+        std::distance(m_pages.begin(), std::lower_bound(m_pages.begin(), m_pages.end(), page)));
 }
 
 size_t PageOffsets::offsetsBefore(size_t row) const
 {
-    return std::accumulate(counts.begin(), from(counts, row), size_t{0});
+    return std::accumulate(m_counts.begin(), from(m_counts, row), size_t{0});
 }
 
 void PageOffsets::append(const PageOffsets& later, uint32_t firstPage)
@@ -36,41 +36,41 @@ void PageOffsets::append(const PageOffsets& later, uint32_t firstPage)
         return;
     const size_t row = later.rowOf(firstPage);
     const size_t first = later.offsetsBefore(row);
-    pages.insert(pages.end(), from(later.pages, row), later.pages.end());
-    counts.insert(counts.end(), from(later.counts, row), later.counts.end());
-    offsets.insert(offsets.end(), from(later.offsets, first), later.offsets.end());
+    m_pages.insert(m_pages.end(), from(later.m_pages, row), later.m_pages.end());
+    m_counts.insert(m_counts.end(), from(later.m_counts, row), later.m_counts.end());
+    m_offsets.insert(m_offsets.end(), from(later.m_offsets, first), later.m_offsets.end());
 }
 
 void PageOffsets::truncate(uint32_t firstPage)
 {
     const size_t row = rowOf(firstPage);
-    offsets.resize(offsetsBefore(row));
-    pages.resize(row);
-    counts.resize(row);
+    m_offsets.resize(offsetsBefore(row));
+    m_pages.resize(row);
+    m_counts.resize(row);
 }
 
 void PageOffsets::addPage(uint32_t page, const std::vector<uint16_t>& ofPage)
 {
     if (ofPage.empty())
         return;
-    pages.push_back(page);
-    counts.push_back(static_cast<uint16_t>(ofPage.size()));
-    offsets.insert(offsets.end(), ofPage.begin(), ofPage.end());
+    m_pages.push_back(page);
+    m_counts.push_back(static_cast<uint16_t>(ofPage.size()));
+    m_offsets.insert(m_offsets.end(), ofPage.begin(), ofPage.end());
 }
 
 uint32_t PageOffsets::Cursor::nextPage(uint32_t page)
 {
-    while (row < source->pages.size() && source->pages[row] < page)
-        first += source->counts[row++];
-    return row < source->pages.size() ? source->pages[row] : none;
+    while (m_row < m_source->m_pages.size() && m_source->m_pages[m_row] < page)
+        m_first += m_source->m_counts[m_row++];
+    return m_row < m_source->m_pages.size() ? m_source->m_pages[m_row] : none;
 }
 
 PageOffsets::Page PageOffsets::Cursor::at(uint32_t page)
 {
     if (nextPage(page) != page || page == none)
         return {nullptr, nullptr};
-    const uint16_t* start = source->offsets.data() + first;
-    return {start, start + source->counts[row]};
+    const uint16_t* start = m_source->m_offsets.data() + m_first;
+    return {start, start + m_source->m_counts[m_row]};
 }
 
 } // namespace tqx

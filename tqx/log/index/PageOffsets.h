@@ -26,12 +26,12 @@ public:
     /// Adds an offset after all those that were added before.
     void add(uint32_t page, uint16_t offset)
     {
-        if (pages.empty() || pages.back() != page) {
-            pages.push_back(page);
-            counts.push_back(0);
+        if (m_pages.empty() || m_pages.back() != page) {
+            m_pages.push_back(page);
+            m_counts.push_back(0);
         }
-        ++counts.back();
-        offsets.push_back(offset);
+        ++m_counts.back();
+        m_offsets.push_back(offset);
     }
 
     /// Adds those of `later` that are in the pages from `firstPage` on.
@@ -43,19 +43,19 @@ public:
     /// Adds the offsets of a whole page after all others; for readers of saved ones.
     void addPage(uint32_t page, const std::vector<uint16_t>& ofPage);
 
-    size_t size() const { return offsets.size(); }
-    bool isEmpty() const { return offsets.empty(); }
+    size_t size() const { return m_offsets.size(); }
+    bool isEmpty() const { return m_offsets.empty(); }
 
     /// Pages that have offsets, ascending.
-    size_t getPageCount() const { return pages.size(); }
-    uint32_t getFirstPage() const { return pages.front(); }
-    uint32_t getLastPage() const { return pages.back(); }
+    size_t getPageCount() const { return m_pages.size(); }
+    uint32_t getFirstPage() const { return m_pages.front(); }
+    uint32_t getLastPage() const { return m_pages.back(); }
 
     /// Walks the pages upwards. The offsets must not change meanwhile.
     class Cursor
     {
     public:
-        explicit Cursor(const PageOffsets& all) : source(&all) {}
+        explicit Cursor(const PageOffsets& all) : m_source(&all) {}
 
         /// Offsets of `page`; none if there are none. Pages must not go down from call to call.
         Page at(uint32_t page);
@@ -66,24 +66,24 @@ public:
         static constexpr uint32_t none = 0xffffffff;
 
     private:
-        const PageOffsets* source;
-        size_t row = 0;
-        size_t first = 0; ///< index of the first offset of the row
+        const PageOffsets* m_source;
+        size_t m_row = 0;
+        size_t m_first = 0; ///< index of the first offset of the row
     };
 
     friend bool operator==(const PageOffsets& left, const PageOffsets& right)
     {
-        return left.pages == right.pages && left.counts == right.counts &&
-               left.offsets == right.offsets;
+        return left.m_pages == right.m_pages && left.m_counts == right.m_counts &&
+               left.m_offsets == right.m_offsets;
     }
 
 private:
     size_t rowOf(uint32_t page) const;
     size_t offsetsBefore(size_t row) const;
 
-    std::vector<uint32_t> pages;
-    std::vector<uint16_t> counts;
-    std::vector<uint16_t> offsets;
+    std::vector<uint32_t> m_pages;
+    std::vector<uint16_t> m_counts;
+    std::vector<uint16_t> m_offsets;
 };
 
 } // namespace tqx

@@ -27,9 +27,9 @@ void require(bool condition, const char* otherwise)
 class Reader
 {
 public:
-    Reader(const uint8_t* start, size_t size) : at(start), end(start + size) {}
+    Reader(const uint8_t* start, size_t size) : m_at(start), m_end(start + size) {}
 
-    size_t getLeft() const { return static_cast<size_t>(end - at); }
+    size_t getLeft() const { return static_cast<size_t>(m_end - m_at); }
 
     template<typename T>
     T number()
@@ -37,7 +37,7 @@ public:
         require(getLeft() >= sizeof(T), "it ends too early");
         uint64_t value = 0;
         for (size_t i = 0; i < sizeof(T); ++i)
-            value |= uint64_t{*at++} << (8 * i);
+            value |= uint64_t{*m_at++} << (8 * i);
         return static_cast<T>(value);
     }
 
@@ -66,13 +66,13 @@ public:
     Bytes sized()
     {
         const size_t size = count(1);
-        at += size;
-        return Bytes(at - size, at);
+        m_at += size;
+        return Bytes(m_at - size, m_at);
     }
 
 private:
-    const uint8_t* at;
-    const uint8_t* end;
+    const uint8_t* m_at;
+    const uint8_t* m_end;
 };
 
 /// Reads the offsets of a content of `size` bytes.
@@ -187,10 +187,11 @@ void checkGaps(const FramedPages& pages)
         const PageOffsets::Page starts = first.at(page);
         const PageOffsets::Page ends = last.at(page);
         require(starts.size() == ends.size(), "a gap has no end");
-        for (size_t i = 0; i < starts.size(); ++i)
+        for (size_t i = 0; i < starts.size(); ++i) {
             require(starts.begin()[i] <= ends.begin()[i] &&
                         (i == 0 || ends.begin()[i - 1] < starts.begin()[i]),
                     "a gap ends before it begins");
+        }
     }
 }
 

@@ -22,14 +22,15 @@ constexpr uint64_t allowance = 2 * FramedPages::defaultPageSize;
 } // namespace
 
 StretchFramer::StretchFramer(uint32_t pageSize, uint32_t firstPage, uint64_t entry)
-    : pages(pageSize, firstPage, entry), checksum(entry, allowance), slots(new uint16_t[numbers]())
+    : m_pages(pageSize, firstPage, entry), m_checksum(entry, allowance),
+      m_slots(new uint16_t[numbers]())
 {
 }
 
 void StretchFramer::frame(const LogWindow& window, uint32_t endPage)
 {
-    while (pages.getEndPage() < endPage && pages.startOf(pages.getEndPage()) < window.end) {
-        const uint64_t end = pages.startOf(pages.getEndPage() + 1);
+    while (m_pages.getEndPage() < endPage && m_pages.startOf(m_pages.getEndPage()) < window.end) {
+        const uint64_t end = m_pages.startOf(m_pages.getEndPage() + 1);
         if (!window.isLast && end + longest > window.end)
             return;
         framePage(window);
@@ -39,18 +40,18 @@ void StretchFramer::frame(const LogWindow& window, uint32_t endPage)
 // Candidates are decided by the page that they begin in, with the bytes that follow it.
 void StretchFramer::framePage(const LogWindow& window)
 {
-    const uint32_t page = pages.getEndPage();
-    const uint64_t start = pages.startOf(page);
-    const uint64_t end = std::min(start + pages.pageSize, window.end);
+    const uint32_t page = m_pages.getEndPage();
+    const uint64_t start = m_pages.startOf(page);
+    const uint64_t end = std::min(start + m_pages.pageSize, window.end);
     const auto bytesAt = [&](uint64_t offset) { return window.bytes + (offset - window.start); };
     const auto inPage = [&](uint64_t offset) { return static_cast<uint16_t>(offset - start); };
     const auto mark = [&](FramedPages::Mark kind, uint64_t offset) {
-        pages.marks[kind].add(page, inPage(offset));
+        m_pages.marks[kind].add(page, inPage(offset));
     };
 
     PageRow row;
-    row.entry = static_cast<uint32_t>(pages.exit - start);
-    uint64_t blockEnd = pages.exit;
+    row.entry = static_cast<uint32_t>(m_pages.exit - start);
+    uint64_t blockEnd = m_pages.exit;
     for (uint64_t at = blockEnd; at < end;) {
         // The second character of the last candidate may be in the next page.
         const uint64_t searched = std::min(end + 1, window.end);
@@ -65,7 +66,7 @@ void StretchFramer::framePage(const LogWindow& window)
             mark(FramedPages::GivenUp, at);
         } else if (length < BlockHeader::kSize) {
             mark(FramedPages::InvalidLength, at);
-        } else if (checksum.isIntact(bytesAt(at), length, at)) {
+        } else if (m_checksum.isIntact(bytesAt(at), length, at)) {
             if (at != blockEnd) {
                 mark(FramedPages::GapStart, blockEnd);
                 mark(FramedPages::GapLast, at - 1);
@@ -83,19 +84,20 @@ void StretchFramer::framePage(const LogWindow& window)
         mark(FramedPages::GapStart, blockEnd);
         mark(FramedPages::GapLast, end - 1);
     }
-    pages.rows.push_back(row);
-    pages.exit = std::max(blockEnd, end);
+    m_pages.rows.push_back(row);
+    m_pages.exit = std::max(blockEnd, end);
 }
 
 const StretchFramer::KnownNumber& StretchFramer::slotOf(uint16_t number)
 {
-    uint16_t& slot = slots[number];
+    uint16_t& slot = m_slots[number];
     if (slot == 0) {
-        known.push_back({static_cast<uint32_t>(pages.types.size()), TQX_recordType(number) != 0});
-        pages.types.push_back({number, {}});
-        slot = static_cast<uint16_t>(known.size());
+        m_known.push_back(
+            {static_cast<uint32_t>(m_pages.types.size()), TQX_recordType(number) != 0});
+        m_pages.types.push_back({number, {}});
+        slot = static_cast<uint16_t>(m_known.size());
     }
-    return known[slot - 1U];
+    return m_known[slot - 1U];
 }
 
 void StretchFramer::addBlock(const uint8_t* block, size_t size, uint32_t page, uint16_t at,
@@ -105,7 +107,7 @@ void StretchFramer::addBlock(const uint8_t* block, size_t size, uint32_t page, u
     constexpr size_t towEnd = 12;
     constexpr size_t weekEnd = 14;
     const KnownNumber& type = slotOf(korcg_load_u16(block + 4) & numberBits);
-    pages.types[type.type].offsets.add(page, at);
+    m_pages.types[type.type].offsets.add(page, at);
     ++row.blocks;
     // As decoding does it: the week is followed as soon as TOW is read, whatever comes of the rest.
     if (size >= towEnd && type.movesWeek)
@@ -127,7 +129,7 @@ void StretchFramer::addTow(uint32_t tow, uint32_t page, uint16_t at, PageRow& ro
         row.firstTow = tow;
         row.firstTowAt = at;
     } else if (isWeekStart(tow, row.lastTow)) {
-        pages.marks[FramedPages::WeekStart].add(page, at);
+        m_pages.marks[FramedPages::WeekStart].add(page, at);
     }
     row.lastTow = tow;
 }

@@ -37,9 +37,9 @@ public:
     void frame(const LogWindow& window, uint32_t endPage);
 
     /// The pages framed so far.
-    const FramedPages& getPages() const { return pages; }
+    const FramedPages& getPages() const { return m_pages; }
     /// Hands them over; no more can be framed then.
-    FramedPages takePages() { return std::move(pages); }
+    FramedPages takePages() { return std::move(m_pages); }
 
 private:
     /// What is known of a block number.
@@ -53,10 +53,10 @@ private:
     void addTow(uint32_t tow, uint32_t page, uint16_t at, PageRow& row);
     const KnownNumber& slotOf(uint16_t number);
 
-    FramedPages pages;
-    CandidateChecksum checksum;
-    std::unique_ptr<uint16_t[]> slots; ///< by number: 1 + index in known
-    std::vector<KnownNumber> known;
+    FramedPages m_pages;
+    CandidateChecksum m_checksum;
+    std::unique_ptr<uint16_t[]> m_slots; ///< by number: 1 + index in known
+    std::vector<KnownNumber> m_known;
 };
 
 } // namespace tqx

@@ -26,9 +26,10 @@ void collect(BlockLocation& location, const uint8_t* piece, uint64_t size, uint6
     const uint64_t wanted = location.place + location.bytes.size();
     const uint64_t end =
         std::min(position + size, location.place + BlockLocation::reach + largestBlock);
-    if (wanted >= position && wanted < end)
+    if (wanted >= position && wanted < end) {
         location.bytes.insert(location.bytes.end(), piece + (wanted - position),
                               piece + (end - position));
+    }
 }
 
 /// Looks at the blocks that are at hand; true once one begins behind the place.
@@ -80,9 +81,10 @@ void settle(BlockLocation& location)
 {
     if (!location.around) {
         location.damage = location.bytes.size();
-        if (location.following)
+        if (location.following) {
             location.damage =
                 std::min(location.damage, location.following->offset - location.place);
+        }
         if (const std::optional<uint64_t> header = findHeader(location);
             header && !location.hasSync()) {
             location.offset = location.place + *header;
@@ -115,9 +117,10 @@ BlockLocation locateBlock(ByteSource& source, uint64_t place)
         framer.append(piece.data(), size);
         found = found || takeBlocks(framer, framed, location);
     }
-    if (location.bytes.empty())
+    if (location.bytes.empty()) {
         throw SourceError(
             fmt::format("{}: {}: the input has {} bytes only", location.file, place, position));
+    }
     location.isCutShort = isDone(location, position);
     if (!found)
         takeBlocks(framer, framed, location);

@@ -27,25 +27,25 @@ class Level
 {
 public:
     Level(BlockWalk& target, const TQX_TypeLayout& layout, const uint8_t* block, uint32_t blockSize)
-        : walk(target), type(layout), main(*this), bytes(block), size(blockSize),
-          values(layout.fieldCount, 0)
+        : m_walk(target), m_type(layout), m_main(*this), m_bytes(block), m_size(blockSize),
+          m_values(layout.fieldCount, 0)
     {
     }
     Level(const TQX_TypeLayout& layout, const Level& father)
-        : walk(father.walk), type(layout), main(father.main), depth(father.depth + 1),
-          bytes(father.bytes), size(father.size), start(father.offset), offset(father.offset),
-          values(layout.fieldCount, 0)
+        : m_walk(father.m_walk), m_type(layout), m_main(father.m_main), m_depth(father.m_depth + 1),
+          m_bytes(father.m_bytes), m_size(father.m_size), m_start(father.m_offset),
+          m_offset(father.m_offset), m_values(layout.fieldCount, 0)
     {
     }
 
     /// `length` is that of the entry in bytes, 0 for none. Returns 0 or the code of the failure.
     int32_t run(const void* decoded, uint32_t length);
 
-    uint32_t getOffset() const { return offset; }
+    uint32_t getOffset() const { return m_offset; }
 
 private:
-    const TQX_FieldLayout& row(int index) const { return type.fields[index]; }
-    bool fits(uint32_t count) const { return uint64_t{offset} + count <= size; }
+    const TQX_FieldLayout& row(int index) const { return m_type.fields[index]; }
+    bool fits(uint32_t count) const { return uint64_t{m_offset} + count <= m_size; }
     bool isHere(const TQX_FieldLayout& field) const;
     void add(Kind kind, const TQX_FieldLayout* field, uint32_t index, uint32_t count,
              uint64_t stored = 0);
@@ -59,28 +59,28 @@ private:
     void addDerived(const TQX_FieldLayout& field);
     bool closeAt(uint32_t length);
 
-    BlockWalk& walk;
-    const TQX_TypeLayout& type;
-    const Level& main;
-    unsigned depth = 0;
-    const uint8_t* bytes;
-    uint32_t size;
-    uint32_t start = 0;
-    uint32_t offset = 0;
-    const void* record = nullptr;
-    int32_t pending = 0;
-    std::vector<uint64_t> values; ///< by row, of what was read
+    BlockWalk& m_walk;
+    const TQX_TypeLayout& m_type;
+    const Level& m_main;
+    unsigned m_depth = 0;
+    const uint8_t* m_bytes;
+    uint32_t m_size;
+    uint32_t m_start = 0;
+    uint32_t m_offset = 0;
+    const void* m_record = nullptr;
+    int32_t m_pending = 0;
+    std::vector<uint64_t> m_values; ///< by row, of what was read
 };
 
 bool Level::isHere(const TQX_FieldLayout& field) const
 {
     if (field.presence == TQX_Presence::Always || field.alwaysSent)
         return true;
-    if (pending != 0)
+    if (m_pending != 0)
         return false;
     if (field.presence == TQX_Presence::Selected)
-        return values[static_cast<size_t>(field.selector)] == field.presenceValue;
-    const unsigned revision = size < 6 ? 0 : bytes[5] >> 5U;
+        return m_values[static_cast<size_t>(field.selector)] == field.presenceValue;
+    const unsigned revision = m_size < 6 ? 0 : m_bytes[5] >> 5U;
     return field.presence == TQX_Presence::SinceRevision ? revision >= field.presenceValue
                                                          : revision == field.presenceValue;
 }
@@ -88,22 +88,22 @@ bool Level::isHere(const TQX_FieldLayout& field) const
 void Level::add(Kind kind, const TQX_FieldLayout* field, uint32_t index, uint32_t count,
                 uint64_t stored)
 {
-    walk.pieces.push_back({kind, depth, &type, field, index, offset, count, stored});
+    m_walk.pieces.push_back({kind, m_depth, &m_type, field, index, m_offset, count, stored});
 }
 
 void Level::missing(const TQX_FieldLayout& field, uint32_t index, uint32_t count)
 {
     add(Kind::Missing, &field, index, count);
-    pending = field.code;
+    m_pending = field.code;
 }
 
 void Level::readBits(int word, uint64_t whole, uint32_t element)
 {
-    for (int i = word + 1; i < type.fieldCount && row(i).parent == word; ++i) {
+    for (int i = word + 1; i < m_type.fieldCount && row(i).parent == word; ++i) {
         const TQX_FieldLayout& part = row(i);
         uint64_t value = whole >> part.shift & ~uint64_t{0} >> (64 - part.width);
         if (element == 0)
-            values[static_cast<size_t>(i)] = value;
+            m_values[static_cast<size_t>(i)] = value;
         if (TQX_isSigned(part))
             value = signExtended(value, part.width);
         add(Kind::Bits, &part, element, 0, value);
@@ -116,21 +116,21 @@ void Level::readNumber(int index, uint32_t element, uint32_t count)
     const TQX_FieldLayout& field = row(index);
     uint64_t value = 0;
     for (uint32_t i = 0; i < count; ++i)
-        value |= uint64_t{bytes[offset + i]} << 8 * i;
+        value |= uint64_t{m_bytes[m_offset + i]} << 8 * i;
     if (element == 0)
-        values[static_cast<size_t>(index)] = value;
+        m_values[static_cast<size_t>(index)] = value;
     add(Kind::Number, &field, element, count,
         TQX_isSigned(field) ? signExtended(value, 8 * count) : value);
     readBits(index, value, element);
-    offset += count;
+    m_offset += count;
 }
 
 void Level::readRun(const TQX_FieldLayout& field, uint32_t count)
 {
-    const uint32_t there = std::min(count, size - std::min(offset, size));
+    const uint32_t there = std::min(count, m_size - std::min(m_offset, m_size));
     if (there != 0 || count == 0)
         add(Kind::Run, &field, 0, there);
-    offset += there;
+    m_offset += there;
     if (there < count)
         missing(field, there, count - there);
 }
@@ -139,7 +139,7 @@ void Level::readRun(const TQX_FieldLayout& field, uint32_t count)
 bool Level::isRun(int index, uint32_t count) const
 {
     constexpr uint32_t mostNumbers = 16;
-    const bool hasBits = index + 1 < type.fieldCount && row(index + 1).parent == index;
+    const bool hasBits = index + 1 < m_type.fieldCount && row(index + 1).parent == index;
     return row(index).type == TQX_MemberType::Char ||
            (TQX_elementSize(row(index)) == 1 && !hasBits && (count == 0 || count > mostNumbers));
 }
@@ -149,31 +149,33 @@ void Level::readArray(int index)
     const TQX_FieldLayout& field = row(index);
     const uint32_t width = TQX_elementSize(field);
     const uint64_t counted =
-        field.count < 0 ? field.elements : values[static_cast<size_t>(field.count)];
+        field.count < 0 ? field.elements : m_values[static_cast<size_t>(field.count)];
     const auto count = static_cast<uint32_t>(field.countsBytes ? counted / width : counted);
     const uint32_t room = std::min<uint32_t>(count, field.elements);
     if (isRun(index, room)) {
         readRun(field, room);
     } else {
-        for (uint32_t i = 0; i < room && pending == 0; ++i) {
-            if (fits(width))
+        for (uint32_t i = 0; i < room && m_pending == 0; ++i) {
+            if (fits(width)) {
                 readNumber(index, i, width);
-            else
+            } else {
                 missing(field, i, width);
+            }
         }
     }
-    if (pending == 0 && count > field.elements) {
+    if (m_pending == 0 && count > field.elements) {
         add(Kind::TooMany, &field, count, 0);
-        pending = field.code - 1;
+        m_pending = field.code - 1;
     }
-    if (pending != 0 || !field.countsBytes || counted % width == 0)
+    if (m_pending != 0 || !field.countsBytes || counted % width == 0)
         return;
     // A payload that is counted in bytes may end inside an element.
     const auto tail = static_cast<uint32_t>(counted % width);
-    if (fits(tail))
+    if (fits(tail)) {
         readNumber(index, count, tail);
-    else
+    } else {
         missing(field, count, tail);
+    }
 }
 
 int32_t Level::readEntries(int index)
@@ -181,16 +183,17 @@ int32_t Level::readEntries(int index)
     const TQX_FieldLayout& field = row(index);
     const bool isArray = field.kind == TQX_FieldKind::Blocks;
     const auto count =
-        isArray ? static_cast<uint32_t>(values[static_cast<size_t>(field.count)]) : uint32_t{1};
+        isArray ? static_cast<uint32_t>(m_values[static_cast<size_t>(field.count)]) : uint32_t{1};
     uint64_t length = 0;
     if (field.length >= 0)
-        length = (field.lengthInMain ? main.values : values)[static_cast<size_t>(field.length)];
+        length =
+            (field.lengthInMain ? m_main.m_values : m_values)[static_cast<size_t>(field.length)];
     for (uint32_t i = 0; i < count; ++i) {
         add(Kind::Entry, &field, i, static_cast<uint32_t>(length));
         Level entry(*TQX_layout(field.recordType), *this);
-        const int32_t code = entry.run(record ? TQX_element(field, record, i) : nullptr,
+        const int32_t code = entry.run(m_record ? TQX_element(field, m_record, i) : nullptr,
                                        static_cast<uint32_t>(length));
-        offset = entry.getOffset();
+        m_offset = entry.getOffset();
         if (code < 0)
             return code;
     }
@@ -199,35 +202,35 @@ int32_t Level::readEntries(int index)
 
 void Level::addDerived(const TQX_FieldLayout& field)
 {
-    const TQX_FieldFacts& facts = TQX_fieldFacts(type.recordType)[&field - type.fields];
-    for (uint32_t i = 0; record && i < field.elements; ++i) {
+    const TQX_FieldFacts& facts = TQX_fieldFacts(m_type.recordType)[&field - m_type.fields];
+    for (uint32_t i = 0; m_record && i < field.elements; ++i) {
         add(Kind::Derived, &field, i, 0,
-            TQX_isSigned(field) ? static_cast<uint64_t>(TQX_signedValue(field, record, i))
-                                : TQX_unsignedValue(field, record, i));
-        walk.pieces.back().hasInputs = TQX_hasInputs(facts, record);
+            TQX_isSigned(field) ? static_cast<uint64_t>(TQX_signedValue(field, m_record, i))
+                                : TQX_unsignedValue(field, m_record, i));
+        m_walk.pieces.back().hasInputs = TQX_hasInputs(facts, m_record);
     }
 }
 
 /// Ends the fields of an entry where its length says, whatever is known of them.
 bool Level::closeAt(uint32_t length)
 {
-    if (offset - start > length) {
+    if (m_offset - m_start > length) {
         add(Kind::TooLong, nullptr, 0, length);
         return false;
     }
-    const uint32_t end = start + length;
-    const uint32_t there = std::min(end, std::max(size, offset));
-    if (there != offset)
-        add(Kind::Unknown, nullptr, 0, there - offset);
-    offset = end;
+    const uint32_t end = m_start + length;
+    const uint32_t there = std::min(end, std::max(m_size, m_offset));
+    if (there != m_offset)
+        add(Kind::Unknown, nullptr, 0, there - m_offset);
+    m_offset = end;
     return true;
 }
 
 int32_t Level::run(const void* decoded, uint32_t length)
 {
-    record = decoded;
+    m_record = decoded;
     uint32_t open = length;
-    for (int i = 0; i < type.fieldCount; ++i) {
+    for (int i = 0; i < m_type.fieldCount; ++i) {
         const TQX_FieldLayout& field = row(i);
         if (field.kind == TQX_FieldKind::Derived)
             addDerived(field);
@@ -236,13 +239,14 @@ int32_t Level::run(const void* decoded, uint32_t length)
         if (field.kind == TQX_FieldKind::Value) {
             if (!isHere(field))
                 continue;
-            if (fits(TQX_elementSize(field)))
+            if (fits(TQX_elementSize(field))) {
                 readNumber(i, 0, TQX_elementSize(field));
-            else
+            } else {
                 missing(field, 0, TQX_elementSize(field));
+            }
             continue;
         }
-        if (pending != 0 || !isHere(field))
+        if (m_pending != 0 || !isHere(field))
             continue;
         if (field.recordType == 0) {
             readArray(i);
@@ -250,19 +254,19 @@ int32_t Level::run(const void* decoded, uint32_t length)
         }
         // The length of an entry covers what stands before its nested entries.
         const bool nested = field.kind == TQX_FieldKind::Blocks || field.length >= 0;
-        if (nested && depth != 0 && open != 0) {
+        if (nested && m_depth != 0 && open != 0) {
             if (!closeAt(open))
-                return type.sizeUnderflow;
+                return m_type.sizeUnderflow;
             open = 0;
         }
         if (const int32_t code = readEntries(i); code < 0)
             return code;
     }
-    if (open != 0 && pending == 0 && !closeAt(open))
-        pending = type.sizeUnderflow;
-    if (depth == 0 && pending == 0 && offset < size)
-        closeAt(size);
-    return pending;
+    if (open != 0 && m_pending == 0 && !closeAt(open))
+        m_pending = m_type.sizeUnderflow;
+    if (m_depth == 0 && m_pending == 0 && m_offset < m_size)
+        closeAt(m_size);
+    return m_pending;
 }
 
 } // namespace

@@ -109,7 +109,7 @@ class Table
 {
 public:
     Table(Buffer& buffer, const TQX_TypeLayout& layout)
-        : out(buffer), type(layout), facts(TQX_fieldFacts(layout.recordType))
+        : m_out(buffer), m_type(layout), m_facts(TQX_fieldFacts(layout.recordType))
     {
     }
 
@@ -126,14 +126,14 @@ private:
     std::string neededOf(const TQX_FieldFacts& field) const;
     std::string propertiesOf(int index) const;
 
-    Buffer& out;
-    const TQX_TypeLayout& type;
-    const TQX_FieldFacts* facts;
+    Buffer& m_out;
+    const TQX_TypeLayout& m_type;
+    const TQX_FieldFacts* m_facts;
 };
 
 std::string Table::nameOf(int index) const
 {
-    const TQX_FieldLayout& field = type.fields[index];
+    const TQX_FieldLayout& field = m_type.fields[index];
     return std::string(field.kind == TQX_FieldKind::Bits ? "  " : "") + field.name;
 }
 
@@ -162,10 +162,10 @@ std::string Table::typeOf(const TQX_FieldLayout& field) const
     case TQX_FieldKind::CountedArray:
     case TQX_FieldKind::CountedText:
         return fmt::format("{}[{}{}]", field.kind == TQX_FieldKind::CountedText ? "text" : element,
-                           type.fields[field.count].name, field.countsBytes ? " bytes" : "");
+                           m_type.fields[field.count].name, field.countsBytes ? " bytes" : "");
     case TQX_FieldKind::Blocks:
         return fmt::format("{}[{}]", TQX_layout(field.recordType)->name,
-                           type.fields[field.count].name);
+                           m_type.fields[field.count].name);
     case TQX_FieldKind::Embedded:
         return TQX_layout(field.recordType)->name;
     case TQX_FieldKind::Value:
@@ -182,7 +182,8 @@ std::string Table::presenceOf(const TQX_FieldLayout& field) const
     case TQX_Presence::OnlyRevision:
         return fmt::format("revision {} only", field.presenceValue);
     case TQX_Presence::Selected:
-        return fmt::format("when {} is {}", type.fields[field.selector].name, field.presenceValue);
+        return fmt::format("when {} is {}", m_type.fields[field.selector].name,
+                           field.presenceValue);
     case TQX_Presence::Always:
         break;
     }
@@ -192,7 +193,7 @@ std::string Table::presenceOf(const TQX_FieldLayout& field) const
 /// "not available when CN0 is not"
 std::string Table::neededOf(const TQX_FieldFacts& field) const
 {
-    std::vector<std::string> names = inputNames(type, field);
+    std::vector<std::string> names = inputNames(m_type, field);
     std::string last = std::move(names.back());
     names.pop_back();
     return fmt::format("not available when {}{}{} is not", fmt::join(names, ", "),
@@ -202,14 +203,15 @@ std::string Table::neededOf(const TQX_FieldFacts& field) const
 std::string Table::propertiesOf(int index) const
 {
     std::vector<std::string> properties;
-    const TQX_FieldLayout& layout = type.fields[index];
-    const TQX_FieldFacts& field = facts[index];
+    const TQX_FieldLayout& layout = m_type.fields[index];
+    const TQX_FieldFacts& field = m_facts[index];
     const std::string_view unit = TQX_unit(field);
-    if (field.scale != 0)
+    if (field.scale != 0) {
         properties.push_back(
             fmt::format("x {}{}{}", TQX_scale(field), unit.empty() ? "" : " ", unit));
-    else if (!unit.empty())
+    } else if (!unit.empty()) {
         properties.emplace_back(unit);
+    }
     if (field.has(TQX_FieldFacts::HasDoNotUse))
         properties.push_back("not available: " + doNotUseText(layout, field));
     if (field.inputCount != 0)
@@ -229,23 +231,24 @@ std::string Table::propertiesOf(int index) const
 
 void Table::appendHead()
 {
-    out.append(type.name);
-    if (type.blockNumber != 0)
-        out.append(fmt::format(", block {}", type.blockNumber));
-    else
-        out.append(", sub-block");
-    out.append(fmt::format(", record type {}", type.recordType));
-    if (type.highestRevision != 0)
-        out.append(fmt::format(", revisions 0 to {}", type.highestRevision));
-    if (!type.hasMessage)
-        out.append(", no message class");
-    out.append('\n');
-    if (const TQX_TypeFacts& whole = *TQX_typeFacts(type.recordType);
-        whole.description != 0 && type.blockNumber != 0) {
-        out.append(TQX_description(whole));
-        out.append('\n');
+    m_out.append(m_type.name);
+    if (m_type.blockNumber != 0) {
+        m_out.append(fmt::format(", block {}", m_type.blockNumber));
+    } else {
+        m_out.append(", sub-block");
     }
-    out.append('\n');
+    m_out.append(fmt::format(", record type {}", m_type.recordType));
+    if (m_type.highestRevision != 0)
+        m_out.append(fmt::format(", revisions 0 to {}", m_type.highestRevision));
+    if (!m_type.hasMessage)
+        m_out.append(", no message class");
+    m_out.append('\n');
+    if (const TQX_TypeFacts& whole = *TQX_typeFacts(m_type.recordType);
+        whole.description != 0 && m_type.blockNumber != 0) {
+        m_out.append(TQX_description(whole));
+        m_out.append('\n');
+    }
+    m_out.append('\n');
 }
 
 /// The names of a field's values, as many in a line as it holds, below the field. What fits beside
@@ -253,28 +256,28 @@ void Table::appendHead()
 void Table::appendSymbols(int index, size_t indentation)
 {
     constexpr size_t lineWidth = 100;
-    const std::vector<std::string> names = symbolsOf(facts[index]);
+    const std::vector<std::string> names = symbolsOf(m_facts[index]);
     if (isShort(names))
         return;
     std::string line;
     for (const std::string& name : names) {
         if (!line.empty() && indentation + line.size() + name.size() + 3 > lineWidth) {
-            out.append(fmt::format("{:{}}{},\n", "", indentation, line));
+            m_out.append(fmt::format("{:{}}{},\n", "", indentation, line));
             line.clear();
         }
         line += (line.empty() ? "" : ", ") + name;
     }
-    out.append(fmt::format("{:{}}{}\n", "", indentation, line));
+    m_out.append(fmt::format("{:{}}{}\n", "", indentation, line));
 }
 
 void Table::appendRow(int index, size_t nameWidth, size_t typeWidth)
 {
-    const TQX_FieldLayout& field = type.fields[index];
+    const TQX_FieldLayout& field = m_type.fields[index];
     std::string line = fmt::format("{:>6}  {:<{}}  {:<{}}  {}", offsetOf(field), nameOf(index),
                                    nameWidth, typeOf(field), typeWidth, propertiesOf(index));
     line.erase(line.find_last_not_of(' ') + 1);
-    out.append(line);
-    out.append('\n');
+    m_out.append(line);
+    m_out.append('\n');
     appendSymbols(index, nameWidth + 12);
 }
 
@@ -283,12 +286,12 @@ void Table::append()
     appendHead();
     size_t nameWidth = 4;
     size_t typeWidth = 4;
-    for (int i = 0; i < type.fieldCount; ++i) {
+    for (int i = 0; i < m_type.fieldCount; ++i) {
         nameWidth = std::max(nameWidth, nameOf(i).size());
-        typeWidth = std::max(typeWidth, typeOf(type.fields[i]).size());
+        typeWidth = std::max(typeWidth, typeOf(m_type.fields[i]).size());
     }
-    out.append(fmt::format("offset  {:<{}}  type\n", "name", nameWidth));
-    for (int i = 0; i < type.fieldCount; ++i)
+    m_out.append(fmt::format("offset  {:<{}}  type\n", "name", nameWidth));
+    for (int i = 0; i < m_type.fieldCount; ++i)
         appendRow(i, nameWidth, typeWidth);
 }
 

@@ -23,16 +23,16 @@ namespace
 class Object
 {
 public:
-    explicit Object(Buffer& buffer) : out(buffer) { out.append('{'); }
+    explicit Object(Buffer& buffer) : m_out(buffer) { m_out.append('{'); }
 
     /// The buffer, behind the name of a member.
     Buffer& member(const char* name)
     {
-        if (!first)
-            out.append(',');
-        first = false;
-        out.append(json::key(name));
-        return out;
+        if (!m_first)
+            m_out.append(',');
+        m_first = false;
+        m_out.append(json::key(name));
+        return m_out;
     }
 
     void text(const char* name, std::string_view value)
@@ -47,11 +47,11 @@ public:
         if (value)
             boolean(name, true);
     }
-    void close() { out.append('}'); }
+    void close() { m_out.append('}'); }
 
 private:
-    Buffer& out;
-    bool first = true;
+    Buffer& m_out;
+    bool m_first = true;
 };
 
 const char* typeName(const TQX_FieldLayout& field)
@@ -75,12 +75,13 @@ void appendDoNotUse(Object& object, const TQX_FieldLayout& field, const TQX_Fiel
     if (!facts.has(TQX_FieldFacts::HasDoNotUse))
         return;
     Buffer& out = object.member("doNotUse");
-    if (field.type == TQX_MemberType::F32)
+    if (field.type == TQX_MemberType::F32) {
         json::appendFloat(out, static_cast<float>(TQX_realDoNotUse(facts)));
-    else if (field.type == TQX_MemberType::F64)
+    } else if (field.type == TQX_MemberType::F64) {
         json::appendDouble(out, TQX_realDoNotUse(facts));
-    else
+    } else {
         out.append(doNotUseText(field, facts));
+    }
 }
 
 void appendSymbols(Object& object, const TQX_FieldLayout& field, const TQX_FieldFacts& facts)
@@ -118,18 +119,20 @@ void appendPlace(Object& object, const TQX_FieldLayout& field)
 {
     if (*field.meaning != '\0')
         object.text("description", field.meaning);
-    if (field.kind == TQX_FieldKind::Bits)
+    if (field.kind == TQX_FieldKind::Bits) {
         object.number("bit", field.shift);
-    else if (field.kind != TQX_FieldKind::Derived && field.wireOffset >= 0)
+    } else if (field.kind != TQX_FieldKind::Derived && field.wireOffset >= 0) {
         object.number("offset", field.wireOffset);
+    }
 }
 
 std::vector<std::string> subFieldsOf(const TQX_TypeLayout& type, int index)
 {
     std::vector<std::string> names;
-    for (int i = 0; i < type.fieldCount; ++i)
+    for (int i = 0; i < type.fieldCount; ++i) {
         if (type.fields[i].parent == index)
             names.emplace_back(type.fields[i].name);
+    }
     return names;
 }
 

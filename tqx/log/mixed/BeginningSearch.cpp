@@ -60,9 +60,10 @@ size_t findBeginning(const uint8_t* bytes, size_t size)
             at += step;
             continue;
         }
-        for (const size_t end = at + step; at < end && at + 1 < size; ++at)
+        for (const size_t end = at + step; at < end && at + 1 < size; ++at) {
             if (mayBegin(bytes[at], bytes[at + 1]))
                 return at;
+        }
     }
     const bool mayFollow = at < size && (beginsSentence(bytes[at]) || bytes[at] == framePreamble);
     return mayFollow ? at : size;

@@ -84,16 +84,17 @@ uint32_t product(uint32_t a, uint32_t b)
 bool Crc24::holds(uint64_t offset, const uint8_t* frame, size_t size)
 {
     constexpr size_t mostSums = 1 << 14;
-    if (sums.empty() || offset < start || offset >= start + sums.size() || sums.size() > mostSums) {
-        start = offset;
-        sums.assign(1, 0);
+    if (m_sums.empty() || offset < m_start || offset >= m_start + m_sums.size() ||
+        m_sums.size() > mostSums) {
+        m_start = offset;
+        m_sums.assign(1, 0);
     }
-    const auto first = static_cast<size_t>(offset - start);
-    for (size_t at = sums.size() - 1 - first; at < size; ++at) {
-        const uint32_t sum = sums.back();
-        sums.push_back((sum << 8U & (highest - 1)) ^ byteTable[sum >> 16U ^ frame[at]]);
+    const auto first = static_cast<size_t>(offset - m_start);
+    for (size_t at = m_sums.size() - 1 - first; at < size; ++at) {
+        const uint32_t sum = m_sums.back();
+        m_sums.push_back((sum << 8U & (highest - 1)) ^ byteTable[sum >> 16U ^ frame[at]]);
     }
-    return sums[first + size] == product(sums[first], powers[size]);
+    return m_sums[first + size] == product(m_sums[first], powers[size]);
 }
 
 } // namespace tqx

@@ -24,11 +24,11 @@ public:
     bool holds(uint64_t offset, const uint8_t* frame, size_t size);
 
     /// Forgets the stream.
-    void restart() { sums.clear(); }
+    void restart() { m_sums.clear(); }
 
 private:
-    uint64_t start = 0;         ///< offset at which the sums begin
-    std::vector<uint32_t> sums; ///< of the first 0, 1, 2... bytes from there on
+    uint64_t m_start = 0;         ///< offset at which the sums begin
+    std::vector<uint32_t> m_sums; ///< of the first 0, 1, 2... bytes from there on
 };
 
 } // namespace tqx

@@ -30,31 +30,31 @@ NeighbourScanner::Listener::~Listener() = default;
 
 void NeighbourScanner::append(uint64_t offset, const uint8_t* bytes, size_t size)
 {
-    if (offset != position + waiting.size())
+    if (offset != m_position + m_waiting.size())
         end();
     if (size == 0)
         return;
-    if (!isOpen)
-        position = offset;
-    isOpen = true;
-    if (waiting.empty()) {
+    if (!m_isOpen)
+        m_position = offset;
+    m_isOpen = true;
+    if (m_waiting.empty()) {
         const size_t decided = scan(bytes, size, false);
-        waiting.assign(bytes + decided, bytes + size);
+        m_waiting.assign(bytes + decided, bytes + size);
         return;
     }
-    waiting.insert(waiting.end(), bytes, bytes + size);
-    const size_t decided = scan(waiting.data(), waiting.size(), false);
-    waiting.erase(waiting.begin(), waiting.begin() + static_cast<std::ptrdiff_t>(decided));
+    m_waiting.insert(m_waiting.end(), bytes, bytes + size);
+    const size_t decided = scan(m_waiting.data(), m_waiting.size(), false);
+    m_waiting.erase(m_waiting.begin(), m_waiting.begin() + static_cast<std::ptrdiff_t>(decided));
 }
 
 void NeighbourScanner::close()
 {
-    scan(waiting.data(), waiting.size(), true);
-    waiting.clear();
-    crc.restart();
-    isOpen = false;
-    isLineStart = true;
-    isWithinText = false;
+    scan(m_waiting.data(), m_waiting.size(), true);
+    m_waiting.clear();
+    m_crc.restart();
+    m_isOpen = false;
+    m_isLineStart = true;
+    m_isWithinText = false;
 }
 
 /// Decides about as many of the bytes as it can, the first of which is at `position`, and returns
@@ -65,31 +65,31 @@ size_t NeighbourScanner::scan(const uint8_t* bytes, size_t size, bool isLast)
     size_t damage = 0; // where it begins; it goes on to `at`
     const auto reportDamage = [&] {
         if (damage != at)
-            listener.onDamage(position - (at - damage), at - damage);
+            m_listener.onDamage(m_position - (at - damage), at - damage);
     };
     for (;;) {
-        if (!isLineStart) {
+        if (!m_isLineStart) {
             const size_t passed = findBeginning(bytes + at, size - at);
             at += passed;
-            position += passed;
+            m_position += passed;
         }
         if (at == size)
             break;
         const Decision decision = decide({bytes + at, size - at, isLast});
         if (decision.verdict == Verdict::Waits)
             break;
-        looked = 0;
+        m_looked = 0;
         const bool isNeighbour = decision.verdict == Verdict::Neighbour;
         if (isNeighbour) {
             reportDamage();
-            listener.onRecognised({decision.kind, bytes + at, decision.size, position});
+            m_listener.onRecognised({decision.kind, bytes + at, decision.size, m_position});
         }
         at += decision.size;
-        position += decision.size;
+        m_position += decision.size;
         if (isNeighbour)
             damage = at;
-        isLineStart = isNeighbour || decision.size > 1;
-        isWithinText = isNeighbour && decision.kind == NeighbourKind::Ascii;
+        m_isLineStart = isNeighbour || decision.size > 1;
+        m_isWithinText = isNeighbour && decision.kind == NeighbourKind::Ascii;
     }
     reportDamage();
     return at;
@@ -99,7 +99,7 @@ size_t NeighbourScanner::scan(const uint8_t* bytes, size_t size, bool isLast)
 NeighbourScanner::Decision NeighbourScanner::decide(const View& view)
 {
     Decision decision = *view.data == framePreamble ? decideFrame(view)
-                        : isLineStart               ? decideText(view)
+                        : m_isLineStart             ? decideText(view)
                                                     : decideSentence(view);
     if (decision.verdict == Verdict::Waits && view.isLast)
         decision = {Verdict::Damage, 1, {}};
@@ -116,7 +116,7 @@ NeighbourScanner::Decision NeighbourScanner::decideFrame(const View& view)
     const size_t size = frameHeader + message + frameChecksum;
     if (view.size < size)
         return {Verdict::Waits, 0, {}};
-    if (!crc.holds(position, view.data, size))
+    if (!m_crc.holds(m_position, view.data, size))
         return {Verdict::Damage, 1, {}};
     return {Verdict::Neighbour, size, NeighbourKind::Rtcm3};
 }
@@ -141,7 +141,7 @@ NeighbourScanner::Decision NeighbourScanner::decideText(const View& view)
     size_t blank = 0;
     while (blank < mostBlank && blank + endSize <= view.size && isLineEnd(view.data + blank)) {
         blank += endSize;
-        if (isWithinText)
+        if (m_isWithinText)
             return {Verdict::Neighbour, blank, NeighbourKind::Ascii};
     }
     const uint8_t* const first = view.data + blank;
@@ -182,7 +182,7 @@ NeighbourScanner::Decision NeighbourScanner::decideLine(const View& view, size_t
     if (check == SentenceCheck::Wrong)
         return {Verdict::Damage, end, {}};
     const bool isFalseSync = line[0] == '$' && line[1] == '@';
-    if (isFalseSync || (!isWithinText && size < leastText + endSize))
+    if (isFalseSync || (!m_isWithinText && size < leastText + endSize))
         return none;
     return {Verdict::Neighbour, end, NeighbourKind::Ascii};
 }
@@ -191,12 +191,12 @@ NeighbourScanner::Decision NeighbourScanner::decideLine(const View& view, size_t
 /// unknown when that depends on bytes to come.
 size_t NeighbourScanner::findLineEnd(const View& view, size_t from, bool isSentence)
 {
-    size_t at = std::max(from, looked);
+    size_t at = std::max(from, m_looked);
     const size_t most = std::min(view.size, from + longestLine - endSize);
     while (at < most && isPrintable(view.data[at]) &&
            !(isSentence && beginsSentence(view.data[at])))
         ++at;
-    looked = at;
+    m_looked = at;
     if (at + endSize <= view.size)
         return isLineEnd(view.data + at) ? at + endSize : noLine;
     return at == view.size || view.data[at] == '\r' ? unknown : noLine;

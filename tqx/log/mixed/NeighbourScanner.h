@@ -48,7 +48,7 @@ public:
     };
 
     /// The listener is not owned and must outlive the scanner.
-    explicit NeighbourScanner(Listener& hears) : listener(hears) {}
+    explicit NeighbourScanner(Listener& hears) : m_listener(hears) {}
 
     /// Adds the next piece of a run. One that does not begin where the last one ended begins a run.
     void append(uint64_t offset, const uint8_t* bytes, size_t size);
@@ -56,12 +56,12 @@ public:
     /// The run has ended: what waits is decided.
     void end()
     {
-        if (isOpen)
+        if (m_isOpen)
             close();
     }
 
     /// Bytes appended that are not decided about yet.
-    size_t bytesLeft() const { return waiting.size(); }
+    size_t bytesLeft() const { return m_waiting.size(); }
 
 private:
     enum class Verdict { Waits, Damage, Neighbour };
@@ -89,14 +89,14 @@ private:
     Decision decideLine(const View& view, size_t blank, size_t end) const;
     size_t findLineEnd(const View& view, size_t from, bool isSentence);
 
-    Listener& listener;
-    std::vector<uint8_t> waiting;
-    uint64_t position = 0;     ///< of the first byte that is not decided about
-    size_t looked = 0;         ///< bytes from there on that are known to be of one line
-    bool isOpen = false;       ///< within a run
-    bool isLineStart = true;   ///< whether a line of text may begin at the position
-    bool isWithinText = false; ///< whether a line of text or a prompt has just ended there
-    Crc24 crc;
+    Listener& m_listener;
+    std::vector<uint8_t> m_waiting;
+    uint64_t m_position = 0;     ///< of the first byte that is not decided about
+    size_t m_looked = 0;         ///< bytes from there on that are known to be of one line
+    bool m_isOpen = false;       ///< within a run
+    bool m_isLineStart = true;   ///< whether a line of text may begin at the position
+    bool m_isWithinText = false; ///< whether a line of text or a prompt has just ended there
+    Crc24 m_crc;
 };
 
 } // namespace tqx

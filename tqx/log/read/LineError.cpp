@@ -4,7 +4,7 @@ namespace tqx
 {
 
 LineError::LineError(const std::string& text, bool startsWithPlace)
-    : std::runtime_error(text), hasPlace(startsWithPlace)
+    : std::runtime_error(text), m_hasPlace(startsWithPlace)
 {
 }
 
@@ -21,7 +21,7 @@ LineError LineError::at(const std::string& place, const std::string& text)
 
 LineError LineError::inside(const std::string& place) const
 {
-    return {place + (hasPlace ? "." : ": ") + what(), true};
+    return {place + (m_hasPlace ? "." : ": ") + what(), true};
 }
 
 } // namespace tqx

@@ -24,7 +24,7 @@ public:
 private:
     LineError(const std::string& text, bool startsWithPlace);
 
-    bool hasPlace = false;
+    bool m_hasPlace = false;
 };
 
 /// A line of scaled values, which do not say what a block holds.

@@ -28,10 +28,11 @@ std::vector<std::string> pathsIn(const TQX_TypeLayout& type, std::string_view wa
     std::vector<std::string> exact;
     std::vector<std::string> inner;
     forEachField(type, [&](const std::string& path) {
-        if (equalFields(path, wanted))
+        if (equalFields(path, wanted)) {
             exact.push_back(path);
-        else if (endsWith(path, wanted))
+        } else if (endsWith(path, wanted)) {
             inner.push_back(path);
+        }
     });
     return exact.empty() ? inner : exact;
 }
@@ -70,7 +71,7 @@ const TQX_TypeLayout* blockOf(std::string_view path)
 
 } // namespace
 
-FieldFilter::FieldFilter(const std::vector<std::string>& paths) : isChoice(!paths.empty())
+FieldFilter::FieldFilter(const std::vector<std::string>& paths) : m_isChoice(!paths.empty())
 {
     std::set<std::string_view> seen;
     for (const std::string& wanted : paths) {
@@ -93,27 +94,28 @@ bool FieldFilter::choose(const TQX_TypeLayout& type, std::string_view wanted)
 {
     const std::vector<std::string> paths = pathsIn(type, wanted);
     for (const std::string& path : paths)
-        types[type.recordType].add(type, path);
+        m_types[type.recordType].add(type, path);
     return !paths.empty();
 }
 
 /// Adds a field of the type that this filter is for, which exists.
 void FieldFilter::add(const TQX_TypeLayout& type, std::string_view path)
 {
-    isChoice = true;
+    m_isChoice = true;
     const size_t point = path.find('.');
     const int row = rowNamed(type, path.substr(0, point));
-    const auto known = std::find(rows.begin(), rows.end(), row);
-    const auto at = static_cast<size_t>(known - rows.begin());
-    const bool isNew = known == rows.end();
+    const auto known = std::find(m_rows.begin(), m_rows.end(), row);
+    const auto at = static_cast<size_t>(known - m_rows.begin());
+    const bool isNew = known == m_rows.end();
     if (isNew) {
-        rows.push_back(row);
-        insides.emplace_back();
+        m_rows.push_back(row);
+        m_insides.emplace_back();
     }
-    if (point == std::string_view::npos)
-        insides[at] = FieldFilter();
-    else if (isNew || !insides[at].isEverything())
-        insides[at].add(*TQX_layout(type.fields[row].recordType), path.substr(point + 1));
+    if (point == std::string_view::npos) {
+        m_insides[at] = FieldFilter();
+    } else if (isNew || !m_insides[at].isEverything()) {
+        m_insides[at].add(*TQX_layout(type.fields[row].recordType), path.substr(point + 1));
+    }
 }
 
 std::vector<FieldFilter::Shown> FieldFilter::shownIn(const TQX_TypeLayout& type) const
@@ -124,10 +126,10 @@ std::vector<FieldFilter::Shown> FieldFilter::shownIn(const TQX_TypeLayout& type)
             shown.push_back({row, this});
         return shown;
     }
-    const auto own = types.find(type.recordType);
-    const FieldFilter& filter = own == types.end() ? *this : own->second;
-    for (size_t i = 0; i < filter.rows.size(); ++i)
-        shown.push_back({filter.rows[i], &filter.insides[i]});
+    const auto own = m_types.find(type.recordType);
+    const FieldFilter& filter = own == m_types.end() ? *this : own->second;
+    for (size_t i = 0; i < filter.m_rows.size(); ++i)
+        shown.push_back({filter.m_rows[i], &filter.m_insides[i]});
     return shown;
 }
 

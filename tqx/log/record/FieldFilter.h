@@ -34,7 +34,7 @@ public:
     explicit FieldFilter(const std::vector<std::string>& paths);
 
     /// Whether every field is shown.
-    bool isEverything() const { return !isChoice; }
+    bool isEverything() const { return !m_isChoice; }
 
     /// What is shown of a type in the order to show it: of the main type itself, or, for a filter
     /// from inside a Shown, of the sub-block there. The filters live as long as this one.
@@ -47,10 +47,10 @@ private:
     bool choose(const Kor::MessageApi::TQX_TypeLayout& type, std::string_view wanted);
     void add(const Kor::MessageApi::TQX_TypeLayout& type, std::string_view path);
 
-    bool isChoice = false;
-    std::map<uint32_t, FieldFilter> types; ///< at the top, by record type
-    std::vector<int> rows;                 ///< below it, what is shown
-    std::vector<FieldFilter> insides;      ///< of each row
+    bool m_isChoice = false;
+    std::map<uint32_t, FieldFilter> m_types; ///< at the top, by record type
+    std::vector<int> m_rows;                 ///< below it, what is shown
+    std::vector<FieldFilter> m_insides;      ///< of each row
 };
 
 } // namespace tqx

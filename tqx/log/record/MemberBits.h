@@ -15,24 +15,27 @@ class MemberBits
 public:
     /// `isPacked`: values of a bit range are taken from the packed word, not from their own member.
     MemberBits(const Kor::MessageApi::TQX_FieldLayout& layout, bool isPacked)
-        : memberType(layout.type), hasSign(TQX_isSigned(layout)),
-          width(isPacked ? layout.width : 8 * TQX_elementSize(layout)),
-          shift(isPacked ? layout.shift : 0)
+        : m_memberType(layout.type), m_hasSign(TQX_isSigned(layout)),
+          m_width(isPacked ? layout.width : 8 * TQX_elementSize(layout)),
+          m_shift(isPacked ? layout.shift : 0)
     {
     }
 
-    bool isSingle() const { return memberType == Kor::MessageApi::TQX_MemberType::F32; }
-    bool isReal() const { return isSingle() || memberType == Kor::MessageApi::TQX_MemberType::F64; }
-    bool isCharacter() const { return memberType == Kor::MessageApi::TQX_MemberType::Char; }
-    bool isSigned() const { return hasSign; }
+    bool isSingle() const { return m_memberType == Kor::MessageApi::TQX_MemberType::F32; }
+    bool isReal() const
+    {
+        return isSingle() || m_memberType == Kor::MessageApi::TQX_MemberType::F64;
+    }
+    bool isCharacter() const { return m_memberType == Kor::MessageApi::TQX_MemberType::Char; }
+    bool isSigned() const { return m_hasSign; }
 
     /// Of an integer field, sign-extended when it is signed.
     uint64_t integer(uint64_t word) const
     {
-        const uint64_t value = word >> shift & ~uint64_t{0} >> (64 - width);
-        if (!hasSign)
+        const uint64_t value = word >> m_shift & ~uint64_t{0} >> (64 - m_width);
+        if (!m_hasSign)
             return value;
-        const uint64_t sign = uint64_t{1} << (width - 1);
+        const uint64_t sign = uint64_t{1} << (m_width - 1);
         return (value ^ sign) - sign;
     }
 
@@ -56,10 +59,10 @@ public:
     }
 
 private:
-    Kor::MessageApi::TQX_MemberType memberType;
-    bool hasSign;
-    unsigned width;
-    unsigned shift;
+    Kor::MessageApi::TQX_MemberType m_memberType;
+    bool m_hasSign;
+    unsigned m_width;
+    unsigned m_shift;
 };
 
 } // namespace tqx

@@ -5,14 +5,14 @@ namespace tqx
 
 RecordDecoder::RecordDecoder()
 {
-    TQX_init_context(&context);
+    TQX_init_context(&m_context);
 }
 
 int32_t RecordDecoder::decode(const Block& block)
 {
-    last = block;
-    consumed = record.decode(&context, block.data, block.size);
-    return consumed;
+    m_last = block;
+    m_consumed = m_record.decode(&m_context, block.data, block.size);
+    return m_consumed;
 }
 
 } // namespace tqx

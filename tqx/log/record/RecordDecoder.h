@@ -19,16 +19,16 @@ public:
     int32_t decode(const Block& block);
 
     /// The record of the last block that decoded; belongs to the decoder.
-    const void* getRecord() const { return record.get(); }
+    const void* getRecord() const { return m_record.get(); }
 
     /// The last block, if it decoded, with its record.
-    DecodedBlock getDecoded() const { return {last, record.get(), consumed}; }
+    DecodedBlock getDecoded() const { return {m_last, m_record.get(), m_consumed}; }
 
 private:
-    Kor::MessageApi::TQX_Context_s context;
-    Kor::MessageApi::TQX_OwnedRecord record;
-    Block last = {};
-    int32_t consumed = 0;
+    Kor::MessageApi::TQX_Context_s m_context;
+    Kor::MessageApi::TQX_OwnedRecord m_record;
+    Block m_last = {};
+    int32_t m_consumed = 0;
 };
 
 } // namespace tqx

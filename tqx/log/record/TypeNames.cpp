@@ -56,9 +56,10 @@ bool equalFields(std::string_view name, std::string_view written)
 
 void forEachType(const std::function<void(const TQX_TypeLayout&)>& visit)
 {
-    for (uint32_t recordType = 1; recordType <= lastRecordType; ++recordType)
+    for (uint32_t recordType = 1; recordType <= lastRecordType; ++recordType) {
         if (const TQX_TypeLayout* layout = TQX_layout(recordType))
             visit(*layout);
+    }
 }
 
 void forEachField(const TQX_TypeLayout& type, const std::function<void(const std::string&)>& visit)
@@ -66,10 +67,11 @@ void forEachField(const TQX_TypeLayout& type, const std::function<void(const std
     for (int i = 0; i < type.fieldCount; ++i) {
         const TQX_FieldLayout& field = type.fields[i];
         visit(field.name);
-        if (field.recordType != 0)
+        if (field.recordType != 0) {
             forEachField(*TQX_layout(field.recordType), [&](const std::string& inner) {
                 visit(std::string(field.name) + '.' + inner);
             });
+        }
     }
 }
 

@@ -47,11 +47,12 @@ std::string unknownFieldText(const std::vector<ExpressionWord>& path, const Unkn
     }
     std::vector<std::string_view> candidates(unknown.candidates.begin(), unknown.candidates.end());
     const bool mayBeBlock = owner.empty() && unknown.depth == 0 && path.size() > 1;
-    if (mayBeBlock)
+    if (mayBeBlock) {
         forEachType([&](const TQX_TypeLayout& type) {
             if (type.blockNumber != 0)
                 candidates.emplace_back(type.name);
         });
+    }
     const std::string kind = !owner.empty() ? "field of " + owner
                              : mayBeBlock   ? "block or field"
                                             : "field";
@@ -72,23 +73,23 @@ Condition::Tests::Tests(const ExpressionScope& scope)
 }
 
 Condition::Condition(const std::string& text, const TypeSelection& types)
-    : expression(text), noTests(expression)
+    : m_expression(text), m_noTests(m_expression)
 {
     Places places;
     for (const TQX_TypeLayout* type : mainTypes()) {
         Tests* tests = nullptr;
         if (types.accepts(type->blockNumber))
-            tests = &testsOfTypes.emplace(type->recordType, expression).first->second;
+            tests = &m_testsOfTypes.emplace(type->recordType, m_expression).first->second;
         places.list.push_back({type, type->blockNumber, tests});
     }
-    resolve(expression.root(), places);
+    resolve(m_expression.root(), places);
 }
 
 // In the order of the text, so that what is wrong first is reported.
 void Condition::resolve(size_t index, const Places& places)
 {
     using Kind = Expression::Node::Kind;
-    const Expression::Node& node = expression.node(index);
+    const Expression::Node& node = m_expression.node(index);
     switch (node.kind) {
     case Kind::And:
     case Kind::Or:
@@ -116,15 +117,16 @@ std::vector<Condition::Found> Condition::find(const std::vector<ExpressionWord>&
         for (const FieldPath& each : findFields(*place.type, path, type ? 1 : 0, unknown))
             found.push_back({place, each});
     }
-    if (found.empty())
-        expression.fail(path[unknown.depth].position,
-                        unknownFieldText(path, unknown, type ? type->name : places.owner));
+    if (found.empty()) {
+        m_expression.fail(path[unknown.depth].position,
+                          unknownFieldText(path, unknown, type ? type->name : places.owner));
+    }
     return found;
 }
 
 void Condition::resolveTerm(size_t index, const Places& places)
 {
-    const ExpressionTerm& term = expression.terms()[index];
+    const ExpressionTerm& term = m_expression.terms()[index];
     std::string why;
     bool isTest = false;
     bool isSelected = false;
@@ -137,19 +139,19 @@ void Condition::resolveTerm(size_t index, const Places& places)
         if (!tests)
             continue;
         isSelected = true;
-        readTypes.set(each.place.blockNumber);
+        m_readTypes.set(each.place.blockNumber);
         tests->terms[index - tests->firstTerm].push_back(*test);
     }
     if (!isTest)
-        expression.fail(term.value.position, why);
+        m_expression.fail(term.value.position, why);
     if (!isSelected)
-        expression.fail(term.path.front().position, "no selected block has this field");
+        m_expression.fail(term.path.front().position, "no selected block has this field");
 }
 
 /// The types of the elements that it is about.
 Condition::Places Condition::resolveScope(size_t index, const Places& places)
 {
-    const ExpressionScope& scope = expression.scopes()[index];
+    const ExpressionScope& scope = m_expression.scopes()[index];
     Places inner = {{}, scope.path.back().text};
     const std::vector<Found> all = find(scope.path, places);
     for (const Found& each : all) {
@@ -176,24 +178,26 @@ Condition::Places Condition::resolveScope(size_t index, const Places& places)
             {TQX_layout(type), each.place.blockNumber,
              tests ? &tests->branches[index - tests->firstScope][branch].tests : nullptr});
     }
-    if (inner.list.empty())
-        expression.fail(scope.path.back().position,
-                        inner.owner + " holds no sub-blocks; any asks for elements of those");
+    if (inner.list.empty()) {
+        m_expression.fail(scope.path.back().position,
+                          inner.owner + " holds no sub-blocks; any asks for elements of those");
+    }
     return inner;
 }
 
 bool Condition::accepts(const void* record) const
 {
     const auto tests =
-        record ? testsOfTypes.find(static_cast<const KorcgHeader_s*>(record)->korcg_type)
-               : testsOfTypes.end();
-    return holds(expression.root(), tests == testsOfTypes.end() ? noTests : tests->second, record);
+        record ? m_testsOfTypes.find(static_cast<const KorcgHeader_s*>(record)->korcg_type)
+               : m_testsOfTypes.end();
+    return holds(m_expression.root(), tests == m_testsOfTypes.end() ? m_noTests : tests->second,
+                 record);
 }
 
 bool Condition::holds(size_t index, const Tests& tests, const void* record) const
 {
     using Kind = Expression::Node::Kind;
-    const Expression::Node& node = expression.node(index);
+    const Expression::Node& node = m_expression.node(index);
     switch (node.kind) {
     case Kind::And:
         return holds(node.left, tests, record) && holds(node.right, tests, record);
@@ -213,9 +217,10 @@ bool Condition::holds(size_t index, const Tests& tests, const void* record) cons
     case Kind::Term:
         break;
     }
-    for (const FieldTest& test : tests.ofTerm(node.left))
+    for (const FieldTest& test : tests.ofTerm(node.left)) {
         if (test.passes(record))
             return true;
+    }
     return false;
 }
 

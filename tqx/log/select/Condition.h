@@ -30,7 +30,7 @@ public:
 
     /// Whether any of the fields belongs to that type. If not, accepts() says the same for all its
     /// blocks, and for null.
-    bool reads(uint16_t blockNumber) const { return readTypes[blockNumber]; }
+    bool reads(uint16_t blockNumber) const { return m_readTypes[blockNumber]; }
 
     /// Whether the condition holds for the record of a main block. Null stands for a block that has
     /// none of the fields.
@@ -87,10 +87,10 @@ private:
     std::vector<Found> find(const std::vector<ExpressionWord>& path, const Places& places) const;
     bool holds(size_t node, const Tests& tests, const void* record) const;
 
-    Expression expression;
-    std::unordered_map<uint32_t, Tests> testsOfTypes; ///< by record type, of selected main types
-    Tests noTests;
-    std::bitset<TypeSelection::numbers> readTypes;
+    Expression m_expression;
+    std::unordered_map<uint32_t, Tests> m_testsOfTypes; ///< by record type, of selected main types
+    Tests m_noTests;
+    std::bitset<TypeSelection::numbers> m_readTypes;
 };
 
 } // namespace tqx

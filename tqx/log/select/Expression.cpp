@@ -65,16 +65,16 @@ void Expression::fail(size_t position, const std::string& why) const
 {
     constexpr size_t most = 60; // bytes shown on each side
     const auto isWithin = [&](size_t at) {
-        return at < source.size() && (static_cast<unsigned char>(source[at]) & 0xc0U) == 0x80;
+        return at < m_source.size() && (static_cast<unsigned char>(m_source[at]) & 0xc0U) == 0x80;
     };
     size_t begin = position - std::min(position, most);
-    size_t end = std::min(source.size(), position + most);
+    size_t end = std::min(m_source.size(), position + most);
     // Not within a character.
     while (begin != 0 && isWithin(begin))
         ++begin;
     while (isWithin(end))
         ++end;
-    std::string line = source.substr(begin, end - begin);
+    std::string line = m_source.substr(begin, end - begin);
     std::replace_if(
         line.begin(), line.end(),
         [](char c) { return std::iscntrl(static_cast<unsigned char>(c)) != 0; }, ' ');
@@ -84,7 +84,7 @@ void Expression::fail(size_t position, const std::string& why) const
         return (static_cast<unsigned char>(c) & 0xc0U) != 0x80;
     });
     throw DataError(fmt::format("--where: {}\n  {}{}{}\n  {:>{}}", why, before,
-                                line.substr(position - begin), end == source.size() ? "" : "...",
+                                line.substr(position - begin), end == m_source.size() ? "" : "...",
                                 '^', columns + 1));
 }
 
@@ -92,13 +92,13 @@ void Expression::fail(size_t position, const std::string& why) const
 class ExpressionParser
 {
 public:
-    explicit ExpressionParser(Expression& into) : result(into), text(into.source) {}
+    explicit ExpressionParser(Expression& into) : m_result(into), m_text(into.m_source) {}
 
     void parse()
     {
         readOr();
         skipBlanks();
-        if (at != text.size())
+        if (m_at != m_text.size())
             fail("and, or, or the end is expected here");
     }
 
@@ -116,15 +116,15 @@ private:
 
     size_t add(Kind kind, size_t left, size_t right = 0)
     {
-        result.nodes.push_back({kind, left, right});
-        return result.nodes.size() - 1;
+        m_result.m_nodes.push_back({kind, left, right});
+        return m_result.m_nodes.size() - 1;
     }
-    [[noreturn]] void fail(const std::string& why) const { result.fail(at, why); }
+    [[noreturn]] void fail(const std::string& why) const { m_result.fail(m_at, why); }
 
     void skipBlanks()
     {
-        while (at < text.size() && std::isspace(static_cast<unsigned char>(text[at])))
-            ++at;
+        while (m_at < m_text.size() && std::isspace(static_cast<unsigned char>(m_text[m_at])))
+            ++m_at;
     }
     bool skip(std::string_view symbol);
     bool skipWord(std::string_view word);
@@ -134,27 +134,27 @@ private:
     static constexpr int deepest = 200;
     static constexpr size_t mostTerms = 1000;
 
-    Expression& result;
-    std::string_view text;
-    size_t at = 0;
-    int depth = 0;
+    Expression& m_result;
+    std::string_view m_text;
+    size_t m_at = 0;
+    int m_depth = 0;
 };
 
 bool ExpressionParser::skip(std::string_view symbol)
 {
     skipBlanks();
-    if (text.substr(at, symbol.size()) != symbol)
+    if (m_text.substr(m_at, symbol.size()) != symbol)
         return false;
-    at += symbol.size();
+    m_at += symbol.size();
     return true;
 }
 
 std::string_view ExpressionParser::peekName() const
 {
-    size_t end = at;
-    while (end < text.size() && (isLetter(text[end]) || (end != at && isDigit(text[end]))))
+    size_t end = m_at;
+    while (end < m_text.size() && (isLetter(m_text[end]) || (end != m_at && isDigit(m_text[end]))))
         ++end;
-    return text.substr(at, end - at);
+    return m_text.substr(m_at, end - m_at);
 }
 
 bool ExpressionParser::skipWord(std::string_view word)
@@ -162,7 +162,7 @@ bool ExpressionParser::skipWord(std::string_view word)
     skipBlanks();
     if (peekName() != word)
         return false;
-    at += word.size();
+    m_at += word.size();
     return true;
 }
 
@@ -184,7 +184,7 @@ size_t ExpressionParser::readAnd()
 
 size_t ExpressionParser::readTest()
 {
-    if (++depth > deepest)
+    if (++m_depth > deepest)
         fail("is nested too deeply");
     size_t node = 0;
     if (skipWord("not")) {
@@ -198,7 +198,7 @@ size_t ExpressionParser::readTest()
     } else {
         node = readTerm(skipWord("has"));
     }
-    --depth;
+    --m_depth;
     return node;
 }
 
@@ -206,30 +206,30 @@ size_t ExpressionParser::readAny()
 {
     if (!skip("("))
         fail("any is written any(Field: condition)");
-    const size_t index = result.allScopes.size();
-    result.allScopes.push_back({readPath(), result.allTerms.size(), 0, index + 1, 0});
+    const size_t index = m_result.m_allScopes.size();
+    m_result.m_allScopes.push_back({readPath(), m_result.m_allTerms.size(), 0, index + 1, 0});
     if (!skip(":"))
         fail("a colon is expected here, then what is asked of the same element");
     const size_t node = readOr();
     if (!skip(")"))
         fail("a closing parenthesis is expected here");
-    ExpressionScope& scope = result.allScopes[index];
-    scope.endTerm = result.allTerms.size();
-    scope.endScope = result.allScopes.size();
+    ExpressionScope& scope = m_result.m_allScopes[index];
+    scope.endTerm = m_result.m_allTerms.size();
+    scope.endScope = m_result.m_allScopes.size();
     return add(Kind::Any, node, index);
 }
 
 size_t ExpressionParser::readTerm(bool isHas)
 {
-    if (result.allTerms.size() == mostTerms)
+    if (m_result.m_allTerms.size() == mostTerms)
         fail("too many comparisons");
     ExpressionTerm term = {readPath(), Comparison::Has, {}, false, {}};
     if (!isHas) {
         term.comparison = readComparison();
         readValue(term);
     }
-    result.allTerms.push_back(std::move(term));
-    return add(Kind::Term, result.allTerms.size() - 1);
+    m_result.m_allTerms.push_back(std::move(term));
+    return add(Kind::Term, m_result.m_allTerms.size() - 1);
 }
 
 std::vector<ExpressionWord> ExpressionParser::readPath()
@@ -240,9 +240,9 @@ std::vector<ExpressionWord> ExpressionParser::readPath()
         const std::string_view name = peekName();
         if (name.empty())
             fail("the name of a field is expected here");
-        path.push_back({std::string(name), at});
-        at += name.size();
-    } while (at < text.size() && text[at] == '.' && ++at != 0);
+        path.push_back({std::string(name), m_at});
+        m_at += name.size();
+    } while (m_at < m_text.size() && m_text[m_at] == '.' && ++m_at != 0);
     return path;
 }
 
@@ -253,12 +253,13 @@ Comparison ExpressionParser::readComparison()
         {"<=", Comparison::LessOrEqual},    {"<", Comparison::Less},
         {">=", Comparison::GreaterOrEqual}, {">", Comparison::Greater},
     };
-    for (const auto& [symbol, comparison] : symbols)
+    for (const auto& [symbol, comparison] : symbols) {
         if (skip(symbol))
             return comparison;
+    }
     if (skipWord("like"))
         return Comparison::Like;
-    if (text.substr(at, 1) == "=")
+    if (m_text.substr(m_at, 1) == "=")
         fail("equality is written ==, the others are != < <= > >= like");
     fail("a comparison is expected here: == != < <= > >= like");
 }
@@ -266,33 +267,36 @@ Comparison ExpressionParser::readComparison()
 void ExpressionParser::readValue(ExpressionTerm& term)
 {
     skipBlanks();
-    term.value.position = at;
-    if (at < text.size() && (text[at] == '\'' || text[at] == '"')) {
-        const size_t end = text.find(text[at], at + 1);
+    term.value.position = m_at;
+    if (m_at < m_text.size() && (m_text[m_at] == '\'' || m_text[m_at] == '"')) {
+        const size_t end = m_text.find(m_text[m_at], m_at + 1);
         if (end == std::string_view::npos)
             fail("this quote is not closed");
         term.isName = true;
-        term.value.text = text.substr(at + 1, end - at - 1);
-        at = end + 1;
+        term.value.text = m_text.substr(m_at + 1, end - m_at - 1);
+        m_at = end + 1;
         return;
     }
     if (term.comparison == Comparison::Like)
         fail("a pattern in quotes is expected here, such as 'G*'");
-    size_t end = at;
-    while (end < text.size() && (isLetter(text[end]) || isDigit(text[end]) || text[end] == '.' ||
-                                 ((text[end] == '-' || text[end] == '+') &&
-                                  (end == at || text[end - 1] == 'e' || text[end - 1] == 'E'))))
+    size_t end = m_at;
+    while (end < m_text.size() &&
+           (isLetter(m_text[end]) || isDigit(m_text[end]) || m_text[end] == '.' ||
+            ((m_text[end] == '-' || m_text[end] == '+') &&
+             (end == m_at || m_text[end - 1] == 'e' || m_text[end - 1] == 'E'))))
         ++end;
-    term.value.text = text.substr(at, end - at);
+    term.value.text = m_text.substr(m_at, end - m_at);
     const std::optional<Number> number = readNumber(term.value.text);
-    if (!number)
-        fail(end != at && isLetter(text[at]) ? "names and texts stand in quotes"
-                                             : "a number, or a name in quotes, is expected here");
+    if (!number) {
+        fail(end != m_at && isLetter(m_text[m_at])
+                 ? "names and texts stand in quotes"
+                 : "a number, or a name in quotes, is expected here");
+    }
     term.number = *number;
-    at = end;
+    m_at = end;
 }
 
-Expression::Expression(std::string text) : source(std::move(text))
+Expression::Expression(std::string text) : m_source(std::move(text))
 {
     ExpressionParser(*this).parse();
 }

@@ -64,10 +64,10 @@ public:
     /// Throws DataError for a text that is no expression, see fail().
     explicit Expression(std::string text);
 
-    const std::vector<ExpressionTerm>& terms() const { return allTerms; }
-    const std::vector<ExpressionScope>& scopes() const { return allScopes; }
-    const Node& node(size_t index) const { return nodes[index]; }
-    size_t root() const { return nodes.size() - 1; }
+    const std::vector<ExpressionTerm>& terms() const { return m_allTerms; }
+    const std::vector<ExpressionScope>& scopes() const { return m_allScopes; }
+    const Node& node(size_t index) const { return m_nodes[index]; }
+    size_t root() const { return m_nodes.size() - 1; }
 
     /// Throws DataError: `why`, then the expression, then a line that points to `position` in it.
     [[noreturn]] void fail(size_t position, const std::string& why) const;
@@ -75,10 +75,10 @@ public:
 private:
     friend class ExpressionParser;
 
-    std::string source;
-    std::vector<ExpressionTerm> allTerms;
-    std::vector<ExpressionScope> allScopes;
-    std::vector<Node> nodes; ///< children before their parents
+    std::string m_source;
+    std::vector<ExpressionTerm> m_allTerms;
+    std::vector<ExpressionScope> m_allScopes;
+    std::vector<Node> m_nodes; ///< children before their parents
 };
 
 } // namespace tqx

@@ -16,7 +16,7 @@ class Search
 {
 public:
     Search(const std::vector<ExpressionWord>& wanted, UnknownField& miss)
-        : names(wanted), unknown(miss)
+        : m_names(wanted), m_unknown(miss)
     {
     }
 
@@ -36,9 +36,9 @@ private:
         for (int i = type.firstSubBlock; i < type.fieldCount; ++i) {
             if (type.fields[i].recordType == 0)
                 continue;
-            through.push_back({&type, type.fields + i});
+            m_through.push_back({&type, type.fields + i});
             action(*TQX_layout(type.fields[i].recordType));
-            through.pop_back();
+            m_through.pop_back();
         }
     }
 
@@ -51,7 +51,7 @@ private:
     bool findIn(const TQX_TypeLayout& type, size_t at)
     {
         for (int i = 0; i < type.fieldCount; ++i) {
-            if (equalFields(type.fields[i].name, names[at].text)) {
+            if (equalFields(type.fields[i].name, m_names[at].text)) {
                 take({&type, type.fields + i}, at);
                 return true;
             }
@@ -62,30 +62,30 @@ private:
 
     void take(const FieldOfType& field, size_t at)
     {
-        if (at + 1 == names.size()) {
-            found.push_back({through, field});
+        if (at + 1 == m_names.size()) {
+            found.push_back({m_through, field});
         } else if (field.layout->recordType != 0) {
-            through.push_back(field);
+            m_through.push_back(field);
             findIn(*TQX_layout(field.layout->recordType), at + 1);
-            through.pop_back();
-        } else if (at + 1 > unknown.depth) {
-            unknown = {at + 1, {}};
+            m_through.pop_back();
+        } else if (at + 1 > m_unknown.depth) {
+            m_unknown = {at + 1, {}};
         }
     }
 
     void note(const TQX_TypeLayout& type, size_t at)
     {
-        if (at < unknown.depth)
+        if (at < m_unknown.depth)
             return;
-        if (at > unknown.depth)
-            unknown = {at, {}};
+        if (at > m_unknown.depth)
+            m_unknown = {at, {}};
         for (int i = 0; i < type.fieldCount; ++i)
-            unknown.candidates.insert(type.fields[i].name);
+            m_unknown.candidates.insert(type.fields[i].name);
     }
 
-    const std::vector<ExpressionWord>& names;
-    UnknownField& unknown;
-    std::vector<FieldOfType> through;
+    const std::vector<ExpressionWord>& m_names;
+    UnknownField& m_unknown;
+    std::vector<FieldOfType> m_through;
 };
 
 } // namespace

@@ -64,7 +64,7 @@ uint64_t integerOf(const TQX_FieldLayout& field, const void* record, uint32_t in
 } // namespace
 
 FieldTest::FieldTest(const FieldPath& fieldPath, Comparison wanted)
-    : path(fieldPath), facts(&fieldPath.field.facts()), comparison(wanted)
+    : m_path(fieldPath), m_facts(&fieldPath.field.facts()), m_comparison(wanted)
 {
 }
 
@@ -72,14 +72,15 @@ std::optional<FieldTest> FieldTest::make(const FieldPath& path, const Expression
                                          std::string& why)
 {
     FieldTest test(path, term.comparison);
-    test.isTime = isContinuousTime(*path.field.layout);
+    test.m_isTime = isContinuousTime(*path.field.layout);
     if (term.comparison == Comparison::Has)
         return test;
     std::string problem;
-    if (path.field.layout->recordType != 0)
+    if (path.field.layout->recordType != 0) {
         problem = "holds sub-blocks; compare a field inside, or ask whether it is there with has";
-    else
+    } else {
         problem = term.isName ? test.prepareName(term.value.text) : test.prepareNumber(term.number);
+    }
     if (problem.empty())
         return test;
     why = std::string(path.field.layout->name) + ' ' + problem;
@@ -88,30 +89,30 @@ std::optional<FieldTest> FieldTest::make(const FieldPath& path, const Expression
 
 std::string FieldTest::prepareName(const std::string& name)
 {
-    if (comparison != Comparison::Equal && comparison != Comparison::NotEqual &&
-        comparison != Comparison::Like)
+    if (m_comparison != Comparison::Equal && m_comparison != Comparison::NotEqual &&
+        m_comparison != Comparison::Like)
         return "can be compared with a name or text by ==, != and like only";
-    if (path.field.layout->type == TQX_MemberType::Char) {
-        subject = Subject::Text;
-        text = withoutTrailingBlanks(name);
+    if (m_path.field.layout->type == TQX_MemberType::Char) {
+        m_subject = Subject::Text;
+        m_text = withoutTrailingBlanks(name);
         return {};
     }
-    subject = Subject::Name;
+    m_subject = Subject::Name;
     std::vector<std::string_view> names;
-    for (const TQX_NamedValue& each : TQX_namedValues(*facts)) {
+    for (const TQX_NamedValue& each : TQX_namedValues(*m_facts)) {
         const auto value = static_cast<uint64_t>(each.value);
-        if (TQX_isDoNotUse(*facts, value))
+        if (TQX_isDoNotUse(*m_facts, value))
             continue;
         names.push_back(each.name);
-        if (comparison == Comparison::Like ? matchesPattern(each.name, name)
-                                           : equalNames(each.name, name))
-            named.push_back(value);
+        if (m_comparison == Comparison::Like ? matchesPattern(each.name, name)
+                                             : equalNames(each.name, name))
+            m_named.push_back(value);
     }
-    if (!named.empty())
+    if (!m_named.empty())
         return {};
     if (names.empty())
         return "has no names for its values; compare it with a number";
-    if (comparison == Comparison::Like)
+    if (m_comparison == Comparison::Like)
         return "has no value with a name like '" + shortened(name) + '\'';
     const std::string meant = nearest(name, names);
     return "has no value named '" + shortened(name) + '\'' +
@@ -120,64 +121,67 @@ std::string FieldTest::prepareName(const std::string& name)
 
 std::string FieldTest::prepareNumber(const Number& value)
 {
-    if (path.field.layout->type == TQX_MemberType::Char)
+    if (m_path.field.layout->type == TQX_MemberType::Char)
         return "is a text; compare it with one in quotes";
-    subject = Subject::Number;
-    number = value;
-    if (facts->scale != 0)
-        scale.emplace(TQX_scale(*facts));
-    // A number that a float shows as 0.1 is meant to equal 0.1.
-    else if (path.field.layout->type == TQX_MemberType::F32)
-        number = Number::ofReal(static_cast<double>(static_cast<float>(value.toDouble())));
+    m_subject = Subject::Number;
+    m_number = value;
+    if (m_facts->scale != 0) {
+        m_scale.emplace(TQX_scale(*m_facts));
+        // A number that a float shows as 0.1 is meant to equal 0.1.
+    } else if (m_path.field.layout->type == TQX_MemberType::F32) {
+        m_number = Number::ofReal(static_cast<double>(static_cast<float>(value.toDouble())));
+    }
     return {};
 }
 
 bool FieldTest::passes(const void* record) const
 {
-    return anyElement(path.through, record,
+    return anyElement(m_path.through, record,
                       [this](const void* owner) { return passesHere(owner); });
 }
 
 bool FieldTest::passesHere(const void* record) const
 {
-    const uint32_t count = countOf(path.field, record);
-    if (subject == Subject::Text)
+    const uint32_t count = countOf(m_path.field, record);
+    if (m_subject == Subject::Text)
         return count != 0 && passesText(record);
-    if (facts->inputCount != 0 && !TQX_hasInputs(*facts, record))
+    if (m_facts->inputCount != 0 && !TQX_hasInputs(*m_facts, record))
         return false;
-    for (uint32_t i = 0; i < count; ++i)
+    for (uint32_t i = 0; i < count; ++i) {
         if (passesElement(record, i))
             return true;
+    }
     return false;
 }
 
 bool FieldTest::passesText(const void* record) const
 {
     Buffer value;
-    appendLatin1(value, textOf(*path.field.layout, record));
+    appendLatin1(value, textOf(*m_path.field.layout, record));
     const std::string found = withoutTrailingBlanks(std::string(value.view()));
-    if (comparison == Comparison::Like)
-        return matchesPattern(found, text);
-    return (found == text) == (comparison == Comparison::Equal);
+    if (m_comparison == Comparison::Like)
+        return matchesPattern(found, m_text);
+    return (found == m_text) == (m_comparison == Comparison::Equal);
 }
 
 bool FieldTest::passesElement(const void* record, uint32_t index) const
 {
-    const TQX_FieldLayout& field = *path.field.layout;
+    const TQX_FieldLayout& field = *m_path.field.layout;
     if (field.recordType != 0 || field.type == TQX_MemberType::Char)
         return true;
     if (isReal(field)) {
         const double value = realOf(field, record, index);
-        return !TQX_isRealDoNotUse(*facts, value) &&
-               (subject == Subject::Presence || passesNumber(Number::ofReal(value)));
+        return !TQX_isRealDoNotUse(*m_facts, value) &&
+               (m_subject == Subject::Presence || passesNumber(Number::ofReal(value)));
     }
     const uint64_t value = integerOf(field, record, index);
-    if (TQX_isDoNotUse(*facts, value) || (isTime && value == noContinuousTime))
+    if (TQX_isDoNotUse(*m_facts, value) || (m_isTime && value == noContinuousTime))
         return false;
-    if (subject == Subject::Name)
-        return (std::find(named.begin(), named.end(), value) != named.end()) ==
-               (comparison != Comparison::NotEqual);
-    return subject == Subject::Presence ||
+    if (m_subject == Subject::Name) {
+        return (std::find(m_named.begin(), m_named.end(), value) != m_named.end()) ==
+               (m_comparison != Comparison::NotEqual);
+    }
+    return m_subject == Subject::Presence ||
            passesNumber(TQX_isSigned(field) ? Number::ofSigned(static_cast<int64_t>(value))
                                             : Number::ofUnsigned(value));
 }
@@ -186,9 +190,9 @@ bool FieldTest::passesNumber(const Number& value) const
 {
     if (value.isNaN())
         return false;
-    return holds(comparison, scale ? Number::ofReal(scale->apply(value.toDouble()))
-                                         .compare(Number::ofReal(number.toDouble()))
-                                   : value.compare(number));
+    return holds(m_comparison, m_scale ? Number::ofReal(m_scale->apply(value.toDouble()))
+                                             .compare(Number::ofReal(m_number.toDouble()))
+                                       : value.compare(m_number));
 }
 
 } // namespace tqx

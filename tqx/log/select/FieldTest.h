@@ -36,15 +36,15 @@ private:
     bool passesElement(const void* record, uint32_t index) const;
     bool passesNumber(const Number& value) const;
 
-    FieldPath path;
-    const Kor::MessageApi::TQX_FieldFacts* facts;
-    Comparison comparison;
-    Subject subject = Subject::Presence;
-    bool isTime = false; ///< see isContinuousTime()
-    std::optional<Scale> scale;
-    Number number;
-    std::vector<uint64_t> named; ///< the values that have the wanted name, sign-extended
-    std::string text;
+    FieldPath m_path;
+    const Kor::MessageApi::TQX_FieldFacts* m_facts;
+    Comparison m_comparison;
+    Subject m_subject = Subject::Presence;
+    bool m_isTime = false; ///< see isContinuousTime()
+    std::optional<Scale> m_scale;
+    Number m_number;
+    std::vector<uint64_t> m_named; ///< the values that have the wanted name, sign-extended
+    std::string m_text;
 };
 
 } // namespace tqx

@@ -44,7 +44,7 @@ Number Number::ofUnsigned(uint64_t value)
 Number Number::ofSigned(int64_t value)
 {
     Number number;
-    number.kind = Kind::Signed;
+    number.m_kind = Kind::Signed;
     number.whole = value;
     return number;
 }
@@ -52,19 +52,19 @@ Number Number::ofSigned(int64_t value)
 Number Number::ofReal(double value)
 {
     Number number;
-    number.kind = Kind::Real;
+    number.m_kind = Kind::Real;
     number.real = value;
     return number;
 }
 
 bool Number::isNaN() const
 {
-    return kind == Kind::Real && std::isnan(real);
+    return m_kind == Kind::Real && std::isnan(real);
 }
 
 double Number::toDouble() const
 {
-    switch (kind) {
+    switch (m_kind) {
     case Kind::Unsigned:
         return static_cast<double>(bits);
     case Kind::Signed:
@@ -77,16 +77,18 @@ double Number::toDouble() const
 
 int Number::compare(const Number& other) const
 {
-    if (kind == other.kind)
-        return kind == Kind::Unsigned ? order(bits, other.bits)
-               : kind == Kind::Signed ? order(whole, other.whole)
-                                      : order(real, other.real);
-    if (kind == Kind::Real)
+    if (m_kind == other.m_kind) {
+        return m_kind == Kind::Unsigned ? order(bits, other.bits)
+               : m_kind == Kind::Signed ? order(whole, other.whole)
+                                        : order(real, other.real);
+    }
+    if (m_kind == Kind::Real)
         return -other.compare(*this);
-    if (other.kind == Kind::Real)
-        return kind == Kind::Unsigned ? compareUnsigned(bits, other.real)
-                                      : compareSigned(whole, other.real);
-    if (kind == Kind::Signed)
+    if (other.m_kind == Kind::Real) {
+        return m_kind == Kind::Unsigned ? compareUnsigned(bits, other.real)
+                                        : compareSigned(whole, other.real);
+    }
+    if (m_kind == Kind::Signed)
         return whole < 0 ? -1 : order(static_cast<uint64_t>(whole), other.bits);
     return -other.compare(*this);
 }

@@ -29,7 +29,7 @@ public:
     int compare(const Number& other) const;
 
 private:
-    Kind kind = Kind::Unsigned;
+    Kind m_kind = Kind::Unsigned;
     union {
         uint64_t bits;
         int64_t whole;

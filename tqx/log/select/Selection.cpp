@@ -27,69 +27,71 @@ GnssMillis intervalOf(double seconds)
         return 1;
     const double millis = seconds * 1000;
     if (!(millis > 0 && millis <= static_cast<double>(millisPerWeek)) ||
-        std::fabs(millis - std::round(millis)) > 1e-9 * millis || std::round(millis) < 1)
+        std::fabs(millis - std::round(millis)) > 1e-9 * millis || std::round(millis) < 1) {
         throw DataError(fmt::format(
             "--interval: '{}' is no whole number of milliseconds up to a week", seconds));
+    }
     return static_cast<GnssMillis>(std::llround(millis));
 }
 
 } // namespace
 
 Selection::Selection(const SelectionRequest& request)
-    : types(request.types, request.notTypes), from(timeOf("--from", request.from)),
-      to(timeOf("--to", request.to)), interval(intervalOf(request.interval)), every(request.every),
-      sinceLast(TypeSelection::numbers)
+    : m_types(request.types, request.notTypes), m_from(timeOf("--from", request.from)),
+      m_to(timeOf("--to", request.to)), m_interval(intervalOf(request.interval)),
+      m_every(request.every), m_sinceLast(TypeSelection::numbers)
 {
-    if (from && to && *from >= *to)
+    if (m_from && m_to && *m_from >= *m_to)
         throw DataError("--to " + request.to + " is not after --from " + request.from);
     if (request.where.empty())
         return;
-    decoder = std::make_unique<RecordDecoder>();
-    condition = std::make_unique<Condition>(request.where, types);
+    m_decoder = std::make_unique<RecordDecoder>();
+    m_condition = std::make_unique<Condition>(request.where, m_types);
 }
 
 bool Selection::accepts(BlockStream& stream, const Block& block)
 {
     const bool inTime = isInTime(block);
-    if (!types.accepts(block.getNumber()) || !inTime || !meetsCondition(stream, block))
+    if (!m_types.accepts(block.getNumber()) || !inTime || !meetsCondition(stream, block))
         return false;
-    if (every == 1)
+    if (m_every == 1)
         return true;
-    uint32_t& since = sinceLast[block.getNumber()];
+    uint32_t& since = m_sinceLast[block.getNumber()];
     const bool isNext = since == 0;
-    since = since + 1 == every ? 0 : since + 1;
+    since = since + 1 == m_every ? 0 : since + 1;
     return isNext;
 }
 
 bool Selection::isInTime(const Block& block)
 {
-    if (!from && !to && interval == 1)
+    if (!m_from && !m_to && m_interval == 1)
         return true;
     if (const std::optional<GnssMillis> own = block.getTime())
-        time = own;
+        m_time = own;
     return isInTime();
 }
 
 bool Selection::isInTime() const
 {
     // Before the first time of a stream it is earlier than any that is asked for.
-    if (!time)
-        return !from && interval == 1;
-    return *time % interval == 0 && (!from || *time >= *from) && (!to || *time < *to);
+    if (!m_time)
+        return !m_from && m_interval == 1;
+    return *m_time % m_interval == 0 && (!m_from || *m_time >= *m_from) &&
+           (!m_to || *m_time < *m_to);
 }
 
 bool Selection::meetsCondition(BlockStream& stream, const Block& block)
 {
-    if (!condition)
+    if (!m_condition)
         return true;
-    if (!condition->reads(block.getNumber()))
-        return condition->accepts(nullptr);
-    const int32_t result = decoder->decode(block);
+    if (!m_condition->reads(block.getNumber()))
+        return m_condition->accepts(nullptr);
+    const int32_t result = m_decoder->decode(block);
     if (result < 0) {
         stream.reportUndecodable(block, result);
         return false;
     }
-    return condition->accepts(decoder->getRecord());
+    return m_condition->accepts(m_decoder->getRecord());
 }
 
 } // namespace tqx

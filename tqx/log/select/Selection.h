@@ -35,7 +35,7 @@ public:
     explicit Selection(const SelectionRequest& request);
 
     /// The types alone, without times and conditions.
-    const TypeSelection& getTypes() const { return types; }
+    const TypeSelection& getTypes() const { return m_types; }
 
     /// Whether the block is selected. One that must be decoded to know and does not decode is
     /// reported to the stream and not selected. Throws std::bad_alloc when there is no memory to
@@ -50,15 +50,15 @@ private:
     bool isInTime(const Block& block);
     bool meetsCondition(BlockStream& stream, const Block& block);
 
-    TypeSelection types;
-    std::optional<GnssMillis> from;
-    std::optional<GnssMillis> to;
-    GnssMillis interval;            ///< 1 for all times
-    std::optional<GnssMillis> time; ///< of the last block that had one
-    std::unique_ptr<Condition> condition;
-    std::unique_ptr<RecordDecoder> decoder; ///< beside a condition
-    uint32_t every;
-    std::vector<uint32_t> sinceLast; ///< by block number
+    TypeSelection m_types;
+    std::optional<GnssMillis> m_from;
+    std::optional<GnssMillis> m_to;
+    GnssMillis m_interval;            ///< 1 for all times
+    std::optional<GnssMillis> m_time; ///< of the last block that had one
+    std::unique_ptr<Condition> m_condition;
+    std::unique_ptr<RecordDecoder> m_decoder; ///< beside a condition
+    uint32_t m_every;
+    std::vector<uint32_t> m_sinceLast; ///< by block number
 };
 
 } // namespace tqx

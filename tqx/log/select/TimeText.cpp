@@ -26,16 +26,16 @@ constexpr uint64_t highestWeek = 65534;
 class Reader
 {
 public:
-    explicit Reader(std::string_view text) : rest(text) {}
+    explicit Reader(std::string_view text) : m_rest(text) {}
 
-    bool atEnd() const { return rest.empty(); }
-    std::string_view left() const { return rest; }
+    bool atEnd() const { return m_rest.empty(); }
+    std::string_view left() const { return m_rest; }
 
     bool skip(char wanted)
     {
-        if (rest.empty() || rest.front() != wanted)
+        if (m_rest.empty() || m_rest.front() != wanted)
             return false;
-        rest.remove_prefix(1);
+        m_rest.remove_prefix(1);
         return true;
     }
 
@@ -44,10 +44,10 @@ public:
     {
         uint64_t value = 0;
         size_t count = 0;
-        while (count < most && count < rest.size() &&
-               std::isdigit(static_cast<unsigned char>(rest[count])))
-            value = value * 10 + static_cast<uint64_t>(rest[count++] - '0');
-        rest.remove_prefix(count);
+        while (count < most && count < m_rest.size() &&
+               std::isdigit(static_cast<unsigned char>(m_rest[count])))
+            value = value * 10 + static_cast<uint64_t>(m_rest[count++] - '0');
+        m_rest.remove_prefix(count);
         return count < least ? std::nullopt : std::make_optional(value);
     }
 
@@ -56,15 +56,15 @@ public:
     {
         if (!skip('.'))
             return 0;
-        const size_t before = rest.size();
+        const size_t before = m_rest.size();
         std::optional<uint64_t> value = digits(1, 3);
-        for (size_t count = before - rest.size(); value && count < 3; ++count)
+        for (size_t count = before - m_rest.size(); value && count < 3; ++count)
             *value *= 10;
         return value;
     }
 
 private:
-    std::string_view rest;
+    std::string_view m_rest;
 };
 
 /// A date and a time of day on some scale.
@@ -154,9 +154,10 @@ GnssMillis parseTime(const std::string& option, const std::string& text)
     const bool apart = reader.skip(' ');
     const std::string_view scale = reader.left();
     const bool isUtc = scale == "UTC" || (scale == "Z" && !apart);
-    if (scale.empty())
+    if (scale.empty()) {
         fail(option, text,
              "does not say on which scale; put Z behind it for UTC, ' GPS' for GPS time");
+    }
     if (!isUtc && scale != "GPS")
         fail(option, text, noTime);
     if (time->second == secondsPerDay && !(isUtc && endsWithLeapSecond(time->day)))

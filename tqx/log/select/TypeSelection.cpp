@@ -42,9 +42,10 @@ Numbers numbersOf(const std::string& entry)
 {
     Numbers found;
     if (const std::optional<unsigned> number = asNumber(entry)) {
-        if (*number >= TypeSelection::numbers)
+        if (*number >= TypeSelection::numbers) {
             throw DataError("block numbers go up to " + std::to_string(TypeSelection::numbers - 1) +
                             ", not " + shortened(entry));
+        }
         found.set(*number);
     } else if (isPattern(entry)) {
         forEachType([&](const TQX_TypeLayout& type) {
@@ -65,11 +66,11 @@ TypeSelection::TypeSelection(const std::vector<std::string>& wanted,
                              const std::vector<std::string>& unwanted)
 {
     if (wanted.empty())
-        accepted.set();
+        m_accepted.set();
     for (const std::string& entry : wanted)
-        accepted |= numbersOf(entry);
+        m_accepted |= numbersOf(entry);
     for (const std::string& entry : unwanted)
-        accepted &= ~numbersOf(entry);
+        m_accepted &= ~numbersOf(entry);
 }
 
 } // namespace tqx

@@ -19,17 +19,17 @@ public:
     static constexpr size_t numbers = 1 << 13;
 
     /// Everything.
-    TypeSelection() { accepted.set(); }
+    TypeSelection() { m_accepted.set(); }
 
     /// The types listed in `wanted` (all when it is empty) but those in `unwanted`. Entries are
     /// names of main blocks, case ignored, patterns of them with * and ?, or block numbers, known
     /// or not. Throws DataError for anything else.
     TypeSelection(const std::vector<std::string>& wanted, const std::vector<std::string>& unwanted);
 
-    bool accepts(uint16_t blockNumber) const { return accepted[blockNumber]; }
+    bool accepts(uint16_t blockNumber) const { return m_accepted[blockNumber]; }
 
 private:
-    std::bitset<numbers> accepted;
+    std::bitset<numbers> m_accepted;
 };
 
 } // namespace tqx

@@ -19,24 +19,24 @@ constexpr size_t bufferSize = 1 << 16;
 
 CompressedAccess::CompressedAccess(const RandomAccess& compressed, Compression method,
                                    std::vector<AccessPoint> points, uint64_t contentSize)
-    : packed(compressed), compression(method), accessPoints(std::move(points)), size(contentSize),
-      buffer(bufferSize)
+    : m_packed(compressed), m_compression(method), m_accessPoints(std::move(points)),
+      m_size(contentSize), m_buffer(bufferSize)
 {
 }
 
 void CompressedAccess::fail(const char* reason) const
 {
-    decompressor.reset();
+    m_decompressor.reset();
     throw SourceError(
-        fmt::format("{}: {}: {}", packed.getName(), packedOffset - (end - begin), reason));
+        fmt::format("{}: {}: {}", m_packed.getName(), m_packedOffset - (m_end - m_begin), reason));
 }
 
 size_t CompressedAccess::readAt(uint64_t offset, uint8_t* bytes, size_t count) const
 {
-    if (offset >= size)
+    if (offset >= m_size)
         return 0;
-    const auto wanted = static_cast<size_t>(std::min<uint64_t>(count, size - offset));
-    const std::lock_guard<std::mutex> lock(mutex);
+    const auto wanted = static_cast<size_t>(std::min<uint64_t>(count, m_size - offset));
+    const std::lock_guard<std::mutex> lock(m_mutex);
     goTo(offset);
     for (size_t done = 0; done < wanted;)
         done += readOn(bytes + done, wanted - done);
@@ -46,27 +46,28 @@ size_t CompressedAccess::readAt(uint64_t offset, uint8_t* bytes, size_t count) c
 void CompressedAccess::goTo(uint64_t offset) const
 {
     const auto after = std::upper_bound(
-        accessPoints.begin(), accessPoints.end(), offset,
+        m_accessPoints.begin(), m_accessPoints.end(), offset,
         [](uint64_t wanted, const AccessPoint& point) { return wanted < point.content; });
     const AccessPoint start;
-    const AccessPoint& point = after == accessPoints.begin() ? start : *std::prev(after);
-    if (!decompressor || offset < contentOffset || contentOffset < point.content) {
-        decompressor = Decompressor::make(compression);
-        contentOffset = point.content;
-        packedOffset = point.packed;
-        begin = 0;
-        end = 0;
+    const AccessPoint& point = after == m_accessPoints.begin() ? start : *std::prev(after);
+    if (!m_decompressor || offset < m_contentOffset || m_contentOffset < point.content) {
+        m_decompressor = Decompressor::make(m_compression);
+        m_contentOffset = point.content;
+        m_packedOffset = point.packed;
+        m_begin = 0;
+        m_end = 0;
         uint8_t before = 0;
         if (point.bits != 0 &&
-            (point.packed == 0 || packed.readAt(point.packed - 1, &before, 1) != 1))
+            (point.packed == 0 || m_packed.readAt(point.packed - 1, &before, 1) != 1))
             fail("is not an access point");
-        if (!decompressor->restart(point, before))
+        if (!m_decompressor->restart(point, before))
             fail("is not an access point");
     }
-    std::vector<uint8_t> passed(contentOffset < offset ? bufferSize : 0);
-    while (contentOffset < offset)
+    std::vector<uint8_t> passed(m_contentOffset < offset ? bufferSize : 0);
+    while (m_contentOffset < offset) {
         readOn(passed.data(),
-               static_cast<size_t>(std::min<uint64_t>(passed.size(), offset - contentOffset)));
+               static_cast<size_t>(std::min<uint64_t>(passed.size(), offset - m_contentOffset)));
+    }
 }
 
 /// At least one byte.
@@ -74,23 +75,23 @@ size_t CompressedAccess::readOn(uint8_t* bytes, size_t count) const
 {
     using Outcome = Decompressor::Outcome;
     for (;;) {
-        Decompressor::Step step = {buffer.data() + begin, end - begin, bytes, count};
-        const Outcome outcome = decompressor->decompress(step);
-        begin = end - step.inputSize;
+        Decompressor::Step step = {m_buffer.data() + m_begin, m_end - m_begin, bytes, count};
+        const Outcome outcome = m_decompressor->decompress(step);
+        m_begin = m_end - step.inputSize;
         const size_t got = count - step.outputSize;
-        contentOffset += got;
+        m_contentOffset += got;
         if (got != 0)
             return got;
         if (outcome == Outcome::Damaged || outcome == Outcome::Exhausted)
             fail("the compressed stream is damaged");
-        if (begin != end)
+        if (m_begin != m_end)
             continue;
-        begin = 0;
-        end = 0;
-        end = packed.readAt(packedOffset, buffer.data(), buffer.size());
-        if (end == 0)
+        m_begin = 0;
+        m_end = 0;
+        m_end = m_packed.readAt(m_packedOffset, m_buffer.data(), m_buffer.size());
+        if (m_end == 0)
             fail("the compressed stream ends too early");
-        packedOffset += end;
+        m_packedOffset += m_end;
     }
 }
 

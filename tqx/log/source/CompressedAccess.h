@@ -25,8 +25,8 @@ public:
     CompressedAccess(const RandomAccess& packed, Compression compression,
                      std::vector<AccessPoint> points, uint64_t contentSize);
 
-    const std::string& getName() const override { return packed.getName(); }
-    uint64_t getSize() const override { return size; }
+    const std::string& getName() const override { return m_packed.getName(); }
+    uint64_t getSize() const override { return m_size; }
     size_t readAt(uint64_t offset, uint8_t* bytes, size_t count) const override;
 
 private:
@@ -34,18 +34,18 @@ private:
     size_t readOn(uint8_t* bytes, size_t count) const;
     [[noreturn]] void fail(const char* reason) const;
 
-    const RandomAccess& packed;
-    Compression compression;
-    std::vector<AccessPoint> accessPoints;
-    uint64_t size;
+    const RandomAccess& m_packed;
+    Compression m_compression;
+    std::vector<AccessPoint> m_accessPoints;
+    uint64_t m_size;
 
-    mutable std::mutex mutex;
-    mutable std::unique_ptr<Decompressor> decompressor; ///< null: not at any position
-    mutable uint64_t contentOffset = 0;                 ///< of what comes next
-    mutable uint64_t packedOffset = 0;                  ///< of the buffer's end
-    mutable std::vector<uint8_t> buffer;
-    mutable size_t begin = 0; ///< of what is still to be decompressed
-    mutable size_t end = 0;   ///< of what is in the buffer
+    mutable std::mutex m_mutex;
+    mutable std::unique_ptr<Decompressor> m_decompressor; ///< null: not at any position
+    mutable uint64_t m_contentOffset = 0;                 ///< of what comes next
+    mutable uint64_t m_packedOffset = 0;                  ///< of the buffer's end
+    mutable std::vector<uint8_t> m_buffer;
+    mutable size_t m_begin = 0; ///< of what is still to be decompressed
+    mutable size_t m_end = 0;   ///< of what is in the buffer
 };
 
 } // namespace tqx

@@ -20,63 +20,64 @@ constexpr size_t bufferSize = 1 << 16;
 
 CompressedSource::CompressedSource(std::unique_ptr<ByteSource> compressed, Compression compression,
                                    std::vector<AccessPoint>* points)
-    : packed(std::move(compressed)), decompressor(Decompressor::make(compression)),
-      accessPoints(points), name(packed->placeOf(0).file), buffer(bufferSize)
+    : m_packed(std::move(compressed)), m_decompressor(Decompressor::make(compression)),
+      m_accessPoints(points), m_name(m_packed->placeOf(0).file), m_buffer(bufferSize)
 {
-    if (accessPoints != nullptr)
-        decompressor->setStopsAtPoints();
+    if (m_accessPoints != nullptr)
+        m_decompressor->setStopsAtPoints();
 }
 
 /// False at the end of the compressed bytes.
 bool CompressedSource::fill()
 {
-    begin = 0;
-    end = 0;
-    end = packed->read(buffer.data(), buffer.size());
-    packedOffset += end;
-    return end != 0;
+    m_begin = 0;
+    m_end = 0;
+    m_end = m_packed->read(m_buffer.data(), m_buffer.size());
+    m_packedOffset += m_end;
+    return m_end != 0;
 }
 
 void CompressedSource::notePoint()
 {
-    const uint64_t before = accessPoints->empty() ? 0 : accessPoints->back().content;
+    const uint64_t before = m_accessPoints->empty() ? 0 : m_accessPoints->back().content;
     AccessPoint point;
-    if (contentOffset - before < pointDistance || !decompressor->getPoint(point))
+    if (m_contentOffset - before < pointDistance || !m_decompressor->getPoint(point))
         return;
-    point.packed = packedOffset - (end - begin);
-    point.content = contentOffset;
-    accessPoints->push_back(std::move(point));
+    point.packed = m_packedOffset - (m_end - m_begin);
+    point.content = m_contentOffset;
+    m_accessPoints->push_back(std::move(point));
 }
 
 size_t CompressedSource::read(uint8_t* bytes, size_t capacity)
 {
     if (capacity == 0)
         return 0;
-    while (failure.empty()) {
-        if (begin == end && !wasFull && !fill()) {
-            if (last == Outcome::Complete || packed->isInterrupted())
+    while (m_failure.empty()) {
+        if (m_begin == m_end && !m_wasFull && !fill()) {
+            if (m_last == Outcome::Complete || m_packed->isInterrupted())
                 return 0;
-            failure = fmt::format("the {} stream ends too early", decompressor->getFormat());
+            m_failure = fmt::format("the {} stream ends too early", m_decompressor->getFormat());
             break;
         }
-        Decompressor::Step step = {buffer.data() + begin, end - begin, bytes, capacity};
-        last = decompressor->decompress(step);
-        begin = end - step.inputSize;
-        wasFull = step.outputSize == 0;
+        Decompressor::Step step = {m_buffer.data() + m_begin, m_end - m_begin, bytes, capacity};
+        m_last = m_decompressor->decompress(step);
+        m_begin = m_end - step.inputSize;
+        m_wasFull = step.outputSize == 0;
         const size_t count = capacity - step.outputSize;
-        contentOffset += count;
-        if (last == Outcome::Damaged)
-            failure = fmt::format("the {} stream is damaged", decompressor->getFormat());
-        else if (last == Outcome::Exhausted)
-            failure = fmt::format("bytes that are no {} stream follow its end",
-                                  decompressor->getFormat());
-        else if (accessPoints != nullptr)
+        m_contentOffset += count;
+        if (m_last == Outcome::Damaged) {
+            m_failure = fmt::format("the {} stream is damaged", m_decompressor->getFormat());
+        } else if (m_last == Outcome::Exhausted) {
+            m_failure = fmt::format("bytes that are no {} stream follow its end",
+                                    m_decompressor->getFormat());
+        } else if (m_accessPoints != nullptr) {
             notePoint();
+        }
         if (count != 0)
             return count;
     }
-    const uint64_t at = packedOffset - (end - begin);
-    throw SourceError(fmt::format("{}: {}: {}", name, at, failure));
+    const uint64_t at = m_packedOffset - (m_end - m_begin);
+    throw SourceError(fmt::format("{}: {}: {}", m_name, at, m_failure));
 }
 
 } // namespace tqx

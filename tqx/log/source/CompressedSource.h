@@ -32,28 +32,28 @@ public:
     /// Whether there are compressed bytes; content may still need more of them.
     bool isReady(std::chrono::milliseconds patience) override
     {
-        return begin != end || wasFull || packed->isReady(patience);
+        return m_begin != m_end || m_wasFull || m_packed->isReady(patience);
     }
 
-    Place placeOf(uint64_t offset) const override { return {name, offset}; }
-    bool isInterrupted() const override { return packed->isInterrupted(); }
+    Place placeOf(uint64_t offset) const override { return {m_name, offset}; }
+    bool isInterrupted() const override { return m_packed->isInterrupted(); }
 
 private:
     bool fill();
     void notePoint();
 
-    std::unique_ptr<ByteSource> packed;
-    std::unique_ptr<Decompressor> decompressor;
-    std::vector<AccessPoint>* accessPoints;
-    std::string name; ///< of the compressed file
-    std::vector<uint8_t> buffer;
-    size_t begin = 0;           ///< of what is still to be decompressed
-    size_t end = 0;             ///< of what is in the buffer
-    uint64_t packedOffset = 0;  ///< in the compressed file, of the buffer's end
-    uint64_t contentOffset = 0; ///< of what comes next
-    Decompressor::Outcome last = Decompressor::Outcome::Complete;
-    bool wasFull = false; ///< the last step had no room left, so that more may be at hand
-    std::string failure;
+    std::unique_ptr<ByteSource> m_packed;
+    std::unique_ptr<Decompressor> m_decompressor;
+    std::vector<AccessPoint>* m_accessPoints;
+    std::string m_name; ///< of the compressed file
+    std::vector<uint8_t> m_buffer;
+    size_t m_begin = 0;           ///< of what is still to be decompressed
+    size_t m_end = 0;             ///< of what is in the buffer
+    uint64_t m_packedOffset = 0;  ///< in the compressed file, of the buffer's end
+    uint64_t m_contentOffset = 0; ///< of what comes next
+    Decompressor::Outcome m_last = Decompressor::Outcome::Complete;
+    bool m_wasFull = false; ///< the last step had no room left, so that more may be at hand
+    std::string m_failure;
 };
 
 } // namespace tqx

@@ -63,7 +63,7 @@ public:
     virtual Outcome decompress(Step& step) = 0;
 
     /// Makes decompress() stop where an access point may be.
-    void setStopsAtPoints() { stopsAtPoints = true; }
+    void setStopsAtPoints() { m_stopsAtPoints = true; }
 
     /// Whether the place reached is an access point; then `point` receives bits and window, for
     /// which there must be memory.
@@ -76,7 +76,7 @@ public:
 protected:
     Decompressor() = default;
 
-    bool stopsAtPoints = false;
+    bool m_stopsAtPoints = false;
 };
 
 } // namespace tqx

@@ -48,58 +48,58 @@ class FileAccess::OpenFile
 {
 public:
     explicit OpenFile(const std::string& path)
-        : descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC))
+        : m_descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC))
     {
-        if (descriptor < 0)
+        if (m_descriptor < 0)
             fail(path, errorText(errno));
         struct stat status = {};
-        const int error = ::fstat(descriptor, &status) == 0 ? 0 : errno;
+        const int error = ::fstat(m_descriptor, &status) == 0 ? 0 : errno;
         if (error != 0 || !S_ISREG(status.st_mode)) {
-            ::close(descriptor);
+            ::close(m_descriptor);
             fail(path, error != 0 ? errorText(error) : "is not a regular file");
         }
-        size = static_cast<uint64_t>(status.st_size);
+        m_size = static_cast<uint64_t>(status.st_size);
     }
 
     ~OpenFile()
     {
-        if (view != nullptr)
-            ::munmap(view, static_cast<size_t>(size));
-        ::close(descriptor);
+        if (m_view != nullptr)
+            ::munmap(m_view, static_cast<size_t>(m_size));
+        ::close(m_descriptor);
     }
 
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
 
-    uint64_t getSize() const { return size; }
+    uint64_t getSize() const { return m_size; }
 
     /// Null when that does not work; reading does then.
     const uint8_t* map()
     {
-        if (size == 0 || size > SIZE_MAX / 2)
+        if (m_size == 0 || m_size > SIZE_MAX / 2)
             return nullptr;
         void* found =
-            ::mmap(nullptr, static_cast<size_t>(size), PROT_READ, MAP_SHARED, descriptor, 0);
+            ::mmap(nullptr, static_cast<size_t>(m_size), PROT_READ, MAP_SHARED, m_descriptor, 0);
         if (found == MAP_FAILED)
             return nullptr;
-        view = found;
-        return static_cast<const uint8_t*>(view);
+        m_view = found;
+        return static_cast<const uint8_t*>(m_view);
     }
 
     /// Bytes read, 0 at the end of the file; -1 with errno on failure.
     int64_t read(uint64_t offset, uint8_t* bytes, size_t count)
     {
         ssize_t got = 0;
-        do
-            got = ::pread(descriptor, bytes, count, static_cast<off_t>(offset));
-        while (got < 0 && errno == EINTR);
+        do {
+            got = ::pread(m_descriptor, bytes, count, static_cast<off_t>(offset));
+        } while (got < 0 && errno == EINTR);
         return got;
     }
 
 private:
-    int descriptor;
-    uint64_t size = 0;
-    void* view = nullptr;
+    int m_descriptor;
+    uint64_t m_size = 0;
+    void* m_view = nullptr;
 };
 
 #else
@@ -107,73 +107,74 @@ private:
 class FileAccess::OpenFile
 {
 public:
-    explicit OpenFile(const std::string& path) : stream(std::fopen(path.c_str(), "rb"))
+    explicit OpenFile(const std::string& path) : m_stream(std::fopen(path.c_str(), "rb"))
     {
-        if (stream == nullptr)
+        if (m_stream == nullptr)
             fail(path, errorText(errno));
         std::error_code error;
-        size = std::filesystem::file_size(path, error);
+        m_size = std::filesystem::file_size(path, error);
         if (error) {
-            std::fclose(stream);
+            std::fclose(m_stream);
             fail(path, error.message());
         }
     }
 
-    ~OpenFile() { std::fclose(stream); }
+    ~OpenFile() { std::fclose(m_stream); }
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
 
-    uint64_t getSize() const { return size; }
+    uint64_t getSize() const { return m_size; }
     const uint8_t* map() { return nullptr; }
 
     int64_t read(uint64_t offset, uint8_t* bytes, size_t count)
     {
         // fseek takes a long, which some systems give 32 bits.
         constexpr uint64_t farthest = 1 << 30;
-        const std::lock_guard<std::mutex> lock(mutex);
-        std::rewind(stream);
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        std::rewind(m_stream);
         for (uint64_t left = offset; left != 0;) {
             const uint64_t step = std::min(left, farthest);
-            if (std::fseek(stream, static_cast<long>(step), SEEK_CUR) != 0)
+            if (std::fseek(m_stream, static_cast<long>(step), SEEK_CUR) != 0)
                 return -1;
             left -= step;
         }
-        const size_t got = std::fread(bytes, 1, count, stream);
-        return got == 0 && std::ferror(stream) != 0 ? -1 : static_cast<int64_t>(got);
+        const size_t got = std::fread(bytes, 1, count, m_stream);
+        return got == 0 && std::ferror(m_stream) != 0 ? -1 : static_cast<int64_t>(got);
     }
 
 private:
-    std::FILE* stream;
-    std::mutex mutex;
-    uint64_t size = 0;
+    std::FILE* m_stream;
+    std::mutex m_mutex;
+    uint64_t m_size = 0;
 };
 
 #endif
 
 FileAccess::FileAccess(const std::string& path, Mapping mapping)
-    : name(path), file(std::make_unique<OpenFile>(path)), size(file->getSize())
+    : m_name(path), m_file(std::make_unique<OpenFile>(path)), m_size(m_file->getSize())
 {
     if (mapping == Mapping::IfPossible)
-        mapped = file->map();
+        m_mapped = m_file->map();
 }
 
 FileAccess::~FileAccess() = default;
 
 size_t FileAccess::readAt(uint64_t offset, uint8_t* bytes, size_t count) const
 {
-    if (offset >= size || count == 0)
+    if (offset >= m_size || count == 0)
         return 0;
-    const auto wanted = static_cast<size_t>(std::min<uint64_t>(count, size - offset));
-    if (mapped != nullptr) {
-        std::memcpy(bytes, mapped + offset, wanted);
+    const auto wanted = static_cast<size_t>(std::min<uint64_t>(count, m_size - offset));
+    if (m_mapped != nullptr) {
+        std::memcpy(bytes, m_mapped + offset, wanted);
         return wanted;
     }
     for (size_t done = 0; done < wanted;) {
-        const int64_t got = file->read(offset + done, bytes + done, wanted - done);
-        if (got <= 0)
+        const int64_t got = m_file->read(offset + done, bytes + done, wanted - done);
+        if (got <= 0) {
             throw SourceError(
-                fmt::format("{}: {}: {}", name, offset + done,
+                fmt::format("{}: {}: {}", m_name, offset + done,
                             got < 0 ? errorText(errno) : "the file has become shorter"));
+        }
         done += static_cast<size_t>(got);
     }
     return wanted;

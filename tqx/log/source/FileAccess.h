@@ -33,18 +33,18 @@ public:
     FileAccess(const FileAccess&) = delete;
     FileAccess& operator=(const FileAccess&) = delete;
 
-    const std::string& getName() const override { return name; }
-    uint64_t getSize() const override { return size; }
+    const std::string& getName() const override { return m_name; }
+    uint64_t getSize() const override { return m_size; }
     size_t readAt(uint64_t offset, uint8_t* bytes, size_t count) const override;
-    const uint8_t* getBytes() const override { return mapped; }
+    const uint8_t* getBytes() const override { return m_mapped; }
 
 private:
     class OpenFile;
 
-    std::string name;
-    std::unique_ptr<OpenFile> file;
-    uint64_t size = 0;
-    const uint8_t* mapped = nullptr;
+    std::string m_name;
+    std::unique_ptr<OpenFile> m_file;
+    uint64_t m_size = 0;
+    const uint8_t* m_mapped = nullptr;
 };
 
 } // namespace tqx

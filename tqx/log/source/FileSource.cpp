@@ -24,52 +24,52 @@ std::string errorText(int error)
 } // namespace
 
 FileSource::FileSource(const std::string& path)
-    : name(path), stream(std::fopen(path.c_str(), "rb")), isOwned(true)
+    : m_name(path), m_stream(std::fopen(path.c_str(), "rb")), m_isOwned(true)
 {
-    if (stream == nullptr)
-        throw SourceError(name + ": " + errorText(errno));
+    if (m_stream == nullptr)
+        throw SourceError(m_name + ": " + errorText(errno));
     // Reads are large; a second buffer would only cost a copy.
-    std::setvbuf(stream, nullptr, _IONBF, 0);
+    std::setvbuf(m_stream, nullptr, _IONBF, 0);
     std::error_code error;
     if (std::filesystem::is_regular_file(path, error)) {
         const uint64_t bytes = std::filesystem::file_size(path, error);
-        size = error ? 0 : bytes;
+        m_size = error ? 0 : bytes;
     }
 }
 
 FileSource::FileSource(std::FILE* opened, std::string label)
-    : name(std::move(label)), stream(opened), isOwned(false)
+    : m_name(std::move(label)), m_stream(opened), m_isOwned(false)
 {
 }
 
 FileSource::~FileSource()
 {
-    if (isOwned)
-        std::fclose(stream);
+    if (m_isOwned)
+        std::fclose(m_stream);
 }
 
 size_t FileSource::read(uint8_t* bytes, size_t capacity)
 {
-    const size_t count = std::fread(bytes, 1, capacity, stream);
-    if (count == 0 && std::ferror(stream) != 0)
-        throw SourceError(fmt::format("{}: {}: {}", name, position, errorText(errno)));
-    position += count;
+    const size_t count = std::fread(bytes, 1, capacity, m_stream);
+    if (count == 0 && std::ferror(m_stream) != 0)
+        throw SourceError(fmt::format("{}: {}: {}", m_name, m_position, errorText(errno)));
+    m_position += count;
     return count;
 }
 
 uint64_t FileSource::skip(uint64_t count)
 {
-    if (position >= size)
+    if (m_position >= m_size)
         return ByteSource::skip(count);
     // A long has 32 bits on some systems.
     constexpr uint64_t farthest = 1 << 30;
     uint64_t skipped = 0;
-    for (const uint64_t wanted = std::min(count, size - position); skipped < wanted;) {
+    for (const uint64_t wanted = std::min(count, m_size - m_position); skipped < wanted;) {
         const uint64_t step = std::min(wanted - skipped, farthest);
-        if (std::fseek(stream, static_cast<long>(step), SEEK_CUR) != 0)
+        if (std::fseek(m_stream, static_cast<long>(step), SEEK_CUR) != 0)
             break;
         skipped += step;
-        position += step;
+        m_position += step;
     }
     return skipped == count ? skipped : skipped + ByteSource::skip(count - skipped);
 }

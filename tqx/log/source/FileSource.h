@@ -27,14 +27,14 @@ public:
     /// Waits until there are `capacity` bytes or no more.
     size_t read(uint8_t* bytes, size_t capacity) override;
     uint64_t skip(uint64_t count) override;
-    Place placeOf(uint64_t offset) const override { return {name, offset}; }
+    Place placeOf(uint64_t offset) const override { return {m_name, offset}; }
 
 private:
-    std::string name;
-    std::FILE* stream;
-    bool isOwned;
-    uint64_t size = 0; ///< of a regular file, else 0
-    uint64_t position = 0;
+    std::string m_name;
+    std::FILE* m_stream;
+    bool m_isOwned;
+    uint64_t m_size = 0; ///< of a regular file, else 0
+    uint64_t m_position = 0;
 };
 
 } // namespace tqx

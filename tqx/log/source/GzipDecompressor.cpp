@@ -29,22 +29,22 @@ struct GzipDecompressor::State {
     bool isAtBlock = false; ///< a block of a member has ended and another one follows
 };
 
-GzipDecompressor::GzipDecompressor() : state(std::make_unique<State>())
+GzipDecompressor::GzipDecompressor() : m_state(std::make_unique<State>())
 {
-    if (inflateInit2(&state->stream, gzipOnly) != Z_OK)
+    if (inflateInit2(&m_state->stream, gzipOnly) != Z_OK)
         throw DataError("no memory to decompress with");
 }
 
 GzipDecompressor::~GzipDecompressor()
 {
-    inflateEnd(&state->stream);
+    inflateEnd(&m_state->stream);
 }
 
 Decompressor::Outcome GzipDecompressor::decompress(Step& step)
 {
-    while (step.inputSize != 0 || !state->isBetween) {
+    while (step.inputSize != 0 || !m_state->isBetween) {
         Outcome outcome = Outcome::Going;
-        if (state->isBetween) {
+        if (m_state->isBetween) {
             if (beginMember(step, outcome))
                 continue;
             if (outcome == Outcome::Exhausted)
@@ -53,7 +53,7 @@ Decompressor::Outcome GzipDecompressor::decompress(Step& step)
         outcome = decompressMember(step);
         if (outcome != Outcome::Complete)
             return outcome;
-        if (step.outputSize == 0 || stopsAtPoints)
+        if (step.outputSize == 0 || m_stopsAtPoints)
             break;
     }
     return Outcome::Complete;
@@ -62,23 +62,24 @@ Decompressor::Outcome GzipDecompressor::decompress(Step& step)
 /// True when a byte between members was passed, false when a member begins or none can.
 bool GzipDecompressor::beginMember(Step& step, Outcome& outcome)
 {
-    const bool isPassed = state->trailerLeft != 0 || *step.input == 0;
+    const bool isPassed = m_state->trailerLeft != 0 || *step.input == 0;
     if (isPassed) {
-        if (state->trailerLeft != 0)
-            --state->trailerLeft;
-        else
-            state->isPadding = true;
+        if (m_state->trailerLeft != 0) {
+            --m_state->trailerLeft;
+        } else {
+            m_state->isPadding = true;
+        }
         ++step.input;
         --step.inputSize;
         return true;
     }
-    if (state->isPadding || *step.input != 0x1f) {
+    if (m_state->isPadding || *step.input != 0x1f) {
         outcome = Outcome::Exhausted;
         return false;
     }
-    inflateReset2(&state->stream, gzipOnly);
-    state->isBetween = false;
-    state->isPartial = false;
+    inflateReset2(&m_state->stream, gzipOnly);
+    m_state->isBetween = false;
+    m_state->isPartial = false;
     return false;
 }
 
@@ -86,7 +87,7 @@ bool GzipDecompressor::beginMember(Step& step, Outcome& outcome)
 Decompressor::Outcome GzipDecompressor::decompressMember(Step& step)
 {
     constexpr size_t most = 1 << 30; // what zlib counts with has 32 bits
-    z_stream& stream = state->stream;
+    z_stream& stream = m_state->stream;
     for (;;) {
         const auto input = static_cast<uInt>(std::min(step.inputSize, most));
         const auto output = static_cast<uInt>(std::min(step.outputSize, most));
@@ -94,21 +95,22 @@ Decompressor::Outcome GzipDecompressor::decompressMember(Step& step)
         stream.avail_in = input;
         stream.next_out = step.output;
         stream.avail_out = output;
-        const int result = inflate(&stream, stopsAtPoints ? Z_BLOCK : Z_NO_FLUSH);
+        const int result = inflate(&stream, m_stopsAtPoints ? Z_BLOCK : Z_NO_FLUSH);
         step.input += input - stream.avail_in;
         step.inputSize -= input - stream.avail_in;
         step.output += output - stream.avail_out;
         step.outputSize -= output - stream.avail_out;
         constexpr int endOfBlock = 128;
         constexpr int inLastBlock = 64;
-        state->isAtBlock =
+        m_state->isAtBlock =
             result == Z_OK && (stream.data_type & (endOfBlock | inLastBlock)) == endOfBlock;
         if (result == Z_STREAM_END) {
-            state->isBetween = true;
-            state->trailerLeft = state->isPartial ? trailerSize : 0;
+            m_state->isBetween = true;
+            m_state->trailerLeft = m_state->isPartial ? trailerSize : 0;
             return Outcome::Complete;
         }
-        if (result == Z_BUF_ERROR || step.outputSize == 0 || (state->isAtBlock && stopsAtPoints))
+        if (result == Z_BUF_ERROR || step.outputSize == 0 ||
+            (m_state->isAtBlock && m_stopsAtPoints))
             return Outcome::Going;
         if (result != Z_OK)
             return Outcome::Damaged;
@@ -117,30 +119,30 @@ Decompressor::Outcome GzipDecompressor::decompressMember(Step& step)
 
 bool GzipDecompressor::getPoint(AccessPoint& point) const
 {
-    if (!state->isAtBlock)
+    if (!m_state->isAtBlock)
         return false;
     uInt size = longestWindow;
     std::vector<uint8_t> window(longestWindow);
-    if (inflateGetDictionary(&state->stream, window.data(), &size) != Z_OK)
+    if (inflateGetDictionary(&m_state->stream, window.data(), &size) != Z_OK)
         return false;
     uLongf packedSize = compressBound(size);
     point.window.resize(packedSize);
     if (compress2(point.window.data(), &packedSize, window.data(), size, Z_BEST_SPEED) != Z_OK)
         return false;
     point.window.resize(packedSize);
-    point.bits = static_cast<uint8_t>(state->stream.data_type & 7);
+    point.bits = static_cast<uint8_t>(m_state->stream.data_type & 7);
     return true;
 }
 
 bool GzipDecompressor::restart(const AccessPoint& point, uint8_t byteBefore)
 {
-    z_stream& stream = state->stream;
-    state->isBetween = false;
-    state->isPadding = false;
-    state->isAtBlock = false;
-    state->trailerLeft = 0;
-    state->isPartial = point.packed != 0;
-    if (!state->isPartial)
+    z_stream& stream = m_state->stream;
+    m_state->isBetween = false;
+    m_state->isPadding = false;
+    m_state->isAtBlock = false;
+    m_state->trailerLeft = 0;
+    m_state->isPartial = point.packed != 0;
+    if (!m_state->isPartial)
         return inflateReset2(&stream, gzipOnly) == Z_OK;
     uLongf size = longestWindow;
     std::vector<uint8_t> window(longestWindow);

@@ -24,7 +24,7 @@ private:
     Outcome decompressMember(Step& step);
     bool beginMember(Step& step, Outcome& outcome);
 
-    std::unique_ptr<State> state;
+    std::unique_ptr<State> m_state;
 };
 
 } // namespace tqx

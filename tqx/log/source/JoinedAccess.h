@@ -19,8 +19,8 @@ public:
     explicit JoinedAccess(const std::vector<const RandomAccess*>& parts,
                           std::string label = "several files");
 
-    const std::string& getName() const override { return name; }
-    uint64_t getSize() const override { return size; }
+    const std::string& getName() const override { return m_name; }
+    uint64_t getSize() const override { return m_size; }
 
     /// Throws what the part that cannot be read throws.
     size_t readAt(uint64_t offset, uint8_t* bytes, size_t count) const override;
@@ -41,9 +41,9 @@ private:
 
     std::vector<Part>::const_iterator partAt(uint64_t offset) const;
 
-    std::vector<Part> joined; ///< those that are not empty
-    std::string name;
-    uint64_t size = 0;
+    std::vector<Part> m_joined; ///< those that are not empty
+    std::string m_name;
+    uint64_t m_size = 0;
 };
 
 } // namespace tqx

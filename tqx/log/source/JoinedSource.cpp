@@ -9,24 +9,24 @@ namespace tqx
 
 JoinedSource::JoinedSource(std::vector<std::string> inputs, FailureListener onFailure,
                            Opener opener)
-    : paths(std::move(inputs)), listener(std::move(onFailure)), open(std::move(opener))
+    : m_paths(std::move(inputs)), m_listener(std::move(onFailure)), m_open(std::move(opener))
 {
 }
 
 void JoinedSource::fail(const SourceError& error)
 {
-    failed = true;
-    source.reset();
-    if (listener)
-        listener(error);
+    m_failed = true;
+    m_source.reset();
+    if (m_listener)
+        m_listener(error);
 }
 
 void JoinedSource::openNext()
 {
-    const std::string& path = paths[opened++];
+    const std::string& path = m_paths[m_opened++];
     try {
-        source = open(path);
-        parts.push_back({source->placeOf(0).file, size});
+        m_source = m_open(path);
+        m_parts.push_back({m_source->placeOf(0).file, m_size});
     } catch (const SourceError& error) {
         fail(error);
     }
@@ -34,17 +34,17 @@ void JoinedSource::openNext()
 
 size_t JoinedSource::read(uint8_t* bytes, size_t capacity)
 {
-    while (source || opened < paths.size()) {
-        if (!source) {
+    while (m_source || m_opened < m_paths.size()) {
+        if (!m_source) {
             openNext();
             continue;
         }
         try {
-            const size_t count = source->read(bytes, capacity);
-            size += count;
-            if (count != 0 || source->isInterrupted())
+            const size_t count = m_source->read(bytes, capacity);
+            m_size += count;
+            if (count != 0 || m_source->isInterrupted())
                 return count;
-            source.reset();
+            m_source.reset();
         } catch (const SourceError& error) {
             fail(error);
         }
@@ -55,7 +55,7 @@ size_t JoinedSource::read(uint8_t* bytes, size_t capacity)
 ByteSource::Place JoinedSource::placeOf(uint64_t offset) const
 {
     const auto after =
-        std::upper_bound(parts.begin(), parts.end(), offset,
+        std::upper_bound(m_parts.begin(), m_parts.end(), offset,
                          [](uint64_t wanted, const Part& part) { return wanted < part.start; });
     const Part& part = *std::prev(after);
     return {part.name, offset - part.start};

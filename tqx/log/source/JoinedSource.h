@@ -36,13 +36,13 @@ public:
     size_t read(uint8_t* bytes, size_t capacity) override;
     bool isReady(std::chrono::milliseconds patience) override
     {
-        return !source || source->isReady(patience);
+        return !m_source || m_source->isReady(patience);
     }
     Place placeOf(uint64_t offset) const override;
-    bool isInterrupted() const override { return source && source->isInterrupted(); }
+    bool isInterrupted() const override { return m_source && m_source->isInterrupted(); }
 
     /// Whether a source could not be opened or read.
-    bool hasFailed() const { return failed; }
+    bool hasFailed() const { return m_failed; }
 
 private:
     /// One source within the sequence.
@@ -54,14 +54,14 @@ private:
     void openNext();
     void fail(const SourceError& error);
 
-    std::vector<std::string> paths;
-    FailureListener listener;
-    Opener open;
-    size_t opened = 0; ///< paths that were tried
-    std::unique_ptr<ByteSource> source;
-    std::deque<Part> parts; ///< all that could be opened
-    uint64_t size = 0;      ///< bytes read so far
-    bool failed = false;
+    std::vector<std::string> m_paths;
+    FailureListener m_listener;
+    Opener m_open;
+    size_t m_opened = 0; ///< paths that were tried
+    std::unique_ptr<ByteSource> m_source;
+    std::deque<Part> m_parts; ///< all that could be opened
+    uint64_t m_size = 0;      ///< bytes read so far
+    bool m_failed = false;
 };
 
 } // namespace tqx

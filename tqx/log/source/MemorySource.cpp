@@ -8,17 +8,17 @@ namespace tqx
 
 size_t MemorySource::read(uint8_t* bytes, size_t capacity)
 {
-    const size_t count = std::min(capacity, size - position);
+    const size_t count = std::min(capacity, m_size - m_position);
     if (count != 0)
-        std::memcpy(bytes, content + position, count);
-    position += count;
+        std::memcpy(bytes, m_content + m_position, count);
+    m_position += count;
     return count;
 }
 
 uint64_t MemorySource::skip(uint64_t count)
 {
-    const auto skipped = static_cast<size_t>(std::min<uint64_t>(count, size - position));
-    position += skipped;
+    const auto skipped = static_cast<size_t>(std::min<uint64_t>(count, m_size - m_position));
+    m_position += skipped;
     return skipped;
 }
 

@@ -15,19 +15,19 @@ class TQX_LOG_API MemorySource : public ByteSource
 public:
     /// `label` is what messages call it.
     MemorySource(const uint8_t* data, size_t count, std::string label = "memory")
-        : content(data), size(count), name(std::move(label))
+        : m_content(data), m_size(count), m_name(std::move(label))
     {
     }
 
     size_t read(uint8_t* bytes, size_t capacity) override;
     uint64_t skip(uint64_t count) override;
-    Place placeOf(uint64_t offset) const override { return {name, offset}; }
+    Place placeOf(uint64_t offset) const override { return {m_name, offset}; }
 
 private:
-    const uint8_t* content;
-    size_t size;
-    size_t position = 0;
-    std::string name;
+    const uint8_t* m_content;
+    size_t m_size;
+    size_t m_position = 0;
+    std::string m_name;
 };
 
 } // namespace tqx

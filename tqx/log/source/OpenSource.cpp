@@ -19,49 +19,49 @@ namespace
 class RestoredSource : public ByteSource
 {
 public:
-    explicit RestoredSource(std::unique_ptr<ByteSource> opened) : source(std::move(opened)) {}
+    explicit RestoredSource(std::unique_ptr<ByteSource> opened) : m_source(std::move(opened)) {}
 
     Compression recognise()
     {
-        while (count < first.size() && mayBeCompressed(first.data(), count)) {
-            const size_t got = source->read(first.data() + count, 1);
+        while (m_count < m_first.size() && mayBeCompressed(m_first.data(), m_count)) {
+            const size_t got = m_source->read(m_first.data() + m_count, 1);
             if (got == 0)
                 break;
-            count += got;
+            m_count += got;
         }
-        return compressionOf(first.data(), count);
+        return compressionOf(m_first.data(), m_count);
     }
 
     size_t read(uint8_t* bytes, size_t capacity) override
     {
-        if (given == count)
-            return source->read(bytes, capacity);
-        const size_t restored = std::min(capacity, count - given);
-        std::memcpy(bytes, first.data() + given, restored);
-        given += restored;
+        if (m_given == m_count)
+            return m_source->read(bytes, capacity);
+        const size_t restored = std::min(capacity, m_count - m_given);
+        std::memcpy(bytes, m_first.data() + m_given, restored);
+        m_given += restored;
         return restored;
     }
 
     uint64_t skip(uint64_t wanted) override
     {
-        const uint64_t restored = std::min<uint64_t>(wanted, count - given);
-        given += static_cast<size_t>(restored);
-        return restored == wanted ? restored : restored + source->skip(wanted - restored);
+        const uint64_t restored = std::min<uint64_t>(wanted, m_count - m_given);
+        m_given += static_cast<size_t>(restored);
+        return restored == wanted ? restored : restored + m_source->skip(wanted - restored);
     }
 
     bool isReady(std::chrono::milliseconds patience) override
     {
-        return given != count || source->isReady(patience);
+        return m_given != m_count || m_source->isReady(patience);
     }
 
-    Place placeOf(uint64_t offset) const override { return source->placeOf(offset); }
-    bool isInterrupted() const override { return source->isInterrupted(); }
+    Place placeOf(uint64_t offset) const override { return m_source->placeOf(offset); }
+    bool isInterrupted() const override { return m_source->isInterrupted(); }
 
 private:
-    std::unique_ptr<ByteSource> source;
-    std::array<uint8_t, 4> first = {};
-    size_t count = 0;
-    size_t given = 0;
+    std::unique_ptr<ByteSource> m_source;
+    std::array<uint8_t, 4> m_first = {};
+    size_t m_count = 0;
+    size_t m_given = 0;
 };
 
 } // namespace

@@ -10,16 +10,16 @@ namespace tqx
 RandomAccess::~RandomAccess() = default;
 
 MemoryAccess::MemoryAccess(const uint8_t* data, size_t count, std::string label)
-    : content(data), size(count), name(std::move(label))
+    : m_content(data), m_size(count), m_name(std::move(label))
 {
 }
 
 size_t MemoryAccess::readAt(uint64_t offset, uint8_t* bytes, size_t count) const
 {
-    if (offset >= size || count == 0)
+    if (offset >= m_size || count == 0)
         return 0;
-    const auto got = static_cast<size_t>(std::min<uint64_t>(count, size - offset));
-    std::memcpy(bytes, content + offset, got);
+    const auto got = static_cast<size_t>(std::min<uint64_t>(count, m_size - offset));
+    std::memcpy(bytes, m_content + offset, got);
     return got;
 }
 

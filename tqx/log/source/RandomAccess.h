@@ -43,15 +43,15 @@ class TQX_LOG_API MemoryAccess : public RandomAccess
 public:
     MemoryAccess(const uint8_t* data, size_t count, std::string label = "memory");
 
-    const std::string& getName() const override { return name; }
-    uint64_t getSize() const override { return size; }
+    const std::string& getName() const override { return m_name; }
+    uint64_t getSize() const override { return m_size; }
     size_t readAt(uint64_t offset, uint8_t* bytes, size_t count) const override;
-    const uint8_t* getBytes() const override { return content; }
+    const uint8_t* getBytes() const override { return m_content; }
 
 private:
-    const uint8_t* content;
-    size_t size;
-    std::string name;
+    const uint8_t* m_content;
+    size_t m_size;
+    std::string m_name;
 };
 
 } // namespace tqx

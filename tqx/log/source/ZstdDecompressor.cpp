@@ -13,15 +13,15 @@ struct ZstdDecompressor::State {
 };
 
 ZstdDecompressor::ZstdDecompressor()
-    : state(std::make_unique<State>(State{ZSTD_createDStream(), true}))
+    : m_state(std::make_unique<State>(State{ZSTD_createDStream(), true}))
 {
-    if (state->stream == nullptr)
+    if (m_state->stream == nullptr)
         throw DataError("no memory to decompress with");
 }
 
 ZstdDecompressor::~ZstdDecompressor()
 {
-    ZSTD_freeDStream(state->stream);
+    ZSTD_freeDStream(m_state->stream);
 }
 
 Decompressor::Outcome ZstdDecompressor::decompress(Step& step)
@@ -32,14 +32,14 @@ Decompressor::Outcome ZstdDecompressor::decompress(Step& step)
     bool isBad = false;
     while (isGoing) {
         const size_t before = input.pos + output.pos;
-        const size_t result = ZSTD_decompressStream(state->stream, &output, &input);
+        const size_t result = ZSTD_decompressStream(m_state->stream, &output, &input);
         const bool hasMoved = input.pos + output.pos != before;
         isBad = ZSTD_isError(result) != 0;
         // Asked without input, it waits for another frame.
         if (hasMoved)
-            state->isBetween = result == 0;
+            m_state->isBetween = result == 0;
         isGoing = !isBad && hasMoved && output.pos < output.size && input.pos < input.size &&
-                  !(stopsAtPoints && state->isBetween);
+                  !(m_stopsAtPoints && m_state->isBetween);
     }
     step.input += input.pos;
     step.inputSize -= input.pos;
@@ -47,21 +47,21 @@ Decompressor::Outcome ZstdDecompressor::decompress(Step& step)
     step.outputSize -= output.pos;
     if (isBad)
         return Outcome::Damaged;
-    return state->isBetween ? Outcome::Complete : Outcome::Going;
+    return m_state->isBetween ? Outcome::Complete : Outcome::Going;
 }
 
 bool ZstdDecompressor::getPoint(AccessPoint& point) const
 {
     point.bits = 0;
     point.window.clear();
-    return state->isBetween;
+    return m_state->isBetween;
 }
 
 bool ZstdDecompressor::restart(const AccessPoint& point, uint8_t)
 {
-    state->isBetween = true;
+    m_state->isBetween = true;
     return point.bits == 0 && point.window.empty() &&
-           ZSTD_isError(ZSTD_initDStream(state->stream)) == 0;
+           ZSTD_isError(ZSTD_initDStream(m_state->stream)) == 0;
 }
 
 } // namespace tqx

@@ -14,49 +14,49 @@ constexpr size_t pieceSize = 1 << 18;
 } // namespace
 
 BlockStream::BlockStream(ByteSource& bytes, StreamListener* hears)
-    : source(bytes), listener(hears), framer(this), scanner(*this), piece(pieceSize)
+    : m_source(bytes), m_listener(hears), m_framer(this), m_scanner(*this), m_piece(pieceSize)
 {
 }
 
 bool BlockStream::next(Block& block)
 {
-    framer.takeBlock();
-    while (!framer.hasBlock()) {
-        if (ended) {
-            if (!source.isInterrupted())
-                scanner.end();
-            gap.isCut = isCut;
+    m_framer.takeBlock();
+    while (!m_framer.hasBlock()) {
+        if (m_ended) {
+            if (!m_source.isInterrupted())
+                m_scanner.end();
+            m_gap.isCut = m_isCut;
             closeGap();
             return false;
         }
         readOn();
     }
-    scanner.end();
+    m_scanner.end();
     closeGap();
-    ++counts.blocks;
-    const BlockFramer::Block found = framer.block();
-    const ByteSource::Place place = source.placeOf(found.offset);
-    if (name != place.file)
-        name = place.file;
+    ++m_counts.blocks;
+    const BlockFramer::Block found = m_framer.block();
+    const ByteSource::Place place = m_source.placeOf(found.offset);
+    if (m_name != place.file)
+        m_name = place.file;
     block = {found.data, static_cast<uint16_t>(found.size), place.offset};
     return true;
 }
 
 void BlockStream::reportUndecodable(const Block& block, int32_t code)
 {
-    ++counts.undecodable;
-    if (listener)
-        listener->onUndecodable(name, block, code);
+    ++m_counts.undecodable;
+    if (m_listener)
+        m_listener->onUndecodable(m_name, block, code);
 }
 
 /// Passes candidates that look false by themselves; true when there is a block then.
 bool BlockStream::passDoubtful()
 {
-    while (!framer.hasBlock()) {
-        const BlockFramer::Candidate candidate = framer.waiting();
+    while (!m_framer.hasBlock()) {
+        const BlockFramer::Candidate candidate = m_framer.waiting();
         if (candidate.data == nullptr ||
             isPlausibleHeader(korcg_load_u16(candidate.data + 4), candidate.length) ||
-            !framer.passWaiting())
+            !m_framer.passWaiting())
             return false;
     }
     return true;
@@ -65,38 +65,38 @@ bool BlockStream::passDoubtful()
 /// Passes whatever waits once the source has been silent; true when there is a block then.
 bool BlockStream::passAfterPause()
 {
-    if (framer.waiting().data == nullptr || source.isReady(*longestPause))
+    if (m_framer.waiting().data == nullptr || m_source.isReady(*m_longestPause))
         return false;
-    while (!framer.hasBlock() && framer.passWaiting()) {
+    while (!m_framer.hasBlock() && m_framer.passWaiting()) {
     }
-    return framer.hasBlock();
+    return m_framer.hasBlock();
 }
 
 void BlockStream::readOn()
 {
-    if (longestPause && (passDoubtful() || passAfterPause()))
+    if (m_longestPause && (passDoubtful() || passAfterPause()))
         return;
-    const size_t size = source.read(piece.data(), piece.size());
+    const size_t size = m_source.read(m_piece.data(), m_piece.size());
     if (size != 0) {
-        counts.bytes += size;
-        framer.append(piece.data(), size);
+        m_counts.bytes += size;
+        m_framer.append(m_piece.data(), size);
         return;
     }
-    ended = true;
-    if (source.isInterrupted())
+    m_ended = true;
+    if (m_source.isInterrupted())
         return; // that it ends within a block is no damage
-    isCut = framer.bytesLeft() != 0;
-    framer.flush();
+    m_isCut = m_framer.bytesLeft() != 0;
+    m_framer.flush();
 }
 
 void BlockStream::onChecksumFailed(uint64_t offset)
 {
-    falseBlocks.push_back({offset, false});
+    m_falseBlocks.push_back({offset, false});
 }
 
 void BlockStream::onInvalidLength(uint64_t offset)
 {
-    falseBlocks.push_back({offset, true});
+    m_falseBlocks.push_back({offset, true});
 }
 
 // Its bytes are what counts.
@@ -104,48 +104,49 @@ void BlockStream::onBytesDropped(uint64_t, uint64_t) {}
 
 void BlockStream::onDroppedPiece(uint64_t offset, const uint8_t* bytes, size_t size)
 {
-    scanner.append(offset, bytes, size);
+    m_scanner.append(offset, bytes, size);
 }
 
 void BlockStream::onRecognised(const Neighbour& neighbour)
 {
     closeGap();
-    counts.neighbours[static_cast<size_t>(neighbour.kind)].add(neighbour);
-    while (!falseBlocks.empty() && falseBlocks.front().offset < neighbour.offset + neighbour.size)
-        falseBlocks.pop_front();
-    if (!listener)
+    m_counts.neighbours[static_cast<size_t>(neighbour.kind)].add(neighbour);
+    while (!m_falseBlocks.empty() &&
+           m_falseBlocks.front().offset < neighbour.offset + neighbour.size)
+        m_falseBlocks.pop_front();
+    if (!m_listener)
         return;
-    const ByteSource::Place place = source.placeOf(neighbour.offset);
-    listener->onNeighbour(place.file,
-                          {neighbour.kind, neighbour.data, neighbour.size, place.offset});
+    const ByteSource::Place place = m_source.placeOf(neighbour.offset);
+    m_listener->onNeighbour(place.file,
+                            {neighbour.kind, neighbour.data, neighbour.size, place.offset});
 }
 
 // One stretch may be reported in several pieces.
 void BlockStream::onDamage(uint64_t offset, uint64_t count)
 {
-    counts.droppedBytes += count;
-    if (gap.bytes == 0)
-        gap.offset = offset;
-    gap.bytes += count;
-    for (; !falseBlocks.empty() && falseBlocks.front().offset < offset + count;
-         falseBlocks.pop_front()) {
-        const bool isTooShort = falseBlocks.front().isTooShort;
-        ++(isTooShort ? counts.invalidLengths : counts.crcErrors);
-        ++(isTooShort ? gap.invalidLengths : gap.crcErrors);
+    m_counts.droppedBytes += count;
+    if (m_gap.bytes == 0)
+        m_gap.offset = offset;
+    m_gap.bytes += count;
+    for (; !m_falseBlocks.empty() && m_falseBlocks.front().offset < offset + count;
+         m_falseBlocks.pop_front()) {
+        const bool isTooShort = m_falseBlocks.front().isTooShort;
+        ++(isTooShort ? m_counts.invalidLengths : m_counts.crcErrors);
+        ++(isTooShort ? m_gap.invalidLengths : m_gap.crcErrors);
     }
 }
 
 void BlockStream::closeGap()
 {
-    if (gap.bytes == 0)
+    if (m_gap.bytes == 0)
         return;
-    if (listener) {
-        const ByteSource::Place place = source.placeOf(gap.offset);
-        gap.file = place.file;
-        gap.offset = place.offset;
-        listener->onGap(gap);
+    if (m_listener) {
+        const ByteSource::Place place = m_source.placeOf(m_gap.offset);
+        m_gap.file = place.file;
+        m_gap.offset = place.offset;
+        m_listener->onGap(m_gap);
     }
-    gap = StreamGap();
+    m_gap = StreamGap();
 }
 
 } // namespace tqx

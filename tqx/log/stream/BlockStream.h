@@ -51,7 +51,7 @@ public:
     /// whole block with the right checksum is within the length that it claims, when its number is
     /// unknown or its length does not fit its type, or when nothing has come for `pause`. The
     /// blocks then depend on when the bytes come, so that a recorded log is better read without.
-    void setLive(std::chrono::milliseconds pause) { longestPause = pause; }
+    void setLive(std::chrono::milliseconds pause) { m_longestPause = pause; }
 
     /// Gets the next block, whose bytes stay valid until the next call; false at the end. Throws
     /// what the source throws.
@@ -62,8 +62,8 @@ public:
     void reportUndecodable(const Block& block, int32_t code);
 
     /// Name of the file that the last block began in.
-    const std::string& getName() const { return name; }
-    const StreamCounts& getCounts() const { return counts; }
+    const std::string& getName() const { return m_name; }
+    const StreamCounts& getCounts() const { return m_counts; }
 
 private:
     /// What looked like a block and was none.
@@ -83,18 +83,18 @@ private:
     void onRecognised(const Neighbour& neighbour) override;
     void onDamage(uint64_t offset, uint64_t count) override;
 
-    ByteSource& source;
-    StreamListener* listener;
-    BlockFramer framer;
-    std::optional<std::chrono::milliseconds> longestPause; ///< of a live stream
-    NeighbourScanner scanner;
-    std::deque<FalseBlock> falseBlocks; ///< in bytes of which the scanner has still to decide
-    std::vector<uint8_t> piece;
-    std::string name;
-    StreamCounts counts;
-    StreamGap gap;
-    bool ended = false;
-    bool isCut = false; ///< the source ended within what looked like a block
+    ByteSource& m_source;
+    StreamListener* m_listener;
+    BlockFramer m_framer;
+    std::optional<std::chrono::milliseconds> m_longestPause; ///< of a live stream
+    NeighbourScanner m_scanner;
+    std::deque<FalseBlock> m_falseBlocks; ///< in bytes of which the scanner has still to decide
+    std::vector<uint8_t> m_piece;
+    std::string m_name;
+    StreamCounts m_counts;
+    StreamGap m_gap;
+    bool m_ended = false;
+    bool m_isCut = false; ///< the source ended within what looked like a block
 };
 
 } // namespace tqx

@@ -179,9 +179,10 @@ Content messagesIn(std::string_view text)
 Content guessContent(const uint8_t* bytes, size_t size)
 {
     const std::string_view text(reinterpret_cast<const char*>(bytes), size);
-    for (const Signature& one : signatures)
+    for (const Signature& one : signatures) {
         if (text.size() >= one.offset && text.substr(one.offset, one.bytes.size()) == one.bytes)
             return one.content;
+    }
     if (const Content messages = messagesIn(text); messages != Content::Unknown)
         return messages;
     if (isRtcm2(text))

@@ -50,11 +50,12 @@ Range lengthsOf(const TQX_TypeLayout& type, unsigned revision)
         const bool isSimple = field.kind == TQX_FieldKind::Value ||
                               field.kind == TQX_FieldKind::Array ||
                               field.kind == TQX_FieldKind::Text;
-        if (!isSimple || field.wireOffset < 0 || field.presence == TQX_Presence::Selected)
+        if (!isSimple || field.wireOffset < 0 || field.presence == TQX_Presence::Selected) {
             range.isFixed = false;
-        else if (isAlwaysThere(field, revision))
+        } else if (isAlwaysThere(field, revision)) {
             range.least = std::max(range.least, static_cast<size_t>(field.wireOffset) +
                                                     TQX_elementSize(field) * field.elements);
+        }
     }
     return range;
 }

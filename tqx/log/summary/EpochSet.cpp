@@ -8,47 +8,48 @@ namespace tqx
 bool EpochSet::add(GnssMillis time)
 {
     // The usual case: the series goes on and is the last one.
-    if (current != all.end() && current->second.last + current->second.period == time &&
-        current->second.last < time && std::next(current) == all.end()) {
-        current->second.last = time;
+    if (m_current != m_all.end() && m_current->second.last + m_current->second.period == time &&
+        m_current->second.last < time && std::next(m_current) == m_all.end()) {
+        m_current->second.last = time;
         return true;
     }
-    const auto after = all.upper_bound(time);
-    if (after == all.begin()) {
+    const auto after = m_all.upper_bound(time);
+    if (after == m_all.begin()) {
         insert(time, {time, 0});
         return true;
     }
-    current = std::prev(after);
-    const GnssMillis first = current->first;
-    Series& series = current->second;
+    m_current = std::prev(after);
+    const GnssMillis first = m_current->first;
+    Series& series = m_current->second;
     if (time > series.last) {
-        if (series.period == 0)
+        if (series.period == 0) {
             series = {time, time - first};
-        else if (time == series.last + series.period)
+        } else if (time == series.last + series.period) {
             series.last = time;
-        else
+        } else {
             insert(time, {time, 0});
+        }
         return true;
     }
     if (series.period == 0 || (time - first) % series.period == 0)
         return false;
-    split(current, time);
+    split(m_current, time);
     return true;
 }
 
 void EpochSet::insert(GnssMillis first, const Series& series)
 {
-    if (room == 0)
+    if (m_room == 0)
         return;
-    --room;
-    current = all.emplace(first, series).first;
+    --m_room;
+    m_current = m_all.emplace(first, series).first;
 }
 
 /// Adds a time between those of a series.
 void EpochSet::split(Map::iterator found, GnssMillis time)
 {
     constexpr size_t added = 2;
-    if (room < added)
+    if (m_room < added)
         return;
     Series& series = found->second;
     const uint64_t period = series.period;

@@ -17,7 +17,7 @@ class TQX_LOG_API EpochSet
 public:
     /// `sharedRoom` is how many series may still be kept by all sets that share it; it must outlive
     /// them.
-    explicit EpochSet(size_t& sharedRoom) : room(sharedRoom) {}
+    explicit EpochSet(size_t& sharedRoom) : m_room(sharedRoom) {}
 
     /// Adds a time. Returns false when it was there already. Without room it is forgotten.
     bool add(GnssMillis time);
@@ -32,9 +32,9 @@ private:
     void insert(GnssMillis first, const Series& series);
     void split(Map::iterator found, GnssMillis time);
 
-    size_t& room;
-    Map all;
-    Map::iterator current = all.end(); ///< that was extended last
+    size_t& m_room;
+    Map m_all;
+    Map::iterator m_current = m_all.end(); ///< that was extended last
 };
 
 } // namespace tqx

@@ -23,12 +23,12 @@ uint64_t missingIn(uint64_t gap, uint64_t usual)
 
 void Intervals::add(GnssMillis time)
 {
-    if (last && time > *last) {
-        const uint64_t interval = time - *last;
+    if (m_last && time > *m_last) {
+        const uint64_t interval = time - *m_last;
         count(interval);
-        keep(*last, interval);
+        keep(*m_last, interval);
     }
-    last = time;
+    m_last = time;
 }
 
 // An interval that is not among the most frequent ones takes the place of the rarest, and its count
@@ -36,64 +36,63 @@ void Intervals::add(GnssMillis time)
 void Intervals::count(uint64_t interval)
 {
     constexpr size_t mostDifferent = 100;
-    ++total;
-    const auto known = frequent.find(interval);
-    if (known != frequent.end()) {
+    ++m_total;
+    const auto known = m_frequent.find(interval);
+    if (known != m_frequent.end()) {
         ++known->second.times;
         return;
     }
     Seen seen = {1, 0};
-    if (frequent.size() == mostDifferent) {
-        const auto rarest =
-            std::min_element(frequent.begin(), frequent.end(), [](const auto& a, const auto& b) {
-                return a.second.times < b.second.times;
-            });
+    if (m_frequent.size() == mostDifferent) {
+        const auto rarest = std::min_element(
+            m_frequent.begin(), m_frequent.end(),
+            [](const auto& a, const auto& b) { return a.second.times < b.second.times; });
         seen = {rarest->second.times + 1, rarest->second.times};
-        frequent.erase(rarest);
+        m_frequent.erase(rarest);
     }
-    frequent[interval] = seen;
+    m_frequent[interval] = seen;
 }
 
 void Intervals::keep(GnssMillis after, uint64_t interval)
 {
-    if (!runs.empty()) {
-        Run& run = runs.back();
+    if (!m_runs.empty()) {
+        Run& run = m_runs.back();
         if (run.millis == interval && run.after + run.millis * run.times == after) {
             ++run.times;
             return;
         }
     }
-    if (room != 0 || makeRoom()) {
-        --room;
-        runs.push_back({after, interval, 1});
+    if (m_room != 0 || makeRoom()) {
+        --m_room;
+        m_runs.push_back({after, interval, 1});
         return;
     }
     const std::optional<uint64_t> usual = getUsual();
     if (usual && isGap(interval, *usual))
-        ++unlisted;
+        ++m_unlisted;
 }
 
 /// Forgets the intervals that are no gaps.
 bool Intervals::makeRoom()
 {
     const std::optional<uint64_t> usual = getUsual();
-    if (!usual || runs.size() < leastToSift)
+    if (!usual || m_runs.size() < m_leastToSift)
         return false;
-    const auto end = std::remove_if(runs.begin(), runs.end(),
+    const auto end = std::remove_if(m_runs.begin(), m_runs.end(),
                                     [&](const Run& run) { return !isGap(run.millis, *usual); });
-    room += static_cast<size_t>(runs.end() - end);
-    runs.erase(end, runs.end());
-    leastToSift = runs.size() + runs.size() / 8 + 1;
-    return room != 0;
+    m_room += static_cast<size_t>(m_runs.end() - end);
+    m_runs.erase(end, m_runs.end());
+    m_leastToSift = m_runs.size() + m_runs.size() / 8 + 1;
+    return m_room != 0;
 }
 
 std::optional<uint64_t> Intervals::getUsual() const
 {
     const auto timesOf = [](const auto& entry) { return entry.second.times - entry.second.excess; };
     const auto most =
-        std::max_element(frequent.begin(), frequent.end(),
+        std::max_element(m_frequent.begin(), m_frequent.end(),
                          [&](const auto& a, const auto& b) { return timesOf(a) < timesOf(b); });
-    if (most == frequent.end() || timesOf(*most) * 2 <= total)
+    if (most == m_frequent.end() || timesOf(*most) * 2 <= m_total)
         return std::nullopt;
     return most->first;
 }
@@ -101,16 +100,17 @@ std::optional<uint64_t> Intervals::getUsual() const
 std::vector<Intervals::Gap> Intervals::getGaps(uint64_t usual, size_t most) const
 {
     std::vector<Gap> gaps;
-    for (const Run& run : runs)
+    for (const Run& run : m_runs) {
         for (uint64_t i = 0; isGap(run.millis, usual) && i < run.times && gaps.size() < most; ++i)
             gaps.push_back({run.millis, run.after + i * run.millis, missingIn(run.millis, usual)});
+    }
     return gaps;
 }
 
 uint64_t Intervals::getGapCount(uint64_t usual) const
 {
-    uint64_t gaps = unlisted;
-    for (const Run& run : runs)
+    uint64_t gaps = m_unlisted;
+    for (const Run& run : m_runs)
         gaps += isGap(run.millis, usual) ? run.times : 0;
     return gaps;
 }
@@ -118,7 +118,7 @@ uint64_t Intervals::getGapCount(uint64_t usual) const
 std::vector<Intervals::GapGroup> Intervals::getGapsByLength(uint64_t usual) const
 {
     std::map<uint64_t, GapGroup> groups;
-    for (const Run& run : runs) {
+    for (const Run& run : m_runs) {
         if (!isGap(run.millis, usual))
             continue;
         const Gap gap = {run.millis, run.after, missingIn(run.millis, usual)};

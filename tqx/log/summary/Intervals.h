@@ -27,7 +27,7 @@ public:
 
     /// `sharedRoom` is how many runs of equal intervals may still be kept by all that share it; it
     /// must outlive them.
-    explicit Intervals(size_t& sharedRoom) : room(sharedRoom) {}
+    explicit Intervals(size_t& sharedRoom) : m_room(sharedRoom) {}
 
     void add(GnssMillis time);
 
@@ -69,13 +69,13 @@ private:
     void keep(GnssMillis after, uint64_t interval);
     bool makeRoom();
 
-    size_t& room;
-    std::optional<GnssMillis> last;
-    std::map<uint64_t, Seen> frequent;
-    uint64_t total = 0;
-    std::vector<Run> runs;
-    size_t leastToSift = 0; ///< number of runs from which on it is worth to look for room again
-    uint64_t unlisted = 0;
+    size_t& m_room;
+    std::optional<GnssMillis> m_last;
+    std::map<uint64_t, Seen> m_frequent;
+    uint64_t m_total = 0;
+    std::vector<Run> m_runs;
+    size_t m_leastToSift = 0; ///< number of runs from which on it is worth to look for room again
+    uint64_t m_unlisted = 0;
 };
 
 } // namespace tqx

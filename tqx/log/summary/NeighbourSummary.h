@@ -16,25 +16,25 @@ class TQX_LOG_API NeighbourSummary
 public:
     void add(const Neighbour& neighbour);
 
-    bool isEmpty() const { return sentences.empty() && frames.empty() && text.count == 0; }
+    bool isEmpty() const { return m_sentences.empty() && m_frames.empty() && m_text.count == 0; }
 
     /// NMEA sentences by address. Memory is bounded: those of further addresses than the first
     /// thousand count under "".
     const std::map<std::string, NeighbourCount, std::less<>>& getSentences() const
     {
-        return sentences;
+        return m_sentences;
     }
 
     /// RTCM 3 frames by message number.
-    const std::map<uint16_t, NeighbourCount>& getFrames() const { return frames; }
+    const std::map<uint16_t, NeighbourCount>& getFrames() const { return m_frames; }
 
     /// Lines of text and prompts.
-    const NeighbourCount& getText() const { return text; }
+    const NeighbourCount& getText() const { return m_text; }
 
 private:
-    std::map<std::string, NeighbourCount, std::less<>> sentences;
-    std::map<uint16_t, NeighbourCount> frames;
-    NeighbourCount text;
+    std::map<std::string, NeighbourCount, std::less<>> m_sentences;
+    std::map<uint16_t, NeighbourCount> m_frames;
+    NeighbourCount m_text;
 };
 
 } // namespace tqx

@@ -19,13 +19,13 @@ void keepFirst(std::vector<BlockPlace>& places, const BlockPlace& place)
 
 } // namespace
 
-StreamSummary::StreamSummary() : types(blockNumbers) {}
+StreamSummary::StreamSummary() : m_types(blockNumbers) {}
 
 void StreamSummary::add(BlockStream& stream, const Block& block)
 {
-    std::unique_ptr<TypeSummary>& known = types[block.getNumber()];
+    std::unique_ptr<TypeSummary>& known = m_types[block.getNumber()];
     if (!known) {
-        known = std::make_unique<TypeSummary>(roomForIntervals, roomForEpochs);
+        known = std::make_unique<TypeSummary>(m_roomForIntervals, m_roomForEpochs);
         known->isKnown = TQX_recordType(block.getNumber()) != 0;
     }
     TypeSummary& type = *known;
@@ -33,16 +33,16 @@ void StreamSummary::add(BlockStream& stream, const Block& block)
     type.bytes += block.size;
     type.revisions.set(block.getRevision());
     if (!type.isKnown) {
-        keepFirst(unknownPlaces, {stream.getName(), block.offset, block.getNumber(), 0});
+        keepFirst(m_unknownPlaces, {stream.getName(), block.offset, block.getNumber(), 0});
         return;
     }
-    if (const int32_t result = decoder.decode(block); result < 0) {
+    if (const int32_t result = m_decoder.decode(block); result < 0) {
         FailureSummary& failure = type.failures[result];
         if (failure.blocks++ == 0) {
             failure.file = stream.getName();
             failure.offset = block.offset;
         }
-        keepFirst(undecodablePlaces, {stream.getName(), block.offset, block.getNumber(), result});
+        keepFirst(m_undecodablePlaces, {stream.getName(), block.offset, block.getNumber(), result});
         stream.reportUndecodable(block, result);
         return;
     }
@@ -55,27 +55,27 @@ void StreamSummary::add(BlockStream& stream, const Block& block)
 void StreamSummary::addTime(const BlockStream& stream, const Block& block, TypeSummary& type,
                             GnssMillis time)
 {
-    first = first ? std::min(*first, time) : time;
-    last = last ? std::max(*last, time) : time;
+    m_first = m_first ? std::min(*m_first, time) : time;
+    m_last = m_last ? std::max(*m_last, time) : time;
     type.intervals.add(time);
-    if (type.last && time < *type.last && type.stepsBack == stepsBack) {
-        if (stepsBack++ == 0)
-            firstStepBack = {stream.getName(), block.offset, block.getNumber(), 0};
-        latest.reset();
+    if (type.last && time < *type.last && type.stepsBack == m_stepsBack) {
+        if (m_stepsBack++ == 0)
+            m_firstStepBack = {stream.getName(), block.offset, block.getNumber(), 0};
+        m_latest.reset();
     }
-    type.stepsBack = stepsBack;
-    if (!latest || time > *latest) {
-        intervals.add(time);
-        latest = time;
+    type.stepsBack = m_stepsBack;
+    if (!m_latest || time > *m_latest) {
+        m_intervals.add(time);
+        m_latest = time;
     }
-    if (type.last != time && !type.epochs.add(time) && repeated.add(time))
-        ++repeatedEpochs;
+    if (type.last != time && !type.epochs.add(time) && m_repeated.add(time))
+        ++m_repeatedEpochs;
     type.last = time;
 }
 
 std::optional<uint64_t> StreamSummary::getUsualInterval() const
 {
-    std::optional<uint64_t> usual = intervals.getUsual();
+    std::optional<uint64_t> usual = m_intervals.getUsual();
     uint64_t most = 0;
     if (usual)
         return usual;
@@ -92,17 +92,18 @@ std::optional<uint64_t> StreamSummary::getUsualInterval() const
 void StreamSummary::addDamage(const StreamGap& gap)
 {
     constexpr size_t mostKept = 1000;
-    ++damagedPlaces;
-    if (damage.size() < mostKept)
-        damage.push_back(gap);
+    ++m_damagedPlaces;
+    if (m_damage.size() < mostKept)
+        m_damage.push_back(gap);
 }
 
 std::map<uint16_t, const TypeSummary*> StreamSummary::getTypes() const
 {
     std::map<uint16_t, const TypeSummary*> seen;
-    for (size_t number = 0; number < types.size(); ++number)
-        if (types[number])
-            seen[static_cast<uint16_t>(number)] = types[number].get();
+    for (size_t number = 0; number < m_types.size(); ++number) {
+        if (m_types[number])
+            seen[static_cast<uint16_t>(number)] = m_types[number].get();
+    }
     return seen;
 }
 

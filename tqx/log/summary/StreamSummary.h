@@ -65,7 +65,7 @@ public:
     void addDamage(const StreamGap& gap);
 
     /// Counts what came between blocks.
-    void addNeighbour(const Neighbour& neighbour) { neighbours.add(neighbour); }
+    void addNeighbour(const Neighbour& neighbour) { m_neighbours.add(neighbour); }
 
     /// By block number; unknown ones are among them.
     std::map<uint16_t, const TypeSummary*> getTypes() const;
@@ -74,52 +74,52 @@ public:
     uint64_t getUnknown() const;
 
     /// The first places of damage, and how many there are.
-    const std::vector<StreamGap>& getDamage() const { return damage; }
-    uint64_t getDamagedPlaces() const { return damagedPlaces; }
+    const std::vector<StreamGap>& getDamage() const { return m_damage; }
+    uint64_t getDamagedPlaces() const { return m_damagedPlaces; }
 
     /// The first thousand blocks that do not decode, and those of unknown numbers.
-    const std::vector<BlockPlace>& getUndecodablePlaces() const { return undecodablePlaces; }
-    const std::vector<BlockPlace>& getUnknownPlaces() const { return unknownPlaces; }
+    const std::vector<BlockPlace>& getUndecodablePlaces() const { return m_undecodablePlaces; }
+    const std::vector<BlockPlace>& getUnknownPlaces() const { return m_unknownPlaces; }
 
-    const NeighbourSummary& getNeighbours() const { return neighbours; }
+    const NeighbourSummary& getNeighbours() const { return m_neighbours; }
 
     /// The earliest and the latest time of a block.
-    const std::optional<GnssMillis>& getFirst() const { return first; }
-    const std::optional<GnssMillis>& getLast() const { return last; }
+    const std::optional<GnssMillis>& getFirst() const { return m_first; }
+    const std::optional<GnssMillis>& getLast() const { return m_last; }
 
     /// How often time runs back, and the first block that is earlier than the one of its type
     /// before it. Blocks of several types that go back together are one step.
-    uint64_t getStepsBack() const { return stepsBack; }
-    const BlockPlace& getFirstStepBack() const { return firstStepBack; }
+    uint64_t getStepsBack() const { return m_stepsBack; }
+    const BlockPlace& getFirstStepBack() const { return m_firstStepBack; }
 
     /// Times at which blocks of a type come again after others of that type; each counts once.
-    uint64_t getRepeatedEpochs() const { return repeatedEpochs; }
+    uint64_t getRepeatedEpochs() const { return m_repeatedEpochs; }
 
     /// The intervals at which blocks of any type come. Their usual interval is their own or else
     /// that of the type with the most blocks, if it has one.
-    const Intervals& getIntervals() const { return intervals; }
+    const Intervals& getIntervals() const { return m_intervals; }
     std::optional<uint64_t> getUsualInterval() const;
 
 private:
     void addTime(const BlockStream& stream, const Block& block, TypeSummary& type, GnssMillis time);
 
-    size_t roomForIntervals = 200000; // a gap takes up to two
-    size_t roomForEpochs = 100000;
-    RecordDecoder decoder;
-    std::vector<std::unique_ptr<TypeSummary>> types; ///< by block number
-    std::vector<StreamGap> damage;
-    uint64_t damagedPlaces = 0;
-    NeighbourSummary neighbours;
-    std::optional<GnssMillis> first;
-    std::optional<GnssMillis> last;
-    std::optional<GnssMillis> latest; ///< since time ran back
-    Intervals intervals{roomForIntervals};
-    uint64_t stepsBack = 0;
-    BlockPlace firstStepBack;
-    EpochSet repeated{roomForEpochs};
-    uint64_t repeatedEpochs = 0;
-    std::vector<BlockPlace> undecodablePlaces;
-    std::vector<BlockPlace> unknownPlaces;
+    size_t m_roomForIntervals = 200000; // a gap takes up to two
+    size_t m_roomForEpochs = 100000;
+    RecordDecoder m_decoder;
+    std::vector<std::unique_ptr<TypeSummary>> m_types; ///< by block number
+    std::vector<StreamGap> m_damage;
+    uint64_t m_damagedPlaces = 0;
+    NeighbourSummary m_neighbours;
+    std::optional<GnssMillis> m_first;
+    std::optional<GnssMillis> m_last;
+    std::optional<GnssMillis> m_latest; ///< since time ran back
+    Intervals m_intervals{m_roomForIntervals};
+    uint64_t m_stepsBack = 0;
+    BlockPlace m_firstStepBack;
+    EpochSet m_repeated{m_roomForEpochs};
+    uint64_t m_repeatedEpochs = 0;
+    std::vector<BlockPlace> m_undecodablePlaces;
+    std::vector<BlockPlace> m_unknownPlaces;
 };
 
 } // namespace tqx

@@ -26,28 +26,28 @@ class OwnedArrow
 {
 public:
     OwnedArrow() = default;
-    OwnedArrow(OwnedArrow&& other) noexcept : content(other.take()) {}
+    OwnedArrow(OwnedArrow&& other) noexcept : m_content(other.take()) {}
     OwnedArrow& operator=(OwnedArrow&& other) noexcept
     {
         if (this != &other) {
-            releaseArrow(content);
-            content = other.take();
+            releaseArrow(m_content);
+            m_content = other.take();
         }
         return *this;
     }
-    ~OwnedArrow() { releaseArrow(content); }
+    ~OwnedArrow() { releaseArrow(m_content); }
 
-    Structure& get() { return content; }
+    Structure& get() { return m_content; }
 
     Structure take()
     {
-        const Structure taken = content;
-        content.release = nullptr;
+        const Structure taken = m_content;
+        m_content.release = nullptr;
         return taken;
     }
 
 private:
-    Structure content = {};
+    Structure m_content = {};
 };
 
 /// Describes a structure of columns; `out` is what it was if std::bad_alloc is thrown.

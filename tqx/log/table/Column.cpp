@@ -16,7 +16,7 @@ Column::~Column() = default;
 ArrayParts Column::takeParts()
 {
     ArrayParts parts;
-    parts.validity = std::exchange(validity, Validity());
+    parts.validity = std::exchange(m_validity, Validity());
     return parts;
 }
 
@@ -44,12 +44,12 @@ FieldColumns::FieldColumns(const std::vector<ColumnPlan>& plans,
                            const std::vector<std::string>& files)
 {
     for (const ColumnPlan& plan : plans)
-        fields.push_back({&plan, makeColumn(plan, files)});
+        m_fields.push_back({&plan, makeColumn(plan, files)});
 }
 
 void FieldColumns::append(const Run& run)
 {
-    for (const Field& each : fields) {
+    for (const Field& each : m_fields) {
         const TQX_FieldLayout* field = each.plan->field;
         bool isPresent = true;
         if (field && field->presence != TQX_Presence::Always) {
@@ -61,10 +61,11 @@ void FieldColumns::append(const Run& run)
                             ? run.revision >= field->presenceValue
                             : run.revision == field->presenceValue;
         }
-        if (isPresent)
+        if (isPresent) {
             each.column->append(run);
-        else
+        } else {
             each.column->appendNulls(run.count);
+        }
     }
 }
 
@@ -79,29 +80,30 @@ void FieldColumns::appendSelected(const Field& field, const Run& run)
         size_t end = first + 1;
         while (end < run.count && isPresent(end) == isThere)
             ++end;
-        if (isThere)
+        if (isThere) {
             field.column->append(run.part(first, end));
-        else
+        } else {
             field.column->appendNulls(end - first);
+        }
         first = end;
     }
 }
 
 void FieldColumns::appendNulls(size_t count)
 {
-    for (const Field& field : fields)
+    for (const Field& field : m_fields)
         field.column->appendNulls(count);
 }
 
 void FieldColumns::reserve(size_t count)
 {
-    for (const Field& field : fields)
+    for (const Field& field : m_fields)
         field.column->reserve(count);
 }
 
 void FieldColumns::finish(std::vector<OwnedArrow<ArrowArray>>& out)
 {
-    for (const Field& field : fields)
+    for (const Field& field : m_fields)
         out.push_back(field.column->finish());
 }
 

@@ -73,7 +73,7 @@ public:
     /// Makes room for so many values, as far as their size is known.
     virtual void reserve(size_t count) = 0;
 
-    size_t getLength() const { return validity.size(); }
+    size_t getLength() const { return m_validity.size(); }
 
     /// Hands the values over and begins anew, with no values. Throws std::bad_alloc; the values are
     /// lost then.
@@ -85,7 +85,7 @@ protected:
     /// The length and validity of the array to be, taken from the column.
     ArrayParts takeParts();
 
-    Validity validity;
+    Validity m_validity;
 };
 
 /// A column of the plan, which must outlive it. `files` are what columns of kind File have numbers
@@ -113,7 +113,7 @@ private:
 
     static void appendSelected(const Field& field, const Run& run);
 
-    std::vector<Field> fields;
+    std::vector<Field> m_fields;
 };
 
 } // namespace tqx

@@ -19,36 +19,37 @@ public:
     ColumnBuffer(ColumnBuffer&& other) noexcept { *this = std::move(other); }
     ColumnBuffer& operator=(ColumnBuffer&& other) noexcept
     {
-        memory = std::move(other.memory);
-        used = std::exchange(other.used, 0);
-        room = std::exchange(other.room, 0);
+        m_memory = std::move(other.m_memory);
+        m_used = std::exchange(other.m_used, 0);
+        m_room = std::exchange(other.m_room, 0);
         return *this;
     }
 
-    const uint8_t* data() const { return memory.get(); }
-    uint8_t* data() { return memory.get(); }
-    size_t size() const { return used; }
+    const uint8_t* data() const { return m_memory.get(); }
+    uint8_t* data() { return m_memory.get(); }
+    size_t size() const { return m_used; }
 
     /// Makes room for that many bytes in all. Throws std::bad_alloc.
     void reserve(size_t bytes)
     {
-        if (bytes <= room)
+        if (bytes <= m_room)
             return;
-        const size_t rounded = (std::max(bytes, room * 2) + alignment - 1) / alignment * alignment;
+        const size_t rounded =
+            (std::max(bytes, m_room * 2) + alignment - 1) / alignment * alignment;
         Memory larger(static_cast<uint8_t*>(::operator new (rounded, std::align_val_t{alignment})));
-        if (used != 0)
-            std::memcpy(larger.get(), memory.get(), used);
-        memory = std::move(larger);
-        room = rounded;
+        if (m_used != 0)
+            std::memcpy(larger.get(), m_memory.get(), m_used);
+        m_memory = std::move(larger);
+        m_room = rounded;
     }
 
     /// Adds that many bytes and returns the first of them, to be written. Throws std::bad_alloc.
     uint8_t* extend(size_t bytes)
     {
-        if (bytes > room - used)
-            reserve(used + bytes);
-        uint8_t* first = memory.get() + used;
-        used += bytes;
+        if (bytes > m_room - m_used)
+            reserve(m_used + bytes);
+        uint8_t* first = m_memory.get() + m_used;
+        m_used += bytes;
         return first;
     }
 
@@ -62,7 +63,7 @@ public:
     Value last() const
     {
         Value value;
-        std::memcpy(&value, memory.get() + used - sizeof value, sizeof value);
+        std::memcpy(&value, m_memory.get() + m_used - sizeof value, sizeof value);
         return value;
     }
 
@@ -77,9 +78,9 @@ private:
     };
     using Memory = std::unique_ptr<uint8_t, Free>;
 
-    Memory memory;
-    size_t used = 0;
-    size_t room = 0;
+    Memory m_memory;
+    size_t m_used = 0;
+    size_t m_room = 0;
 };
 
 } // namespace tqx

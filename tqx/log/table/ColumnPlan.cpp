@@ -114,12 +114,12 @@ std::shared_ptr<const NameDictionary> ColumnPlanner::namesOf(const RecordPlan::P
     const TQX_FieldLayout& field = *part.field;
     const bool isCode = field.type != TQX_MemberType::Char && !TQX_isSigned(field) &&
                         field.width <= NameDictionary::widest;
-    if (!options.isNamed || !isCode || TQX_namedValues(*part.facts).empty())
+    if (!m_options.isNamed || !isCode || TQX_namedValues(*part.facts).empty())
         return nullptr;
     const bool namesNone = part.facts->has(TQX_FieldFacts::NamesDoNotUse);
     const uint64_t none = namesNone ? TQX_doNotUse(*part.facts) + 1 : 0;
     const std::array<uint64_t, 3> key = {part.facts->namedValues, field.width, none};
-    std::shared_ptr<const NameDictionary>& names = dictionaries[key];
+    std::shared_ptr<const NameDictionary>& names = m_dictionaries[key];
     if (!names)
         names = std::make_shared<const NameDictionary>(*part.facts, field.width);
     return names;
@@ -128,13 +128,13 @@ std::shared_ptr<const NameDictionary> ColumnPlanner::namesOf(const RecordPlan::P
 void ColumnPlanner::planNumber(ColumnPlan& column, const RecordPlan::Part& part)
 {
     const double factor = TQX_scale(*part.facts);
-    column.source = sourceOf(*part.field, *part.facts, options.hidesDoNotUse);
+    column.source = sourceOf(*part.field, *part.facts, m_options.hidesDoNotUse);
     column.placeOnWire = placeInBlock(*column.type, *part.field);
     column.format = formatOf(part.field->type);
     column.names = namesOf(part);
     if (column.names) {
         column.format = column.names->getIndexSize() == 1 ? "c" : "s";
-    } else if (options.isScaled && factor != 0) {
+    } else if (m_options.isScaled && factor != 0) {
         column.scale.emplace(factor);
         column.format = "g";
     } else if (factor != 0) {
@@ -167,7 +167,7 @@ ColumnPlan ColumnPlanner::columnOf(const RecordPlan& plan, const RecordPlan::Mem
             break;
         }
         planNumber(column, part);
-        if (options.hidesDoNotUse)
+        if (m_options.hidesDoNotUse)
             column.inputs = inputsOf(*plan.type, *part.facts, owners);
         break;
     case RecordPlan::Kind::Array: {
@@ -213,7 +213,7 @@ std::vector<ColumnPlan> ColumnPlanner::columnsOf(const RecordPlan& plan, const L
             columns.push_back(columnOf(plan, member, part, owners));
             if (isContinuousTime(*part.field)) {
                 columns.back().placeOnWire.offset = towcOnWire;
-                columns.back().source.hasDoNotUse = options.hidesDoNotUse;
+                columns.back().source.hasDoNotUse = m_options.hidesDoNotUse;
                 columns.back().source.doNotUse = noContinuousTime;
             }
         }

@@ -73,7 +73,7 @@ struct ColumnPlan {
 class ColumnPlanner
 {
 public:
-    explicit ColumnPlanner(const TableOptions& chosen) : options(chosen) {}
+    explicit ColumnPlanner(const TableOptions& chosen) : m_options(chosen) {}
 
     /// The columns of a record whose parents are `owners`, from the main block on. `towcOnWire` is
     /// where blocks that are read without decoding have their TOWc.
@@ -90,9 +90,9 @@ private:
     void planNumber(ColumnPlan& column, const RecordPlan::Part& part);
     std::shared_ptr<const NameDictionary> namesOf(const RecordPlan::Part& part);
 
-    const TableOptions& options;
+    const TableOptions& m_options;
     /// By the table of names, the width and the code that means "not available", if it has a name.
-    std::map<std::array<uint64_t, 3>, std::shared_ptr<const NameDictionary>> dictionaries;
+    std::map<std::array<uint64_t, 3>, std::shared_ptr<const NameDictionary>> m_dictionaries;
 };
 
 } // namespace tqx

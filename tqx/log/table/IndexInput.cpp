@@ -34,25 +34,26 @@ uint8_t weekAfter(const Block& block, const WeekContext& before)
 
 IndexInput::IndexInput(const Index& index, const RandomAccess& log, const TQX_TypeLayout& type,
                        BlockQuery query, StreamListener* hears)
-    : name(log.getName()), found(index, log, queryOf(std::move(query), type)), listener(hears),
-      isInMemory(log.getBytes() != nullptr)
+    : m_name(log.getName()), m_found(index, log, queryOf(std::move(query), type)),
+      m_listener(hears), m_isInMemory(log.getBytes() != nullptr)
 {
 }
 
 size_t IndexInput::read(TableBlock* blocks, size_t capacity)
 {
-    const size_t most = isInMemory ? capacity : 1;
+    const size_t most = m_isInMemory ? capacity : 1;
     size_t count = 0;
-    for (Block block = {}; count < most && found.next(block); ++count)
-        blocks[count] = {block.data, block.size, weekAfter(block, found.getContext()), block.offset,
-                         name};
+    for (Block block = {}; count < most && m_found.next(block); ++count) {
+        blocks[count] = {block.data, block.size, weekAfter(block, m_found.getContext()),
+                         block.offset, m_name};
+    }
     return count;
 }
 
 void IndexInput::refuse(const TableBlock& block, int32_t code)
 {
-    if (listener)
-        listener->onUndecodable(name, {block.data, block.size, block.offset}, code);
+    if (m_listener)
+        m_listener->onUndecodable(m_name, {block.data, block.size, block.offset}, code);
 }
 
 } // namespace tqx

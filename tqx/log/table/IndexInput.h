@@ -33,10 +33,10 @@ public:
     void refuse(const TableBlock& block, int32_t code) override;
 
 private:
-    const std::string& name;
-    IndexedBlocks found;
-    StreamListener* listener;
-    bool isInMemory; ///< so that blocks stay valid
+    const std::string& m_name;
+    IndexedBlocks m_found;
+    StreamListener* m_listener;
+    bool m_isInMemory; ///< so that blocks stay valid
 };
 
 } // namespace tqx

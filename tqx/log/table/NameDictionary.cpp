@@ -8,7 +8,7 @@ namespace tqx
 
 using namespace Kor::MessageApi;
 
-NameDictionary::NameDictionary(const TQX_FieldFacts& facts, unsigned width) : offsets(1)
+NameDictionary::NameDictionary(const TQX_FieldFacts& facts, unsigned width) : m_offsets(1)
 {
     const size_t codes = size_t{1} << width;
     std::vector<std::string> names(codes);
@@ -22,22 +22,22 @@ NameDictionary::NameDictionary(const TQX_FieldFacts& facts, unsigned width) : of
         name(TQX_doNotUse(facts), "DoNotUse");
 
     std::map<std::string, size_t> known;
-    places.resize(codes);
-    std::iota(places.begin(), places.end(), uint8_t{0});
+    m_places.resize(codes);
+    std::iota(m_places.begin(), m_places.end(), uint8_t{0});
     bool isShared = false;
     for (size_t code = 0; code < codes; ++code) {
         std::string text = names[code].empty() ? std::to_string(code) : names[code];
         if (const auto [first, isNew] = known.emplace(text, code); !isNew) {
-            places[code] = static_cast<uint8_t>(first->second);
+            m_places[code] = static_cast<uint8_t>(first->second);
             isShared = true;
             text = std::to_string(code); // nobody refers to it
             known.emplace(text, code);
         }
-        texts += text;
-        offsets.push_back(static_cast<int32_t>(texts.size()));
+        m_texts += text;
+        m_offsets.push_back(static_cast<int32_t>(m_texts.size()));
     }
     if (!isShared)
-        places.clear();
+        m_places.clear();
 }
 
 } // namespace tqx

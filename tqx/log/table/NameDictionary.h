@@ -21,23 +21,23 @@ public:
     /// For a field of `width` bits.
     NameDictionary(const Kor::MessageApi::TQX_FieldFacts& facts, unsigned width);
 
-    size_t size() const { return offsets.size() - 1; }
+    size_t size() const { return m_offsets.size() - 1; }
 
     /// Bytes of an index; they are signed, as some readers want them.
     uint32_t getIndexSize() const { return size() > size_t{INT8_MAX} + 1 ? 2 : 1; }
 
     /// Empty, or by code the place of its text: of codes that share a name it is the first one's,
     /// since no text is in a dictionary twice.
-    const std::vector<uint8_t>& getPlaces() const { return places; }
+    const std::vector<uint8_t>& getPlaces() const { return m_places; }
 
     /// UTF-8, one text after the other, and where they begin; the last offset is the end.
-    const std::string& getTexts() const { return texts; }
-    const std::vector<int32_t>& getOffsets() const { return offsets; }
+    const std::string& getTexts() const { return m_texts; }
+    const std::vector<int32_t>& getOffsets() const { return m_offsets; }
 
 private:
-    std::vector<uint8_t> places;
-    std::string texts;
-    std::vector<int32_t> offsets;
+    std::vector<uint8_t> m_places;
+    std::string m_texts;
+    std::vector<int32_t> m_offsets;
 };
 
 } // namespace tqx

@@ -68,9 +68,9 @@ void appendLatin1(ColumnBuffer& out, const char* text, size_t length)
 
 } // namespace
 
-TextColumn::TextColumn(const ColumnPlan& column) : plan(column)
+TextColumn::TextColumn(const ColumnPlan& column) : m_plan(column)
 {
-    offsets.push(int32_t{0});
+    m_offsets.push(int32_t{0});
 }
 
 void TextColumn::appendText(const char* text, size_t capacity)
@@ -78,45 +78,45 @@ void TextColumn::appendText(const char* text, size_t capacity)
     const void* zero = std::memchr(text, 0, capacity);
     const size_t length =
         zero ? static_cast<size_t>(static_cast<const char*>(zero) - text) : capacity;
-    appendLatin1(texts, text, length);
-    pushOffset(offsets, texts.size());
+    appendLatin1(m_texts, text, length);
+    pushOffset(m_offsets, m_texts.size());
 }
 
 void TextColumn::append(const Run& run)
 {
-    const TQX_FieldLayout& field = *plan.field;
+    const TQX_FieldLayout& field = *m_plan.field;
     const uint32_t offset =
         run.isOnWire ? static_cast<uint32_t>(field.wireOffset) : field.recordOffset;
     for (size_t i = 0; i < run.count; ++i) {
         const void* text = run.at(i) + offset;
         appendText(static_cast<const char*>(text), field.elements);
     }
-    validity.appendValid(run.count);
+    m_validity.appendValid(run.count);
 }
 
 void TextColumn::appendNulls(size_t count)
 {
-    repeatOffset(offsets, count);
-    validity.appendNulls(count);
+    repeatOffset(m_offsets, count);
+    m_validity.appendNulls(count);
 }
 
 void TextColumn::reserve(size_t count)
 {
-    offsets.reserve((count + 1) * sizeof(int32_t));
-    texts.reserve(usualBytes);
+    m_offsets.reserve((count + 1) * sizeof(int32_t));
+    m_texts.reserve(m_usualBytes);
 }
 
 OwnedArrow<ArrowArray> TextColumn::finish()
 {
     ArrayParts parts = takeParts();
-    usualBytes = withMargin(texts.size());
-    parts.buffers.push_back(takeOffsets(offsets));
-    parts.buffers.push_back(std::exchange(texts, ColumnBuffer()));
+    m_usualBytes = withMargin(m_texts.size());
+    parts.buffers.push_back(takeOffsets(m_offsets));
+    parts.buffers.push_back(std::exchange(m_texts, ColumnBuffer()));
     return exportArray(std::move(parts));
 }
 
 FileColumn::FileColumn(const ColumnPlan& column, const std::vector<std::string>& names)
-    : TextColumn(column), files(names)
+    : TextColumn(column), m_files(names)
 {
 }
 
@@ -124,142 +124,143 @@ void FileColumn::append(const Run& run)
 {
     for (size_t i = 0; i < run.count; ++i) {
         uint32_t number = 0;
-        std::memcpy(&number, run.at(i) + plan.source.place.offset, sizeof number);
-        const std::string& name = files[number];
+        std::memcpy(&number, run.at(i) + m_plan.source.place.offset, sizeof number);
+        const std::string& name = m_files[number];
         if (!name.empty())
-            std::memcpy(texts.extend(name.size()), name.data(), name.size());
-        pushOffset(offsets, texts.size());
+            std::memcpy(m_texts.extend(name.size()), name.data(), name.size());
+        pushOffset(m_offsets, m_texts.size());
     }
-    validity.appendValid(run.count);
+    m_validity.appendValid(run.count);
 }
 
 ArrayColumn::ArrayColumn(const ColumnPlan& column, const std::vector<std::string>& files)
-    : plan(column), stride(column.children.front().source.size),
-      items(makeColumn(column.children.front(), files))
+    : m_plan(column), m_stride(column.children.front().source.size),
+      m_items(makeColumn(column.children.front(), files))
 {
-    if (plan.kind == ColumnPlan::Kind::List)
-        offsets.push(int32_t{0});
+    if (m_plan.kind == ColumnPlan::Kind::List)
+        m_offsets.push(int32_t{0});
 }
 
 void ArrayColumn::append(const Run& run)
 {
-    const bool isCounted = plan.kind == ColumnPlan::Kind::List;
-    const size_t itemStride = run.isOnWire ? plan.wireStride : stride;
-    size_t count = plan.field->elements;
+    const bool isCounted = m_plan.kind == ColumnPlan::Kind::List;
+    const size_t itemStride = run.isOnWire ? m_plan.wireStride : m_stride;
+    size_t count = m_plan.field->elements;
     for (size_t i = 0; i < run.count; ++i) {
         if (isCounted)
-            count = TQX_elementCount(*plan.type, *plan.field, run.at(i));
-        items->append({run.at(i), itemStride, count, run.revision, run.isOnWire});
+            count = TQX_elementCount(*m_plan.type, *m_plan.field, run.at(i));
+        m_items->append({run.at(i), itemStride, count, run.revision, run.isOnWire});
         if (isCounted)
-            pushOffset(offsets, items->getLength());
+            pushOffset(m_offsets, m_items->getLength());
     }
-    validity.appendValid(run.count);
+    m_validity.appendValid(run.count);
 }
 
 void ArrayColumn::appendNulls(size_t count)
 {
-    if (plan.kind == ColumnPlan::Kind::List)
-        repeatOffset(offsets, count);
-    else
-        items->appendNulls(count * plan.field->elements);
-    validity.appendNulls(count);
+    if (m_plan.kind == ColumnPlan::Kind::List) {
+        repeatOffset(m_offsets, count);
+    } else {
+        m_items->appendNulls(count * m_plan.field->elements);
+    }
+    m_validity.appendNulls(count);
 }
 
 void ArrayColumn::reserve(size_t count)
 {
-    if (plan.kind == ColumnPlan::Kind::List) {
-        offsets.reserve((count + 1) * sizeof(int32_t));
-        items->reserve(usualItems);
+    if (m_plan.kind == ColumnPlan::Kind::List) {
+        m_offsets.reserve((count + 1) * sizeof(int32_t));
+        m_items->reserve(m_usualItems);
     } else {
-        items->reserve(count * plan.field->elements);
+        m_items->reserve(count * m_plan.field->elements);
     }
 }
 
 OwnedArrow<ArrowArray> ArrayColumn::finish()
 {
     ArrayParts parts = takeParts();
-    usualItems = withMargin(items->getLength());
-    if (plan.kind == ColumnPlan::Kind::List)
-        parts.buffers.push_back(takeOffsets(offsets));
-    parts.children.push_back(items->finish());
+    m_usualItems = withMargin(m_items->getLength());
+    if (m_plan.kind == ColumnPlan::Kind::List)
+        parts.buffers.push_back(takeOffsets(m_offsets));
+    parts.children.push_back(m_items->finish());
     return exportArray(std::move(parts));
 }
 
 StructColumn::StructColumn(const ColumnPlan& plan, const std::vector<std::string>& files)
-    : offset(plan.field->recordOffset), fields(plan.children, files)
+    : m_offset(plan.field->recordOffset), m_fields(plan.children, files)
 {
 }
 
 void StructColumn::append(const Run& run)
 {
     Run inner = run;
-    inner.base += offset;
-    fields.append(inner);
-    validity.appendValid(run.count);
+    inner.base += m_offset;
+    m_fields.append(inner);
+    m_validity.appendValid(run.count);
 }
 
 void StructColumn::appendNulls(size_t count)
 {
-    fields.appendNulls(count);
-    validity.appendNulls(count);
+    m_fields.appendNulls(count);
+    m_validity.appendNulls(count);
 }
 
 void StructColumn::reserve(size_t count)
 {
-    fields.reserve(count);
+    m_fields.reserve(count);
 }
 
 OwnedArrow<ArrowArray> StructColumn::finish()
 {
     ArrayParts parts = takeParts();
-    fields.finish(parts.children);
+    m_fields.finish(parts.children);
     return exportArray(std::move(parts));
 }
 
 BlocksColumn::BlocksColumn(const ColumnPlan& column, const std::vector<std::string>& files)
-    : plan(column), recordSize(TQX_elementSize(*column.field)),
-      fields(column.children.front().children, files)
+    : m_plan(column), m_recordSize(TQX_elementSize(*column.field)),
+      m_fields(column.children.front().children, files)
 {
-    offsets.push(int32_t{0});
+    m_offsets.push(int32_t{0});
 }
 
 void BlocksColumn::append(const Run& run)
 {
     JoinedRun joined;
-    const auto use = [&] { fields.append(joined.run); };
+    const auto use = [&] { m_fields.append(joined.run); };
     for (size_t i = 0; i < run.count; ++i) {
-        const uint32_t count = TQX_elementCount(*plan.type, *plan.field, run.at(i));
+        const uint32_t count = TQX_elementCount(*m_plan.type, *m_plan.field, run.at(i));
         if (count != 0) {
-            const auto* first = static_cast<const uint8_t*>(TQX_element(*plan.field, run.at(i)));
-            joined.add({first, recordSize, count, run.revision, false}, use);
-            entries.appendValid(count);
+            const auto* first = static_cast<const uint8_t*>(TQX_element(*m_plan.field, run.at(i)));
+            joined.add({first, m_recordSize, count, run.revision, false}, use);
+            m_entries.appendValid(count);
         }
-        pushOffset(offsets, entries.size());
+        pushOffset(m_offsets, m_entries.size());
     }
     joined.end(use);
-    validity.appendValid(run.count);
+    m_validity.appendValid(run.count);
 }
 
 void BlocksColumn::appendNulls(size_t count)
 {
-    repeatOffset(offsets, count);
-    validity.appendNulls(count);
+    repeatOffset(m_offsets, count);
+    m_validity.appendNulls(count);
 }
 
 void BlocksColumn::reserve(size_t count)
 {
-    offsets.reserve((count + 1) * sizeof(int32_t));
-    fields.reserve(usualEntries);
+    m_offsets.reserve((count + 1) * sizeof(int32_t));
+    m_fields.reserve(m_usualEntries);
 }
 
 OwnedArrow<ArrowArray> BlocksColumn::finish()
 {
-    usualEntries = withMargin(entries.size());
+    m_usualEntries = withMargin(m_entries.size());
     ArrayParts items;
-    items.validity = std::exchange(entries, Validity());
-    fields.finish(items.children);
+    items.validity = std::exchange(m_entries, Validity());
+    m_fields.finish(items.children);
     ArrayParts parts = takeParts();
-    parts.buffers.push_back(takeOffsets(offsets));
+    parts.buffers.push_back(takeOffsets(m_offsets));
     parts.children.push_back(exportArray(std::move(items)));
     return exportArray(std::move(parts));
 }

@@ -17,10 +17,10 @@ public:
     OwnedArrow<ArrowArray> finish() override;
 
 protected:
-    const ColumnPlan& plan;
-    ColumnBuffer offsets;
-    ColumnBuffer texts;
-    size_t usualBytes = 0; ///< of a batch
+    const ColumnPlan& m_plan;
+    ColumnBuffer m_offsets;
+    ColumnBuffer m_texts;
+    size_t m_usualBytes = 0; ///< of a batch
 
 private:
     void appendText(const char* text, size_t capacity);
@@ -35,7 +35,7 @@ public:
     void append(const Run& run) override;
 
 private:
-    const std::vector<std::string>& files;
+    const std::vector<std::string>& m_files;
 };
 
 /// Arrays of numbers, lists of a counted or of a fixed number.
@@ -50,11 +50,11 @@ public:
     OwnedArrow<ArrowArray> finish() override;
 
 private:
-    const ColumnPlan& plan;
-    uint32_t stride;
-    std::unique_ptr<Column> items;
-    size_t usualItems = 0; ///< of a batch
-    ColumnBuffer offsets;  ///< of counted ones
+    const ColumnPlan& m_plan;
+    uint32_t m_stride;
+    std::unique_ptr<Column> m_items;
+    size_t m_usualItems = 0; ///< of a batch
+    ColumnBuffer m_offsets;  ///< of counted ones
 };
 
 /// Embedded sub-blocks.
@@ -69,8 +69,8 @@ public:
     OwnedArrow<ArrowArray> finish() override;
 
 private:
-    uint32_t offset; ///< of the sub-record in its owner
-    FieldColumns fields;
+    uint32_t m_offset; ///< of the sub-record in its owner
+    FieldColumns m_fields;
 };
 
 /// Arrays of sub-blocks.
@@ -85,12 +85,12 @@ public:
     OwnedArrow<ArrowArray> finish() override;
 
 private:
-    const ColumnPlan& plan;
-    uint32_t recordSize;
-    FieldColumns fields;
-    Validity entries;        ///< none is null
-    size_t usualEntries = 0; ///< of a batch
-    ColumnBuffer offsets;
+    const ColumnPlan& m_plan;
+    uint32_t m_recordSize;
+    FieldColumns m_fields;
+    Validity m_entries;        ///< none is null
+    size_t m_usualEntries = 0; ///< of a batch
+    ColumnBuffer m_offsets;
 };
 
 } // namespace tqx

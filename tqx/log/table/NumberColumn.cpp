@@ -110,31 +110,33 @@ NumberColumn::Apply NumberColumn::applyFor(const NumberSource& source)
 }
 
 NumberColumn::NumberColumn(const ColumnPlan& column)
-    : plan(column), size(sizeOf(column)), readSize(column.names ? size : column.source.size),
-      readings{Reading{column.source.place, gatherFor(column.source.place, readSize)},
-               Reading{column.placeOnWire, gatherFor(column.placeOnWire, readSize)}},
-      findAvailable(findAvailableFor(column.source, readSize)),
-      apply(column.scale ? applyFor(column.source) : nullptr)
+    : m_plan(column), m_size(sizeOf(column)),
+      m_readSize(column.names ? m_size : column.source.size),
+      m_readings{Reading{column.source.place, gatherFor(column.source.place, m_readSize)},
+                 Reading{column.placeOnWire, gatherFor(column.placeOnWire, m_readSize)}},
+      m_findAvailable(findAvailableFor(column.source, m_readSize)),
+      m_apply(column.scale ? applyFor(column.source) : nullptr)
 {
-    for (const DerivedInput& input : column.inputs)
-        inputs.push_back({&input, gatherFor(input.source.place, input.source.size),
-                          findAvailableFor(input.source, input.source.size)});
+    for (const DerivedInput& input : column.inputs) {
+        m_inputs.push_back({&input, gatherFor(input.source.place, input.source.size),
+                            findAvailableFor(input.source, input.source.size)});
+    }
 }
 
 void NumberColumn::reserve(size_t count)
 {
-    values.reserve(count * size);
+    m_values.reserve(count * m_size);
 }
 
 void NumberColumn::appendNulls(size_t count)
 {
-    std::memset(values.extend(count * size), 0, count * size);
-    validity.appendNulls(count);
+    std::memset(m_values.extend(count * m_size), 0, count * m_size);
+    m_validity.appendNulls(count);
 }
 
 void NumberColumn::append(const Run& run)
 {
-    const Reading& reading = readings[run.isOnWire ? 1 : 0];
+    const Reading& reading = m_readings[run.isOnWire ? 1 : 0];
     for (size_t first = 0; first < run.count; first += chunk) {
         const Run part = run.part(first, std::min(first + chunk, run.count));
         appendSome(part.base + reading.place.offset, part, reading);
@@ -145,31 +147,33 @@ void NumberColumn::appendSome(const uint8_t* from, const Run& run, const Reading
 {
     Scratch stored;
     uint8_t flags[chunk];
-    uint8_t* out = values.extend(run.count * size);
-    uint8_t* read = apply ? stored.bytes : out;
+    uint8_t* out = m_values.extend(run.count * m_size);
+    uint8_t* read = m_apply ? stored.bytes : out;
     reading.gather(from, run.stride, run.count, reading.place, read);
-    if (apply)
-        apply(read, run.count, *plan.scale, out);
-    if (findAvailable)
-        findAvailable(read, run.count, plan.source, flags);
-    else if (!inputs.empty())
+    if (m_apply)
+        m_apply(read, run.count, *m_plan.scale, out);
+    if (m_findAvailable) {
+        m_findAvailable(read, run.count, m_plan.source, flags);
+    } else if (!m_inputs.empty()) {
         std::memset(flags, 1, run.count);
-    if (!inputs.empty())
+    }
+    if (!m_inputs.empty())
         checkInputs(run, flags);
-    const bool mayBeNull = findAvailable || !inputs.empty();
-    if (plan.names)
+    const bool mayBeNull = m_findAvailable || !m_inputs.empty();
+    if (m_plan.names)
         finishNames(out, run.count, mayBeNull ? flags : nullptr);
-    if (mayBeNull)
-        validity.append(flags, run.count);
-    else
-        validity.appendValid(run.count);
+    if (mayBeNull) {
+        m_validity.append(flags, run.count);
+    } else {
+        m_validity.appendValid(run.count);
+    }
 }
 
 /// Makes indices of codes; flags are null when every code has a text.
 void NumberColumn::finishNames(uint8_t* codes, size_t count, const uint8_t* flags) const
 {
-    const std::vector<uint8_t>& places = plan.names->getPlaces();
-    const bool isNarrow = size == 1;
+    const std::vector<uint8_t>& places = m_plan.names->getPlaces();
+    const bool isNarrow = m_size == 1;
     if (!places.empty())
         (isNarrow ? replaceAll<uint8_t> : replaceAll<uint16_t>)(codes, count, places);
     if (flags)
@@ -181,7 +185,7 @@ void NumberColumn::checkInputs(const Run& run, uint8_t* flags) const
 {
     Scratch stored;
     uint8_t available[chunk];
-    for (const Input& input : inputs) {
+    for (const Input& input : m_inputs) {
         const NumberSource& source = input.plan->source;
         if (input.plan->links == 0) {
             input.gather(run.base + source.place.offset, run.stride, run.count, source.place,
@@ -204,8 +208,8 @@ void NumberColumn::checkInputs(const Run& run, uint8_t* flags) const
 OwnedArrow<ArrowArray> NumberColumn::finish()
 {
     ArrayParts parts = takeParts();
-    parts.buffers.push_back(std::exchange(values, ColumnBuffer()));
-    parts.names = plan.names;
+    parts.buffers.push_back(std::exchange(m_values, ColumnBuffer()));
+    parts.names = m_plan.names;
     return exportArray(std::move(parts));
 }
 

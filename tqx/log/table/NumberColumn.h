@@ -42,14 +42,14 @@ private:
     void finishNames(uint8_t* codes, size_t count, const uint8_t* flags) const;
     void checkInputs(const Run& run, uint8_t* flags) const;
 
-    const ColumnPlan& plan;
-    uint32_t size;                   ///< of an element of the column in bytes
-    uint32_t readSize;               ///< of what is read for it: stored values, or indices of names
-    std::array<Reading, 2> readings; ///< in records, on the wire
-    FindAvailable findAvailable;     ///< null when every value is available
-    Apply apply;                     ///< null when values are not scaled
-    std::vector<Input> inputs;
-    ColumnBuffer values;
+    const ColumnPlan& m_plan;
+    uint32_t m_size;     ///< of an element of the column in bytes
+    uint32_t m_readSize; ///< of what is read for it: stored values, or indices of names
+    std::array<Reading, 2> m_readings; ///< in records, on the wire
+    FindAvailable m_findAvailable;     ///< null when every value is available
+    Apply m_apply;                     ///< null when values are not scaled
+    std::vector<Input> m_inputs;
+    ColumnBuffer m_values;
 };
 
 } // namespace tqx

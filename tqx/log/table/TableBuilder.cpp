@@ -62,10 +62,11 @@ public:
     Rows(std::shared_ptr<const TableSchema> ofTable, Refuse whenRefused);
 
     size_t append(const TableBlock* blocks, size_t size);
-    size_t getCount() const { return count + staged; }
+    size_t getCount() const { return m_count + m_staged; }
     bool isFull() const
     {
-        return getCount() >= options.batchRows || (bytes >= options.batchBytes && getCount() != 0);
+        return getCount() >= m_options.batchRows ||
+               (m_bytes >= m_options.batchBytes && getCount() != 0);
     }
     OwnedArrow<ArrowArray> finish();
 
@@ -79,50 +80,51 @@ private:
     void appendEntries(size_t depth);
     void reserve();
 
-    std::shared_ptr<const TableSchema> schema;
-    const TablePlan& plan;
-    const TableOptions& options;
-    Refuse refuse;
-    std::vector<std::string> files;
-    FieldColumns aboutBlock;
-    std::vector<FieldColumns> levels;
+    std::shared_ptr<const TableSchema> m_schema;
+    const TablePlan& m_plan;
+    const TableOptions& m_options;
+    Refuse m_refuse;
+    std::vector<std::string> m_files;
+    FieldColumns m_aboutBlock;
+    std::vector<FieldColumns> m_levels;
 
-    size_t count = 0;
-    size_t bytes = 0;
+    size_t m_count = 0;
+    size_t m_bytes = 0;
 
     // Wire heads of one revision.
-    std::vector<uint8_t> heads;
-    std::vector<RowFacts> headFacts;
-    size_t staged = 0;
-    unsigned revision = 0;
+    std::vector<uint8_t> m_heads;
+    std::vector<RowFacts> m_headFacts;
+    size_t m_staged = 0;
+    unsigned m_revision = 0;
 
-    TQX_OwnedRecord record;
-    std::vector<const uint8_t*> chain; ///< a record of each level
-    JoinedRun joined;                  ///< of the last level
+    TQX_OwnedRecord m_record;
+    std::vector<const uint8_t*> m_chain; ///< a record of each level
+    JoinedRun m_joined;                  ///< of the last level
 };
 
 TableBuilder::Rows::Rows(std::shared_ptr<const TableSchema> ofTable, Refuse whenRefused)
-    : schema(std::move(ofTable)), plan(schema->getPlan()), options(schema->getOptions()),
-      refuse(std::move(whenRefused)), aboutBlock(plan.aboutBlock, files),
-      heads(plan.wire.stride * mostStaged), headFacts(mostStaged), chain(plan.levels.size())
+    : m_schema(std::move(ofTable)), m_plan(m_schema->getPlan()), m_options(m_schema->getOptions()),
+      m_refuse(std::move(whenRefused)), m_aboutBlock(m_plan.aboutBlock, m_files),
+      m_heads(m_plan.wire.stride * mostStaged), m_headFacts(mostStaged),
+      m_chain(m_plan.levels.size())
 {
-    for (const TablePlan::Level& level : plan.levels)
-        levels.emplace_back(level.columns, files);
+    for (const TablePlan::Level& level : m_plan.levels)
+        m_levels.emplace_back(level.columns, m_files);
     reserve();
 }
 
 void TableBuilder::Rows::reserve()
 {
-    aboutBlock.reserve(options.batchRows);
-    for (FieldColumns& level : levels)
-        level.reserve(options.batchRows);
+    m_aboutBlock.reserve(m_options.batchRows);
+    for (FieldColumns& level : m_levels)
+        level.reserve(m_options.batchRows);
 }
 
 uint32_t TableBuilder::Rows::numberOf(std::string_view file)
 {
-    if (files.empty() || files.back() != file)
-        files.emplace_back(file);
-    return static_cast<uint32_t>(files.size() - 1);
+    if (m_files.empty() || m_files.back() != file)
+        m_files.emplace_back(file);
+    return static_cast<uint32_t>(m_files.size() - 1);
 }
 
 RowFacts TableBuilder::Rows::factsOf(const TableBlock& block)
@@ -131,18 +133,18 @@ RowFacts TableBuilder::Rows::factsOf(const TableBlock& block)
     const auto time = gnssMillis(korcg_load_u32(block.data + 8), korcg_load_u16(block.data + 12));
     if (time) {
         facts.time = nanosSince1970(*time);
-        if (options.hasUtc)
+        if (m_options.hasUtc)
             facts.utc = nanosSince1970(utcMillis(*time));
     }
     facts.offset = block.offset;
-    if (options.hasFile)
+    if (m_options.hasFile)
         facts.file = numberOf(block.file);
     return facts;
 }
 
 size_t TableBuilder::Rows::append(const TableBlock* blocks, size_t size)
 {
-    const uint16_t number = schema->getType().blockNumber;
+    const uint16_t number = m_schema->getType().blockNumber;
     for (size_t i = 0; i < size; ++i) {
         if (isFull())
             return i;
@@ -157,8 +159,8 @@ size_t TableBuilder::Rows::append(const TableBlock* blocks, size_t size)
 void TableBuilder::Rows::append(const TableBlock& block)
 {
     const unsigned ofBlock = block.getRevision();
-    bytes += block.size;
-    if (plan.wire.isUsable && block.size >= plan.wire.needed[ofBlock])
+    m_bytes += block.size;
+    if (m_plan.wire.isUsable && block.size >= m_plan.wire.needed[ofBlock])
         return stage(block, ofBlock);
     flush();
     decode(block);
@@ -166,99 +168,99 @@ void TableBuilder::Rows::append(const TableBlock& block)
 
 void TableBuilder::Rows::stage(const TableBlock& block, unsigned ofBlock)
 {
-    if (staged == mostStaged || ofBlock != revision)
+    if (m_staged == mostStaged || ofBlock != m_revision)
         flush();
-    revision = ofBlock;
-    uint8_t* head = heads.data() + staged * plan.wire.stride;
-    std::memcpy(head, block.data, std::min<size_t>(block.size, plan.wire.size));
+    m_revision = ofBlock;
+    uint8_t* head = m_heads.data() + m_staged * m_plan.wire.stride;
+    std::memcpy(head, block.data, std::min<size_t>(block.size, m_plan.wire.size));
     const uint32_t towc = continuousTow(korcg_load_u32(block.data + 8), block.week);
-    std::memcpy(head + plan.wire.towcOffset, &towc, sizeof towc);
-    headFacts[staged] = factsOf(block);
-    ++staged;
+    std::memcpy(head + m_plan.wire.towcOffset, &towc, sizeof towc);
+    m_headFacts[m_staged] = factsOf(block);
+    ++m_staged;
 }
 
 void TableBuilder::Rows::flush()
 {
-    if (staged == 0)
+    if (m_staged == 0)
         return;
-    const void* facts = headFacts.data();
-    aboutBlock.append(
-        {static_cast<const uint8_t*>(facts), sizeof(RowFacts), staged, revision, false});
-    levels.front().append({heads.data(), plan.wire.stride, staged, revision, true});
-    count += staged;
-    staged = 0;
+    const void* facts = m_headFacts.data();
+    m_aboutBlock.append(
+        {static_cast<const uint8_t*>(facts), sizeof(RowFacts), m_staged, m_revision, false});
+    m_levels.front().append({m_heads.data(), m_plan.wire.stride, m_staged, m_revision, true});
+    m_count += m_staged;
+    m_staged = 0;
 }
 
 void TableBuilder::Rows::decode(const TableBlock& block)
 {
-    const int32_t result = record.decode(nullptr, block.data, block.size);
+    const int32_t result = m_record.decode(nullptr, block.data, block.size);
     if (result <= 0) {
-        if (refuse)
-            refuse(block, result);
+        if (m_refuse)
+            m_refuse(block, result);
         return;
     }
-    auto& header = *static_cast<TQX_MainHeader_s*>(record.get());
+    auto& header = *static_cast<TQX_MainHeader_s*>(m_record.get());
     header.TOWc = continuousTow(header.TOW, block.week);
     const RowFacts facts = factsOf(block);
-    chain.front() = static_cast<const uint8_t*>(record.get());
-    revision = header.Revision;
-    const size_t before = count;
-    if (chain.size() > 1) {
+    m_chain.front() = static_cast<const uint8_t*>(m_record.get());
+    m_revision = header.Revision;
+    const size_t before = m_count;
+    if (m_chain.size() > 1) {
         appendEntries(1);
-        joined.end([&] { levels.back().append(joined.run); });
+        m_joined.end([&] { m_levels.back().append(m_joined.run); });
     } else {
-        ++count;
+        ++m_count;
     }
     const void* about = &facts;
-    const size_t added = count - before;
-    aboutBlock.append({static_cast<const uint8_t*>(about), 0, added, revision, false});
-    levels.front().append({chain.front(), 0, added, revision, false});
+    const size_t added = m_count - before;
+    m_aboutBlock.append({static_cast<const uint8_t*>(about), 0, added, m_revision, false});
+    m_levels.front().append({m_chain.front(), 0, added, m_revision, false});
 }
 
 /// Adds the rows of the records of level `depth` in the one at hand of the level above, as far as
 /// they come from that level on.
 void TableBuilder::Rows::appendEntries(size_t depth)
 {
-    const TQX_TypeLayout& owner = *plan.levels[depth - 1].type;
-    const TQX_FieldLayout& field = *plan.levels[depth].field;
-    const uint8_t* above = chain[depth - 1];
+    const TQX_TypeLayout& owner = *m_plan.levels[depth - 1].type;
+    const TQX_FieldLayout& field = *m_plan.levels[depth].field;
+    const uint8_t* above = m_chain[depth - 1];
     if (!TQX_isPresent(owner, field, above))
         return;
     const size_t entries = TQX_elementCount(owner, field, above);
     if (entries == 0)
         return;
     const auto* first = static_cast<const uint8_t*>(TQX_element(field, above));
-    const Run run = {first, TQX_elementSize(field), entries, revision, false};
-    if (depth + 1 < plan.levels.size()) {
+    const Run run = {first, TQX_elementSize(field), entries, m_revision, false};
+    if (depth + 1 < m_plan.levels.size()) {
         for (size_t i = 0; i < entries; ++i) {
-            chain[depth] = run.at(i);
+            m_chain[depth] = run.at(i);
             appendEntries(depth + 1);
         }
         return;
     }
     for (size_t level = 1; level < depth; ++level)
-        levels[level].append({chain[level], 0, entries, revision, false});
-    joined.add(run, [&] { levels.back().append(joined.run); });
-    count += entries;
+        m_levels[level].append({m_chain[level], 0, entries, m_revision, false});
+    m_joined.add(run, [&] { m_levels.back().append(m_joined.run); });
+    m_count += entries;
 }
 
 OwnedArrow<ArrowArray> TableBuilder::Rows::finish()
 {
     flush();
     ArrayParts parts;
-    parts.validity.appendValid(count);
-    aboutBlock.finish(parts.children);
-    for (FieldColumns& level : levels)
+    parts.validity.appendValid(m_count);
+    m_aboutBlock.finish(parts.children);
+    for (FieldColumns& level : m_levels)
         level.finish(parts.children);
     OwnedArrow<ArrowArray> batch = exportArray(std::move(parts));
-    count = 0;
-    bytes = 0;
+    m_count = 0;
+    m_bytes = 0;
     reserve();
     return batch;
 }
 
 TableBuilder::TableBuilder(std::shared_ptr<const TableSchema> schema, Refuse refuse)
-    : rows(std::make_unique<Rows>(std::move(schema), std::move(refuse)))
+    : m_rows(std::make_unique<Rows>(std::move(schema), std::move(refuse)))
 {
 }
 
@@ -266,22 +268,22 @@ TableBuilder::~TableBuilder() = default;
 
 size_t TableBuilder::append(const TableBlock* blocks, size_t count)
 {
-    return rows->append(blocks, count);
+    return m_rows->append(blocks, count);
 }
 
 size_t TableBuilder::getRows() const
 {
-    return rows->getCount();
+    return m_rows->getCount();
 }
 
 bool TableBuilder::isFull() const
 {
-    return rows->isFull();
+    return m_rows->isFull();
 }
 
 void TableBuilder::finish(ArrowArray& out)
 {
-    out = rows->finish().take();
+    out = m_rows->finish().take();
 }
 
 } // namespace tqx

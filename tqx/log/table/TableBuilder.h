@@ -51,7 +51,7 @@ public:
 private:
     class Rows;
 
-    std::unique_ptr<Rows> rows;
+    std::unique_ptr<Rows> m_rows;
 };
 
 } // namespace tqx

@@ -21,21 +21,21 @@ TableInput::~TableInput() = default;
 void TableInput::refuse(const TableBlock&, int32_t) {}
 
 StreamInput::StreamInput(BlockStream& blocks, const TQX_TypeLayout& type)
-    : stream(blocks), number(type.blockNumber)
+    : m_stream(blocks), m_number(type.blockNumber)
 {
-    TQX_init_context(&context);
+    TQX_init_context(&m_context);
 }
 
 size_t StreamInput::read(TableBlock* blocks, size_t capacity)
 {
     Block block = {};
-    while (capacity != 0 && stream.next(block)) {
+    while (capacity != 0 && m_stream.next(block)) {
         if (block.size >= endOfTow && TQX_recordType(block.getNumber()) != 0)
-            TQX_continuousTime(&context, korcg_load_u32(block.data + 8));
-        if (block.getNumber() != number)
+            TQX_continuousTime(&m_context, korcg_load_u32(block.data + 8));
+        if (block.getNumber() != m_number)
             continue;
         // The stream keeps the bytes of one block at a time.
-        *blocks = {block.data, block.size, context.weekCounter, block.offset, stream.getName()};
+        *blocks = {block.data, block.size, m_context.weekCounter, block.offset, m_stream.getName()};
         return 1;
     }
     return 0;
@@ -43,7 +43,7 @@ size_t StreamInput::read(TableBlock* blocks, size_t capacity)
 
 void StreamInput::refuse(const TableBlock& block, int32_t code)
 {
-    stream.reportUndecodable({block.data, block.size, block.offset}, code);
+    m_stream.reportUndecodable({block.data, block.size, block.offset}, code);
 }
 
 } // namespace tqx

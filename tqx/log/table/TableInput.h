@@ -50,9 +50,9 @@ public:
     void refuse(const TableBlock& block, int32_t code) override;
 
 private:
-    BlockStream& stream;
-    uint16_t number;
-    Kor::MessageApi::TQX_Context_s context;
+    BlockStream& m_stream;
+    uint16_t m_number;
+    Kor::MessageApi::TQX_Context_s m_context;
 };
 
 } // namespace tqx

@@ -62,20 +62,23 @@ WireHead headOf(const TQX_TypeLayout& type, const RecordPlan& shown)
 {
     WireHead head;
     head.isUsable = isLittleEndian();
-    for (const RecordPlan::Member& member : shown.members)
+    for (const RecordPlan::Member& member : shown.members) {
         if (member.field->kind == TQX_FieldKind::Derived && !isContinuousTime(*member.field))
             head.isUsable = false;
+    }
     for (int row = 0; row < type.fieldCount; ++row) {
         const TQX_FieldLayout& field = type.fields[row];
         if (!hasConstantPlace(field))
             head.isUsable = false;
         if (field.kind == TQX_FieldKind::Bits || field.kind == TQX_FieldKind::Derived)
             continue;
-        for (unsigned revision = 0; revision < head.needed.size(); ++revision)
-            if (head.isUsable && isInBlocks(field, revision))
+        for (unsigned revision = 0; revision < head.needed.size(); ++revision) {
+            if (head.isUsable && isInBlocks(field, revision)) {
                 head.needed[revision] =
                     std::max(head.needed[revision], static_cast<uint32_t>(field.wireOffset) +
                                                         TQX_elementSize(field) * field.elements);
+            }
+        }
     }
     if (!head.isUsable)
         return {};
@@ -104,10 +107,11 @@ std::vector<ColumnPlan> planAboutBlock(const TableOptions& options)
     std::vector<ColumnPlan> columns;
     columns.push_back(aboutTime("time", offsetof(RowFacts, time), "GPS",
                                 "time of the block's header, without leap seconds"));
-    if (options.hasUtc)
+    if (options.hasUtc) {
         columns.push_back(aboutTime("utc", offsetof(RowFacts, utc), "UTC",
                                     "time of the block's header; a leap second has the time of "
                                     "the second after it"));
+    }
     if (options.hasOffset) {
         ColumnPlan column;
         column.name = "offset";
@@ -168,9 +172,10 @@ const TQX_FieldLayout& findSubBlock(const TQX_TypeLayout& type, const std::strin
 const FieldFilter* insideOf(const FieldFilter& filter, const TQX_TypeLayout& type,
                             const TQX_FieldLayout& field)
 {
-    for (const auto [row, inside] : filter.shownIn(type))
+    for (const auto [row, inside] : filter.shownIn(type)) {
         if (&type.fields[row] == &field)
             return inside;
+    }
     return nullptr;
 }
 
@@ -192,10 +197,12 @@ std::vector<std::string> split(const std::string& path)
 void makeNamesUnique(std::vector<TablePlan::Level>& levels)
 {
     std::set<std::string> known;
-    for (auto level = levels.rbegin(); level != levels.rend(); ++level)
-        for (ColumnPlan& column : level->columns)
+    for (auto level = levels.rbegin(); level != levels.rend(); ++level) {
+        for (ColumnPlan& column : level->columns) {
             while (!known.insert(column.name).second)
                 column.name = std::string(level->type->name) + '.' + column.name;
+        }
+    }
 }
 
 } // namespace

@@ -18,17 +18,18 @@ std::vector<const ColumnPlan*> columnsOf(const TablePlan& plan)
     std::vector<const ColumnPlan*> columns;
     for (const ColumnPlan& column : plan.aboutBlock)
         columns.push_back(&column);
-    for (const TablePlan::Level& level : plan.levels)
+    for (const TablePlan::Level& level : plan.levels) {
         for (const ColumnPlan& column : level.columns)
             columns.push_back(&column);
+    }
     return columns;
 }
 
 } // namespace
 
 TableSchema::TableSchema(const TQX_TypeLayout& layout, TableOptions chosen)
-    : type(layout), options(std::move(chosen)),
-      plan(std::make_unique<const TablePlan>(layout, options))
+    : m_type(layout), m_options(std::move(chosen)),
+      m_plan(std::make_unique<const TablePlan>(layout, m_options))
 {
 }
 
@@ -37,18 +38,19 @@ TableSchema::~TableSchema() = default;
 std::vector<std::string> TableSchema::getNames() const
 {
     std::vector<std::string> names;
-    for (const ColumnPlan* column : columnsOf(*plan))
+    for (const ColumnPlan* column : columnsOf(*m_plan))
         names.push_back(column->name);
     return names;
 }
 
 void TableSchema::exportTo(ArrowSchema& out) const
 {
-    ArrowMetadata metadata = {{"block", type.name}, {"number", std::to_string(type.blockNumber)}};
-    const TQX_TypeFacts* facts = TQX_typeFacts(type.recordType);
+    ArrowMetadata metadata = {{"block", m_type.name},
+                              {"number", std::to_string(m_type.blockNumber)}};
+    const TQX_TypeFacts* facts = TQX_typeFacts(m_type.recordType);
     if (const std::string_view description = TQX_description(*facts); !description.empty())
         metadata.emplace_back("description", description);
-    exportSchema(columnsOf(*plan), metadata, out);
+    exportSchema(columnsOf(*m_plan), metadata, out);
 }
 
 } // namespace tqx

@@ -43,8 +43,8 @@ public:
     TableSchema(const TableSchema&) = delete;
     TableSchema& operator=(const TableSchema&) = delete;
 
-    const Kor::MessageApi::TQX_TypeLayout& getType() const { return type; }
-    const TableOptions& getOptions() const { return options; }
+    const Kor::MessageApi::TQX_TypeLayout& getType() const { return m_type; }
+    const TableOptions& getOptions() const { return m_options; }
 
     /// Names of the columns, in order.
     std::vector<std::string> getNames() const;
@@ -54,12 +54,12 @@ public:
     void exportTo(ArrowSchema& out) const;
 
     /// For those who fill tables.
-    const TablePlan& getPlan() const { return *plan; }
+    const TablePlan& getPlan() const { return *m_plan; }
 
 private:
-    const Kor::MessageApi::TQX_TypeLayout& type;
-    TableOptions options;
-    std::unique_ptr<const TablePlan> plan;
+    const Kor::MessageApi::TQX_TypeLayout& m_type;
+    TableOptions m_options;
+    std::unique_ptr<const TablePlan> m_plan;
 };
 
 } // namespace tqx

@@ -86,10 +86,10 @@ void releaseStream(ArrowArrayStream* stream)
 
 TableStream::TableStream(std::shared_ptr<const TableSchema> ofTable,
                          std::unique_ptr<TableInput> from)
-    : schema(std::move(ofTable)), input(std::move(from)),
-      builder(schema,
-              [this](const TableBlock& block, int32_t code) { input->refuse(block, code); }),
-      blocks(blocksPerRead)
+    : m_schema(std::move(ofTable)), m_input(std::move(from)),
+      m_builder(m_schema,
+                [this](const TableBlock& block, int32_t code) { m_input->refuse(block, code); }),
+      m_blocks(blocksPerRead)
 {
 }
 
@@ -98,23 +98,23 @@ TableStream::~TableStream() = default;
 /// Reads on until the batch is full or the input ends.
 void TableStream::fill()
 {
-    while (!ended && !builder.isFull()) {
-        if (taken == read) {
-            taken = 0;
-            read = 0;
-            read = input->read(blocks.data(), blocks.size());
-            ended = read == 0;
+    while (!m_ended && !m_builder.isFull()) {
+        if (m_taken == m_read) {
+            m_taken = 0;
+            m_read = 0;
+            m_read = m_input->read(m_blocks.data(), m_blocks.size());
+            m_ended = m_read == 0;
         }
-        taken += builder.append(blocks.data() + taken, read - taken);
+        m_taken += m_builder.append(m_blocks.data() + m_taken, m_read - m_taken);
     }
 }
 
 bool TableStream::next(ArrowArray& out)
 {
     fill();
-    if (builder.getRows() == 0)
+    if (m_builder.getRows() == 0)
         return false;
-    builder.finish(out);
+    m_builder.finish(out);
     return true;
 }
 

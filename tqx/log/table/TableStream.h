@@ -27,7 +27,7 @@ public:
     TableStream(const TableStream&) = delete;
     TableStream& operator=(const TableStream&) = delete;
 
-    const TableSchema& getSchema() const { return *schema; }
+    const TableSchema& getSchema() const { return *m_schema; }
 
     /// Writes the next batch to `out`, whose content is forgotten; the caller releases it. False at
     /// the end, and `out` is as it was; there is no batch without rows. Throws what the input
@@ -38,13 +38,13 @@ public:
 private:
     void fill();
 
-    std::shared_ptr<const TableSchema> schema;
-    std::unique_ptr<TableInput> input;
-    TableBuilder builder;
-    std::vector<TableBlock> blocks;
-    size_t taken = 0; ///< of the blocks
-    size_t read = 0;
-    bool ended = false;
+    std::shared_ptr<const TableSchema> m_schema;
+    std::unique_ptr<TableInput> m_input;
+    TableBuilder m_builder;
+    std::vector<TableBlock> m_blocks;
+    size_t m_taken = 0; ///< of the blocks
+    size_t m_read = 0;
+    bool m_ended = false;
 };
 
 /// Hands a table to whoever reads Arrow. What `out` held is forgotten, not released. Its calls

@@ -35,29 +35,29 @@ size_t countOnes(const uint8_t* flags, size_t count)
 
 void Validity::begin()
 {
-    if (nulls != 0)
+    if (m_nulls != 0)
         return;
-    const size_t before = std::exchange(length, 0);
+    const size_t before = std::exchange(m_length, 0);
     appendOnes(before);
-    length = before;
+    m_length = before;
 }
 
 void Validity::appendBit(size_t position, unsigned bit)
 {
     if (position % 8 == 0)
-        *bits.extend(1) = 0;
-    bits.data()[position / 8] |= static_cast<uint8_t>(bit << position % 8);
+        *m_bits.extend(1) = 0;
+    m_bits.data()[position / 8] |= static_cast<uint8_t>(bit << position % 8);
 }
 
 void Validity::appendOnes(size_t count)
 {
-    size_t position = length;
-    const size_t end = length + count;
+    size_t position = m_length;
+    const size_t end = m_length + count;
     while (position < end && position % 8 != 0)
         appendBit(position++, 1);
     const size_t whole = (end - position) / 8;
     if (whole != 0)
-        std::memset(bits.extend(whole), 0xff, whole);
+        std::memset(m_bits.extend(whole), 0xff, whole);
     for (position += whole * 8; position < end; ++position)
         appendBit(position, 1);
 }
@@ -67,11 +67,11 @@ void Validity::appendNulls(size_t count)
     if (count == 0)
         return;
     begin();
-    const size_t bytes = (length + count + 7) / 8;
-    if (const size_t more = bytes - bits.size(); more != 0)
-        std::memset(bits.extend(more), 0, more);
-    length += count;
-    nulls += count;
+    const size_t bytes = (m_length + count + 7) / 8;
+    if (const size_t more = bytes - m_bits.size(); more != 0)
+        std::memset(m_bits.extend(more), 0, more);
+    m_length += count;
+    m_nulls += count;
 }
 
 void Validity::append(const uint8_t* flags, size_t count)
@@ -80,25 +80,25 @@ void Validity::append(const uint8_t* flags, size_t count)
     if (valid == count)
         return appendValid(count);
     begin();
-    const size_t end = length + count;
-    size_t position = length;
+    const size_t end = m_length + count;
+    size_t position = m_length;
     while (position < end && position % 8 != 0)
         appendBit(position++, *flags++);
     const size_t whole = (end - position) / 8;
-    uint8_t* bytes = bits.extend(whole);
+    uint8_t* bytes = m_bits.extend(whole);
     for (size_t i = 0; i < whole; ++i, flags += 8)
         bytes[i] = pack(flags);
     for (position += whole * 8; position < end; ++position)
         appendBit(position, *flags++);
-    length = end;
-    nulls += count - valid;
+    m_length = end;
+    m_nulls += count - valid;
 }
 
 ColumnBuffer Validity::take()
 {
-    length = 0;
-    nulls = 0;
-    return std::exchange(bits, ColumnBuffer());
+    m_length = 0;
+    m_nulls = 0;
+    return std::exchange(m_bits, ColumnBuffer());
 }
 
 } // namespace tqx

@@ -13,14 +13,14 @@ namespace tqx
 class Validity
 {
 public:
-    size_t size() const { return length; }
-    size_t getNulls() const { return nulls; }
+    size_t size() const { return m_length; }
+    size_t getNulls() const { return m_nulls; }
 
     void appendValid(size_t count)
     {
-        if (nulls != 0)
+        if (m_nulls != 0)
             appendOnes(count);
-        length += count;
+        m_length += count;
     }
 
     void appendNulls(size_t count);
@@ -36,9 +36,9 @@ private:
     void appendOnes(size_t count);
     void appendBit(size_t position, unsigned bit);
 
-    ColumnBuffer bits;
-    size_t length = 0;
-    size_t nulls = 0;
+    ColumnBuffer m_bits;
+    size_t m_length = 0;
+    size_t m_nulls = 0;
 };
 
 } // namespace tqx

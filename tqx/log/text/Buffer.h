@@ -15,32 +15,32 @@ class Buffer
 public:
     static constexpr size_t chunk = 32;
 
-    const char* data() const { return start.get(); }
-    size_t size() const { return used; }
-    void clear() { used = 0; }
-    std::string_view view() const { return {start.get(), used}; }
+    const char* data() const { return m_start.get(); }
+    size_t size() const { return m_used; }
+    void clear() { m_used = 0; }
+    std::string_view view() const { return {m_start.get(), m_used}; }
 
     /// Forgets what stands behind the first `length` characters.
-    void truncate(size_t length) { used = length; }
+    void truncate(size_t length) { m_used = length; }
 
     /// Puts another character where one stands.
-    void replace(size_t position, char character) { start[position] = character; }
+    void replace(size_t position, char character) { m_start[position] = character; }
 
     /// Room for `length` more characters; they count once advance() is told how many were used.
     char* reserve(size_t length)
     {
-        if (capacity - used < length)
+        if (m_capacity - m_used < length)
             grow(length);
-        return start.get() + used;
+        return m_start.get() + m_used;
     }
-    void advance(size_t length) { used += length; }
+    void advance(size_t length) { m_used += length; }
 
     void append(const char* text, size_t length)
     {
         if (length == 0)
             return; // neither place needs to exist then
         std::memcpy(reserve(length), text, length);
-        used += length;
+        m_used += length;
     }
     /// The same for a text behind which a chunk more can be read, whatever stands there. Copying
     /// whole chunks is faster: the compiler needs no call for it.
@@ -49,32 +49,32 @@ public:
         char* to = reserve(length + chunk);
         for (const char* const end = text + length; text < end; text += chunk, to += chunk)
             std::memcpy(to, text, chunk);
-        used += length;
+        m_used += length;
     }
 
     void append(std::string_view text) { append(text.data(), text.size()); }
     void append(char character)
     {
         *reserve(1) = character;
-        ++used;
+        ++m_used;
     }
 
 private:
     void grow(size_t length)
     {
-        size_t wanted = capacity == 0 ? 1 << 16 : capacity * 2;
-        while (wanted - used < length)
+        size_t wanted = m_capacity == 0 ? 1 << 16 : m_capacity * 2;
+        while (wanted - m_used < length)
             wanted *= 2;
         std::unique_ptr<char[]> larger(new char[wanted]);
-        if (used != 0)
-            std::memcpy(larger.get(), start.get(), used);
-        start = std::move(larger);
-        capacity = wanted;
+        if (m_used != 0)
+            std::memcpy(larger.get(), m_start.get(), m_used);
+        m_start = std::move(larger);
+        m_capacity = wanted;
     }
 
-    std::unique_ptr<char[]> start;
-    size_t used = 0;
-    size_t capacity = 0;
+    std::unique_ptr<char[]> m_start;
+    size_t m_used = 0;
+    size_t m_capacity = 0;
 };
 
 } // namespace tqx

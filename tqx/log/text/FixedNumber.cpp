@@ -197,10 +197,11 @@ void appendSignificant(Buffer& out, double value, int digits)
         text.insert(0, "0." + std::string(static_cast<size_t>(-exponent - 1), '0'));
     } else {
         const auto whole = static_cast<size_t>(number.point);
-        if (text.size() <= whole)
+        if (text.size() <= whole) {
             text.resize(whole, '0');
-        else
+        } else {
             text.insert(whole, 1, '.');
+        }
     }
     out.append(text);
 }

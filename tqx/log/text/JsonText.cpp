@@ -18,10 +18,11 @@ bool appendNotFinite(Buffer& out, Real value)
 {
     if (std::isfinite(value))
         return false;
-    if (std::isnan(value))
+    if (std::isnan(value)) {
         out.append("\"NaN\"");
-    else
+    } else {
         out.append(value > 0 ? "\"Infinity\"" : "\"-Infinity\"");
+    }
     return true;
 }
 
@@ -42,10 +43,11 @@ Escape makeEscape(unsigned character, bool latin1)
     const bool isC1 = latin1 && character >= 0x80 && character < 0xa0;
     if (character < 0x20 || character == 0x7f || isC1)
         return {{'\\', 'u', '0', '0', hex[character >> 4U], hex[character & 15U]}, 6};
-    if (latin1 && character >= 0x80)
+    if (latin1 && character >= 0x80) {
         return {{static_cast<char>(0xc0U | character >> 6U),
                  static_cast<char>(0x80U | (character & 0x3fU))},
                 2};
+    }
     return {{byte}, 1};
 }
 

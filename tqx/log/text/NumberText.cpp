@@ -26,10 +26,11 @@ void appendFormatted(Buffer& out, Number value)
 template<typename Real>
 void appendReal(Buffer& out, Real value)
 {
-    if (value == 0 && std::signbit(value))
+    if (value == 0 && std::signbit(value)) {
         out.append("-0.0");
-    else
+    } else {
         appendFormatted(out, value);
+    }
 }
 
 } // namespace

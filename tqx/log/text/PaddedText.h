@@ -13,16 +13,16 @@ class PaddedText
 {
 public:
     PaddedText() = default;
-    explicit PaddedText(std::string_view text) : padded(text), length(text.size())
+    explicit PaddedText(std::string_view text) : m_padded(text), m_length(text.size())
     {
-        padded.resize(length + Buffer::chunk);
+        m_padded.resize(m_length + Buffer::chunk);
     }
 
-    void appendTo(Buffer& out) const { out.appendPadded(padded.data(), length); }
+    void appendTo(Buffer& out) const { out.appendPadded(m_padded.data(), m_length); }
 
 private:
-    std::string padded;
-    size_t length = 0;
+    std::string m_padded;
+    size_t m_length = 0;
 };
 
 } // namespace tqx

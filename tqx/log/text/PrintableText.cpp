@@ -56,10 +56,11 @@ void appendPrintableLatin1(Buffer& out, std::string_view text)
 {
     for (const char& character : text) {
         const auto code = static_cast<uint8_t>(character);
-        if (isControl(code))
+        if (isControl(code)) {
             appendEscape(out, code);
-        else
+        } else {
             appendLatin1(out, {&character, 1});
+        }
     }
 }
 
@@ -70,12 +71,13 @@ std::string printable(std::string_view text)
     while (!text.empty()) {
         uint32_t code = 0;
         const size_t length = lengthOfFirst(text, code);
-        if (length == 0)
+        if (length == 0) {
             appendEscape(shown, static_cast<uint8_t>(text.front()));
-        else if (isControl(code))
+        } else if (isControl(code)) {
             appendEscape(shown, static_cast<uint8_t>(code));
-        else
+        } else {
             shown.append(text.substr(0, length));
+        }
         text.remove_prefix(length == 0 ? 1 : length);
     }
     return shown;

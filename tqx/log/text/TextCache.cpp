@@ -23,11 +23,11 @@ void TextCache::Release::operator()(char* owned) const
 void TextCache::setUp(size_t size, unsigned shift)
 {
     const size_t bytes = ((~uint64_t{0} >> shift) + 1) * size + Buffer::chunk;
-    memory.reset(static_cast<char*>(::operator new(bytes, std::align_val_t(cacheLine))));
-    std::memset(memory.get(), 0, bytes);
-    slots = memory.get();
-    slotSize = size;
-    placeShift = shift;
+    m_memory.reset(static_cast<char*>(::operator new(bytes, std::align_val_t(cacheLine))));
+    std::memset(m_memory.get(), 0, bytes);
+    m_slots = m_memory.get();
+    m_slotSize = size;
+    m_placeShift = shift;
 }
 
 // Few slots as long as few are enough: what is often used stays close to the processor.
@@ -40,19 +40,19 @@ void TextCache::keep(uint64_t value, std::string_view text)
     const size_t needed = sizeof(Head) + text.size();
     if (needed > largestSlot)
         return;
-    if (needed > slotSize)
-        setUp((needed + cacheLine - 1) / cacheLine * cacheLine, placeShift);
-    char* slot = memory.get() + placeOf(value) * slotSize;
-    if (headOf(slot).length != 0 && ++replaced == period) {
-        if (found < goodRate * replaced && placeShift > leastShift) {
-            setUp(slotSize, placeShift - 1);
-            slot = memory.get() + placeOf(value) * slotSize;
-        } else if (found < replaced) {
-            isOff = true;
-            return memory.reset();
+    if (needed > m_slotSize)
+        setUp((needed + cacheLine - 1) / cacheLine * cacheLine, m_placeShift);
+    char* slot = m_memory.get() + placeOf(value) * m_slotSize;
+    if (headOf(slot).length != 0 && ++m_replaced == period) {
+        if (m_found < goodRate * m_replaced && m_placeShift > leastShift) {
+            setUp(m_slotSize, m_placeShift - 1);
+            slot = m_memory.get() + placeOf(value) * m_slotSize;
+        } else if (m_found < m_replaced) {
+            m_isOff = true;
+            return m_memory.reset();
         }
-        found = 0;
-        replaced = 0;
+        m_found = 0;
+        m_replaced = 0;
     }
     const Head head = {value, text.size()};
     std::memcpy(slot, &head, sizeof head);

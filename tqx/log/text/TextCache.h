@@ -20,13 +20,13 @@ public:
     template<typename Make>
     void append(Buffer& out, uint64_t value, Make make)
     {
-        if (isOff)
+        if (m_isOff)
             return make(out);
-        const char* slot = slots + placeOf(value) * slotSize;
+        const char* slot = m_slots + placeOf(value) * m_slotSize;
         const Head head = headOf(slot);
         if (head.value == value && head.length != 0) {
             out.appendPadded(slot + sizeof head, head.length);
-            ++found;
+            ++m_found;
             return;
         }
         const size_t start = out.size();
@@ -45,7 +45,7 @@ private:
         void operator()(char* memory) const;
     };
 
-    size_t placeOf(uint64_t value) const { return value * 0x9e3779b97f4a7c15U >> placeShift; }
+    size_t placeOf(uint64_t value) const { return value * 0x9e3779b97f4a7c15U >> m_placeShift; }
 
     static Head headOf(const char* slot)
     {
@@ -58,13 +58,13 @@ private:
     void setUp(size_t size, unsigned shift);
 
     static const char noSlot[];
-    const char* slots = noSlot;
-    size_t slotSize = 0;
-    unsigned placeShift = 58;
-    std::unique_ptr<char, Release> memory; ///< of the slots, and a chunk behind them
-    uint32_t found = 0;                    ///< texts, since replaced was 0
-    uint32_t replaced = 0;                 ///< texts that had to make room for others
-    bool isOff = false;
+    const char* m_slots = noSlot;
+    size_t m_slotSize = 0;
+    unsigned m_placeShift = 58;
+    std::unique_ptr<char, Release> m_memory; ///< of the slots, and a chunk behind them
+    uint32_t m_found = 0;                    ///< texts, since replaced was 0
+    uint32_t m_replaced = 0;                 ///< texts that had to make room for others
+    bool m_isOff = false;
 };
 
 } // namespace tqx

@@ -48,35 +48,35 @@ void appendBitMask(Buffer& out, uint64_t value, unsigned width)
 
 FieldText::FieldText(const TQX_FieldLayout& layout, const TQX_FieldFacts& facts, bool isPacked,
                      bool stored)
-    : bits(layout, isPacked), width(layout.width), isStored(stored),
-      isBitMask(facts.has(TQX_FieldFacts::BitMask) && !bits.isSigned() && !bits.isReal()),
-      scale(TQX_scale(facts)), decimals(shownDecimals(facts)), names(layout, facts, notation)
+    : m_bits(layout, isPacked), m_width(layout.width), m_isStored(stored),
+      m_isBitMask(facts.has(TQX_FieldFacts::BitMask) && !m_bits.isSigned() && !m_bits.isReal()),
+      m_scale(TQX_scale(facts)), m_decimals(shownDecimals(facts)), m_names(layout, facts, notation)
 {
-    isTime = isContinuousTime(layout);
+    m_isTime = isContinuousTime(layout);
     if (facts.unit != 0)
-        unit = ' ' + std::string(TQX_unit(facts));
-    if (bits.isReal() && facts.has(TQX_FieldFacts::HasDoNotUse))
-        doNotUse = TQX_realDoNotUse(facts);
+        m_unit = ' ' + std::string(TQX_unit(facts));
+    if (m_bits.isReal() && facts.has(TQX_FieldFacts::HasDoNotUse))
+        m_doNotUse = TQX_realDoNotUse(facts);
 }
 
 double FieldText::numberIn(uint64_t word) const
 {
-    if (bits.isReal())
-        return bits.real(word);
-    const uint64_t value = bits.integer(word);
-    return bits.isSigned() ? static_cast<double>(static_cast<int64_t>(value))
-                           : static_cast<double>(value);
+    if (m_bits.isReal())
+        return m_bits.real(word);
+    const uint64_t value = m_bits.integer(word);
+    return m_bits.isSigned() ? static_cast<double>(static_cast<int64_t>(value))
+                             : static_cast<double>(value);
 }
 
 bool FieldText::appendName(Buffer& out, uint64_t word) const
 {
-    if (bits.isReal()) {
-        if (!doNotUse || bits.real(word) != *doNotUse)
+    if (m_bits.isReal()) {
+        if (!m_doNotUse || m_bits.real(word) != *m_doNotUse)
             return false;
         appendNotAvailable(out);
         return true;
     }
-    const std::string* name = bits.isCharacter() ? nullptr : names.find(bits.integer(word));
+    const std::string* name = m_bits.isCharacter() ? nullptr : m_names.find(m_bits.integer(word));
     if (name)
         out.append(*name);
     return name != nullptr;
@@ -84,43 +84,43 @@ bool FieldText::appendName(Buffer& out, uint64_t word) const
 
 void FieldText::appendStored(Buffer& out, uint64_t word) const
 {
-    if (bits.isCharacter()) {
+    if (m_bits.isCharacter()) {
         const auto character = static_cast<char>(word);
         return appendPrintableLatin1(out, {&character, character == 0 ? size_t{0} : size_t{1}});
     }
-    if (bits.isReal() && !std::isfinite(bits.real(word)))
-        return appendFixed(out, bits.real(word), 0);
-    if (bits.isSingle())
+    if (m_bits.isReal() && !std::isfinite(m_bits.real(word)))
+        return appendFixed(out, m_bits.real(word), 0);
+    if (m_bits.isSingle())
         return appendShortest(out, MemberBits::single(word));
-    if (bits.isReal())
-        return appendShortest(out, bits.real(word));
-    if (bits.isSigned())
-        return appendShortest(out, static_cast<int64_t>(bits.integer(word)));
-    appendShortest(out, bits.integer(word));
+    if (m_bits.isReal())
+        return appendShortest(out, m_bits.real(word));
+    if (m_bits.isSigned())
+        return appendShortest(out, static_cast<int64_t>(m_bits.integer(word)));
+    appendShortest(out, m_bits.integer(word));
 }
 
 void FieldText::appendNumber(Buffer& out, uint64_t word) const
 {
-    if (isBitMask)
-        return appendBitMask(out, bits.integer(word), width);
-    if (bits.isCharacter() || (scale == 0 && !bits.isReal()))
+    if (m_isBitMask)
+        return appendBitMask(out, m_bits.integer(word), m_width);
+    if (m_bits.isCharacter() || (m_scale == 0 && !m_bits.isReal()))
         return appendStored(out, word);
-    if (scale == 0 && bits.isSingle())
-        return appendFixed(out, MemberBits::single(word), decimals);
-    if (scale == 0)
-        return appendFixed(out, bits.real(word), decimals);
-    if (decimals >= 0)
-        return appendFixed(out, numberIn(word) * scale, decimals);
-    appendSignificant(out, numberIn(word) * scale, significantDigits);
+    if (m_scale == 0 && m_bits.isSingle())
+        return appendFixed(out, MemberBits::single(word), m_decimals);
+    if (m_scale == 0)
+        return appendFixed(out, m_bits.real(word), m_decimals);
+    if (m_decimals >= 0)
+        return appendFixed(out, numberIn(word) * m_scale, m_decimals);
+    appendSignificant(out, numberIn(word) * m_scale, significantDigits);
 }
 
 bool FieldText::append(Buffer& out, uint64_t word) const
 {
-    if (isStored) {
+    if (m_isStored) {
         appendStored(out, word);
         return false;
     }
-    if (isTime && word == noContinuousTime) {
+    if (m_isTime && word == noContinuousTime) {
         appendNotAvailable(out);
         return false;
     }

@@ -32,7 +32,7 @@ public:
     static void appendNotAvailable(Buffer& out);
 
     /// The unit with a blank in front, or nothing.
-    const std::string& getUnit() const { return unit; }
+    const std::string& getUnit() const { return m_unit; }
 
 private:
     bool appendName(Buffer& out, uint64_t word) const;
@@ -40,16 +40,16 @@ private:
     void appendNumber(Buffer& out, uint64_t word) const;
     double numberIn(uint64_t word) const;
 
-    MemberBits bits;
-    uint8_t width;
-    bool isStored;
-    bool isTime = false; ///< see isContinuousTime()
-    bool isBitMask;
-    double scale; ///< 0 for none
-    int decimals; ///< negative when the number is written with significant digits instead
-    ValueNames names;
-    std::optional<double> doNotUse; ///< of a floating-point field
-    std::string unit;
+    MemberBits m_bits;
+    uint8_t m_width;
+    bool m_isStored;
+    bool m_isTime = false; ///< see isContinuousTime()
+    bool m_isBitMask;
+    double m_scale; ///< 0 for none
+    int m_decimals; ///< negative when the number is written with significant digits instead
+    ValueNames m_names;
+    std::optional<double> m_doNotUse; ///< of a floating-point field
+    std::string m_unit;
 };
 
 } // namespace tqx

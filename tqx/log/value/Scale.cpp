@@ -7,7 +7,7 @@
 namespace tqx
 {
 
-Scale::Scale(double factor) : multiplier(factor)
+Scale::Scale(double factor) : m_multiplier(factor)
 {
     // Powers of ten up to here, and products with integers up to 2^32, are exact.
     constexpr int largestPower = 22;
@@ -19,12 +19,12 @@ Scale::Scale(double factor) : multiplier(factor)
     for (int digits = 1; digits <= largestPower; ++digits, power *= 10) {
         const double whole = std::round(factor * power);
         if (whole != 0 && std::fabs(whole) <= largestMultiplier && whole / power == factor) {
-            multiplier = whole;
-            divisor = power;
+            m_multiplier = whole;
+            m_divisor = power;
             if (whole > 0) {
-                wholeMultiplier = static_cast<uint32_t>(whole);
-                endOfWhole = mostDigits / wholeMultiplier;
-                decimals = static_cast<unsigned>(digits);
+                m_wholeMultiplier = static_cast<uint32_t>(whole);
+                m_endOfWhole = mostDigits / m_wholeMultiplier;
+                m_decimals = static_cast<unsigned>(digits);
             }
             return;
         }
@@ -32,16 +32,16 @@ Scale::Scale(double factor) : multiplier(factor)
     // No short decimal number, but one part of an integer, such as 1/3600.
     const double parts = std::round(1 / factor);
     if (parts != 0 && 1 / parts == factor) {
-        multiplier = 1;
-        divisor = parts;
+        m_multiplier = 1;
+        m_divisor = parts;
     }
 }
 
 // Of up to fifteen digits, the decimal number is the shortest text of the double next to it.
 void Scale::append(Buffer& out, bool isNegative, uint64_t magnitude) const
 {
-    if (magnitude < endOfWhole &&
-        number::appendDecimal(out, isNegative, magnitude * wholeMultiplier, decimals))
+    if (magnitude < m_endOfWhole &&
+        number::appendDecimal(out, isNegative, magnitude * m_wholeMultiplier, m_decimals))
         return;
     const auto value = static_cast<double>(magnitude);
     number::appendDouble(out, apply(isNegative ? -value : value));

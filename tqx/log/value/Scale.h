@@ -20,20 +20,20 @@ public:
     /// Infinite only where the result is too large for a double.
     double apply(double value) const
     {
-        const double product = value * multiplier;
-        return std::isinf(product) ? value / divisor * multiplier : product / divisor;
+        const double product = value * m_multiplier;
+        return std::isinf(product) ? value / m_divisor * m_multiplier : product / m_divisor;
     }
 
     /// Appends what apply() gives for an integer, as JSON.
     void append(Buffer& out, bool isNegative, uint64_t magnitude) const;
 
 private:
-    double multiplier;
-    double divisor = 1;
+    double m_multiplier;
+    double m_divisor = 1;
     // Where the factor is a whole number with its point shifted:
-    uint32_t wholeMultiplier = 0;
-    unsigned decimals = 0;   ///< by which the point is shifted
-    uint64_t endOfWhole = 0; ///< the first integer that has too many digits with it, else 0
+    uint32_t m_wholeMultiplier = 0;
+    unsigned m_decimals = 0;   ///< by which the point is shifted
+    uint64_t m_endOfWhole = 0; ///< the first integer that has too many digits with it, else 0
 };
 
 } // namespace tqx

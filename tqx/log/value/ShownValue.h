@@ -28,18 +28,18 @@ public:
     void append(Buffer& out, uint64_t word) const;
 
     /// Appends what the notation has for not available.
-    void appendNotAvailable(Buffer& out) const { out.append(notation.notAvailable); }
+    void appendNotAvailable(Buffer& out) const { out.append(m_notation.notAvailable); }
 
 private:
     void appendInteger(Buffer& out, uint64_t value) const;
     void appendReal(Buffer& out, uint64_t word) const;
 
-    Notation notation;
-    MemberBits bits;
-    std::optional<Scale> scale;
-    ValueNames names;
-    std::optional<double> notAvailable; ///< of a floating-point field
-    bool isTime = false;                ///< see isContinuousTime()
+    Notation m_notation;
+    MemberBits m_bits;
+    std::optional<Scale> m_scale;
+    ValueNames m_names;
+    std::optional<double> m_notAvailable; ///< of a floating-point field
+    bool m_isTime = false;                ///< see isContinuousTime()
 };
 
 } // namespace tqx

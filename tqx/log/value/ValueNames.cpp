@@ -26,31 +26,32 @@ ValueNames::ValueNames(const TQX_FieldLayout& layout, const TQX_FieldFacts& fact
         return;
     const auto addNotAvailable = [&] {
         if (facts.has(TQX_FieldFacts::HasDoNotUse))
-            entries.emplace_back(TQX_doNotUse(facts), notation.notAvailable);
+            m_entries.emplace_back(TQX_doNotUse(facts), notation.notAvailable);
     };
     if (!notation.prefersNames)
         addNotAvailable();
     for (const TQX_NamedValue& named : TQX_namedValues(facts))
-        entries.emplace_back(static_cast<uint64_t>(named.value), notation.name(named.name));
+        m_entries.emplace_back(static_cast<uint64_t>(named.value), notation.name(named.name));
     if (notation.prefersNames)
         addNotAvailable();
     // Of several names for a value the first one counts.
-    std::stable_sort(entries.begin(), entries.end(),
+    std::stable_sort(m_entries.begin(), m_entries.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });
-    direct.resize(entries.empty() ? 0 : small);
-    for (size_t bits = 0; bits < direct.size(); ++bits)
-        direct[bits] = search(bits);
-    for (const auto& [bits, text] : entries)
+    m_direct.resize(m_entries.empty() ? 0 : small);
+    for (size_t bits = 0; bits < m_direct.size(); ++bits)
+        m_direct[bits] = search(bits);
+    for (const auto& [bits, text] : m_entries) {
         if (bits >= small)
-            firstWide = std::min(firstWide, bits);
+            m_firstWide = std::min(m_firstWide, bits);
+    }
 }
 
 const std::string* ValueNames::search(uint64_t bits) const
 {
     const auto found =
-        std::lower_bound(entries.begin(), entries.end(), bits,
+        std::lower_bound(m_entries.begin(), m_entries.end(), bits,
                          [](const auto& entry, uint64_t wanted) { return entry.first < wanted; });
-    return found == entries.end() || found->first != bits ? nullptr : &found->second;
+    return found == m_entries.end() || found->first != bits ? nullptr : &found->second;
 }
 
 } // namespace tqx

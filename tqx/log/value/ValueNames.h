@@ -26,17 +26,17 @@ public:
     /// of the value, sign-extended when it is signed.
     const std::string* find(uint64_t bits) const
     {
-        if (bits < direct.size())
-            return direct[bits];
-        return bits < firstWide ? nullptr : search(bits);
+        if (bits < m_direct.size())
+            return m_direct[bits];
+        return bits < m_firstWide ? nullptr : search(bits);
     }
 
 private:
     const std::string* search(uint64_t bits) const;
 
-    std::vector<std::pair<uint64_t, std::string>> entries; ///< by value, in two's complement
-    std::vector<const std::string*> direct;                ///< by value, for small ones
-    uint64_t firstWide = UINT64_MAX;                       ///< the smallest of the others
+    std::vector<std::pair<uint64_t, std::string>> m_entries; ///< by value, in two's complement
+    std::vector<const std::string*> m_direct;                ///< by value, for small ones
+    uint64_t m_firstWide = UINT64_MAX;                       ///< the smallest of the others
 };
 
 } // namespace tqx

@@ -55,15 +55,15 @@ bool isInKey(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
 } // namespace
 
 CsvTable::CsvTable(const TQX_TypeLayout& layout, const FieldFilter& shown, const CsvStyle& wanted)
-    : type(layout), style(wanted)
+    : m_type(layout), m_style(wanted)
 {
     int word = -1; // the row that the last step is about
-    for (const auto [row, inside] : shown.shownIn(type)) {
-        const TQX_FieldLayout& field = type.fields[row];
-        if (shown.isEverything() && isFiller(type, field))
+    for (const auto [row, inside] : shown.shownIn(m_type)) {
+        const TQX_FieldLayout& field = m_type.fields[row];
+        if (shown.isEverything() && isFiller(m_type, field))
             continue;
-        if (isInKey(type, field)) {
-            showsKey = true;
+        if (isInKey(m_type, field)) {
+            m_showsKey = true;
             continue;
         }
         if (field.recordType != 0) {
@@ -71,10 +71,10 @@ CsvTable::CsvTable(const TQX_TypeLayout& layout, const FieldFilter& shown, const
             word = -1;
             continue;
         }
-        const bool isPart = isPartOfNumber(type, field);
+        const bool isPart = isPartOfNumber(m_type, field);
         const int stepRow = isPart ? field.parent : row;
-        if (steps.empty() || stepRow != word)
-            addStep(type.fields[stepRow]);
+        if (m_steps.empty() || stepRow != word)
+            addStep(m_type.fields[stepRow]);
         word = stepRow;
         addCell(row, isPart);
     }
@@ -85,61 +85,62 @@ CsvTable::~CsvTable() = default;
 void CsvTable::addStep(const TQX_FieldLayout& member)
 {
     const uint32_t size = member.recordType == 0 ? TQX_elementSize(member) : 0;
-    steps.push_back({&member,
-                     nullptr,
-                     isNumber(member)         ? Step::Kind::Number
-                     : isText(member)         ? Step::Kind::Text
-                     : member.recordType == 0 ? Step::Kind::Array
-                                              : Step::Kind::Embedded,
-                     member.presence != TQX_Presence::Always,
-                     size,
-                     {},
-                     {},
-                     {},
-                     nullptr});
+    m_steps.push_back({&member,
+                       nullptr,
+                       isNumber(member)         ? Step::Kind::Number
+                       : isText(member)         ? Step::Kind::Text
+                       : member.recordType == 0 ? Step::Kind::Array
+                                                : Step::Kind::Embedded,
+                       member.presence != TQX_Presence::Always,
+                       size,
+                       {},
+                       {},
+                       {},
+                       nullptr});
 }
 
 void CsvTable::addCell(int row, bool isPart)
 {
-    const TQX_FieldFacts& facts = TQX_fieldFacts(type.recordType)[row];
-    Step& step = steps.back();
+    const TQX_FieldFacts& facts = TQX_fieldFacts(m_type.recordType)[row];
+    Step& step = m_steps.back();
     const bool isArray = step.kind == Step::Kind::Array;
-    const bool isGuarded = style.isSafe && !isArray;
+    const bool isGuarded = m_style.isSafe && !isArray;
     const Notation notation = {"", isArray ? unquoted : csv::cell,
                                isGuarded ? csv::appendGuardedLatin1 : csv::appendLatin1,
-                               style.isStored};
-    step.values.emplace_back(type.fields[row], facts, isPart, notation);
-    if (facts.inputCount != 0 && !style.isStored)
+                               m_style.isStored};
+    step.values.emplace_back(m_type.fields[row], facts, isPart, notation);
+    if (facts.inputCount != 0 && !m_style.isStored)
         step.needed = &facts;
     step.empty += ',';
-    std::string name = type.fields[row].name;
-    if (facts.unit != 0 && !style.isStored)
+    std::string name = m_type.fields[row].name;
+    if (facts.unit != 0 && !m_style.isStored)
         name += " [" + std::string(TQX_unit(facts)) + "]";
-    columns.push_back(name);
+    m_columns.push_back(name);
 }
 
 void CsvTable::addSubBlock(const TQX_FieldLayout& field, const FieldFilter& shown)
 {
-    auto table = std::make_unique<CsvTable>(*TQX_layout(field.recordType), shown, style);
+    auto table = std::make_unique<CsvTable>(*TQX_layout(field.recordType), shown, m_style);
     if (field.kind == TQX_FieldKind::Blocks) {
-        if (!table->columns.empty() || !table->children.empty())
-            children.push_back({&field, std::move(table)});
+        if (!table->m_columns.empty() || !table->m_children.empty())
+            m_children.push_back({&field, std::move(table)});
         return;
     }
     addStep(field);
-    for (const std::string& column : table->columns)
-        columns.push_back(std::string(field.name) + '.' + column);
-    steps.back().empty.assign(table->columns.size(), ',');
-    steps.back().embedded = std::move(table);
+    for (const std::string& column : table->m_columns)
+        m_columns.push_back(std::string(field.name) + '.' + column);
+    m_steps.back().empty.assign(table->m_columns.size(), ',');
+    m_steps.back().embedded = std::move(table);
 }
 
 void CsvTable::appendCells(Buffer& out, const void* record)
 {
-    for (Step& step : steps) {
-        if (step.isOptional && !TQX_isPresent(type, *step.field, record))
+    for (Step& step : m_steps) {
+        if (step.isOptional && !TQX_isPresent(m_type, *step.field, record)) {
             out.append(step.empty);
-        else
+        } else {
             appendStep(out, step, record);
+        }
     }
 }
 
@@ -161,8 +162,8 @@ void CsvTable::appendStep(Buffer& out, Step& step, const void* record)
     case Step::Kind::Text: {
         const std::string_view text = textOf(*step.field, record);
         out.append(',');
-        return (style.isSafe ? csv::appendGuardedLatin1 : csv::appendLatin1)(out, text.data(),
-                                                                             text.size());
+        return (m_style.isSafe ? csv::appendGuardedLatin1 : csv::appendLatin1)(out, text.data(),
+                                                                               text.size());
     }
     case Step::Kind::Embedded:
         return step.embedded->appendCells(out, element);
@@ -171,22 +172,23 @@ void CsvTable::appendStep(Buffer& out, Step& step, const void* record)
     }
     out.append(',');
     const size_t start = out.size();
-    const uint32_t count = TQX_elementCount(type, *step.field, record);
+    const uint32_t count = TQX_elementCount(m_type, *step.field, record);
     for (uint32_t i = 0; i < count; ++i, element += step.size) {
         if (i != 0)
             out.append(';');
         step.values.front().append(out, loadWord(element, step.size));
     }
-    if (style.isSafe && step.field->type == TQX_MemberType::Char)
+    if (m_style.isSafe && step.field->type == TQX_MemberType::Char)
         csv::guardFrom(out, start);
     csv::quoteFrom(out, start);
 }
 
 uint32_t CsvTable::countEntries(const Child& child, const void* record) const
 {
-    if (child.field->presence != TQX_Presence::Always && !TQX_isPresent(type, *child.field, record))
+    if (child.field->presence != TQX_Presence::Always &&
+        !TQX_isPresent(m_type, *child.field, record))
         return 0;
-    return TQX_elementCount(type, *child.field, record);
+    return TQX_elementCount(m_type, *child.field, record);
 }
 
 const void* CsvTable::entry(const Child& child, const void* record, uint32_t index)

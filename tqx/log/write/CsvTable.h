@@ -40,12 +40,12 @@ public:
     CsvTable& operator=(const CsvTable&) = delete;
 
     /// Whether records have a row of their own, beside those of the children.
-    bool hasRows() const { return showsKey || !columns.empty(); }
+    bool hasRows() const { return m_showsKey || !m_columns.empty(); }
 
     /// Names of the columns with their units: "Height [meter]".
-    const std::vector<std::string>& getColumns() const { return columns; }
+    const std::vector<std::string>& getColumns() const { return m_columns; }
 
-    const std::vector<Child>& getChildren() const { return children; }
+    const std::vector<Child>& getChildren() const { return m_children; }
 
     /// Appends the cells of a record of the type, each with a comma in front.
     void appendCells(Buffer& out, const void* record);
@@ -62,12 +62,12 @@ private:
     void addSubBlock(const Kor::MessageApi::TQX_FieldLayout& field, const FieldFilter& shown);
     void appendStep(Buffer& out, Step& step, const void* record);
 
-    const Kor::MessageApi::TQX_TypeLayout& type;
-    CsvStyle style;
-    std::vector<std::string> columns;
-    std::vector<Step> steps;
-    std::vector<Child> children;
-    bool showsKey = false; ///< the filter names what the key columns hold
+    const Kor::MessageApi::TQX_TypeLayout& m_type;
+    CsvStyle m_style;
+    std::vector<std::string> m_columns;
+    std::vector<Step> m_steps;
+    std::vector<Child> m_children;
+    bool m_showsKey = false; ///< the filter names what the key columns hold
 };
 
 } // namespace tqx

@@ -29,14 +29,14 @@ size_t widthOf(const CsvTable& table)
 
 FlatCsv::FlatCsv(const Kor::MessageApi::TQX_TypeLayout& type, const FieldFilter& shown,
                  const CsvStyle& style)
-    : top(type, shown, style)
+    : m_top(type, shown, style)
 {
 }
 
 void FlatCsv::writeHeader(Buffer& out) const
 {
     csv::appendKeyColumns(out);
-    writeColumns(out, top, "");
+    writeColumns(out, m_top, "");
     out.append('\n');
 }
 
@@ -56,20 +56,20 @@ void FlatCsv::writeColumns(Buffer& out, const CsvTable& table, const std::string
 
 void FlatCsv::write(Buffer& out, const void* record)
 {
-    row.clear();
-    csv::appendKey(row, messages++, record);
-    top.appendCells(row, record);
+    m_row.clear();
+    csv::appendKey(m_row, m_messages++, record);
+    m_top.appendCells(m_row, record);
     size_t behind = 0;
-    for (const CsvTable::Child& child : top.getChildren())
+    for (const CsvTable::Child& child : m_top.getChildren())
         behind += widthOf(*child.table);
-    writeRows(out, top, record, behind);
+    writeRows(out, m_top, record, behind);
 }
 
 /// `row` holds the cells in front of the children's; `cellsBehind` are those of the children and of
 /// whatever comes behind them.
 void FlatCsv::writeRows(Buffer& out, CsvTable& table, const void* record, size_t cellsBehind)
 {
-    const size_t start = row.size();
+    const size_t start = m_row.size();
     size_t left = cellsBehind;
     bool hasEntries = false;
     for (const CsvTable::Child& child : table.getChildren()) {
@@ -78,19 +78,19 @@ void FlatCsv::writeRows(Buffer& out, CsvTable& table, const void* record, size_t
         for (uint32_t i = 0; i < count; ++i) {
             hasEntries = true;
             const void* entry = CsvTable::entry(child, record, i);
-            row.append(',');
-            number::appendUnsigned(row, i);
-            child.table->appendCells(row, entry);
+            m_row.append(',');
+            number::appendUnsigned(m_row, i);
+            child.table->appendCells(m_row, entry);
             writeRows(out, *child.table, entry, left - 1 - child.table->getColumns().size());
-            row.truncate(start + (cellsBehind - left));
+            m_row.truncate(start + (cellsBehind - left));
         }
-        appendCommas(row, width);
+        appendCommas(m_row, width);
         left -= width;
     }
-    row.truncate(start);
+    m_row.truncate(start);
     if (hasEntries || !table.hasRows())
         return;
-    out.append(row.view());
+    out.append(m_row.view());
     appendCommas(out, cellsBehind);
     out.append('\n');
 }

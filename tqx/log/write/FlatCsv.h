@@ -27,9 +27,9 @@ private:
     void writeColumns(Buffer& out, const CsvTable& table, const std::string& path) const;
     void writeRows(Buffer& out, CsvTable& table, const void* record, size_t cellsBehind);
 
-    CsvTable top;
-    Buffer row;
-    uint64_t messages = 0;
+    CsvTable m_top;
+    Buffer m_row;
+    uint64_t m_messages = 0;
 };
 
 } // namespace tqx

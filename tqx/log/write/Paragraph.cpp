@@ -76,12 +76,14 @@ ParagraphPlan::Step makeStep(const TQX_FieldLayout& member, const TQX_FieldFacts
 void alignValues(ParagraphPlan& plan)
 {
     size_t column = 0;
-    for (const ParagraphPlan::Step& part : plan.steps)
+    for (const ParagraphPlan::Step& part : plan.steps) {
         for (const ParagraphPlan::Line& line : part.lines)
             column = std::max(column, line.label.size() + 2);
-    for (ParagraphPlan::Step& part : plan.steps)
+    }
+    for (ParagraphPlan::Step& part : plan.steps) {
         for (ParagraphPlan::Line& line : part.lines)
             line.label.resize(column, ' ');
+    }
 }
 
 std::unique_ptr<ParagraphPlan> makePlan(const TQX_TypeLayout& type, const FieldFilter& shown,
@@ -198,39 +200,40 @@ void writeRecord(Buffer& out, ParagraphPlan& plan, const void* record)
         }
         const uint32_t count = TQX_elementCount(*plan.type, field, record);
         const auto* element = static_cast<const char*>(TQX_element(field, record));
-        if (part.plan)
+        if (part.plan) {
             writeSubBlocks(out, part, element, count);
-        else if (count != 0)
+        } else if (count != 0) {
             writeArray(out, part.lines.front(), element, part.size, count);
+        }
     }
 }
 
 } // namespace
 
-Paragraph::Paragraph(const FieldFilter& shown, Values mode) : filter(shown), values(mode) {}
+Paragraph::Paragraph(const FieldFilter& shown, Values mode) : m_filter(shown), m_values(mode) {}
 
 Paragraph::~Paragraph() = default;
 
 ParagraphPlan& Paragraph::planOf(uint32_t recordType)
 {
-    if (plans.size() <= recordType)
-        plans.resize(recordType + 1);
-    std::unique_ptr<ParagraphPlan>& plan = plans[recordType];
+    if (m_plans.size() <= recordType)
+        m_plans.resize(recordType + 1);
+    std::unique_ptr<ParagraphPlan>& plan = m_plans[recordType];
     if (!plan)
-        plan = makePlan(*TQX_layout(recordType), filter, values == Values::Stored, step);
+        plan = makePlan(*TQX_layout(recordType), m_filter, m_values == Values::Stored, step);
     return *plan;
 }
 
 void Paragraph::appendTitle(Buffer& out, std::string_view what, const Block& block)
 {
     const std::optional<GnssMillis> time = block.getTime();
-    if (time != lastTime || lastTimeText.empty()) {
-        lastTime = time;
-        lastTimeText = time ? timeText(*time) : "no time";
+    if (time != m_lastTime || m_lastTimeText.empty()) {
+        m_lastTime = time;
+        m_lastTimeText = time ? timeText(*time) : "no time";
     }
     out.append(what);
     out.append("  ");
-    out.append(lastTimeText);
+    out.append(m_lastTimeText);
     constexpr size_t longest = 80;
     char* const begin = out.reserve(longest);
     const char* end = fmt::format_to(begin, FMT_COMPILE("  revision {}, {} bytes at {}\n"),
@@ -244,7 +247,7 @@ void Paragraph::write(Buffer& out, const Block& block, const void* record)
     if (!TQX_layout(recordType)->hasMessage)
         return writeTitle(out, block);
     ParagraphPlan& plan = planOf(recordType);
-    if (plan.steps.empty() && !filter.isEverything())
+    if (plan.steps.empty() && !m_filter.isEverything())
         return;
     appendTitle(out, plan.title, block);
     writeRecord(out, plan, record);
@@ -253,7 +256,7 @@ void Paragraph::write(Buffer& out, const Block& block, const void* record)
 
 void Paragraph::writeTitle(Buffer& out, const Block& block)
 {
-    if (!filter.isEverything())
+    if (!m_filter.isEverything())
         return;
     appendTitle(out, describeBlock(block.getNumber()), block);
     out.append('\n');

@@ -48,11 +48,11 @@ private:
     ParagraphPlan& planOf(uint32_t recordType);
     void appendTitle(Buffer& out, std::string_view what, const Block& block);
 
-    const FieldFilter& filter;
-    Values values;
-    std::vector<std::unique_ptr<ParagraphPlan>> plans; ///< by record type
-    std::optional<GnssMillis> lastTime;                ///< the blocks of an epoch share it
-    std::string lastTimeText;
+    const FieldFilter& m_filter;
+    Values m_values;
+    std::vector<std::unique_ptr<ParagraphPlan>> m_plans; ///< by record type
+    std::optional<GnssMillis> m_lastTime;                ///< the blocks of an epoch share it
+    std::string m_lastTimeText;
 };
 
 } // namespace tqx

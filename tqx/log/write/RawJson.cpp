@@ -61,12 +61,12 @@ bool isZero(const TQX_FieldLayout& field, const void* record)
 class Writer
 {
 public:
-    explicit Writer(Buffer& buffer) : out(buffer) {}
+    explicit Writer(Buffer& buffer) : m_out(buffer) {}
 
     void writeRecord(RawPlan& plan, const void* record);
 
     /// Whether all that was written is read back as it stood in the records.
-    bool isExact() const { return exact; }
+    bool isExact() const { return m_exact; }
 
 private:
     void writeField(RawPlan& plan, RawPlan::Step& step, const void* record);
@@ -75,40 +75,40 @@ private:
     void writeArray(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const void* record);
     void writeText(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const void* record);
 
-    Buffer& out;
-    bool exact = true;
+    Buffer& m_out;
+    bool m_exact = true;
 };
 
 void Writer::writeElement(const TQX_FieldLayout& field, const void* element)
 {
     switch (field.type) {
     case TQX_MemberType::U8:
-        return number::appendUnsigned(out, load<uint8_t>(element));
+        return number::appendUnsigned(m_out, load<uint8_t>(element));
     case TQX_MemberType::I8:
-        return number::appendSigned(out, load<int8_t>(element));
+        return number::appendSigned(m_out, load<int8_t>(element));
     case TQX_MemberType::U16:
-        return number::appendUnsigned(out, load<uint16_t>(element));
+        return number::appendUnsigned(m_out, load<uint16_t>(element));
     case TQX_MemberType::I16:
-        return number::appendSigned(out, load<int16_t>(element));
+        return number::appendSigned(m_out, load<int16_t>(element));
     case TQX_MemberType::U32:
-        return number::appendUnsigned(out, load<uint32_t>(element));
+        return number::appendUnsigned(m_out, load<uint32_t>(element));
     case TQX_MemberType::I32:
-        return number::appendSigned(out, load<int32_t>(element));
+        return number::appendSigned(m_out, load<int32_t>(element));
     case TQX_MemberType::U64:
-        return number::appendUnsigned(out, load<uint64_t>(element));
+        return number::appendUnsigned(m_out, load<uint64_t>(element));
     case TQX_MemberType::F32: {
         const auto value = load<float>(element);
-        exact = exact && !isOddNaN<float, uint32_t>(value);
-        return json::appendFloat(out, value);
+        m_exact = m_exact && !isOddNaN<float, uint32_t>(value);
+        return json::appendFloat(m_out, value);
     }
     case TQX_MemberType::F64: {
         const auto value = load<double>(element);
-        exact = exact && !isOddNaN<double, uint64_t>(value);
-        return json::appendDouble(out, value);
+        m_exact = m_exact && !isOddNaN<double, uint64_t>(value);
+        return json::appendDouble(m_out, value);
     }
     case TQX_MemberType::Char: {
         const auto value = load<char>(element);
-        return json::appendLatin1(out, &value, value == 0 ? 0 : 1);
+        return json::appendLatin1(m_out, &value, value == 0 ? 0 : 1);
     }
     case TQX_MemberType::Record:
         return;
@@ -121,13 +121,14 @@ void Writer::writeNumber(RawPlan::Step& step, const void* record)
     const void* element = static_cast<const char*>(record) + field.recordOffset;
     // Texts that are kept would not tell an odd NaN.
     const auto make = [&](Buffer&) {
-        out.append(step.key);
+        m_out.append(step.key);
         writeElement(field, element);
     };
-    if (field.type == TQX_MemberType::F32 || field.type == TQX_MemberType::F64)
-        make(out);
-    else
-        step.cache.append(out, TQX_unsignedValue(field, record), make);
+    if (field.type == TQX_MemberType::F32 || field.type == TQX_MemberType::F64) {
+        make(m_out);
+    } else {
+        step.cache.append(m_out, TQX_unsignedValue(field, record), make);
+    }
 }
 
 void Writer::writeText(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const void* record)
@@ -137,12 +138,12 @@ void Writer::writeText(const TQX_TypeLayout& type, const TQX_FieldLayout& field,
     const void* zero = std::memchr(text, 0, capacity);
     const size_t length =
         zero ? static_cast<size_t>(static_cast<const char*>(zero) - text) : capacity;
-    json::appendLatin1(out, text, length);
+    json::appendLatin1(m_out, text, length);
     // The encoder fills a fixed text with zeros and makes a counted one as long as its string.
     if (field.kind == TQX_FieldKind::CountedText)
-        exact = exact && length == capacity;
+        m_exact = m_exact && length == capacity;
     for (size_t i = length; i < capacity; ++i)
-        exact = exact && text[i] == 0;
+        m_exact = m_exact && text[i] == 0;
 }
 
 void Writer::writeArray(const TQX_TypeLayout& type, const TQX_FieldLayout& field,
@@ -151,16 +152,16 @@ void Writer::writeArray(const TQX_TypeLayout& type, const TQX_FieldLayout& field
     const uint32_t count = TQX_elementCount(type, field, record);
     const uint32_t size = TQX_elementSize(field);
     const auto* element = static_cast<const uint8_t*>(TQX_element(field, record));
-    out.append('[');
+    m_out.append('[');
     for (uint32_t i = 0; i < count; ++i) {
         if (i != 0)
-            out.append(',');
+            m_out.append(',');
         writeElement(field, element + size_t{i} * size);
     }
-    out.append(']');
+    m_out.append(']');
     // Bytes that fill no whole element stand in one that is not shown.
     if (field.countsBytes && TQX_unsignedValue(type.fields[field.count], record) % size != 0)
-        exact = exact && TQX_unsignedValue(field, record, count) == 0;
+        m_exact = m_exact && TQX_unsignedValue(field, record, count) == 0;
 }
 
 void Writer::writeField(RawPlan& plan, RawPlan::Step& step, const void* record)
@@ -168,7 +169,7 @@ void Writer::writeField(RawPlan& plan, RawPlan::Step& step, const void* record)
     const TQX_FieldLayout& field = *step.field;
     if (field.kind == TQX_FieldKind::Value)
         return writeNumber(step, record);
-    out.append(step.key);
+    m_out.append(step.key);
     switch (field.kind) {
     case TQX_FieldKind::Array:
     case TQX_FieldKind::CountedArray:
@@ -181,13 +182,13 @@ void Writer::writeField(RawPlan& plan, RawPlan::Step& step, const void* record)
     case TQX_FieldKind::Blocks: {
         const uint32_t count = TQX_elementCount(*plan.type, field, record);
         const auto* entry = static_cast<const uint8_t*>(TQX_element(field, record));
-        out.append('[');
+        m_out.append('[');
         for (uint32_t i = 0; i < count; ++i) {
             if (i != 0)
-                out.append(',');
+                m_out.append(',');
             writeRecord(*step.plan, entry + size_t{i} * step.plan->type->recordSize);
         }
-        out.append(']');
+        m_out.append(']');
         return;
     }
     case TQX_FieldKind::Value:
@@ -199,12 +200,12 @@ void Writer::writeField(RawPlan& plan, RawPlan::Step& step, const void* record)
 
 void Writer::writeRecord(RawPlan& plan, const void* record)
 {
-    const size_t start = out.size();
+    const size_t start = m_out.size();
     for (RawPlan::Step& step : plan.steps) {
         const TQX_FieldLayout& field = *step.field;
         if (field.presence != TQX_Presence::Always && !TQX_isPresent(*plan.type, field, record)) {
             // On the wire although the record's revision does not have it.
-            exact = exact && !(field.alwaysSent && !isZero(field, record));
+            m_exact = m_exact && !(field.alwaysSent && !isZero(field, record));
             continue;
         }
         // Padding is worth a word only when it is not what the encoder writes.
@@ -213,11 +214,12 @@ void Writer::writeRecord(RawPlan& plan, const void* record)
         writeField(plan, step, record);
     }
     // The first field brought a comma where the object begins.
-    if (out.size() == start)
-        out.append('{');
-    else
-        out.replace(start, '{');
-    out.append('}');
+    if (m_out.size() == start) {
+        m_out.append('{');
+    } else {
+        m_out.replace(start, '{');
+    }
+    m_out.append('}');
 }
 
 std::unique_ptr<RawPlan> makePlan(const TQX_TypeLayout& type, const FieldFilter& shown)
@@ -243,7 +245,7 @@ std::unique_ptr<RawPlan> makePlan(const TQX_TypeLayout& type, const FieldFilter&
 } // namespace
 
 RawJson::RawJson(const FieldFilter& shown)
-    : filter(shown), encoded(std::numeric_limits<uint16_t>::max())
+    : m_filter(shown), m_encoded(std::numeric_limits<uint16_t>::max())
 {
 }
 
@@ -251,11 +253,11 @@ RawJson::~RawJson() = default;
 
 RawPlan& RawJson::planOf(uint32_t recordType)
 {
-    if (plans.size() <= recordType)
-        plans.resize(recordType + 1);
-    std::unique_ptr<RawPlan>& plan = plans[recordType];
+    if (m_plans.size() <= recordType)
+        m_plans.resize(recordType + 1);
+    std::unique_ptr<RawPlan>& plan = m_plans[recordType];
     if (!plan)
-        plan = makePlan(*TQX_layout(recordType), filter);
+        plan = makePlan(*TQX_layout(recordType), m_filter);
     return *plan;
 }
 
@@ -273,10 +275,10 @@ void RawJson::write(Buffer& out, const DecodedBlock& decoded)
     if (plan.whole) {
         bool exact = writer.isExact();
         if (exact && !decoded.isCovered()) {
-            const int32_t bits =
-                TQX_reencode(encoded.data(), static_cast<uint16_t>(encoded.size()), decoded.record);
+            const int32_t bits = TQX_reencode(
+                m_encoded.data(), static_cast<uint16_t>(m_encoded.size()), decoded.record);
             exact = bits == static_cast<int32_t>(block.size) * 8 &&
-                    std::memcmp(encoded.data(), block.data, block.size) == 0;
+                    std::memcmp(m_encoded.data(), block.data, block.size) == 0;
         }
         if (!exact) {
             out.append(",\"bytes\":");
@@ -288,7 +290,7 @@ void RawJson::write(Buffer& out, const DecodedBlock& decoded)
 
 void RawJson::writeBytes(Buffer& out, const Block& block) const
 {
-    if (!filter.isEverything())
+    if (!m_filter.isEverything())
         return;
     out.append("{\"number\":");
     number::appendUnsigned(out, block.getNumber());

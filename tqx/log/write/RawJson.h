@@ -43,9 +43,9 @@ public:
 private:
     RawPlan& planOf(uint32_t recordType);
 
-    const FieldFilter& filter;
-    std::vector<std::unique_ptr<RawPlan>> plans;
-    std::vector<uint8_t> encoded;
+    const FieldFilter& m_filter;
+    std::vector<std::unique_ptr<RawPlan>> m_plans;
+    std::vector<uint8_t> m_encoded;
 };
 
 } // namespace tqx

@@ -77,10 +77,11 @@ std::unique_ptr<ValuePlan> makePlan(const TQX_TypeLayout& type, const FieldFilte
                                    nullptr});
         }
         ValuePlan::Step& step = plan->steps.back();
-        if (field.recordType != 0)
+        if (field.recordType != 0) {
             step.plan = makePlan(*TQX_layout(field.recordType), *inside);
-        else
+        } else {
             step.parts.push_back({key, ShownValue(field, facts[i], isPart, notation)});
+        }
     }
     return plan;
 }
@@ -122,10 +123,11 @@ void writeArray(Buffer& out, const ValuePlan& plan, ValuePlan::Step& step, const
     for (uint32_t i = 0; i < count; ++i, element += stride) {
         if (i != 0)
             out.append(',');
-        if (value)
+        if (value) {
             value->append(out, loadWord(element, stride));
-        else
+        } else {
             writeRecord(out, *step.plan, element);
+        }
     }
     out.append(']');
 }
@@ -142,47 +144,49 @@ void writeRecord(Buffer& out, ValuePlan& plan, const void* record)
         }
         const TQX_FieldLayout& field = *step.field;
         step.key.appendTo(out);
-        if (field.kind == TQX_FieldKind::Embedded)
+        if (field.kind == TQX_FieldKind::Embedded) {
             writeRecord(out, *step.plan, TQX_element(field, record));
-        else if (isText(field))
+        } else if (isText(field)) {
             writeText(out, field, record);
-        else
+        } else {
             writeArray(out, plan, step, record);
+        }
     }
     // The first field brought a comma where the object begins.
-    if (out.size() == start)
+    if (out.size() == start) {
         out.append('{');
-    else
+    } else {
         out.replace(start, '{');
+    }
     out.append('}');
 }
 
 } // namespace
 
-ValueJson::ValueJson(const FieldFilter& shown) : filter(shown) {}
+ValueJson::ValueJson(const FieldFilter& shown) : m_filter(shown) {}
 
 ValueJson::~ValueJson() = default;
 
 ValuePlan& ValueJson::planOf(uint32_t recordType)
 {
-    if (plans.size() <= recordType)
-        plans.resize(recordType + 1);
-    std::unique_ptr<ValuePlan>& plan = plans[recordType];
+    if (m_plans.size() <= recordType)
+        m_plans.resize(recordType + 1);
+    std::unique_ptr<ValuePlan>& plan = m_plans[recordType];
     if (!plan)
-        plan = makePlan(*TQX_layout(recordType), filter);
+        plan = makePlan(*TQX_layout(recordType), m_filter);
     return *plan;
 }
 
 void ValueJson::appendTime(Buffer& out, const Block& block)
 {
     const std::optional<GnssMillis> time = block.getTime();
-    if (time != lastTime || lastTimeText.empty()) {
-        lastTime = time;
-        lastTimeText = time ? R"(,"time":{"scale":"GPS","gnss":")" + dateText(*time) +
-                                  R"(","utc":")" + utcText(*time) + "\"}"
-                            : ",\"time\":null";
+    if (time != m_lastTime || m_lastTimeText.empty()) {
+        m_lastTime = time;
+        m_lastTimeText = time ? R"(,"time":{"scale":"GPS","gnss":")" + dateText(*time) +
+                                    R"(","utc":")" + utcText(*time) + "\"}"
+                              : ",\"time\":null";
     }
-    out.append(lastTimeText);
+    out.append(m_lastTimeText);
 }
 
 void ValueJson::write(Buffer& out, const DecodedBlock& decoded)
@@ -202,7 +206,7 @@ void ValueJson::write(Buffer& out, const DecodedBlock& decoded)
 
 void ValueJson::writeBytes(Buffer& out, const DecodedBlock& decoded)
 {
-    if (!filter.isEverything())
+    if (!m_filter.isEverything())
         return;
     const Block& block = decoded.block;
     out.append("{\"number\":");

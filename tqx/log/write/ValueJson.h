@@ -54,10 +54,10 @@ private:
     ValuePlan& planOf(uint32_t recordType);
     void appendTime(Buffer& out, const Block& block);
 
-    const FieldFilter& filter;
-    std::vector<std::unique_ptr<ValuePlan>> plans; ///< by record type
-    std::optional<GnssMillis> lastTime;            ///< the blocks of an epoch share it
-    std::string lastTimeText;
+    const FieldFilter& m_filter;
+    std::vector<std::unique_ptr<ValuePlan>> m_plans; ///< by record type
+    std::optional<GnssMillis> m_lastTime;            ///< the blocks of an epoch share it
+    std::string m_lastTimeText;
 };
 
 } // namespace tqx

@@ -49,11 +49,12 @@ void TQX_DiffCorrIn_Extractor::processNewMessage(const Message* message)
     }
     const auto& record =
         *static_cast<const TQX_DiffCorrIn_s*>(TQX_FieldAccess::rawRecord(*message));
-    if (record.Mode >= TQX_correctionFormats)
+    if (record.Mode >= TQX_correctionFormats) {
         dbg_Assert("MessageAPI_TQX", "TQX_DiffCorrIn_Extractor",
                    "TQX_DiffCorrIn_Extractor::processNewMessage",
                    "..\\messageapi\\formats\\tqx\\src\\TQX_DiffCorrIn_Extractor", 92,
                    "Unsupported DiffCorrIn Mode value");
+    }
     const TQX_Corrections corrections = TQX_correctionsOf(record);
     m_payload = QByteArray(reinterpret_cast<const char*>(corrections.bytes),
                            static_cast<int>(corrections.size));

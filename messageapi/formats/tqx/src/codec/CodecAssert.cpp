@@ -31,9 +31,10 @@ bool isAccepted(const uint16_t* types, uint32_t recordType)
 void assertKind(const TQX_TypeLayout& type, const void* father)
 {
     KORCG_ASSERT(codecPath, father != nullptr, fatherText);
-    if (type.kindAssertion != nullptr)
+    if (type.kindAssertion != nullptr) {
         KORCG_ASSERT(codecPath, isAccepted(type.kindTypes, recordTypeOf(father)),
                      type.kindAssertion);
+    }
 }
 
 const void* assertMainBlock(const TQX_TypeLayout& type, const void* father)

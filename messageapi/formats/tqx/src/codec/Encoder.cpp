@@ -162,10 +162,11 @@ void Encoder::writeElement(const TQX_FieldLayout& field, void* record, uint32_t 
 {
     const size_t place = field.recordOffset + size_t{index} * (bits / 8);
     // Not by the cursor: when the ID does not fit, a narrower field comes to its place.
-    if (record == m_main && field.recordOffset == offsetof(TQX_MainHeader_s, ID))
+    if (record == m_main && field.recordOffset == offsetof(TQX_MainHeader_s, ID)) {
         writeUnit(outgoingId(record), bits);
-    else
+    } else {
         writeUnit(storedBits(static_cast<const uint8_t*>(record) + place, bits), bits);
+    }
     count(record, bits);
 }
 
@@ -251,9 +252,10 @@ int32_t Encoder::writeBlocks(const TQX_TypeLayout& type, const TQX_FieldLayout& 
     const uint32_t entries = countOf(type, field, record);
     KORCG_ASSERT(codecPath, entries == 0 || arrayOf(field, record) != nullptr,
                  "sub-block array != NULL");
-    for (uint32_t i = 0; i < entries; ++i)
+    for (uint32_t i = 0; i < entries; ++i) {
         if (const int32_t result = writeEntry(type, field, record, i); result < 0)
             return result;
+    }
     return 0;
 }
 
@@ -266,10 +268,11 @@ int32_t Encoder::writeRecord(const TQX_TypeLayout& type, void* record, uint32_t 
             continue;
         if (field.kind == TQX_FieldKind::Value) {
             const uint32_t bits = TQX_elementSize(field) * 8;
-            if (fits(bits))
+            if (fits(bits)) {
                 writeElement(field, record, 0, bits);
-            else
+            } else {
                 m_pending = field.code;
+            }
             continue;
         }
         if (m_pending != 0)
@@ -281,12 +284,13 @@ int32_t Encoder::writeRecord(const TQX_TypeLayout& type, void* record, uint32_t 
         }
         if (result < 0)
             return result;
-        if (field.kind == TQX_FieldKind::Blocks)
+        if (field.kind == TQX_FieldKind::Blocks) {
             result = writeBlocks(type, field, record);
-        else if (field.kind == TQX_FieldKind::Embedded)
+        } else if (field.kind == TQX_FieldKind::Embedded) {
             result = writeEntry(type, field, record, 0);
-        else
+        } else {
             result = writeArray(type, field, record);
+        }
         if (result < 0)
             return result;
     }
@@ -364,11 +368,12 @@ uint32_t entrySize(const TQX_TypeLayout& type, Fields fields, unsigned revision)
         if (field.kind == TQX_FieldKind::Bits || field.kind == TQX_FieldKind::Derived ||
             field.count >= 0 || standsBehindEntry(field))
             continue;
-        if (field.kind == TQX_FieldKind::Embedded)
+        if (field.kind == TQX_FieldKind::Embedded) {
             bytes += largestContent(type, i, fields, revision);
-        else if (field.presence != TQX_Presence::Selected &&
-                 isWritten(type, field, nullptr, fields, revision, type.highestRevision))
+        } else if (field.presence != TQX_Presence::Selected &&
+                   isWritten(type, field, nullptr, fields, revision, type.highestRevision)) {
             bytes += TQX_elementSize(field) * field.elements;
+        }
     }
     return bytes;
 }

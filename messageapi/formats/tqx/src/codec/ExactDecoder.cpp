@@ -113,10 +113,11 @@ void ExactDecoder::splitBits(const TQX_FieldLayout& word, uint32_t index)
 
 void ExactDecoder::followUp(const TQX_FieldLayout& field)
 {
-    if (m_type.linksToMain == 0 && field.recordOffset == offsetof(TQX_MainHeader_s, TOW))
+    if (m_type.linksToMain == 0 && field.recordOffset == offsetof(TQX_MainHeader_s, TOW)) {
         writeMember(
             m_record, offsetof(TQX_MainHeader_s, TOWc),
             TQX_continuousTime(m_context, readMember<uint32_t>(m_record, field.recordOffset)));
+    }
     if (field.derive != nullptr)
         field.derive(m_record);
 }
@@ -166,10 +167,11 @@ void ExactDecoder::readArray(const TQX_FieldLayout& field)
         splitBits(field, read);
         ++read;
     }
-    if (read < room)
+    if (read < room) {
         m_pending = field.code;
-    else if (count > field.elements)
+    } else if (count > field.elements) {
         m_pending = field.code - 1;
+    }
     if (field.kind == TQX_FieldKind::Text || field.kind == TQX_FieldKind::CountedText)
         writeUnsigned(field, m_record, read, 0);
     if (m_pending == 0 && field.countsBytes)
@@ -206,9 +208,10 @@ int32_t ExactDecoder::readBlocks(const TQX_FieldLayout& field)
     if (count == 0)
         return 0;
     setArray(field, m_record, std::calloc(count, TQX_elementSize(field)), ArrayStorage::Own);
-    for (uint32_t i = 0; i < count; ++i)
+    for (uint32_t i = 0; i < count; ++i) {
         if (const int32_t result = readEntry(field, i); result < 0)
             return result;
+    }
     return 0;
 }
 

@@ -82,9 +82,10 @@ TQX_FieldInputs TQX_inputs(const TQX_FieldFacts& field)
 
 bool TQX_hasInputs(const TQX_FieldFacts& field, const void* record)
 {
-    for (const TQX_FieldInput& input : TQX_inputs(field))
+    for (const TQX_FieldInput& input : TQX_inputs(field)) {
         if (!isAvailable(input, record))
             return false;
+    }
     return true;
 }
 

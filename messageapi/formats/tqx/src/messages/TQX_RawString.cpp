@@ -98,10 +98,11 @@ private:
     {
         Real value;
         std::memcpy(&value, TQX_element(field, m_record, index), sizeof value);
-        if (Message::useDoNotUseString && TQX_isRealDoNotUse(facts, static_cast<double>(value)))
+        if (Message::useDoNotUseString && TQX_isRealDoNotUse(facts, static_cast<double>(value))) {
             m_text += Message::doNotUseString;
-        else
+        } else {
             m_text += FloatRepresentation::getString(value, 'f', facts.precision, false);
+        }
     }
 
     template<typename Integer>
@@ -130,8 +131,9 @@ QString TQX_rawString(uint32_t recordType, const void* record, const QVector<boo
     const TQX_FieldFacts* facts = TQX_fieldFacts(recordType);
     const int count = std::min(fieldMask.size(), static_cast<int>(type.fieldCount));
     RawLine line(type, record);
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         if (fieldMask[i])
             line.appendField(type.fields[i], facts[i]);
+    }
     return line.take();
 }

@@ -274,10 +274,11 @@ QString TQX_FieldInfo::realText(const void* record, unsigned index, bool withUni
     const double value = TQX_FieldAccess::real(m_field, record, index);
     if (TQX_isRealDoNotUse(m_facts, value))
         return doNotUseText();
-    if (m_field.type == TQX_MemberType::F32)
+    if (m_field.type == TQX_MemberType::F32) {
         return withUnitWord(
             FloatRepresentation::getString(static_cast<float>(value), 'f', m_facts.precision, true),
             withUnit);
+    }
     return withUnitWord(FloatRepresentation::getString(value, 'f', m_facts.precision, true),
                         withUnit);
 }

@@ -67,9 +67,10 @@ void TQX_FormatInfo::setupMessageInfos()
     m_setupStarted = true;
     const TQX_RegistrationList list = TQX_registration();
     for (unsigned i = 0; i < list.count; ++i) {
-        if (list.rows[i].isMain)
+        if (list.rows[i].isMain) {
             addMessageInfo(list.rows[i].getInstance());
-        else
+        } else {
             addSubMessageInfo(list.rows[i].getInstance());
+        }
     }
 }

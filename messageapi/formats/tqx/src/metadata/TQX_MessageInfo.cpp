@@ -28,10 +28,11 @@ TQX_MessageInfo::TQX_MessageInfo(const TQX_TypeRow& type)
     : MessageInfo(QString::fromLatin1(TQX_layout(type.recordType)->name)), m_type(&type)
 {
     MemLeakTracer::allocateObject(type.className);
-    if (TQX_layout(type.recordType)->blockNumber == 0)
+    if (TQX_layout(type.recordType)->blockNumber == 0) {
         setIsMain(false);
-    else if (const auto text = TQX_description(*TQX_typeFacts(type.recordType)); !text.empty())
+    } else if (const auto text = TQX_description(*TQX_typeFacts(type.recordType)); !text.empty()) {
         setShortDescriptiveText(QString::fromUtf8(text.data(), static_cast<int>(text.size())));
+    }
     setFormatInfo(TQX_FormatInfo::getInstance());
 }
 

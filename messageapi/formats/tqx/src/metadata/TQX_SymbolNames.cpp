@@ -42,9 +42,10 @@ private:
 TQX_SymbolNames::TQX_SymbolNames(const TQX_NamedValues& values) : m_values(values)
 {
     m_names.reserve(values.size());
-    for (const TQX_NamedValue& value : values)
+    for (const TQX_NamedValue& value : values) {
         m_names.push_back(
             QString::fromUtf8(value.name.data(), static_cast<int>(value.name.size())));
+    }
 }
 
 const TQX_SymbolNames& TQX_SymbolNames::of(const TQX_FieldFacts& field)

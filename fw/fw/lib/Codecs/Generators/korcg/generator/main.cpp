@@ -58,9 +58,10 @@ int generate(const Options& options)
     // For people, so it is written only when asked for.
     if (options.only == "reference")
         emitReference(format, selection, output);
-    if (options.listOutputs)
+    if (options.listOutputs) {
         for (const std::string& name : output.names())
             fmt::print("{}\n", name);
+    }
     return 0;
 }
 

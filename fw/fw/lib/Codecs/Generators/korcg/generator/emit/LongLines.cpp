@@ -19,12 +19,13 @@ std::vector<bool> literalsOf(std::string_view line)
     char quote = 0;
     for (size_t i = 0; i < line.size(); ++i) {
         inside[i] = quote != 0;
-        if (quote != 0 && line[i] == '\\' && i + 1 < line.size())
+        if (quote != 0 && line[i] == '\\' && i + 1 < line.size()) {
             inside[++i] = true;
-        else if (quote != 0 && line[i] == quote)
+        } else if (quote != 0 && line[i] == quote) {
             quote = 0;
-        else if (quote == 0 && (line[i] == '"' || line[i] == '\''))
+        } else if (quote == 0 && (line[i] == '"' || line[i] == '\'')) {
             quote = line[i];
+        }
     }
     return inside;
 }
@@ -119,12 +120,13 @@ void appendLine(std::string& result, std::string_view line)
 {
     const size_t indent = std::min(line.find_first_not_of(' '), line.size());
     const std::string_view words = line.substr(indent);
-    if (line.size() <= textWidth || words.substr(0, 1) == "#" || line.back() == '\\')
+    if (line.size() <= textWidth || words.substr(0, 1) == "#" || line.back() == '\\') {
         result.append(line) += '\n';
-    else if (words.substr(0, 2) == "//")
+    } else if (words.substr(0, 2) == "//") {
         appendComment(result, line, indent);
-    else
+    } else {
         appendStatement(result, std::string(line), indent);
+    }
 }
 
 } // namespace

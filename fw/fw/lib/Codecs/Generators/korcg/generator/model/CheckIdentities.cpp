@@ -27,9 +27,10 @@ struct Identity {
 std::vector<Identity> identities(const Format& format)
 {
     std::vector<Identity> all;
-    for (const RecordType& type : format.types)
+    for (const RecordType& type : format.types) {
         if (!type.name.empty() || !type.broken)
             all.push_back({type.name, type.record, type.number, type.where});
+    }
     for (const ReservedType& type : format.reserved)
         all.push_back({type.name, type.record, type.number, type.where});
     return all;
@@ -66,12 +67,14 @@ void checkRanges(const Format& format, Errors& errors)
     for (const Identity& type : identities(format)) {
         if (!isIdentifier(type.name))
             errors.add(type.where, fmt::format("'{}' cannot name a type", type.name));
-        if (type.record > lastRecord)
+        if (type.record > lastRecord) {
             errors.add(type.where, fmt::format("record number {} of {} is above {}", type.record,
                                                type.name, lastRecord));
-        if (type.number > lastBlockNumber)
+        }
+        if (type.number > lastBlockNumber) {
             errors.add(type.where, fmt::format("block number {} of {} is above {}", type.number,
                                                type.name, lastBlockNumber));
+        }
     }
 }
 
@@ -86,17 +89,19 @@ void checkRegistration(const Format& format, Errors& errors)
     std::set<std::string> registered;
     for (const RegistrationEntry& entry : format.registration) {
         const auto type = hasMessage.find(entry.name);
-        if (!registered.insert(entry.name).second)
+        if (!registered.insert(entry.name).second) {
             errors.add(entry.where, fmt::format("{} is registered twice", entry.name));
-        else if (type == hasMessage.end())
+        } else if (type == hasMessage.end()) {
             errors.add(entry.where, fmt::format("registered type {} does not exist", entry.name));
-        else if (!type->second)
+        } else if (!type->second) {
             errors.add(entry.where,
                        fmt::format("registered type {} has no message class", entry.name));
+        }
     }
-    for (const RecordType& type : format.types)
+    for (const RecordType& type : format.types) {
         if (type.hasMessage && !type.name.empty() && registered.count(type.name) == 0)
             errors.add(type.where, fmt::format("{} is missing in the registration", type.name));
+    }
 }
 
 } // namespace

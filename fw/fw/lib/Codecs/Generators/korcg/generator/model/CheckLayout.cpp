@@ -56,10 +56,11 @@ private:
         if (target < 0)
             return;
         const Field& other = at(target);
-        if (other.isRepeated || !other.subType.empty() || !isInteger(other.type))
+        if (other.isRepeated || !other.subType.empty() || !isInteger(other.type)) {
             error(field, "cannot use {} as {}: it is no single whole number", other.name, what);
-        else if (target >= row)
+        } else if (target >= row) {
             error(field, "stands before its {} {}", what, other.name);
+        }
     }
 
     void checkCapacity(const Field& field)
@@ -69,9 +70,10 @@ private:
         const uint64_t most = maximumOf(at(field.count));
         const auto needed = static_cast<uint64_t>(field.elements) *
                             static_cast<uint64_t>(field.countsBytes ? bitsOf(field.type) / 8 : 1);
-        if (most < needed)
+        if (most < needed) {
             error(field, "cannot be filled: its count {} goes up to {} of {}", at(field.count).name,
                   most, needed);
+        }
     }
 
     void checkSelection(const Field& field)
@@ -79,19 +81,21 @@ private:
         if (field.selector < 0)
             return;
         const Field& selector = at(field.selector);
-        if (isInteger(selector.type) && !fits(selector, int64_t{field.presenceValue}))
+        if (isInteger(selector.type) && !fits(selector, int64_t{field.presenceValue})) {
             error(field, "is selected by {} = {}, which is no value of {}", selector.name,
                   field.presenceValue, valueTypeName(selector));
+        }
     }
 
     void checkOffset(const Field& field)
     {
         if (!field.toldOffset || *field.toldOffset == field.wireOffset)
             return;
-        if (field.wireOffset < 0)
+        if (field.wireOffset < 0) {
             error(field, "has no constant offset, though {} is told", *field.toldOffset);
-        else
+        } else {
             error(field, "has offset {}, not {} as told", field.wireOffset, *field.toldOffset);
+        }
     }
 
     void checkPadding(const Field& field)
@@ -123,11 +127,12 @@ private:
                 error(field, "must not stand behind padding of a single revision");
             const bool isNewer = field.presence == Presence::SinceRevision && !field.alwaysSent;
             const int since = isNewer ? field.presenceValue : 0;
-            if (since < revision)
+            if (since < revision) {
                 error(field, "{} must not stand behind fields of revision {}",
                       since == 0 ? "is in every revision and"
                                  : fmt::format("of revision {}", since),
                       revision);
+            }
             revision = std::max(revision, since);
         }
     }
@@ -156,9 +161,10 @@ private:
             (selector < 0 ? bytes : alternatives[field.presenceValue]) += wireSize(field);
         }
         close();
-        if (bytes > largestBlock)
+        if (bytes > largestBlock) {
             m_errors.add(m_type.where, fmt::format("{} takes up to {} bytes, more than {}",
                                                    m_type.name, bytes, largestBlock));
+        }
         if (!holdsFields)
             m_errors.add(m_type.where, fmt::format("{} has no fields", m_type.name));
     }

@@ -26,16 +26,17 @@ constexpr std::string_view messageMembers[] = {
 void checkIdentifier(const RecordType& type, const Field& field, Errors& errors)
 {
     const std::string name = identifier(field.name);
-    if (isKeyword(name))
+    if (isKeyword(name)) {
         errors.add(field.where,
                    fmt::format("{} is named like a C++ keyword", qualified(type, field)));
-    else if (!isIdentifier(name))
+    } else if (!isIdentifier(name)) {
         errors.add(field.where, fmt::format("'{}' cannot name a field of {}: letters, digits, "
                                             "blanks and underscores only, no digit in front",
                                             field.name, type.name));
-    else if (name.rfind(bookkeepingPrefix, 0) == 0)
+    } else if (name.rfind(bookkeepingPrefix, 0) == 0) {
         errors.add(field.where,
                    fmt::format("{} is named like a bookkeeping member", qualified(type, field)));
+    }
 }
 
 void checkHiding(const RecordType& type, const Field& field, Errors& errors)
@@ -44,13 +45,14 @@ void checkHiding(const RecordType& type, const Field& field, Errors& errors)
     const bool hides = type.hasMessage &&
                        std::find(std::begin(messageMembers), std::end(messageMembers), getter) !=
                            std::end(messageMembers);
-    if (hides && field.hides.empty())
+    if (hides && field.hides.empty()) {
         errors.add(field.where, fmt::format("{} makes a getter that hides Message::{}; "
                                             "'hides: {}' would allow it",
                                             qualified(type, field), getter, getter));
-    else if (!field.hides.empty() && (!hides || field.hides != getter))
+    } else if (!field.hides.empty() && (!hides || field.hides != getter)) {
         errors.add(field.where, fmt::format("{} does not hide Message::{}", qualified(type, field),
                                             field.hides));
+    }
 }
 
 std::string describe(const Field& field)
@@ -73,9 +75,10 @@ void checkCollisions(const RecordType& type, Errors& errors)
         if (!field.hasCode())
             continue;
         const auto [code, isNewCode] = codes.emplace(upperName(field.name), &field);
-        if (!isNewCode)
+        if (!isNewCode) {
             errors.add(field.where, fmt::format("{} gives the same code names as {}",
                                                 qualified(type, field), code->second->name));
+        }
     }
 }
 
@@ -87,10 +90,11 @@ void checkOverlaps(const RecordType& type, Errors& errors)
             continue;
         const uint64_t ones = field.width >= 64 ? ~uint64_t{0} : (uint64_t{1} << field.width) - 1;
         uint64_t& used = usedBits[field.parent];
-        if ((used & ones << field.shift) != 0)
+        if ((used & ones << field.shift) != 0) {
             errors.add(field.where, fmt::format("{} overlaps another sub-field; 'virtual: true' "
                                                 "would allow it",
                                                 qualified(type, field)));
+        }
         used |= ones << field.shift;
     }
 }

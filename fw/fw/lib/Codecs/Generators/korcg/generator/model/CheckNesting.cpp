@@ -23,13 +23,14 @@ bool checkSubTypes(const Format& format, const RecordType& type, Errors& errors)
         const bool isReserved =
             std::any_of(format.reserved.begin(), format.reserved.end(),
                         [&field](const ReservedType& each) { return each.name == field.subType; });
-        if (!sub)
+        if (!sub) {
             errors.add(field.where,
                        fmt::format("{} holds {}, which {}", qualified(type, field), field.subType,
                                    isReserved ? "is not described yet" : "does not exist"));
-        else if (sub->isMain())
+        } else if (sub->isMain()) {
             errors.add(field.where, fmt::format("{} holds {}, which is a main block",
                                                 qualified(type, field), field.subType));
+        }
     }
     return errors.count() == errorsBefore;
 }
@@ -64,10 +65,11 @@ void checkLevel(const RecordType& type, Errors& errors)
         return;
     const Range& range = *std::find_if(std::begin(ranges), std::end(ranges),
                                        [&](const Range& each) { return type.record <= each.last; });
-    if (&range - ranges != type.level)
+    if (&range - ranges != type.level) {
         errors.add(type.where,
                    fmt::format("{} {}, but record numbers {} to {} {}", type.name,
                                actual[type.level], range.first, range.last, range.meaning));
+    }
 }
 
 /// Sub-blocks that look up a length assert the kind of the main block, one kind for all of them.
@@ -86,14 +88,16 @@ void checkKinds(const Format& format, const RecordType& type, Errors& errors)
         for (const int owner : type.owners) {
             const RecordType& main = format.types[static_cast<std::size_t>(owner)];
             kinds.insert(main.kindName);
-            if (main.isMain() && main.kindName.empty())
+            if (main.isMain() && main.kindName.empty()) {
                 errors.add(main.where, fmt::format("{} needs 'kind': {} takes a length from it",
                                                    main.name, qualified(type, field)));
+            }
         }
         kinds.erase("");
-        if (kinds.size() > 1)
+        if (kinds.size() > 1) {
             errors.add(field.where, fmt::format("the main blocks around {} are of different kinds",
                                                 qualified(type, field)));
+        }
     }
 }
 
@@ -105,12 +109,14 @@ void checkMainLengths(const Format& format, const RecordType& type, Errors& erro
             continue;
         for (const int owner : type.owners) {
             const RecordType& main = format.types[static_cast<std::size_t>(owner)];
-            for (std::size_t row = 0; row < main.fields.size(); ++row)
-                if (main.fields[row].subType == type.name && static_cast<int>(row) < field.length)
+            for (std::size_t row = 0; row < main.fields.size(); ++row) {
+                if (main.fields[row].subType == type.name && static_cast<int>(row) < field.length) {
                     errors.add(main.fields[row].where,
                                fmt::format("{} stands before the length that {} takes",
                                            qualified(main, main.fields[row]),
                                            qualified(type, field)));
+                }
+            }
         }
     }
 }

@@ -64,9 +64,10 @@ private:
             std::find_if(values.begin(), values.end(), [this](const SymbolicValue& symbol) {
                 return !fits(m_field, symbol.value);
             });
-        if (wrong != values.end())
+        if (wrong != values.end()) {
             error(fmt::format("is {} and cannot be {} '{}' of symbol table '{}'",
                               valueTypeName(m_field), wrong->value, wrong->name, m_field.symbols));
+        }
     }
 
     void checkInitial()
@@ -91,9 +92,10 @@ private:
 
 void checkValues(const Format& format, const RecordType& type, Errors& errors)
 {
-    for (const Field& field : type.fields)
+    for (const Field& field : type.fields) {
         if (!field.isHeader)
             ValueCheck(format, type, field, errors).run();
+    }
 }
 
 } // namespace korcg::generator

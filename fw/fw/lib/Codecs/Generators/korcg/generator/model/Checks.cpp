@@ -15,9 +15,10 @@ std::string qualified(const RecordType& type, const Field& field)
 
 int findRow(const RecordType& type, const std::string& name)
 {
-    for (std::size_t row = 0; row < type.fields.size(); ++row)
+    for (std::size_t row = 0; row < type.fields.size(); ++row) {
         if (identifier(type.fields[row].name) == name)
             return static_cast<int>(row);
+    }
     return -1;
 }
 

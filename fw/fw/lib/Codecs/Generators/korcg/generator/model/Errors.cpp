@@ -24,9 +24,10 @@ std::vector<std::string> Errors::report() const
     });
     std::vector<std::string> lines;
     lines.reserve(sorted.size() + 1);
-    for (const Error& error : sorted)
+    for (const Error& error : sorted) {
         lines.push_back(
             fmt::format("{}:{}: {}", error.where.file, error.where.line, error.message));
+    }
     if (m_count > m_errors.size())
         lines.push_back(fmt::format("{} more errors", m_count - m_errors.size()));
     return lines;

@@ -89,9 +89,10 @@ private:
     void findLinks()
     {
         std::set<int> above;
-        for (std::size_t i = 0; i < m_format.types.size(); ++i)
+        for (std::size_t i = 0; i < m_format.types.size(); ++i) {
             if (m_format.types[i].isMain())
                 above.insert(static_cast<int>(i));
+        }
         for (int depth = 1; depth <= deepest && !above.empty(); ++depth) {
             std::set<int> here;
             for (std::size_t i = 0; i < m_format.types.size(); ++i) {
@@ -99,9 +100,10 @@ private:
                 if (type.isMain() || !isHeldBy(type, above))
                     continue;
                 here.insert(static_cast<int>(i));
-                if (type.linksToMain != 0 && type.linksToMain != depth)
+                if (type.linksToMain != 0 && type.linksToMain != depth) {
                     m_errors.add(type.where,
                                  fmt::format("{} is held at different depths", type.name));
+                }
                 type.linksToMain = depth;
             }
             above = here;

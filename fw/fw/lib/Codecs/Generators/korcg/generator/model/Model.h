@@ -172,9 +172,10 @@ struct Format {
 
     const RecordType* find(const std::string& typeName) const
     {
-        for (const RecordType& type : types)
+        for (const RecordType& type : types) {
             if (type.name == typeName)
                 return &type;
+        }
         return nullptr;
     }
 };

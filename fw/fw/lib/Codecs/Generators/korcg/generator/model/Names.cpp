@@ -127,10 +127,11 @@ std::string literal(std::string_view text)
     for (const char c : text) {
         if (c == '"' || c == '\\')
             result += '\\';
-        if (c == '\n')
+        if (c == '\n') {
             result += "\\n";
-        else
+        } else {
             result += c;
+        }
     }
     return result + '"';
 }

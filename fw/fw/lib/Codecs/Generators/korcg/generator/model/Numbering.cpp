@@ -83,10 +83,11 @@ public:
                 takeReserved ? waiting[reserved]->record : m_format.types[described].record;
             if (record > bufferOverflowAfterRecord)
                 bufferOverflow();
-            if (takeReserved)
+            if (takeReserved) {
                 run(*waiting[reserved++]);
-            else
+            } else {
                 run(m_format.types[described++]);
+            }
         }
         bufferOverflow();
     }
@@ -94,17 +95,20 @@ public:
     void disabled()
     {
         std::vector<std::pair<int, std::pair<std::string, int*>>> mains;
-        for (RecordType& type : m_format.types)
+        for (RecordType& type : m_format.types) {
             if (type.isMain())
                 mains.push_back({type.record, {type.name, &type.disabled}});
-        for (ReservedType& type : m_format.reserved)
+        }
+        for (ReservedType& type : m_format.reserved) {
             if (type.number != 0)
                 mains.push_back({type.record, {type.name, &type.disabled}});
+        }
         std::stable_sort(mains.begin(), mains.end(),
                          [](const auto& a, const auto& b) { return a.first < b.first; });
-        for (auto& main : mains)
+        for (auto& main : mains) {
             *main.second.second =
                 next(fmt::format("TQX_ERR_{}_DISABLED", upperName(main.second.first)));
+        }
     }
 
     void end()
@@ -155,9 +159,10 @@ private:
                 continue;
             const std::string fieldName = upperName(field.name);
             field.code = next(fmt::format("TQX_ERR_{}_{}_EXT_BUFFER_OVERFLOW", name, fieldName));
-            if (canExceedCapacity(type, field))
+            if (canExceedCapacity(type, field)) {
                 field.capacityCode =
                     next(fmt::format("TQX_ERR_{}_{}_INT_BUFFER_OVERFLOW", name, fieldName));
+            }
         }
         const auto underflow = [&](std::string_view field) {
             return next(fmt::format("TQX_ERR_{}_{}_SIZE_UNDERFLOW", name, upperName(field)));

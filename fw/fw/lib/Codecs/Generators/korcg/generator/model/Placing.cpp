@@ -20,10 +20,11 @@ public:
     void place(RecordType& type)
     {
         for (Field& field : type.fields) {
-            if (field.kind == FieldKind::Bits)
+            if (field.kind == FieldKind::Bits) {
                 field.wireOffset = type.fields[static_cast<std::size_t>(field.parent)].wireOffset;
-            else if (field.onWire())
+            } else if (field.onWire()) {
                 field.wireOffset = placeWireField(field);
+            }
         }
     }
 
@@ -38,9 +39,10 @@ private:
             m_selector = -1;
             m_position = notConstant;
         }
-        if (field.presence == Presence::SinceRevision && !field.alwaysSent)
+        if (field.presence == Presence::SinceRevision && !field.alwaysSent) {
             for (; m_revision < field.presenceValue; ++m_revision)
                 m_ends[m_revision] = m_position;
+        }
         const int here = m_position;
         advance(m_position, field);
         return here;

@@ -28,9 +28,10 @@ constexpr std::array<std::pair<std::string_view, Scalar>, 10> scalarWords = {{
 
 std::optional<Scalar> scalarNamed(std::string_view word)
 {
-    for (const auto& [name, type] : scalarWords)
+    for (const auto& [name, type] : scalarWords) {
         if (name == word)
             return type;
+    }
     return std::nullopt;
 }
 

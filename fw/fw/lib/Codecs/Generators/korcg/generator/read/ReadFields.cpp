@@ -50,14 +50,15 @@ void readCommon(const YamlMap& map, FieldDraft& draft)
 
     if (const std::optional<std::string> role = map.text("role")) {
         draft.roleTold = true;
-        if (*role == "data")
+        if (*role == "data") {
             field.role = Role::Data;
-        else if (*role == "structure")
+        } else if (*role == "structure") {
             field.role = Role::Structure;
-        else if (*role == "reserved")
+        } else if (*role == "reserved") {
             field.role = Role::Reserved;
-        else
+        } else {
             map.error("role", "must be data, structure or reserved");
+        }
     }
 }
 
@@ -103,10 +104,11 @@ void readDoNotUse(const YamlMap& map, Field& field)
     };
     if (isReal(field.type)) {
         const std::optional<double> value = realNumber(map.node("none"));
-        if (value)
+        if (value) {
             field.doNotUse = *value;
-        else
+        } else {
             wrong();
+        }
         return;
     }
     const std::optional<WholeNumber> number = wholeNumber(map.node("none"));
@@ -121,10 +123,11 @@ void readDoNotUse(const YamlMap& map, Field& field)
             return wrong();
         value = *narrow;
     }
-    if (fits(field, value))
+    if (fits(field, value)) {
         field.doNotUse = value;
-    else
+    } else {
         wrong();
+    }
 }
 
 /// Keys that tell how a value is shown.
@@ -164,11 +167,11 @@ void readBitRange(const YamlMap& map, Field& field, int wordBits)
         low = bit(at[0]);
         high = bit(at[1]);
     }
-    if (!low || !high || *low > *high)
+    if (!low || !high || *low > *high) {
         map.error("at", "must be a bit or [lowest bit, highest bit]");
-    else if (*high >= wordBits)
+    } else if (*high >= wordBits) {
         map.error("at", fmt::format("reaches bit {} of a word of {} bits", *high, wordBits));
-    else {
+    } else {
         field.shift = static_cast<int>(*low);
         field.width = static_cast<int>(*high - *low + 1);
     }
@@ -182,10 +185,11 @@ FieldDraft readSubField(const ReadContext& context, const YAML::Node& node, int 
     Field& field = draft.field;
     field.kind = FieldKind::Bits;
     field.width = 1;
-    if (!map.has("at"))
+    if (!map.has("at")) {
         map.error("at", "is missing");
-    else
+    } else {
         readBitRange(map, field, wordBits);
+    }
     const bool isSigned = map.flag("signed").value_or(false);
     if (isSigned && field.width > 32)
         map.error("signed", "goes up to 32 bits only");
@@ -309,10 +313,11 @@ FieldDraft readDerivedField(const ReadContext& context, const YAML::Node& node)
     if (!map.has("from"))
         map.error("from", "is missing");
     for (const YAML::Node& input : map.list("from")) {
-        if (input.IsScalar())
+        if (input.IsScalar()) {
             field.inputs.push_back(input.Scalar());
-        else
+        } else {
             context.error(input, "an input must be the name of a field");
+        }
     }
     draft.after = mention(map, "after");
     readMetadata(map, draft);

@@ -23,12 +23,13 @@ void givenOnce(const YamlMap& map, std::string_view key, bool isGiven)
 void readUnits(const ReadContext& context, const YamlMap& map, Format& format)
 {
     for (const YAML::Node& unit : map.list("units")) {
-        if (!unit.IsScalar())
+        if (!unit.IsScalar()) {
             context.error(unit, "a unit must be a word");
-        else if (std::count(format.units.begin(), format.units.end(), unit.Scalar()) != 0)
+        } else if (std::count(format.units.begin(), format.units.end(), unit.Scalar()) != 0) {
             context.error(unit, fmt::format("unit '{}' given twice", unit.Scalar()));
-        else
+        } else {
             format.units.push_back(unit.Scalar());
+        }
     }
 }
 
@@ -36,20 +37,22 @@ void readScales(const ReadContext& context, const YamlMap& map, Format& format)
 {
     for (const YAML::Node& node : map.list("scales")) {
         const std::optional<double> scale = realNumber(node);
-        if (scale)
+        if (scale) {
             format.scales.push_back(*scale);
-        else
+        } else {
             context.error(node, "a scale must be a number or a fraction \"1/3600\"");
+        }
     }
 }
 
 void readRegistration(const ReadContext& context, const YamlMap& map, Format& format)
 {
     for (const YAML::Node& node : map.list("registration")) {
-        if (node.IsScalar())
+        if (node.IsScalar()) {
             format.registration.push_back({node.Scalar(), context.at(node)});
-        else
+        } else {
             context.error(node, "an entry of the registration must be the name of a type");
+        }
     }
 }
 

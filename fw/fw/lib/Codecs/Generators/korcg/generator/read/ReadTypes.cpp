@@ -26,10 +26,11 @@ void readBlockAttributes(const YamlMap& map, RecordType& type)
     type.esoc = map.flag("esoc").value_or(false);
     type.kindName = map.text("kind").value_or("");
     const std::string timestamp = map.requiredText("timestamp");
-    if (timestamp == "R" || timestamp == "S" || timestamp == "E")
+    if (timestamp == "R" || timestamp == "S" || timestamp == "E") {
         type.timestamp = timestamp.front();
-    else if (map.has("timestamp"))
+    } else if (map.has("timestamp")) {
         map.error("timestamp", "must be R, S or E");
+    }
 }
 
 TypeDraft readType(const ReadContext& context, const YAML::Node& node)

@@ -44,9 +44,10 @@ Format readDescription(const std::vector<Source>& sources, Errors& errors)
             errors.add({source.file, failure.mark.line + 1}, failure.msg);
         }
     }
-    if (format.name.empty())
+    if (format.name.empty()) {
         errors.add({sources.empty() ? "" : sources.front().file, 0},
                    "no file tells the name of the format ('format')");
+    }
     resolve(std::move(drafts), format, errors);
     return format;
 }

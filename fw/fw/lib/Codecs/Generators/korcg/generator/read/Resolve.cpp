@@ -32,9 +32,10 @@ public:
     void run()
     {
         flatten();
-        for (std::size_t row = 0; row < m_type.fields.size(); ++row)
+        for (std::size_t row = 0; row < m_type.fields.size(); ++row) {
             if (m_drafts[row])
                 resolveNames(m_type.fields[row], *m_drafts[row]);
+        }
         for (Field& field : m_type.fields)
             inherit(field);
         for (std::size_t row = 0; row < m_type.fields.size(); ++row)
@@ -150,12 +151,13 @@ private:
         const FieldDraft* const draft = m_drafts[static_cast<std::size_t>(row)];
         const bool holdsRecords =
             field.kind == FieldKind::Blocks || field.kind == FieldKind::Embedded;
-        if (holdsRecords)
+        if (holdsRecords) {
             field.role = Role::Unset;
-        else if (draft && !draft->roleTold)
+        } else if (draft && !draft->roleTold) {
             field.role = field.isPadding || isStructural(row)   ? Role::Structure
                          : field.name.rfind("Reserved", 0) == 0 ? Role::Reserved
                                                                 : Role::Data;
+        }
         if (field.kind == FieldKind::Derived && draft && !draft->virtualTold)
             field.isVirtual = true;
         field.isOptional = field.presence != Presence::Always;
@@ -204,11 +206,12 @@ struct MainMention {
 std::vector<const RecordType*> mainsAround(const Format& format, const std::string& name)
 {
     std::vector<const RecordType*> mains;
-    for (const RecordType& owner : format.types)
+    for (const RecordType& owner : format.types) {
         if (owner.isMain() &&
             std::any_of(owner.fields.begin(), owner.fields.end(),
                         [&name](const Field& field) { return field.subType == name; }))
             mains.push_back(&owner);
+    }
     return mains;
 }
 
@@ -228,10 +231,11 @@ int rowInMains(const Format& format, const MainMention& mention, Errors& errors)
             continue;
         }
         const int here = static_cast<int>(found - main->fields.begin());
-        if (row >= 0 && here != row)
+        if (row >= 0 && here != row) {
             errors.add(mention.field.where,
                        fmt::format("'{}' stands in different places of {} and {}",
                                    mention.field.name, mains.front()->name, main->name));
+        }
         row = here;
     }
     return row;
@@ -242,19 +246,22 @@ int rowInMains(const Format& format, const MainMention& mention, Errors& errors)
 void resolve(std::vector<TypeDraft> drafts, Format& format, Errors& errors)
 {
     std::set<std::string> mainLengths;
-    for (const TypeDraft& draft : drafts)
-        for (const FieldDraft& field : draft.fields)
+    for (const TypeDraft& draft : drafts) {
+        for (const FieldDraft& field : draft.fields) {
             if (field.sizeInMain)
                 mainLengths.insert(identifier(field.size.name));
+        }
+    }
 
     std::vector<MainMention> mentions;
     for (TypeDraft& draft : drafts) {
         TypeResolver resolver(draft, mainLengths, format, errors);
         resolver.run();
         RecordType& type = draft.type;
-        for (std::size_t row = 0; row < type.fields.size(); ++row)
+        for (std::size_t row = 0; row < type.fields.size(); ++row) {
             if (type.fields[row].lengthInMain)
                 mentions.push_back({type.name, row, resolver.draftOf(row)->size});
+        }
         format.types.push_back(type);
     }
     std::stable_sort(format.types.begin(), format.types.end(),

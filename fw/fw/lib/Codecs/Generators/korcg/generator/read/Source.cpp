@@ -13,9 +13,10 @@ std::vector<Source> readSources(const std::filesystem::path& directory, Errors& 
     std::error_code failure;
     std::vector<std::filesystem::path> paths;
     std::filesystem::directory_iterator entry(directory, failure);
-    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure))
+    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
         if (entry->path().extension() == ".yaml")
             paths.push_back(entry->path());
+    }
     if (failure) {
         errors.add(whole, "cannot be read: " + failure.message());
         return {};
@@ -29,10 +30,11 @@ std::vector<Source> readSources(const std::filesystem::path& directory, Errors& 
         std::ifstream stream(path, std::ios::binary);
         Source source{path.string(),
                       {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()}};
-        if (!stream)
+        if (!stream) {
             errors.add({source.file, 0}, "cannot be read");
-        else
+        } else {
             sources.push_back(std::move(source));
+        }
     }
     return sources;
 }

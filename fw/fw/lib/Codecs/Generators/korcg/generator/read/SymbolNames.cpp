@@ -52,12 +52,13 @@ public:
         const std::optional<WholeNumber> number = wholeNumber(key);
         const std::optional<int64_t> value =
             number ? number->within(lowestValue, highestValue) : std::nullopt;
-        if (!value)
+        if (!value) {
             m_context.error(key, "a named value must be a whole number of up to 32 bits");
-        else if (!name.IsScalar())
+        } else if (!name.IsScalar()) {
             m_context.error(key, fmt::format("the name of {} must be a text", *value));
-        else
+        } else {
             add(key, *value, name.Scalar());
+        }
     }
 
     void readEntry(const YAML::Node& node)
@@ -84,23 +85,25 @@ public:
             map.error("to", "must not lie before 'from', nor far behind it");
             return;
         }
-        for (int value = *from; value <= *to; ++value)
+        for (int value = *from; value <= *to; ++value) {
             add(node, value,
                 fmt::format("{}{:0{}d}{}", name.substr(0, place->begin),
                             start.value_or(*from) + value - *from, place->digits,
                             name.substr(place->end)));
+        }
     }
 
 private:
     void add(const YAML::Node& node, int64_t value, std::string name)
     {
-        if (name.empty())
+        if (name.empty()) {
             m_context.error(node, fmt::format("the name of {} is empty", value));
-        else if (!m_values.insert(value).second)
+        } else if (!m_values.insert(value).second) {
             m_context.error(node, fmt::format("value {} named twice in symbol table '{}'", value,
                                               m_table.name));
-        else
+        } else {
             m_table.values.push_back({value, std::move(name)});
+        }
     }
 
     const ReadContext& m_context;

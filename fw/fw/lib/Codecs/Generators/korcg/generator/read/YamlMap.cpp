@@ -103,10 +103,11 @@ YamlMap::YamlMap(const ReadContext& context, const YAML::Node& node, std::string
             continue;
         }
         const std::string& key = entry.first.Scalar();
-        if (std::find(keys.begin(), keys.end(), key) == keys.end())
+        if (std::find(keys.begin(), keys.end(), key) == keys.end()) {
             m_context.error(entry.first, fmt::format("unknown key '{}' in {}", key, what));
-        else if (!m_values.emplace(key, entry.second).second)
+        } else if (!m_values.emplace(key, entry.second).second) {
             m_context.error(entry.first, fmt::format("key '{}' given twice in {}", key, what));
+        }
     }
 }
 

@@ -118,12 +118,13 @@ std::string plainBlocks(const Format& format, const RecordType& type, const Fiel
     const Shape shape = shapeOf(sub);
     const std::string name = identifier(field.name);
     std::string text = "    {\n";
-    if (shape.conditional)
+    if (shape.conditional) {
         text += fmt::format("        constexpr uint16_t knownBytes[8] = {{{}}};\n"
                             "        const uint32_t known = knownBytes[record->Revision];\n",
                             sizeText(shape));
-    else
+    } else {
         text += fmt::format("        constexpr uint32_t known = {};\n", sizeText(shape));
+    }
     text += fmt::format(
         "        const uint32_t count = record->{count};\n"
         "        const uint32_t entry = entryBytes({length}, known);\n"
@@ -160,12 +161,13 @@ std::string nestedBlocks(const Format& format, const RecordType& type, const Fie
     const Shape subShape = shapeOf(sub);
     std::string text = "    {\n";
     text += fmt::format("        constexpr uint32_t known = {};\n", sizeText(subShape));
-    if (leafShape.conditional)
+    if (leafShape.conditional) {
         text += fmt::format("        constexpr uint16_t nestedBytes[8] = {{{}}};\n"
                             "        const uint32_t nestedKnown = nestedBytes[record->Revision];\n",
                             sizeText(leafShape));
-    else
+    } else {
         text += fmt::format("        constexpr uint32_t nestedKnown = {};\n", sizeText(leafShape));
+    }
     text += fmt::format(
         "        const uint32_t count = record->{count};\n"
         "        const uint32_t entry = entryBytes({length}, known);\n"
@@ -266,10 +268,12 @@ std::string embedded(const Format& format, const RecordType& type, const Field& 
 std::string clearUnread(const RecordType& type, int index, const std::string& count)
 {
     std::string text;
-    for (int i = index; i < static_cast<int>(type.fields.size()); ++i)
-        if (i == index || row(type, i).parent == index)
+    for (int i = index; i < static_cast<int>(type.fields.size()); ++i) {
+        if (i == index || row(type, i).parent == index) {
             text += fmt::format("        clearElements(record->{}, {});\n",
                                 identifier(row(type, i).name), count);
+        }
+    }
     return text;
 }
 
@@ -289,10 +293,11 @@ std::string counted(const RecordType& type, int index)
                         "            return {};\n",
                         bytes, width == 1 ? "bytes" : fmt::format("bytes / {}", width),
                         field.elements, exactCall(type));
-    if (!isLoadedByWord(type, index))
+    if (!isLoadedByWord(type, index)) {
         text += fmt::format("        std::memcpy(record->{}, buffer + end / 8, bytes);\n", name);
-    else
+    } else {
         text += fmt::format("        load{}(buffer + end / 8, bytes, *record);\n", name);
+    }
     if (field.isText())
         text += fmt::format("        record->{}[bytes] = '\\0';\n", name);
     text += "        record->korcg_bits += bytes * 8;\n"
@@ -375,9 +380,10 @@ bool isStraight(const Format& format, const RecordType& type, const Shape& shape
     if (!shape.straight || !std::all_of(shape.tail.begin(), shape.tail.end(),
                                         [&](int index) { return isConditionKnown(type, index); }))
         return false;
-    if (type.isMain())
+    if (type.isMain()) {
         return std::is_partitioned(shape.tail.begin(), shape.tail.end(),
                                    [&](int index) { return mayTurnBack(format, type, index); });
+    }
     const bool arrays = std::any_of(shape.tail.begin(), shape.tail.end(), [&](int index) {
         return row(type, index).kind == FieldKind::Blocks;
     });
@@ -392,7 +398,7 @@ bool isStraight(const Format& format, const RecordType& type, const Shape& shape
 std::string mainHead(const RecordType& type, const Shape& shape)
 {
     std::string text;
-    if (shape.conditional)
+    if (shape.conditional) {
         text = fmt::format("    constexpr uint16_t headBytes[8] = {{{}}};\n"
                            "    if (father != nullptr || explicitLength != 0 || !isInside(size, "
                            "start, 8))\n"
@@ -403,13 +409,14 @@ std::string mainHead(const RecordType& type, const Shape& shape)
                            "    if (!isInside(size, start, head))\n"
                            "        return {};\n",
                            sizeText(shape), exactCall(type), exactCall(type));
-    else
+    } else {
         text = fmt::format("    constexpr uint32_t head = {};\n"
                            "    if (father != nullptr || explicitLength != 0 || !isInside(size, "
                            "start, head))\n"
                            "        return {};\n"
                            "    const uint8_t* at = buffer + start / 8;\n",
                            sizeText(shape), exactCall(type));
+    }
     return text + fmt::format("    start_{0}(*record, nullptr, head * 8);\n"
                               "    loadHeader(at, *record);\n"
                               "    load_{0}(at, {1}*record);\n",

@@ -19,12 +19,14 @@ std::array<unsigned, 48> enableMask(const Format& format)
         const auto e = static_cast<unsigned>(record);
         mask.at((e + 1) / 8) |= 0x80U >> (e % 8);
     };
-    for (const RecordType& type : format.types)
+    for (const RecordType& type : format.types) {
         if (type.isMain())
             set(type.record);
-    for (const ReservedType& type : format.reserved)
+    }
+    for (const ReservedType& type : format.reserved) {
         if (type.number != 0)
             set(type.record);
+    }
     return mask;
 }
 
@@ -45,8 +47,8 @@ std::string contextFunction(const Format& format)
 std::string dispatch(const Selection& selection)
 {
     std::string cases;
-    for (const RecordType* type : selection)
-        if (type->isMain())
+    for (const RecordType* type : selection) {
+        if (type->isMain()) {
             cases += fmt::format("    case {}:\n"
                                  "        if (!TQX_isEnabled(context, {}))\n"
                                  "            return {};\n"
@@ -54,6 +56,8 @@ std::string dispatch(const Selection& selection)
                                  "nullptr, 0, static_cast<{}*>(record));\n",
                                  type->number, type->record, type->disabled, type->name,
                                  recordName(*type));
+        }
+    }
     return fmt::format(
         "int32_t TQX_decode(TQX_Context_s* context, const uint8_t* buffer, uint16_t size, void* "
         "record)\n{{\n"
@@ -86,9 +90,10 @@ std::string layouts(const Selection& selection)
         entries += fmt::format("\n        &layout_{},", type->name);
         column = 0;
         next = type->record + 1;
-        if (type->isMain())
+        if (type->isMain()) {
             numbers +=
                 fmt::format("    case {}:\n        return {};\n", type->number, type->record);
+        }
     }
     return fmt::format(
         "const TQX_TypeLayout* TQX_layout(uint32_t recordType)\n{{\n"

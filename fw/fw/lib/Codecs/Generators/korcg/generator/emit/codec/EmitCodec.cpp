@@ -79,9 +79,10 @@ std::string header(const Selection& selection)
                         "/// Record-type number of a record, 0 for other types.\n"
                         "template<typename Record>\nconstexpr uint32_t TQX_recordTypeOf = 0;\n",
                         sizes);
-    for (const RecordType* type : selection)
+    for (const RecordType* type : selection) {
         text += fmt::format("template<>\ninline constexpr uint32_t TQX_recordTypeOf<{}> = {};\n",
                             recordName(*type), type->record);
+    }
     text += "\n} // namespace Kor::MessageApi\n\n";
     text += declarationsStart;
     for (const RecordType* type : selection)
@@ -96,21 +97,25 @@ std::string internalHeader(const Format& format, const Selection& selection)
     for (const RecordType* type : selection)
         text += fmt::format("extern const TQX_TypeLayout layout_{};\n", type->name);
     text += "\n";
-    for (const RecordType* type : selection)
-        if (!type->isMain())
+    for (const RecordType* type : selection) {
+        if (!type->isMain()) {
             text += codec::initFunction(*type) + codec::clearFunction(*type) +
                     codec::startFunction(format, *type) + codec::deriveFunctions(format, *type) +
                     codec::loadFunction(format, *type);
+        }
+    }
     return text + "} // namespace Kor::MessageApi\n";
 }
 
 std::string unit(const Format& format, const Selection& group)
 {
     std::string text = "#include \"TQX_codec_internal.h\"\n\nnamespace Kor::MessageApi\n{\n\n";
-    for (const RecordType* type : group)
-        if (type->isMain())
+    for (const RecordType* type : group) {
+        if (type->isMain()) {
             text += codec::initFunction(*type) + codec::startFunction(format, *type) +
                     codec::deriveFunctions(format, *type) + codec::loadFunction(format, *type);
+        }
+    }
     for (const RecordType* type : group)
         text += codec::layoutTable(format, *type);
     text += "} // namespace Kor::MessageApi\n\nusing namespace Kor::MessageApi;\n\n";
@@ -127,9 +132,10 @@ void emitCodec(const Format& format, const Selection& selection, Output& output)
     output.write("TQX_codec.h", all, header(selection));
     output.write("TQX_codec_internal.h", all, internalHeader(format, selection));
     std::size_t number = 0;
-    for (const Selection& group : groups(selection, unitCount))
+    for (const Selection& group : groups(selection, unitCount)) {
         output.write(fmt::format("TQX_codec_{}.cpp", number++), sourcesOf(group),
                      unit(format, group));
+    }
     output.write("TQX_codec_driver.cpp", "order.yaml",
                  "#include \"TQX_codec_internal.h\"\n\n#include <cstring>\n#include "
                  "<iterator>\n\nusing namespace Kor::MessageApi;\n\n" +

@@ -33,11 +33,13 @@ std::string appendFunctions(const RecordType& type)
 std::string partLoads(const RecordType& type, int parent)
 {
     std::string text;
-    for (const Field& part : type.fields)
-        if (part.kind == FieldKind::Bits && part.parent == parent)
+    for (const Field& part : type.fields) {
+        if (part.kind == FieldKind::Bits && part.parent == parent) {
             text += fmt::format("        record.{}[i] = static_cast<{}>(word >> {} & {:#x}U);\n",
                                 identifier(part.name), memberType(part.type), part.shift,
                                 (uint64_t{1} << part.width) - 1);
+        }
+    }
     return text;
 }
 
@@ -91,15 +93,18 @@ std::string exportedDeclarations(const RecordType& type)
         fmt::format("TQX_CODEC_API int TQX_init_{}({}* record);\n", type.name, record);
     text += fmt::format("TQX_CODEC_API int32_t TQX_decode_{}(Kor::MessageApi::{}{}* record);\n",
                         type.name, decodeParameters, record);
-    if (type.isMain())
+    if (type.isMain()) {
         text += fmt::format("TQX_CODEC_API int TQX_encode_{}(unsigned char* buffer, unsigned short "
                             "bufferSize, {}* record);\n",
                             type.name, record);
-    for (const Field& field : type.fields)
-        if (field.kind == FieldKind::Blocks)
+    }
+    for (const Field& field : type.fields) {
+        if (field.kind == FieldKind::Blocks) {
             text +=
                 fmt::format("TQX_CODEC_API Kor::MessageApi::{}* TQX_append_{}_{}({}* record);\n",
                             recordName(field.subType), type.name, identifier(field.name), record);
+        }
+    }
     return text + "\n";
 }
 
@@ -112,11 +117,12 @@ std::string exportedFunctions(const Format& format, const RecordType& type)
                         type.name, record);
     text += fmt::format("int32_t TQX_decode_{}({}{}* record)\n{{\n{}}}\n\n", type.name,
                         decodeParameters, record, decodeBody(format, type));
-    if (type.isMain())
+    if (type.isMain()) {
         text += fmt::format("int TQX_encode_{0}(unsigned char* buffer, unsigned short bufferSize, "
                             "{1}* record)\n{{\n    return encodeRecord(layout_{0}, buffer, "
                             "bufferSize, record);\n}}\n\n",
                             type.name, record);
+    }
     return text + appendFunctions(type);
 }
 

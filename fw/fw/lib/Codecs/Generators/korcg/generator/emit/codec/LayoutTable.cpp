@@ -91,10 +91,12 @@ std::string deriveOf(const RecordType& type, int trigger)
     const Field& field = type.fields[static_cast<std::size_t>(trigger)];
     if (field.isHeader)
         return "nullptr";
-    for (const Field& other : type.fields)
-        if (other.kind == FieldKind::Derived && other.after == trigger)
+    for (const Field& other : type.fields) {
+        if (other.kind == FieldKind::Derived && other.after == trigger) {
             return untyped(type,
                            fmt::format("derive_{}_{}(*{{}})", type.name, identifier(field.name)));
+        }
+    }
     return "nullptr";
 }
 
@@ -150,24 +152,27 @@ std::pair<std::string, std::string> kindOf(const Format& format, const RecordTyp
     if (type.linksToMain != 1)
         return {};
     std::string kind;
-    for (const int owner : type.owners)
+    for (const int owner : type.owners) {
         if (kind.empty())
             kind = format.types[static_cast<std::size_t>(owner)].kindName;
+    }
     if (kind.empty())
         return {};
     std::string accepted;
-    for (const RecordType& main : format.types)
+    for (const RecordType& main : format.types) {
         if (main.kindName == kind)
             accepted += fmt::format("{}, ", main.record);
+    }
     return {fmt::format("TQX_IS_{}(TQX_AS_KORCG_HEADER(p)->korcg_father)", kind), accepted + "0"};
 }
 
 bool ownsArrays(const Format& format, const RecordType& type)
 {
-    for (const Field& field : type.fields)
+    for (const Field& field : type.fields) {
         if (field.kind == FieldKind::Blocks ||
             (field.kind == FieldKind::Embedded && ownsArrays(format, *format.find(field.subType))))
             return true;
+    }
     return false;
 }
 

@@ -54,13 +54,14 @@ std::string splitStatements(const RecordType& type, int wordRow, std::string_vie
         const std::string word =
             fmt::format("record.{}{}", identifier(row(type, wordRow).name), index);
         std::string value;
-        if (isSigned(part.type))
+        if (isSigned(part.type)) {
             value = fmt::format("signedBits({}, {}, {})", word, part.shift, part.width);
-        else if (part.shift == 0)
+        } else if (part.shift == 0) {
             value = fmt::format("{} & {:#x}U", word, (uint64_t{1} << part.width) - 1);
-        else
+        } else {
             value =
                 fmt::format("{} >> {} & {:#x}U", word, part.shift, (uint64_t{1} << part.width) - 1);
+        }
         text += fmt::format("{}record.{}{} = static_cast<{}>({});\n", indent, identifier(part.name),
                             index, memberType(part.type), value);
     }
@@ -88,18 +89,20 @@ std::string loadArray(const RecordType& type, int index, const std::string& plac
             return text;
     }
     text += fmt::format("{}for (uint32_t i = 0; i < {}; ++i) {{\n", indent, field.elements);
-    if (bytesOf(field.type) != 1)
+    if (bytesOf(field.type) != 1) {
         text += fmt::format("{}    record.{}[i] = {}({} + {} * i);\n", indent, name,
                             loadName(field.type), place, bytesOf(field.type));
+    }
     text += splitStatements(type, index, "[i]", std::string(indent) + "    ");
     return text + fmt::format("{}}}\n", indent);
 }
 
 bool triggersFormula(const RecordType& type, int index)
 {
-    for (const Field& field : type.fields)
+    for (const Field& field : type.fields) {
         if (field.kind == FieldKind::Derived && field.after == index)
             return true;
+    }
     return false;
 }
 
@@ -163,10 +166,11 @@ bool hasCounted(const RecordType& type)
 std::string startingValues(const RecordType& type)
 {
     std::string text = fmt::format("    record.korcg_type = {};\n", type.record);
-    if (type.isMain())
+    if (type.isMain()) {
         text += fmt::format("    record.Sync1 = '$';\n    record.Sync2 = '@';\n"
                             "    record.BlockNumber = {};\n",
                             type.number);
+    }
     for (const Field& field : type.fields) {
         const std::string name = identifier(field.name);
         if (field.kind == FieldKind::Text)
@@ -212,16 +216,18 @@ std::string clearFunction(const RecordType& type)
                 from = name;
             continue;
         }
-        if (!from.empty())
+        if (!from.empty()) {
             text += fmt::format("    clearMembers(record, offsetof({0}, {1}), offsetof({0}, "
                                 "{2}));\n",
                                 record, from, name);
+        }
         from.clear();
         ends += clearEnds(type, field);
     }
-    if (!from.empty())
+    if (!from.empty()) {
         text += fmt::format("    clearMembers(record, offsetof({0}, {1}), sizeof({0}));\n", record,
                             from);
+    }
     return text + ends + startingValues(type) + "}\n\n";
 }
 
@@ -249,19 +255,22 @@ std::string startStatement(const Format& format, const RecordType& type, const F
 {
     const std::string name = identifier(field.name);
     const Field& array = field.kind == FieldKind::Bits ? row(type, field.parent) : field;
-    if (field.kind == FieldKind::Blocks)
+    if (field.kind == FieldKind::Blocks) {
         return fmt::format("    record.{0} = nullptr;\n    record.{0}_storage = "
                            "ArrayStorage::Own;\n",
                            name);
-    if (field.kind == FieldKind::Embedded)
+    }
+    if (field.kind == FieldKind::Embedded) {
         return fmt::format("    {}_{}(record.{});\n",
                            hasCounted(*format.find(field.subType)) ? "clear" : "init",
                            field.subType, name);
+    }
     if (array.isCounted())
         return clearEnds(type, field);
-    if (field.kind == FieldKind::Text)
+    if (field.kind == FieldKind::Text) {
         return fmt::format("    std::memset(record.{0}, ' ', {1});\n    record.{0}[{1}] = '\\0';\n",
                            name, field.elements);
+    }
     if (array.isArray())
         return fmt::format("    std::memset(record.{0}, 0, sizeof record.{0});\n", name);
     return fmt::format("    record.{} = {};\n", name,
@@ -279,9 +288,10 @@ std::string startFunction(const Format& format, const RecordType& type)
                     "    record.korcg_bits = bits;\n"
                     "    record.korcg_father = father;\n",
                     type.name, recordName(type), type.record);
-    for (int index = 0; index < static_cast<int>(type.fields.size()); ++index)
+    for (int index = 0; index < static_cast<int>(type.fields.size()); ++index) {
         if (!isAlwaysLoaded(type, shape, index))
             text += startStatement(format, type, row(type, index));
+    }
     return text + "}\n\n";
 }
 
@@ -312,9 +322,10 @@ std::string deriveFunctions(const Format& format, const RecordType& type)
         if (!triggersFormula(type, trigger) || row(type, trigger).isHeader)
             continue;
         std::string formulas;
-        for (const Field& field : type.fields)
+        for (const Field& field : type.fields) {
             if (field.kind == FieldKind::Derived && field.after == trigger)
                 formulas += formula(field);
+        }
         const std::string name = deriveName(type, row(type, trigger));
         const std::string record = recordName(type);
         if (!climbs(type, trigger)) {
@@ -353,28 +364,31 @@ std::string loadFunction(const Format& format, const RecordType& type)
             const std::string indent = guard.empty() ? "    " : "        ";
             std::string statements;
             const std::string from = place(field.wireOffset);
-            if (field.isArray())
+            if (field.isArray()) {
                 statements = loadArray(type, index, from, indent);
-            else
+            } else {
                 statements =
                     fmt::format("{}record.{} = {}{}({}){};\n", indent, identifier(field.name),
                                 field.type == Scalar::Char ? "static_cast<char>(" : "",
                                 loadName(field.type), from, field.type == Scalar::Char ? ")" : "");
+            }
             if (!field.isArray())
                 statements += splitStatements(type, index, "", indent);
-            if (triggersFormula(type, index))
+            if (triggersFormula(type, index)) {
                 statements +=
                     fmt::format("{}{}({}record);\n", indent, deriveName(type, field),
                                 climbs(type, index) && knowsParent(type) ? "parent, " : "");
+            }
             body += guard.empty() ? statements
                                   : fmt::format("    if ({}) {{\n{}    }}\n", guard, statements);
         }
     }
     std::string parent;
-    if (needsParent(type))
+    if (needsParent(type)) {
         parent =
             fmt::format("const {}& parent, ",
                         recordName(format.types[static_cast<std::size_t>(type.owners.front())]));
+    }
     return fmt::format(
         "inline void load_{}(const uint8_t* at, {}{}{}& record)\n{{\n{}}}\n\n", type.name,
         shape.conditional ? "unsigned revision, " : "", parent, recordName(type),

@@ -43,10 +43,12 @@ Shape shapeOf(const RecordType& type)
         shape.head.push_back(row);
         shape.conditional =
             shape.conditional || (field.presence != Presence::Always && !field.alwaysSent);
-        for (int revision = 0; revision < 8; ++revision)
-            if (isRead(field, revision))
+        for (int revision = 0; revision < 8; ++revision) {
+            if (isRead(field, revision)) {
                 shape.headBytes[static_cast<std::size_t>(revision)] +=
                     bytesOf(field.type) * field.elements;
+            }
+        }
     }
     return shape;
 }

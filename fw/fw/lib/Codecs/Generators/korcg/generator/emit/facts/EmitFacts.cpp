@@ -74,17 +74,19 @@ std::string FactsEmitter::fieldRow(const RecordType& type, int index)
     const Field& field = type.fields[static_cast<size_t>(index)];
     size_t integer = 0;
     size_t real = 0;
-    if (field.doNotUse && isFloat(field.type))
+    if (field.doNotUse && isFloat(field.type)) {
         real = m_reals.indexOf(
             std::visit([](auto value) { return static_cast<double>(value); }, *field.doNotUse));
-    else if (field.doNotUse)
+    } else if (field.doNotUse) {
         integer = m_integers.indexOf(
             std::visit([](auto value) { return static_cast<uint64_t>(value); }, *field.doNotUse));
+    }
     const std::vector<NeededField> needed = neededFields(m_format, type, field);
     const size_t firstInput = needed.empty() ? 0 : m_inputCount;
-    for (const NeededField& input : needed)
+    for (const NeededField& input : needed) {
         m_inputs += fmt::format("    {{{}, {}}}, // {} of {}\n", input.row, input.linksUp,
                                 input.field().name, input.type->name);
+    }
     m_inputCount += needed.size();
     const auto subFields =
         std::count_if(type.fields.begin(), type.fields.end(),
@@ -182,10 +184,12 @@ void FactsEmitter::checkSizes() const
                                                     {"named values", m_namedCount},
                                                     {"inputs", m_inputCount},
                                                     {"symbol tables", m_tables.values().size()}};
-    for (const auto& [what, size] : sizes)
-        if (size > largestIndex)
+    for (const auto& [what, size] : sizes) {
+        if (size > largestIndex) {
             throw std::runtime_error(
                 fmt::format("facts: {} {}, there is room for {}", size, what, largestIndex));
+        }
+    }
 }
 
 std::string FactsEmitter::text()

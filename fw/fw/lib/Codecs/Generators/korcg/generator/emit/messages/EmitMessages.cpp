@@ -59,13 +59,15 @@ void emitMessages(const Format& format, const Selection& selection, Output& outp
     Selection classes;
     std::copy_if(selection.begin(), selection.end(), std::back_inserter(classes),
                  [](const RecordType* type) { return type->hasMessage; });
-    for (const RecordType* type : classes)
+    for (const RecordType* type : classes) {
         output.write(fmt::format("TQX_{}_Message.h", type->name), sourceOf(*type),
                      messageHeader(format, *type));
+    }
     int number = 0;
-    for (const Selection& run : groups(classes, sourceFiles))
+    for (const Selection& run : groups(classes, sourceFiles)) {
         output.write(fmt::format("TQX_Messages_{}.cpp", number++), sourcesOf(run),
                      groupSource(format, run));
+    }
     const std::string source = "the description";
     output.write("TQX_Messages.h", source, allMessagesHeader(classes));
     output.write("TQX_MessageFactory.h", source, factoryHeader());

@@ -52,9 +52,10 @@ Family familyOf(const RecordType& type, const Field& field)
 std::vector<const Field*> childFields(const RecordType& type)
 {
     std::vector<const Field*> children;
-    for (const Field& field : type.fields)
+    for (const Field& field : type.fields) {
         if (field.kind == FieldKind::Blocks || field.kind == FieldKind::Embedded)
             children.push_back(&field);
+    }
     return children;
 }
 

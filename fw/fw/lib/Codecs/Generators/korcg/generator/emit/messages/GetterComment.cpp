@@ -167,9 +167,10 @@ std::string classComment(std::string_view mark, const Format& format, const Reco
         text = fmt::format("{}, block {}", type.name, type.number);
     } else {
         std::string owners;
-        for (const int owner : type.owners)
+        for (const int owner : type.owners) {
             owners +=
                 (owners.empty() ? "" : " and ") + format.types[static_cast<size_t>(owner)].name;
+        }
         text = owners.empty() ? type.name + ", a sub-block"
                               : fmt::format("{}, a sub-block of {}", type.name, owners);
     }

@@ -60,9 +60,10 @@ std::string buildStatement(const RecordType& type, const Field& field)
 {
     const std::string member = childMember(field);
     const std::string name = identifier(field.name);
-    if (field.kind == FieldKind::Blocks)
+    if (field.kind == FieldKind::Blocks) {
         return fmt::format("    builder.build(m_record->{}, {}, {});\n", name,
                            countExpression(type, field), member);
+    }
     const std::string record = isOptional(field)
                                    ? fmt::format("has{0}() ? &m_record->{0} : nullptr", name)
                                    : fmt::format("&m_record->{}", name);

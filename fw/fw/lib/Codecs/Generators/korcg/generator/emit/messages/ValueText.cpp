@@ -27,10 +27,11 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 5> headerMea
 std::vector<const Field*> partsOf(const RecordType& type, const Field& word)
 {
     std::vector<const Field*> parts;
-    for (const Field& field : type.fields)
+    for (const Field& field : type.fields) {
         if (field.kind == FieldKind::Bits &&
             &type.fields[static_cast<size_t>(field.parent)] == &word)
             parts.push_back(&field);
+    }
     return parts;
 }
 
@@ -59,10 +60,11 @@ std::string lengthInMainText(const Format& format, const RecordType& type, const
         const bool isInside = std::any_of(sub.owners.begin(), sub.owners.end(), [&](int owner) {
             return &format.types[static_cast<size_t>(owner)] == &type;
         });
-        for (const Field& user : sub.fields)
+        for (const Field& user : sub.fields) {
             if (isInside && user.lengthInMain && user.length >= 0 &&
                 &type.fields[static_cast<size_t>(user.length)] == &field)
                 users.push_back(fmt::format("{} sub-block in {}", user.name, sub.name));
+        }
     }
     return users.empty() ? "" : "length of a " + listed(users);
 }
@@ -162,9 +164,10 @@ std::string rangeText(const Field& field)
 std::string joined(const std::vector<std::string>& parts)
 {
     std::string text;
-    for (const std::string& part : parts)
+    for (const std::string& part : parts) {
         if (!part.empty())
             text += (text.empty() ? "" : "; ") + part;
+    }
     return text;
 }
 
@@ -177,10 +180,12 @@ std::string withoutStop(std::string text)
 
 std::string meaningText(const Format& format, const RecordType& type, const Field& field)
 {
-    if (field.isHeader)
-        for (const auto& [name, meaning] : headerMeanings)
+    if (field.isHeader) {
+        for (const auto& [name, meaning] : headerMeanings) {
             if (field.name == name)
                 return std::string(meaning);
+        }
+    }
     if (!field.text.empty())
         return withoutStop(field.text);
     if (field.isPadding)

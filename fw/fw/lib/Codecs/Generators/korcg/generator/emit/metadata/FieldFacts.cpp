@@ -91,9 +91,10 @@ std::string describe(const RecordType& type, const Field& field)
         line += fmt::format(" x {}", *field.scale);
     if (!field.unit.empty())
         line += fmt::format(" {}", field.unit);
-    if (field.doNotUse)
+    if (field.doNotUse) {
         line += std::visit([](auto value) { return fmt::format(", {} when not available", value); },
                            *field.doNotUse);
+    }
     line += presenceText(type, field);
     return line;
 }

@@ -41,9 +41,10 @@ inline {name}::{name}()
 std::string messageDefinitions(const RecordType& type)
 {
     std::string properties;
-    if (type.isMain())
+    if (type.isMain()) {
         properties = fmt::format(
             "    addMainProperties(TQX_{}_BlockNumber_FieldInfo::getInstance());\n", type.name);
+    }
     return fmt::format(R"(
 const {name}* {name}::getInstance()
 {{

@@ -25,9 +25,10 @@ void emitRegistration(const Selection& types, Output& output)
     }
 
     std::string cases;
-    for (const RecordType* type : types)
+    for (const RecordType* type : types) {
         cases += fmt::format("    case {}:\n        return &TQX_TypeRows::{};\n", type->record,
                              type->name);
+    }
 
     output.write("TQX_Registration.cpp", "the whole description",
                  fmt::format(R"(#include "TQX_Registration.h"

@@ -14,9 +14,10 @@ void emitReference(const Format& format, const Selection& selection, Output& out
     output.write("families.html", all, reference::indexByFamily(selection));
     output.write("names.html", all, reference::namedValues(format));
     output.write("framing.html", all, reference::framing());
-    for (const RecordType* type : selection)
+    for (const RecordType* type : selection) {
         output.write(reference::pageName(type->name), sourceOf(*type),
                      reference::typePage(format, *type));
+    }
 }
 
 } // namespace korcg::generator

@@ -58,22 +58,24 @@ std::string typeText(const RecordType& type, const Field& field)
 {
     if (field.kind == FieldKind::Blocks || field.kind == FieldKind::Embedded)
         return linkTo(field.subType) + (field.kind == FieldKind::Blocks ? "[]" : "");
-    if (field.kind == FieldKind::Bits)
+    if (field.kind == FieldKind::Bits) {
         return field.width == 1
                    ? fmt::format("bit {}", field.shift)
                    : fmt::format("bits {}-{}{}", field.shift, field.shift + field.width - 1,
                                  isSigned(field.type) ? ", signed" : "");
+    }
     const std::string_view name = field.type == Scalar::Char ? "char" : memberType(field.type);
     std::string text =
         isFloat(field.type) ? fmt::format("f{}", bytesOf(field.type) * 8)
         : field.type == Scalar::Char
             ? std::string(name)
             : fmt::format("{}{}", isSigned(field.type) ? "i" : "u", bytesOf(field.type) * 8);
-    if (field.isCounted())
+    if (field.isCounted()) {
         text +=
             fmt::format("[{}]", escaped(type.fields[static_cast<std::size_t>(field.count)].name));
-    else if (field.isArray())
+    } else if (field.isArray()) {
         text += fmt::format("[{}]", field.elements);
+    }
     return text;
 }
 

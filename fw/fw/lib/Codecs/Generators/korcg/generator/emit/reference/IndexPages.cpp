@@ -16,10 +16,11 @@ namespace
 std::string listing(const Selection& types)
 {
     std::string text = "<table class=\"index\">\n";
-    for (const RecordType* type : types)
+    for (const RecordType* type : types) {
         text += fmt::format("<tr><td>{}</td><td>{}</td><td>{}</td></tr>\n",
                             type->isMain() ? fmt::format("{}", type->number) : "sub",
                             linkTo(type->name), escaped(type->text));
+    }
     return text + "</table>\n";
 }
 

@@ -52,9 +52,10 @@ std::string namesText(const Format& format, const Field& field)
     if (found->second.values.size() > shortTable)
         return fmt::format("<a href=\"names.html#{0}\">{0}</a>", escaped(field.symbols));
     std::string text;
-    for (const SymbolicValue& value : found->second.values)
+    for (const SymbolicValue& value : found->second.values) {
         text +=
             fmt::format("{}{}&nbsp;{}", text.empty() ? "" : ", ", value.value, escaped(value.name));
+    }
     return text;
 }
 
@@ -68,9 +69,10 @@ std::string notes(const Format& format, const RecordType& type, const Field& fie
         namesText(format, field),
     };
     std::string text;
-    for (const std::string& part : parts)
+    for (const std::string& part : parts) {
         if (!part.empty())
             text += (text.empty() ? "" : "; ") + part;
+    }
     return text;
 }
 
@@ -101,9 +103,10 @@ std::string facts(const Format& format, const RecordType& type)
     add("Revisions", fmt::format("0 to {}", type.highestRevision));
     add("Flexible rate", !type.isMain() ? "" : type.flexrate ? "yes" : "no");
     std::string owners;
-    for (const int owner : type.owners)
+    for (const int owner : type.owners) {
         owners += (owners.empty() ? "" : ", ") +
                   linkTo(format.types[static_cast<std::size_t>(owner)].name);
+    }
     add("Part of", owners);
     add("Result codes", fmt::format("{} to {}", type.fields.front().code,
                                     type.isMain() ? type.crcChecksum : type.internal));

@@ -64,9 +64,9 @@ protected:
         for (const std::string& line : linesOf(name)) {
             std::smatch match;
             const std::size_t mark = line.find("/// ");
-            if (mark != std::string::npos && line.find_first_not_of(' ') == mark)
+            if (mark != std::string::npos && line.find_first_not_of(' ') == mark) {
                 comment += (comment.empty() ? "" : " ") + line.substr(mark + 4);
-            else {
+            } else {
                 if (std::regex_match(line, match, function) && line.find("return") == npos)
                     comments.emplace(match[1], comment);
                 comment.clear();
@@ -109,10 +109,11 @@ TEST_F(GeneratedText, EveryGetterSaysWhatItReturns)
             continue;
         const auto comments = commentsOf("TQX_" + type.name + "_Message.h");
         getters += comments.size();
-        for (const auto& [getter, comment] : comments)
+        for (const auto& [getter, comment] : comments) {
             if (getter.rfind("hasRepresentation", 0) != 0) {
                 EXPECT_FALSE(comment.empty()) << type.name << "::" << getter;
             }
+        }
     }
     EXPECT_GT(getters, 6000U);
 }
@@ -164,9 +165,10 @@ TEST_F(GeneratedText, GettersHaveUnitRangeNamesAndAbsence)
             ASSERT_EQ(comments.count(getter), 1U) << type.name << "::" << getter;
             const std::string& comment = comments.at(getter);
             EXPECT_EQ(comment.find("amed values"), npos) << type.name << "::" << getter;
-            for (const std::string& fact : factsOf(s_format, type, field))
+            for (const std::string& fact : factsOf(s_format, type, field)) {
                 EXPECT_NE(comment.find(fact), npos)
                     << type.name << "::" << getter << " lacks '" << fact << "': " << comment;
+            }
         }
     }
 }

@@ -21,19 +21,21 @@ const std::string grandfather = "TQX_AS_KORCG_HEADER(" + father + ")->korcg_fath
 
 bool looksUpRevision(const TQX_TypeLayout& type)
 {
-    for (int i = 0; i < type.fieldCount; ++i)
+    for (int i = 0; i < type.fieldCount; ++i) {
         if (isOnWire(type.fields[i]) && !type.fields[i].alwaysSent &&
             (type.fields[i].presence == TQX_Presence::SinceRevision ||
              type.fields[i].presence == TQX_Presence::OnlyRevision))
             return true;
+    }
     return false;
 }
 
 bool looksUpLength(const TQX_TypeLayout& type)
 {
-    for (int i = 0; i < type.fieldCount; ++i)
+    for (int i = 0; i < type.fieldCount; ++i) {
         if (type.fields[i].lengthInMain)
             return true;
+    }
     return false;
 }
 
@@ -43,21 +45,23 @@ std::string kindText(const TQX_TypeLayout& type)
 {
     const std::string name = ownerOf(type)->name;
     std::string kind;
-    if (name == "GenMeasEpoch" || name == "MeasEpoch2")
+    if (name == "GenMeasEpoch" || name == "MeasEpoch2") {
         kind = "MEASEPOCH_HEADER";
-    else if (looksUpLength(type) || name == "LBandTrackerStatus1" || name == "ExtSensorSetup1")
+    } else if (looksUpLength(type) || name == "LBandTrackerStatus1" || name == "ExtSensorSetup1") {
         for (const char letter : name)
             kind += static_cast<char>(std::toupper(letter));
+    }
     return kind.empty() ? kind : "TQX_IS_" + kind + "(" + father + ")";
 }
 
 std::string escaped(const std::string& text)
 {
     std::string pattern;
-    for (const char letter : text)
+    for (const char letter : text) {
         pattern += (std::isalnum(letter) != 0 || letter == '_' || letter == ' ')
                        ? std::string(1, letter)
                        : std::string("[") + letter + "]";
+    }
     // A backslash stands for itself within brackets.
     return pattern;
 }

@@ -21,7 +21,7 @@ std::vector<std::string> expectedErrors(const Source& source)
     std::vector<std::string> expected;
     std::istringstream lines(source.text);
     std::string line;
-    for (int number = 1; std::getline(lines, line); ++number)
+    for (int number = 1; std::getline(lines, line); ++number) {
         for (std::size_t at = line.find(mark); at != std::string::npos;) {
             const std::size_t next = line.find(mark, at + mark.size());
             std::string message = line.substr(at + mark.size(), next - at - mark.size());
@@ -29,6 +29,7 @@ std::vector<std::string> expectedErrors(const Source& source)
             expected.push_back(source.file + ':' + std::to_string(number) + ": " + message);
             at = next;
         }
+    }
     return expected;
 }
 

@@ -62,10 +62,11 @@ void expectKept(const TQX_TypeLayout& type, const void* before, const void* afte
             const void* one = TQX_element(field, before, i);
             const void* other = TQX_element(field, after, i);
             // To the first element's own arrays something was appended.
-            if (i == 0 && ownsArrays(sub))
+            if (i == 0 && ownsArrays(sub)) {
                 expectKept(sub, one, other);
-            else
+            } else {
                 EXPECT_EQ(firstDifference(sub, one, other, Compared::Reachable), "");
+            }
         }
     }
 }
@@ -89,11 +90,12 @@ TEST(Arrays, OfDecodedBlocksCanBeAppendedTo)
             expectKept(*type, untouched.get(), record.get());
             TQX_release(record.get());
             TQX_release(record.get());
-            for (int row = 0; row < type->fieldCount; ++row)
+            for (int row = 0; row < type->fieldCount; ++row) {
                 if (type->fields[row].kind == TQX_FieldKind::Blocks) {
                     EXPECT_EQ(TQX_element(type->fields[row], record.get()), nullptr);
                     EXPECT_EQ(TQX_elementCount(*type, type->fields[row], record.get()), 0U);
                 }
+            }
             appendEverywhere(*type, record.get());
         }
     }
@@ -151,7 +153,7 @@ TEST(Arrays, OfHostileBlocksAreBounded)
 {
     std::mt19937_64 random(1);
     size_t most = 0;
-    for (const TQX_TypeLayout* type : mainTypes())
+    for (const TQX_TypeLayout* type : mainTypes()) {
         for (int round = 0; round < 24; ++round) {
             std::vector<uint8_t> bytes(65535);
             const uint8_t fillings[] = {0, 1, 0x7f, 0xff};
@@ -160,12 +162,14 @@ TEST(Arrays, OfHostileBlocksAreBounded)
             bytes[4] = static_cast<uint8_t>(type->blockNumber);
             bytes[5] = static_cast<uint8_t>(type->blockNumber >> 8U | (random() & 7U) << 5U);
             // Counts at their largest, lengths at their smallest and largest.
-            for (int row = 0; row < type->fieldCount && round % 8 < 4; ++row)
-                if (const FieldRole& role = roleOf(*type, row); role.counted != nullptr)
+            for (int row = 0; row < type->fieldCount && round % 8 < 4; ++row) {
+                if (const FieldRole& role = roleOf(*type, row); role.counted != nullptr) {
                     bytes[static_cast<size_t>(type->fields[row].wireOffset)] = 0xff;
-                else if (role.sized != nullptr)
+                } else if (role.sized != nullptr) {
                     bytes[static_cast<size_t>(type->fields[row].wireOffset)] =
                         static_cast<uint8_t>(random() % 2 * 0xff);
+                }
+            }
             AnyRecord record;
             const size_t before = allocatedBytes();
             record.decode(bytes);
@@ -173,6 +177,7 @@ TEST(Arrays, OfHostileBlocksAreBounded)
             most = std::max(most, held);
             EXPECT_LE(held, largestAllocation(*type, bytes.size())) << type->name << " " << round;
         }
+    }
     // The counter counts.
     EXPECT_GT(most, 100000U);
     EXPECT_LT(most, 16000000U);

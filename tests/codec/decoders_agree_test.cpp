@@ -46,9 +46,10 @@ void expectInitial(const TQX_TypeLayout& type, const TQX_FieldLayout& field, con
                    const std::string& name)
 {
     const uint32_t elements = field.count >= 0 ? 1 : field.elements;
-    for (uint32_t i = 0; i < elements && !holdsEntries(field); ++i)
+    for (uint32_t i = 0; i < elements && !holdsEntries(field); ++i) {
         EXPECT_EQ(TQX_unsignedValue(field, record, i), initialValue(type, field))
             << name << " " << i;
+    }
 }
 
 void expectEqual(const reference::Entry& entry, const void* record, const std::string& where);
@@ -96,10 +97,11 @@ void expectEqual(const reference::Entry& entry, const void* record, const std::s
         const TQX_FieldLayout& wire =
             field.kind == TQX_FieldKind::Bits ? type.fields[field.parent] : field;
         const auto read = entry.fields.find(wire.name);
-        if (read != entry.fields.end())
+        if (read != entry.fields.end()) {
             expectEqualField(type, field, read->second, record, name);
-        else if (field.kind != TQX_FieldKind::Bits)
+        } else if (field.kind != TQX_FieldKind::Bits) {
             expectInitial(type, field, record, name);
+        }
     }
     if (type.linksToMain == 0) {
         const auto time = entry.fields.find("TOWc");
@@ -270,9 +272,10 @@ void expectSameAlone(const TQX_TypeLayout& type, std::mt19937_64& random)
 TEST(DecodersAlone, TakeAnyOffsetParentAndLength)
 {
     std::mt19937_64 random(1);
-    for (const TQX_TypeLayout* type : allTypes())
+    for (const TQX_TypeLayout* type : allTypes()) {
         for (int round = 0; round < 60; ++round)
             expectSameAlone(*type, random);
+    }
 }
 
 } // namespace

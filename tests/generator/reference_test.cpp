@@ -33,10 +33,11 @@ TEST(Reference, EveryTypeHasItsPageAndEveryLinkItsTarget)
     emitReference(format, select(format, {}, errors), output);
     for (const RecordType& type : format.types) {
         const std::string text = contentOf(directory / reference::pageName(type.name));
-        for (const Field& field : type.fields)
+        for (const Field& field : type.fields) {
             EXPECT_NE(text.find("<td>" + reference::escaped(field.name) + "</td>"),
                       std::string::npos)
                 << type.name << "::" << field.name;
+        }
     }
     const std::regex link("href=\"([^\"#]*)(#([^\"]*))?\"");
     for (const std::string& name : output.names()) {

@@ -54,9 +54,10 @@ void fillHeap(int content)
     if (content == unwritten)
         return;
     std::vector<Memory> pieces;
-    for (size_t size = sizeof(void*); size < 1100; size += 8)
+    for (size_t size = sizeof(void*); size < 1100; size += 8) {
         for (int i = 0; i < 4; ++i)
             pieces.push_back(memoryOf(size, content));
+    }
 }
 
 /// One use of a record's memory, and its result.
@@ -92,10 +93,11 @@ public:
     {
         std::vector<uint8_t> bytes;
         const BlockOptions options = anyOptions();
-        if (type.linksToMain == 0)
+        if (type.linksToMain == 0) {
             bytes = randomBlock(type, options, random);
-        else
+        } else {
             bytes = randomEntry(type, options, random);
+        }
         // Of a main block enough to know it by.
         const size_t least = type.linksToMain == 0 ? 7 : 0;
         if (round % 2 == 1)
@@ -215,10 +217,11 @@ void encodeOther(Use& use)
 {
     decode(use);
     std::vector<const TQX_FieldLayout*> choices;
-    for (int row = 0; row < use.type.fieldCount; ++row)
+    for (int row = 0; row < use.type.fieldCount; ++row) {
         if (use.type.fields[row].presence == TQX_Presence::Selected &&
             use.type.fields[row].count >= 0)
             choices.push_back(&use.type.fields[row]);
+    }
     if (use.result <= 0 || choices.empty())
         return;
     const TQX_FieldLayout& choice = *choices[use.round / 2 % choices.size()];
@@ -269,9 +272,10 @@ unsigned roundsOf(const TQX_TypeLayout& type)
 
 void noteContent(const TQX_TypeLayout& type, Use& use, std::set<const TQX_FieldLayout*>& missing)
 {
-    for (int row = 0; row < type.fieldCount && use.result > 0; ++row)
+    for (int row = 0; row < type.fieldCount && use.result > 0; ++row) {
         if (TQX_isPresent(type, type.fields[row], use.record()))
             missing.erase(&type.fields[row]);
+    }
 }
 
 class OldMemory : public testing::TestWithParam<const TQX_TypeLayout*>
@@ -282,9 +286,10 @@ TEST_P(OldMemory, IsNotReachable)
 {
     const TQX_TypeLayout& type = *GetParam();
     std::set<const TQX_FieldLayout*> missing;
-    for (int row = 0; row < type.fieldCount; ++row)
+    for (int row = 0; row < type.fieldCount; ++row) {
         if (type.fields[row].presence == TQX_Presence::Selected)
             missing.insert(&type.fields[row]);
+    }
     for (const EntryPoint& entryPoint : entryPoints) {
         if (!entryPoint.takes(type))
             continue;

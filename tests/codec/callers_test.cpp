@@ -104,7 +104,7 @@ TEST(EncodeChosenContent, FillsUpToForcedLengthsOnly)
     constexpr uint8_t unknownKind = 255;
     constexpr int empty = 4;
     ASSERT_EQ(longest, 28U);
-    for (unsigned revision = 0; revision < 8; ++revision)
+    for (unsigned revision = 0; revision < 8; ++revision) {
         for (const unsigned stated : {0U, 28U, 40U}) {
             TQX_ExtSensorMeas1_s sets;
             TQX_init_ExtSensorMeas1(&sets);
@@ -123,6 +123,7 @@ TEST(EncodeChosenContent, FillsUpToForcedLengthsOnly)
                       isForced ? 0 : sets.ExtSensorMeasSet[1].ObsInfo);
             EXPECT_EQ(bytes[static_cast<size_t>(size)], 0x5a);
         }
+    }
 }
 
 TEST(Lengths, OfVectorsWithoutAllComponentsAreNotAvailable)

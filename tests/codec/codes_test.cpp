@@ -24,9 +24,10 @@ constexpr int mostRounds = 1000;
 std::string names(const Codes& codes, const Codes& without)
 {
     std::string text;
-    for (const int32_t code : codes)
+    for (const int32_t code : codes) {
         if (without.count(code) == 0)
             text += std::string(" ") + TQX_errorName(code);
+    }
     return text;
 }
 
@@ -100,9 +101,10 @@ TEST(Codes, OfDecoding)
 Codes possibleCodesBelow(const TQX_TypeLayout& type, Direction direction)
 {
     Codes codes = possibleCodes(type, direction);
-    for (int row = 0; row < type.fieldCount; ++row)
+    for (int row = 0; row < type.fieldCount; ++row) {
         if (holdsEntries(type.fields[row]))
             codes.merge(possibleCodesBelow(*TQX_layout(type.fields[row].recordType), direction));
+    }
     return codes;
 }
 

@@ -47,9 +47,10 @@ bool breaksAlike(const TQX_TypeLayout& type)
 {
     return std::all_of(type.fields, type.fields + type.fieldCount,
                        [](const TQX_FieldLayout& field) {
-                           if (holdsEntries(field))
+                           if (holdsEntries(field)) {
                                return field.kind == TQX_FieldKind::Blocks &&
                                       breaksAlike(*TQX_layout(field.recordType));
+                           }
                            return field.presence == TQX_Presence::Always || field.alwaysSent;
                        });
 }

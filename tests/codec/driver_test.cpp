@@ -68,9 +68,10 @@ TEST(Driver, ReadsNothingOfShortBuffers)
     TQX_init_context(&context);
     AnyRecord record;
     const std::vector<uint8_t> bytes(6, 0xff);
-    for (uint16_t size = 0; size <= 6; ++size)
+    for (uint16_t size = 0; size <= 6; ++size) {
         EXPECT_STREQ(TQX_errorName(record.decode(bytes.data(), size, &context)),
                      "TQX_ERR_INVALID_MESSAGE");
+    }
     EXPECT_EQ(context.lastUnknownBlockNumber, 0);
     EXPECT_EQ(context.weekCounter, 0);
     EXPECT_EQ(context.lastTOW, 0U);
