@@ -13,7 +13,10 @@ namespace
 class Summarizer : public BlockConsumer
 {
 public:
-    Summarizer(Buffer& buffer, bool asJson) : m_out(buffer), m_json(asJson) {}
+    Summarizer(Buffer& buffer, bool asJson, bool isLimited)
+        : m_out(buffer), m_json(asJson), m_isLimited(isLimited)
+    {
+    }
 
     void begin(InputStream& stream) override
     {
@@ -22,6 +25,8 @@ public:
             [this](const Neighbour& neighbour) { m_summary.addNeighbour(neighbour); });
     }
     void take(BlockStream& stream, const Block& block) override { m_summary.add(stream, block); }
+    // What is shown of a whole stream is counted up to where it is read.
+    bool canSkip() const override { return !m_isLimited; }
     void end(InputStream& stream) override
     {
         if (stream.hasFailed() && stream.getCounts().bytes == 0)
@@ -36,6 +41,7 @@ public:
 private:
     Buffer& m_out;
     bool m_json;
+    bool m_isLimited;
     StreamSummary m_summary;
 };
 
@@ -66,7 +72,7 @@ InfoCommand::InfoCommand(CLI::App& program)
 ExitStatus InfoCommand::run()
 {
     Output output;
-    Summarizer summarizer(output.getBuffer(), m_json);
+    Summarizer summarizer(output.getBuffer(), m_json, m_streams.hasLimit());
     return m_streams.read(summarizer, output);
 }
 

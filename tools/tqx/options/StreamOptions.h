@@ -30,6 +30,10 @@ public:
     /// Whether a selected block is one that the consumer is for, so that it counts for --limit.
     virtual bool counts(const Block&) const { return true; }
 
+    /// Whether blocks that are not selected need not come by, and counts of all that is read have
+    /// no say before the end.
+    virtual bool canSkip() const { return true; }
+
     /// The stream has ended.
     virtual void end(InputStream&) {}
 };
@@ -38,7 +42,7 @@ public:
 class StreamOptions
 {
 public:
-    /// Adds FILE..., --strict, --quiet, --live and --pause.
+    /// Adds FILE..., --strict, --quiet, --live, --pause and --no-index.
     void addInputs(CLI::App& command);
 
     /// Adds --verbose, for commands that report damage on standard error. After addInputs().
@@ -57,6 +61,9 @@ public:
     /// Whether the input is read as a receiver that sends: by one thread.
     bool isLive() const { return m_live; }
 
+    /// Whether only so many blocks are read.
+    bool hasLimit() const { return m_limit != 0; }
+
     /// The selection that they ask for. Throws ToolError for bad arguments.
     Selection& getSelection();
 
@@ -70,7 +77,8 @@ public:
     void checkBeforeFolder(const std::string& folder);
 
     /// Hands the selected blocks of the inputs, as one stream, to `consumer`; after as many as
-    /// --limit says, nothing more is read. An input that cannot
+    /// --limit says, nothing more is read. Of one input with an index beside it, blocks that are
+    /// chosen by type or time are found by that, with the same results. An input that cannot
     /// be read is reported and left out. Returns Failed if there was such a one or bytes but no
     /// block at all, unless the receiver sent other messages only; else, under --strict, Damaged if
     /// the stream was. Throws ToolError for bad arguments and when the output
@@ -78,6 +86,7 @@ public:
     ExitStatus read(BlockConsumer& consumer, Sink& output);
 
 private:
+    void useIndex(InputStream& stream, const BlockConsumer& consumer);
     ExitStatus reportNoBlocks(const InputStream& stream) const;
 
     std::vector<std::string> m_files;
@@ -87,6 +96,7 @@ private:
     bool m_strict = false;
     bool m_quiet = false;
     bool m_live = false;
+    bool m_noIndex = false;
     double m_pause = 1; ///< seconds
     bool m_verbose = false;
 };
