@@ -13,11 +13,11 @@ namespace
 
 using namespace Kor::MessageApi;
 
-constexpr uint8_t kSignals = 40;
-constexpr uint8_t kFurtherSignals = 2;
-constexpr uint8_t kSignalBytes = 20;
-constexpr uint8_t kFurtherBytes = 12;
-constexpr size_t kEpochHead = 20;
+constexpr uint8_t signals = 40;
+constexpr uint8_t furtherSignals = 2;
+constexpr uint8_t bytesPerSignal = 20;
+constexpr uint8_t furtherBytes = 12;
+constexpr size_t epochHead = 20;
 
 std::vector<uint8_t> randomBytes(size_t size)
 {
@@ -91,13 +91,13 @@ std::vector<uint8_t> positionBlock()
 
 std::vector<uint8_t> epochBlock()
 {
-    constexpr size_t signalBytes = kSignalBytes + size_t{kFurtherSignals} * kFurtherBytes;
-    std::vector<uint8_t> block = randomBytes(kEpochHead + kSignals * signalBytes);
-    block[14] = kSignals;
-    block[15] = kSignalBytes;
-    block[16] = kFurtherBytes;
-    for (size_t i = 0; i < kSignals; ++i)
-        block[kEpochHead + i * signalBytes + kSignalBytes - 1] = kFurtherSignals;
+    constexpr size_t signalBytes = bytesPerSignal + size_t{furtherSignals} * furtherBytes;
+    std::vector<uint8_t> block = randomBytes(epochHead + signals * signalBytes);
+    block[14] = signals;
+    block[15] = bytesPerSignal;
+    block[16] = furtherBytes;
+    for (size_t i = 0; i < signals; ++i)
+        block[epochHead + i * signalBytes + bytesPerSignal - 1] = furtherSignals;
     frame(block, 4027);
     return block;
 }

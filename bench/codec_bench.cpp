@@ -22,12 +22,12 @@ using namespace Kor::MessageApi;
 
 using Bytes = std::vector<uint8_t>;
 
-constexpr int kCallsPerTurn = 512;
-constexpr int kTurns = 201;
+constexpr int callsInTurn = 512;
+constexpr int turnCount = 201;
 
 TimedWork decoding(AnyRecord& record, TQX_Context_s& context, const Bytes& block)
 {
-    return {kCallsPerTurn, [&](int calls) {
+    return {callsInTurn, [&](int calls) {
                 for (; calls > 0; --calls) {
                     benchmark::DoNotOptimize(TQX_decode(
                         &context, block.data(), static_cast<uint16_t>(block.size()), record.get()));
@@ -38,7 +38,7 @@ TimedWork decoding(AnyRecord& record, TQX_Context_s& context, const Bytes& block
 
 TimedWork refusing(AnyRecord& record, TQX_Context_s& context, const Bytes& block)
 {
-    return {kCallsPerTurn, [&](int calls) {
+    return {callsInTurn, [&](int calls) {
                 for (; calls > 0; --calls)
                     benchmark::DoNotOptimize(TQX_decode(
                         &context, block.data(), static_cast<uint16_t>(block.size()), record.get()));
@@ -47,7 +47,7 @@ TimedWork refusing(AnyRecord& record, TQX_Context_s& context, const Bytes& block
 
 TimedWork copying(Bytes& target, const Bytes& block)
 {
-    return {kCallsPerTurn, [&](int calls) {
+    return {callsInTurn, [&](int calls) {
                 for (; calls > 0; --calls) {
                     std::memcpy(target.data(), block.data(), block.size());
                     benchmark::DoNotOptimize(target.data());
@@ -59,7 +59,7 @@ TimedWork copying(Bytes& target, const Bytes& block)
 template<typename Content>
 TimedWork parsing(Content& content, const std::string& bytes)
 {
-    return {kCallsPerTurn, [&](int calls) {
+    return {callsInTurn, [&](int calls) {
                 for (; calls > 0; --calls)
                     benchmark::DoNotOptimize(
                         content.ParseFromArray(bytes.data(), static_cast<int>(bytes.size())));
@@ -126,17 +126,17 @@ int main(int argc, char** argv)
     benchmark::RegisterBenchmark("telling/PVTGeodetic2", besideProtobuf<yardstick::PVTGeodetic2>,
                                  positionBlock(), positionAsProtobuf())
         ->UseManualTime()
-        ->Iterations(kTurns);
+        ->Iterations(turnCount);
     benchmark::RegisterBenchmark("telling/MeasEpoch2", besideProtobuf<yardstick::MeasEpoch2>,
                                  epochBlock(), epochAsProtobuf())
         ->UseManualTime()
-        ->Iterations(kTurns);
+        ->Iterations(turnCount);
     std::mt19937_64 random(7);
     for (const TQX_TypeLayout* type : mainTypes())
         benchmark::RegisterBenchmark(type->name, randomContent,
                                      randomBlock(*type, {type->highestRevision, 20, 0}, random))
             ->UseManualTime()
-            ->Iterations(kTurns);
+            ->Iterations(turnCount);
     benchmark::RunSpecifiedBenchmarks();
     return 0;
 }

@@ -16,8 +16,8 @@ namespace
 
 using Bytes = std::vector<uint8_t>;
 
-constexpr size_t kStreamSize = 8 << 20;
-constexpr size_t kPiece = 64 << 10;
+constexpr size_t streamSize = 8 << 20;
+constexpr size_t pieceSize = 64 << 10;
 
 void appendBlock(Bytes& stream, size_t size, std::mt19937& random)
 {
@@ -37,7 +37,7 @@ Bytes wellFormedStream(size_t blockSize)
 {
     std::mt19937 random(1);
     Bytes stream;
-    while (stream.size() < kStreamSize) {
+    while (stream.size() < streamSize) {
         appendBlock(stream, blockSize, random);
     }
     return stream;
@@ -46,7 +46,7 @@ Bytes wellFormedStream(size_t blockSize)
 // A false header every `period` bytes, each claiming the longest block.
 Bytes hostileStream(size_t period)
 {
-    Bytes stream(kStreamSize, 0xff);
+    Bytes stream(streamSize, 0xff);
     for (size_t at = 0; at + 8 <= stream.size(); at += period) {
         std::memcpy(&stream[at], "$@", 2);
     }
@@ -56,7 +56,7 @@ Bytes hostileStream(size_t period)
 Bytes noise()
 {
     std::mt19937 random(2);
-    Bytes stream(kStreamSize);
+    Bytes stream(streamSize);
     for (uint8_t& byte : stream) {
         byte = static_cast<uint8_t>(random());
     }
@@ -87,7 +87,7 @@ void frame(benchmark::State& state, const Bytes& stream, size_t piece)
 
 void wellFormed(benchmark::State& state)
 {
-    frame(state, wellFormedStream(static_cast<size_t>(state.range(0))), kPiece);
+    frame(state, wellFormedStream(static_cast<size_t>(state.range(0))), pieceSize);
 }
 BENCHMARK(wellFormed)->Arg(100)->Arg(500)->Arg(2000)->Arg(60000);
 
@@ -112,9 +112,9 @@ void throughTqxSync(benchmark::State& state)
 {
     const Bytes stream = wellFormedStream(static_cast<size_t>(state.range(0)));
     std::vector<QByteArray> pieces;
-    for (size_t at = 0; at < stream.size(); at += kPiece) {
+    for (size_t at = 0; at < stream.size(); at += pieceSize) {
         pieces.emplace_back(reinterpret_cast<const char*>(&stream[at]),
-                            static_cast<int>(std::min(kPiece, stream.size() - at)));
+                            static_cast<int>(std::min(pieceSize, stream.size() - at)));
     }
     for (auto _ : state) {
         TqxSync sync;
@@ -140,28 +140,28 @@ void hostile(benchmark::State& state)
     frame(state, hostileStream(static_cast<size_t>(state.range(0))),
           static_cast<size_t>(state.range(1)));
 }
-BENCHMARK(hostile)->Args({8, kPiece})->Args({8, 1})->Args({8, 1 << 20})->Args({24, kPiece});
+BENCHMARK(hostile)->Args({8, pieceSize})->Args({8, 1})->Args({8, 1 << 20})->Args({24, pieceSize});
 
 // Nothing but syncs: a candidate every two bytes.
 void onlySyncs(benchmark::State& state)
 {
-    Bytes stream(kStreamSize, '$');
+    Bytes stream(streamSize, '$');
     for (size_t at = 1; at < stream.size(); at += 2) {
         stream[at] = '@';
     }
-    frame(state, stream, kPiece);
+    frame(state, stream, pieceSize);
 }
 BENCHMARK(onlySyncs);
 
 void garbageOfNoise(benchmark::State& state)
 {
-    frame(state, noise(), kPiece);
+    frame(state, noise(), pieceSize);
 }
 BENCHMARK(garbageOfNoise);
 
 void garbageOfFirstSyncs(benchmark::State& state)
 {
-    frame(state, Bytes(kStreamSize, '$'), kPiece);
+    frame(state, Bytes(streamSize, '$'), pieceSize);
 }
 BENCHMARK(garbageOfFirstSyncs);
 
@@ -169,10 +169,10 @@ BENCHMARK(garbageOfFirstSyncs);
 void copyAlone(benchmark::State& state)
 {
     const Bytes stream = noise();
-    Bytes copy(kPiece);
+    Bytes copy(pieceSize);
     for (auto _ : state) {
-        for (size_t at = 0; at < stream.size(); at += kPiece) {
-            std::memcpy(copy.data(), stream.data() + at, kPiece);
+        for (size_t at = 0; at < stream.size(); at += pieceSize) {
+            std::memcpy(copy.data(), stream.data() + at, pieceSize);
             benchmark::DoNotOptimize(copy.data());
             benchmark::ClobberMemory();
         }

@@ -16,10 +16,10 @@
 namespace
 {
 
-constexpr int kTurns = 2000;
-constexpr int kCallsPerTurn = 512;
-constexpr int kTableCallsPerTurn = 16; // it takes a hundred times as long
-constexpr size_t kBlocks = 8;
+constexpr int turnCount = 2000;
+constexpr int callsInTurn = 512;
+constexpr int tableCallsPerTurn = 16; // it takes a hundred times as long
+constexpr size_t blockSizes = 8;
 
 using Function = uint16_t (*)(const uint8_t*, size_t, uint16_t);
 
@@ -45,7 +45,7 @@ sum64(const uint8_t* data, size_t size, uint16_t start)
 class Blocks
 {
 public:
-    explicit Blocks(size_t size) : m_size(size), m_bytes(kBlocks * (size + 5))
+    explicit Blocks(size_t size) : m_size(size), m_bytes(blockSizes * (size + 5))
     {
         std::mt19937 random(4007);
         for (uint8_t& byte : m_bytes) {
@@ -57,7 +57,7 @@ public:
     {
         return {callsPerTurn, [this, method](int calls) {
                     for (int i = 0; i < calls; ++i) {
-                        const size_t block = static_cast<size_t>(i) % kBlocks;
+                        const size_t block = static_cast<size_t>(i) % blockSizes;
                         benchmark::DoNotOptimize(
                             method(m_bytes.data() + block * (m_size + 5), m_size, 0));
                     }
@@ -72,9 +72,9 @@ private:
 void measure(benchmark::State& state, Function method, Function byteTable)
 {
     const Blocks blocks(static_cast<size_t>(state.range(0)));
-    const std::vector<double> ns = runInTurns(
-        state, {blocks.calling(method, kCallsPerTurn), blocks.calling(sum64, kCallsPerTurn),
-                blocks.calling(byteTable, kTableCallsPerTurn)});
+    const std::vector<double> ns =
+        runInTurns(state, {blocks.calling(method, callsInTurn), blocks.calling(sum64, callsInTurn),
+                           blocks.calling(byteTable, tableCallsPerTurn)});
     state.counters["ns"] = ns[0];
     state.counters["of_sum64"] = ns[1] / ns[0];
     state.counters["of_byte_table"] = ns[2] / ns[0];
@@ -105,7 +105,7 @@ int main(int argc, char** argv)
             ->Arg(2000)
             ->Arg(20000)
             ->UseManualTime()
-            ->Iterations(kTurns);
+            ->Iterations(turnCount);
     };
     for (size_t i = 0; i < count; ++i) {
         add(methods[i].name, methods[i].run);

@@ -18,10 +18,10 @@
 namespace
 {
 
-constexpr int kRounds = 64; // of four positions and an epoch, in one turn
-constexpr int kTurns = 501;
-constexpr int kPositionsPerRound = 4;
-constexpr int kPiece = 4096;
+constexpr int rounds = 64; // of four positions and an epoch, in one turn
+constexpr int turnCount = 501;
+constexpr int positionsPerRound = 4;
+constexpr int pieceSize = 4096;
 
 /// The stream in pieces as they come from a receiver.
 std::vector<QByteArray> streamInPieces()
@@ -32,14 +32,14 @@ std::vector<QByteArray> streamInPieces()
     const auto append = [&stream](const std::vector<uint8_t>& block) {
         stream.append(reinterpret_cast<const char*>(block.data()), static_cast<int>(block.size()));
     };
-    for (int round = 0; round < kRounds; ++round) {
-        for (int i = 0; i < kPositionsPerRound; ++i)
+    for (int round = 0; round < rounds; ++round) {
+        for (int i = 0; i < positionsPerRound; ++i)
             append(position);
         append(epoch);
     }
     std::vector<QByteArray> pieces;
-    for (int at = 0; at < stream.size(); at += kPiece)
-        pieces.push_back(stream.mid(at, kPiece));
+    for (int at = 0; at < stream.size(); at += pieceSize)
+        pieces.push_back(stream.mid(at, pieceSize));
     return pieces;
 }
 
@@ -78,19 +78,19 @@ void publish(benchmark::State& state)
                                     publishPiece(synchroniser, decoder, piece);
                             }},
                            {1, [&](int) {
-                                for (int round = 0; round < kRounds; ++round) {
-                                    for (int i = 0; i < kPositionsPerRound; ++i)
+                                for (int round = 0; round < rounds; ++round) {
+                                    for (int i = 0; i < positionsPerRound; ++i)
                                         parseOnHeap<yardstick::PVTGeodetic2>(position);
                                     parseOnHeap<yardstick::MeasEpoch2>(epoch);
                                 }
                             }}});
-    if (messages != static_cast<int>(state.iterations()) * kRounds * (kPositionsPerRound + 1))
+    if (messages != static_cast<int>(state.iterations()) * rounds * (positionsPerRound + 1))
         state.SkipWithError("not every block was published");
-    state.counters["ns_a_round"] = ns[0] / kRounds;
-    state.counters["protobuf_ns"] = ns[1] / kRounds;
+    state.counters["ns_a_round"] = ns[0] / rounds;
+    state.counters["protobuf_ns"] = ns[1] / rounds;
     state.counters["of_protobuf"] = ns[0] / ns[1];
 }
-BENCHMARK(publish)->UseManualTime()->Iterations(kTurns);
+BENCHMARK(publish)->UseManualTime()->Iterations(turnCount);
 
 } // namespace
 

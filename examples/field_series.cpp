@@ -37,7 +37,7 @@ QString timeOf(const Message& message)
 {
     const uint16_t week = TQXUtils::getWNc(&message);
     const uint32_t millis = TQXUtils::getTOW(&message);
-    if (week == TQXUtils::kInvalidWNc || millis == TQXUtils::kInvalidTOW)
+    if (week == TQXUtils::invalidWNc || millis == TQXUtils::invalidTOW)
         return QString("-");
     return QString("%1:%2").arg(week).arg(millis / 1000.0, 0, 'f', 3);
 }

@@ -30,7 +30,7 @@ Outcome probe(const std::string& environment, const std::string& arguments)
     return {output, WIFEXITED(status) ? WEXITSTATUS(status) : -1};
 }
 
-const char* const kUnset = "18446744073709551615";
+const char* const unset = "18446744073709551615";
 
 TEST(Settings, FollowTheEnvironment)
 {
@@ -39,7 +39,7 @@ TEST(Settings, FollowTheEnvironment)
         std::string settings; ///< part of what the probe prints
     };
     const Row rows[] = {
-        {"", "levels=1 fields=106 start=0 stop=" + std::string(kUnset) +
+        {"", "levels=1 fields=106 start=0 stop=" + std::string(unset) +
                  " modules=(null) subModules=(null) stream=stdout"},
         {"KOR_TRACELEVEL=''", "levels=1 "},
         {"KOR_TRACELEVEL=12", "levels=25 "},
@@ -55,9 +55,9 @@ TEST(Settings, FollowTheEnvironment)
         {"KOR_TRACEINFO=all", "fields=511 "},
         {"KOR_STARTTIME=5 KOR_STOPTIME=7", "start=5000 stop=7000 "},
         {"KOR_STARTTIME=-5 KOR_STOPTIME=0", "start=0 stop=0 "},
-        {"KOR_STARTTIME='' KOR_STOPTIME=''", std::string("start=0 stop=") + kUnset},
+        {"KOR_STARTTIME='' KOR_STOPTIME=''", std::string("start=0 stop=") + unset},
         {"KOR_STARTTIME=4000000000 KOR_STOPTIME=9223372036854775807",
-         std::string("start=4000000000000 stop=") + kUnset},
+         std::string("start=4000000000000 stop=") + unset},
         {"KOR_MODULES='A,B' KOR_SUBMODULES=C", "modules=A,B subModules=C "},
         {"KOR_LOGFILE=/nonexistent/log", "stream=stdout"},
         {"OTHER_LOG=/dev/null", "stream=stdout"},

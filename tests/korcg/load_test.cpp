@@ -10,33 +10,33 @@ namespace
 
 using Bytes = std::array<uint8_t, 8>;
 
-constexpr Bytes kBytes = {0xf1, 0x32, 0x54, 0x76, 0x98, 0xba, 0xdc, 0xfe};
+constexpr Bytes testBytes = {0xf1, 0x32, 0x54, 0x76, 0x98, 0xba, 0xdc, 0xfe};
 
 // Evaluated by the compiler, which follows the language and not the host's byte order.
-static_assert(korcg_load_u16(kBytes.data()) == 0x32f1);
-static_assert(korcg_load_u32(kBytes.data()) == 0x765432f1);
-static_assert(korcg_load_u64(kBytes.data()) == 0xfedcba98765432f1);
+static_assert(korcg_load_u16(testBytes.data()) == 0x32f1);
+static_assert(korcg_load_u32(testBytes.data()) == 0x765432f1);
+static_assert(korcg_load_u64(testBytes.data()) == 0xfedcba98765432f1);
 
 TEST(Load, LowestByteComesFirst)
 {
-    EXPECT_EQ(korcg_load_u8(kBytes.data()), 0xf1);
-    EXPECT_EQ(korcg_load_i8(kBytes.data()), -0x0f);
-    EXPECT_EQ(korcg_load_u16(kBytes.data()), 0x32f1);
-    EXPECT_EQ(korcg_load_i16(kBytes.data() + 6), -0x0124);
-    EXPECT_EQ(korcg_load_u32(kBytes.data()), 0x765432f1u);
-    EXPECT_EQ(korcg_load_i32(kBytes.data() + 4), -0x01234568);
-    EXPECT_EQ(korcg_load_u64(kBytes.data()), 0xfedcba98765432f1u);
-    EXPECT_EQ(korcg_load_i64(kBytes.data()), -0x0123456789abcd0f);
+    EXPECT_EQ(korcg_load_u8(testBytes.data()), 0xf1);
+    EXPECT_EQ(korcg_load_i8(testBytes.data()), -0x0f);
+    EXPECT_EQ(korcg_load_u16(testBytes.data()), 0x32f1);
+    EXPECT_EQ(korcg_load_i16(testBytes.data() + 6), -0x0124);
+    EXPECT_EQ(korcg_load_u32(testBytes.data()), 0x765432f1u);
+    EXPECT_EQ(korcg_load_i32(testBytes.data() + 4), -0x01234568);
+    EXPECT_EQ(korcg_load_u64(testBytes.data()), 0xfedcba98765432f1u);
+    EXPECT_EQ(korcg_load_i64(testBytes.data()), -0x0123456789abcd0f);
 }
 
 // Reading bytes in reversed order must give the value with its bytes swapped, computed here
 // arithmetically: a load that depends on the host's byte order gives equal values for both.
 TEST(Load, ReversedBytesGiveTheSwappedValue)
 {
-    Bytes reversed = kBytes;
+    Bytes reversed = testBytes;
     std::reverse(reversed.begin(), reversed.end());
     uint64_t swapped = 0;
-    for (uint64_t rest = korcg_load_u64(kBytes.data()), i = 0; i < 8; ++i, rest /= 256) {
+    for (uint64_t rest = korcg_load_u64(testBytes.data()), i = 0; i < 8; ++i, rest /= 256) {
         swapped = swapped * 256 + rest % 256;
     }
     EXPECT_EQ(korcg_load_u64(reversed.data()), swapped);
@@ -66,12 +66,12 @@ TEST(Load, FloatsKeepTheirBits)
 template<typename T>
 void expectStoreUndoesLoad(T (*load)(const uint8_t*), void (*store)(uint8_t*, T))
 {
-    for (size_t start = 0; start + sizeof(T) <= kBytes.size(); ++start) {
+    for (size_t start = 0; start + sizeof(T) <= testBytes.size(); ++start) {
         Bytes target = {};
-        store(target.data() + start, load(kBytes.data() + start));
+        store(target.data() + start, load(testBytes.data() + start));
         for (size_t i = 0; i < target.size(); ++i) {
             const bool inside = i >= start && i < start + sizeof(T);
-            EXPECT_EQ(target[i], inside ? kBytes[i] : 0) << sizeof(T) << " at " << start;
+            EXPECT_EQ(target[i], inside ? testBytes[i] : 0) << sizeof(T) << " at " << start;
         }
     }
 }

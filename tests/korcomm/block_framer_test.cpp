@@ -18,49 +18,46 @@ struct Row {
     Framing ended;   ///< after it
 };
 
-const Bytes kSmall = blockOfSize(8);
-const Bytes kLarge = blockOfSize(100);
+const Bytes small = blockOfSize(8);
+const Bytes large = blockOfSize(100);
 
 // Rows whose second outcome is empty do not change by the end of input.
-const Row kRows[] = {
-    {"OddSizes",
-     kSmall + blockOfSize(9) + kLarge,
-     {{{0, 8}, {8, 9}, {17, 100}}, {}, {}, {}, 0},
-     {}},
+const Row rows[] = {
+    {"OddSizes", small + blockOfSize(9) + large, {{{0, 8}, {8, 9}, {17, 100}}, {}, {}, {}, 0}, {}},
     {"LongestBlock", blockOfSize(0xffff), {{{0, 0xffff}}, {}, {}, {}, 0}, {}},
     {"JunkAround",
-     text("$junk@$") + kSmall + text("@junk"),
+     text("$junk@$") + small + text("@junk"),
      {{{7, 8}}, {{0, 7}, {15, 5}}, {}, {}, 0},
      {}},
     {"EndsInHalfASync",
-     kSmall + text("a$"),
+     small + text("a$"),
      {{{0, 8}}, {{8, 1}}, {}, {}, 1},
      {{{0, 8}}, {{8, 2}}, {}, {}, 0}},
-    {"EndsBeforeTheLastByte", cut(kLarge, 99), {{}, {}, {}, {}, 99}, {{}, {{0, 99}}, {}, {}, 0}},
-    {"BadPayload", flipped(kLarge, 99) + kSmall, {{{100, 8}}, {{0, 100}}, {0}, {}, 0}, {}},
-    {"LengthTooSmall", falseHeader(7) + kSmall, {{{8, 8}}, {{0, 8}}, {}, {0}, 0}, {}},
+    {"EndsBeforeTheLastByte", cut(large, 99), {{}, {}, {}, {}, 99}, {{}, {{0, 99}}, {}, {}, 0}},
+    {"BadPayload", flipped(large, 99) + small, {{{100, 8}}, {{0, 100}}, {0}, {}, 0}, {}},
+    {"LengthTooSmall", falseHeader(7) + small, {{{8, 8}}, {{0, 8}}, {}, {0}, 0}, {}},
     {"BlockRightBehindAFalseSync",
-     text("$@") + kSmall,
+     text("$@") + small,
      {{}, {}, {}, {}, 10},
      {{{2, 8}}, {{0, 2}}, {}, {}, 0}},
-    {"BlockInPayload", block(kSmall + kLarge), {{{0, 116}}, {}, {}, {}, 0}, {}},
+    {"BlockInPayload", block(small + large), {{{0, 116}}, {}, {}, {}, 0}, {}},
     {"BlocksInDamagedPayload",
-     flipped(block(kSmall + kLarge), 3),
+     flipped(block(small + large), 3),
      {{{8, 8}, {16, 100}}, {{0, 8}}, {0}, {}, 0},
      {}},
     {"FalseHeaderWaitsBeforeBlocks",
-     falseHeader(200) + kSmall + kLarge,
+     falseHeader(200) + small + large,
      {{}, {}, {}, {}, 116},
      {{{8, 8}, {16, 100}}, {{0, 8}}, {}, {}, 0}},
     {"FalseHeadersEndInsideABlock",
-     falseHeader(40) + falseHeader(20) + kLarge + kLarge,
+     falseHeader(40) + falseHeader(20) + large + large,
      {{{16, 100}, {116, 100}}, {{0, 16}}, {0, 8}, {}, 0},
      {}},
 };
 
 TEST(BlockFramer, GivesBlocksAndAccountsForTheRest)
 {
-    for (const Row& row : kRows) {
+    for (const Row& row : rows) {
         EXPECT_EQ(referenceFraming(row.stream, false), row.waiting) << row.name << " by reference";
         const Framing& ended = row.ended.bytesInAll() == 0 ? row.waiting : row.ended;
         EXPECT_EQ(referenceFraming(row.stream, true), ended) << row.name << " by reference";
@@ -78,7 +75,7 @@ TEST(BlockFramer, GivesBlocksAndAccountsForTheRest)
 
 TEST(BlockFramer, EndOfInputInEveryPlace)
 {
-    const Bytes stream = text("a$") + kSmall + falseHeader(40) + kLarge + flipped(kSmall, 5) +
+    const Bytes stream = text("a$") + small + falseHeader(40) + large + flipped(small, 5) +
                          block(text("$@")) + falseHeader(3);
     for (size_t size = 0; size <= stream.size(); ++size) {
         const Bytes part = cut(stream, size);
@@ -93,11 +90,11 @@ TEST(BlockFramer, EndOfInputInEveryPlace)
 TEST(BlockFramer, GoesOnBehindTheEndOfInput)
 {
     RecordingFramer framer;
-    framer.append(cut(kLarge, 60));
+    framer.append(cut(large, 60));
     framer.flush();
-    framer.append(cut(kLarge, 40));
+    framer.append(cut(large, 40));
     EXPECT_EQ(framer.framing(), (Framing{{}, {{0, 60}}, {}, {}, 40})) << "waits for more again";
-    framer.append({kLarge.begin() + 40, kLarge.end()});
+    framer.append({large.begin() + 40, large.end()});
     EXPECT_EQ(framer.framing(), (Framing{{{60, 100}}, {{0, 60}}, {}, {}, 0}));
 }
 
@@ -106,7 +103,7 @@ TEST(BlockFramer, BlockStaysUntilTaken)
     tqx::BlockFramer framer;
     EXPECT_EQ(framer.block().data, nullptr);
     framer.takeBlock();
-    const Bytes stream = kSmall + kLarge;
+    const Bytes stream = small + large;
     framer.append(stream.data(), stream.size());
     framer.append(stream.data(), stream.size());
     EXPECT_EQ(framer.bytesLeft(), 216U);

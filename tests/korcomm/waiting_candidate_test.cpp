@@ -10,8 +10,8 @@
 namespace
 {
 
-const Bytes kSmall = blockOfSize(8);
-const Bytes kLarge = blockOfSize(100);
+const Bytes small = blockOfSize(8);
+const Bytes large = blockOfSize(100);
 
 struct Row {
     const char* name;
@@ -20,36 +20,36 @@ struct Row {
     Framing framing; ///< once nothing is passed any more
 };
 
-const Row kRows[] = {
-    {"NothingWaits", kSmall, false, {{{0, 8}}, {}, {}, {}, 0}},
+const Row rows[] = {
+    {"NothingWaits", small, false, {{{0, 8}}, {}, {}, {}, 0}},
     {"NoWholeHeader", text("$@$@abc"), false, {{}, {}, {}, {}, 7}},
-    {"NothingIsHeldBack", falseHeader(200) + cut(kLarge, 99), false, {{}, {}, {}, {}, 107}},
-    {"DamagedBlock", falseHeader(200) + flipped(kLarge, 50), false, {{}, {}, {}, {}, 108}},
+    {"NothingIsHeldBack", falseHeader(200) + cut(large, 99), false, {{}, {}, {}, {}, 107}},
+    {"DamagedBlock", falseHeader(200) + flipped(large, 50), false, {{}, {}, {}, {}, 108}},
     {"BlocksAreHeldBack",
-     falseHeader(200) + kSmall + kLarge,
+     falseHeader(200) + small + large,
      true,
      {{{8, 8}, {16, 100}}, {{0, 8}}, {}, {}, 0}},
     {"LongestClaim",
-     text("junk") + falseHeader(0xffff) + text("$@junk") + kLarge + text("$@"),
+     text("junk") + falseHeader(0xffff) + text("$@junk") + large + text("$@"),
      true,
      {{{18, 100}}, {{0, 18}}, {}, {}, 2}},
     {"SeveralWaitBeforeABlock",
-     falseHeader(5000) + falseHeader(200) + falseHeader(3) + falseHeader(0xffff) + kSmall,
+     falseHeader(5000) + falseHeader(200) + falseHeader(3) + falseHeader(0xffff) + small,
      true,
      {{{32, 8}}, {{0, 32}}, {}, {16}, 0}},
     {"AnotherWaitsAfterTheBlock",
-     falseHeader(200) + kSmall + falseHeader(300) + text("junk"),
+     falseHeader(200) + small + falseHeader(300) + text("junk"),
      true,
      {{{8, 8}}, {{0, 8}}, {}, {}, 12}},
     {"BlockOnItsWayIsLostForOneInItsBody",
-     cut(block(kSmall + kLarge), 60),
+     cut(block(small + large), 60),
      true,
      {{{8, 8}}, {{0, 8}}, {}, {}, 44}},
 };
 
 TEST(WaitingCandidate, IsPassedWhereItHoldsBackABlock)
 {
-    for (const Row& row : kRows) {
+    for (const Row& row : rows) {
         RecordingFramer framer;
         framer.append(row.stream);
         bool isPassed = false;
@@ -64,7 +64,7 @@ TEST(WaitingCandidate, IsPassedWhereItHoldsBackABlock)
 TEST(WaitingCandidate, SaysWhatItClaims)
 {
     RecordingFramer framer;
-    framer.append(kLarge + falseHeader(300) + text("junk"));
+    framer.append(large + falseHeader(300) + text("junk"));
     EXPECT_EQ(framer.waiting().offset, 100U);
     EXPECT_EQ(framer.waiting().size, 12U);
     EXPECT_EQ(framer.waiting().length, 300U);
@@ -82,7 +82,7 @@ TEST(WaitingCandidate, IsPassedExactlyWhereItHoldsBackABlock)
         const bool isLong = seed % 10 == 0;
         const Bytes stream = falseHeader(isLong ? 0xffff : static_cast<uint16_t>(random() % 3000)) +
                              randomStream(random) + falseHeader(1000) +
-                             (isLong ? flipped(blockOfSize(30000), 20000) : kSmall) +
+                             (isLong ? flipped(blockOfSize(30000), 20000) : small) +
                              randomStream(random);
         RecordingFramer framer;
         const size_t limit = isLong ? 6000 : std::vector<size_t>{1, 7, 300}[seed % 3];
@@ -103,11 +103,11 @@ TEST(WaitingCandidate, IsPassedExactlyWhereItHoldsBackABlock)
 
 double secondsToAsk(const Bytes& stream)
 {
-    constexpr size_t kPiece = 64;
+    constexpr size_t pieceSize = 64;
     const std::clock_t start = std::clock();
     tqx::BlockFramer framer;
-    for (size_t at = 0; at < stream.size(); at += kPiece) {
-        framer.append(&stream[at], std::min(kPiece, stream.size() - at));
+    for (size_t at = 0; at < stream.size(); at += pieceSize) {
+        framer.append(&stream[at], std::min(pieceSize, stream.size() - at));
         while (framer.passWaiting()) {
         }
         while (framer.hasBlock()) {

@@ -75,34 +75,35 @@ struct Row {
     bool isDamaged;
 };
 
-const Bytes kBlock = blockOfSize(20);
-const Bytes kGga = sentence("GPGGA,1");
+const Bytes usualBlock = blockOfSize(20);
+const Bytes gga = sentence("GPGGA,1");
 
-const Row kRows[] = {
-    {"BetweenBlocks", kBlock + kGga + kBlock + text("reply\r\n") + frame({1, 2}),
+const Row rows[] = {
+    {"BetweenBlocks", usualBlock + gga + usualBlock + text("reply\r\n") + frame({1, 2}),
      "0: block\n20: memory N13\n33: block\n53: memory A7\n60: memory R8\n", 0, 0, false},
-    {"DamageBeside", text("\x01") + kGga + text("\x02\x03") + kBlock,
+    {"DamageBeside", text("\x01") + gga + text("\x02\x03") + usualBlock,
      "0: 1 byte belongs to no block\n1: memory N13\n14: 2 bytes belong to no block\n16: block\n", 0,
      0, true},
-    {"NoErrorsWithinAFrame", frame(falseHeader(3) + flipped(kBlock, 9)) + kBlock,
+    {"NoErrorsWithinAFrame", frame(falseHeader(3) + flipped(usualBlock, 9)) + usualBlock,
      "0: memory R34\n34: block\n", 0, 0, false},
-    {"ErrorsBesideAFrame", falseHeader(3) + frame(falseHeader(2)) + flipped(kBlock, 9) + kBlock,
+    {"ErrorsBesideAFrame",
+     falseHeader(3) + frame(falseHeader(2)) + flipped(usualBlock, 9) + usualBlock,
      "0: 8 bytes belong to no block, 1 invalid length\n8: memory R14\n"
      "22: 20 bytes belong to no block, 1 bad checksum\n42: block\n",
      1, 1, true},
-    {"FrameThatClaimsAllTheRest", frame(falseHeader(0xffff)) + kGga,
+    {"FrameThatClaimsAllTheRest", frame(falseHeader(0xffff)) + gga,
      "0: memory R14\n14: memory N13\n", 0, 0, false},
-    {"BlockInAFrameWins", frame(kBlock),
+    {"BlockInAFrameWins", frame(usualBlock),
      "0: 3 bytes belong to no block\n3: block\n23: 3 bytes belong to no block\n", 0, 0, true},
-    {"CutSentence", kBlock + cut(kGga, 9), "0: block\n20: 9 bytes belong to no block\n", 0, 0,
+    {"CutSentence", usualBlock + cut(gga, 9), "0: block\n20: 9 bytes belong to no block\n", 0, 0,
      true},
-    {"CutBlockAfterSentence", kGga + cut(kBlock, 15),
+    {"CutBlockAfterSentence", gga + cut(usualBlock, 15),
      "0: memory N13\n13: 15 bytes belong to no block, the input ends within a block\n", 0, 0, true},
 };
 
 TEST(BlockStream, ReportsNeighboursApartFromDamage)
 {
-    for (const Row& row : kRows) {
+    for (const Row& row : rows) {
         for (const size_t piece : {size_t{1}, size_t{11}, row.stream.size()}) {
             const Read read = readAll(row.stream, piece);
             EXPECT_EQ(read.journal, row.journal) << row.name << " in pieces of " << piece;

@@ -87,24 +87,25 @@ std::string kindsOf(const Parts& parts)
     return kinds;
 }
 
-const Bytes kGga = sentence("GPGGA,115942.00,4704.2,N,01527.0,E,1,12,0.4,367.7,M,44.5,M,,");
-const Bytes kFrame = frame(Bytes{0x3e, 0xd0, 1, 2, 3});
+const Bytes gga = sentence("GPGGA,115942.00,4704.2,N,01527.0,E,1,12,0.4,367.7,M,44.5,M,,");
+const Bytes wholeFrame = frame(Bytes{0x3e, 0xd0, 1, 2, 3});
 
-const Row kRows[] = {
-    {"SentencesAndFrames", kGga + kFrame + sentence("AIVDM,1,1,,A,13u?,0", '!') + kFrame, "NRNR"},
+const Row rows[] = {
+    {"SentencesAndFrames", gga + wholeFrame + sentence("AIVDM,1,1,,A,13u?,0", '!') + wholeFrame,
+     "NRNR"},
     {"EmptyFrame", frame({}), "R"},
     {"LongestFrame", frame(Bytes(1023, 0xd3)), "R"},
-    {"NoReservedBitsInFrames", flipped(kFrame, 0) + Bytes{0xd3, 4, 0} + kGga, "-N"},
+    {"NoReservedBitsInFrames", flipped(wholeFrame, 0) + Bytes{0xd3, 4, 0} + gga, "-N"},
     {"LowerCaseChecksum", text("$PABC,1*0d\r\n"), "N"},
     {"WrongSentence", sentence("GPGGA,1", '$', 1), "-"},
     {"SentenceWithoutChecksum", text("\x01$GPGGA,1\r\n"), "-"},
     {"SentenceWithoutAddress", sentence("GP,1") + sentence("gpgga,1"), "-"},
     {"TailOfASentence", text("704.2,N*5A\r\nreply\r\n"), "-A"},
-    {"SentenceInNoise", text("\x01\x02") + kGga + text("\x03"), "-N-"},
-    {"SentenceAfterHalfALine", text("half a l") + kGga, "-N"},
-    {"SentenceAfterHalfASentence", cut(kGga, 20) + kGga, "-N"},
-    {"NeighboursInFrame", frame(kGga + kFrame), "R"},
-    {"NeighboursInDamagedFrame", flipped(frame(kGga + kFrame), 2), "-NR-"},
+    {"SentenceInNoise", text("\x01\x02") + gga + text("\x03"), "-N-"},
+    {"SentenceAfterHalfALine", text("half a l") + gga, "-N"},
+    {"SentenceAfterHalfASentence", cut(gga, 20) + gga, "-N"},
+    {"NeighboursInFrame", frame(gga + wholeFrame), "R"},
+    {"NeighboursInDamagedFrame", flipped(frame(gga + wholeFrame), 2), "-NR-"},
     {"Reply", text("$R: state\r\n  a: 1\r\n\r\nx\r\nCOM1>"), "AAAAA"},
     {"ReplyAfterDamagedSentence", sentence("GPGGA,1", '$', 1) + text("reply\r\n"), "-A"},
     {"NoTextWithinNoise", text("\x01 looks like a text\r\n and goes on\r\n"), "-"},
@@ -113,17 +114,17 @@ const Row kRows[] = {
     {"NoTextOfAFalseSync", text("$@abcdefgh\r\n"), "-"},
     {"EmptyLinesBeforeAText", text("\r\n\r\nreply\r\n"), "A"},
     {"EmptyLinesBeforeAPrompt", text("\r\nIP10>"), "A"},
-    {"EmptyLinesBeforeASentence", text("\r\n") + kGga, "-N"},
-    {"PromptBeforeASentence", text("USB1>") + kGga, "AN"},
+    {"EmptyLinesBeforeASentence", text("\r\n") + gga, "-N"},
+    {"PromptBeforeASentence", text("USB1>") + gga, "AN"},
     {"NoPrompts", text("COM>COM12>1OM1>com1>"), "-"},
-    {"CutAtTheEnd", kGga + cut(kGga, kGga.size() - 1), "N-"},
+    {"CutAtTheEnd", gga + cut(gga, gga.size() - 1), "N-"},
     {"LongestLine", Bytes(998, 'x') + text("\r\n"), "A"},
     {"LineTooLong", Bytes(999, 'x') + text("\r\n"), "-"},
 };
 
 TEST(NeighbourScanner, TellsNeighboursFromDamage)
 {
-    for (const Row& row : kRows) {
+    for (const Row& row : rows) {
         const Parts expected = referenceParts(row.run);
         EXPECT_EQ(kindsOf(expected), row.kinds) << row.name << " by reference";
         for (const size_t piece : {size_t{1}, size_t{7}, row.run.size()}) {
@@ -168,21 +169,23 @@ TEST(NeighbourScanner, RunsEndWhereTheOffsetJumps)
     } found;
     NeighbourScanner scanner(found);
     const Bytes line = text("reply\r\n");
-    scanner.append(0, kGga.data(), 10);
-    scanner.append(100, kGga.data() + 10, kGga.size() - 10);
+    scanner.append(0, gga.data(), 10);
+    scanner.append(100, gga.data() + 10, gga.size() - 10);
     scanner.append(1000, line.data(), line.size());
     scanner.append(2000, line.data() + 5, 2);
     scanner.end();
     EXPECT_EQ(found.parts,
-              (Parts{{0, 10, '-'}, {100, kGga.size() - 10, '-'}, {1000, 7, 'A'}, {2000, 2, '-'}}));
+              (Parts{{0, 10, '-'}, {100, gga.size() - 10, '-'}, {1000, 7, 'A'}, {2000, 2, '-'}}));
 }
 
 TEST(Neighbour, KnowsItsType)
 {
     const Bytes ais = sentence("AIVDM,1", '!');
-    EXPECT_EQ((Neighbour{NeighbourKind::Nmea, kGga.data(), kGga.size(), 0}.getAddress()), "GPGGA");
+    EXPECT_EQ((Neighbour{NeighbourKind::Nmea, gga.data(), gga.size(), 0}.getAddress()), "GPGGA");
     EXPECT_EQ((Neighbour{NeighbourKind::Nmea, ais.data(), ais.size(), 0}.getAddress()), "AIVDM");
-    EXPECT_EQ((Neighbour{NeighbourKind::Rtcm3, kFrame.data(), kFrame.size(), 0}.getNumber()), 1005);
+    EXPECT_EQ(
+        (Neighbour{NeighbourKind::Rtcm3, wholeFrame.data(), wholeFrame.size(), 0}.getNumber()),
+        1005);
     const Bytes tiny = frame({0x3e});
     EXPECT_EQ((Neighbour{NeighbourKind::Rtcm3, tiny.data(), tiny.size(), 0}.getNumber()), 0);
 }

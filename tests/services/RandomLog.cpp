@@ -8,12 +8,12 @@
 namespace
 {
 
-constexpr uint64_t kMillisPerWeek = 604800000;
+constexpr uint64_t millisPerWeek = 604800000;
 
 void setTime(uint8_t* block, uint64_t millis)
 {
-    korcg_store_u32(block + 8, static_cast<uint32_t>(millis % kMillisPerWeek));
-    korcg_store_u16(block + 12, static_cast<uint16_t>(millis / kMillisPerWeek));
+    korcg_store_u32(block + 8, static_cast<uint32_t>(millis % millisPerWeek));
+    korcg_store_u16(block + 12, static_cast<uint16_t>(millis / millisPerWeek));
     korcg_store_u16(block + 2, korcg_crc16_bytes(block + 4, korcg_load_u16(block + 6) - size_t{4}));
 }
 
@@ -49,7 +49,7 @@ RandomLog::RandomLog(int size)
 
 uint64_t RandomLog::timeOf(uint64_t start, size_t index) const
 {
-    return start + index / mainTypes().size() * kMillisPerRound;
+    return start + index / mainTypes().size() * millisPerRound;
 }
 
 void RandomLog::beginAt(uint64_t start)

@@ -10,7 +10,7 @@
 class RandomLog
 {
 public:
-    static constexpr uint64_t kMillisPerRound = 1000; ///< between two blocks of one type
+    static constexpr uint64_t millisPerRound = 1000; ///< between two blocks of one type
 
     /// At least `size` bytes, in whole rounds of all types.
     explicit RandomLog(int size);

@@ -17,8 +17,8 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-constexpr int kPVTGeodetic2 = 110;
-constexpr int kInvalidMessage = -6072;
+constexpr int pVTGeodetic2 = 110;
+constexpr int invalidMessage = -6072;
 
 // A decoder and a log of what it published.
 struct Recorded {
@@ -53,8 +53,8 @@ struct Recorded {
 
 using Log = std::vector<std::string>;
 
-const Log kPublished = {"early PVTGeodetic2", "normal PVTGeodetic2", "late PVTGeodetic2"};
-const Log kUnknownZero = {"3 TQX: Message type 0 unknown to PC software", "unknown Message type 0"};
+const Log publishedNames = {"early PVTGeodetic2", "normal PVTGeodetic2", "late PVTGeodetic2"};
+const Log unknownZero = {"3 TQX: Message type 0 unknown to PC software", "unknown Message type 0"};
 
 TEST(TQXDecoder, ReturnsAndPublishesResults)
 {
@@ -66,15 +66,15 @@ TEST(TQXDecoder, ReturnsAndPublishesResults)
         int32_t result;
         Log log;
     } rows[] = {
-        {"whole", whole, bits, kPublished},
-        {"bytes behind it", whole + "xyz", bits, kPublished},
-        {"more than the longest block", whole + QByteArray(70000, 'x'), bits, kPublished},
-        {"a size of 65536", whole + QByteArray(65536 - whole.size(), 'x'), bits, kPublished},
-        {"empty", {}, kInvalidMessage, kUnknownZero},
-        {"six bytes", whole.left(6), kInvalidMessage, kUnknownZero},
+        {"whole", whole, bits, publishedNames},
+        {"bytes behind it", whole + "xyz", bits, publishedNames},
+        {"more than the longest block", whole + QByteArray(70000, 'x'), bits, publishedNames},
+        {"a size of 65536", whole + QByteArray(65536 - whole.size(), 'x'), bits, publishedNames},
+        {"empty", {}, invalidMessage, unknownZero},
+        {"six bytes", whole.left(6), invalidMessage, unknownZero},
         {"unknown number",
          blockOfNumber(8191),
-         kInvalidMessage,
+         invalidMessage,
          {"3 TQX: Message type 8191 unknown to PC software", "unknown Message type 8191"}},
     };
     for (const auto& row : rows) {
@@ -154,7 +154,7 @@ TEST(TQXDecoder, DecodesWhenInvokedByName)
         &recorded.decoder, "decodeMessage", Q_RETURN_ARG(int32_t, result),
         Q_ARG(const uint8_t*, bytesOf(block)), Q_ARG(uint32_t, sizeOf(block))));
     EXPECT_EQ(result, 8 * block.size());
-    EXPECT_EQ(recorded.log, kPublished);
+    EXPECT_EQ(recorded.log, publishedNames);
 }
 
 TEST(TQXDecoder, ReceiversMayDecode)
@@ -175,26 +175,26 @@ TEST(TQXDecoder, TypesAreSwitchedByNumberAndByInfo)
     Recorded recorded;
     TQXDecoder& decoder = recorded.decoder;
     const MessageInfo* info = TQX_FormatInfo::getInstance()->getMessageInfo("PVTGeodetic2");
-    EXPECT_EQ(decoder.getMessageEnum(info), kPVTGeodetic2);
+    EXPECT_EQ(decoder.getMessageEnum(info), pVTGeodetic2);
     EXPECT_EQ(decoder.getMessageEnum(nullptr), -1);
     EXPECT_FALSE(decoder.enableMessage(nullptr) || decoder.disableMessage(nullptr));
     EXPECT_FALSE(decoder.isEnabled(nullptr));
     EXPECT_TRUE(decoder.disableMessage(info));
-    EXPECT_FALSE(decoder.isEnabledMessageEnum(kPVTGeodetic2));
-    EXPECT_EQ(recorded.decode(pvtGeodetic2()), TQX_layout(kPVTGeodetic2)->disabled);
+    EXPECT_FALSE(decoder.isEnabledMessageEnum(pVTGeodetic2));
+    EXPECT_EQ(recorded.decode(pvtGeodetic2()), TQX_layout(pVTGeodetic2)->disabled);
     EXPECT_EQ(recorded.log, Log{"4 TQX: TQX_ERR_PVTGEODETIC2_DISABLED"});
 
     recorded.log.clear();
-    decoder.enableMessageEnum(kPVTGeodetic2);
+    decoder.enableMessageEnum(pVTGeodetic2);
     EXPECT_GT(recorded.decode(pvtGeodetic2()), 0);
-    EXPECT_EQ(recorded.log, kPublished);
+    EXPECT_EQ(recorded.log, publishedNames);
 }
 
 TEST(TQXDecoder, AllTypesAreSwitchedButSubBlocks)
 {
     TQX_FormatInfo::getInstance();
     TQXDecoder decoder;
-    constexpr int kSubBlock = 156;
+    constexpr int subBlock = 156;
     const auto enabled = [&] {
         std::vector<int> numbers;
         for (int i = 0; i <= 382; ++i) {
@@ -207,10 +207,10 @@ TEST(TQXDecoder, AllTypesAreSwitchedButSubBlocks)
     const std::vector<int> mainTypes = enabled();
     EXPECT_EQ(mainTypes.size(), 243U);
 
-    decoder.enableMessageEnum(kSubBlock);
+    decoder.enableMessageEnum(subBlock);
     decoder.disableAllMessages();
-    EXPECT_EQ(enabled(), std::vector<int>{kSubBlock});
-    decoder.disableMessageEnum(kSubBlock);
+    EXPECT_EQ(enabled(), std::vector<int>{subBlock});
+    decoder.disableMessageEnum(subBlock);
     decoder.enableAllMessages();
     EXPECT_EQ(enabled(), mainTypes);
 

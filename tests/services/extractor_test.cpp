@@ -29,11 +29,11 @@ QByteArray diffCorrIn(uint8_t mode, const QByteArray& payload)
 }
 
 // A well-known example of message 1005, with its frame and checksum.
-const QByteArray kRtcm3 = QByteArray::fromHex("d300133ed7d30202980edeef34b4bd62ac0941986f33360b98");
+const QByteArray rtcm3 = QByteArray::fromHex("d300133ed7d30202980edeef34b4bd62ac0941986f33360b98");
 
 // What each mode carries: two words of 30 bits, a CMR frame, an RTCM 3 frame, an RTCMV text.
-const QByteArray kPayloads[] = {QByteArray::fromHex("9a5b59668d72a13f"),
-                                QByteArray::fromHex("02009302aabb6203"), kRtcm3, "RTCMV,1"};
+const QByteArray payloads[] = {QByteArray::fromHex("9a5b59668d72a13f"),
+                               QByteArray::fromHex("02009302aabb6203"), rtcm3, "RTCMV,1"};
 
 // CRC-24Q of RTCM 3; 0 over a frame that ends in its checksum.
 uint32_t crc24q(const QByteArray& bytes)
@@ -107,17 +107,17 @@ TEST(DiffCorrInExtractor, PassesOnThePayloadsOfItsModeOnly)
 
         decode(decoder, pvtGeodetic2());
         for (uint8_t other = 0; other < 4; ++other) {
-            decode(decoder, diffCorrIn(other, kPayloads[other]));
+            decode(decoder, diffCorrIn(other, payloads[other]));
         }
         decode(decoder, diffCorrIn(mode, {}));
-        const std::vector<QByteArray> expected = {kPayloads[mode], {}};
+        const std::vector<QByteArray> expected = {payloads[mode], {}};
         EXPECT_EQ(extractor.seen, expected) << int{mode};
         EXPECT_EQ(target.received, expected) << int{mode};
         EXPECT_EQ(target.frames, mode == 2 ? 1 : 0);
 
         extractor.added = "more";
-        decode(decoder, diffCorrIn(mode, kPayloads[mode]));
-        EXPECT_EQ(target.received.back(), kPayloads[mode] + "more");
+        decode(decoder, diffCorrIn(mode, payloads[mode]));
+        EXPECT_EQ(target.received.back(), payloads[mode] + "more");
     }
 }
 

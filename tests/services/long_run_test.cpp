@@ -15,8 +15,8 @@
 namespace
 {
 
-constexpr uint64_t kStart = 1209945600000;
-constexpr uint64_t kMegabyte = 1 << 20;
+constexpr uint64_t startTime = 1209945600000;
+constexpr uint64_t megabyte = 1 << 20;
 
 double peakOfMemory()
 {
@@ -74,22 +74,22 @@ private:
 TEST(LongRun, TakesConstantMemory)
 {
     TQX_FormatInfo::getInstance();
-    RandomLog log(3 * kMegabyte);
+    RandomLog log(3 * megabyte);
     Keeper keeper;
     Host host;
     const uint64_t millisPerRound = log.timeOf(0, log.blockCount());
     uint64_t wrongTimes = 0;
     host.onMessage = [&](const Message* message) {
         const uint64_t block = host.blocks - 1;
-        const uint64_t start = kStart + block / log.blockCount() * millisPerRound;
+        const uint64_t start = startTime + block / log.blockCount() * millisPerRound;
         const uint64_t time = log.timeOf(start, block % log.blockCount());
         wrongTimes += TQXUtils::getGNSSMillis(message) != time ? 1 : 0;
         keeper.take(message);
     };
     uint64_t rounds = 0;
     const auto runUntil = [&](uint64_t megabytes) {
-        for (; host.appended < megabytes * kMegabyte; ++rounds) {
-            log.beginAt(kStart + rounds * millisPerRound);
+        for (; host.appended < megabytes * megabyte; ++rounds) {
+            log.beginAt(startTime + rounds * millisPerRound);
             host.append(log.bytes(), 1 << 16);
         }
         return peakOfMemory();

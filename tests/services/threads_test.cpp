@@ -17,7 +17,7 @@
 namespace
 {
 
-constexpr uint64_t kStart = 1209945600000;
+constexpr uint64_t startTime = 1209945600000;
 
 struct Outcome {
     uint64_t messages = 0;
@@ -49,12 +49,12 @@ void read(const Message* message, Outcome& outcome)
 
 Outcome walk(const QByteArray& stream)
 {
-    constexpr uint64_t kReadInFull = 8; // one message in so many
+    constexpr uint64_t readInFull = 8; // one message in so many
     Outcome outcome;
     Host host;
     host.onMessage = [&](const Message* message) {
-        outcome.lateness += TQXUtils::getGNSSMillis(message) - kStart;
-        if (host.messages % kReadInFull == 0) {
+        outcome.lateness += TQXUtils::getGNSSMillis(message) - startTime;
+        if (host.messages % readInFull == 0) {
             read(message, outcome);
         }
     };
@@ -84,7 +84,7 @@ TEST(Threads, DecodeTheSameStreamSideBySide)
 {
     TQX_FormatInfo::getInstance();
     RandomLog log(5 << 20);
-    log.beginAt(kStart);
+    log.beginAt(startTime);
     std::array<Outcome, 4> outcomes;
     std::vector<std::thread> threads;
     for (Outcome& outcome : outcomes) {

@@ -13,9 +13,9 @@
 namespace
 {
 
-constexpr uint64_t kInvalidMillis = 0xffffffffffffffff;
-constexpr uint32_t kInvalidTOW = 0xffffffff;
-constexpr uint16_t kInvalidWNc = 0xffff;
+constexpr uint64_t invalidMillis = 0xffffffffffffffff;
+constexpr uint32_t invalidTOW = 0xffffffff;
+constexpr uint16_t invalidWNc = 0xffff;
 
 // Decodes a block and shows its message around.
 void withMessageOf(const QByteArray& bytes, const std::function<void(const Message*)>& look)
@@ -48,8 +48,8 @@ TEST(TQXUtils, TimeOfAMessage)
         {345600000, 2000, 1209945600000, 1209945600000},
         {0, 0, 0, 0},
         {4294967294, 65534, 604800000ULL * 65534 + 4294967294, 604800000ULL * 65534 + 4294967294},
-        {kInvalidTOW, 2000, kInvalidMillis, 0},
-        {345600000, kInvalidWNc, kInvalidMillis, 0},
+        {invalidTOW, 2000, invalidMillis, 0},
+        {345600000, invalidWNc, invalidMillis, 0},
     };
     TqxTimeSource timeSource;
     for (const auto& row : rows) {
@@ -68,9 +68,9 @@ TEST(TQXUtils, SubMessagesHaveNoTime)
     withMessageOf(measEpoch2(1), [&](const Message* message) {
         const Message* channel = message->getSubMessages().at(0);
         for (int call = 0; call < 2; ++call) {
-            EXPECT_EQ(TQXUtils::getTOW(channel), kInvalidTOW);
-            EXPECT_EQ(TQXUtils::getWNc(channel), kInvalidWNc);
-            EXPECT_EQ(TQXUtils::getGNSSMillis(channel), kInvalidMillis);
+            EXPECT_EQ(TQXUtils::getTOW(channel), invalidTOW);
+            EXPECT_EQ(TQXUtils::getWNc(channel), invalidWNc);
+            EXPECT_EQ(TQXUtils::getGNSSMillis(channel), invalidMillis);
         }
         EXPECT_TRUE(isNow(timeSource.getMillis(channel)));
     });
@@ -105,9 +105,9 @@ TEST(TQXUtils, MessagesOfOtherFormatsHaveNoTime)
     const ForeignInfo info;
     const ForeignMessage message(&info);
     EXPECT_NE(info.getFieldInfo("TOW"), nullptr);
-    EXPECT_EQ(TQXUtils::getTOW(&message), kInvalidTOW);
-    EXPECT_EQ(TQXUtils::getWNc(&message), kInvalidWNc);
-    EXPECT_EQ(TQXUtils::getGNSSMillis(&message), kInvalidMillis);
+    EXPECT_EQ(TQXUtils::getTOW(&message), invalidTOW);
+    EXPECT_EQ(TQXUtils::getWNc(&message), invalidWNc);
+    EXPECT_EQ(TQXUtils::getGNSSMillis(&message), invalidMillis);
 }
 
 TEST(TqxTimeSource, FallsBackToItsClock)

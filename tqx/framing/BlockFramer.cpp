@@ -67,21 +67,21 @@ void BlockFramer::takeBlock()
 
 BlockFramer::Candidate BlockFramer::waiting() const
 {
-    if (hasBlock() || available() < BlockHeader::kSize) {
+    if (hasBlock() || available() < BlockHeader::headerSize) {
         return {nullptr, 0, 0, m_offset};
     }
-    return {head(), available(), korcg_load_u16(head() + BlockHeader::kLengthAt), m_offset};
+    return {head(), available(), korcg_load_u16(head() + BlockHeader::lengthAt), m_offset};
 }
 
 bool BlockFramer::passWaiting()
 {
     const Candidate candidate = waiting();
     if (candidate.data == nullptr ||
-        !m_inner.find(candidate.data + BlockHeader::kSyncSize,
-                      candidate.size - BlockHeader::kSyncSize, m_offset + BlockHeader::kSyncSize)) {
+        !m_inner.find(candidate.data + BlockHeader::syncSize,
+                      candidate.size - BlockHeader::syncSize, m_offset + BlockHeader::syncSize)) {
         return false;
     }
-    drop(BlockHeader::kSyncSize);
+    drop(BlockHeader::syncSize);
     search();
     return true;
 }
@@ -104,13 +104,13 @@ void BlockFramer::search()
 bool BlockFramer::decideCandidate()
 {
     drop(findSync(head(), available()));
-    if (available() < BlockHeader::kSize) {
+    if (available() < BlockHeader::headerSize) {
         return giveUpCandidate();
     }
-    const size_t length = korcg_load_u16(head() + BlockHeader::kLengthAt);
+    const size_t length = korcg_load_u16(head() + BlockHeader::lengthAt);
     const uint64_t candidate = m_offset;
-    if (length < BlockHeader::kSize) {
-        drop(BlockHeader::kSyncSize);
+    if (length < BlockHeader::headerSize) {
+        drop(BlockHeader::syncSize);
         if (m_listener != nullptr) {
             m_listener->onInvalidLength(candidate);
         }
@@ -123,7 +123,7 @@ bool BlockFramer::decideCandidate()
         m_blockSize = length;
         return false;
     }
-    drop(BlockHeader::kSyncSize);
+    drop(BlockHeader::syncSize);
     if (m_listener != nullptr) {
         m_listener->onChecksumFailed(candidate);
     }
@@ -135,7 +135,7 @@ bool BlockFramer::giveUpCandidate()
     if (!m_ended || available() == 0) {
         return false;
     }
-    drop(std::min(BlockHeader::kSyncSize, available()));
+    drop(std::min(BlockHeader::syncSize, available()));
     return true;
 }
 
@@ -159,14 +159,14 @@ void BlockFramer::reportDropped()
 // is moved at most once on average. Those that are still to be reported are not consumed.
 void BlockFramer::store(const uint8_t* bytes, size_t size)
 {
-    constexpr size_t kLeastCapacity = 16384;
+    constexpr size_t leastCapacity = 16384;
     const size_t consumed = m_head - droppedInBuffer();
     const size_t kept = m_buffer.size() - consumed;
     if (m_buffer.capacity() - m_buffer.size() < size && consumed >= kept) {
         std::copy(m_buffer.begin() + static_cast<std::ptrdiff_t>(consumed), m_buffer.end(),
                   m_buffer.begin());
         m_buffer.resize(kept);
-        m_buffer.reserve(kLeastCapacity);
+        m_buffer.reserve(leastCapacity);
         m_head -= consumed;
     }
     m_buffer.insert(m_buffer.end(), bytes, bytes + size);

@@ -142,9 +142,9 @@ private:
     Listener* m_listener;
     std::vector<uint8_t> m_buffer;
     size_t m_head = 0;         ///< first byte of the buffer that is not yet consumed
-    size_t m_blockSize = 0;    ///< size of the block that stands at head_, 0 for none
-    uint64_t m_offset = 0;     ///< of head_ in the stream
-    uint64_t m_unreported = 0; ///< dropped bytes before head_ that the listener has not heard of
+    size_t m_blockSize = 0;    ///< size of the block that stands at m_head, 0 for none
+    uint64_t m_offset = 0;     ///< of m_head in the stream
+    uint64_t m_unreported = 0; ///< dropped bytes before m_head that the listener has not heard of
     size_t m_handedOver = 0;   ///< those of them that never came into the buffer
     bool m_ended = false;
     CandidateChecksum m_checksum;

@@ -8,11 +8,11 @@ namespace tqx
 
 bool CandidateChecksum::isIntact(const uint8_t* block, size_t length, uint64_t offset)
 {
-    const uint8_t* checked = block + BlockHeader::kCheckedFrom;
-    const size_t size = length - BlockHeader::kCheckedFrom;
-    const uint16_t expected = korcg_load_u16(block + BlockHeader::kChecksumAt);
+    const uint8_t* checked = block + BlockHeader::checkedFrom;
+    const size_t size = length - BlockHeader::checkedFrom;
+    const uint16_t expected = korcg_load_u16(block + BlockHeader::checksumAt);
     if (!mayBeSummedInVain(size, offset)) {
-        return m_prefixes.of(checked, offset + BlockHeader::kCheckedFrom, size) == expected;
+        return m_prefixes.of(checked, offset + BlockHeader::checkedFrom, size) == expected;
     }
     if (korcg_crc16_bytes(checked, size) == expected) {
         return true;
@@ -25,10 +25,10 @@ bool CandidateChecksum::isIntact(const uint8_t* block, size_t length, uint64_t o
 // valid stretches.
 bool CandidateChecksum::mayBeSummedInVain(size_t size, uint64_t offset)
 {
-    constexpr uint64_t kMostSaved = 4 * PrefixChecksums::kLongest;
+    constexpr uint64_t mostSaved = 4 * PrefixChecksums::longest;
     const uint64_t limit = 2 * (offset - m_start) + m_allowance;
-    if (limit > m_summedInVain + kMostSaved) {
-        m_summedInVain = limit - kMostSaved;
+    if (limit > m_summedInVain + mostSaved) {
+        m_summedInVain = limit - mostSaved;
     }
     return m_summedInVain + size <= limit;
 }

@@ -11,11 +11,12 @@ namespace tqx
 
 /// The header of a block, as far as framing reads it.
 struct BlockHeader {
-    static constexpr size_t kSize = 8; ///< up to and with the length; also the least valid length
-    static constexpr size_t kChecksumAt = 2;
-    static constexpr size_t kCheckedFrom = 4;
-    static constexpr size_t kLengthAt = 6;
-    static constexpr size_t kSyncSize = 2;
+    /// Up to and with the length; also the least valid length.
+    static constexpr size_t headerSize = 8;
+    static constexpr size_t checksumAt = 2;
+    static constexpr size_t checkedFrom = 4;
+    static constexpr size_t lengthAt = 6;
+    static constexpr size_t syncSize = 2;
 };
 
 /// Tests the checksums of one candidate after the other, at a cost that stays linear in the bytes
@@ -31,7 +32,7 @@ public:
     {
     }
 
-    /// Whether the block of `length` bytes (at least BlockHeader::kSize, at most 65,535) at
+    /// Whether the block of `length` bytes (at least BlockHeader::headerSize, at most 65,535) at
     /// `block`, which stands at `offset` of the stream, has the checksum that it says. Offsets must
     /// not decrease from call to call.
     bool isIntact(const uint8_t* block, size_t length, uint64_t offset);
@@ -43,7 +44,7 @@ private:
     uint64_t m_allowance;
 
     /// Bytes summed for candidates that turned out false. Past a limit that grows with the stream,
-    /// stretches are summed by prefixes_ instead, so that the work stays linear.
+    /// stretches are summed by m_prefixes instead, so that the work stays linear.
     uint64_t m_summedInVain = 0;
     PrefixChecksums m_prefixes;
 };

@@ -14,9 +14,9 @@ namespace
 {
 
 // Marks may end this much before the bytes that have been summed.
-constexpr size_t kMarkSlack = 8;
+constexpr size_t markSlack = 8;
 // Shorter stretches are summed directly; longer ones begin where marks reach.
-constexpr size_t kShort = 64;
+constexpr size_t shortBlock = 64;
 
 } // namespace
 
@@ -46,16 +46,16 @@ void InnerBlockSearch::collect(const uint8_t* bytes, size_t size, uint64_t posit
     while (m_searched < end) {
         const uint8_t* from = bytes + (m_searched - position);
         m_searched += findSync(from, static_cast<size_t>(end - m_searched));
-        if (m_searched + BlockHeader::kSize > end) {
+        if (m_searched + BlockHeader::headerSize > end) {
             return;
         }
         const uint16_t length =
-            korcg_load_u16(bytes + (m_searched - position) + BlockHeader::kLengthAt);
-        if (length >= BlockHeader::kSize) {
+            korcg_load_u16(bytes + (m_searched - position) + BlockHeader::lengthAt);
+        if (length >= BlockHeader::headerSize) {
             m_claims.push_back({m_searched + length, length});
             std::push_heap(m_claims.begin(), m_claims.end());
         }
-        m_searched += BlockHeader::kSyncSize;
+        m_searched += BlockHeader::syncSize;
     }
 }
 
@@ -64,21 +64,21 @@ void InnerBlockSearch::sum(const uint8_t* bytes, size_t size, uint64_t position)
 {
     const uint64_t end = position + size;
     m_summed = std::max(m_summed, position);
-    if (end < m_summed + 2 * kMarkSlack) {
+    if (end < m_summed + 2 * markSlack) {
         return;
     }
     m_prefixes.of(bytes + (m_summed - position), m_summed, static_cast<size_t>(end - m_summed));
-    m_summed = end - kMarkSlack;
+    m_summed = end - markSlack;
 }
 
 bool InnerBlockSearch::isIntact(const uint8_t* block, const Claim& claim)
 {
-    const uint8_t* checked = block + BlockHeader::kCheckedFrom;
-    const size_t size = claim.size - BlockHeader::kCheckedFrom;
+    const uint8_t* checked = block + BlockHeader::checkedFrom;
+    const size_t size = claim.size - BlockHeader::checkedFrom;
     const uint16_t sum =
-        size < kShort ? korcg_crc16_bytes(checked, size)
-                      : m_prefixes.of(checked, claim.begin() + BlockHeader::kCheckedFrom, size);
-    return sum == korcg_load_u16(block + BlockHeader::kChecksumAt);
+        size < shortBlock ? korcg_crc16_bytes(checked, size)
+                          : m_prefixes.of(checked, claim.begin() + BlockHeader::checkedFrom, size);
+    return sum == korcg_load_u16(block + BlockHeader::checksumAt);
 }
 
 } // namespace tqx

@@ -18,20 +18,20 @@ class TQX_FRAMING_API PrefixChecksums
 {
 public:
     /// Longest stretch that can be asked for.
-    static constexpr size_t kLongest = 0xffff;
+    static constexpr size_t longest = 0xffff;
 
-    /// Checksum of the `size` bytes (at most kLongest) from `bytes` on, which stand at `position`
+    /// Checksum of the `size` bytes (at most longest) from `bytes` on, which stand at `position`
     /// of the stream. Positions must not decrease from call to call.
     uint16_t of(const uint8_t* bytes, uint64_t position, size_t size);
 
 private:
-    static constexpr size_t kStride = 8;
-    static constexpr size_t kMarks = 16384; ///< power of two; reaches farther than kLongest
+    static constexpr size_t stride = 8;
+    static constexpr size_t markCount = 16384; ///< power of two; reaches farther than longest
 
-    uint16_t& mark(uint64_t index) { return m_marks[static_cast<size_t>(index % kMarks)]; }
+    uint16_t& mark(uint64_t index) { return m_marks[static_cast<size_t>(index % markCount)]; }
 
-    std::vector<uint16_t> m_marks; ///< a ring; mark k is the checksum of the kStride * k bytes
-                                   ///< from base_ on
+    std::vector<uint16_t> m_marks; ///< a ring; mark k is the checksum of the stride * k bytes
+                                   ///< from m_base on
     uint64_t m_base = 0;
     uint64_t m_lastMark = 0;
 };

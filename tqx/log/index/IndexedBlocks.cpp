@@ -112,7 +112,7 @@ GnssMillis IndexedBlocks::timeBefore(uint16_t offset)
             // A block shorter than that has no time of its own.
             if (m_log.readAt(m_pages.startOf(m_current) + at, header, sizeof header) ==
                     sizeof header &&
-                korcg_load_u16(header + BlockHeader::kLengthAt) >= sizeof header) {
+                korcg_load_u16(header + BlockHeader::lengthAt) >= sizeof header) {
                 last = gnssMillis(korcg_load_u32(header + 8), korcg_load_u16(header + 12))
                            .value_or(last);
             }
@@ -145,11 +145,11 @@ void IndexedBlocks::failAt(uint64_t offset) const
 
 Block IndexedBlocks::blockAt(uint64_t offset)
 {
-    if (offset + BlockHeader::kSize > m_size)
+    if (offset + BlockHeader::headerSize > m_size)
         failAt(offset);
-    const uint8_t* bytes = bytesAt(offset, BlockHeader::kSize);
-    const uint16_t length = korcg_load_u16(bytes + BlockHeader::kLengthAt);
-    if (bytes[0] != kSync1 || bytes[1] != kSync2 || length < BlockHeader::kSize ||
+    const uint8_t* bytes = bytesAt(offset, BlockHeader::headerSize);
+    const uint16_t length = korcg_load_u16(bytes + BlockHeader::lengthAt);
+    if (bytes[0] != sync1 || bytes[1] != sync2 || length < BlockHeader::headerSize ||
         length > m_size - offset)
         failAt(offset);
     return {bytesAt(offset, length), length, offset};

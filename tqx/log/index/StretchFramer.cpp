@@ -59,12 +59,12 @@ void StretchFramer::framePage(const LogWindow& window)
         if (at >= end)
             break;
         const uint64_t available = window.end - at;
-        const size_t length = available < BlockHeader::kSize
+        const size_t length = available < BlockHeader::headerSize
                                   ? 0
-                                  : korcg_load_u16(bytesAt(at) + BlockHeader::kLengthAt);
-        if (available < BlockHeader::kSize || available < length) {
+                                  : korcg_load_u16(bytesAt(at) + BlockHeader::lengthAt);
+        if (available < BlockHeader::headerSize || available < length) {
             mark(FramedPages::GivenUp, at);
-        } else if (length < BlockHeader::kSize) {
+        } else if (length < BlockHeader::headerSize) {
             mark(FramedPages::InvalidLength, at);
         } else if (m_checksum.isIntact(bytesAt(at), length, at)) {
             if (at != blockEnd) {
@@ -78,7 +78,7 @@ void StretchFramer::framePage(const LogWindow& window)
         } else {
             mark(FramedPages::ChecksumError, at);
         }
-        at += BlockHeader::kSyncSize;
+        at += BlockHeader::syncSize;
     }
     if (blockEnd < end) {
         mark(FramedPages::GapStart, blockEnd);

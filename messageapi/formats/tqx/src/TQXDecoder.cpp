@@ -21,15 +21,15 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-constexpr int32_t kInvalidMessage = -6072;
-constexpr uint32_t kLongestBlock = 0xffff;
-constexpr int32_t kHighestEnum = 382;
+constexpr int32_t invalidMessage = -6072;
+constexpr uint32_t longestBlock = 0xffff;
+constexpr int32_t highestEnum = 382;
 
 std::atomic<int> traceLevel{-1};
 
 bool isEnum(int32_t messageEnum)
 {
-    return messageEnum >= 0 && messageEnum <= kHighestEnum;
+    return messageEnum >= 0 && messageEnum <= highestEnum;
 }
 
 // The bits of all main block types.
@@ -79,7 +79,7 @@ int32_t TQXDecoder::decodeMessage(const uint8_t* buffer, uint32_t maxlength)
     TQX_AnyRecord_u record;
     TQX_markEmpty(&record);
 
-    const auto size = static_cast<uint16_t>(std::min(maxlength, kLongestBlock));
+    const auto size = static_cast<uint16_t>(std::min(maxlength, longestBlock));
     const int32_t result = TQX_decode(&m_context, buffer, size, &record);
     if (result <= 0) {
         TQX_release(&record);
@@ -121,7 +121,7 @@ void TQXDecoder::publishFailure(int32_t result)
     // A receiver of the event may decode another block.
     const unsigned unknownNumber = m_context.lastUnknownBlockNumber;
     if (isSignalConnected(eventSignal)) {
-        if (result == kInvalidMessage) {
+        if (result == invalidMessage) {
             publishEvent(
                 MessageApiEvent::UnknownMessage,
                 QStringLiteral("TQX: Message type %1 unknown to PC software").arg(unknownNumber));
@@ -130,7 +130,7 @@ void TQXDecoder::publishFailure(int32_t result)
                          QStringLiteral("TQX: %1").arg(QLatin1String(TQX_errorName(result))));
         }
     }
-    if (result == kInvalidMessage && isSignalConnected(unknownSignal)) {
+    if (result == invalidMessage && isSignalConnected(unknownSignal)) {
         newUnknownMessage(TQX_FormatInfo::getInstance(),
                           QStringLiteral("Message type %1").arg(unknownNumber));
     }

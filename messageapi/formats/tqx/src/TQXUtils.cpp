@@ -12,7 +12,7 @@
 namespace
 {
 
-constexpr uint64_t kMillisPerWeek = 604800000;
+constexpr uint64_t millisPerWeek = 604800000;
 
 std::shared_mutex fieldMapMutex;
 
@@ -24,23 +24,23 @@ TQXUtils::FieldMap TQXUtils::sWNcFieldMap;
 uint32_t TQXUtils::getTOW(const Message* message)
 {
     const FieldInfo* field = getTOWFieldInfo(message->getInfo());
-    return field != nullptr ? field->getValueUnchecked(message, 0).getU32() : kInvalidTOW;
+    return field != nullptr ? field->getValueUnchecked(message, 0).getU32() : invalidTOW;
 }
 
 uint16_t TQXUtils::getWNc(const Message* message)
 {
     const FieldInfo* field = getWNcFieldInfo(message->getInfo());
-    return field != nullptr ? field->getValueUnchecked(message, 0).getU16() : kInvalidWNc;
+    return field != nullptr ? field->getValueUnchecked(message, 0).getU16() : invalidWNc;
 }
 
 uint64_t TQXUtils::getGNSSMillis(const Message* message)
 {
     const uint16_t week = getWNc(message);
     const uint32_t timeOfWeek = getTOW(message);
-    if (week == kInvalidWNc || timeOfWeek == kInvalidTOW) {
-        return kInvalidMillis;
+    if (week == invalidWNc || timeOfWeek == invalidTOW) {
+        return invalidMillis;
     }
-    return kMillisPerWeek * week + timeOfWeek;
+    return millisPerWeek * week + timeOfWeek;
 }
 
 const FieldInfo* TQXUtils::getTOWFieldInfo(const MessageInfo* info)

@@ -16,17 +16,17 @@ class TQX_API TQXUtils
 {
 public:
     /// "Not available" of getTOW, getWNc and getGNSSMillis.
-    static constexpr uint32_t kInvalidTOW = 0xffffffff;
-    static constexpr uint16_t kInvalidWNc = 0xffff;
-    static constexpr uint64_t kInvalidMillis = 0xffffffffffffffff;
+    static constexpr uint32_t invalidTOW = 0xffffffff;
+    static constexpr uint16_t invalidWNc = 0xffff;
+    static constexpr uint64_t invalidMillis = 0xffffffffffffffff;
 
-    /// Time of week in milliseconds; kInvalidTOW also for sub-blocks and messages of other formats.
+    /// Time of week in milliseconds; invalidTOW also for sub-blocks and messages of other formats.
     static uint32_t getTOW(const Message* message);
 
-    /// Continuous week number; kInvalidWNc also for sub-blocks and messages of other formats.
+    /// Continuous week number; invalidWNc also for sub-blocks and messages of other formats.
     static uint16_t getWNc(const Message* message);
 
-    /// Milliseconds since the start of week 0, kInvalidMillis if week or time of week is.
+    /// Milliseconds since the start of week 0, invalidMillis if week or time of week is.
     static uint64_t getGNSSMillis(const Message* message);
 
     TQXUtils() = delete;

@@ -44,5 +44,5 @@ uint64_t TqxTimeSource::getMillis(const Message* message)
         return getMillis();
     }
     const uint64_t millis = TQXUtils::getGNSSMillis(message);
-    return millis == TQXUtils::kInvalidMillis ? 0 : millis;
+    return millis == TQXUtils::invalidMillis ? 0 : millis;
 }

@@ -17,8 +17,8 @@ namespace
 {
 
 // Fields of 33 bits and more are a low word and a high part, which is as wide as these say.
-constexpr uint8_t kHighPart16 = 41; // from here on the high part has more than 8 bits
-constexpr uint8_t kHighPart32 = 49; // from here on it has more than 16 bits
+constexpr uint8_t highPart16 = 41; // from here on the high part has more than 8 bits
+constexpr uint8_t highPart32 = 49; // from here on it has more than 16 bits
 
 uint8_t takeBits(const uint8_t* buffer, uint32_t offset, uint8_t bit_len)
 {
@@ -61,7 +61,7 @@ constexpr std::array<uint8_t, 256> makeBitCounts()
     return counts;
 }
 
-constexpr std::array<uint8_t, 256> kBitCounts = makeBitCounts();
+constexpr std::array<uint8_t, 256> bitCounts = makeBitCounts();
 
 } // namespace
 
@@ -135,11 +135,11 @@ void korcg_read_u64(const uint8_t* buffer, uint16_t data_size, uint32_t offset, 
     uint32_t low;
     korcg_read_u32(buffer, data_size, offset, 32, &low);
     uint32_t high;
-    if (bit_len < kHighPart16) {
+    if (bit_len < highPart16) {
         uint8_t part;
         korcg_read_u8(buffer, data_size, offset + 32, highLength, &part);
         high = part;
-    } else if (bit_len < kHighPart32) {
+    } else if (bit_len < highPart32) {
         uint16_t part;
         korcg_read_u16(buffer, data_size, offset + 32, highLength, &part);
         high = part;
@@ -235,9 +235,9 @@ void korcg_write_u64(uint8_t* buffer, uint16_t data_size, uint32_t offset, uint8
     const auto highLength = static_cast<uint8_t>(bit_len - 32);
     const auto high = static_cast<uint32_t>(value >> 32);
     korcg_write_u32(buffer, data_size, offset, 32, static_cast<uint32_t>(value));
-    if (bit_len < kHighPart16) {
+    if (bit_len < highPart16) {
         korcg_write_u8(buffer, data_size, offset + 32, highLength, static_cast<uint8_t>(high));
-    } else if (bit_len < kHighPart32) {
+    } else if (bit_len < highPart32) {
         korcg_write_u16(buffer, data_size, offset + 32, highLength, static_cast<uint16_t>(high));
     } else {
         korcg_write_u32(buffer, data_size, offset + 32, highLength, high);
@@ -266,8 +266,8 @@ void korcg_write_f64(uint8_t* buffer, uint16_t data_size, uint32_t offset, uint8
 
 uint32_t korcg_countBits(uint32_t word)
 {
-    return uint32_t{kBitCounts[word & 0xff]} + kBitCounts[word >> 8 & 0xff] +
-           kBitCounts[word >> 16 & 0xff] + kBitCounts[word >> 24];
+    return uint32_t{bitCounts[word & 0xff]} + bitCounts[word >> 8 & 0xff] +
+           bitCounts[word >> 16 & 0xff] + bitCounts[word >> 24];
 }
 
 void korcg_fill(uint8_t* buffer, size_t size, uint8_t value)

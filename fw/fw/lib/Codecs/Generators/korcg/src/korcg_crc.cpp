@@ -79,7 +79,7 @@ uint16_t chooseAndCombine(uint16_t crcA, uint16_t crcB, size_t lengthB)
 /// Table entry of byte `index` of a little-endian word at the given row.
 uint16_t lookUp(size_t row, uint64_t word, unsigned index)
 {
-    return kCrcTables[row][word >> 8 * index & 0xff];
+    return crcTables[row][word >> 8 * index & 0xff];
 }
 
 /// Fewer than 16 bytes: their lookups do not wait for each other either.
@@ -88,7 +88,7 @@ uint16_t crcFewBytes(const uint8_t* data, size_t size, uint16_t start)
     if (size < 2) {
         return crcByteTable(data, size, start);
     }
-    const auto* row = &kCrcTables[size - 1];
+    const auto* row = &crcTables[size - 1];
     unsigned crc = (*row)[data[0] ^ start >> 8];
     crc ^= (*--row)[data[1] ^ (start & 0xff)];
     for (const uint8_t* byte = data + 2; byte != data + size; ++byte) {
@@ -103,7 +103,7 @@ uint16_t crcByteTable(const uint8_t* data, size_t size, uint16_t start)
 {
     unsigned crc = start;
     for (size_t i = 0; i < size; ++i) {
-        crc = (crc << 8 & 0xffff) ^ kCrcTables[0][crc >> 8 ^ data[i]];
+        crc = (crc << 8 & 0xffff) ^ crcTables[0][crc >> 8 ^ data[i]];
     }
     return static_cast<uint16_t>(crc);
 }
@@ -120,7 +120,7 @@ uint16_t crcSlicing(const uint8_t* data, size_t size, uint16_t start)
                               lookUp(7, tail, 0) ^ lookUp(6, tail, 1) ^ lookUp(5, tail, 2) ^
                               lookUp(4, tail, 3) ^ lookUp(3, tail, 4) ^ lookUp(2, tail, 5) ^
                               lookUp(1, tail, 6) ^ lookUp(0, tail, 7);
-        crc = rest ^ kCrcTables[15][data[0] ^ crc >> 8] ^ kCrcTables[14][data[1] ^ (crc & 0xff)];
+        crc = rest ^ crcTables[15][data[0] ^ crc >> 8] ^ crcTables[14][data[1] ^ (crc & 0xff)];
     }
     return crcFewBytes(data, size, static_cast<uint16_t>(crc));
 }

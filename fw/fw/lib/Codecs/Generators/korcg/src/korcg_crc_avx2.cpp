@@ -12,7 +12,7 @@ namespace korcg
 namespace
 {
 
-constexpr size_t kLeastBytes = 48; // fewer are faster done by table
+constexpr size_t leastBytes = 48; // fewer are faster done by table
 
 /// The operations on vectors of 32 bytes.
 struct LanePairs {
@@ -67,7 +67,7 @@ bool crcAvx2Runs()
 
 uint16_t crcAvx2(const uint8_t* data, size_t size, uint16_t start)
 {
-    if (size < kLeastBytes) {
+    if (size < leastBytes) {
         return crcSlicing(data, size, start);
     }
     return start == 0 ? fold(data, size) : korcg_crc16_combine(start, fold(data, size), size);

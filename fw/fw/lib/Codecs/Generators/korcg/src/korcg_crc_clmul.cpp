@@ -12,7 +12,7 @@ namespace korcg
 namespace
 {
 
-constexpr size_t kLeastBytes = 16;
+constexpr size_t leastBytes = 16;
 
 KORCG_TARGET uint16_t fold(const uint8_t* data, size_t size)
 {
@@ -30,7 +30,7 @@ bool crcClmulRuns()
 
 uint16_t crcClmul(const uint8_t* data, size_t size, uint16_t start)
 {
-    if (size < kLeastBytes) {
+    if (size < leastBytes) {
         return crcSlicing(data, size, start);
     }
     return start == 0 ? fold(data, size) : korcg_crc16_combine(start, fold(data, size), size);

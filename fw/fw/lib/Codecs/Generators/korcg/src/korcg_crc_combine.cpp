@@ -13,7 +13,7 @@
 namespace
 {
 
-constexpr size_t kPeriod = 0x7fff;
+constexpr size_t period = 0x7fff;
 
 /// Product without reduction, of degree 30 at most. Free of branches and of waiting for each
 /// other's steps.
@@ -29,8 +29,8 @@ constexpr uint32_t multiplyWide(uint16_t a, uint16_t b)
 uint16_t multiply(uint16_t a, uint16_t b)
 {
     const uint32_t product = multiplyWide(a, b);
-    return static_cast<uint16_t>((product & 0xffff) ^ korcg::kCrcTables[1][product >> 24] ^
-                                 korcg::kCrcTables[0][product >> 16 & 0xff]);
+    return static_cast<uint16_t>((product & 0xffff) ^ korcg::crcTables[1][product >> 24] ^
+                                 korcg::crcTables[0][product >> 16 & 0xff]);
 }
 
 /// Element i is the i-th power of `factor`.
@@ -43,14 +43,14 @@ constexpr std::array<uint16_t, Size> makePowers(uint16_t factor)
         element = static_cast<uint16_t>(power);
         power = multiplyWide(element, factor);
         for (unsigned bit = 30; bit >= 16; --bit) {
-            power ^= (power >> bit & 1) * (0x10000 | korcg::kCrcPolynomial) << (bit - 16);
+            power ^= (power >> bit & 1) * (0x10000 | korcg::crcPolynomial) << (bit - 16);
         }
     }
     return powers;
 }
 
-constexpr auto kFinePowers = makePowers<256>(korcg::crcPower(8));
-constexpr auto kCoarsePowers = makePowers<128>(korcg::crcPower(8 * 256));
+constexpr auto finePowers = makePowers<256>(korcg::crcPower(8));
+constexpr auto coarsePowers = makePowers<128>(korcg::crcPower(8 * 256));
 
 #if KORCG_HAVE_CLMUL
 KORCG_TARGET_CLMUL __m128i asLane(uint16_t factor)
@@ -66,8 +66,8 @@ namespace korcg
 
 uint16_t combineByShifts(uint16_t crcA, uint16_t crcB, size_t lengthB)
 {
-    const size_t length = lengthB % kPeriod;
-    const uint16_t shift = multiply(kCoarsePowers[length >> 8], kFinePowers[length & 0xff]);
+    const size_t length = lengthB % period;
+    const uint16_t shift = multiply(coarsePowers[length >> 8], finePowers[length & 0xff]);
     return static_cast<uint16_t>(multiply(shift, crcA) ^ crcB);
 }
 
@@ -76,15 +76,15 @@ uint16_t combineByShifts(uint16_t crcA, uint16_t crcB, size_t lengthB)
 // All three factors are multiplied before anything is reduced: the product has 46 bits at most.
 KORCG_TARGET_CLMUL uint16_t combineByClmul(uint16_t crcA, uint16_t crcB, size_t lengthB)
 {
-    const size_t length = lengthB % kPeriod;
-    const __m128i shift = _mm_clmulepi64_si128(asLane(kCoarsePowers[length >> 8]),
-                                               asLane(kFinePowers[length & 0xff]), 0);
+    const size_t length = lengthB % period;
+    const __m128i shift = _mm_clmulepi64_si128(asLane(coarsePowers[length >> 8]),
+                                               asLane(finePowers[length & 0xff]), 0);
     const auto product =
         static_cast<uint64_t>(_mm_cvtsi128_si64(_mm_clmulepi64_si128(shift, asLane(crcA), 0)));
-    return static_cast<uint16_t>(crcB ^ (product & 0xffff) ^ kCrcTables[0][product >> 16 & 0xff] ^
-                                 kCrcTables[1][product >> 24 & 0xff] ^
-                                 kCrcTables[2][product >> 32 & 0xff] ^
-                                 kCrcTables[3][product >> 40 & 0xff]);
+    return static_cast<uint16_t>(crcB ^ (product & 0xffff) ^ crcTables[0][product >> 16 & 0xff] ^
+                                 crcTables[1][product >> 24 & 0xff] ^
+                                 crcTables[2][product >> 32 & 0xff] ^
+                                 crcTables[3][product >> 40 & 0xff]);
 }
 #endif
 

@@ -55,7 +55,7 @@ constexpr uint64_t makeReciprocal()
         remainder = remainder << 1 | (exponent == 80 ? 1 : 0);
         quotient <<= 1;
         if ((remainder & 0x10000) != 0) {
-            remainder ^= 0x10000 | kCrcPolynomial;
+            remainder ^= 0x10000 | crcPolynomial;
             quotient |= 1;
         }
     }
@@ -182,8 +182,8 @@ KORCG_INLINE __m128i reverseBytes(__m128i lane)
 /// Checksum from the final sum of 80 bits.
 KORCG_INLINE uint16_t reduce(__m128i sum)
 {
-    static constexpr Lane kConstants = {makeReciprocal(), kCrcPolynomial};
-    const __m128i constants = loadLane(&kConstants);
+    static constexpr Lane foldConstants = {makeReciprocal(), crcPolynomial};
+    const __m128i constants = loadLane(&foldConstants);
     const __m128i upper = _mm_srli_si128(sum, 2);
     const __m128i quotient =
         _mm_xor_si128(_mm_srli_si128(_mm_clmulepi64_si128(upper, constants, 0x00), 8), upper);
@@ -195,9 +195,9 @@ KORCG_INLINE uint16_t reduce(__m128i sum)
 template<unsigned Behind>
 KORCG_INLINE __m128i multiplied(__m128i lane)
 {
-    static constexpr Lane kFactors = makeFinalShift(Behind);
+    static constexpr Lane foldFactors = makeFinalShift(Behind);
     const __m128i reversed = reverseBytes(lane);
-    const __m128i factors = loadLane(&kFactors);
+    const __m128i factors = loadLane(&foldFactors);
     return _mm_xor_si128(_mm_clmulepi64_si128(reversed, factors, 0x00),
                          _mm_clmulepi64_si128(reversed, factors, 0x11));
 }

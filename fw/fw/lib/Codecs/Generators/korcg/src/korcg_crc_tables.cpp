@@ -12,7 +12,7 @@ constexpr CrcTables makeTables()
     for (unsigned byte = 0; byte < 256; ++byte) {
         unsigned crc = byte << 8;
         for (int bit = 0; bit < 8; ++bit) {
-            crc = (crc << 1 ^ (crc >> 15 & 1) * kCrcPolynomial) & 0xffff;
+            crc = (crc << 1 ^ (crc >> 15 & 1) * crcPolynomial) & 0xffff;
         }
         tables[0][byte] = static_cast<uint16_t>(crc);
     }
@@ -28,8 +28,8 @@ constexpr CrcTables makeTables()
 
 } // namespace
 
-constexpr CrcTables kCrcTables = makeTables();
+constexpr CrcTables crcTables = makeTables();
 
-static_assert(kCrcTables[0][1] == 0x1021 && kCrcTables[0][255] == 0x1ef0);
+static_assert(crcTables[0][1] == 0x1021 && crcTables[0][255] == 0x1ef0);
 
 } // namespace korcg

@@ -8,14 +8,14 @@ namespace korcg
 {
 
 /// The generator polynomial x^16 + x^12 + x^5 + 1 without its highest term.
-constexpr unsigned kCrcPolynomial = 0x1021;
+constexpr unsigned crcPolynomial = 0x1021;
 
 /// x^`exponent` modulo the polynomial.
 constexpr uint16_t crcPower(unsigned exponent)
 {
     unsigned power = 1;
     for (; exponent > 0; --exponent) {
-        power = (power << 1 ^ (power >> 15 & 1) * kCrcPolynomial) & 0xffff;
+        power = (power << 1 ^ (power >> 15 & 1) * crcPolynomial) & 0xffff;
     }
     return static_cast<uint16_t>(power);
 }
@@ -23,6 +23,6 @@ constexpr uint16_t crcPower(unsigned exponent)
 /// Row r, column b: the checksum of byte b followed by r zero bytes, which is b x^(8 r + 16).
 using CrcTables = std::array<std::array<uint16_t, 256>, 16>;
 
-extern const CrcTables kCrcTables;
+extern const CrcTables crcTables;
 
 } // namespace korcg

@@ -12,9 +12,9 @@ namespace korcg
 namespace
 {
 
-constexpr size_t kLeastBytes = 48; // fewer are faster done by table
+constexpr size_t leastBytes = 48; // fewer are faster done by table
 
-constexpr Lane kFinal[2][4] = {
+constexpr Lane final[2][4] = {
     {makeFinalShift(7), makeFinalShift(6), makeFinalShift(5), makeFinalShift(4)},
     {makeFinalShift(3), makeFinalShift(2), makeFinalShift(1), makeFinalShift(0)}};
 
@@ -92,7 +92,7 @@ KORCG_TARGET uint16_t fold(const uint8_t* data, size_t size)
     __m512i v[8];
     shorten<LaneQuads>(data, size, v);
     dropFirstTwo(v + 4);
-    const __m512i sum = LaneQuads::add(multiplied(v[6], kFinal[0]), multiplied(v[7], kFinal[1]));
+    const __m512i sum = LaneQuads::add(multiplied(v[6], final[0]), multiplied(v[7], final[1]));
     return reduce(addLanes(sum));
 }
 
@@ -106,7 +106,7 @@ bool crcWideClmulRuns()
 
 uint16_t crcWideClmul(const uint8_t* data, size_t size, uint16_t start)
 {
-    if (size < kLeastBytes) {
+    if (size < leastBytes) {
         return crcSlicing(data, size, start);
     }
     return start == 0 ? fold(data, size) : korcg_crc16_combine(start, fold(data, size), size);

@@ -10,14 +10,14 @@
 namespace
 {
 
-constexpr dbg_Settings_s kUninitialised = {DBG_LEVEL_ALWAYS, 0,       nullptr, nullptr, 0,
-                                           UINT64_MAX,       nullptr, false,   false};
+constexpr dbg_Settings_s uninitialised = {DBG_LEVEL_ALWAYS, 0,       nullptr, nullptr, 0,
+                                          UINT64_MAX,       nullptr, false,   false};
 
 // None of these needs a destructor, so that tracing works to the very end of the process.
 dbg_CallBacks_s g_callBacks = {};
 bool g_hasCallBacks = false;
-dbg_Settings_s g_storage = kUninitialised;
-std::atomic<const dbg_Settings_s*> g_settings{&kUninitialised};
+dbg_Settings_s g_storage = uninitialised;
+std::atomic<const dbg_Settings_s*> g_settings{&uninitialised};
 std::atomic<uint32_t> g_initCount{0};
 std::atomic<uint64_t> g_lineCount{0};
 

@@ -14,17 +14,17 @@ struct Keyword {
     uint32_t bit;
 };
 
-constexpr Keyword kLevels[] = {
+constexpr Keyword levels[] = {
     {"2", DBG_LEVEL_2}, {"1", DBG_LEVEL_1}, {"0", DBG_LEVEL_0}, {"FUNC", DBG_LEVEL_FUNC}};
 
-constexpr Keyword kFields[] = {{"MODULE", DBG_FIELD_MODULE}, {"SUBMOD", DBG_FIELD_SUBMOD},
-                               {"FUNC", DBG_FIELD_FUNC},     {"FILE", DBG_FIELD_FILE},
-                               {"LINE", DBG_FIELD_LINE},     {"LEVEL", DBG_FIELD_LEVEL},
-                               {"TIME", DBG_FIELD_TIME},     {"THREAD", DBG_FIELD_THREAD}};
+constexpr Keyword fields[] = {{"MODULE", DBG_FIELD_MODULE}, {"SUBMOD", DBG_FIELD_SUBMOD},
+                              {"FUNC", DBG_FIELD_FUNC},     {"FILE", DBG_FIELD_FILE},
+                              {"LINE", DBG_FIELD_LINE},     {"LEVEL", DBG_FIELD_LEVEL},
+                              {"TIME", DBG_FIELD_TIME},     {"THREAD", DBG_FIELD_THREAD}};
 
-constexpr uint32_t kAllLevels = 255;
-constexpr uint32_t kAllFields = 511;
-constexpr uint32_t kDefaultFields =
+constexpr uint32_t allLevels = 255;
+constexpr uint32_t allFields = 511;
+constexpr uint32_t defaultFields =
     DBG_FIELD_SUBMOD | DBG_FIELD_FUNC | DBG_FIELD_LINE | DBG_FIELD_LEVEL;
 
 class Environment
@@ -66,17 +66,17 @@ uint32_t parseLevels(const char* value)
         return DBG_LEVEL_ALWAYS;
     }
     if (contains(value, "all")) {
-        return kAllLevels;
+        return allLevels;
     }
-    return contains(value, "none") ? 0 : DBG_LEVEL_ALWAYS | bitsOf(kLevels, value);
+    return contains(value, "none") ? 0 : DBG_LEVEL_ALWAYS | bitsOf(levels, value);
 }
 
 uint32_t parseFields(const char* value)
 {
     if (value == nullptr) {
-        return kDefaultFields;
+        return defaultFields;
     }
-    return contains(value, "all") ? kAllFields : bitsOf(kFields, value);
+    return contains(value, "all") ? allFields : bitsOf(fields, value);
 }
 
 /// Seconds to milliseconds. Leaves `*milliseconds` alone when there is no value; times before the
