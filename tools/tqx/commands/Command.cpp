@@ -12,10 +12,10 @@
 #include "commands/IndexCommand.h"
 #include "commands/InfoCommand.h"
 #include "commands/MergeCommand.h"
-#include "commands/SimulateCommand.h"
-#include "commands/SplitCommand.h"
 #include "commands/ObservationsCommand.h"
 #include "commands/RinexCommand.h"
+#include "commands/SimulateCommand.h"
+#include "commands/SplitCommand.h"
 #include "commands/TrackCommand.h"
 #include "commands/TypesCommand.h"
 

@@ -21,7 +21,7 @@ using Show = std::function<void(const InputStream&, const StreamSummary&)>;
 class Summarizer : public BlockConsumer
 {
 public:
-    explicit Summarizer(Show show) : m_show(std::move(show)) {}
+    Summarizer(Show show, bool isLimited) : m_show(std::move(show)), m_isLimited(isLimited) {}
 
     void begin(InputStream& stream) override
     {
@@ -30,6 +30,8 @@ public:
             [this](const Neighbour& neighbour) { m_summary.addNeighbour(neighbour); });
     }
     void take(BlockStream& stream, const Block& block) override { m_summary.add(stream, block); }
+    // What is shown of a whole stream is counted up to where it is read.
+    bool canSkip() const override { return !m_isLimited; }
     void end(InputStream& stream) override
     {
         if (!stream.hasFailed() || stream.getCounts().bytes != 0)
@@ -38,6 +40,7 @@ public:
 
 private:
     Show m_show;
+    bool m_isLimited;
     StreamSummary m_summary;
 };
 
@@ -91,7 +94,8 @@ ExitStatus InfoCommand::showEach(Output& output)
                 output.getBuffer().append(hasObjects ? "," : "[");
                 output.getBuffer().append(object.view());
                 hasObjects = true;
-            });
+            },
+            m_streams.getLimit() != 0);
     };
     const ExitStatus status = m_streams.readEach(makeSummarizer, output);
     if (m_json) {
@@ -108,13 +112,14 @@ ExitStatus InfoCommand::run()
     Output output;
     if (m_isEach)
         return showEach(output);
-    Summarizer summarizer([&](const InputStream& stream, const StreamSummary& summary) {
+    const auto show = [&](const InputStream& stream, const StreamSummary& summary) {
         if (m_json) {
             appendSummaryJson(output.getBuffer(), stream, summary);
         } else {
             appendSummaryText(output.getBuffer(), stream, summary);
         }
-    });
+    };
+    Summarizer summarizer(show, m_streams.getLimit() != 0);
     return m_streams.read(summarizer, output);
 }
 
