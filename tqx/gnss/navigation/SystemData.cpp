@@ -185,9 +185,10 @@ std::array<std::optional<TimeOffset>, 2> TimeOffset::of(const DecodedBlock& deco
     default:
         break;
     }
-    for (auto& offset : offsets)
+    for (auto& offset : offsets) {
         if (offset)
             offset->received = *time;
+    }
     return offsets;
 }
 
