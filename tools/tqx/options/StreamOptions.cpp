@@ -103,9 +103,10 @@ void StreamOptions::lookAhead(const std::function<void(BlockStream&, const Block
     Selection chosen(m_selections.getRequest());
     JoinedSource source(m_files, {});
     BlockStream stream(source);
-    for (Block block = {}; !interrupt::hasCome() && stream.next(block);)
+    for (Block block = {}; !interrupt::hasCome() && stream.next(block);) {
         if (chosen.accepts(stream, block))
             consumer(stream, block);
+    }
 }
 
 ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
