@@ -140,8 +140,8 @@ INSTANTIATE_TEST_SUITE_P(
              "SIMU00XXX_R_20260061200_05M_30S_MO.rnx"},
         Case{"OneSystem", "--duration 5", "--satellite 'R*'", "3.05", 5,
              "SIMU00XXX_R_20260061200_01M_01S_MO.rnx"},
-        Case{"OneSignal", "--duration 5", "--signal '?1C,C2I' --marker 'graz 2'", "3.05", 5,
-             "GRAZ00XXX_R_20260061200_01M_01S_MO.rnx"},
+        Case{"OneSignal", "--duration 5", "--signal '?1C,C2I'", "3.05", 5,
+             "SIMU00XXX_R_20260061200_01M_01S_MO.rnx"},
         Case{"AllSystems",
              "--duration 20 --position 13,100,20 --systems "
              "gps,glonass,galileo,beidou,qzss,navic,sbas",

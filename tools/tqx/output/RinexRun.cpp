@@ -65,6 +65,7 @@ void RinexRun::takeMessage(const DecodedBlock& decoded)
 void RinexRun::end(InputStream&)
 {
     m_gatherer.finish();
+    m_survey.finish();
     for (const std::string& line : m_gatherer.getLosses().describe())
         words::say(line);
 }

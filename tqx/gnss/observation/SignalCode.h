@@ -24,6 +24,13 @@ struct SignalCode {
     }
 };
 
+/// Place of a code in tables with 260 entries.
+constexpr unsigned placeOf(const SignalCode& code)
+{
+    return static_cast<unsigned>(code.band - '0') * 26U +
+           static_cast<unsigned>(code.attribute - 'A');
+}
+
 /// The code of a signal number of blocks when a satellite of `system` sends it. Signals of which
 /// blocks do not say which component is tracked are taken for their pilot. `isE6B`: Galileo E6 is
 /// tracked on its data component. Nothing for beams of the L band, for numbers without a signal and

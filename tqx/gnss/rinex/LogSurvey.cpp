@@ -39,6 +39,18 @@ const Record& as(const void* record)
     return *static_cast<const Record*>(record);
 }
 
+void addTime(AntennaSurvey& antenna, GnssMillis time)
+{
+    if (antenna.epochs != 0 && antenna.last == time)
+        return;
+    if (antenna.epochs == 0)
+        antenna.first = time;
+    else if (antenna.intervals.size() < mostIntervals)
+        ++antenna.intervals[time - antenna.last];
+    antenna.last = time;
+    ++antenna.epochs;
+}
+
 LeapSecondsInfo leapSecondsOf(const TQX_GPSUtc_s& record)
 {
     LeapSecondsInfo info;
@@ -131,29 +143,55 @@ void LogSurvey::take(const DecodedBlock& decoded)
 
 void LogSurvey::take(const ObservationEpoch& epoch)
 {
+    AntennaSurvey* antenna = nullptr;
+    uint8_t number = 0;
     for (const Observation& observation : epoch.observations) {
         if (!hasValue(observation))
             continue;
-        AntennaSurvey& antenna = m_antennas[observation.antenna];
-        if (antenna.epochs == 0 || antenna.last != epoch.time) {
-            if (antenna.epochs == 0)
-                antenna.first = epoch.time;
-            else if (antenna.intervals.size() < mostIntervals)
-                ++antenna.intervals[epoch.time - antenna.last];
-            antenna.last = epoch.time;
-            ++antenna.epochs;
+        if (!antenna || number != observation.antenna) {
+            number = observation.antenna;
+            antenna = &m_antennas[number];
+            addTime(*antenna, epoch.time);
         }
-        auto& ofSatellite = antenna.satellites[observation.satellite][observation.code];
-        auto& ofSystem =
-            antenna.signals[systemIndex(observation.satellite.system)][observation.code];
+        const SatelliteId& satellite = observation.satellite;
+        const size_t place =
+            (size_t{number} * systemCount + systemIndex(satellite.system)) * 256 + satellite.number;
+        if (place >= m_counts.size())
+            m_counts.resize(place + 1);
+        if (!m_counts[place])
+            m_counts[place] = std::make_unique<SatelliteCounts>();
+        AntennaSurvey::Counts& counts = (*m_counts[place])[placeOf(observation.code)];
         for (unsigned kind = 0; kind < valueKinds; ++kind)
-            if (!std::isnan(valueOf(observation, static_cast<ValueKind>(kind)))) {
-                ++ofSatellite[kind];
-                ++ofSystem[kind];
-            }
+            if (!std::isnan(valueOf(observation, static_cast<ValueKind>(kind))))
+                ++counts[kind];
         if (isFdma(observation.signal) && observation.channel >= -7)
-            antenna.channels[observation.satellite.number] = observation.channel;
+            antenna->channels[satellite.number] = observation.channel;
     }
+}
+
+void LogSurvey::finish()
+{
+    for (size_t place = 0; place < m_counts.size(); ++place) {
+        if (!m_counts[place])
+            continue;
+        const auto system = static_cast<unsigned>(place / 256 % systemCount);
+        SatelliteId satellite;
+        satellite.system = systemLetters[system];
+        satellite.number = static_cast<uint8_t>(place % 256);
+        AntennaSurvey& antenna = m_antennas[static_cast<uint8_t>(place / 256 / systemCount)];
+        for (size_t i = 0; i < m_counts[place]->size(); ++i) {
+            const AntennaSurvey::Counts& counts = (*m_counts[place])[i];
+            if (counts == AntennaSurvey::Counts{})
+                continue;
+            const SignalCode code = {static_cast<char>('0' + i / 26),
+                                     static_cast<char>('A' + i % 26)};
+            antenna.satellites[satellite][code] = counts;
+            AntennaSurvey::Counts& all = antenna.signals[system][code];
+            for (unsigned kind = 0; kind < valueKinds; ++kind)
+                all[kind] += counts[kind];
+        }
+    }
+    m_counts.clear();
 }
 
 } // namespace tqx

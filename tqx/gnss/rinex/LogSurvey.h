@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -74,6 +75,9 @@ public:
     /// An epoch that will be written.
     void take(const ObservationEpoch& epoch);
 
+    /// The log has ended; the counts of the antennas are complete.
+    void finish();
+
     /// Antennas with observations, by their number in blocks.
     const std::map<uint8_t, AntennaSurvey>& getAntennas() const { return m_antennas; }
 
@@ -95,10 +99,15 @@ public:
     const std::map<uint8_t, int8_t>& getChannels() const { return m_channels; }
 
 private:
+    /// Counts of the signals of a satellite, by band and attribute.
+    using SatelliteCounts = std::array<AntennaSurvey::Counts, 260>;
+
     void takePlace(uint8_t error, double x, double y, double z);
     void takeChannel(uint8_t svid, uint8_t slot);
 
     std::map<uint8_t, AntennaSurvey> m_antennas;
+    /// By antenna, system and number, until the log has ended.
+    std::vector<std::unique_ptr<SatelliteCounts>> m_counts;
     std::optional<SetUp> m_setUp;
     std::optional<Place> m_place;
     std::optional<LeapSecondsInfo> m_leapSeconds;

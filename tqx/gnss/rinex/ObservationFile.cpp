@@ -18,11 +18,6 @@ namespace
 constexpr size_t valueWidth = 14;
 constexpr size_t cellWidth = 16; ///< with the two digits after the value
 
-size_t placeOf(const SignalCode& code)
-{
-    return static_cast<size_t>(code.band - '0') * 26 + static_cast<size_t>(code.attribute - 'A');
-}
-
 /// NavIC has its signal on L1 in files of version 4 only.
 bool isKnown(char system, const SignalCode& code, RinexVersion version)
 {
