@@ -61,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     try {
         const tqx::BlockLocation location = tqx::locateBlock(source, offset);
         if (location.hasSync()) {
-            tqx::appendExplanation(out, location);
+            tqx::appendExplanation(out, tqx::inspect(location));
         } else if (tqx::describeNoBlock(location).empty()) {
             std::abort();
         }

@@ -2,6 +2,7 @@
 #include "RandomBlock.h"
 #include "Tool.h"
 #include "tqx/log/inspect/BlockWalk.h"
+#include "tqx/log/inspect/Inspection.h"
 #include "tqx/log/record/RecordDecoder.h"
 
 #include <nlohmann/json.hpp>
@@ -40,7 +41,119 @@ void expectDecodersResult(const TQX_TypeLayout& type, const std::vector<uint8_t>
         expectAllBytes(walk, size);
 }
 
+bool hasOwnBytes(const tqx::InspectionRow& row)
+{
+    using RowKind = tqx::InspectionRow::Kind;
+    return row.kind == RowKind::Value || row.kind == RowKind::Text || row.kind == RowKind::Bytes ||
+           row.kind == RowKind::Unknown;
+}
+
+/// What is around a row begins before it, one level further out, and holds its bytes.
+void expectNested(const tqx::Inspection& inspection, size_t index)
+{
+    const tqx::InspectionRow& row = inspection.rows[index];
+    ASSERT_LT(row.parent, static_cast<int>(index));
+    if (row.parent == tqx::InspectionRow::none) {
+        EXPECT_EQ(row.depth, 0U) << row.path;
+        return;
+    }
+    const tqx::InspectionRow& around = inspection.rows[static_cast<size_t>(row.parent)];
+    EXPECT_EQ(row.depth, around.depth + 1) << row.path;
+    if (row.size != 0) {
+        EXPECT_LE(around.offset, row.offset) << row.path;
+        EXPECT_GE(around.offset + around.size, row.offset + row.size) << row.path;
+    }
+    if (row.kind == tqx::InspectionRow::Kind::Bits) {
+        EXPECT_EQ(row.size, around.size) << row.path;
+        EXPECT_LE(row.lowestBit() + row.bitCount(), 8 * row.size) << row.path;
+    } else {
+        EXPECT_EQ(row.path, around.path + '.' + row.label);
+    }
+}
+
+/// Every byte of a block belongs to one row, and is found there.
+void expectRows(const tqx::Inspection& inspection)
+{
+    uint32_t offset = 0;
+    for (size_t i = 0; i < inspection.rows.size(); ++i) {
+        const tqx::InspectionRow& row = inspection.rows[i];
+        expectNested(inspection, i);
+        if (!hasOwnBytes(row))
+            continue;
+        EXPECT_EQ(row.offset, offset) << row.path;
+        offset += row.size;
+        if (row.size != 0) {
+            EXPECT_EQ(inspection.rowAt(row.offset), static_cast<int>(i)) << row.path;
+            EXPECT_EQ(inspection.rowAt(offset - 1), static_cast<int>(i)) << row.path;
+        }
+    }
+    EXPECT_EQ(inspection.rowAt(offset), tqx::InspectionRow::none);
+    if (inspection.code == 0) {
+        EXPECT_EQ(offset, inspection.bytes.size());
+    }
+}
+
 } // namespace
+
+TEST(Explain, GivesEveryByteToOneRow)
+{
+    std::mt19937_64 random(21);
+    for (const TQX_TypeLayout* type : mainTypes()) {
+        const std::vector<uint8_t> block =
+            randomBlock(*type, {type->highestRevision, 3, 2}, random);
+        const tqx::Inspection whole =
+            inspect(tqx::Block{block.data(), static_cast<uint16_t>(block.size()), 0});
+        EXPECT_TRUE(whole.isIntact && whole.code == 0 && whole.faults.empty()) << type->name;
+        expectRows(whole);
+        const size_t half = block.size() / 2;
+        expectRows(inspect(tqx::Block{block.data(), static_cast<uint16_t>(half), 0}));
+    }
+}
+
+TEST(Explain, WritesRowsAsJson)
+{
+    const std::string stream =
+        runTool({"encode", "-"},
+                R"({"block":"MeasEpoch2","fields":{"TOW":1000,"Type1":[{},{"SVID":5,"Type2":[)"
+                R"({"CN0":120,"CodeOffsetMSB":-1}]}]}})")
+            .output;
+    const ToolRun run = runTool({"explain", "--json", "-@0"}, stream);
+    EXPECT_EQ(run.status, 0) << run.words;
+    const auto block = nlohmann::json::parse(run.output);
+    EXPECT_EQ(block["block"], "MeasEpoch2");
+    EXPECT_EQ(block["intact"], true);
+    EXPECT_EQ(block["length"], stream.size());
+    const auto rowOf = [&](const std::string& path) {
+        for (const auto& row : block["rows"])
+            if (row["path"] == path)
+                return row;
+        return nlohmann::json();
+    };
+    const auto time = rowOf("TOW");
+    EXPECT_EQ(time["offset"], 8);
+    EXPECT_EQ(time["size"], 4);
+    EXPECT_EQ(time["bytes"], "e8030000");
+    EXPECT_EQ(time["raw"], 1000);
+    EXPECT_EQ(time["value"], 1.0);
+    EXPECT_EQ(time["unit"], "second");
+    EXPECT_EQ(rowOf("Type1[1].SVID")["name"], "G05");
+    const auto strength = rowOf("Type1[1].Type2[0].CN0");
+    EXPECT_EQ(strength["depth"], 2);
+    EXPECT_EQ(block["rows"][strength["parent"].get<size_t>()]["path"], "Type1[1].Type2[0]");
+    const auto bits = rowOf("Type1[1].Type2[0].CodeOffsetMSB");
+    EXPECT_EQ(bits["kind"], "bits");
+    EXPECT_EQ(bits["raw"], -1);
+    EXPECT_EQ(bits["lowestBit"], 0);
+    EXPECT_EQ(bits["bits"], 3);
+    EXPECT_EQ(block["rows"][bits["parent"].get<size_t>()]["field"], "OffsetsMSB");
+
+    const ToolRun cut = runTool({"explain", "--json", "-@0"}, stream.substr(0, 40));
+    const auto missing = nlohmann::json::parse(cut.output);
+    EXPECT_EQ(missing["intact"], false);
+    EXPECT_EQ(missing["rows"].back()["kind"], "missing");
+    EXPECT_FALSE(missing["codeName"].get<std::string>().empty());
+    EXPECT_FALSE(missing["faults"].empty());
+}
 
 TEST(Explain, ComesToTheResultOfTheDecoder)
 {

@@ -11,9 +11,11 @@
 #include "commands/HelpCommand.h"
 #include "commands/IndexCommand.h"
 #include "commands/InfoCommand.h"
+#include "commands/MergeCommand.h"
 #include "commands/ObservationsCommand.h"
 #include "commands/RinexCommand.h"
 #include "commands/SimulateCommand.h"
+#include "commands/SplitCommand.h"
 #include "commands/TrackCommand.h"
 #include "commands/TypesCommand.h"
 
@@ -35,6 +37,8 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program)
     commands.push_back(std::make_unique<DumpCommand>(program));
     commands.push_back(std::make_unique<ExplainCommand>(program));
     commands.push_back(std::make_unique<CutCommand>(program));
+    commands.push_back(std::make_unique<MergeCommand>(program));
+    commands.push_back(std::make_unique<SplitCommand>(program));
     commands.push_back(std::make_unique<ExtractCommand>(program));
     commands.push_back(std::make_unique<RinexCommand>(program));
     commands.push_back(std::make_unique<ObservationsCommand>(program));

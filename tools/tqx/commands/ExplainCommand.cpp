@@ -4,6 +4,7 @@
 #include "io/ToolError.h"
 #include "io/UnpackedInput.h"
 #include "io/Words.h"
+#include "output/InspectionJson.h"
 #include "tqx/log/inspect/BlockLocator.h"
 #include "tqx/log/inspect/Explanation.h"
 #include "tqx/log/text/PrintableText.h"
@@ -104,12 +105,18 @@ ExplainCommand::ExplainCommand(CLI::App& program)
           "the stored value and what that stands for. Below, what is wrong with the block.\n"
           "info, dump and the reports of damage name the offsets of blocks. Where damage begins\n"
           "without a header, the one that it is about is looked for before the next sound block,\n"
-          "which may be up to 1 MiB away.\n")
+          "which may be up to 1 MiB away.\n"
+          "\n"
+          "--json writes one object per place, with one of its rows for each value: path names\n"
+          "the field, offset and size are its bytes in the block, lowestBit and bits those of a\n"
+          "bit range in them. raw is what is stored, value and unit what that means, or name.\n"
+          "depth and parent, the place of another row, say which sub-block a row belongs to.\n")
 {
     m_app
         .add_option("FILE@OFFSET", m_places,
                     "Where the block begins, in decimal or with 0x in hexadecimal")
         ->type_name("");
+    m_app.add_flag("--json", m_json, "A JSON object per place instead of text");
     // Standard input looks like an option, -@0; this way it comes through.
     m_app.allow_extras();
 }
@@ -123,10 +130,15 @@ void ExplainCommand::explain(Output& output, const std::string& place)
         throw SourceError(
             fmt::format("{}: {}: {}", location.file, offset, describeNoBlock(location)));
     }
-    if (m_shown)
-        output.getBuffer().append('\n');
+    const Inspection inspection = inspect(location);
+    if (m_json) {
+        appendInspectionJson(output.getBuffer(), inspection);
+    } else {
+        if (m_shown)
+            output.getBuffer().append('\n');
+        appendExplanation(output.getBuffer(), inspection);
+    }
     m_shown = true;
-    appendExplanation(output.getBuffer(), location);
     output.commit();
     input.check();
 }

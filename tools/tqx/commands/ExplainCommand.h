@@ -19,6 +19,7 @@ private:
 
     std::vector<std::string> m_places;
     bool m_shown = false;
+    bool m_json = false;
 };
 
 } // namespace tqx::tool

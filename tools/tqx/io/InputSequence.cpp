@@ -40,8 +40,7 @@ bool InputSequence::openNext()
         m_names.push_back(m_input->getName());
         m_parts.push_back({m_input->getName(), m_size});
     } catch (const SourceError& error) {
-        words::say(error.what());
-        m_failed = true;
+        fail(error);
     }
     return true;
 }
@@ -52,8 +51,7 @@ size_t InputSequence::readInput(uint8_t* bytes, size_t capacity)
     try {
         return m_input->read(bytes, capacity);
     } catch (const SourceError& error) {
-        words::say(error.what());
-        m_failed = true;
+        fail(error);
         return 0;
     }
 }
@@ -88,6 +86,18 @@ void InputSequence::keepHead(const uint8_t* bytes, size_t count)
     }
     std::vector<uint8_t>& head = m_heads.back().bytes;
     head.insert(head.end(), bytes, bytes + std::min(count, mostBytes - head.size()));
+}
+
+void InputSequence::fail(const SourceError& error)
+{
+    words::say(error.what());
+    m_failed = true;
+}
+
+void InputSequence::passOver()
+{
+    m_names = m_paths;
+    close();
 }
 
 void InputSequence::close()

@@ -2,6 +2,7 @@
 
 #include "io/Progress.h"
 #include "io/UnpackedInput.h"
+#include "tqx/log/DataError.h"
 #include "tqx/log/source/ByteSource.h"
 
 #include <chrono>
@@ -34,6 +35,9 @@ public:
 
     bool isInterrupted() const override;
 
+    /// Has the only input count as opened, though it is read by other means.
+    void passOver();
+
     /// Leaves the rest of the inputs unread.
     void close();
 
@@ -55,6 +59,9 @@ public:
 
     /// Those of the first ten inputs that have any.
     const std::vector<Head>& getHeads() const { return m_heads; }
+
+    /// Reports that an input cannot be read.
+    void fail(const SourceError& error);
 
     /// Whether an input could not be opened or read.
     bool hasFailed() const { return m_failed; }

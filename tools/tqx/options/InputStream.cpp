@@ -16,6 +16,38 @@ InputStream::InputStream(std::vector<std::string> inputs, bool isSilent, bool is
 {
 }
 
+void InputStream::useIndex(std::unique_ptr<IndexedLog> log, const BlockQuery& query)
+{
+    const Index& index = log->getIndex();
+    const RandomAccess& content = log->getContent();
+    StreamListener* listener = this;
+    IndexedBlocks blocks = log->find(query);
+    m_indexed.reset(new Indexed{std::move(log), std::move(blocks), {index, content, listener}});
+    passOver();
+    setName(getNames().front());
+}
+
+bool InputStream::next(Block& block)
+{
+    if (!m_indexed)
+        return BlockStream::next(block);
+    if (isInterrupted())
+        return false;
+    bool hasBlock = false;
+    try {
+        hasBlock = m_indexed->blocks.next(block);
+        if (hasBlock)
+            m_indexed->between.reportBefore(block.offset);
+        else
+            m_indexed->between.reportAll();
+    } catch (const SourceError& error) {
+        fail(error);
+        hasBlock = false;
+    }
+    setCounts(m_indexed->between.getCounts());
+    return hasBlock;
+}
+
 void InputStream::onGap(const StreamGap& found)
 {
     if (m_gapListener)

@@ -2,9 +2,12 @@
 
 #include "io/InputSequence.h"
 #include "io/Words.h"
+#include "tqx/log/index/BetweenBlocks.h"
+#include "tqx/log/index/IndexedLog.h"
 #include "tqx/log/stream/BlockStream.h"
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -18,6 +21,15 @@ public:
     /// "-" among the paths is standard input. A `quiet` one says nothing about damage and shows no
     /// progress; a `verbose` one names every damaged place, others the first ten.
     InputStream(std::vector<std::string> paths, bool quiet, bool verbose = false);
+
+    /// Gets only the blocks of `query`, by the index of the only input, and reads nothing else of
+    /// it but what belongs to no block. Before the first block is gotten.
+    void useIndex(std::unique_ptr<IndexedLog> log, const BlockQuery& query);
+
+    /// Whether blocks come by an index, those of its query alone.
+    bool isIndexed() const { return m_indexed != nullptr; }
+
+    bool next(Block& block) override;
 
     /// Has gaps handed to `listener` instead of reported to standard error; undecodable blocks are
     /// then only counted.
@@ -40,6 +52,14 @@ private:
     void onNeighbour(const std::string& file, const Neighbour& neighbour) override;
     void onUndecodable(const std::string& file, const Block& block, int32_t code) override;
 
+    /// An input that is read by its index.
+    struct Indexed {
+        std::unique_ptr<IndexedLog> log;
+        IndexedBlocks blocks;
+        BetweenBlocks between;
+    };
+
+    std::unique_ptr<Indexed> m_indexed; ///< null when all is read
     std::function<void(const StreamGap&)> m_gapListener;
     std::function<void(const Neighbour&)> m_neighbourListener;
     bool m_quiet;

@@ -4,10 +4,10 @@
 #include "io/Sink.h"
 #include "io/Target.h"
 #include "io/Words.h"
+#include "options/NoBlocks.h"
 #include "options/Numbers.h"
 #include "tqx/log/record/TypeNames.h"
 #include "tqx/log/source/JoinedSource.h"
-#include "tqx/log/stream/ContentGuess.h"
 
 #include <fmt/format.h>
 
@@ -40,6 +40,9 @@ void StreamOptions::addInputs(CLI::App& command)
             "With --live, the pause after which to doubt a header")
         ->needs(receiver)
         ->type_name("SECONDS");
+    command.add_flag("--no-index", m_noIndex,
+                     "Read all of the input, even where an index beside it says where the blocks "
+                     "are that are asked for");
 }
 
 void StreamOptions::addDamageReport(CLI::App& command)
@@ -103,9 +106,42 @@ void StreamOptions::lookAhead(const std::function<void(BlockStream&, const Block
     Selection chosen(m_selections.getRequest());
     JoinedSource source(m_files, {});
     BlockStream stream(source);
-    for (Block block = {}; !interrupt::hasCome() && stream.next(block);)
+    for (Block block = {}; !interrupt::hasCome() && stream.next(block);) {
         if (chosen.accepts(stream, block))
             consumer(stream, block);
+    }
+}
+
+/// Has only what is asked for read, where the index of the input says where that is.
+void StreamOptions::useIndex(InputStream& stream, const BlockConsumer& consumer)
+{
+    const Selection& chosen = getSelection();
+    const bool isPart = !chosen.getTypes().isEverything() || chosen.getFrom().has_value() ||
+                        chosen.getTo().has_value();
+    if (m_noIndex || m_live || m_files.size() != 1 || m_files.front() == "-" || !isPart ||
+        chosen.hasInterval() || !consumer.canSkip())
+        return;
+    bool isFine = true;
+    IndexedLogOptions options;
+    options.mapping = FileAccess::Mapping::Never; // somebody may truncate it
+    options.onWarning = [&isFine](const std::string&) { isFine = false; };
+    std::unique_ptr<IndexedLog> log;
+    try {
+        log = IndexedLog::openSaved(m_files.front(), options);
+    } catch (const DataError&) {
+        return; // reading all of it says what is wrong
+    }
+    if (!log || !isFine || log->getIndex().getCounts().blocks == 0)
+        return;
+    BlockQuery query;
+    query.from = chosen.getFrom();
+    query.to = chosen.getTo();
+    for (const Index::Type& type : log->getIndex().getTypes())
+        if (chosen.getTypes().accepts(type.number))
+            query.numbers.push_back(type.number);
+    if (query.numbers.empty())
+        query.endPage = 0; // no numbers would be all of them
+    stream.useIndex(std::move(log), query);
 }
 
 ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
@@ -115,12 +151,15 @@ ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
     if (m_live)
         stream.setLive(std::chrono::milliseconds(std::llround(m_pause * 1000)));
     stream.setBeforeRead([&output] { output.handOn(); });
+    useIndex(stream, consumer);
     consumer.begin(stream);
     Block block = {};
     uint64_t left = m_limit;
     while (stream.next(block)) {
         bool isLast = false;
-        if (chosen.accepts(stream, block)) {
+        const bool isChosen =
+            stream.isIndexed() ? chosen.acceptsFound(stream, block) : chosen.accepts(stream, block);
+        if (isChosen) {
             consumer.take(stream, block);
             isLast = m_limit != 0 && consumer.counts(block) && --left == 0;
             isLast = isLast || consumer.isDone();
@@ -139,25 +178,23 @@ ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
     const bool damaged = m_strict && stream.getCounts().isDamaged();
     const ExitStatus status = worse(stream.hasFailed() ? ExitStatus::Failed : ExitStatus::Done,
                                     damaged ? ExitStatus::Damaged : ExitStatus::Done);
-    return worse(status, reportNoBlocks(stream));
+    return worse(status, reportNoBlocks(stream, m_quiet));
 }
 
-/// Says what inputs without blocks seem to be.
-ExitStatus StreamOptions::reportNoBlocks(const InputStream& stream) const
+ExitStatus
+StreamOptions::readEach(const std::function<std::unique_ptr<BlockConsumer>()>& makeConsumer,
+                        Sink& output)
 {
+    const std::vector<std::string> all = m_files;
     ExitStatus status = ExitStatus::Done;
-    if (stream.getCounts().blocks != 0 || stream.isInterrupted())
-        return status;
-    for (const InputSequence::Head& head : stream.getHeads()) {
-        const Content content = guessContent(head.bytes.data(), head.bytes.size());
-        const bool isFailure = !isReceiverOutput(content);
-        if (isFailure || !m_quiet) {
-            words::say(fmt::format("{}: holds no TQX blocks, it seems to be {}", head.name,
-                                   describeContent(content)));
-        }
-        if (isFailure)
-            status = ExitStatus::Failed;
+    for (const std::string& file : all) {
+        if (interrupt::hasCome())
+            break;
+        m_files = {file};
+        m_selection.reset();
+        status = worse(status, read(*makeConsumer(), output));
     }
+    m_files = all;
     return status;
 }
 

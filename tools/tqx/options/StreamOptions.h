@@ -7,6 +7,7 @@
 #include <CLI/App.hpp>
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -34,6 +35,10 @@ public:
     /// Whether nothing more is wanted, asked after each selected block.
     virtual bool isDone() const { return false; }
 
+    /// Whether blocks that are not selected need not come by, and counts of all that is read have
+    /// no say before the end.
+    virtual bool canSkip() const { return true; }
+
     /// The stream has ended.
     virtual void end(InputStream&) {}
 };
@@ -42,7 +47,7 @@ public:
 class StreamOptions
 {
 public:
-    /// Adds FILE..., --strict, --quiet, --live and --pause.
+    /// Adds FILE..., --strict, --quiet, --live, --pause and --no-index.
     void addInputs(CLI::App& command);
 
     /// Adds --verbose, for commands that report damage on standard error. After addInputs().
@@ -92,15 +97,21 @@ public:
     void lookAhead(const std::function<void(BlockStream&, const Block&)>& consumer) const;
 
     /// Hands the selected blocks of the inputs, as one stream, to `consumer`; after as many as
-    /// --limit says, nothing more is read. An input that cannot
+    /// --limit says, nothing more is read. Of one input with an index beside it, blocks that are
+    /// chosen by type or time are found by that, with the same results. An input that cannot
     /// be read is reported and left out. Returns Failed if there was such a one or bytes but no
     /// block at all, unless the receiver sent other messages only; else, under --strict, Damaged if
     /// the stream was. Throws ToolError for bad arguments and when the output
     /// cannot be written, ClosedPipe when nobody reads it.
     ExitStatus read(BlockConsumer& consumer, Sink& output);
 
+    /// Hands the inputs to `makeConsumer` one by one, each as a stream of its own, from which
+    /// blocks are selected as if there were no other. Returns the gravest of what read() does.
+    ExitStatus readEach(const std::function<std::unique_ptr<BlockConsumer>()>& makeConsumer,
+                        Sink& output);
+
 private:
-    ExitStatus reportNoBlocks(const InputStream& stream) const;
+    void useIndex(InputStream& stream, const BlockConsumer& consumer);
 
     std::vector<std::string> m_files;
     SelectionOptions m_selections;
@@ -109,6 +120,7 @@ private:
     bool m_strict = false;
     bool m_quiet = false;
     bool m_live = false;
+    bool m_noIndex = false;
     double m_pause = 1; ///< seconds
     bool m_verbose = false;
 };

@@ -25,6 +25,7 @@ public:
         });
     }
     void take(BlockStream&, const Block&) override {}
+    bool canSkip() const override { return false; } // the selection needs the times of all blocks
 
 private:
     Buffer& m_out;

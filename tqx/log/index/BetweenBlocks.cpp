@@ -35,7 +35,9 @@ private:
     size_t m_next = 0;
 };
 
-class Scan : private NeighbourScanner::Listener
+} // namespace
+
+class BetweenBlocks::Scan : private NeighbourScanner::Listener
 {
 public:
     Scan(const Index& index, const RandomAccess& source, StreamListener* hears)
@@ -47,9 +49,30 @@ public:
         m_counts.droppedBytes = 0;
         m_counts.crcErrors = 0;
         m_counts.invalidLengths = 0;
+        index.visitGaps([this](const StreamGap& run) {
+            m_runs.push_back({run.offset, run.bytes, run.isCut});
+        });
     }
 
-    void add(const StreamGap& run)
+    void addBefore(uint64_t offset)
+    {
+        while (m_next < m_runs.size() && m_runs[m_next].offset < offset)
+            add(m_runs[m_next++]);
+    }
+
+    const StreamCounts& getCounts() const { return m_counts; }
+
+private:
+    static constexpr size_t pieceSize = 1 << 16;
+
+    /// Bytes that belong to no block.
+    struct Run {
+        uint64_t offset;
+        uint64_t bytes;
+        bool isCut;
+    };
+
+    void add(const Run& run)
     {
         for (uint64_t at = run.offset, end = run.offset + run.bytes; at < end;) {
             const auto wanted = static_cast<size_t>(std::min<uint64_t>(m_piece.size(), end - at));
@@ -65,11 +88,6 @@ public:
         m_gap.isCut = run.isCut;
         closeGap();
     }
-
-    const StreamCounts& getCounts() const { return m_counts; }
-
-private:
-    static constexpr size_t pieceSize = 1 << 16;
 
     // What looks like the start of a block within a neighbour is no error.
     void onRecognised(const Neighbour& neighbour) override
@@ -110,18 +128,40 @@ private:
     Errors m_checksums;
     Errors m_lengths;
     std::vector<uint8_t> m_piece;
+    std::vector<Run> m_runs;
+    size_t m_next = 0; ///< of the runs, the first that has not been reported
     StreamGap m_gap;
     StreamCounts m_counts;
 };
 
-} // namespace
+BetweenBlocks::BetweenBlocks(const Index& index, const RandomAccess& log, StreamListener* listener)
+    : m_scan(std::make_unique<Scan>(index, log, listener))
+{
+}
+
+BetweenBlocks::~BetweenBlocks() = default;
+
+void BetweenBlocks::reportBefore(uint64_t offset)
+{
+    m_scan->addBefore(offset);
+}
+
+void BetweenBlocks::reportAll()
+{
+    m_scan->addBefore(~uint64_t{0});
+}
+
+const StreamCounts& BetweenBlocks::getCounts() const
+{
+    return m_scan->getCounts();
+}
 
 StreamCounts reportBetweenBlocks(const Index& index, const RandomAccess& log,
                                  StreamListener* listener)
 {
-    Scan scan(index, log, listener);
-    index.visitGaps([&](const StreamGap& run) { scan.add(run); });
-    return scan.getCounts();
+    BetweenBlocks between(index, log, listener);
+    between.reportAll();
+    return between.getCounts();
 }
 
 } // namespace tqx

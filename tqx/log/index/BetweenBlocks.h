@@ -6,8 +6,39 @@
 #include "tqx/log/stream/StreamListener.h"
 #include "tqx_log_export.h"
 
+#include <memory>
+
 namespace tqx
 {
+
+/// What is between the blocks of an indexed log, reported piece by piece: the neighbours of the
+/// blocks and the damage, in the order of the log and just as a BlockStream that reads all of it.
+/// Reads only the bytes that belong to no block. Used by one thread.
+class TQX_LOG_API BetweenBlocks
+{
+public:
+    /// Nothing is owned, all must outlive the object; the listener may be null. `log` must be what
+    /// was indexed.
+    BetweenBlocks(const Index& index, const RandomAccess& log, StreamListener* listener);
+    ~BetweenBlocks();
+    BetweenBlocks(const BetweenBlocks&) = delete;
+    BetweenBlocks& operator=(const BetweenBlocks&) = delete;
+
+    /// Reports what comes before the block at `offset` and has not been reported. Throws
+    /// SourceError when the log cannot be read, and what the listener throws.
+    void reportBefore(uint64_t offset);
+
+    /// Reports the rest. Throws as reportBefore().
+    void reportAll();
+
+    /// What has been reported, and bytes and blocks of the whole log; `undecodable` is 0.
+    const StreamCounts& getCounts() const;
+
+private:
+    class Scan;
+
+    std::unique_ptr<Scan> m_scan;
+};
 
 /// Reports the neighbours of the blocks in an indexed log and its damage to `listener` (which may
 /// be null), in the order of the log and just as a BlockStream that reads all of it, and returns

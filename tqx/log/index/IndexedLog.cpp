@@ -33,23 +33,47 @@ void warn(const IndexedLogOptions& options, const std::string& warning)
 
 } // namespace
 
+IndexedLog::IndexedLog(const std::string& path, FileAccess::Mapping mapping)
+    : m_file(std::make_unique<FileAccess>(path, mapping))
+{
+}
+
 IndexedLog::IndexedLog(const std::string& path, const IndexedLogOptions& options)
-    : m_file(std::make_unique<FileAccess>(path, options.mapping))
+    : IndexedLog(path, options.mapping)
 {
     std::optional<SavedIndex> saved = load(options);
     if (!saved) {
         saved = make(options);
         m_origin = Origin::Made;
     }
-    if (!saved->damage.empty())
-        warn(options, path + ": " + saved->damage);
     if (options.save && m_origin != Origin::Saved)
         save(*saved);
-    m_index = std::make_unique<Index>(std::move(saved->index));
+    take(std::move(*saved), options);
+}
+
+std::unique_ptr<IndexedLog> IndexedLog::openSaved(const std::string& path,
+                                                  const IndexedLogOptions& options)
+{
+    std::error_code error;
+    if (!std::filesystem::exists(indexPath(path), error))
+        return nullptr;
+    std::unique_ptr<IndexedLog> log(new IndexedLog(path, options.mapping));
+    std::optional<SavedIndex> saved = log->load(options);
+    if (!saved)
+        return nullptr;
+    log->take(std::move(*saved), options);
+    return log;
+}
+
+void IndexedLog::take(SavedIndex saved, const IndexedLogOptions& options)
+{
+    if (!saved.damage.empty())
+        warn(options, m_file->getName() + ": " + saved.damage);
+    m_index = std::make_unique<Index>(std::move(saved.index));
     m_content = m_file.get();
-    if (saved->compression != Compression::None) {
+    if (saved.compression != Compression::None) {
         m_unpacked = std::make_unique<CompressedAccess>(
-            *m_file, saved->compression, std::move(saved->points), m_index->getLogSize());
+            *m_file, saved.compression, std::move(saved.points), m_index->getLogSize());
         m_content = m_unpacked.get();
     }
 }

@@ -58,6 +58,13 @@ public:
     /// to decompress with.
     explicit IndexedLog(const std::string& path, const IndexedLogOptions& options = {});
     ~IndexedLog();
+
+    /// The log with the index that is saved beside it. Null when there is none that is this log's,
+    /// so that opening it would mean to read all of it. `options.save` does not count. Throws as
+    /// the constructor.
+    static std::unique_ptr<IndexedLog> openSaved(const std::string& path,
+                                                 const IndexedLogOptions& options = {});
+
     IndexedLog(const IndexedLog&) = delete;
     IndexedLog& operator=(const IndexedLog&) = delete;
 
@@ -77,9 +84,12 @@ public:
     static std::string indexPath(const std::string& path) { return path + ".tqxi"; }
 
 private:
+    IndexedLog(const std::string& path, FileAccess::Mapping mapping);
+
     std::optional<SavedIndex> load(const IndexedLogOptions& options);
     SavedIndex make(const IndexedLogOptions& options) const;
     void save(const SavedIndex& made);
+    void take(SavedIndex saved, const IndexedLogOptions& options);
 
     std::unique_ptr<FileAccess> m_file;
     std::unique_ptr<CompressedAccess> m_unpacked; ///< of a compressed file

@@ -1,5 +1,6 @@
 #include "tqx/log/read/BytesCheck.h"
 
+#include "tqx/log/read/JsonLine.h"
 #include "tqx/log/record/RecordDecoder.h"
 #include "tqx/log/record/TypeNames.h"
 #include "tqx/log/write/RawJson.h"
@@ -8,80 +9,107 @@
 
 #include <algorithm>
 #include <limits>
+#include <map>
 
 namespace tqx
 {
 
 using namespace Kor::MessageApi;
-using nlohmann::json;
 
 namespace
 {
 
-bool isBitRange(const TQX_TypeLayout& type, const std::string& name)
+using Kind = JsonValue::Kind;
+
+bool isBitRange(const TQX_TypeLayout& type, std::string_view name)
 {
     return std::any_of(type.fields, type.fields + type.fieldCount, [&](const auto& field) {
         return field.kind == TQX_FieldKind::Bits && name == field.name;
     });
 }
 
-/// Whether all of `part` is in `whole`; of objects, members that `whole` lacks do not count.
-bool isWithin(const json& part, const json& whole)
+/// The members of an object by ascending name; of those of the same name the last one.
+std::map<std::string_view, const JsonValue*> membersOf(const JsonValue& object)
 {
-    if (part.is_array() && whole.is_array()) {
-        return part.size() == whole.size() &&
-               std::equal(part.begin(), part.end(), whole.begin(), isWithin);
-    }
-    if (!part.is_object() || !whole.is_object())
-        return part == whole;
-    for (const auto& [name, value] : part.items()) {
-        if (whole.contains(name) && !isWithin(value, whole[name]))
-            return false;
-    }
-    return true;
+    std::map<std::string_view, const JsonValue*> members;
+    for (const JsonValue& value : object)
+        members[value.name()] = &value;
+    return members;
 }
 
-/// The stored values of a block, null when it does not decode.
-json valuesOf(const std::vector<uint8_t>& bytes)
+bool areEqual(const JsonValue& a, const JsonValue& b)
+{
+    if (a.kind != b.kind)
+        return false;
+    if (a.kind == Kind::String || (a.kind == Kind::Number && a.text() == b.text()))
+        return a.text() == b.text();
+    // One number can be written in many ways.
+    return a.kind != Kind::Number ||
+           nlohmann::json::parse(a.text()) == nlohmann::json::parse(b.text());
+}
+
+/// Whether all of `part` is in `whole`; of objects, members that `whole` lacks do not count.
+bool isWithin(const JsonValue& part, const JsonValue& whole)
+{
+    if (!part.isStructured() || part.kind != whole.kind)
+        return areEqual(part, whole);
+    if (part.kind == Kind::Array)
+        return part.size() == whole.size() &&
+               std::equal(part.begin(), part.end(), whole.begin(), isWithin);
+    const auto known = membersOf(whole);
+    const auto given = membersOf(part);
+    return std::all_of(given.begin(), given.end(), [&](const auto& member) {
+        const auto found = known.find(member.first);
+        return found == known.end() || isWithin(*member.second, *found->second);
+    });
+}
+
+/// Writes the line of a block's stored values; nothing when it does not decode.
+void writeValues(Buffer& line, const std::vector<uint8_t>& bytes)
 {
     constexpr size_t headerSize = 8;
     if (bytes.size() < headerSize || bytes.size() > std::numeric_limits<uint16_t>::max())
-        return nullptr;
+        return;
     RecordDecoder decoder;
     if (decoder.decode({bytes.data(), static_cast<uint16_t>(bytes.size()), 0}) < 0)
-        return nullptr;
+        return;
     const FieldFilter everything;
-    Buffer line;
     RawJson(everything).write(line, decoder.getDecoded());
-    return json::parse(line.view(), nullptr, false);
+}
+
+std::string differenceFromFields(const TQX_TypeLayout& type, const JsonValue& given,
+                                 const JsonValue& stored)
+{
+    if (given.kind != Kind::Object)
+        return "fields";
+    const auto known = membersOf(stored);
+    for (const auto& [name, value] : membersOf(given)) {
+        const auto found = known.find(name);
+        if (found == known.end() ? !isBitRange(type, name) : !isWithin(*value, *found->second))
+            return std::string(name);
+    }
+    return "";
 }
 
 } // namespace
 
-std::string differenceFromBytes(const json* name, const json* fields,
+std::string differenceFromBytes(const JsonValue* name, const JsonValue* fields,
                                 const std::vector<uint8_t>& bytes)
 {
     if (!name && !fields)
         return "";
-    const json values = valuesOf(bytes);
-    if (!values.is_object() || !values.contains("fields"))
+    Buffer line;
+    writeValues(line, bytes);
+    if (line.size() == 0)
         return "block";
-    const auto& block = values["block"].get_ref<const std::string&>();
-    if (name && (!name->is_string() || !equalNames(name->get_ref<const std::string&>(), block)))
+    JsonLine parser;
+    const auto stored = membersOf(parser.parse(line.view()));
+    if (stored.count("fields") == 0)
         return "block";
-    if (!fields)
-        return "";
-    if (!fields->is_object())
-        return "fields";
-    const TQX_TypeLayout& type = *findType(block);
-    for (const auto& [field, value] : fields->items()) {
-        const auto stored = values["fields"].find(field);
-        const bool isSame =
-            stored == values["fields"].end() ? isBitRange(type, field) : isWithin(value, *stored);
-        if (!isSame)
-            return field;
-    }
-    return "";
+    const std::string_view block = stored.at("block")->text();
+    if (name && (name->kind != Kind::String || !equalNames(name->text(), block)))
+        return "block";
+    return fields ? differenceFromFields(*findType(block), *fields, *stored.at("fields")) : "";
 }
 
 } // namespace tqx

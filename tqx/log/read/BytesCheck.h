@@ -1,6 +1,6 @@
 #pragma once
 
-#include <nlohmann/json_fwd.hpp>
+#include "tqx/log/read/JsonValue.h"
 
 #include <cstdint>
 #include <string>
@@ -13,7 +13,7 @@ namespace tqx
 /// the name of the first thing in which they differ, "" when there is none. `name` is the block's
 /// name, `fields` an object of stored values; either may be null. Fields that are left out do not
 /// count, nor do named bit ranges, whose packed word does.
-std::string differenceFromBytes(const nlohmann::json* name, const nlohmann::json* fields,
+std::string differenceFromBytes(const JsonValue* name, const JsonValue* fields,
                                 const std::vector<uint8_t>& bytes);
 
 } // namespace tqx

@@ -3,33 +3,49 @@
 #include "TQX_OwnedRecord.h"
 #include "tqx_log_export.h"
 
-#include <nlohmann/json_fwd.hpp>
-
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tqx
 {
 
-/// Makes blocks of JSON Lines, see RawJson for their form.
+/// Encodes JSON Lines as blocks, see RawJson for their form.
+///
+///     LineEncoder encoder;
+///     while (std::getline(input, line))
+///         use(encoder.encode(line));
+///
+/// Used by one thread at a time; each may have one of its own.
 class TQX_LOG_API LineEncoder
 {
 public:
-    /// The block that a line stands for: its "bytes" as they are, else what its "fields" make,
-    /// with Length and CRC computed. Valid until the next call. Throws LineError; of a line with
-    /// scaled values ScaledLineError. Takes at most a million values in a line, far more than a
-    /// block can hold.
-    const std::vector<uint8_t>& encode(const std::string& line);
+    LineEncoder();
+    ~LineEncoder();
+    LineEncoder(const LineEncoder&) = delete;
+    LineEncoder& operator=(const LineEncoder&) = delete;
+
+    /// The block that a line describes: its "bytes" as they are, else what its "fields" make, with
+    /// Length and CRC computed. Valid until the next call. Throws LineError, for a line with scaled
+    /// values ScaledLineError, and std::bad_alloc; after that the next line can be encoded.
+    /// Accepts at most a million values in a line, far more than a block can hold, and lines of
+    /// less than 4 GiB.
+    const std::vector<uint8_t>& encode(std::string_view line);
 
     /// What is doubtful about the last line that was encoded, "" when nothing is.
     const std::string& getWarning() const { return m_warning; }
 
 private:
-    void encodeFields(const Kor::MessageApi::TQX_TypeLayout& type, const nlohmann::json& values);
+    struct Tools;
+
+    const Kor::MessageApi::TQX_TypeLayout& typeOf(std::string_view name);
     void checkDecodes();
 
+    std::unique_ptr<Tools> m_tools;
     Kor::MessageApi::TQX_OwnedRecord m_record;
+    std::vector<uint8_t> m_room; ///< for the largest block
     std::vector<uint8_t> m_bytes;
     std::string m_warning;
 };

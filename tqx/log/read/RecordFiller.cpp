@@ -9,34 +9,42 @@
 
 #include <algorithm>
 #include <cstring>
-#include <map>
-#include <vector>
 
 namespace tqx
 {
 
 using namespace Kor::MessageApi;
-using nlohmann::json;
 
-namespace
-{
-
-using Object = json::object_t;
-
-class Filler
+/// The filling of one record.
+class RecordFilling
 {
 public:
-    Filler(const TQX_TypeLayout& layout, void* target, const Object& object)
-        : m_type(layout), m_record(target), m_values(object), m_given(layout.fieldCount, nullptr)
+    RecordFilling(RecordFiller& filler, const TQX_TypeLayout& layout, void* target,
+                  const JsonValue& object)
+        : m_filler(filler), m_plan(filler.planOf(layout)), m_type(layout), m_record(target),
+          m_values(object), m_firstGiven(filler.m_given.size()),
+          m_firstAnnounced(filler.m_announced.size())
     {
+        filler.m_given.resize(m_firstGiven + layout.fieldCount, nullptr);
     }
+    ~RecordFilling()
+    {
+        m_filler.m_given.resize(m_firstGiven);
+        m_filler.m_announced.resize(m_firstAnnounced);
+    }
+    RecordFilling(const RecordFilling&) = delete;
+    RecordFilling& operator=(const RecordFilling&) = delete;
 
     void fill();
 
 private:
     const TQX_FieldLayout& row(int index) const { return m_type.fields[index]; }
-    bool isGiven(int index) const { return m_given[static_cast<size_t>(index)] != nullptr; }
-    const json& valueOf(int index) const { return *m_given[static_cast<size_t>(index)]; }
+    const JsonValue*& given(int index)
+    {
+        return m_filler.m_given[m_firstGiven + static_cast<size_t>(index)];
+    }
+    bool isGiven(int index) { return given(index) != nullptr; }
+    const JsonValue& valueOf(int index) { return *given(index); }
 
     void assignRows();
     [[noreturn]] void failUnknown() const;
@@ -49,17 +57,24 @@ private:
     void fillText(int index);
     void fillBlocks(int index);
     void fillEmbedded(int index);
+    void announce(int count, size_t elements);
+    bool isAnnounced(int count) const;
     void setCount(int index, size_t elements);
-    void setEntryLengths(const TQX_TypeLayout& owner);
+    void setEntryLengths(const FillPlan& owner);
     void settleId();
-    void checkPresence(int index) const;
+    void checkPresence(int index);
 
+    RecordFiller& m_filler;
+    const FillPlan& m_plan;
     const TQX_TypeLayout& m_type;
     void* m_record;
-    const Object& m_values;
-    std::vector<const json*> m_given;  ///< per row of the layout
-    std::map<int, size_t> m_countedBy; ///< elements announced so far, by row of the count field
+    const JsonValue& m_values;
+    size_t m_firstGiven;     ///< of the filler's, the first that is this record's
+    size_t m_firstAnnounced; ///< likewise
 };
+
+namespace
+{
 
 const void* mainOf(const TQX_TypeLayout& type, const void* record)
 {
@@ -90,36 +105,43 @@ void atElement(const TQX_FieldLayout& field, uint32_t index, Step step)
     }
 }
 
-void Filler::assignRows()
+} // namespace
+
+void RecordFilling::assignRows()
 {
-    size_t known = 0;
-    for (int i = 0; i < m_type.fieldCount; ++i) {
-        const auto found = m_values.find(row(i).name);
-        if (found == m_values.end())
+    bool isKnown = true;
+    int derived = m_type.fieldCount; // the first one
+    int guess = 0;
+    for (const JsonValue& value : m_values) {
+        const int index = m_plan.find(value.name(), guess);
+        if (index < 0) {
+            isKnown = false;
             continue;
-        if (row(i).kind == TQX_FieldKind::Derived) {
-            throw LineError::at(row(i).name,
-                                "is computed when a block is decoded, it cannot be given");
         }
-        m_given[static_cast<size_t>(i)] = &found->second;
-        ++known;
+        given(index) = &value;
+        guess = index + 1;
+        if (row(index).kind == TQX_FieldKind::Derived)
+            derived = std::min(derived, index);
     }
-    if (known != m_values.size())
+    if (derived != m_type.fieldCount)
+        throw LineError::at(row(derived).name,
+                            "is computed when a block is decoded, it cannot be given");
+    if (!isKnown)
         failUnknown();
 }
 
-void Filler::failUnknown() const
+/// Names the first of the unknown ones in the alphabet.
+void RecordFilling::failUnknown() const
 {
-    std::vector<std::string_view> names;
-    for (int i = 0; i < m_type.fieldCount; ++i)
-        names.emplace_back(row(i).name);
-    const auto unknown = std::find_if(m_values.begin(), m_values.end(), [&](const auto& member) {
-        return std::find(names.begin(), names.end(), member.first) == names.end();
-    });
-    throw LineError(unknownName("field", unknown->first, names));
+    std::string_view unknown;
+    for (const JsonValue& value : m_values)
+        if (m_plan.find(value.name(), 0) < 0 &&
+            (unknown.data() == nullptr || value.name() < unknown))
+            unknown = value.name();
+    throw LineError(unknownName("field", unknown, m_plan.getNames()));
 }
 
-void Filler::checkPresence(int index) const
+void RecordFilling::checkPresence(int index)
 {
     const TQX_FieldLayout& field = row(index);
     if (!isGiven(index) || field.alwaysSent || TQX_isPresent(m_type, field, m_record))
@@ -139,38 +161,41 @@ void Filler::checkPresence(int index) const
     }
 }
 
-void Filler::fillBits(int word, int part)
+void RecordFilling::fillBits(int word, int part)
 {
     const TQX_FieldLayout& bits = row(part);
     const TQX_FieldLayout& field = row(word);
-    const bool isArray = field.kind != TQX_FieldKind::Value;
-    const size_t count = isArray ? arrayOf(valueOf(part)).size() : 1;
-    if (count > field.elements)
-        throw LineError(fmt::format("{} elements, there is room for {}", count, field.elements));
-    for (uint32_t i = 0; i < count; ++i) {
+    const auto fillElement = [&](uint32_t index, const JsonValue& given) {
         const uint64_t mask = ~uint64_t{0} >> (64 - bits.width);
-        const uint64_t value = bitsOf(bits, isArray ? arrayOf(valueOf(part))[i] : valueOf(part));
-        const uint64_t whole = TQX_unsignedValue(field, m_record, i);
-        if (!isGiven(word)) {
-            storeInteger(field, m_record, i, (whole & ~(mask << bits.shift)) | value << bits.shift);
-        } else if ((whole >> bits.shift & mask) != value) {
+        const uint64_t value = bitsOf(bits, given);
+        const uint64_t whole = TQX_unsignedValue(field, m_record, index);
+        if (!isGiven(word))
+            storeInteger(field, m_record, index,
+                         (whole & ~(mask << bits.shift)) | value << bits.shift);
+        else if ((whole >> bits.shift & mask) != value)
             throw LineError(fmt::format("contradicts {}", field.name));
-        }
-    }
-    if (isArray)
-        setCount(word, count);
+    };
+    if (field.kind == TQX_FieldKind::Value)
+        return fillElement(0, valueOf(part));
+    const JsonValue& elements = arrayOf(valueOf(part));
+    if (elements.size() > field.elements)
+        throw LineError(
+            fmt::format("{} elements, there is room for {}", elements.size(), field.elements));
+    uint32_t index = 0;
+    for (const JsonValue& element : elements)
+        fillElement(index++, element);
+    setCount(word, elements.size());
 }
 
 /// The bit ranges of a packed field. Given together with the word, they must agree with it.
-void Filler::fillWord(int word)
+void RecordFilling::fillWord(int word)
 {
-    for (int part = word + 1; part < m_type.fieldCount && row(part).parent == word; ++part) {
+    for (int part = word + 1; part < m_plan.afterBits(word); ++part)
         if (isGiven(part))
             atField(row(part), [&] { fillBits(word, part); });
-    }
 }
 
-void Filler::fillScalar(int index)
+void RecordFilling::fillScalar(int index)
 {
     if (isGiven(index))
         atField(row(index), [&] { storeElement(row(index), m_record, 0, valueOf(index)); });
@@ -179,9 +204,9 @@ void Filler::fillScalar(int index)
 }
 
 /// Sets the members of the bit ranges, which may say what other fields there are.
-void Filler::splitWord(int word)
+void RecordFilling::splitWord(int word)
 {
-    for (int i = word + 1; i < m_type.fieldCount && row(i).parent == word; ++i) {
+    for (int i = word + 1; i < m_plan.afterBits(word); ++i) {
         const TQX_FieldLayout& part = row(i);
         const uint64_t sign = TQX_isSigned(part) ? uint64_t{1} << (part.width - 1) : 0;
         const uint64_t value = TQX_unsignedValue(row(word), m_record) >> part.shift &
@@ -190,9 +215,28 @@ void Filler::splitWord(int word)
     }
 }
 
-/// Counts are what the arrays say. A count of bytes that is given may end inside an element behind
+bool RecordFilling::isAnnounced(int count) const
+{
+    const auto& all = m_filler.m_announced;
+    return std::any_of(all.begin() + static_cast<std::ptrdiff_t>(m_firstAnnounced), all.end(),
+                       [&](const auto& one) { return one.first == count; });
+}
+
+/// Notes what a count must be; all that it counts must agree.
+void RecordFilling::announce(int count, size_t elements)
+{
+    auto& all = m_filler.m_announced;
+    for (size_t i = m_firstAnnounced; i < all.size(); ++i)
+        if (all[i].first == count && all[i].second != elements)
+            throw LineError(fmt::format("{} elements, but {} for others that {} counts", elements,
+                                        all[i].second, row(count).name));
+    if (!isAnnounced(count))
+        all.emplace_back(count, elements);
+}
+
+/// Counts are what the arrays say. A count of bytes that is given may end inside an element after
 /// those of the array.
-void Filler::setCount(int index, size_t elements)
+void RecordFilling::setCount(int index, size_t elements)
 {
     const TQX_FieldLayout& field = row(index);
     if (field.count < 0) {
@@ -204,32 +248,29 @@ void Filler::setCount(int index, size_t elements)
     const size_t unit = field.countsBytes ? TQX_elementSize(field) : 1;
     const uint64_t highest = ~uint64_t{0} >> (64 - count.width);
     const bool isBlocks = field.kind == TQX_FieldKind::Blocks;
-    if (elements * unit > highest || (!isBlocks && elements > field.elements)) {
+    if (elements * unit > highest || (!isBlocks && elements > field.elements))
         throw LineError(
             fmt::format("{} elements, there is room for {}", elements,
                         isBlocks ? highest : std::min<uint64_t>(highest / unit, field.elements)));
-    }
-    const auto [known, isFirst] = m_countedBy.emplace(field.count, elements);
-    if (!isFirst && known->second != elements) {
-        throw LineError(fmt::format("{} elements, but {} for others that {} counts", elements,
-                                    known->second, count.name));
-    }
+    announce(field.count, elements);
     if (isBlocks)
         return;
     if (!isGiven(field.count) || TQX_unsignedValue(count, m_record) / unit != elements)
         storeInteger(count, m_record, 0, elements * unit);
 }
 
-void Filler::fillArray(int index)
+void RecordFilling::fillArray(int index)
 {
     const TQX_FieldLayout& field = row(index);
     atField(field, [&] { setCount(index, arrayOf(valueOf(index)).size()); });
-    const json::array_t& elements = arrayOf(valueOf(index));
-    for (uint32_t i = 0; i < elements.size(); ++i)
-        atElement(field, i, [&] { storeElement(field, m_record, i, elements[i]); });
+    uint32_t i = 0;
+    for (const JsonValue& element : valueOf(index)) {
+        atElement(field, i, [&] { storeElement(field, m_record, i, element); });
+        ++i;
+    }
 }
 
-void Filler::fillText(int index)
+void RecordFilling::fillText(int index)
 {
     const TQX_FieldLayout& field = row(index);
     const std::string text = latin1Of(valueOf(index), field.elements);
@@ -241,18 +282,15 @@ void Filler::fillText(int index)
     std::memset(characters + text.size(), 0, end + 1 - text.size());
 }
 
-/// Sets the entry lengths that stand in this record, those of nested entries included, unless
-/// they are given.
-void Filler::setEntryLengths(const TQX_TypeLayout& owner)
+/// Sets the entry lengths that are in this record, those of nested entries included, unless they
+/// are given.
+void RecordFilling::setEntryLengths(const FillPlan& owner)
 {
     const auto* header = static_cast<const TQX_MainHeader_s*>(mainOf(m_type, m_record));
-    for (int i = 0; i < owner.fieldCount; ++i) {
-        const TQX_FieldLayout& field = owner.fields[i];
-        if (field.recordType == 0)
-            continue;
-        const TQX_TypeLayout& sub = *TQX_layout(field.recordType);
+    for (const int index : owner.getSubBlocks()) {
+        const TQX_FieldLayout& field = owner.getType().fields[index];
         const bool isHere =
-            &owner == &m_type ? !field.lengthInMain || m_type.linksToMain == 0 : field.lengthInMain;
+            &owner == &m_plan ? !field.lengthInMain || m_type.linksToMain == 0 : field.lengthInMain;
         if (field.length >= 0 && isHere && !isGiven(field.length)) {
             const uint64_t known = TQX_unsignedValue(row(field.length), m_record);
             storeInteger(
@@ -260,28 +298,29 @@ void Filler::setEntryLengths(const TQX_TypeLayout& owner)
                 std::max<uint64_t>(known, TQX_entrySize(field.recordType, header->Revision)));
         }
         if (m_type.linksToMain == 0)
-            setEntryLengths(sub);
+            setEntryLengths(m_filler.planOf(*TQX_layout(field.recordType)));
     }
 }
 
-void Filler::fillBlocks(int index)
+void RecordFilling::fillBlocks(int index)
 {
     const TQX_FieldLayout& field = row(index);
     atField(field, [&] { setCount(index, arrayOf(valueOf(index)).size()); });
-    const json::array_t& entries = arrayOf(valueOf(index));
+    const JsonValue& entries = valueOf(index);
     storeInteger(row(field.count), m_record, 0, 0);
     // All are appended before the first is filled: appending moves the others.
     for (size_t i = 0; i < entries.size(); ++i)
         field.append(m_record);
-    for (uint32_t i = 0; i < entries.size(); ++i) {
-        atElement(field, i, [&] {
-            fillRecord(*TQX_layout(field.recordType), TQX_element(field, m_record, i),
-                       objectOf(entries[i]));
-        });
+    const TQX_TypeLayout& sub = *TQX_layout(field.recordType);
+    uint32_t i = 0;
+    for (const JsonValue& entry : entries) {
+        atElement(field, i,
+                  [&] { m_filler.fill(sub, TQX_element(field, m_record, i), objectOf(entry)); });
+        ++i;
     }
 }
 
-void Filler::fillEmbedded(int index)
+void RecordFilling::fillEmbedded(int index)
 {
     const TQX_FieldLayout& field = row(index);
     const TQX_TypeLayout& sub = *TQX_layout(field.recordType);
@@ -289,10 +328,10 @@ void Filler::fillEmbedded(int index)
     sub.init(entry);
     static_cast<KorcgHeader_s*>(entry)->korcg_father = m_record;
     if (isGiven(index))
-        atField(field, [&] { fillRecord(sub, entry, objectOf(valueOf(index))); });
+        atField(field, [&] { m_filler.fill(sub, entry, objectOf(valueOf(index))); });
 }
 
-void Filler::fillContent(int index)
+void RecordFilling::fillContent(int index)
 {
     const TQX_FieldLayout& field = row(index);
     if (!field.alwaysSent && !TQX_isPresent(m_type, field, m_record))
@@ -324,15 +363,14 @@ void Filler::fillContent(int index)
     case TQX_FieldKind::Derived:
         return;
     }
-    if (field.count >= 0 && m_countedBy.count(field.count) == 0 &&
-        TQX_unsignedValue(row(field.count), m_record) != 0) {
+    if (field.count >= 0 && !isAnnounced(field.count) &&
+        TQX_unsignedValue(row(field.count), m_record) != 0)
         throw LineError::at(row(field.count).name,
                             fmt::format("is not 0, but {} is not given", field.name));
-    }
 }
 
 /// Makes the three forms of a main block's number and revision agree with each other.
-void Filler::settleId()
+void RecordFilling::settleId()
 {
     auto* header = static_cast<TQX_MainHeader_s*>(m_record);
     if (header->Sync1 != '$' || header->Sync2 != '@')
@@ -341,33 +379,38 @@ void Filler::settleId()
         header->ID = static_cast<uint16_t>(header->ID | m_type.blockNumber);
     header->BlockNumber = header->ID & 0x1fffU;
     header->Revision = static_cast<uint8_t>(header->ID >> 13U);
-    if (header->BlockNumber != m_type.blockNumber) {
+    if (header->BlockNumber != m_type.blockNumber)
         throw LineError(fmt::format("the ID is that of block {}, not of {} ({})",
                                     header->BlockNumber, m_type.name, m_type.blockNumber));
-    }
 }
 
-void Filler::fill()
+void RecordFilling::fill()
 {
     assignRows();
-    for (int i = 0; i < m_type.fieldCount; ++i) {
-        if (row(i).kind == TQX_FieldKind::Value)
-            fillScalar(i);
-    }
+    for (const int index : m_plan.getValues())
+        fillScalar(index);
     if (m_type.linksToMain == 0)
         settleId();
-    setEntryLengths(m_type);
-    for (int i = 0; i < m_type.fieldCount; ++i) {
-        checkPresence(i);
-        fillContent(i);
+    setEntryLengths(m_plan);
+    for (const int index : m_plan.getContents()) {
+        checkPresence(index);
+        fillContent(index);
     }
 }
 
-} // namespace
-
-void fillRecord(const TQX_TypeLayout& type, void* record, const Object& values)
+void RecordFiller::fill(const TQX_TypeLayout& type, void* record, const JsonValue& values)
 {
-    Filler(type, record, values).fill();
+    RecordFilling(*this, type, record, values).fill();
+}
+
+const FillPlan& RecordFiller::planOf(const TQX_TypeLayout& type)
+{
+    if (m_plans.size() <= type.recordType)
+        m_plans.resize(type.recordType + size_t{1});
+    std::unique_ptr<FillPlan>& plan = m_plans[type.recordType];
+    if (!plan)
+        plan = std::make_unique<FillPlan>(type);
+    return *plan;
 }
 
 } // namespace tqx

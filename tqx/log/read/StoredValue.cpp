@@ -3,20 +3,24 @@
 #include "tqx/log/read/LineError.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
+#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <optional>
 #include <string_view>
 
 namespace tqx
 {
 
 using namespace Kor::MessageApi;
-using nlohmann::json;
 
 namespace
 {
+
+using Kind = JsonValue::Kind;
 
 template<typename Value>
 void store(const TQX_FieldLayout& field, void* record, uint32_t index, Value value)
@@ -24,97 +28,106 @@ void store(const TQX_FieldLayout& field, void* record, uint32_t index, Value val
     std::memcpy(TQX_element(field, record, index), &value, sizeof value);
 }
 
-[[noreturn]] void failRange(const json& value, const std::string& lowest,
-                            const std::string& highest)
-{
-    throw LineError(fmt::format("{} is out of range, {} to {}", value.dump(), lowest, highest));
-}
-
 /// A value as a message shows it; of arrays and objects, which may be deep, nothing inside.
-std::string shown(const json& value)
+std::string shown(const JsonValue& value)
 {
     constexpr size_t longest = 40;
-    if (value.is_structured())
-        return value.empty() ? value.dump() : value.is_array() ? "[...]" : "{...}";
-    const std::string text = value.dump(-1, ' ', true);
+    std::string text;
+    switch (value.kind) {
+    case Kind::Null:
+        return "null";
+    case Kind::False:
+        return "false";
+    case Kind::True:
+        return "true";
+    case Kind::Array:
+        return value.size() == 0 ? "[]" : "[...]";
+    case Kind::Object:
+        return value.size() == 0 ? "{}" : "{...}";
+    case Kind::Number:
+        text = nlohmann::json::parse(value.text()).dump();
+        break;
+    case Kind::String:
+        text = nlohmann::json(value.text()).dump(-1, ' ', true);
+        break;
+    }
     return text.size() > longest ? text.substr(0, longest) + "..." : text;
 }
 
-[[noreturn]] void failType(const json& value, const char* wanted)
+[[noreturn]] void failRange(const JsonValue& value, const std::string& lowest,
+                            const std::string& highest)
+{
+    throw LineError(fmt::format("{} is out of range, {} to {}", shown(value), lowest, highest));
+}
+
+[[noreturn]] void failType(const JsonValue& value, const char* wanted)
 {
     throw LineError(fmt::format("{} is no {}", shown(value), wanted));
 }
 
-/// JSON's "-0", which is an integer, too.
-bool isMinusZero(const json& value)
+bool isString(const JsonValue& value, std::string_view text)
 {
-    return value.is_number_integer() && !value.is_number_unsigned() && value.get<int64_t>() == 0;
+    return value.kind == Kind::String && value.text() == text;
+}
+
+/// A number without fraction and exponent that fits 64 bits.
+struct Integer {
+    uint64_t magnitude;
+    bool isNegative;
+};
+
+std::optional<Integer> readInteger(const JsonValue& value)
+{
+    if (value.kind != Kind::Number)
+        return std::nullopt;
+    const std::string_view text = value.text();
+    Integer integer = {0, text.front() == '-'};
+    const char* end = text.data() + text.size();
+    const auto [stop, error] =
+        std::from_chars(text.data() + (integer.isNegative ? 1 : 0), end, integer.magnitude);
+    constexpr uint64_t lowest = uint64_t{1} << 63U;
+    if (stop != end || error != std::errc() || (integer.isNegative && integer.magnitude > lowest))
+        return std::nullopt;
+    return integer;
 }
 
 /// An integer that fits `width` bits, as two's complement.
-uint64_t integerOf(const json& value, unsigned width, bool isSigned)
+uint64_t integerOf(const JsonValue& value, unsigned width, bool isSigned)
 {
-    if (!value.is_number_integer())
+    const std::optional<Integer> integer = readInteger(value);
+    if (!integer)
         failType(value, "integer");
     const uint64_t all = ~uint64_t{0} >> (64 - width);
-    if (isSigned) {
-        const auto highest = static_cast<int64_t>(all >> 1U);
-        const bool tooLarge =
-            value.is_number_unsigned() && value.get<uint64_t>() > static_cast<uint64_t>(highest);
-        const auto number = value.get<int64_t>();
-        if (tooLarge || number < -highest - 1)
-            failRange(value, std::to_string(-highest - 1), std::to_string(highest));
-        return static_cast<uint64_t>(number);
+    const uint64_t highest = isSigned ? all >> 1U : all;
+    const uint64_t lowest = isSigned ? highest + 1 : 0; // as a magnitude
+    if (integer->magnitude > (integer->isNegative ? lowest : highest))
+        failRange(value, isSigned ? fmt::format("-{}", lowest) : "0", std::to_string(highest));
+    return integer->isNegative ? 0 - integer->magnitude : integer->magnitude;
+}
+
+/// Of numbers the nearest value of that type.
+template<typename Real>
+Real realOf(const JsonValue& value)
+{
+    if (value.kind == Kind::Number) {
+        const std::string_view text = value.text();
+        Real number = 0;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+        if (error == std::errc())
+            return number;
+        // Too large or too close to zero.
+        const auto wide = nlohmann::json::parse(text).get<double>();
+        if (std::fabs(wide) > static_cast<double>(std::numeric_limits<Real>::max()))
+            failRange(value, "-3.4028235e+38", "3.4028235e+38");
+        return static_cast<Real>(wide);
     }
-    if (isMinusZero(value))
-        return 0;
-    if (!value.is_number_unsigned() || value.get<uint64_t>() > all)
-        failRange(value, "0", std::to_string(all));
-    return value.get<uint64_t>();
-}
-
-/// A double that lies exactly between two floats may be the nearest double to a shorter decimal
-/// that stands for either of them; then it is the float whose own shortest text it is.
-float nearestFloat(double value)
-{
-    const auto rounded = static_cast<float>(value);
-    const float other = std::nextafter(rounded, value > static_cast<double>(rounded)
-                                                    ? std::numeric_limits<float>::infinity()
-                                                    : -std::numeric_limits<float>::infinity());
-    const bool isBetween = static_cast<double>(rounded) != value &&
-                           (static_cast<double>(rounded) + static_cast<double>(other)) / 2 == value;
-    if (isBetween && std::stod(fmt::format("{}", other)) == value)
-        return other;
-    return rounded;
-}
-
-double doubleOf(const json& value)
-{
-    if (isMinusZero(value))
-        return -0.0;
-    if (value.is_number())
-        return value.get<double>();
-    if (value == "NaN")
-        return std::numeric_limits<double>::quiet_NaN();
-    if (value == "Infinity")
-        return std::numeric_limits<double>::infinity();
-    if (value == "-Infinity")
-        return -std::numeric_limits<double>::infinity();
+    if (isString(value, "NaN"))
+        return std::numeric_limits<Real>::quiet_NaN();
+    if (isString(value, "Infinity"))
+        return std::numeric_limits<Real>::infinity();
+    if (isString(value, "-Infinity"))
+        return -std::numeric_limits<Real>::infinity();
     failType(value, "number, nor \"NaN\", \"Infinity\" or \"-Infinity\"");
-}
-
-float floatOf(const json& value)
-{
-    const double number = doubleOf(value);
-    if (std::isnan(number))
-        return std::numeric_limits<float>::quiet_NaN();
-    if (std::isinf(number))
-        return static_cast<float>(number);
-    // What rounds to a value beyond the largest float.
-    constexpr double limit = 0x1.ffffffp127;
-    if (std::fabs(number) >= limit)
-        failRange(value, "-3.4028235e+38", "3.4028235e+38");
-    return nearestFloat(number);
 }
 
 } // namespace
@@ -133,12 +146,13 @@ void storeInteger(const TQX_FieldLayout& field, void* record, uint32_t index, ui
     }
 }
 
-void storeElement(const TQX_FieldLayout& field, void* record, uint32_t index, const json& value)
+void storeElement(const TQX_FieldLayout& field, void* record, uint32_t index,
+                  const JsonValue& value)
 {
     if (field.type == TQX_MemberType::F32) {
-        store(field, record, index, floatOf(value));
+        store(field, record, index, realOf<float>(value));
     } else if (field.type == TQX_MemberType::F64) {
-        store(field, record, index, doubleOf(value));
+        store(field, record, index, realOf<double>(value));
     } else if (field.type == TQX_MemberType::Char) {
         const std::string text = latin1Of(value, 1);
         store(field, record, index, text.empty() ? '\0' : text.front());
@@ -147,16 +161,16 @@ void storeElement(const TQX_FieldLayout& field, void* record, uint32_t index, co
     }
 }
 
-uint64_t bitsOf(const TQX_FieldLayout& field, const json& value)
+uint64_t bitsOf(const TQX_FieldLayout& field, const JsonValue& value)
 {
     return integerOf(value, field.width, TQX_isSigned(field)) & ~uint64_t{0} >> (64 - field.width);
 }
 
-std::string latin1Of(const json& value, size_t capacity)
+std::string latin1Of(const JsonValue& value, size_t capacity)
 {
-    if (!value.is_string())
+    if (value.kind != Kind::String)
         failType(value, "string");
-    const auto& utf8 = value.get_ref<const std::string&>();
+    const std::string_view utf8 = value.text();
     std::string text;
     for (size_t i = 0; i < utf8.size(); ++i) {
         const auto first = static_cast<uint8_t>(utf8[i]);
@@ -174,18 +188,18 @@ std::string latin1Of(const json& value, size_t capacity)
     return text;
 }
 
-const json::array_t& arrayOf(const json& value)
+const JsonValue& arrayOf(const JsonValue& value)
 {
-    if (!value.is_array())
+    if (value.kind != Kind::Array)
         failType(value, "array");
-    return value.get_ref<const json::array_t&>();
+    return value;
 }
 
-const json::object_t& objectOf(const json& value)
+const JsonValue& objectOf(const JsonValue& value)
 {
-    if (!value.is_object())
+    if (value.kind != Kind::Object)
         failType(value, "object");
-    return value.get_ref<const json::object_t&>();
+    return value;
 }
 
 } // namespace tqx

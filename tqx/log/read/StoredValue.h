@@ -1,8 +1,7 @@
 #pragma once
 
 #include "TQX_RecordAccess.h"
-
-#include <nlohmann/json.hpp>
+#include "tqx/log/read/JsonValue.h"
 
 #include <cstdint>
 #include <string>
@@ -14,22 +13,22 @@ namespace tqx
 
 /// Stores a number, or a string of at most one character, as element `index` of a member.
 void storeElement(const Kor::MessageApi::TQX_FieldLayout& field, void* record, uint32_t index,
-                  const nlohmann::json& value);
+                  const JsonValue& value);
 
 /// Stores an integer as element `index` of an integer member; bits above its width are cut off.
 void storeInteger(const Kor::MessageApi::TQX_FieldLayout& field, void* record, uint32_t index,
                   uint64_t value);
 
-/// A value for a bit range, as it stands in the lowest bits of the packed word.
-uint64_t bitsOf(const Kor::MessageApi::TQX_FieldLayout& field, const nlohmann::json& value);
+/// A value for a bit range, as it is in the lowest bits of the packed word.
+uint64_t bitsOf(const Kor::MessageApi::TQX_FieldLayout& field, const JsonValue& value);
 
 /// A string as Latin-1 characters, at most `capacity` of them.
-std::string latin1Of(const nlohmann::json& value, size_t capacity);
+std::string latin1Of(const JsonValue& value, size_t capacity);
 
-/// The value is an array; nothing more is asked of it.
-const nlohmann::json::array_t& arrayOf(const nlohmann::json& value);
+/// The value, which must be an array; nothing more is asked of it.
+const JsonValue& arrayOf(const JsonValue& value);
 
-/// The value is an object; nothing more is asked of it.
-const nlohmann::json::object_t& objectOf(const nlohmann::json& value);
+/// The value, which must be an object; nothing more is asked of it.
+const JsonValue& objectOf(const JsonValue& value);
 
 } // namespace tqx

@@ -9,7 +9,7 @@ namespace tqx
 {
 
 /// What TQX_decode gives for a block of an unknown number.
-constexpr int32_t unknownNumber = -6072;
+constexpr int32_t unknownNumber = Kor::MessageApi::TQX_invalidMessage;
 
 /// A block and what it was decoded to.
 struct DecodedBlock {

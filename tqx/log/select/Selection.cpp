@@ -52,7 +52,12 @@ Selection::Selection(const SelectionRequest& request)
 bool Selection::accepts(BlockStream& stream, const Block& block)
 {
     const bool inTime = isInTime(block);
-    if (!m_types.accepts(block.getNumber()) || !inTime || !meetsCondition(stream, block))
+    return m_types.accepts(block.getNumber()) && inTime && acceptsFound(stream, block);
+}
+
+bool Selection::acceptsFound(BlockStream& stream, const Block& block)
+{
+    if (!meetsCondition(stream, block))
         return false;
     if (m_every == 1)
         return true;

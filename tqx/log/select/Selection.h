@@ -42,6 +42,17 @@ public:
     /// decode it.
     bool accepts(BlockStream& stream, const Block& block);
 
+    /// The same for a block that is known to be of the types and in the time, as an index finds it.
+    /// Not for a selection with an interval, and not beside accepts().
+    bool acceptsFound(BlockStream& stream, const Block& block);
+
+    /// The times between which blocks are selected, nothing for no limit.
+    const std::optional<GnssMillis>& getFrom() const { return m_from; }
+    const std::optional<GnssMillis>& getTo() const { return m_to; }
+
+    /// Whether only blocks at multiples of some time are selected.
+    bool hasInterval() const { return m_interval != 1; }
+
     /// Whether what follows the last block, and has no time of its own, is at a time that is
     /// wanted.
     bool isInTime() const;

@@ -26,6 +26,8 @@ public:
     /// or not. Throws DataError for anything else.
     TypeSelection(const std::vector<std::string>& wanted, const std::vector<std::string>& unwanted);
 
+    bool isEverything() const { return m_accepted.all(); }
+
     bool accepts(uint16_t blockNumber) const { return m_accepted[blockNumber]; }
 
 private:

@@ -18,6 +18,15 @@ BlockStream::BlockStream(ByteSource& bytes, StreamListener* hears)
 {
 }
 
+BlockStream::~BlockStream() = default;
+
+void BlockStream::setCounts(const StreamCounts& counts)
+{
+    const uint64_t undecodable = m_counts.undecodable;
+    m_counts = counts;
+    m_counts.undecodable = undecodable;
+}
+
 bool BlockStream::next(Block& block)
 {
     m_framer.takeBlock();

@@ -45,6 +45,9 @@ class TQX_LOG_API BlockStream : private BlockFramer::Listener, private Neighbour
 public:
     /// Neither is owned, both must outlive the stream; the listener may be null.
     explicit BlockStream(ByteSource& source, StreamListener* listener = nullptr);
+    virtual ~BlockStream();
+    BlockStream(const BlockStream&) = delete;
+    BlockStream& operator=(const BlockStream&) = delete;
 
     /// For a source that is a receiver while it sends: does not let a false header hold back what
     /// is intact after it. A candidate for a block that waits for more bytes is given up, if a
@@ -55,7 +58,7 @@ public:
 
     /// Gets the next block, whose bytes stay valid until the next call; false at the end. Throws
     /// what the source throws.
-    bool next(Block& block);
+    virtual bool next(Block& block);
 
     /// Counts a block that the codec refused with `code` and reports it to the listener. Only for
     /// the last block gotten.
@@ -64,6 +67,12 @@ public:
     /// Name of the file that the last block began in.
     const std::string& getName() const { return m_name; }
     const StreamCounts& getCounts() const { return m_counts; }
+
+protected:
+    /// For streams that have blocks from elsewhere, too: takes over what is known of that stream
+    /// but for its undecodable blocks, which reportUndecodable() counts.
+    void setCounts(const StreamCounts& counts);
+    void setName(const std::string& name) { m_name = name; }
 
 private:
     /// What looked like a block and was none.

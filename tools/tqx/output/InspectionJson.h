@@ -1,0 +1,13 @@
+#pragma once
+
+#include "tqx/log/inspect/Inspection.h"
+#include "tqx/log/text/Buffer.h"
+
+namespace tqx::tool
+{
+
+/// Appends an inspection as one JSON object on a line of its own. Properties that are not there are
+/// left out.
+void appendInspectionJson(Buffer& out, const Inspection& inspection);
+
+} // namespace tqx::tool
