@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TQX_Format.h"
+
 #include <cstdint>
 
 namespace tqx::simulation
@@ -32,7 +34,7 @@ constexpr uint8_t frequencySlot(System system, int channel)
 }
 
 constexpr uint32_t secondsPerDay = 86400;
-constexpr uint32_t secondsPerWeek = 604800;
+constexpr uint32_t secondsPerWeek = Kor::MessageApi::TQX_secondsPerWeek;
 
 constexpr unsigned galileoWeekZero = 1024; ///< GPS week in which Galileo system time begins
 constexpr unsigned beiDouWeekZero = 1356;  ///< GPS week in which BeiDou time begins

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TQX_Format.h"
 #include "TQX_RecordAccess.h"
 #include "tqx/log/stream/Block.h"
 
@@ -9,7 +10,7 @@ namespace tqx
 {
 
 /// What TQX_decode gives for a block of an unknown number.
-constexpr int32_t unknownNumber = -6072;
+constexpr int32_t unknownNumber = Kor::MessageApi::TQX_invalidMessage;
 
 /// A block and what it was decoded to.
 struct DecodedBlock {

@@ -1,5 +1,6 @@
 #include "TQXDecoder.h"
 
+#include "TQX_Format.h"
 #include "TQX_FormatInfo.h"
 #include "TQX_Getters.h"
 #include "TQX_Layout.h"
@@ -21,7 +22,6 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-constexpr int32_t invalidMessage = -6072;
 constexpr uint32_t longestBlock = 0xffff;
 constexpr int32_t highestEnum = 382;
 
@@ -121,7 +121,7 @@ void TQXDecoder::publishFailure(int32_t result)
     // A receiver of the event may decode another block.
     const unsigned unknownNumber = m_context.lastUnknownBlockNumber;
     if (isSignalConnected(eventSignal)) {
-        if (result == invalidMessage) {
+        if (result == TQX_invalidMessage) {
             publishEvent(
                 MessageApiEvent::UnknownMessage,
                 QStringLiteral("TQX: Message type %1 unknown to PC software").arg(unknownNumber));
@@ -130,7 +130,7 @@ void TQXDecoder::publishFailure(int32_t result)
                          QStringLiteral("TQX: %1").arg(QLatin1String(TQX_errorName(result))));
         }
     }
-    if (result == invalidMessage && isSignalConnected(unknownSignal)) {
+    if (result == TQX_invalidMessage && isSignalConnected(unknownSignal)) {
         newUnknownMessage(TQX_FormatInfo::getInstance(),
                           QStringLiteral("Message type %1").arg(unknownNumber));
     }

@@ -2,6 +2,7 @@
 
 #include "CodecAssert.h"
 #include "RecordMembers.h"
+#include "TQX_Format.h"
 #include "TQX_codec.h"
 #include "korcg_bits.h"
 #include "korcg_crc.h"
@@ -17,7 +18,6 @@ namespace
 constexpr uint32_t idBit = 32;
 constexpr uint32_t crcBit = 16;
 constexpr uint32_t lengthBit = 48;
-constexpr int32_t invalidMessage = -6072;
 
 /// Which of the optional fields are written.
 enum class Fields {
@@ -139,7 +139,7 @@ uint16_t outgoingId(const void* main)
         const auto number = readMember<uint16_t>(main, offsetof(TQX_MainHeader_s, BlockNumber));
         return static_cast<uint16_t>(revision << 13U | number);
     }
-    return revision == 0 ? id : static_cast<uint16_t>((id & 0x1fffU) | revision << 13U);
+    return revision == 0 ? id : static_cast<uint16_t>(TQX_blockNumberOf(id) | revision << 13U);
 }
 
 // A number of 1, 2, 4 or 8 bytes.
@@ -399,7 +399,7 @@ int32_t TQX_reencode(unsigned char* buffer, uint16_t bufferSize, const void* rec
 {
     const TQX_TypeLayout* type = TQX_layout(recordTypeOf(record));
     if (type == nullptr || type->blockNumber == 0)
-        return invalidMessage;
+        return TQX_invalidMessage;
     return Encoder(*type, buffer, bufferSize, const_cast<void*>(record), Fields::AsRead).run();
 }
 
