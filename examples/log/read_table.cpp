@@ -27,8 +27,8 @@ int main(int argc, char** argv)
         // A struct array: its last child is the field, after the time.
         double sum = 0;
         long long rows = 0;
-        for (tqx::ArrowArray batch; table.next(batch); batch.release(&batch)) {
-            const tqx::ArrowArray& heights = *batch.children[batch.n_children - 1];
+        for (ArrowArray batch; table.next(batch); batch.release(&batch)) {
+            const ArrowArray& heights = *batch.children[batch.n_children - 1];
             const auto* values = static_cast<const double*>(heights.buffers[1]);
             for (int64_t i = 0; i < heights.length; ++i)
                 sum += values[i];
