@@ -76,8 +76,7 @@ public:
     {
         TQX_init_context(&m_enabled);
         m_disabled = m_enabled;
-        m_disabled.enableMask[TQX_enableByte(m_recordType)] &=
-            static_cast<uint8_t>(~TQX_enableBit(m_recordType));
+        TQX_enable(m_disabled, m_recordType, false);
     }
 
     void run(benchmark::State& state, const std::vector<TimedWork>& yardsticks = {})

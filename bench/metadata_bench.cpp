@@ -34,7 +34,7 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-constexpr uint32_t lastRecordType = 382;
+constexpr uint32_t lastRecordType = TQX_lastRecordType;
 
 /// A field as a straightforward framework would keep it.
 struct PlainField {

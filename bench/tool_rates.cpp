@@ -3,9 +3,10 @@
 //
 // usage: tool_rates [FILE]     without FILE a simulated log of about 200 MB
 //
-// All runs are processes of their own, in turns, written to /dev/null; what is shown are medians
-// of the time that passed, which the rates are of, and of the processor time, which is longer where
-// several threads work. Other work on the machine makes the former longer than it is.
+// All runs are processes of their own, in turns, written to /dev/null, tables to files; what is
+// shown are medians of the time that passed, which the rates are of, and of the processor time,
+// which is longer where several threads work. Other work on the machine makes the former longer
+// than it is.
 
 #include "TQXDecoder.h"
 #include "TQXSynchronizer.h"
@@ -112,6 +113,7 @@ int main(int argc, char** argv)
     std::string log = argc > 1 ? argv[1] : folder.filePath("log.tqx").toStdString();
     if (argc == 1)
         run({TQX_TOOL, "simulate", "--size", "200MB", "-o", log});
+    const std::string tables = folder.filePath("tables").toStdString();
     const double megabytes = static_cast<double>(QFile(log.c_str()).size()) * 1e-6;
 
     std::vector<Work> works = {
@@ -122,6 +124,10 @@ int main(int argc, char** argv)
         {"dump --format jsonl", {TQX_TOOL, "dump", "-q", "--format", "jsonl", log}, {}, {}},
         {"dump --format jsonl --raw",
          {TQX_TOOL, "dump", "-q", "--format", "jsonl", "--raw", log},
+         {},
+         {}},
+        {"dump --format csv, a folder",
+         {TQX_TOOL, "dump", "-q", "--format", "csv", "-o", tables, log},
          {},
          {}},
         {"cat", {"cat", log}, {}, {}}};
@@ -136,7 +142,7 @@ int main(int argc, char** argv)
     const double library = median(works.front().elapsed);
     for (const Work& work : works) {
         const double seconds = median(work.elapsed);
-        std::printf("%-26s %7.3f s (%.3f s of processors) %6.0f MB/s %6.2f of the library's rate\n",
+        std::printf("%-27s %7.3f s (%.3f s of processors) %6.0f MB/s %6.2f of the library's rate\n",
                     work.name, seconds, median(work.processor), megabytes / seconds,
                     library / seconds);
     }

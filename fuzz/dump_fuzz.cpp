@@ -86,9 +86,8 @@ class Writers
 {
 public:
     explicit Writers(const std::vector<std::string>& fields)
-        : m_filter(fields), m_text(m_filter, tqx::Paragraph::Values::Scaled),
-          m_storedText(m_filter, tqx::Paragraph::Values::Stored), m_values(m_filter),
-          m_stored(m_filter)
+        : m_filter(fields), m_text(m_filter), m_storedText(m_filter, tqx::ValueStyle{true}),
+          m_values(m_filter), m_stored(m_filter)
     {
     }
 
@@ -133,12 +132,12 @@ private:
         std::unique_ptr<tqx::FlatCsv>& table = m_tables[type * 4 + style];
         if (!table) {
             table = std::make_unique<tqx::FlatCsv>(
-                *TQX_layout(type), m_filter, tqx::CsvStyle{(style & 1U) != 0, (style & 2U) != 0});
+                *TQX_layout(type), m_filter, tqx::CsvStyle{{(style & 1U) != 0}, (style & 2U) != 0});
         }
         check(
             [&](tqx::Buffer& to) {
                 table->writeHeader(to);
-                table->write(to, record);
+                table->write(to, record, 0);
             },
             checkTable);
     }

@@ -76,7 +76,7 @@ Codes codesOf(const std::vector<const TQX_TypeLayout*>& types, Direction directi
     Codes found;
     for (const TQX_TypeLayout* type : types) {
         const Codes wanted = wantedOf(*type, direction);
-        for (int round = 0; round < mostRounds && (round < 4 || !holdsAll(found, wanted)); ++round)
+        for (int round = 0; round < mostRounds && (round < 5 || !holdsAll(found, wanted)); ++round)
             tryInAllWays(*type, round, random, found);
     }
     Codes possible;
@@ -114,7 +114,7 @@ void encodeInAllWays(const TQX_TypeLayout& type, int round, std::mt19937_64& ran
     type.init(record.get());
     FillOptions options;
     // Random counts mostly exceed the room for what is counted.
-    options.trustSource = round % 4 == 3;
+    options.trustSource = round % 5 == 4;
     fillRecord(type, record.get(), static_cast<unsigned>(round) % 4, options,
                [&random](unsigned) { return random(); });
     std::vector<uint8_t> buffer(65535);

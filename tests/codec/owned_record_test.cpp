@@ -73,7 +73,7 @@ TEST(OwnedRecord, MovesWithWhatItOwns)
 
 TEST(OwnedRecord, StartsWithTheValuesOfAnyType)
 {
-    for (uint32_t type = 1; type <= 382; ++type) {
+    for (uint32_t type = 1; type <= TQX_lastRecordType; ++type) {
         const TQX_TypeLayout* layout = TQX_layout(type);
         ASSERT_NE(layout, nullptr);
         const TQX_OwnedRecord record(*layout);

@@ -18,7 +18,7 @@ const korcg::generator::Field* findField(const korcg::generator::RecordType& typ
 /// Loads texts that must be free of errors; any error is a test failure.
 korcg::generator::Format loadGood(const std::vector<korcg::generator::Source>& sources);
 
-/// Name of a code (-1 to -6073).
+/// Name of a code (-1 downward).
 std::string codeName(const korcg::generator::Format& format, int code);
 
 /// The format of base.yaml and synthetic.yaml.

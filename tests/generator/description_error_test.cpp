@@ -47,7 +47,7 @@ TEST_P(BadDescription, ReportsEachErrorWhereItIs)
     if (bad.file.rfind("alone_", 0) != 0)
         sources.insert(sources.begin(), {"base.yaml", readTestFile("base.yaml")});
     Errors errors;
-    load(sources, errors);
+    loadWithHistory(sources, errors, {});
 
     std::vector<std::string> reported = errors.report();
     std::sort(expected.begin(), expected.end());

@@ -17,7 +17,7 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-constexpr uint32_t lastRecordType = 382;
+constexpr uint32_t lastRecordType = TQX_lastRecordType;
 
 QString text(std::string_view characters)
 {

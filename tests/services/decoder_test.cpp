@@ -18,7 +18,8 @@ namespace
 {
 
 constexpr int pVTGeodetic2 = 110;
-constexpr int invalidMessage = -6072;
+constexpr int invalidMessage = Kor::MessageApi::TQX_invalidMessage;
+constexpr int lastEnum = Kor::MessageApi::TQX_lastRecordType;
 
 // A decoder and a log of what it published.
 struct Recorded {
@@ -197,7 +198,7 @@ TEST(TQXDecoder, AllTypesAreSwitchedButSubBlocks)
     constexpr int subBlock = 156;
     const auto enabled = [&] {
         std::vector<int> numbers;
-        for (int i = 0; i <= 382; ++i) {
+        for (int i = 0; i <= lastEnum; ++i) {
             if (decoder.isEnabledMessageEnum(i)) {
                 numbers.push_back(i);
             }
@@ -215,7 +216,8 @@ TEST(TQXDecoder, AllTypesAreSwitchedButSubBlocks)
     EXPECT_EQ(enabled(), mainTypes);
 
     // Bits of other types and memory beyond the mask stay as they are.
-    for (const int outside : {-2147483647 - 1, -8, -1, 383, 384, 100000, 2147483647}) {
+    for (const int outside :
+         {-2147483647 - 1, -8, -1, lastEnum + 1, lastEnum + 2, 100000, 2147483647}) {
         decoder.enableMessageEnum(outside);
         EXPECT_FALSE(decoder.isEnabledMessageEnum(outside)) << outside;
         decoder.disableMessageEnum(outside);

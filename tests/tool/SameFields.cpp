@@ -67,7 +67,7 @@ testing::AssertionResult sameFields(const TQX_TypeLayout& type, const json& expe
 
 const TQX_TypeLayout* layoutOf(const std::string& name)
 {
-    for (uint32_t recordType = 1; recordType <= 382; ++recordType) {
+    for (uint32_t recordType = 1; recordType <= TQX_lastRecordType; ++recordType) {
         const TQX_TypeLayout* layout = TQX_layout(recordType);
         if (layout && layout->blockNumber != 0 && name == layout->name)
             return layout;

@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -299,4 +300,126 @@ TEST(Csv, NameWithTheEndingAloneIsAFile)
                                  "csv", "-o", folder.filePath(".csv")});
     EXPECT_EQ(run.status, 0) << run.words;
     EXPECT_TRUE(std::filesystem::is_regular_file(folder.filePath(".csv").toStdString()));
+}
+
+// Many tables are more than the process keeps open, and a simulated log is more than one batch.
+TEST(Csv, FoldersAreTheSameWhateverTheThreads)
+{
+    const QTemporaryDir folder;
+    const QString log = folder.filePath("log.tqx");
+    ASSERT_EQ(runTool({"simulate", "--duration", "60", "-o", log}).status, 0);
+    const QString random = folder.filePath("random.tqx");
+    std::ofstream(random.toStdString(), std::ios::binary) << randomStream();
+    const auto dump = [&](const char* name, const QStringList& more) {
+        const QString target = folder.filePath(name);
+        const ToolRun run =
+            runTool(QStringList{"dump", log, random, log, "--format", "csv", "-o", target} + more);
+        EXPECT_EQ(run.status, 0) << run.words;
+        std::map<std::string, std::string> files;
+        for (const auto& entry : std::filesystem::directory_iterator(target.toStdString())) {
+            std::ostringstream content;
+            content << std::ifstream(entry.path(), std::ios::binary).rdbuf();
+            files[entry.path().filename().string()] = content.str();
+        }
+        return files;
+    };
+    const std::map<std::string, std::string> tables = dump("threads", {});
+    EXPECT_GT(tables.size(), 250U);
+    EXPECT_TRUE(tables == dump("thread", {"--live"}));
+    const std::vector<Row> rows = parseCsv(tables.at("PVTGeodetic2.csv"));
+    for (size_t row = 1; row < rows.size(); ++row)
+        EXPECT_EQ(rows[row][0], std::to_string(row - 1));
+    EXPECT_GT(rows.size(), 120U);
+}
+
+// Conditions on rows against the same conditions on the cells of all rows.
+TEST(Csv, RowsAreThoseThatMeetTheCondition)
+{
+    struct Case {
+        const char* condition;
+        const char* table; ///< in the folder; "" for the one table with all in it
+        bool (*meets)(const std::map<std::string, std::string>& row);
+        bool hasNone = false;
+    };
+    using Cells = std::map<std::string, std::string>;
+    static const auto number = [](const Cells& row, const char* column) {
+        const std::string& cell = row.at(column);
+        return cell.empty() ? std::nan("") : std::strtod(cell.c_str(), nullptr);
+    };
+    const Case cases[] = {
+        {"CN0_dBHz > 40", "MeasEpoch2.Type1",
+         [](const Cells& row) { return number(row, "CN0_dBHz [decibelhertz]") > 40; }},
+        {"SVID like 'G*' and CN0_dBHz > 40", "MeasEpoch2.Type1",
+         [](const Cells& row) {
+             return row.at("SVID")[0] == 'G' && number(row, "CN0_dBHz [decibelhertz]") > 40;
+         }},
+        {"CN0_dBHz > 45", "MeasEpoch2.Type1.Type2", // its own, not that of Type1
+         [](const Cells& row) { return number(row, "CN0_dBHz [decibelhertz]") > 45; }},
+        {"CN0_dBHz > 40", "MeasEpoch2", [](const Cells&) { return false; }, true},
+        {"N1 >= 30 and not TOW < 216010", "MeasEpoch2",
+         [](const Cells& row) {
+             return number(row, "N1") >= 30 && number(row, "TOW [second]") >= 216010;
+         }},
+        {"SVID like 'G*' and Type2.CN0_dBHz > 30 and Type1.CN0_dBHz > 40", "",
+         [](const Cells& row) {
+             return row.at("Type1.SVID")[0] == 'G' &&
+                    number(row, "Type1.Type2.CN0_dBHz [decibelhertz]") > 30 &&
+                    number(row, "Type1.CN0_dBHz [decibelhertz]") > 40;
+         }},
+        {"MeasEpoch2.TOW < 216010 and MeasEpoch2.Type1.SVID == 'G04'", "", [](const Cells& row) {
+             return number(row, "TOW [second]") < 216010 && row.at("Type1.SVID") == "G04";
+         }}};
+    const QTemporaryDir folder;
+    const QString log = folder.filePath("log.tqx");
+    ASSERT_EQ(runTool({"simulate", "--duration", "20", "-o", log}).status, 0);
+    const auto rowsOf = [&](const std::string& table, const QStringList& more) {
+        QStringList arguments = {"dump", log, "--type", "MeasEpoch2", "--format", "csv"};
+        const QString target = folder.filePath("tables");
+        if (!table.empty())
+            arguments += QStringList{"-o", target};
+        const ToolRun run = runTool(arguments + more);
+        EXPECT_EQ(run.words, "");
+        if (table.empty())
+            return parseCsv(run.output);
+        std::ostringstream content;
+        content << std::ifstream(target.toStdString() + '/' + table + ".csv").rdbuf();
+        return parseCsv(content.str());
+    };
+    for (const Case& one : cases) {
+        const std::vector<Row> all = rowsOf(one.table, {});
+        std::vector<Row> expected = {all[0]};
+        for (size_t row = 1; row < all.size(); ++row) {
+            Cells cells;
+            for (size_t column = 0; column < all[0].size(); ++column)
+                cells[all[0][column]] = all[row][column];
+            if (one.meets(cells))
+                expected.push_back(all[row]);
+        }
+        EXPECT_LT(expected.size(), all.size()) << one.condition;
+        EXPECT_EQ(expected.size() == 1, one.hasNone) << one.condition;
+        EXPECT_EQ(rowsOf(one.table, {"--rows", one.condition}), expected) << one.condition;
+    }
+}
+
+TEST(Csv, ConditionsOnRowsAreChecked)
+{
+    struct Case {
+        const char* condition;
+        const char* words;
+    };
+    const Case cases[] = {
+        {"SVIDs == 'G01'", "no field of a selected row named SVIDs, did you mean SVID?"},
+        {"Latitude > 1", "no field of a selected row named Latitude"},
+        {"Type2.SVID == 'G01'", "no field of a selected row named Type2.SVID"},
+        {"any(Type1: CN0 > 3)", "any is for blocks"},
+        {"SVID > 'G01'", "SVID can be compared with a name or text by"},
+        {"Type1 == 3", "Type1 holds sub-blocks"},
+        {"CN0 >", "--rows: "}};
+    for (const Case& one : cases) {
+        const ToolRun run = runTool({"dump", "tool/data/told.jsonl", "--type", "MeasEpoch2",
+                                     "--format", "csv", "--rows", one.condition});
+        EXPECT_EQ(run.status, 1);
+        EXPECT_EQ(run.words.find("tqx: --rows: "), 0U) << run.words;
+        EXPECT_NE(run.words.find(one.words), std::string::npos) << run.words;
+    }
 }

@@ -215,3 +215,26 @@ TEST(EpochSet, KeepsALongSeriesInLittleRoom)
             ASSERT_EQ(epochs.add(time), pass == 0);
     }
 }
+
+TEST(InfoEach, ShowsEachFileAsOnItsOwn)
+{
+    const QStringList files = {"tool/data/gaps.tqx", "data/samples/random-damaged.tqx",
+                               "tool/data/mixed.tqx"};
+    const std::vector<QStringList> selections = {{}, {"--every", "3"}, {"--limit", "2"}};
+    for (const QStringList& options : selections) {
+        json expected = json::array();
+        for (const QString& file : files) {
+            expected.push_back(
+                json::parse(runTool(QStringList{"info", "--json", file} + options).output));
+        }
+        const ToolRun run = runTool(QStringList{"info", "--each", "--json"} + options + files);
+        EXPECT_EQ(run.status, 0) << run.words;
+        EXPECT_EQ(json::parse(run.output), expected);
+    }
+    const QStringList each = {"info", "--each", "-q"};
+    EXPECT_EQ(runTool(each + files + QStringList{"--strict"}).status, 2);
+    const ToolRun missing = runTool(each + QStringList{"missing", "tool/data/gaps.tqx"});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(missing.output, runTool(each + QStringList{"tool/data/gaps.tqx"}).output);
+    EXPECT_EQ(runTool(each + QStringList{"--json", "missing"}).output, "[]\n");
+}

@@ -33,7 +33,7 @@ std::string writtenOver(uint8_t filling, const std::vector<uint8_t>& bytes)
         const tqx::DecodedBlock decoded = {block, memory.data(), bits};
         tqx::RawJson(everything).write(out, decoded);
         tqx::ValueJson(everything).write(out, decoded);
-        tqx::Paragraph(everything, tqx::Paragraph::Values::Scaled).write(out, block, memory.data());
+        tqx::Paragraph(everything).write(out, block, memory.data());
     }
     TQX_release(memory.data());
     return std::string(out.view());
@@ -45,7 +45,7 @@ TEST(OldMemory, ShowsInNoText)
 {
     std::mt19937_64 random(20);
     size_t written = 0;
-    for (uint32_t type = 1; type <= 382; ++type) {
+    for (uint32_t type = 1; type <= TQX_lastRecordType; ++type) {
         const TQX_TypeLayout* layout = TQX_layout(type);
         if (layout->blockNumber == 0)
             continue;

@@ -142,8 +142,9 @@ QString linesOf(const Chain& chain, bool stored, int indentation)
 void compareParagraphs(const std::string& stream, bool stored)
 {
     const tqx::FieldFilter everything;
-    tqx::Paragraph paragraph(everything, stored ? tqx::Paragraph::Values::Stored
-                                                : tqx::Paragraph::Values::Scaled);
+    tqx::ValueStyle style;
+    style.isStored = stored;
+    tqx::Paragraph paragraph(everything, style);
     tqx::MessageDecoder messages;
     tqx::RecordDecoder records;
     tqx::BlockFramer framer;

@@ -100,9 +100,10 @@ TEST_P(ParallelDumpTest, KeepsTheOrderOfTheStream)
 {
     constexpr uint32_t count = 60000;
     tqx::tool::Output output(m_path.toStdString());
+    tqx::tool::OutputTarget target(output);
     {
         tqx::tool::ParallelDump dump(
-            output, [] { return std::make_unique<SlowWriter>(none); }, GetParam());
+            target, [] { return std::make_unique<SlowWriter>(none); }, GetParam());
         take(dump, 0, count);
         dump.flush();
         EXPECT_EQ(contentOf(m_path), expected(count));
@@ -121,8 +122,9 @@ TEST_P(ParallelDumpTest, HandsOnFailures)
 {
     static constexpr uint32_t failing = 30000;
     tqx::tool::Output output(m_path.toStdString());
+    tqx::tool::OutputTarget target(output);
     tqx::tool::ParallelDump dump(
-        output, [] { return std::make_unique<SlowWriter>(failing); }, GetParam());
+        target, [] { return std::make_unique<SlowWriter>(failing); }, GetParam());
     EXPECT_THROW(
         {
             take(dump, 0, 2 * failing);
@@ -133,8 +135,9 @@ TEST_P(ParallelDumpTest, HandsOnFailures)
     EXPECT_EQ(text, expected(failing).substr(0, text.size()));
 
     tqx::tool::Output full("/dev/full");
+    tqx::tool::OutputTarget fullTarget(full);
     tqx::tool::ParallelDump lost(
-        full, [] { return std::make_unique<SlowWriter>(none); }, GetParam());
+        fullTarget, [] { return std::make_unique<SlowWriter>(none); }, GetParam());
     EXPECT_THROW(
         {
             take(lost, 0, failing);

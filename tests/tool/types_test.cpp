@@ -95,7 +95,7 @@ TEST(Types, JsonSaysWhatFieldsAreAndWhereTheyAre)
 
 TEST(Types, LayoutOfEveryTypeIsShown)
 {
-    for (uint32_t recordType = 1; recordType <= 382; ++recordType) {
+    for (uint32_t recordType = 1; recordType <= Kor::MessageApi::TQX_lastRecordType; ++recordType) {
         const auto* layout = TQX_layout(recordType);
         if (!layout)
             continue;

@@ -1,5 +1,6 @@
 #include "tqx/simulation/Almanac.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace tqx::simulation
@@ -89,18 +90,50 @@ void addGeosynchronous(std::vector<NominalSatellite>& satellites)
     }
 }
 
+/// A satellite that stays above one place of the equator, or goes round it once a day on a track
+/// over the ground that crosses the equator there.
+struct Stationary {
+    System system;
+    uint8_t number;
+    double longitude;
+    double inclination;
+    double argument;
+};
+
+/// As announced by their operators, but on circles.
+constexpr Stationary stationary[] = {
+    {System::Qzss, 1, 139, 41, 0},     {System::Qzss, 2, 139, 41, 120},
+    {System::Qzss, 3, 139, 41, 240},   {System::Qzss, 7, 127, 0, 0},
+    {System::NavIc, 2, 55, 29, 0},     {System::NavIc, 9, 55, 29, 180},
+    {System::NavIc, 4, 111.75, 29, 0}, {System::NavIc, 5, 111.75, 29, 180},
+    {System::NavIc, 3, 83, 0, 0},      {System::NavIc, 6, 32.5, 0, 0},
+    {System::NavIc, 7, 129.5, 0, 0},   {System::Sbas, 23, 31.5, 0, 0},
+    {System::Sbas, 27, 55, 0, 0},      {System::Sbas, 28, 83, 0, 0},
+    {System::Sbas, 31, -117, 0, 0},    {System::Sbas, 33, -129, 0, 0},
+    {System::Sbas, 35, -125, 0, 0},    {System::Sbas, 36, 5, 0, 0},
+    {System::Sbas, 37, 127, 0, 0},     {System::Sbas, 38, -107.3, 0, 0},
+    {System::Sbas, 43, 110.5, 0, 0},
+};
+
 } // namespace
 
-std::vector<NominalSatellite> nominalSatellites()
+std::vector<NominalSatellite> nominalSatellites(unsigned systems)
 {
     std::vector<NominalSatellite> satellites;
-    for (const Slot& slot : gpsSlots) {
+    for (const Slot& slot : gpsSlots)
         satellites.push_back({System::Gps, static_cast<uint8_t>(satellites.size() + 1), 0, 26559700,
                               55, slot.ascendingNode - greenwich(), slot.latitudeArgument});
-    }
     for (const Walker& walker : walkers)
         addWalker(satellites, walker);
     addGeosynchronous(satellites);
+    for (const Stationary& each : stationary)
+        satellites.push_back({each.system, each.number, 0, 42164200, each.inclination,
+                              each.longitude - each.argument, each.argument});
+    satellites.erase(std::remove_if(satellites.begin(), satellites.end(),
+                                    [systems](const NominalSatellite& satellite) {
+                                        return (systems >> indexOf(satellite.system) & 1U) == 0;
+                                    }),
+                     satellites.end());
     return satellites;
 }
 

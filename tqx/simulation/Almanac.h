@@ -20,8 +20,13 @@ struct NominalSatellite {
 
 constexpr unsigned almanacWeek = 2400;
 
-/// The nominal constellations: GPS with 31 satellites, GLONASS with 24, Galileo with 24 and BeiDou
-/// with 24 in medium orbits and 3 in inclined geosynchronous ones.
-std::vector<NominalSatellite> nominalSatellites();
+/// The bits of GPS, GLONASS, Galileo and BeiDou.
+constexpr unsigned globalSystems = 15;
+
+/// The nominal constellations of some systems, each of which is the bit with its number: GPS with
+/// 31 satellites, GLONASS with 24, Galileo with 24, BeiDou with 24 in medium orbits and 3 in
+/// inclined geosynchronous ones, QZSS with 3 of those and a geostationary one, NavIC with 4 and 3,
+/// and SBAS with 10 geostationary ones.
+std::vector<NominalSatellite> nominalSatellites(unsigned systems);
 
 } // namespace tqx::simulation

@@ -39,14 +39,20 @@ void addTimeOffsets(BlockLog& log, const Epoch& epoch, const Receiver& receiver)
 /// The date and the time of day.
 void addTime(BlockLog& log, const Epoch& epoch);
 
-/// The ephemeris of a GPS, Galileo or BeiDou satellite, from each of its messages.
+/// The ephemeris of a GPS, Galileo, BeiDou, QZSS or NavIC satellite, from each of its messages.
 void addKeplerEphemeris(BlockLog& log, const Epoch& epoch, const Satellite& satellite);
+
+/// The ephemeris of an SBAS satellite.
+void addSbasEphemeris(BlockLog& log, const Epoch& epoch, const Satellite& satellite);
 
 /// The ephemeris of a GLONASS satellite.
 void addGlonassEphemeris(BlockLog& log, const Epoch& epoch, const Satellite& satellite);
 
 /// Ionosphere, UTC and system time parameters of all systems.
 void addSystemPages(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
+
+/// Almanacs of all satellites of GPS, Galileo, BeiDou and QZSS.
+void addAlmanacs(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
 
 /// Names of the site, the receiver and its antenna.
 void addSetup(BlockLog& log, const Epoch& epoch, const Geodetic& marker);

@@ -20,7 +20,7 @@ double behind(System system)
 
 uint32_t updateInterval(System system)
 {
-    constexpr uint32_t intervals[systemCount] = {7200, 1800, 3600, 3600};
+    constexpr uint32_t intervals[systemCount] = {7200, 1800, 3600, 3600, 3600, 7200, 240};
     return intervals[indexOf(system)];
 }
 
@@ -28,7 +28,7 @@ uint32_t updateInterval(System system)
 /// comes next, GLONASS what is in the middle of its interval.
 double referenceTime(System system, double time)
 {
-    constexpr double offsets[systemCount] = {1, 0.5, 0, 0};
+    constexpr double offsets[systemCount] = {1, 0.5, 0, 0, 0, 0, 0.5};
     const double index = static_cast<double>(ephemerisIndex(system, time));
     return (index + offsets[indexOf(system)]) * updateInterval(system) - almanacStart +
            behind(system);
@@ -50,11 +50,17 @@ int64_t ephemerisIndex(System system, double time)
 
 SystemTime::SystemTime(System system, double time)
 {
-    constexpr unsigned zeros[systemCount] = {0, 0, galileoWeekZero, beiDouWeekZero};
+    constexpr unsigned zeros[systemCount] = {
+        0, 0, galileoWeekZero, beiDouWeekZero, 0, navIcWeekZero, 0};
     const double total = time + almanacStart - (system == System::BeiDou ? beiDouDelay : 0);
     const double weeks = std::floor(total / secondsPerWeek);
     week = static_cast<uint16_t>(weeks - zeros[indexOf(system)]);
     second = total - weeks * secondsPerWeek;
+}
+
+double sbasReference(double time)
+{
+    return referenceTime(System::Sbas, time);
 }
 
 SystemTime referenceOf(System system, double time)

@@ -44,6 +44,10 @@ struct SystemTime {
     double second;
 };
 
+/// Reference time of the message of an SBAS satellite at a time, both seconds since the start of
+/// the almanac week.
+double sbasReference(double time);
+
 /// Reference time of the ephemeris that a system sends at a time. Of GLONASS it is GPS time.
 SystemTime referenceOf(System system, double time);
 

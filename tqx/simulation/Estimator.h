@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tqx/simulation/GlonassOrbit.h"
+#include "tqx/gnss/orbit/GlonassOrbit.h"
 #include "tqx/simulation/Systems.h"
 
 #include <array>

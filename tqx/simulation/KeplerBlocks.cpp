@@ -63,6 +63,40 @@ void addGps(BlockLog& log, const Epoch& epoch, const Satellite& satellite,
     log.add(epoch, record, TQX_encode_GPSNav);
 }
 
+void addQzss(BlockLog& log, const Epoch& epoch, const Satellite& satellite,
+             const KeplerEphemeris& ephemeris)
+{
+    TQX_QZSNav_s record;
+    TQX_init_QZSNav(&record);
+    fillOrbit(record, ephemeris);
+    fillWeeks(record, ephemeris, SystemTime(System::Qzss, epoch.time));
+    record.PRN = satellite.getSvid();
+    record.CAorPonL2 = 3;
+    record.IODC = static_cast<uint16_t>(ephemeris.issue);
+    record.IODE2 = static_cast<uint8_t>(ephemeris.issue);
+    record.IODE3 = static_cast<uint8_t>(ephemeris.issue);
+    record.T_gd = static_cast<float>(satellite.getGroupDelays()[0]);
+    record.SQRT_A = ephemeris.elements.sqrtA;
+    log.add(epoch, record, TQX_encode_QZSNav);
+}
+
+/// The message on L5 and S.
+void addNavIc(BlockLog& log, const Epoch& epoch, const Satellite& satellite,
+              const KeplerEphemeris& ephemeris)
+{
+    TQX_NavICLNav_s record;
+    TQX_init_NavICLNav(&record);
+    fillOrbit(record, ephemeris);
+    fillWeeks(record, ephemeris, SystemTime(System::NavIc, epoch.time));
+    record.PRN = satellite.getSvid();
+    record.Source = 0;
+    record.Flags = 0;
+    record.IODEC = static_cast<uint8_t>(ephemeris.issue);
+    record.T_gd = static_cast<float>(satellite.getGroupDelays()[0]);
+    record.SQRT_A = ephemeris.elements.sqrtA;
+    log.add(epoch, record, TQX_encode_NavICLNav);
+}
+
 /// The clock of F/NAV is that of E1 with E5a, the clock of I/NAV that of E1 with E5b.
 void addGalileo(BlockLog& log, const Epoch& epoch, const Satellite& satellite,
                 KeplerEphemeris ephemeris, bool isInav)
@@ -133,6 +167,38 @@ void addBeiDouB2b(BlockLog& log, const Epoch& epoch, const Satellite& satellite,
 
 } // namespace
 
+/// Position, velocity and acceleration in the steps of the message.
+void addSbasEphemeris(BlockLog& log, const Epoch& epoch, const Satellite& satellite)
+{
+    constexpr double step = 1; // seconds
+    const double reference = sbasReference(epoch.time);
+    const auto positionAt = [&satellite](double time) {
+        return pointAt(satellite.elementsAt(time), earthModel(System::Sbas), 0).position;
+    };
+    const Vector before = positionAt(reference - step);
+    const Vector here = positionAt(reference);
+    const Vector after = positionAt(reference + step);
+    const Vector velocity = (after - before) * (0.5 / step);
+    const Vector acceleration = (after - here - (here - before)) * (1 / (step * step));
+    TQX_GEONav_s record;
+    TQX_init_GEONav(&record);
+    record.PRN = satellite.getSvid();
+    record.URA = 0;
+    record.t_0 = static_cast<uint32_t>(SystemTime(System::Sbas, reference).second) % secondsPerDay;
+    record.XG = rounded(here.x, 0.08);
+    record.YG = rounded(here.y, 0.08);
+    record.ZG = rounded(here.z, 0.4);
+    record.XGDot = static_cast<float>(rounded(velocity.x, 0.000625));
+    record.YGDot = static_cast<float>(rounded(velocity.y, 0.000625));
+    record.ZGDot = static_cast<float>(rounded(velocity.z, 0.004));
+    record.XGDotDot = static_cast<float>(rounded(acceleration.x, 0.0000125));
+    record.YGDotDot = static_cast<float>(rounded(acceleration.y, 0.0000125));
+    record.ZGDotDot = static_cast<float>(rounded(acceleration.z, 0.0000625));
+    record.a_Gf0 = static_cast<float>(rounded(satellite.clockAt(reference), 0x1p-31));
+    record.a_Gf1 = static_cast<float>(rounded(satellite.getClockDrift(), 0x1p-40));
+    log.add(epoch, record, TQX_encode_GEONav);
+}
+
 void addKeplerEphemeris(BlockLog& log, const Epoch& epoch, const Satellite& satellite)
 {
     const KeplerEphemeris ephemeris = keplerEphemeris(satellite, epoch.time);
@@ -148,7 +214,14 @@ void addKeplerEphemeris(BlockLog& log, const Epoch& epoch, const Satellite& sate
         addBeiDou(log, epoch, satellite, ephemeris);
         addBeiDouB2b(log, epoch, satellite, ephemeris);
         break;
+    case System::Qzss:
+        addQzss(log, epoch, satellite, ephemeris);
+        break;
+    case System::NavIc:
+        addNavIc(log, epoch, satellite, ephemeris);
+        break;
     case System::Glonass:
+    case System::Sbas:
         break;
     }
 }

@@ -101,6 +101,12 @@ void addMeasurements(BlockLog& log, const Epoch& epoch, const Receiver& receiver
         fillReference(entry, sight);
         for (unsigned i = 1; i < sight.signalCount; ++i)
             fillOther(*TQX_append_MeasEpochChannelType1_Type2(&entry), sight, sight.signals[i]);
+        for (unsigned i = 0; i < (sight.hasSecond ? sight.signalCount : 0); ++i) {
+            constexpr uint8_t secondAntenna = 1 << 5;
+            TQX_MeasEpochChannelType2_s& other = *TQX_append_MeasEpochChannelType1_Type2(&entry);
+            fillOther(other, sight, sight.secondSignals[i]);
+            other.Type |= secondAntenna;
+        }
     }
     log.add(epoch, record, TQX_encode_MeasEpoch2);
     TQX_EndOfMeas_s end;

@@ -149,7 +149,7 @@ void addTimeOffsets(BlockLog& log, const Epoch& epoch, const Receiver& receiver)
     TQX_SysTimeOffset_s record;
     TQX_init_SysTimeOffset(&record);
     record.ReferenceSystem = 0;
-    for (uint8_t system = 1; system < systemCount; ++system) {
+    for (uint8_t system = 1; system < indexOf(System::Sbas); ++system) { // SBAS has the time of GPS
         if (solution.used[system] == 0)
             continue;
         const double deviation = std::sqrt(solution.offsetVariances[system]) / speedOfLight;

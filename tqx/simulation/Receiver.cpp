@@ -28,13 +28,18 @@ double Sight::elevation() const
     return std::asin(direction.z) * degrees;
 }
 
-Receiver::Receiver(Random& source, const TrackSettings& settings, double start)
-    : m_random(source), m_track(settings), m_initialBias(source.uniform(-3e-4, 3e-4)),
-      m_clockDrift(source.uniform(-1.5e-7, 1.5e-7)), m_frame(settings.start)
+Receiver::Receiver(Random& source, const TrackSettings& track, double start,
+                   const ReceiverSettings& settings)
+    : m_random(source), m_slips(4711), m_secondNoise(4712), m_slipsPerHour(settings.slipsPerHour),
+      m_track(track), m_initialBias(source.uniform(-3e-4, 3e-4)),
+      m_clockDrift(source.uniform(-1.5e-7, 1.5e-7)), m_frame(track.start)
 {
-    for (const NominalSatellite& nominal : nominalSatellites())
+    m_clockDrift = settings.clockDrift.value_or(m_clockDrift);
+    for (const NominalSatellite& nominal : nominalSatellites(settings.systems))
         m_satellites.push_back(std::make_unique<Satellite>(nominal, source, start));
     m_channels.resize(m_satellites.size());
+    if (settings.hasSecondAntenna)
+        m_secondChannels.resize(m_satellites.size());
     m_numbersInUse.resize(m_satellites.size() + 1);
 }
 
@@ -102,6 +107,17 @@ Receiver::Geometry Receiver::geometry(const Satellite& satellite, double& flight
     return view;
 }
 
+/// Lock is lost and found again within an epoch: the phases go on from other whole cycles.
+void Receiver::slip(Channel& channel, const Epoch& epoch)
+{
+    constexpr uint64_t most = 50;
+    for (double& ambiguity : channel.ambiguities) {
+        const auto cycles = static_cast<double>(1 + m_slips.below(most));
+        ambiguity += m_slips.chance(0.5) ? cycles : -cycles;
+    }
+    channel.since = epoch.elapsed;
+}
+
 void Receiver::startTracking(Channel& channel, const Epoch& epoch)
 {
     size_t number = 1;
@@ -116,7 +132,7 @@ void Receiver::startTracking(Channel& channel, const Epoch& epoch)
 }
 
 Signal Receiver::measure(const Sight& sight, const Geometry& view, Channel& channel, unsigned index,
-                         double ionosphere)
+                         double ionosphere, Random& noise)
 {
     const Satellite& satellite = *sight.satellite;
     const SignalPlan& plan = signalPlans(satellite.getSystem())[index];
@@ -135,17 +151,35 @@ Signal Receiver::measure(const Sight& sight, const Geometry& view, Channel& chan
     const double kept = channel.isNew ? 0 : m_reflectionsKept;
     double& reflection = channel.reflections[index];
     reflection =
-        reflection * kept + m_random.normal(plan.codeNoise * Estimator::reflectionShare * lowness) *
+        reflection * kept + noise.normal(plan.codeNoise * Estimator::reflectionShare * lowness) *
                                 std::sqrt(1 - kept * kept);
-    signal.codeError = m_random.normal(plan.codeNoise * lowness) + reflection;
+    signal.codeError = noise.normal(plan.codeNoise * lowness) + reflection;
     signal.code = path + delay + signal.codeError;
     signal.phase =
-        (path - delay) / wavelength + channel.ambiguities[index] + m_random.normal(0.005 * lowness);
-    signal.rangeRateError = m_random.normal(Estimator::rangeRateNoise * lowness);
+        (path - delay) / wavelength + channel.ambiguities[index] + noise.normal(0.005 * lowness);
+    signal.rangeRateError = noise.normal(Estimator::rangeRateNoise * lowness);
     const double drift = m_clockDrift - view.sent.clockDrift;
     signal.doppler = -(view.rangeRate + speedOfLight * drift + signal.rangeRateError) / wavelength;
-    signal.cn0 = 36.5 + 14 * view.direction.z - plan.loss + m_random.normal(0.4);
+    signal.cn0 = 36.5 + 14 * view.direction.z - plan.loss + noise.normal(0.4);
     return signal;
+}
+
+/// The second antenna is so near that its line of sight is parallel, and on the same clock.
+void Receiver::observeSecond(Sight& sight, Geometry view, Channel& channel, bool isNew,
+                             double ionosphere)
+{
+    view.range -= dot(secondAntenna, view.direction);
+    channel.isNew = isNew;
+    if (isNew)
+        for (double& ambiguity : channel.ambiguities)
+            ambiguity = static_cast<double>(m_secondNoise.below(2000)) - 1000;
+    sight.hasSecond = true;
+    const Satellite& satellite = *sight.satellite;
+    unsigned count = 0;
+    for (unsigned i = 0; i < maxSignals; ++i)
+        if (sends(satellite.getSystem(), satellite.getNumber(), i))
+            sight.secondSignals[count++] =
+                measure(sight, view, channel, i, ionosphere, m_secondNoise);
 }
 
 void Receiver::observe(const Satellite& satellite, Channel& channel, const Geometry& view,
@@ -166,8 +200,13 @@ void Receiver::observe(const Satellite& satellite, Channel& channel, const Geome
     const System system = satellite.getSystem();
     for (unsigned i = 0; i < maxSignals; ++i) {
         if (sends(system, satellite.getNumber(), i))
-            sight.signals[sight.signalCount++] = measure(sight, view, channel, i, ionosphere);
+            sight.signals[sight.signalCount++] =
+                measure(sight, view, channel, i, ionosphere, m_random);
     }
+    if (!m_secondChannels.empty())
+        observeSecond(sight, view,
+                      m_secondChannels[static_cast<size_t>(&channel - m_channels.data())],
+                      channel.isNew, ionosphere);
     channel.isNew = false;
     sight.used = sight.signalCount > 1;
     if (!sight.used)
@@ -185,6 +224,7 @@ void Receiver::advance(const Epoch& epoch)
 {
     constexpr double correlation = 90; // seconds over which reflections change
     m_reflectionsKept = std::exp((m_lastElapsed - epoch.elapsed) / correlation);
+    m_step = epoch.elapsed - m_lastElapsed;
     m_lastElapsed = epoch.elapsed;
     advanceClock(epoch.elapsed);
     m_time = epoch.time - m_clockBias;
@@ -201,6 +241,8 @@ void Receiver::advance(const Epoch& epoch)
         if (view.direction.z >= std::sin(maskElevation / degrees)) {
             if (channel.number == 0)
                 startTracking(channel, epoch);
+            else if (m_slipsPerHour > 0 && m_slips.chance(m_slipsPerHour * m_step / 3600))
+                slip(channel, epoch);
             observe(*m_satellites[i], channel, view, epoch);
         } else if (channel.number != 0) {
             m_numbersInUse[std::exchange(channel.number, uint8_t{0})] = false;

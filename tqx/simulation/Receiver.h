@@ -6,6 +6,7 @@
 #include "tqx/simulation/Track.h"
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace tqx::simulation
@@ -45,10 +46,20 @@ struct Sight {
     SatelliteState sent; ///< when the signal left
     unsigned signalCount;
     std::array<Signal, maxSignals> signals;
+    bool hasSecond; ///< the second antenna measures it, too
+    std::array<Signal, maxSignals> secondSignals;
 
     /// In degrees, clockwise from north and above the horizon.
     double azimuth() const;
     double elevation() const;
+};
+
+/// What a receiver is like.
+struct ReceiverSettings {
+    unsigned systems = globalSystems; ///< bits of those that it tracks
+    std::optional<double> clockDrift; ///< seconds per second, random without
+    bool hasSecondAntenna = false;
+    double slipsPerHour = 0; ///< of each satellite, on all of its signals at once
 };
 
 /// A receiver and its antenna: what it tracks and measures, and the position it finds.
@@ -56,11 +67,14 @@ class Receiver
 {
 public:
     /// `start` in seconds since the start of the almanac week.
-    Receiver(Random& random, const TrackSettings& track, double start);
+    Receiver(Random& random, const TrackSettings& track, double start,
+             const ReceiverSettings& settings = {});
 
     /// Moves to an epoch; epochs come in order.
     void advance(const Epoch& epoch);
 
+    /// All of the systems that it tracks, above the horizon and below.
+    const std::vector<std::unique_ptr<Satellite>>& getSatellites() const { return m_satellites; }
     const std::vector<Sight>& getSights() const { return m_sights; }
     const Solution& getSolution() const { return m_estimator.getSolution(); }
     /// Its satellites are those of getSights() that are used, in the same order.
@@ -73,10 +87,14 @@ public:
     uint8_t getClockJumps() const { return static_cast<uint8_t>(m_clockJumps & 0xff); }
 
     /// Seconds by which the receiver's paths delay the signals of a system against those of GPS.
-    static constexpr std::array<double, systemCount> systemDelays = {0, 31.7e-9, 4.3e-9, -12.9e-9};
+    static constexpr std::array<double, systemCount> systemDelays = {
+        0, 31.7e-9, 4.3e-9, -12.9e-9, 0.6e-9, 18.2e-9, 1.1e-9};
 
     /// Height of the geoid above the ellipsoid at the antenna, metres.
     static constexpr double undulation = 44.5;
+
+    /// Where the second antenna is, as seen from the first: east, north and up, metres.
+    static constexpr Vector secondAntenna = {1.5, 0, 0};
 
     /// Satellites below are not tracked, degrees.
     static constexpr double maskElevation = 5;
@@ -101,13 +119,22 @@ private:
     void advanceClock(double elapsed);
     void selectCandidates(double time);
     Geometry geometry(const Satellite& satellite, double& flight) const;
+    void slip(Channel& channel, const Epoch& epoch);
     void startTracking(Channel& channel, const Epoch& epoch);
     void observe(const Satellite& satellite, Channel& channel, const Geometry& view,
                  const Epoch& epoch);
+    void observeSecond(Sight& sight, Geometry view, Channel& channel, bool isNew,
+                       double ionosphere);
     Signal measure(const Sight& sight, const Geometry& view, Channel& channel, unsigned index,
-                   double ionosphere);
+                   double ionosphere, Random& noise);
 
     Random& m_random;
+    // These have random numbers of their own, so that all else stays the same.
+    Random m_slips;
+    Random m_secondNoise;
+    std::vector<Channel> m_secondChannels; ///< of the second antenna, by satellite; or none
+    double m_slipsPerHour;
+    double m_step = 0; ///< seconds since the last epoch
     Track m_track;
     std::vector<std::unique_ptr<Satellite>> m_satellites;
     std::vector<Channel> m_channels;  ///< by satellite

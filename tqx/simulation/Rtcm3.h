@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tqx/simulation/Geodesy.h"
+#include "tqx/gnss/orbit/Geodesy.h"
 
 #include <cstdint>
 #include <string>

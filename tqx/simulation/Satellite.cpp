@@ -113,6 +113,8 @@ void Satellite::makeElements(const NominalSatellite& nominal, Random& random)
     m_elements.crs = any(120, 0x1p-5);
     m_elements.cic = any(2e-7, 0x1p-29);
     m_elements.cis = any(2e-7, 0x1p-29);
+    if (m_system == System::Sbas)
+        m_elements.eccentricity = 0; // its messages do not cover what that does to the clock
 }
 
 /// The group delay parameters refer to pairs of signals, and the clock to a combination of them in
@@ -144,6 +146,13 @@ void Satellite::makeDelays(Random& random)
         break;
     case System::BeiDou:
         m_delays = {first, 0, second};
+        break;
+    case System::Qzss:
+        m_delays = {first, ratio(1) * first, ratio(2) * first};
+        break;
+    case System::NavIc:
+    case System::Sbas:
+        m_groupDelays = {0, 0}; // all signals leave together
         break;
     }
 }

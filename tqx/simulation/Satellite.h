@@ -1,8 +1,8 @@
 #pragma once
 
+#include "tqx/gnss/orbit/GlonassOrbit.h"
+#include "tqx/gnss/orbit/Kepler.h"
 #include "tqx/simulation/Almanac.h"
-#include "tqx/simulation/GlonassOrbit.h"
-#include "tqx/simulation/Kepler.h"
 #include "tqx/simulation/Random.h"
 
 #include <array>

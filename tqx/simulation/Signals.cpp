@@ -16,13 +16,16 @@ const std::array<SignalPlan, maxSignals>& signalPlans(System system)
         {{{28, 0, 1561098000, 0, 0.15, 0},
           {30, 2, 1268520000, 0, 0.08, 0.5},
           {34, 5, e5b, 0, 0.08, 0}}},
+        {{{6, 0, l1, 0, 0.12, 0}, {7, 3, l2, 0, 0.12, 1}, {26, 4, l5, 0, 0.06, -1}}},
+        {{{15, 0, l5, 0, 0.15, 0}, {36, 1, 2492028000, 0, 0.2, 1.5}, {}}},
+        {{{24, 0, l1, 0, 0.25, 2}, {25, 4, l5, 0, 0.15, 1}, {}}},
     };
     return plans[indexOf(system)];
 }
 
 bool sends(System system, unsigned number, unsigned signal)
 {
-    if (system == System::Glonass)
+    if (system == System::Glonass || system == System::NavIc || system == System::Sbas)
         return signal < 2;
     if (system != System::Gps)
         return true;

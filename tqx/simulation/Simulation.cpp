@@ -3,6 +3,7 @@
 #include "tqx/log/time/GnssTime.h"
 #include "tqx/simulation/Blocks.h"
 #include "tqx/simulation/Broadcast.h"
+#include "tqx/simulation/CompactBlocks.h"
 
 #include <cmath>
 #include <map>
@@ -20,7 +21,7 @@ public:
     Simulation(const SimulationSettings& wanted, Buffer& output)
         : m_settings(wanted), m_random(wanted.seed),
           m_log(output, wanted.damage ? std::optional<uint64_t>(~wanted.seed) : std::nullopt),
-          m_receiver(m_random, wanted.track, epochAt(0).time)
+          m_receiver(m_random, wanted.track, epochAt(0).time, wanted.receiver)
     {
     }
 
@@ -37,6 +38,7 @@ private:
     Random m_random;
     BlockLog m_log;
     Receiver m_receiver;
+    CompactBlocks m_compact;
     std::map<uint8_t, int64_t> m_sentEphemerides; ///< number of the last one by satellite
 };
 
@@ -64,7 +66,9 @@ void Simulation::addNewEphemerides(const Epoch& epoch)
         const auto [sent, isFirst] = m_sentEphemerides.try_emplace(satellite.getSvid(), index);
         if (!isFirst && std::exchange(sent->second, index) == index)
             continue;
-        if (satellite.getSystem() == System::Glonass) {
+        if (satellite.getSystem() == System::Sbas) {
+            addSbasEphemeris(m_log, epoch, satellite);
+        } else if (satellite.getSystem() == System::Glonass) {
             addGlonassEphemeris(m_log, epoch, satellite);
         } else {
             addKeplerEphemeris(m_log, epoch, satellite);
@@ -79,11 +83,15 @@ void Simulation::addBlocks(const Epoch& epoch)
     if (epoch.elapsed == 0)
         addSetup(m_log, epoch, m_settings.track.start);
     addMeasurements(m_log, epoch, m_receiver);
+    if (m_settings.compact)
+        m_compact.add(m_log, epoch, m_receiver);
     addPosition(m_log, epoch, m_receiver);
     addSensor(m_log, epoch, m_receiver.getTrack(), m_random);
     addNewEphemerides(epoch);
     if (epoch.elapsed == 0 || isDue(epoch, almanacCycle))
         addSystemPages(m_log, epoch, m_receiver);
+    if (m_settings.almanacs && (epoch.elapsed == 0 || isDue(epoch, almanacCycle)))
+        addAlmanacs(m_log, epoch, m_receiver);
     if (isDue(epoch, second)) {
         addTime(m_log, epoch);
         addChannels(m_log, epoch, m_receiver);

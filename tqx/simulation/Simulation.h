@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/text/Buffer.h"
+#include "tqx/simulation/Receiver.h"
 #include "tqx/simulation/Track.h"
 
 #include <cstdint>
@@ -18,8 +19,11 @@ struct SimulationSettings {
     uint16_t week = 2400;
     uint32_t towMillis = 216000000; ///< of the first epoch
     TrackSettings track;
+    ReceiverSettings receiver;
     bool damage = false;
-    bool mixed = false; ///< with NMEA, RTCM 3 and text between the blocks, which stay the same
+    bool almanacs = false; ///< with the almanacs of GPS, Galileo, BeiDou and QZSS
+    bool compact = false;  ///< with the measurements in compact blocks, too
+    bool mixed = false;    ///< with NMEA, RTCM 3 and text between the blocks, which stay the same
 };
 
 /// Called after each epoch with the number of bytes it appended; false ends the log there. It may

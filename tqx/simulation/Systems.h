@@ -1,29 +1,25 @@
 #pragma once
 
 #include "TQX_Format.h"
+#include "tqx/gnss/orbit/System.h"
 
 #include <cstdint>
 
 namespace tqx::simulation
 {
 
-/// The satellite systems that the receiver tracks.
-enum class System : uint8_t { Gps, Glonass, Galileo, BeiDou };
+constexpr unsigned systemCount = 7;
 
-constexpr unsigned systemCount = 4;
-
-/// Place of a system in tables with one entry each.
-constexpr unsigned indexOf(System system)
-{
-    return static_cast<unsigned>(system);
-}
-
-/// The identifier of a satellite in blocks. The numbers of BeiDou above 40 have a range of their
-/// own.
+/// The identifier of a satellite in blocks. Some numbers have a range of their own: those of BeiDou
+/// and SBAS above 40 (of SBAS it is the PRN code minus 100), and of NavIC above 7.
 constexpr uint8_t svidOf(System system, unsigned number)
 {
-    constexpr unsigned before[systemCount] = {0, 37, 70, 140};
-    const unsigned base = system == System::BeiDou && number > 40 ? 182U : before[indexOf(system)];
+    constexpr unsigned before[systemCount] = {0, 37, 70, 140, 180, 190, 100};
+    const bool isHigh = number > (system == System::NavIc ? 7U : 40U);
+    const unsigned base = isHigh && system == System::BeiDou  ? 182U
+                          : isHigh && system == System::NavIc ? 208U
+                          : isHigh && system == System::Sbas  ? 157U
+                                                              : before[indexOf(system)];
     return static_cast<uint8_t>(base + number);
 }
 
@@ -37,6 +33,7 @@ constexpr uint32_t secondsPerDay = 86400;
 constexpr uint32_t secondsPerWeek = Kor::MessageApi::TQX_secondsPerWeek;
 
 constexpr unsigned galileoWeekZero = 1024; ///< GPS week in which Galileo system time begins
+constexpr unsigned navIcWeekZero = 1024;   ///< GPS week in which NavIC time begins
 constexpr unsigned beiDouWeekZero = 1356;  ///< GPS week in which BeiDou time begins
 constexpr uint32_t beiDouDelay = 14;       ///< seconds by which BeiDou time is behind GPS time
 constexpr int8_t leapSeconds = 18;         ///< seconds by which UTC is behind GPS time since 2017

@@ -75,7 +75,7 @@ void addVisibility(BlockLog& log, const Epoch& epoch, const Receiver& receiver)
 
 void addSatellitePositions(BlockLog& log, const Epoch& epoch, const Receiver& receiver)
 {
-    constexpr unsigned place[systemCount] = {0, 1, 2, 4}; // in the counts by system
+    constexpr unsigned place[systemCount] = {0, 1, 2, 4, 5, 6, 3}; // in the counts by system
     TQX_PVTSatCartesian_s record;
     TQX_init_PVTSatCartesian(&record);
     for (const Sight& sight : receiver.getSights()) {

@@ -9,7 +9,7 @@ namespace tqx::simulation
 template<typename Record>
 void fillCounts(Record& record, const Solution& solution)
 {
-    constexpr size_t place[systemCount] = {0, 1, 2, 4};
+    constexpr size_t place[systemCount] = {0, 1, 2, 4, 5, 6, 3};
     for (size_t i = 0; i < systemCount; ++i)
         record.NrSVPerSystem[place[i]] = solution.used[i];
 }
@@ -20,7 +20,7 @@ inline uint32_t usedSignals(const Receiver& receiver)
     uint32_t signals = 0;
     for (const Sight& sight : receiver.getSights()) {
         for (unsigned i = 0; i < (sight.used ? 2U : 0U); ++i)
-            signals |= 1U << sight.signals[i].plan->number;
+            signals |= sight.signals[i].plan->number < 32 ? 1U << sight.signals[i].plan->number : 0;
     }
     return signals;
 }

@@ -23,7 +23,7 @@ uint32_t roomOf(const TQX_FieldLayout& field)
 std::vector<const TQX_TypeLayout*> layouts(bool mainsOnly)
 {
     std::vector<const TQX_TypeLayout*> types;
-    for (uint32_t record = 1; record <= 382; ++record) {
+    for (uint32_t record = 1; record <= TQX_lastRecordType; ++record) {
         if (const TQX_TypeLayout* type = TQX_layout(record);
             type != nullptr && (!mainsOnly || type->blockNumber != 0))
             types.push_back(type);
@@ -56,7 +56,7 @@ FieldRole findRole(const TQX_TypeLayout& type, int row)
 
 std::vector<std::vector<FieldRole>> allRoles()
 {
-    std::vector<std::vector<FieldRole>> roles(383);
+    std::vector<std::vector<FieldRole>> roles(TQX_lastRecordType + 1);
     for (const TQX_TypeLayout* type : allTypes()) {
         for (int row = 0; row < type->fieldCount; ++row)
             roles[type->recordType].push_back(findRole(*type, row));

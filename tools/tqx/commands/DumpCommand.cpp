@@ -4,7 +4,9 @@
 #include "io/ToolError.h"
 #include "output/CsvDump.h"
 #include "output/ParallelDump.h"
+#include "output/SqliteDump.h"
 #include "tqx/log/record/FieldFilter.h"
+#include "tqx/log/select/RowCondition.h"
 #include "tqx/log/write/Paragraph.h"
 #include "tqx/log/write/RawJson.h"
 #include "tqx/log/write/ValueJson.h"
@@ -14,6 +16,7 @@
 #include <CLI/Validators.hpp>
 
 #include <memory>
+#include <optional>
 
 namespace tqx::tool
 {
@@ -40,7 +43,7 @@ private:
 class ValueJsonWriter : public BlockWriter
 {
 public:
-    explicit ValueJsonWriter(const FieldFilter& filter) : m_json(filter) {}
+    ValueJsonWriter(const FieldFilter& filter, const ValueStyle& style) : m_json(filter, style) {}
     void write(Buffer& out, const DecodedBlock& decoded) override { m_json.write(out, decoded); }
     void writeOther(Buffer& out, const DecodedBlock& decoded) override
     {
@@ -55,8 +58,8 @@ private:
 class TextWriter : public BlockWriter
 {
 public:
-    TextWriter(const FieldFilter& filter, bool raw)
-        : m_paragraph(filter, raw ? Paragraph::Values::Stored : Paragraph::Values::Scaled)
+    TextWriter(const FieldFilter& filter, const ValueStyle& style, bool isUtc)
+        : m_paragraph(filter, style, isUtc)
     {
     }
     void write(Buffer& out, const DecodedBlock& decoded) override
@@ -84,6 +87,7 @@ DumpCommand::DumpCommand(CLI::App& program)
           "  tail -c +1 -f log.tqx | tqx dump --format jsonl - | jq .fields.TOW\n"
           "  tqx dump --format csv --type 4007 log.tqx > position.csv\n"
           "  tqx dump --format csv log.tqx -o tables\n"
+          "  tqx dump --format sqlite log.tqx -o log.sqlite\n"
           "  tqx dump --format jsonl --raw log.tqx | tqx encode - -o same.tqx\n"
           "\n"
           "Text is a paragraph a message; jsonl is an object a line, with scaled values, names\n"
@@ -103,7 +107,27 @@ DumpCommand::DumpCommand(CLI::App& program)
           "and\n"
           "joins the two. Elements of other arrays share a cell, parted by semicolons. UTC is from "
           "the\n"
-          "leap seconds known in 2025; what is not available is an empty cell.\n"
+          "leap seconds known in 2025; what is not available is an empty cell. --rows leaves out "
+          "rows:\n"
+          "its condition, written like those of --where but without any, names fields of the "
+          "row's\n"
+          "message or sub-block and of those around it, the nearest first. A table whose rows "
+          "have\n"
+          "none of the fields is left with its header.\n"
+          "\n"
+          "Sqlite is a database with a table for each type, which has a row a message, and a "
+          "table\n"
+          "Block_Field for each array of sub-blocks with a row an entry, whose parent_id is the id "
+          "of\n"
+          "the row that it belongs to. What is not available is NULL, and so is NaN, which SQLite\n"
+          "does not know; elements of other arrays share a cell as JSON. Blanks and points in "
+          "names\n"
+          "are underscores. The tables tqx_tables, tqx_columns (with units and scales), tqx_files "
+          "and\n"
+          "tqx_log describe the database; tqx_other_blocks has the bytes of blocks without fields "
+          "that\n"
+          "are known. It is written beside the file of -o, and put in its place once it is "
+          "complete.\n"
           "\n" +
               std::string(SelectionOptions::notes))
 {
@@ -111,10 +135,25 @@ DumpCommand::DumpCommand(CLI::App& program)
     m_streams.addDamageReport(m_app);
     m_streams.addSelection(m_app);
     m_app.add_option("--format", m_format, "How to write them")
-        ->transform(CLI::IsMember({"text", "jsonl", "csv"}, CLI::ignore_case).description(""))
-        ->type_name("text|jsonl|csv")
+        ->transform(
+            CLI::IsMember({"text", "jsonl", "csv", "sqlite"}, CLI::ignore_case).description(""))
+        ->type_name("text|jsonl|csv|sqlite")
         ->capture_default_str();
     m_app.add_flag("--raw", m_raw, "Values as they are stored, without scale, unit and names");
+    m_app.add_option("--units", m_units, "How units are written in text and csv: meter, or m")
+        ->transform(CLI::IsMember({"words", "symbols"}, CLI::ignore_case).description(""))
+        ->type_name("words|symbols")
+        ->capture_default_str();
+    m_app.add_flag("--degrees", m_degrees,
+                   "Show angles in degrees that are in radians; --where and --rows stay in "
+                   "radians");
+    m_app.add_flag("--utc", m_utc,
+                   "Show the times of blocks in text in UTC; jsonl and csv always have it");
+    m_app
+        .add_option("--rows", m_rows,
+                    "Only csv rows that meet a condition, such as "
+                    "'SVID like \"G*\" and CN0_dBHz > 45'")
+        ->type_name("CONDITION");
     m_app.add_flag("--csv-safe", m_csvSafe,
                    "Put an apostrophe in front of csv texts that a spreadsheet would take for "
                    "formulas: those that begin with = + - @, a tab or a carriage return");
@@ -127,8 +166,9 @@ DumpCommand::DumpCommand(CLI::App& program)
         ->allow_extra_args(false)
         ->type_name("FIELD,FIELD");
     m_app
-        .add_option("-o,--output", m_target,
-                    "File to write instead of standard output; for csv a folder, too")
+        .add_option(
+            "-o,--output", m_target,
+            "File to write instead of standard output; for csv a folder, too. Sqlite needs one")
         ->type_name("FILE");
 }
 
@@ -138,17 +178,34 @@ ExitStatus DumpCommand::run()
     m_streams.checkBefore(m_target);
     if (m_csvSafe && m_format != "csv")
         throw ToolError("dump: --csv-safe goes with --format csv");
-    if (m_format == "csv")
-        return dumpCsv(m_streams, filter, {m_raw, m_csvSafe}, m_target);
+    if (m_degrees && m_raw)
+        throw ToolError("dump: --degrees is for scaled values, --raw shows them as stored");
+    if (!m_rows.empty() && m_format != "csv")
+        throw ToolError("dump: --rows goes with --format csv; --where selects blocks");
+    const ValueStyle style = {m_raw, m_degrees, m_units == "symbols"};
+    if (m_format == "csv") {
+        std::optional<RowCondition> condition;
+        if (!m_rows.empty())
+            condition.emplace(m_rows, m_streams.getSelection().getTypes());
+        return dumpCsv(m_streams, filter, {style, m_csvSafe, condition ? &*condition : nullptr},
+                       m_target);
+    }
+    if (m_format == "sqlite") {
+        if (m_degrees || m_utc || m_units != "words")
+            throw ToolError("dump: --units, --degrees and --utc do not go with --format sqlite, "
+                            "whose tables have units and UTC");
+        return dumpSqlite(m_streams, filter, m_raw, m_target);
+    }
     Output output(m_target);
     const auto makeWriter = [&]() -> std::unique_ptr<BlockWriter> {
         if (m_format == "text")
-            return std::make_unique<TextWriter>(filter, m_raw);
+            return std::make_unique<TextWriter>(filter, style, m_utc);
         if (m_raw)
             return std::make_unique<RawJsonWriter>(filter);
-        return std::make_unique<ValueJsonWriter>(filter);
+        return std::make_unique<ValueJsonWriter>(filter, style);
     };
-    ParallelDump dump(output, makeWriter, m_streams.isLive() ? 1 : 0);
+    OutputTarget text(output);
+    ParallelDump dump(text, makeWriter, m_streams.isLive() ? 1 : 0);
     return m_streams.read(dump, dump);
 }
 

@@ -20,6 +20,10 @@ private:
     std::string m_format = "text";
     bool m_raw = false;
     bool m_csvSafe = false;
+    bool m_degrees = false;
+    bool m_utc = false;
+    std::string m_units = "words";
+    std::string m_rows;
 };
 
 } // namespace tqx::tool

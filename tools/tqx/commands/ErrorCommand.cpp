@@ -18,7 +18,7 @@ namespace tqx::tool
 namespace
 {
 
-constexpr int32_t lowestCode = -6073;
+constexpr int32_t lowestCode = Kor::MessageApi::TQX_lowestCode;
 
 std::optional<int64_t> numberOf(const std::string& text)
 {

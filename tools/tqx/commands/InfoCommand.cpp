@@ -1,8 +1,14 @@
 #include "commands/InfoCommand.h"
 
 #include "io/Output.h"
+#include "io/Terminal.h"
+#include "output/SummaryTable.h"
 #include "output/SummaryText.h"
 #include "tqx/log/summary/StreamSummary.h"
+
+#include <functional>
+#include <memory>
+#include <utility>
 
 namespace tqx::tool
 {
@@ -10,13 +16,12 @@ namespace tqx::tool
 namespace
 {
 
+using Show = std::function<void(const InputStream&, const StreamSummary&)>;
+
 class Summarizer : public BlockConsumer
 {
 public:
-    Summarizer(Buffer& buffer, bool asJson, bool isLimited)
-        : m_out(buffer), m_json(asJson), m_isLimited(isLimited)
-    {
-    }
+    Summarizer(Show show, bool isLimited) : m_show(std::move(show)), m_isLimited(isLimited) {}
 
     void begin(InputStream& stream) override
     {
@@ -29,18 +34,12 @@ public:
     bool canSkip() const override { return !m_isLimited; }
     void end(InputStream& stream) override
     {
-        if (stream.hasFailed() && stream.getCounts().bytes == 0)
-            return;
-        if (m_json) {
-            appendSummaryJson(m_out, stream, m_summary);
-        } else {
-            appendSummaryText(m_out, stream, m_summary);
-        }
+        if (!stream.hasFailed() || stream.getCounts().bytes != 0)
+            m_show(stream, m_summary);
     }
 
 private:
-    Buffer& m_out;
-    bool m_json;
+    Show m_show;
     bool m_isLimited;
     StreamSummary m_summary;
 };
@@ -48,31 +47,79 @@ private:
 } // namespace
 
 InfoCommand::InfoCommand(CLI::App& program)
-    : Command(program, "info", "Show what a stream holds: types, times, rates, damage",
-              "  tqx info log.tqx\n"
-              "  tqx info day1.tqx day2.tqx\n"
-              "  tqx info --json *.tqx | jq .crcErrors\n"
-              "\n"
-              "Several files are summed up as one stream. The text shows the first ten places of\n"
-              "damage, JSON the first thousand, likewise of blocks that do not decode or have an\n"
-              "unknown number. A gap is an interval of at least one and a half times the one at\n"
-              "which a type usually comes, an outage is one in which blocks of no type come; JSON\n"
-              "lists the first 100,000 of each with their starts. First and last are the earliest\n"
-              "and the latest time. Time runs back where a block is earlier than the one of its\n"
-              "type before it; an epoch is repeated when blocks of a type come with a time that\n"
-              "blocks of that type had before. NMEA sentences, RTCM 3 frames and text between the\n"
-              "blocks are counted apart and are no damage. Under --limit the bytes are those that\n"
-              "were read so far, in pieces.\n")
+    : Command(
+          program, "info", "Show what a stream holds: types, times, rates, damage",
+          "  tqx info log.tqx\n"
+          "  tqx info day1.tqx day2.tqx\n"
+          "  tqx info --json *.tqx | jq .crcErrors\n"
+          "  tqx info --each monday.tqx tuesday.tqx\n"
+          "\n"
+          "Several files are summed up as one stream. With --each every file is one of its own, "
+          "and\n"
+          "has a column in which the blocks of each type are counted, with their rate and gaps.\n"
+          "\n"
+          "The text shows the first ten places of damage, JSON the first thousand, likewise of\n"
+          "blocks that do not decode or have an unknown number. A gap is an interval of at least\n"
+          "one and a half times the one at which a type usually comes, an outage is one in which\n"
+          "blocks of no type come; JSON lists the first 100,000 of each with their starts. First\n"
+          "and last are the earliest and the latest time. Time runs back where a block is earlier\n"
+          "than the one of its type before it; an epoch is repeated when blocks of a type come "
+          "with\n"
+          "a time that blocks of that type had before. NMEA sentences, RTCM 3 frames and text\n"
+          "between the blocks are counted apart and are no damage. Under --limit the bytes are "
+          "those\n"
+          "that were read so far, in pieces.\n")
 {
     m_streams.addInputs(m_app);
     m_streams.addSelection(m_app);
     m_app.add_flag("--json", m_json, "A JSON object instead of text");
+    m_app.add_flag(
+        "--each", m_isEach,
+        "Compare files side by side: a column for each, or with --json an array of objects");
+}
+
+/// The logs side by side.
+ExitStatus InfoCommand::showEach(Output& output)
+{
+    SummaryTable table;
+    Buffer object;
+    bool hasObjects = false;
+    const auto makeSummarizer = [&] {
+        return std::make_unique<Summarizer>(
+            [&](const InputStream& stream, const StreamSummary& summary) {
+                if (!m_json)
+                    return table.add(stream, summary);
+                object.clear();
+                appendSummaryJson(object, stream, summary);
+                output.getBuffer().append(hasObjects ? "," : "[");
+                output.getBuffer().append(object.view());
+                hasObjects = true;
+            },
+            m_streams.getLimit() != 0);
+    };
+    const ExitStatus status = m_streams.readEach(makeSummarizer, output);
+    if (m_json) {
+        output.getBuffer().append(hasObjects ? "]\n" : "[]\n");
+    } else {
+        table.append(output.getBuffer(), outputWidth());
+    }
+    output.flush();
+    return status;
 }
 
 ExitStatus InfoCommand::run()
 {
     Output output;
-    Summarizer summarizer(output.getBuffer(), m_json, m_streams.hasLimit());
+    if (m_isEach)
+        return showEach(output);
+    const auto show = [&](const InputStream& stream, const StreamSummary& summary) {
+        if (m_json) {
+            appendSummaryJson(output.getBuffer(), stream, summary);
+        } else {
+            appendSummaryText(output.getBuffer(), stream, summary);
+        }
+    };
+    Summarizer summarizer(show, m_streams.getLimit() != 0);
     return m_streams.read(summarizer, output);
 }
 

@@ -6,6 +6,8 @@
 namespace tqx::tool
 {
 
+class Output;
+
 /// `tqx info`: what a stream holds.
 class InfoCommand : public Command
 {
@@ -14,8 +16,11 @@ public:
     ExitStatus run() override;
 
 private:
+    ExitStatus showEach(Output& output);
+
     StreamOptions m_streams;
     bool m_json = false;
+    bool m_isEach = false;
 };
 
 } // namespace tqx::tool

@@ -11,6 +11,7 @@
 #include <CLI/Validators.hpp>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -21,6 +22,10 @@ namespace
 {
 
 constexpr double longest = 1e8; // seconds
+
+/// Each at the place of its number.
+const std::vector<std::string> systemNames = {"gps",  "glonass", "galileo", "beidou",
+                                              "qzss", "navic",   "sbas"};
 
 } // namespace
 
@@ -34,22 +39,26 @@ SimulateCommand::SimulateCommand(CLI::App& program)
           "  tqx simulate --size 1GB --rate 20 -o big.tqx\n"
           "  tqx simulate --rate 10 --duration 60 --seed 7 --damage | tqx info -\n"
           "  tqx simulate --mixed -o mixed.tqx\n"
+          "  tqx simulate --compact --systems gps,qzss --slips 20 --clock-drift 5 -o rough.tqx\n"
           "\n"
-          "The receiver tracks the nominal constellations of GPS, GLONASS, Galileo and BeiDou on "
-          "up\n"
-          "to three signals each, and sends measurements that agree with its navigation messages:\n"
-          "geometry, clocks, group delays, ionosphere (the broadcast Klobuchar model), "
-          "troposphere\n"
-          "(Saastamoinen in a standard atmosphere) and noise. The same seed gives the same bytes\n"
-          "from one build.\n")
+          "The receiver tracks the nominal constellations of GPS, GLONASS, Galileo and BeiDou, "
+          "and\n"
+          "if asked QZSS, NavIC and SBAS, on up to three signals each. Its measurements agree "
+          "with\n"
+          "the navigation messages: geometry, clocks, group delays, ionosphere (the broadcast\n"
+          "Klobuchar model), troposphere (Saastamoinen in a standard atmosphere) and noise. The\n"
+          "same seed gives the same bytes from one build.\n")
 {
     declareLength();
     declareTrack();
+    declareReceiver();
     addWhole(m_app, "--seed", m_settings.seed, 0, std::numeric_limits<uint64_t>::max(),
              "Start of the random numbers")
         ->type_name("NUMBER");
     m_app.add_flag("--damage", m_settings.damage,
                    "Flip bits, cut blocks and put junk between them");
+    m_app.add_flag("--compact", m_settings.compact,
+                   "Send the measurements in compact blocks as well: residues between full epochs");
     m_app.add_flag("--mixed", m_settings.mixed,
                    "Put NMEA sentences, RTCM 3 frames and replies between the blocks");
     m_app.add_option("-o,--output", m_target, "File to write instead of standard output")
@@ -71,6 +80,41 @@ void SimulateCommand::declareLength()
     addReal(m_app, "--rate", m_rate, 1e-4, 1000, "hertz",
             "Epochs a second; the period must be whole milliseconds")
         ->type_name("HERTZ");
+}
+
+void SimulateCommand::declareReceiver()
+{
+    m_app
+        .add_option("--systems", m_systems,
+                    "Satellite systems that the receiver tracks, of gps, glonass, galileo, beidou, "
+                    "qzss, navic and sbas; without, the first four")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->transform(CLI::IsMember(systemNames, CLI::ignore_case).description(""))
+        ->type_name("SYSTEM,SYSTEM")
+        ->default_str("");
+    m_app.add_flag("--two-antennas", m_settings.receiver.hasSecondAntenna,
+                   "Measure at a second antenna, 1.5 m to the east of the first, as well");
+    m_app.add_flag("--almanacs", m_settings.almanacs,
+                   "Send almanacs of all satellites but those of GLONASS, NavIC and SBAS");
+    m_clockDrift = addReal(m_app, "--clock-drift", m_partsPerMillion, -100, 100, "ppm",
+                           "Drift of the clock; 10 are a jump by a millisecond every 100 seconds")
+                       ->type_name("PPM")
+                       ->default_str("");
+    addReal(m_app, "--slips", m_settings.receiver.slipsPerHour, 0, 3600, "an hour",
+            "How often lock on a satellite is lost, in the mean")
+        ->type_name("PER_HOUR");
+}
+
+void SimulateCommand::readReceiver()
+{
+    simulation::ReceiverSettings& receiver = m_settings.receiver;
+    receiver.systems = 0;
+    for (const std::string& name : m_systems)
+        receiver.systems |=
+            1U << (std::find(systemNames.begin(), systemNames.end(), name) - systemNames.begin());
+    if (m_clockDrift->count() != 0)
+        receiver.clockDrift = m_partsPerMillion * 1e-6;
 }
 
 void SimulateCommand::declareTrack()
@@ -114,7 +158,7 @@ void SimulateCommand::readPosition()
 {
     if (m_position.empty())
         return;
-    constexpr double degree = simulation::pi / 180;
+    constexpr double degree = pi / 180;
     const std::vector<std::string> parts = CLI::detail::split(m_position, ',');
     try {
         if (parts.size() != 3)
@@ -143,6 +187,7 @@ ExitStatus SimulateCommand::run()
                                                 : Kind::Static;
     readStart();
     readPosition();
+    readReceiver();
     if (m_settings.size != 0 && m_duration->count() == 0)
         m_settings.duration = longest;
     refuseTerminal(m_target);

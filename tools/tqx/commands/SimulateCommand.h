@@ -16,6 +16,8 @@ public:
 private:
     void declareLength();
     void declareTrack();
+    void declareReceiver();
+    void readReceiver();
     void readStart();
     void readPosition();
 
@@ -25,6 +27,9 @@ private:
     std::string m_track = "static";
     std::string m_start = "2400:216000";
     std::string m_position; ///< degrees and metres, empty for the one in the settings
+    std::vector<std::string> m_systems = {"gps", "glonass", "galileo", "beidou"};
+    CLI::Option* m_clockDrift = nullptr;
+    double m_partsPerMillion = 0;
     std::string m_target = "-";
 };
 

@@ -122,6 +122,8 @@ size_t InputSequence::read(uint8_t* bytes, size_t capacity)
             m_size += count;
             m_progress->add(m_input->takeProgress());
             keepHead(bytes, count);
+            if (m_copy)
+                m_copy(bytes, count);
             return count;
         }
         m_input.reset();

@@ -45,6 +45,9 @@ public:
     /// live stream has brought so far.
     void setBeforeRead(std::function<void()> action) { m_beforeRead = std::move(action); }
 
+    /// Has `action` called with all bytes that are read, in order.
+    void setCopy(std::function<void(const uint8_t*, size_t)> action) { m_copy = std::move(action); }
+
     /// Names of the inputs that could be opened so far.
     const std::vector<std::string>& getNames() const { return m_names; }
 
@@ -87,6 +90,7 @@ private:
     std::deque<Part> m_parts; ///< all that could be opened
     uint64_t m_size = 0;      ///< bytes read so far
     std::function<void()> m_beforeRead;
+    std::function<void(const uint8_t*, size_t)> m_copy;
     Clock::time_point m_handedOn;
     bool m_failed = false;
 };

@@ -96,6 +96,10 @@ uint64_t numbers::bytes(std::string_view text)
     constexpr uint64_t kibi = 1024;
     static constexpr Unit units[] = {{"", 1},
                                      {"B", 1},
+                                     {"k", kilo},
+                                     {"M", kilo * kilo},
+                                     {"G", kilo * kilo * kilo},
+                                     {"T", kilo * kilo * kilo * kilo},
                                      {"kB", kilo},
                                      {"MB", kilo * kilo},
                                      {"GB", kilo * kilo * kilo},

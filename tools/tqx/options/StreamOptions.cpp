@@ -1,14 +1,17 @@
 #include "options/StreamOptions.h"
 
+#include "io/Interrupt.h"
 #include "io/Sink.h"
 #include "io/Target.h"
 #include "io/Words.h"
+#include "options/NoBlocks.h"
 #include "options/Numbers.h"
 #include "tqx/log/record/TypeNames.h"
-#include "tqx/log/stream/ContentGuess.h"
+#include "tqx/log/source/JoinedSource.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <limits>
@@ -58,6 +61,11 @@ void StreamOptions::addConditions(CLI::App& command)
         ->group(SelectionOptions::group);
 }
 
+bool StreamOptions::hasStandardInput() const
+{
+    return std::find(m_files.begin(), m_files.end(), "-") != m_files.end();
+}
+
 Selection& StreamOptions::getSelection()
 {
     if (!m_selection)
@@ -83,6 +91,24 @@ void StreamOptions::checkBeforeFolder(const std::string& folder)
             getSelection().getTypes().accepts(type->blockNumber))
             refuseSameFile(m_files, entry.path().string());
     }
+}
+
+bool StreamOptions::canLookAhead() const
+{
+    std::error_code error;
+    return std::all_of(m_files.begin(), m_files.end(), [&error](const std::string& file) {
+        return file != "-" && std::filesystem::is_regular_file(file, error);
+    });
+}
+
+void StreamOptions::lookAhead(const std::function<void(BlockStream&, const Block&)>& consumer) const
+{
+    Selection chosen(m_selections.getRequest());
+    JoinedSource source(m_files, {});
+    BlockStream stream(source);
+    for (Block block = {}; !interrupt::hasCome() && stream.next(block);)
+        if (chosen.accepts(stream, block))
+            consumer(stream, block);
 }
 
 /// Has only what is asked for read, where the index of the input says where that is.
@@ -136,6 +162,7 @@ ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
         if (isChosen) {
             consumer.take(stream, block);
             isLast = m_limit != 0 && consumer.counts(block) && --left == 0;
+            isLast = isLast || consumer.isDone();
         }
         output.commit();
         if (isLast) {
@@ -151,25 +178,23 @@ ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
     const bool damaged = m_strict && stream.getCounts().isDamaged();
     const ExitStatus status = worse(stream.hasFailed() ? ExitStatus::Failed : ExitStatus::Done,
                                     damaged ? ExitStatus::Damaged : ExitStatus::Done);
-    return worse(status, reportNoBlocks(stream));
+    return worse(status, reportNoBlocks(stream, m_quiet));
 }
 
-/// Says what inputs without blocks seem to be.
-ExitStatus StreamOptions::reportNoBlocks(const InputStream& stream) const
+ExitStatus
+StreamOptions::readEach(const std::function<std::unique_ptr<BlockConsumer>()>& makeConsumer,
+                        Sink& output)
 {
+    const std::vector<std::string> all = m_files;
     ExitStatus status = ExitStatus::Done;
-    if (stream.getCounts().blocks != 0 || stream.isInterrupted())
-        return status;
-    for (const InputSequence::Head& head : stream.getHeads()) {
-        const Content content = guessContent(head.bytes.data(), head.bytes.size());
-        const bool isFailure = !isReceiverOutput(content);
-        if (isFailure || !m_quiet) {
-            words::say(fmt::format("{}: holds no TQX blocks, it seems to be {}", head.name,
-                                   describeContent(content)));
-        }
-        if (isFailure)
-            status = ExitStatus::Failed;
+    for (const std::string& file : all) {
+        if (interrupt::hasCome())
+            break;
+        m_files = {file};
+        m_selection.reset();
+        status = worse(status, read(*makeConsumer(), output));
     }
+    m_files = all;
     return status;
 }
 

@@ -6,6 +6,8 @@
 
 #include <CLI/App.hpp>
 
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -29,6 +31,9 @@ public:
 
     /// Whether a selected block is one that the consumer is for, so that it counts for --limit.
     virtual bool counts(const Block&) const { return true; }
+
+    /// Whether nothing more is wanted, asked after each selected block.
+    virtual bool isDone() const { return false; }
 
     /// Whether blocks that are not selected need not come by, and counts of all that is read have
     /// no say before the end.
@@ -61,8 +66,13 @@ public:
     /// Whether the input is read as a receiver that sends: by one thread.
     bool isLive() const { return m_live; }
 
-    /// Whether only so many blocks are read.
-    bool hasLimit() const { return m_limit != 0; }
+    /// The inputs as they were given.
+    const std::vector<std::string>& getFiles() const { return m_files; }
+
+    /// Whether standard input is one of them.
+    bool hasStandardInput() const;
+
+    bool isQuiet() const { return m_quiet; }
 
     /// The selection that they ask for. Throws ToolError for bad arguments.
     Selection& getSelection();
@@ -76,6 +86,16 @@ public:
     /// those that may be written is an input.
     void checkBeforeFolder(const std::string& folder);
 
+    /// What --limit says, 0 for none.
+    uint64_t getLimit() const { return m_limit; }
+
+    /// Whether the inputs are files that can be read twice.
+    bool canLookAhead() const;
+
+    /// Hands the selected blocks to `consumer` before read() does, without limit and without a
+    /// word. Throws DataError for bad arguments.
+    void lookAhead(const std::function<void(BlockStream&, const Block&)>& consumer) const;
+
     /// Hands the selected blocks of the inputs, as one stream, to `consumer`; after as many as
     /// --limit says, nothing more is read. Of one input with an index beside it, blocks that are
     /// chosen by type or time are found by that, with the same results. An input that cannot
@@ -85,9 +105,13 @@ public:
     /// cannot be written, ClosedPipe when nobody reads it.
     ExitStatus read(BlockConsumer& consumer, Sink& output);
 
+    /// Hands the inputs to `makeConsumer` one by one, each as a stream of its own, from which
+    /// blocks are selected as if there were no other. Returns the gravest of what read() does.
+    ExitStatus readEach(const std::function<std::unique_ptr<BlockConsumer>()>& makeConsumer,
+                        Sink& output);
+
 private:
     void useIndex(InputStream& stream, const BlockConsumer& consumer);
-    ExitStatus reportNoBlocks(const InputStream& stream) const;
 
     std::vector<std::string> m_files;
     SelectionOptions m_selections;

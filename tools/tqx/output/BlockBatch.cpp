@@ -27,42 +27,39 @@ void BlockBatch::RecordsDeleter::operator()(std::byte* memory) const
     ::operator delete(memory, std::align_val_t(alignof(Record)));
 }
 
-int32_t BlockBatch::add(TQX_Context_s& context, const Block& block)
+int32_t BlockBatch::add(StreamState& state, const Block& block)
 {
     const size_t start = m_bytes.size();
     m_bytes.insert(m_bytes.end(), block.data, block.data + block.size);
     const Block copy = {m_bytes.data() + start, block.size, block.offset};
     void* record = m_records.get() + m_recordBytes;
     TQX_markEmpty(record);
-    const int32_t result = TQX_decode(&context, copy.data, copy.size, record);
+    const int32_t result = TQX_decode(&state.context, copy.data, copy.size, record);
     if (result > 0) {
         constexpr size_t mask = alignof(Record) - 1;
         const uint32_t type = static_cast<const KorcgHeader_s*>(record)->korcg_type;
         m_recordBytes += (TQX_layout(type)->recordSize + mask) & ~mask;
-        m_entries.push_back({copy, record, result});
+        if (state.messages.size() <= type)
+            state.messages.resize(type + 1);
+        m_entries.push_back({{copy, record, result}, state.messages[type]++});
     } else {
         TQX_release(record);
-        m_entries.push_back({copy, nullptr, result});
+        m_entries.push_back({{copy, nullptr, result}, 0});
     }
     return result;
 }
 
-void BlockBatch::write(BlockWriter& writer)
+void BlockBatch::write(BatchWriter& writer)
 {
-    for (const DecodedBlock& entry : m_entries) {
-        if (entry.record) {
-            writer.write(m_text, entry);
-        } else {
-            writer.writeOther(m_text, entry);
-        }
-    }
+    for (const BatchEntry& entry : m_entries)
+        writer.write(m_text, entry);
 }
 
 void BlockBatch::clear()
 {
-    for (const DecodedBlock& entry : m_entries) {
-        if (entry.record)
-            TQX_release(const_cast<void*>(entry.record));
+    for (const BatchEntry& entry : m_entries) {
+        if (entry.decoded.record)
+            TQX_release(const_cast<void*>(entry.decoded.record));
     }
     m_entries.clear();
     m_bytes.clear();

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "TQX_codec.h"
+#include "output/BatchText.h"
 #include "output/BlockWriter.h"
-#include "tqx/log/record/DecodedBlock.h"
-#include "tqx/log/text/Buffer.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -12,6 +11,14 @@
 
 namespace tqx::tool
 {
+
+/// What decoding carries on from block to block of a stream.
+struct StreamState {
+    StreamState() { TQX_init_context(&context); }
+
+    Kor::MessageApi::TQX_Context_s context;
+    std::vector<uint64_t> messages; ///< that decoded so far, by record type
+};
 
 /// Consecutive blocks of a stream with their records, and the text that a writer made of them. A
 /// batch belongs to one thread at a time.
@@ -28,12 +35,12 @@ public:
 
     /// Decodes a copy of a block. Returns the bits consumed or the codec's negative code. Only
     /// while the batch is not full.
-    int32_t add(Kor::MessageApi::TQX_Context_s& context, const Block& block);
+    int32_t add(StreamState& state, const Block& block);
 
     /// Has the text made of all blocks.
-    void write(BlockWriter& writer);
+    void write(BatchWriter& writer);
 
-    const Buffer& getText() const { return m_text; }
+    const BatchText& getText() const { return m_text; }
 
     /// Forgets blocks and text, and keeps their memory.
     void clear();
@@ -49,10 +56,10 @@ private:
     };
 
     std::vector<uint8_t> m_bytes; ///< of the blocks; never grows beyond what it was made with
-    std::unique_ptr<std::byte, RecordsDeleter> m_records; ///< one behind the other
+    std::unique_ptr<std::byte, RecordsDeleter> m_records; ///< one after the other
     size_t m_recordBytes = 0;                             ///< that are in use
-    std::vector<DecodedBlock> m_entries;
-    Buffer m_text;
+    std::vector<BatchEntry> m_entries;
+    BatchText m_text;
 };
 
 } // namespace tqx::tool

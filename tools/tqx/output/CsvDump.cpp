@@ -2,14 +2,16 @@
 
 #include "io/Output.h"
 #include "io/ToolError.h"
+#include "output/CsvBook.h"
 #include "output/CsvFolder.h"
-#include "output/RecordDump.h"
+#include "output/ParallelDump.h"
 #include "tqx/log/record/TypeNames.h"
 #include "tqx/log/write/FlatCsv.h"
 
 #include <fmt/format.h>
 
 #include <filesystem>
+#include <memory>
 #include <system_error>
 #include <vector>
 
@@ -21,43 +23,56 @@ using Kor::MessageApi::TQX_TypeLayout;
 namespace
 {
 
-class FolderDump : public RecordDump
+/// Tables of all types.
+class BookWriter final : public BatchWriter
 {
 public:
-    FolderDump(CsvFiles& files, const FieldFilter& filter, const CsvStyle& style)
-        : m_folder(files, filter, style)
+    BookWriter(const FieldFilter& filter, const CsvStyle& style) : m_filter(filter), m_style(style)
     {
+    }
+
+    void write(BatchText& out, const BatchEntry& entry) override
+    {
+        if (!entry.decoded.record)
+            return;
+        const uint32_t recordType = entry.decoded.getHeader().korcg_type;
+        const TQX_TypeLayout& type = *TQX_layout(recordType);
+        if (!type.hasMessage)
+            return;
+        if (m_books.size() <= recordType)
+            m_books.resize(recordType + 1);
+        std::unique_ptr<CsvBook>& book = m_books[recordType];
+        if (!book)
+            book = std::make_unique<CsvBook>(type, m_filter, m_style);
+        book->write(out, m_key, entry.decoded.record, entry.index);
     }
 
 private:
-    void write(const Block&, const RecordDecoder& decoder) override
-    {
-        m_folder.write(decoder.getRecord());
-    }
-
-    CsvFolder m_folder;
+    const FieldFilter& m_filter;
+    CsvStyle m_style;
+    CsvKey m_key;
+    std::vector<std::unique_ptr<CsvBook>> m_books; ///< by record type
 };
 
-class FlatDump : public RecordDump
+/// One table of one type.
+class FlatWriter final : public BatchWriter
 {
 public:
-    FlatDump(const TQX_TypeLayout& type, const FieldFilter& filter, const CsvStyle& style,
-             Buffer& buffer)
-        : m_recordType(type.recordType), m_table(type, filter, style), m_out(buffer)
+    FlatWriter(const TQX_TypeLayout& type, const FieldFilter& filter, const CsvStyle& style)
+        : m_recordType(type.recordType), m_table(type, filter, style)
     {
-        m_table.writeHeader(m_out);
+    }
+
+    void write(BatchText& out, const BatchEntry& entry) override
+    {
+        const DecodedBlock& decoded = entry.decoded;
+        if (decoded.record && decoded.getHeader().korcg_type == m_recordType)
+            m_table.write(out.text, decoded.record, entry.index);
     }
 
 private:
-    void write(const Block&, const RecordDecoder& decoder) override
-    {
-        if (decoder.getDecoded().getHeader().korcg_type == m_recordType)
-            m_table.write(m_out, decoder.getRecord());
-    }
-
     uint32_t m_recordType;
     FlatCsv m_table;
-    Buffer& m_out;
 };
 
 bool isOneFile(const std::string& target)
@@ -95,16 +110,24 @@ const TQX_TypeLayout& theType(const TypeSelection& selected, const FieldFilter& 
 ExitStatus dumpCsv(StreamOptions& streams, const FieldFilter& filter, const CsvStyle& style,
                    const std::string& target)
 {
+    const unsigned threads = streams.isLive() ? 1 : 0;
     if (!isOneFile(target)) {
         streams.checkBeforeFolder(target);
-        CsvFiles files(target);
-        FolderDump dump(files, filter, style);
-        return streams.read(dump, files);
+        CsvFolder folder(target, filter, style);
+        ParallelDump dump(
+            folder, [&] { return std::make_unique<BookWriter>(filter, style); }, threads);
+        const ExitStatus status = streams.read(dump, dump);
+        folder.close();
+        return status;
     }
     const TQX_TypeLayout& type = theType(streams.getSelection().getTypes(), filter);
     Output output(target);
-    FlatDump dump(type, filter, style, output.getBuffer());
-    return streams.read(dump, output);
+    FlatCsv(type, filter, style).writeHeader(output.getBuffer());
+    output.flush();
+    OutputTarget text(output);
+    ParallelDump dump(
+        text, [&] { return std::make_unique<FlatWriter>(type, filter, style); }, threads);
+    return streams.read(dump, dump);
 }
 
 } // namespace tqx::tool

@@ -1,52 +1,61 @@
 #pragma once
 
-#include "io/Sink.h"
 #include "tqx/log/text/Buffer.h"
 
 #include <cstddef>
+#include <cstdio>
+#include <deque>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tqx::tool
 {
 
-/// The files of a directory, written in turns. None stays open between two pieces.
-class CsvFiles : public Sink
+/// The files of a directory, written side by side in large pieces. There may be more of them than
+/// a process can have open.
+class CsvFiles
 {
 public:
     /// Makes the directory if it is not there. Throws ToolError.
     explicit CsvFiles(std::string directory);
 
-    /// A new file of that name, empty so far; returns its number. One that was there is replaced.
+    /// A new file of that name, empty so far; returns its number. One that was there is replaced
+    /// when something is written.
     size_t add(const std::string& name);
 
-    /// What is to be written next to a file.
-    Buffer& getBuffer(size_t file) { return m_files[file]->buffer; }
+    /// Appends to a file. Throws as flush().
+    void append(size_t file, std::string_view text);
 
-    /// Writes out what has become big of a file. Throws as flush().
-    void commit(size_t file)
-    {
-        if (m_files[file]->buffer.size() >= pieceSize)
-            write(*m_files[file]);
-    }
+    /// Writes everything out. Throws ToolError when a file cannot be written.
+    void flush();
 
-    void commit() override {}
-    void flush() override;
+    /// Writes everything out and closes the files. Throws as flush().
+    void close();
 
 private:
     static constexpr size_t pieceSize = 1 << 16;
+    static constexpr size_t mostOpen = 200;
 
+    struct Close {
+        void operator()(std::FILE* stream) const { std::fclose(stream); }
+    };
     struct File {
         std::string path;
         Buffer buffer;
-        bool isNew;
+        std::unique_ptr<std::FILE, Close> stream; ///< null while it is not open
+        bool isNew = true;
     };
 
-    void write(File& file);
+    void write(size_t number, std::string_view text);
+    void open(size_t number);
+    static void close(File& file);
+    [[noreturn]] static void fail(const File& file);
 
     std::string m_directory;
     std::vector<std::unique_ptr<File>> m_files;
+    std::deque<size_t> m_open; ///< those that are open, in the order in which they were opened
 };
 
 } // namespace tqx::tool

@@ -1,44 +1,38 @@
 #pragma once
 
+#include "output/BatchTarget.h"
 #include "output/CsvFiles.h"
 #include "tqx/log/write/CsvTable.h"
 
+#include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <string>
 #include <vector>
 
 namespace tqx::tool
 {
 
-/// The messages of all types as tables in files: <Block>.csv has a row a message, and each array of
-/// sub-blocks a file <Block>.<Field>.csv of its own with a row an entry. Rows begin with the
-/// message's index and time and, in files of sub-blocks, the index of the entry in its array, after
-/// those of the arrays around it.
-class CsvFolder
+/// Files for the tables of all types, <Block>.csv and <Block>.<Field>.csv in a folder, made when a
+/// type first occurs. See CsvBook.
+class CsvFolder final : public BatchTarget
 {
 public:
-    /// See CsvTable.
-    CsvFolder(CsvFiles& files, const FieldFilter& shown, const CsvStyle& style);
-    ~CsvFolder();
-    CsvFolder(const CsvFolder&) = delete;
-    CsvFolder& operator=(const CsvFolder&) = delete;
+    /// Makes the folder if it is not there; the filter must outlive this. Throws ToolError.
+    CsvFolder(const std::string& path, const FieldFilter& shown, const CsvStyle& style);
 
-    /// Writes the rows of a record of a main block. A type without message class has none.
-    void write(const void* record);
+    void put(const BatchText& text) override;
+    void flush() override { m_files.flush(); }
+
+    /// Ends the files. Throws ToolError when one cannot be written.
+    void close() { m_files.close(); }
 
 private:
-    struct Sheet;
-    struct Book;
+    void addTables(uint32_t recordType);
 
-    std::unique_ptr<Book> open(const Kor::MessageApi::TQX_TypeLayout& type);
-    Sheet addSheet(CsvTable& table, const std::string& name, const std::string& indexes);
-    void writeRows(Sheet& sheet, const void* record);
-
-    CsvFiles& m_files;
     const FieldFilter& m_filter;
     CsvStyle m_style;
-    std::vector<std::unique_ptr<Book>> m_books; ///< by record type
-    Buffer m_key;
+    CsvFiles m_files;
+    std::vector<std::vector<size_t>> m_filesOfTypes; ///< by record type and table
 };
 
 } // namespace tqx::tool

@@ -7,15 +7,14 @@
 namespace tqx::tool
 {
 
-ParallelDump::ParallelDump(Output& target, MakeWriter make, unsigned wanted)
-    : m_output(target), m_makeWriter(std::move(make)),
-      m_threadCount(wanted != 0 ? wanted : std::thread::hardware_concurrency()),
+ParallelDump::ParallelDump(BatchTarget& target, MakeWriter makeWriter, unsigned threads)
+    : m_target(target), m_makeWriter(std::move(makeWriter)),
+      m_threadCount(threads != 0 ? threads : std::thread::hardware_concurrency()),
       m_ownWriter(m_makeWriter()), m_filling(std::make_unique<BlockBatch>())
 {
     // Reading and decoding keep up with about this many.
     constexpr unsigned most = 8;
     m_threadCount = std::min(m_threadCount, most);
-    TQX_init_context(&m_context);
 }
 
 ParallelDump::~ParallelDump()
@@ -31,17 +30,20 @@ ParallelDump::~ParallelDump()
 
 void ParallelDump::take(BlockStream& stream, const Block& block)
 {
-    const int32_t result = m_filling->add(m_context, block);
+    const int32_t result = m_filling->add(m_state, block);
+    m_isHandedOn = false;
     if (result < 0 && result != unknownNumber)
         stream.reportUndecodable(block, result);
     if (m_filling->isFull())
-        submit();
+        submit(false);
 }
 
 void ParallelDump::handOn()
 {
-    if (!m_filling->isEmpty())
-        submit();
+    if (m_isHandedOn)
+        return;
+    m_isHandedOn = true;
+    submit(true);
 }
 
 void ParallelDump::flush()
@@ -53,20 +55,20 @@ void ParallelDump::flush()
             help(lock);
     }
     throwFailure();
-    m_output.flush();
+    m_target.flush();
 }
 
 // A few blocks, such as those of a short log or of a receiver that sends once a second, are not
 // worth a thread.
-void ParallelDump::submit()
+void ParallelDump::submit(bool isLast)
 {
     throwFailure();
     if (m_threads.empty() && m_filling->isFull() && m_threadCount > 1)
         startThreads();
     if (m_threads.empty())
-        return writeHere();
+        return writeHere(isLast);
     std::unique_lock lock(m_mutex);
-    m_jobs.push_back({std::move(m_filling), false});
+    m_jobs.push_back({std::move(m_filling), isLast, false});
     m_hasWork.notify_one();
     while (m_idle.empty())
         help(lock);
@@ -74,10 +76,12 @@ void ParallelDump::submit()
     m_idle.pop_back();
 }
 
-void ParallelDump::writeHere()
+void ParallelDump::writeHere(bool isLast)
 {
     m_filling->write(*m_ownWriter);
-    m_output.write(m_filling->getText().view());
+    m_target.put(m_filling->getText());
+    if (isLast)
+        m_target.flush();
     m_filling->clear();
 }
 
@@ -90,14 +94,14 @@ void ParallelDump::startThreads()
     try {
         while (m_threads.size() + 1 < m_threadCount) {
             m_threads.emplace_back(
-                [this, writer = std::shared_ptr<BlockWriter>(m_makeWriter())] { work(*writer); });
+                [this, writer = std::shared_ptr<BatchWriter>(m_makeWriter())] { work(*writer); });
         }
     } catch (const std::system_error&) {
         m_threadCount = static_cast<unsigned>(m_threads.size()) + 1; // that the system grants us
     }
 }
 
-void ParallelDump::work(BlockWriter& writer)
+void ParallelDump::work(BatchWriter& writer)
 {
     std::unique_lock lock(m_mutex);
     for (;;) {
@@ -118,7 +122,7 @@ void ParallelDump::help(std::unique_lock<std::mutex>& lock)
     }
 }
 
-void ParallelDump::doJob(std::unique_lock<std::mutex>& lock, BlockWriter& writer)
+void ParallelDump::doJob(std::unique_lock<std::mutex>& lock, BatchWriter& writer)
 {
     Job& job = m_jobs[m_claimed++]; // stays where it is while others come and go
     const bool isWanted = !m_failure && !m_isEnding;
@@ -144,12 +148,15 @@ void ParallelDump::outputInOrder(std::unique_lock<std::mutex>& lock)
     m_isOutput = true;
     while (!m_jobs.empty() && m_jobs.front().isWritten) {
         BlockBatch& batch = *m_jobs.front().batch;
+        const bool isLast = m_jobs.front().isLast;
         const bool isWanted = !m_failure;
         lock.unlock();
         std::exception_ptr trouble;
         try {
             if (isWanted)
-                m_output.write(batch.getText().view());
+                m_target.put(batch.getText());
+            if (isWanted && isLast)
+                m_target.flush();
         } catch (...) {
             trouble = std::current_exception();
         }

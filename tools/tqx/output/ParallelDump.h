@@ -1,8 +1,8 @@
 #pragma once
 
-#include "io/Output.h"
 #include "io/Sink.h"
 #include "options/StreamOptions.h"
+#include "output/BatchTarget.h"
 #include "output/BlockBatch.h"
 #include "output/BlockWriter.h"
 
@@ -25,11 +25,11 @@ namespace tqx::tool
 class ParallelDump final : public BlockConsumer, public Sink
 {
 public:
-    using MakeWriter = std::function<std::unique_ptr<BlockWriter>()>;
+    using MakeWriter = std::function<std::unique_ptr<BatchWriter>()>;
 
     /// `makeWriter` is called on the caller's thread, for one writer a thread. `threads` 0 stands
     /// for the number of processors; 1 makes all text on the caller's thread.
-    ParallelDump(Output& output, MakeWriter makeWriter, unsigned threads = 0);
+    ParallelDump(BatchTarget& target, MakeWriter makeWriter, unsigned threads = 0);
     ~ParallelDump() override;
     ParallelDump(const ParallelDump&) = delete;
     ParallelDump& operator=(const ParallelDump&) = delete;
@@ -42,23 +42,25 @@ public:
 private:
     struct Job {
         std::unique_ptr<BlockBatch> batch;
+        bool isLast;            ///< before more of the input is waited for
         bool isWritten = false; ///< whether its text has been made
     };
 
-    void submit();
-    void writeHere();
+    void submit(bool isLast);
+    void writeHere(bool isLast);
     void startThreads();
-    void work(BlockWriter& writer);
+    void work(BatchWriter& writer);
     void help(std::unique_lock<std::mutex>& lock);
-    void doJob(std::unique_lock<std::mutex>& lock, BlockWriter& writer);
+    void doJob(std::unique_lock<std::mutex>& lock, BatchWriter& writer);
     void outputInOrder(std::unique_lock<std::mutex>& lock);
     void throwFailure();
 
-    Output& m_output;
+    BatchTarget& m_target;
     MakeWriter m_makeWriter;
     unsigned m_threadCount;
-    Kor::MessageApi::TQX_Context_s m_context;
-    std::unique_ptr<BlockWriter> m_ownWriter;
+    StreamState m_state;
+    bool m_isHandedOn = false; ///< whether all that was taken is
+    std::unique_ptr<BatchWriter> m_ownWriter;
     std::unique_ptr<BlockBatch> m_filling;
 
     std::mutex m_mutex; ///< of what follows

@@ -1,6 +1,7 @@
 #include "output/SummaryText.h"
 
 #include "TQX_codec.h"
+#include "output/SummaryWords.h"
 #include "tqx/log/text/PrintableText.h"
 
 #include <fmt/format.h>
@@ -19,31 +20,6 @@ std::string nameOf(uint16_t number)
 {
     const Kor::MessageApi::TQX_TypeLayout* layout = TQX_layout(TQX_recordType(number));
     return layout ? layout->name : "unknown";
-}
-
-std::string secondsText(uint64_t millis)
-{
-    return fmt::format("{} s", static_cast<double>(millis) / 1000);
-}
-
-/// "59 s", from a minute on with hours, minutes and seconds: "3599 s, 0:59:59"
-std::string durationText(uint64_t millis)
-{
-    const uint64_t seconds = millis / 1000;
-    const std::string text = secondsText(millis);
-    return seconds < 60 ? text
-                        : fmt::format("{}, {}:{:02}:{:02}", text, seconds / 3600, seconds / 60 % 60,
-                                      seconds % 60);
-}
-
-/// "10 Hz", "every 30 s", or "-" when blocks come at no regular interval.
-std::string rateText(const Intervals& intervals)
-{
-    const std::optional<uint64_t> usual = intervals.getUsual();
-    if (!usual)
-        return "-";
-    return *usual > 1000 ? "every " + secondsText(*usual)
-                         : fmt::format("{:.4g} Hz", 1000 / static_cast<double>(*usual));
 }
 
 /// "0, 2"
@@ -233,14 +209,6 @@ void SummaryText::appendFailures()
 }
 
 } // namespace
-
-std::string headOf(const std::vector<std::string>& names)
-{
-    constexpr size_t mostNames = 3;
-    return names.size() > mostNames ? fmt::format("{} files, {} to {}", names.size(),
-                                                  printable(names.front()), printable(names.back()))
-                                    : printable(fmt::format("{}", fmt::join(names, ", ")));
-}
 
 void appendSummaryText(Buffer& out, const InputStream& stream, const StreamSummary& summary)
 {

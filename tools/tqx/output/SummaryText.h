@@ -13,9 +13,6 @@ namespace tqx::tool
 /// How many gaps and outages are looked at one by one.
 constexpr size_t mostListed = 100000;
 
-/// The names of the inputs, "3 files, a to c" when they are many.
-std::string headOf(const std::vector<std::string>& names);
-
 /// Appends a summary for people: totals, a table of the types, then gaps, damage and what did not
 /// decode, the first few places of each.
 void appendSummaryText(Buffer& out, const InputStream& stream, const StreamSummary& summary);

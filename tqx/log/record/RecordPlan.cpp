@@ -33,6 +33,8 @@ bool isLeftOut(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const F
         return field.kind == TQX_FieldKind::Bits || field.kind == TQX_FieldKind::Derived;
     case ShownFields::WithoutFiller:
         return filter.isEverything() && isFiller(type, field);
+    case ShownFields::WithoutHeader:
+        return filter.isEverything() && isHeaderField(type, field);
     }
     return false;
 }
@@ -48,6 +50,21 @@ RecordPlan::Kind kindOf(const TQX_FieldLayout& member)
     return isNumber(member) ? RecordPlan::Kind::Number : RecordPlan::Kind::Array;
 }
 
+std::vector<RecordPlan::Input> inputsOf(const TQX_TypeLayout& type, const TQX_FieldFacts& facts,
+                                        const OwnerTypes& owners)
+{
+    std::vector<RecordPlan::Input> inputs;
+    for (const TQX_FieldInput& input : TQX_inputs(facts)) {
+        const size_t links = input.linksUp;
+        if (links > owners.size())
+            continue;
+        const TQX_TypeLayout& owner = links == 0 ? type : *owners[owners.size() - links];
+        inputs.push_back({input.linksUp, owner.fields + input.row,
+                          TQX_fieldFacts(owner.recordType) + input.row});
+    }
+    return inputs;
+}
+
 } // namespace
 
 bool isHeaderField(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
@@ -55,10 +72,13 @@ bool isHeaderField(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
     return type.blockNumber != 0 && field.recordOffset <= offsetof(TQX_MainHeader_s, WNc);
 }
 
-RecordPlan planRecord(const TQX_TypeLayout& type, const FieldFilter& filter, ShownFields shown)
+RecordPlan planRecord(const TQX_TypeLayout& type, const FieldFilter& filter, ShownFields shown,
+                      const OwnerTypes& owners)
 {
     const TQX_FieldFacts* facts = TQX_fieldFacts(type.recordType);
     const std::vector<FieldFilter::Shown> chosen = filter.shownIn(type);
+    OwnerTypes innerOwners = owners;
+    innerOwners.push_back(&type);
     RecordPlan plan;
     plan.type = &type;
     plan.isWhole = chosen.size() == type.fieldCount;
@@ -71,18 +91,19 @@ RecordPlan planRecord(const TQX_TypeLayout& type, const FieldFilter& filter, Sho
         if (memberRow != lastRow) {
             const TQX_FieldLayout& member = type.fields[memberRow];
             plan.members.push_back({&member,
+                                    facts + memberRow,
                                     kindOf(member),
                                     member.presence != TQX_Presence::Always,
-                                    member.recordType == 0 ? TQX_elementSize(member) : 0,
+                                    TQX_elementSize(member),
                                     {},
                                     nullptr});
             lastRow = memberRow;
         }
         RecordPlan::Member& member = plan.members.back();
-        member.parts.push_back({&field, facts + row});
+        member.parts.push_back({&field, facts + row, inputsOf(type, facts[row], owners)});
         if (field.recordType != 0) {
             member.plan = std::make_unique<RecordPlan>(
-                planRecord(*TQX_layout(field.recordType), *inside, shown));
+                planRecord(*TQX_layout(field.recordType), *inside, shown, innerOwners));
             plan.isWhole = plan.isWhole && member.plan->isWhole;
         }
     }

@@ -28,10 +28,19 @@ struct RecordPlan {
         Blocks,   ///< an array of sub-blocks
     };
 
+    /// A number that a derived value is not available without.
+    struct Input {
+        unsigned linksUp; ///< parent links from the record of the value to that of the number
+        const Kor::MessageApi::TQX_FieldLayout* field;
+        const Kor::MessageApi::TQX_FieldFacts* facts;
+    };
+
     /// A field with a value to be shown.
     struct Part {
         const Kor::MessageApi::TQX_FieldLayout* field;
         const Kor::MessageApi::TQX_FieldFacts* facts;
+        /// What TQX_inputs() says, without numbers of parents that are not known.
+        std::vector<Input> inputs;
     };
 
     /// A member of the record that is looked at once.
@@ -39,9 +48,10 @@ struct RecordPlan {
         /// Where it is. Of bit ranges of a number it is that number, shown or not; TQX_isPresent()
         /// of it holds for its parts.
         const Kor::MessageApi::TQX_FieldLayout* field;
+        const Kor::MessageApi::TQX_FieldFacts* facts;
         Kind kind;
         bool isOptional; ///< whether records may be without it
-        uint32_t size;   ///< of an element in bytes, 0 for sub-blocks
+        uint32_t size;   ///< of an element in bytes; of sub-blocks that of their records
         /// Of a number: it and its bit ranges, as far as they are shown. Of anything else: itself.
         std::vector<Part> parts;
         std::unique_ptr<RecordPlan> plan; ///< of the sub-blocks
@@ -58,12 +68,17 @@ enum class ShownFields : uint8_t {
     OnWire,        ///< those with bytes of their own: no bit ranges, no derived values
     WithoutFiller, ///< no header but time of week and week, no padding, unless the filter names
                    ///< them
+    WithoutHeader, ///< no header, unless the filter names fields of it
 };
 
-/// The plan of a type, sub-blocks included. Layouts and facts live as long as the codec; the filter
-/// is needed during the call only.
+/// The types of the records that one of a sub-block is in, from the main block on.
+using OwnerTypes = std::vector<const Kor::MessageApi::TQX_TypeLayout*>;
+
+/// The plan of a type, sub-blocks included. A type of sub-blocks has owners. Layouts and facts live
+/// as long as the codec; the filter is needed during the call only.
 TQX_LOG_API RecordPlan planRecord(const Kor::MessageApi::TQX_TypeLayout& type,
-                                  const FieldFilter& filter, ShownFields shown);
+                                  const FieldFilter& filter, ShownFields shown,
+                                  const OwnerTypes& owners = {});
 
 /// Whether the field belongs to the header of a main block, TOWc included.
 TQX_LOG_API bool isHeaderField(const Kor::MessageApi::TQX_TypeLayout& type,

@@ -16,8 +16,6 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-constexpr uint32_t lastRecordType = 382;
-
 char lower(char c)
 {
     return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
@@ -56,7 +54,7 @@ bool equalFields(std::string_view name, std::string_view written)
 
 void forEachType(const std::function<void(const TQX_TypeLayout&)>& visit)
 {
-    for (uint32_t recordType = 1; recordType <= lastRecordType; ++recordType) {
+    for (uint32_t recordType = 1; recordType <= TQX_lastRecordType; ++recordType) {
         if (const TQX_TypeLayout* layout = TQX_layout(recordType))
             visit(*layout);
     }
@@ -77,7 +75,7 @@ void forEachField(const TQX_TypeLayout& type, const std::function<void(const std
 
 const TQX_TypeLayout* findType(std::string_view name)
 {
-    for (uint32_t recordType = 1; recordType <= lastRecordType; ++recordType) {
+    for (uint32_t recordType = 1; recordType <= TQX_lastRecordType; ++recordType) {
         const TQX_TypeLayout* layout = TQX_layout(recordType);
         if (layout && equalNames(layout->name, name))
             return layout;

@@ -83,7 +83,7 @@ void Expression::fail(size_t position, const std::string& why) const
     const auto columns = std::count_if(before.begin(), before.end(), [](char c) {
         return (static_cast<unsigned char>(c) & 0xc0U) != 0x80;
     });
-    throw DataError(fmt::format("--where: {}\n  {}{}{}\n  {:>{}}", why, before,
+    throw DataError(fmt::format("{}: {}\n  {}{}{}\n  {:>{}}", m_option, why, before,
                                 line.substr(position - begin), end == m_source.size() ? "" : "...",
                                 '^', columns + 1));
 }
@@ -296,7 +296,8 @@ void ExpressionParser::readValue(ExpressionTerm& term)
     m_at = end;
 }
 
-Expression::Expression(std::string text) : m_source(std::move(text))
+Expression::Expression(std::string text, const char* option)
+    : m_source(std::move(text)), m_option(option)
 {
     ExpressionParser(*this).parse();
 }

@@ -61,21 +61,24 @@ public:
         size_t right;
     };
 
-    /// Throws DataError for a text that is no expression, see fail().
-    explicit Expression(std::string text);
+    /// Throws DataError for a text that is no expression, see fail(). `option` is what it was
+    /// given as, named in errors; it must outlive this.
+    explicit Expression(std::string text, const char* option = "--where");
 
     const std::vector<ExpressionTerm>& terms() const { return m_allTerms; }
     const std::vector<ExpressionScope>& scopes() const { return m_allScopes; }
     const Node& node(size_t index) const { return m_nodes[index]; }
     size_t root() const { return m_nodes.size() - 1; }
 
-    /// Throws DataError: `why`, then the expression, then a line that points to `position` in it.
+    /// Throws DataError: the option, `why`, then the expression, then a line that points to
+    /// `position` in it.
     [[noreturn]] void fail(size_t position, const std::string& why) const;
 
 private:
     friend class ExpressionParser;
 
     std::string m_source;
+    const char* m_option;
     std::vector<ExpressionTerm> m_allTerms;
     std::vector<ExpressionScope> m_allScopes;
     std::vector<Node> m_nodes; ///< children before their parents

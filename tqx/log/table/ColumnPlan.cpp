@@ -15,8 +15,6 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-using Layouts = std::vector<const TQX_TypeLayout*>;
-
 NumberPlace placeInRecord(const TQX_FieldLayout& field)
 {
     const uint32_t size = TQX_elementSize(field);
@@ -52,23 +50,6 @@ NumberSource sourceOf(const TQX_FieldLayout& field, const TQX_FieldFacts& facts,
     source.doNotUse = TQX_doNotUse(facts);
     source.realDoNotUse = TQX_realDoNotUse(facts);
     return source;
-}
-
-/// What must be available for a derived value of a record whose parents are `owners` to be.
-std::vector<DerivedInput> inputsOf(const TQX_TypeLayout& type, const TQX_FieldFacts& facts,
-                                   const Layouts& owners)
-{
-    std::vector<DerivedInput> inputs;
-    for (const TQX_FieldInput& input : TQX_inputs(facts)) {
-        const size_t links = input.linksUp;
-        if (links > owners.size())
-            continue;
-        const TQX_TypeLayout& owner = links == 0 ? type : *owners[owners.size() - links];
-        inputs.push_back(
-            {input.linksUp,
-             sourceOf(owner.fields[input.row], TQX_fieldFacts(owner.recordType)[input.row], true)});
-    }
-    return inputs;
 }
 
 const char* formatOf(TQX_MemberType type)
@@ -143,7 +124,7 @@ void ColumnPlanner::planNumber(ColumnPlan& column, const RecordPlan::Part& part)
 }
 
 ColumnPlan ColumnPlanner::columnOf(const RecordPlan& plan, const RecordPlan::Member& member,
-                                   const RecordPlan::Part& part, const Layouts& owners)
+                                   const RecordPlan::Part& part)
 {
     using Kind = ColumnPlan::Kind;
     const TQX_FieldLayout& field = *part.field;
@@ -167,8 +148,12 @@ ColumnPlan ColumnPlanner::columnOf(const RecordPlan& plan, const RecordPlan::Mem
             break;
         }
         planNumber(column, part);
-        if (m_options.hidesDoNotUse)
-            column.inputs = inputsOf(*plan.type, *part.facts, owners);
+        if (m_options.hidesDoNotUse) {
+            for (const RecordPlan::Input& input : part.inputs) {
+                column.inputs.push_back(
+                    {input.linksUp, sourceOf(*input.field, *input.facts, true)});
+            }
+        }
         break;
     case RecordPlan::Kind::Array: {
         planNumber(column, part);
@@ -184,9 +169,7 @@ ColumnPlan ColumnPlanner::columnOf(const RecordPlan& plan, const RecordPlan::Mem
     }
     case RecordPlan::Kind::Embedded:
     case RecordPlan::Kind::Blocks: {
-        Layouts all = owners;
-        all.push_back(plan.type);
-        std::vector<ColumnPlan> fields = columnsOf(*member.plan, all);
+        std::vector<ColumnPlan> fields = columnsOf(*member.plan);
         column.kind = Kind::Struct;
         column.format = "+s";
         column.children = std::move(fields);
@@ -204,13 +187,12 @@ ColumnPlan ColumnPlanner::columnOf(const RecordPlan& plan, const RecordPlan::Mem
     return column;
 }
 
-std::vector<ColumnPlan> ColumnPlanner::columnsOf(const RecordPlan& plan, const Layouts& owners,
-                                                 uint32_t towcOnWire)
+std::vector<ColumnPlan> ColumnPlanner::columnsOf(const RecordPlan& plan, uint32_t towcOnWire)
 {
     std::vector<ColumnPlan> columns;
     for (const RecordPlan::Member& member : plan.members) {
         for (const RecordPlan::Part& part : member.parts) {
-            columns.push_back(columnOf(plan, member, part, owners));
+            columns.push_back(columnOf(plan, member, part));
             if (isContinuousTime(*part.field)) {
                 columns.back().placeOnWire.offset = towcOnWire;
                 columns.back().source.hasDoNotUse = m_options.hidesDoNotUse;

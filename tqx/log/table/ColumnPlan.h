@@ -75,18 +75,12 @@ class ColumnPlanner
 public:
     explicit ColumnPlanner(const TableOptions& chosen) : m_options(chosen) {}
 
-    /// The columns of a record whose parents are `owners`, from the main block on. `towcOnWire` is
-    /// where blocks that are read without decoding have their TOWc.
-    std::vector<ColumnPlan>
-    columnsOf(const RecordPlan& plan,
-              const std::vector<const Kor::MessageApi::TQX_TypeLayout*>& owners,
-              uint32_t towcOnWire = 0);
+    /// `towcOnWire` is where blocks that are read without decoding have their TOWc.
+    std::vector<ColumnPlan> columnsOf(const RecordPlan& plan, uint32_t towcOnWire = 0);
 
 private:
-    using Layouts = std::vector<const Kor::MessageApi::TQX_TypeLayout*>;
-
     ColumnPlan columnOf(const RecordPlan& plan, const RecordPlan::Member& member,
-                        const RecordPlan::Part& part, const Layouts& owners);
+                        const RecordPlan::Part& part);
     void planNumber(ColumnPlan& column, const RecordPlan::Part& part);
     std::shared_ptr<const NameDictionary> namesOf(const RecordPlan::Part& part);
 

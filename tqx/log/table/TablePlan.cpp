@@ -137,10 +137,9 @@ std::vector<ColumnPlan> planAboutBlock(const TableOptions& options)
 
 /// The fields that distinguish one record of a type from another, as columns named by their path.
 std::vector<ColumnPlan> planIdentity(ColumnPlanner& planner, const TQX_TypeLayout& type,
-                                     const std::vector<const TQX_TypeLayout*>& owners,
-                                     const std::string& path)
+                                     const OwnerTypes& owners, const std::string& path)
 {
-    RecordPlan plan = planRecord(type, FieldFilter(), ShownFields::All);
+    RecordPlan plan = planRecord(type, FieldFilter(), ShownFields::All, owners);
     for (RecordPlan::Member& member : plan.members) {
         auto& parts = member.parts;
         parts.erase(std::remove_if(parts.begin(), parts.end(),
@@ -149,7 +148,7 @@ std::vector<ColumnPlan> planIdentity(ColumnPlanner& planner, const TQX_TypeLayou
                                    }),
                     parts.end());
     }
-    std::vector<ColumnPlan> columns = planner.columnsOf(plan, owners);
+    std::vector<ColumnPlan> columns = planner.columnsOf(plan);
     for (ColumnPlan& column : columns)
         column.name = path + column.name;
     return columns;
@@ -216,7 +215,7 @@ TablePlan::TablePlan(const TQX_TypeLayout& main, const TableOptions& options)
         throw DataError("a batch needs room for at least one row");
     const std::vector<std::string> path = split(options.rows);
     ColumnPlanner planner(options);
-    std::vector<const TQX_TypeLayout*> owners;
+    OwnerTypes owners;
     const FieldFilter* filter = &options.fields;
     std::string prefix;
     const TQX_TypeLayout* type = &main;
@@ -231,10 +230,10 @@ TablePlan::TablePlan(const TQX_TypeLayout& main, const TableOptions& options)
     }
     if (!filter || !filter->matches(*type))
         throw DataError(fmt::format("no field of {} is chosen", type->name));
-    const RecordPlan shown = planRecord(*type, *filter, ShownFields::WithoutFiller);
+    const RecordPlan shown = planRecord(*type, *filter, ShownFields::WithoutFiller, owners);
     if (path.empty())
         wire = headOf(*type, shown);
-    levels.push_back({type, field, planner.columnsOf(shown, owners, wire.towcOffset)});
+    levels.push_back({type, field, planner.columnsOf(shown, wire.towcOffset)});
     makeNamesUnique(levels);
 }
 

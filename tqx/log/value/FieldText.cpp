@@ -3,7 +3,6 @@
 #include "tqx/log/record/Members.h"
 #include "tqx/log/text/FixedNumber.h"
 #include "tqx/log/text/PrintableText.h"
-#include "tqx/log/value/ShownDecimals.h"
 
 #include <charconv>
 #include <cmath>
@@ -47,14 +46,15 @@ void appendBitMask(Buffer& out, uint64_t value, unsigned width)
 } // namespace
 
 FieldText::FieldText(const TQX_FieldLayout& layout, const TQX_FieldFacts& facts, bool isPacked,
-                     bool stored)
-    : m_bits(layout, isPacked), m_width(layout.width), m_isStored(stored),
+                     const ValueStyle& style)
+    : m_bits(layout, isPacked), m_width(layout.width), m_isStored(style.isStored),
       m_isBitMask(facts.has(TQX_FieldFacts::BitMask) && !m_bits.isSigned() && !m_bits.isReal()),
-      m_scale(TQX_scale(facts)), m_decimals(shownDecimals(facts)), m_names(layout, facts, notation)
+      m_scale(shownScale(facts, style)), m_decimals(shownDecimals(facts, style)),
+      m_names(layout, facts, notation)
 {
     m_isTime = isContinuousTime(layout);
-    if (facts.unit != 0)
-        m_unit = ' ' + std::string(TQX_unit(facts));
+    if (const std::string_view shown = shownUnit(facts, style); !shown.empty())
+        m_unit = ' ' + std::string(shown);
     if (m_bits.isReal() && facts.has(TQX_FieldFacts::HasDoNotUse))
         m_doNotUse = TQX_realDoNotUse(facts);
 }

@@ -5,6 +5,7 @@
 #include "tqx/log/record/MemberBits.h"
 #include "tqx/log/text/Buffer.h"
 #include "tqx/log/value/ValueNames.h"
+#include "tqx/log/value/ValueStyle.h"
 #include "tqx_log_export.h"
 
 #include <cstdint>
@@ -22,7 +23,12 @@ class TQX_LOG_API FieldText
 public:
     /// `isPacked`: values of a bit range are taken from the packed word, not from their own member.
     FieldText(const Kor::MessageApi::TQX_FieldLayout& layout,
-              const Kor::MessageApi::TQX_FieldFacts& facts, bool isPacked, bool isStored);
+              const Kor::MessageApi::TQX_FieldFacts& facts, bool isPacked, const ValueStyle& style);
+    FieldText(const Kor::MessageApi::TQX_FieldLayout& layout,
+              const Kor::MessageApi::TQX_FieldFacts& facts, bool isPacked, bool stored)
+        : FieldText(layout, facts, isPacked, ValueStyle{stored})
+    {
+    }
 
     /// Appends the value that stands in the bits of a member. Whether the unit belongs behind it,
     /// as it does behind numbers but not behind names.

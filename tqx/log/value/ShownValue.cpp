@@ -11,14 +11,14 @@ namespace tqx
 using namespace Kor::MessageApi;
 
 ShownValue::ShownValue(const TQX_FieldLayout& layout, const TQX_FieldFacts& facts, bool isPacked,
-                       const Notation& shownIn)
+                       const Notation& shownIn, const ValueStyle& style)
     : m_notation(shownIn), m_bits(layout, isPacked), m_names(layout, facts, shownIn)
 {
     if (m_notation.isStored)
         return;
     m_isTime = isContinuousTime(layout);
-    if (facts.scale != 0)
-        m_scale.emplace(TQX_scale(facts));
+    if (const double factor = shownScale(facts, style); factor != 0)
+        m_scale.emplace(factor);
     if (m_bits.isReal() && facts.has(TQX_FieldFacts::HasDoNotUse))
         m_notAvailable = TQX_realDoNotUse(facts);
 }

@@ -6,6 +6,7 @@
 #include "tqx/log/text/Buffer.h"
 #include "tqx/log/value/Scale.h"
 #include "tqx/log/value/ValueNames.h"
+#include "tqx/log/value/ValueStyle.h"
 #include "tqx_log_export.h"
 
 #include <cstdint>
@@ -21,7 +22,7 @@ public:
     /// `isPacked`: values of a bit range are taken from the packed word, not from their own member.
     ShownValue(const Kor::MessageApi::TQX_FieldLayout& layout,
                const Kor::MessageApi::TQX_FieldFacts& facts, bool isPacked,
-               const Notation& notation);
+               const Notation& notation, const ValueStyle& style = {});
 
     /// Appends the value that stands in the bits of a member: its name, what the notation has
     /// for not available, else the number times its scale factor.

@@ -5,30 +5,51 @@
 
 #include "TQX_RecordAccess.h"
 
-namespace tqx::csv
+namespace tqx
 {
 
-void appendKeyColumns(Buffer& out)
+namespace
 {
-    out.append("MessageIndex,WNc [week],TOW [second],UTC");
-}
 
-void appendKey(Buffer& out, uint64_t index, const void* record)
+std::string timeCells(uint32_t tow, uint16_t week)
 {
     constexpr unsigned decimals = 3;
-    const auto& header = *static_cast<const Kor::MessageApi::TQX_MainHeader_s*>(record);
-    const bool hasWeek = gnssMillis(0, header.WNc).has_value();
-    const bool hasTow = gnssMillis(header.TOW, 0).has_value();
-    number::appendUnsigned(out, index);
-    out.append(',');
+    const bool hasWeek = gnssMillis(0, week).has_value();
+    const bool hasTow = gnssMillis(tow, 0).has_value();
+    Buffer cells;
+    cells.append(',');
     if (hasWeek)
-        number::appendUnsigned(out, header.WNc);
-    out.append(',');
+        number::appendUnsigned(cells, week);
+    cells.append(',');
     if (hasTow)
-        number::appendDecimal(out, false, header.TOW, decimals);
-    out.append(',');
+        number::appendDecimal(cells, false, tow, decimals);
+    cells.append(',');
     if (hasWeek && hasTow)
-        out.append(utcText(*gnssMillis(header.TOW, header.WNc)));
+        cells.append(utcText(*gnssMillis(tow, week)));
+    return std::string(cells.view());
 }
 
-} // namespace tqx::csv
+} // namespace
+
+void CsvKey::appendColumns(Buffer& out, const ValueStyle& style)
+{
+    out.append("MessageIndex,WNc [");
+    out.append(shownUnit("week", style));
+    out.append("],TOW [");
+    out.append(shownUnit("second", style));
+    out.append("],UTC");
+}
+
+void CsvKey::append(Buffer& out, uint64_t index, const void* record)
+{
+    const auto& header = *static_cast<const Kor::MessageApi::TQX_MainHeader_s*>(record);
+    if (m_time.empty() || header.TOW != m_tow || header.WNc != m_week) {
+        m_tow = header.TOW;
+        m_week = header.WNc;
+        m_time = timeCells(m_tow, m_week);
+    }
+    number::appendUnsigned(out, index);
+    out.append(m_time);
+}
+
+} // namespace tqx

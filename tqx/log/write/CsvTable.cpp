@@ -1,6 +1,6 @@
 #include "tqx/log/write/CsvTable.h"
 
-#include "tqx/log/record/Members.h"
+#include "tqx/log/record/MemberReader.h"
 #include "tqx/log/text/CsvText.h"
 #include "tqx/log/text/TextCache.h"
 #include "tqx/log/value/ShownValue.h"
@@ -13,18 +13,12 @@ namespace tqx
 
 using namespace Kor::MessageApi;
 
-/// What is written of one member: a number with the bit ranges packed in it, or anything else.
+/// What is written of one member.
 struct CsvTable::Step {
-    enum class Kind { Number, Text, Array, Embedded };
-
-    const TQX_FieldLayout* field;
-    const TQX_FieldFacts* needed; ///< of a value that is not available without its inputs, or null
-    Kind kind;
-    bool isOptional;
-    uint32_t size;                  ///< of an element in bytes
-    std::string empty;              ///< the cells when the field is absent
+    MemberReader member;
+    TextCache cache;                ///< of a number
     std::vector<ShownValue> values; ///< a cell each for a number; one for elements
-    TextCache cache;
+    std::string empty;              ///< the cells when the field is absent
     std::unique_ptr<CsvTable> embedded;
 };
 
@@ -37,163 +31,134 @@ std::string unquoted(std::string_view characters)
     return std::string(characters);
 }
 
-/// Fields that nobody looks for: those of the header, most of which the key columns hold, and
-/// padding.
-bool isFiller(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
-{
-    return field.isPadding ||
-           (type.blockNumber != 0 && field.recordOffset <= offsetof(TQX_MainHeader_s, WNc));
-}
-
 /// Week and time of week.
 bool isInKey(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
 {
-    return type.blockNumber != 0 && (field.recordOffset == offsetof(TQX_MainHeader_s, TOW) ||
-                                     field.recordOffset == offsetof(TQX_MainHeader_s, WNc));
+    return isHeaderField(type, field) && (field.recordOffset == offsetof(TQX_MainHeader_s, TOW) ||
+                                          field.recordOffset == offsetof(TQX_MainHeader_s, WNc));
 }
 
 } // namespace
 
-CsvTable::CsvTable(const TQX_TypeLayout& layout, const FieldFilter& shown, const CsvStyle& wanted)
-    : m_type(layout), m_style(wanted)
+CsvTable::CsvTable(const TQX_TypeLayout& type, const FieldFilter& shown, const CsvStyle& style)
+    : CsvTable(planRecord(type, shown, ShownFields::WithoutFiller), style, type, {})
 {
-    int word = -1; // the row that the last step is about
-    for (const auto [row, inside] : shown.shownIn(m_type)) {
-        const TQX_FieldLayout& field = m_type.fields[row];
-        if (shown.isEverything() && isFiller(m_type, field))
-            continue;
-        if (isInKey(m_type, field)) {
+    m_showsKey = m_showsKey && !shown.isEverything();
+}
+
+CsvTable::CsvTable(const RecordPlan& plan, const CsvStyle& style, const TQX_TypeLayout& main,
+                   const RowCondition::Path& path)
+    : m_type(*plan.type), m_style(style),
+      m_tests(style.rows ? style.rows->find(main, path) : nullptr)
+{
+    for (const RecordPlan::Member& member : plan.members) {
+        if (isInKey(m_type, *member.field)) {
             m_showsKey = true;
-            continue;
+        } else {
+            add(plan, member, main, path);
         }
-        if (field.recordType != 0) {
-            addSubBlock(field, *inside);
-            word = -1;
-            continue;
-        }
-        const bool isPart = isPartOfNumber(m_type, field);
-        const int stepRow = isPart ? field.parent : row;
-        if (m_steps.empty() || stepRow != word)
-            addStep(m_type.fields[stepRow]);
-        word = stepRow;
-        addCell(row, isPart);
     }
 }
 
 CsvTable::~CsvTable() = default;
 
-void CsvTable::addStep(const TQX_FieldLayout& member)
+void CsvTable::add(const RecordPlan& plan, const RecordPlan::Member& member,
+                   const TQX_TypeLayout& main, const RowCondition::Path& path)
 {
-    const uint32_t size = member.recordType == 0 ? TQX_elementSize(member) : 0;
-    m_steps.push_back({&member,
-                       nullptr,
-                       isNumber(member)         ? Step::Kind::Number
-                       : isText(member)         ? Step::Kind::Text
-                       : member.recordType == 0 ? Step::Kind::Array
-                                                : Step::Kind::Embedded,
-                       member.presence != TQX_Presence::Always,
-                       size,
-                       {},
-                       {},
-                       {},
-                       nullptr});
+    const TQX_FieldLayout& field = *member.field;
+    std::unique_ptr<CsvTable> table;
+    if (member.plan) {
+        RowCondition::Path inner = path;
+        inner.push_back(&field);
+        table.reset(new CsvTable(*member.plan, m_style, main, inner));
+    }
+    if (member.kind == RecordPlan::Kind::Blocks) {
+        if (!table->m_columns.empty() || !table->m_children.empty())
+            m_children.push_back({MemberReader(plan, member), std::move(table)});
+        return;
+    }
+    m_steps.push_back({MemberReader(plan, member), {}, {}, {}, std::move(table)});
+    Step& step = m_steps.back();
+    if (!step.embedded)
+        return addCells(step, member.parts);
+    for (const std::string& column : step.embedded->m_columns)
+        m_columns.push_back(std::string(field.name) + '.' + column);
+    step.empty.assign(step.embedded->m_columns.size(), ',');
 }
 
-void CsvTable::addCell(int row, bool isPart)
+void CsvTable::addCells(Step& step, const std::vector<RecordPlan::Part>& parts)
 {
-    const TQX_FieldFacts& facts = TQX_fieldFacts(m_type.recordType)[row];
-    Step& step = m_steps.back();
-    const bool isArray = step.kind == Step::Kind::Array;
+    const bool isArray = step.member.getKind() == RecordPlan::Kind::Array;
     const bool isGuarded = m_style.isSafe && !isArray;
     const Notation notation = {"", isArray ? unquoted : csv::cell,
                                isGuarded ? csv::appendGuardedLatin1 : csv::appendLatin1,
-                               m_style.isStored};
-    step.values.emplace_back(m_type.fields[row], facts, isPart, notation);
-    if (facts.inputCount != 0 && !m_style.isStored)
-        step.needed = &facts;
-    step.empty += ',';
-    std::string name = m_type.fields[row].name;
-    if (facts.unit != 0 && !m_style.isStored)
-        name += " [" + std::string(TQX_unit(facts)) + "]";
-    m_columns.push_back(name);
+                               m_style.values.isStored};
+    for (const RecordPlan::Part& part : parts) {
+        step.values.emplace_back(*part.field, *part.facts, part.field != &step.member.getField(),
+                                 notation, m_style.values);
+        std::string name = part.field->name;
+        if (const std::string_view unit = shownUnit(*part.facts, m_style.values); !unit.empty())
+            name += " [" + std::string(unit) + "]";
+        m_columns.push_back(name);
+    }
+    step.empty.assign(parts.size(), ',');
 }
 
-void CsvTable::addSubBlock(const TQX_FieldLayout& field, const FieldFilter& shown)
+inline void CsvTable::appendNumber(Buffer& out, Step& step, const void* record) const
 {
-    auto table = std::make_unique<CsvTable>(*TQX_layout(field.recordType), shown, m_style);
-    if (field.kind == TQX_FieldKind::Blocks) {
-        if (!table->m_columns.empty() || !table->m_children.empty())
-            m_children.push_back({&field, std::move(table)});
-        return;
-    }
-    addStep(field);
-    for (const std::string& column : table->m_columns)
-        m_columns.push_back(std::string(field.name) + '.' + column);
-    m_steps.back().empty.assign(table->m_columns.size(), ',');
-    m_steps.back().embedded = std::move(table);
+    if (!m_style.values.isStored && !step.member.isAvailable(record))
+        return out.append(step.empty);
+    const uint64_t word = step.member.getWord(record);
+    step.cache.append(out, word, [&step, word](Buffer& to) {
+        for (const ShownValue& value : step.values) {
+            to.append(',');
+            value.append(to, word);
+        }
+    });
 }
 
 void CsvTable::appendCells(Buffer& out, const void* record)
 {
     for (Step& step : m_steps) {
-        if (step.isOptional && !TQX_isPresent(m_type, *step.field, record)) {
+        if (!step.member.isPresent(record)) {
             out.append(step.empty);
+        } else if (step.member.isNumber()) {
+            appendNumber(out, step, record);
         } else {
-            appendStep(out, step, record);
+            appendOther(out, step, record);
         }
     }
 }
 
-void CsvTable::appendStep(Buffer& out, Step& step, const void* record)
+void CsvTable::appendOther(Buffer& out, Step& step, const void* record) const
 {
-    const auto* element = static_cast<const char*>(TQX_element(*step.field, record));
-    switch (step.kind) {
-    case Step::Kind::Number: {
-        if (step.needed && !TQX_hasInputs(*step.needed, record))
-            return out.append(step.empty);
-        const uint64_t word = loadWord(element, step.size);
-        return step.cache.append(out, word, [&step, word](Buffer& to) {
-            for (const ShownValue& value : step.values) {
-                to.append(',');
-                value.append(to, word);
-            }
-        });
-    }
-    case Step::Kind::Text: {
-        const std::string_view text = textOf(*step.field, record);
+    switch (step.member.getKind()) {
+    case RecordPlan::Kind::Text: {
+        const std::string_view text = step.member.getText(record);
         out.append(',');
         return (m_style.isSafe ? csv::appendGuardedLatin1 : csv::appendLatin1)(out, text.data(),
                                                                                text.size());
     }
-    case Step::Kind::Embedded:
-        return step.embedded->appendCells(out, element);
-    case Step::Kind::Array:
+    case RecordPlan::Kind::Embedded:
+        return step.embedded->appendCells(out, step.member.getElements(record));
+    case RecordPlan::Kind::Number:
+    case RecordPlan::Kind::Array:
+    case RecordPlan::Kind::Blocks:
         break;
     }
     out.append(',');
     const size_t start = out.size();
-    const uint32_t count = TQX_elementCount(m_type, *step.field, record);
-    for (uint32_t i = 0; i < count; ++i, element += step.size) {
+    const uint32_t count = step.member.countElements(record);
+    const uint32_t stride = step.member.getStride();
+    const char* element = step.member.getElements(record);
+    for (uint32_t i = 0; i < count; ++i, element += stride) {
         if (i != 0)
             out.append(';');
-        step.values.front().append(out, loadWord(element, step.size));
+        step.values.front().append(out, loadWord(element, stride));
     }
-    if (m_style.isSafe && step.field->type == TQX_MemberType::Char)
+    if (m_style.isSafe && step.member.getField().type == TQX_MemberType::Char)
         csv::guardFrom(out, start);
     csv::quoteFrom(out, start);
-}
-
-uint32_t CsvTable::countEntries(const Child& child, const void* record) const
-{
-    if (child.field->presence != TQX_Presence::Always &&
-        !TQX_isPresent(m_type, *child.field, record))
-        return 0;
-    return TQX_elementCount(m_type, *child.field, record);
-}
-
-const void* CsvTable::entry(const Child& child, const void* record, uint32_t index)
-{
-    return TQX_element(*child.field, record, index);
 }
 
 } // namespace tqx

@@ -2,7 +2,10 @@
 
 #include "TQX_Layout.h"
 #include "tqx/log/record/FieldFilter.h"
+#include "tqx/log/record/MemberReader.h"
+#include "tqx/log/select/RowCondition.h"
 #include "tqx/log/text/Buffer.h"
+#include "tqx/log/value/ValueStyle.h"
 #include "tqx_log_export.h"
 
 #include <memory>
@@ -14,10 +17,13 @@ namespace tqx
 
 /// How the cells of a table are written.
 struct CsvStyle {
-    bool isStored = false; ///< values as they are stored, without scale, unit and names
+    ValueStyle values;
     /// Texts of a log that a spreadsheet would take for formulas, those that begin with = + - @, a
     /// tab or a carriage return, get an apostrophe in front.
     bool isSafe = false;
+    /// Of all rows those that it holds for, null for all; must outlive the tables. The types of
+    /// these are among those that it was made for.
+    const RowCondition* rows = nullptr;
 };
 
 /// The columns for the records of one type: its fields in their order, those of a sub-block that
@@ -27,7 +33,7 @@ class TQX_LOG_API CsvTable
 public:
     /// A table below another one: the entries of an array of sub-blocks.
     struct Child {
-        const Kor::MessageApi::TQX_FieldLayout* field;
+        MemberReader member;
         std::unique_ptr<CsvTable> table;
     };
 
@@ -47,27 +53,40 @@ public:
 
     const std::vector<Child>& getChildren() const { return m_children; }
 
+    /// Whether a record of the type has a row, if the table has any.
+    bool accepts(const void* record) const
+    {
+        return !m_tests || m_style.rows->accepts(*m_tests, record);
+    }
+
     /// Appends the cells of a record of the type, each with a comma in front.
     void appendCells(Buffer& out, const void* record);
 
-    /// Number of entries that a record has in the array of a child, and the records of them.
-    uint32_t countEntries(const Child& child, const void* record) const;
-    static const void* entry(const Child& child, const void* record, uint32_t index);
+    /// Number of entries that a record has in the array of a child.
+    static uint32_t countEntries(const Child& child, const void* record)
+    {
+        return child.member.isPresent(record) ? child.member.countElements(record) : 0;
+    }
 
 private:
     struct Step;
 
-    void addStep(const Kor::MessageApi::TQX_FieldLayout& member);
-    void addCell(int row, bool isPart);
-    void addSubBlock(const Kor::MessageApi::TQX_FieldLayout& field, const FieldFilter& shown);
-    void appendStep(Buffer& out, Step& step, const void* record);
+    CsvTable(const RecordPlan& plan, const CsvStyle& style,
+             const Kor::MessageApi::TQX_TypeLayout& main, const RowCondition::Path& path);
+    void add(const RecordPlan& plan, const RecordPlan::Member& member,
+             const Kor::MessageApi::TQX_TypeLayout& main, const RowCondition::Path& path);
+    void addStep(const RecordPlan& plan, const RecordPlan::Member& member);
+    void addCells(Step& step, const std::vector<RecordPlan::Part>& parts);
+    void appendNumber(Buffer& out, Step& step, const void* record) const;
+    void appendOther(Buffer& out, Step& step, const void* record) const;
 
     const Kor::MessageApi::TQX_TypeLayout& m_type;
     CsvStyle m_style;
     std::vector<std::string> m_columns;
     std::vector<Step> m_steps;
     std::vector<Child> m_children;
-    bool m_showsKey = false; ///< the filter names what the key columns hold
+    const RowCondition::Tests* m_tests; ///< of the rows, or null
+    bool m_showsKey = false;            ///< the filter names what the key columns hold
 };
 
 } // namespace tqx

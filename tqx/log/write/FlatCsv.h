@@ -1,15 +1,18 @@
 #pragma once
 
+#include "tqx/log/write/CsvKey.h"
 #include "tqx/log/write/CsvTable.h"
 #include "tqx_log_export.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <string>
 
 namespace tqx
 {
 
 /// The messages of one type as one table. A message with sub-blocks has a row for each of them, in
-/// which what stands above the sub-block is repeated; columns of other sub-blocks are empty.
+/// which what is above the sub-block is repeated; columns of other sub-blocks are empty.
 class TQX_LOG_API FlatCsv
 {
 public:
@@ -20,16 +23,18 @@ public:
     /// Appends the line with the names of the columns.
     void writeHeader(Buffer& out) const;
 
-    /// Appends the rows of a record of the type.
-    void write(Buffer& out, const void* record);
+    /// Appends the rows of a record of the type, the `index`-th of the stream, from 0.
+    void write(Buffer& out, const void* record, uint64_t index);
 
 private:
     void writeColumns(Buffer& out, const CsvTable& table, const std::string& path) const;
-    void writeRows(Buffer& out, CsvTable& table, const void* record, size_t cellsBehind);
+    void writeRows(Buffer& out, const CsvTable& table, const void* record, size_t cellsAfter);
 
+    ValueStyle m_style;
     CsvTable m_top;
+    size_t m_cellsOfChildren;
+    CsvKey m_key;
     Buffer m_row;
-    uint64_t m_messages = 0;
 };
 
 } // namespace tqx

@@ -1,8 +1,9 @@
 #include "tqx/log/write/Paragraph.h"
 
-#include "tqx/log/record/Members.h"
+#include "tqx/log/record/MemberReader.h"
 #include "tqx/log/text/PrintableText.h"
 #include "tqx/log/text/TextCache.h"
+#include "tqx/log/time/LeapSeconds.h"
 #include "tqx/log/value/FieldText.h"
 
 #include <fmt/compile.h>
@@ -10,7 +11,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <iterator>
 #include <utility>
 
 namespace tqx
@@ -26,51 +26,25 @@ struct ParagraphPlan {
         FieldText text;
     };
 
-    /// The lines of one member: a number with the bit ranges packed in it, or anything else.
+    /// The lines of one member.
     struct Step {
-        const TQX_FieldLayout* field;
-        bool isOptional;
-        bool isNumber;
+        MemberReader member;
         bool isRepeated;
-        const TQX_FieldFacts* needed; ///< of a value not available without its inputs, or null
-        uint32_t size;                ///< of an element in bytes
-        std::vector<Line> lines;
-        TextCache cache;
-        std::string label;                   ///< of the sub-block
-        std::unique_ptr<ParagraphPlan> plan; ///< of the sub-block
+        std::vector<Line> lines; ///< none of a sub-block
+        TextCache cache;         ///< of a number
+        std::string label;       ///< of the sub-block
+        std::unique_ptr<ParagraphPlan> plan;
     };
 
-    const TQX_TypeLayout* type;
     std::string title; ///< what the block is
+    bool isStored;
     std::vector<Step> steps;
 };
 
 namespace
 {
 
-constexpr size_t step = 4;
-
-/// Whether a field belongs to the header that all main blocks have.
-bool isHeader(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
-{
-    return type.blockNumber != 0 && field.recordOffset <= offsetof(TQX_MainHeader_s, WNc);
-}
-
-ParagraphPlan::Step makeStep(const TQX_FieldLayout& member, const TQX_FieldFacts& facts,
-                             bool isStored)
-{
-    const uint32_t size = TQX_elementSize(member);
-    return {&member,
-            member.presence != TQX_Presence::Always,
-            isNumber(member),
-            facts.has(TQX_FieldFacts::Repeated),
-            facts.inputCount != 0 && !isStored ? &facts : nullptr,
-            size,
-            {},
-            {},
-            {},
-            nullptr};
-}
+constexpr size_t indent = 4;
 
 /// Fills the labels up to where the values begin.
 void alignValues(ParagraphPlan& plan)
@@ -86,32 +60,31 @@ void alignValues(ParagraphPlan& plan)
     }
 }
 
-std::unique_ptr<ParagraphPlan> makePlan(const TQX_TypeLayout& type, const FieldFilter& shown,
-                                        bool isStored, size_t indentation)
+std::unique_ptr<ParagraphPlan> makePlan(const RecordPlan& shown, const ValueStyle& style,
+                                        size_t indentation)
 {
-    const TQX_FieldFacts* facts = TQX_fieldFacts(type.recordType);
     auto plan = std::make_unique<ParagraphPlan>();
-    plan->type = &type;
-    plan->title = describeBlock(type.blockNumber);
-    int word = -1; // the row that the last step is about
-    for (const auto [row, inside] : shown.shownIn(type)) {
-        const TQX_FieldLayout& field = type.fields[row];
-        if (shown.isEverything() && isHeader(type, field))
-            continue;
-        const bool isPart = isPartOfNumber(type, field);
-        if (!isPart || field.parent != word) {
-            word = isPart ? field.parent : row;
-            plan->steps.push_back(makeStep(type.fields[word], facts[word], isStored));
-        }
+    plan->title = describeBlock(shown.type->blockNumber);
+    plan->isStored = style.isStored;
+    for (const RecordPlan::Member& member : shown.members) {
+        plan->steps.push_back({MemberReader(shown, member),
+                               member.facts->has(TQX_FieldFacts::Repeated),
+                               {},
+                               {},
+                               {},
+                               nullptr});
         ParagraphPlan::Step& added = plan->steps.back();
-        const size_t inwards = indentation + (field.kind == TQX_FieldKind::Bits ? step / 2 : 0);
-        const std::string label = std::string(inwards, ' ') + field.name;
-        if (field.recordType == 0) {
-            added.lines.push_back({label, FieldText(field, facts[row], isPart, isStored)});
-        } else {
-            added.label = label;
-            added.plan =
-                makePlan(*TQX_layout(field.recordType), *inside, isStored, indentation + step);
+        if (member.plan) {
+            added.label = std::string(indentation, ' ') + member.field->name;
+            added.plan = makePlan(*member.plan, style, indentation + indent);
+            continue;
+        }
+        for (const RecordPlan::Part& part : member.parts) {
+            const bool isBits = part.field->kind == TQX_FieldKind::Bits;
+            const size_t inwards = indentation + (isBits ? indent / 2 : 0);
+            const bool isPacked = part.field != member.field;
+            added.lines.push_back({std::string(inwards, ' ') + part.field->name,
+                                   FieldText(*part.field, *part.facts, isPacked, style)});
         }
     }
     alignValues(*plan);
@@ -130,9 +103,9 @@ void endLine(Buffer& out)
     out.append('\n');
 }
 
-void writeNumber(Buffer& out, ParagraphPlan::Step& part, const void* record)
+void writeNumber(Buffer& out, ParagraphPlan::Step& part, bool isStored, const void* record)
 {
-    if (part.needed && !TQX_hasInputs(*part.needed, record)) {
+    if (!isStored && !part.member.isAvailable(record)) {
         for (const ParagraphPlan::Line& line : part.lines) {
             out.append(line.label);
             FieldText::appendNotAvailable(out);
@@ -140,8 +113,7 @@ void writeNumber(Buffer& out, ParagraphPlan::Step& part, const void* record)
         }
         return;
     }
-    const uint64_t word =
-        loadWord(static_cast<const char*>(record) + part.field->recordOffset, part.size);
+    const uint64_t word = part.member.getWord(record);
     part.cache.append(out, word, [&part, word](Buffer& to) {
         for (const ParagraphPlan::Line& line : part.lines) {
             to.append(line.label);
@@ -170,7 +142,7 @@ void writeArray(Buffer& out, const ParagraphPlan::Line& line, const char* elemen
 
 void writeSubBlocks(Buffer& out, ParagraphPlan::Step& part, const char* element, uint32_t count)
 {
-    for (uint32_t i = 0; i < count; ++i, element += part.size) {
+    for (uint32_t i = 0; i < count; ++i, element += part.member.getStride()) {
         out.append(part.label);
         if (part.isRepeated) {
             out.append('[');
@@ -185,32 +157,34 @@ void writeSubBlocks(Buffer& out, ParagraphPlan::Step& part, const char* element,
 void writeRecord(Buffer& out, ParagraphPlan& plan, const void* record)
 {
     for (ParagraphPlan::Step& part : plan.steps) {
-        const TQX_FieldLayout& field = *part.field;
-        if (part.isOptional && !TQX_isPresent(*plan.type, field, record))
+        if (!part.member.isPresent(record))
             continue;
-        if (part.isNumber) {
-            writeNumber(out, part, record);
+        if (part.member.isNumber()) {
+            writeNumber(out, part, plan.isStored, record);
             continue;
         }
-        if (isText(field)) {
+        if (part.member.getKind() == RecordPlan::Kind::Text) {
             out.append(part.lines.front().label);
-            appendPrintableLatin1(out, textOf(field, record));
+            appendPrintableLatin1(out, part.member.getText(record));
             endLine(out);
             continue;
         }
-        const uint32_t count = TQX_elementCount(*plan.type, field, record);
-        const auto* element = static_cast<const char*>(TQX_element(field, record));
+        const uint32_t count = part.member.countElements(record);
+        const char* element = part.member.getElements(record);
         if (part.plan) {
             writeSubBlocks(out, part, element, count);
         } else if (count != 0) {
-            writeArray(out, part.lines.front(), element, part.size, count);
+            writeArray(out, part.lines.front(), element, part.member.getStride(), count);
         }
     }
 }
 
 } // namespace
 
-Paragraph::Paragraph(const FieldFilter& shown, Values mode) : m_filter(shown), m_values(mode) {}
+Paragraph::Paragraph(const FieldFilter& shown, const ValueStyle& wanted, bool wantsUtc)
+    : m_filter(shown), m_style(wanted), m_isUtc(wantsUtc)
+{
+}
 
 Paragraph::~Paragraph() = default;
 
@@ -219,8 +193,10 @@ ParagraphPlan& Paragraph::planOf(uint32_t recordType)
     if (m_plans.size() <= recordType)
         m_plans.resize(recordType + 1);
     std::unique_ptr<ParagraphPlan>& plan = m_plans[recordType];
-    if (!plan)
-        plan = makePlan(*TQX_layout(recordType), m_filter, m_values == Values::Stored, step);
+    if (!plan) {
+        plan = makePlan(planRecord(*TQX_layout(recordType), m_filter, ShownFields::WithoutHeader),
+                        m_style, indent);
+    }
     return *plan;
 }
 
@@ -229,7 +205,9 @@ void Paragraph::appendTitle(Buffer& out, std::string_view what, const Block& blo
     const std::optional<GnssMillis> time = block.getTime();
     if (time != m_lastTime || m_lastTimeText.empty()) {
         m_lastTime = time;
-        m_lastTimeText = time ? timeText(*time) : "no time";
+        m_lastTimeText = !time     ? "no time"
+                         : m_isUtc ? weekText(*time) + "  " + utcText(*time)
+                                   : timeText(*time);
     }
     out.append(what);
     out.append("  ");

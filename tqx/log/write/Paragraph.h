@@ -3,6 +3,7 @@
 #include "tqx/log/record/FieldFilter.h"
 #include "tqx/log/stream/Block.h"
 #include "tqx/log/text/Buffer.h"
+#include "tqx/log/value/ValueStyle.h"
 #include "tqx_log_export.h"
 
 #include <cstdint>
@@ -24,13 +25,9 @@ struct ParagraphPlan;
 class TQX_LOG_API Paragraph
 {
 public:
-    /// How values are shown.
-    enum class Values {
-        Scaled, ///< with unit, scale and names
-        Stored, ///< the numbers as they stand in the block
-    };
-
-    Paragraph(const FieldFilter& filter, Values values);
+    /// With `isUtc` the time in the first line is in UTC, without it on the GPS scale. The filter
+    /// must outlive this.
+    explicit Paragraph(const FieldFilter& filter, const ValueStyle& style = {}, bool isUtc = false);
     ~Paragraph();
     Paragraph(const Paragraph&) = delete;
     Paragraph& operator=(const Paragraph&) = delete;
@@ -49,7 +46,8 @@ private:
     void appendTitle(Buffer& out, std::string_view what, const Block& block);
 
     const FieldFilter& m_filter;
-    Values m_values;
+    ValueStyle m_style;
+    bool m_isUtc;
     std::vector<std::unique_ptr<ParagraphPlan>> m_plans; ///< by record type
     std::optional<GnssMillis> m_lastTime;                ///< the blocks of an epoch share it
     std::string m_lastTimeText;

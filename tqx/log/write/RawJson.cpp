@@ -1,6 +1,7 @@
 #include "tqx/log/write/RawJson.h"
 
 #include "TQX_codec.h"
+#include "tqx/log/record/MemberReader.h"
 #include "tqx/log/text/JsonText.h"
 #include "tqx/log/text/NumberText.h"
 #include "tqx/log/text/TextCache.h"
@@ -18,7 +19,7 @@ using namespace Kor::MessageApi;
 /// How the records of one type are written.
 struct RawPlan {
     struct Step {
-        const TQX_FieldLayout* field;
+        MemberReader member;
         std::string key;               ///< with the comma that parts it from the field before
         TextCache cache;               ///< of a single number
         std::unique_ptr<RawPlan> plan; ///< of the sub-block that the field holds
@@ -27,7 +28,6 @@ struct RawPlan {
     const TQX_TypeLayout* type;
     std::string opening; ///< of a line, up to the value of "fields"
     std::vector<Step> steps;
-    bool whole = true; ///< whether all fields are written
 };
 
 namespace
@@ -117,17 +117,16 @@ void Writer::writeElement(const TQX_FieldLayout& field, const void* element)
 
 void Writer::writeNumber(RawPlan::Step& step, const void* record)
 {
-    const TQX_FieldLayout& field = *step.field;
-    const void* element = static_cast<const char*>(record) + field.recordOffset;
-    // Texts that are kept would not tell an odd NaN.
+    const TQX_FieldLayout& field = step.member.getField();
     const auto make = [&](Buffer&) {
         m_out.append(step.key);
-        writeElement(field, element);
+        writeElement(field, step.member.getElements(record));
     };
+    // Texts that are kept would not tell an odd NaN.
     if (field.type == TQX_MemberType::F32 || field.type == TQX_MemberType::F64) {
         make(m_out);
     } else {
-        step.cache.append(m_out, TQX_unsignedValue(field, record), make);
+        step.cache.append(m_out, step.member.getWord(record), make);
     }
 }
 
@@ -166,34 +165,29 @@ void Writer::writeArray(const TQX_TypeLayout& type, const TQX_FieldLayout& field
 
 void Writer::writeField(RawPlan& plan, RawPlan::Step& step, const void* record)
 {
-    const TQX_FieldLayout& field = *step.field;
-    if (field.kind == TQX_FieldKind::Value)
+    if (step.member.isNumber())
         return writeNumber(step, record);
     m_out.append(step.key);
-    switch (field.kind) {
-    case TQX_FieldKind::Array:
-    case TQX_FieldKind::CountedArray:
-        return writeArray(*plan.type, field, record);
-    case TQX_FieldKind::Text:
-    case TQX_FieldKind::CountedText:
-        return writeText(*plan.type, field, record);
-    case TQX_FieldKind::Embedded:
-        return writeRecord(*step.plan, TQX_element(field, record));
-    case TQX_FieldKind::Blocks: {
-        const uint32_t count = TQX_elementCount(*plan.type, field, record);
-        const auto* entry = static_cast<const uint8_t*>(TQX_element(field, record));
+    switch (step.member.getKind()) {
+    case RecordPlan::Kind::Array:
+        return writeArray(*plan.type, step.member.getField(), record);
+    case RecordPlan::Kind::Text:
+        return writeText(*plan.type, step.member.getField(), record);
+    case RecordPlan::Kind::Embedded:
+        return writeRecord(*step.plan, step.member.getElements(record));
+    case RecordPlan::Kind::Blocks: {
+        const uint32_t count = step.member.countElements(record);
+        const char* entry = step.member.getElements(record);
         m_out.append('[');
-        for (uint32_t i = 0; i < count; ++i) {
+        for (uint32_t i = 0; i < count; ++i, entry += step.member.getStride()) {
             if (i != 0)
                 m_out.append(',');
-            writeRecord(*step.plan, entry + size_t{i} * step.plan->type->recordSize);
+            writeRecord(*step.plan, entry);
         }
         m_out.append(']');
         return;
     }
-    case TQX_FieldKind::Value:
-    case TQX_FieldKind::Bits:
-    case TQX_FieldKind::Derived:
+    case RecordPlan::Kind::Number:
         return;
     }
 }
@@ -202,8 +196,8 @@ void Writer::writeRecord(RawPlan& plan, const void* record)
 {
     const size_t start = m_out.size();
     for (RawPlan::Step& step : plan.steps) {
-        const TQX_FieldLayout& field = *step.field;
-        if (field.presence != TQX_Presence::Always && !TQX_isPresent(*plan.type, field, record)) {
+        const TQX_FieldLayout& field = step.member.getField();
+        if (!step.member.isPresent(record)) {
             // On the wire although the record's revision does not have it.
             m_exact = m_exact && !(field.alwaysSent && !isZero(field, record));
             continue;
@@ -222,22 +216,16 @@ void Writer::writeRecord(RawPlan& plan, const void* record)
     m_out.append('}');
 }
 
-std::unique_ptr<RawPlan> makePlan(const TQX_TypeLayout& type, const FieldFilter& shown)
+std::unique_ptr<RawPlan> makePlan(const RecordPlan& shown)
 {
     auto plan = std::make_unique<RawPlan>();
-    plan->type = &type;
-    plan->opening = "{\"block\":\"" + std::string(type.name) + "\",\"fields\":";
-    plan->whole = shown.isEverything();
-    for (const auto [i, inside] : shown.shownIn(type)) {
-        const TQX_FieldLayout& field = type.fields[i];
-        if (field.kind == TQX_FieldKind::Bits || field.kind == TQX_FieldKind::Derived)
-            continue;
-        RawPlan::Step step = {&field, "," + json::key(field.name), {}, nullptr};
-        if (field.recordType != 0) {
-            step.plan = makePlan(*TQX_layout(field.recordType), *inside);
-            plan->whole = plan->whole && step.plan->whole;
-        }
-        plan->steps.push_back(std::move(step));
+    plan->type = shown.type;
+    plan->opening = "{\"block\":\"" + std::string(shown.type->name) + "\",\"fields\":";
+    for (const RecordPlan::Member& member : shown.members) {
+        plan->steps.push_back({MemberReader(shown, member),
+                               "," + json::key(member.field->name),
+                               {},
+                               member.plan ? makePlan(*member.plan) : nullptr});
     }
     return plan;
 }
@@ -257,7 +245,7 @@ RawPlan& RawJson::planOf(uint32_t recordType)
         m_plans.resize(recordType + 1);
     std::unique_ptr<RawPlan>& plan = m_plans[recordType];
     if (!plan)
-        plan = makePlan(*TQX_layout(recordType), m_filter);
+        plan = makePlan(planRecord(*TQX_layout(recordType), m_filter, ShownFields::OnWire));
     return *plan;
 }
 
@@ -272,7 +260,7 @@ void RawJson::write(Buffer& out, const DecodedBlock& decoded)
     out.append(plan.opening);
     Writer writer(out);
     writer.writeRecord(plan, decoded.record);
-    if (plan.whole) {
+    if (m_filter.isEverything()) {
         bool exact = writer.isExact();
         if (exact && !decoded.isCovered()) {
             const int32_t bits = TQX_reencode(

@@ -1,7 +1,7 @@
 #include "tqx/log/write/ValueJson.h"
 
 #include "TQX_codec.h"
-#include "tqx/log/record/Members.h"
+#include "tqx/log/record/MemberReader.h"
 #include "tqx/log/text/JsonText.h"
 #include "tqx/log/text/NumberText.h"
 #include "tqx/log/text/PaddedText.h"
@@ -23,23 +23,14 @@ struct ValuePlan {
         ShownValue value;
     };
 
-    /// What is written of one member: a number with the bit ranges packed in it, or anything else.
+    /// What is written of one member.
     struct Step {
-        // What every number needs stands together.
-        bool isNumber;
-        bool isOptional;
-        bool hasInputs;
-        uint32_t size;   ///< of a number in bytes
-        uint32_t offset; ///< in the record
-        TextCache cache;
-        const TQX_FieldLayout* field;
-        const TQX_FieldFacts* facts;
-        std::vector<Part> parts; ///< of a number; else at most the one for the elements
-        PaddedText key;
+        MemberReader member;
+        TextCache cache;                 ///< of a number
+        std::vector<Part> parts;         ///< of a number; of anything else the one that it is
         std::unique_ptr<ValuePlan> plan; ///< of the sub-block
     };
 
-    const TQX_TypeLayout* type;
     PaddedText opening; ///< of a line, up to its time
     std::vector<Step> steps;
 };
@@ -49,39 +40,20 @@ namespace
 
 const Notation notation = {"null", json::text, json::appendLatin1};
 
-std::unique_ptr<ValuePlan> makePlan(const TQX_TypeLayout& type, const FieldFilter& shown)
+std::unique_ptr<ValuePlan> makePlan(const RecordPlan& shown, const ValueStyle& style)
 {
-    const TQX_FieldFacts* facts = TQX_fieldFacts(type.recordType);
     auto plan = std::make_unique<ValuePlan>();
-    plan->type = &type;
-    plan->opening = PaddedText("{\"block\":" + json::text(type.name));
-    int word = -1; // the row that the last step is about
-    for (const auto [i, inside] : shown.shownIn(type)) {
-        const TQX_FieldLayout& field = type.fields[i];
-        const PaddedText key("," + json::key(field.name));
-        const bool isPart = isPartOfNumber(type, field);
-        if (!isPart || field.parent != word) {
-            word = isPart ? field.parent : i;
-            const TQX_FieldLayout& member = type.fields[word];
-            const uint32_t size = field.recordType == 0 ? TQX_elementSize(member) : 0;
-            plan->steps.push_back({isNumber(member),
-                                   member.presence != TQX_Presence::Always,
-                                   facts[word].inputCount != 0,
-                                   size,
-                                   member.recordOffset,
-                                   {},
-                                   &member,
-                                   facts + word,
-                                   {},
-                                   key,
-                                   nullptr});
-        }
+    plan->opening = PaddedText("{\"block\":" + json::text(shown.type->name));
+    for (const RecordPlan::Member& member : shown.members) {
+        plan->steps.push_back({MemberReader(shown, member), {}, {}, nullptr});
         ValuePlan::Step& step = plan->steps.back();
-        if (field.recordType != 0) {
-            step.plan = makePlan(*TQX_layout(field.recordType), *inside);
-        } else {
-            step.parts.push_back({key, ShownValue(field, facts[i], isPart, notation)});
+        for (const RecordPlan::Part& part : member.parts) {
+            const bool isPacked = part.field != member.field;
+            step.parts.push_back({PaddedText("," + json::key(part.field->name)),
+                                  ShownValue(*part.field, *part.facts, isPacked, notation, style)});
         }
+        if (member.plan)
+            step.plan = makePlan(*member.plan, style);
     }
     return plan;
 }
@@ -90,14 +62,14 @@ void writeRecord(Buffer& out, ValuePlan& plan, const void* record);
 
 void writeNumber(Buffer& out, ValuePlan::Step& step, const void* record)
 {
-    if (step.hasInputs && !TQX_hasInputs(*step.facts, record)) {
+    if (!step.member.isAvailable(record)) {
         for (const ValuePlan::Part& part : step.parts) {
             part.key.appendTo(out);
             part.value.appendNotAvailable(out);
         }
         return;
     }
-    const uint64_t word = loadWord(static_cast<const char*>(record) + step.offset, step.size);
+    const uint64_t word = step.member.getWord(record);
     step.cache.append(out, word, [&step, word](Buffer& to) {
         for (const ValuePlan::Part& part : step.parts) {
             part.key.appendTo(to);
@@ -106,27 +78,19 @@ void writeNumber(Buffer& out, ValuePlan::Step& step, const void* record)
     });
 }
 
-void writeText(Buffer& out, const TQX_FieldLayout& field, const void* record)
+void writeArray(Buffer& out, ValuePlan::Step& step, const void* record)
 {
-    const std::string_view text = textOf(field, record);
-    json::appendLatin1(out, text.data(), text.size());
-}
-
-void writeArray(Buffer& out, const ValuePlan& plan, ValuePlan::Step& step, const void* record)
-{
-    const TQX_FieldLayout& field = *step.field;
-    const uint32_t count = TQX_elementCount(*plan.type, field, record);
-    const ShownValue* value = step.plan ? nullptr : &step.parts.front().value;
-    const uint32_t stride = step.plan ? step.plan->type->recordSize : step.size;
-    const auto* element = static_cast<const char*>(TQX_element(field, record));
+    const uint32_t count = step.member.countElements(record);
+    const uint32_t stride = step.member.getStride();
+    const char* element = step.member.getElements(record);
     out.append('[');
     for (uint32_t i = 0; i < count; ++i, element += stride) {
         if (i != 0)
             out.append(',');
-        if (value) {
-            value->append(out, loadWord(element, stride));
-        } else {
+        if (step.plan) {
             writeRecord(out, *step.plan, element);
+        } else {
+            step.parts.front().value.append(out, loadWord(element, stride));
         }
     }
     out.append(']');
@@ -136,20 +100,20 @@ void writeRecord(Buffer& out, ValuePlan& plan, const void* record)
 {
     const size_t start = out.size();
     for (ValuePlan::Step& step : plan.steps) {
-        if (step.isOptional && !TQX_isPresent(*plan.type, *step.field, record))
+        if (!step.member.isPresent(record))
             continue;
-        if (step.isNumber) {
+        if (step.member.isNumber()) {
             writeNumber(out, step, record);
             continue;
         }
-        const TQX_FieldLayout& field = *step.field;
-        step.key.appendTo(out);
-        if (field.kind == TQX_FieldKind::Embedded) {
-            writeRecord(out, *step.plan, TQX_element(field, record));
-        } else if (isText(field)) {
-            writeText(out, field, record);
+        step.parts.front().key.appendTo(out);
+        if (step.member.getKind() == RecordPlan::Kind::Embedded) {
+            writeRecord(out, *step.plan, step.member.getElements(record));
+        } else if (step.member.getKind() == RecordPlan::Kind::Text) {
+            const std::string_view text = step.member.getText(record);
+            json::appendLatin1(out, text.data(), text.size());
         } else {
-            writeArray(out, plan, step, record);
+            writeArray(out, step, record);
         }
     }
     // The first field brought a comma where the object begins.
@@ -163,7 +127,10 @@ void writeRecord(Buffer& out, ValuePlan& plan, const void* record)
 
 } // namespace
 
-ValueJson::ValueJson(const FieldFilter& shown) : m_filter(shown) {}
+ValueJson::ValueJson(const FieldFilter& shown, const ValueStyle& wanted)
+    : m_filter(shown), m_style(wanted)
+{
+}
 
 ValueJson::~ValueJson() = default;
 
@@ -173,7 +140,7 @@ ValuePlan& ValueJson::planOf(uint32_t recordType)
         m_plans.resize(recordType + 1);
     std::unique_ptr<ValuePlan>& plan = m_plans[recordType];
     if (!plan)
-        plan = makePlan(*TQX_layout(recordType), m_filter);
+        plan = makePlan(planRecord(*TQX_layout(recordType), m_filter, ShownFields::All), m_style);
     return *plan;
 }
 

@@ -3,6 +3,7 @@
 #include "tqx/log/record/DecodedBlock.h"
 #include "tqx/log/record/FieldFilter.h"
 #include "tqx/log/text/Buffer.h"
+#include "tqx/log/value/ValueStyle.h"
 #include "tqx_log_export.h"
 
 #include <cstdint>
@@ -33,7 +34,8 @@ struct ValuePlan;
 class TQX_LOG_API ValueJson
 {
 public:
-    explicit ValueJson(const FieldFilter& filter);
+    /// Of the style only whether angles are in degrees counts. The filter must outlive this.
+    explicit ValueJson(const FieldFilter& filter, const ValueStyle& style = {});
     ~ValueJson();
     ValueJson(const ValueJson&) = delete;
     ValueJson& operator=(const ValueJson&) = delete;
@@ -55,6 +57,7 @@ private:
     void appendTime(Buffer& out, const Block& block);
 
     const FieldFilter& m_filter;
+    ValueStyle m_style;
     std::vector<std::unique_ptr<ValuePlan>> m_plans; ///< by record type
     std::optional<GnssMillis> m_lastTime;            ///< the blocks of an epoch share it
     std::string m_lastTimeText;

@@ -23,21 +23,24 @@ namespace
 {
 
 constexpr uint32_t longestBlock = 0xffff;
-constexpr int32_t highestEnum = 382;
 
 std::atomic<int> traceLevel{-1};
 
 bool isEnum(int32_t messageEnum)
 {
-    return messageEnum >= 0 && messageEnum <= highestEnum;
+    return messageEnum >= 0 && messageEnum <= static_cast<int32_t>(TQX_lastRecordType);
 }
 
-// The bits of all main block types.
-TQX_Context_s freshContext()
+// Sets the bits of all main block types, those without message class included, and no others.
+void setMainTypes(TQX_Context_s& context, bool isEnabled)
 {
-    TQX_Context_s context;
-    TQX_init_context(&context);
-    return context;
+    TQX_Context_s fresh;
+    TQX_init_context(&fresh);
+    for (uint32_t type = 1; type <= TQX_lastRecordType; ++type) {
+        if (TQX_isEnabled(&fresh, type)) {
+            TQX_enable(context, type, isEnabled);
+        }
+    }
 }
 
 const Message* createMessage(const void* record)
@@ -138,34 +141,25 @@ void TQXDecoder::publishFailure(int32_t result)
 
 void TQXDecoder::enableAllMessages()
 {
-    const TQX_Context_s fresh = freshContext();
-    for (size_t i = 0; i < sizeof fresh.enableMask; ++i) {
-        m_context.enableMask[i] |= fresh.enableMask[i];
-    }
+    setMainTypes(m_context, true);
 }
 
 void TQXDecoder::disableAllMessages()
 {
-    const TQX_Context_s fresh = freshContext();
-    for (size_t i = 0; i < sizeof fresh.enableMask; ++i) {
-        m_context.enableMask[i] &= static_cast<uint8_t>(~fresh.enableMask[i]);
-    }
+    setMainTypes(m_context, false);
 }
 
 void TQXDecoder::enableMessageEnum(int32_t messageEnum)
 {
     if (isEnum(messageEnum)) {
-        const auto recordType = static_cast<unsigned>(messageEnum);
-        m_context.enableMask[TQX_enableByte(recordType)] |= TQX_enableBit(recordType);
+        TQX_enable(m_context, static_cast<unsigned>(messageEnum), true);
     }
 }
 
 void TQXDecoder::disableMessageEnum(int32_t messageEnum)
 {
     if (isEnum(messageEnum)) {
-        const auto recordType = static_cast<unsigned>(messageEnum);
-        m_context.enableMask[TQX_enableByte(recordType)] &=
-            static_cast<uint8_t>(~TQX_enableBit(recordType));
+        TQX_enable(m_context, static_cast<unsigned>(messageEnum), false);
     }
 }
 

@@ -10,8 +10,8 @@
 /// Turns the bytes of one TQX block into a published message object.
 ///
 /// The metadata must exist before the first decoder does: call TQX_FormatInfo::getInstance().
-/// The message enum of a type is its record-type number, 1 to 382. A new decoder decodes every
-/// type. Used by one thread at a time; everything is published during decodeMessage.
+/// The message enum of a type is its record-type number, 1 to TQX_lastRecordType. A new decoder
+/// decodes every type. Used by one thread at a time; everything is published during decodeMessage.
 class TQX_API TQXDecoder : public AbstractDecoder
 {
     Q_OBJECT
@@ -41,10 +41,11 @@ public:
     /// Disables them again. What was enabled for sub-block types stays, and means nothing.
     void disableAllMessages() override;
 
-    /// Enables or disables one type from the next block on. Numbers outside 0 to 382 are ignored.
+    /// Enables or disables one type from the next block on. Numbers outside 0 to TQX_lastRecordType
+    /// are ignored.
     void enableMessageEnum(int32_t messageEnum) override;
     void disableMessageEnum(int32_t messageEnum) override;
-    /// False also for numbers outside 0 to 382.
+    /// False also for numbers outside 0 to TQX_lastRecordType.
     bool isEnabledMessageEnum(int32_t messageEnum) const override;
 
 private:

@@ -21,14 +21,15 @@ constexpr uint32_t lengthBit = 48;
 
 /// Which of the optional fields are written.
 enum class Fields {
-    All,    ///< every field, and the padding of the highest revision in blocks of that revision
+    All,    ///< every field that the type began with, and the padding of the highest revision that
+            ///< it began with in blocks of that revision; of what was added since, as AsRead
     AsRead, ///< what decoding reads for the record's revision
 };
 
 /// Whether a field that a revision brought in, or padding, is written. Content that a selector
 /// chooses stays chosen in either mode.
 bool isWritten(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const void* record,
-               Fields fields, unsigned revision, unsigned highestRevision)
+               Fields fields, unsigned revision, unsigned ownRevision)
 {
     switch (field.presence) {
     case TQX_Presence::Always:
@@ -36,10 +37,11 @@ bool isWritten(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const v
     case TQX_Presence::Selected:
         return TQX_isPresent(type, field, record);
     case TQX_Presence::SinceRevision:
-        return fields == Fields::All || field.alwaysSent || revision >= field.presenceValue;
+        return (fields == Fields::All && !field.isAddition) || field.alwaysSent ||
+               revision >= field.presenceValue;
     case TQX_Presence::OnlyRevision:
         return revision == field.presenceValue &&
-               (fields == Fields::AsRead || revision == highestRevision);
+               (fields == Fields::AsRead || field.isAddition || revision == ownRevision);
     }
     return true;
 }
@@ -264,7 +266,7 @@ int32_t Encoder::writeRecord(const TQX_TypeLayout& type, void* record, uint32_t 
     for (int i = 0; i < type.fieldCount; ++i) {
         const TQX_FieldLayout& field = type.fields[i];
         if (field.kind == TQX_FieldKind::Bits || field.kind == TQX_FieldKind::Derived ||
-            !isWritten(type, field, record, m_fields, m_revision, m_mainType.highestRevision))
+            !isWritten(type, field, record, m_fields, m_revision, m_mainType.ownRevision))
             continue;
         if (field.kind == TQX_FieldKind::Value) {
             const uint32_t bits = TQX_elementSize(field) * 8;
@@ -312,7 +314,7 @@ void Encoder::forceLengths(const TQX_TypeLayout& type)
         if (field.length >= 0 && (field.lengthInMain || &type == &m_mainType)) {
             const TQX_FieldLayout& length = m_mainType.fields[field.length];
             if (m_revision <= 1 || TQX_unsignedValue(length, m_main) == 0)
-                writeUnsigned(length, m_main, 0, fullEntrySize(sub));
+                writeUnsigned(length, m_main, 0, fullEntrySize(sub, m_revision));
         }
         forceLengths(sub);
     }
@@ -371,7 +373,7 @@ uint32_t entrySize(const TQX_TypeLayout& type, Fields fields, unsigned revision)
         if (field.kind == TQX_FieldKind::Embedded) {
             bytes += largestContent(type, i, fields, revision);
         } else if (field.presence != TQX_Presence::Selected &&
-                   isWritten(type, field, nullptr, fields, revision, type.highestRevision)) {
+                   isWritten(type, field, nullptr, fields, revision, type.ownRevision)) {
             bytes += TQX_elementSize(field) * field.elements;
         }
     }
@@ -380,9 +382,9 @@ uint32_t entrySize(const TQX_TypeLayout& type, Fields fields, unsigned revision)
 
 } // namespace
 
-uint32_t fullEntrySize(const TQX_TypeLayout& type)
+uint32_t fullEntrySize(const TQX_TypeLayout& type, unsigned revision)
 {
-    return entrySize(type, Fields::All, 0);
+    return entrySize(type, Fields::All, revision);
 }
 
 int32_t encodeRecord(const TQX_TypeLayout& type, unsigned char* buffer, uint16_t bufferSize,

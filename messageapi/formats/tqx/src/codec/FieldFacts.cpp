@@ -54,6 +54,15 @@ std::string_view TQX_unit(const TQX_FieldFacts& field)
     return Facts::texts + field.unit;
 }
 
+std::string_view TQX_unitSymbol(std::string_view unit)
+{
+    for (uint32_t i = 0; i < Facts::unitCount; ++i) {
+        if (Facts::texts + Facts::units[i].word == unit)
+            return Facts::texts + Facts::units[i].symbol;
+    }
+    return {};
+}
+
 double TQX_scale(const TQX_FieldFacts& field)
 {
     return Facts::reals[field.scale];

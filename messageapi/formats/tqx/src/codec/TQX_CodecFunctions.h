@@ -46,11 +46,12 @@
 /// and set right. Takes an initialised or decoded record. The count is not guarded: a count field
 /// of one byte wraps at the 256th element, so stop at 255 (65,535 where the field has two bytes).
 ///
-/// TQX_encode_<Name> writes a main block's record as one framed block, every field of the type at
-/// every revision but for content that a selecting field leaves out, and of padding only that of
-/// the highest known revision. Takes an initialised or decoded record whose counts are those of its
-/// arrays. An ID of 0 goes out as Revision and BlockNumber say, another one as it is but for the
-/// revision, which is that of Revision unless this is 0.
+/// TQX_encode_<Name> writes a main block's record as one framed block, every field that the type
+/// had in its first edition at every revision but for content that a selecting field leaves out,
+/// and of padding only that of the highest revision known then. What later editions added is
+/// written in blocks of its revisions only. Takes an initialised or decoded record whose counts are
+/// those of its arrays. An ID of 0 goes out as Revision and BlockNumber say, another one as it is
+/// but for the revision, which is that of Revision unless this is 0.
 /// - Entry lengths (SBLength and the like): forced in the record to what is written at revisions 0
 ///   and 1, and up to the highest known revision where they are 0. At revisions beyond that they go
 ///   out as the record holds them, and it is the caller who must store the true length.

@@ -121,6 +121,10 @@ struct TQX_FieldInputs {
 /// Unit word, such as "meter"; empty for none.
 TQX_CODEC_API std::string_view TQX_unit(const TQX_FieldFacts& field);
 
+/// Symbol of a unit word, such as "m" or "m/s²"; empty for what is no unit word of the description.
+/// Takes a search: look it up once for a field, not for each value.
+TQX_CODEC_API std::string_view TQX_unitSymbol(std::string_view unit);
+
 /// What a stored integer is multiplied with; 0 for none.
 TQX_CODEC_API double TQX_scale(const TQX_FieldFacts& field);
 
@@ -166,7 +170,7 @@ TQX_CODEC_API std::string_view TQX_description(const TQX_TypeFacts& type);
 
 extern "C" {
 
-/// Facts of a record type (1 to 382), or null when there is no such type.
+/// Facts of a record type (1 to TQX_lastRecordType), or null when there is no such type.
 TQX_CODEC_API const Kor::MessageApi::TQX_TypeFacts* TQX_typeFacts(uint32_t recordType);
 
 /// Facts of its fields, as many as TQX_layout(recordType)->fieldCount, or null.

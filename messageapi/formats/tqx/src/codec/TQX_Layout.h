@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TQX_Edition.h"
 #include "tqx_codec_export.h"
 
 #include <cstdint>
@@ -56,6 +57,9 @@ struct TQX_FieldLayout {
     bool alwaysSent;               ///< on the wire even when `presence` says that it is absent
     bool countsBytes;              ///< `count` holds bytes, not elements
     bool isPadding;                ///< padding, named "_padding<k>"
+    uint8_t edition;               ///< of the format, that brought the field
+    bool isAddition;               ///< on the wire since a later edition than that of the type: in
+                                   ///< blocks of its revisions only, whoever writes them
     void (*derive)(void* record);  ///< computes what derives from this field once it is read
     void* (*append)(void* record); ///< Blocks: adds an element to the array, else null
 };
@@ -66,10 +70,12 @@ struct TQX_TypeLayout {
     const TQX_FieldLayout* fields;
     uint16_t fieldCount;
     uint16_t firstSubBlock;    ///< row of the first sub-block field, fieldCount when there is none
-    uint16_t recordType;       ///< record-type number, 1 to 382
+    uint16_t recordType;       ///< record-type number, 1 to TQX_lastRecordType
     uint16_t blockNumber;      ///< 13-bit block number; 0 for a sub-block
     uint8_t linksToMain;       ///< parent links from this record up to its main block, 0 for a main
     uint8_t highestRevision;   ///< last revision that changed the layout
+    uint8_t ownRevision;       ///< likewise, by the fields that the type had in its first edition
+    uint8_t edition;           ///< of the format, that brought the type
     bool hasMessage;           ///< whether a message class exists
     uint32_t recordSize;       ///< sizeof the record
     int32_t sizeUnderflow;     ///< SIZE_UNDERFLOW code
@@ -87,7 +93,7 @@ struct TQX_TypeLayout {
 
 extern "C" {
 
-/// Layout of a record type (1 to 382), or null when there is no such type.
+/// Layout of a record type (1 to TQX_lastRecordType), or null when there is no such type.
 TQX_CODEC_API const Kor::MessageApi::TQX_TypeLayout* TQX_layout(uint32_t recordType);
 
 /// Record type of a block number, or 0 when no main block has it.

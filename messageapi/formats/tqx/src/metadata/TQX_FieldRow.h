@@ -26,7 +26,7 @@ struct TQX_TypeRow {
     uint16_t recordType;
 };
 
-/// Row of a record type (1 to 382), null for types without message class.
+/// Row of a record type (1 to TQX_lastRecordType), null for types without message class.
 TQX_API const TQX_TypeRow* TQX_typeRow(uint32_t recordType);
 
 /// Field rows of a record type, as many as TQX_layout(recordType)->fieldCount; null for types

@@ -1,5 +1,7 @@
 #include "emit/Emitters.h"
+#include "model/Limits.h"
 #include "model/Selection.h"
+#include "read/Keys.h"
 #include "read/Load.h"
 
 #include <CLI/CLI.hpp>
@@ -7,7 +9,10 @@
 
 #include <cstdio>
 #include <exception>
-#include <set>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -23,6 +28,9 @@ struct Options {
     std::string only;
     bool listOutputs = false;
     bool check = false;
+    int edition = 0;
+    bool updateLedger = false;
+    bool keys = false;
 };
 
 int report(const Errors& errors)
@@ -33,13 +41,39 @@ int report(const Errors& errors)
     return 1;
 }
 
+std::filesystem::path ledgerPath(const Options& options)
+{
+    return std::filesystem::path(options.description) / "ledger.txt";
+}
+
+/// A description that has one edition only needs no ledger.
+Ledger readLedger(const Options& options, Errors& errors)
+{
+    const std::filesystem::path path = ledgerPath(options);
+    std::ifstream stream(path, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(stream), {}};
+    return Ledger(path.string(), text, options.updateLedger, errors);
+}
+
+void writeLedger(const Options& options, const Ledger& ledger)
+{
+    std::ofstream stream(ledgerPath(options), std::ios::binary | std::ios::trunc);
+    stream << ledger.text();
+    stream.close();
+    if (!stream)
+        throw std::runtime_error(ledgerPath(options).string() + ": cannot be written");
+}
+
 int generate(const Options& options)
 {
     Errors errors;
     const std::vector<Source> sources = readSources(options.description, errors);
     if (!errors.empty())
         return report(errors);
-    const Format format = load(sources, errors);
+    Ledger ledger = readLedger(options, errors);
+    const Format format = loadWithHistory(sources, errors, {options.edition, &ledger});
+    if (errors.empty() && ledger.hasGrown())
+        writeLedger(options, ledger);
     const Selection selection = select(format, options.types, errors);
     if (!errors.empty())
         return report(errors);
@@ -58,6 +92,8 @@ int generate(const Options& options)
     // For people, so it is written only when asked for.
     if (options.only == "reference")
         emitReference(format, selection, output);
+    if (options.only == "names")
+        emitNames(selection, output);
     if (options.listOutputs) {
         for (const std::string& name : output.names())
             fmt::print("{}\n", name);
@@ -73,19 +109,32 @@ int main(int argc, char** argv)
     CLI::App app(
         "Generates the codec, messages and metadata of a block format from its description",
         "korcg-generate");
-    app.add_option("--description", options.description, "Directory of the description (*.yaml)")
-        ->required();
+    app.add_option("--description", options.description, "Directory of the description (*.yaml)");
     app.add_option("--output", options.output, "Directory that receives the generated files");
     app.add_option("--types", options.types,
                    "Emit only these types and the sub-blocks that they hold")
         ->delimiter(',');
     app.add_option("--only", options.only, "Emit one kind of output")
-        ->check(CLI::IsMember({"codec", "facts", "messages", "metadata", "reference"}));
+        ->check(CLI::IsMember({"codec", "facts", "messages", "metadata", "reference", "names"}));
     app.add_flag("--list-outputs", options.listOutputs,
                  "Print the names of the files that would be written, one a line");
     app.add_flag("--check", options.check, "Read and check the description, write nothing");
+    app.add_option("--edition", options.edition,
+                   "Generate what the format had in this edition; without it, the latest")
+        ->check(CLI::Range(1, latestEdition));
+    app.add_flag("--update-ledger", options.updateLedger,
+                 "Give numbers to what later editions added, in ledger.txt of the description");
+    app.add_flag("--keys", options.keys, "Print the page of the keys that a description may have");
     CLI11_PARSE(app, argc, argv);
 
+    if (options.keys) {
+        fmt::print("{}", keysPage());
+        return 0;
+    }
+    if (options.description.empty()) {
+        fmt::print(stderr, "korcg-generate: --description is missing\n");
+        return 1;
+    }
     if (options.output.empty() && !options.listOutputs && !options.check) {
         fmt::print(stderr, "korcg-generate: --output is missing\n");
         return 1;

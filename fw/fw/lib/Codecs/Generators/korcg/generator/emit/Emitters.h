@@ -27,4 +27,7 @@ void emitMetadata(const Selection& selection, Output& output);
 /// The reference of the format for people: HTML pages, one for each type, and indexes.
 void emitReference(const Format& format, const Selection& selection, Output& output);
 
+/// Names, numbers, types and places of all types and fields, one per line: what may not change.
+void emitNames(const Selection& selection, Output& output);
+
 } // namespace korcg::generator

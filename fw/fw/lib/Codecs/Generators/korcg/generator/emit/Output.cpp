@@ -28,6 +28,8 @@ std::string headComment(const std::filesystem::path& path, std::string_view sour
         return fmt::format("<!-- {} -->\n", words);
     if (path.extension() == ".css")
         return fmt::format("/* {} */\n", words);
+    if (path.extension() == ".txt")
+        return fmt::format("# {}\n", words);
     return fmt::format("// {}\n\n", words);
 }
 

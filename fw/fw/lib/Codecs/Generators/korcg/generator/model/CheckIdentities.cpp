@@ -5,9 +5,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <map>
 #include <set>
-#include <vector>
 
 namespace korcg::generator
 {
@@ -15,42 +15,28 @@ namespace korcg::generator
 namespace
 {
 
-/// What described and reserved types have in common. Numbers that could not be read are not
-/// positive, and names that could not be read are empty; both are reported already.
-struct Identity {
-    const std::string& name;
-    int record;
-    int number;
-    const Location& where;
-};
-
-std::vector<Identity> identities(const Format& format)
+/// Names that could not be read are empty, which is reported already.
+bool isRead(const RecordType& type)
 {
-    std::vector<Identity> all;
-    for (const RecordType& type : format.types) {
-        if (!type.name.empty() || !type.broken)
-            all.push_back({type.name, type.record, type.number, type.where});
-    }
-    for (const ReservedType& type : format.reserved)
-        all.push_back({type.name, type.record, type.number, type.where});
-    return all;
+    return !type.name.empty() || !type.broken;
 }
 
 void checkUnique(const Format& format, Errors& errors)
 {
-    std::map<std::string, const Identity*> names;
-    std::map<int, const Identity*> records;
-    std::map<int, const Identity*> numbers;
-    const std::vector<Identity> all = identities(format);
-    for (const Identity& type : all) {
-        const auto taken = [&](const std::string& what, const Identity& by) {
+    std::map<std::string, const RecordType*> names;
+    std::map<int, const RecordType*> records;
+    std::map<int, const RecordType*> numbers;
+    for (const RecordType& type : format.types) {
+        if (!isRead(type))
+            continue;
+        const auto taken = [&](const std::string& what, const RecordType& by) {
             errors.add(type.where, fmt::format("{} of {} is taken by {} ({}:{})", what, type.name,
                                                by.name, by.where.file, by.where.line));
         };
         // Code names are upper case, so names must differ in more than case.
         if (const auto [entry, isNew] = names.emplace(upperName(type.name), &type); !isNew)
             taken("the name", *entry->second);
-        const auto claim = [&](std::map<int, const Identity*>& owners, int number,
+        const auto claim = [&](std::map<int, const RecordType*>& owners, int number,
                                std::string_view what) {
             if (number <= 0)
                 return;
@@ -64,12 +50,22 @@ void checkUnique(const Format& format, Errors& errors)
 
 void checkRanges(const Format& format, Errors& errors)
 {
-    for (const Identity& type : identities(format)) {
+    const int lastFirst = format.first.types;
+    for (const RecordType& type : format.types) {
+        if (!isRead(type))
+            continue;
         if (!isIdentifier(type.name))
             errors.add(type.where, fmt::format("'{}' cannot name a type", type.name));
-        if (type.record > lastRecord) {
+        if (type.edition == 1 && lastFirst != 0 && type.record > lastFirst) {
             errors.add(type.where, fmt::format("record number {} of {} is above {}", type.record,
-                                               type.name, lastRecord));
+                                               type.name, lastFirst));
+        }
+        if (type.record > format.lastFirstRecord + laterTypes) {
+            errors.add(
+                type.where,
+                fmt::format("record number {} of {} is above {}, the last that a context has "
+                            "a bit for",
+                            type.record, type.name, format.lastFirstRecord + laterTypes));
         }
         if (type.number > lastBlockNumber) {
             errors.add(type.where, fmt::format("block number {} of {} is above {}", type.number,
@@ -78,22 +74,30 @@ void checkRanges(const Format& format, Errors& errors)
     }
 }
 
+void checkTotal(const Format& format, Errors& errors)
+{
+    const auto types = std::count_if(format.types.begin(), format.types.end(),
+                                     [](const RecordType& type) { return type.edition == 1; });
+    if (format.first.types != 0 && types != format.first.types) {
+        errors.add(format.first.where, fmt::format("the first edition has {} types, not {}", types,
+                                                   format.first.types));
+    }
+}
+
 void checkRegistration(const Format& format, Errors& errors)
 {
     std::map<std::string, bool> hasMessage; // by name of a type
     for (const RecordType& type : format.types)
         hasMessage.emplace(type.name, type.hasMessage);
-    for (const ReservedType& type : format.reserved)
-        hasMessage.emplace(type.name, true);
 
     std::set<std::string> registered;
     for (const RegistrationEntry& entry : format.registration) {
         const auto type = hasMessage.find(entry.name);
         if (!registered.insert(entry.name).second) {
             errors.add(entry.where, fmt::format("{} is registered twice", entry.name));
-        } else if (type == hasMessage.end()) {
+        } else if (type == hasMessage.end() && entry.edition <= format.edition) {
             errors.add(entry.where, fmt::format("registered type {} does not exist", entry.name));
-        } else if (!type->second) {
+        } else if (type != hasMessage.end() && !type->second) {
             errors.add(entry.where,
                        fmt::format("registered type {} has no message class", entry.name));
         }
@@ -110,6 +114,7 @@ void checkIdentities(const Format& format, Errors& errors)
 {
     checkUnique(format, errors);
     checkRanges(format, errors);
+    checkTotal(format, errors);
     checkRegistration(format, errors);
 }
 

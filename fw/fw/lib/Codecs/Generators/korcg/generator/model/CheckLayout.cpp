@@ -110,31 +110,39 @@ private:
             error(field, "must be named _padding{} after its revision", field.presenceValue);
     }
 
-    /// Newer fields stand behind older ones, so that old readers and encoders of every field agree
-    /// on the layout; padding of single revisions ends it.
+    /// Newer fields follow older ones, so that old readers and encoders of every field agree on the
+    /// layout; padding of single revisions ends it, until a later edition adds a revision. What
+    /// follows the stated length of an entry is found by that.
     void checkRevisions()
     {
         int revision = 0;
-        bool padded = false;
+        int padded = -1; // revision of the padding
         for (const Field& field : m_type.fields) {
             if (!field.onWire())
                 continue;
             if (field.presence == Presence::OnlyRevision) {
-                padded = true;
+                padded = std::max(padded, field.presenceValue);
                 continue;
             }
-            if (padded)
+            if (padded >= 0 && (!field.isAddition || field.presenceValue <= padded))
                 error(field, "must not stand behind padding of a single revision");
             const bool isNewer = field.presence == Presence::SinceRevision && !field.alwaysSent;
             const int since = isNewer ? field.presenceValue : 0;
-            if (since < revision) {
+            if (since < revision && !followsEntry(field)) {
                 error(field, "{} must not stand behind fields of revision {}",
                       since == 0 ? "is in every revision and"
                                  : fmt::format("of revision {}", since),
                       revision);
             }
-            revision = std::max(revision, since);
+            if (!followsEntry(field))
+                revision = std::max(revision, since);
         }
+    }
+
+    bool followsEntry(const Field& field) const
+    {
+        return !m_type.isMain() && (field.kind == FieldKind::Blocks ||
+                                    (field.kind == FieldKind::Embedded && field.length >= 0));
     }
 
     /// Of alternatives that one field selects the largest counts.

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
+#include <vector>
 
 namespace korcg::generator
 {
@@ -82,20 +83,51 @@ void checkCollisions(const RecordType& type, Errors& errors)
     }
 }
 
+uint64_t bitsOf(const Field& field)
+{
+    const uint64_t ones = field.width >= 64 ? ~uint64_t{0} : (uint64_t{1} << field.width) - 1;
+    return ones << field.shift;
+}
+
+/// Whether one sub-field may lie over the other: it sums stored ones up, or a later edition took it
+/// out of a reserved one, which keeps its name.
+bool mayOverlap(const Field& below, const Field& above)
+{
+    return above.isVirtual || below.isVirtual ||
+           (below.role == Role::Reserved && above.edition > below.edition);
+}
+
 void checkOverlaps(const RecordType& type, Errors& errors)
 {
-    std::map<int, uint64_t> usedBits; // by row of the word
+    struct Word {
+        std::vector<const Field*> parts;
+        uint64_t stored = 0;
+    };
+    std::map<int, Word> words; // by row of the word
     for (const Field& field : type.fields) {
-        if (field.kind != FieldKind::Bits || field.isVirtual)
+        if (field.kind == FieldKind::Bits && !field.isVirtual)
+            words[field.parent].stored |= bitsOf(field);
+    }
+    for (const Field& field : type.fields) {
+        if (field.kind != FieldKind::Bits)
             continue;
-        const uint64_t ones = field.width >= 64 ? ~uint64_t{0} : (uint64_t{1} << field.width) - 1;
-        uint64_t& used = usedBits[field.parent];
-        if ((used & ones << field.shift) != 0) {
-            errors.add(field.where, fmt::format("{} overlaps another sub-field; 'virtual: true' "
-                                                "would allow it",
-                                                qualified(type, field)));
+        Word& word = words[field.parent];
+        for (const Field* other : word.parts) {
+            const uint64_t common = bitsOf(*other) & bitsOf(field);
+            if (common == 0)
+                continue;
+            if (other->isVirtual && field.isVirtual && (common & ~word.stored) != 0) {
+                errors.add(field.where, fmt::format("{} overlaps {}, and no stored sub-field is "
+                                                    "beneath both",
+                                                    qualified(type, field), other->name));
+            } else if (!mayOverlap(*other, field) && !mayOverlap(field, *other)) {
+                errors.add(field.where, fmt::format("{} overlaps another sub-field; 'virtual: "
+                                                    "true' would allow it",
+                                                    qualified(type, field)));
+                break;
+            }
         }
-        used |= ones << field.shift;
+        word.parts.push_back(&field);
     }
 }
 

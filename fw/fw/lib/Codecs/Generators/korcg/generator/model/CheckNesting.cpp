@@ -1,9 +1,9 @@
 #include "model/CheckParts.h"
-#include "model/Limits.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <limits>
 #include <set>
 
 namespace korcg::generator
@@ -20,13 +20,9 @@ bool checkSubTypes(const Format& format, const RecordType& type, Errors& errors)
         if (field.subType.empty())
             continue;
         const RecordType* const sub = format.find(field.subType);
-        const bool isReserved =
-            std::any_of(format.reserved.begin(), format.reserved.end(),
-                        [&field](const ReservedType& each) { return each.name == field.subType; });
         if (!sub) {
-            errors.add(field.where,
-                       fmt::format("{} holds {}, which {}", qualified(type, field), field.subType,
-                                   isReserved ? "is not described yet" : "does not exist"));
+            errors.add(field.where, fmt::format("{} holds {}, which does not exist",
+                                                qualified(type, field), field.subType));
         } else if (sub->isMain()) {
             errors.add(field.where, fmt::format("{} holds {}, which is a main block",
                                                 qualified(type, field), field.subType));
@@ -35,24 +31,21 @@ bool checkSubTypes(const Format& format, const RecordType& type, Errors& errors)
     return errors.count() == errorsBefore;
 }
 
-/// A reserved type could hold sub-blocks that are described already.
-bool mayBeHeldByReserved(const Format& format)
-{
-    return std::any_of(format.reserved.begin(), format.reserved.end(),
-                       [](const ReservedType& type) { return type.record > lastLeafRecord; });
-}
-
-void checkLevel(const RecordType& type, Errors& errors)
+/// In the first edition, types without sub-blocks have the lowest numbers, then come those whose
+/// sub-blocks have none, then those whose sub-blocks have some. What later editions add to them
+/// does not count.
+void checkLevel(const FirstEdition& first, const RecordType& type, Errors& errors)
 {
     struct Range {
         int first;
         int last;
         const char* meaning;
     };
-    static const Range ranges[] = {
-        {1, lastLeafRecord, "own no sub-block"},
-        {lastLeafRecord + 1, lastOwnerRecord, "own sub-blocks that own none"},
-        {lastOwnerRecord + 1, lastRecord, "own sub-blocks that own sub-blocks"},
+    const int last = first.types != 0 ? first.types : std::numeric_limits<int>::max();
+    const Range ranges[] = {
+        {1, first.leaves, "own no sub-block"},
+        {first.leaves + 1, first.owners, "own sub-blocks that own none"},
+        {first.owners + 1, last, "own sub-blocks that own sub-blocks"},
     };
     static const char* const actual[] = {"owns no sub-block", "owns sub-blocks that own none",
                                          "owns sub-blocks that own sub-blocks"};
@@ -61,14 +54,14 @@ void checkLevel(const RecordType& type, Errors& errors)
                    fmt::format("{} nests sub-blocks deeper than two levels", type.name));
         return;
     }
-    if (type.record < 1 || type.record > lastRecord)
+    if (type.edition != 1 || first.owners == 0 || type.record < 1 || type.record > last)
         return;
     const Range& range = *std::find_if(std::begin(ranges), std::end(ranges),
                                        [&](const Range& each) { return type.record <= each.last; });
-    if (&range - ranges != type.level) {
+    if (&range - ranges != type.ownLevel) {
         errors.add(type.where,
                    fmt::format("{} {}, but record numbers {} to {} {}", type.name,
-                               actual[type.level], range.first, range.last, range.meaning));
+                               actual[type.ownLevel], range.first, range.last, range.meaning));
     }
 }
 
@@ -125,15 +118,14 @@ void checkMainLengths(const Format& format, const RecordType& type, Errors& erro
 
 void checkNesting(const Format& format, Errors& errors)
 {
-    const bool ownersAreKnown = !mayBeHeldByReserved(format);
     for (const RecordType& type : format.types) {
         const bool subTypesAreKnown = checkSubTypes(format, type, errors);
-        if (!type.isMain() && type.owners.empty() && ownersAreKnown)
+        if (!type.isMain() && type.owners.empty())
             errors.add(type.where, fmt::format("no type holds the sub-block {}", type.name));
         if (type.broken)
             continue;
         if (subTypesAreKnown)
-            checkLevel(type, errors);
+            checkLevel(format.first, type, errors);
         checkKinds(format, type, errors);
         checkMainLengths(format, type, errors);
     }

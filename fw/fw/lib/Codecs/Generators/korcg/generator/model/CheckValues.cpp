@@ -22,7 +22,7 @@ public:
 
     void run()
     {
-        if (!m_field.unit.empty() && !contains(m_format.units, m_field.unit))
+        if (!m_field.unit.empty() && m_format.units.count(m_field.unit) == 0)
             error(fmt::format("has the unknown unit '{}'", m_field.unit));
         if (m_field.scale && !contains(m_format.scales, *m_field.scale))
             error(fmt::format("has the unknown scale {}", *m_field.scale));
@@ -32,6 +32,7 @@ public:
             error("is a character and has no scale");
         checkSymbols();
         checkInitial();
+        checkPrecision();
     }
 
 private:
@@ -80,6 +81,16 @@ private:
         if (std::trunc(value) != value || std::fabs(value) > exact ||
             !fits(m_field, static_cast<int64_t>(value)))
             error(fmt::format("cannot start at {}", value));
+    }
+
+    /// Of whole numbers the largest is known.
+    void checkPrecision()
+    {
+        if (!m_field.scale || !m_field.precision || !isInteger(m_field.type))
+            return;
+        const double largest = static_cast<double>(maximumOf(m_field)) * std::fabs(*m_field.scale);
+        if (largest < 0.5 * std::pow(10.0, -*m_field.precision))
+            error(fmt::format("shows every value as 0 with {} decimals", *m_field.precision));
     }
 
     const Format& m_format;

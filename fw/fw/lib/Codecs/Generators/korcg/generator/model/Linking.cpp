@@ -26,13 +26,10 @@ public:
     {
         findOwners();
         m_levels.assign(m_format.types.size(), unknown);
-        m_revisions.assign(m_format.types.size(), 0);
         for (std::size_t i = 0; i < m_format.types.size(); ++i)
             visit(i);
-        for (std::size_t i = 0; i < m_format.types.size(); ++i) {
+        for (std::size_t i = 0; i < m_format.types.size(); ++i)
             m_format.types[i].level = m_levels[i];
-            m_format.types[i].highestRevision = m_revisions[i];
-        }
         findLinks();
         findRegistration();
     }
@@ -63,13 +60,18 @@ private:
         if (m_levels[index] != unknown)
             return;
         m_levels[index] = visiting;
-        const RecordType& type = m_format.types[index];
+        RecordType& type = m_format.types[index];
         int level = 0;
-        int revision = 0;
         for (const Field& field : type.fields) {
+            const bool isOwn = field.edition <= type.edition;
+            const auto revise = [&](int revision, int ownRevision) {
+                type.highestRevision = std::max(type.highestRevision, revision);
+                if (isOwn)
+                    type.ownRevision = std::max(type.ownRevision, ownRevision);
+            };
             if (field.presence == Presence::SinceRevision ||
                 field.presence == Presence::OnlyRevision)
-                revision = std::max(revision, field.presenceValue);
+                revise(field.presenceValue, field.presenceValue);
             const auto found = m_index.find(field.subType);
             if (field.subType.empty() || found == m_index.end())
                 continue;
@@ -79,10 +81,12 @@ private:
                 continue;
             }
             level = std::max(level, m_levels[found->second] + 1);
-            revision = std::max(revision, m_revisions[found->second]);
+            const RecordType& sub = m_format.types[found->second];
+            if (isOwn)
+                type.ownLevel = std::max(type.ownLevel, sub.ownLevel + 1);
+            revise(sub.highestRevision, sub.ownRevision);
         }
         m_levels[index] = level;
-        m_revisions[index] = revision;
     }
 
     /// Depth by depth from the main blocks down.
@@ -133,7 +137,6 @@ private:
     Errors& m_errors;
     std::map<std::string, std::size_t> m_index;
     std::vector<int> m_levels;
-    std::vector<int> m_revisions;
 };
 
 } // namespace

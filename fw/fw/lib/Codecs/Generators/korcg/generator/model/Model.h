@@ -36,6 +36,7 @@ using Number = std::variant<int64_t, uint64_t, double>;
 struct SymbolicValue {
     int64_t value = 0;
     std::string name;
+    int edition = 1; ///< that brought it
 };
 
 struct SymbolTable {
@@ -50,6 +51,7 @@ struct Field {
     Location where;
     std::string name; ///< display name, may contain blanks
     std::string text; ///< meaning, may be empty
+    int edition = 1;  ///< that brought it
     FieldKind kind = FieldKind::Value;
     Scalar type = Scalar::U8; ///< type of the record member (one element)
     int width = 8;            ///< bits of one element's value
@@ -89,6 +91,10 @@ struct Field {
     bool bitMask = false;    ///< representation mode 1
     bool identifies = false; ///< flag of addFieldInfo
 
+    std::string takes; ///< reserved field of an earlier edition whose bytes it takes, or empty
+    bool isAddition =
+        false; ///< on the wire in revisions that a later edition than the type's brought
+
     std::string hides; ///< member of the messages' base that its getter may hide, or empty
 
     std::optional<int> toldOffset; ///< wire offset as the description tells it, to be checked
@@ -120,7 +126,8 @@ struct RecordType {
     Location where;
     std::string name;
     std::string text; ///< short descriptive text, may be empty
-    int record = 0;   ///< record-type number
+    int edition = 1;  ///< that brought it
+    int record = 0;   ///< record-type number; the ledger has those of later editions
     int number = 0;   ///< block number, 0 for a sub-block
     bool isMain() const { return number != 0; }
     bool hasMessage = true;
@@ -138,37 +145,49 @@ struct RecordType {
     int registration = 0;    ///< position in the registry from 1, 0 without message class
     std::vector<int> owners; ///< indices into Format::types of the types that hold this one
     int highestRevision = 0; ///< highest revision that it, or a sub-block in it, distinguishes
+    int ownLevel = 0;        ///< level and highest revision by the fields of its own edition: what
+    int ownRevision = 0;     ///< later editions add leaves codes and padding of these as they are
     int sizeUnderflow = 0;
     int internal = 0;
     int crcChecksum = 0;
     int disabled = 0;
 };
 
-/// A record type that keeps its place in the numbering although its layout is not described yet.
-struct ReservedType {
+/// What the first edition is known to have. The description says it, and it is checked; what is not
+/// said (0) is not checked, as in formats of tests.
+struct FirstEdition {
     Location where;
-    std::string name;
-    int record = 0;
-    int number = 0;
-    int codes = 0; ///< how many codes its run takes
-    int disabled = 0;
+    int types = 0;  ///< record types, numbered from 1 without a gap
+    int leaves = 0; ///< up to this number types own no sub-block,
+    int owners = 0; ///< from there to this one they own sub-blocks that own none, then others
+    int overflowAfter = 0; ///< record type after whose codes the general overflow code comes
+    int overflowCode = 0;
+    int firstDisabled = 0; ///< code
+    int codes = 0;         ///< all of them, the two at the end included
 };
 
 /// A name in the registration list.
 struct RegistrationEntry {
     std::string name;
     Location where;
+    int edition = 1; ///< of the type, when there is one in the whole description
 };
 
 struct Format {
     std::string name;
+    int edition = 1;       ///< that it was read as
+    int latestEdition = 1; ///< that the description has
+    FirstEdition first;
     std::vector<RecordType> types; ///< ascending record-type number
-    std::vector<ReservedType> reserved;
     std::vector<RegistrationEntry> registration;
     std::map<std::string, SymbolTable> symbols;
-    std::vector<std::string> units;     ///< unit vocabulary
+    /// Unit vocabulary: symbols by words.
+    std::map<std::string, std::string> units;
     std::vector<double> scales;         ///< allowed scale factors
-    std::vector<std::string> codeNames; ///< name of code -1 first, then downward to -6073
+    int lastFirstRecord = 0;            ///< highest record-type number of the first edition
+    int lastFirstCode = 0;              ///< lowest code of the first edition
+    int invalidMessage = 0;             ///< code of an unknown block number
+    std::vector<std::string> codeNames; ///< name of code -1 first, then downward
 
     const RecordType* find(const std::string& typeName) const
     {

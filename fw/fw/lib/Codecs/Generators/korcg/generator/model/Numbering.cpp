@@ -1,6 +1,5 @@
 #include "model/Numbering.h"
 
-#include "model/Limits.h"
 #include "model/Names.h"
 #include "model/Values.h"
 
@@ -8,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <string_view>
 #include <utility>
 
 namespace korcg::generator
@@ -26,9 +26,17 @@ bool canExceedCapacity(const RecordType& type, const Field& field)
     return most / divisor > static_cast<uint64_t>(field.elements);
 }
 
-const Field* lastField(const RecordType& type, bool (*matches)(const Field&))
+/// Runs of codes are those of the fields that the type was born with.
+bool isOwn(const RecordType& type, const Field& field)
 {
-    const auto found = std::find_if(type.fields.rbegin(), type.fields.rend(), matches);
+    return field.edition <= type.edition;
+}
+
+const Field* lastOwnField(const RecordType& type, bool (*matches)(const Field&))
+{
+    const auto found =
+        std::find_if(type.fields.rbegin(), type.fields.rend(),
+                     [&](const Field& field) { return isOwn(type, field) && matches(field); });
     return found == type.fields.rend() ? nullptr : &*found;
 }
 
@@ -41,9 +49,9 @@ bool holdsSubBlocks(const Field& field)
 /// field.
 std::string_view underflowName(const RecordType& type)
 {
-    const Field* field = lastField(type, holdsSubBlocks);
+    const Field* field = lastOwnField(type, holdsSubBlocks);
     if (!field)
-        field = lastField(type, [](const Field& each) { return each.hasCode(); });
+        field = lastOwnField(type, [](const Field& each) { return each.hasCode(); });
     return field ? std::string_view(field->name) : "BODY";
 }
 
@@ -52,6 +60,8 @@ std::string_view fixedPartName(const RecordType& type)
 {
     const Field* last = nullptr;
     for (const Field& field : type.fields) {
+        if (!isOwn(type, field))
+            continue;
         if (holdsSubBlocks(field))
             break;
         if (field.hasCode() && !field.isCounted())
@@ -63,156 +73,150 @@ std::string_view fixedPartName(const RecordType& type)
 class CodeBook
 {
 public:
-    explicit CodeBook(Format& format) : m_format(format)
+    CodeBook(Format& format, Ledger& ledger, Errors& errors)
+        : m_format(format), m_ledger(ledger), m_errors(errors)
     {
         m_format.codeNames.clear();
-        next("TQX_ERR_INVALID_CRC");
     }
 
-    void runs()
+    void firstEdition()
     {
-        std::size_t described = 0;
-        std::size_t reserved = 0;
-        std::vector<const ReservedType*> waiting = byRecord();
-        while (described < m_format.types.size() || reserved < waiting.size()) {
-            const bool takeReserved =
-                described == m_format.types.size() ||
-                (reserved < waiting.size() &&
-                 waiting[reserved]->record < m_format.types[described].record);
-            const int record =
-                takeReserved ? waiting[reserved]->record : m_format.types[described].record;
-            if (record > bufferOverflowAfterRecord)
-                bufferOverflow();
-            if (takeReserved) {
-                run(*waiting[reserved++]);
-            } else {
-                run(m_format.types[described++]);
+        const FirstEdition& first = m_format.first;
+        next("TQX_ERR_INVALID_CRC");
+        int overflow = 0;
+        const auto addOverflow = [&] {
+            if (overflow == 0)
+                overflow = next("TQX_ERR_BUFFER_OVERFLOW");
+        };
+        for (RecordType& type : m_format.types) {
+            if (type.edition != 1)
+                continue;
+            if (first.overflowAfter != 0 && type.record > first.overflowAfter)
+                addOverflow();
+            run(type);
+        }
+        addOverflow();
+        expect("TQX_ERR_BUFFER_OVERFLOW", overflow, first.overflowCode);
+        expect("the first DISABLED code", nextCode(), first.firstDisabled);
+        for (RecordType& type : m_format.types) {
+            if (type.edition == 1 && type.isMain())
+                disabled(type);
+        }
+        m_format.invalidMessage = next("TQX_ERR_INVALID_MESSAGE");
+        m_format.lastFirstCode = next("TQX_ERR_EOF");
+        expect("TQX_ERR_EOF", m_format.lastFirstCode, -first.codes);
+    }
+
+    /// Types and fields of one edition, in the order of the record types.
+    void laterEdition(int edition)
+    {
+        m_edition = edition;
+        for (RecordType& type : m_format.types) {
+            if (type.edition == edition) {
+                run(type);
+                if (type.isMain())
+                    disabled(type);
+                continue;
+            }
+            for (Field& field : type.fields) {
+                if (type.edition < edition && field.edition == edition)
+                    fieldCodes(type, field);
             }
         }
-        bufferOverflow();
     }
-
-    void disabled()
-    {
-        std::vector<std::pair<int, std::pair<std::string, int*>>> mains;
-        for (RecordType& type : m_format.types) {
-            if (type.isMain())
-                mains.push_back({type.record, {type.name, &type.disabled}});
-        }
-        for (ReservedType& type : m_format.reserved) {
-            if (type.number != 0)
-                mains.push_back({type.record, {type.name, &type.disabled}});
-        }
-        std::stable_sort(mains.begin(), mains.end(),
-                         [](const auto& a, const auto& b) { return a.first < b.first; });
-        for (auto& main : mains) {
-            *main.second.second =
-                next(fmt::format("TQX_ERR_{}_DISABLED", upperName(main.second.first)));
-        }
-    }
-
-    void end()
-    {
-        m_format.codeNames.resize(codeCount - 2, "???");
-        next("TQX_ERR_INVALID_MESSAGE");
-        next("TQX_ERR_EOF");
-    }
-
-    int bufferOverflowAt() const { return m_bufferOverflow; }
-    int nextCode() const { return -static_cast<int>(m_format.codeNames.size()) - 1; }
 
 private:
+    int nextCode() const { return -static_cast<int>(m_format.codeNames.size()) - 1; }
+
     int next(std::string name)
     {
-        m_format.codeNames.push_back(std::move(name));
-        return -static_cast<int>(m_format.codeNames.size());
+        std::vector<std::string>& names = m_format.codeNames;
+        if (m_edition == 1) {
+            names.push_back(std::move(name));
+            return -static_cast<int>(names.size());
+        }
+        const int code = m_ledger.number(Ledger::Code, m_edition, name, m_where, m_errors);
+        if (code >= 0)
+            return code;
+        const auto index = static_cast<std::size_t>(-code - 1);
+        if (names.size() <= index)
+            names.resize(index + 1, "???");
+        names[index] = std::move(name);
+        return code;
     }
 
-    void bufferOverflow()
+    void fieldCodes(const RecordType& type, Field& field)
     {
-        if (m_bufferOverflow == 0)
-            m_bufferOverflow = next("TQX_ERR_BUFFER_OVERFLOW");
-    }
-
-    std::vector<const ReservedType*> byRecord() const
-    {
-        std::vector<const ReservedType*> types;
-        for (const ReservedType& type : m_format.reserved)
-            types.push_back(&type);
-        std::stable_sort(
-            types.begin(), types.end(),
-            [](const ReservedType* a, const ReservedType* b) { return a->record < b->record; });
-        return types;
-    }
-
-    void run(const ReservedType& type)
-    {
-        for (int i = 0; i < type.codes; ++i)
-            next(fmt::format("TQX_ERR_{}_RESERVED", upperName(type.name)));
+        if (!field.hasCode())
+            return;
+        m_where = field.where;
+        const std::string name =
+            fmt::format("TQX_ERR_{}_{}", upperName(type.name), upperName(field.name));
+        field.code = next(name + "_EXT_BUFFER_OVERFLOW");
+        if (canExceedCapacity(type, field)) {
+            field.capacityCode = next(name + "_INT_BUFFER_OVERFLOW");
+            if (field.code != 0 && field.capacityCode != field.code - 1) {
+                m_errors.add(field.where, fmt::format("the codes {} and {} of {} in the ledger do "
+                                                      "not follow each other",
+                                                      field.code, field.capacityCode, name));
+            }
+        }
     }
 
     void run(RecordType& type)
     {
         const std::string name = upperName(type.name);
         for (Field& field : type.fields) {
-            if (!field.hasCode())
-                continue;
-            const std::string fieldName = upperName(field.name);
-            field.code = next(fmt::format("TQX_ERR_{}_{}_EXT_BUFFER_OVERFLOW", name, fieldName));
-            if (canExceedCapacity(type, field)) {
-                field.capacityCode =
-                    next(fmt::format("TQX_ERR_{}_{}_INT_BUFFER_OVERFLOW", name, fieldName));
-            }
+            if (isOwn(type, field))
+                fieldCodes(type, field);
         }
+        m_where = type.where;
         const auto underflow = [&](std::string_view field) {
             return next(fmt::format("TQX_ERR_{}_{}_SIZE_UNDERFLOW", name, upperName(field)));
         };
         type.sizeUnderflow = underflow(underflowName(type));
         // Two places of such a decoder compare lengths; the second code stays unused.
-        if (!type.isMain() && type.level > 0)
+        if (!type.isMain() && type.ownLevel > 0)
             underflow(fixedPartName(type));
         type.internal = next(fmt::format("TQX_ERR_{}_INTERNAL", name));
         if (type.isMain())
             type.crcChecksum = next(fmt::format("TQX_ERR_{}_CRC_CHECKSUM", name));
     }
 
-    Format& m_format;
-    int m_bufferOverflow = 0;
-};
+    void disabled(RecordType& type)
+    {
+        m_where = type.where;
+        type.disabled = next(fmt::format("TQX_ERR_{}_DISABLED", upperName(type.name)));
+    }
 
-void expectCode(const Format& format, Errors& errors, std::string_view what, int code, int expected)
-{
-    if (code == expected)
-        return;
-    const Location where =
-        format.reserved.empty() ? format.types.back().where : format.reserved.front().where;
-    errors.add(where, fmt::format("{} gets code {} instead of {}: the runs in front have {} code{} "
-                                  "too {}",
-                                  what, code, expected, std::abs(code - expected),
-                                  std::abs(code - expected) == 1 ? "" : "s",
-                                  code < expected ? "many" : "few"));
-}
+    void expect(std::string_view what, int code, int expected)
+    {
+        if (expected == 0 || code == expected)
+            return;
+        m_errors.add(m_format.first.where,
+                     fmt::format("{} gets code {} instead of {}: the runs in front have {} code{} "
+                                 "too {}",
+                                 what, code, expected, std::abs(code - expected),
+                                 std::abs(code - expected) == 1 ? "" : "s",
+                                 code < expected ? "many" : "few"));
+    }
+
+    Format& m_format;
+    Ledger& m_ledger;
+    Errors& m_errors;
+    int m_edition = 1;
+    Location m_where; ///< of what gets a code
+};
 
 } // namespace
 
-void number(Format& format, Errors& errors)
+void number(Format& format, Ledger& ledger, Errors& errors)
 {
-    CodeBook book(format);
-    book.runs();
-    const int firstDisabled = book.nextCode();
-    book.disabled();
-    const bool isComplete =
-        format.types.size() + format.reserved.size() == static_cast<std::size_t>(lastRecord);
-    if (isComplete) {
-        expectCode(format, errors, "TQX_ERR_BUFFER_OVERFLOW", book.bufferOverflowAt(),
-                   bufferOverflowCode);
-        expectCode(format, errors, "the first DISABLED code", firstDisabled, firstDisabledCode);
-        expectCode(format, errors, "TQX_ERR_INVALID_MESSAGE", book.nextCode(), invalidMessageCode);
-    } else if (book.nextCode() < invalidMessageCode) {
-        errors.add(format.types.empty() ? Location{} : format.types.back().where,
-                   fmt::format("the format needs more than {} codes", codeCount));
-    }
-    book.end();
+    CodeBook book(format, ledger, errors);
+    book.firstEdition();
+    ledger.startAt(Ledger::Code, format.lastFirstCode - 1);
+    for (int edition = 2; edition <= format.edition; ++edition)
+        book.laterEdition(edition);
 }
 
 } // namespace korcg::generator

@@ -43,6 +43,10 @@ private:
             for (; m_revision < field.presenceValue; ++m_revision)
                 m_ends[m_revision] = m_position;
         }
+        // What follows an entry that has grown is found by the length of the entry.
+        m_isGrown = m_isGrown || field.isAddition;
+        if (m_isGrown && !field.isAddition)
+            m_position = notConstant;
         const int here = m_position;
         advance(m_position, field);
         return here;
@@ -81,6 +85,7 @@ private:
 
     int m_position = 0;
     int m_revision = 0;
+    bool m_isGrown = false;
     std::map<int, int> m_ends; ///< per revision that later fields extend
 
     int m_selector = -1; ///< row that the alternatives being placed hang on

@@ -19,11 +19,13 @@ struct Mention {
 /// A field as it is written: other fields are still named, not resolved to rows.
 struct FieldDraft {
     Field field;
+    std::optional<int> edition; ///< as written; without, that of the word or type around it
     Mention count;
     Mention size;
     bool sizeInMain = false;
     Mention selector;
     Mention after;
+    Mention takes;
     bool roleTold = false;
     bool virtualTold = false;
     std::vector<FieldDraft> bits; ///< sub-fields in bit order

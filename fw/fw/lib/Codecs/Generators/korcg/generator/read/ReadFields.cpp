@@ -1,10 +1,13 @@
 #include "read/ReadFields.h"
 
+#include "model/Limits.h"
 #include "model/Values.h"
+#include "read/Keys.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace korcg::generator
 {
@@ -12,25 +15,9 @@ namespace korcg::generator
 namespace
 {
 
-using Keys = std::vector<std::string_view>;
-
 constexpr int highestRevisionNumber = 7;
 constexpr int highestPrecision = 20;
 constexpr int longestArray = 65535;
-
-const Keys wireKeys = {
-    "name",        "text", "role",         "identifies", "since", "only",    "when",    "offset",
-    "always_sent", "type", "count",        "capacity",   "bytes", "bits",    "unit",    "scale",
-    "precision",   "none", "unnamed_none", "symbols",    "mask",  "virtual", "initial", "hides"};
-const Keys subBlockKeys = {"name",   "text",        "identifies", "since",  "only",  "when", "size",
-                           "offset", "always_sent", "blocks",     "embeds", "count", "hides"};
-const Keys derivedKeys = {"name",         "text",    "role",  "identifies", "since",
-                          "when",         "type",    "unit",  "scale",      "precision",
-                          "unnamed_none", "symbols", "mask",  "virtual",    "initial",
-                          "derived",      "from",    "after", "none",       "hides"};
-const Keys bitsKeys = {"name", "text",      "role",   "identifies",   "at",
-                       "unit", "scale",     "none",   "unnamed_none", "symbols",
-                       "mask", "precision", "signed", "virtual",      "hides"};
 
 Mention mention(const YamlMap& map, std::string_view key)
 {
@@ -44,6 +31,7 @@ void readCommon(const YamlMap& map, FieldDraft& draft)
     field.where = map.where();
     field.name = map.requiredText("name");
     field.text = map.text("text").value_or("");
+    draft.edition = map.integer("edition", 2, latestEdition);
     field.identifies = map.flag("identifies").value_or(false);
     field.hides = map.text("hides").value_or("");
     field.toldOffset = map.integer("offset", 0, longestArray);
@@ -179,7 +167,7 @@ void readBitRange(const YamlMap& map, Field& field, int wordBits)
 
 FieldDraft readSubField(const ReadContext& context, const YAML::Node& node, int wordBits)
 {
-    const YamlMap map(context, node, "a sub-field", bitsKeys);
+    const YamlMap map(context, node, bitsKeys());
     FieldDraft draft;
     readCommon(map, draft);
     Field& field = draft.field;
@@ -206,9 +194,11 @@ void readBits(const ReadContext& context, const YamlMap& map, FieldDraft& draft)
         map.error("bits", "needs an integer type");
     for (const YAML::Node& node : map.list("bits"))
         draft.bits.push_back(readSubField(context, node, bitsOf(draft.field.type)));
-    std::stable_sort(
-        draft.bits.begin(), draft.bits.end(),
-        [](const FieldDraft& a, const FieldDraft& b) { return a.field.shift < b.field.shift; });
+    std::stable_sort(draft.bits.begin(), draft.bits.end(),
+                     [](const FieldDraft& a, const FieldDraft& b) {
+                         return std::pair(a.field.shift, a.edition.value_or(1)) <
+                                std::pair(b.field.shift, b.edition.value_or(1));
+                     });
 }
 
 /// Sets kind and number of elements from `count`, `bytes` and `capacity`.
@@ -241,7 +231,7 @@ void readElements(const ReadContext& context, const YamlMap& map, FieldDraft& dr
 
 FieldDraft readWireField(const ReadContext& context, const YAML::Node& node)
 {
-    const YamlMap map(context, node, "a field", wireKeys);
+    const YamlMap map(context, node, fieldKeys());
     FieldDraft draft;
     readCommon(map, draft);
     Field& field = draft.field;
@@ -254,6 +244,14 @@ FieldDraft readWireField(const ReadContext& context, const YAML::Node& node)
     field.width = bitsOf(field.type);
     field.isPadding = field.name.rfind("_padding", 0) == 0;
     readPresence(context, map, draft);
+    draft.takes = mention(map, "takes");
+    field.takes = draft.takes.name;
+    if (draft.takes && !draft.edition)
+        map.error("takes", "needs 'edition'");
+    if (draft.takes && field.presence != Presence::Always) {
+        map.error("takes",
+                  "excludes 'since', 'only' and 'when': they are those of the field taken");
+    }
     if (field.presence == Presence::OnlyRevision && !field.isPadding)
         map.error("only", "belongs to padding, named _padding<revision>");
     readElements(context, map, draft, isText);
@@ -264,7 +262,7 @@ FieldDraft readWireField(const ReadContext& context, const YAML::Node& node)
 
 FieldDraft readSubBlockField(const ReadContext& context, const YAML::Node& node)
 {
-    const YamlMap map(context, node, "a sub-block field", subBlockKeys);
+    const YamlMap map(context, node, subBlockFieldKeys());
     FieldDraft draft;
     readCommon(map, draft);
     readPresence(context, map, draft);
@@ -297,7 +295,7 @@ FieldDraft readSubBlockField(const ReadContext& context, const YAML::Node& node)
 
 FieldDraft readDerivedField(const ReadContext& context, const YAML::Node& node)
 {
-    const YamlMap map(context, node, "a derived field", derivedKeys);
+    const YamlMap map(context, node, derivedKeys());
     FieldDraft draft;
     readCommon(map, draft);
     Field& field = draft.field;

@@ -1,10 +1,9 @@
 #include "read/ReadFormat.h"
 
+#include "read/Keys.h"
 #include "read/SymbolNames.h"
 
 #include <fmt/format.h>
-
-#include <algorithm>
 
 namespace korcg::generator
 {
@@ -23,12 +22,12 @@ void givenOnce(const YamlMap& map, std::string_view key, bool isGiven)
 void readUnits(const ReadContext& context, const YamlMap& map, Format& format)
 {
     for (const YAML::Node& unit : map.list("units")) {
-        if (!unit.IsScalar()) {
-            context.error(unit, "a unit must be a word");
-        } else if (std::count(format.units.begin(), format.units.end(), unit.Scalar()) != 0) {
-            context.error(unit, fmt::format("unit '{}' given twice", unit.Scalar()));
-        } else {
-            format.units.push_back(unit.Scalar());
+        const auto entry = unit.IsMap() && unit.size() == 1 ? unit.begin() : unit.end();
+        if (entry == unit.end() || !entry->first.IsScalar() || !entry->second.IsScalar() ||
+            entry->second.Scalar().empty()) {
+            context.error(unit, "a unit must be a word with its symbol, as in 'meter: m'");
+        } else if (!format.units.emplace(entry->first.Scalar(), entry->second.Scalar()).second) {
+            context.error(unit, fmt::format("unit '{}' given twice", entry->first.Scalar()));
         }
     }
 }
@@ -49,30 +48,25 @@ void readRegistration(const ReadContext& context, const YamlMap& map, Format& fo
 {
     for (const YAML::Node& node : map.list("registration")) {
         if (node.IsScalar()) {
-            format.registration.push_back({node.Scalar(), context.at(node)});
+            format.registration.push_back({node.Scalar(), context.at(node), 1});
         } else {
             context.error(node, "an entry of the registration must be the name of a type");
         }
     }
 }
 
-void readReserved(const ReadContext& context, const YamlMap& map, Format& format)
+void readFirstEdition(const ReadContext& context, const YamlMap& map, Format& format)
 {
-    for (const YAML::Node& node : map.list("reserved")) {
-        const YamlMap entry(context, node, "a reserved type",
-                            {"name", "record", "number", "codes", "sub"});
-        ReservedType type;
-        type.where = entry.where();
-        type.name = entry.requiredText("name");
-        type.record = entry.requiredInteger("record", 1, highestNumber).value_or(0);
-        type.codes = entry.requiredInteger("codes", 0, highestNumber).value_or(0);
-        type.number = entry.integer("number", 1, highestNumber).value_or(0);
-        const bool isSub = entry.flag("sub").value_or(false);
-        if (node.IsMap() && isSub == entry.has("number"))
-            context.error(node, "a reserved type has either 'number' or 'sub: true'");
-        if (entry.has("name"))
-            format.reserved.push_back(type);
-    }
+    const YamlMap totals(context, map.node("first_edition"), firstEditionKeys());
+    const auto number = [&](std::string_view key) {
+        return totals.integer(key, 1, highestNumber).value_or(0);
+    };
+    const auto code = [&](std::string_view key) {
+        return totals.integer(key, -highestNumber, -1).value_or(0);
+    };
+    format.first = {totals.where(),         number("types"),          number("leaves"),
+                    number("owners"),       number("overflow_after"), code("overflow_code"),
+                    code("first_disabled"), number("codes")};
 }
 
 void readSymbols(const ReadContext& context, const YamlMap& map, Format& format)
@@ -101,8 +95,7 @@ void readSymbols(const ReadContext& context, const YamlMap& map, Format& format)
 
 void readFormat(const ReadContext& context, const YAML::Node& document, Format& format)
 {
-    const YamlMap map(context, document, "the format",
-                      {"format", "units", "scales", "registration", "reserved", "symbols"});
+    const YamlMap map(context, document, formatKeys());
     if (map.has("format")) {
         givenOnce(map, "format", !format.name.empty());
         format.name = map.requiredText("format");
@@ -119,7 +112,10 @@ void readFormat(const ReadContext& context, const YAML::Node& document, Format& 
         givenOnce(map, "registration", !format.registration.empty());
         readRegistration(context, map, format);
     }
-    readReserved(context, map, format);
+    if (map.has("first_edition")) {
+        givenOnce(map, "first_edition", format.first.where.line != 0);
+        readFirstEdition(context, map, format);
+    }
     readSymbols(context, map, format);
 }
 

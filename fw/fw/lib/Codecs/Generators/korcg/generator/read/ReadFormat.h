@@ -7,8 +7,7 @@ namespace korcg::generator
 {
 
 /// Reads a document that is no list of types: any of `format`, `units`, `scales`, `registration`,
-/// `reserved` and `symbols`. Tables and reserved types add up over documents, the others are given
-/// once.
+/// `first_edition` and `symbols`. Tables add up over documents, the others are given once.
 void readFormat(const ReadContext& context, const YAML::Node& document, Format& format);
 
 } // namespace korcg::generator

@@ -1,5 +1,7 @@
 #include "read/ReadTypes.h"
 
+#include "model/Limits.h"
+#include "read/Keys.h"
 #include "read/ReadFields.h"
 
 #include <fmt/format.h>
@@ -12,11 +14,6 @@ namespace
 
 constexpr int highestNumber = 65535; // wider than the ranges that the checks allow
 constexpr int unknownNumber = -1;    // a main block all the same
-
-const std::vector<std::string_view> blockKeys = {"block",    "record", "number",    "generation",
-                                                 "flexrate", "esoc",   "timestamp", "text",
-                                                 "message",  "kind",   "fields"};
-const std::vector<std::string_view> subKeys = {"sub", "record", "text", "message", "fields"};
 
 void readBlockAttributes(const YamlMap& map, RecordType& type)
 {
@@ -36,13 +33,17 @@ void readBlockAttributes(const YamlMap& map, RecordType& type)
 TypeDraft readType(const ReadContext& context, const YAML::Node& node)
 {
     const bool isSub = static_cast<bool>(node["sub"]);
-    const YamlMap map(context, node, isSub ? "a sub-block" : "a block",
-                      isSub ? subKeys : blockKeys);
+    const YamlMap map(context, node, isSub ? subBlockKeys() : blockKeys());
     TypeDraft draft;
     RecordType& type = draft.type;
     type.where = map.where();
     type.name = map.requiredText(isSub ? "sub" : "block");
-    type.record = map.requiredInteger("record", 1, highestNumber).value_or(0);
+    type.edition = map.integer("edition", 2, latestEdition).value_or(1);
+    if (type.edition == 1) {
+        type.record = map.requiredInteger("record", 1, highestNumber).value_or(0);
+    } else if (map.has("record")) {
+        map.error("record", "is what the ledger says for types of later editions");
+    }
     type.text = map.text("text").value_or("");
     type.hasMessage = map.flag("message").value_or(true);
     if (!isSub)

@@ -1,5 +1,6 @@
 #include "read/Reader.h"
 
+#include "read/Editions.h"
 #include "read/ReadFormat.h"
 #include "read/ReadTypes.h"
 #include "read/Resolve.h"
@@ -33,7 +34,8 @@ void readDocuments(const Source& source, Format& format, std::vector<TypeDraft>&
 
 } // namespace
 
-Format readDescription(const std::vector<Source>& sources, Errors& errors)
+Format readDescription(const std::vector<Source>& sources, int edition, Ledger& ledger,
+                       Errors& errors)
 {
     Format format;
     std::vector<TypeDraft> drafts;
@@ -48,6 +50,7 @@ Format readDescription(const std::vector<Source>& sources, Errors& errors)
         errors.add({sources.empty() ? "" : sources.front().file, 0},
                    "no file tells the name of the format ('format')");
     }
+    applyEdition(drafts, format, edition, ledger, errors);
     resolve(std::move(drafts), format, errors);
     return format;
 }

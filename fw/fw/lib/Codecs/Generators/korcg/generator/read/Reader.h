@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/Errors.h"
+#include "model/Ledger.h"
 #include "model/Model.h"
 #include "read/Source.h"
 
@@ -11,7 +12,9 @@ namespace korcg::generator
 
 /// Reads a description. Each YAML document of each source is either a list of record types or a map
 /// of what the whole format shares. Names are resolved, nothing is numbered or checked yet; what
-/// could not be read is reported and left out or marked as broken.
-Format readDescription(const std::vector<Source>& sources, Errors& errors);
+/// could not be read is reported and left out or marked as broken. `edition` and `ledger`: see
+/// applyEdition().
+Format readDescription(const std::vector<Source>& sources, int edition, Ledger& ledger,
+                       Errors& errors);
 
 } // namespace korcg::generator

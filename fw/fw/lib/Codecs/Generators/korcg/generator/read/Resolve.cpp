@@ -36,6 +36,10 @@ public:
             if (m_drafts[row])
                 resolveNames(m_type.fields[row], *m_drafts[row]);
         }
+        for (std::size_t row = 0; row < m_type.fields.size(); ++row) {
+            if (m_drafts[row] && m_drafts[row]->takes)
+                takeBytes(static_cast<int>(row), m_drafts[row]->takes);
+        }
         for (Field& field : m_type.fields)
             inherit(field);
         for (std::size_t row = 0; row < m_type.fields.size(); ++row)
@@ -91,6 +95,39 @@ private:
             input = identifier(input);
         if (field.kind == FieldKind::Derived)
             field.after = draft.after ? rowOf(draft.after) : lastInput(field);
+    }
+
+    /// Shortens a reserved array by the field that stands beside it and takes its place.
+    void takeBytes(int row, const Mention& taken)
+    {
+        const int reserved = rowOf(taken);
+        if (reserved < 0)
+            return;
+        Field& field = m_type.fields[static_cast<std::size_t>(row)];
+        Field& array = m_type.fields[static_cast<std::size_t>(reserved)];
+        const auto wrong = [&](const std::string& text) {
+            m_errors.add(taken.where, fmt::format("{}.{} cannot take bytes of {}: {}", m_type.name,
+                                                  field.name, taken.name, text));
+            m_type.broken = true;
+        };
+        if (array.kind != FieldKind::Array || array.type != Scalar::U8 ||
+            array.name.rfind("Reserved", 0) != 0 || array.edition >= field.edition)
+            return wrong("it is no reserved array of bytes of an earlier edition");
+        for (int between = std::min(row, reserved) + 1; between < std::max(row, reserved);
+             ++between) {
+            if (const Field& other = m_type.fields[static_cast<std::size_t>(between)];
+                other.onWire() && other.takes != field.takes)
+                return wrong(fmt::format("{} is between them", other.name));
+        }
+        if (!field.hasCode() || field.isCounted())
+            return wrong("its own size is not constant");
+        array.elements -= bitsOf(field.type) / 8 * field.elements;
+        if (array.elements <= 0)
+            return wrong("nothing of it would be left");
+        field.presence = array.presence;
+        field.presenceValue = array.presenceValue;
+        field.selector = array.selector;
+        field.alwaysSent = array.alwaysSent;
     }
 
     /// The wire field behind which all inputs of this record are known.
@@ -160,6 +197,7 @@ private:
         }
         if (field.kind == FieldKind::Derived && draft && !draft->virtualTold)
             field.isVirtual = true;
+        field.isAddition = field.edition > m_type.edition && field.takes.empty() && field.onWire();
         field.isOptional = field.presence != Presence::Always;
         const Field& shape =
             field.parent >= 0 ? m_type.fields[static_cast<std::size_t>(field.parent)] : field;

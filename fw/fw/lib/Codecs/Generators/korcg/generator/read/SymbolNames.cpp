@@ -1,5 +1,8 @@
 #include "read/SymbolNames.h"
 
+#include "model/Limits.h"
+#include "read/Keys.h"
+
 #include <fmt/format.h>
 
 #include <cstdlib>
@@ -64,14 +67,15 @@ public:
     void readEntry(const YAML::Node& node)
     {
         if (node.IsMap() && node["value"]) {
-            const YamlMap map(m_context, node, "a named value", {"value", "name"});
+            const YamlMap map(m_context, node, namedValueKeys());
             const std::string name = map.requiredText("name");
+            m_edition = map.integer("edition", 1, latestEdition).value_or(1);
             if (map.has("name"))
                 readPair(map.node("value"), YAML::Node(name));
+            m_edition = 1;
             return;
         }
-        const YamlMap map(m_context, node, "a range of named values",
-                          {"from", "to", "name", "start"});
+        const YamlMap map(m_context, node, namedRangeKeys());
         const std::optional<int> from = map.requiredInteger("from", 0, 65535);
         const std::optional<int> to = map.requiredInteger("to", 0, 65535);
         const std::string name = map.requiredText("name");
@@ -85,12 +89,14 @@ public:
             map.error("to", "must not lie before 'from', nor far behind it");
             return;
         }
+        m_edition = map.integer("edition", 1, latestEdition).value_or(1);
         for (int value = *from; value <= *to; ++value) {
             add(node, value,
                 fmt::format("{}{:0{}d}{}", name.substr(0, place->begin),
                             start.value_or(*from) + value - *from, place->digits,
                             name.substr(place->end)));
         }
+        m_edition = 1;
     }
 
 private:
@@ -102,13 +108,14 @@ private:
             m_context.error(node, fmt::format("value {} named twice in symbol table '{}'", value,
                                               m_table.name));
         } else {
-            m_table.values.push_back({value, std::move(name)});
+            m_table.values.push_back({value, std::move(name), m_edition});
         }
     }
 
     const ReadContext& m_context;
     SymbolTable& m_table;
     std::set<int64_t> m_values;
+    int m_edition = 1; ///< of the entry being read
 };
 
 } // namespace

@@ -89,24 +89,23 @@ std::optional<double> realNumber(const YAML::Node& node)
     return isQuoted(node) ? std::nullopt : parseReal(text);
 }
 
-YamlMap::YamlMap(const ReadContext& context, const YAML::Node& node, std::string_view what,
-                 const std::vector<std::string_view>& keys)
-    : m_context(context), m_node(node), m_what(what)
+YamlMap::YamlMap(const ReadContext& context, const YAML::Node& node, const KeyTable& table)
+    : m_context(context), m_node(node), m_what(table.what)
 {
     if (!node.IsMap()) {
-        m_context.error(node, fmt::format("{} must be a map", what));
+        m_context.error(node, fmt::format("{} must be a map", m_what));
         return;
     }
     for (const auto& entry : node) {
         if (!entry.first.IsScalar()) {
-            m_context.error(entry.first, fmt::format("a key of {} must be a word", what));
+            m_context.error(entry.first, fmt::format("a key of {} must be a word", m_what));
             continue;
         }
         const std::string& key = entry.first.Scalar();
-        if (std::find(keys.begin(), keys.end(), key) == keys.end()) {
-            m_context.error(entry.first, fmt::format("unknown key '{}' in {}", key, what));
+        if (!table.has(key)) {
+            m_context.error(entry.first, fmt::format("unknown key '{}' in {}", key, m_what));
         } else if (!m_values.emplace(key, entry.second).second) {
-            m_context.error(entry.first, fmt::format("key '{}' given twice in {}", key, what));
+            m_context.error(entry.first, fmt::format("key '{}' given twice in {}", key, m_what));
         }
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/Errors.h"
+#include "read/Keys.h"
 
 #include <yaml-cpp/yaml.h>
 
@@ -42,10 +43,9 @@ std::optional<double> realNumber(const YAML::Node& node);
 class YamlMap
 {
 public:
-    /// `what` names the map in messages ("a field"). Keys that are not among `keys`, and keys given
-    /// twice, are reported at once; so is a node that is no map.
-    YamlMap(const ReadContext& context, const YAML::Node& node, std::string_view what,
-            const std::vector<std::string_view>& keys);
+    /// Keys that are not in the table, and keys given twice, are reported at once; so is a node
+    /// that is no map.
+    YamlMap(const ReadContext& context, const YAML::Node& node, const KeyTable& table);
 
     bool has(std::string_view key) const { return m_values.find(key) != m_values.end(); }
     /// Value of a key, or an undefined node.

@@ -1,9 +1,11 @@
 #include "emit/codec/Parts.h"
+#include "model/Limits.h"
 #include "model/Names.h"
 
 #include <fmt/format.h>
 
-#include <array>
+#include <algorithm>
+#include <vector>
 
 namespace korcg::generator::codec
 {
@@ -11,37 +13,48 @@ namespace korcg::generator::codec
 namespace
 {
 
-// Bits of all main blocks of the format, described or not: byte (e + 1) / 8, bit 0x80 >> e % 8.
-std::array<unsigned, 48> enableMask(const Format& format)
+// Bits of main blocks of the first edition: byte (e + 1) / 8, bit 0x80 >> e % 8; of those of later
+// ones, counted from the first: byte e / 8, likewise.
+std::vector<unsigned> enableMask(const Format& format, bool later)
 {
-    std::array<unsigned, 48> mask{};
-    const auto set = [&mask](int record) {
-        const auto e = static_cast<unsigned>(record);
-        mask.at((e + 1) / 8) |= 0x80U >> (e % 8);
-    };
+    const auto lastFirst = static_cast<unsigned>(format.lastFirstRecord);
+    std::vector<unsigned> mask(later ? laterTypes / 8 : (lastFirst + 1) / 8 + 1);
     for (const RecordType& type : format.types) {
-        if (type.isMain())
-            set(type.record);
-    }
-    for (const ReservedType& type : format.reserved) {
-        if (type.number != 0)
-            set(type.record);
+        if (!type.isMain() || (type.edition > 1) != later)
+            continue;
+        const unsigned e = static_cast<unsigned>(type.record) - (later ? lastFirst + 1 : 0);
+        mask.at((later ? e : e + 1) / 8) |= 0x80U >> (e % 8);
     }
     return mask;
 }
 
-std::string contextFunction(const Format& format)
+std::string maskText(const std::string& name, const std::vector<unsigned>& mask)
 {
     std::string bytes;
     int column = 0;
-    for (const unsigned byte : enableMask(format))
+    for (const unsigned byte : mask)
         bytes += fmt::format("{}{:#04x},", column++ % 12 == 0 ? "\n        " : " ", byte);
-    return fmt::format("void TQX_init_context(TQX_Context_s* context)\n{{\n"
-                       "    static constexpr uint8_t mainBlocks[48] = {{{}\n    }};\n"
-                       "    *context = {{}};\n"
-                       "    std::memcpy(context->enableMask, mainBlocks, sizeof mainBlocks);\n"
-                       "}}\n\n",
+    return fmt::format("    static constexpr uint8_t {}[{}] = {{{}\n    }};\n", name, mask.size(),
                        bytes);
+}
+
+bool hasLaterTypes(const Format& format)
+{
+    return std::any_of(format.types.begin(), format.types.end(),
+                       [](const RecordType& type) { return type.edition > 1; });
+}
+
+std::string contextFunction(const Format& format)
+{
+    std::string text = "void TQX_init_context(TQX_Context_s* context)\n{\n" +
+                       maskText("mainBlocks", enableMask(format, false));
+    if (hasLaterTypes(format))
+        text += maskText("laterBlocks", enableMask(format, true));
+    text += "    *context = {};\n"
+            "    std::memcpy(context->enableMask, mainBlocks, sizeof mainBlocks);\n";
+    if (hasLaterTypes(format))
+        text += "    std::memcpy(context->laterMask, laterBlocks, sizeof laterBlocks);\n";
+    return text + "}\n\n";
 }
 
 std::string dispatch(const Selection& selection)
@@ -61,7 +74,6 @@ std::string dispatch(const Selection& selection)
     return fmt::format(
         "int32_t TQX_decode(TQX_Context_s* context, const uint8_t* buffer, uint16_t size, void* "
         "record)\n{{\n"
-        "    constexpr int32_t invalidMessage = -6072;\n"
         "    if (size > 6) {{\n"
         "        const uint16_t id = korcg_load_u16(buffer + 4);\n"
         "        writeMember<uint16_t>(record, offsetof(TQX_MainHeader_s, ID), id);\n"
@@ -74,7 +86,7 @@ std::string dispatch(const Selection& selection)
         "    switch (size > 6 ? number : 0) {{\n{}    default:\n        break;\n    }}\n"
         "    if (context != nullptr)\n"
         "        context->lastUnknownBlockNumber = number;\n"
-        "    return invalidMessage;\n}}\n\n",
+        "    return TQX_invalidMessage;\n}}\n\n",
         cases);
 }
 
@@ -105,6 +117,36 @@ std::string layouts(const Selection& selection)
 }
 
 } // namespace
+
+std::string editionHeader(const Format& format)
+{
+    int lastRecord = format.lastFirstRecord;
+    for (const RecordType& type : format.types)
+        lastRecord = std::max(lastRecord, type.record);
+    return fmt::format(
+        "#pragma once\n\n#include <cstdint>\n\n"
+        "/// Whether there are record types that the first edition of the format does not have.\n"
+        "#define TQX_HAS_LATER_TYPES {laterTypes}\n\n"
+        "namespace Kor::MessageApi\n{{\n\n"
+        "/// Edition of the format that this is built for.\n"
+        "constexpr unsigned TQX_edition = {edition};\n\n"
+        "/// Record types are numbered from 1 to this.\n"
+        "constexpr uint32_t TQX_lastRecordType = {lastRecord};\n\n"
+        "/// Those up to this one are of the first edition.\n"
+        "constexpr uint32_t TQX_lastFirstRecordType = {lastFirstRecord};\n\n"
+        "/// How many record types of later editions a context has bits for.\n"
+        "constexpr uint32_t TQX_laterRecordTypes = {later};\n\n"
+        "/// Codes go from -1 down to this.\n"
+        "constexpr int32_t TQX_lowestCode = {lowestCode};\n\n"
+        "/// Code of an unknown block number, TQX_ERR_INVALID_MESSAGE.\n"
+        "constexpr int32_t TQX_invalidMessage = {invalidMessage};\n\n"
+        "}} // namespace Kor::MessageApi\n",
+        fmt::arg("laterTypes", hasLaterTypes(format) ? 1 : 0), fmt::arg("edition", format.edition),
+        fmt::arg("lastRecord", lastRecord), fmt::arg("lastFirstRecord", format.lastFirstRecord),
+        fmt::arg("later", laterTypes),
+        fmt::arg("lowestCode", -static_cast<int>(format.codeNames.size())),
+        fmt::arg("invalidMessage", format.invalidMessage));
+}
 
 std::string driver(const Format& format, const Selection& selection)
 {

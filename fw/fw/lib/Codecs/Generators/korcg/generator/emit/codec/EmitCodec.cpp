@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <functional>
 #include <set>
 
 namespace korcg::generator
@@ -65,11 +66,31 @@ std::string sourcesOf(const Selection& selection)
     return text.empty() ? std::string("an empty selection") : text;
 }
 
-std::string header(const Selection& selection)
+// Records are defined, and entries loaded, before what holds them. Ascending record types are such
+// an order in the first edition; later types may be held by lower numbers.
+Selection inDependencyOrder(const Format& format, const Selection& selection)
+{
+    Selection ordered;
+    std::set<const RecordType*> done;
+    const std::function<void(const RecordType*)> add = [&](const RecordType* type) {
+        if (!done.insert(type).second)
+            return;
+        for (const Field& field : type->fields) {
+            if (!field.subType.empty())
+                add(format.find(field.subType));
+        }
+        ordered.push_back(type);
+    };
+    for (const RecordType* type : selection)
+        add(type);
+    return ordered;
+}
+
+std::string header(const Format& format, const Selection& selection)
 {
     std::string text = headerStart;
     std::string sizes;
-    for (const RecordType* type : selection) {
+    for (const RecordType* type : inDependencyOrder(format, selection)) {
         text += codec::recordStruct(*type);
         sizes += fmt::format("{}sizeof({})", sizes.empty() ? "" : ", ", recordName(*type));
     }
@@ -97,7 +118,7 @@ std::string internalHeader(const Format& format, const Selection& selection)
     for (const RecordType* type : selection)
         text += fmt::format("extern const TQX_TypeLayout layout_{};\n", type->name);
     text += "\n";
-    for (const RecordType* type : selection) {
+    for (const RecordType* type : inDependencyOrder(format, selection)) {
         if (!type->isMain()) {
             text += codec::initFunction(*type) + codec::clearFunction(*type) +
                     codec::startFunction(format, *type) + codec::deriveFunctions(format, *type) +
@@ -129,7 +150,8 @@ std::string unit(const Format& format, const Selection& group)
 void emitCodec(const Format& format, const Selection& selection, Output& output)
 {
     const std::string all = sourcesOf(selection);
-    output.write("TQX_codec.h", all, header(selection));
+    output.write("TQX_codec.h", all, header(format, selection));
+    output.write("TQX_Edition.h", "order.yaml", codec::editionHeader(format));
     output.write("TQX_codec_internal.h", all, internalHeader(format, selection));
     std::size_t number = 0;
     for (const Selection& group : groups(selection, unitCount)) {

@@ -120,12 +120,13 @@ constexpr std::string_view fieldLegend = R"(    // name, meaning,
     //     code, recordOffset, wireOffset, recordType, elements, presenceValue, parent, selector,
     //     count, length,
     //     kind, type, presence,
-    //     width, shift, lengthInMain, alwaysSent, countsBytes, isPadding, derive, append
+    //     width, shift, lengthInMain, alwaysSent, countsBytes, isPadding, edition, isAddition,
+    //     derive, append
 )";
 
 constexpr std::string_view typeLegend =
     R"(    // name, fields, fieldCount, firstSubBlock, recordType, blockNumber, linksToMain,
-    //     highestRevision, hasMessage, recordSize,
+    //     highestRevision, ownRevision, edition, hasMessage, recordSize,
     // sizeUnderflow, internal, crcChecksum, disabled, kindAssertion, kindTypes,
     // init, encode, release
 )";
@@ -136,13 +137,13 @@ std::string rowText(const Format& format, const RecordType& type, int index)
     return fmt::format(
         "    {{{}, {},\n        {}, offsetof({}, {}), {}, {}, {}, {}, {}, {}, {}, {},\n"
         "        TQX_FieldKind::{}, TQX_MemberType::{}, TQX_Presence::{},\n"
-        "        {}, {}, {}, {}, {}, {}, {}, {}}},\n",
+        "        {}, {}, {}, {}, {}, {}, {}, {}, {}, {}}},\n",
         literal(field.name), literal(field.text), field.code, recordName(type),
         identifier(field.name), field.wireOffset, subRecordType(format, field), field.elements,
         field.presenceValue, field.parent, field.selector, field.count, field.length,
         kindName(field.kind), typeName(field), presenceName(field.presence), field.width,
         field.shift, field.lengthInMain, field.alwaysSent, field.countsBytes, field.isPadding,
-        deriveOf(type, index), appendOf(type, field));
+        field.edition, field.isAddition, deriveOf(type, index), appendOf(type, field));
 }
 
 // The assertion that a sub-block makes on the kind of the main block above it, and which record
@@ -209,7 +210,7 @@ std::string layoutTable(const Format& format, const RecordType& type)
     text += fmt::format(
         "const TQX_TypeLayout layout_{0} = {{\n"
         "{17}"
-        "    \"{0}\", fields_{0}, {1}, {16}, {2}, {3}, {4}, {5}, {6}, sizeof({7}),\n"
+        "    \"{0}\", fields_{0}, {1}, {16}, {2}, {3}, {4}, {5}, {18}, {19}, {6}, sizeof({7}),\n"
         "    {8}, {9}, {10}, {11}, {12}, {13},\n"
         "    [](void* record) {{\n        return TQX_init_{0}(static_cast<{7}*>(record));\n    "
         "}},\n"
@@ -219,7 +220,8 @@ std::string layoutTable(const Format& format, const RecordType& type)
         type.highestRevision, type.hasMessage, record, type.sizeUnderflow, type.internal,
         type.crcChecksum, type.disabled, assertion.empty() ? "nullptr" : literal(assertion),
         assertion.empty() ? "nullptr" : fmt::format("kinds_{}", type.name), encode,
-        ownsArrays(format, type) ? "&TQX_release" : "nullptr", firstSubBlock(type), typeLegend);
+        ownsArrays(format, type) ? "&TQX_release" : "nullptr", firstSubBlock(type), typeLegend,
+        type.ownRevision, type.edition);
     return text;
 }
 

@@ -34,6 +34,9 @@ std::string decodeBody(const Format& format, const RecordType& type);
 /// Rows and type entry of the layout table.
 std::string layoutTable(const Format& format, const RecordType& type);
 
+/// Numbers of the edition: counts of record types and codes.
+std::string editionHeader(const Format& format);
+
 /// The driver with its switch over the block numbers, TQX_init_context, the table of all layouts.
 std::string driver(const Format& format, const Selection& selection);
 

@@ -32,6 +32,7 @@ private:
     std::string typeRow(const RecordType& type);
     std::string typeRows();
     std::string namedRuns();
+    std::string units();
     std::string numbers() const;
     void checkSizes() const;
 
@@ -162,6 +163,17 @@ std::string FactsEmitter::namedRuns()
                        rows, runs, m_tables.values().size());
 }
 
+std::string FactsEmitter::units()
+{
+    std::string rows = "    {0, 0},\n";
+    for (const auto& [word, symbol] : m_format.units) {
+        rows += fmt::format("    {{{}, {}}}, // {}: {}\n", m_texts.offsetOf(word),
+                            m_texts.offsetOf(symbol), word, symbol);
+    }
+    return fmt::format("const UnitRow units[] = {{\n{}}};\n\nconst uint32_t unitCount = {};\n\n",
+                       rows, m_format.units.size() + 1);
+}
+
 std::string FactsEmitter::numbers() const
 {
     std::string reals;
@@ -196,6 +208,7 @@ std::string FactsEmitter::text()
 {
     const std::string rows = typeRows();
     const std::string named = namedRuns();
+    const std::string unitRows = units();
     checkSizes();
     return fmt::format(R"(#include "FactTables.h"
 
@@ -205,11 +218,12 @@ namespace Kor::MessageApi::Facts
 const char texts[] =
 {texts};
 
-{numbers}{named}{rows}
+{numbers}{units}{named}{rows}
 }} // namespace Kor::MessageApi::Facts
 )",
                        fmt::arg("texts", m_texts.literals()), fmt::arg("numbers", numbers()),
-                       fmt::arg("named", named), fmt::arg("rows", rows));
+                       fmt::arg("units", unitRows), fmt::arg("named", named),
+                       fmt::arg("rows", rows));
 }
 
 } // namespace

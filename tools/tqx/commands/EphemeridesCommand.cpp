@@ -1,0 +1,109 @@
+#include "commands/EphemeridesCommand.h"
+
+#include "io/Output.h"
+#include "io/Words.h"
+#include "tqx/gnss/navigation/NavigationTable.h"
+#include "tqx/log/record/RecordDecoder.h"
+
+#include <CLI/Validators.hpp>
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace tqx::tool
+{
+
+namespace
+{
+
+/// Gathers what is selected, to be written at the end.
+class NavigationRows : public BlockConsumer
+{
+public:
+    NavigationRows(Buffer& out, RowFormat format, std::string kind, EpochSelection selection)
+        : m_out(out), m_format(format), m_kind(std::move(kind)), m_selection(std::move(selection))
+    {
+    }
+
+    void take(BlockStream& stream, const Block& block) override
+    {
+        if (!NavigationStore::wants(block.getNumber()))
+            return;
+        if (const auto time = block.getTime(); time && !m_selection.isInTime(*time))
+            return;
+        if (const int32_t result = m_decoder.decode(block); result < 0)
+            return stream.reportUndecodable(block, result);
+        m_store.take(m_decoder.getDecoded());
+    }
+
+    void end(InputStream&) override
+    {
+        if (const uint64_t count = m_store.getWithoutTime())
+            words::say(fmt::format("{} navigation block{} without a time left out", count,
+                                   count == 1 ? "" : "s"));
+        if (m_kind == "ionosphere")
+            return writeIonosphere(m_out, m_format, m_store.getIonosphere());
+        if (m_kind == "time")
+            return writeTimeOffsets(m_out, m_format, m_store.getTimeOffsets());
+        std::vector<Ephemeris> chosen = m_store.getEphemerides();
+        chosen.erase(std::remove_if(chosen.begin(), chosen.end(),
+                                    [this](const Ephemeris& ephemeris) {
+                                        return !m_selection.accepts(ephemeris.satellite);
+                                    }),
+                     chosen.end());
+        writeEphemerides(m_out, m_format, chosen);
+    }
+
+private:
+    Buffer& m_out;
+    RowFormat m_format;
+    std::string m_kind;
+    EpochSelection m_selection;
+    RecordDecoder m_decoder;
+    NavigationStore m_store;
+};
+
+} // namespace
+
+EphemeridesCommand::EphemeridesCommand(CLI::App& program)
+    : Command(program, "ephemerides", "Show the orbits and clocks that satellites sent",
+              "  tqx ephemerides log.tqx > ephemerides.csv\n"
+              "  tqx ephemerides --satellite 'E*' --format jsonl log.tqx\n"
+              "  tqx ephemerides --kind ionosphere log.tqx\n"
+              "  tqx ephemerides --kind time log.tqx      # offsets between time systems\n"
+              "\n"
+              "Each message once, when it was received first, in metres, seconds and radians; what "
+              "a\n"
+              "message does not have is missing. Reference is a date by the clock of the system: "
+              "UTC\n"
+              "of GLONASS, BDT of BeiDou, GPS time or what equals it of the others.\n")
+{
+    CLI::App& command = getApp();
+    m_streams.addInputs(command);
+    m_streams.addDamageReport(command);
+    m_selection.addWithoutSignals(command);
+    command.add_option("--kind", m_kind, "What to show")
+        ->transform(
+            CLI::IsMember({"orbits", "ionosphere", "time"}, CLI::ignore_case).description(""))
+        ->type_name("orbits|ionosphere|time")
+        ->capture_default_str();
+    command.add_option("--format", m_format, "How to write them")
+        ->transform(CLI::IsMember({"csv", "jsonl"}, CLI::ignore_case).description(""))
+        ->type_name("csv|jsonl")
+        ->capture_default_str();
+    command.add_option("-o,--output", m_target, "File to write instead of standard output")
+        ->type_name("FILE");
+}
+
+ExitStatus EphemeridesCommand::run()
+{
+    const EpochSelection selection = m_selection.get();
+    m_streams.checkBefore(m_target);
+    Output output(m_target);
+    NavigationRows rows(output.getBuffer(),
+                        m_format == "csv" ? RowFormat::Csv : RowFormat::JsonLines, m_kind,
+                        selection);
+    return m_streams.read(rows, output);
+}
+
+} // namespace tqx::tool

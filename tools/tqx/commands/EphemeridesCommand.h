@@ -1,0 +1,27 @@
+#pragma once
+
+#include "commands/Command.h"
+#include "options/EpochOptions.h"
+#include "options/StreamOptions.h"
+
+#include <string>
+
+namespace tqx::tool
+{
+
+/// `tqx ephemerides`: what the navigation messages told, each once.
+class EphemeridesCommand : public Command
+{
+public:
+    explicit EphemeridesCommand(CLI::App& program);
+    ExitStatus run() override;
+
+private:
+    StreamOptions m_streams;
+    EpochOptions m_selection;
+    std::string m_kind = "orbits";
+    std::string m_format = "csv";
+    std::string m_target = "-";
+};
+
+} // namespace tqx::tool

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "commands/Command.h"
+#include "options/EpochOptions.h"
+#include "options/StreamOptions.h"
+
+#include <string>
+
+namespace tqx::tool
+{
+
+/// `tqx observations`: what was measured of each signal, as a long table.
+class ObservationsCommand : public Command
+{
+public:
+    explicit ObservationsCommand(CLI::App& program);
+    ExitStatus run() override;
+
+private:
+    StreamOptions m_streams;
+    EpochOptions m_epochs;
+    std::string m_format = "csv";
+    std::string m_target = "-";
+};
+
+} // namespace tqx::tool

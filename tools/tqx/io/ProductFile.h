@@ -1,0 +1,54 @@
+#pragma once
+
+#include "tqx/log/text/Buffer.h"
+
+#include <cstdio>
+#include <string>
+
+struct gzFile_s;
+
+namespace tqx::tool
+{
+
+/// A file that appears under its name only once it is complete; compressed with gzip or as it is.
+class ProductFile
+{
+public:
+    /// Creates `path` with ".part" after its name. Throws ToolError when that fails.
+    ProductFile(std::string path, bool isCompressed);
+
+    /// Removes what is not finished.
+    ~ProductFile();
+    ProductFile(const ProductFile&) = delete;
+    ProductFile& operator=(const ProductFile&) = delete;
+
+    /// What is to be written next; append to it, then call commit().
+    Buffer& getBuffer() { return m_buffer; }
+
+    /// Writes out what is big. Throws ToolError.
+    void commit()
+    {
+        if (m_buffer.size() >= pieceSize)
+            flush();
+    }
+
+    /// Writes the rest, closes the file and gives it its name. Throws ToolError.
+    void finish();
+
+    const std::string& getPath() const { return m_path; }
+
+private:
+    static constexpr size_t pieceSize = 1 << 16;
+
+    void flush();
+    bool close();
+    [[noreturn]] void fail() const;
+
+    std::string m_path;
+    std::string m_partPath;
+    std::FILE* m_file = nullptr;
+    gzFile_s* m_packed = nullptr;
+    Buffer m_buffer;
+};
+
+} // namespace tqx::tool

@@ -1,0 +1,55 @@
+#include "output/TrackOutput.h"
+
+#include <utility>
+
+namespace tqx::tool
+{
+
+TrackOutput::TrackOutput(Add add, const PositionSource* source, uint64_t limit, bool showsMissing)
+    : m_add(std::move(add)), m_source(source), m_limit(limit), m_showsMissing(showsMissing)
+{
+}
+
+void TrackOutput::handOn(const Position& position)
+{
+    if (isDone())
+        return;
+    if (position.fix == Fix::None)
+        ++m_missing;
+    if (position.fix == Fix::None && !m_showsMissing) {
+        m_add(position); // ends a line
+        return;
+    }
+    ++m_count;
+    m_add(position);
+}
+
+void TrackOutput::decide()
+{
+    if (!m_source)
+        m_source = m_choice.best();
+    for (const Position& position : std::exchange(m_kept, {}))
+        if (position.source == m_source)
+            handOn(position);
+}
+
+void TrackOutput::take(BlockStream& stream, const Block& block)
+{
+    constexpr GnssMillis wait = 10000;
+    const PositionSource* const source = positionSource(block.getNumber());
+    if (!source || (m_source && source != m_source))
+        return;
+    if (const int32_t result = m_decoder.decode(block); result < 0)
+        return stream.reportUndecodable(block, result);
+    Position position;
+    if (!readPosition(m_decoder.getRecord(), position))
+        return;
+    if (m_source)
+        return handOn(position);
+    m_choice.take(position);
+    m_kept.push_back(position);
+    if (position.time - m_kept.front().time >= wait && m_choice.best())
+        decide();
+}
+
+} // namespace tqx::tool

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "tqx/gnss/navigation/Ephemeris.h"
+#include "tqx/gnss/navigation/SystemData.h"
+#include "tqx_gnss_export.h"
+
+#include <cstdint>
+#include <map>
+#include <tuple>
+#include <vector>
+
+namespace tqx
+{
+
+/// The navigation messages of a log, each once however often it was received.
+class TQX_GNSS_API NavigationStore
+{
+public:
+    /// Whether blocks of this number hold something for the store.
+    static bool wants(uint16_t blockNumber);
+
+    /// A block that decoded and is wanted.
+    void take(const DecodedBlock& decoded);
+
+    /// In the order in which they were received first.
+    const std::vector<Ephemeris>& getEphemerides() const { return m_ephemerides; }
+    const std::vector<Ionosphere>& getIonosphere() const { return m_ionosphere; }
+    const std::vector<TimeOffset>& getTimeOffsets() const { return m_offsets; }
+
+    bool isEmpty() const
+    {
+        return m_ephemerides.empty() && m_ionosphere.empty() && m_offsets.empty();
+    }
+
+    /// Blocks whose header has no time.
+    uint64_t getWithoutTime() const { return m_withoutTime; }
+
+private:
+    using Key = std::tuple<char, uint8_t, NavigationMessage, GnssMillis>;
+
+    void add(const Ephemeris& ephemeris);
+    void add(const Ionosphere& data);
+    void add(const TimeOffset& offset);
+
+    std::vector<Ephemeris> m_ephemerides;
+    std::multimap<Key, size_t> m_places; ///< of an ephemeris
+    std::vector<Ionosphere> m_ionosphere;
+    std::map<char, size_t> m_lastIonosphere;
+    std::vector<TimeOffset> m_offsets;
+    std::map<std::string, size_t> m_lastOffset;
+    uint64_t m_withoutTime = 0;
+};
+
+} // namespace tqx

@@ -1,0 +1,50 @@
+#include "tqx/gnss/observation/LockTracker.h"
+
+namespace tqx
+{
+
+LockTracker::State& LockTracker::stateOf(const Observation& observation)
+{
+    const size_t place =
+        (size_t{observation.antenna} * systemCount + systemIndex(observation.satellite.system)) *
+            256 +
+        observation.satellite.number;
+    if (place >= m_satellites.size())
+        m_satellites.resize(place + 1);
+    if (!m_satellites[place])
+        m_satellites[place] = std::make_unique<std::array<State, signals>>();
+    return (*m_satellites[place])[observation.signal % signals];
+}
+
+void LockTracker::update(Observation& observation, const Evidence& evidence, GnssMillis time)
+{
+    if (std::isnan(observation.phase))
+        return;
+    State& state = stateOf(observation);
+    bool isLost = evidence.isSlip || state.isKept;
+    if (state.time != 0) {
+        if (evidence.losses && state.losses && *evidence.losses != *state.losses)
+            isLost = true;
+        const double lock = observation.lockTime;
+        if (!std::isnan(lock) && lock < evidence.limit) {
+            const double elapsed = static_cast<double>(time - state.time) * 1e-3;
+            // What is counted in steps may be up to a step longer.
+            if (lock + evidence.step <= elapsed || lock < state.lockTime)
+                isLost = true;
+        }
+    }
+    state.time = time;
+    state.lockTime = observation.lockTime;
+    if (evidence.losses)
+        state.losses = evidence.losses;
+    state.isKept = false;
+    observation.isLost = isLost;
+}
+
+void LockTracker::keep(const Observation& observation)
+{
+    if (observation.isLost)
+        stateOf(observation).isKept = true;
+}
+
+} // namespace tqx

@@ -1,0 +1,124 @@
+#pragma once
+
+#include "tqx/gnss/observation/LockTracker.h"
+#include "tqx/gnss/observation/Observation.h"
+#include "tqx/log/record/DecodedBlock.h"
+#include "tqx_gnss_export.h"
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tqx
+{
+
+class CompactReader;
+
+/// What of a log's measurements did not become observations.
+struct TQX_GNSS_API ObservationLosses {
+    uint64_t withoutTime = 0; ///< blocks whose header has no time
+    uint64_t outOfOrder = 0;  ///< epochs at or before the time of the epoch before
+    uint64_t withoutSlot = 0; ///< observations of GLONASS satellites whose slot is not known
+    uint64_t incomplete = 0;  ///< compact measurements without anything that completes them
+    std::set<std::pair<char, uint8_t>> signals; ///< system and number of signals without a code
+
+    /// A line for each of them that occurred.
+    std::vector<std::string> describe() const;
+};
+
+/// Makes epochs of observations from the measurement blocks of a log, whatever their generation:
+/// MeasEpoch2, GenMeasEpoch, MeasFullRange, Meas3Ranges with its extensions, MeasEpoch1 and
+/// ShortMeasEpoch, with what MeasExtra adds and the clock bias of the position blocks. Where an
+/// epoch comes in several generations, the first of these counts. Keeps one epoch in memory, and
+/// what completes compact measurements.
+///
+///     ObservationGatherer gatherer([](ObservationEpoch& epoch) { use(epoch); });
+///     while (stream.next(block))
+///         if (ObservationGatherer::wants(block.getNumber()) && decoder.decode(block) > 0)
+///             gatherer.take(decoder.getDecoded());
+///     gatherer.finish();
+class TQX_GNSS_API ObservationGatherer
+{
+public:
+    /// Is given the epochs in ascending order of their times, each once a block of a later time or
+    /// the end has come. Returns whether the epoch is shown: losses of lock of one that is not are
+    /// reported with the next that is.
+    using Receiver = std::function<bool(ObservationEpoch& epoch)>;
+
+    explicit ObservationGatherer(Receiver receiver);
+    ~ObservationGatherer();
+
+    /// Whether blocks of this number have anything to do with observations.
+    static bool wants(uint16_t blockNumber);
+
+    /// A block that decoded and is wanted, in the order of the log.
+    void take(const DecodedBlock& decoded);
+
+    /// No measurement of an earlier time follows: an epoch before that is given out.
+    void advance(GnssMillis time);
+
+    /// The log has ended.
+    void finish() { close(); }
+
+    const ObservationLosses& getLosses() const { return m_losses; }
+
+private:
+    /// Generations of measurements, the better the later.
+    enum class Source : uint8_t { None, Short, First, Compact, FullRange, Generic, Second };
+
+    struct Extra {
+        uint8_t svid;
+        uint8_t signal;
+        uint8_t antenna;
+        double cn0Fraction;
+        double lockTime;
+        std::optional<uint8_t> losses;
+        double rangeDeviation;
+        double phaseDeviation;
+        double multipath;
+        double smoothing;
+    };
+
+    bool begin(const Kor::MessageApi::TQX_MainHeader_s& header, Source source);
+    Observation* add(uint8_t svid, uint8_t signal, uint8_t antenna, uint8_t slot);
+    template<typename Entry>
+    Observation* addEntry(uint8_t svid, const Entry& entry, double limit, double lockTime);
+    template<typename Record>
+    void takeEpoch(const Record& record, bool isE6B);
+    void takeShort(const void* record);
+    void takeFirst(const void* record);
+    void takeFullRange(const void* record);
+    void takeCompact(uint16_t number, const void* record);
+    void addCompact();
+    void takeExtra(const void* record);
+    void takeBias(const Kor::MessageApi::TQX_MainHeader_s& header, double bias, uint8_t system);
+    void join(const Extra& extra);
+    void clearEpoch();
+    void close();
+
+    Receiver m_receiver;
+    LockTracker m_tracker;
+    ObservationEpoch m_epoch;
+    std::vector<LockTracker::Evidence> m_evidence;        ///< of each of its observations
+    std::vector<uint8_t> m_svids;                         ///< likewise
+    std::array<std::array<uint64_t, 8>, 256> m_seen = {}; ///< signals by satellite and antenna
+    size_t m_joined = 0; ///< place of the last observation that an extra was found for
+    std::vector<Extra> m_extras;
+    GnssMillis m_extrasTime = 0;
+    Source m_source = Source::None; ///< of the epoch at hand
+    bool m_isE6B = false;
+    bool m_isSmoothed = false;        ///< of a compact epoch
+    std::optional<GnssMillis> m_last; ///< time of the last epoch that was given out
+    GnssMillis m_biasTime = 0;
+    double m_bias = notMeasured;
+    std::unique_ptr<CompactReader> m_compact; ///< once there are such blocks
+    ObservationLosses m_losses;
+};
+
+} // namespace tqx

@@ -1,0 +1,9 @@
+list(APPEND public_headers
+    position/Position.h
+    position/PositionBlocks.h
+    position/SourceChoice.h)
+target_sources(tqx-gnss PRIVATE
+    position/FieldNames.cpp
+    position/PositionBlocks.cpp
+    position/PositionFilling.cpp
+    position/SourceChoice.cpp)

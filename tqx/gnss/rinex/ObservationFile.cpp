@@ -1,0 +1,208 @@
+#include "tqx/gnss/rinex/ObservationFile.h"
+
+#include "tqx/gnss/rinex/HeaderText.h"
+#include "tqx/log/text/Digits.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+namespace tqx
+{
+
+namespace
+{
+
+constexpr size_t valueWidth = 14;
+constexpr size_t cellWidth = 16; ///< with the two digits after the value
+
+/// NavIC has its signal on L1 in files of version 4 only.
+bool isKnown(char system, const SignalCode& code, RinexVersion version)
+{
+    return version != RinexVersion::V305 || system != 'I' || code.band != '1';
+}
+
+/// F14.3, or false for what does not fit or is not available. The 14 characters are blank before.
+bool writeValue(char* cell, double value)
+{
+    constexpr double limit = 999999999.9994;
+    if (!(value < limit * 10 && value > -limit))
+        return false;
+    const auto thousandths = static_cast<int64_t>(value * 1000 + (value < 0 ? -0.5 : 0.5));
+    auto rest = static_cast<uint64_t>(thousandths < 0 ? -thousandths : thousandths);
+    char* end = cell + valueWidth;
+    writeDigits(end, rest % 1000, 3);
+    end -= 4;
+    *end = '.';
+    rest /= 1000;
+    do {
+        *--end = static_cast<char>('0' + rest % 10);
+        rest /= 10;
+    } while (rest != 0);
+    if (thousandths < 0)
+        *--end = '-';
+    return true;
+}
+
+/// Signal strength projected to 1 to 9.
+char strengthDigit(double cn0)
+{
+    return static_cast<char>('0' + std::clamp(static_cast<int>(cn0 / 6), 1, 9));
+}
+
+/// "> 2026 01 06 12 00  0.0000000  0 35"
+void appendEpochLine(Buffer& out, GnssMillis time, unsigned flag, size_t count)
+{
+    const rinex::CivilTime civil(time);
+    char line[] = ">                              0   ";
+    writeDigits(line + 6, civil.date.year, 4);
+    writeDigits(line + 9, civil.date.month, 2);
+    writeDigits(line + 12, civil.date.day, 2);
+    writeDigits(line + 15, civil.hour, 2);
+    writeDigits(line + 18, civil.minute, 2);
+    const auto millis = static_cast<unsigned>(time % 60000);
+    std::memcpy(line + 18, "  0.0000000", 11);
+    writeDigits(line + 29, millis % 1000 * 10000, 7);
+    const unsigned second = millis / 1000;
+    if (second >= 10)
+        writeDigits(line + 21, second, 2);
+    else
+        line[20] = static_cast<char>('0' + second);
+    line[31] = static_cast<char>('0' + flag);
+    writeDigits(line + 35, count, count > 99 ? 3 : count > 9 ? 2 : 1);
+    out.append(line, 35);
+}
+
+} // namespace
+
+ObservationFile::ObservationFile(const LogSurvey& survey, uint8_t antenna,
+                                 const RinexOptions& options)
+    : m_options(options), m_antenna(antenna), m_survey(survey.getAntennas().at(antenna)),
+      m_place(survey.getPlace()), m_leapSeconds(survey.getLeapSeconds()),
+      m_setUp(survey.getSetUp().value_or(SetUp())), m_current(m_setUp)
+{
+    for (unsigned system = 0; system < systemCount; ++system) {
+        m_places[system].fill(-1);
+        for (const auto& [code, counts] : m_survey.signals[system]) {
+            Column column = {code, {}};
+            for (unsigned kind = 0; kind < valueKinds; ++kind)
+                column.kinds[kind] = counts[kind] != 0;
+            const bool isEmpty =
+                std::none_of(column.kinds.begin(), column.kinds.end(), [](bool b) { return b; });
+            if (isEmpty || !isKnown(systemLetters[system], code, m_options.version))
+                continue;
+            m_places[system][placeOf(code)] = static_cast<int8_t>(m_columns[system].size());
+            m_columns[system].push_back(column);
+            m_hasSignals = true;
+        }
+    }
+    // A satellite that no observation says the channel of may have an ephemeris.
+    for (const auto& [slot, channel] : survey.getChannels())
+        if (m_survey.satellites.count({'R', slot}) != 0)
+            m_survey.channels.emplace(slot, channel);
+}
+
+void ObservationFile::change(const SetUp& setUp)
+{
+    m_current = setUp;
+}
+
+/// Sorts the observations of this antenna into rows and columns. Returns the number of rows.
+size_t ObservationFile::collect(const ObservationEpoch& epoch)
+{
+    size_t used = 0;
+    for (const Observation& observation : epoch.observations) {
+        const unsigned system = systemIndex(observation.satellite.system);
+        const int8_t place = m_places[system][placeOf(observation.code)];
+        if (observation.antenna != m_antenna || place < 0 || !hasValue(observation))
+            continue;
+        uint16_t& row = m_rowOf[system * 256 + observation.satellite.number];
+        if (row == 0) {
+            if (used == m_rows.size())
+                m_rows.emplace_back();
+            m_rows[used].satellite = observation.satellite;
+            m_rows[used].observations.assign(m_columns[system].size(), nullptr);
+            row = static_cast<uint16_t>(++used);
+        }
+        m_rows[row - 1U].observations[static_cast<size_t>(place)] = &observation;
+    }
+    for (size_t i = 0; i < used; ++i) {
+        const SatelliteId& satellite = m_rows[i].satellite;
+        m_rowOf[systemIndex(satellite.system) * 256 + satellite.number] = 0;
+    }
+    return used;
+}
+
+void ObservationFile::writeRow(Buffer& out, const Row& row) const
+{
+    const std::vector<Column>& columns = m_columns[systemIndex(row.satellite.system)];
+    const size_t width = 3 + columns.size() * valueKinds * cellWidth;
+    char* const start = out.reserve(width + 1);
+    std::memset(start, ' ', width);
+    start[0] = row.satellite.system;
+    writeDigits(start + 3, row.satellite.number, 2);
+    char* cell = start + 3;
+    char* end = cell; // after the last character that is no blank
+    for (size_t i = 0; i < columns.size(); ++i) {
+        const Observation* const observation = row.observations[i];
+        for (unsigned kind = 0; kind < valueKinds; ++kind) {
+            if (!columns[i].kinds[kind])
+                continue;
+            const auto valueKind = static_cast<ValueKind>(kind);
+            if (observation && writeValue(cell, valueOf(*observation, valueKind))) {
+                end = cell + valueWidth;
+                if (valueKind == ValueKind::Phase) {
+                    const int lock =
+                        (observation->isLost ? 1 : 0) | (observation->isHalfCycle ? 2 : 0);
+                    if (lock != 0)
+                        *end++ = static_cast<char>('0' + lock);
+                }
+                if (kind <= static_cast<unsigned>(ValueKind::Phase) &&
+                    !std::isnan(observation->cn0)) {
+                    cell[valueWidth + 1] = strengthDigit(observation->cn0);
+                    end = cell + cellWidth;
+                }
+            }
+            cell += cellWidth;
+        }
+    }
+    *end = '\n';
+    out.advance(static_cast<size_t>(end - start) + 1);
+}
+
+/// New occupation of a site (3), or other lines of the header (4).
+void ObservationFile::writeChange(Buffer& out, GnssMillis time)
+{
+    Buffer lines;
+    const bool isMoved =
+        m_current.marker != m_setUp.marker || m_current.markerNumber != m_setUp.markerNumber;
+    addInstallation(lines, m_current);
+    const std::string_view text = lines.view();
+    const auto count = static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
+    appendEpochLine(out, time, isMoved ? 3 : 4, count);
+    out.append('\n');
+    out.append(text);
+    m_setUp = m_current;
+}
+
+void ObservationFile::write(Buffer& out, const ObservationEpoch& epoch)
+{
+    const size_t count = collect(epoch);
+    if (count == 0)
+        return;
+    if (m_current != m_setUp)
+        writeChange(out, epoch.time);
+    appendEpochLine(out, epoch.time, 0, count);
+    constexpr double largestOffset = 10; // seconds, of a field of 15 columns with 12 decimals
+    if (std::fabs(epoch.clockBias) < largestOffset) {
+        out.append("      ");
+        out.append(fmt::format("{:15.12f}", epoch.clockBias));
+    }
+    out.append('\n');
+    for (size_t i = 0; i < count; ++i)
+        writeRow(out, m_rows[i]);
+}
+
+} // namespace tqx

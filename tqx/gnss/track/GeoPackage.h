@@ -1,0 +1,37 @@
+#pragma once
+
+#include "tqx/gnss/position/Position.h"
+#include "tqx_gnss_export.h"
+
+#include <memory>
+#include <string>
+
+namespace tqx
+{
+
+/// A track as a GeoPackage 1.3 (OGC 12-128r17): a feature table of points in WGS84 with heights
+/// above the ellipsoid, and what is known of each position as columns.
+class TQX_GNSS_API GeoPackage
+{
+public:
+    /// Creates the file; one that exists is replaced. `table` names the feature table, of letters,
+    /// digits and underscores. Throws DataError when it cannot be created.
+    GeoPackage(const std::string& path, const std::string& table);
+
+    /// Removes the file again unless finish() was called.
+    ~GeoPackage();
+    GeoPackage(const GeoPackage&) = delete;
+    GeoPackage& operator=(const GeoPackage&) = delete;
+
+    /// Adds a position; one with Fix::None is left out. Throws DataError when it cannot be written.
+    void add(const Position& position);
+
+    /// Completes the file. Throws DataError when it cannot be written.
+    void finish();
+
+private:
+    class Database;
+    std::unique_ptr<Database> m_database;
+};
+
+} // namespace tqx

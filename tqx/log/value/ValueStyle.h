@@ -1,0 +1,34 @@
+#pragma once
+
+#include "TQX_FieldFacts.h"
+#include "tqx_log_export.h"
+
+#include <string_view>
+
+namespace tqx
+{
+
+/// How values of fields are shown.
+struct ValueStyle {
+    bool isStored = false;    ///< as they are stored: without scale, unit and names
+    bool isInDegrees = false; ///< angles in radians as degrees, unless isStored
+    bool hasSymbols = false;  ///< units by their symbols, "m/s", not by words
+};
+
+/// The unit that follows a value of the field, empty for none.
+TQX_LOG_API std::string_view shownUnit(const Kor::MessageApi::TQX_FieldFacts& field,
+                                       const ValueStyle& style);
+
+/// The name of a unit, in the style: "second" or "s".
+TQX_LOG_API std::string_view shownUnit(std::string_view unit, const ValueStyle& style);
+
+/// What values of the field are multiplied with when they are shown; 0 for none.
+TQX_LOG_API double shownScale(const Kor::MessageApi::TQX_FieldFacts& field,
+                              const ValueStyle& style);
+
+/// The same as shownDecimals(field) in ShownDecimals.h, for the unit that is shown: as many in
+/// degrees as resolve what they do in radians.
+TQX_LOG_API int shownDecimals(const Kor::MessageApi::TQX_FieldFacts& field,
+                              const ValueStyle& style);
+
+} // namespace tqx
