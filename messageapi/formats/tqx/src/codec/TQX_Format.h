@@ -1,13 +1,13 @@
 #pragma once
 
+#include "TQX_Edition.h"
+
 #include <cstdint>
 
-/// Figures of the format that no single block has.
+/// Figures of the format that no single block has; those that depend on its edition are in
+/// TQX_Edition.h.
 namespace Kor::MessageApi
 {
-
-/// The result of the codec for a block number without type, TQX_ERR_INVALID_MESSAGE.
-constexpr int32_t TQX_invalidMessage = -6072;
 
 /// The two parts of a block's ID: its number, 0 to 8191, and its revision, 0 to 7.
 constexpr uint16_t TQX_lastBlockNumber = 0x1fff;
