@@ -1,12 +1,13 @@
 // Decoding of blocks in turns with its yardsticks: a memcpy of the same bytes, the refusal of the
-// type while it is switched off and, for the two telling blocks, the parse of the same content into
+// type while it is switched off and, for the two sample blocks, the parse of the same content into
 // a protobuf message that is used again and again. The release of sub-block arrays is included, as
-// a receiver of records would do it. Blocks other than the telling ones are random but well-formed.
+// a receiver of records would do it. Blocks other than those are random but well-formed.
 
 #include "FieldRoles.h"
 #include "RandomBlock.h"
 #include "RecordGuard.h"
-#include "TellingBlocks.h"
+#include "SampleBlocks.h"
+#include "TQX_Format.h"
 #include "Turns.h"
 #include "korcg_load.h"
 #include "yardstick.pb.h"
@@ -71,7 +72,7 @@ class Measurement
 public:
     explicit Measurement(const Bytes& block)
         : m_block(block), m_target(block.size()),
-          m_recordType(TQX_recordType(korcg_load_u16(&block[4]) & 0x1fffU))
+          m_recordType(TQX_recordType(TQX_blockNumberOf(korcg_load_u16(&block[4]))))
     {
         TQX_init_context(&m_enabled);
         m_disabled = m_enabled;
@@ -122,11 +123,11 @@ void besideProtobuf(benchmark::State& state, const Bytes& block, const std::stri
 int main(int argc, char** argv)
 {
     benchmark::Initialize(&argc, argv);
-    benchmark::RegisterBenchmark("telling/PVTGeodetic2", besideProtobuf<yardstick::PVTGeodetic2>,
+    benchmark::RegisterBenchmark("sample/PVTGeodetic2", besideProtobuf<yardstick::PVTGeodetic2>,
                                  positionBlock(), positionAsProtobuf())
         ->UseManualTime()
         ->Iterations(turnCount);
-    benchmark::RegisterBenchmark("telling/MeasEpoch2", besideProtobuf<yardstick::MeasEpoch2>,
+    benchmark::RegisterBenchmark("sample/MeasEpoch2", besideProtobuf<yardstick::MeasEpoch2>,
                                  epochBlock(), epochAsProtobuf())
         ->UseManualTime()
         ->Iterations(turnCount);

@@ -4,7 +4,7 @@
 
 #include "RandomBlock.h"
 #include "RecordGuard.h"
-#include "TellingBlocks.h"
+#include "SampleBlocks.h"
 #include "Turns.h"
 #include "tqx/log/record/TypeNames.h"
 #include "tqx/log/table/IndexInput.h"

@@ -2,7 +2,7 @@
 // which counts them. The yardstick, in turns with it, parses the same content into a
 // protobuf message on the heap each. Four positions to one epoch of measurements.
 
-#include "TellingBlocks.h"
+#include "SampleBlocks.h"
 #include "Turns.h"
 #include "yardstick.pb.h"
 

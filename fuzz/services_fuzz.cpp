@@ -4,6 +4,7 @@
 #include "FixedChecksums.h"
 #include "Host.h"
 #include "ReferenceFramer.h"
+#include "TQX_Format.h"
 #include "TQX_FormatInfo.h"
 #include "TQX_Layout.h"
 
@@ -93,7 +94,8 @@ private:
                 std::equal(bytes.begin(), bytes.end(),
                            reinterpret_cast<const char*>(&m_stream[block.offset])));
         static const std::set<unsigned> silent = silentNumbers();
-        m_silentBlocks += silent.count(korcg_load_u16(&m_stream[block.offset + 4]) & 0x1fffU);
+        m_silentBlocks +=
+            silent.count(TQX_blockNumberOf(korcg_load_u16(&m_stream[block.offset + 4])));
     }
 
     // The message before this one lives until now.

@@ -1,11 +1,12 @@
 #pragma once
 
 #include "StreamBuilder.h"
+#include "TQX_Format.h"
 
 #include <cstdint>
 #include <random>
 
-constexpr uint32_t secondsPerWeek = 604800;
+constexpr uint32_t secondsPerWeek = Kor::MessageApi::TQX_secondsPerWeek;
 constexpr uint32_t unsetTow = 0xffffffff;
 
 /// A block with a time: block number and revision in `id`, TOW in milliseconds, `extra` bytes

@@ -35,10 +35,11 @@ json documentOf(const JsonValue& value)
     json document = value.kind == JsonValue::Kind::Array ? json::array() : json::object();
     size_t count = 0;
     for (const JsonValue& inner : value) {
-        if (document.is_array())
+        if (document.is_array()) {
             document.push_back(documentOf(inner));
-        else
+        } else {
             document[std::string(inner.name())] = documentOf(inner);
+        }
         ++count;
     }
     EXPECT_EQ(value.size(), count);
@@ -164,10 +165,11 @@ TEST(JsonLine, ReadsChangedLinesAsAnotherParserDoes)
         for (size_t change = below(4); change != 0; --change) {
             const size_t at = below(line.size() + 1);
             const std::string piece = texts[below(std::size(texts))];
-            if (below(2) == 0)
+            if (below(2) == 0) {
                 line.insert(at, piece.substr(below(piece.size() + 1), 1 + below(12)));
-            else
+            } else {
                 line.erase(at, below(4));
+            }
             if (below(8) == 0)
                 line = "[" + line + ",\"" + std::string(below(40), 'x') + "\"]";
         }

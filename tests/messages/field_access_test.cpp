@@ -10,7 +10,7 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-// What the description must say for the getters of some telling fields to come out right.
+// What the description must say for the getters of some fields to come out right.
 
 TEST(FieldAccess, PresenceFollowsRevisionAndSelector)
 {

@@ -28,7 +28,7 @@ std::string lineOf(const FieldInfo& field)
     return line.toStdString();
 }
 
-TEST(FieldList, TellingFieldsAreDescribed)
+TEST(FieldList, SampleFieldsAreDescribed)
 {
     const std::pair<const char*, std::vector<const char*>> types[] = {
         {"ASCIIIn",

@@ -2,13 +2,14 @@
 
 #include "FieldRoles.h"
 #include "RandomBlock.h"
+#include "TQX_Format.h"
 #include "korcg_crc.h"
 #include "korcg_load.h"
 
 namespace
 {
 
-constexpr uint64_t millisPerWeek = 604800000;
+constexpr uint64_t millisPerWeek = Kor::MessageApi::TQX_millisPerWeek;
 
 void setTime(uint8_t* block, uint64_t millis)
 {

@@ -124,9 +124,10 @@ TEST(Explain, WritesRowsAsJson)
     EXPECT_EQ(block["intact"], true);
     EXPECT_EQ(block["length"], stream.size());
     const auto rowOf = [&](const std::string& path) {
-        for (const auto& row : block["rows"])
+        for (const auto& row : block["rows"]) {
             if (row["path"] == path)
                 return row;
+        }
         return nlohmann::json();
     };
     const auto time = rowOf("TOW");

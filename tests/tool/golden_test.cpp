@@ -25,7 +25,7 @@ class GoldenTest : public testing::TestWithParam<Case>
 {
 };
 
-/// A stream of one block of each telling type, with few sub-blocks.
+/// A stream of one block of each of some types, with few sub-blocks.
 const std::string& toldStream()
 {
     static const std::string stream = runTool({"encode", "tool/data/told.jsonl"}).output;

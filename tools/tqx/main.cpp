@@ -35,7 +35,7 @@ constexpr const char* notes =
     "\n"
     "`tqx help COMMAND` explains a command and shows examples.\n";
 
-/// A bad command line is told in one line; help and version are no errors.
+/// A bad command line is reported in one line; help and version are no errors.
 ExitStatus explain(const CLI::App& program, const CLI::ParseError& error)
 {
     if (error.get_exit_code() == 0) {

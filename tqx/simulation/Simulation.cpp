@@ -1,5 +1,6 @@
 #include "tqx/simulation/Simulation.h"
 
+#include "tqx/log/time/GnssTime.h"
 #include "tqx/simulation/Blocks.h"
 #include "tqx/simulation/Broadcast.h"
 #include "tqx/simulation/CompactBlocks.h"
@@ -13,8 +14,6 @@ namespace tqx::simulation
 
 namespace
 {
-
-constexpr uint32_t millisPerWeek = 604800000;
 
 class Simulation
 {

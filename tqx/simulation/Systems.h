@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TQX_Format.h"
 #include "tqx/gnss/orbit/System.h"
 
 #include <cstdint>
@@ -29,7 +30,7 @@ constexpr uint8_t frequencySlot(System system, int channel)
 }
 
 constexpr uint32_t secondsPerDay = 86400;
-constexpr uint32_t secondsPerWeek = 604800;
+constexpr uint32_t secondsPerWeek = Kor::MessageApi::TQX_secondsPerWeek;
 
 constexpr unsigned galileoWeekZero = 1024; ///< GPS week in which Galileo system time begins
 constexpr unsigned navIcWeekZero = 1024;   ///< GPS week in which NavIC time begins

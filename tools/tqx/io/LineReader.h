@@ -14,7 +14,7 @@ namespace tqx::tool
 class LineReader
 {
 public:
-    /// Throws SourceError when the input cannot be opened. `progress` is told what is
+    /// Throws SourceError when the input cannot be opened. `progress` hears what is
     /// read, `beforeRead` is called each time before more of the input is.
     /// Of lines longer than `longest` bytes nothing is kept.
     LineReader(const std::string& path, uint64_t longest, Progress& progress,

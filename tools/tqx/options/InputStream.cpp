@@ -36,10 +36,11 @@ bool InputStream::next(Block& block)
     bool hasBlock = false;
     try {
         hasBlock = m_indexed->blocks.next(block);
-        if (hasBlock)
+        if (hasBlock) {
             m_indexed->between.reportBefore(block.offset);
-        else
+        } else {
             m_indexed->between.reportAll();
+        }
     } catch (const SourceError& error) {
         fail(error);
         hasBlock = false;

@@ -96,7 +96,8 @@ void SelectionOptions::addConditions(CLI::App& command)
         ->type_name("CONDITION")
         ->check(refuseEmpty)
         ->group(group);
-    addReal(command, "--interval", m_request.interval, 0.001, 604800, "seconds",
+    addReal(command, "--interval", m_request.interval, 0.001, static_cast<double>(secondsPerWeek),
+            "seconds",
             "Only blocks at multiples of this in GNSS time, such as 30 for every half minute")
         ->type_name("SECONDS")
         ->default_str("")

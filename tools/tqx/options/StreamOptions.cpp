@@ -136,9 +136,10 @@ void StreamOptions::useIndex(InputStream& stream, const BlockConsumer& consumer)
     BlockQuery query;
     query.from = chosen.getFrom();
     query.to = chosen.getTo();
-    for (const Index::Type& type : log->getIndex().getTypes())
+    for (const Index::Type& type : log->getIndex().getTypes()) {
         if (chosen.getTypes().accepts(type.number))
             query.numbers.push_back(type.number);
+    }
     if (query.numbers.empty())
         query.endPage = 0; // no numbers would be all of them
     stream.useIndex(std::move(log), query);

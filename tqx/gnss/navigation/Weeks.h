@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TQX_Format.h"
+
 #include <cmath>
 #include <cstdint>
 
@@ -7,7 +9,7 @@ namespace tqx::navigation
 {
 
 constexpr uint16_t noWeek = 65535;
-constexpr double secondsPerWeek = 604800;
+constexpr double secondsPerWeek = Kor::MessageApi::TQX_secondsPerWeek;
 constexpr int beiDouWeekZero = 1356; ///< GPS week in which BeiDou time begins
 
 /// The GPS week near that of a block's header for a week that may count from another week or roll

@@ -37,7 +37,7 @@ private:
 
 } // namespace
 
-class BetweenBlocks::Scan : private NeighbourScanner::Listener
+class BetweenBlocks::Scan final : private NeighbourScanner::Listener
 {
 public:
     Scan(const Index& index, const RandomAccess& source, StreamListener* hears)

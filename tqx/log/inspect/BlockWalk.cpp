@@ -31,10 +31,10 @@ public:
           m_values(layout.fieldCount, 0)
     {
     }
-    Level(const TQX_TypeLayout& layout, const Level& father)
-        : m_walk(father.m_walk), m_type(layout), m_main(father.m_main), m_depth(father.m_depth + 1),
-          m_bytes(father.m_bytes), m_size(father.m_size), m_start(father.m_offset),
-          m_offset(father.m_offset), m_values(layout.fieldCount, 0)
+    Level(const TQX_TypeLayout& layout, const Level& owner)
+        : m_walk(owner.m_walk), m_type(layout), m_main(owner.m_main), m_depth(owner.m_depth + 1),
+          m_bytes(owner.m_bytes), m_size(owner.m_size), m_start(owner.m_offset),
+          m_offset(owner.m_offset), m_values(layout.fieldCount, 0)
     {
     }
 

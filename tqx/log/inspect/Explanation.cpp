@@ -64,14 +64,16 @@ void addRun(std::vector<Line>& lines, const InspectionRow& row, const std::strin
     for (uint32_t at = 0; at < row.size || at == 0; at += bytesPerLine) {
         const uint32_t count = std::min(bytesPerLine, row.size - at);
         Line line = {row.offset + at, hex(bytes + at, count), label, "", ""};
-        if (row.kind == Kind::Bytes && row.size > bytesPerLine)
+        if (row.kind == Kind::Bytes && row.size > bytesPerLine) {
             line.label += fmt::format("[{}]", at);
-        else if (at != 0)
+        } else if (at != 0) {
             line.label.clear();
-        if (row.kind == Kind::Text)
+        }
+        if (row.kind == Kind::Text) {
             line.raw = quotedText(bytes + at, count);
-        else if (row.size == 0)
+        } else if (row.size == 0) {
             line.value = "empty";
+        }
         lines.push_back(std::move(line));
     }
 }
@@ -87,12 +89,13 @@ std::vector<Line> linesOf(const Inspection& inspection)
             continue;
         }
         Line line = {row.offset, "", label, row.raw, valueOf(row)};
-        if (row.kind == Kind::Value)
+        if (row.kind == Kind::Value) {
             line.bytes = hex(bytes, row.size);
-        else if (row.kind == Kind::Bits)
+        } else if (row.kind == Kind::Bits) {
             line.bytes = bitsOf(row);
-        else if (row.kind == Kind::Derived)
+        } else if (row.kind == Kind::Derived) {
             line.bytes = "derived";
+        }
         lines.push_back(std::move(line));
     }
     return lines;
@@ -110,11 +113,12 @@ void appendHead(Buffer& out, const Inspection& inspection)
             out.append(fmt::format(", {} bytes", inspection.length));
         if (inspection.time)
             out.append("\n" + timeText(*inspection.time));
-        if (!inspection.type)
+        if (!inspection.type) {
             out.append("\nno type has this number");
-        else if (inspection.revision > inspection.type->highestRevision)
+        } else if (inspection.revision > inspection.type->highestRevision) {
             out.append(fmt::format("\nnewer than revision {}, the last one that is known",
                                    inspection.type->highestRevision));
+        }
     }
     out.append("\n\n");
 }

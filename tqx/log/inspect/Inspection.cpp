@@ -37,9 +37,10 @@ std::string howFar(const BlockLocation& location)
 /// Any main type: the header is the same in all of them.
 const TQX_TypeLayout& anyMainType()
 {
-    for (uint32_t recordType = 1;; ++recordType)
+    for (uint32_t recordType = 1;; ++recordType) {
         if (const TQX_TypeLayout* type = TQX_layout(recordType); type && type->blockNumber != 0)
             return *type;
+    }
 }
 
 /// What the place is that was asked for, when it is not the block's own.
@@ -50,10 +51,11 @@ void addDamage(Inspection& inspection, const BlockLocation& location)
     std::string fault =
         fmt::format("{} {} from {} on to no block", location.damage,
                     location.damage == 1 ? "byte belongs" : "bytes belong", location.place);
-    if (location.hasSync())
+    if (location.hasSync()) {
         fault += fmt::format(", this header at {} is among them", location.offset);
-    else
+    } else {
         fault += ", no header is among them";
+    }
     inspection.faults.push_back(std::move(fault));
 }
 
@@ -111,9 +113,10 @@ void checkFrame(Inspection& inspection)
     const uint16_t stated = korcg_load_u16(bytes.data() + 2);
     const uint16_t found = korcg_crc16_bytes(bytes.data() + 4, length - 4U);
     inspection.isIntact = stated == found;
-    if (!inspection.isIntact)
+    if (!inspection.isIntact) {
         faults.push_back(fmt::format("the checksum is 0x{:04x}, but that of the bytes is 0x{:04x}",
                                      stated, found));
+    }
 }
 
 /// Says of the checksum whether it is right, if there is enough to know.
@@ -131,11 +134,12 @@ void judgeChecksum(Inspection& inspection)
         return;
     row->scaled.clear();
     row->name.clear();
-    if (inspection.isIntact)
+    if (inspection.isIntact) {
         row->name = "right";
-    else
+    } else {
         row->error = fmt::format("wrong, the bytes give {}",
                                  korcg_crc16_bytes(bytes.data() + 4, bytes.size() - 4U));
+    }
 }
 
 /// The header and the rest of a block of unknown number.
@@ -173,15 +177,16 @@ void addResult(Inspection& inspection)
         const char* name = culprit->field ? culprit->field->name : "an entry";
         fault += fmt::format(": {} of {} at {}, {} in the file, ", name, culprit->type->name,
                              culprit->offset, inspection.offset + culprit->offset);
-        if (culprit->kind == Kind::Missing)
+        if (culprit->kind == Kind::Missing) {
             fault += fmt::format("would need {} more {}", culprit->stated,
                                  culprit->stated == 1 ? "byte" : "bytes");
-        else if (culprit->kind == Kind::TooMany)
+        } else if (culprit->kind == Kind::TooMany) {
             fault += fmt::format("has {} elements, there is room for {}", culprit->index,
                                  culprit->field->elements);
-        else
+        } else {
             fault +=
                 fmt::format("ends behind the {} bytes that its length allows", culprit->stated);
+        }
     }
     inspection.faults.push_back(std::move(fault));
 }
@@ -210,21 +215,24 @@ void addBlock(Inspection& inspection)
     readHeader(inspection);
     checkFrame(inspection);
     const std::vector<uint8_t>& bytes = inspection.bytes;
-    if (bytes.size() >= throughId)
+    if (bytes.size() >= throughId) {
         inspection.time =
             Block{bytes.data(), static_cast<uint16_t>(bytes.size()), inspection.offset}.getTime();
-    if (inspection.type)
+    }
+    if (inspection.type) {
         addFields(inspection);
-    else
+    } else {
         addUnknownBody(inspection);
+    }
     judgeChecksum(inspection);
 }
 
 void addNeighbours(Inspection& inspection, const BlockLocation& location)
 {
-    if (location.around && location.around->offset != location.offset)
+    if (location.around && location.around->offset != location.offset) {
         inspection.faults.push_back("the place lies inside a sound block, " +
                                     describe(*location.around));
+    }
     if (inspection.isIntact)
         return;
     if (!location.following) {
@@ -272,10 +280,11 @@ Inspection inspect(const Block& block)
 int Inspection::rowAt(uint32_t byte) const
 {
     int innermost = InspectionRow::none;
-    for (size_t i = 0; i < rows.size(); ++i)
+    for (size_t i = 0; i < rows.size(); ++i) {
         if (rows[i].kind != InspectionRow::Kind::Bits && rows[i].offset <= byte &&
             byte - rows[i].offset < rows[i].size)
             innermost = static_cast<int>(i);
+    }
     return innermost;
 }
 
@@ -284,10 +293,11 @@ std::string describeNoBlock(const BlockLocation& location)
     std::string text = "no block begins here";
     if (location.around)
         text += "; it is inside of " + describe(*location.around);
-    if (location.following)
+    if (location.following) {
         text += "; the next block is " + describe(*location.following);
-    else
+    } else {
         text += "; no block follows" + howFar(location);
+    }
     return text;
 }
 

@@ -177,10 +177,11 @@ void InspectionRows::add(const BlockPiece& piece)
     row.offset = piece.offset;
     const bool hasBytes = row.kind == RowKind::Value || row.kind == RowKind::Text ||
                           row.kind == RowKind::Bytes || row.kind == RowKind::Unknown;
-    if (hasBytes)
+    if (hasBytes) {
         row.size = piece.size;
-    else
+    } else {
         row.stated = piece.size;
+    }
     if (piece.kind == Kind::Bits)
         row.size = m_rows[static_cast<size_t>(m_value)].size;
     row.label = labelOf(piece);

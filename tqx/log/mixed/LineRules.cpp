@@ -8,7 +8,7 @@ namespace tqx
 namespace
 {
 
-constexpr size_t endSize = 5; // "*hh", CR, LF
+constexpr size_t endSize = 3; // "*hh"
 
 constexpr bool isDigit(uint8_t character)
 {
@@ -24,35 +24,35 @@ constexpr unsigned digitValue(uint8_t character)
     return letter < 6 ? letter + 10 : 16;
 }
 
-/// Whether the line has an address, which ',' or the checksum ends.
-bool hasAddress(const uint8_t* line, size_t size)
+/// Whether the text has an address, which ',' or the checksum ends.
+bool hasAddress(const uint8_t* text, size_t size)
 {
     constexpr size_t least = 3;
     constexpr size_t most = 15;
     size_t end = 1;
-    while (end < size && (isCapital(line[end]) || isDigit(line[end])))
+    while (end < size && (isCapital(text[end]) || isDigit(text[end])))
         ++end;
     const size_t length = end - 1;
-    return length >= least && length <= most && isCapital(line[1]) &&
-           (line[end] == ',' || end == size - endSize);
+    return length >= least && length <= most && isCapital(text[1]) &&
+           (text[end] == ',' || end == size - endSize);
 }
 
 } // namespace
 
-SentenceCheck checkSentence(const uint8_t* line, size_t size)
+SentenceCheck checkSentence(const uint8_t* text, size_t size)
 {
     if (size <= endSize)
         return SentenceCheck::None;
-    const uint8_t* const end = line + size - endSize;
+    const uint8_t* const end = text + size - endSize;
     const unsigned high = digitValue(end[1]);
     const unsigned low = digitValue(end[2]);
     if (*end != '*' || high > 15 || low > 15)
         return SentenceCheck::None;
-    if (!beginsSentence(line[0]) || !hasAddress(line, size) ||
-        std::any_of(line + 1, end, beginsSentence))
+    if (!beginsSentence(text[0]) || !hasAddress(text, size) ||
+        std::any_of(text + 1, end, beginsSentence))
         return SentenceCheck::Wrong;
     unsigned sum = 0;
-    for (const uint8_t* at = line + 1; at != end; ++at)
+    for (const uint8_t* at = text + 1; at != end; ++at)
         sum ^= *at;
     return sum == high * 16 + low ? SentenceCheck::Right : SentenceCheck::Wrong;
 }

@@ -39,9 +39,9 @@ enum class SentenceCheck {
     Right,
 };
 
-/// Judges a line of printable characters that ends with CR and LF. A sentence has an address of 3
+/// Judges printable characters without the end of their line. A sentence has an address of 3
 /// to 15 capitals and digits, its two delimiters '$' and '!' nowhere else, and always a checksum.
-SentenceCheck checkSentence(const uint8_t* line, size_t size);
+SentenceCheck checkSentence(const uint8_t* text, size_t size);
 
 /// Whether these are the first characters of a prompt (`size` up to 5): two or three capitals, one
 /// or two digits, four together, and '>'.

@@ -129,7 +129,7 @@ NeighbourScanner::Decision NeighbourScanner::decideSentence(const View& view)
     if (size == unknown)
         return {Verdict::Waits, 0, {}};
     const SentenceCheck check =
-        size == noLine ? SentenceCheck::None : checkSentence(view.data, size);
+        size == noLine ? SentenceCheck::None : checkSentence(view.data, size - endSize);
     if (check == SentenceCheck::Right)
         return {Verdict::Neighbour, size, NeighbourKind::Nmea};
     return {Verdict::Damage, check == SentenceCheck::Wrong ? size : 1, {}};
@@ -168,14 +168,14 @@ NeighbourScanner::Decision NeighbourScanner::decideLine(const View& view, size_t
         return none;
     const uint8_t* const line = view.data + blank;
     const size_t size = end - blank;
-    const SentenceCheck check = checkSentence(line, size);
+    const SentenceCheck check = checkSentence(line, size - endSize);
     if (check == SentenceCheck::Right)
         return blank == 0 ? Decision{Verdict::Neighbour, size, NeighbourKind::Nmea} : none;
     // A sentence that begins within the line is whole, what precedes it is not.
     for (size_t at = size - endSize; at-- > 1;) {
         if (!beginsSentence(line[at]))
             continue;
-        if (checkSentence(line + at, size - at) == SentenceCheck::Right)
+        if (checkSentence(line + at, size - at - endSize) == SentenceCheck::Right)
             return {Verdict::Damage, blank + at, {}};
         break;
     }

@@ -53,9 +53,10 @@ bool isWithin(const JsonValue& part, const JsonValue& whole)
 {
     if (!part.isStructured() || part.kind != whole.kind)
         return areEqual(part, whole);
-    if (part.kind == Kind::Array)
+    if (part.kind == Kind::Array) {
         return part.size() == whole.size() &&
                std::equal(part.begin(), part.end(), whole.begin(), isWithin);
+    }
     const auto known = membersOf(whole);
     const auto given = membersOf(part);
     return std::all_of(given.begin(), given.end(), [&](const auto& member) {

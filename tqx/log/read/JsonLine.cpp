@@ -242,9 +242,10 @@ private:
 /// Halves of surrogate pairs, which the parser lets pass alone.
 bool mayHaveSurrogates(std::string_view line)
 {
-    for (size_t at = line.find('\\'); at != std::string_view::npos; at = line.find('\\', at + 1))
+    for (size_t at = line.find('\\'); at != std::string_view::npos; at = line.find('\\', at + 1)) {
         if (const std::string_view rest = line.substr(at + 1, 2); rest == "ud" || rest == "uD")
             return true;
+    }
     return false;
 }
 

@@ -40,16 +40,17 @@ Members membersOf(const JsonValue& line)
     std::string_view unknown; // the first one in the alphabet
     for (const JsonValue& value : objectOf(line)) {
         const std::string_view name = value.name();
-        if (name == "block")
+        if (name == "block") {
             members.block = &value;
-        else if (name == "fields")
+        } else if (name == "fields") {
             members.fields = &value;
-        else if (name == "number")
+        } else if (name == "number") {
             members.number = &value;
-        else if (name == "bytes")
+        } else if (name == "bytes") {
             members.bytes = &value;
-        else if (unknown.data() == nullptr || name < unknown)
+        } else if (unknown.data() == nullptr || name < unknown) {
             unknown = name;
+        }
     }
     if (unknown == "time") // has it
         throw ScaledLineError();
@@ -78,9 +79,10 @@ const std::vector<uint8_t>& LineEncoder::encode(std::string_view line)
         if (members.bytes->kind != Kind::String || !decodeBase64(members.bytes->text(), m_bytes))
             throw LineError::at("bytes", "is no base64 text");
         if (const std::string name = differenceFromBytes(members.block, members.fields, m_bytes);
-            !name.empty())
+            !name.empty()) {
             m_warning = fmt::format("differs from the bytes beside it, which are taken: {}",
                                     shortened(name));
+        }
         return m_bytes;
     }
     if (!members.block)
@@ -95,9 +97,10 @@ const std::vector<uint8_t>& LineEncoder::encode(std::string_view line)
                              members.fields ? objectOf(*members.fields) : nothing);
         const int32_t bits =
             TQX_reencode(m_room.data(), static_cast<uint16_t>(m_room.size()), m_record.get());
-        if (bits < 0)
+        if (bits < 0) {
             throw LineError(
                 fmt::format("larger than a block can be: {} ({})", TQX_errorName(bits), bits));
+        }
         m_bytes.assign(m_room.begin(), m_room.begin() + bits / 8);
         checkDecodes();
     } catch (const LineError& error) {
@@ -124,12 +127,14 @@ void LineEncoder::checkDecodes()
 {
     const int32_t bits =
         m_record.decode(nullptr, m_bytes.data(), static_cast<uint16_t>(m_bytes.size()));
-    if (bits < 0)
+    if (bits < 0) {
         throw LineError(fmt::format("these values make a block that does not decode: {} ({})",
                                     TQX_errorName(bits), bits));
-    if (static_cast<size_t>(bits) != m_bytes.size() * 8)
+    }
+    if (static_cast<size_t>(bits) != m_bytes.size() * 8) {
         throw LineError(fmt::format("these values make a block of {} bytes of which {} decode",
                                     m_bytes.size(), bits / 8));
+    }
 }
 
 } // namespace tqx

@@ -1,5 +1,6 @@
 #include "tqx/log/read/RecordFiller.h"
 
+#include "TQX_Format.h"
 #include "TQX_codec.h"
 #include "tqx/log/read/LineError.h"
 #include "tqx/log/read/StoredValue.h"
@@ -123,9 +124,10 @@ void RecordFilling::assignRows()
         if (row(index).kind == TQX_FieldKind::Derived)
             derived = std::min(derived, index);
     }
-    if (derived != m_type.fieldCount)
+    if (derived != m_type.fieldCount) {
         throw LineError::at(row(derived).name,
                             "is computed when a block is decoded, it cannot be given");
+    }
     if (!isKnown)
         failUnknown();
 }
@@ -134,10 +136,11 @@ void RecordFilling::assignRows()
 void RecordFilling::failUnknown() const
 {
     std::string_view unknown;
-    for (const JsonValue& value : m_values)
+    for (const JsonValue& value : m_values) {
         if (m_plan.find(value.name(), 0) < 0 &&
             (unknown.data() == nullptr || value.name() < unknown))
             unknown = value.name();
+    }
     throw LineError(unknownName("field", unknown, m_plan.getNames()));
 }
 
@@ -169,18 +172,20 @@ void RecordFilling::fillBits(int word, int part)
         const uint64_t mask = ~uint64_t{0} >> (64 - bits.width);
         const uint64_t value = bitsOf(bits, given);
         const uint64_t whole = TQX_unsignedValue(field, m_record, index);
-        if (!isGiven(word))
+        if (!isGiven(word)) {
             storeInteger(field, m_record, index,
                          (whole & ~(mask << bits.shift)) | value << bits.shift);
-        else if ((whole >> bits.shift & mask) != value)
+        } else if ((whole >> bits.shift & mask) != value) {
             throw LineError(fmt::format("contradicts {}", field.name));
+        }
     };
     if (field.kind == TQX_FieldKind::Value)
         return fillElement(0, valueOf(part));
     const JsonValue& elements = arrayOf(valueOf(part));
-    if (elements.size() > field.elements)
+    if (elements.size() > field.elements) {
         throw LineError(
             fmt::format("{} elements, there is room for {}", elements.size(), field.elements));
+    }
     uint32_t index = 0;
     for (const JsonValue& element : elements)
         fillElement(index++, element);
@@ -190,9 +195,10 @@ void RecordFilling::fillBits(int word, int part)
 /// The bit ranges of a packed field. Given together with the word, they must agree with it.
 void RecordFilling::fillWord(int word)
 {
-    for (int part = word + 1; part < m_plan.afterBits(word); ++part)
+    for (int part = word + 1; part < m_plan.afterBits(word); ++part) {
         if (isGiven(part))
             atField(row(part), [&] { fillBits(word, part); });
+    }
 }
 
 void RecordFilling::fillScalar(int index)
@@ -226,10 +232,12 @@ bool RecordFilling::isAnnounced(int count) const
 void RecordFilling::announce(int count, size_t elements)
 {
     auto& all = m_filler.m_announced;
-    for (size_t i = m_firstAnnounced; i < all.size(); ++i)
-        if (all[i].first == count && all[i].second != elements)
+    for (size_t i = m_firstAnnounced; i < all.size(); ++i) {
+        if (all[i].first == count && all[i].second != elements) {
             throw LineError(fmt::format("{} elements, but {} for others that {} counts", elements,
                                         all[i].second, row(count).name));
+        }
+    }
     if (!isAnnounced(count))
         all.emplace_back(count, elements);
 }
@@ -248,10 +256,11 @@ void RecordFilling::setCount(int index, size_t elements)
     const size_t unit = field.countsBytes ? TQX_elementSize(field) : 1;
     const uint64_t highest = ~uint64_t{0} >> (64 - count.width);
     const bool isBlocks = field.kind == TQX_FieldKind::Blocks;
-    if (elements * unit > highest || (!isBlocks && elements > field.elements))
+    if (elements * unit > highest || (!isBlocks && elements > field.elements)) {
         throw LineError(
             fmt::format("{} elements, there is room for {}", elements,
                         isBlocks ? highest : std::min<uint64_t>(highest / unit, field.elements)));
+    }
     announce(field.count, elements);
     if (isBlocks)
         return;
@@ -364,9 +373,10 @@ void RecordFilling::fillContent(int index)
         return;
     }
     if (field.count >= 0 && !isAnnounced(field.count) &&
-        TQX_unsignedValue(row(field.count), m_record) != 0)
+        TQX_unsignedValue(row(field.count), m_record) != 0) {
         throw LineError::at(row(field.count).name,
                             fmt::format("is not 0, but {} is not given", field.name));
+    }
 }
 
 /// Makes the three forms of a main block's number and revision agree with each other.
@@ -375,13 +385,14 @@ void RecordFilling::settleId()
     auto* header = static_cast<TQX_MainHeader_s*>(m_record);
     if (header->Sync1 != '$' || header->Sync2 != '@')
         throw LineError("the sync characters are not those of a block");
-    if ((header->ID & 0x1fffU) == 0)
+    if (TQX_blockNumberOf(header->ID) == 0)
         header->ID = static_cast<uint16_t>(header->ID | m_type.blockNumber);
-    header->BlockNumber = header->ID & 0x1fffU;
-    header->Revision = static_cast<uint8_t>(header->ID >> 13U);
-    if (header->BlockNumber != m_type.blockNumber)
+    header->BlockNumber = TQX_blockNumberOf(header->ID);
+    header->Revision = TQX_revisionOf(header->ID);
+    if (header->BlockNumber != m_type.blockNumber) {
         throw LineError(fmt::format("the ID is that of block {}, not of {} ({})",
                                     header->BlockNumber, m_type.name, m_type.blockNumber));
+    }
 }
 
 void RecordFilling::fill()

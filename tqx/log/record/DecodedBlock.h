@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TQX_Format.h"
 #include "TQX_RecordAccess.h"
 #include "tqx/log/stream/Block.h"
 

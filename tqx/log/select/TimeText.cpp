@@ -19,7 +19,6 @@ namespace
 {
 
 constexpr uint64_t secondsPerDay = 86400;
-constexpr uint64_t secondsPerWeek = 604800;
 constexpr uint64_t highestWeek = 65534;
 
 /// What is left to read of a text.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TQX_Format.h"
 #include "tqx/log/time/GnssTime.h"
 #include "tqx_log_export.h"
 
@@ -16,8 +17,8 @@ struct TQX_LOG_API Block {
     uint16_t size;
     uint64_t offset; ///< of its first byte in its file
 
-    uint16_t getNumber() const { return static_cast<uint16_t>(getId() & 0x1fffU); }
-    unsigned getRevision() const { return static_cast<unsigned>(getId()) >> 13U; }
+    uint16_t getNumber() const { return Kor::MessageApi::TQX_blockNumberOf(getId()); }
+    unsigned getRevision() const { return Kor::MessageApi::TQX_revisionOf(getId()); }
     uint16_t getId() const { return static_cast<uint16_t>(data[4] | data[5] << 8U); }
 
     /// The time in its header; nothing when that is not available or the block too short for it.

@@ -1,6 +1,9 @@
 #include "tqx/log/stream/ContentGuess.h"
 
 #include "korcg_load.h"
+#include "tqx/log/mixed/BeginningSearch.h"
+#include "tqx/log/mixed/Crc24.h"
+#include "tqx/log/mixed/LineRules.h"
 #include "tqx/log/stream/HeaderCheck.h"
 
 #include <algorithm>
@@ -31,60 +34,46 @@ constexpr std::array<Signature, 7> signatures = {{
     {"CRINEX VERS   / TYPE", 60, Content::CompactRinex},
 }};
 
-bool isPrintable(char character)
+bool isText(char character)
 {
     const auto byte = static_cast<unsigned char>(character);
     return byte >= ' ' ? byte != 0x7f : byte == '\t' || byte == '\n' || byte == '\r';
 }
 
-int hexDigit(char character)
+const uint8_t* bytesOf(std::string_view text)
 {
-    if (character >= '0' && character <= '9')
-        return character - '0';
-    if (character >= 'A' && character <= 'F')
-        return character - 'A' + 10;
-    return character >= 'a' && character <= 'f' ? character - 'a' + 10 : -1;
+    return reinterpret_cast<const uint8_t*>(text.data());
 }
 
-/// Size of the sentence "$GPGGA,...*hh" with line end that the text begins with, 0 for none.
+/// Size of the sentence "$GPGGA,...*hh" with whatever line end that the text begins with, 0 for
+/// none.
 size_t sentenceAt(std::string_view text)
 {
-    constexpr size_t longest = 250; // proprietary ones exceed the 82 of the standard
-    if (text.empty() || (text.front() != '$' && text.front() != '!'))
+    constexpr size_t checksumSize = 3;
+    const uint8_t* bytes = bytesOf(text);
+    if (text.empty() || !beginsSentence(bytes[0]))
         return 0;
-    unsigned sum = 0;
-    for (size_t i = 1; i < std::min(text.size(), longest) && isPrintable(text[i]); ++i) {
-        if (text[i] != '*') {
-            sum ^= static_cast<unsigned char>(text[i]);
-            continue;
-        }
-        if (i + 4 > text.size() || hexDigit(text[i + 1]) < 0 || hexDigit(text[i + 2]) < 0 ||
-            static_cast<unsigned>(hexDigit(text[i + 1]) * 16 + hexDigit(text[i + 2])) != sum)
-            return 0;
-        const size_t end = text.find_first_not_of("\r\n", i + 3);
-        return end == std::string_view::npos ? text.size() : end;
-    }
-    return 0;
+    const uint8_t* const last = bytes + std::min(text.size(), longestLine);
+    const uint8_t* const end = std::find_if_not(bytes, last, isPrintable);
+    const auto star = static_cast<size_t>(std::find(bytes, end, uint8_t{'*'}) - bytes);
+    const size_t size = star + checksumSize;
+    if (size > text.size() || checkSentence(bytes, size) != SentenceCheck::Right)
+        return 0;
+    const size_t next = text.find_first_not_of("\r\n", size);
+    return next == std::string_view::npos ? text.size() : next;
 }
 
 /// Size of the RTCM 3 frame that the bytes begin with, 0 for none: preamble, ten bits of length,
-/// message, 24-bit checksum.
-size_t frameAt(std::string_view text)
+/// message, checksum.
+size_t frameAt(std::string_view text, Crc24& crc)
 {
     constexpr size_t overhead = 6;
-    const auto at = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
-    if (text.size() < overhead || at(0) != 0xd3 || (at(1) & 0xfcU) != 0)
+    const uint8_t* bytes = bytesOf(text);
+    if (text.size() < overhead || bytes[0] != framePreamble || (bytes[1] & frameReserved) != 0)
         return 0;
-    const size_t size = (at(1) * 256U + at(2)) + overhead;
-    if (size > text.size())
-        return 0;
-    uint32_t sum = 0;
-    for (size_t i = 0; i < size; ++i) { // over its own checksum it comes to zero
-        sum ^= static_cast<uint32_t>(at(i)) << 16U;
-        for (int bit = 0; bit < 8; ++bit)
-            sum = sum << 1U ^ ((sum & 0x800000U) != 0 ? 0x1864cfbU : 0U);
-    }
-    return (sum & 0xffffffU) == 0 ? size : 0;
+    const size_t size = bytes[1] * size_t{256} + bytes[2] + overhead;
+    crc.restart();
+    return size <= text.size() && crc.holds(0, bytes, size) ? size : 0;
 }
 
 /// The parity of the 30-bit word in the low bits, given the two bits before it.
@@ -143,7 +132,7 @@ bool hasHeader(std::string_view text)
     for (size_t i = 0; (i = text.find("$@", i)) != std::string_view::npos; ++i) {
         if (i + headerSize > text.size())
             return false;
-        const auto* header = reinterpret_cast<const uint8_t*>(text.data()) + i;
+        const uint8_t* header = bytesOf(text) + i;
         if (isPlausibleHeader(korcg_load_u16(header + 4), korcg_load_u16(header + 6)))
             return true;
     }
@@ -153,20 +142,20 @@ bool hasHeader(std::string_view text)
 /// NMEA, RTCM 3 or both, but for one message that is cut off at either end.
 Content messagesIn(std::string_view text)
 {
-    constexpr size_t longestFrame = 1029;
+    Crc24 crc;
     size_t covered = 0;
     size_t sentences = 0;
     size_t frames = 0;
     for (size_t i = 0; i < text.size();) {
         const size_t sentence = sentenceAt(text.substr(i));
-        const size_t frame = sentence == 0 ? frameAt(text.substr(i)) : 0;
+        const size_t frame = sentence == 0 ? frameAt(text.substr(i), crc) : 0;
         sentences += sentence != 0 ? 1 : 0;
         frames += frame != 0 ? 1 : 0;
         covered += sentence + frame;
         i += std::max(sentence + frame, size_t{1});
     }
     const size_t other = text.size() - covered;
-    const size_t cutOff = frames != 0 ? 2 * longestFrame : 300;
+    const size_t cutOff = frames != 0 ? 2 * Crc24::longest : 300;
     if (sentences + frames == 0 || other > std::max(text.size() / 20, std::min(cutOff, covered)))
         return Content::Unknown;
     if (frames == 0)
@@ -187,7 +176,7 @@ Content guessContent(const uint8_t* bytes, size_t size)
         return messages;
     if (isRtcm2(text))
         return Content::Rtcm2;
-    if (text.empty() || !std::all_of(text.begin(), text.end(), isPrintable))
+    if (text.empty() || !std::all_of(text.begin(), text.end(), isText))
         return hasHeader(text) ? Content::DamagedTqx : Content::Unknown;
     return text.substr(0, 2) == "{\"" ? Content::JsonLines : Content::Text;
 }

@@ -1,5 +1,6 @@
 #include "tqx/log/stream/HeaderCheck.h"
 
+#include "TQX_Format.h"
 #include "TQX_Layout.h"
 #include "TQX_RecordAccess.h"
 
@@ -64,7 +65,7 @@ Range lengthsOf(const TQX_TypeLayout& type, unsigned revision)
 
 bool isPlausibleHeader(uint16_t id, size_t length)
 {
-    const TQX_TypeLayout* type = TQX_layout(TQX_recordType(id & 0x1fffU));
+    const TQX_TypeLayout* type = TQX_layout(TQX_recordType(TQX_blockNumberOf(id)));
     if (type == nullptr)
         return false;
     const Range range = lengthsOf(*type, static_cast<unsigned>(id) >> 13U);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TQX_Format.h"
+
 #include <cstdint>
 #include <string_view>
 
@@ -17,7 +19,7 @@ struct TableBlock {
     std::string_view file; ///< name of that file; only for tables with a column of files
 
     uint16_t getId() const { return static_cast<uint16_t>(data[4] | data[5] << 8U); }
-    uint16_t getNumber() const { return static_cast<uint16_t>(getId() & 0x1fffU); }
+    uint16_t getNumber() const { return Kor::MessageApi::TQX_blockNumberOf(getId()); }
     unsigned getRevision() const { return static_cast<unsigned>(getId()) >> 13U; }
 };
 

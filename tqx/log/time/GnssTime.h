@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TQX_Format.h"
 #include "tqx_log_export.h"
 
 #include <cstdint>
@@ -12,7 +13,8 @@ namespace tqx
 /// A point of GNSS time in milliseconds since 1980-01-06, without leap seconds.
 using GnssMillis = uint64_t;
 
-constexpr GnssMillis millisPerWeek = 604800000;
+constexpr GnssMillis secondsPerWeek = Kor::MessageApi::TQX_secondsPerWeek;
+constexpr GnssMillis millisPerWeek = Kor::MessageApi::TQX_millisPerWeek;
 
 /// The time of a block's header, nothing when the header says that it is not available.
 TQX_LOG_API std::optional<GnssMillis> gnssMillis(uint32_t tow, uint16_t week);

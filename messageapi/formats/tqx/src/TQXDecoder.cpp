@@ -1,5 +1,6 @@
 #include "TQXDecoder.h"
 
+#include "TQX_Format.h"
 #include "TQX_FormatInfo.h"
 #include "TQX_Getters.h"
 #include "TQX_Layout.h"

@@ -1,5 +1,6 @@
 #include "TQXUtils.h"
 
+#include "TQX_Format.h"
 #include "TQX_FormatInfo.h"
 
 #include "FieldInfo.h"
@@ -11,8 +12,6 @@
 
 namespace
 {
-
-constexpr uint64_t millisPerWeek = 604800000;
 
 std::shared_mutex fieldMapMutex;
 
@@ -40,7 +39,7 @@ uint64_t TQXUtils::getGNSSMillis(const Message* message)
     if (week == invalidWNc || timeOfWeek == invalidTOW) {
         return invalidMillis;
     }
-    return millisPerWeek * week + timeOfWeek;
+    return uint64_t{Kor::MessageApi::TQX_millisPerWeek} * week + timeOfWeek;
 }
 
 const FieldInfo* TQXUtils::getTOWFieldInfo(const MessageInfo* info)

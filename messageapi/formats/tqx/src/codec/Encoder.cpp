@@ -2,6 +2,7 @@
 
 #include "CodecAssert.h"
 #include "RecordMembers.h"
+#include "TQX_Format.h"
 #include "TQX_codec.h"
 #include "korcg_bits.h"
 #include "korcg_crc.h"
@@ -140,7 +141,7 @@ uint16_t outgoingId(const void* main)
         const auto number = readMember<uint16_t>(main, offsetof(TQX_MainHeader_s, BlockNumber));
         return static_cast<uint16_t>(revision << 13U | number);
     }
-    return revision == 0 ? id : static_cast<uint16_t>((id & 0x1fffU) | revision << 13U);
+    return revision == 0 ? id : static_cast<uint16_t>(TQX_blockNumberOf(id) | revision << 13U);
 }
 
 // A number of 1, 2, 4 or 8 bytes.

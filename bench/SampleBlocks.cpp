@@ -1,4 +1,4 @@
-#include "TellingBlocks.h"
+#include "SampleBlocks.h"
 
 #include "RecordGuard.h"
 #include "korcg_crc.h"

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "TQX_Edition.h"
+
+#include <cstdint>
+
+/// Figures of the format that no single block has; those that depend on its edition are in
+/// TQX_Edition.h.
+namespace Kor::MessageApi
+{
+
+/// The two parts of a block's ID: its number, 0 to 8191, and its revision, 0 to 7.
+constexpr uint16_t TQX_lastBlockNumber = 0x1fff;
+constexpr uint16_t TQX_blockNumberOf(uint16_t id)
+{
+    return id & TQX_lastBlockNumber;
+}
+constexpr uint8_t TQX_revisionOf(uint16_t id)
+{
+    return static_cast<uint8_t>(id >> 13U);
+}
+
+/// A week of GNSS time.
+constexpr uint32_t TQX_secondsPerWeek = 604800;
+constexpr uint32_t TQX_millisPerWeek = TQX_secondsPerWeek * 1000;
+
+} // namespace Kor::MessageApi
