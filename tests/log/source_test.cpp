@@ -112,7 +112,7 @@ TEST(Sources, DamageIsReportedAfterAllBytesBeforeIt)
          std::to_string(gzip.size()) + ": bytes that are no gzip stream follow its end"},
         {"behind padding", gzip + Bytes{0, 1}, 500000,
          std::to_string(gzip.size() + 1) + ": bytes that are no gzip stream follow its end"},
-        // zstd gives whole blocks of 128 b.
+        // zstd gives whole blocks of 128 kB.
         {"zstd cut", cut(zstd, zstd.size() * 3 / 4), 262144,
          std::to_string(zstd.size() * 3 / 4) + ": the zstd stream ends too early"},
         {"behind zstd", zstd + text("not a frame"), 500000, "the zstd stream is damaged"},

@@ -32,7 +32,7 @@ struct WeekContext {
 };
 
 /// Where the blocks of a log are, by type and by time, and what in it belongs to no block: all that
-/// one pass over the log gives, in some 2.5 bytes a block. Pages of 64 b are what a log can be
+/// one pass over the log gives, in some 2.5 bytes a block. Pages of 64 kB are what a log can be
 /// divided by.
 ///
 ///     FileAccess log("day.tqx");

@@ -8,7 +8,7 @@
 namespace tqx
 {
 
-/// By what a file is known again: its size and checksums (CRC-32) of its first and its last 64 b.
+/// By what a file is known again: its size and checksums (CRC-32) of its first and its last 64 kB.
 struct TQX_LOG_API LogIdentity {
     uint64_t size = 0;
     uint32_t first = 0;

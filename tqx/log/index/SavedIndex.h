@@ -39,7 +39,7 @@ struct SavedIndex {
 ///       v packed, v content        more than those of the point before
 ///       u8 bits                    0 to 7
 ///       v size                     of the window as a zlib stream, and its bytes
-///     v pages                      of 64 b; for each:
+///     v pages                      of 64 kB; for each:
 ///       v entry, v first TOW at
 ///       u32 first TOW, u32 last TOW
 ///       u64 min, max, last time    in milliseconds; all ones: none

@@ -32,7 +32,7 @@ constexpr std::size_t frequencySlots = 32;
 extern const std::array<Carrier, signalNumbers + 2 * frequencySlots> carriers;
 
 /// Carrier of a signal number. GLONASS FDMA signals (8 to 11) use their frequency slot, which is
-/// the channel number plus 8 (GLONASS ICD L1, L2: 562.5 hz and 437.5 hz channel spacing).
+/// the channel number plus 8 (GLONASS ICD L1, L2: 562.5 kHz and 437.5 kHz channel spacing).
 inline const Carrier& carrierOf(uint8_t signal, uint8_t slot)
 {
     const unsigned fdma = signal - 8U;
