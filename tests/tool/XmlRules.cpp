@@ -66,9 +66,10 @@ private:
                 continue;
             const std::string child = m_reader.name().toString().toStdString();
             for (; place < rule.children.size() && rule.children[place].name != child;
-                 ++place, count = 0)
+                 ++place, count = 0) {
                 if (rule.children[place].isRequired && count == 0)
                     fail(name + " without " + rule.children[place].name);
+            }
             if (place == rule.children.size())
                 return fail(child + " is not here in " + name);
             if (++count > 1 && !rule.children[place].isRepeated)
@@ -77,9 +78,10 @@ private:
             if (!m_fault.empty())
                 return;
         }
-        for (; place < rule.children.size(); ++place, count = 0)
+        for (; place < rule.children.size(); ++place, count = 0) {
             if (rule.children[place].isRequired && count == 0)
                 fail(name + " without " + rule.children[place].name);
+        }
         const std::string pattern = rule.children.empty() ? rule.content : "\\s*";
         if (!std::regex_match(text, std::regex(pattern)))
             fail(name + " holds '" + text.substr(0, 60) + "'");

@@ -86,10 +86,11 @@ std::vector<std::string> cellsOf(const std::string& line)
 {
     std::vector<std::string> cells(1);
     for (const char character : line) {
-        if (character == ',')
+        if (character == ',') {
             cells.emplace_back();
-        else
+        } else {
             cells.back() += character;
+        }
     }
     return cells;
 }
@@ -98,9 +99,10 @@ std::vector<std::string> cellsOf(const std::string& line)
 std::vector<Fixed> positions()
 {
     std::vector<Fixed> all;
-    for (const Fixed& each : drive)
+    for (const Fixed& each : drive) {
         if (each.mode != 0)
             all.push_back(each);
+    }
     return all;
 }
 
@@ -354,10 +356,12 @@ TEST(Track, ChoosesASource)
     const std::vector<std::string> here = linesOf(best.output);
     const std::vector<std::string> there = linesOf(other.output);
     ASSERT_EQ(there.size(), 21U);
-    for (size_t i = 1; i < here.size(); ++i)
-        for (const size_t column : {6U, 7U})
+    for (size_t i = 1; i < here.size(); ++i) {
+        for (const size_t column : {6U, 7U}) {
             EXPECT_NEAR(std::stod(cellsOf(here[i])[column]), std::stod(cellsOf(there[i])[column]),
                         2e-9);
+        }
+    }
     EXPECT_EQ(runTool({"track", "-"}, testData("tool/data/cut.tqx")).status, 1);
     const ToolRun wrong = runTool({"track", "--source", "PVTGeodetic3", file.c_str()});
     EXPECT_EQ(wrong.status, 1);

@@ -120,15 +120,17 @@ constexpr Stationary stationary[] = {
 std::vector<NominalSatellite> nominalSatellites(unsigned systems)
 {
     std::vector<NominalSatellite> satellites;
-    for (const Slot& slot : gpsSlots)
+    for (const Slot& slot : gpsSlots) {
         satellites.push_back({System::Gps, static_cast<uint8_t>(satellites.size() + 1), 0, 26559700,
                               55, slot.ascendingNode - greenwich(), slot.latitudeArgument});
+    }
     for (const Walker& walker : walkers)
         addWalker(satellites, walker);
     addGeosynchronous(satellites);
-    for (const Stationary& each : stationary)
+    for (const Stationary& each : stationary) {
         satellites.push_back({each.system, each.number, 0, 42164200, each.inclination,
                               each.longitude - each.argument, each.argument});
+    }
     satellites.erase(std::remove_if(satellites.begin(), satellites.end(),
                                     [systems](const NominalSatellite& satellite) {
                                         return (systems >> indexOf(satellite.system) & 1U) == 0;

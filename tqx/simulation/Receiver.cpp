@@ -170,16 +170,19 @@ void Receiver::observeSecond(Sight& sight, Geometry view, Channel& channel, bool
 {
     view.range -= dot(secondAntenna, view.direction);
     channel.isNew = isNew;
-    if (isNew)
+    if (isNew) {
         for (double& ambiguity : channel.ambiguities)
             ambiguity = static_cast<double>(m_secondNoise.below(2000)) - 1000;
+    }
     sight.hasSecond = true;
     const Satellite& satellite = *sight.satellite;
     unsigned count = 0;
-    for (unsigned i = 0; i < maxSignals; ++i)
-        if (sends(satellite.getSystem(), satellite.getNumber(), i))
+    for (unsigned i = 0; i < maxSignals; ++i) {
+        if (sends(satellite.getSystem(), satellite.getNumber(), i)) {
             sight.secondSignals[count++] =
                 measure(sight, view, channel, i, ionosphere, m_secondNoise);
+        }
+    }
 }
 
 void Receiver::observe(const Satellite& satellite, Channel& channel, const Geometry& view,
@@ -199,14 +202,16 @@ void Receiver::observe(const Satellite& satellite, Channel& channel, const Geome
     const double ionosphere = ionosphericDelay(m_place, direction, epoch.tow());
     const System system = satellite.getSystem();
     for (unsigned i = 0; i < maxSignals; ++i) {
-        if (sends(system, satellite.getNumber(), i))
+        if (sends(system, satellite.getNumber(), i)) {
             sight.signals[sight.signalCount++] =
                 measure(sight, view, channel, i, ionosphere, m_random);
+        }
     }
-    if (!m_secondChannels.empty())
+    if (!m_secondChannels.empty()) {
         observeSecond(sight, view,
                       m_secondChannels[static_cast<size_t>(&channel - m_channels.data())],
                       channel.isNew, ionosphere);
+    }
     channel.isNew = false;
     sight.used = sight.signalCount > 1;
     if (!sight.used)
@@ -239,10 +244,11 @@ void Receiver::advance(const Epoch& epoch)
         Channel& channel = m_channels[i];
         const Geometry view = geometry(*m_satellites[i], channel.flight);
         if (view.direction.z >= std::sin(maskElevation / degrees)) {
-            if (channel.number == 0)
+            if (channel.number == 0) {
                 startTracking(channel, epoch);
-            else if (m_slipsPerHour > 0 && m_slips.chance(m_slipsPerHour * m_step / 3600))
+            } else if (m_slipsPerHour > 0 && m_slips.chance(m_slipsPerHour * m_step / 3600)) {
                 slip(channel, epoch);
+            }
             observe(*m_satellites[i], channel, view, epoch);
         } else if (channel.number != 0) {
             m_numbersInUse[std::exchange(channel.number, uint8_t{0})] = false;

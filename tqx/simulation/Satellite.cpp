@@ -78,9 +78,10 @@ Satellite::Satellite(const NominalSatellite& nominal, Random& random, double sta
     } else {
         makeElements(nominal, random);
     }
-    for (size_t i = 0; i < m_nodes.size(); ++i)
+    for (size_t i = 0; i < m_nodes.size(); ++i) {
         m_nodes[i] =
             nodeAt(static_cast<double>(m_firstNode + static_cast<int64_t>(i)) * nodeDistance);
+    }
 }
 
 /// Rates and corrections as they are seen in broadcast ephemerides, in the steps of the messages.

@@ -93,9 +93,9 @@ void fillGnss(Record& record, uint8_t mode, uint8_t revision)
     }
 }
 
-const std::vector<Case>& cases()
+std::vector<Case> inertialCases()
 {
-    static const std::vector<Case> all = {
+    return {
         {"INSNavGeod1",
          [](void* memory) {
              auto& record = as<TQX_INSNavGeod1_s>(memory);
@@ -158,6 +158,12 @@ const std::vector<Case>& cases()
              record.PosAccuracy = 2500;
          },
          Fix::Estimated, AccuracyLevel::Percent95, 0, 0, 2.5, 0, -1, -1, true, -1},
+    };
+}
+
+std::vector<Case> gnssCases()
+{
+    return {
         {"PVTGeodetic2",
          [](void* memory) {
              auto& record = as<TQX_PVTGeodetic2_s>(memory);
@@ -220,6 +226,16 @@ const std::vector<Case>& cases()
          },
          Fix::RtkFixed, AccuracyLevel::None, 0, 0, 0, 0, -1, -1, false, -1},
     };
+}
+
+const std::vector<Case>& cases()
+{
+    static const std::vector<Case> all = [] {
+        std::vector<Case> both = inertialCases();
+        for (const Case& each : gnssCases())
+            both.push_back(each);
+        return both;
+    }();
     return all;
 }
 
@@ -290,9 +306,10 @@ TEST(PositionBlocks, SaysWhenThereIsNone)
         const uint32_t type = tqx::positionSource(std::string_view(each.name))->recordType;
         const auto member = [type](const char* name) {
             const TQX_TypeLayout& layout = *TQX_layout(type);
-            for (unsigned i = 0; i < layout.fieldCount; ++i)
+            for (unsigned i = 0; i < layout.fieldCount; ++i) {
                 if (std::string_view(layout.fields[i].name) == name)
                     return layout.fields[i].recordOffset;
+            }
             return uint32_t{0};
         };
         const uint32_t coordinate =

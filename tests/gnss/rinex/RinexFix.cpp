@@ -201,10 +201,11 @@ std::optional<FixFromRinex::Sent> FixFromRinex::sentBy(const std::string& satell
         return std::nullopt;
     const double behind = satellite[0] == 'R' ? leapSeconds : satellite[0] == 'C' ? 14 : 0;
     const NavigationRecord* best = nullptr;
-    for (const NavigationRecord& record : found->second)
+    for (const NavigationRecord& record : found->second) {
         if (!best ||
             std::fabs(time - behind - record.seconds) < std::fabs(time - behind - best->seconds))
             best = &record;
+    }
     const double since = time - behind - best->seconds;
     if (std::fabs(since) > (satellite[0] == 'R' ? 1200 : 7500))
         return std::nullopt;

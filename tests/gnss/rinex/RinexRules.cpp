@@ -98,9 +98,11 @@ void checkFormat(const std::string& content, const HeaderRule& rule, Faults& fau
         const double width = std::strtod(part.c_str() + (isGap ? 0 : 1), nullptr);
         const auto whole = static_cast<size_t>(width);
         const auto decimals = static_cast<size_t>(std::lround((width - std::floor(width)) * 10));
-        if (column + whole > content.size() || !fits(content.substr(column, whole), kind, decimals))
+        if (column + whole > content.size() ||
+            !fits(content.substr(column, whole), kind, decimals)) {
             faults.push_back(std::string(rule.label) + ": column " + std::to_string(column + 1) +
                              " is not " + part);
+        }
         column += whole;
     }
 }
@@ -142,9 +144,10 @@ void checkHeader(const std::vector<std::string>& lines, const ObservationFile& f
 void checkTypes(const ObservationFile& file, Faults& faults)
 {
     std::set<std::string> shifts;
-    for (const HeaderLine& line : file.header)
+    for (const HeaderLine& line : file.header) {
         if (line.label == "SYS / PHASE SHIFT")
             shifts.insert(line.content.substr(0, 5));
+    }
     std::string systems;
     for (const auto& [system, types] : file.types) {
         systems += system;
@@ -191,16 +194,14 @@ void checkSummary(const ObservationFile& file, Faults& faults)
             if (line.content[3] != ' ')
                 satellite = line.content.substr(3, 3);
             for (size_t i = 6; i < 60 && !isBlank(line.content.substr(i, 6)); i += 6)
-                told[satellite].push_back(std::atoi(line.content.substr(i, 6).c_str()));
+                told[satellite].push_back(std::stoi(line.content.substr(i, 6)));
         }
         if (line.label == "# OF SATELLITES" &&
-            std::atoi(line.content.c_str()) != static_cast<int>(found.size()))
+            std::stoi(line.content) != static_cast<int>(found.size()))
             faults.push_back("wrong # OF SATELLITES");
         const bool isFirst = line.label == "TIME OF FIRST OBS";
         if ((isFirst || line.label == "TIME OF LAST OBS") && !epochs.empty()) {
-            const auto part = [&](size_t i) {
-                return std::atoi(line.content.substr(i, 6).c_str());
-            };
+            const auto part = [&](size_t i) { return std::stoi(line.content.substr(i, 6)); };
             const double time =
                 secondsOf(part(0), part(6), part(12), part(18), part(24),
                           std::strtod(line.content.substr(30, 13).c_str(), nullptr));
@@ -227,9 +228,10 @@ void checkCells(const std::string& line, size_t types, Faults& faults)
     if (cells.size() > types * 16)
         faults.push_back("more observations than types: " + line);
     cells.resize(types * 16, ' ');
-    for (size_t i = 0; i < types; ++i)
+    for (size_t i = 0; i < types; ++i) {
         if (!std::regex_match(cells.substr(i * 16, 16), cell))
             faults.push_back("no observation: '" + cells.substr(i * 16, 16) + "'");
+    }
 }
 
 void checkEpochs(const std::vector<std::string>& lines, const ObservationFile& file, Faults& faults)
@@ -306,15 +308,17 @@ std::vector<std::string> faultsOfNavigation(const std::string& text)
     Faults faults;
     try {
         const NavigationFile file = readNavigation(text);
-        for (const std::string& line : linesOf(text))
+        for (const std::string& line : linesOf(text)) {
             if (line.size() > 80)
                 faults.push_back("line of more than 80 columns: " + line);
-        for (const HeaderLine& line : file.header)
+        }
+        for (const HeaderLine& line : file.header) {
             if (!std::regex_match(line.label,
                                   std::regex("RINEX VERSION / TYPE|PGM / RUN BY / DATE|COMMENT|DOI|"
                                              "MERGED FILE|LEAP SECONDS|END OF HEADER|"
                                              "IONOSPHERIC CORR|TIME SYSTEM CORR")))
                 faults.push_back("unknown label " + line.label);
+        }
         double last = -1e99;
         for (const NavigationRecord& record : file.records) {
             if (record.kind != "EPH")
@@ -325,9 +329,10 @@ std::vector<std::string> faultsOfNavigation(const std::string& text)
                            (record.message.empty() && r.key[0] == record.satellite[0]);
                 });
             const size_t count = record.numbers.size();
-            if (rule == std::end(recordRules) || count < rule->least || count > rule->most)
+            if (rule == std::end(recordRules) || count < rule->least || count > rule->most) {
                 faults.push_back(record.satellite + " " + record.message + ": " +
                                  std::to_string(count) + " numbers");
+            }
             if (file.header[1].content.substr(0, 3) == "tqx" && record.seconds < last - 86400)
                 faults.push_back("records out of order");
             last = record.seconds;

@@ -34,9 +34,10 @@ std::optional<double> number(std::string text)
     text = trimmed(text);
     if (text.empty())
         return std::nullopt;
-    for (char& character : text)
+    for (char& character : text) {
         if (character == 'D' || character == 'd')
             character = 'e';
+    }
     char* end = nullptr;
     const double value = std::strtod(text.c_str(), &end);
     if (*end != 0)
@@ -92,9 +93,10 @@ SatelliteLine readSatellite(const ObservationFile& file, const std::string& line
     satellite.satellite = columns(line, 1, 3);
     size_t column = 4;
     for (const std::string& type : file.types.at(line.at(0))) {
-        if (const auto value = number(columns(line, column, column + 13)))
+        if (const auto value = number(columns(line, column, column + 13))) {
             satellite.values[type] = {*value, digit(columns(line, column + 14, column + 14)[0]),
                                       digit(columns(line, column + 15, column + 15)[0])};
+        }
         column += 16;
     }
     return satellite;
@@ -157,9 +159,10 @@ double secondsOf(int year, int month, int day, int hour, int minute, double seco
 std::string ObservationFile::only(const std::string& label) const
 {
     std::vector<std::string> found;
-    for (const HeaderLine& line : header)
+    for (const HeaderLine& line : header) {
         if (line.label == label)
             found.push_back(line.content);
+    }
     EXPECT_EQ(found.size(), 1U) << label;
     return found.empty() ? std::string(60, ' ') : found[0];
 }
@@ -183,10 +186,11 @@ ObservationFile readObservations(const std::string& text)
         const int count = whole(columns(line, 33, 35));
         for (int i = 0; i < count; ++i) {
             const std::string& next = lines.at(at++);
-            if (epoch.flag <= 1)
+            if (epoch.flag <= 1) {
                 epoch.satellites.push_back(readSatellite(file, next));
-            else
+            } else {
                 epoch.lines.push_back(next);
+            }
         }
         file.epochs.push_back(epoch);
     }

@@ -53,9 +53,10 @@ void ToolRuns::write(const std::string& name, const std::string& content) const
 std::vector<std::string> ToolRuns::list(const std::string& folder) const
 {
     std::vector<std::string> names;
-    if (fs::exists(fs::path(m_folder) / folder))
+    if (fs::exists(fs::path(m_folder) / folder)) {
         for (const auto& entry : fs::directory_iterator(fs::path(m_folder) / folder))
             names.push_back(entry.path().filename().string());
+    }
     std::sort(names.begin(), names.end());
     return names;
 }
@@ -63,10 +64,11 @@ std::vector<std::string> ToolRuns::list(const std::string& folder) const
 std::string ToolRuns::readOnly(const std::string& folder, const std::string& ending) const
 {
     std::vector<std::string> found;
-    for (const std::string& name : list(folder))
+    for (const std::string& name : list(folder)) {
         if (name.size() >= ending.size() &&
             name.compare(name.size() - ending.size(), ending.size(), ending) == 0)
             found.push_back(name);
+    }
     EXPECT_EQ(found.size(), 1U) << folder << " " << ending;
     return found.size() == 1 ? read(folder + "/" + found[0]) : "";
 }

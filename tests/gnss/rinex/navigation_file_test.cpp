@@ -124,9 +124,10 @@ TEST_P(NavigationFileTest, FollowsTheRulesAndHoldsTheEphemerides)
     EXPECT_EQ(rinex::faultsOfNavigation(text), std::vector<std::string>());
     const rinex::NavigationFile file = rinex::readNavigation(text);
     std::map<std::string, std::vector<const rinex::NavigationRecord*>> records;
-    for (const rinex::NavigationRecord& record : file.records)
+    for (const rinex::NavigationRecord& record : file.records) {
         if (record.kind == "EPH")
             records[record.satellite].push_back(&record);
+    }
 
     std::map<std::string, int> compared;
     size_t expected = 0;

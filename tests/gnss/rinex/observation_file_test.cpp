@@ -61,9 +61,10 @@ enum Column {
 
 const rinex::SatelliteLine* findSatellite(const rinex::Epoch& epoch, const std::string& name)
 {
-    for (const rinex::SatelliteLine& satellite : epoch.satellites)
+    for (const rinex::SatelliteLine& satellite : epoch.satellites) {
         if (satellite.satellite == name)
             return &satellite;
+    }
     return nullptr;
 }
 
@@ -76,8 +77,7 @@ void expectSame(const rinex::ObservationFile& file, const std::string& table)
     auto epoch = file.epochs.begin();
     for (size_t i = 1; i < lines.size(); ++i) {
         const std::vector<std::string> cells = cellsOf(lines[i]);
-        const double time =
-            gnssEpoch + std::atof(cells[Week].c_str()) * 604800 + std::atof(cells[Tow].c_str());
+        const double time = gnssEpoch + std::stod(cells[Week]) * 604800 + std::stod(cells[Tow]);
         while (epoch != file.epochs.end() && epoch->seconds < time - 1e-6)
             ++epoch;
         ASSERT_NE(epoch, file.epochs.end()) << lines[i];
@@ -91,7 +91,7 @@ void expectSame(const rinex::ObservationFile& file, const std::string& table)
             if (cell.empty())
                 continue;
             ++found;
-            ASSERT_NEAR(value->second.number, std::atof(cell.c_str()), 0.00056) << lines[i];
+            ASSERT_NEAR(value->second.number, std::stod(cell), 0.00056) << lines[i];
             if (column == Phase) {
                 ASSERT_EQ(value->second.lock,
                           (cells[Lost] == "1" ? 1 : 0) + (cells[HalfCycle] == "1" ? 2 : 0))
@@ -100,9 +100,10 @@ void expectSame(const rinex::ObservationFile& file, const std::string& table)
         }
     }
     size_t all = 0;
-    for (const rinex::Epoch& each : file.epochs)
+    for (const rinex::Epoch& each : file.epochs) {
         for (const rinex::SatelliteLine& satellite : each.satellites)
             all += satellite.values.size();
+    }
     EXPECT_EQ(found, all);
     EXPECT_GT(all, 0U);
 }

@@ -38,9 +38,10 @@ public:
 
     void end(InputStream&) override
     {
-        if (const uint64_t count = m_store.getWithoutTime())
+        if (const uint64_t count = m_store.getWithoutTime()) {
             words::say(fmt::format("{} navigation block{} without a time left out", count,
                                    count == 1 ? "" : "s"));
+        }
         if (m_kind == "ionosphere")
             return writeIonosphere(m_out, m_format, m_store.getIonosphere());
         if (m_kind == "time")

@@ -95,11 +95,12 @@ ExitStatus EventsCommand::run()
     output.flush();
     if (m_streams.isQuiet())
         return status;
-    if (rows.getCount() == 0)
+    if (rows.getCount() == 0) {
         words::say("no event in these logs");
-    else if (rows.getWithoutPlace() != 0)
+    } else if (rows.getWithoutPlace() != 0) {
         words::say(fmt::format("{} of {} events without a position", rows.getWithoutPlace(),
                                rows.getCount()));
+    }
     return status;
 }
 

@@ -110,9 +110,10 @@ void SimulateCommand::readReceiver()
 {
     simulation::ReceiverSettings& receiver = m_settings.receiver;
     receiver.systems = 0;
-    for (const std::string& name : m_systems)
+    for (const std::string& name : m_systems) {
         receiver.systems |=
             1U << (std::find(systemNames.begin(), systemNames.end(), name) - systemNames.begin());
+    }
     if (m_clockDrift->count() != 0)
         receiver.clockDrift = m_partsPerMillion * 1e-6;
 }

@@ -122,15 +122,18 @@ void TrackCommand::say(const TrackOutput& track) const
     const PositionSource* const chosen = track.getSource();
     const SourceChoice& choice = m_choice.best() ? m_choice : track.getChoice();
     std::string others;
-    for (const PositionSource* source : choice.found())
+    for (const PositionSource* source : choice.found()) {
         if (source != chosen)
             others += (others.empty() ? "" : ", ") + std::string(source->name);
-    if (chosen && !others.empty())
+    }
+    if (chosen && !others.empty()) {
         words::say(fmt::format("positions of {} ({}); there are also those of {}, see --source",
                                chosen->name, chosen->describe, others));
-    if (track.getMissing() != 0)
+    }
+    if (track.getMissing() != 0) {
         words::say(fmt::format("{} {} without a position", track.getMissing(),
                                track.getMissing() == 1 ? "epoch" : "epochs"));
+    }
 }
 
 ExitStatus TrackCommand::write(TrackOutput& track, Sink& output)

@@ -17,10 +17,11 @@ ProductFile::ProductFile(std::string path, bool isCompressed)
     : m_path(std::move(path)), m_partPath(m_path + ".part")
 {
     errno = 0;
-    if (isCompressed)
+    if (isCompressed) {
         m_packed = gzopen(m_partPath.c_str(), "wb");
-    else
+    } else {
         m_file = std::fopen(m_partPath.c_str(), "wb");
+    }
     if (!m_file && !m_packed)
         fail();
 }

@@ -106,9 +106,10 @@ void StreamOptions::lookAhead(const std::function<void(BlockStream&, const Block
     Selection chosen(m_selections.getRequest());
     JoinedSource source(m_files, {});
     BlockStream stream(source);
-    for (Block block = {}; !interrupt::hasCome() && stream.next(block);)
+    for (Block block = {}; !interrupt::hasCome() && stream.next(block);) {
         if (chosen.accepts(stream, block))
             consumer(stream, block);
+    }
 }
 
 /// Has only what is asked for read, where the index of the input says where that is.

@@ -107,8 +107,8 @@ void RinexRun::openFiles()
         parts.last = survey.last;
         parts.interval = survey.getInterval();
         const std::string path = placeIn(observationFileName(parts));
-        m_outputs.push_back(std::unique_ptr<Output>(
-            new Output{std::move(rinex), ProductFile(path, m_request.isCompressed)}));
+        m_outputs.push_back(
+            std::make_unique<Output>(std::move(rinex), path, m_request.isCompressed));
         Output& output = *m_outputs.back();
         output.rinex.writeHeader(output.file.getBuffer());
     }
@@ -185,11 +185,12 @@ ExitStatus RinexRun::writeFiles(const std::vector<std::string>& files, bool isQu
 {
     m_isQuiet = isQuiet;
     const bool hasObservations = !m_survey.getAntennas().empty();
-    if (!hasObservations)
+    if (!hasObservations) {
         words::say("no observations: there is no observation file");
-    else if (!m_survey.getSetUp() && m_request.options.marker.empty())
+    } else if (!m_survey.getSetUp() && m_request.options.marker.empty()) {
         words::say("the log does not describe the installation: marker, receiver and antenna are "
                    "not known (--marker, --observer and --agency give some of it)");
+    }
     openFiles();
     if (m_spool && !m_outputs.empty()) {
         writeObservations(*m_spool->read());

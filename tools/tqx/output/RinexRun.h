@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tqx::tool
@@ -45,6 +46,11 @@ public:
 
 private:
     struct Output {
+        Output(ObservationFile observations, const std::string& path, bool isCompressed)
+            : rinex(std::move(observations)), file(path, isCompressed)
+        {
+        }
+
         ObservationFile rinex;
         ProductFile file;
     };

@@ -28,9 +28,10 @@ void TrackOutput::decide()
 {
     if (!m_source)
         m_source = m_choice.best();
-    for (const Position& position : std::exchange(m_kept, {}))
+    for (const Position& position : std::exchange(m_kept, {})) {
         if (position.source == m_source)
             handOn(position);
+    }
 }
 
 void TrackOutput::take(BlockStream& stream, const Block& block)

@@ -92,9 +92,10 @@ bool read(const TQX_ExtEventPVTCartesian1_s& record, Position& position)
 bool read(const TQX_ExtEventINSNavGeod1_s& record, Position& position)
 {
     position.undulation = known(record.Undulation);
-    if (record.Position_StdDev)
+    if (record.Position_StdDev) {
         setDeviations(position, record.PosStdDev.LatStdDev, record.PosStdDev.LonStdDev,
                       record.PosStdDev.AltStdDev);
+    }
     if (record.Attitude)
         setAttitude(position, record.Att);
     if (record.Velocity)
@@ -217,9 +218,10 @@ bool EventGatherer::wants(uint16_t blockNumber)
 /// The event of that input and time, which is new or waits already.
 Event& EventGatherer::eventAt(GnssMillis time, std::string_view input)
 {
-    for (Event& event : m_events)
+    for (Event& event : m_events) {
         if (event.time == time && event.input == input)
             return event;
+    }
     Event& event = m_events.emplace_back();
     event.time = time;
     event.input = input;
@@ -282,9 +284,10 @@ void EventGatherer::takeEpoch(const void* record, GnssMillis time)
 {
     const uint32_t type = as<TQX_MainHeader_s>(record).korcg_type;
     const auto keep = [&](const auto& attitude, bool isThere) {
-        if (isThere && known(attitude.Heading) > -1e9)
+        if (isThere && known(attitude.Heading) > -1e9) {
             m_attitudes[type].push_back(
                 {time, known(attitude.Heading), known(attitude.Pitch), known(attitude.Roll)});
+        }
     };
     if (type == TQX_recordTypeOf<TQX_AttEuler1_s>) {
         const auto& attitude = as<TQX_AttEuler1_s>(record);

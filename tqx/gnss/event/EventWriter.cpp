@@ -39,15 +39,16 @@ std::string withNanoseconds(std::string text, const Event& event)
 
 void EventWriter::begin()
 {
-    if (m_format == EventFormat::GeoJson)
+    if (m_format == EventFormat::GeoJson) {
         m_out.append("{\"type\":\"FeatureCollection\",\"features\":[");
-    else
+    } else {
         m_out.append("WNc [week],TOW [second],GPS time,UTC,Input,Edge,Position,Mode,"
                      "Latitude [degree],Longitude [degree],Height above ellipsoid [meter],"
                      "Height above geoid [meter],Accuracy level,Horizontal accuracy [meter],"
                      "Vertical accuracy [meter],Spatial accuracy [meter],Vn [meterpersecond],"
                      "Ve [meterpersecond],Vu [meterpersecond],Attitude,Heading [degree],"
                      "Pitch [degree],Roll [degree],Datum\n");
+    }
 }
 
 void EventWriter::addRow(const Event& event)
@@ -148,10 +149,11 @@ void EventWriter::addFeature(const Event& event)
 
 void EventWriter::add(const Event& event)
 {
-    if (m_format == EventFormat::GeoJson)
+    if (m_format == EventFormat::GeoJson) {
         addFeature(event);
-    else
+    } else {
         addRow(event);
+    }
 }
 
 void EventWriter::end()

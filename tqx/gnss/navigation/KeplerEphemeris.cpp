@@ -99,9 +99,10 @@ double fitOf(unsigned flag, unsigned iodc)
                                        {752, 756, 74}, {757, 757, 98}, {1021, 1023, 26}};
     if (flag == 0)
         return 4;
-    for (const Range& range : longer)
+    for (const Range& range : longer) {
         if (iodc >= range.from && iodc <= range.to)
             return range.hours;
+    }
     return 6;
 }
 

@@ -21,9 +21,10 @@ void NavigationStore::take(const DecodedBlock& decoded)
         if (const auto data = Ionosphere::of(decoded))
             add(*data);
     } else {
-        for (const auto& offset : TimeOffset::of(decoded))
+        for (const auto& offset : TimeOffset::of(decoded)) {
             if (offset)
                 add(*offset);
+        }
     }
 }
 
@@ -32,9 +33,10 @@ void NavigationStore::add(const Ephemeris& ephemeris)
     const Key key = {ephemeris.satellite.system, ephemeris.satellite.number, ephemeris.message,
                      ephemeris.reference};
     const auto [from, to] = m_places.equal_range(key);
-    for (auto place = from; place != to; ++place)
+    for (auto place = from; place != to; ++place) {
         if (isSame(m_ephemerides[place->second], ephemeris))
             return;
+    }
     m_places.emplace(key, m_ephemerides.size());
     m_ephemerides.push_back(ephemeris);
 }

@@ -43,10 +43,11 @@ void writeIonosphere(Buffer& out, RowFormat format, const std::vector<Ionosphere
         rows.text(out, dateText(data.reference));
         for (unsigned i = 0; i < data.values.size(); ++i)
             rows.number(out, i < data.getCount() ? data.values[i] : Ephemeris::none);
-        if (data.system == 'E')
+        if (data.system == 'E') {
             rows.whole(out, data.disturbance);
-        else
+        } else {
             rows.missing(out);
+        }
         rows.end(out);
     }
 }

@@ -115,8 +115,9 @@ std::optional<Ionosphere> Ionosphere::of(const DecodedBlock& decoded)
         const auto& record = as<TQX_GALIon_s>(decoded.record);
         data.system = 'E';
         data.values = {record.a_0, record.a_1, record.a_2};
-        data.disturbance =
-            record.SF1 | record.SF2 << 1U | record.SF3 << 2U | record.SF4 << 3U | record.SF5 << 4U;
+        data.disturbance = unsigned{record.SF1} | unsigned{record.SF2} << 1U |
+                           unsigned{record.SF3} << 2U | unsigned{record.SF4} << 3U |
+                           unsigned{record.SF5} << 4U;
         return data;
     }
     default:
@@ -137,7 +138,7 @@ std::array<std::optional<TimeOffset>, 2> TimeOffset::of(const DecodedBlock& deco
     const auto time = gnssMillis(header.TOW, header.WNc);
     if (!time)
         return offsets;
-    const auto isTold = [](double a0) { return a0 != noValue; };
+    const auto isTold = [](double value) { return value != noValue; };
     switch (decoded.block.getNumber()) {
     case gpsUtc: {
         const auto& record = as<TQX_GPSUtc_s>(decoded.record);
@@ -184,9 +185,10 @@ std::array<std::optional<TimeOffset>, 2> TimeOffset::of(const DecodedBlock& deco
     default:
         break;
     }
-    for (auto& offset : offsets)
+    for (auto& offset : offsets) {
         if (offset)
             offset->received = *time;
+    }
     return offsets;
 }
 

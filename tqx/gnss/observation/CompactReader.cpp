@@ -164,9 +164,10 @@ void CompactReader::take(const TQX_Meas3CN0HiRes_s& record, GnssMillis time)
 
 void CompactReader::take(const TQX_Meas3Doppler_s& record, GnssMillis time)
 {
-    for (size_t i = 0; m_isOpen && time == m_time && i < m_entries.size() && i < record.N; ++i)
+    for (size_t i = 0; m_isOpen && time == m_time && i < m_entries.size() && i < record.N; ++i) {
         if (record.Doppler[i] != INT32_MIN)
             m_entries[i].observation.doppler = record.Doppler[i] * 1e-3;
+    }
 }
 
 void CompactReader::take(const TQX_Meas3PP_s& record, GnssMillis time)
@@ -177,9 +178,10 @@ void CompactReader::take(const TQX_Meas3PP_s& record, GnssMillis time)
 
 void CompactReader::take(const TQX_Meas3MP_s& record, GnssMillis time)
 {
-    for (size_t i = 0; m_isOpen && time == m_time && i < m_entries.size() && i < record.N; ++i)
+    for (size_t i = 0; m_isOpen && time == m_time && i < m_entries.size() && i < record.N; ++i) {
         if (record.MPCorrection[i] != INT16_MIN)
             m_entries[i].observation.multipath = record.MPCorrection[i] * 1e-3;
+    }
 }
 
 CompactReader::Known& CompactReader::knownOf(const Entry& entry)
@@ -196,17 +198,19 @@ std::optional<int64_t> CompactReader::codeOf(const Entry& entry, const Entry* ma
 {
     if (entry.code.isMissing)
         return std::nullopt;
-    if (entry.isMaster)
+    if (entry.isMaster) {
         return entry.code.modulus == 0
                    ? entry.code.value
                    : known.signal.completeCode(moment, entry.code.value, entry.code.modulus);
+    }
     if (!master || !master->observation.range)
         return std::nullopt;
     const int64_t masterCode = *master->observation.range;
-    if (!entry.isChange)
+    if (!entry.isChange) {
         return masterCode + (entry.code.modulus == 0
                                  ? entry.code.value
                                  : nearestTo(0, entry.code.value, entry.code.modulus));
+    }
     const auto masterKnown = m_known.find({master->observation.constellation,
                                            master->observation.number, master->observation.signal});
     const CompactSignal::Sample* const before = known.signal.referenceAt(m_reference);

@@ -78,22 +78,27 @@ double phaseOf(const Observation& observation, double difference)
 std::vector<std::string> ObservationLosses::describe() const
 {
     std::vector<std::string> lines;
-    if (withoutTime != 0)
+    if (withoutTime != 0) {
         lines.push_back(fmt::format("{} measurement block{} without a time left out", withoutTime,
                                     withoutTime == 1 ? "" : "s"));
-    if (outOfOrder != 0)
+    }
+    if (outOfOrder != 0) {
         lines.push_back(fmt::format("{} epoch{} not later than the one before left out", outOfOrder,
                                     outOfOrder == 1 ? "" : "s"));
-    if (withoutSlot != 0)
+    }
+    if (withoutSlot != 0) {
         lines.push_back(
             fmt::format("{} observation{} of GLONASS satellites whose slot is not known left out",
                         withoutSlot, withoutSlot == 1 ? "" : "s"));
-    if (incomplete != 0)
+    }
+    if (incomplete != 0) {
         lines.push_back(fmt::format("{} compact measurement{} without a reference left out",
                                     incomplete, incomplete == 1 ? "" : "s"));
-    for (const auto& [system, signal] : signals)
+    }
+    for (const auto& [system, signal] : signals) {
         lines.push_back(fmt::format(
             "signal {} of system {} has no observation code and is left out", signal, system));
+    }
     return lines;
 }
 
@@ -208,9 +213,10 @@ void ObservationGatherer::takeEpoch(const Record& record, bool isE6B)
         for (uint32_t k = 0; k < first.N2; ++k) {
             const TQX_MeasEpochChannelType2_s& other = first.Type2[k];
             if (Observation* observation =
-                    addEntry(first.SVID, other, limit8, secondsOf(other.LockTime, 255)))
+                    addEntry(first.SVID, other, limit8, secondsOf(other.LockTime, 255))) {
                 complete(*observation, other, hasRange && other.CodeOffsetMSB != -4,
                          hasDoppler && other.DopplerOffsetMSB != -16 && first.CarrierFrequency > 0);
+            }
         }
     }
 }
@@ -227,9 +233,10 @@ void ObservationGatherer::takeFirst(const void* block)
         if (!observation)
             continue;
         observation->range = rangeOf(entry.CodeMSB, entry.CodeLSB);
-        if (entry.CarrierMSB != INT8_MIN)
+        if (entry.CarrierMSB != INT8_MIN) {
             observation->phase =
                 phaseOf(*observation, (entry.CarrierMSB * 65536 + entry.CarrierLSB) * 1e-3);
+        }
         if (entry.Doppler != INT32_MIN)
             observation->doppler = entry.Doppler * 1e-4;
     }
@@ -324,9 +331,10 @@ void ObservationGatherer::addCompact()
         const double frequency = carrierFrequency(each.signal, observation->channel);
         if (each.range)
             observation->range = static_cast<double>(*each.range) * 1e-3;
-        if (each.carrier && frequency > 0 && (!isFdma(each.signal) || each.slot != 0))
+        if (each.carrier && frequency > 0 && (!isFdma(each.signal) || each.slot != 0)) {
             observation->phase =
                 static_cast<double>(*each.carrier) * 1e-3 * (frequency / lightSpeed);
+        }
     }
     m_losses.incomplete = m_compact->getIncomplete();
 }
@@ -471,18 +479,20 @@ void ObservationGatherer::close()
     } else if (m_source != Source::None) {
         if (m_source == Source::Compact)
             addCompact();
-        if (m_extrasTime == m_epoch.time)
+        if (m_extrasTime == m_epoch.time) {
             for (const Extra& extra : m_extras)
                 join(extra);
+        }
         for (size_t i = 0; i < m_evidence.size(); ++i)
             m_tracker.update(m_epoch.observations[i], m_evidence[i], m_epoch.time);
         if (m_biasTime == m_epoch.time)
             m_epoch.clockBias = m_bias;
         m_last = m_epoch.time;
         // The receiver may reduce the epoch, but what it leaves out is not kept either.
-        if (!m_receiver(m_epoch))
+        if (!m_receiver(m_epoch)) {
             for (const Observation& observation : m_epoch.observations)
                 m_tracker.keep(observation);
+        }
     }
     m_source = Source::None;
     clearEpoch();

@@ -51,10 +51,11 @@ void ObservationTable::write(Buffer& out, const ObservationEpoch& epoch)
         m_rows.flag(out, observation.isLost);
         m_rows.flag(out, observation.isHalfCycle);
         m_rows.flag(out, observation.isSmoothed);
-        if (isFdma(observation.signal))
+        if (isFdma(observation.signal)) {
             m_rows.whole(out, observation.channel);
-        else
+        } else {
             m_rows.missing(out);
+        }
         m_rows.fixed(out, observation.rangeDeviation, 3);
         m_rows.fixed(out, observation.phaseDeviation, 4);
         m_rows.fixed(out, observation.multipath, 3);

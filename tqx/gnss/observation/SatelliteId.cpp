@@ -25,11 +25,12 @@ constexpr Range ranges[] = {
 constexpr std::array<SatelliteId, 256> makeTable()
 {
     std::array<SatelliteId, 256> table = {};
-    for (const Range& range : ranges)
+    for (const Range& range : ranges) {
         for (unsigned svid = range.from; svid <= range.to; ++svid) {
             table[svid].system = range.system;
             table[svid].number = static_cast<uint8_t>(range.start + svid - range.from);
         }
+    }
     return table;
 }
 
@@ -52,9 +53,10 @@ std::optional<SatelliteId> satelliteOf(uint8_t svid)
 
 uint8_t svidOf(const SatelliteId& satellite)
 {
-    for (unsigned svid = 1; svid < satellites.size(); ++svid)
+    for (unsigned svid = 1; svid < satellites.size(); ++svid) {
         if (satellites[svid] == satellite)
             return static_cast<uint8_t>(svid);
+    }
     return 0;
 }
 

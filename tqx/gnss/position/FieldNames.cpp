@@ -14,9 +14,10 @@ std::string_view valueName(uint32_t recordType, std::string_view field, int64_t 
     for (unsigned i = 0; i < layout.fieldCount; ++i) {
         if (layout.fields[i].name != field)
             continue;
-        for (const TQX_NamedValue named : TQX_namedValues(TQX_fieldFacts(recordType)[i]))
+        for (const TQX_NamedValue named : TQX_namedValues(TQX_fieldFacts(recordType)[i])) {
             if (named.value == value)
                 return named.name;
+        }
     }
     return {};
 }

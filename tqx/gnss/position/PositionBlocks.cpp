@@ -94,10 +94,11 @@ bool read(const TQX_PosCart_s& record, Position& position)
         !setEarthFixed(position, record.X, record.Y, record.Z))
         return false;
     setCorrections(position, record);
-    if (record.Revision >= 1)
+    if (record.Revision >= 1) {
         position.satellites = record.NrSV;
-    else
+    } else {
         position.datum = {};
+    }
     setVariances(position, {record.Cov_XX, record.Cov_YY, record.Cov_ZZ, record.Cov_XY,
                             record.Cov_XZ, record.Cov_YZ});
     return true;
@@ -158,9 +159,10 @@ bool read(const TQX_IntPVAAGeod1_s& record, Position& position)
 bool read(const TQX_INSNavGeod1_s& record, Position& position)
 {
     position.undulation = known(record.Undulation);
-    if (record.Position_StdDev)
+    if (record.Position_StdDev) {
         setDeviations(position, record.PosStdDev.LatStdDev, record.PosStdDev.LonStdDev,
                       record.PosStdDev.AltStdDev);
+    }
     if (record.Attitude)
         setAttitude(position, record.Att);
     if (record.Velocity)
@@ -247,17 +249,19 @@ const std::vector<PositionSource>& positionSources()
 
 const PositionSource* positionSource(uint16_t blockNumber)
 {
-    for (const PositionSource& source : positionSources())
+    for (const PositionSource& source : positionSources()) {
         if (source.number == blockNumber)
             return &source;
+    }
     return nullptr;
 }
 
 const PositionSource* positionSource(std::string_view name)
 {
-    for (const PositionSource& source : positionSources())
+    for (const PositionSource& source : positionSources()) {
         if (equalNames(source.name, name) || std::to_string(source.number) == name)
             return &source;
+    }
     return nullptr;
 }
 

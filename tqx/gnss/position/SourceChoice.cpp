@@ -33,9 +33,10 @@ const PositionSource* SourceChoice::best() const
 std::vector<const PositionSource*> SourceChoice::found() const
 {
     std::vector<const PositionSource*> sources;
-    for (size_t i = 0; i < m_extents.size(); ++i)
+    for (size_t i = 0; i < m_extents.size(); ++i) {
         if (m_extents[i].count != 0)
             sources.push_back(&positionSources()[i]);
+    }
     return sources;
 }
 

@@ -35,9 +35,10 @@ void appendHeaderLine(Buffer& out, std::string_view content, std::string_view la
 std::string plain(std::string_view text)
 {
     std::string cells(text);
-    for (char& character : cells)
+    for (char& character : cells) {
         if (character < ' ' || character > '~')
             character = '_';
+    }
     const size_t last = cells.find_last_not_of(' ');
     cells.resize(last == std::string::npos ? 0 : last + 1);
     return cells;

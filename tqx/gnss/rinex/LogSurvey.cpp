@@ -43,10 +43,11 @@ void addTime(AntennaSurvey& antenna, GnssMillis time)
 {
     if (antenna.epochs != 0 && antenna.last == time)
         return;
-    if (antenna.epochs == 0)
+    if (antenna.epochs == 0) {
         antenna.first = time;
-    else if (antenna.intervals.size() < mostIntervals)
+    } else if (antenna.intervals.size() < mostIntervals) {
         ++antenna.intervals[time - antenna.last];
+    }
     antenna.last = time;
     ++antenna.epochs;
 }
@@ -54,11 +55,11 @@ void addTime(AntennaSurvey& antenna, GnssMillis time)
 LeapSecondsInfo leapSecondsOf(const TQX_GPSUtc_s& record)
 {
     LeapSecondsInfo info;
-    info.current = record.DEL_t_LS;
+    info.current = static_cast<int>(record.DEL_t_LS);
     if (record.WN_LSF == 65535 || record.DN == 0)
         return info;
     info.hasFuture = true;
-    info.future = record.DEL_t_LSF;
+    info.future = static_cast<int>(record.DEL_t_LSF);
     info.week = record.WN_LSF;
     info.day = record.DN;
     const uint64_t effective = uint64_t{info.week} * 7 + info.day;
@@ -128,7 +129,7 @@ void LogSurvey::take(const DecodedBlock& decoded)
     case receiverTime:
         if (const int8_t told = as<TQX_ReceiverTime_s>(block).DeltaLS; told != -128 && !m_isTold) {
             m_leapSeconds.emplace();
-            m_leapSeconds->current = told;
+            m_leapSeconds->current = static_cast<int>(told);
         }
         return;
     case SetUp::blockNumber:
@@ -161,9 +162,10 @@ void LogSurvey::take(const ObservationEpoch& epoch)
         if (!m_counts[place])
             m_counts[place] = std::make_unique<SatelliteCounts>();
         AntennaSurvey::Counts& counts = (*m_counts[place])[placeOf(observation.code)];
-        for (unsigned kind = 0; kind < valueKinds; ++kind)
+        for (unsigned kind = 0; kind < valueKinds; ++kind) {
             if (!std::isnan(valueOf(observation, static_cast<ValueKind>(kind))))
                 ++counts[kind];
+        }
         if (isFdma(observation.signal) && observation.channel >= -7)
             antenna->channels[satellite.number] = observation.channel;
     }

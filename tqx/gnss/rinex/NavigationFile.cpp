@@ -143,9 +143,10 @@ void appendNumbers(Buffer& out, size_t count, size_t inFirst, Value value)
 
 void appendEphemeris(Buffer& out, const Ephemeris& ephemeris, RinexVersion version)
 {
-    if (version == RinexVersion::V402)
+    if (version == RinexVersion::V402) {
         out.append(fmt::format("> EPH {} {}\n", ephemeris.satellite.text(),
                                field(nameOf(ephemeris.message), 4)));
+    }
     out.append(ephemeris.satellite.text() + " " + timeText(ephemeris.reference));
     const auto& layout = rinex::layoutOf(ephemeris.satellite.system, ephemeris.message);
     appendNumbers(out, layout.size(), 3, [&](size_t i) {
@@ -222,9 +223,10 @@ void writeNavigationFile(Buffer& out, const NavigationStore& store, const EpochS
             appendIonosphere(out, data);
     }
     std::vector<const Ephemeris*> sorted;
-    for (const Ephemeris& ephemeris : store.getEphemerides())
+    for (const Ephemeris& ephemeris : store.getEphemerides()) {
         if (isWritten(ephemeris, options.version) && selection.accepts(ephemeris.satellite))
             sorted.push_back(&ephemeris);
+    }
     std::stable_sort(sorted.begin(), sorted.end(), [](const Ephemeris* a, const Ephemeris* b) {
         return a->reference < b->reference;
     });

@@ -66,10 +66,11 @@ void appendEpochLine(Buffer& out, GnssMillis time, unsigned flag, size_t count)
     std::memcpy(line + 18, "  0.0000000", 11);
     writeDigits(line + 29, millis % 1000 * 10000, 7);
     const unsigned second = millis / 1000;
-    if (second >= 10)
+    if (second >= 10) {
         writeDigits(line + 21, second, 2);
-    else
+    } else {
         line[20] = static_cast<char>('0' + second);
+    }
     line[31] = static_cast<char>('0' + flag);
     writeDigits(line + 35, count, count > 99 ? 3 : count > 9 ? 2 : 1);
     out.append(line, 35);
@@ -99,9 +100,10 @@ ObservationFile::ObservationFile(const LogSurvey& survey, uint8_t antenna,
         }
     }
     // A satellite that no observation says the channel of may have an ephemeris.
-    for (const auto& [slot, channel] : survey.getChannels())
+    for (const auto& [slot, channel] : survey.getChannels()) {
         if (m_survey.satellites.count({'R', slot}) != 0)
             m_survey.channels.emplace(slot, channel);
+    }
 }
 
 void ObservationFile::change(const SetUp& setUp)

@@ -58,9 +58,10 @@ const char* nameOf(char system)
 void ObservationFile::addIdentity(Buffer& out) const
 {
     char system = ' ';
-    for (unsigned i = 0; i < systemCount; ++i)
+    for (unsigned i = 0; i < systemCount; ++i) {
         if (!m_columns[i].empty())
             system = system == ' ' ? systemLetters[i] : 'M';
+    }
     appendHeaderLine(
         out,
         field(m_options.version == RinexVersion::V305 ? "     3.05" : "     4.02", 20) +
@@ -117,10 +118,12 @@ void ObservationFile::addTypes(Buffer& out) const
     constexpr size_t perLine = 13;
     for (unsigned system = 0; system < systemCount; ++system) {
         std::vector<std::string> types;
-        for (const Column& column : m_columns[system])
-            for (unsigned kind = 0; kind < valueKinds; ++kind)
+        for (const Column& column : m_columns[system]) {
+            for (unsigned kind = 0; kind < valueKinds; ++kind) {
                 if (column.kinds[kind])
                     types.push_back(valueLetters[kind] + codeText(column.code));
+            }
+        }
         for (size_t i = 0; i < types.size(); i += perLine) {
             std::string line =
                 i == 0 ? fmt::format("{}  {:3}", systemLetters[system], types.size()) : "      ";
@@ -134,9 +137,10 @@ void ObservationFile::addTypes(Buffer& out) const
 void ObservationFile::addTimes(Buffer& out) const
 {
     appendHeaderLine(out, "DBHZ", "SIGNAL STRENGTH UNIT");
-    if (const GnssMillis interval = m_survey.getInterval())
+    if (const GnssMillis interval = m_survey.getInterval()) {
         appendHeaderLine(out, fmt::format("{:10.3f}", static_cast<double>(interval) * 1e-3),
                          "INTERVAL");
+    }
     appendHeaderLine(out, timeFields(m_survey.first), "TIME OF FIRST OBS");
     appendHeaderLine(out, timeFields(m_survey.last), "TIME OF LAST OBS");
     appendHeaderLine(out, "     0", "RCV CLOCK OFFS APPL");
@@ -146,12 +150,15 @@ void ObservationFile::addTimes(Buffer& out) const
 /// blank: not known.
 void ObservationFile::addPhases(Buffer& out) const
 {
-    for (unsigned system = 0; system < systemCount; ++system)
-        for (const Column& column : m_columns[system])
-            if (column.kinds[static_cast<unsigned>(ValueKind::Phase)])
+    for (unsigned system = 0; system < systemCount; ++system) {
+        for (const Column& column : m_columns[system]) {
+            if (column.kinds[static_cast<unsigned>(ValueKind::Phase)]) {
                 appendHeaderLine(
                     out, fmt::format("{} L{}", systemLetters[system], codeText(column.code)),
                     "SYS / PHASE SHIFT");
+            }
+        }
+    }
 }
 
 void ObservationFile::addGlonass(Buffer& out) const
@@ -177,17 +184,19 @@ void ObservationFile::addCounts(Buffer& out) const
     constexpr size_t perLine = 9;
     Buffer lines;
     size_t satellites = 0;
-    for (unsigned system = 0; system < systemCount; ++system)
+    for (unsigned system = 0; system < systemCount; ++system) {
         for (const auto& [satellite, signals] : m_survey.satellites) {
             if (satellite.system != systemLetters[system] || m_columns[system].empty())
                 continue;
             std::vector<uint32_t> counts;
-            for (const Column& column : m_columns[system])
-                for (unsigned kind = 0; kind < valueKinds; ++kind)
+            for (const Column& column : m_columns[system]) {
+                for (unsigned kind = 0; kind < valueKinds; ++kind) {
                     if (column.kinds[kind]) {
                         const auto found = signals.find(column.code);
                         counts.push_back(found == signals.end() ? 0 : found->second[kind]);
                     }
+                }
+            }
             ++satellites;
             for (size_t i = 0; i < counts.size(); i += perLine) {
                 std::string line = i == 0 ? "   " + satellite.text() : "      ";
@@ -196,6 +205,7 @@ void ObservationFile::addCounts(Buffer& out) const
                 appendHeaderLine(lines, line, "PRN / # OF OBS");
             }
         }
+    }
     appendHeaderLine(out, fmt::format("{:6}", satellites), "# OF SATELLITES");
     out.append(lines.view());
 }
@@ -203,9 +213,10 @@ void ObservationFile::addCounts(Buffer& out) const
 void ObservationFile::writeHeader(Buffer& out) const
 {
     addIdentity(out);
-    if (m_antenna != 0)
+    if (m_antenna != 0) {
         appendHeaderLine(out, fmt::format("Auxiliary antenna {} of the receiver", m_antenna),
                          "COMMENT");
+    }
     addInstallation(out, m_setUp);
     addTypes(out);
     addTimes(out);
@@ -213,18 +224,19 @@ void ObservationFile::writeHeader(Buffer& out) const
         addPhases(out);
     if (!m_columns[systemIndex('R')].empty())
         addGlonass(out);
-    if (m_leapSeconds && m_leapSeconds->hasFuture)
+    if (m_leapSeconds && m_leapSeconds->hasFuture) {
         appendHeaderLine(out,
                          fmt::format("{:6}{:6}{:6}{:6}", m_leapSeconds->current,
                                      m_leapSeconds->future, m_leapSeconds->week,
                                      m_leapSeconds->day),
                          "LEAP SECONDS");
-    else
+    } else {
         appendHeaderLine(out,
                          fmt::format("{:6}", m_leapSeconds ? m_leapSeconds->current
                                                            : static_cast<int>(leapSecondsBefore(
                                                                  m_survey.first / 86400000))),
                          "LEAP SECONDS");
+    }
     addCounts(out);
     appendHeaderLine(out, "", "END OF HEADER");
 }

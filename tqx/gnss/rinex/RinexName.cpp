@@ -52,9 +52,10 @@ std::string intervalText(GnssMillis millis)
         return hertz <= 99 ? fmt::format("{:02}Z", hertz) : fmt::format("{:02}C", hertz / 100);
     }
     for (const Unit unit :
-         {Unit{86400000, 'D'}, Unit{3600000, 'H'}, Unit{60000, 'M'}, Unit{1000, 'S'}})
+         {Unit{86400000, 'D'}, Unit{3600000, 'H'}, Unit{60000, 'M'}, Unit{1000, 'S'}}) {
         if (millis != 0 && millis % unit.size == 0 && millis / unit.size <= 99)
             return fmt::format("{:02}{}", millis / unit.size, unit.letter);
+    }
     return "00U";
 }
 

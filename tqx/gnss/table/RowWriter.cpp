@@ -71,10 +71,11 @@ void RowWriter::text(Buffer& out, std::string_view value)
     if (value.empty())
         return missing(out);
     next(out);
-    if (m_format == RowFormat::Csv)
+    if (m_format == RowFormat::Csv) {
         out.append(csv::cell(value));
-    else
+    } else {
         json::appendString(out, value);
+    }
 }
 
 void RowWriter::whole(Buffer& out, int64_t value)

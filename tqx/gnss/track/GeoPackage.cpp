@@ -142,9 +142,10 @@ public:
 private:
     void check(int result)
     {
-        if (result != SQLITE_OK && result != SQLITE_DONE)
+        if (result != SQLITE_OK && result != SQLITE_DONE) {
             throw DataError(fmt::format("{}: {}", m_path,
                                         m_handle ? sqlite3_errmsg(m_handle) : "out of memory"));
+        }
     }
     void run(const std::string& statements)
     {
@@ -226,9 +227,10 @@ void GeoPackage::Database::add(const Position& position)
 
 void GeoPackage::Database::finish()
 {
-    if (!m_isEmpty)
+    if (!m_isEmpty) {
         run(fmt::format("UPDATE gpkg_contents SET min_x={}, min_y={}, max_x={}, max_y={};", m_west,
                         m_south, m_east, m_north));
+    }
     run("COMMIT;");
     const int result = close();
     if (result != SQLITE_OK)

@@ -42,7 +42,7 @@ private:
         m_out.append(',');
         appendKnown(m_out, value, decimals);
     }
-    void begin(std::string_view kind);
+    void start(std::string_view kind);
     void finish();
     void place(const Position& position);
     void angle(double degrees, unsigned width, char positive, char negative);
@@ -55,7 +55,7 @@ private:
     std::string m_utc;  ///< "2024-02-10T23:46:22.100Z"
 };
 
-void NmeaTrack::begin(std::string_view kind)
+void NmeaTrack::start(std::string_view kind)
 {
     m_start = m_out.size();
     m_out.append("$GN");
@@ -93,7 +93,7 @@ void NmeaTrack::place(const Position& position)
 
 void NmeaTrack::addFix(const Position& position)
 {
-    begin("GGA");
+    start("GGA");
     place(position);
     field(qualities[static_cast<size_t>(position.fix)].number);
     field(position.satellites >= 0 ? fmt::format("{:02}", position.satellites) : "");
@@ -111,7 +111,7 @@ void NmeaTrack::addMotion(const Position& position)
 {
     constexpr double knot = 1852.0 / 3600; // metres per second
     constexpr double slowest = 0.1;        // slower than that there is no course
-    begin("RMC");
+    start("RMC");
     field(position.fix == Fix::None ? 'V' : 'A');
     place(position);
     const double speed = position.groundSpeed();
@@ -129,7 +129,7 @@ void NmeaTrack::addMotion(const Position& position)
 
 void NmeaTrack::addDate()
 {
-    begin("ZDA");
+    start("ZDA");
     field(std::string_view(m_utc).substr(8, 2));
     field(std::string_view(m_utc).substr(5, 2));
     field(std::string_view(m_utc).substr(0, 4));

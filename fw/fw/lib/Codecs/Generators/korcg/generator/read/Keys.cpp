@@ -64,7 +64,7 @@ const KeyTable& formatKeys()
         "A document that is a map. Each key is given once in all files, but for `symbols`, which "
         "add up.",
         {{"format", "text", "name of the format"},
-         {"units", "list of words", "units that fields may have, in the order of their listing"},
+         {"units", "list of word: symbol", "units that fields may have"},
          {"scales", "list of numbers", "factors that fields may have"},
          {"registration", "list of names",
           "types with a message class, in the order of the registry; those of a later edition come "
