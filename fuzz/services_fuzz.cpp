@@ -94,8 +94,8 @@ private:
                 std::equal(bytes.begin(), bytes.end(),
                            reinterpret_cast<const char*>(&m_stream[block.offset])));
         static const std::set<unsigned> silent = silentNumbers();
-        m_silentBlocks +=
-            silent.count(TQX_blockNumberOf(korcg_load_u16(&m_stream[block.offset + 4])));
+        m_silentBlocks += silent.count(
+            Kor::MessageApi::TQX_blockNumberOf(korcg_load_u16(&m_stream[block.offset + 4])));
     }
 
     // The message before this one lives until now.
