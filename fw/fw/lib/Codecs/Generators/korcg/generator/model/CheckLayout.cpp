@@ -53,7 +53,8 @@ private:
     /// A field that decides about another must be a single number that has been read before.
     void checkReference(const Field& field, int row, int target, std::string_view what)
     {
-        if (target < 0)
+        // Where two types have one name, which is an error of its own, it is a row of the other.
+        if (target < 0 || target >= static_cast<int>(m_type.fields.size()))
             return;
         const Field& other = at(target);
         if (other.isRepeated || !other.subType.empty() || !isInteger(other.type)) {
