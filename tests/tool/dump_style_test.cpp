@@ -134,3 +134,11 @@ TEST(DumpStyles, RefusesWhatDoesNotGoTogether)
         EXPECT_EQ(run.output, "");
     }
 }
+
+TEST(UnitSymbols, AreShownByOtherCommands)
+{
+    EXPECT_NE(runTool({"types", "4007", "--units", "symbols"}).output.find("m/s"),
+              std::string::npos);
+    EXPECT_NE(runTool({"explain", "-@0", "--units", "symbols"}, stream()).output.find("0.012 m/s"),
+              std::string::npos);
+}

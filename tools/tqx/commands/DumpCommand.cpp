@@ -140,10 +140,7 @@ DumpCommand::DumpCommand(CLI::App& program)
         ->type_name("text|jsonl|csv|sqlite")
         ->capture_default_str();
     m_app.add_flag("--raw", m_raw, "Values as they are stored, without scale, unit and names");
-    m_app.add_option("--units", m_units, "How units are written in text and csv: meter, or m")
-        ->transform(CLI::IsMember({"words", "symbols"}, CLI::ignore_case).description(""))
-        ->type_name("words|symbols")
-        ->capture_default_str();
+    m_units.add(m_app, "How units are written in text and csv: meter, or m");
     m_app.add_flag("--degrees", m_degrees,
                    "Show angles in degrees that are in radians; --where and --rows stay in "
                    "radians");
@@ -182,7 +179,7 @@ ExitStatus DumpCommand::run()
         throw ToolError("dump: --degrees is for scaled values, --raw shows them as stored");
     if (!m_rows.empty() && m_format != "csv")
         throw ToolError("dump: --rows goes with --format csv; --where selects blocks");
-    const ValueStyle style = {m_raw, m_degrees, m_units == "symbols"};
+    const ValueStyle style = {m_raw, m_degrees, m_units.areSymbols()};
     if (m_format == "csv") {
         std::optional<RowCondition> condition;
         if (!m_rows.empty())
@@ -191,7 +188,7 @@ ExitStatus DumpCommand::run()
                        m_target);
     }
     if (m_format == "sqlite") {
-        if (m_degrees || m_utc || m_units != "words")
+        if (m_degrees || m_utc || m_units.areSymbols())
             throw ToolError("dump: --units, --degrees and --utc do not go with --format sqlite, "
                             "whose tables have units and UTC");
         return dumpSqlite(m_streams, filter, m_raw, m_target);

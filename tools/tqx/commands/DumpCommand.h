@@ -2,6 +2,7 @@
 
 #include "commands/Command.h"
 #include "options/StreamOptions.h"
+#include "options/UnitsOption.h"
 
 namespace tqx::tool
 {
@@ -22,7 +23,7 @@ private:
     bool m_csvSafe = false;
     bool m_degrees = false;
     bool m_utc = false;
-    std::string m_units = "words";
+    UnitsOption m_units;
     std::string m_rows;
 };
 

@@ -116,7 +116,9 @@ ExplainCommand::ExplainCommand(CLI::App& program)
         .add_option("FILE@OFFSET", m_places,
                     "Where the block begins, in decimal or with 0x in hexadecimal")
         ->type_name("");
-    m_app.add_flag("--json", m_json, "A JSON object per place instead of text");
+    CLI::Option* asJson =
+        m_app.add_flag("--json", m_json, "A JSON object per place instead of text");
+    m_units.add(m_app, "How units are written in text: meter, or m")->excludes(asJson);
     // Standard input looks like an option, -@0; this way it comes through.
     m_app.allow_extras();
 }
@@ -136,7 +138,9 @@ void ExplainCommand::explain(Output& output, const std::string& place)
     } else {
         if (m_shown)
             output.getBuffer().append('\n');
-        appendExplanation(output.getBuffer(), inspection);
+        ValueStyle style;
+        style.hasSymbols = m_units.areSymbols();
+        appendExplanation(output.getBuffer(), inspection, style);
     }
     m_shown = true;
     output.commit();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "commands/Command.h"
+#include "options/UnitsOption.h"
 
 namespace tqx::tool
 {
@@ -20,6 +21,7 @@ private:
     std::vector<std::string> m_places;
     bool m_shown = false;
     bool m_json = false;
+    UnitsOption m_units;
 };
 
 } // namespace tqx::tool

@@ -89,6 +89,7 @@ TypesCommand::TypesCommand(CLI::App& program)
         .add_flag("--fields", m_fields,
                   "Names of fields alone, a line each, as dump --field takes them")
         ->excludes(asJson);
+    m_units.add(m_app, "How units are written in layouts: meter, or m")->excludes(asJson);
 }
 
 ExitStatus TypesCommand::run()
@@ -130,12 +131,14 @@ void TypesCommand::appendFields(Buffer& out) const
 
 void TypesCommand::appendLayouts(Buffer& out) const
 {
+    ValueStyle style;
+    style.hasSymbols = m_units.areSymbols();
     bool first = true;
     for (const TQX_TypeLayout* type : typesOf(m_names)) {
         if (!first)
             out.append('\n');
         first = false;
-        appendFieldTable(out, *type);
+        appendFieldTable(out, *type, style);
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "commands/Command.h"
+#include "options/UnitsOption.h"
 
 namespace tqx
 {
@@ -25,6 +26,7 @@ private:
     std::vector<std::string> m_names;
     bool m_json = false;
     bool m_fields = false;
+    UnitsOption m_units;
 };
 
 } // namespace tqx::tool

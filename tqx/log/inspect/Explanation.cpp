@@ -42,7 +42,7 @@ std::string bitsOf(const InspectionRow& row)
                : fmt::format("bits {}-{}", row.lowestBit(), row.lowestBit() + row.bitCount() - 1);
 }
 
-std::string valueOf(const InspectionRow& row)
+std::string valueOf(const InspectionRow& row, const ValueStyle& style)
 {
     if (!row.error.empty())
         return row.error;
@@ -54,7 +54,7 @@ std::string valueOf(const InspectionRow& row)
         return "not available";
     if (!row.name.empty() || row.unit.empty())
         return row.name.empty() ? row.scaled : row.name;
-    return row.scaled + ' ' + row.unit;
+    return fmt::format("{} {}", row.scaled, shownUnit(row.unit, style));
 }
 
 /// Lines for a long run of bytes.
@@ -78,7 +78,7 @@ void addRun(std::vector<Line>& lines, const InspectionRow& row, const std::strin
     }
 }
 
-std::vector<Line> linesOf(const Inspection& inspection)
+std::vector<Line> linesOf(const Inspection& inspection, const ValueStyle& style)
 {
     std::vector<Line> lines;
     for (const InspectionRow& row : inspection.rows) {
@@ -88,7 +88,7 @@ std::vector<Line> linesOf(const Inspection& inspection)
             addRun(lines, row, label, bytes);
             continue;
         }
-        Line line = {row.offset, "", label, row.raw, valueOf(row)};
+        Line line = {row.offset, "", label, row.raw, valueOf(row, style)};
         if (row.kind == Kind::Value) {
             line.bytes = hex(bytes, row.size);
         } else if (row.kind == Kind::Bits) {
@@ -123,9 +123,9 @@ void appendHead(Buffer& out, const Inspection& inspection)
     out.append("\n\n");
 }
 
-void appendTable(Buffer& out, const Inspection& inspection)
+void appendTable(Buffer& out, const Inspection& inspection, const ValueStyle& style)
 {
-    const std::vector<Line> lines = linesOf(inspection);
+    const std::vector<Line> lines = linesOf(inspection, style);
     const uint64_t end = inspection.offset + inspection.bytes.size();
     const size_t places = std::max(fmt::formatted_size("{}", end), size_t{4});
     size_t bytes = std::string_view("bytes").size();
@@ -151,10 +151,10 @@ void appendTable(Buffer& out, const Inspection& inspection)
 
 } // namespace
 
-void appendExplanation(Buffer& out, const Inspection& inspection)
+void appendExplanation(Buffer& out, const Inspection& inspection, const ValueStyle& style)
 {
     appendHead(out, inspection);
-    appendTable(out, inspection);
+    appendTable(out, inspection, style);
     const char* separator = "\n";
     for (const std::string& fault : inspection.faults) {
         out.append(separator + fault + "\n");

@@ -2,6 +2,7 @@
 
 #include "tqx/log/inspect/Inspection.h"
 #include "tqx/log/text/Buffer.h"
+#include "tqx/log/value/ValueStyle.h"
 #include "tqx_log_export.h"
 
 namespace tqx
@@ -9,7 +10,8 @@ namespace tqx
 
 /// Appends an inspection as text: a head line, a row for each value with its place in the file and
 /// in the block, its bytes, its name, the stored number and what that stands for, and what is wrong
-/// with the block if anything is.
-TQX_LOG_API void appendExplanation(Buffer& out, const Inspection& inspection);
+/// with the block if anything is. Of the style, only how units are written counts.
+TQX_LOG_API void appendExplanation(Buffer& out, const Inspection& inspection,
+                                   const ValueStyle& style = {});
 
 } // namespace tqx

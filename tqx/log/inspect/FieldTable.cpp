@@ -108,8 +108,8 @@ bool isShort(const std::vector<std::string>& names)
 class Table
 {
 public:
-    Table(Buffer& buffer, const TQX_TypeLayout& layout)
-        : m_out(buffer), m_type(layout), m_facts(TQX_fieldFacts(layout.recordType))
+    Table(Buffer& buffer, const TQX_TypeLayout& layout, const ValueStyle& style)
+        : m_out(buffer), m_type(layout), m_facts(TQX_fieldFacts(layout.recordType)), m_style(style)
     {
     }
 
@@ -129,6 +129,7 @@ private:
     Buffer& m_out;
     const TQX_TypeLayout& m_type;
     const TQX_FieldFacts* m_facts;
+    ValueStyle m_style;
 };
 
 std::string Table::nameOf(int index) const
@@ -205,7 +206,7 @@ std::string Table::propertiesOf(int index) const
     std::vector<std::string> properties;
     const TQX_FieldLayout& layout = m_type.fields[index];
     const TQX_FieldFacts& field = m_facts[index];
-    const std::string_view unit = TQX_unit(field);
+    const std::string_view unit = shownUnit(TQX_unit(field), m_style);
     if (field.scale != 0) {
         properties.push_back(
             fmt::format("x {}{}{}", TQX_scale(field), unit.empty() ? "" : " ", unit));
@@ -297,9 +298,9 @@ void Table::append()
 
 } // namespace
 
-void appendFieldTable(Buffer& out, const TQX_TypeLayout& type)
+void appendFieldTable(Buffer& out, const TQX_TypeLayout& type, const ValueStyle& style)
 {
-    Table(out, type).append();
+    Table(out, type, style).append();
 }
 
 } // namespace tqx

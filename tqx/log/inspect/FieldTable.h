@@ -2,13 +2,16 @@
 
 #include "TQX_Layout.h"
 #include "tqx/log/text/Buffer.h"
+#include "tqx/log/value/ValueStyle.h"
 #include "tqx_log_export.h"
 
 namespace tqx
 {
 
 /// Appends what a type is and a table of its fields: where they stand, how wide they are, their
-/// units, scales, names of values, revisions and meaning.
-TQX_LOG_API void appendFieldTable(Buffer& out, const Kor::MessageApi::TQX_TypeLayout& type);
+/// units, scales, names of values, revisions and meaning. Of the style, only how units are written
+/// counts.
+TQX_LOG_API void appendFieldTable(Buffer& out, const Kor::MessageApi::TQX_TypeLayout& type,
+                                  const ValueStyle& style = {});
 
 } // namespace tqx
