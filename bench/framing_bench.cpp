@@ -17,7 +17,7 @@ namespace
 using Bytes = std::vector<uint8_t>;
 
 constexpr size_t streamSize = 8 << 20;
-constexpr size_t pieceSize = 64 << 10;
+constexpr size_t usualPiece = 64 << 10;
 
 void appendBlock(Bytes& stream, size_t size, std::mt19937& random)
 {
@@ -87,7 +87,7 @@ void frame(benchmark::State& state, const Bytes& stream, size_t piece)
 
 void wellFormed(benchmark::State& state)
 {
-    frame(state, wellFormedStream(static_cast<size_t>(state.range(0))), pieceSize);
+    frame(state, wellFormedStream(static_cast<size_t>(state.range(0))), usualPiece);
 }
 BENCHMARK(wellFormed)->Arg(100)->Arg(500)->Arg(2000)->Arg(60000);
 
@@ -112,9 +112,9 @@ void throughTqxSync(benchmark::State& state)
 {
     const Bytes stream = wellFormedStream(static_cast<size_t>(state.range(0)));
     std::vector<QByteArray> pieces;
-    for (size_t at = 0; at < stream.size(); at += pieceSize) {
+    for (size_t at = 0; at < stream.size(); at += usualPiece) {
         pieces.emplace_back(reinterpret_cast<const char*>(&stream[at]),
-                            static_cast<int>(std::min(pieceSize, stream.size() - at)));
+                            static_cast<int>(std::min(usualPiece, stream.size() - at)));
     }
     for (auto _ : state) {
         TqxSync sync;
@@ -140,7 +140,7 @@ void hostile(benchmark::State& state)
     frame(state, hostileStream(static_cast<size_t>(state.range(0))),
           static_cast<size_t>(state.range(1)));
 }
-BENCHMARK(hostile)->Args({8, pieceSize})->Args({8, 1})->Args({8, 1 << 20})->Args({24, pieceSize});
+BENCHMARK(hostile)->Args({8, usualPiece})->Args({8, 1})->Args({8, 1 << 20})->Args({24, usualPiece});
 
 // Nothing but syncs: a candidate every two bytes.
 void onlySyncs(benchmark::State& state)
@@ -149,19 +149,19 @@ void onlySyncs(benchmark::State& state)
     for (size_t at = 1; at < stream.size(); at += 2) {
         stream[at] = '@';
     }
-    frame(state, stream, pieceSize);
+    frame(state, stream, usualPiece);
 }
 BENCHMARK(onlySyncs);
 
 void garbageOfNoise(benchmark::State& state)
 {
-    frame(state, noise(), pieceSize);
+    frame(state, noise(), usualPiece);
 }
 BENCHMARK(garbageOfNoise);
 
 void garbageOfFirstSyncs(benchmark::State& state)
 {
-    frame(state, Bytes(streamSize, '$'), pieceSize);
+    frame(state, Bytes(streamSize, '$'), usualPiece);
 }
 BENCHMARK(garbageOfFirstSyncs);
 
@@ -169,10 +169,10 @@ BENCHMARK(garbageOfFirstSyncs);
 void copyAlone(benchmark::State& state)
 {
     const Bytes stream = noise();
-    Bytes copy(pieceSize);
+    Bytes copy(usualPiece);
     for (auto _ : state) {
-        for (size_t at = 0; at < stream.size(); at += pieceSize) {
-            std::memcpy(copy.data(), stream.data() + at, pieceSize);
+        for (size_t at = 0; at < stream.size(); at += usualPiece) {
+            std::memcpy(copy.data(), stream.data() + at, usualPiece);
             benchmark::DoNotOptimize(copy.data());
             benchmark::ClobberMemory();
         }

@@ -125,11 +125,11 @@ void index(benchmark::State& state, tqx::FileAccess::Mapping mapping)
 }
 BENCHMARK_CAPTURE(index, mapped, tqx::FileAccess::Mapping::IfPossible)
     ->UseManualTime()
-    ->Unit(benchmark::millisecond)
+    ->Unit(benchmark::kMillisecond)
     ->MinTime(3);
 BENCHMARK_CAPTURE(index, inPieces, tqx::FileAccess::Mapping::Never)
     ->UseManualTime()
-    ->Unit(benchmark::millisecond)
+    ->Unit(benchmark::kMillisecond)
     ->MinTime(3);
 
 // The blocks of one type, found by the index.
@@ -146,7 +146,7 @@ void oneType(benchmark::State& state)
     }
     state.counters["blocks"] = static_cast<double>(made.getCount(4007));
 }
-BENCHMARK(oneType)->Unit(benchmark::millisecond);
+BENCHMARK(oneType)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

@@ -232,7 +232,7 @@ void walkFields(benchmark::State& state, std::unique_ptr<Message> (*make)())
     for (auto _ : state)
         values += walk(*message);
     state.counters["time_per_value"] = benchmark::Counter(
-        static_cast<double>(values), benchmark::Counter::isRate | benchmark::Counter::invert);
+        static_cast<double>(values), benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
 void textOfFields(benchmark::State& state)
