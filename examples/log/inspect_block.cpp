@@ -19,9 +19,10 @@ int main(int argc, char** argv)
         const tqx::BlockLocation location =
             tqx::locateBlock(*source, std::strtoull(argv[2], nullptr, 10));
         const tqx::Inspection inspection = tqx::inspect(location);
-        for (const tqx::InspectionRow& row : inspection.rows)
+        for (const tqx::InspectionRow& row : inspection.rows) {
             std::printf("%4u +%-3u %s = %s\n", row.offset, row.size, row.path.c_str(),
                         row.isAvailable ? row.raw.c_str() : "not available");
+        }
         for (const std::string& fault : inspection.faults)
             std::printf("%s\n", fault.c_str());
     } catch (const tqx::DataError& error) {

@@ -28,9 +28,10 @@ int main(int argc, char** argv)
         tqx::RecordDecoder decoder;
         tqx::ValueJson json(fields);
         tqx::Buffer out;
-        for (tqx::Block block = {}; stream.next(block);)
+        for (tqx::Block block = {}; stream.next(block);) {
             if (selection.accepts(stream, block) && decoder.decode(block) > 0)
                 json.write(out, decoder.getDecoded());
+        }
         std::fwrite(out.data(), 1, out.size(), stdout);
     } catch (const tqx::DataError& error) {
         std::fprintf(stderr, "%s\n", error.what());

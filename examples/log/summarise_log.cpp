@@ -44,12 +44,14 @@ int main(int argc, char** argv)
         for (tqx::Block block = {}; stream.next(block);)
             summary.add(stream, block);
 
-        if (summary.getFirst())
+        if (summary.getFirst()) {
             std::printf("%s to %s\n", tqx::dateText(*summary.getFirst()).c_str(),
                         tqx::dateText(*summary.getLast()).c_str());
-        for (const auto& [number, type] : summary.getTypes())
+        }
+        for (const auto& [number, type] : summary.getTypes()) {
             std::printf("%6llu  %s\n", static_cast<unsigned long long>(type->blocks),
                         tqx::describeBlock(number).c_str());
+        }
         const tqx::NeighbourCount& sentences = stream.getCounts().of(tqx::NeighbourKind::Nmea);
         std::printf("%6llu  NMEA sentences\n%6llu  damaged places\n",
                     static_cast<unsigned long long>(sentences.count),

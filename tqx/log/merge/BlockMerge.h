@@ -23,9 +23,9 @@ namespace tqx
 /// - A block that is identical to one already handed out for the same time is left out. Of blocks
 ///   without time as many remain, after one time, as the stream has that repeats them most.
 /// - Where the time of a stream runs back by more than a minute, what follows is sorted in from
-/// that
-///   time on: at once, before what is left of the other streams. The result then runs back, too,
-///   and what was handed out more than a minute of time away is not recognised when it comes again.
+///   that time on: at once, before what is left of the other streams. The result then runs back,
+///   too, and what was handed out more than a minute of time away is not recognised when it comes
+///   again.
 ///
 /// Reads each stream once. Memory: what each stream keeps, up to 64 MiB for the blocks of the last
 /// minute of time, and 16 MiB a stream for blocks at its start that have no time; beyond those they

@@ -24,9 +24,10 @@ std::string linesOf(const RecordType& type)
 {
     std::string lines = fmt::format("\n{} {} {}\n", type.record, type.number, type.name);
     for (const Field& field : type.fields) {
-        if (!field.isHeader)
+        if (!field.isHeader) {
             lines += fmt::format("  {} {} {} {}\n", field.code, field.wireOffset, shapeOf(field),
                                  field.name);
+        }
     }
     return lines;
 }
