@@ -140,9 +140,10 @@ TEST(OldMemory, ShowsInNoTable)
     size_t compared = 0;
     for (const TQX_TypeLayout* type : mainTypes()) {
         std::vector<Bytes> blocks;
-        for (unsigned revision = 0; revision <= type->highestRevision; ++revision)
+        for (unsigned revision = 0; revision <= type->highestRevision; ++revision) {
             for (unsigned i = 0; i < 8; ++i)
                 blocks.push_back(randomBlock(*type, {revision, i % 4, 0}, random));
+        }
         for (const bool isShown : {true, false}) {
             SCOPED_TRACE(type->name);
             tqx::TableOptions options;
