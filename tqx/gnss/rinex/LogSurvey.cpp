@@ -52,14 +52,20 @@ void addTime(AntennaSurvey& antenna, GnssMillis time)
     ++antenna.epochs;
 }
 
+/// A small number that is no character.
+int numberOf(int8_t value)
+{
+    return value; // NOLINT(bugprone-signed-char-misuse)
+}
+
 LeapSecondsInfo leapSecondsOf(const TQX_GPSUtc_s& record)
 {
     LeapSecondsInfo info;
-    info.current = static_cast<int>(record.DEL_t_LS);
+    info.current = numberOf(record.DEL_t_LS);
     if (record.WN_LSF == 65535 || record.DN == 0)
         return info;
     info.hasFuture = true;
-    info.future = static_cast<int>(record.DEL_t_LSF);
+    info.future = numberOf(record.DEL_t_LSF);
     info.week = record.WN_LSF;
     info.day = record.DN;
     const uint64_t effective = uint64_t{info.week} * 7 + info.day;
@@ -129,7 +135,7 @@ void LogSurvey::take(const DecodedBlock& decoded)
     case receiverTime:
         if (const int8_t told = as<TQX_ReceiverTime_s>(block).DeltaLS; told != -128 && !m_isTold) {
             m_leapSeconds.emplace();
-            m_leapSeconds->current = static_cast<int>(told);
+            m_leapSeconds->current = numberOf(told);
         }
         return;
     case SetUp::blockNumber:
