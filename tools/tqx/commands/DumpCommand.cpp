@@ -188,9 +188,10 @@ ExitStatus DumpCommand::run()
                        m_target);
     }
     if (m_format == "sqlite") {
-        if (m_degrees || m_utc || m_units.areSymbols())
+        if (m_degrees || m_utc || m_units.areSymbols()) {
             throw ToolError("dump: --units, --degrees and --utc do not go with --format sqlite, "
                             "whose tables have units and UTC");
+        }
         return dumpSqlite(m_streams, filter, m_raw, m_target);
     }
     Output output(m_target);

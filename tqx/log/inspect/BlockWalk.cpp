@@ -185,9 +185,10 @@ int32_t Level::readEntries(int index)
     const auto count =
         isArray ? static_cast<uint32_t>(m_values[static_cast<size_t>(field.count)]) : uint32_t{1};
     uint64_t length = 0;
-    if (field.length >= 0)
+    if (field.length >= 0) {
         length =
             (field.lengthInMain ? m_main.m_values : m_values)[static_cast<size_t>(field.length)];
+    }
     for (uint32_t i = 0; i < count; ++i) {
         add(Kind::Entry, &field, i, static_cast<uint32_t>(length));
         Level entry(*TQX_layout(field.recordType), *this);
