@@ -16,9 +16,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
     const Format format = loadWithHistory({{"fuzz.yaml", std::move(text)}}, errors, {});
     errors.report();
     // A description without errors has codes with names for all types.
-    for (const RecordType& type : format.types)
-        if (errors.empty() && (type.internal >= 0 ||
-                               format.codeNames.size() < static_cast<std::size_t>(-type.internal)))
+    for (const RecordType& type : format.types) {
+        if (errors.empty() &&
+            (type.internal >= 0 ||
+             format.codeNames.size() < static_cast<std::size_t>(-type.internal))) {
             __builtin_trap();
+        }
+    }
     return 0;
 }

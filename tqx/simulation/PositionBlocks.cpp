@@ -149,12 +149,13 @@ void addTimeOffsets(BlockLog& log, const Epoch& epoch, const Receiver& receiver)
     TQX_SysTimeOffset_s record;
     TQX_init_SysTimeOffset(&record);
     record.ReferenceSystem = 0;
-    for (uint8_t system = 1; system < indexOf(System::Sbas); ++system) { // SBAS has the time of GPS
+    // SBAS has the time of GPS.
+    for (unsigned system = 1; system < indexOf(System::Sbas); ++system) {
         if (solution.used[system] == 0)
             continue;
         const double deviation = std::sqrt(solution.offsetVariances[system]) / speedOfLight;
         TQX_TimeOffsetSub_s& offset = *TQX_append_SysTimeOffset_TimeOffset(&record);
-        offset.TimeSystem = system;
+        offset.TimeSystem = static_cast<uint8_t>(system);
         offset.NrSV = solution.used[system];
         offset.StdDev =
             static_cast<uint16_t>(std::min(steps(deviation, nanosecond * 1e-3), int64_t{65534}));
