@@ -22,8 +22,9 @@ void InputStream::useIndex(std::unique_ptr<IndexedLog> log, const BlockQuery& qu
     const RandomAccess& content = log->getContent();
     StreamListener* listener = this;
     IndexedBlocks blocks = log->find(query);
-    m_indexed = std::make_unique<Indexed>(
-        Indexed{std::move(log), std::move(blocks), {index, content, listener}});
+    // An aggregate that cannot be moved.
+    // NOLINTNEXTLINE(modernize-make-unique)
+    m_indexed.reset(new Indexed{std::move(log), std::move(blocks), {index, content, listener}});
     passOver();
     setName(getNames().front());
 }
