@@ -58,7 +58,10 @@ ExitStatus run(int argc, char** argv)
     program.formatter(std::make_shared<tqx::tool::HelpFormatter>(tqx::tool::outputWidth()));
     program.get_formatter()->label("SUBCOMMAND", "COMMAND");
     program.get_formatter()->label("Positionals", "Arguments");
-    const std::vector<std::unique_ptr<Command>> commands = tqx::tool::makeCommands(program);
+    // Scripts ask for the version alone, which needs none of the commands with all their options.
+    std::vector<std::unique_ptr<Command>> commands;
+    if (argc != 2 || std::strcmp(argv[1], "--version") != 0)
+        commands = tqx::tool::makeCommands(program);
     try {
         program.parse(argc, argv);
         for (const std::unique_ptr<Command>& command : commands) {
