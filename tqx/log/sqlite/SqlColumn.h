@@ -21,7 +21,7 @@ struct SqlColumn {
 class SqlNames
 {
 public:
-    /// `wanted` with underscores for what needs quotes in SQL, and a number behind it where that is
+    /// `wanted` with underscores for what needs quotes in SQL, and a number after it where that is
     /// the name of something else, case ignored.
     std::string take(std::string_view wanted);
 
