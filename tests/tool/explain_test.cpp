@@ -198,7 +198,7 @@ TEST(Explain, ExplainsReportsOfDamage)
         const ToolRun run = runTool({"explain", QString("%1@%2").arg(file).arg(offset)});
         EXPECT_EQ(run.status, 0) << run.words;
         EXPECT_EQ(run.words, "");
-        EXPECT_NE(run.output.find("sound block "), std::string::npos) << run.output;
+        EXPECT_NE(run.output.find("valid block "), std::string::npos) << run.output;
         if (damage["crcErrors"] == 0)
             continue;
         ++headers;
@@ -239,7 +239,7 @@ TEST(Explain, DamageWithoutHeader)
     EXPECT_EQ(run.status, 0) << run.words;
     EXPECT_EQ(run.output.find("standard input, offset 0: no block\n"), 0U) << run.output;
     EXPECT_NE(run.output.find("\n14 bytes belong from 0 on to no block, no header is among them\n"
-                              "the next sound block is "),
+                              "the next valid block is "),
               std::string::npos)
         << run.output;
 }
@@ -249,6 +249,6 @@ TEST(Explain, ReadsOnForAWhileOnly)
 {
     const ToolRun run = runTool({"explain", "/dev/zero@5"});
     EXPECT_EQ(run.status, 0) << run.words;
-    EXPECT_NE(run.output.find("no sound block follows within 1 MiB\n"), std::string::npos)
+    EXPECT_NE(run.output.find("no valid block follows within 1 MiB\n"), std::string::npos)
         << run.output;
 }

@@ -18,7 +18,7 @@ class BlockLog
 {
 public:
     /// With `damageSeed` the stream gets flipped bits, cut blocks and junk. Damage has random
-    /// numbers of its own: the sound blocks are those of the sound stream.
+    /// numbers of its own: the valid blocks are those of the undamaged stream.
     BlockLog(Buffer& output, std::optional<uint64_t> damageSeed);
 
     /// Stamps the record with the epoch's time, encodes it and appends the block.

@@ -104,7 +104,7 @@ ExplainCommand::ExplainCommand(CLI::App& program)
           "A row a value: where it stands in the file and in the block, its bytes, its name,\n"
           "the stored value and what that stands for. Below, what is wrong with the block.\n"
           "info, dump and the reports of damage name the offsets of blocks. Where damage begins\n"
-          "without a header, the one that it is about is looked for before the next sound block,\n"
+          "without a header, the one that it is about is looked for before the next valid block,\n"
           "which may be up to 1 MiB away.\n"
           "\n"
           "--json writes one object per place, with one of its rows for each value: path names\n"

@@ -88,7 +88,8 @@ ExtractCommand::ExtractCommand(CLI::App& program)
             ->transform(CLI::IsMember(modes, CLI::ignore_case).description(""))
             ->type_name("rtcm2|cmr|rtcm3|rtcmv");
     m_app
-        .add_option("--between", m_between, "Instead of corrections, what came between the blocks")
+        .add_option("--between", m_between,
+                    "Extract what is between the blocks instead of corrections")
         ->transform(CLI::IsMember(kinds, CLI::ignore_case).description(""))
         ->type_name("nmea|rtcm3|ascii")
         ->excludes(corrections)

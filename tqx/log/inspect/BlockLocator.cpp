@@ -32,7 +32,7 @@ void collect(BlockLocation& location, const uint8_t* piece, uint64_t size, uint6
     }
 }
 
-/// Looks at the blocks that are at hand; true once one begins behind the place.
+/// Looks at the blocks that are at hand; true once one begins after the place.
 bool takeBlocks(BlockFramer& framer, uint64_t framed, BlockLocation& location)
 {
     for (; framer.hasBlock(); framer.takeBlock()) {
@@ -49,7 +49,7 @@ bool takeBlocks(BlockFramer& framer, uint64_t framed, BlockLocation& location)
     return false;
 }
 
-/// Whether enough has been read: the next sound block, and all that a header before it can claim.
+/// Whether enough has been read: the next valid block, and all that a header before it can claim.
 bool isDone(const BlockLocation& location, uint64_t position)
 {
     const uint64_t end =

@@ -30,7 +30,7 @@ struct BlockLocation {
     uint64_t damage = 0;        ///< bytes from the place on that belong to no block, as far as read
     bool isCutShort = false;    ///< the input goes on where the search for a valid block ended
     std::optional<Neighbour> around; ///< the valid block that the place lies in, its begin included
-    std::optional<Neighbour> following; ///< the first valid block that begins behind the place
+    std::optional<Neighbour> following; ///< the first valid block that begins after the place
 
     /// Whether a block may begin at the offset: the sync characters do.
     bool hasSync() const { return bytes.size() >= 2 && bytes[0] == '$' && bytes[1] == '@'; }

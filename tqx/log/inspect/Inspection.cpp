@@ -230,17 +230,17 @@ void addBlock(Inspection& inspection)
 void addNeighbours(Inspection& inspection, const BlockLocation& location)
 {
     if (location.around && location.around->offset != location.offset) {
-        inspection.faults.push_back("the place lies inside a sound block, " +
+        inspection.faults.push_back("the place lies inside a valid block, " +
                                     describe(*location.around));
     }
     if (inspection.isIntact)
         return;
     if (!location.following) {
-        inspection.faults.push_back("no sound block follows" + howFar(location));
+        inspection.faults.push_back("no valid block follows" + howFar(location));
         return;
     }
     const bool isWithin = location.following->offset < location.offset + inspection.length;
-    inspection.faults.push_back(fmt::format("the next sound block is {}{}",
+    inspection.faults.push_back(fmt::format("the next valid block is {}{}",
                                             describe(*location.following),
                                             isWithin ? ", within this one" : ""));
 }
