@@ -63,7 +63,7 @@ replace(measurements.yaml "- block: MeasEpoch2\n" "{name: Reserved, type: u8, of
 
 # Bytes out of reserved ones.
 replace(attitude.yaml "- block: AttEuler1\n" "    - {name: Reserved, type: u8, count: 3}"
-    "    - {name: Latency, type: u16, unit: second, scale: 0.0001, none: 65535, takes: Reserved, edition: 2}
+    "    - {name: Latency, type: u16, unit: second, scale: 0.0001, none: 65535, takes: Reserved, differs: true, edition: 2}
     - {name: Reserved, type: u8, count: 3}")
 
 # A sub-block for a block that has another already.

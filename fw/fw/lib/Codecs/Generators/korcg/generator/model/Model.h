@@ -95,7 +95,8 @@ struct Field {
     bool isAddition =
         false; ///< on the wire in revisions that a later edition than the type's brought
 
-    std::string hides; ///< member of the messages' base that its getter may hide, or empty
+    bool differs = false; ///< has another unit, scale or do-not-use value than its namesakes
+    std::string hides;    ///< member of the messages' base that its getter may hide, or empty
 
     std::optional<int> toldOffset; ///< wire offset as the description tells it, to be checked
 

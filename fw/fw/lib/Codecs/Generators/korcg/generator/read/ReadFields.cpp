@@ -2,6 +2,7 @@
 
 #include "model/Limits.h"
 #include "model/Values.h"
+#include "read/Dictionary.h"
 #include "read/Keys.h"
 
 #include <fmt/format.h>
@@ -25,11 +26,19 @@ Mention mention(const YamlMap& map, std::string_view key)
 }
 
 /// Keys that every shape of a field may have.
-void readCommon(const YamlMap& map, FieldDraft& draft)
+void readCommon(const YamlMap& map, const YAML::Node& node, const Definition* definition,
+                FieldDraft& draft)
 {
     Field& field = draft.field;
     field.where = map.where();
-    field.name = map.requiredText("name");
+    if (definition == nullptr) {
+        field.name = map.requiredText("name");
+    } else {
+        field.name = node.IsMap() ? map.text("field").value_or("") : node.Scalar();
+        if (map.has("name"))
+            map.error("name", "and 'field' exclude each other");
+    }
+    field.differs = map.flag("differs").value_or(false);
     field.text = map.text("text").value_or("");
     draft.edition = map.integer("edition", 2, latestEdition);
     field.identifies = map.flag("identifies").value_or(false);
@@ -167,9 +176,12 @@ void readBitRange(const YamlMap& map, Field& field, int wordBits)
 
 FieldDraft readSubField(const ReadContext& context, const YAML::Node& node, int wordBits)
 {
-    const YamlMap map(context, node, bitsKeys());
+    const Definition* const definition = definitionOf(context, node);
+    if (refersToDefinition(node) && definition == nullptr)
+        return {};
+    const YamlMap map(context, node, bitsKeys(), definition);
     FieldDraft draft;
-    readCommon(map, draft);
+    readCommon(map, node, definition, draft);
     Field& field = draft.field;
     field.kind = FieldKind::Bits;
     field.width = 1;
@@ -186,14 +198,14 @@ FieldDraft readSubField(const ReadContext& context, const YAML::Node& node, int 
     return draft;
 }
 
-void readBits(const ReadContext& context, const YamlMap& map, FieldDraft& draft)
+void readBits(const YamlMap& map, FieldDraft& draft)
 {
     if (!map.has("bits"))
         return;
     if (!isInteger(draft.field.type))
         map.error("bits", "needs an integer type");
     for (const YAML::Node& node : map.list("bits"))
-        draft.bits.push_back(readSubField(context, node, bitsOf(draft.field.type)));
+        draft.bits.push_back(readSubField(map.contextOf("bits"), node, bitsOf(draft.field.type)));
     std::stable_sort(draft.bits.begin(), draft.bits.end(),
                      [](const FieldDraft& a, const FieldDraft& b) {
                          return std::pair(a.field.shift, a.edition.value_or(1)) <
@@ -231,9 +243,12 @@ void readElements(const ReadContext& context, const YamlMap& map, FieldDraft& dr
 
 FieldDraft readWireField(const ReadContext& context, const YAML::Node& node)
 {
-    const YamlMap map(context, node, fieldKeys());
+    const Definition* const definition = definitionOf(context, node);
+    if (refersToDefinition(node) && definition == nullptr)
+        return {};
+    const YamlMap map(context, node, fieldKeys(), definition);
     FieldDraft draft;
-    readCommon(map, draft);
+    readCommon(map, node, definition, draft);
     Field& field = draft.field;
     const std::string type = map.requiredText("type");
     const bool isText = type == "text";
@@ -256,7 +271,7 @@ FieldDraft readWireField(const ReadContext& context, const YAML::Node& node)
         map.error("only", "belongs to padding, named _padding<revision>");
     readElements(context, map, draft, isText);
     readMetadata(map, draft);
-    readBits(context, map, draft);
+    readBits(map, draft);
     return draft;
 }
 
@@ -264,7 +279,7 @@ FieldDraft readSubBlockField(const ReadContext& context, const YAML::Node& node)
 {
     const YamlMap map(context, node, subBlockFieldKeys());
     FieldDraft draft;
-    readCommon(map, draft);
+    readCommon(map, node, nullptr, draft);
     readPresence(context, map, draft);
     Field& field = draft.field;
     if (map.has("blocks") && map.has("embeds"))
@@ -297,7 +312,7 @@ FieldDraft readDerivedField(const ReadContext& context, const YAML::Node& node)
 {
     const YamlMap map(context, node, derivedKeys());
     FieldDraft draft;
-    readCommon(map, draft);
+    readCommon(map, node, nullptr, draft);
     Field& field = draft.field;
     field.kind = FieldKind::Derived;
     field.function = map.requiredText("derived");
@@ -326,10 +341,12 @@ FieldDraft readDerivedField(const ReadContext& context, const YAML::Node& node)
 
 FieldDraft readField(const ReadContext& context, const YAML::Node& node)
 {
-    if (!node.IsMap()) {
-        context.error(node, "a field must be a map");
+    if (!node.IsMap() && !node.IsScalar()) {
+        context.error(node, "a field must be a map or the name of one in 'fields'");
         return {};
     }
+    if (node.IsScalar())
+        return readWireField(context, node);
     if (node["blocks"] || node["embeds"])
         return readSubBlockField(context, node);
     if (node["derived"])
