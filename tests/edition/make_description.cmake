@@ -40,7 +40,7 @@ append_fields(pvt.yaml "- block: DOP2"
     "    - {name: RDOP, type: f32, precision: 2, since: 1, edition: 2, text: relative dilution of precision}")
 
 # A field after padding of earlier revisions, with padding of its own.
-replace(positioning.yaml "- block: PVTGeodetic2\n"
+replace(pvt.yaml "- block: PVTGeodetic2\n"
     "    - {name: _padding2, type: u8, count: 1, offset: 95, only: 2}"
     "    - {name: _padding2, type: u8, count: 1, offset: 95, only: 2}
     - {name: ClockQuality, type: u16, since: 3, edition: 2}
