@@ -101,7 +101,7 @@ void Level::readBits(int word, uint64_t whole, uint32_t element)
 {
     for (int i = word + 1; i < m_type.fieldCount && row(i).parent == word; ++i) {
         const TQX_FieldLayout& part = row(i);
-        uint64_t value = whole >> part.shift & ~uint64_t{0} >> (64 - part.width);
+        uint64_t value = TQX_bitsOf(m_type.fields + word + 1, part, whole);
         if (element == 0)
             m_values[static_cast<size_t>(i)] = value;
         if (TQX_isSigned(part))

@@ -150,6 +150,8 @@ std::string Table::typeOf(const TQX_FieldLayout& field) const
     const std::string element = memberName(field.type);
     switch (field.kind) {
     case TQX_FieldKind::Bits:
+        if (field.summary != TQX_Summary::None)
+            return field.width == 1 ? "(bit)" : fmt::format("({} bits)", field.width);
         if (field.width == 1)
             return fmt::format("bit {}", field.shift);
         return fmt::format("bits {}-{}{}", field.shift, field.shift + field.width - 1,

@@ -20,11 +20,12 @@ inline bool isNumber(const Kor::MessageApi::TQX_FieldLayout& field)
 }
 
 /// Whether a field is a bit range of such a number. Bits of the elements of an array are kept in
-/// arrays of their own.
+/// arrays of their own, and what sums up other bits in a member.
 inline bool isPartOfNumber(const Kor::MessageApi::TQX_TypeLayout& type,
                            const Kor::MessageApi::TQX_FieldLayout& field)
 {
     return field.kind == Kor::MessageApi::TQX_FieldKind::Bits &&
+           field.summary == Kor::MessageApi::TQX_Summary::None &&
            isNumber(type.fields[field.parent]);
 }
 

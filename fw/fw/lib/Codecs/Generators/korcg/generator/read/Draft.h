@@ -26,6 +26,7 @@ struct FieldDraft {
     Mention selector;
     Mention after;
     Mention takes;
+    std::vector<Mention> summed; ///< sub-fields that this one sums up
     bool roleTold = false;
     bool virtualTold = false;
     std::vector<FieldDraft> bits; ///< sub-fields in bit order

@@ -182,6 +182,12 @@ const KeyTable& bitsKeys()
          identifies,
          {"at", "bit or [lowest, highest]", "where it is in the word"},
          {"signed", "true, false", "whether its highest bit is a sign"},
+         {"any", "list of names",
+          "virtual: 1 when one of these sub-fields of the word is not 0; what is in its own bits "
+          "does not matter"},
+         {"all", "list of names", "virtual: 1 when each of these is not 0"},
+         {"neither", "list of names", "virtual: 1 when each of these is 0"},
+         {"least", "list of names", "virtual: the smallest of these"},
          unit,
          scale,
          precision,

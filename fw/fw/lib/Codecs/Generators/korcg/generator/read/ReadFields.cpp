@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace korcg::generator
@@ -174,6 +175,37 @@ void readBitRange(const YamlMap& map, Field& field, int wordBits)
     }
 }
 
+void readSummary(const ReadContext& context, const YamlMap& map, FieldDraft& draft)
+{
+    constexpr std::pair<std::string_view, Summary> keys[] = {{"any", Summary::Any},
+                                                             {"all", Summary::All},
+                                                             {"neither", Summary::Neither},
+                                                             {"least", Summary::Least}};
+    for (const auto& [key, summary] : keys) {
+        if (!map.has(key))
+            continue;
+        if (draft.field.summary != Summary::None)
+            context.errors.add(map.where(),
+                               "'any', 'all', 'neither' and 'least' exclude each other");
+        draft.field.summary = summary;
+        for (const YAML::Node& name : map.list(key)) {
+            if (name.IsScalar()) {
+                draft.summed.push_back({name.Scalar(), map.where(key)});
+            } else {
+                map.error(key, "must hold names");
+            }
+        }
+        if (draft.summed.empty())
+            map.error(key, "names no sub-field");
+    }
+    if (draft.field.summary == Summary::None)
+        return;
+    if (map.has("virtual"))
+        map.error("virtual", "is what a summary is anyway");
+    draft.field.isVirtual = true;
+    draft.virtualTold = true;
+}
+
 FieldDraft readSubField(const ReadContext& context, const YAML::Node& node, int wordBits)
 {
     const Definition* const definition = definitionOf(context, node);
@@ -195,6 +227,7 @@ FieldDraft readSubField(const ReadContext& context, const YAML::Node& node, int 
         map.error("signed", "goes up to 32 bits only");
     field.type = integerOf(field.width, isSigned);
     readMetadata(map, draft);
+    readSummary(context, map, draft);
     return draft;
 }
 

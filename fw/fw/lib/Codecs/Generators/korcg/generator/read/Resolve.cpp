@@ -91,10 +91,31 @@ private:
         if (!draft.sizeInMain)
             field.length = rowOf(draft.size);
         field.selector = rowOf(draft.selector);
+        for (const Mention& summed : draft.summed)
+            sumUp(field, summed);
         for (std::string& input : field.inputs)
             input = identifier(input);
         if (field.kind == FieldKind::Derived)
             field.after = draft.after ? rowOf(draft.after) : lastInput(field);
+    }
+
+    void sumUp(Field& field, const Mention& mention)
+    {
+        const int row = rowOf(mention);
+        if (row < 0)
+            return;
+        const Field& part = m_type.fields[static_cast<std::size_t>(row)];
+        if (part.parent != field.parent || part.summary != Summary::None ||
+            part.kind != FieldKind::Bits || isSigned(part.type)) {
+            m_errors.add(
+                mention.where,
+                fmt::format("{}.{} cannot sum up {}: it is no stored, unsigned part of the "
+                            "same word",
+                            m_type.name, field.name, part.name));
+            m_type.broken = true;
+            return;
+        }
+        field.summed |= uint32_t{1} << static_cast<unsigned>(row - field.parent - 1);
     }
 
     /// Shortens a reserved array by the field that stands beside it and takes its place.

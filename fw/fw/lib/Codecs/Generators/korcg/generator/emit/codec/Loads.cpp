@@ -43,6 +43,26 @@ std::string_view loadName(Scalar type)
     return "";
 }
 
+// What a sub-field has that sums up others, from their members.
+std::string summaryOf(const RecordType& type, const Field& part, std::string_view index)
+{
+    std::string text;
+    for (std::size_t bit = 0; bit < 32; ++bit) {
+        if ((part.summed >> bit & 1U) == 0)
+            continue;
+        const Field& one = row(type, part.parent + 1 + static_cast<int>(bit));
+        const std::string member = fmt::format("record.{}{}", identifier(one.name), index);
+        if (part.summary == Summary::Least) {
+            text = text.empty() ? member : fmt::format("std::min({}, {})", text, member);
+        } else {
+            const std::string_view sign = part.summary == Summary::Any ? " || " : " && ";
+            const std::string_view test = part.summary == Summary::Neither ? "==" : "!=";
+            text += fmt::format("{}{} {} 0", text.empty() ? "" : sign, member, test);
+        }
+    }
+    return part.summary == Summary::Least ? text : fmt::format("{} ? 1 : 0", text);
+}
+
 // Statements that split a packed word into its members; `index` is "" or "[i]".
 std::string splitStatements(const RecordType& type, int wordRow, std::string_view index,
                             std::string_view indent)
@@ -51,6 +71,8 @@ std::string splitStatements(const RecordType& type, int wordRow, std::string_vie
     for (std::size_t i = static_cast<std::size_t>(wordRow) + 1;
          i < type.fields.size() && type.fields[i].parent == wordRow; ++i) {
         const Field& part = type.fields[i];
+        if (part.summary != Summary::None)
+            continue;
         const std::string word =
             fmt::format("record.{}{}", identifier(row(type, wordRow).name), index);
         std::string value;
@@ -64,6 +86,13 @@ std::string splitStatements(const RecordType& type, int wordRow, std::string_vie
         }
         text += fmt::format("{}record.{}{} = static_cast<{}>({});\n", indent, identifier(part.name),
                             index, memberType(part.type), value);
+    }
+    for (const Field& part : type.fields) {
+        if (part.parent == wordRow && part.summary != Summary::None) {
+            text +=
+                fmt::format("{}record.{}{} = static_cast<{}>({});\n", indent, identifier(part.name),
+                            index, memberType(part.type), summaryOf(type, part, index));
+        }
     }
     return text;
 }
