@@ -66,6 +66,14 @@ TimeOffset offsetOf(const TQX_BDSUtc_s& record)
     return offset;
 }
 
+/// GPS week of a time of week, in milliseconds, at which what is in a block was sent.
+int weekOf(const TQX_MainHeader_s& header, uint32_t sent)
+{
+    constexpr int64_t half = 302400000;
+    const int64_t apart = int64_t{sent} - int64_t{header.TOW};
+    return header.WNc + (apart < -half ? 1 : apart > half ? -1 : 0);
+}
+
 /// GLONASS time against UTC and GPS time, both for the start of a day by UTC.
 TimeOffset glonassOffset(const TQX_GLOTime_s& record, const char* kind, double a0)
 {
@@ -100,15 +108,14 @@ std::optional<Ionosphere> Ionosphere::of(const DecodedBlock& decoded)
     case gpsIon: {
         const auto& record = as<TQX_GPSIon_s>(decoded.record);
         fillKlobuchar(data, record);
-        data.reference = millisOf(weekNear(record.WN, record.WNc), record.t_tm * 1e-3);
+        data.reference = millisOf(weekOf(header, record.t_tm), record.t_tm * 1e-3);
         return data;
     }
     case bdsIon: {
         const auto& record = as<TQX_BDSIon_s>(decoded.record);
         data.system = 'C';
         fillKlobuchar(data, record);
-        data.reference =
-            millisOf(beiDouWeek(record.WN, record.WNc) + beiDouWeekZero, record.t_tm * 1e-3);
+        data.reference = millisOf(weekOf(header, record.t_tm), record.t_tm * 1e-3);
         return data;
     }
     case galIon: {

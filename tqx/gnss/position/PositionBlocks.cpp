@@ -130,7 +130,7 @@ bool read(const TQX_IntPVGeod1_s& record, Position& position)
     position.satellites = record.NrSV == 255 ? -1 : record.NrSV;
     position.undulation = known(record.Undulation);
     if (record.Revision >= 1)
-        setBounds(position, known(record.HAccuracy, 0.001), known(record.VAccuracy, 0.001));
+        setBounds(position, known(record.HAccuracy, 0.01), known(record.VAccuracy, 0.01));
     setVelocity(position, record.Vn, record.Ve, record.Vu);
     return readInertial(record, record.GNSSMode, position) &&
            setPlace(position, record.Latitude, record.Longitude, record.Height);
@@ -140,7 +140,7 @@ bool read(const TQX_IntPVCart1_s& record, Position& position)
 {
     position.satellites = record.NrSV == 255 ? -1 : record.NrSV;
     if (record.Revision >= 1)
-        setBounds(position, notKnown, notKnown, known(record.PosAccuracy, 0.001));
+        setBounds(position, notKnown, notKnown, known(record.PosAccuracy, 0.01));
     if (!readInertial(record, record.GNSSMode, position) ||
         !setEarthFixed(position, record.X, record.Y, record.Z))
         return false;

@@ -46,8 +46,10 @@ constexpr Key scale = {"scale", "number, \"a/b\"",
 constexpr Key precision = {"precision", "0 to 20",
                            "decimals to show; 3 for floating point if absent"};
 constexpr Key none = {"none", "number", "the value that stands for \"not available\""};
-constexpr Key unnamedNone = {"unnamed_none", "true, false",
-                             "whether that value goes without the name DoNotUse"};
+constexpr Key unnamedNone = {
+    "unnamed_none", "true, false",
+    "whether that value goes without the name DoNotUse, because its table of "
+    "named values has another one"};
 constexpr Key symbols = {"symbols", "name", "table of named values"};
 constexpr Key mask = {"mask", "true, false", "shown as a set of bits"};
 constexpr Key isVirtual = {"virtual", "true, false",

@@ -22,10 +22,8 @@ class TypeResolver
 {
 public:
     /// `mainLengths` are the names of main-block fields that sub-blocks take entry lengths from.
-    TypeResolver(TypeDraft& draft, const std::set<std::string>& mainLengths, const Format& format,
-                 Errors& errors)
-        : m_draft(draft), m_type(draft.type), m_mainLengths(mainLengths), m_format(format),
-          m_errors(errors)
+    TypeResolver(TypeDraft& draft, const std::set<std::string>& mainLengths, Errors& errors)
+        : m_draft(draft), m_type(draft.type), m_mainLengths(mainLengths), m_errors(errors)
     {
     }
 
@@ -223,32 +221,12 @@ private:
         const Field& shape =
             field.parent >= 0 ? m_type.fields[static_cast<std::size_t>(field.parent)] : field;
         field.isRepeated = shape.isArray() || shape.kind == FieldKind::Blocks;
-        field.doNotUseNamed = field.doNotUse && field.doNotUseNamed && !isNamed(field);
-    }
-
-    bool isNamed(const Field& field) const
-    {
-        const auto table = m_format.symbols.find(field.symbols);
-        if (table == m_format.symbols.end())
-            return false;
-        const auto& values = table->second.values;
-        return std::any_of(values.begin(), values.end(), [&field](const SymbolicValue& symbol) {
-            return equals(*field.doNotUse, symbol.value);
-        });
-    }
-
-    static bool equals(const Number& number, int64_t value)
-    {
-        if (const auto* whole = std::get_if<uint64_t>(&number))
-            return value >= 0 && *whole == static_cast<uint64_t>(value);
-        const auto* whole = std::get_if<int64_t>(&number);
-        return whole && *whole == value;
+        field.doNotUseNamed = field.doNotUse && field.doNotUseNamed;
     }
 
     TypeDraft& m_draft;
     RecordType& m_type;
     const std::set<std::string>& m_mainLengths;
-    const Format& m_format;
     Errors& m_errors;
     std::vector<const FieldDraft*> m_drafts; ///< per row, null for header fields
     std::map<std::string, int> m_rows;
@@ -314,7 +292,7 @@ void resolve(std::vector<TypeDraft> drafts, Format& format, Errors& errors)
 
     std::vector<MainMention> mentions;
     for (TypeDraft& draft : drafts) {
-        TypeResolver resolver(draft, mainLengths, format, errors);
+        TypeResolver resolver(draft, mainLengths, errors);
         resolver.run();
         RecordType& type = draft.type;
         for (std::size_t row = 0; row < type.fields.size(); ++row) {

@@ -43,24 +43,37 @@ std::string_view loadName(Scalar type)
     return "";
 }
 
-// What a sub-field has that sums up others, from their members.
+// What a sub-field has that sums up others of its word.
 std::string summaryOf(const RecordType& type, const Field& part, std::string_view index)
 {
-    std::string text;
+    const std::string word =
+        "record." + identifier(row(type, part.parent).name) + std::string(index);
+    uint64_t all = 0;
+    std::string each;  // whether each of them is not 0
+    std::string least; // the smallest
+    bool isBits = true;
     for (std::size_t bit = 0; bit < 32; ++bit) {
         if ((part.summed >> bit & 1U) == 0)
             continue;
         const Field& one = row(type, part.parent + 1 + static_cast<int>(bit));
+        const uint64_t mask = ((uint64_t{1} << one.width) - 1) << one.shift;
         const std::string member = fmt::format("record.{}{}", identifier(one.name), index);
-        if (part.summary == Summary::Least) {
-            text = text.empty() ? member : fmt::format("std::min({}, {})", text, member);
-        } else {
-            const std::string_view sign = part.summary == Summary::Any ? " || " : " && ";
-            const std::string_view test = part.summary == Summary::Neither ? "==" : "!=";
-            text += fmt::format("{}{} {} 0", text.empty() ? "" : sign, member, test);
-        }
+        all |= mask;
+        isBits = isBits && one.width == 1;
+        each += fmt::format("{}({} & {:#x}U) != 0", each.empty() ? "" : " && ", word, mask);
+        least = least.empty() ? member : fmt::format("std::min({}, {})", least, member);
     }
-    return part.summary == Summary::Least ? text : fmt::format("{} ? 1 : 0", text);
+    switch (part.summary) {
+    case Summary::Least:
+        return least;
+    case Summary::All:
+        return isBits ? fmt::format("({} & {:#x}U) == {:#x}U ? 1 : 0", word, all, all)
+                      : each + " ? 1 : 0";
+    case Summary::Neither:
+        return fmt::format("({} & {:#x}U) == 0 ? 1 : 0", word, all);
+    default:
+        return fmt::format("({} & {:#x}U) != 0 ? 1 : 0", word, all);
+    }
 }
 
 // Statements that split a packed word into its members; `index` is "" or "[i]".
