@@ -181,8 +181,8 @@ bool read(const TQX_INSNavCart1_s& record, Position& position)
         const double y = record.PosStdDev.YStdDev;
         const double z = record.PosStdDev.ZStdDev;
         if (record.Position_Cov) {
-            setVariances(position, {x * x, y * y, z * z, record.PosCov.CovXY, record.PosCov.CovXZ,
-                                    record.PosCov.CovYZ});
+            setVariances(position, {x * x, y * y, z * z, record.PosCov.Cov_XY, record.PosCov.Cov_XZ,
+                                    record.PosCov.Cov_YZ});
         } else {
             position.level = AccuracyLevel::Sigma;
             position.spatialAccuracy = std::hypot(x, y, z);
