@@ -142,7 +142,7 @@ void addBeiDou(BlockLog& log, const Epoch& epoch, const Satellite& satellite,
     log.add(epoch, record, TQX_encode_BDSNav);
 }
 
-/// The message of B2b, which tells its group delay.
+/// The message of B2b, which has its group delay.
 void addBeiDouB2b(BlockLog& log, const Epoch& epoch, const Satellite& satellite,
                   const KeplerEphemeris& ephemeris)
 {

@@ -114,7 +114,7 @@ void fillCivil(Ephemeris& e, const Record& record, double axis, double reference
     constexpr double referenceRate = -2.6e-9; // semicircles per second
     e.satellite = satelliteOr0(record.PRN);
     fillOrbit(e, record);
-    // The week of t_oe is not told: it is the one that brings it close to the message.
+    // The week of t_oe is not sent: it is the one that brings it close to the message.
     const double ahead = record.t_oe - record.TOW * 1e-3;
     e.week = record.WNc - std::round(ahead / secondsPerWeek);
     e.reference = millisOf(e.week, referenceSecond);

@@ -2,11 +2,10 @@
 
 #include "tqx/gnss/position/PositionBlocks.h"
 #include "tqx/gnss/track/TrackText.h"
-#include "tqx/log/DataError.h"
+#include "tqx/log/sqlite/SqlDatabase.h"
 #include "tqx/log/time/LeapSeconds.h"
 
 #include <fmt/format.h>
-#include <sqlite3.h>
 
 #include <algorithm>
 #include <array>
@@ -84,7 +83,7 @@ public:
     }
 
     const uint8_t* data() const { return m_bytes.data(); }
-    int size() const { return static_cast<int>(m_size); }
+    size_t size() const { return m_size; }
 
 private:
     void put(const void* bytes, size_t size)
@@ -118,70 +117,65 @@ public:
     Database(const std::string& path, const std::string& table) : m_path(path), m_table(table)
     {
         std::remove(path.c_str());
-        check(sqlite3_open_v2(path.c_str(), &m_handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
-                              nullptr));
-        // The file is complete or removed, so that nothing needs to be undone.
-        run("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF;");
-        run(tables);
-        run(fmt::format(featureTable, table, wgs84));
-        const std::string insert = fmt::format(
-            R"(INSERT INTO "{}" VALUES (NULL,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?))", table);
-        check(sqlite3_prepare_v2(m_handle, insert.c_str(), -1, &m_insert, nullptr));
+        try {
+            m_database = SqlDatabase::create(path, path);
+            m_database->execute(tables);
+            m_database->execute(fmt::format(featureTable, table, wgs84));
+            m_insert = m_database->prepare(fmt::format(
+                R"(INSERT INTO "{}" VALUES (NULL,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?))",
+                table));
+        } catch (...) {
+            remove();
+            throw;
+        }
     }
 
     ~Database()
     {
-        close();
-        if (!m_isFinished)
-            std::remove(m_path.c_str());
+        if (m_database)
+            remove();
     }
 
     void add(const Position& position);
     void finish();
 
 private:
-    void check(int result)
+    void close()
     {
-        if (result != SQLITE_OK && result != SQLITE_DONE) {
-            throw DataError(fmt::format("{}: {}", m_path,
-                                        m_handle ? sqlite3_errmsg(m_handle) : "out of memory"));
-        }
+        m_insert.reset();
+        m_database.reset();
     }
-    void run(const std::string& statements)
+    void remove()
     {
-        check(sqlite3_exec(m_handle, statements.c_str(), nullptr, nullptr, nullptr));
+        close();
+        std::remove(m_path.c_str());
     }
-    int close()
+
+    // What is not known stays NULL. Texts must stay until the row is inserted.
+    void set(std::string_view text)
     {
-        sqlite3_finalize(m_insert);
-        const int result = sqlite3_close(m_handle);
-        m_insert = nullptr;
-        m_handle = nullptr;
-        return result;
+        ++m_column;
+        if (!text.empty())
+            m_insert->setText(m_column, text);
     }
-    void bind(std::string_view text)
+    void set(double value)
     {
-        check(text.empty() ? sqlite3_bind_null(m_insert, ++m_column)
-                           : sqlite3_bind_text(m_insert, ++m_column, text.data(),
-                                               static_cast<int>(text.size()), SQLITE_TRANSIENT));
+        ++m_column;
+        if (std::isfinite(value))
+            m_insert->setReal(m_column, value);
     }
-    void bind(double value)
+    void set(int value)
     {
-        check(std::isfinite(value) ? sqlite3_bind_double(m_insert, ++m_column, value)
-                                   : sqlite3_bind_null(m_insert, ++m_column));
-    }
-    void bind(int value)
-    {
-        check(value >= 0 ? sqlite3_bind_int(m_insert, ++m_column, value)
-                         : sqlite3_bind_null(m_insert, ++m_column));
+        ++m_column;
+        if (value >= 0)
+            m_insert->setInteger(m_column, value);
     }
 
     std::string m_path;
     std::string m_table;
-    sqlite3* m_handle = nullptr;
-    sqlite3_stmt* m_insert = nullptr;
-    int m_column = 0; ///< the last one that was bound
-    bool m_isFinished = false;
+    std::unique_ptr<SqlDatabase> m_database; ///< null once it is complete
+    std::unique_ptr<SqlInsert> m_insert;
+    int m_column = 0; ///< the last one that was set
     bool m_isEmpty = true;
     double m_west = 0, m_south = 0, m_east = 0, m_north = 0;
 };
@@ -189,31 +183,31 @@ private:
 void GeoPackage::Database::add(const Position& position)
 {
     const PointGeometry geometry(position.longitude, position.latitude, position.height);
+    const std::string utc = xmlTime(position.time);
+    const std::string gpsTime = dateText(position.time);
     m_column = 1;
-    check(
-        sqlite3_bind_blob(m_insert, m_column, geometry.data(), geometry.size(), SQLITE_TRANSIENT));
-    bind(std::string_view(xmlTime(position.time)));
-    bind(std::string_view(dateText(position.time)));
-    bind(std::string_view(position.source->name));
-    bind(position.mode);
-    bind(position.aboveGeoid());
-    bind(position.undulation);
-    bind(levelText(position.level));
-    bind(position.horizontalAccuracy);
-    bind(position.verticalAccuracy);
-    bind(position.spatialAccuracy);
-    bind(position.satellites);
-    bind(position.correctionAge);
-    bind(position.reference);
-    bind(position.north);
-    bind(position.east);
-    bind(position.up);
-    bind(position.heading);
-    bind(position.pitch);
-    bind(position.roll);
-    bind(position.datum);
-    check(sqlite3_step(m_insert));
-    check(sqlite3_reset(m_insert));
+    m_insert->setBytes(m_column, geometry.data(), geometry.size());
+    set(std::string_view(utc));
+    set(std::string_view(gpsTime));
+    set(std::string_view(position.source->name));
+    set(position.mode);
+    set(position.aboveGeoid());
+    set(position.undulation);
+    set(levelText(position.level));
+    set(position.horizontalAccuracy);
+    set(position.verticalAccuracy);
+    set(position.spatialAccuracy);
+    set(position.satellites);
+    set(position.correctionAge);
+    set(position.reference);
+    set(position.north);
+    set(position.east);
+    set(position.up);
+    set(position.heading);
+    set(position.pitch);
+    set(position.roll);
+    set(position.datum);
+    m_insert->run();
     if (m_isEmpty) {
         m_west = m_east = position.longitude;
         m_south = m_north = position.latitude;
@@ -228,14 +222,12 @@ void GeoPackage::Database::add(const Position& position)
 void GeoPackage::Database::finish()
 {
     if (!m_isEmpty) {
-        run(fmt::format("UPDATE gpkg_contents SET min_x={}, min_y={}, max_x={}, max_y={};", m_west,
+        m_database->execute(
+            fmt::format("UPDATE gpkg_contents SET min_x={}, min_y={}, max_x={}, max_y={};", m_west,
                         m_south, m_east, m_north));
     }
-    run("COMMIT;");
-    const int result = close();
-    if (result != SQLITE_OK)
-        throw DataError(m_path + ": " + sqlite3_errstr(result));
-    m_isFinished = true;
+    m_database->execute("COMMIT;");
+    close();
 }
 
 GeoPackage::GeoPackage(const std::string& path, const std::string& table)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/record/DecodedBlock.h"
+#include "tqx/log/stream/WeekContext.h"
 #include "tqx_log_export.h"
 
 #include "TQX_OwnedRecord.h"
@@ -17,6 +18,10 @@ public:
     /// Decodes a block in place of the one before. Returns the bits consumed or the codec's
     /// negative code.
     int32_t decode(const Block& block);
+
+    /// The same for a block that does not follow the one before, as a stream or an index gives it,
+    /// with the context that these give for it.
+    int32_t decode(const Block& block, const WeekContext& context);
 
     /// The record of the last block that decoded; belongs to the decoder.
     const void* getRecord() const { return m_record.get(); }

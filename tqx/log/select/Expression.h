@@ -11,7 +11,7 @@
 namespace tqx
 {
 
-/// A name or value and where it stands in the text of an expression.
+/// A name or value and where it is in the text of an expression.
 struct ExpressionWord {
     std::string text;
     size_t position;
@@ -24,7 +24,7 @@ struct ExpressionTerm {
     std::vector<ExpressionWord> path; ///< names between points, never empty
     Comparison comparison;
     ExpressionWord value; ///< as written, a name without its quotes; nothing for Has
-    bool isName = false;  ///< the value stands in quotes
+    bool isName = false;  ///< the value is in quotes
     Number number;        ///< for values without quotes
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TQX_Format.h"
 #include "tqx_log_export.h"
 
 #include <bitset>
@@ -16,7 +17,7 @@ class TQX_LOG_API TypeSelection
 {
 public:
     /// One more than the highest block number.
-    static constexpr size_t numbers = 1 << 13;
+    static constexpr size_t numbers = Kor::MessageApi::TQX_lastBlockNumber + 1;
 
     /// Everything.
     TypeSelection() { m_accepted.set(); }

@@ -6,6 +6,8 @@
 namespace tqx
 {
 
+using Kor::MessageApi::TQX_noTOW;
+
 namespace
 {
 
@@ -48,7 +50,23 @@ bool BlockStream::next(Block& block)
     if (m_name != place.file)
         m_name = place.file;
     block = {found.data, static_cast<uint16_t>(found.size), place.offset};
+    m_startsWeek = m_after.follow(block);
     return true;
+}
+
+// Without a week that begins with the block, the last TOW decides nothing; with one, it must be so
+// late that the week begins.
+WeekContext BlockStream::getContext() const
+{
+    if (!m_startsWeek)
+        return m_after;
+    return {static_cast<uint8_t>(m_after.weekCounter - 1), TQX_noTOW};
+}
+
+void BlockStream::setContext(const WeekContext& context)
+{
+    m_after = context;
+    m_startsWeek = false;
 }
 
 void BlockStream::reportUndecodable(const Block& block, int32_t code)

@@ -24,7 +24,7 @@ public:
                const Kor::MessageApi::TQX_FieldFacts& facts, bool isPacked,
                const Notation& notation, const ValueStyle& style = {});
 
-    /// Appends the value that stands in the bits of a member: its name, what the notation has
+    /// Appends the value that is in the bits of a member: its name, what the notation has
     /// for not available, else the number times its scale factor.
     void append(Buffer& out, uint64_t word) const;
 

@@ -48,7 +48,7 @@ public:
     ///
     ///     {"number":8191,"time":{...},"bytes":"JEAi..."}
     ///
-    /// in base64; for one that did not decode, with its name and the codec's result behind the
+    /// in base64; for one that did not decode, with its name and the codec's result after the
     /// time, "name":"<name>","error":{"code":-1855,"name":"TQX_ERR_..."}.
     void writeBytes(Buffer& out, const DecodedBlock& decoded);
 
