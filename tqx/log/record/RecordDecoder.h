@@ -9,14 +9,20 @@
 namespace tqx
 {
 
-/// Decodes the blocks of a stream into records, one after the other.
+/// Decodes the blocks of a stream into records, one after the other. Used by one thread at a time.
+///
+///     RecordDecoder decoder;
+///     for (Block block; stream.next(block);)
+///         if (decoder.decode(block) > 0)
+///             use(decoder.getRecord());
 class TQX_LOG_API RecordDecoder
 {
 public:
+    /// Throws std::bad_alloc.
     RecordDecoder();
 
     /// Decodes a block in place of the one before. Returns the bits consumed or the codec's
-    /// negative code.
+    /// negative code, after which there is no record. The block must stay for getDecoded() alone.
     int32_t decode(const Block& block);
 
     /// The same for a block that does not follow the one before, as a stream or an index gives it,

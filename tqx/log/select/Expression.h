@@ -48,7 +48,7 @@ struct ExpressionScope {
 ///     op        = "==" | "!=" | "<" | "<=" | ">" | ">="
 ///     value     = number | 0x number | 'name' | "name"
 ///
-/// What the names mean is not looked at here.
+/// What the names mean is not looked at here. Immutable once made.
 class TQX_LOG_API Expression
 {
 public:
@@ -65,6 +65,8 @@ public:
     /// given as, named in errors; it must outlive this.
     explicit Expression(std::string text, const char* option = "--where");
 
+    /// Terms and scopes are in the order of the text, nodes after those that they have as children,
+    /// the root last. They live as long as the expression.
     const std::vector<ExpressionTerm>& terms() const { return m_allTerms; }
     const std::vector<ExpressionScope>& scopes() const { return m_allScopes; }
     const Node& node(size_t index) const { return m_nodes[index]; }

@@ -12,7 +12,7 @@
 namespace tqx
 {
 
-/// Which blocks a command looks at, by block number.
+/// Which blocks a command looks at, by block number. Immutable once made.
 class TQX_LOG_API TypeSelection
 {
 public:
@@ -27,8 +27,10 @@ public:
     /// or not. Throws DataError for anything else.
     TypeSelection(const std::vector<std::string>& wanted, const std::vector<std::string>& unwanted);
 
+    /// Whether blocks of every number are looked at, known ones and others.
     bool isEverything() const { return m_accepted.all(); }
 
+    /// `blockNumber` is below `numbers`.
     bool accepts(uint16_t blockNumber) const { return m_accepted[blockNumber]; }
 
 private:

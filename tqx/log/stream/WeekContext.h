@@ -15,6 +15,7 @@ struct TQX_LOG_API WeekContext {
     uint8_t weekCounter = 0;
     uint32_t lastTow = 0;
 
+    /// Leaves which types are enabled as it is.
     void applyTo(Kor::MessageApi::TQX_Context_s& context) const
     {
         context.weekCounter = weekCounter;

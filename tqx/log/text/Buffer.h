@@ -9,7 +9,9 @@ namespace tqx
 {
 
 /// Growing run of characters that output is formatted into. What it appends most, short pieces of
-/// a known largest size, costs one comparison and a copy.
+/// a known largest size, costs one comparison and a copy. Whatever appends may throw
+/// std::bad_alloc, after which the content is as it was, and makes what data() and view() gave
+/// invalid. Used by one thread at a time.
 class Buffer
 {
 public:

@@ -16,6 +16,7 @@ namespace tqx
 {
 
 /// How the values of one number or character field are written, by what is known of the field.
+/// Immutable; layout and facts live as long as the codec.
 class TQX_LOG_API ShownValue
 {
 public:

@@ -22,6 +22,8 @@ struct ParagraphPlan;
 /// offset, then a line for each field, bit ranges below their word and sub-blocks below their
 /// field, each a step further in. Texts are those of the metadata in the C locale; the values come
 /// straight from the records.
+///
+/// Used by one thread at a time. What cannot be appended for want of memory throws std::bad_alloc.
 class TQX_LOG_API Paragraph
 {
 public:

@@ -30,7 +30,8 @@ struct ValuePlan;
 /// fields are left out, sub-blocks are objects in arrays, or one object where there is never more.
 ///
 /// The values come straight from the records, which is several times as fast as asking the field
-/// metadata for each.
+/// metadata for each. Used by one thread at a time. What cannot be appended for want of memory
+/// throws std::bad_alloc.
 class TQX_LOG_API ValueJson
 {
 public:
