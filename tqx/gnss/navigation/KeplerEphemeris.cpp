@@ -184,6 +184,17 @@ void fillBeiDouCivil(Ephemeris& e, const Record& record)
     e.integrity = record.DIF << 2U | record.SIF << 1U | record.AIF;
 }
 
+/// The messages of B1C and B2a.
+template<typename Record>
+void fillBeiDouCnav12(Ephemeris& e, const Record& record)
+{
+    fillBeiDouCivil(e, record);
+    e.iode = record.IODE;
+    e.iodc = record.IODC;
+    e.delay1 = available(record.T_gd_B1Cp);
+    e.delay2 = available(record.T_gd_B2ap);
+}
+
 } // namespace
 
 double available(double value)
@@ -281,22 +292,14 @@ void fillBeiDou(Ephemeris& e, const void* block)
 void fillBeiDouCnav1(Ephemeris& e, const void* block)
 {
     const auto& record = as<TQX_BDSCNav1_s>(block);
-    fillBeiDouCivil(e, record);
-    e.iode = record.IODE;
-    e.iodc = record.IODC;
-    e.delay1 = available(record.T_gd_B1Cp);
-    e.delay2 = available(record.T_gd_B2ap);
+    fillBeiDouCnav12(e, record);
     e.isc1 = available(record.ISC_B1Cd);
 }
 
 void fillBeiDouCnav2(Ephemeris& e, const void* block)
 {
     const auto& record = as<TQX_BDSCNav2_s>(block);
-    fillBeiDouCivil(e, record);
-    e.iode = record.IODE;
-    e.iodc = record.IODC;
-    e.delay1 = available(record.T_gd_B1Cp);
-    e.delay2 = available(record.T_gd_B2ap);
+    fillBeiDouCnav12(e, record);
     e.isc2 = available(record.ISC_B2ad);
 }
 
