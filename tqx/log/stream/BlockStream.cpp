@@ -50,23 +50,26 @@ bool BlockStream::next(Block& block)
     if (m_name != place.file)
         m_name = place.file;
     block = {found.data, static_cast<uint16_t>(found.size), place.offset};
-    m_startsWeek = m_after.follow(block);
+    WeekContext week = {m_weekCounter, m_lastTow};
+    m_startsWeek = week.follow(block);
+    m_weekCounter = week.weekCounter;
+    m_lastTow = week.lastTow;
     return true;
 }
 
-// Without a week that begins with the block, the last TOW decides nothing; with one, it must be so
-// late that the week begins.
+// Without a week that begins with the block, the last TOW decides nothing and must not begin one;
+// with one, it must be so late that the week begins.
 WeekContext BlockStream::getContext() const
 {
     if (!m_startsWeek)
-        return m_after;
-    return {static_cast<uint8_t>(m_after.weekCounter - 1), TQX_noTOW};
+        return {m_weekCounter, 0};
+    return {static_cast<uint8_t>(m_weekCounter - 1), TQX_noTOW};
 }
 
 void BlockStream::setContext(const WeekContext& context)
 {
-    m_after = context;
-    m_startsWeek = false;
+    m_startsWeek = context.lastTow == TQX_noTOW;
+    m_weekCounter = static_cast<uint8_t>(context.weekCounter + (m_startsWeek ? 1 : 0));
 }
 
 void BlockStream::reportUndecodable(const Block& block, int32_t code)

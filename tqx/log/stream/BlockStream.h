@@ -78,6 +78,7 @@ protected:
     /// but for its undecodable blocks, which reportUndecodable() counts.
     void setCounts(const StreamCounts& counts);
     void setName(const std::string& name) { m_name = name; }
+    /// As IndexedBlocks::getContext() gives it.
     void setContext(const WeekContext& context);
 
 private:
@@ -111,7 +112,8 @@ private:
     bool m_ended = false;
     bool m_isCut = false;      ///< the source ended within what looked like a block
     bool m_startsWeek = false; ///< the last block does
-    WeekContext m_after;       ///< the last block
+    uint8_t m_weekCounter = 0; ///< of a decoding context after it
+    uint32_t m_lastTow = 0;    ///< likewise
 };
 
 } // namespace tqx
