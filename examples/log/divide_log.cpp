@@ -43,12 +43,10 @@ int main(int argc, char** argv)
 
         // The same by hand, for tools that show where the offsets of a type are.
         for (const tqx::FramedPages::Type& type : index.getPages().types) {
+            const uint32_t page = type.offsets.getFirstPage();
             tqx::PageOffsets::Cursor cursor(type.offsets);
-            const tqx::PageOffsets::Page first = cursor.at(type.offsets.getFirstPage());
-            std::printf(
-                "%5u first at %llu\n", type.number,
-                static_cast<unsigned long long>(
-                    index.getPages().startOf(type.offsets.getFirstPage()) + *first.begin()));
+            const uint64_t first = index.getPages().startOf(page) + *cursor.at(page).begin();
+            std::printf("%5u first at %llu\n", type.number, static_cast<unsigned long long>(first));
         }
     } catch (const tqx::DataError& error) {
         std::fprintf(stderr, "%s\n", error.what());
