@@ -32,14 +32,6 @@ std::string sourceList()
     return list;
 }
 
-/// For what is no run of characters.
-class NoSink final : public Sink
-{
-public:
-    void commit() override {}
-    void flush() override {}
-};
-
 } // namespace
 
 TrackCommand::TrackCommand(CLI::App& program)
