@@ -52,8 +52,9 @@ char strengthDigit(double cn0)
     return static_cast<char>('0' + std::clamp(static_cast<int>(cn0 / 6), 1, 9));
 }
 
-/// "> 2026 01 06 12 00  0.0000000  0 35"
-void appendEpochLine(Buffer& out, GnssMillis time, unsigned flag, size_t count)
+/// "> 2026 01 06 12 00  0.0000000  0 35". `ticks` are tenths of microseconds after the
+/// milliseconds.
+void appendEpochLine(Buffer& out, GnssMillis time, unsigned flag, size_t count, unsigned ticks = 0)
 {
     const rinex::CivilTime civil(time);
     char line[] = ">                              0   ";
@@ -64,7 +65,7 @@ void appendEpochLine(Buffer& out, GnssMillis time, unsigned flag, size_t count)
     writeDigits(line + 18, civil.minute, 2);
     const auto millis = static_cast<unsigned>(time % 60000);
     std::memcpy(line + 18, "  0.0000000", 11);
-    writeDigits(line + 29, millis % 1000 * 10000, 7);
+    writeDigits(line + 29, millis % 1000 * 10000 + ticks, 7);
     const unsigned second = millis / 1000;
     if (second >= 10) {
         writeDigits(line + 21, second, 2);
@@ -187,6 +188,20 @@ void ObservationFile::writeChange(Buffer& out, GnssMillis time)
     out.append('\n');
     out.append(text);
     m_setUp = m_current;
+}
+
+void ObservationFile::writeEvent(Buffer& out, GnssMillis time, uint32_t nanoseconds,
+                                 std::string_view input, std::string_view edge) const
+{
+    constexpr unsigned externalEvent = 5;
+    constexpr unsigned ticksPerMilli = 10000;
+    const unsigned ticks = (nanoseconds + 50) / 100;
+    const bool isNamed = !input.empty() || !edge.empty();
+    appendEpochLine(out, time + ticks / ticksPerMilli, externalEvent, isNamed ? 1 : 0,
+                    ticks % ticksPerMilli);
+    out.append('\n');
+    if (isNamed)
+        rinex::appendHeaderLine(out, fmt::format("EXTERNAL EVENT {} {}", input, edge), "COMMENT");
 }
 
 void ObservationFile::write(Buffer& out, const ObservationEpoch& epoch)
