@@ -68,10 +68,14 @@ void fillCodeAndCarrier(Entry& entry, const Observation& observation)
 {
     const int64_t code = millimetresOf(observation.range);
     entry.CodeLSB = static_cast<uint32_t>(code);
-    const auto carrier =
-        std::llround(carrierOffset(observation, static_cast<double>(code) * 1e-3) * 1000);
-    entry.CarrierLSB = static_cast<uint16_t>(carrier & 0xffff);
-    entry.CarrierMSB = static_cast<int8_t>(carrier >> 16);
+    entry.CarrierLSB = 0;
+    entry.CarrierMSB = INT8_MIN; // not available
+    if (!std::isnan(observation.phase)) {
+        const auto carrier =
+            std::llround(carrierOffset(observation, static_cast<double>(code) * 1e-3) * 1000);
+        entry.CarrierLSB = static_cast<uint16_t>(carrier & 0xffff);
+        entry.CarrierMSB = static_cast<int8_t>(carrier >> 16);
+    }
     entry.Doppler = static_cast<int32_t>(std::lround(observation.doppler * 1e4));
     entry.LockTime = static_cast<uint16_t>(observation.lockTime);
 }
