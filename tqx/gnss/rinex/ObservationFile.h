@@ -54,6 +54,7 @@ private:
     struct Column {
         SignalCode code;
         std::array<bool, valueKinds> kinds;
+        size_t width; ///< characters of its values
     };
     struct Row {
         SatelliteId satellite;
@@ -69,6 +70,7 @@ private:
     void addCounts(Buffer& out) const;
     void writeChange(Buffer& out, GnssMillis time);
     void writeRow(Buffer& out, const Row& row) const;
+    static char* writeCells(char* cell, const Column& column, const Observation& observation);
     size_t collect(const ObservationEpoch& epoch);
 
     RinexOptions m_options;
