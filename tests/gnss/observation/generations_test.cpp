@@ -147,3 +147,32 @@ TEST(Generations, AdditionalDataCompleteTheObservations)
         }
     }
 }
+
+TEST(Generations, SlipsThatAreNotReportedAreOfWholeCycles)
+{
+    const auto epochsOf = [](double slips) {
+        tqx::simulation::SimulationSettings settings;
+        settings.duration = 60;
+        settings.receiver.systems = 1;
+        settings.receiver.slipsPerHour = slips;
+        settings.receiver.hidesSlips = true;
+        tqx::Buffer log;
+        simulate(settings, log);
+        return gather(std::string(log.view()));
+    };
+    const auto clean = epochsOf(0);
+    const auto slipped = epochsOf(100);
+    ASSERT_EQ(slipped.size(), clean.size());
+    size_t changed = 0;
+    for (size_t i = 0; i < clean.size(); ++i) {
+        ASSERT_EQ(slipped[i].observations.size(), clean[i].observations.size());
+        for (size_t k = 0; k < clean[i].observations.size(); ++k) {
+            const Observation& observation = slipped[i].observations[k];
+            const double cycles = observation.phase - clean[i].observations[k].phase;
+            EXPECT_NEAR(cycles, std::round(cycles), 0.002);
+            EXPECT_FALSE(observation.isLost);
+            changed += std::fabs(cycles) > 0.5 ? 1 : 0;
+        }
+    }
+    EXPECT_GT(changed, 10U);
+}
