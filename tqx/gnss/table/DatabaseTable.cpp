@@ -45,8 +45,14 @@ public:
         double factor = 1;
         for (int i = 0; i < decimals; ++i)
             factor *= 10;
-        const double shown = std::round(value * factor) / factor;
-        m_insert->setReal(++m_column, shown);
+        // As in texts: rounded by the exact value of the number, ties away from zero.
+        const double size = std::fabs(value);
+        const double steps = size * factor;
+        const double rest = std::fma(size, factor, -steps);
+        const double whole = std::floor(steps);
+        const double half = steps - whole - 0.5;
+        const double rounded = half > 0 || (half == 0 && rest >= 0) ? whole + 1 : whole;
+        m_insert->setReal(++m_column, std::copysign(rounded / factor, value));
     }
 
     void number(double value) override

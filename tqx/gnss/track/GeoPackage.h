@@ -16,7 +16,8 @@ class TQX_GNSS_API GeoPackage
 {
 public:
     /// Creates the file; one that exists is replaced. `table` names the feature table, of letters,
-    /// digits and underscores; that of lines has "_lines" after it. Throws DataError when it cannot be created.
+    /// digits and underscores; that of lines has "_lines" after it. Throws DataError when it cannot
+    /// be created.
     GeoPackage(const std::string& path, const std::string& table);
 
     /// Removes the file again unless finish() was called.
@@ -24,7 +25,8 @@ public:
     GeoPackage(const GeoPackage&) = delete;
     GeoPackage& operator=(const GeoPackage&) = delete;
 
-    /// Adds a position; one with Fix::None is left out, and ends a line. Throws DataError when it cannot be written.
+    /// Adds a position; one with Fix::None is left out, and ends a line. Throws DataError when it
+    /// cannot be written.
     void add(const Position& position);
 
     /// Completes the file. Throws DataError when it cannot be written.
