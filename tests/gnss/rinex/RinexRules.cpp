@@ -241,14 +241,16 @@ void checkEpochs(const std::vector<std::string>& lines, const ObservationFile& f
         "[0-6][ 0-9]{2}[0-9](      [ -][ 0-9.]{14})? *");
     size_t at = file.header.size();
     double last = -1e99;
+    double lastEpoch = last;
     for (const Epoch& epoch : file.epochs) {
         if (!std::regex_match(lines[at], head))
             faults.push_back("epoch line: " + lines[at]);
         ++at;
-        if (epoch.seconds < last || (epoch.flag <= 1 && epoch.seconds == last))
+        if (epoch.seconds < last || (epoch.flag <= 1 && epoch.seconds == lastEpoch))
             faults.push_back("epochs out of order: " + epoch.time);
+        last = epoch.seconds;
         if (epoch.flag <= 1)
-            last = epoch.seconds;
+            lastEpoch = last;
         std::set<std::string> names;
         for (const SatelliteLine& satellite : epoch.satellites) {
             if (!std::regex_match(satellite.satellite, std::regex("[GRECJIS][0-9]{2}")))

@@ -90,6 +90,10 @@ TEST(Installation, MissingIsSaidOnceAndNamesCanBeGiven)
     EXPECT_EQ(file.only("MARKER NAME").substr(0, 7), "GRAZ 1 ");
     EXPECT_EQ(file.only("OBSERVER / AGENCY").substr(0, 28), "A. B.               Office  ");
     EXPECT_EQ(tool.list("named").front(), "GRAZ00XXX_R_20260061200_01M_01S_MO.rnx");
+    tool.expectRun("rinex -q log.tqx -o station --marker graz12aut");
+    EXPECT_EQ(tool.list("station").front(), "GRAZ12AUT_R_20260061200_01M_01S_MO.rnx");
+    tool.expectRun("rinex -q log.tqx -o other --marker 'Graz 2AUT'");
+    EXPECT_EQ(tool.list("other").front(), "GRAZ00XXX_R_20260061200_01M_01S_MO.rnx");
 }
 
 TEST(Installation, EachAntennaHasAFile)

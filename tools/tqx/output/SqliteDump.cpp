@@ -33,14 +33,6 @@ private:
     RecordDecoder m_decoder;
 };
 
-/// Rows are not for those who read along.
-class NoSink : public Sink
-{
-public:
-    void commit() override {}
-    void flush() override {}
-};
-
 } // namespace
 
 ExitStatus dumpSqlite(StreamOptions& streams, const FieldFilter& filter, bool isStored,

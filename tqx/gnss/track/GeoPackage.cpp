@@ -1,6 +1,7 @@
 #include "tqx/gnss/track/GeoPackage.h"
 
 #include "tqx/gnss/position/PositionBlocks.h"
+#include "tqx/gnss/track/Segments.h"
 #include "tqx/gnss/track/TrackText.h"
 #include "tqx/log/sqlite/SqlDatabase.h"
 #include "tqx/log/time/LeapSeconds.h"
@@ -57,45 +58,60 @@ CREATE TABLE "{0}" (
 INSERT INTO gpkg_contents (table_name, data_type, identifier, description, srs_id)
   VALUES ('{0}', 'features', '{0}', 'positions of a receiver, heights above the ellipsoid', {1});
 INSERT INTO gpkg_geometry_columns VALUES ('{0}', 'geom', 'POINT', {1}, 2, 0);
+)";
+
+constexpr const char* lineTable = R"(
+CREATE TABLE "{0}" (
+  fid INTEGER PRIMARY KEY AUTOINCREMENT NOT NULL, geom LINESTRING, utc DATETIME,
+  utc_end DATETIME, positions INTEGER);
+INSERT INTO gpkg_contents (table_name, data_type, identifier, description, srs_id)
+  VALUES ('{0}', 'features', '{0}', 'the track, a line up to each gap', {1});
+INSERT INTO gpkg_geometry_columns VALUES ('{0}', 'geom', 'LINESTRING', {1}, 2, 0);
 BEGIN;
 )";
 
-/// Header of a geometry without an envelope, and a point with or without a height in well-known
-/// binary, all of it little-endian.
-class PointGeometry
+/// Header of a geometry without an envelope, and a point or a line with or without heights in
+/// well-known binary, all of it little-endian.
+class Geometry
 {
 public:
-    PointGeometry(double x, double y, double z)
+    static Geometry point(double x, double y, double z)
     {
-        constexpr uint32_t point = 1;
-        constexpr uint32_t pointWithHeight = 1001;
-        const bool hasHeight = std::isfinite(z);
-        put("GP", 2);
-        number(uint8_t{0}); // version
-        number(uint8_t{1}); // little-endian
-        number(uint32_t{wgs84});
-        number(uint8_t{1}); // little-endian
-        number(hasHeight ? pointWithHeight : point);
-        real(x);
-        real(y);
-        if (hasHeight)
-            real(z);
+        Geometry geometry(1, std::isfinite(z));
+        geometry.place(x, y, z);
+        return geometry;
     }
 
-    const uint8_t* data() const { return m_bytes.data(); }
-    size_t size() const { return m_size; }
+    /// Of points with three coordinates each.
+    static Geometry line(const std::vector<double>& coordinates)
+    {
+        bool hasHeights = true;
+        for (size_t i = 2; i < coordinates.size(); i += 3)
+            hasHeights = hasHeights && std::isfinite(coordinates[i]);
+        Geometry geometry(2, hasHeights);
+        geometry.number(static_cast<uint32_t>(coordinates.size() / 3));
+        for (size_t i = 0; i < coordinates.size(); i += 3)
+            geometry.place(coordinates[i], coordinates[i + 1], coordinates[i + 2]);
+        return geometry;
+    }
+
+    const std::vector<uint8_t>& bytes() const { return m_bytes; }
 
 private:
-    void put(const void* bytes, size_t size)
+    Geometry(uint32_t type, bool hasHeights) : m_hasHeights(hasHeights)
     {
-        std::memcpy(m_bytes.data() + m_size, bytes, size);
-        m_size += size;
+        constexpr uint32_t withHeights = 1000;
+        m_bytes = {'G', 'P', 0, 1}; // version 0, little-endian
+        number(uint32_t{wgs84});
+        number(uint8_t{1}); // little-endian
+        number(type + (hasHeights ? withHeights : 0));
     }
+
     template<typename T>
     void number(T value)
     {
         for (size_t i = 0; i < sizeof(T); ++i)
-            m_bytes[m_size++] = static_cast<uint8_t>(value >> 8 * i);
+            m_bytes.push_back(static_cast<uint8_t>(value >> 8 * i));
     }
     void real(double value)
     {
@@ -103,14 +119,21 @@ private:
         std::memcpy(&bits, &value, sizeof bits);
         number(bits);
     }
+    void place(double x, double y, double z)
+    {
+        real(x);
+        real(y);
+        if (m_hasHeights)
+            real(z);
+    }
 
-    std::array<uint8_t, 40> m_bytes = {};
-    size_t m_size = 0;
+    bool m_hasHeights;
+    std::vector<uint8_t> m_bytes;
 };
 
 } // namespace
 
-/// The open file, and the statement that adds a position.
+/// The open file, and the statements that add a position and a line.
 class GeoPackage::Database
 {
 public:
@@ -121,9 +144,12 @@ public:
             m_database = SqlDatabase::create(path, path);
             m_database->execute(tables);
             m_database->execute(fmt::format(featureTable, table, wgs84));
+            m_database->execute(fmt::format(lineTable, lines(), wgs84));
             m_insert = m_database->prepare(fmt::format(
                 R"(INSERT INTO "{}" VALUES (NULL,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?))",
                 table));
+            m_insertLine = m_database->prepare(
+                fmt::format(R"(INSERT INTO "{}" VALUES (NULL,?,?,?,?))", lines()));
         } catch (...) {
             remove();
             throw;
@@ -140,9 +166,13 @@ public:
     void finish();
 
 private:
+    std::string lines() const { return m_table + "_lines"; }
+    void addLine();
+
     void close()
     {
         m_insert.reset();
+        m_insertLine.reset();
         m_database.reset();
     }
     void remove()
@@ -175,18 +205,50 @@ private:
     std::string m_table;
     std::unique_ptr<SqlDatabase> m_database; ///< null once it is complete
     std::unique_ptr<SqlInsert> m_insert;
+    std::unique_ptr<SqlInsert> m_insertLine;
+    Segments m_segments;
+    std::vector<double> m_line; ///< coordinates of the line at hand
+    GnssMillis m_lineStart = 0;
+    GnssMillis m_lineEnd = 0;
     int m_column = 0; ///< the last one that was set
     bool m_isEmpty = true;
     double m_west = 0, m_south = 0, m_east = 0, m_north = 0;
 };
 
+/// The line at hand, unless it is a single point.
+void GeoPackage::Database::addLine()
+{
+    constexpr size_t dimensions = 3;
+    if (m_line.size() > dimensions) {
+        const std::string start = xmlTime(m_lineStart);
+        const std::string end = xmlTime(m_lineEnd);
+        const Geometry geometry = Geometry::line(m_line);
+        m_insertLine->setBytes(1, geometry.bytes().data(), geometry.bytes().size());
+        m_insertLine->setText(2, start);
+        m_insertLine->setText(3, end);
+        m_insertLine->setInteger(4, static_cast<int64_t>(m_line.size() / dimensions));
+        m_insertLine->run();
+    }
+    m_line.clear();
+}
+
 void GeoPackage::Database::add(const Position& position)
 {
-    const PointGeometry geometry(position.longitude, position.latitude, position.height);
+    const bool goesOn = m_segments.goesOn(position);
+    if (position.fix == Fix::None)
+        return;
+    if (!goesOn) {
+        addLine();
+        m_lineStart = position.time;
+    }
+    m_lineEnd = position.time;
+    m_line.insert(m_line.end(), {position.longitude, position.latitude, position.height});
+    const Geometry geometry =
+        Geometry::point(position.longitude, position.latitude, position.height);
     const std::string utc = xmlTime(position.time);
     const std::string gpsTime = dateText(position.time);
     m_column = 1;
-    m_insert->setBytes(m_column, geometry.data(), geometry.size());
+    m_insert->setBytes(m_column, geometry.bytes().data(), geometry.bytes().size());
     set(std::string_view(utc));
     set(std::string_view(gpsTime));
     set(std::string_view(position.source->name));
@@ -221,6 +283,7 @@ void GeoPackage::Database::add(const Position& position)
 
 void GeoPackage::Database::finish()
 {
+    addLine();
     if (!m_isEmpty) {
         m_database->execute(
             fmt::format("UPDATE gpkg_contents SET min_x={}, min_y={}, max_x={}, max_y={};", m_west,
@@ -239,8 +302,7 @@ GeoPackage::~GeoPackage() = default;
 
 void GeoPackage::add(const Position& position)
 {
-    if (position.fix != Fix::None)
-        m_database->add(position);
+    m_database->add(position);
 }
 
 void GeoPackage::finish()
