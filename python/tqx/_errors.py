@@ -51,4 +51,4 @@ def make_error(kind: str, text: str) -> Error:
         return SourceError(text)
     if kind == "line":
         return LineError(text)
-    return RequestError(text)
+    return RequestError(text.removeprefix("--"))

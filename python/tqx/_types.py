@@ -98,7 +98,11 @@ def _field(entry: dict[str, Any]) -> Field:
         scale=entry.get("scale"),
         description=entry.get("description", ""),
         do_not_use=None if none is None else str(none),
-        symbols={int(value): name for value, name in entry.get("symbols", {}).items()},
+        symbols={
+            int(value): text
+            for value, text in entry.get("symbols", {}).items()
+            if text != "DoNotUse"
+        },
         is_optional=entry.get("optional", False),
         is_repeated=entry.get("repeated", False),
         is_identifying=entry.get("identifying", False),

@@ -32,8 +32,21 @@ class _Reader:
             # A table needs a column of a field.
             choice = replace(choice, columns=fields or choice.columns[:1] or ("TOW",))
         table = PartTable(part, choice)
-        frame: pandas.DataFrame = table.to_pandas(strings_to_categorical=False)
+        frame = _frame(table.to_arrow())
+        frame.attrs = {}
         return frame if wanted is None else frame[wanted]
+
+
+def _frame(table: Any) -> pandas.DataFrame:
+    """A frame whose types do not depend on whether a part has missing values."""
+    pandas = need("pandas", "dask")
+    pyarrow = need("pyarrow", "dask")
+    whole = {
+        getattr(pyarrow, name.lower())(): getattr(pandas, f"{name}Dtype")()
+        for name in ("Int8", "Int16", "Int32", "Int64", "UInt8", "UInt16", "UInt32", "UInt64")
+    }
+    frame: pandas.DataFrame = table.to_pandas(types_mapper=whole.get)
+    return frame
 
 
 def read(
@@ -53,7 +66,7 @@ def read(
 
     Paths are those of ``tqx.open``, and must be the same for all workers. ``columns``, ``rows``,
     ``where``, ``start`` and ``end`` are what ``Table.select``, ``explode``, ``where`` and ``between``
-    take; columns that a computation does not use are not read. Observations and other products
+    take; columns that a computation does not use are not read. Integers are nullable types of pandas. Observations and other products
     depend on what came before: a log is one partition.
     """
     frames = need("dask.dataframe", "dask")
@@ -79,7 +92,6 @@ def read(
     reader = _Reader(choice)
     if not parts:
         raise ValueError("no log has anything in that time")
-    schema = PartTable(parts[0], choice).schema
-    meta = schema.empty_table().to_pandas()
+    meta = _frame(PartTable(parts[0], choice).schema.empty_table())
     frame: Any = frames.from_map(reader, parts, meta=meta)
     return frame

@@ -17,6 +17,7 @@ from . import _tqx
 from ._needs import need
 from ._table import Choice
 from ._time import gnss_millis
+from ._types import types as catalogue
 from .parts import PRODUCTS, Part, PartTable, divide
 
 pyarrow = need("pyarrow", "spark")
@@ -187,9 +188,12 @@ class _Reader(DataSourceReader):
         name = condition.attribute[0]
         if name in ("time", "time_ns"):
             self._push_time(condition, name)
-        elif name in ("Block_Revision", "Block Revision") and isinstance(condition, (EqualTo, In)):
+        elif name in ("Revision", "BlockNumber") and isinstance(condition, (EqualTo, In)):
             values = [condition.value] if isinstance(condition, EqualTo) else condition.value
-            mask = sum({1 << value for value in values if 0 <= value <= 7})
+            if name == "Revision":
+                mask = sum({1 << value for value in values if 0 <= value <= 7})
+            else:
+                mask = 0xFF if catalogue[self._choice.type].number in values else 0
             self._choice = replace(self._choice, revisions=self._choice.revisions & mask)
 
     def _push_time(self, condition: Any, name: str) -> None:
