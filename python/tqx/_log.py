@@ -4,9 +4,10 @@ from __future__ import annotations
 
 import datetime as dt
 import os
+from collections.abc import Iterable, Iterator, Sequence
 from html import escape
 from pathlib import Path
-from typing import IO, TYPE_CHECKING, Any, Iterable, Iterator, Sequence, Union
+from typing import IO, TYPE_CHECKING, Any, Union
 
 from . import _tqx
 from ._arrow import ArrowTable
@@ -163,7 +164,10 @@ class Log:
             self.files, list(types), where, start=_millis(start), end=_millis(end)
         )
         names = self.names
-        while (found := reader.next()) is not None:
+        while True:
+            found: Any = reader.next()
+            if found is None:
+                return
             yield Message(names[found[0]], found)
 
     def observations(

@@ -4,8 +4,9 @@ from __future__ import annotations
 
 import datetime as dt
 import json
+from collections.abc import Iterator, Mapping
 from functools import cached_property
-from typing import Any, Iterator, Mapping
+from typing import Any
 
 from . import _tqx
 from ._time import to_datetime

@@ -5,8 +5,9 @@ from __future__ import annotations
 import datetime as dt
 import json
 import os
+from collections.abc import Iterable, Mapping, Sequence
 from pathlib import Path
-from typing import Any, Iterable, Mapping, Sequence, Union
+from typing import Any, Union
 
 from . import _tqx
 from ._log import Log, Source, open_log

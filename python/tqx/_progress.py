@@ -3,8 +3,9 @@
 from __future__ import annotations
 
 import sys
-from typing import Callable, Iterator, Union
+from collections.abc import Callable, Iterator
 from contextlib import contextmanager
+from typing import Union
 
 __all__ = ["Progress", "Report", "shown"]
 

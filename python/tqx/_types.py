@@ -3,10 +3,11 @@
 from __future__ import annotations
 
 import json
+from collections.abc import Iterator, Mapping
 from dataclasses import dataclass, field
-from functools import lru_cache
+from functools import cache, lru_cache
 from html import escape
-from typing import Any, Iterator, Mapping
+from typing import Any
 
 from . import _tqx
 
@@ -116,7 +117,7 @@ def _entries() -> dict[str, dict[str, Any]]:
     return {entry["name"]: entry for entry in json.loads(_tqx.all_types())}
 
 
-@lru_cache(maxsize=None)
+@cache
 def _type(name: str) -> Type:
     entry = _entries()[name]
     return Type(

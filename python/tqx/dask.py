@@ -2,14 +2,15 @@
 
 from __future__ import annotations
 
+from collections.abc import Iterable
 from dataclasses import replace
-from typing import TYPE_CHECKING, Any, Iterable
+from typing import TYPE_CHECKING, Any
 
 from . import _tqx
 from ._needs import need
 from ._table import Choice
 from ._time import Time, gnss_millis
-from .parts import PRODUCTS, Part, Paths, PartTable, divide
+from .parts import PRODUCTS, Part, PartTable, Paths, divide
 
 if TYPE_CHECKING:
     import dask.dataframe
@@ -39,10 +40,10 @@ class _Reader:
 
 def _frame(table: Any) -> pandas.DataFrame:
     """A frame whose types do not depend on whether a part has missing values."""
-    pandas = need("pandas", "dask")
+    frames = need("pandas", "dask")
     pyarrow = need("pyarrow", "dask")
     whole = {
-        getattr(pyarrow, name.lower())(): getattr(pandas, f"{name}Dtype")()
+        getattr(pyarrow, name.lower())(): getattr(frames, f"{name}Dtype")()
         for name in ("Int8", "Int16", "Int32", "Int64", "UInt8", "UInt16", "UInt32", "UInt64")
     }
     frame: pandas.DataFrame = table.to_pandas(types_mapper=whole.get)

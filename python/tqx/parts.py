@@ -7,8 +7,9 @@ has to know at each cut, so that the rows of all parts together are those of the
 from __future__ import annotations
 
 import os
+from collections.abc import Sequence
 from dataclasses import dataclass
-from typing import Any, Sequence, Union
+from typing import Any, Union
 
 from . import _tqx
 from ._arrow import ArrowTable
@@ -97,19 +98,17 @@ def divide(
     Parts without a block from ``start`` on and before ``end`` (milliseconds of GNSS time) are left
     out. A compressed log is one part, and so is every log if ``whole``, for tables of PRODUCTS.
     """
-    single = isinstance(paths, (str, os.PathLike))
-    log = open_log(paths if single else list(paths), save_index=save_index, progress=False)
+    log = open_log(paths, save_index=save_index, progress=False)
     parts = []
     for each in log.files:
         found = each.divide((1 << 62) if whole else max(1, part_bytes))
         for cut in found:
             # A block without a time counts as at the time before it.
             before = cut.time_before
-            first = None if cut.first is None else min(cut.first, cut.first if before is None else before)
-            last = None if cut.last is None else max(cut.last, cut.last if before is None else before)
-            if start is not None and last is not None and last < start:
+            times = [time for time in (before, cut.first, cut.last) if time is not None]
+            if start is not None and times and max(times) < start:
                 continue
-            if end is not None and first is not None and first >= end:
+            if end is not None and times and min(times) >= end:
                 continue
             parts.append(
                 Part(

@@ -3,7 +3,8 @@
 from __future__ import annotations
 
 import math
-from typing import TYPE_CHECKING, Any, Sequence
+from collections.abc import Sequence
+from typing import TYPE_CHECKING, Any
 
 from ._needs import need
 from ._time import Time
@@ -102,9 +103,7 @@ class Plots:
         end: Time | None = None,
     ) -> Axes:
         """C/N0 of each signal over time; choices are those of ``Log.observations``."""
-        table = self._log.observations(
-            satellites=satellites, signals=signals, start=start, end=end
-        )
+        table = self._log.observations(satellites=satellites, signals=signals, start=start, end=end)
         frame = table.to_pandas()
         axes = _axes(axes)
         for (satellite, signal), rows in frame.groupby(["satellite", "signal"], observed=True):

@@ -9,9 +9,10 @@ from __future__ import annotations
 import json
 import os
 import uuid
+from collections.abc import Iterable, Iterator, Sequence
 from dataclasses import dataclass, replace
 from pathlib import Path
-from typing import Any, Iterable, Iterator, Sequence
+from typing import Any
 
 from . import _tqx
 from ._needs import need
@@ -124,6 +125,9 @@ class _Request:
     statistics: str
 
 
+_FLAGS: tuple[str, ...] = ("scaled", "named", "utc", "file")
+
+
 def _request(options: dict[str, str]) -> _Request:
     lowered = {name.lower(): value for name, value in options.items()}
     if "path" not in lowered:
@@ -132,11 +136,8 @@ def _request(options: dict[str, str]) -> _Request:
         raise ValueError('the data source tqx needs .option("type", NAME), one type for a table')
     kind = lowered["type"]
     columns = [each.strip() for each in lowered.get("columns", "").split(",") if each.strip()]
-    flags = {
-        name: lowered[name].lower() == "true"
-        for name in ("scaled", "named", "utc", "file")
-        if name in lowered
-    }
+    names = [name for name in _FLAGS if name in lowered]
+    flags = {name: lowered[name].lower() == "true" for name in names}
     choice = Choice(
         kind if kind in PRODUCTS else _tqx.type_name(kind),
         tuple(columns),
@@ -178,7 +179,10 @@ class _Reader(DataSourceReader):
         self._choice = _only(request.choice, self._names)
 
     def pushFilters(self, filters: list[Filter]) -> Iterable[Filter]:
-        """Takes what filters say of the time, number and revision; Spark applies all of them again."""
+        """Takes what filters say of the time, number and revision.
+
+        Spark applies all of them again.
+        """
         for each in filters:
             if len(getattr(each, "attribute", ())) == 1:
                 self._push(each)
@@ -247,8 +251,8 @@ def _millis(value: Any, name: str) -> int:
 class TqxDataSource(DataSource):
     """Tables of logs, each of one type, whose partitions are parts of the logs.
 
-    Options: ``type`` (the name of a type, or "observations", "positions", "ephemerides"), ``columns``
-    (fields, separated by commas), ``rows`` (the path of sub-blocks, for a row each), ``where``,
+    Options: ``type`` (the name of a type, or "observations", "positions", "ephemerides"),
+    ``columns`` (fields, separated by commas), ``rows`` (the path of sub-blocks, for a row each), ``where``,
     ``start``, ``end``, ``partBytes``, ``saveIndex``, ``scaled``, ``named``, ``utc``, ``file``, and
     ``statistics``, a folder in which each partition notes what it read.
 
@@ -264,7 +268,9 @@ class TqxDataSource(DataSource):
         """The columns of the table that the options ask for."""
         request = _request(dict(self.options))
         choice = request.choice
-        part = Part(_first(request.path) if choice.type in PRODUCTS else "", 0, 0, 0, 0, None, 0, True)
+        part = Part(
+            _first(request.path) if choice.type in PRODUCTS else "", 0, 0, 0, 0, None, 0, True
+        )
         if choice.type in PRODUCTS:
             return from_arrow_schema(_schema(PartTable(part, choice)), prefer_timestamp_ntz=True)
         return from_arrow_schema(_schema(_Columns(part, choice)), prefer_timestamp_ntz=True)
