@@ -1,5 +1,7 @@
 #include "ArrowStream.h"
 
+#include "Interrupts.h"
+
 #include <cerrno>
 #include <exception>
 #include <new>
@@ -30,6 +32,11 @@ struct Content {
             work();
         } catch (const std::bad_alloc&) {
             code = ENOMEM;
+        } catch (const Interrupted&) {
+            // Readers of streams know no KeyboardInterrupt: the signal comes again when they return
+            // to the interpreter.
+            code = EINTR;
+            PyErr_SetInterrupt();
         } catch (const std::exception& failure) {
             code = EIO;
             try {

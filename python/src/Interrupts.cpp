@@ -30,10 +30,7 @@ void checkInterrupt()
     const nanobind::gil_scoped_acquire lock;
     if (PyErr_CheckSignals() == 0)
         return;
-    // The callers of the C stream interface know no exceptions: the signal comes again for the
-    // interpreter.
     PyErr_Clear();
-    PyErr_SetInterrupt();
     throw Interrupted();
 }
 

@@ -6,7 +6,7 @@
 namespace tqx::python
 {
 
-/// The user wants the work to end. The interpreter raises KeyboardInterrupt as soon as it goes on.
+/// The user wants the work to end: KeyboardInterrupt in Python.
 class Interrupted : public std::runtime_error
 {
 public:

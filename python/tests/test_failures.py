@@ -77,7 +77,7 @@ log = tqx.open(sys.argv[1], progress=False)
 print("ready", flush=True)
 try:
     while True:
-        eval(sys.argv[2])
+        WORK
 except KeyboardInterrupt:
     print("interrupted", flush=True)
 """
@@ -92,7 +92,7 @@ except KeyboardInterrupt:
     ],
 )
 def test_interrupt(folder: Path, work: str) -> None:
-    command = [sys.executable, "-c", _WORK, str(folder / "b.tqx"), work]
+    command = [sys.executable, "-c", _WORK.replace("WORK", work), str(folder / "b.tqx")]
     process = subprocess.Popen(command, stdout=subprocess.PIPE, text=True)
     assert process.stdout is not None
     assert process.stdout.readline() == "ready\n"
