@@ -31,8 +31,7 @@ public:
     size_t readAt(uint64_t offset, uint8_t* bytes, size_t count) const override
     {
         const uint64_t left = m_size - std::min(offset, m_size);
-        return m_all.readAt(offset, bytes,
-                            static_cast<size_t>(std::min<uint64_t>(count, left)));
+        return m_all.readAt(offset, bytes, static_cast<size_t>(std::min<uint64_t>(count, left)));
     }
     const uint8_t* getBytes() const override { return m_all.getBytes(); }
 
@@ -45,8 +44,7 @@ private:
 class WatchedSource : public ByteSource
 {
 public:
-    WatchedSource(ByteSource& all, const IndexProgress& progress)
-        : m_all(all), m_progress(progress)
+    WatchedSource(ByteSource& all, const IndexProgress& progress) : m_all(all), m_progress(progress)
     {
     }
 
@@ -103,8 +101,8 @@ LogFile::LogFile(std::vector<uint8_t> bytes, std::string name)
     if (compressionOf(bytes.data(), bytes.size()) == Compression::None) {
         m_bytes = std::move(bytes);
     } else {
-        const std::unique_ptr<ByteSource> content = decompressed(
-            std::make_unique<MemorySource>(bytes.data(), bytes.size(), m_name));
+        const std::unique_ptr<ByteSource> content =
+            decompressed(std::make_unique<MemorySource>(bytes.data(), bytes.size(), m_name));
         std::vector<uint8_t> piece(1 << 20);
         while (const size_t count = content->read(piece.data(), piece.size()))
             m_bytes.insert(m_bytes.end(), piece.begin(),
@@ -193,7 +191,8 @@ std::vector<Partition> LogFile::divide(uint64_t bytes) const
     for (uint32_t page = 0; page < pages.getEndPage(); ++page) {
         const uint64_t entry = m_index->getPageEntry(page);
         const PageRow& row = pages.rowOf(page);
-        const bool isFull = !parts.empty() && !isCompressed() && entry - parts.back().begin >= bytes;
+        const bool isFull =
+            !parts.empty() && !isCompressed() && entry - parts.back().begin >= bytes;
         if (parts.empty() || isFull) {
             Partition part;
             part.begin = parts.empty() ? 0 : entry;

@@ -32,9 +32,8 @@ using Logs = std::vector<std::shared_ptr<LogFile>>;
 class MessageReader
 {
 public:
-    MessageReader(const Logs& logs, const std::vector<std::string>& types,
-                  const std::string& where, std::optional<GnssMillis> from,
-                  std::optional<GnssMillis> to)
+    MessageReader(const Logs& logs, const std::vector<std::string>& types, const std::string& where,
+                  std::optional<GnssMillis> from, std::optional<GnssMillis> to)
         : m_types(types, {}), m_reader(logs, numbers(), from, to)
     {
         if (!where.empty())

@@ -21,6 +21,7 @@ const char* formatOf(ProductTable::Kind kind)
     case ProductTable::Kind::Real:
         return "g";
     case ProductTable::Kind::Small:
+    case ProductTable::Kind::Name:
         return "s";
     case ProductTable::Kind::Flag:
         return "b";
@@ -45,11 +46,16 @@ size_t ProductTable::add(Kind kind, const std::string& name, const std::string& 
     return m_columns.size() - 1;
 }
 
+size_t ProductTable::addNames(const std::string& name, const std::vector<std::string>& texts)
+{
+    const size_t column = add(Kind::Name, name);
+    m_columns[column].plan.names = std::make_shared<NameDictionary>(texts);
+    return column;
+}
+
 void ProductTable::time(size_t column, GnssMillis time)
 {
-    Column& filled = m_columns[column];
-    filled.values.push((static_cast<int64_t>(time) + gnssEpoch) * nanosPerMilli);
-    filled.validity.appendValid(1);
+    times(column, 1, time);
 }
 
 void ProductTable::utc(size_t column, GnssMillis millis)
@@ -64,15 +70,14 @@ void ProductTable::small(size_t column, int value, bool isKnown)
     mark(filled, isKnown);
 }
 
-void ProductTable::flag(size_t column, bool value)
+void ProductTable::times(size_t column, size_t count, GnssMillis time)
 {
     Column& filled = m_columns[column];
-    const size_t bit = filled.validity.size() % 8;
-    if (bit == 0)
-        filled.values.push(uint8_t{0});
-    if (value)
-        filled.values.data()[filled.values.size() - 1] |= static_cast<uint8_t>(1U << bit);
-    filled.validity.appendValid(1);
+    const int64_t value = (static_cast<int64_t>(time) + gnssEpoch) * nanosPerMilli;
+    uint8_t* out = filled.values.extend(count * sizeof value);
+    for (size_t i = 0; i < count; ++i)
+        std::memcpy(out + i * sizeof value, &value, sizeof value);
+    filled.validity.appendValid(count);
 }
 
 void ProductTable::text(size_t column, std::string_view value)
@@ -100,7 +105,11 @@ void ProductTable::finish(ArrowArray& out)
     for (Column& column : m_columns) {
         ArrayParts parts;
         parts.validity = std::exchange(column.validity, Validity());
+        // The next batch takes as much.
+        const size_t size = column.values.size();
         parts.buffers.push_back(std::exchange(column.values, ColumnBuffer()));
+        column.values.reserve(size);
+        parts.names = column.plan.names;
         if (column.kind == Kind::Text)
             parts.buffers.push_back(std::exchange(column.characters, ColumnBuffer()));
         table.children.push_back(exportArray(std::move(parts)));

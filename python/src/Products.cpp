@@ -1,8 +1,8 @@
+#include "Products.h"
 #include "ArrowStream.h"
 #include "Bindings.h"
 #include "LogReader.h"
 #include "ProductTable.h"
-#include "Products.h"
 #include "tqx/gnss/navigation/NavigationStore.h"
 #include "tqx/gnss/observation/EpochSelection.h"
 #include "tqx/gnss/observation/ObservationGatherer.h"
@@ -17,7 +17,9 @@
 #include <nanobind/stl/string.h>
 #include <nanobind/stl/vector.h>
 
+#include <algorithm>
 #include <array>
+#include <string_view>
 #include <utility>
 
 namespace tqx::python
@@ -44,51 +46,118 @@ void addAll(ProductTable& table, const std::vector<ProductColumn>& columns)
         table.add(column.kind, column.name, column.unit);
 }
 
-const std::vector<ProductColumn> observationColumns = {
-    {Kind::Time, "time"},
-    {Kind::Text, "satellite"},
-    {Kind::Text, "signal"},
-    {Kind::Small, "antenna"},
-    {Kind::Real, "range", "meter"},
-    {Kind::Real, "phase", "cycle"},
-    {Kind::Real, "doppler", "hertz"},
-    {Kind::Real, "cn0", "decibelhertz"},
-    {Kind::Real, "lock_time", "second"},
-    {Kind::Flag, "lost"},
-    {Kind::Flag, "half_cycle"},
-    {Kind::Flag, "smoothed"},
-    {Kind::Small, "channel"},
-    {Kind::Real, "range_deviation", "meter"},
-    {Kind::Real, "phase_deviation", "cycle"},
-    {Kind::Real, "multipath", "meter"},
-    {Kind::Real, "smoothing", "meter"},
-    {Kind::Real, "clock_bias", "second"},
+/// All satellites and signals that an observation can be of, and their places among them.
+class ObservationNames
+{
+public:
+    ObservationNames()
+    {
+        constexpr unsigned highest = 255;
+        m_satellitePlaces.fill(0);
+        m_signalPlaces.fill(0);
+        for (unsigned svid = 0; svid <= highest; ++svid) {
+            if (const auto satellite = satelliteOf(static_cast<uint8_t>(svid)))
+                add(*satellite);
+        }
+        for (const char system : std::string_view(systemLetters)) {
+            for (unsigned signal = 0; signal <= highest; ++signal) {
+                for (const bool isE6B : {false, true})
+                    add(signalCode(system, static_cast<uint8_t>(signal), isE6B));
+            }
+        }
+    }
+
+    const std::vector<std::string>& getSatellites() const { return m_satellites; }
+    const std::vector<std::string>& getSignals() const { return m_signals; }
+
+    int16_t placeOf(const SatelliteId& satellite) const
+    {
+        return m_satellitePlaces[systemIndex(satellite.system) * 256 + satellite.number];
+    }
+    int16_t placeOf(const SignalCode& code) const { return m_signalPlaces[tqx::placeOf(code)]; }
+
+private:
+    void add(const SatelliteId& satellite)
+    {
+        int16_t& place = m_satellitePlaces[systemIndex(satellite.system) * 256 + satellite.number];
+        if (place != 0 || (!m_satellites.empty() && m_satellites[0] == satellite.text()))
+            return;
+        place = static_cast<int16_t>(m_satellites.size());
+        m_satellites.push_back(satellite.text());
+    }
+
+    void add(const std::optional<SignalCode>& code)
+    {
+        if (!code)
+            return;
+        const std::string text = {code->band, code->attribute};
+        if (std::find(m_signals.begin(), m_signals.end(), text) != m_signals.end())
+            return;
+        m_signalPlaces[tqx::placeOf(*code)] = static_cast<int16_t>(m_signals.size());
+        m_signals.push_back(text);
+    }
+
+    std::vector<std::string> m_satellites;
+    std::vector<std::string> m_signals;
+    std::array<int16_t, systemCount * 256> m_satellitePlaces;
+    std::array<int16_t, 260> m_signalPlaces;
 };
 
-void addRow(ProductTable& table, const ObservationEpoch& epoch, const Observation& o)
+const ObservationNames& observationNames()
 {
-    const char code[] = {o.code.band, o.code.attribute};
-    const std::array<char, 3> satellite = {o.satellite.system,
-                                           static_cast<char>('0' + o.satellite.number / 10 % 10),
-                                           static_cast<char>('0' + o.satellite.number % 10)};
+    static const ObservationNames names;
+    return names;
+}
+
+void addObservationColumns(ProductTable& table)
+{
+    table.add(Kind::Time, "time");
+    table.addNames("satellite", observationNames().getSatellites());
+    table.addNames("signal", observationNames().getSignals());
+    addAll(table, {{Kind::Small, "antenna"},
+                   {Kind::Real, "range", "meter"},
+                   {Kind::Real, "phase", "cycle"},
+                   {Kind::Real, "doppler", "hertz"},
+                   {Kind::Real, "cn0", "decibelhertz"},
+                   {Kind::Real, "lock_time", "second"},
+                   {Kind::Flag, "lost"},
+                   {Kind::Flag, "half_cycle"},
+                   {Kind::Flag, "smoothed"},
+                   {Kind::Small, "channel"},
+                   {Kind::Real, "range_deviation", "meter"},
+                   {Kind::Real, "phase_deviation", "cycle"},
+                   {Kind::Real, "multipath", "meter"},
+                   {Kind::Real, "smoothing", "meter"},
+                   {Kind::Real, "clock_bias", "second"}});
+}
+
+void addRows(ProductTable& table, const ObservationEpoch& epoch)
+{
+    const ObservationNames& names = observationNames();
+    const std::vector<Observation>& all = epoch.observations;
+    const size_t count = all.size();
     size_t column = 0;
-    table.time(column++, epoch.time);
-    if (o.satellite.number < 100) {
-        table.text(column++, {satellite.data(), satellite.size()});
-    } else {
-        table.text(column++, o.satellite.text());
-    }
-    table.text(column++, {code, 2});
-    table.small(column++, o.antenna);
-    for (const double value : {o.range, o.phase, o.doppler, o.cn0, o.lockTime})
-        table.real(column++, value);
-    for (const bool value : {o.isLost, o.isHalfCycle, o.isSmoothed})
-        table.flag(column++, value);
-    table.small(column++, o.channel, isFdma(o.signal));
-    for (const double value : {o.rangeDeviation, o.phaseDeviation, o.multipath, o.smoothing})
-        table.real(column++, value);
-    table.real(column++, epoch.clockBias);
-    table.endRow();
+    const auto reals = [&](double Observation::*member) {
+        table.reals(column++, count, [&](size_t i) { return all[i].*member; });
+    };
+    table.times(column++, count, epoch.time);
+    table.smalls(column++, count, [&](size_t i) { return names.placeOf(all[i].satellite); });
+    table.smalls(column++, count, [&](size_t i) { return names.placeOf(all[i].code); });
+    table.smalls(column++, count, [&](size_t i) { return int16_t{all[i].antenna}; });
+    for (const auto member : {&Observation::range, &Observation::phase, &Observation::doppler,
+                              &Observation::cn0, &Observation::lockTime})
+        reals(member);
+    for (const auto member :
+         {&Observation::isLost, &Observation::isHalfCycle, &Observation::isSmoothed})
+        table.flags(column++, count, [&](size_t i) { return all[i].*member; });
+    for (const Observation& observation : all)
+        table.small(column, observation.channel, isFdma(observation.signal));
+    ++column;
+    for (const auto member : {&Observation::rangeDeviation, &Observation::phaseDeviation,
+                              &Observation::multipath, &Observation::smoothing})
+        reals(member);
+    table.reals(column++, count, [&](size_t) { return epoch.clockBias; });
+    table.endRows(count);
 }
 
 /// Observations on their way into a table.
@@ -100,7 +169,7 @@ public:
           m_selection(std::move(selection)),
           m_gatherer([this](ObservationEpoch& epoch) { return take(epoch); })
     {
-        addAll(m_table, observationColumns);
+        addObservationColumns(m_table);
     }
 
     bool next(ArrowArray& out)
@@ -130,8 +199,7 @@ private:
         if (!m_selection.isOnInterval(epoch.time))
             return false;
         m_selection.reduce(epoch);
-        for (const Observation& observation : epoch.observations)
-            addRow(m_table, epoch, observation);
+        addRows(m_table, epoch);
         return true;
     }
 
@@ -143,14 +211,13 @@ private:
 };
 
 template<typename Rows>
-ArrowStream streamOfRows(const char* description, const std::vector<ProductColumn>& columns,
+ArrowStream streamOfRows(const char* description, void (*addColumns)(ProductTable&),
                          std::shared_ptr<Rows> rows)
 {
     auto empty = std::make_shared<ProductTable>();
-    addAll(*empty, columns);
+    addColumns(*empty);
     return {[empty, description](ArrowSchema& out) { empty->exportSchema(description, out); },
-            [rows](ArrowArray& out) { return rows->next(out); },
-            std::make_shared<TableCounts>()};
+            [rows](ArrowArray& out) { return rows->next(out); }, std::make_shared<TableCounts>()};
 }
 
 ArrowStream observations(Logs logs, std::optional<GnssMillis> from, std::optional<GnssMillis> to,
@@ -163,39 +230,41 @@ ArrowStream observations(Logs logs, std::optional<GnssMillis> from, std::optiona
     selection.interval = interval;
     selection.satellites = std::move(satellites);
     selection.signals = std::move(signals);
-    return streamOfRows("observations", observationColumns,
+    return streamOfRows("observations", addObservationColumns,
                         std::make_shared<ObservationRows>(std::move(logs), std::move(selection)));
 }
 
-const std::vector<ProductColumn> positionColumns = {
-    {Kind::Time, "time"},
-    {Kind::Time, "utc"},
-    {Kind::Text, "source"},
-    {Kind::Text, "fix"},
-    {Kind::Text, "mode"},
-    {Kind::Real, "latitude", "degree"},
-    {Kind::Real, "longitude", "degree"},
-    {Kind::Real, "height", "meter"},
-    {Kind::Real, "undulation", "meter"},
-    {Kind::Real, "horizontal_accuracy", "meter"},
-    {Kind::Real, "vertical_accuracy", "meter"},
-    {Kind::Text, "accuracy_level"},
-    {Kind::Small, "satellites"},
-    {Kind::Real, "correction_age", "second"},
-    {Kind::Real, "north", "meterpersecond"},
-    {Kind::Real, "east", "meterpersecond"},
-    {Kind::Real, "up", "meterpersecond"},
-    {Kind::Real, "heading", "degree"},
-    {Kind::Real, "pitch", "degree"},
-    {Kind::Real, "roll", "degree"},
-    {Kind::Text, "datum"},
-};
+void addPositionColumns(ProductTable& table)
+{
+    addAll(table, {
+                      {Kind::Time, "time"},
+                      {Kind::Time, "utc"},
+                      {Kind::Text, "source"},
+                      {Kind::Text, "fix"},
+                      {Kind::Text, "mode"},
+                      {Kind::Real, "latitude", "degree"},
+                      {Kind::Real, "longitude", "degree"},
+                      {Kind::Real, "height", "meter"},
+                      {Kind::Real, "undulation", "meter"},
+                      {Kind::Real, "horizontal_accuracy", "meter"},
+                      {Kind::Real, "vertical_accuracy", "meter"},
+                      {Kind::Text, "accuracy_level"},
+                      {Kind::Small, "satellites"},
+                      {Kind::Real, "correction_age", "second"},
+                      {Kind::Real, "north", "meterpersecond"},
+                      {Kind::Real, "east", "meterpersecond"},
+                      {Kind::Real, "up", "meterpersecond"},
+                      {Kind::Real, "heading", "degree"},
+                      {Kind::Real, "pitch", "degree"},
+                      {Kind::Real, "roll", "degree"},
+                      {Kind::Text, "datum"},
+                  });
+}
 
 const char* nameOf(Fix fix)
 {
     static constexpr std::array<const char*, 8> names = {
-        "",          "standalone", "differential", "rtk_float",
-        "rtk_fixed", "ppp",        "estimated",    "manual"};
+        "", "standalone", "differential", "rtk_float", "rtk_fixed", "ppp", "estimated", "manual"};
     return names[static_cast<size_t>(fix)];
 }
 
@@ -212,7 +281,7 @@ public:
                  std::optional<GnssMillis> to)
         : m_reader(std::move(logs), {source.number}, from, to)
     {
-        addAll(m_table, positionColumns);
+        addPositionColumns(m_table);
     }
 
     bool next(ArrowArray& out)
@@ -289,7 +358,7 @@ ArrowStream positions(const Logs& logs, const std::string& name, std::optional<G
     const PositionSource* source = findPositionSource(logs, name);
     if (!source)
         source = &positionSources().front();
-    return streamOfRows("positions", positionColumns,
+    return streamOfRows("positions", addPositionColumns,
                         std::make_shared<PositionRows>(logs, *source, from, to));
 }
 
@@ -306,9 +375,10 @@ ArrowStream ephemerides(const Logs& logs, std::optional<GnssMillis> from,
                 store.take(decoded);
         }
     }
-    std::vector<ProductColumn> columns = {
-        {Kind::Time, "time"}, {Kind::Text, "satellite"}, {Kind::Text, "message"},
-        {Kind::Time, "reference"}};
+    std::vector<ProductColumn> columns = {{Kind::Time, "time"},
+                                          {Kind::Text, "satellite"},
+                                          {Kind::Text, "message"},
+                                          {Kind::Time, "reference"}};
     for (const EphemerisParameter& parameter : ephemerisParameters())
         columns.push_back({Kind::Real, parameter.name, parameter.unit});
     auto table = std::make_shared<ProductTable>();

@@ -233,9 +233,8 @@ std::vector<std::string> writeRinex(const Logs& logs, const RinexRequest& reques
 template<typename Member>
 auto option(Member RinexOptions::*member)
 {
-    return [member](RinexRequest& request, const Member& value) {
-        request.options.*member = value;
-    };
+    return
+        [member](RinexRequest& request, const Member& value) { request.options.*member = value; };
 }
 
 } // namespace
@@ -253,17 +252,19 @@ void bindRinex(nb::module_& module)
         .def("set_marker", option(&RinexOptions::marker))
         .def("set_observer", option(&RinexOptions::observer))
         .def("set_agency", option(&RinexOptions::agency))
-        .def("set_selection",
-             [](RinexRequest& request, std::optional<GnssMillis> from,
-                std::optional<GnssMillis> to, uint64_t interval,
-                std::vector<std::string> satellites, std::vector<std::string> signals) {
-                 request.selection.from = from;
-                 request.selection.to = to;
-                 request.selection.interval = interval;
-                 request.selection.satellites = std::move(satellites);
-                 request.selection.signals = std::move(signals);
-             }, nb::arg("start").none(), nb::arg("end").none(), nb::arg("interval"),
-             nb::arg("satellites"), nb::arg("signals"))
+        .def(
+            "set_selection",
+            [](RinexRequest& request, std::optional<GnssMillis> from, std::optional<GnssMillis> to,
+               uint64_t interval, std::vector<std::string> satellites,
+               std::vector<std::string> signals) {
+                request.selection.from = from;
+                request.selection.to = to;
+                request.selection.interval = interval;
+                request.selection.satellites = std::move(satellites);
+                request.selection.signals = std::move(signals);
+            },
+            nb::arg("start").none(), nb::arg("end").none(), nb::arg("interval"),
+            nb::arg("satellites"), nb::arg("signals"))
         .def_rw("folder", &RinexRequest::folder)
         .def_rw("is_compressed", &RinexRequest::isCompressed);
     module.def("write_rinex", writeRinex);

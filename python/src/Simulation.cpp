@@ -1,9 +1,9 @@
+#include "tqx/simulation/Simulation.h"
 #include "Bindings.h"
 #include "Interrupts.h"
 #include "OutputFile.h"
 #include "tqx/gnss/orbit/Geodesy.h"
 #include "tqx/log/DataError.h"
-#include "tqx/simulation/Simulation.h"
 
 #include <nanobind/stl/string.h>
 
@@ -77,10 +77,8 @@ void bindSimulation(nb::module_& module)
         .def_rw("compact", &SimulationSettings::compact)
         .def("set_position", setPosition)
         .def("set_track", setTrack)
-        .def("set_slips",
-             [](SimulationSettings& settings, double perHour) {
-                 settings.receiver.slipsPerHour = perHour;
-             })
+        .def("set_slips", [](SimulationSettings& settings,
+                             double perHour) { settings.receiver.slipsPerHour = perHour; })
         .def("set_two_antennas", [](SimulationSettings& settings, bool two) {
             settings.receiver.hasSecondAntenna = two;
         });

@@ -85,8 +85,7 @@ void ChosenInput::refuse(const TableBlock& block, int32_t code)
 
 WholeInput::WholeInput(std::shared_ptr<const LogFile> log, const TQX_TypeLayout& type,
                        const BlockChoice& choice)
-    : m_log(std::move(log)),
-      m_input(m_log->getIndex(), m_log->getContent(), type, queryOf(choice))
+    : m_log(std::move(log)), m_input(m_log->getIndex(), m_log->getContent(), type, queryOf(choice))
 {
 }
 

@@ -20,18 +20,18 @@ namespace tqx::python
 
 /// What reading a table came to so far.
 struct TableCounts {
-    uint64_t bytes = 0;    ///< of the content of logs that was passed
-    uint64_t found = 0;    ///< blocks of the type in the time and of the revisions
-    uint64_t selected = 0; ///< of these, that meet the condition: that columns were filled from
-    uint64_t refused = 0;  ///< of these, that did not decode
+    uint64_t bytes = 0;       ///< of the content of logs that was passed
+    uint64_t found = 0;       ///< blocks of the type in the time and of the revisions
+    uint64_t selected = 0;    ///< of these, that meet the condition: that columns were filled from
+    uint64_t refused = 0;     ///< of these, that did not decode
     std::string firstRefused; ///< "<file>: <offset>: <reason>" of the first one
 };
 
 /// Which blocks of the type of a table are wanted.
 struct BlockChoice {
     std::optional<GnssMillis> from;
-    std::optional<GnssMillis> to; ///< the first time that is not wanted
-    uint8_t revisions = 0xff;     ///< a bit for each
+    std::optional<GnssMillis> to;           ///< the first time that is not wanted
+    uint8_t revisions = 0xff;               ///< a bit for each
     std::shared_ptr<const Condition> where; ///< may be null
 };
 

@@ -76,16 +76,14 @@ ArrowStream streamOf(const std::shared_ptr<TableSchema>& schema,
                      std::vector<std::unique_ptr<TableInput>> inputs, BlockChoice choice)
 {
     auto counts = std::make_shared<TableCounts>();
-    auto input =
-        std::make_unique<ChosenInput>(std::move(inputs), std::move(choice), counts);
+    auto input = std::make_unique<ChosenInput>(std::move(inputs), std::move(choice), counts);
     auto table = std::make_shared<TableStream>(schema, std::move(input));
     return {[schema](ArrowSchema& out) { schema->exportTo(out); },
             [table](ArrowArray& out) { return table->next(out); }, counts};
 }
 
 /// A table of whole logs, by their indexes.
-ArrowStream readLogs(const std::vector<std::shared_ptr<LogFile>>& logs,
-                     const TableRequest& request)
+ArrowStream readLogs(const std::vector<std::shared_ptr<LogFile>>& logs, const TableRequest& request)
 {
     const auto schema = schemaOf(request);
     BlockChoice choice = choiceOf(request);

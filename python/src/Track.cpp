@@ -67,14 +67,13 @@ uint64_t writeTrack(const Logs& logs, const std::string& path, const std::string
         throw DataError("there is no format of tracks named " + format +
                         "; they are csv, gpx, kml, geojson, nmea and gpkg");
     OutputFile file(path);
-    const auto writer = makeTrackWriter(static_cast<TrackFormat>(place - formats.begin()),
-                                        file.getBuffer(), name);
+    const auto writer =
+        makeTrackWriter(static_cast<TrackFormat>(place - formats.begin()), file.getBuffer(), name);
     writer->begin();
-    const uint64_t count =
-        readPositions(logs, *source, from, to, [&](const Position& position) {
-            writer->add(position);
-            file.commit();
-        });
+    const uint64_t count = readPositions(logs, *source, from, to, [&](const Position& position) {
+        writer->add(position);
+        file.commit();
+    });
     writer->end();
     file.finish();
     return count;

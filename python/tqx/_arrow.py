@@ -98,6 +98,7 @@ class ArrowTable:
         """
         need("pandas", "pandas")
         options.setdefault("strings_to_categorical", True)
+        options.setdefault("split_blocks", True)
         frame: pandas.DataFrame = self.to_arrow().to_pandas(**options)
         frame.attrs["units"] = self.units
         return frame
