@@ -132,8 +132,8 @@ def _type(name: str) -> Type:
 class Types(Mapping[str, Type]):
     """All types by name; names are found whatever their case.
 
-    >>> types["pvtgeodetic2"]
-    <type PVTGeodetic2 (4007): 36 fields>
+    >>> types["pvtgeodetic2"].number
+    4007
     >>> types["MeasEpoch2"]["Type1"].sub_type
     'MeasEpochChannelType1'
     """
