@@ -104,9 +104,10 @@ LogFile::LogFile(std::vector<uint8_t> bytes, std::string name)
         const std::unique_ptr<ByteSource> content =
             decompressed(std::make_unique<MemorySource>(bytes.data(), bytes.size(), m_name));
         std::vector<uint8_t> piece(1 << 20);
-        while (const size_t count = content->read(piece.data(), piece.size()))
-            m_bytes.insert(m_bytes.end(), piece.begin(),
-                           piece.begin() + static_cast<std::ptrdiff_t>(count));
+        while (const size_t count = content->read(piece.data(), piece.size())) {
+            const auto end = piece.begin() + static_cast<std::ptrdiff_t>(count);
+            m_bytes.insert(m_bytes.end(), piece.begin(), end);
+        }
     }
     m_packed = std::make_unique<MemoryAccess>(m_bytes.data(), m_bytes.size(), m_name);
 }

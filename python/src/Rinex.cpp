@@ -57,6 +57,11 @@ public:
 
 private:
     struct Output {
+        Output(ObservationFile toWrite, const std::string& path, bool isCompressed)
+            : rinex(std::move(toWrite)), file(path, isCompressed)
+        {
+        }
+
         ObservationFile rinex;
         OutputFile file;
     };
@@ -161,8 +166,7 @@ void RinexFiles::writeObservations()
         parts.last = survey.last;
         parts.interval = survey.getInterval();
         const std::string path = pathOf(observationFileName(parts));
-        outputs.push_back(std::unique_ptr<Output>(
-            new Output{std::move(rinex), OutputFile(path, m_request.isCompressed)}));
+        outputs.push_back(std::make_unique<Output>(std::move(rinex), path, m_request.isCompressed));
         outputs.back()->rinex.writeHeader(outputs.back()->file.getBuffer());
     }
     if (outputs.empty())
