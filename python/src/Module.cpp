@@ -4,6 +4,8 @@
 NB_MODULE(_tqx, module)
 {
     module.doc() = "Bindings of the C++ libraries; the package tqx is made of them.";
+    // Logs may live until the interpreter ends.
+    nanobind::set_leak_warnings(false);
     tqx::python::rememberMainThread();
     tqx::python::bindErrors(module);
     tqx::python::bindLogs(module);

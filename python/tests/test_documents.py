@@ -11,6 +11,7 @@ from pathlib import Path
 from typing import Any
 
 import pytest
+
 import tqx
 
 ROOT = Path(__file__).parents[2]

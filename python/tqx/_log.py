@@ -83,7 +83,7 @@ class Log:
         sizes = [each.packed_size for each in self._files]
         with shown(self.progress, "index", sum(sizes)) as report:
             done = 0
-            for each, size in zip(self._files, sizes):
+            for each, size in zip(self._files, sizes, strict=True):
                 before = done
 
                 def hear(count: int, before: int = before) -> None:
