@@ -1,8 +1,10 @@
 #include "LogFile.h"
 
 #include "Interrupts.h"
+#include "OutputFile.h"
 #include "tqx/log/DataError.h"
 #include "tqx/log/index/IndexedLog.h"
+#include "tqx/log/index/SavedIndex.h"
 #include "tqx/log/source/CompressedAccess.h"
 #include "tqx/log/source/CompressedSource.h"
 #include "tqx/log/source/FileAccess.h"
@@ -179,10 +181,23 @@ bool LogFile::save()
 {
     if (!m_isFile)
         return false;
-    IndexedLogOptions options;
-    options.save = true;
-    const IndexedLog log(m_name, options);
-    return log.isSaved() || log.getOrigin() == IndexedLog::Origin::Saved;
+    if (isCompressed()) {
+        // The access points are with the content by now.
+        IndexedLogOptions options;
+        options.save = true;
+        const IndexedLog log(m_name, options);
+        return log.isSaved() || log.getOrigin() == IndexedLog::Origin::Saved;
+    }
+    const std::vector<uint8_t> bytes =
+        packIndex({LogIdentity::of(*m_packed), m_compression, {}, {}, *m_index});
+    try {
+        OutputFile file(IndexedLog::indexPath(m_name));
+        file.getBuffer().append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+        file.finish();
+    } catch (const DataError&) {
+        return false;
+    }
+    return true;
 }
 
 std::vector<Partition> LogFile::divide(uint64_t bytes) const

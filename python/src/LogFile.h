@@ -61,8 +61,8 @@ public:
     /// that was done. Can be interrupted. Throws SourceError.
     void load(const IndexProgress& progress);
 
-    /// Saves the index beside the log. False when that cannot be written, or is no file. Throws
-    /// SourceError.
+    /// Saves the index beside the log, after load(). False when that cannot be written, or is no
+    /// file. Throws SourceError.
     bool save();
 
     /// After load().

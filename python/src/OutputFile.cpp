@@ -66,9 +66,16 @@ void OutputFile::finish()
     flush();
     const bool isWritten = m_packed ? gzclose(std::exchange(m_packed, nullptr)) == Z_OK
                                     : std::fclose(std::exchange(m_file, nullptr)) == 0;
-    if (!isWritten)
-        fail();
-    std::filesystem::rename(m_partPath, m_path);
+    std::error_code error;
+    if (isWritten)
+        std::filesystem::rename(m_partPath, m_path, error);
+    if (isWritten && !error)
+        return;
+    std::error_code ignored;
+    std::filesystem::remove(m_partPath, ignored);
+    if (error)
+        throw DataError(m_path + ": " + error.message());
+    fail();
 }
 
 } // namespace tqx::python

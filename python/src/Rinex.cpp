@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace tqx::python
@@ -230,7 +231,10 @@ void RinexFiles::writeNavigation()
 std::vector<std::string> writeRinex(const Logs& logs, const RinexRequest& request)
 {
     const nb::gil_scoped_release unlocked;
-    std::filesystem::create_directories(request.folder);
+    std::error_code error;
+    std::filesystem::create_directories(request.folder, error);
+    if (error)
+        throw DataError(request.folder + ": " + error.message());
     return RinexFiles(logs, request).write();
 }
 
