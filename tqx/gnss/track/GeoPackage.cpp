@@ -9,9 +9,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <cstring>
+#include <memory>
+#include <vector>
 
 namespace tqx
 {
