@@ -86,7 +86,7 @@ void addGalileoPages(BlockLog& log, const Epoch& epoch, uint8_t sender)
     TQX_init_GALIon(&ionosphere);
     ionosphere.Source = 1;
     ionosphere.SVID = sender;
-    ionosphere.IODnav = 65535; // only told by the other message
+    ionosphere.IODnav = 65535; // only in the other message
     ionosphere.a_0 = 62.5F;
     ionosphere.a_1 = 0.1953125F;
     ionosphere.a_2 = 0.003662109375F;

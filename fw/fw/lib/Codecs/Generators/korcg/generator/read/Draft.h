@@ -27,8 +27,8 @@ struct FieldDraft {
     Mention after;
     Mention takes;
     std::vector<Mention> summed; ///< sub-fields that this one sums up
-    bool roleTold = false;
-    bool virtualTold = false;
+    bool roleGiven = false;
+    bool virtualGiven = false;
     std::vector<FieldDraft> bits; ///< sub-fields in bit order
 };
 
