@@ -109,6 +109,7 @@ void ReceiverQuality::takeErrors(const Record& record, GnssMillis time)
         {record.FrontEndFault, "front end"},
         {record.PortCongestion, "port congested"},
         {record.LogFault, "logging"},
+        {record.SpoofingSuspected, "signals suspected to be forged"},
     };
     for (const auto& [isSet, name] : errors) {
         if (isSet != 0)
