@@ -104,6 +104,8 @@ bool ArcAnalysis::findSlip(GnssMillis time, SatelliteState& state, const SeenSig
                            const SeenSignal* end, uint64_t longestStep)
 {
     Slip slip;
+    std::vector<SignalCode> codes;
+    size_t compared = 0;
     const SignalState* reference = nullptr;
     for (const SeenSignal* seen = begin; seen != end; ++seen) {
         const SignalCode& code = seen->observation->code;
@@ -119,6 +121,7 @@ bool ArcAnalysis::findSlip(GnssMillis time, SatelliteState& state, const SeenSig
         if (seen == begin) {
             reference = &*known;
         } else if (reference && reference->last == known->last) {
+            ++compared;
             const double jump = std::fabs((lengthOf(*begin) - lengthOf(*seen)) -
                                           (reference->length - known->length));
             const double elapsed = static_cast<double>(time - known->last) * 1e-3;
@@ -127,13 +130,18 @@ bool ArcAnalysis::findSlip(GnssMillis time, SatelliteState& state, const SeenSig
                 slip.jump = std::isnan(slip.jump) ? jump : std::max(slip.jump, jump);
             }
         }
-        if (isSlip) {
-            slip.signals += (slip.signals.empty() ? "" : " ") + textOf(code);
-            ++m_signals[{state.satellite.system, code}].slips;
-        }
+        if (isSlip)
+            codes.push_back(code);
     }
-    if (slip.signals.empty())
+    // When all others jump against the reference, it is that one's phase that does.
+    if (!slip.isLossOfLock && compared > 1 && codes.size() == compared)
+        codes = {begin->observation->code};
+    if (codes.empty())
         return false;
+    for (const SignalCode& code : codes) {
+        slip.signals += (slip.signals.empty() ? "" : " ") + textOf(code);
+        ++m_signals[{state.satellite.system, code}].slips;
+    }
     ++m_slipCount;
     m_slipsByLock += slip.isLossOfLock ? 1 : 0;
     ++m_satelliteFigures[state.satellite].slips;

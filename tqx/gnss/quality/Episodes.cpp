@@ -17,7 +17,7 @@ void Episodes::hold(GnssMillis time, double value, const std::string& subject)
     m_current.worst = std::max(m_current.worst, value);
     if (!subject.empty() && m_current.subject.find(subject) == std::string::npos &&
         m_current.subject.size() < 60)
-        m_current.subject += ", " + subject;
+        m_current.subject += (m_current.subject.empty() ? "" : ", ") + subject;
 }
 
 void Episodes::beginAt(GnssMillis time)
