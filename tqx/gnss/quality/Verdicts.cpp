@@ -89,7 +89,7 @@ Verdict strength(const Quality& q)
         v.grade = worseOf(v.grade, Grade::Fair);
     v.words = fmt::format("C/N0 {:.1f} dB-Hz in the mean", q.cn0.mean);
     if (weak != 0)
-        v.words += fmt::format(", {} lower on all satellites", several(weak, "time", "times"));
+        v.words += fmt::format(", {} on all satellites", several(weak, "drop", "drops"));
     return v;
 }
 
@@ -105,7 +105,8 @@ Verdict multipath(const Quality& q)
         v.grade = worseOf(v.grade, Grade::Fair);
     v.words = fmt::format("{:.2f} m (root mean square)", q.multipath);
     if (standOut != 0)
-        v.words += fmt::format(", a satellite stands out {}", several(standOut, "time", "times"));
+        v.words += fmt::format(
+            ", {}", several(standOut, "episode that stands out", "episodes that stand out"));
     return v;
 }
 
@@ -152,7 +153,7 @@ Verdict corrections(const Quality& q)
     v.words = fmt::format("age {:.1f} s in the mean, {:.0f} s at most", q.correctionAge.mean,
                           q.correctionAge.most);
     if (gaps != 0)
-        v.words += fmt::format(", missing {}", several(gaps, "time", "times"));
+        v.words += fmt::format(", {}", several(gaps, "gap", "gaps"));
     return v;
 }
 
@@ -166,8 +167,8 @@ Verdict interference(const Quality& q)
     const double share = q.interferenceSeconds / (figure(q, "duration_hours") * 3600);
     v.grade = times == 0 ? Grade::Good : share <= 0.01 ? Grade::Fair : Grade::Poor;
     v.words = times == 0 ? "none reported"
-                         : fmt::format("reported {} for {:.0f} s in all",
-                                       several(times, "time", "times"), q.interferenceSeconds);
+                         : fmt::format("{}, {:.0f} s in all", several(times, "episode", "episodes"),
+                                       q.interferenceSeconds);
     return v;
 }
 
@@ -185,7 +186,7 @@ Verdict receiver(const Quality& q)
     if (q.temperature.count != 0)
         v.words += fmt::format(", {:.0f} °C at most", q.temperature.most);
     if (antenna != 0)
-        v.words += fmt::format(", antenna fault {}", several(antenna, "time", "times"));
+        v.words += fmt::format(", {}", several(antenna, "antenna fault", "antenna faults"));
     if (others != 0)
         v.words += fmt::format(", {}", several(others, "other error", "other errors"));
     if (errors == 0)
