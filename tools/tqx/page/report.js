@@ -15,6 +15,11 @@
   };
   const style = (name) => getComputedStyle(document.documentElement).getPropertyValue(name).trim();
   const color = (index) => style("--c" + (index % 8));
+  // Systems have the same colour everywhere.
+  const colorOf = (name, index) => {
+    const system = Object.values(systems).indexOf(name);
+    return color(system < 0 ? index : system);
+  };
   const shortTime = (time) => time ? time.date.replace("T", " ").replace(/\.000$/, "") : "";
   const isNumber = (value) => typeof value === "number";
   const numberText = (value) => value === null || value === undefined ? "\u2013"
@@ -134,13 +139,22 @@
     context.restore();
   };
 
+  // Smallest step in seconds, label, and what is added where the day or the year changes.
+  const day = "\n{YYYY}-{MM}-{DD}";
+  const timeLabels = [
+    [86400, "{MM}-{DD}", "\n{YYYY}", null, null, null, null, null, 1],
+    [60, "{HH}:{mm}", day, null, day, null, null, null, 1],
+    [1, "{HH}:{mm}:{ss}", day, null, day, null, null, null, 1],
+    [0.001, "{ss}.{fff}", day + " {HH}:{mm}", null, day + " {HH}:{mm}", null, "\n{HH}:{mm}", null, 1],
+  ];
+
   const drawPlot = (log, plot, range) => {
     const origin = log.pictures.origin;
     const joined = uPlot.join(plot.series.map((each) => withGaps(each, origin)));
     const series = [{value: (u, x) => x === null ? "" : new Date(x * 1000).toISOString().slice(0, 19).replace("T", " ")}];
     const bands = [];
     plot.series.forEach((each, i) => {
-      const stroke = color(i);
+      const stroke = colorOf(each.name, i);
       const at = series.length;
       series.push({label: each.name, stroke, width: 1.5, points: {show: each.t.length < 60},
         value: (u, x) => x === null || x === undefined ? "" : numberText(x)});
@@ -157,7 +171,7 @@
       width: holder.clientWidth - 24, height: 200, series, bands,
       tzDate: (x) => uPlot.tzDate(new Date(x * 1000), "Etc/UTC"),
       scales: {x: {min: range[0], max: range[1]}},
-      axes: [axis, {...axis, size: 56}],
+      axes: [{...axis, values: timeLabels}, {...axis, size: 56}],
       cursor: {sync: {key: "time", scales: ["x", null]}, drag: {x: true, y: false}},
       hooks: {
         setScale: [shareTime],
@@ -170,6 +184,7 @@
       },
     }, joined, holder);
     plots.push(chart);
+    holder.chart = chart;
   };
 
   const showPlots = (log) => {
