@@ -112,10 +112,11 @@ TEST(Report, RequirementDecidesTheExitStatus)
              {"completeness > high", 1},
              {"completeness => 1", 1},
              {"", 0},
-         })
+         }) {
         EXPECT_EQ(runs.run(std::string("report log.tqx --require '") + each.text + "'"),
                   each.status)
             << each.text;
+    }
     EXPECT_EQ(runs.run("report missing.tqx --require 'completeness > 2'"), 1);
 }
 

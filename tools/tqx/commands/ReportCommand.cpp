@@ -142,9 +142,10 @@ quality::Reference ReportCommand::readReference() const
                 {position.time, {position.latitude, position.longitude, position.height}});
         }
     }
-    if (!choice.best())
+    if (!choice.best()) {
         throw ToolError(
             fmt::format("report: --reference {}: no positions", shortened(m_reference)));
+    }
     reference.track = std::move(places[choice.best()]);
     return reference;
 }
