@@ -97,9 +97,10 @@ void addReceiverState(BlockLog& log, const Epoch& epoch, Random& random, const F
     record.RxError = faults.isAntennaOpen(epoch) ? 1U << antennaOpenBit : 0;
     record.Temperature = static_cast<uint8_t>(
         steps(44 + 3 * std::sin(2 * pi * epoch.elapsed / 7200) + random.normal(0.2), 1));
-    for (const unsigned frontEnd : {0U, 1U, 3U, 4U, 5U, 6U, 11U, 12U})
+    for (const unsigned frontEnd : {0U, 1U, 3U, 4U, 5U, 6U, 11U, 12U}) {
         addFrontEnd(record, static_cast<uint8_t>(frontEnd),
                     36 + frontEnd % 4 - (isDisturbed && frontEnd == 0 ? 11 : 0), random);
+    }
     log.add(epoch, record, TQX_encode_ReceiverStatus2);
     if (isDisturbed)
         addDisturbedBand(log, epoch);

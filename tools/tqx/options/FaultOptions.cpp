@@ -59,9 +59,10 @@ void readTarget(Fault& fault, Target wanted, const std::string& text)
 {
     const std::string_view letters(systemLetters, systemCount);
     const size_t system = text.empty() ? std::string_view::npos : letters.find(text.front());
-    if (wanted == Target::None ? !text.empty() : system == std::string_view::npos)
+    if (wanted == Target::None ? !text.empty() : system == std::string_view::npos) {
         throw DataError(wanted == Target::None ? "it has no target"
                                                : "it needs a target, such as G or G05");
+    }
     if (wanted == Target::None)
         return;
     fault.system = static_cast<System>(system);

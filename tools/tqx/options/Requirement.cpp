@@ -79,7 +79,7 @@ Requirement::Comparison Requirement::parse(std::string_view words)
     if (words.empty() || sign == std::string_view::npos) {
         throw ToolError(fmt::format("report: --require needs comparisons such as 'completeness >= "
                                     "0.98', not '{}'",
-                                    shortened(std::string(words))));
+                                    shortened(words)));
     }
     const size_t number = words.find_first_not_of("<>=!", sign);
     const std::string name(trimmed(words.substr(0, sign)));

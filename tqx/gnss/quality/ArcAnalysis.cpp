@@ -20,7 +20,7 @@ constexpr uint64_t blockMillis = 60000;
 constexpr double strayCode = 1000;       ///< metres; no reflection does that
 constexpr double conspicuous = 1;        ///< metres
 constexpr double conspicuousRatio = 3.5; ///< to the median
-constexpr size_t mostSlips = 5000;
+constexpr size_t mostSlips = 2000;
 constexpr size_t mostCandidates = 200000;
 
 double lengthOf(const SeenSignal& seen)

@@ -188,9 +188,10 @@ void PositionQuality::report(Quality& quality) const
     }
     if (!deviations.series.empty())
         quality.plots.push_back(std::move(deviations));
-    if (!source->used.isEmpty())
+    if (!source->used.isEmpty()) {
         quality.plots.push_back(
             {"used", "Satellites in the position", "", {source->used.get("used")}});
+    }
     if (!source->ages.isEmpty())
         quality.plots.push_back({"age", "Age of corrections", "s", {source->ages.get("age")}});
 }

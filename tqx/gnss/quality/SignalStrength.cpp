@@ -16,13 +16,31 @@ constexpr uint64_t pause = 600000; ///< milliseconds after which a satellite is 
 
 } // namespace
 
+SignalStrength::Usual& SignalStrength::usualOf(SatelliteFigures& satellite,
+                                               const Observation& observation)
+{
+    for (Usual& usual : satellite.usual) {
+        if (usual.code == observation.code)
+            return usual;
+    }
+    Usual& usual = satellite.usual.emplace_back();
+    usual.code = observation.code;
+    usual.figures = &m_signals[{observation.satellite.system, observation.code}];
+    return usual;
+}
+
 void SignalStrength::take(GnssMillis time, const std::vector<SeenSignal>& signals)
 {
     std::map<char, Fall> bands;
+    const SatelliteId* before = nullptr;
+    SatelliteFigures* found = nullptr;
     for (const SeenSignal& seen : signals) {
         const Observation& observation = *seen.observation;
         const double cn0 = observation.cn0;
-        SatelliteFigures& satellite = m_satellites[observation.satellite];
+        if (!before || *before != observation.satellite)
+            found = &m_satellites[observation.satellite];
+        before = &observation.satellite;
+        SatelliteFigures& satellite = *found;
         if (satellite.last != time) {
             ++satellite.epochs;
             satellite.last = time;
@@ -33,17 +51,18 @@ void SignalStrength::take(GnssMillis time, const std::vector<SeenSignal>& signal
             continue;
         m_all.add(cn0);
         satellite.cn0.add(cn0);
-        SignalFigures& figures = m_signals[{observation.satellite.system, observation.code}];
+        Usual& usual = usualOf(satellite, observation);
+        SignalFigures& figures = *usual.figures;
         figures.all.add(cn0);
         if (seen.elevation >= 0) {
             const auto step = static_cast<size_t>(seen.elevation / 10);
             figures.byElevation[std::min(step, figures.byElevation.size() - 1)].add(cn0);
         }
-        Usual& usual = m_usual[{observation.satellite, observation.code}];
         Fall& band = bands[observation.code.band];
         band.cn0.add(cn0);
         if (std::isnan(usual.value) || time - usual.time > pause) {
-            usual = {cn0, time};
+            usual.value = cn0;
+            usual.time = time;
             continue;
         }
         const double below = usual.value - cn0;

@@ -22,15 +22,19 @@ private:
         Moments all;
         std::array<Moments, 9> byElevation;
     };
+    /// A signal of a satellite.
+    struct Usual {
+        SignalCode code;
+        SignalFigures* figures = nullptr; ///< of the signal of all satellites
+        double value = none;
+        GnssMillis time = 0;
+    };
     struct SatelliteFigures {
         Moments cn0;
         uint64_t epochs = 0;
         GnssMillis last = 0;
         double highest = none;
-    };
-    struct Usual {
-        double value = none;
-        GnssMillis time = 0;
+        std::vector<Usual> usual;
     };
     struct Fall {
         double sum = 0;
@@ -38,10 +42,11 @@ private:
         Moments cn0;
     };
 
+    Usual& usualOf(SatelliteFigures& satellite, const Observation& observation);
+
     Moments m_all;
     std::map<std::pair<char, SignalCode>, SignalFigures> m_signals;
     std::map<SatelliteId, SatelliteFigures> m_satellites;
-    std::map<std::pair<SatelliteId, SignalCode>, Usual> m_usual;
     std::map<char, ThinnedSeries> m_series; ///< mean of a band
     Episodes m_weak{30000};
 };

@@ -104,9 +104,10 @@ Verdict multipath(const Quality& q)
     if (standOut != 0)
         v.grade = worseOf(v.grade, Grade::Fair);
     v.words = fmt::format("{:.2f} m (root mean square)", q.multipath);
-    if (standOut != 0)
+    if (standOut != 0) {
         v.words += fmt::format(
             ", {}", several(standOut, "episode that stands out", "episodes that stand out"));
+    }
     return v;
 }
 
@@ -207,9 +208,10 @@ Verdict damage(const Quality& q)
                   ? "none"
                   : fmt::format("{} in {}", several(q.damagedBytes, "byte lost", "bytes lost"),
                                 several(q.damagedPlaces, "place", "places"));
-    if (q.undecodable != 0)
+    if (q.undecodable != 0) {
         v.words +=
             fmt::format(", {} that do not decode", several(q.undecodable, "block", "blocks"));
+    }
     return v;
 }
 
