@@ -94,4 +94,17 @@ INSTANTIATE_TEST_SUITE_P(
                          "--fault slip:G14@500 --fault slip:G14@600"}),
     [](const auto& test) { return test.param.name; });
 
+TEST(FaultOptions, BadOnesAreRefused)
+{
+    const ToolRuns runs;
+    for (const char* fault :
+         {"outage", "outage@5", "outage:G@5+5", "storm@5+5", "slip:G14@5+5", "slip:G@5", "slip@5",
+          "multipath:X14@5+5", "system_outage:G14@5+5", "slip:G14@-5", "outage@5+x"}) {
+        EXPECT_EQ(runs.run(std::string("simulate --duration 1 -o log.tqx --fault ") + fault), 1)
+            << fault;
+        EXPECT_NE(runs.read("err").find(fault), std::string::npos) << runs.read("err");
+    }
+    EXPECT_EQ(runs.run("simulate --duration 1 -o log.tqx --fault slip:G14@0"), 0);
+}
+
 } // namespace

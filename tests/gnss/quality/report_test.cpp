@@ -45,6 +45,17 @@ TEST(Report, FollowsChangesOfTheRate)
     EXPECT_EQ(report["finding_counts"]["outage"], 0);
 }
 
+/// Time that runs back is said, and does not count twice.
+TEST(Report, EpochsOutOfOrderAreLeftOut)
+{
+    const ToolRuns runs;
+    runs.expectRun("simulate -o late.tqx --start 2400:216300 --duration 60");
+    runs.expectRun("simulate -o early.tqx --duration 60");
+    const json figures = reportOf(runs, "--together late.tqx early.tqx")[0]["figures"];
+    EXPECT_EQ(figures["epochs_found"], 60);
+    EXPECT_EQ(figures["out_of_order"], 60);
+}
+
 TEST(Report, DamageLosesEpochsButMakesNoSlips)
 {
     const ToolRuns runs;

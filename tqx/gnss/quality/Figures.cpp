@@ -58,6 +58,8 @@ const std::vector<Figure> all = {
      [](const Q& q) { return count(q.epochsExpected); }},
     {"completeness", "", "epochs found divided by epochs expected",
      [](const Q& q) { return ratio(q.epochsFound, q.epochsExpected); }},
+    {"out_of_order", "", "epochs at or before the time of the one before, which are left out",
+     [](const Q& q) { return count(q.outOfOrder); }},
     {"outages", "", "intervals of at least one and a half times the usual one",
      [](const Q& q) { return count(q.outages); }},
     {"outage_seconds", "s", "by how much all of them are longer than an interval",

@@ -55,6 +55,10 @@ Verdict completeness(const Quality& q)
         v.grade = worseOf(v.grade, Grade::Fair);
     v.words = fmt::format("{:.2f} % of {} epochs, {}", share * 100, q.epochsExpected,
                           several(q.outages, "outage", "outages"));
+    if (q.outOfOrder != 0) {
+        v.words +=
+            fmt::format(", {} out of order left out", several(q.outOfOrder, "epoch", "epochs"));
+    }
     if (systems != 0)
         v.words += fmt::format(", {} of a whole system", several(systems, "outage", "outages"));
     return v;
