@@ -23,6 +23,7 @@ struct SimulationSettings {
     TrackSettings track;
     ReceiverSettings receiver;
     std::vector<Fault> faults;
+    double pulsePeriod = 0; ///< seconds between pulses on an event input, 0: none
     bool damage = false;
     bool almanacs = false; ///< with the almanacs of GPS, Galileo, BeiDou and QZSS
     bool compact = false;  ///< with the measurements in compact blocks, too
