@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/simulation/BlockLog.h"
+#include "tqx/simulation/Faults.h"
 #include "tqx/simulation/Random.h"
 #include "tqx/simulation/Receiver.h"
 
@@ -58,7 +59,7 @@ void addAlmanacs(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
 void addSetup(BlockLog& log, const Epoch& epoch, const Geodetic& marker);
 
 /// Load, temperature, state and gain of the receiver.
-void addReceiverState(BlockLog& log, const Epoch& epoch, Random& random);
+void addReceiverState(BlockLog& log, const Epoch& epoch, Random& random, const FaultPlan& faults);
 
 /// Two batteries, the first of which is being discharged, and the power inputs.
 void addPower(BlockLog& log, const Epoch& epoch, Random& random);

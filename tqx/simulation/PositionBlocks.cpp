@@ -18,6 +18,8 @@ namespace
 constexpr double angleStep = 1e-11; // radians, well below a millimetre
 constexpr float notAvailable = -2e10F;
 constexpr uint8_t standalone = 1;
+constexpr uint8_t differential = 2;
+constexpr uint16_t baseStation = 1042;
 constexpr uint8_t raimPassed = 1;
 
 float metres(double value)
@@ -40,6 +42,11 @@ void fillSolution(Record& record, const Receiver& receiver)
     record.NrSV = static_cast<uint8_t>(solution.usedSatellites());
     record.ReferenceID = 65535;
     record.MeanCorrAge = 65535;
+    if (const std::optional<double> age = receiver.getCorrectionAge()) {
+        record.Mode = differential;
+        record.ReferenceID = baseStation;
+        record.MeanCorrAge = static_cast<uint16_t>(steps(*age, 0.01));
+    }
     record.SignalInfo = usedSignals(receiver);
     record.AlertFlag = raimPassed;
     record.Latency = static_cast<uint16_t>(steps(0.012, 1e-4));

@@ -244,7 +244,8 @@ void Receiver::advance(const Epoch& epoch)
     for (const size_t i : m_candidates) {
         Channel& channel = m_channels[i];
         const Geometry view = geometry(*m_satellites[i], channel.flight);
-        if (view.direction.z >= std::sin(maskElevation / degrees)) {
+        const bool isBlocked = (m_blocked >> indexOf(m_satellites[i]->getSystem()) & 1U) != 0;
+        if (view.direction.z >= std::sin(maskElevation / degrees) && !isBlocked) {
             if (channel.number == 0) {
                 startTracking(channel, epoch);
             } else if (m_slipsPerHour > 0 && m_slips.chance(m_slipsPerHour * m_step / 3600)) {

@@ -77,6 +77,16 @@ public:
     /// All of the systems that it tracks, above the horizon and below.
     const std::vector<std::unique_ptr<Satellite>>& getSatellites() const { return m_satellites; }
     const std::vector<Sight>& getSights() const { return m_sights; }
+    /// For faults that are brought into what was measured, after the position has been found.
+    std::vector<Sight>& getSights() { return m_sights; }
+
+    /// Bits of systems that are not received from the next epoch on.
+    void setBlocked(unsigned systems) { m_blocked = systems; }
+
+    /// Age of the differential corrections that the position is computed with, seconds; nothing
+    /// without them.
+    void setCorrectionAge(std::optional<double> age) { m_correctionAge = age; }
+    std::optional<double> getCorrectionAge() const { return m_correctionAge; }
     const Solution& getSolution() const { return m_estimator.getSolution(); }
     /// Its satellites are those of getSights() that are used, in the same order.
     const Estimator& getEstimator() const { return m_estimator; }
@@ -135,6 +145,8 @@ private:
     Random m_secondNoise;
     std::vector<Channel> m_secondChannels; ///< of the second antenna, by satellite; or none
     double m_slipsPerHour;
+    unsigned m_blocked = 0;
+    std::optional<double> m_correctionAge;
     bool m_hidesSlips;
     double m_step = 0; ///< seconds since the last epoch
     Track m_track;

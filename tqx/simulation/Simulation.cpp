@@ -23,11 +23,12 @@ public:
         : m_settings(wanted), m_random(wanted.seed),
           m_log(output, wanted.damage ? std::optional<uint64_t>(~wanted.seed) : std::nullopt),
           m_receiver(m_random, wanted.track, epochAt(0).time, wanted.receiver),
-          m_pulses(wanted.pulsePeriod)
+          m_faults(wanted.faults), m_pulses(wanted.pulsePeriod)
     {
     }
 
     void run(const AfterEpoch& afterEpoch);
+    const std::vector<Fault>& getFaults() const { return m_faults.getFaults(); }
 
 private:
     Epoch epochAt(uint64_t index) const;
@@ -40,6 +41,7 @@ private:
     Random m_random;
     BlockLog m_log;
     Receiver m_receiver;
+    FaultPlan m_faults;
     CompactBlocks m_compact;
     PulseInput m_pulses;
     std::map<uint8_t, int64_t> m_sentEphemerides; ///< number of the last one by satellite
@@ -103,7 +105,7 @@ void Simulation::addBlocks(const Epoch& epoch)
         addSatellitePositions(m_log, epoch, m_receiver);
         addResiduals(m_log, epoch, m_receiver);
         addIntegrity(m_log, epoch, m_receiver);
-        addReceiverState(m_log, epoch, m_random);
+        addReceiverState(m_log, epoch, m_random, m_faults);
     }
     if (isDue(epoch, 5 * second)) {
         addText(m_log, epoch, m_random);
@@ -112,7 +114,8 @@ void Simulation::addBlocks(const Epoch& epoch)
     if (isDue(epoch, 10 * second)) {
         addTimeOffsets(m_log, epoch, m_receiver);
         addPower(m_log, epoch, m_random);
-        addCorrections(m_log, epoch, m_settings.track.start);
+        if (m_faults.areCorrectionsSent(epoch))
+            addCorrections(m_log, epoch, m_settings.track.start);
     }
 }
 
@@ -134,7 +137,12 @@ void Simulation::run(const AfterEpoch& afterEpoch)
     for (uint64_t index = 0; index < epochs && m_log.getSize() < enough; ++index) {
         const uint64_t before = m_log.getSize();
         const Epoch epoch = epochAt(index);
+        m_receiver.setBlocked(m_faults.getBlocked(epoch));
+        m_receiver.setCorrectionAge(m_faults.correctionAge(epoch));
         m_receiver.advance(epoch);
+        m_faults.apply(epoch, m_receiver.getSights());
+        if (m_faults.isSilent(epoch))
+            continue;
         addBlocks(epoch);
         if (m_settings.mixed)
             addNeighbours(epoch);
@@ -145,9 +153,12 @@ void Simulation::run(const AfterEpoch& afterEpoch)
 
 } // namespace
 
-void simulate(const SimulationSettings& settings, Buffer& output, const AfterEpoch& afterEpoch)
+std::vector<Fault> simulate(const SimulationSettings& settings, Buffer& output,
+                            const AfterEpoch& afterEpoch)
 {
-    Simulation(settings, output).run(afterEpoch);
+    Simulation simulation(settings, output);
+    simulation.run(afterEpoch);
+    return simulation.getFaults();
 }
 
 } // namespace tqx::simulation

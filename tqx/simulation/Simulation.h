@@ -1,11 +1,13 @@
 #pragma once
 
 #include "tqx/log/text/Buffer.h"
+#include "tqx/simulation/Faults.h"
 #include "tqx/simulation/Receiver.h"
 #include "tqx/simulation/Track.h"
 
 #include <cstdint>
 #include <functional>
+#include <vector>
 
 namespace tqx::simulation
 {
@@ -20,6 +22,7 @@ struct SimulationSettings {
     uint32_t towMillis = 216000000; ///< of the first epoch
     TrackSettings track;
     ReceiverSettings receiver;
+    std::vector<Fault> faults;
     double pulsePeriod = 0; ///< seconds between pulses on an event input, 0: none
     bool damage = false;
     bool almanacs = false; ///< with the almanacs of GPS, Galileo, BeiDou and QZSS
@@ -34,8 +37,8 @@ using AfterEpoch = std::function<bool(uint64_t size)>;
 /// Appends the log of a receiver: measurements, position and a sensor at every epoch, satellites
 /// and its state every second, texts, corrections and power less often, ephemerides when they are
 /// new. The same settings give the same bytes from one build.
-/// Throws DataError when a block cannot be encoded.
-void simulate(const SimulationSettings& settings, Buffer& output,
-              const AfterEpoch& afterEpoch = {});
+/// Throws DataError when a block cannot be encoded. Returns the faults with their epochs.
+std::vector<Fault> simulate(const SimulationSettings& settings, Buffer& output,
+                            const AfterEpoch& afterEpoch = {});
 
 } // namespace tqx::simulation

@@ -16,6 +16,8 @@ namespace
 
 constexpr uint32_t upTimeAtStart = 600;
 constexpr double batteryLife = 6 * 3600; ///< seconds
+constexpr unsigned interferenceBit = 15; ///< of the state
+constexpr unsigned antennaOpenBit = 8;   ///< of the errors
 
 void addFrontEnd(TQX_ReceiverStatus2_s& record, uint8_t code, double gain, Random& random)
 {
@@ -67,23 +69,41 @@ void addInputs(BlockLog& log, const Epoch& epoch, double charge, Random& random)
     log.add(epoch, record, TQX_encode_PowerStatus);
 }
 
+/// A band around L1 that pulses disturb.
+void addDisturbedBand(BlockLog& log, const Epoch& epoch)
+{
+    TQX_RFStatus_s record;
+    TQX_init_RFStatus(&record);
+    TQX_RFBand_s& band = *TQX_append_RFStatus_RFBand(&record);
+    band.Frequency = 1575420000;
+    band.Bandwidth = 2000000;
+    band.Mitigation = 2;
+    log.add(epoch, record, TQX_encode_RFStatus);
+}
+
 } // namespace
 
-void addReceiverState(BlockLog& log, const Epoch& epoch, Random& random)
+void addReceiverState(BlockLog& log, const Epoch& epoch, Random& random, const FaultPlan& faults)
 {
     // Antenna fed, week, time of week and fine time known, solution valid, corrections come in.
     constexpr uint32_t state = 1U << 0U | 1U << 3U | 1U << 4U | 1U << 5U | 1U << 7U | 1U << 8U;
+    const bool isDisturbed = faults.hasInterference(epoch);
     TQX_ReceiverStatus2_s record;
     TQX_init_ReceiverStatus2(&record);
     record.CPULoad =
         static_cast<uint8_t>(std::clamp<int64_t>(steps(31 + random.normal(3), 1), 1, 100));
     record.UpTime = upTimeAtStart + static_cast<uint32_t>(epoch.elapsed);
-    record.RxState = state;
+    record.RxState = state | (isDisturbed ? 1U << interferenceBit : 0);
+    record.RxError = faults.isAntennaOpen(epoch) ? 1U << antennaOpenBit : 0;
     record.Temperature = static_cast<uint8_t>(
         steps(44 + 3 * std::sin(2 * pi * epoch.elapsed / 7200) + random.normal(0.2), 1));
-    for (const unsigned frontEnd : {0U, 1U, 3U, 4U, 5U, 6U, 11U, 12U})
-        addFrontEnd(record, static_cast<uint8_t>(frontEnd), 36 + frontEnd % 4, random);
+    for (const unsigned frontEnd : {0U, 1U, 3U, 4U, 5U, 6U, 11U, 12U}) {
+        addFrontEnd(record, static_cast<uint8_t>(frontEnd),
+                    36 + frontEnd % 4 - (isDisturbed && frontEnd == 0 ? 11 : 0), random);
+    }
     log.add(epoch, record, TQX_encode_ReceiverStatus2);
+    if (isDisturbed)
+        addDisturbedBand(log, epoch);
 }
 
 void addPower(BlockLog& log, const Epoch& epoch, Random& random)

@@ -13,6 +13,7 @@
 #include "commands/InfoCommand.h"
 #include "commands/MergeCommand.h"
 #include "commands/ObservationsCommand.h"
+#include "commands/ReportCommand.h"
 #include "commands/RinexCommand.h"
 #include "commands/SimulateCommand.h"
 #include "commands/SplitCommand.h"
@@ -45,6 +46,7 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program)
     commands.push_back(std::make_unique<EphemeridesCommand>(program));
     commands.push_back(std::make_unique<TrackCommand>(program));
     commands.push_back(std::make_unique<EventsCommand>(program));
+    commands.push_back(std::make_unique<ReportCommand>(program));
     commands.push_back(std::make_unique<IndexCommand>(program));
     commands.push_back(std::make_unique<TypesCommand>(program));
     commands.push_back(std::make_unique<EncodeCommand>(program));

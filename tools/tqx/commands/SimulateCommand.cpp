@@ -61,6 +61,7 @@ SimulateCommand::SimulateCommand(CLI::App& program)
                    "Flip bits, cut blocks and put junk between them");
     m_app.add_flag("--compact", m_settings.compact,
                    "Send the measurements in compact blocks as well: residues between full epochs");
+    m_faults.add(m_app);
     m_app.add_flag("--mixed", m_settings.mixed,
                    "Put NMEA sentences, RTCM 3 frames and replies between the blocks");
     m_app.add_option("-o,--output", m_target, "File to write instead of standard output")
@@ -193,15 +194,18 @@ ExitStatus SimulateCommand::run()
     readReceiver();
     if (m_settings.size != 0 && m_duration->count() == 0)
         m_settings.duration = longest;
+    m_settings.faults = m_faults.get();
     refuseTerminal(m_target);
     Output output(m_target);
     Progress progress("simulated", m_settings.size);
-    simulation::simulate(m_settings, output.getBuffer(), [&](uint64_t size) {
-        progress.add(size);
-        output.commit();
-        return !interrupt::hasCome();
-    });
+    const std::vector<simulation::Fault> faults =
+        simulation::simulate(m_settings, output.getBuffer(), [&](uint64_t size) {
+            progress.add(size);
+            output.commit();
+            return !interrupt::hasCome();
+        });
     output.flush();
+    m_faults.writeTruth(faults, m_settings.week * millisPerWeek + m_settings.towMillis);
     return ExitStatus::Done;
 }
 

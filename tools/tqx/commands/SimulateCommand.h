@@ -1,6 +1,7 @@
 #pragma once
 
 #include "commands/Command.h"
+#include "options/FaultOptions.h"
 #include "tqx/simulation/Simulation.h"
 
 namespace tqx::tool
@@ -22,6 +23,7 @@ private:
     void readPosition();
 
     simulation::SimulationSettings m_settings;
+    FaultOptions m_faults;
     CLI::Option* m_duration = nullptr;
     double m_rate = 1;
     std::string m_track = "static";

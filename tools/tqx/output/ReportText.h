@@ -1,0 +1,40 @@
+#pragma once
+
+#include "tqx/gnss/quality/Quality.h"
+#include "tqx/log/text/Buffer.h"
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <string>
+#include <vector>
+
+namespace tqx::tool
+{
+
+/// The report of a log, or of several that are read as one.
+struct LogReport {
+    std::string name;
+    quality::Quality quality;
+    std::vector<std::string> failures; ///< what of the requirement does not hold
+};
+
+/// Appends a report for people: verdicts, findings, signals. Several are compared side by side,
+/// with tables as wide as `width`.
+void appendReportText(Buffer& out, const std::vector<LogReport>& reports, size_t width);
+
+/// The reports as doc/report.md describes it. `requirement` is empty for none.
+nlohmann::ordered_json reportJson(const std::vector<LogReport>& reports,
+                                  const std::string& requirement);
+
+/// Whether this build can write pages.
+bool canWritePage();
+
+/// Appends the reports as one page for a browser that needs nothing else. Only where
+/// canWritePage().
+void appendReportPage(Buffer& out, const std::vector<LogReport>& reports,
+                      const std::string& requirement);
+
+/// Whole numbers without decimals, others with as many as make sense.
+std::string figureText(double value);
+
+} // namespace tqx::tool

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "tqx/gnss/quality/Quality.h"
+#include "tqx_gnss_export.h"
+
+#include <string_view>
+
+namespace tqx::quality
+{
+
+/// A number of a report with a stable name.
+struct Figure {
+    const char* key;
+    const char* unit;                        ///< empty for counts and shares
+    const char* definition;                  ///< one line
+    double (*value)(const Quality& quality); ///< NaN when it is not known
+};
+
+/// All of them, in the order of reports.
+TQX_GNSS_API const std::vector<Figure>& figures();
+
+/// The figure of that name, null for others.
+TQX_GNSS_API const Figure* findFigure(std::string_view key);
+
+/// How an area of the data is judged.
+enum class Grade : uint8_t { Unknown, Good, Fair, Poor };
+
+/// "good"
+TQX_GNSS_API const char* nameOf(Grade grade);
+
+/// What is said of an area.
+struct Verdict {
+    const char* area = "";
+    Grade grade = Grade::Unknown;
+    std::string words;          ///< with the figures that count
+    const char* threshold = ""; ///< when it is good, and when fair
+};
+
+/// A verdict for each area, in the order of reports.
+TQX_GNSS_API std::vector<Verdict> judge(const Quality& quality);
+
+} // namespace tqx::quality
