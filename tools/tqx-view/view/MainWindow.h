@@ -1,0 +1,72 @@
+#pragma once
+
+#include "model/LogDocument.h"
+
+#include <QMainWindow>
+
+class QAction;
+class QLabel;
+class QMenu;
+class QProgressBar;
+class QTabWidget;
+
+namespace tqx::view
+{
+
+class MessagePage;
+
+/// The window of one log.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    MainWindow();
+    ~MainWindow() override;
+
+    /// Opens files as one log.
+    void open(const QStringList& paths);
+
+    /// Shows what arrives on standard input, which is kept in a temporary file. Once in a process.
+    void openStandardInput();
+
+    /// Whether what is appended to the file is shown as it comes; on for standard input.
+    void setFollowing(bool isFollowing);
+
+    LogDocument& getDocument() { return m_document; }
+    MessagePage& getMessages() { return *m_messages; }
+    QTabWidget& getTabs() { return *m_tabs; }
+
+    /// What the user had open and set when the program was last left; kept by QSettings.
+    void restoreSession(bool withFiles);
+    void saveSession() const;
+
+protected:
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void makeMenus();
+    void makeFileMenu();
+    void makeViewMenu();
+    void logOpened(bool isContinued);
+    void chooseFiles();
+    void goTo();
+    void about();
+    void addRecent(const QStringList& paths);
+    void showRecent();
+    void showState(const QString& text, bool isFault);
+
+    LogDocument m_document;
+    QTabWidget* m_tabs;
+    MessagePage* m_messages;
+    QLabel* m_state;
+    QProgressBar* m_progress;
+    QMenu* m_recent = nullptr;
+    QAction* m_follow = nullptr;
+    QAction* m_close = nullptr;
+    QAction* m_goTo = nullptr;
+};
+
+} // namespace tqx::view
