@@ -4,6 +4,7 @@
 
 #include "view/MainWindow.h"
 #include "view/MessagePage.h"
+#include "view/PlotPage.h"
 
 #include <QApplication>
 #include <QDir>
@@ -67,6 +68,7 @@ int main(int argc, char** argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     QApplication::setStyle("Fusion");
+    QApplication::setFont(QFont("DejaVu Sans", 9));
     QApplication::setOrganizationName("tqx-pictures");
     const QTemporaryDir settings;
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
@@ -85,6 +87,11 @@ int main(int argc, char** argv)
         window.open({QString::fromLocal8Bit(argv[1])});
         settle(1500);
         take("messages");
+        window.getPlots().add("TQX:MeasEpoch2:Type1:CN0", "");
+        window.getPlots().add("TQX:PVTGeodetic2:Height", "");
+        window.getPlots().add("TQX:PVTGeodetic2:NrSV", "");
+        window.getTabs().setCurrentWidget(&window.getPlots());
+        take("plots");
     }
     return 0;
 }

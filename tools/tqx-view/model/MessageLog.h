@@ -115,6 +115,10 @@ public:
     /// The bytes of a message and where its fields are. `entry` is one of this log.
     virtual MessageContent load(const MessageEntry& entry) const = 0;
 
+    /// Milliseconds from 1970-01-01 00:00 of the calendar to time 0 of the log, for axes with
+    /// dates.
+    virtual int64_t getCalendarShift() const = 0;
+
     /// A time for people; short: within a column or below an axis.
     virtual QString timeText(int64_t time, bool isShort) const = 0;
 

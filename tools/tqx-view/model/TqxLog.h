@@ -32,6 +32,8 @@ public:
                                         uint32_t firstPage = 0) const override;
     MessageContent load(const MessageEntry& entry) const override;
 
+    int64_t getCalendarShift() const override { return 315'964'800'000; }
+
     /// "2026-01-06 12:00:00.000" in GNSS time, or the time of day alone.
     QString timeText(int64_t time, bool isShort) const override;
     int64_t parseTime(const QString& text) const override;

@@ -24,7 +24,10 @@ constexpr int offsetDigits = 10;
 
 BytesView::BytesView(QWidget* parent) : QAbstractScrollArea(parent)
 {
-    setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    if (!QFontInfo(fixed).fixedPitch())
+        fixed.setFamily("monospace"); // of a desktop without a setting
+    setFont(fixed);
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(tr("Bytes"));
     viewport()->setBackgroundRole(QPalette::Base);

@@ -2,6 +2,7 @@
 
 #include "view/Colours.h"
 #include "view/MessagePage.h"
+#include "view/PlotPage.h"
 #include "view/StandardInput.h"
 
 #include <QAction>
@@ -35,14 +36,15 @@ constexpr int mostRecent = 10;
 } // namespace
 
 MainWindow::MainWindow()
-    : m_tabs(new QTabWidget(this)), m_messages(new MessagePage), m_state(new QLabel(this)),
-      m_progress(new QProgressBar(this))
+    : m_tabs(new QTabWidget(this)), m_messages(new MessagePage), m_plots(new PlotPage),
+      m_state(new QLabel(this)), m_progress(new QProgressBar(this))
 {
     setWindowTitle(tr("TQX Viewer"));
     setAcceptDrops(true);
     resize(1400, 860);
     m_tabs->setDocumentMode(true);
     m_tabs->addTab(m_messages, tr("Messages"));
+    m_tabs->addTab(m_plots, tr("Plots"));
     setCentralWidget(m_tabs);
     statusBar()->addWidget(m_state, 1);
     statusBar()->addPermanentWidget(m_progress);
@@ -63,6 +65,13 @@ MainWindow::MainWindow()
     connect(&m_document, &LogDocument::failed, this,
             [this](const QString& reason) { showState(reason, true); });
     connect(&m_document, &LogDocument::warned, this,
+            [this](const QString& reason) { showState(reason, true); });
+    connect(m_messages, &MessagePage::plotWanted, this,
+            [this](const QString& expression, const QString& identity) {
+                m_plots->add(expression, identity);
+                m_tabs->setCurrentWidget(m_plots);
+            });
+    connect(m_plots, &PlotPage::failed, this,
             [this](const QString& reason) { showState(reason, true); });
     logOpened(false);
 }
@@ -146,6 +155,7 @@ void MainWindow::logOpened(bool isContinued)
     const std::shared_ptr<const MessageLog>& log = m_document.getLog();
     m_progress->hide();
     m_messages->setLog(log, isContinued);
+    m_plots->setLog(log, isContinued);
     m_follow->setEnabled(!log || m_document.canFollow());
     m_close->setEnabled(log != nullptr);
     m_goTo->setEnabled(log != nullptr);
@@ -248,6 +258,7 @@ void MainWindow::restoreSession(bool withFiles)
     QSettings settings;
     restoreGeometry(settings.value("window/geometry").toByteArray());
     m_messages->restore(settings);
+    m_plots->restore(settings);
     m_tabs->setCurrentIndex(settings.value("window/tab", 0).toInt());
     const QStringList paths = settings.value("session/files").toStringList();
     bool areThere = !paths.isEmpty();
@@ -263,6 +274,7 @@ void MainWindow::saveSession() const
     settings.setValue("window/geometry", saveGeometry());
     settings.setValue("window/tab", m_tabs->currentIndex());
     m_messages->save(settings);
+    m_plots->save(settings);
     QStringList paths;
     for (const QString& path : m_document.getPaths()) {
         if (path != StandardInput::pathIfOpen())

@@ -14,6 +14,7 @@ namespace tqx::view
 {
 
 class MessagePage;
+class PlotPage;
 
 /// The window of one log.
 class MainWindow : public QMainWindow
@@ -35,6 +36,7 @@ public:
 
     LogDocument& getDocument() { return m_document; }
     MessagePage& getMessages() { return *m_messages; }
+    PlotPage& getPlots() { return *m_plots; }
     QTabWidget& getTabs() { return *m_tabs; }
 
     /// What the user had open and set when the program was last left; kept by QSettings.
@@ -61,6 +63,7 @@ private:
     LogDocument m_document;
     QTabWidget* m_tabs;
     MessagePage* m_messages;
+    PlotPage* m_plots;
     QLabel* m_state;
     QProgressBar* m_progress;
     QMenu* m_recent = nullptr;

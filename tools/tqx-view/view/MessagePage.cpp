@@ -244,12 +244,14 @@ void MessagePage::plotSelected()
         return;
     }
     QStringList identity;
+    if (field.name.startsWith('['))
+        identity += field.name;
     for (int parent = field.parent; parent != FieldRow::none;
          parent = rows[static_cast<size_t>(parent)].parent) {
         const FieldRow& around = rows[static_cast<size_t>(parent)];
-        const bool isElement =
-            around.field && !isNumeric(*around.field) && around.name.startsWith('[');
-        if (isElement && !around.value.isEmpty())
+        const bool isMessage = around.field->getType().getKind() == FieldKind::SubMessage;
+        const bool isGroup = around.field->isRepeated() && !around.name.startsWith('[');
+        if (isMessage && !isGroup && !around.value.isEmpty())
             identity.prepend(around.value);
     }
     Q_EMIT plotWanted(field.expression, identity.join(", "));
