@@ -5,6 +5,7 @@
 #include "view/MainWindow.h"
 #include "view/MessagePage.h"
 #include "view/PlotPage.h"
+#include "view/TimelinePage.h"
 
 #include <QApplication>
 #include <QDir>
@@ -92,6 +93,9 @@ int main(int argc, char** argv)
         window.getPlots().add("TQX:PVTGeodetic2:NrSV", "");
         window.getTabs().setCurrentWidget(&window.getPlots());
         take("plots");
+        window.getTabs().setCurrentWidget(&window.getTimeline());
+        settle(1500);
+        take("timeline");
     }
     return 0;
 }

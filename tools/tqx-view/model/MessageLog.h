@@ -88,6 +88,12 @@ public:
         uint64_t count;          ///< of messages
     };
 
+    struct Damage {
+        uint64_t offset;
+        uint64_t size;
+        QString text; ///< for people
+    };
+
     virtual ~MessageLog() = default;
     MessageLog(const MessageLog&) = delete;
     MessageLog& operator=(const MessageLog&) = delete;
@@ -111,6 +117,10 @@ public:
     /// when the filter makes no sense.
     virtual std::unique_ptr<MessageReader> find(const MessageFilter& filter,
                                                 uint32_t firstPage = 0) const = 0;
+
+    /// Stretches of the log that belong to no message and to nothing else that may be in it, in
+    /// order; at most `most` of them. None in formats that know no damage.
+    virtual std::vector<Damage> findDamage(size_t most) const;
 
     /// The bytes of a message and where its fields are. `entry` is one of this log.
     virtual MessageContent load(const MessageEntry& entry) const = 0;

@@ -1,6 +1,7 @@
 #include "model/TqxLog.h"
 
 #include "tqx/log/DataError.h"
+#include "tqx/log/index/BetweenBlocks.h"
 #include "tqx/log/index/IndexedBlocks.h"
 #include "tqx/log/inspect/Inspection.h"
 #include "tqx/log/select/Condition.h"
@@ -80,7 +81,26 @@ private:
     TQX_AnyRecord_u m_record;
 };
 
-QString latin(const std::string& text)
+class DamageList : public StreamListener
+{
+public:
+    explicit DamageList(size_t most) : m_most(most) {}
+
+    void onGap(const StreamGap& gap) override
+    {
+        if (m_damage.size() < m_most)
+            m_damage.push_back({gap.offset, gap.bytes, QString::fromStdString(gap.describe())});
+    }
+    void onUndecodable(const std::string&, const Block&, int32_t) override {}
+
+    std::vector<MessageLog::Damage> take() { return std::move(m_damage); }
+
+private:
+    size_t m_most;
+    std::vector<MessageLog::Damage> m_damage;
+};
+
+QString asText(const std::string& text)
 {
     return QString::fromStdString(text);
 }
@@ -194,7 +214,7 @@ TqxLog::TqxLog(TqxContent content) : m_content(std::move(content))
 
 QString TqxLog::getName() const
 {
-    return latin(m_content.name);
+    return asText(m_content.name);
 }
 
 std::optional<int64_t> TqxLog::getFirstTime() const
@@ -259,6 +279,13 @@ std::unique_ptr<MessageReader> TqxLog::find(const MessageFilter& filter, uint32_
     return std::make_unique<TqxReader>(*this, filter, firstPage);
 }
 
+std::vector<MessageLog::Damage> TqxLog::findDamage(size_t most) const
+{
+    DamageList damage(most);
+    reportBetweenBlocks(*m_content.index, *m_content.bytes, &damage);
+    return damage.take();
+}
+
 MessageContent TqxLog::load(const MessageEntry& entry) const
 {
     MessageContent content;
@@ -278,10 +305,10 @@ MessageContent TqxLog::load(const MessageEntry& entry) const
         content.message = record.takeMessage();
     const Inspection inspection = inspect(block);
     for (const std::string& fault : inspection.faults)
-        content.faults.push_back(latin(fault));
+        content.faults.push_back(asText(fault));
     for (const InspectionRow& row : inspection.rows) {
         if (row.field)
-            content.places.push_back({latin(row.path), row.offset, row.size, row.lowestBit(),
+            content.places.push_back({asText(row.path), row.offset, row.size, row.lowestBit(),
                                       row.bitCount(), QString::fromUtf8(row.meaning())});
     }
     return content;
@@ -289,7 +316,7 @@ MessageContent TqxLog::load(const MessageEntry& entry) const
 
 QString TqxLog::timeText(int64_t time, bool isShort) const
 {
-    QString date = latin(dateText(static_cast<GnssMillis>(time)));
+    QString date = asText(dateText(static_cast<GnssMillis>(time)));
     return isShort ? date.mid(11) : date.replace('T', ' ');
 }
 

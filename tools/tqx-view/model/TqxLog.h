@@ -30,6 +30,7 @@ public:
     /// Conditions are those of `tqx dump --where`, types may be patterns.
     std::unique_ptr<MessageReader> find(const MessageFilter& filter,
                                         uint32_t firstPage = 0) const override;
+    std::vector<Damage> findDamage(size_t most) const override;
     MessageContent load(const MessageEntry& entry) const override;
 
     int64_t getCalendarShift() const override { return 315'964'800'000; }

@@ -4,6 +4,7 @@
 #include "view/MessagePage.h"
 #include "view/PlotPage.h"
 #include "view/StandardInput.h"
+#include "view/TimelinePage.h"
 
 #include <QAction>
 #include <QApplication>
@@ -37,7 +38,7 @@ constexpr int mostRecent = 10;
 
 MainWindow::MainWindow()
     : m_tabs(new QTabWidget(this)), m_messages(new MessagePage), m_plots(new PlotPage),
-      m_state(new QLabel(this)), m_progress(new QProgressBar(this))
+      m_timeline(new TimelinePage), m_state(new QLabel(this)), m_progress(new QProgressBar(this))
 {
     setWindowTitle(tr("TQX Viewer"));
     setAcceptDrops(true);
@@ -45,6 +46,7 @@ MainWindow::MainWindow()
     m_tabs->setDocumentMode(true);
     m_tabs->addTab(m_messages, tr("Messages"));
     m_tabs->addTab(m_plots, tr("Plots"));
+    m_tabs->addTab(m_timeline, tr("Timeline"));
     setCentralWidget(m_tabs);
     statusBar()->addWidget(m_state, 1);
     statusBar()->addPermanentWidget(m_progress);
@@ -73,6 +75,16 @@ MainWindow::MainWindow()
             });
     connect(m_plots, &PlotPage::failed, this,
             [this](const QString& reason) { showState(reason, true); });
+    connect(m_timeline, &TimelinePage::failed, this,
+            [this](const QString& reason) { showState(reason, true); });
+    connect(m_timeline, &TimelinePage::timeWanted, this, [this](qlonglong time) {
+        m_tabs->setCurrentWidget(m_messages);
+        m_messages->goToTime(time);
+    });
+    connect(m_timeline, &TimelinePage::offsetWanted, this, [this](qulonglong offset) {
+        m_tabs->setCurrentWidget(m_messages);
+        m_messages->goToOffset(offset);
+    });
     logOpened(false);
 }
 
@@ -156,6 +168,7 @@ void MainWindow::logOpened(bool isContinued)
     m_progress->hide();
     m_messages->setLog(log, isContinued);
     m_plots->setLog(log, isContinued);
+    m_timeline->setLog(log);
     m_follow->setEnabled(!log || m_document.canFollow());
     m_close->setEnabled(log != nullptr);
     m_goTo->setEnabled(log != nullptr);

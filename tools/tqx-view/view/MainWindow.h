@@ -15,6 +15,7 @@ namespace tqx::view
 
 class MessagePage;
 class PlotPage;
+class TimelinePage;
 
 /// The window of one log.
 class MainWindow : public QMainWindow
@@ -37,6 +38,7 @@ public:
     LogDocument& getDocument() { return m_document; }
     MessagePage& getMessages() { return *m_messages; }
     PlotPage& getPlots() { return *m_plots; }
+    TimelinePage& getTimeline() { return *m_timeline; }
     QTabWidget& getTabs() { return *m_tabs; }
 
     /// What the user had open and set when the program was last left; kept by QSettings.
@@ -64,6 +66,7 @@ private:
     QTabWidget* m_tabs;
     MessagePage* m_messages;
     PlotPage* m_plots;
+    TimelinePage* m_timeline;
     QLabel* m_state;
     QProgressBar* m_progress;
     QMenu* m_recent = nullptr;

@@ -38,10 +38,11 @@ MessageTable::MessageTable(MessageRows& rows, QWidget* parent)
     m_header->setStretchLastSection(true);
     m_header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     const QFontMetrics metrics = fontMetrics();
-    m_header->resizeSection(Time, metrics.horizontalAdvance("2026-01-06 12:00:00.0000") + 12);
-    m_header->resizeSection(Type, metrics.horizontalAdvance("GEORawNavFrameXXXX") + 12);
-    m_header->resizeSection(Size, metrics.horizontalAdvance("Bytes__65535") + 12);
-    m_header->resizeSection(Offset, metrics.horizontalAdvance("10,000,000,000") + 12);
+    m_header->resizeSection(Time,
+                            metrics.horizontalAdvance("2026-01-06 12:00:00.000") + 2 * padding);
+    m_header->resizeSection(Type, metrics.horizontalAdvance("PVTGeodetic2Extra") + 2 * padding);
+    m_header->resizeSection(Size, metrics.horizontalAdvance("65,535") + 3 * padding);
+    m_header->resizeSection(Offset, metrics.horizontalAdvance("10,000,000,000") + 2 * padding);
     m_columns->horizontalHeaderItem(Size)->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
     m_columns->horizontalHeaderItem(Offset)->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
     setFocusPolicy(Qt::StrongFocus);

@@ -2,6 +2,7 @@
 
 #include "view/Colours.h"
 #include "view/SeriesCurve.h"
+#include "view/TimeAxis.h"
 
 #include <QComboBox>
 #include <QEvent>
@@ -12,8 +13,6 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
-#include <qwt_date_scale_draw.h>
-#include <qwt_date_scale_engine.h>
 #include <qwt_plot.h>
 #include <qwt_plot_canvas.h>
 #include <qwt_plot_grid.h>
@@ -34,6 +33,7 @@ namespace
 
 // More curves than that are not told apart in one plot by anyone.
 constexpr size_t mostCurves = 128;
+constexpr int timeLabelOverhang = 44;
 
 QString numberText(double value)
 {
@@ -54,6 +54,7 @@ PlotPanel::PlotPanel(const QString& expression, QString choice, QWidget* parent)
     connect(close, &QToolButton::clicked, this, &PlotPanel::closeWanted);
     auto* header = new QHBoxLayout;
     header->setContentsMargins(6, 2, 2, 0);
+    header->setSpacing(10);
     header->addWidget(m_title);
     header->addWidget(m_choices);
     header->addWidget(m_values, 1);
@@ -72,14 +73,7 @@ PlotPanel::PlotPanel(const QString& expression, QString choice, QWidget* parent)
     layout->addWidget(m_plot, 1);
     setMinimumHeight(120);
 
-    auto* dates = new QwtDateScaleDraw(Qt::UTC);
-    dates->setDateFormat(QwtDate::Millisecond, "hh:mm:ss.zzz");
-    dates->setDateFormat(QwtDate::Second, "hh:mm:ss");
-    dates->setDateFormat(QwtDate::Minute, "hh:mm\nyyyy-MM-dd");
-    dates->setDateFormat(QwtDate::Hour, "hh:mm\nyyyy-MM-dd");
-    dates->setDateFormat(QwtDate::Day, "yyyy-MM-dd");
-    m_plot->setAxisScaleDraw(QwtPlot::xBottom, dates);
-    m_plot->setAxisScaleEngine(QwtPlot::xBottom, new QwtDateScaleEngine(Qt::UTC));
+    useTimeAxis(*m_plot);
     m_plot->setAxisMaxMajor(QwtPlot::yLeft, 6);
     auto* grid = new QwtPlotGrid;
     grid->enableXMin(false);
@@ -209,7 +203,11 @@ void PlotPanel::updateCurves()
 
 void PlotPanel::setTimeAxisVisible(bool isVisible)
 {
-    m_plot->enableAxis(QwtPlot::xBottom, isVisible);
+    QwtScaleWidget& axis = *m_plot->axisWidget(QwtPlot::xBottom);
+    axis.scaleDraw()->enableComponent(QwtAbstractScaleDraw::Labels, isVisible);
+    // As much room as labels need beyond the ends, so that all plots are equally wide.
+    axis.setMinBorderDist(timeLabelOverhang, timeLabelOverhang);
+    m_plot->updateLayout();
 }
 
 int PlotPanel::getLabelWidth() const
