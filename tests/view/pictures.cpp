@@ -5,12 +5,15 @@
 #include "view/MainWindow.h"
 #include "view/MessagePage.h"
 #include "view/PlotPage.h"
+#include "view/SkyPage.h"
 #include "view/TimelinePage.h"
+#include "view/TrackPage.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QSettings>
+#include <QSlider>
 #include <QStyle>
 #include <QTabWidget>
 #include <QTemporaryDir>
@@ -96,6 +99,12 @@ int main(int argc, char** argv)
         window.getTabs().setCurrentWidget(&window.getTimeline());
         settle(1500);
         take("timeline");
+        window.getTabs().setCurrentWidget(&window.getSky());
+        settle(2500);
+        window.getSky().getSlider().setValue(window.getSky().getSlider().maximum() * 3 / 4);
+        take("satellites");
+        window.getTabs().setCurrentWidget(&window.getTrack());
+        take("track");
     }
     return 0;
 }

@@ -143,7 +143,7 @@ private:
         fault.time = span.from;
         fault.duration = span.to - span.from;
         fault.type = type;
-        fault.text = QObject::tr("%n message(s) missing", nullptr, static_cast<int>(missing));
+        fault.text = QObject::tr("messages missing: %1").arg(missing);
         m_data->faults.push_back(std::move(fault));
     }
 

@@ -3,8 +3,10 @@
 #include "view/Colours.h"
 #include "view/MessagePage.h"
 #include "view/PlotPage.h"
+#include "view/SkyPage.h"
 #include "view/StandardInput.h"
 #include "view/TimelinePage.h"
+#include "view/TrackPage.h"
 
 #include <QAction>
 #include <QApplication>
@@ -38,7 +40,8 @@ constexpr int mostRecent = 10;
 
 MainWindow::MainWindow()
     : m_tabs(new QTabWidget(this)), m_messages(new MessagePage), m_plots(new PlotPage),
-      m_timeline(new TimelinePage), m_state(new QLabel(this)), m_progress(new QProgressBar(this))
+      m_timeline(new TimelinePage), m_sky(new SkyPage(m_survey)), m_track(new TrackPage(m_survey)),
+      m_state(new QLabel(this)), m_progress(new QProgressBar(this))
 {
     setWindowTitle(tr("TQX Viewer"));
     setAcceptDrops(true);
@@ -47,6 +50,8 @@ MainWindow::MainWindow()
     m_tabs->addTab(m_messages, tr("Messages"));
     m_tabs->addTab(m_plots, tr("Plots"));
     m_tabs->addTab(m_timeline, tr("Timeline"));
+    m_tabs->addTab(m_sky, tr("Satellites"));
+    m_tabs->addTab(m_track, tr("Track"));
     setCentralWidget(m_tabs);
     statusBar()->addWidget(m_state, 1);
     statusBar()->addPermanentWidget(m_progress);
@@ -85,10 +90,27 @@ MainWindow::MainWindow()
         m_tabs->setCurrentWidget(m_messages);
         m_messages->goToOffset(offset);
     });
+    connect(&m_survey, &GnssSurvey::failed, this,
+            [this](const QString& reason) { showState(reason, true); });
+    connect(m_tabs, &QTabWidget::currentChanged, this, &MainWindow::surveyIfShown);
     logOpened(false);
 }
 
-MainWindow::~MainWindow() = default;
+// The pages refer to the survey, and go before it.
+MainWindow::~MainWindow()
+{
+    delete takeCentralWidget();
+}
+
+/// The log is read for satellites and positions once one of their pages is looked at.
+void MainWindow::surveyIfShown()
+{
+    const bool isShown = m_tabs->currentWidget() == m_sky || m_tabs->currentWidget() == m_track;
+    if (!isShown || m_isSurveyed)
+        return;
+    m_isSurveyed = true;
+    m_survey.setLog(m_document.getTqxLog());
+}
 
 void MainWindow::makeMenus()
 {
@@ -169,6 +191,12 @@ void MainWindow::logOpened(bool isContinued)
     m_messages->setLog(log, isContinued);
     m_plots->setLog(log, isContinued);
     m_timeline->setLog(log);
+    m_isSurveyed = log == nullptr;
+    if (!isContinued)
+        m_survey.setLog(nullptr);
+    m_sky->setHasLog(log != nullptr);
+    m_track->setHasLog(log != nullptr);
+    surveyIfShown();
     m_follow->setEnabled(!log || m_document.canFollow());
     m_close->setEnabled(log != nullptr);
     m_goTo->setEnabled(log != nullptr);

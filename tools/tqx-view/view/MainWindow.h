@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/GnssSurvey.h"
 #include "model/LogDocument.h"
 
 #include <QMainWindow>
@@ -15,7 +16,9 @@ namespace tqx::view
 
 class MessagePage;
 class PlotPage;
+class SkyPage;
 class TimelinePage;
+class TrackPage;
 
 /// The window of one log.
 class MainWindow : public QMainWindow
@@ -39,6 +42,9 @@ public:
     MessagePage& getMessages() { return *m_messages; }
     PlotPage& getPlots() { return *m_plots; }
     TimelinePage& getTimeline() { return *m_timeline; }
+    SkyPage& getSky() { return *m_sky; }
+    TrackPage& getTrack() { return *m_track; }
+    const GnssSurvey& getSurvey() const { return m_survey; }
     QTabWidget& getTabs() { return *m_tabs; }
 
     /// What the user had open and set when the program was last left; kept by QSettings.
@@ -55,6 +61,7 @@ private:
     void makeFileMenu();
     void makeViewMenu();
     void logOpened(bool isContinued);
+    void surveyIfShown();
     void chooseFiles();
     void goTo();
     void about();
@@ -63,10 +70,14 @@ private:
     void showState(const QString& text, bool isFault);
 
     LogDocument m_document;
+    GnssSurvey m_survey;
+    bool m_isSurveyed = true; ///< or is being read
     QTabWidget* m_tabs;
     MessagePage* m_messages;
     PlotPage* m_plots;
     TimelinePage* m_timeline;
+    SkyPage* m_sky;
+    TrackPage* m_track;
     QLabel* m_state;
     QProgressBar* m_progress;
     QMenu* m_recent = nullptr;

@@ -4,10 +4,11 @@
 #include "view/EmptyText.h"
 #include "view/TimeAxis.h"
 
+#include <QCoreApplication>
+#include <QHBoxLayout>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QScrollArea>
-#include <QVBoxLayout>
+#include <QScrollBar>
 
 #include <qwt_plot.h>
 #include <qwt_plot_canvas.h>
@@ -106,15 +107,17 @@ public:
 };
 
 SpanPlot::SpanPlot(QWidget* parent)
-    : QWidget(parent), m_area(new QScrollArea(this)), m_plot(new QwtPlot), m_item(new SpanItem)
+    : QWidget(parent), m_plot(new QwtPlot(this)), m_scroll(new QScrollBar(Qt::Vertical, this)),
+      m_item(new SpanItem)
 {
-    m_area->setWidget(m_plot);
-    m_area->setWidgetResizable(true);
-    m_area->setFrameStyle(QFrame::NoFrame);
-    m_area->hide();
-    auto* layout = new QVBoxLayout(this);
+    auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_area);
+    layout->setSpacing(0);
+    layout->addWidget(m_plot, 1);
+    layout->addWidget(m_scroll);
+    m_plot->hide();
+    m_scroll->hide();
+    connect(m_scroll, &QScrollBar::valueChanged, this, &SpanPlot::showVisibleRows);
     useTimeAxis(*m_plot);
     m_plot->setAutoReplot(false);
     m_item->attach(m_plot);
@@ -144,21 +147,30 @@ void SpanPlot::setRows(std::vector<Row> rows, double from, double to, double shi
     m_shift = shift;
     m_first = from;
     m_last = to;
-    const auto count = static_cast<int>(m_item->rows.size());
-    m_area->setVisible(count > 0);
-    QList<double> places;
-    for (int i = 0; i < count; ++i)
-        places.append(-i);
-    QList<double> ticks[QwtScaleDiv::NTickTypes];
-    ticks[QwtScaleDiv::MajorTick] = places;
-    m_plot->setAxisScaleDiv(QwtPlot::yLeft, QwtScaleDiv(0.5 - count, 0.5, ticks));
-    constexpr int axisHeight = 56;
-    m_plot->setMinimumHeight(count * rowHeight + axisHeight);
-    m_plot->setMaximumHeight(std::max(count, 4) * rowHeight * 2 + axisHeight);
+    m_plot->setVisible(!m_item->rows.empty());
+    showVisibleRows();
     if (isOther || m_from >= m_to)
         setRange(from, to);
     m_plot->replot();
     update();
+}
+
+/// As many rows as there is room for; the others are scrolled to.
+void SpanPlot::showVisibleRows()
+{
+    const auto count = static_cast<int>(m_item->rows.size());
+    const int visible = std::max(1, m_plot->canvas()->height() / rowHeight);
+    const QSignalBlocker silent(m_scroll);
+    m_scroll->setRange(0, std::max(0, count - visible));
+    m_scroll->setPageStep(visible);
+    m_scroll->setVisible(count > visible);
+    const int first = m_scroll->value();
+    QList<double> ticks[QwtScaleDiv::NTickTypes];
+    for (int i = first; i < std::min(count, first + visible); ++i)
+        ticks[QwtScaleDiv::MajorTick].append(-i);
+    // Few rows stay at the top instead of growing.
+    m_plot->setAxisScaleDiv(QwtPlot::yLeft, QwtScaleDiv(0.5 - first - visible, 0.5 - first, ticks));
+    m_plot->replot();
 }
 
 void SpanPlot::setRange(double from, double to)
@@ -194,13 +206,18 @@ bool SpanPlot::eventFilter(QObject* watched, QEvent* event)
     switch (event->type()) {
     case QEvent::Wheel: {
         const auto* wheel = static_cast<QWheelEvent*>(event);
-        if ((wheel->modifiers() & Qt::ControlModifier) == 0)
-            break; // scrolls the rows
+        if ((wheel->modifiers() & Qt::ControlModifier) == 0) {
+            QCoreApplication::sendEvent(m_scroll, event); // scrolls the rows
+            return true;
+        }
         const double factor = std::pow(0.999, wheel->angleDelta().y());
         const double time = timeAt(wheel->position().toPoint().x());
         setRange(time - (time - m_from) * factor, time + (m_to - time) * factor);
         return true;
     }
+    case QEvent::Resize:
+        showVisibleRows();
+        break;
     case QEvent::MouseButtonPress:
         m_isPressed = true;
         m_pressedAt = static_cast<QMouseEvent*>(event)->pos().x();

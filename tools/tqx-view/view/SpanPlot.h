@@ -6,7 +6,7 @@
 
 #include <vector>
 
-class QScrollArea;
+class QScrollBar;
 class QwtPlot;
 
 namespace tqx::view
@@ -59,11 +59,12 @@ protected:
 
 private:
     void setRange(double from, double to);
+    void showVisibleRows();
     void applyColours();
     double timeAt(int x) const;
 
-    QScrollArea* m_area;
     QwtPlot* m_plot;
+    QScrollBar* m_scroll;
     SpanItem* m_item; ///< owned by the plot
     QString m_emptyText;
     double m_shift = 0;
