@@ -78,6 +78,19 @@ private:
                 addSubMessage(field, message, i, row, name + index);
             else
                 describe(row, field, message, i);
+            placeElement(group, row, i, count);
+        }
+    }
+
+    /// An element of a run of bytes that is known only as a whole.
+    void placeElement(int group, int row, unsigned index, unsigned count)
+    {
+        const FieldRow& run = m_rows[static_cast<size_t>(group)];
+        FieldRow& element = m_rows[static_cast<size_t>(row)];
+        const uint32_t size = element.field->getType().getWidth() / 8;
+        if (element.size == 0 && size > 0 && run.size >= count * size) {
+            element.offset = run.offset + index * size;
+            element.size = size;
         }
     }
 

@@ -9,6 +9,7 @@
 
 #include <TQX_OwnedRecord.h>
 
+#include <algorithm>
 #include <exception>
 #include <map>
 #include <utility>
@@ -80,6 +81,11 @@ public:
         std::vector<Visibility> all;
         for (auto& [key, signal] : m_signals)
             all.push_back({key.first, key.second, std::move(signal.spans)});
+        // In the order in which files list the systems.
+        std::stable_sort(
+            all.begin(), all.end(), [](const Visibility& left, const Visibility& right) {
+                return systemIndex(left.satellite.system) < systemIndex(right.satellite.system);
+            });
         return all;
     }
 

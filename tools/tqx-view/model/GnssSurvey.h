@@ -80,7 +80,7 @@ public:
     bool isReading() const { return m_isReading; }
 
     static constexpr size_t mostEpochs = 2000;
-    static constexpr size_t mostPositions = 200'000;
+    static constexpr size_t mostPositions = 50'000;
     static constexpr size_t mostSpans = 500'000; ///< of all signals together
 
 Q_SIGNALS:

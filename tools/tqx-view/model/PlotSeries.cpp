@@ -9,8 +9,12 @@ namespace tqx::view
 void PlotSeries::add(double time, double value)
 {
     if (m_points.empty() || time >= m_points.back().time) {
-        if (!m_points.empty())
-            countStep(time - m_points.back().time);
+        if (!m_points.empty()) {
+            const double step = time - m_points.back().time;
+            if (isTooLong(step))
+                m_gapEnds.push_back(time);
+            countStep(step);
+        }
         m_points.push_back({time, value});
         return;
     }
@@ -31,11 +35,15 @@ void PlotSeries::countStep(double step)
         m_usualStep = step;
 }
 
+bool PlotSeries::isTooLong(double step) const
+{
+    return m_votes > 0 && step > 1.5 * m_usualStep;
+}
+
 bool PlotSeries::isGap(const PlotPoint& before, const PlotPoint& after) const
 {
-    // Of points that were thinned the neighbours are up to that much farther apart.
-    const double most = m_thinning == 1 ? 1.5 : 2.0 * m_thinning;
-    return m_votes > 0 && after.time - before.time > most * m_usualStep;
+    const auto end = std::upper_bound(m_gapEnds.begin(), m_gapEnds.end(), before.time);
+    return end != m_gapEnds.end() && *end <= after.time;
 }
 
 void PlotSeries::thin()

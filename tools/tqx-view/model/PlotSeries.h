@@ -50,10 +50,12 @@ public:
 private:
     size_t firstAt(double time) const;
     bool isGap(const PlotPoint& before, const PlotPoint& after) const;
+    bool isTooLong(double step) const;
     void countStep(double step);
 
     QString m_name;
     std::vector<PlotPoint> m_points;
+    std::vector<double> m_gapEnds; ///< times of the first points after a gap
     unsigned m_thinning = 1;
     double m_usualStep = 0; ///< that most points follow each other at
     int m_votes = 0;        ///< for the usual step, by majority

@@ -50,16 +50,14 @@ void addDots(QwtPlot& plot, const QString& title, const QVector<QPointF>& dots,
     auto* curve = new QwtPlotCurve(title);
     curve->setStyle(QwtPlotCurve::Dots);
     curve->setPen(colour, 2.4);
-    curve->setLegendAttribute(QwtPlotCurve::LegendShowBrush, true);
-    curve->setBrush(colour);
-    curve->setBaseline(0);
     curve->setSamples(dots);
     curve->attach(&plot);
 }
 
 QString metres(double value)
 {
-    return QLocale().toString(value, 'f', 3);
+    constexpr double least = 0.0005; // what is less would be shown as a negative zero
+    return QLocale().toString(std::abs(value) < least ? 0 : value, 'f', 3);
 }
 
 } // namespace
