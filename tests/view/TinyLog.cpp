@@ -82,8 +82,7 @@ private:
 
 } // namespace
 
-TinyLog::TinyLog(uint64_t count, uint32_t perPage)
-    : m_count(count), m_perPage(perPage)
+TinyLog::TinyLog(uint64_t count, uint32_t perPage) : m_count(count), m_perPage(perPage)
 {
     static const Format format;
     m_format = &format;

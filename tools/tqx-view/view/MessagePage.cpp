@@ -51,6 +51,7 @@ MessagePage::MessagePage(QWidget* parent)
       m_columns(new QSplitter(Qt::Horizontal, this)), m_details(new QSplitter(Qt::Vertical, this))
 {
     m_tree->setModel(&m_fields);
+    m_tree->setObjectName("fields");
     m_tree->setUniformRowHeights(true);
     m_tree->setAlternatingRowColors(true);
     m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
@@ -250,7 +251,8 @@ void MessagePage::plotSelected()
          parent = rows[static_cast<size_t>(parent)].parent) {
         const FieldRow& around = rows[static_cast<size_t>(parent)];
         const bool isMessage = around.field->getType().getKind() == FieldKind::SubMessage;
-        const bool isGroup = around.field->isRepeated() && !around.name.startsWith('[');
+        const bool isGroup = !around.children.empty() &&
+                             rows[static_cast<size_t>(around.children[0])].name.startsWith('[');
         if (isMessage && !isGroup && !around.value.isEmpty())
             identity.prepend(around.value);
     }

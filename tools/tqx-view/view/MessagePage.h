@@ -32,6 +32,7 @@ public:
     void setLog(const std::shared_ptr<const MessageLog>& log, bool isContinued);
 
     MessageRows& getRows() { return m_rows; }
+    const FieldTreeModel& getFields() const { return m_fields; }
     void setFilter(const MessageFilter& filter);
     void setStickingToEnd(bool isSticking);
     void goToTime(int64_t time);
