@@ -12,6 +12,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QImage>
 #include <QSettings>
 #include <QSlider>
 #include <QStyle>
@@ -85,7 +86,8 @@ int main(int argc, char** argv)
         const auto take = [&](const QString& name) {
             settle();
             const QString file = name + (isDark ? "-dark.png" : "-light.png");
-            window.grab().save(folder.filePath(file));
+            const QImage picture = window.grab().toImage();
+            picture.convertToFormat(QImage::Format_Indexed8).save(folder.filePath(file));
         };
         take("empty");
         window.open({QString::fromLocal8Bit(argv[1])});

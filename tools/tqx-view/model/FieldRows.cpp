@@ -68,7 +68,7 @@ private:
         if (isNested)
             m_rows[static_cast<size_t>(group)].value = QString::number(count);
         else
-            m_rows[static_cast<size_t>(group)].value = field.getValueString(&message);
+            m_rows[static_cast<size_t>(group)].value = field.getValueString(&message).trimmed();
         if (isText)
             return;
         for (unsigned i = 0; i < count && i < mostElements; ++i) {

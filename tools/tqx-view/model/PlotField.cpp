@@ -10,6 +10,7 @@
 #include <PathExpression.h>
 
 #include <QElapsedTimer>
+#include <QThread>
 
 #include <cmath>
 #include <exception>
@@ -38,7 +39,8 @@ namespace
 {
 
 constexpr qint64 reportEveryMillis = 250;
-constexpr size_t mostAtOnce = 200'000;
+constexpr size_t mostAtOnce = 50'000;
+constexpr int mostPending = 2; // so that the receiver is not held up, and memory is bounded
 
 /// The fields from a message down to the one that is plotted.
 std::vector<const FieldInfo*> fieldsOf(const QString& expression)
@@ -170,7 +172,8 @@ void addPlottable(const MessageInfo& info, const QString& path, int depth, QStri
 } // namespace
 
 PlotField::PlotField(QString expression, QObject* parent)
-    : QObject(parent), m_expression(std::move(expression))
+    : QObject(parent), m_expression(std::move(expression)),
+      m_pending(std::make_shared<std::atomic<int>>(0))
 {
 }
 
@@ -187,6 +190,7 @@ void PlotField::setLog(std::shared_ptr<const MessageLog> log, bool isContinued)
     const bool goesOn = isContinued && m_log && log;
     const uint32_t firstPage = goesOn ? log->pageAt(m_readTo) : 0;
     m_tasks.cancel();
+    m_pending = std::make_shared<std::atomic<int>>(0);
     ++m_generation;
     m_log = std::move(log);
     if (!goesOn) {
@@ -216,7 +220,7 @@ void PlotField::read(uint32_t firstPage)
     }
     m_unit = m_log->unitOf(*fields.back());
     m_tasks.run([this, log = m_log, fields, firstPage, readTo = m_readTo, names = m_names,
-                 type = m_expression.section(':', 1, 1),
+                 type = m_expression.section(':', 1, 1), pending = m_pending,
                  generation = m_generation](const TaskToken& token) {
         SeriesReader series(fields);
         series.know(names);
@@ -225,8 +229,16 @@ void PlotField::read(uint32_t firstPage)
         batch.readTo = readTo;
         const auto report = [&] {
             batch.newNames = series.takeNewNames();
+            while (*pending >= mostPending && !token.isCancelled())
+                QThread::msleep(1);
+            ++*pending;
             QMetaObject::invokeMethod(
-                this, [this, some = std::move(batch)] { take(some); }, Qt::QueuedConnection);
+                this,
+                [this, pending, some = std::move(batch)] {
+                    --*pending;
+                    take(some);
+                },
+                Qt::QueuedConnection);
             batch = Batch();
             batch.generation = generation;
         };

@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -43,7 +44,7 @@ public:
     bool isReading() const { return m_isReading; }
 
     /// Points of all series together that are kept at most.
-    static constexpr size_t mostPoints = 4'000'000;
+    static constexpr size_t mostPoints = 2'000'000;
 
 Q_SIGNALS:
     void changed();
@@ -64,6 +65,7 @@ private:
     uint64_t m_readTo = 0; ///< offset up to which the log was read
     bool m_isReading = false;
     unsigned m_generation = 0;
+    std::shared_ptr<std::atomic<int>> m_pending; ///< batches on their way
     TaskQueue m_tasks;
 };
 

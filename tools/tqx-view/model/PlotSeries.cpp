@@ -100,12 +100,12 @@ std::vector<PlotPoint> PlotSeries::visible(double from, double to, int pixels,
     const double perPixel = (to - from) / pixels;
     for (size_t i = begin; i < end;) {
         const double column = std::floor((m_points[i].time - from) / perPixel);
+        const double columnEnd = from + (column + 1) * perPixel;
         size_t least = i;
         size_t greatest = i;
         size_t last = i;
         const bool hasGap = i > 0 && isGap(m_points[i - 1], m_points[i]);
-        for (size_t k = i; k < end && std::floor((m_points[k].time - from) / perPixel) <= column;
-             ++k) {
+        for (size_t k = i + 1; k < end && m_points[k].time < columnEnd; ++k) {
             if (m_points[k].value < m_points[least].value)
                 least = k;
             if (m_points[k].value > m_points[greatest].value)

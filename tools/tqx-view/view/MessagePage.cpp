@@ -72,7 +72,7 @@ MessagePage::MessagePage(QWidget* parent)
     m_columns->addWidget(m_details);
     m_columns->setStretchFactor(1, 3);
     m_columns->setStretchFactor(2, 3);
-    m_columns->setSizes({210, 600, 580});
+    m_columns->setSizes({190, 540, 640});
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(6, 6, 6, 6);
     layout->addWidget(m_filterBar);

@@ -33,7 +33,7 @@ MessageTable::MessageTable(MessageRows& rows, QWidget* parent)
       m_header(new QHeaderView(Qt::Horizontal, this))
 {
     m_columns->setHorizontalHeaderLabels(
-        {tr("Time (GPS)"), tr("Type"), tr("Bytes"), tr("Offset"), tr("Description")});
+        {tr("Time"), tr("Type"), tr("Bytes"), tr("Offset"), tr("Description")});
     m_header->setModel(m_columns);
     m_header->setStretchLastSection(true);
     m_header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);

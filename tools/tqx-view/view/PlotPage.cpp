@@ -47,7 +47,7 @@ PlotPage::PlotPage(QWidget* parent)
     m_name->setCompleter(completer);
     m_name->setObjectName("plotName");
     m_name->setClearButtonEnabled(true);
-    m_name->setPlaceholderText(tr("type and field, as MeasEpoch2:Type1:CN0"));
+    m_name->setPlaceholderText(tr("type and field"));
     auto* label = new QLabel(tr("&Add a field"), this);
     label->setBuddy(m_name);
     auto* whole = new QPushButton(tr("Show &All"), this);
@@ -86,8 +86,11 @@ void PlotPage::setLog(const std::shared_ptr<const MessageLog>& log, bool isConti
         for (const QString& expression : plottableFields(*log))
             names += expression.section(':', 1);
     }
-    if (!isContinued)
+    if (!isContinued) {
         m_names->setStringList(names);
+        m_name->setPlaceholderText(names.isEmpty() ? tr("type and field")
+                                                   : tr("type and field, as %1").arg(names.last()));
+    }
     for (PlotPanel* panel : m_panels)
         panel->setLog(log, isContinued);
     if (m_isWhole || !isContinued)

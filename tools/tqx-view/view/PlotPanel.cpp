@@ -94,7 +94,14 @@ PlotPanel::PlotPanel(const QString& expression, QString choice, QWidget* parent)
         updateCurves();
         Q_EMIT changed();
     });
-    connect(&m_field, &PlotField::changed, this, &PlotPanel::fieldChanged);
+    constexpr int updateMillis = 200;
+    m_updates.setSingleShot(true);
+    m_updates.setInterval(updateMillis);
+    connect(&m_updates, &QTimer::timeout, this, &PlotPanel::fieldChanged);
+    connect(&m_field, &PlotField::changed, this, [this] {
+        if (!m_updates.isActive())
+            m_updates.start();
+    });
     connect(&m_field, &PlotField::failed, this, &PlotPanel::failed);
     applyColours();
     fieldChanged();
@@ -176,7 +183,9 @@ void PlotPanel::updateCurves()
     }
     double least = std::numeric_limits<double>::max();
     double greatest = std::numeric_limits<double>::lowest();
-    const int width = std::max(m_plot->canvas()->width(), 100);
+    // Many curves hide each other: coarser ones look the same and are drawn fast.
+    const bool areMany = shown.size() > 8;
+    const int width = std::max(m_plot->canvas()->width(), 100) / (areMany ? 4 : 1);
     for (size_t i = 0; i < shown.size(); ++i) {
         std::vector<size_t> breaks;
         const std::vector<PlotPoint> points = shown[i]->visible(m_from, m_to, width, breaks);
@@ -185,7 +194,7 @@ void PlotPanel::updateCurves()
             greatest = std::max(greatest, point.value);
         }
         m_curves[i]->setPoints(points, breaks, m_shift, width);
-        m_curves[i]->setColour(seriesColour(static_cast<int>(i), palette()));
+        m_curves[i]->setColour(seriesColour(static_cast<int>(i), palette()), areMany);
     }
     m_plot->setAxisScale(QwtPlot::xBottom, m_from + m_shift, m_to + m_shift);
     if (!m_isValueRangeSet && least <= greatest) {

@@ -2,6 +2,7 @@
 
 #include "model/PlotField.h"
 
+#include <QTimer>
 #include <QWidget>
 
 #include <memory>
@@ -98,6 +99,7 @@ private:
     bool m_isValueRangeSet = false; ///< by the user, so that it does not follow the points
     double m_dragTime = 0;
     bool m_isDragging = false;
+    QTimer m_updates; ///< so that points that come fast do not keep the window busy
 };
 
 } // namespace tqx::view

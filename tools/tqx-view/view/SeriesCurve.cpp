@@ -29,9 +29,9 @@ void SeriesCurve::setPoints(const std::vector<PlotPoint>& points, const std::vec
     setSamples(samples);
 }
 
-void SeriesCurve::setColour(const QColor& colour)
+void SeriesCurve::setColour(const QColor& colour, bool isThin)
 {
-    setPen(colour, 1.4);
+    setPen(colour, isThin ? 1 : 1.4);
     constexpr int markSize = 5;
     setSymbol(m_isSparse
                   ? new QwtSymbol(QwtSymbol::Ellipse, colour, colour, QSize(markSize, markSize))

@@ -21,7 +21,7 @@ public:
     /// `breaks` are the places before which there is a gap; times are moved by `shift`.
     void setPoints(const std::vector<PlotPoint>& points, const std::vector<size_t>& breaks,
                    double shift, int pixels);
-    void setColour(const QColor& colour);
+    void setColour(const QColor& colour, bool isThin);
 
 protected:
     void drawLines(QPainter* painter, const QwtScaleMap& xMap, const QwtScaleMap& yMap,

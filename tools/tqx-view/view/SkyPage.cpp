@@ -70,8 +70,7 @@ void SkyPage::showData()
                : m_survey.isReading() ? tr("Reading the log…")
                                       : missing;
     };
-    m_sky->setEmptyText(text(tr("This log has no directions of satellites\n"
-                                "(SatVisibility1 blocks).")));
+    m_sky->setEmptyText(text(tr("This log has no directions of satellites.")));
     m_bars->setEmptyText(text(tr("This log has no measurements.")));
     m_visibility->setEmptyText(text(tr("This log has no measurements.")));
     m_sky->setEpochs(&known.directions);
