@@ -12,7 +12,6 @@
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
-#include <QImage>
 #include <QSettings>
 #include <QSlider>
 #include <QStyle>
@@ -86,8 +85,7 @@ int main(int argc, char** argv)
         const auto take = [&](const QString& name) {
             settle();
             const QString file = name + (isDark ? "-dark.png" : "-light.png");
-            const QImage picture = window.grab().toImage();
-            picture.convertToFormat(QImage::Format_Indexed8).save(folder.filePath(file));
+            window.grab().save(folder.filePath(file));
         };
         take("empty");
         window.open({QString::fromLocal8Bit(argv[1])});
