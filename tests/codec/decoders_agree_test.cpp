@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <vector>
 
 namespace
 {
@@ -52,6 +53,31 @@ void expectInitial(const TQX_TypeLayout& type, const TQX_FieldLayout& field, con
     }
 }
 
+// What a bit range has that sums up others of its word.
+uint64_t summaryOf(const TQX_TypeLayout& type, const TQX_FieldLayout& field, uint64_t word)
+{
+    std::vector<uint64_t> values;
+    for (int i = 0; i < 32; ++i) {
+        if ((field.summed >> i & 1U) != 0) {
+            const TQX_FieldLayout& part = type.fields[field.parent + 1 + i];
+            values.push_back(masked(part, word >> part.shift));
+        }
+    }
+    const auto zeros = std::count(values.begin(), values.end(), uint64_t{0});
+    const auto all = static_cast<std::ptrdiff_t>(values.size());
+    EXPECT_NE(all, 0) << field.name;
+    switch (field.summary) {
+    case TQX_Summary::Any:
+        return zeros < all;
+    case TQX_Summary::All:
+        return zeros == 0;
+    case TQX_Summary::Neither:
+        return zeros == all;
+    default:
+        return *std::min_element(values.begin(), values.end());
+    }
+}
+
 void expectEqual(const reference::Entry& entry, const void* record, const std::string& where);
 
 // Compares one wire field, or a member split from it, with what was read of the field.
@@ -64,7 +90,9 @@ void expectEqualField(const TQX_TypeLayout& type, const TQX_FieldLayout& field,
             ? std::min<size_t>(read.values.size(), TQX_elementCount(type, field, record))
             : read.values.size();
     for (uint32_t i = 0; i < elements; ++i) {
-        const uint64_t expected = masked(field, read.values[i] >> field.shift);
+        const uint64_t expected = field.summary == TQX_Summary::None
+                                      ? masked(field, read.values[i] >> field.shift)
+                                      : summaryOf(type, field, read.values[i]);
         EXPECT_EQ(masked(field, bitsOf(field, record, i)), expected) << name << " " << i;
         if (field.kind == TQX_FieldKind::Bits && TQX_isSigned(field)) {
             const int64_t sign = int64_t{1} << (field.width - 1);

@@ -40,7 +40,7 @@ append_fields(pvt.yaml "- block: DOP2"
     "    - {name: RDOP, type: f32, precision: 2, since: 1, edition: 2, text: relative dilution of precision}")
 
 # A field after padding of earlier revisions, with padding of its own.
-replace(positioning.yaml "- block: PVTGeodetic2\n"
+replace(pvt.yaml "- block: PVTGeodetic2\n"
     "    - {name: _padding2, type: u8, count: 1, offset: 95, only: 2}"
     "    - {name: _padding2, type: u8, count: 1, offset: 95, only: 2}
     - {name: ClockQuality, type: u16, since: 3, edition: 2}
@@ -63,7 +63,7 @@ replace(measurements.yaml "- block: MeasEpoch2\n" "{name: Reserved, type: u8, of
 
 # Bytes out of reserved ones.
 replace(attitude.yaml "- block: AttEuler1\n" "    - {name: Reserved, type: u8, count: 3}"
-    "    - {name: Latency, type: u16, unit: second, scale: 0.0001, none: 65535, takes: Reserved, edition: 2}
+    "    - {name: Latency, type: u16, unit: second, scale: 0.0001, none: 65535, takes: Reserved, differs: true, edition: 2}
     - {name: Reserved, type: u8, count: 3}")
 
 # A sub-block for a block that has another already.

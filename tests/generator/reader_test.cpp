@@ -107,6 +107,45 @@ TEST(Reader, DoNotUseValuesHaveTheTypeOfTheirField)
     EXPECT_EQ(3, fieldOf("Growing", "Double").precision);
 }
 
+constexpr const char* borrowing = R"(
+registration: [A]
+fields:
+  Height: {type: f64, unit: meter, none: -2e10, text: above the ellipsoid}
+  Fine: {at: 1, symbols: no_yes}
+groups:
+  place: [Height, {name: Region, type: u16}]
+---
+- block: A
+  number: 4000
+  record: 1
+  timestamp: R
+  fields:
+    - group: place
+    - name: Status
+      type: u8
+      bits:
+        - {name: Coarse, at: 0}
+        - Fine
+        - {name: Known, at: 7, any: [Coarse, Fine]}
+)";
+
+TEST(Reader, FieldsComeFromTheDictionary)
+{
+    const Format format =
+        loadGood({{"base.yaml", readTestFile("base.yaml")}, {"borrowing.yaml", borrowing}});
+    const RecordType& type = format.types.at(0);
+    const Field& height = *findField(type, "Height");
+    EXPECT_EQ(Scalar::F64, height.type);
+    EXPECT_EQ("meter", height.unit);
+    EXPECT_EQ("above the ellipsoid", height.text);
+    EXPECT_EQ(Number(-2e10), height.doNotUse);
+    EXPECT_EQ(&height + 1, findField(type, "Region"));
+    const Field& known = *findField(type, "Known");
+    EXPECT_EQ(Summary::Any, known.summary);
+    EXPECT_EQ(3U, known.summed);
+    EXPECT_TRUE(known.isVirtual);
+}
+
 TEST(Reader, RangesOfNamedValuesCountFromTheirStart)
 {
     const std::vector<SymbolicValue>& values = synthetic().symbols.at("colour").values;

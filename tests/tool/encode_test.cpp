@@ -193,6 +193,8 @@ INSTANTIATE_TEST_SUITE_P(
         Bad{"ContradictingBits",
             R"({"block":"ReceiverStatus2","fields":{"RxState":8,"TOWKnown":1}})",
             "ReceiverStatus2.TOWKnown: contradicts RxState"},
+        Bad{"WrongSummary", R"({"block":"ReceiverTime","fields":{"WeekKnown":1,"Synchronised":1}})",
+            "ReceiverTime.Synchronised: contradicts the bits that it sums up"},
         Bad{"BitsTooLarge", R"({"block":"PVTGeodetic2","fields":{"PVTMode":16}})",
             "PVTGeodetic2.PVTMode: 16 is out of range, 0 to 15"},
         Bad{"NotInThisRevision", R"({"block":"PVTGeodetic2","fields":{"NrBases":1}})",
@@ -229,7 +231,8 @@ TEST(Encode, NothingIsDroppedAfterANull)
 
 TEST(Encode, FieldsThatDifferFromBytesAreReported)
 {
-    std::vector<std::string> lines = rawLines(runTool({"encode", "tool/data/told.jsonl"}).output);
+    std::vector<std::string> lines =
+        rawLines(runTool({"encode", "tool/data/documented.jsonl"}).output);
     json line = json::parse(lines.at(1));
     ASSERT_EQ(line["block"], "MeasEpoch2");
     const std::string block = runTool({"encode", "-"}, lines.at(1)).output;

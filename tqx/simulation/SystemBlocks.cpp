@@ -22,10 +22,27 @@ uint32_t frameStart(const SystemTime& now, uint32_t length)
     return static_cast<uint32_t>(now.second) / length * length * 1000;
 }
 
-template<typename Record>
-void fillIonosphere(Record& record, const SystemTime& now)
+/// The first satellite of a system that is in sight, or null.
+const Satellite* firstOf(const Receiver& receiver, System system)
 {
-    record.WN = now.week;
+    const auto& sights = receiver.getSights();
+    const auto sight = std::find_if(sights.begin(), sights.end(), [system](const Sight& each) {
+        return each.satellite->getSystem() == system;
+    });
+    return sight == sights.end() ? nullptr : sight->satellite;
+}
+
+/// ... which sent what is the same from all of them; 0 for none.
+uint8_t senderOf(const Receiver& receiver, System system)
+{
+    const Satellite* const sender = firstOf(receiver, system);
+    return sender == nullptr ? uint8_t{0} : sender->getSvid();
+}
+
+template<typename Record>
+void fillIonosphere(Record& record, uint8_t sender, const SystemTime& now)
+{
+    record.PRN = sender;
     record.t_tm = frameStart(now, 30);
     record.alpha_0 = static_cast<float>(klobuchar.amplitude[0]);
     record.alpha_1 = static_cast<float>(klobuchar.amplitude[1]);
@@ -37,17 +54,17 @@ void fillIonosphere(Record& record, const SystemTime& now)
     record.beta_3 = static_cast<float>(klobuchar.period[3]);
 }
 
-void addGpsPages(BlockLog& log, const Epoch& epoch)
+void addGpsPages(BlockLog& log, const Epoch& epoch, uint8_t sender)
 {
     const SystemTime now(System::Gps, epoch.time);
     TQX_GPSIon_s ionosphere;
     TQX_init_GPSIon(&ionosphere);
-    fillIonosphere(ionosphere, now);
+    fillIonosphere(ionosphere, sender, now);
     log.add(epoch, ionosphere, TQX_encode_GPSIon);
 
     TQX_GPSUtc_s utc;
     TQX_init_GPSUtc(&utc);
-    utc.WN = now.week;
+    utc.PRN = sender;
     utc.t_tm = frameStart(now, 30);
     utc.A_0 = 0;
     utc.A_1 = 0;
@@ -61,15 +78,15 @@ void addGpsPages(BlockLog& log, const Epoch& epoch)
     log.add(epoch, utc, TQX_encode_GPSUtc);
 }
 
-void addGalileoPages(BlockLog& log, const Epoch& epoch)
+void addGalileoPages(BlockLog& log, const Epoch& epoch, uint8_t sender)
 {
     const SystemTime now(System::Galileo, epoch.time);
     // Solar flux units, of a quiet year.
     TQX_GALIon_s ionosphere;
     TQX_init_GALIon(&ionosphere);
     ionosphere.Source = 1;
-    ionosphere.WN = now.week;
-    ionosphere.IODnav = 65535; // only told by the other message
+    ionosphere.SVID = sender;
+    ionosphere.IODnav = 65535; // only in the other message
     ionosphere.a_0 = 62.5F;
     ionosphere.a_1 = 0.1953125F;
     ionosphere.a_2 = 0.003662109375F;
@@ -77,7 +94,7 @@ void addGalileoPages(BlockLog& log, const Epoch& epoch)
 
     TQX_GALUtc_s utc;
     TQX_init_GALUtc(&utc);
-    utc.WN = now.week;
+    utc.SVID = sender;
     utc.t_tm = frameStart(now, 30);
     utc.A_0 = 0;
     utc.A_1 = 0;
@@ -92,7 +109,7 @@ void addGalileoPages(BlockLog& log, const Epoch& epoch)
 
     TQX_GALGstGps_s offset;
     TQX_init_GALGstGps(&offset);
-    offset.WN = now.week;
+    offset.SVID = sender;
     offset.A_0G = 0;
     offset.A_1G = 0;
     offset.t_0G = 345600;
@@ -102,12 +119,12 @@ void addGalileoPages(BlockLog& log, const Epoch& epoch)
     log.add(epoch, offset, TQX_encode_GALGstGps);
 }
 
-void addBeiDouPages(BlockLog& log, const Epoch& epoch)
+void addBeiDouPages(BlockLog& log, const Epoch& epoch, uint8_t sender)
 {
     const SystemTime now(System::BeiDou, epoch.time);
     TQX_BDSIon_s ionosphere;
     TQX_init_BDSIon(&ionosphere);
-    fillIonosphere(ionosphere, now);
+    fillIonosphere(ionosphere, sender, now);
     log.add(epoch, ionosphere, TQX_encode_BDSIon);
 
     constexpr int8_t leaps = leapSeconds - static_cast<int8_t>(beiDouDelay);
@@ -161,17 +178,14 @@ void addGlonassEphemeris(BlockLog& log, const Epoch& epoch, const Satellite& sat
 
 void addGlonassTime(BlockLog& log, const Epoch& epoch, const Receiver& receiver)
 {
-    const auto& sights = receiver.getSights();
-    const auto sight = std::find_if(sights.begin(), sights.end(), [](const Sight& s) {
-        return s.satellite->getSystem() == System::Glonass;
-    });
-    if (sight == sights.end())
+    const Satellite* const sender = firstOf(receiver, System::Glonass);
+    if (sender == nullptr)
         return;
-    const Satellite& satellite = *sight->satellite;
+    const Satellite& satellite = *sender;
     const MoscowTime now(epoch.time);
     TQX_GLOTime_s record;
     TQX_init_GLOTime(&record);
-    record.Slot = static_cast<uint8_t>(satellite.getNumber());
+    record.SVID = satellite.getSvid();
     record.FreqNr = frequencySlot(System::Glonass, satellite.getChannel());
     record.N_4 = now.fourYears;
     record.N_T = now.day;
@@ -186,10 +200,10 @@ void addGlonassTime(BlockLog& log, const Epoch& epoch, const Receiver& receiver)
 
 void addSystemPages(BlockLog& log, const Epoch& epoch, const Receiver& receiver)
 {
-    addGpsPages(log, epoch);
+    addGpsPages(log, epoch, senderOf(receiver, System::Gps));
     addGlonassTime(log, epoch, receiver);
-    addGalileoPages(log, epoch);
-    addBeiDouPages(log, epoch);
+    addGalileoPages(log, epoch, senderOf(receiver, System::Galileo));
+    addBeiDouPages(log, epoch, senderOf(receiver, System::BeiDou));
 }
 
 } // namespace tqx::simulation

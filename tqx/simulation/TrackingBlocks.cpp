@@ -90,7 +90,7 @@ void addSatellitePositions(BlockLog& log, const Epoch& epoch, const Receiver& re
         satellite.Z = rounded(position.z, 0.001);
         satellite.ClkCorr = rounded(sight.sent.clock, 1e-12);
         const SystemTime reference = referenceOf(system, epoch.time);
-        satellite.WN_oe = reference.week;
+        satellite.WNt_oe = reference.week;
         satellite.t_oe = static_cast<float>(reference.second);
         ++record.NrSVPerSystem[place[indexOf(system)]];
     }

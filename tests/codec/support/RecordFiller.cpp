@@ -77,8 +77,8 @@ private:
         for (int i = row + 1; i < type.fieldCount && type.fields[i].parent == row; ++i) {
             const TQX_FieldLayout& part = type.fields[i];
             writeUnsigned(part, record, 0,
-                          TQX_unsignedValue(type.fields[row], record) >> part.shift &
-                              (~uint64_t{0} >> (64U - part.width)));
+                          TQX_bitsOf(type.fields + row + 1, part,
+                                     TQX_unsignedValue(type.fields[row], record)));
         }
     }
 

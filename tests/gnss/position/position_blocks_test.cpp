@@ -142,8 +142,8 @@ std::vector<Case> inertialCases()
              record.GNSSMode = 4;
              record.NrSV = 17;
              record.Undulation = 44.5;
-             record.HAccuracy = 1200;
-             record.VAccuracy = 2100;
+             record.HAccuracy = 120;
+             record.VAccuracy = 210;
          },
          Fix::RtkFixed, AccuracyLevel::Percent95, 1.2, 2.1, 0, 44.5, 17, -1, true, -1},
         {"IntPVCart1",
@@ -155,7 +155,7 @@ std::vector<Case> inertialCases()
              record.Mode = 4;
              record.GNSSMode = 4;
              record.NrSV = 255;
-             record.PosAccuracy = 2500;
+             record.PosAccuracy = 250;
          },
          Fix::Estimated, AccuracyLevel::Percent95, 0, 0, 2.5, 0, -1, -1, true, -1},
     };

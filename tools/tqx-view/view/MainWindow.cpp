@@ -128,7 +128,7 @@ void MainWindow::makeFileMenu()
     connect(m_recent, &QMenu::aboutToShow, this, &MainWindow::showRecent);
     showRecent();
     m_follow = file->addAction(tr("&Follow"));
-    m_follow->setShortcut(Qt::CTRL | Qt::Key_L);
+    m_follow->setShortcut(QKeySequence("Ctrl+L"));
     m_follow->setCheckable(true);
     m_follow->setToolTip(tr("Show what is appended to the file as it comes"));
     connect(m_follow, &QAction::toggled, this, [this](bool isOn) {
@@ -145,12 +145,12 @@ void MainWindow::makeViewMenu()
     QMenu* view = menuBar()->addMenu(tr("&View"));
     for (int i = 0; i < m_tabs->count(); ++i) {
         QAction* show = view->addAction(m_tabs->tabText(i));
-        show->setShortcut(Qt::CTRL | (Qt::Key_1 + i));
+        show->setShortcut(QKeySequence(QString("Ctrl+%1").arg(i + 1)));
         connect(show, &QAction::triggered, this, [this, i] { m_tabs->setCurrentIndex(i); });
     }
     view->addSeparator();
     m_goTo = view->addAction(tr("&Go to Time or Offset…"), this, &MainWindow::goTo,
-                             Qt::CTRL | Qt::Key_G);
+                             QKeySequence("Ctrl+G"));
     view->addAction(
         tr("&Find by Condition"), this,
         [this] {

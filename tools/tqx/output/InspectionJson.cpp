@@ -68,8 +68,10 @@ Json jsonOf(const InspectionRow& row, const std::vector<uint8_t>& bytes)
     object["offset"] = row.offset;
     object["size"] = row.size;
     if (row.kind == Kind::Bits) {
-        object["lowestBit"] = row.lowestBit();
-        object["bits"] = row.bitCount();
+        if (row.bitCount() != 0) {
+            object["lowestBit"] = row.lowestBit();
+            object["bits"] = row.bitCount();
+        }
     } else if (row.kind != Kind::SubBlock && row.size != 0) {
         const uint8_t* begin = bytes.data() + row.offset;
         object["bytes"] = fmt::format("{:02x}", fmt::join(begin, begin + row.size, ""));

@@ -159,7 +159,10 @@ Observation* ObservationGatherer::add(uint8_t svid, uint8_t signal, uint8_t ante
     seen |= bit;
     m_svids.push_back(svid);
     m_evidence.emplace_back();
-    Observation& observation = m_epoch.observations.emplace_back();
+    // A copy is faster than an observation made anew, which is filled with zeros first.
+    static const Observation nothing;
+    m_epoch.observations.push_back(nothing);
+    Observation& observation = m_epoch.observations.back();
     observation.satellite = *satellite;
     observation.code = *code;
     observation.signal = signal;
@@ -225,7 +228,7 @@ void ObservationGatherer::takeFirst(const void* block)
 {
     const auto& record = as<TQX_MeasEpoch1_s>(block);
     m_epoch.clockJumps = record.CumClkJumps;
-    m_epoch.isSteered = record.ClockSteering != 0;
+    m_epoch.isSteered = record.Clock_Steering != 0;
     for (uint32_t i = 0; i < record.N; ++i) {
         const TQX_MeasEpochChannel_s& entry = record.MeasEpochChannel[i];
         Observation* observation =
@@ -245,7 +248,7 @@ void ObservationGatherer::takeFirst(const void* block)
 void ObservationGatherer::takeShort(const void* block)
 {
     const auto& record = as<TQX_ShortMeasEpoch_s>(block);
-    m_epoch.isSteered = record.ClockSteering != 0;
+    m_epoch.isSteered = record.Clock_Steering != 0;
     for (uint32_t i = 0; i < record.N; ++i) {
         const TQX_ShortMeasEpochChannel_s& entry = record.ShortMeasEpochChannel[i];
         constexpr double step = 1e-3;
@@ -294,7 +297,7 @@ void ObservationGatherer::takeCompact(uint16_t number, const void* block)
             return;
         if (begin(header, Source::Compact)) {
             m_epoch.clockJumps = record.Revision >= 1 ? record.CumClkJumps : uint8_t{0};
-            m_epoch.isSteered = record.ClockSteering != 0;
+            m_epoch.isSteered = record.Clock_Steering != 0;
             m_isE6B = record.E6BUsed != 0;
             m_isSmoothed = record.CodeSmoothing != 0;
         }
@@ -405,7 +408,7 @@ void ObservationGatherer::take(const DecodedBlock& decoded)
         if (!begin(header, Source::Generic))
             return;
         const auto& record = as<TQX_GenMeasEpoch_s>(block);
-        m_epoch.isSteered = record.ClockSteering != 0;
+        m_epoch.isSteered = record.Clock_Steering != 0;
         return takeEpoch(record, false);
     }
     case measEpoch1:

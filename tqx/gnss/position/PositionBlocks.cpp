@@ -130,7 +130,7 @@ bool read(const TQX_IntPVGeod1_s& record, Position& position)
     position.satellites = record.NrSV == 255 ? -1 : record.NrSV;
     position.undulation = known(record.Undulation);
     if (record.Revision >= 1)
-        setBounds(position, known(record.HAccuracy, 0.001), known(record.VAccuracy, 0.001));
+        setBounds(position, known(record.HAccuracy, 0.01), known(record.VAccuracy, 0.01));
     setVelocity(position, record.Vn, record.Ve, record.Vu);
     return readInertial(record, record.GNSSMode, position) &&
            setPlace(position, record.Latitude, record.Longitude, record.Height);
@@ -140,7 +140,7 @@ bool read(const TQX_IntPVCart1_s& record, Position& position)
 {
     position.satellites = record.NrSV == 255 ? -1 : record.NrSV;
     if (record.Revision >= 1)
-        setBounds(position, notKnown, notKnown, known(record.PosAccuracy, 0.001));
+        setBounds(position, notKnown, notKnown, known(record.PosAccuracy, 0.01));
     if (!readInertial(record, record.GNSSMode, position) ||
         !setEarthFixed(position, record.X, record.Y, record.Z))
         return false;
@@ -181,8 +181,8 @@ bool read(const TQX_INSNavCart1_s& record, Position& position)
         const double y = record.PosStdDev.YStdDev;
         const double z = record.PosStdDev.ZStdDev;
         if (record.Position_Cov) {
-            setVariances(position, {x * x, y * y, z * z, record.PosCov.CovXY, record.PosCov.CovXZ,
-                                    record.PosCov.CovYZ});
+            setVariances(position, {x * x, y * y, z * z, record.PosCov.Cov_XY, record.PosCov.Cov_XZ,
+                                    record.PosCov.Cov_YZ});
         } else {
             position.level = AccuracyLevel::Sigma;
             position.spatialAccuracy = std::hypot(x, y, z);

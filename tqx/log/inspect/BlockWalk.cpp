@@ -101,7 +101,7 @@ void Level::readBits(int word, uint64_t whole, uint32_t element)
 {
     for (int i = word + 1; i < m_type.fieldCount && row(i).parent == word; ++i) {
         const TQX_FieldLayout& part = row(i);
-        uint64_t value = whole >> part.shift & ~uint64_t{0} >> (64 - part.width);
+        uint64_t value = TQX_bitsOf(m_type.fields + word + 1, part, whole);
         if (element == 0)
             m_values[static_cast<size_t>(i)] = value;
         if (TQX_isSigned(part))
@@ -253,7 +253,7 @@ int32_t Level::run(const void* decoded, uint32_t length)
             readArray(i);
             continue;
         }
-        // The length of an entry covers what stands before its nested entries.
+        // The length of an entry covers what is before its nested entries.
         const bool nested = field.kind == TQX_FieldKind::Blocks || field.length >= 0;
         if (nested && m_depth != 0 && open != 0) {
             if (!closeAt(open))

@@ -37,6 +37,8 @@ std::string hex(const uint8_t* bytes, uint32_t count)
 
 std::string bitsOf(const InspectionRow& row)
 {
+    if (row.bitCount() == 0)
+        return "computed";
     return row.bitCount() == 1
                ? fmt::format("bit {}", row.lowestBit())
                : fmt::format("bits {}-{}", row.lowestBit(), row.lowestBit() + row.bitCount() - 1);

@@ -64,9 +64,16 @@ struct InspectionRow {
     const char* meaning() const { return field ? field->meaning : ""; }
 
     /// Lowest bit and number of bits of a bit range, within the value as it is stored, which is
-    /// little-endian.
-    unsigned lowestBit() const { return kind == Kind::Bits ? field->shift : 0; }
-    unsigned bitCount() const { return kind == Kind::Bits ? field->width : 0; }
+    /// little-endian; no bits for what sums up others.
+    unsigned lowestBit() const { return isPacked() ? field->shift : 0; }
+    unsigned bitCount() const { return isPacked() ? field->width : 0; }
+
+private:
+    /// What sums up other bits has none of its own.
+    bool isPacked() const
+    {
+        return kind == Kind::Bits && field->summary == Kor::MessageApi::TQX_Summary::None;
+    }
 };
 
 /// A block field by field, or the beginning of bytes that belong to none. Holds its own copy of
@@ -96,7 +103,7 @@ struct TQX_LOG_API Inspection {
     std::vector<InspectionRow> rows; ///< in the order of the bytes
     std::vector<std::string> faults; ///< what is wrong with the block and where others are
 
-    /// The innermost row that holds a byte of the block, for bits the value; none when it is behind
+    /// The innermost row that holds a byte of the block, for bits the value; none when it is after
     /// the block.
     int rowAt(uint32_t byte) const;
 };

@@ -25,7 +25,7 @@ class Object
 public:
     explicit Object(Buffer& buffer) : m_out(buffer) { m_out.append('{'); }
 
-    /// The buffer, behind the name of a member.
+    /// The buffer, after the name of a member.
     Buffer& member(const char* name)
     {
         if (!m_first)
@@ -119,6 +119,8 @@ void appendPlace(Object& object, const TQX_FieldLayout& field)
 {
     if (*field.meaning != '\0')
         object.text("description", field.meaning);
+    if (field.summary != TQX_Summary::None)
+        return;
     if (field.kind == TQX_FieldKind::Bits) {
         object.number("bit", field.shift);
     } else if (field.kind != TQX_FieldKind::Derived && field.wireOffset >= 0) {

@@ -169,6 +169,12 @@ void RecordFilling::fillBits(int word, int part)
     const TQX_FieldLayout& bits = row(part);
     const TQX_FieldLayout& field = row(word);
     const auto fillElement = [&](uint32_t index, const JsonValue& given) {
+        if (bits.summary != TQX_Summary::None) {
+            const uint64_t whole = TQX_unsignedValue(field, m_record, index);
+            if (TQX_bitsOf(&row(word + 1), bits, whole) != bitsOf(bits, given))
+                throw LineError("contradicts the bits that it sums up");
+            return;
+        }
         const uint64_t mask = ~uint64_t{0} >> (64 - bits.width);
         const uint64_t value = bitsOf(bits, given);
         const uint64_t whole = TQX_unsignedValue(field, m_record, index);
@@ -195,9 +201,11 @@ void RecordFilling::fillBits(int word, int part)
 /// The bit ranges of a packed field. Given together with the word, they must agree with it.
 void RecordFilling::fillWord(int word)
 {
-    for (int part = word + 1; part < m_plan.afterBits(word); ++part) {
-        if (isGiven(part))
-            atField(row(part), [&] { fillBits(word, part); });
+    for (const bool isSummary : {false, true}) { // these when all others are known
+        for (int part = word + 1; part < m_plan.afterBits(word); ++part) {
+            if (isGiven(part) && isSummary == (row(part).summary != TQX_Summary::None))
+                atField(row(part), [&] { fillBits(word, part); });
+        }
     }
 }
 
@@ -215,8 +223,8 @@ void RecordFilling::splitWord(int word)
     for (int i = word + 1; i < m_plan.afterBits(word); ++i) {
         const TQX_FieldLayout& part = row(i);
         const uint64_t sign = TQX_isSigned(part) ? uint64_t{1} << (part.width - 1) : 0;
-        const uint64_t value = TQX_unsignedValue(row(word), m_record) >> part.shift &
-                               ~uint64_t{0} >> (64 - part.width);
+        const uint64_t value =
+            TQX_bitsOf(&row(word + 1), part, TQX_unsignedValue(row(word), m_record));
         storeInteger(part, m_record, 0, (value ^ sign) - sign);
     }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TQX_Format.h"
 #include "TQX_Layout.h"
 #include "TQX_RecordAccess.h"
 
@@ -20,11 +21,12 @@ inline bool isNumber(const Kor::MessageApi::TQX_FieldLayout& field)
 }
 
 /// Whether a field is a bit range of such a number. Bits of the elements of an array are kept in
-/// arrays of their own.
+/// arrays of their own, and what sums up other bits in a member.
 inline bool isPartOfNumber(const Kor::MessageApi::TQX_TypeLayout& type,
                            const Kor::MessageApi::TQX_FieldLayout& field)
 {
     return field.kind == Kor::MessageApi::TQX_FieldKind::Bits &&
+           field.summary == Kor::MessageApi::TQX_Summary::None &&
            isNumber(type.fields[field.parent]);
 }
 
@@ -51,7 +53,7 @@ inline bool isContinuousTime(const Kor::MessageApi::TQX_FieldLayout& field)
            field.recordOffset == offsetof(Kor::MessageApi::TQX_MainHeader_s, TOWc) &&
            std::string_view(field.name) == "TOWc";
 }
-constexpr uint64_t noContinuousTime = 0xffffffff;
+constexpr uint64_t noContinuousTime = Kor::MessageApi::TQX_noTOW;
 
 /// The bits of an element of so many bytes.
 inline uint64_t loadWord(const void* element, uint32_t size)

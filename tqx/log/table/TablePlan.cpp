@@ -63,7 +63,9 @@ WireHead headOf(const TQX_TypeLayout& type, const RecordPlan& shown)
     WireHead head;
     head.isUsable = isLittleEndian();
     for (const RecordPlan::Member& member : shown.members) {
-        if (member.field->kind == TQX_FieldKind::Derived && !isContinuousTime(*member.field))
+        const TQX_FieldLayout& field = *member.field;
+        const bool isComputed = field.kind == TQX_FieldKind::Derived && !isContinuousTime(field);
+        if (isComputed || field.summary != TQX_Summary::None)
             head.isUsable = false;
     }
     for (int row = 0; row < type.fieldCount; ++row) {

@@ -107,10 +107,16 @@ inline double standardDeviation(double variance)
     return variance < 0 ? notAvailable : std::sqrt(variance);
 }
 
-/// Root of the sum of two horizontal variances (the distance-root-mean-square accuracy).
+/// Horizontal accuracy at 95 percent: twice the root of the sum of two variances (2DRMS).
 inline double horizontalAccuracy(double varianceA, double varianceB)
 {
-    return varianceA < 0 || varianceB < 0 ? notAvailable : std::sqrt(varianceA + varianceB);
+    return varianceA < 0 || varianceB < 0 ? notAvailable : 2 * std::sqrt(varianceA + varianceB);
+}
+
+/// Vertical accuracy at 95 percent: twice the standard deviation.
+inline double verticalAccuracy(double variance)
+{
+    return variance < 0 ? notAvailable : 2 * std::sqrt(variance);
 }
 
 /// Root of the sum of three variances (the mean radial spherical error).

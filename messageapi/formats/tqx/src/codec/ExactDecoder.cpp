@@ -103,8 +103,8 @@ void ExactDecoder::splitBits(const TQX_FieldLayout& word, uint32_t index)
     const auto row = static_cast<int16_t>(&word - m_type.fields);
     for (int i = row + 1; i < m_type.fieldCount && m_type.fields[i].parent == row; ++i) {
         const TQX_FieldLayout& part = m_type.fields[i];
-        uint64_t value = TQX_unsignedValue(word, m_record, index) >> part.shift;
-        value &= ~uint64_t{0} >> (64 - part.width);
+        uint64_t value =
+            TQX_bitsOf(m_type.fields + row + 1, part, TQX_unsignedValue(word, m_record, index));
         if (TQX_isSigned(part) && (value >> (part.width - 1)) != 0)
             value |= ~uint64_t{0} << (part.width - 1);
         writeUnsigned(part, m_record, index, value);

@@ -32,6 +32,15 @@ enum class TQX_Presence : uint8_t {
     Selected,      ///< the field `selector` of the same record equals `presenceValue`
 };
 
+/// How a bit range sums up others of the same word, instead of having bits of its own.
+enum class TQX_Summary : uint8_t {
+    None,
+    Any,     ///< 1 when one of them is not 0
+    All,     ///< 1 when each of them is not 0
+    Neither, ///< 1 when each of them is 0
+    Least,   ///< the smallest of them
+};
+
 /// One field of a record type: the facts that the table-driven engines, the tool and the field
 /// metadata share. Rows stand in the order of the field list, which is wire order.
 struct TQX_FieldLayout {
@@ -60,6 +69,8 @@ struct TQX_FieldLayout {
     uint8_t edition;               ///< of the format, that brought the field
     bool isAddition;               ///< on the wire since a later edition than that of the type: in
                                    ///< blocks of its revisions only, whoever writes them
+    TQX_Summary summary;           ///< Bits: how the value comes from others of the word
+    uint32_t summed;               ///< ... from which: bit k is the k-th row after the word
     void (*derive)(void* record);  ///< computes what derives from this field once it is read
     void* (*append)(void* record); ///< Blocks: adds an element to the array, else null
 };
@@ -99,3 +110,37 @@ TQX_CODEC_API const Kor::MessageApi::TQX_TypeLayout* TQX_layout(uint32_t recordT
 /// Record type of a block number, or 0 when no main block has it.
 TQX_CODEC_API uint32_t TQX_recordType(uint16_t blockNumber);
 }
+
+namespace Kor::MessageApi
+{
+
+/// Value of a bit range of a packed word, not sign-extended. `parts` are the rows after that of the
+/// word.
+inline uint64_t TQX_bitsOf(const TQX_FieldLayout* parts, const TQX_FieldLayout& part, uint64_t word)
+{
+    if (part.summary == TQX_Summary::None)
+        return word >> part.shift & ~uint64_t{0} >> (64 - part.width);
+    bool any = false;
+    bool all = true;
+    uint64_t least = ~uint64_t{0};
+    for (uint32_t left = part.summed; left != 0; left >>= 1U, ++parts) {
+        if ((left & 1U) == 0)
+            continue;
+        const uint64_t value = word >> parts->shift & ~uint64_t{0} >> (64 - parts->width);
+        any = any || value != 0;
+        all = all && value != 0;
+        least = value < least ? value : least;
+    }
+    switch (part.summary) {
+    case TQX_Summary::Any:
+        return any;
+    case TQX_Summary::All:
+        return all;
+    case TQX_Summary::Neither:
+        return !any;
+    default:
+        return least;
+    }
+}
+
+} // namespace Kor::MessageApi

@@ -16,6 +16,9 @@ void checkIdentities(const Format& format, Errors& errors);
 /// Who holds whom: sub-blocks without owner, levels against record-type numbers, kinds.
 void checkNesting(const Format& format, Errors& errors);
 
+/// Fields of one name that mean different things without saying so.
+void checkMeanings(const Format& format, Errors& errors);
+
 /// Names of fields, sub-fields within their words.
 void checkNames(const RecordType& type, Errors& errors);
 

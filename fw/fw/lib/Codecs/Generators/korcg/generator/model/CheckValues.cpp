@@ -31,6 +31,7 @@ public:
         if (m_field.type == Scalar::Char && m_field.scale)
             error("is a character and has no scale");
         checkSymbols();
+        checkDoNotUse();
         checkInitial();
         checkPrecision();
     }
@@ -68,6 +69,22 @@ private:
         if (wrong != values.end()) {
             error(fmt::format("is {} and cannot be {} '{}' of symbol table '{}'",
                               valueTypeName(m_field), wrong->value, wrong->name, m_field.symbols));
+        }
+    }
+
+    /// A value that means something cannot say that there is none, but where the field says that
+    /// the table has a name for that.
+    void checkDoNotUse()
+    {
+        const auto table = m_format.symbols.find(m_field.symbols);
+        if (!m_field.doNotUseNamed || table == m_format.symbols.end())
+            return;
+        for (const SymbolicValue& symbol : table->second.values) {
+            if (equals(*m_field.doNotUse, symbol.value)) {
+                error(fmt::format("cannot have the do-not-use value {}, which is '{}' of symbol "
+                                  "table '{}'; 'unnamed_none: true' would allow it",
+                                  symbol.value, symbol.name, m_field.symbols));
+            }
         }
     }
 

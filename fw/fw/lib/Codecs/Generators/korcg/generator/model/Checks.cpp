@@ -34,6 +34,7 @@ void check(const Format& format, Errors& errors)
 {
     checkIdentities(format, errors);
     checkNesting(format, errors);
+    checkMeanings(format, errors);
     for (const RecordType& type : format.types) {
         if (type.broken)
             continue;

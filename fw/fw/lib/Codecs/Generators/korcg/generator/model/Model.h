@@ -29,6 +29,8 @@ enum class FieldKind {
     Embedded
 };
 enum class Presence { Always, SinceRevision, OnlyRevision, Selected };
+/// How a sub-field sums up others of its word.
+enum class Summary { None, Any, All, Neither, Least };
 enum class Role { Unset = 0, Data = 1, Structure = 2, Reserved = 3 };
 
 using Number = std::variant<int64_t, uint64_t, double>;
@@ -53,9 +55,11 @@ struct Field {
     std::string text; ///< meaning, may be empty
     int edition = 1;  ///< that brought it
     FieldKind kind = FieldKind::Value;
-    Scalar type = Scalar::U8; ///< type of the record member (one element)
-    int width = 8;            ///< bits of one element's value
-    int shift = 0;            ///< Bits: lowest bit within the parent
+    Scalar type = Scalar::U8;        ///< type of the record member (one element)
+    int width = 8;                   ///< bits of one element's value
+    int shift = 0;                   ///< Bits: lowest bit within the parent
+    Summary summary = Summary::None; ///< Bits: computed from others of the word
+    uint32_t summed = 0;             ///< ... which: bit k is the k-th row after that of the word
     bool isHeader = false;
     bool isPadding = false;
 
@@ -95,9 +99,10 @@ struct Field {
     bool isAddition =
         false; ///< on the wire in revisions that a later edition than the type's brought
 
-    std::string hides; ///< member of the messages' base that its getter may hide, or empty
+    bool differs = false; ///< has another unit, scale or do-not-use value than its namesakes
+    std::string hides;    ///< member of the messages' base that its getter may hide, or empty
 
-    std::optional<int> toldOffset; ///< wire offset as the description tells it, to be checked
+    std::optional<int> expectedOffset; ///< wire offset that the description gives, to be checked
 
     // Filled by the numbering stage.
     int code = 0;         ///< EXT_BUFFER_OVERFLOW code, 0 for none

@@ -91,6 +91,14 @@ std::string valueTypeName(const Field& field)
     return fmt::format("{}{}", isSignedInteger(field.type) ? 'i' : 'u', field.width);
 }
 
+bool equals(const Number& number, int64_t value)
+{
+    if (const auto* whole = std::get_if<uint64_t>(&number))
+        return value >= 0 && *whole == static_cast<uint64_t>(value);
+    const auto* whole = std::get_if<int64_t>(&number);
+    return whole && *whole == value;
+}
+
 uint64_t maximumOf(const Field& field)
 {
     const int bits = isSignedInteger(field.type) ? field.width - 1 : field.width;

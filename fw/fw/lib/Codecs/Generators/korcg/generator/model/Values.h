@@ -26,6 +26,9 @@ std::string valueTypeName(const Field& field);
 /// Whether the field's value can be this number, seen as signed or unsigned by the field's type.
 bool fits(const Field& field, const Number& number);
 
+/// Whether a number is this whole number.
+bool equals(const Number& number, int64_t value);
+
 /// Largest value of an integer field.
 uint64_t maximumOf(const Field& field);
 

@@ -26,8 +26,9 @@ struct FieldDraft {
     Mention selector;
     Mention after;
     Mention takes;
-    bool roleTold = false;
-    bool virtualTold = false;
+    std::vector<Mention> summed; ///< sub-fields that this one sums up
+    bool roleGiven = false;
+    bool virtualGiven = false;
     std::vector<FieldDraft> bits; ///< sub-fields in bit order
 };
 

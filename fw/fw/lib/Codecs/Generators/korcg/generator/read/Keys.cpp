@@ -32,6 +32,13 @@ constexpr Key when = {"when", "{field: number}", "there when that field has that
 constexpr Key offset = {"offset", "bytes", "place in the block or entry, to be checked"};
 constexpr Key alwaysSent = {"always_sent", "true, false",
                             "on the wire in every revision, though it has a meaning only `since`"};
+constexpr Key field = {
+    "field", "name",
+    "in place of a name: the field in `fields`, but for the keys given here; `~` "
+    "leaves a key out. With no key to give, the bare name does"};
+constexpr Key differs = {"differs", "true, false",
+                         "whether unit, scale or do-not-use value are others than those of the "
+                         "name elsewhere"};
 constexpr Key hides = {"hides", "get...", "member of Message that its getter may hide"};
 constexpr Key unit = {"unit", "word", "one of the `units` of the format"};
 constexpr Key scale = {"scale", "number, \"a/b\"",
@@ -39,8 +46,10 @@ constexpr Key scale = {"scale", "number, \"a/b\"",
 constexpr Key precision = {"precision", "0 to 20",
                            "decimals to show; 3 for floating point if absent"};
 constexpr Key none = {"none", "number", "the value that stands for \"not available\""};
-constexpr Key unnamedNone = {"unnamed_none", "true, false",
-                             "whether that value goes without the name DoNotUse"};
+constexpr Key unnamedNone = {
+    "unnamed_none", "true, false",
+    "whether that value goes without the name DoNotUse, because its table of "
+    "named values has another one"};
 constexpr Key symbols = {"symbols", "name", "table of named values"};
 constexpr Key mask = {"mask", "true, false", "shown as a set of bits"};
 constexpr Key isVirtual = {"virtual", "true, false",
@@ -61,8 +70,8 @@ const KeyTable& formatKeys()
 {
     static const KeyTable table = {
         "the format",
-        "A document that is a map. Each key is given once in all files, but for `symbols`, which "
-        "add up.",
+        "A document that is a map. Each key is given once in all files, but for `symbols`, "
+        "`fields` and `groups`, which add up.",
         {{"format", "text", "name of the format"},
          {"units", "list of word: symbol", "units that fields may have"},
          {"scales", "list of numbers", "factors that fields may have"},
@@ -71,7 +80,12 @@ const KeyTable& formatKeys()
           "after those of an earlier one"},
          {"first_edition", "map", "totals of the first edition, which are checked"},
          {"symbols", "map of tables",
-          "tables of named values, each a map from value to name or a list of the maps below"}}};
+          "tables of named values, each a map from value to name or a list of the maps below"},
+         {"fields", "map of fields",
+          "fields and sub-fields that many blocks have, by name: maps as below without a name"},
+         {"groups", "map of lists of fields",
+          "runs of fields that many blocks have; `- group: name` stands for them in a list of "
+          "fields"}}};
     return table;
 }
 
@@ -123,9 +137,11 @@ const KeyTable& fieldKeys()
 {
     static const KeyTable table = {
         "a field",
-        "An element of `fields`: a number, text or array on the wire. A field named `_padding` and "
+        "An element of `fields` of a type: a number, text or array on the wire. A field named "
+        "`_padding` and "
         "a revision is padding.",
         {name,
+         field,
          edition,
          {"takes", "name", "reserved bytes beside it that a later edition gives to this field"},
          text,
@@ -150,6 +166,7 @@ const KeyTable& fieldKeys()
          mask,
          isVirtual,
          initial,
+         differs,
          hides}};
     return table;
 }
@@ -160,12 +177,19 @@ const KeyTable& bitsKeys()
         "a sub-field",
         "An element of `bits`. One of a later edition may lie over one that is reserved.",
         {name,
+         field,
          edition,
          text,
          role,
          identifies,
          {"at", "bit or [lowest, highest]", "where it is in the word"},
          {"signed", "true, false", "whether its highest bit is a sign"},
+         {"any", "list of names",
+          "virtual: 1 when one of these sub-fields of the word is not 0; what is in its own bits "
+          "does not matter"},
+         {"all", "list of names", "virtual: 1 when each of these is not 0"},
+         {"neither", "list of names", "virtual: 1 when each of these is 0"},
+         {"least", "list of names", "virtual: the smallest of these"},
          unit,
          scale,
          precision,
@@ -174,6 +198,7 @@ const KeyTable& bitsKeys()
          symbols,
          mask,
          isVirtual,
+         differs,
          hides}};
     return table;
 }
@@ -226,6 +251,7 @@ const KeyTable& derivedKeys()
          mask,
          isVirtual,
          initial,
+         differs,
          hides}};
     return table;
 }

@@ -2,11 +2,13 @@
 
 #include "model/Limits.h"
 #include "model/Values.h"
+#include "read/Dictionary.h"
 #include "read/Keys.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace korcg::generator
@@ -25,19 +27,27 @@ Mention mention(const YamlMap& map, std::string_view key)
 }
 
 /// Keys that every shape of a field may have.
-void readCommon(const YamlMap& map, FieldDraft& draft)
+void readCommon(const YamlMap& map, const YAML::Node& node, const Definition* definition,
+                FieldDraft& draft)
 {
     Field& field = draft.field;
     field.where = map.where();
-    field.name = map.requiredText("name");
+    if (definition == nullptr) {
+        field.name = map.requiredText("name");
+    } else {
+        field.name = node.IsMap() ? map.text("field").value_or("") : node.Scalar();
+        if (map.has("name"))
+            map.error("name", "and 'field' exclude each other");
+    }
+    field.differs = map.flag("differs").value_or(false);
     field.text = map.text("text").value_or("");
     draft.edition = map.integer("edition", 2, latestEdition);
     field.identifies = map.flag("identifies").value_or(false);
     field.hides = map.text("hides").value_or("");
-    field.toldOffset = map.integer("offset", 0, longestArray);
+    field.expectedOffset = map.integer("offset", 0, longestArray);
 
     if (const std::optional<std::string> role = map.text("role")) {
-        draft.roleTold = true;
+        draft.roleGiven = true;
         if (*role == "data") {
             field.role = Role::Data;
         } else if (*role == "structure") {
@@ -136,7 +146,7 @@ void readMetadata(const YamlMap& map, FieldDraft& draft)
     readDoNotUse(map, field);
     if (const std::optional<bool> isVirtual = map.flag("virtual")) {
         field.isVirtual = *isVirtual;
-        draft.virtualTold = true;
+        draft.virtualGiven = true;
     }
 }
 
@@ -165,11 +175,45 @@ void readBitRange(const YamlMap& map, Field& field, int wordBits)
     }
 }
 
+void readSummary(const ReadContext& context, const YamlMap& map, FieldDraft& draft)
+{
+    constexpr std::pair<std::string_view, Summary> keys[] = {{"any", Summary::Any},
+                                                             {"all", Summary::All},
+                                                             {"neither", Summary::Neither},
+                                                             {"least", Summary::Least}};
+    for (const auto& [key, summary] : keys) {
+        if (!map.has(key))
+            continue;
+        if (draft.field.summary != Summary::None)
+            context.errors.add(map.where(),
+                               "'any', 'all', 'neither' and 'least' exclude each other");
+        draft.field.summary = summary;
+        for (const YAML::Node& name : map.list(key)) {
+            if (name.IsScalar()) {
+                draft.summed.push_back({name.Scalar(), map.where(key)});
+            } else {
+                map.error(key, "must hold names");
+            }
+        }
+        if (draft.summed.empty())
+            map.error(key, "names no sub-field");
+    }
+    if (draft.field.summary == Summary::None)
+        return;
+    if (map.has("virtual"))
+        map.error("virtual", "is what a summary is anyway");
+    draft.field.isVirtual = true;
+    draft.virtualGiven = true;
+}
+
 FieldDraft readSubField(const ReadContext& context, const YAML::Node& node, int wordBits)
 {
-    const YamlMap map(context, node, bitsKeys());
+    const Definition* const definition = definitionOf(context, node);
+    if (refersToDefinition(node) && definition == nullptr)
+        return {};
+    const YamlMap map(context, node, bitsKeys(), definition);
     FieldDraft draft;
-    readCommon(map, draft);
+    readCommon(map, node, definition, draft);
     Field& field = draft.field;
     field.kind = FieldKind::Bits;
     field.width = 1;
@@ -183,17 +227,18 @@ FieldDraft readSubField(const ReadContext& context, const YAML::Node& node, int 
         map.error("signed", "goes up to 32 bits only");
     field.type = integerOf(field.width, isSigned);
     readMetadata(map, draft);
+    readSummary(context, map, draft);
     return draft;
 }
 
-void readBits(const ReadContext& context, const YamlMap& map, FieldDraft& draft)
+void readBits(const YamlMap& map, FieldDraft& draft)
 {
     if (!map.has("bits"))
         return;
     if (!isInteger(draft.field.type))
         map.error("bits", "needs an integer type");
     for (const YAML::Node& node : map.list("bits"))
-        draft.bits.push_back(readSubField(context, node, bitsOf(draft.field.type)));
+        draft.bits.push_back(readSubField(map.contextOf("bits"), node, bitsOf(draft.field.type)));
     std::stable_sort(draft.bits.begin(), draft.bits.end(),
                      [](const FieldDraft& a, const FieldDraft& b) {
                          return std::pair(a.field.shift, a.edition.value_or(1)) <
@@ -231,9 +276,12 @@ void readElements(const ReadContext& context, const YamlMap& map, FieldDraft& dr
 
 FieldDraft readWireField(const ReadContext& context, const YAML::Node& node)
 {
-    const YamlMap map(context, node, fieldKeys());
+    const Definition* const definition = definitionOf(context, node);
+    if (refersToDefinition(node) && definition == nullptr)
+        return {};
+    const YamlMap map(context, node, fieldKeys(), definition);
     FieldDraft draft;
-    readCommon(map, draft);
+    readCommon(map, node, definition, draft);
     Field& field = draft.field;
     const std::string type = map.requiredText("type");
     const bool isText = type == "text";
@@ -256,7 +304,7 @@ FieldDraft readWireField(const ReadContext& context, const YAML::Node& node)
         map.error("only", "belongs to padding, named _padding<revision>");
     readElements(context, map, draft, isText);
     readMetadata(map, draft);
-    readBits(context, map, draft);
+    readBits(map, draft);
     return draft;
 }
 
@@ -264,7 +312,7 @@ FieldDraft readSubBlockField(const ReadContext& context, const YAML::Node& node)
 {
     const YamlMap map(context, node, subBlockFieldKeys());
     FieldDraft draft;
-    readCommon(map, draft);
+    readCommon(map, node, nullptr, draft);
     readPresence(context, map, draft);
     Field& field = draft.field;
     if (map.has("blocks") && map.has("embeds"))
@@ -297,7 +345,7 @@ FieldDraft readDerivedField(const ReadContext& context, const YAML::Node& node)
 {
     const YamlMap map(context, node, derivedKeys());
     FieldDraft draft;
-    readCommon(map, draft);
+    readCommon(map, node, nullptr, draft);
     Field& field = draft.field;
     field.kind = FieldKind::Derived;
     field.function = map.requiredText("derived");
@@ -326,10 +374,12 @@ FieldDraft readDerivedField(const ReadContext& context, const YAML::Node& node)
 
 FieldDraft readField(const ReadContext& context, const YAML::Node& node)
 {
-    if (!node.IsMap()) {
-        context.error(node, "a field must be a map");
+    if (!node.IsMap() && !node.IsScalar()) {
+        context.error(node, "a field must be a map or the name of one in 'fields'");
         return {};
     }
+    if (node.IsScalar())
+        return readWireField(context, node);
     if (node["blocks"] || node["embeds"])
         return readSubBlockField(context, node);
     if (node["derived"])

@@ -1,6 +1,7 @@
 #include "read/ReadTypes.h"
 
 #include "model/Limits.h"
+#include "read/Dictionary.h"
 #include "read/Keys.h"
 #include "read/ReadFields.h"
 
@@ -50,8 +51,8 @@ TypeDraft readType(const ReadContext& context, const YAML::Node& node)
         readBlockAttributes(map, type);
     if (!map.has("fields"))
         map.error("fields", "is missing");
-    for (const YAML::Node& field : map.list("fields"))
-        draft.fields.push_back(readField(context, field));
+    for (const Definition& field : withGroups(context, map.list("fields")))
+        draft.fields.push_back(readField(field.context, field.node));
     return draft;
 }
 

@@ -1,5 +1,6 @@
 #include "read/Reader.h"
 
+#include "read/Dictionary.h"
 #include "read/Editions.h"
 #include "read/ReadFormat.h"
 #include "read/ReadTypes.h"
@@ -15,11 +16,27 @@ namespace korcg::generator
 namespace
 {
 
-void readDocuments(const Source& source, Format& format, std::vector<TypeDraft>& drafts,
-                   Errors& errors)
+/// The documents of all sources. Those that are no YAML are reported and left out.
+std::vector<Definition> loadAll(const std::vector<Source>& sources, const Dictionary& dictionary,
+                                Errors& errors)
 {
-    const ReadContext context{source.file, errors};
-    for (const YAML::Node& document : loadDocuments(source)) {
+    std::vector<Definition> documents;
+    for (const Source& source : sources) {
+        try {
+            const ReadContext context{source.file, errors, &dictionary};
+            for (const YAML::Node& document : loadDocuments(source))
+                documents.push_back({context, document});
+        } catch (const YAML::Exception& failure) {
+            errors.add({source.file, failure.mark.line + 1}, failure.msg);
+        }
+    }
+    return documents;
+}
+
+void readDocuments(const std::vector<Definition>& documents, Format& format,
+                   std::vector<TypeDraft>& drafts)
+{
+    for (const auto& [context, document] : documents) {
         if (document.IsSequence()) {
             std::vector<TypeDraft> types = readTypes(context, document);
             drafts.insert(drafts.end(), std::make_move_iterator(types.begin()),
@@ -39,13 +56,13 @@ Format readDescription(const std::vector<Source>& sources, int edition, Ledger& 
 {
     Format format;
     std::vector<TypeDraft> drafts;
-    for (const Source& source : sources) {
-        try {
-            readDocuments(source, format, drafts, errors);
-        } catch (const YAML::Exception& failure) {
-            errors.add({source.file, failure.mark.line + 1}, failure.msg);
-        }
+    Dictionary dictionary; // complete before the first type is read
+    const std::vector<Definition> documents = loadAll(sources, dictionary, errors);
+    for (const auto& [context, document] : documents) {
+        if (document.IsMap())
+            readDictionary(context, document, dictionary);
     }
+    readDocuments(documents, format, drafts);
     if (format.name.empty()) {
         errors.add({sources.empty() ? "" : sources.front().file, 0},
                    "no file tells the name of the format ('format')");

@@ -22,10 +22,8 @@ class TypeResolver
 {
 public:
     /// `mainLengths` are the names of main-block fields that sub-blocks take entry lengths from.
-    TypeResolver(TypeDraft& draft, const std::set<std::string>& mainLengths, const Format& format,
-                 Errors& errors)
-        : m_draft(draft), m_type(draft.type), m_mainLengths(mainLengths), m_format(format),
-          m_errors(errors)
+    TypeResolver(TypeDraft& draft, const std::set<std::string>& mainLengths, Errors& errors)
+        : m_draft(draft), m_type(draft.type), m_mainLengths(mainLengths), m_errors(errors)
     {
     }
 
@@ -91,10 +89,31 @@ private:
         if (!draft.sizeInMain)
             field.length = rowOf(draft.size);
         field.selector = rowOf(draft.selector);
+        for (const Mention& summed : draft.summed)
+            sumUp(field, summed);
         for (std::string& input : field.inputs)
             input = identifier(input);
         if (field.kind == FieldKind::Derived)
             field.after = draft.after ? rowOf(draft.after) : lastInput(field);
+    }
+
+    void sumUp(Field& field, const Mention& mention)
+    {
+        const int row = rowOf(mention);
+        if (row < 0)
+            return;
+        const Field& part = m_type.fields[static_cast<std::size_t>(row)];
+        if (part.parent != field.parent || part.summary != Summary::None ||
+            part.kind != FieldKind::Bits || isSigned(part.type)) {
+            m_errors.add(
+                mention.where,
+                fmt::format("{}.{} cannot sum up {}: it is no stored, unsigned part of the "
+                            "same word",
+                            m_type.name, field.name, part.name));
+            m_type.broken = true;
+            return;
+        }
+        field.summed |= uint32_t{1} << static_cast<unsigned>(row - field.parent - 1);
     }
 
     /// Shortens a reserved array by the field that stands beside it and takes its place.
@@ -190,44 +209,24 @@ private:
             field.kind == FieldKind::Blocks || field.kind == FieldKind::Embedded;
         if (holdsRecords) {
             field.role = Role::Unset;
-        } else if (draft && !draft->roleTold) {
+        } else if (draft && !draft->roleGiven) {
             field.role = field.isPadding || isStructural(row)   ? Role::Structure
                          : field.name.rfind("Reserved", 0) == 0 ? Role::Reserved
                                                                 : Role::Data;
         }
-        if (field.kind == FieldKind::Derived && draft && !draft->virtualTold)
+        if (field.kind == FieldKind::Derived && draft && !draft->virtualGiven)
             field.isVirtual = true;
         field.isAddition = field.edition > m_type.edition && field.takes.empty() && field.onWire();
         field.isOptional = field.presence != Presence::Always;
         const Field& shape =
             field.parent >= 0 ? m_type.fields[static_cast<std::size_t>(field.parent)] : field;
         field.isRepeated = shape.isArray() || shape.kind == FieldKind::Blocks;
-        field.doNotUseNamed = field.doNotUse && field.doNotUseNamed && !isNamed(field);
-    }
-
-    bool isNamed(const Field& field) const
-    {
-        const auto table = m_format.symbols.find(field.symbols);
-        if (table == m_format.symbols.end())
-            return false;
-        const auto& values = table->second.values;
-        return std::any_of(values.begin(), values.end(), [&field](const SymbolicValue& symbol) {
-            return equals(*field.doNotUse, symbol.value);
-        });
-    }
-
-    static bool equals(const Number& number, int64_t value)
-    {
-        if (const auto* whole = std::get_if<uint64_t>(&number))
-            return value >= 0 && *whole == static_cast<uint64_t>(value);
-        const auto* whole = std::get_if<int64_t>(&number);
-        return whole && *whole == value;
+        field.doNotUseNamed = field.doNotUse && field.doNotUseNamed;
     }
 
     TypeDraft& m_draft;
     RecordType& m_type;
     const std::set<std::string>& m_mainLengths;
-    const Format& m_format;
     Errors& m_errors;
     std::vector<const FieldDraft*> m_drafts; ///< per row, null for header fields
     std::map<std::string, int> m_rows;
@@ -293,7 +292,7 @@ void resolve(std::vector<TypeDraft> drafts, Format& format, Errors& errors)
 
     std::vector<MainMention> mentions;
     for (TypeDraft& draft : drafts) {
-        TypeResolver resolver(draft, mainLengths, format, errors);
+        TypeResolver resolver(draft, mainLengths, errors);
         resolver.run();
         RecordType& type = draft.type;
         for (std::size_t row = 0; row < type.fields.size(); ++row) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
 namespace korcg::generator
@@ -90,12 +91,37 @@ std::optional<double> realNumber(const YAML::Node& node)
 }
 
 YamlMap::YamlMap(const ReadContext& context, const YAML::Node& node, const KeyTable& table)
+    : YamlMap(context, node, table, nullptr)
+{
+}
+
+YamlMap::YamlMap(const ReadContext& context, const YAML::Node& node, const KeyTable& table,
+                 const Definition* definition)
     : m_context(context), m_node(node), m_what(table.what)
 {
-    if (!node.IsMap()) {
+    if (node.IsMap()) {
+        addKeys(node, table);
+    } else if (definition == nullptr) {
         m_context.error(node, fmt::format("{} must be a map", m_what));
-        return;
     }
+    if (definition == nullptr)
+        return;
+    // A node is never assigned to: that would change what the other refers to.
+    for (const auto& entry : definition->node) {
+        const std::string key = entry.first.IsScalar() ? entry.first.Scalar() : "";
+        if (table.has(key)) {
+            m_values.emplace(key, Value{entry.second, &definition->context});
+        } else {
+            definition->context.error(entry.first,
+                                      fmt::format("unknown key '{}' in {}", key, m_what));
+        }
+    }
+    for (auto value = m_values.begin(); value != m_values.end();)
+        value = value->second.node.IsNull() ? m_values.erase(value) : std::next(value);
+}
+
+void YamlMap::addKeys(const YAML::Node& node, const KeyTable& table)
+{
     for (const auto& entry : node) {
         if (!entry.first.IsScalar()) {
             m_context.error(entry.first, fmt::format("a key of {} must be a word", m_what));
@@ -104,7 +130,7 @@ YamlMap::YamlMap(const ReadContext& context, const YAML::Node& node, const KeyTa
         const std::string& key = entry.first.Scalar();
         if (!table.has(key)) {
             m_context.error(entry.first, fmt::format("unknown key '{}' in {}", key, m_what));
-        } else if (!m_values.emplace(key, entry.second).second) {
+        } else if (!m_values.emplace(key, Value{entry.second, &m_context}).second) {
             m_context.error(entry.first, fmt::format("key '{}' given twice in {}", key, m_what));
         }
     }
@@ -113,14 +139,21 @@ YamlMap::YamlMap(const ReadContext& context, const YAML::Node& node, const KeyTa
 YAML::Node YamlMap::node(std::string_view key) const
 {
     const auto found = m_values.find(key);
-    return found == m_values.end() ? YAML::Node(YAML::NodeType::Undefined) : found->second;
+    return found == m_values.end() ? YAML::Node(YAML::NodeType::Undefined) : found->second.node;
 }
 
 Location YamlMap::where(std::string_view key) const
 {
     const auto found = m_values.find(key);
-    return found == m_values.end() || found->second.IsNull() ? where()
-                                                             : m_context.at(found->second);
+    return found == m_values.end() || found->second.node.IsNull()
+               ? where()
+               : found->second.context->at(found->second.node);
+}
+
+const ReadContext& YamlMap::contextOf(std::string_view key) const
+{
+    const auto found = m_values.find(key);
+    return found == m_values.end() ? m_context : *found->second.context;
 }
 
 void YamlMap::error(std::string_view key, std::string message) const
@@ -130,7 +163,7 @@ void YamlMap::error(std::string_view key, std::string message) const
 
 void YamlMap::missing(std::string_view key) const
 {
-    if (m_node.IsMap() && !has(key))
+    if ((m_node.IsMap() || !m_values.empty()) && !has(key))
         m_context.errors.add(where(), fmt::format("'{}' of {} is missing", key, m_what));
 }
 

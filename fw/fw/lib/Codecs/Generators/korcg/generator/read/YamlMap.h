@@ -14,13 +14,22 @@
 namespace korcg::generator
 {
 
+struct Dictionary;
+
 /// What every reading function needs: the file being read and where to report.
 struct ReadContext {
     std::string file;
     Errors& errors;
+    const Dictionary* dictionary; ///< what elements of field lists may refer to
 
     Location at(const YAML::Node& node) const;
     void error(const YAML::Node& node, std::string message) const;
+};
+
+/// A piece of YAML with the file that it is in.
+struct Definition {
+    ReadContext context;
+    YAML::Node node;
 };
 
 /// A whole number: decimal or 0x, with an optional minus sign.
@@ -46,6 +55,10 @@ public:
     /// Keys that are not in the table, and keys given twice, are reported at once; so is a node
     /// that is no map.
     YamlMap(const ReadContext& context, const YAML::Node& node, const KeyTable& table);
+    /// A node that refers to a definition: it has the keys of the definition, but for those that it
+    /// gives itself; `~` leaves one out. The node may be the bare name of the definition.
+    YamlMap(const ReadContext& context, const YAML::Node& node, const KeyTable& table,
+            const Definition* definition);
 
     bool has(std::string_view key) const { return m_values.find(key) != m_values.end(); }
     /// Value of a key, or an undefined node.
@@ -53,6 +66,8 @@ public:
     /// Where the value of the key stands, or the map when the key is absent.
     Location where(std::string_view key) const;
     Location where() const { return m_context.at(m_node); }
+    /// The context of the value of a key, which is another one when the definition has it.
+    const ReadContext& contextOf(std::string_view key) const;
 
     std::optional<std::string> text(std::string_view key) const;
     /// Reports an absent key too; empty when absent or wrong.
@@ -67,12 +82,18 @@ public:
     void error(std::string_view key, std::string message) const;
 
 private:
+    void addKeys(const YAML::Node& node, const KeyTable& table);
     void missing(std::string_view key) const;
+
+    struct Value {
+        YAML::Node node;
+        const ReadContext* context;
+    };
 
     const ReadContext& m_context;
     YAML::Node m_node;
     std::string m_what;
-    std::map<std::string, YAML::Node, std::less<>> m_values;
+    std::map<std::string, Value, std::less<>> m_values;
 };
 
 } // namespace korcg::generator

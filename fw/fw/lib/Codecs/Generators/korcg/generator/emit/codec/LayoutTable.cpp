@@ -116,12 +116,29 @@ int subRecordType(const Format& format, const Field& field)
     return sub == nullptr ? 0 : sub->record;
 }
 
+std::string_view summaryName(Summary summary)
+{
+    switch (summary) {
+    case Summary::Any:
+        return "Any";
+    case Summary::All:
+        return "All";
+    case Summary::Neither:
+        return "Neither";
+    case Summary::Least:
+        return "Least";
+    case Summary::None:
+        break;
+    }
+    return "None";
+}
+
 constexpr std::string_view fieldLegend = R"(    // name, meaning,
     //     code, recordOffset, wireOffset, recordType, elements, presenceValue, parent, selector,
     //     count, length,
     //     kind, type, presence,
     //     width, shift, lengthInMain, alwaysSent, countsBytes, isPadding, edition, isAddition,
-    //     derive, append
+    //     summary, summed, derive, append
 )";
 
 constexpr std::string_view typeLegend =
@@ -137,13 +154,14 @@ std::string rowText(const Format& format, const RecordType& type, int index)
     return fmt::format(
         "    {{{}, {},\n        {}, offsetof({}, {}), {}, {}, {}, {}, {}, {}, {}, {},\n"
         "        TQX_FieldKind::{}, TQX_MemberType::{}, TQX_Presence::{},\n"
-        "        {}, {}, {}, {}, {}, {}, {}, {}, {}, {}}},\n",
+        "        {}, {}, {}, {}, {}, {}, {}, {}, TQX_Summary::{}, {:#x}, {}, {}}},\n",
         literal(field.name), literal(field.text), field.code, recordName(type),
         identifier(field.name), field.wireOffset, subRecordType(format, field), field.elements,
         field.presenceValue, field.parent, field.selector, field.count, field.length,
         kindName(field.kind), typeName(field), presenceName(field.presence), field.width,
         field.shift, field.lengthInMain, field.alwaysSent, field.countsBytes, field.isPadding,
-        field.edition, field.isAddition, deriveOf(type, index), appendOf(type, field));
+        field.edition, field.isAddition, summaryName(field.summary), field.summed,
+        deriveOf(type, index), appendOf(type, field));
 }
 
 // The assertion that a sub-block makes on the kind of the main block above it, and which record

@@ -43,6 +43,39 @@ std::string_view loadName(Scalar type)
     return "";
 }
 
+// What a sub-field has that sums up others of its word.
+std::string summaryOf(const RecordType& type, const Field& part, std::string_view index)
+{
+    const std::string word =
+        "record." + identifier(row(type, part.parent).name) + std::string(index);
+    uint64_t all = 0;
+    std::string each;  // whether each of them is not 0
+    std::string least; // the smallest
+    bool isBits = true;
+    for (std::size_t bit = 0; bit < 32; ++bit) {
+        if ((part.summed >> bit & 1U) == 0)
+            continue;
+        const Field& one = row(type, part.parent + 1 + static_cast<int>(bit));
+        const uint64_t mask = ((uint64_t{1} << one.width) - 1) << one.shift;
+        const std::string member = fmt::format("record.{}{}", identifier(one.name), index);
+        all |= mask;
+        isBits = isBits && one.width == 1;
+        each += fmt::format("{}({} & {:#x}U) != 0", each.empty() ? "" : " && ", word, mask);
+        least = least.empty() ? member : fmt::format("std::min({}, {})", least, member);
+    }
+    switch (part.summary) {
+    case Summary::Least:
+        return least;
+    case Summary::All:
+        return isBits ? fmt::format("({} & {:#x}U) == {:#x}U ? 1 : 0", word, all, all)
+                      : each + " ? 1 : 0";
+    case Summary::Neither:
+        return fmt::format("({} & {:#x}U) == 0 ? 1 : 0", word, all);
+    default:
+        return fmt::format("({} & {:#x}U) != 0 ? 1 : 0", word, all);
+    }
+}
+
 // Statements that split a packed word into its members; `index` is "" or "[i]".
 std::string splitStatements(const RecordType& type, int wordRow, std::string_view index,
                             std::string_view indent)
@@ -51,6 +84,8 @@ std::string splitStatements(const RecordType& type, int wordRow, std::string_vie
     for (std::size_t i = static_cast<std::size_t>(wordRow) + 1;
          i < type.fields.size() && type.fields[i].parent == wordRow; ++i) {
         const Field& part = type.fields[i];
+        if (part.summary != Summary::None)
+            continue;
         const std::string word =
             fmt::format("record.{}{}", identifier(row(type, wordRow).name), index);
         std::string value;
@@ -64,6 +99,13 @@ std::string splitStatements(const RecordType& type, int wordRow, std::string_vie
         }
         text += fmt::format("{}record.{}{} = static_cast<{}>({});\n", indent, identifier(part.name),
                             index, memberType(part.type), value);
+    }
+    for (const Field& part : type.fields) {
+        if (part.parent == wordRow && part.summary != Summary::None) {
+            text +=
+                fmt::format("{}record.{}{} = static_cast<{}>({});\n", indent, identifier(part.name),
+                            index, memberType(part.type), summaryOf(type, part, index));
+        }
     }
     return text;
 }

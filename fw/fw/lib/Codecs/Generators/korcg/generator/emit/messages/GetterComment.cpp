@@ -45,6 +45,8 @@ std::string shapeText(const RecordType& type, const Field& field)
     if (field.kind != FieldKind::Bits)
         return "";
     const std::string& word = type.fields[static_cast<size_t>(field.parent)].name;
+    if (field.summary != Summary::None)
+        return "computed from other bits of " + word;
     if (field.width == 1)
         return fmt::format("bit {} of {}", field.shift, word);
     return fmt::format("bits {} to {} of {}", field.shift, field.shift + field.width - 1, word);

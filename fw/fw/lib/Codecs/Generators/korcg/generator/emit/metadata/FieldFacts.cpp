@@ -62,6 +62,8 @@ std::string typeText(const RecordType& type, const Field& field)
         return element;
     case FieldKind::Bits: {
         const std::string& parent = type.fields[static_cast<size_t>(field.parent)].name;
+        if (field.summary != Summary::None)
+            return fmt::format("{}, computed from others of {}", element, parent);
         if (field.width == 1)
             return fmt::format("{}, bit {} of {}", element, field.shift, parent);
         return fmt::format("{}, bits {} to {} of {}", element, field.shift,

@@ -59,6 +59,8 @@ std::string typeText(const RecordType& type, const Field& field)
     if (field.kind == FieldKind::Blocks || field.kind == FieldKind::Embedded)
         return linkTo(field.subType) + (field.kind == FieldKind::Blocks ? "[]" : "");
     if (field.kind == FieldKind::Bits) {
+        if (field.summary != Summary::None)
+            return "computed";
         return field.width == 1
                    ? fmt::format("bit {}", field.shift)
                    : fmt::format("bits {}-{}{}", field.shift, field.shift + field.width - 1,
