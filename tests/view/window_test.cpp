@@ -45,19 +45,19 @@ protected:
     Window()
     {
         QSettings().clear();
-        window.show();
+        m_window.show();
     }
 
     void open(const QByteArray& content)
     {
-        window.open({writeFile(folder, "log.tqx", content)});
-        ASSERT_TRUE(waitFor([&] { return window.getDocument().getLog() != nullptr; }));
+        m_window.open({writeFile(m_folder, "log.tqx", content)});
+        ASSERT_TRUE(waitFor([&] { return m_window.getDocument().getLog() != nullptr; }));
     }
 
-    MessageTable& table() { return *window.findChild<MessageTable*>(); }
-    QTreeView& tree() { return *window.findChild<QTreeView*>("fields"); }
-    BytesView& bytes() { return *window.findChild<BytesView*>(); }
-    const FieldTreeModel& fields() { return window.getMessages().getFields(); }
+    MessageTable& table() { return *m_window.findChild<MessageTable*>(); }
+    QTreeView& tree() { return *m_window.findChild<QTreeView*>("fields"); }
+    BytesView& bytes() { return *m_window.findChild<BytesView*>(); }
+    const FieldTreeModel& fields() { return m_window.getMessages().getFields(); }
 
     /// Waits until a field of that path is in the tree, and selects it.
     void selectField(const QString& path)
@@ -68,24 +68,24 @@ protected:
 
     void type(const char* name, const char* text)
     {
-        auto* edit = window.findChild<QLineEdit*>(name);
+        auto* edit = m_window.findChild<QLineEdit*>(name);
         ASSERT_TRUE(edit);
         edit->clear();
         QTest::keyClicks(edit, text);
         QTest::keyClick(edit, Qt::Key_Return);
     }
 
-    uint64_t rows() { return window.getMessages().getRows().getCount(); }
+    uint64_t rows() { return m_window.getMessages().getRows().getCount(); }
 
-    QTemporaryDir folder;
-    MainWindow window;
+    QTemporaryDir m_folder;
+    MainWindow m_window;
 };
 
 TEST_F(Window, SelectingAFieldMarksItsBytesAndTheOtherWayRound)
 {
     open(simulatedLog(2));
     type("condition", "has Latitude and has NrSV");
-    ASSERT_TRUE(waitFor([&] { return !window.getMessages().getRows().isSearching(); }));
+    ASSERT_TRUE(waitFor([&] { return !m_window.getMessages().getRows().isSearching(); }));
     selectField("Latitude");
     EXPECT_EQ(bytes().getMarkedOffset(), 16U);
     EXPECT_EQ(bytes().getMarkedSize(), 8U);
@@ -104,7 +104,7 @@ TEST_F(Window, FiltersByTypeTimeAndCondition)
 {
     open(simulatedLog(10));
     const uint64_t all = rows();
-    auto& types = *window.findChild<TypeList*>();
+    auto& types = *m_window.findChild<TypeList*>();
     const QList<QTreeWidgetItem*> found = types.findItems("PVTGeodetic2", Qt::MatchExactly);
     ASSERT_EQ(found.size(), 1);
     types.setCurrentItem(found[0]);
@@ -114,7 +114,7 @@ TEST_F(Window, FiltersByTypeTimeAndCondition)
     type("condition", "NrSV > 1000");
     EXPECT_TRUE(waitFor([&] { return rows() == 0; }));
     type("condition", "NrSV > ");
-    auto* error = window.findChild<QLabel*>("filterError");
+    auto* error = m_window.findChild<QLabel*>("filterError");
     EXPECT_TRUE(waitFor([&] { return error->isVisible() && !error->text().isEmpty(); }));
     type("condition", "");
     type("from", "");
@@ -127,11 +127,11 @@ TEST_F(Window, PlotsTheFieldThatIsSelectedAndZooms)
 {
     open(simulatedLog(10));
     type("condition", "any(Type1: SVID like \"G*\")");
-    ASSERT_TRUE(waitFor([&] { return !window.getMessages().getRows().isSearching(); }));
+    ASSERT_TRUE(waitFor([&] { return !m_window.getMessages().getRows().isSearching(); }));
     selectField("Type1[1].CN0");
     QTest::keyClick(&tree(), Qt::Key_Return);
-    PlotPage& plots = window.getPlots();
-    ASSERT_EQ(window.getTabs().currentWidget(), &plots);
+    PlotPage& plots = m_window.getPlots();
+    ASSERT_EQ(m_window.getTabs().currentWidget(), &plots);
     ASSERT_EQ(plots.getPanels().size(), 1U);
     PlotPanel& panel = *plots.getPanels()[0];
     ASSERT_TRUE(waitFor([&] { return !panel.getField().isReading(); }));
@@ -158,12 +158,12 @@ TEST_F(Window, PlotsTheFieldThatIsSelectedAndZooms)
 TEST_F(Window, ExportsPicturesDrawingsAndTables)
 {
     open(simulatedLog(5));
-    PlotPage& plots = window.getPlots();
-    EXPECT_FALSE(plots.exportTo(folder.filePath("nothing.png")));
+    PlotPage& plots = m_window.getPlots();
+    EXPECT_FALSE(plots.exportTo(m_folder.filePath("nothing.png")));
     plots.add("TQX:PVTGeodetic2:Height", "");
     ASSERT_TRUE(waitFor([&] { return !plots.getPanels()[0]->getField().isReading(); }));
-    ASSERT_TRUE(plots.exportTo(folder.filePath("plot.png")));
-    const QImage picture(folder.filePath("plot.png"));
+    ASSERT_TRUE(plots.exportTo(m_folder.filePath("plot.png")));
+    const QImage picture(m_folder.filePath("plot.png"));
     ASSERT_FALSE(picture.isNull());
     QSet<QRgb> colours;
     for (int y = 0; y < picture.height(); y += 2) {
@@ -172,37 +172,37 @@ TEST_F(Window, ExportsPicturesDrawingsAndTables)
     }
     EXPECT_GT(colours.size(), 8); // a curve, a grid and smoothed texts
 
-    ASSERT_TRUE(plots.exportTo(folder.filePath("plot.svg")));
-    EXPECT_TRUE(QSvgRenderer(folder.filePath("plot.svg")).isValid());
+    ASSERT_TRUE(plots.exportTo(m_folder.filePath("plot.svg")));
+    EXPECT_TRUE(QSvgRenderer(m_folder.filePath("plot.svg")).isValid());
 
-    ASSERT_TRUE(plots.exportTo(folder.filePath("plot.csv")));
-    QFile table(folder.filePath("plot.csv"));
+    ASSERT_TRUE(plots.exportTo(m_folder.filePath("plot.csv")));
+    QFile table(m_folder.filePath("plot.csv"));
     ASSERT_TRUE(table.open(QIODevice::ReadOnly));
     const QList<QByteArray> lines = table.readAll().trimmed().split('\n');
     ASSERT_EQ(lines.size(), 6);
     EXPECT_EQ(lines[0], "time,field,series,value,unit");
     EXPECT_TRUE(lines[1].startsWith("2026-01-06 12:00:00.000,TQX:PVTGeodetic2:Height,,41"));
     EXPECT_TRUE(lines[1].endsWith(",m"));
-    EXPECT_FALSE(plots.exportTo(folder.filePath("no/folder/plot.csv")));
+    EXPECT_FALSE(plots.exportTo(m_folder.filePath("no/folder/plot.csv")));
 }
 
 TEST_F(Window, LeadsFromTheOutageToItsMessages)
 {
     open(logWithOutage(20));
-    window.getTabs().setCurrentWidget(&window.getTimeline());
-    QTreeWidget& faults = window.getTimeline().getFaults();
+    m_window.getTabs().setCurrentWidget(&m_window.getTimeline());
+    QTreeWidget& faults = m_window.getTimeline().getFaults();
     ASSERT_TRUE(waitFor([&] { return faults.topLevelItemCount() > 0; }));
     const QList<QTreeWidgetItem*> outage =
         faults.findItems("Outage of all messages", Qt::MatchExactly, 2);
     ASSERT_EQ(outage.size(), 1);
     EXPECT_EQ(outage[0]->text(0), "2026-01-06 12:00:19.000");
     Q_EMIT faults.itemActivated(outage[0], 0);
-    EXPECT_EQ(window.getTabs().currentWidget(), &window.getMessages());
-    const std::shared_ptr<const MessageLog> log = window.getDocument().getLog();
+    EXPECT_EQ(m_window.getTabs().currentWidget(), &m_window.getMessages());
+    const std::shared_ptr<const MessageLog> log = m_window.getDocument().getLog();
     const int64_t time = log->parseTime("2026-01-06 12:00:19.000");
     EXPECT_TRUE(waitFor([&] {
         const auto entry =
-            window.getMessages().getRows().getEntry(table().getCurrent().value_or(0));
+            m_window.getMessages().getRows().getEntry(table().getCurrent().value_or(0));
         return entry && entry->time == time;
     }));
 }
@@ -210,27 +210,27 @@ TEST_F(Window, LeadsFromTheOutageToItsMessages)
 TEST_F(Window, ShowsSatellitesAndTheTrack)
 {
     open(simulatedLog(10));
-    window.getTabs().setCurrentWidget(&window.getSky());
-    QSlider& slider = window.getSky().getSlider();
+    m_window.getTabs().setCurrentWidget(&m_window.getSky());
+    QSlider& slider = m_window.getSky().getSlider();
     ASSERT_TRUE(waitFor([&] { return slider.maximum() == 9; }));
-    EXPECT_GT(window.getSky().getVisibility().getRows().size(), 40U);
+    EXPECT_GT(m_window.getSky().getVisibility().getRows().size(), 40U);
     slider.setValue(7);
-    window.getTabs().setCurrentWidget(&window.getTrack());
-    EXPECT_TRUE(window.getTrack().getFiguresText().startsWith("10 positions of PVTGeodetic2"))
-        << qPrintable(window.getTrack().getFiguresText());
-    QTest::keyClicks(&window.getTrack().getCentre(), "somewhere");
-    QTest::keyClick(&window.getTrack().getCentre(), Qt::Key_Return);
-    EXPECT_TRUE(window.getTrack().getFiguresText().startsWith("somewhere is no place"));
+    m_window.getTabs().setCurrentWidget(&m_window.getTrack());
+    EXPECT_TRUE(m_window.getTrack().getFiguresText().startsWith("10 positions of PVTGeodetic2"))
+        << qPrintable(m_window.getTrack().getFiguresText());
+    QTest::keyClicks(&m_window.getTrack().getCentre(), "somewhere");
+    QTest::keyClick(&m_window.getTrack().getCentre(), Qt::Key_Return);
+    EXPECT_TRUE(m_window.getTrack().getFiguresText().startsWith("somewhere is no place"));
 }
 
 TEST_F(Window, FollowsAFileAndStaysAtItsEnd)
 {
     const QByteArray log = simulatedLog(6);
     open(log.left(log.size() / 2));
-    window.setFollowing(true);
+    m_window.setFollowing(true);
     const uint64_t before = rows();
     EXPECT_EQ(table().getCurrent(), before - 1);
-    QFile file(folder.filePath("log.tqx"));
+    QFile file(m_folder.filePath("log.tqx"));
     ASSERT_TRUE(file.open(QIODevice::Append));
     file.write(log.mid(log.size() / 2));
     file.close();
@@ -240,27 +240,27 @@ TEST_F(Window, FollowsAFileAndStaysAtItsEnd)
 
 TEST_F(Window, OtherFormatsAreShownByTheSameViews)
 {
-    window.getDocument().show(std::make_shared<TinyLog>(500));
+    m_window.getDocument().show(std::make_shared<TinyLog>(500));
     EXPECT_EQ(rows(), 500U);
     selectField("Readings[1].Degrees");
     QTest::keyClick(&tree(), Qt::Key_Return);
-    ASSERT_EQ(window.getPlots().getPanels().size(), 1U);
-    PlotPanel& panel = *window.getPlots().getPanels()[0];
+    ASSERT_EQ(m_window.getPlots().getPanels().size(), 1U);
+    PlotPanel& panel = *m_window.getPlots().getPanels()[0];
     ASSERT_TRUE(waitFor([&] { return !panel.getField().isReading(); }));
     ASSERT_EQ(panel.getShown().size(), 1U);
     EXPECT_EQ(panel.getField().getTitle(), "Temp:Readings:Degrees [C]");
-    window.getTabs().setCurrentWidget(&window.getTimeline());
+    m_window.getTabs().setCurrentWidget(&m_window.getTimeline());
     EXPECT_TRUE(
-        waitFor([&] { return window.getTimeline().getTimeline().getData().rows.size() == 3; }));
+        waitFor([&] { return m_window.getTimeline().getTimeline().getData().rows.size() == 3; }));
 }
 
 TEST_F(Window, KeepsTheSessionAndTakesDroppedFiles)
 {
     open(simulatedLog(1));
-    const QString path = folder.filePath("log.tqx");
-    window.getPlots().add("TQX:PVTGeodetic2:Height", "");
-    window.getTabs().setCurrentIndex(2);
-    window.saveSession();
+    const QString path = m_folder.filePath("log.tqx");
+    m_window.getPlots().add("TQX:PVTGeodetic2:Height", "");
+    m_window.getTabs().setCurrentIndex(2);
+    m_window.saveSession();
     MainWindow next;
     next.restoreSession(true);
     ASSERT_TRUE(waitFor([&] { return next.getDocument().getLog() != nullptr; }));
@@ -269,7 +269,7 @@ TEST_F(Window, KeepsTheSessionAndTakesDroppedFiles)
     EXPECT_EQ(next.getPlots().getPanels().size(), 1U);
     EXPECT_EQ(QSettings().value("recent").toStringList(), QStringList(path));
 
-    const QString other = writeFile(folder, "other.tqx", simulatedLog(2));
+    const QString other = writeFile(m_folder, "other.tqx", simulatedLog(2));
     QMimeData dropped;
     dropped.setUrls({QUrl::fromLocalFile(other)});
     QDragEnterEvent enter({5, 5}, Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
@@ -290,15 +290,15 @@ TEST_F(Window, AnswersWhileALogIsReadSlowly)
     QTimer heart;
     QObject::connect(&heart, &QTimer::timeout,
                      [&] { longest = std::max(longest, clock.restart()); });
-    window.getDocument().show(log);
+    m_window.getDocument().show(log);
     clock.start();
     heart.start(5);
-    window.getPlots().add("Tiny:Speed:Value", "");
-    for (int i = 0; i < window.getTabs().count(); ++i) {
-        window.getTabs().setCurrentIndex(i);
+    m_window.getPlots().add("Tiny:Speed:Value", "");
+    for (int i = 0; i < m_window.getTabs().count(); ++i) {
+        m_window.getTabs().setCurrentIndex(i);
         QTest::qWait(100);
     }
-    window.getTabs().setCurrentIndex(0);
+    m_window.getTabs().setCurrentIndex(0);
     for (int i = 0; i < 20; ++i) {
         QTest::keyClick(&table(), i % 2 == 0 ? Qt::Key_End : Qt::Key_Home);
         QTest::qWait(10);
@@ -307,7 +307,7 @@ TEST_F(Window, AnswersWhileALogIsReadSlowly)
 #ifndef TQX_SLOW_BUILD
     EXPECT_LE(longest, 100);
 #endif
-    window.getDocument().close();
+    m_window.getDocument().close();
     EXPECT_EQ(rows(), 0U);
 }
 

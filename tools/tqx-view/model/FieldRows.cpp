@@ -65,19 +65,21 @@ private:
             return;
         }
         const int group = add(field, parent, field.getName(), name, expression);
-        if (isNested)
+        if (isNested) {
             m_rows[static_cast<size_t>(group)].value = QString::number(count);
-        else
+        } else {
             m_rows[static_cast<size_t>(group)].value = field.getValueString(&message).trimmed();
+        }
         if (isText)
             return;
         for (unsigned i = 0; i < count && i < mostElements; ++i) {
             const QString index = QString("[%1]").arg(i);
             const int row = add(field, group, index, name + index, expression);
-            if (isNested)
+            if (isNested) {
                 addSubMessage(field, message, i, row, name + index);
-            else
+            } else {
                 describe(row, field, message, i);
+            }
             placeElement(group, row, i, count);
         }
     }

@@ -68,10 +68,11 @@ public:
                 continue;
             Signal& signal = m_signals[{observation.satellite, observation.code}];
             const bool isSeen = goesOn && !signal.spans.empty() && signal.spans.back().to == m_last;
-            if (isSeen)
+            if (isSeen) {
                 signal.spans.back().to = time;
-            else if (m_count < GnssSurvey::mostSpans)
+            } else if (m_count < GnssSurvey::mostSpans) {
                 begin(signal, time);
+            }
         }
         m_last = time;
     }
@@ -135,9 +136,10 @@ public:
             m_gatherer.take(decoded);
         if (positionSource(number))
             addPosition(decoded.record);
-        if (holdsDirections(number) && decoded.block.getTime() && m_directions.wantsNext())
+        if (holdsDirections(number) && decoded.block.getTime() && m_directions.wantsNext()) {
             m_directions.add(
                 {static_cast<double>(*decoded.block.getTime()), directionsIn(decoded.record)});
+        }
     }
 
     std::shared_ptr<const GnssData> finish()
@@ -164,9 +166,10 @@ private:
             return;
         SkyEpoch kept{static_cast<double>(epoch.time), {}};
         for (const Observation& observation : epoch.observations) {
-            if (observation.antenna == 0 && !std::isnan(observation.cn0))
+            if (observation.antenna == 0 && !std::isnan(observation.cn0)) {
                 kept.signals.push_back(
                     {observation.satellite, observation.code, static_cast<float>(observation.cn0)});
+            }
         }
         m_strengths.add(std::move(kept));
     }
@@ -179,9 +182,10 @@ private:
         m_choice.take(position);
         Thinned<TrackPoint>& track =
             m_tracks.try_emplace(position.source, GnssSurvey::mostPositions).first->second;
-        if (track.wantsNext())
+        if (track.wantsNext()) {
             track.add({static_cast<double>(position.time), position.latitude, position.longitude,
                        position.height, position.fix});
+        }
     }
 
     ObservationGatherer m_gatherer;

@@ -105,10 +105,11 @@ bool LogDocument::canFollow() const
 void LogDocument::setFollowing(bool isFollowing)
 {
     m_isFollowing = isFollowing;
-    if (isFollowing)
+    if (isFollowing) {
         m_timer.start();
-    else
+    } else {
         m_timer.stop();
+    }
 }
 
 void LogDocument::lookForMore()

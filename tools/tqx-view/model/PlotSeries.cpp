@@ -27,12 +27,13 @@ void PlotSeries::countStep(double step)
 {
     if (step <= 0)
         return;
-    if (std::abs(step - m_usualStep) < 1)
+    if (std::abs(step - m_usualStep) < 1) {
         m_votes = std::min(m_votes + 1, 1000);
-    else if (m_votes > 0)
+    } else if (m_votes > 0) {
         --m_votes;
-    else
+    } else {
         m_usualStep = step;
+    }
 }
 
 bool PlotSeries::isTooLong(double step) const

@@ -125,10 +125,11 @@ private:
             return;
         std::vector<TimeSpan> joined;
         for (const TimeSpan& span : row.present) {
-            if (!joined.empty() && span.from - joined.back().to < 1.5 * *row.interval)
+            if (!joined.empty() && span.from - joined.back().to < 1.5 * *row.interval) {
                 joined.back().to = span.to;
-            else
+            } else {
                 joined.push_back(span);
+            }
         }
         row.present = std::move(joined);
     }

@@ -307,9 +307,10 @@ MessageContent TqxLog::load(const MessageEntry& entry) const
     for (const std::string& fault : inspection.faults)
         content.faults.push_back(asText(fault));
     for (const InspectionRow& row : inspection.rows) {
-        if (row.field)
+        if (row.field) {
             content.places.push_back({asText(row.path), row.offset, row.size, row.lowestBit(),
                                       row.bitCount(), QString::fromUtf8(row.meaning())});
+        }
     }
     return content;
 }

@@ -251,10 +251,11 @@ void MainWindow::goTo()
     if (text.startsWith('@')) {
         bool isNumber = false;
         const qulonglong offset = text.mid(1).toULongLong(&isNumber);
-        if (isNumber)
+        if (isNumber) {
             m_messages->goToOffset(offset);
-        else
+        } else {
             showState(tr("%1 is no offset").arg(text), true);
+        }
         return;
     }
     try {

@@ -79,10 +79,11 @@ void MessageTable::select(uint64_t row)
     m_current = std::min(row, m_rows.getCount() - 1);
     const auto first = static_cast<uint64_t>(verticalScrollBar()->value());
     const auto visible = static_cast<uint64_t>(std::max(visibleRows(), 1));
-    if (*m_current < first)
+    if (*m_current < first) {
         verticalScrollBar()->setValue(static_cast<int>(*m_current));
-    else if (*m_current >= first + visible)
+    } else if (*m_current >= first + visible) {
         verticalScrollBar()->setValue(static_cast<int>(*m_current - visible + 1));
+    }
     viewport()->update();
     reportSelected();
 }
@@ -190,16 +191,17 @@ void MessageTable::paintEvent(QPaintEvent*)
     }
     const int height = rowHeight();
     const auto first = static_cast<uint64_t>(verticalScrollBar()->value());
-    const auto shown = static_cast<uint64_t>(viewport()->height() / height + 1);
+    const auto shown = static_cast<uint64_t>(viewport()->height() / height) + 1;
     const uint64_t end = std::min(m_rows.getCount(), first + shown);
     for (uint64_t row = first; row < end; ++row) {
         const QRect line(0, static_cast<int>(row - first) * height, viewport()->width(), height);
         const bool isCurrent = m_current && *m_current == row;
         const QPalette::ColorGroup group = hasFocus() ? QPalette::Active : QPalette::Inactive;
-        if (isCurrent)
+        if (isCurrent) {
             painter.fillRect(line, palette().brush(group, QPalette::Highlight));
-        else if (row % 2 == 1)
+        } else if (row % 2 == 1) {
             painter.fillRect(line, palette().alternateBase());
+        }
         const std::optional<MessageEntry> entry = m_rows.getEntry(row);
         if (!entry) {
             painter.setPen(quietColour(palette()));

@@ -204,10 +204,11 @@ void PlotPanel::updateCurves()
     }
     m_plot->replot();
     const bool isEmpty = least > greatest;
-    if (isEmpty)
+    if (isEmpty) {
         m_values->setText(m_field.isReading() ? tr("Reading…") : tr("No values here"));
-    else if (!m_cursor->isVisible())
+    } else if (!m_cursor->isVisible()) {
         m_values->setText(m_field.isReading() ? tr("Reading…") : QString());
+    }
 }
 
 void PlotPanel::setTimeAxisVisible(bool isVisible)

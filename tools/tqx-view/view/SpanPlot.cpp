@@ -75,9 +75,10 @@ public:
                     const double left = std::max(xMap.transform(span.from + shift), canvas.left());
                     const double right = std::min(xMap.transform(span.to + shift), canvas.right());
                     const double width = std::max(right - left, isFault ? 3.0 : 1.0);
-                    if (right >= canvas.left() && left <= canvas.right())
+                    if (right >= canvas.left() && left <= canvas.right()) {
                         painter->fillRect(QRectF(left, centre - half, width, 2 * half),
                                           colourOf(span));
+                    }
                 }
             }
         }
