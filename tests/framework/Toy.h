@@ -7,7 +7,9 @@
 #include <MessageApiEvent.h>
 #include <MessageInfo.h>
 
+#include <memory>
 #include <utility>
+#include <vector>
 
 // A format to be put together by hand: its classes open what the framework's keep for derived ones.
 
@@ -24,7 +26,15 @@ public:
 
     using Message::getRawRepresentationOf;
 
+    /// Takes over a message that becomes part of this one.
+    void adopt(ToyMessage* part)
+    {
+        part->setParentMessage(this);
+        parts.push_back(std::unique_ptr<ToyMessage>(part));
+    }
+
     QVector<QVector<FieldValue>> values;
+    std::vector<std::unique_ptr<ToyMessage>> parts;
 
 private:
     const void* getRawRepresentation() const override { return &values; }
@@ -83,6 +93,7 @@ public:
 
     using MessageInfo::addFieldInfo;
     using MessageInfo::setAttribute;
+    using MessageInfo::setFormatInfo;
     using MessageInfo::setIsMain;
 };
 

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "model/MessageLog.h"
+#include "model/TaskQueue.h"
+
+#include <QObject>
+#include <QString>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace tqx::view
+{
+
+/// A stretch of time, in milliseconds on the log's time scale.
+struct TimeSpan {
+    double from;
+    double to;
+};
+
+/// When the messages of a type come.
+struct TimelineRow {
+    QString name;
+    uint64_t count = 0;
+    std::optional<double> interval; ///< milliseconds, of those that come regularly
+    std::vector<TimeSpan> present;  ///< to the width of a bin
+    std::vector<TimeSpan> missing;  ///< outages: intervals of at least one and a half usual ones
+};
+
+/// Something that is wrong with a log.
+struct TimelineFault {
+    enum class Kind { Outage, Damage };
+
+    Kind kind = Kind::Outage;
+    double time = 0; ///< when it began
+    double duration = 0;
+    uint64_t offset = 0; ///< of damage
+    QString type;        ///< whose outage it is, empty for one of all types
+    QString text;        ///< for people
+};
+
+struct TimelineData {
+    std::vector<TimelineRow> rows;     ///< all types together, then each one
+    std::vector<TimelineFault> faults; ///< in the order of time
+    bool hasMoreFaults = false;        ///< than are listed
+};
+
+/// Finds outages and damage in a log, in another thread and in bounded memory.
+class Timeline : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit Timeline(QObject* parent = nullptr);
+    ~Timeline() override;
+
+    /// Begins with another log; changed() follows when it has been read.
+    void setLog(std::shared_ptr<const MessageLog> log);
+
+    const TimelineData& getData() const { return *m_data; }
+    bool isReading() const { return m_isReading; }
+
+    static constexpr size_t mostFaults = 2000;
+    static constexpr size_t bins = 2048;
+
+Q_SIGNALS:
+    void changed();
+    void failed(const QString& reason);
+
+private:
+    std::shared_ptr<const TimelineData> m_data;
+    bool m_isReading = false;
+    TaskQueue m_tasks;
+};
+
+/// What Timeline gives, in the thread that asks; null when the token is cancelled.
+std::shared_ptr<const TimelineData> readTimeline(const MessageLog& log, const TaskToken& token);
+
+} // namespace tqx::view

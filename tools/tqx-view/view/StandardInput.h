@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+
+namespace tqx::view
+{
+
+/// What arrives on standard input, decompressed if it is compressed, in a temporary file that grows
+/// with it.
+class StandardInput
+{
+public:
+    /// The file; reading begins with the first call and ends with the process, which removes it.
+    static QString path();
+
+    /// The file, empty while nobody has asked for it.
+    static QString pathIfOpen();
+
+    StandardInput() = delete;
+};
+
+} // namespace tqx::view
