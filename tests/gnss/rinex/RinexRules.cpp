@@ -188,13 +188,13 @@ void checkSummary(const ObservationFile& file, Faults& faults)
     }
     std::string satellite;
     std::vector<int> counts;
-    std::map<std::string, std::vector<int>> told;
+    std::map<std::string, std::vector<int>> listed;
     for (const HeaderLine& line : file.header) {
         if (line.label == "PRN / # OF OBS") {
             if (line.content[3] != ' ')
                 satellite = line.content.substr(3, 3);
             for (size_t i = 6; i < 60 && !isBlank(line.content.substr(i, 6)); i += 6)
-                told[satellite].push_back(std::stoi(line.content.substr(i, 6)));
+                listed[satellite].push_back(std::stoi(line.content.substr(i, 6)));
         }
         if (line.label == "# OF SATELLITES" &&
             std::stoi(line.content) != static_cast<int>(found.size()))
@@ -215,7 +215,7 @@ void checkSummary(const ObservationFile& file, Faults& faults)
             const auto count = values.find(type);
             expected.push_back(count == values.end() ? 0 : count->second);
         }
-        if (told[name] != expected)
+        if (listed[name] != expected)
             faults.push_back("wrong PRN / # OF OBS of " + name);
     }
 }

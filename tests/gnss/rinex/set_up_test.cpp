@@ -198,10 +198,10 @@ TEST(Losses, LogWithoutMeasurementsOrEphemerides)
     EXPECT_NE(tool.read("err").find("no ephemerides"), std::string::npos);
     EXPECT_EQ(tool.list("measured").size(), 1U);
     readFile(tool, "measured");
-    tool.expectRun("cut log.tqx --type '*Nav' -o told.tqx");
-    tool.expectRun("rinex told.tqx -o told");
+    tool.expectRun("cut log.tqx --type '*Nav' -o navigation.tqx");
+    tool.expectRun("rinex navigation.tqx -o navigation");
     EXPECT_NE(tool.read("err").find("no observations"), std::string::npos);
-    EXPECT_EQ(tool.list("told").size(), 1U);
+    EXPECT_EQ(tool.list("navigation").size(), 1U);
     tool.expectRun("cut log.tqx --type ReceiverStatus2 -o neither.tqx");
     EXPECT_EQ(tool.run("rinex neither.tqx -o neither"), 1);
     EXPECT_TRUE(tool.list("neither").empty());

@@ -10,7 +10,7 @@
 namespace tqx::tool
 {
 
-/// `tqx ephemerides`: what the navigation messages told, each once.
+/// `tqx ephemerides`: what the navigation messages say, each once.
 class EphemeridesCommand : public Command
 {
 public:

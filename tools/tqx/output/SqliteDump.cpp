@@ -19,7 +19,7 @@ public:
 
     void take(BlockStream& stream, const Block& block) override
     {
-        const int32_t result = m_decoder.decode(block);
+        const int32_t result = m_decoder.decode(block, stream.getContext());
         if (result > 0)
             return m_writer.write(m_decoder.getDecoded(), stream.getName());
         if (result != unknownNumber)

@@ -3,16 +3,15 @@
 #include "tqx/gnss/position/PositionBlocks.h"
 #include "tqx/gnss/track/Segments.h"
 #include "tqx/gnss/track/TrackText.h"
-#include "tqx/log/DataError.h"
+#include "tqx/log/sqlite/SqlDatabase.h"
 #include "tqx/log/time/LeapSeconds.h"
 
 #include <fmt/format.h>
-#include <sqlite3.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <vector>
 
 namespace tqx
@@ -142,26 +141,26 @@ public:
     Database(const std::string& path, const std::string& table) : m_path(path), m_table(table)
     {
         std::remove(path.c_str());
-        check(sqlite3_open_v2(path.c_str(), &m_handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
-                              nullptr));
-        // The file is complete or removed, so that nothing needs to be undone.
-        run("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF;");
-        run(tables);
-        run(fmt::format(featureTable, table, wgs84));
-        run(fmt::format(lineTable, lines(), wgs84));
-        const std::string insert = fmt::format(
-            R"(INSERT INTO "{}" VALUES (NULL,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?))", table);
-        check(sqlite3_prepare_v2(m_handle, insert.c_str(), -1, &m_insert, nullptr));
-        const std::string insertLine =
-            fmt::format(R"(INSERT INTO "{}" VALUES (NULL,?,?,?,?))", lines());
-        check(sqlite3_prepare_v2(m_handle, insertLine.c_str(), -1, &m_insertLine, nullptr));
+        try {
+            m_database = SqlDatabase::create(path, path);
+            m_database->execute(tables);
+            m_database->execute(fmt::format(featureTable, table, wgs84));
+            m_database->execute(fmt::format(lineTable, lines(), wgs84));
+            m_insert = m_database->prepare(fmt::format(
+                R"(INSERT INTO "{}" VALUES (NULL,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?))",
+                table));
+            m_insertLine = m_database->prepare(
+                fmt::format(R"(INSERT INTO "{}" VALUES (NULL,?,?,?,?))", lines()));
+        } catch (...) {
+            remove();
+            throw;
+        }
     }
 
     ~Database()
     {
-        close();
-        if (!m_isFinished)
-            std::remove(m_path.c_str());
+        if (m_database)
+            remove();
     }
 
     void add(const Position& position);
@@ -170,60 +169,49 @@ public:
 private:
     std::string lines() const { return m_table + "_lines"; }
     void addLine();
-    void bind(sqlite3_stmt* statement, const Geometry& geometry)
+
+    void close()
     {
-        const std::vector<uint8_t>& bytes = geometry.bytes();
-        check(sqlite3_bind_blob64(statement, 1, bytes.data(), bytes.size(), SQLITE_TRANSIENT));
+        m_insert.reset();
+        m_insertLine.reset();
+        m_database.reset();
     }
-    void check(int result)
+    void remove()
     {
-        if (result != SQLITE_OK && result != SQLITE_DONE) {
-            throw DataError(fmt::format("{}: {}", m_path,
-                                        m_handle ? sqlite3_errmsg(m_handle) : "out of memory"));
-        }
+        close();
+        std::remove(m_path.c_str());
     }
-    void run(const std::string& statements)
+
+    // What is not known stays NULL. Texts must stay until the row is inserted.
+    void set(std::string_view text)
     {
-        check(sqlite3_exec(m_handle, statements.c_str(), nullptr, nullptr, nullptr));
+        ++m_column;
+        if (!text.empty())
+            m_insert->setText(m_column, text);
     }
-    int close()
+    void set(double value)
     {
-        sqlite3_finalize(m_insert);
-        sqlite3_finalize(m_insertLine);
-        const int result = sqlite3_close(m_handle);
-        m_insert = nullptr;
-        m_insertLine = nullptr;
-        m_handle = nullptr;
-        return result;
+        ++m_column;
+        if (std::isfinite(value))
+            m_insert->setReal(m_column, value);
     }
-    void bind(std::string_view text)
+    void set(int value)
     {
-        check(text.empty() ? sqlite3_bind_null(m_insert, ++m_column)
-                           : sqlite3_bind_text(m_insert, ++m_column, text.data(),
-                                               static_cast<int>(text.size()), SQLITE_TRANSIENT));
-    }
-    void bind(double value)
-    {
-        check(std::isfinite(value) ? sqlite3_bind_double(m_insert, ++m_column, value)
-                                   : sqlite3_bind_null(m_insert, ++m_column));
-    }
-    void bind(int value)
-    {
-        check(value >= 0 ? sqlite3_bind_int(m_insert, ++m_column, value)
-                         : sqlite3_bind_null(m_insert, ++m_column));
+        ++m_column;
+        if (value >= 0)
+            m_insert->setInteger(m_column, value);
     }
 
     std::string m_path;
     std::string m_table;
-    sqlite3* m_handle = nullptr;
-    sqlite3_stmt* m_insert = nullptr;
-    sqlite3_stmt* m_insertLine = nullptr;
+    std::unique_ptr<SqlDatabase> m_database; ///< null once it is complete
+    std::unique_ptr<SqlInsert> m_insert;
+    std::unique_ptr<SqlInsert> m_insertLine;
     Segments m_segments;
     std::vector<double> m_line; ///< coordinates of the line at hand
     GnssMillis m_lineStart = 0;
     GnssMillis m_lineEnd = 0;
-    int m_column = 0; ///< the last one that was bound
-    bool m_isFinished = false;
+    int m_column = 0; ///< the last one that was set
     bool m_isEmpty = true;
     double m_west = 0, m_south = 0, m_east = 0, m_north = 0;
 };
@@ -235,13 +223,12 @@ void GeoPackage::Database::addLine()
     if (m_line.size() > dimensions) {
         const std::string start = xmlTime(m_lineStart);
         const std::string end = xmlTime(m_lineEnd);
-        bind(m_insertLine, Geometry::line(m_line));
-        check(sqlite3_bind_text(m_insertLine, 2, start.c_str(), -1, SQLITE_TRANSIENT));
-        check(sqlite3_bind_text(m_insertLine, 3, end.c_str(), -1, SQLITE_TRANSIENT));
-        check(
-            sqlite3_bind_int64(m_insertLine, 4, static_cast<int64_t>(m_line.size() / dimensions)));
-        check(sqlite3_step(m_insertLine));
-        check(sqlite3_reset(m_insertLine));
+        const Geometry geometry = Geometry::line(m_line);
+        m_insertLine->setBytes(1, geometry.bytes().data(), geometry.bytes().size());
+        m_insertLine->setText(2, start);
+        m_insertLine->setText(3, end);
+        m_insertLine->setInteger(4, static_cast<int64_t>(m_line.size() / dimensions));
+        m_insertLine->run();
     }
     m_line.clear();
 }
@@ -257,30 +244,33 @@ void GeoPackage::Database::add(const Position& position)
     }
     m_lineEnd = position.time;
     m_line.insert(m_line.end(), {position.longitude, position.latitude, position.height});
+    const Geometry geometry =
+        Geometry::point(position.longitude, position.latitude, position.height);
+    const std::string utc = xmlTime(position.time);
+    const std::string gpsTime = dateText(position.time);
     m_column = 1;
-    bind(m_insert, Geometry::point(position.longitude, position.latitude, position.height));
-    bind(std::string_view(xmlTime(position.time)));
-    bind(std::string_view(dateText(position.time)));
-    bind(std::string_view(position.source->name));
-    bind(position.mode);
-    bind(position.aboveGeoid());
-    bind(position.undulation);
-    bind(levelText(position.level));
-    bind(position.horizontalAccuracy);
-    bind(position.verticalAccuracy);
-    bind(position.spatialAccuracy);
-    bind(position.satellites);
-    bind(position.correctionAge);
-    bind(position.reference);
-    bind(position.north);
-    bind(position.east);
-    bind(position.up);
-    bind(position.heading);
-    bind(position.pitch);
-    bind(position.roll);
-    bind(position.datum);
-    check(sqlite3_step(m_insert));
-    check(sqlite3_reset(m_insert));
+    m_insert->setBytes(m_column, geometry.bytes().data(), geometry.bytes().size());
+    set(std::string_view(utc));
+    set(std::string_view(gpsTime));
+    set(std::string_view(position.source->name));
+    set(position.mode);
+    set(position.aboveGeoid());
+    set(position.undulation);
+    set(levelText(position.level));
+    set(position.horizontalAccuracy);
+    set(position.verticalAccuracy);
+    set(position.spatialAccuracy);
+    set(position.satellites);
+    set(position.correctionAge);
+    set(position.reference);
+    set(position.north);
+    set(position.east);
+    set(position.up);
+    set(position.heading);
+    set(position.pitch);
+    set(position.roll);
+    set(position.datum);
+    m_insert->run();
     if (m_isEmpty) {
         m_west = m_east = position.longitude;
         m_south = m_north = position.latitude;
@@ -296,14 +286,12 @@ void GeoPackage::Database::finish()
 {
     addLine();
     if (!m_isEmpty) {
-        run(fmt::format("UPDATE gpkg_contents SET min_x={}, min_y={}, max_x={}, max_y={};", m_west,
+        m_database->execute(
+            fmt::format("UPDATE gpkg_contents SET min_x={}, min_y={}, max_x={}, max_y={};", m_west,
                         m_south, m_east, m_north));
     }
-    run("COMMIT;");
-    const int result = close();
-    if (result != SQLITE_OK)
-        throw DataError(m_path + ": " + sqlite3_errstr(result));
-    m_isFinished = true;
+    m_database->execute("COMMIT;");
+    close();
 }
 
 GeoPackage::GeoPackage(const std::string& path, const std::string& table)
