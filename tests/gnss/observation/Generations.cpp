@@ -40,7 +40,8 @@ void fillKind(Entry& entry, const Observation& observation)
 {
     const unsigned signal = observation.signal;
     const bool isLong = signal > 30;
-    entry.Type = static_cast<uint8_t>((isLong ? 31U : signal) | observation.antenna << 5U);
+    entry.Type =
+        static_cast<uint8_t>((isLong ? 31U : signal) | unsigned{observation.antenna} << 5U);
     const bool isFdma = signal >= 8 && signal <= 11;
     const unsigned slot =
         isLong ? signal - 32 : static_cast<unsigned>(isFdma ? observation.channel + 8 : 0);
