@@ -37,7 +37,8 @@ def generated(config, folder, name):
 
 def on_files(files, config):
     files.append(File.generated(config, "changelog.md", abs_src_path=str(ROOT / "CHANGELOG.md")))
-    files.append(File.generated(config, "site.css", abs_src_path=str(SITE / "site.css")))
+    for name in ("site.css", "iframe-worker.js"):
+        files.append(File.generated(config, name, abs_src_path=str(SITE / name)))
     for name in ("reference", "api"):
         for file in generated(config, pathlib.Path(os.environ[f"TQX_SITE_{name.upper()}"]), name):
             files.append(file)
