@@ -11,3 +11,11 @@ add_custom_target(site
     DEPENDS tqx-reference
     COMMENT "Writing the site to ${PROJECT_BINARY_DIR}/site"
     VERBATIM)
+
+# The site includes the reference; without it, the reference is there alone.
+set(html "${CMAKE_INSTALL_DATADIR}/doc/tqx-doc/html")
+install(DIRECTORY "${reference}/" DESTINATION "${html}/reference" COMPONENT doc)
+install(DIRECTORY "${PROJECT_BINARY_DIR}/site/" DESTINATION "${html}" COMPONENT doc OPTIONAL)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/libtqx-dev/examples" COMPONENT dev
+    FILES_MATCHING PATTERN "*.cpp")
