@@ -26,7 +26,7 @@ public Q_SLOTS:
     /// throw. Returns the codec's result unchanged and publishes accordingly:
     ///
     /// - above 0, the bits decoded: the message by newMessageEarly, newMessage and newMessageLate;
-    ///   nothing for a type without message class. The message is destroyed behind newMessageLate
+    ///   nothing for a type without message class. The message is destroyed after newMessageLate
     ///   unless a receiver took a reference. An event of type InconsistentState instead, when there
     ///   is no memory for it.
     /// - -6072, an unknown block number or 6 bytes or fewer: an event of type UnknownMessage, then

@@ -74,7 +74,7 @@ Entry* allocateEntries(size_t count)
     return static_cast<Entry*>(std::malloc(count * sizeof(Entry)));
 }
 
-/// Room for `count` entries and behind them `nested` entries of their own arrays.
+/// Room for `count` entries and after them `nested` entries of their own arrays.
 template<typename Entry, typename Nested>
 Entry* allocateEntries(size_t count, size_t nested)
 {

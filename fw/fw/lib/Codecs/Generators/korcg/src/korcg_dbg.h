@@ -70,7 +70,7 @@ struct dbg_CallBacks_s {
     /// Value of an environment variable, or null when it is unset. Without it the process
     /// environment is asked. The text needs to last for the call only.
     const char* (*lookup)(void* context, const char* name);
-    /// Told once by dbg_Init which stream the output goes to. The stream stays open.
+    /// Called once by dbg_Init with the stream that the output goes to. The stream stays open.
     void (*setStream)(void* context, FILE* stream);
     /// Called around each line.
     void (*lock)(void* context);
@@ -102,7 +102,7 @@ KORCG_API void dbg_SetCallBacks(const dbg_CallBacks_s* callBacks);
 KORCG_API const dbg_CallBacks_s* dbg_GetCallBacks();
 
 /// Reads the settings on the first call, counts on later ones. `logFileVariable` names the variable
-/// that holds the path of the log file, null stands for "KOR_LOGFILE"; a file that cannot be opened
+/// that holds the path of the log file, null means "KOR_LOGFILE"; a file that cannot be opened
 /// means standard output. With `assertionsReturn` dbg_Assert returns. A start or stop time that is
 /// not an integer prints "dbg_Init failed :" and the error's text to standard output and ends the
 /// process with exit status 1; an empty one counts as unset.

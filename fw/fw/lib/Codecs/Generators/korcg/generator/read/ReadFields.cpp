@@ -34,7 +34,7 @@ void readCommon(const YamlMap& map, FieldDraft& draft)
     draft.edition = map.integer("edition", 2, latestEdition);
     field.identifies = map.flag("identifies").value_or(false);
     field.hides = map.text("hides").value_or("");
-    field.toldOffset = map.integer("offset", 0, longestArray);
+    field.expectedOffset = map.integer("offset", 0, longestArray);
 
     if (const std::optional<std::string> role = map.text("role")) {
         draft.roleTold = true;
@@ -118,7 +118,7 @@ void readDoNotUse(const YamlMap& map, Field& field)
     }
 }
 
-/// Keys that tell how a value is shown.
+/// Keys for how a value is shown.
 void readMetadata(const YamlMap& map, FieldDraft& draft)
 {
     Field& field = draft.field;

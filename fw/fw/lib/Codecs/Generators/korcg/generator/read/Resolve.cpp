@@ -97,7 +97,7 @@ private:
             field.after = draft.after ? rowOf(draft.after) : lastInput(field);
     }
 
-    /// Shortens a reserved array by the field that stands beside it and takes its place.
+    /// Shortens a reserved array by the field beside it that takes its place.
     void takeBytes(int row, const Mention& taken)
     {
         const int reserved = rowOf(taken);
@@ -130,7 +130,7 @@ private:
         field.alwaysSent = array.alwaysSent;
     }
 
-    /// The wire field behind which all inputs of this record are known.
+    /// The wire field after which all inputs of this record are known.
     int lastInput(const Field& field)
     {
         int last = -1;
@@ -271,8 +271,8 @@ int rowInMains(const Format& format, const MainMention& mention, Errors& errors)
         const int here = static_cast<int>(found - main->fields.begin());
         if (row >= 0 && here != row) {
             errors.add(mention.field.where,
-                       fmt::format("'{}' stands in different places of {} and {}",
-                                   mention.field.name, mains.front()->name, main->name));
+                       fmt::format("'{}' is in different places of {} and {}", mention.field.name,
+                                   mains.front()->name, main->name));
         }
         row = here;
     }
