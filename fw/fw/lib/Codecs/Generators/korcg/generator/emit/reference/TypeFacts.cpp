@@ -153,9 +153,10 @@ std::string sizeText(const Format& format, const RecordType& type)
     for (int revision = 0; revision <= type.highestRevision; ++revision) {
         const Size size = sizeIn(format, type, revision);
         std::string words = fmt::format("{} bytes{}", size.fixed, size.varying);
-        if (!size.selectors.empty())
+        if (!size.selectors.empty()) {
             words +=
                 fmt::format(" + the fields that depend on {}", fmt::join(size.selectors, ", "));
+        }
         if (words == last)
             continue;
         if (revision > 0)
@@ -173,10 +174,9 @@ std::string typeFacts(const Format& format, const RecordType& type)
         if (!value.empty())
             text += fmt::format("<dt>{}</dt><dd>{}</dd>\n", name, value);
     };
-    if (type.isMain())
-        add("Block number", fmt::format("{}", type.number));
-    else if (!type.text.empty())
-        add("Part of", ownerLinks(format, type));
+    add("Block number", type.isMain() ? fmt::format("{}", type.number) : "");
+    // Where there is no text, the summary says it.
+    add("Part of", type.isMain() || type.text.empty() ? "" : ownerLinks(format, type));
     add("Size", sizeText(format, type));
     add("Revisions", revisionsText(type));
     if (type.edition > 1)
