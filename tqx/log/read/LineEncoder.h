@@ -22,6 +22,7 @@ namespace tqx
 class TQX_LOG_API LineEncoder
 {
 public:
+    /// Throws std::bad_alloc.
     LineEncoder();
     ~LineEncoder();
     LineEncoder(const LineEncoder&) = delete;

@@ -50,8 +50,15 @@ RecordPlan::Kind kindOf(const TQX_FieldLayout& member)
     return isNumber(member) ? RecordPlan::Kind::Number : RecordPlan::Kind::Array;
 }
 
-std::vector<RecordPlan::Input> inputsOf(const TQX_TypeLayout& type, const TQX_FieldFacts& facts,
-                                        const OwnerTypes& owners)
+} // namespace
+
+bool isHeaderField(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
+{
+    return type.blockNumber != 0 && field.recordOffset <= offsetof(TQX_MainHeader_s, WNc);
+}
+
+std::vector<RecordPlan::Input> findInputs(const TQX_TypeLayout& type, const TQX_FieldFacts& facts,
+                                          const OwnerTypes& owners)
 {
     std::vector<RecordPlan::Input> inputs;
     for (const TQX_FieldInput& input : TQX_inputs(facts)) {
@@ -63,13 +70,6 @@ std::vector<RecordPlan::Input> inputsOf(const TQX_TypeLayout& type, const TQX_Fi
                           TQX_fieldFacts(owner.recordType) + input.row});
     }
     return inputs;
-}
-
-} // namespace
-
-bool isHeaderField(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
-{
-    return type.blockNumber != 0 && field.recordOffset <= offsetof(TQX_MainHeader_s, WNc);
 }
 
 RecordPlan planRecord(const TQX_TypeLayout& type, const FieldFilter& filter, ShownFields shown,
@@ -100,7 +100,7 @@ RecordPlan planRecord(const TQX_TypeLayout& type, const FieldFilter& filter, Sho
             lastRow = memberRow;
         }
         RecordPlan::Member& member = plan.members.back();
-        member.parts.push_back({&field, facts + row, inputsOf(type, facts[row], owners)});
+        member.parts.push_back({&field, facts + row, findInputs(type, facts[row], owners)});
         if (field.recordType != 0) {
             member.plan = std::make_unique<RecordPlan>(
                 planRecord(*TQX_layout(field.recordType), *inside, shown, innerOwners));

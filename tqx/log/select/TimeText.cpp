@@ -154,7 +154,8 @@ GnssMillis parseTime(const std::string& option, const std::string& text)
     const std::string_view scale = reader.left();
     const bool isUtc = scale == "UTC" || (scale == "Z" && !apart);
     if (scale.empty()) {
-        fail(option, text, "does not say on which scale; append Z for UTC, ' GPS' for GPS time");
+        fail(option, text,
+             "does not say on which scale; put Z after it for UTC, ' GPS' for GPS time");
     }
     if (!isUtc && scale != "GPS")
         fail(option, text, noTime);

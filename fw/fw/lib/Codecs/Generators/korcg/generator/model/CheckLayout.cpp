@@ -93,7 +93,7 @@ private:
         if (!field.expectedOffset || *field.expectedOffset == field.wireOffset)
             return;
         if (field.wireOffset < 0) {
-            error(field, "has no constant offset, but 'offset' says {}", *field.expectedOffset);
+            error(field, "has no constant offset, expected {}", *field.expectedOffset);
         } else {
             error(field, "has offset {}, expected {}", field.wireOffset, *field.expectedOffset);
         }
