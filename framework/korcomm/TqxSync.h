@@ -31,7 +31,7 @@ public:
     virtual int getNumberOfBytesLeft() const;
 
     /// The input has ended: candidates that can never become complete are given up and the intact
-    /// blocks behind them are handed out.
+    /// blocks after them become available.
     void flush();
 
 Q_SIGNALS:

@@ -9,7 +9,7 @@
 namespace
 {
 
-/// Owner of what the call-backs work on; it is their context.
+/// Owns the state of the call-backs, and is their context.
 struct Diagnostics {
     std::recursive_mutex mutex;
     std::atomic<FILE*> stream{nullptr};

@@ -5,7 +5,7 @@
 #include <functional>
 #include <string_view>
 
-/// Counts of one name. The name's characters stand behind the object.
+/// Counts of one name. The name's characters follow the object.
 struct NameCounter {
     uint64_t hash;
     uint32_t nameSize;

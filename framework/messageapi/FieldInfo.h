@@ -13,12 +13,12 @@ class Message;
 /// Describes one field of one message type, and reads it from messages of that type.
 ///
 /// Instances are static objects of the format's library, set up in their constructors and not
-/// changed afterwards; then they may be read from any thread. Texts handed out stay valid after the
-/// library has been unloaded.
+/// changed afterwards; then they may be read from any thread. Texts that it returns stay valid
+/// after the library has been unloaded.
 class MESSAGEAPI_API FieldInfo
 {
 public:
-    /// What a field is there for.
+    /// Purpose of a field.
     enum Role {
         Unset = 0,
         Data = 1,      ///< carries data
@@ -49,8 +49,8 @@ public:
     /// The same without any test: the caller knows that the value is there.
     virtual FieldValue getValueUnchecked(const Message* message, unsigned index) const = 0;
 
-    /// All values of the field as people read them; empty when there are none. Names stand for
-    /// values that have one. Integers are multiplied by the scale factor and shown with the
+    /// All values of the field for people to read; empty when there are none. Values that have
+    /// a name are shown by it. Integers are multiplied by the scale factor and shown with the
     /// precision, or if none is set with the decimals that the factor needs; where the precision
     /// would show the factor itself as zero, with 7 significant digits. Values are separated by
     /// blanks; characters form one text, which ends at the first zero. The unit follows once, if
@@ -137,7 +137,7 @@ protected:
     void addSubFieldInfo(FieldInfo* subField);
 
 private:
-    /// Whether words stand for the value instead of a number; then they are put into `text`.
+    /// Whether the value is shown as words instead of a number; then they are put into `text`.
     bool hasWords(const FieldValue& value, QString* text) const;
     QString scaledNumber(const FieldValue& value) const;
     QString storedNumber(const FieldValue& value) const;

@@ -57,7 +57,7 @@ QString FloatRepresentation::getString(float value, char format, int precision, 
     if (precision <= own) {
         return render(wide, format, precision, display);
     }
-    // At least one decimal, so that the zeros stand behind a decimal point.
+    // At least one decimal, so that the zeros follow a decimal point.
     const int shown = std::max(own, 1);
     QString text = render(wide, format, shown, display);
     const QLocale locale = display ? QLocale() : QLocale::c();

@@ -15,7 +15,7 @@ public:
     /// from zero. Values that are not finite are "nan", "inf" and "-inf" in plain form.
     static QString getString(double value, char format, int precision, bool display);
 
-    /// Likewise, with the float's own digits: decimals beyond those that tell it from its
+    /// Likewise, with the float's own digits: decimals beyond those that distinguish it from its
     /// neighbours are zeros, not what widening it to double brings up. 0.1f with 12 decimals is
     /// "0.100000000000".
     static QString getString(float value, char format, int precision, bool display);

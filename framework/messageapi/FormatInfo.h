@@ -46,7 +46,7 @@ protected:
     void addSubMessageInfo(const MessageInfo* info);
 
     /// Withholds the formats that this thread constructs from the list until the outermost SetUp of
-    /// the thread ends, so that nobody finds a format whose types are still being added.
+    /// the thread ends, so that no other thread finds a format whose types are still being added.
     class MESSAGEAPI_API SetUp
     {
     public:

@@ -88,10 +88,10 @@ void MessageInfo::addFieldInfo(FieldInfo* field, int order, bool isIdentifying)
         m_places.append(Place{order, isIdentifying});
         return;
     }
-    const auto behind =
+    const auto next =
         std::upper_bound(m_places.cbegin(), m_places.cend(), order,
                          [](int wanted, const Place& place) { return wanted < place.order; });
-    const int place = static_cast<int>(behind - m_places.cbegin());
+    const int place = static_cast<int>(next - m_places.cbegin());
     m_fieldInfos.insert(place, field);
     m_places.insert(place, Place{order, isIdentifying});
 }

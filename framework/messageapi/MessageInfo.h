@@ -12,7 +12,7 @@ class FormatInfo;
 /// Describes one type of message: its name, its attributes and its fields in display order.
 ///
 /// Instances are static objects of the format's library, set up in their constructors and not
-/// changed afterwards; then they may be read from any thread. The pointers that it hands out are
+/// changed afterwards; then they may be read from any thread. The pointers that it returns are
 /// not owned and live as long as that library; texts stay valid after it has been unloaded.
 class MESSAGEAPI_API MessageInfo
 {
@@ -54,8 +54,8 @@ public:
     /// The field of that name, or null.
     const FieldInfo* getFieldInfo(const QString& name) const;
 
-    /// Whether the field at this place of the list tells messages of the type that stand for
-    /// different things (antennas, satellites) from each other. False behind the end of the list.
+    /// Whether the field at this place of the list distinguishes messages of the type that are
+    /// about different things (antennas, satellites). False beyond the end of the list.
     bool isIdentifying(int fieldIndex) const;
 
     const QVector<DiscriminantValue>& getDiscriminantValues() const { return m_discriminantValues; }

@@ -9,8 +9,8 @@
 
 class FormatInfo;
 
-/// Publishes messages and events to whoever connects to its signals. A signal is emitted by calling
-/// it; receivers in the same thread have run when the call returns.
+/// Publishes messages and events to all receivers connected to its signals. A signal is emitted by
+/// calling it; receivers in the same thread have run when the call returns.
 ///
 /// A message is only sure to live during the notification: a receiver that keeps it takes a
 /// reference. Pointers to messages therefore do not travel through queued connections; events and

@@ -44,7 +44,7 @@ public:
     /// without gaps, a binary search where they ascend.
     const QString* find(const FieldValue& value) const;
 
-    /// Invalidates what begin() and the like have given. A literal is copied, another text shared.
+    /// Invalidates iterators. A literal is copied, another text shared.
     void add(const FieldValue& value, const QString& name)
     {
         const auto place = static_cast<size_t>(m_size);

@@ -10,7 +10,7 @@
 
 class Message;
 
-/// Tells the time, now or of a message. The base is the system's clock in UTC; its milliseconds
+/// The time, now or of a message. The base is the system's clock in UTC; its milliseconds
 /// count from 1970-01-01T00:00:00Z. A derived class may know a better time, and counts from where
 /// its own time scale begins.
 class MESSAGEAPI_API TimeSource : public QObject

@@ -194,7 +194,7 @@ TEST(Census, SubBlocksAndIdentifyingFields)
     }
 }
 
-/// The fields that a block carries behind its header, without the bit ranges of words.
+/// The fields that a block has after its header, without the bit ranges of words.
 std::vector<const TQX_FieldInfo*> storedFields(const MessageInfo& info)
 {
     std::vector<const TQX_FieldInfo*> stored;

@@ -48,7 +48,7 @@ void appendEverywhere(const TQX_TypeLayout& type, void* record)
     }
 }
 
-// Every element of `before` stands unchanged in `after`, which has more.
+// Every element of `before` is unchanged in `after`, which has more.
 void expectKept(const TQX_TypeLayout& type, const void* before, const void* after)
 {
     for (int row = 0; row < type.fieldCount; ++row) {
@@ -126,7 +126,7 @@ size_t allocatedBytes()
     return info.uordblks + info.hblkhd;
 }
 
-// What decoding a block of so many bytes may allocate: the entries that the bytes can hold, and in
+// What decoding a block of a given size may allocate: the entries that the bytes can hold, and in
 // each level the array that was announced and turned out not to be there.
 size_t largestAllocation(const TQX_TypeLayout& type, size_t bytes, size_t owners = 1)
 {

@@ -71,7 +71,7 @@ TEST(Counts, OfNumbersEndWithTheRoom)
     }
 }
 
-// The ID has no room, and the first byte after it goes where it would have stood.
+// The ID has no room, and the first byte after it goes where it would have been.
 TEST(EncodeIntoFiveBytes, WritesNoPartOfTheId)
 {
     std::mt19937_64 random(1);

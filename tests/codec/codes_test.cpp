@@ -62,12 +62,13 @@ void decodeInAllWays(const TQX_TypeLayout& type, int round, std::mt19937_64& ran
          ++size)
         decodeOnce(type, bytes, size, options.revision, 0, 0, codes);
     decodeOnce(type, bytes, bytes.size(), options.revision, 0, 1, codes);
-    std::vector<uint8_t> behind(1);
-    behind.insert(behind.end(), bytes.begin(), bytes.end());
-    decodeOnce(type, behind, behind.size(), options.revision, 8, 0xffffffffU, codes);
+    std::vector<uint8_t> shifted(1);
+    shifted.insert(shifted.end(), bytes.begin(), bytes.end());
+    decodeOnce(type, shifted, shifted.size(), options.revision, 8, 0xffffffffU, codes);
 }
 
-// Tries each type until what can come of it has come, and compares what came of all. Returns it.
+// Tries each type until every possible code has occurred, and compares all that occurred. Returns
+// them.
 template<typename Wanted, typename Try>
 Codes codesOf(const std::vector<const TQX_TypeLayout*>& types, Direction direction, Wanted wantedOf,
               Try tryInAllWays)

@@ -84,7 +84,7 @@ void expectEqual(const reference::Entry& entry, const void* record, const std::s
 void expectEqualField(const TQX_TypeLayout& type, const TQX_FieldLayout& field,
                       const reference::Content& read, const void* record, const std::string& name)
 {
-    // The bytes behind the last whole word of a payload are no element of it.
+    // The bytes after the last whole word of a payload are not an element of it.
     const size_t elements =
         field.kind == TQX_FieldKind::Bits
             ? std::min<size_t>(read.values.size(), TQX_elementCount(type, field, record))

@@ -55,7 +55,7 @@ bool breaksAlike(const TQX_TypeLayout& type)
                        });
 }
 
-// Every buffer that is too small is refused, and nothing is written behind it.
+// Every buffer that is too small is refused, and nothing is written beyond it.
 void expectRefused(const TQX_TypeLayout& type, AnyRecord& record, const std::vector<uint8_t>& bytes)
 {
     constexpr uint8_t mark = 0x5a;

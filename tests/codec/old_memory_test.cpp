@@ -1,4 +1,4 @@
-// Nothing that stood in memory before can be found in it after init, decoding, appending and
+// Nothing that was in memory before can be found in it after init, decoding, appending and
 // encoding: each of them is done twice, over memory of different content, and whatever can be
 // reached afterwards must be the same. A third time the memory was never written, which is what a
 // memory checker looks for.

@@ -62,7 +62,7 @@ std::string escaped(const std::string& text)
                        ? std::string(1, letter)
                        : std::string("[") + letter + "]";
     }
-    // A backslash stands for itself within brackets.
+    // A backslash is literal within brackets.
     return pattern;
 }
 

@@ -92,7 +92,7 @@ TEST_F(GeneratedText, KeepsToHundredColumnsAndOneIndentation)
         for (const std::string& line : linesOf(name)) {
             ++number;
             const std::size_t indent = std::min(line.find_first_not_of(' '), line.size());
-            const bool isInitialiser = indent == 6; // behind "    : "
+            const bool isInitialiser = indent == 6; // after "    : "
             EXPECT_LE(line.size(), 100U) << name << ':' << number;
             EXPECT_TRUE(indent % 4 == 0 || isInitialiser || line.find("TQX_layout(") == indent)
                 << name << ':' << number << ": " << line;

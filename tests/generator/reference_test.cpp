@@ -10,6 +10,8 @@
 #include <fstream>
 #include <iterator>
 #include <regex>
+#include <sstream>
+#include <string>
 
 using namespace korcg::generator;
 
@@ -22,29 +24,45 @@ std::string contentOf(const std::filesystem::path& path)
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
-TEST(Reference, EveryTypeHasItsPageAndEveryLinkItsTarget)
+/// The reference of the synthetic format, in a folder that is removed at the end.
+class Reference : public testing::Test
 {
-    const Format& format = synthetic();
-    const std::filesystem::path directory =
-        std::filesystem::path(testing::TempDir()) / "korcg-reference";
-    std::filesystem::remove_all(directory);
-    Output output(directory);
-    Errors errors;
-    emitReference(format, select(format, {}, errors), output);
-    for (const RecordType& type : format.types) {
-        const std::string text = contentOf(directory / reference::pageName(type.name));
+protected:
+    Reference()
+        : m_directory(std::filesystem::path(testing::TempDir()) / "korcg-reference"),
+          m_output((std::filesystem::remove_all(m_directory), m_directory))
+    {
+        Errors errors;
+        emitReference(synthetic(), select(synthetic(), {}, errors), m_output);
+    }
+    ~Reference() override { std::filesystem::remove_all(m_directory); }
+
+    std::string content(const std::string& name) const { return contentOf(m_directory / name); }
+
+    std::filesystem::path m_directory;
+    Output m_output;
+};
+
+TEST_F(Reference, EveryTypeHasItsPageAndEveryLinkItsTarget)
+{
+    const std::string data = content("search-data.js");
+    for (const RecordType& type : synthetic().types) {
+        const std::string text = content(reference::pageName(type.name));
         for (const Field& field : type.fields) {
             EXPECT_NE(text.find("<td>" + reference::escaped(field.name) + "</td>"),
                       std::string::npos)
                 << type.name << "::" << field.name;
+            const std::string target = "\"type-" + type.name + ".html#f-";
+            EXPECT_NE(data.find(target), std::string::npos) << type.name;
         }
     }
-    const std::regex link("href=\"([^\"#]*)(#([^\"]*))?\"");
-    for (const std::string& name : output.names()) {
-        const std::string text = contentOf(directory / name);
+    const std::regex link("(?:href|src)=\"([^\"#]*)(#([^\"]*))?\"");
+    for (const std::string& name : m_output.names()) {
+        const std::string text = content(name);
         for (std::sregex_iterator match(text.begin(), text.end(), link), end; match != end;
              ++match) {
-            const std::string target = contentOf(directory / (*match)[1].str());
+            const std::string page = (*match)[1].str();
+            const std::string target = page.empty() ? text : content(page);
             EXPECT_FALSE(target.empty()) << name << ": " << (*match)[1];
             if ((*match)[3].matched) {
                 EXPECT_NE(target.find("id=\"" + (*match)[3].str() + "\""), std::string::npos)
@@ -52,12 +70,66 @@ TEST(Reference, EveryTypeHasItsPageAndEveryLinkItsTarget)
             }
         }
     }
-    std::filesystem::remove_all(directory);
 }
 
-TEST(Reference, EscapesWhatMeansSomethingInHtml)
+TEST_F(Reference, PlacesOfTheSearchAreInThePages)
+{
+    const std::string data = content("search-data.js");
+    const std::regex entry(R"re(^\["([^"]*)","([^"#]*)(?:#([^"]*))?",([012]),)re");
+    int counts[3] = {};
+    std::istringstream lines(data);
+    for (std::string line; std::getline(lines, line);) {
+        std::smatch match;
+        if (!std::regex_search(line, match, entry))
+            continue;
+        ++counts[std::stoi(match[4])];
+        const std::string text = content(match[2]);
+        EXPECT_FALSE(text.empty()) << line;
+        EXPECT_TRUE(!match[3].matched ||
+                    text.find("id=\"" + match[3].str() + "\"") != std::string::npos)
+            << line;
+    }
+    EXPECT_EQ(counts[0], static_cast<int>(synthetic().types.size()));
+    EXPECT_GT(counts[1], counts[0]);
+    EXPECT_GT(counts[2], 2);
+}
+
+TEST_F(Reference, SaysWhatTheDescriptionImplies)
+{
+    struct Case {
+        const char* page;
+        const char* text;
+    };
+    const Case cases[] = {
+        {"type-Grid.html", "<dt>Block number</dt><dd>5001</dd>"},
+        {"type-Grid.html", "18 bytes + N1&thinsp;&times;&thinsp;SB1Length + "
+                           "N2&thinsp;&times;&thinsp;the size of a Note<"},
+        {"type-Cell.html", "2 bytes + M&thinsp;&times;&thinsp;SB2Length"},
+        {"type-Cell.html", "Part of <a href=\"type-Grid.html#f-Cells\">"},
+        {"type-Carrier.html", "16 bytes + the fields that depend on Kind"},
+        {"type-Payload.html", "18 bytes + the fields that depend on Mode"},
+        {"type-Growing.html", "<dd>22 bytes</dd>"}, // of all revisions, by padding
+        {"type-Growing.html", "<td>B <small>byte</small></td>"},
+        {"type-Growing.html",
+         "<td>18</td><td>Second</td><td>u8</td><td></td><td></td><td></td><td>1</td>"},
+        {"type-Growing.html", "<td>s <small>second</small></td><td>0.001</td>"},
+        {"type-Note2.html", "not available: -32768"},
+        {"index.html", "Holds First, Jumps, Second, Third"},
+        {"names.html", "Used by <a href=\"type-Cell.html#f-Row_Number\">"},
+    };
+    for (const Case& c : cases)
+        EXPECT_NE(content(c.page).find(c.text), std::string::npos) << c.page << ": " << c.text;
+}
+
+TEST(ReferenceText, EscapesWhatMeansSomethingInHtml)
 {
     EXPECT_EQ(reference::escaped("a < b & \"c\" > d"), "a &lt; b &amp; &quot;c&quot; &gt; d");
+}
+
+TEST(ReferenceText, EscapesWhatMeansSomethingInScripts)
+{
+    EXPECT_EQ(reference::scriptText("a\\b \"c\" </script>"),
+              "\"a\\\\b \\\"c\\\" \\u003c/script>\"");
 }
 
 } // namespace

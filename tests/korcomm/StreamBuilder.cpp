@@ -81,7 +81,7 @@ Bytes randomStream(std::mt19937& random)
     };
     Bytes stream;
     for (size_t parts = below(12); parts != 0; --parts) {
-        const Bytes sound = block(noise(below(8) == 0 ? below(3000) : below(60)));
+        const Bytes intact = block(noise(below(8) == 0 ? below(3000) : below(60)));
         switch (below(8)) {
         case 0:
             stream = stream + noise(below(40));
@@ -91,19 +91,19 @@ Bytes randomStream(std::mt19937& random)
                 stream + falseHeader(static_cast<uint16_t>(below(below(2) == 0 ? 200 : 0xffff)));
             break;
         case 2:
-            stream = stream + flipped(sound, below(sound.size()));
+            stream = stream + flipped(intact, below(intact.size()));
             break;
         case 3:
-            stream = stream + cut(sound, below(sound.size()));
+            stream = stream + cut(intact, below(intact.size()));
             break;
         case 4:
-            stream = stream + block(noise(below(10)) + sound + noise(below(10)));
+            stream = stream + block(noise(below(10)) + intact + noise(below(10)));
             break;
         case 5:
-            stream = stream + flipped(block(noise(below(10)) + sound), below(8)) + sound;
+            stream = stream + flipped(block(noise(below(10)) + intact), below(8)) + intact;
             break;
         default:
-            stream = stream + sound;
+            stream = stream + intact;
         }
     }
     return stream;

@@ -11,7 +11,7 @@ using Bytes = std::vector<uint8_t>;
 /// The checksum of a block, bit by bit.
 uint16_t slowChecksum(const uint8_t* bytes, size_t size);
 
-/// "$@", a checksum of 0, block number 4007, `length`: a header that no block stands behind.
+/// "$@", a checksum of 0, block number 4007, `length`: a header without a block.
 Bytes falseHeader(uint16_t length);
 
 /// An intact block around `body`.

@@ -174,20 +174,20 @@ double secondsToFrame(const Bytes& stream)
     return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
-// Summing each claim anew would cost thousands of times the sound stream.
+// Summing each claim again would cost thousands of times the intact stream.
 TEST(BlockFramer, OverlappingClaimsCostLittle)
 {
-    Bytes sound;
+    Bytes intact;
     Bytes hostile;
-    while (sound.size() < 16000000) {
+    while (intact.size() < 16000000) {
         const Bytes longest = blockOfSize(0xffff);
-        sound.insert(sound.end(), longest.begin(), longest.end());
+        intact.insert(intact.end(), longest.begin(), longest.end());
     }
-    while (hostile.size() < sound.size()) {
+    while (hostile.size() < intact.size()) {
         const Bytes claim = falseHeader(0xffff);
         hostile.insert(hostile.end(), claim.begin(), claim.end());
     }
-    EXPECT_LT(secondsToFrame(hostile), 500 * secondsToFrame(sound));
+    EXPECT_LT(secondsToFrame(hostile), 500 * secondsToFrame(intact));
 }
 
 } // namespace

@@ -117,19 +117,19 @@ double secondsToAsk(const Bytes& stream)
     return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
-// Looking at every claim anew with each piece would cost hundreds of times as much.
+// Looking at every claim again with each piece would cost hundreds of times as much.
 TEST(WaitingCandidate, AskingOftenCostsLittle)
 {
-    Bytes sound;
+    Bytes intact;
     Bytes hostile;
-    while (sound.size() < 1000000) {
-        sound = sound + blockOfSize(1000);
+    while (intact.size() < 1000000) {
+        intact = intact + blockOfSize(1000);
     }
-    while (hostile.size() < sound.size()) {
+    while (hostile.size() < intact.size()) {
         const Bytes claim = falseHeader(static_cast<uint16_t>(40000 + hostile.size() % 7919));
         hostile.insert(hostile.end(), claim.begin(), claim.end());
     }
-    EXPECT_LT(secondsToAsk(hostile), 500 * secondsToAsk(sound));
+    EXPECT_LT(secondsToAsk(hostile), 500 * secondsToAsk(intact));
 }
 
 } // namespace

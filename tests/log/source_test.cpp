@@ -77,7 +77,7 @@ TEST(Sources, AreRecognisedByTheirFirstBytes)
         {"padded gzip", gzipped(content) + Bytes(1000, 0), content},
         {"zstd", zstdFrame(content), content},
         {"zstd frames", zstdFrame(first) + skippable + zstdFrame(second), content},
-        {"zstd behind a skipped frame", skippable + zstdFrame(content), content},
+        {"zstd after a skipped frame", skippable + zstdFrame(content), content},
     };
     for (const auto& row : rows) {
         for (const size_t piece : {size_t{1000}, size_t{1} << 20}) {
@@ -108,14 +108,14 @@ TEST(Sources, DamageIsReportedAfterAllBytesBeforeIt)
          std::to_string(gzip.size() + 15) + ": the gzip stream ends too early"},
         {"gzip checksum", flipped(gzip, gzip.size() - 8), 500000, "the gzip stream is damaged"},
         {"gzip middle", flipped(gzip, gzip.size() / 2), 200000, "the gzip stream is damaged"},
-        {"behind gzip", gzip + text("x"), 500000,
+        {"after gzip", gzip + text("x"), 500000,
          std::to_string(gzip.size()) + ": bytes that are no gzip stream follow its end"},
-        {"behind padding", gzip + Bytes{0, 1}, 500000,
+        {"after padding", gzip + Bytes{0, 1}, 500000,
          std::to_string(gzip.size() + 1) + ": bytes that are no gzip stream follow its end"},
         // zstd gives whole blocks of 128 kB.
         {"zstd cut", cut(zstd, zstd.size() * 3 / 4), 262144,
          std::to_string(zstd.size() * 3 / 4) + ": the zstd stream ends too early"},
-        {"behind zstd", zstd + text("not a frame"), 500000, "the zstd stream is damaged"},
+        {"after zstd", zstd + text("not a frame"), 500000, "the zstd stream is damaged"},
     };
     for (const auto& row : rows) {
         for (const size_t piece : {size_t{999}, size_t{1} << 20}) {

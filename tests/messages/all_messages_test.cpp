@@ -112,7 +112,7 @@ private:
                "::" + m_field->name + why;
     }
 
-    /// What getValue says behind the last value.
+    /// What getValue says beyond the last value.
     std::string failureBehind() const
     {
         if (!m_present && m_info->getName().startsWith("_padding"))

@@ -1,4 +1,4 @@
-// Messages show nothing of what stood in memory before their block was decoded, and nothing that
+// Messages show nothing of what was in memory before their block was decoded, and nothing that
 // is beyond the room of a record that was filled by hand.
 
 #include "FieldRoles.h"

@@ -24,7 +24,7 @@ QString text(std::string_view characters)
     return QString::fromUtf8(characters.data(), static_cast<int>(characters.size()));
 }
 
-/// The number that a value of a field stands for, in the form that the facts have it in.
+/// The number of a value of a field, in the form that the facts have it in.
 FieldValue integerValue(const TQX_FieldLayout& layout, uint64_t bits)
 {
     const bool isSigned = layout.type == TQX_MemberType::I8 || layout.type == TQX_MemberType::I16 ||

@@ -17,7 +17,7 @@
 namespace
 {
 
-/// Texts of every kind that the metadata hands out, read while the plug-in is there.
+/// Texts of every kind that the metadata returns, read while the plug-in is there.
 struct Texts {
     QStringList ofFields;
     QString ofAnEvent;

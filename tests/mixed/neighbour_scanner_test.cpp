@@ -197,7 +197,7 @@ double secondsToScan(const Bytes& run, size_t piece)
     return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
-// Summing each claim anew would cost hundreds of times as much.
+// Summing each claim again would cost hundreds of times as much.
 TEST(NeighbourScanner, OverlappingClaimsCostLittle)
 {
     constexpr size_t size = 4000000;

@@ -68,7 +68,7 @@ public:
                appended;
     }
 
-    /// Counts anew; bytes that wait in the synchroniser are not accounted for any more.
+    /// Starts counting again; bytes that wait in the synchroniser are not accounted for any more.
     void forget() { static_cast<Counts&>(*this) = {}; }
 
     TQXSynchronizer synchronizer;

@@ -68,7 +68,7 @@ TEST(TQXDecoder, ReturnsAndPublishesResults)
         Log log;
     } rows[] = {
         {"whole", whole, bits, publishedNames},
-        {"bytes behind it", whole + "xyz", bits, publishedNames},
+        {"bytes after it", whole + "xyz", bits, publishedNames},
         {"more than the longest block", whole + QByteArray(70000, 'x'), bits, publishedNames},
         {"a size of 65536", whole + QByteArray(65536 - whole.size(), 'x'), bits, publishedNames},
         {"empty", {}, invalidMessage, unknownZero},

@@ -131,7 +131,7 @@ TEST(DiffCorrInExtractorDeathTest, UnsupportedModeIsAnAssertion)
         const TQX_DiffCorrIn_Extractor extractor(&decoder, &target, 4);
         decode(decoder, diffCorrIn(4, {}));
     };
-    // The process of the test reads the environment anew.
+    // The process of the test reads the environment again.
     const QByteArray path = QByteArray::fromStdString(testing::TempDir()) + "extractor_test.log";
     qputenv("KOR_TQX_LOGFILE", path);
     EXPECT_EXIT(extractUnsupported(), testing::ExitedWithCode(1),

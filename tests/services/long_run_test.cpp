@@ -25,7 +25,7 @@ double peakOfMemory()
     return static_cast<double>(usage.ru_maxrss);
 }
 
-// A receiver that keeps every so many messages until so many newer ones have come, and then looks
+// A receiver that keeps some messages until a number of newer ones have come, and then looks
 // at them once more.
 class Keeper
 {

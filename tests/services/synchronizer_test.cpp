@@ -30,7 +30,7 @@ TEST(TQXSynchronizer, EventsTellWhatIsWrong)
         QByteArray bytes;
         Log log;
     } rows[] = {
-        {"sound", {}, {}},
+        {"intact", {}, {}},
         {"junk", "abc", {"4 TQX: 3 bytes dropped"}},
         {"length",
          QByteArray("$@\0\0\0\0\x07\0", 8),

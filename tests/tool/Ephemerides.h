@@ -11,7 +11,7 @@ class Message;
 constexpr double lightSpeed = 299792458.0;
 constexpr double earthRate = 7.2921151467e-5;
 
-/// What the navigation messages of one satellite tell, as their blocks hold it.
+/// What the navigation messages of one satellite say, as their blocks hold it.
 struct BroadcastOrbit {
     // Kepler elements (IS-GPS-200, Galileo OS SIS ICD, BDS-SIS-ICD); angles in semicircles.
     double toe, sqrtA, m0, deltaN, e, omega, omega0, omegaDot, i0, iDot;
@@ -29,7 +29,7 @@ struct BroadcastOrbit {
 class Ephemerides
 {
 public:
-    /// Keeps what the message tells if it is an ephemeris.
+    /// Keeps what the message holds if it is an ephemeris.
     void take(const Message& message);
 
     /// Earth-fixed position at a GPS time of the week, nothing without an ephemeris that is fresh.

@@ -30,7 +30,7 @@ struct Tracked {
     std::vector<Range> ranges;
 };
 
-/// The satellites of an epoch, as the message's own and derived values tell.
+/// The satellites of an epoch, as the message's own and derived values say.
 std::vector<Tracked> trackedIn(const TQX_MeasEpoch2_Message& epoch);
 
 struct Fix {
@@ -55,7 +55,7 @@ public:
     /// From the systems whose bits are set.
     Fix solve(const std::vector<Tracked>& satellites, unsigned systems) const;
 
-    /// What geometry, clocks and troposphere leave of a code, and where the satellite stands.
+    /// What geometry, clocks and troposphere leave of a code, and where the satellite is.
     struct Unexplained {
         double metres;
         Eigen::Vector3d line; ///< from the antenna to the satellite

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-/// What a run of the program left behind.
+/// What a run of the program wrote and returned.
 struct ToolRun {
     int status; ///< exit status, -1 when it did not end by itself
     std::string output;

@@ -104,7 +104,7 @@ TEST(Compact, BeginsWithAReferenceEpoch)
     }
     EXPECT_GT(early, 200U);
     EXPECT_GT(later, 1000U);
-    // Whoever only wants the later part reads the epochs before.
+    // A command for only the later part reads the epochs before.
     const std::string all = without({"--not-type", "MeasEpoch2"}, log);
     for (const auto& [key, row] : observationsOf(all, {"--from", "2400:216005"})) {
         EXPECT_GE(std::get<0>(key), 216005);

@@ -13,7 +13,7 @@ namespace
 
 constexpr size_t said = 10;
 
-/// So many blocks, each behind junk.
+/// A number of blocks, each after junk.
 std::string damagedStream(size_t places)
 {
     const std::string block =

@@ -17,7 +17,7 @@ using Kind = tqx::BlockPiece::Kind;
 namespace
 {
 
-/// Every byte of a block that decodes stands in one piece, and the pieces follow each other.
+/// Every byte of a block that decodes is in one piece, and the pieces follow each other.
 void expectAllBytes(const tqx::BlockWalk& walk, size_t size)
 {
     uint32_t offset = 0;
@@ -207,7 +207,7 @@ TEST(Explain, ExplainsReportsOfDamage)
     EXPECT_GT(headers, 10U);
 }
 
-// A sync that no block can have stands before the header.
+// A sync that no block can have precedes the header.
 TEST(Explain, LooksForTheHeaderInTheDamage)
 {
     const std::string sound = runTool({"cut", "--type", "4007", "data/samples/random.tqx"}).output;

@@ -46,7 +46,7 @@ protected:
 
 } // namespace
 
-// The second piece comes at once behind the first, then nothing.
+// The second piece comes right after the first, then nothing.
 TEST_F(Live, RowsAreInTheirFilesAsTheyCome)
 {
     const std::string log = runTool({"simulate", "--duration", "2"}).output;

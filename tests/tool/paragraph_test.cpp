@@ -138,7 +138,7 @@ QString linesOf(const Chain& chain, bool stored, int indentation)
     return text;
 }
 
-/// Compares the paragraphs of a stream, what is behind their first lines.
+/// Compares the paragraphs of a stream, what follows their first lines.
 void compareParagraphs(const std::string& stream, bool stored)
 {
     const tqx::FieldFilter everything;

@@ -10,7 +10,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-// What stands on a terminal while a long input is read.
+// What a terminal shows while a long input is read.
 
 namespace
 {

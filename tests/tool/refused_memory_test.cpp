@@ -46,7 +46,7 @@ ToolRun runRefused(const QStringList& arguments, unsigned long period)
 
 } // namespace
 
-// What was written before is the beginning of what would have been; nothing is left out.
+// The output so far is the beginning of the complete output, without omissions.
 TEST_P(RefusedMemory, EndsWithACleanMessage)
 {
     const ToolRun whole = runRefused(GetParam().arguments, 0);

@@ -262,7 +262,7 @@ INSTANTIATE_TEST_SUITE_P(
              "            ^"},
         Case{"NoQuotes",
              {"--where", "NrSV == eight"},
-             "--where: names and texts stand in quotes\n"
+             "--where: names and texts need quotes\n"
              "  NrSV == eight\n"
              "          ^"},
         Case{"OpenQuote",

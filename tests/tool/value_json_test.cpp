@@ -103,7 +103,7 @@ TEST(ValueJson, BlocksWithoutKnownFieldsHaveTheirBytes)
     EXPECT_EQ(valueLines(stream, {"--field", "Height"}).size(), 0U);
 }
 
-// The stored value is finite, what it stands for is not.
+// The stored value is finite, its meaning is not.
 TEST(ValueJson, ValuesThatTheirScaleMakesInfiniteAreNamed)
 {
     struct Case {

@@ -5,7 +5,7 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-// The length of nested entries stands in the main block.
+// The length of nested entries is in the main block.
 const TQX_FieldLayout* nestedSizedBy(const TQX_TypeLayout& sub, int row)
 {
     for (int i = 0; i < sub.fieldCount; ++i) {

@@ -9,7 +9,7 @@ enum class Direction { Decoding, Encoding };
 
 /// The codes of one type that an operation can produce, as they follow from its layout.
 ///
-/// - EXT_BUFFER_OVERFLOW names the last field that did not fit. Behind a field that does not fit
+/// - EXT_BUFFER_OVERFLOW names the last field that did not fit. After a field that does not fit
 ///   every further scalar is still tried at the same place, so a field has its say only when each
 ///   of them fits into the bytes that were too few for it. This leaves Sync1, and most fields that
 ///   are followed by a wider or equally wide one, without it.

@@ -10,7 +10,7 @@
 struct BlockOptions {
     unsigned revision = 0;
     unsigned largestCount = 4; ///< entries and elements of counted fields
-    unsigned extraBytes = 0;   ///< unknown bytes behind each entry
+    unsigned extraBytes = 0;   ///< unknown bytes after each entry
     bool overrun = false;      ///< counted fields hold one element more than records have room for
 };
 

@@ -24,7 +24,7 @@ bool isCompared(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const 
 {
     if (compared != Compared::WireFields)
         return true;
-    // CRC, ID and Length are the encoder's; what the ID says stands in members of its own.
+    // CRC, ID and Length are the encoder's; what the ID holds is in members of its own.
     const bool isFrame =
         type.linksToMain == 0 && field.wireOffset >= 2 && field.wireOffset < 8 && isOnWire(field);
     return isOnWire(field) && !isFrame && !field.isPadding &&
@@ -33,7 +33,7 @@ bool isCompared(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const 
             roleOf(type, static_cast<int>(&field - type.fields)).sized == nullptr);
 }
 
-// Elements of a member; a payload that is counted in bytes may end inside the one behind.
+// Elements of a member; a payload that is counted in bytes may end inside the next one.
 uint32_t elementsOf(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const void* record,
                     Compared compared)
 {
@@ -48,7 +48,7 @@ uint32_t elementsOf(const TQX_TypeLayout& type, const TQX_FieldLayout& field, co
     const auto count =
         static_cast<uint32_t>(TQX_unsignedValue(type.fields[counted->count], record));
     const uint32_t elements = counted->countsBytes ? count / TQX_elementSize(*counted) : count;
-    // Of what exceeds the capacity nothing is kept.
+    // Elements beyond the capacity are not kept.
     return (counted->kind == TQX_FieldKind::Blocks
                 ? elements
                 : std::min<uint32_t>(elements, counted->elements)) +

@@ -6,7 +6,7 @@
 
 #include <QString>
 
-/// Stands in for the framework's class and notes each call of a derived class.
+/// Replaces the framework's class and notes each call of a derived class.
 class FieldInfo
 {
 public:

@@ -7,7 +7,7 @@
 
 class FormatInfo;
 
-/// Stands in for the framework's class and notes each call of a derived class.
+/// Replaces the framework's class and notes each call of a derived class.
 class MessageInfo
 {
 protected:

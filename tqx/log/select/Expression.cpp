@@ -291,7 +291,7 @@ void ExpressionParser::readValue(ExpressionTerm& term)
     const std::optional<Number> number = readNumber(term.value.text);
     if (!number) {
         fail(end != m_at && isLetter(m_text[m_at])
-                 ? "names and texts stand in quotes"
+                 ? "names and texts need quotes"
                  : "a number, or a name in quotes, is expected here");
     }
     term.number = *number;

@@ -35,7 +35,7 @@ public:
     int getNumberOfBytesLeft() const override;
 
     /// The input has ended: a block that can never become complete is given up, and intact ones
-    /// behind what looked like its header can be fetched. Does nothing over a communications
+    /// after what looked like its header can be fetched. Does nothing over a communications
     /// library that does not offer it.
     void flush();
 

@@ -14,7 +14,7 @@ namespace
 
 std::atomic<int> traceLevel{-1};
 
-// Whether the header time of messages of this type is the time that they stand for.
+// Whether the header time of messages of this type is the time that they are of.
 bool countsHeaderTime(const MessageInfo* info)
 {
     const QVariant timestamp = info->getAttribute(QStringLiteral("timestamp"));

@@ -4,7 +4,7 @@
 
 #include "TimeSource.h"
 
-/// Tells the GNSS time of messages whose header carries it; otherwise the time of the base.
+/// The GNSS time of messages whose header has it; otherwise the time of the base.
 class TQX_API TqxTimeSource : public TimeSource
 {
     Q_OBJECT

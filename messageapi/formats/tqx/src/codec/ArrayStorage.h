@@ -5,7 +5,7 @@
 namespace Kor::MessageApi
 {
 
-/// Where the entries of a record's sub-block array live. The flag stands right behind the array
+/// Where the entries of a record's sub-block array live. The flag directly follows the array
 /// pointer; decoding, appending and releasing keep it, nobody else needs to look at it.
 enum class ArrayStorage : uint8_t {
     Own,      ///< an allocation of its own

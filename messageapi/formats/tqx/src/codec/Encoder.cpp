@@ -54,7 +54,7 @@ bool standsBehindEntry(const TQX_FieldLayout& field)
            (field.kind == TQX_FieldKind::Embedded && field.length >= 0);
 }
 
-// Whether the sub-block that stands inside an entry is one of several.
+// Whether the sub-block inside an entry is one of several.
 bool choosesContent(const TQX_TypeLayout& type)
 {
     return std::any_of(type.fields, type.fields + type.fieldCount,

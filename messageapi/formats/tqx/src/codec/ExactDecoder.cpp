@@ -241,7 +241,7 @@ int32_t ExactDecoder::run(void* father, uint32_t explicitLength)
         }
         if (m_pending != 0 || !isOnWire(field))
             continue;
-        // The length of an entry covers what stands before its nested entries.
+        // The length of an entry covers the fields before its nested entries.
         const bool nested = field.kind == TQX_FieldKind::Blocks ||
                             (field.kind == TQX_FieldKind::Embedded && field.length >= 0);
         if (nested && father != nullptr && lengthToApply != 0) {

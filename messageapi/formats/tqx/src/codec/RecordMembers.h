@@ -63,7 +63,7 @@ inline uint32_t countOf(const TQX_TypeLayout& type, const TQX_FieldLayout& field
     return field.countsBytes ? count / TQX_elementSize(field) : count;
 }
 
-/// The storage flag stands right behind the array pointer in every record.
+/// The storage flag directly follows the array pointer in every record.
 inline ArrayStorage storageOf(const TQX_FieldLayout& field, const void* record)
 {
     return readMember<ArrayStorage>(record, field.recordOffset + sizeof(void*));

@@ -52,7 +52,8 @@
 /// written in blocks of its revisions only. Takes an initialised or decoded record whose counts are
 /// those of its arrays. An ID of 0 goes out as Revision and BlockNumber say, another one as it is
 /// but for the revision, which is that of Revision unless this is 0.
-/// - Entry lengths (SBLength and the like): forced in the record to what is written at revisions 0
+/// - Entry lengths (SBLength, SB1Length and others): forced in the record to what is written at
+/// revisions 0
 ///   and 1, and up to the highest known revision where they are 0. At revisions beyond that they go
 ///   out as the record holds them, and it is the caller who must store the true length.
 /// - Fill: an entry whose content a selecting field chooses is filled with zeros up to the forced

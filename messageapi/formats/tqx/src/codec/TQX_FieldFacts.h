@@ -6,14 +6,14 @@
 #include <string_view>
 
 /// What the values of fields mean, beside where they are (TQX_Layout.h): units, scales, named
-/// values, what stands for "not available". Rows hold indices of tables that all types share, so
+/// values, which value means "not available". Rows hold indices of tables that all types share, so
 /// that they are small and need no relocation; the functions below look them up. Nothing here
 /// allocates or throws, and everything may be used from several threads. Texts are UTF-8, end with
-/// a zero behind their last character and live as long as the library.
+/// a zero after their last character and live as long as the library.
 namespace Kor::MessageApi
 {
 
-/// What a field is there for.
+/// Purpose of a field.
 enum class TQX_Role : uint8_t {
     Unset = 0,     ///< sub-blocks
     Data = 1,      ///< carries data
@@ -147,7 +147,7 @@ inline bool TQX_isRealDoNotUse(const TQX_FieldFacts& field, double value)
     return field.has(TQX_FieldFacts::HasDoNotUse) && value == TQX_realDoNotUse(field);
 }
 
-/// The named values of a field, without the one that NamesDoNotUse stands for.
+/// The named values of a field, without the one of NamesDoNotUse.
 TQX_CODEC_API TQX_NamedValues TQX_namedValues(const TQX_FieldFacts& field);
 
 /// The fields that a derived value is not available without, near and far: what it is computed

@@ -17,14 +17,14 @@ enum class TQX_FieldKind : uint8_t {
     CountedArray, ///< as many numbers as the field `count` says, at most `elements`
     Text,         ///< `elements` characters; the record adds a terminating zero
     CountedText,  ///< as many characters as `count` says, at most `elements`, then a zero
-    Blocks,       ///< a sub-block array; the member is a pointer, the length stands in `count`
+    Blocks,       ///< a sub-block array; the member is a pointer, the length is in `count`
     Embedded,     ///< one sub-block inside the record, decoded when its selector matches
 };
 
 /// Type of one element of a record member.
 enum class TQX_MemberType : uint8_t { U8, I8, U16, I16, U32, I32, U64, F32, F64, Char, Record };
 
-/// When a field is there at all.
+/// When a field is present.
 enum class TQX_Presence : uint8_t {
     Always,
     SinceRevision, ///< the main block's Revision is at least `presenceValue`
@@ -42,10 +42,10 @@ enum class TQX_Summary : uint8_t {
 };
 
 /// One field of a record type: the facts that the table-driven engines, the tool and the field
-/// metadata share. Rows stand in the order of the field list, which is wire order.
+/// metadata share. Rows are in the order of the field list, which is wire order.
 struct TQX_FieldLayout {
     const char* name;       ///< display name, may contain blanks
-    const char* meaning;    ///< explanation where the name does not tell it, else ""
+    const char* meaning;    ///< explanation where the name does not say it, else ""
     int32_t code;           ///< EXT_BUFFER_OVERFLOW code, 0 for fields without one; a counted
                             ///< field's INT_BUFFER_OVERFLOW code is one lower
     uint32_t recordOffset;  ///< bytes from the start of the record to the member

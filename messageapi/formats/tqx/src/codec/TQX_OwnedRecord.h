@@ -37,8 +37,8 @@ public:
     TQX_OwnedRecord(const TQX_OwnedRecord&) = delete;
     TQX_OwnedRecord& operator=(const TQX_OwnedRecord&) = delete;
 
-    /// Decodes a framed block in place of what the record held, see TQX_decode(). Only for a record
-    /// with room for the largest type. After a failure the record is empty.
+    /// Decodes a framed block, replacing the content of the record, see TQX_decode(). Only for a
+    /// record with room for the largest type. After a failure the record is empty.
     int32_t decode(TQX_Context_s* context, const uint8_t* bytes, uint16_t size);
 
     /// Gives the record the starting values of a type, for which it must have room.

@@ -2,7 +2,7 @@
 
 #include "tqx_export.h"
 
-// Failures of field access. They stand out of line so that the getters stay short.
+// Failures of field access. They are out of line so that the getters stay short.
 
 /// Ends the process through qFatal: a field of a message without a record was read. `className` is
 /// the message's class, "TQX_AGCState_Message".

@@ -11,8 +11,8 @@
 // the record that they read, so a message whose record is refilled in place keeps its children.
 
 /// Rebuilds the children of the sub-block arrays of one message. Takes all children out of `owned`
-/// when it is made, puts those that are still right and new ones in as arrays are built, and
-/// deletes in its destructor those that nobody wants any more.
+/// when it is made, puts those that still fit and new ones back as arrays are built, and
+/// deletes in its destructor those that are no longer used.
 ///
 /// `RecordOf` gives the record of a child: const void* (const Message*).
 template<typename RecordOf>

@@ -7,7 +7,7 @@
 
 class Message;
 
-/// Reads the records behind messages. The one place of the metadata that knows where a message
+/// Reads the records of messages. The one place of the metadata that knows where a message
 /// keeps its record.
 class TQX_FieldAccess
 {

@@ -14,7 +14,7 @@
 
 class QLocale;
 
-/// Metadata of one TQX field. All behaviour of the generated field classes stands here, driven by
+/// Metadata of one TQX field. All behaviour of the generated field classes is here, driven by
 /// the row that each passes; they add nothing but their singletons.
 ///
 /// Field classes rely on a complete registry: call TQX_FormatInfo::getInstance() before any other
@@ -49,7 +49,7 @@ public:
     /// value.
     QString getValueString(const Message* message, unsigned index, bool withUnit) const override;
 
-    /// The constant facts behind the object.
+    /// The constant facts of the field.
     const TQX_FieldRow& row() const { return m_row; }
     const Kor::MessageApi::TQX_FieldFacts& facts() const { return m_facts; }
     const Kor::MessageApi::TQX_FieldLayout& layout() const { return m_field; }

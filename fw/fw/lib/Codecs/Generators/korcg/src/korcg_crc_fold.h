@@ -15,17 +15,17 @@
 //
 // The message is shortened to four vectors by XOR alone: squaring G n times gives
 // x^(16 * 2^n) + x^(12 * 2^n) + x^(5 * 2^n) + 1, which G divides. Where N vectors have 16 * 2^n
-// bits, a vector may therefore be dropped when it is added in at N/4, 11N/16 and N vectors behind
+// bits, a vector may therefore be dropped when it is added in at N/4, 11N/16 and N vectors after
 // its place. With vectors of 16, 32 or 64 bytes this holds for N = 8 (2, 5.5 and 8 vectors) and
 // for N = 4 (1, 2.75 and 4). Zeros before a message do not change its checksum (the start value is
 // 0), so it is the first vector that need not be full.
 //
-// Then each 64 bits of what remains are multiplied by the power of x that their place stands for,
+// Then each 64 bits of what remains are multiplied by the power of x of their place,
 // x^16 included. As these factors have 16 bits the sum has 80, which one Barrett step reduces.
 //
 // A file that includes this defines KORCG_TARGET, the attribute of its functions. It offers the
 // operations on its vectors as static functions of a class: `Vector`, zero(), load(bytes),
-// loadFirst(bytes, count): less than a vector of bytes behind zeros, add(a, b), half(a, b): the
+// loadFirst(bytes, count): less than a vector of bytes after zeros, add(a, b), half(a, b): the
 // last half of a and the first of b, quarter(a, b): the last three quarters of a and the first
 // quarter of b.
 
@@ -122,7 +122,7 @@ KORCG_INLINE typename Ops::Vector addDropped(const typename Ops::Vector* v,
     return vector;
 }
 
-/// Drops the first N of `v` into the N behind them.
+/// Drops the first N of `v` into the N after them.
 template<class Ops, size_t N, size_t... I>
 KORCG_INLINE void drop(typename Ops::Vector* v, std::index_sequence<I...>)
 {

@@ -74,7 +74,7 @@ KORCG_INLINE __m512i behind(__m512i a, __m512i b)
     return _mm512_maskz_alignr_epi64(0xff, b, a, 8 - Words);
 }
 
-/// Drops the first two of four vectors into the others: 0.5, 1.375 and 2 vectors behind.
+/// Drops the first two of four vectors into the others: 0.5, 1.375 and 2 vectors after.
 KORCG_INLINE void dropFirstTwo(__m512i* v)
 {
     const __m512i zero = LaneQuads::zero();

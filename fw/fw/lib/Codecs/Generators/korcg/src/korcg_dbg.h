@@ -102,7 +102,7 @@ KORCG_API void dbg_SetCallBacks(const dbg_CallBacks_s* callBacks);
 KORCG_API const dbg_CallBacks_s* dbg_GetCallBacks();
 
 /// Reads the settings on the first call, counts on later ones. `logFileVariable` names the variable
-/// that holds the path of the log file, null stands for "KOR_LOGFILE"; a file that cannot be opened
+/// that holds the path of the log file, null means "KOR_LOGFILE"; a file that cannot be opened
 /// means standard output. With `assertionsReturn` dbg_Assert returns. A start or stop time that is
 /// not an integer prints "dbg_Init failed :" and the error's text to standard output and ends the
 /// process with exit status 1; an empty one counts as unset.

@@ -45,7 +45,7 @@ size_t breakOf(std::string_view line, const std::vector<bool>& inside, size_t in
     return npos;
 }
 
-/// The text before `at` and behind it, without the blanks between.
+/// The text before `at` and after it, without the blanks between.
 std::pair<std::string_view, std::string_view> cut(std::string_view line, size_t at)
 {
     std::string_view head = line.substr(0, at);
@@ -104,9 +104,9 @@ void appendStatement(std::string& result, std::string line, size_t indent)
         std::string head;
         std::string rest;
         if (at != npos) {
-            const auto [before, behind] = cut(line, at);
+            const auto [before, after] = cut(line, at);
             head = before;
-            rest = behind;
+            rest = after;
         } else if (!splitLiteral(line, inside, start, &head, &rest)) {
             break;
         }

@@ -16,8 +16,8 @@ public:
     /// Writes below `directory`; with `dryRun` only the names are collected.
     explicit Output(std::filesystem::path directory, bool dryRun = false);
 
-    /// Adds one file. `name` is relative to the output directory, `content` is the text behind the
-    /// head comment, which names `source` as the description file(s) that it stems from. Long lines
+    /// Adds one file. `name` is relative to the output directory, `content` is the text after the
+    /// head comment, which names `source` as the description file(s) that it comes from. Long lines
     /// of C++ are broken.
     /// Throws std::runtime_error when the file cannot be written.
     void write(std::string_view name, std::string_view source, std::string_view content);

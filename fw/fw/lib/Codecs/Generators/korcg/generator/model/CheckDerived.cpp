@@ -27,7 +27,7 @@ public:
         if (!isIdentifier(m_field.function))
             error(fmt::format("has no valid formula name '{}'", m_field.function));
         if (m_field.after >= m_row) {
-            error("stands before the field that it is computed after");
+            error("precedes the field that it is computed after");
         } else if (m_field.after >= 0 &&
                    !m_type.fields[static_cast<std::size_t>(m_field.after)].hasCode()) {
             error(fmt::format("cannot be computed after {}, which is not read from the wire itself",
@@ -84,7 +84,7 @@ private:
                 error(fmt::format("is computed from {}, which its owner {} does not have", input,
                                   owner->name));
             } else if (comesLate(*owner, row, below)) {
-                error(fmt::format("is computed from {}, which its owner {} has behind it", input,
+                error(fmt::format("is computed from {}, which follows it in its owner {}", input,
                                   owner->name));
             } else if (first >= 0 && row != first) {
                 error(fmt::format("is computed from {}, which is in different places of {} and {}",

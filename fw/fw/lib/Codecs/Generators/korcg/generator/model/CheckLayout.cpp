@@ -60,7 +60,7 @@ private:
         if (other.isRepeated || !other.subType.empty() || !isInteger(other.type)) {
             error(field, "cannot use {} as {}: it is no single whole number", other.name, what);
         } else if (target >= row) {
-            error(field, "stands before its {} {}", what, other.name);
+            error(field, "precedes its {} {}", what, other.name);
         }
     }
 
@@ -105,7 +105,7 @@ private:
             error(field, "is padding and must be bytes of a fixed number");
         if (field.isPadding && field.presence == Presence::Always &&
             std::isdigit(static_cast<unsigned char>(field.name.back())))
-            error(field, "is named after a revision, but 'only' does not tell it");
+            error(field, "is named after a revision, but has no 'only'");
         if (field.presence == Presence::OnlyRevision &&
             field.name != fmt::format("_padding{}", field.presenceValue))
             error(field, "must be named _padding{} after its revision", field.presenceValue);
@@ -126,11 +126,11 @@ private:
                 continue;
             }
             if (padded >= 0 && (!field.isAddition || field.presenceValue <= padded))
-                error(field, "must not stand behind padding of a single revision");
+                error(field, "must not follow padding of a single revision");
             const bool isNewer = field.presence == Presence::SinceRevision && !field.alwaysSent;
             const int since = isNewer ? field.presenceValue : 0;
             if (since < revision && !followsEntry(field)) {
-                error(field, "{} must not stand behind fields of revision {}",
+                error(field, "{} must not follow fields of revision {}",
                       since == 0 ? "is in every revision and"
                                  : fmt::format("of revision {}", since),
                       revision);

@@ -32,7 +32,7 @@ void checkIdentifier(const RecordType& type, const Field& field, Errors& errors)
                    fmt::format("{} is named like a C++ keyword", qualified(type, field)));
     } else if (!isIdentifier(name)) {
         errors.add(field.where, fmt::format("'{}' cannot name a field of {}: letters, digits, "
-                                            "blanks and underscores only, no digit in front",
+                                            "blanks and underscores only, no digit first",
                                             field.name, type.name));
     } else if (name.rfind(bookkeepingPrefix, 0) == 0) {
         errors.add(field.where,

@@ -12,7 +12,7 @@ namespace korcg::generator
 namespace
 {
 
-/// Tells whether all sub-blocks of the type are known.
+/// Whether all sub-blocks of the type are known.
 bool checkSubTypes(const Format& format, const RecordType& type, Errors& errors)
 {
     const std::size_t errorsBefore = errors.count();
@@ -72,7 +72,7 @@ void checkKinds(const Format& format, const RecordType& type, Errors& errors)
         if (!field.lengthInMain)
             continue;
         if (type.isMain()) {
-            errors.add(field.where, fmt::format("{} takes its length from a main block, but stands "
+            errors.add(field.where, fmt::format("{} takes its length from a main block, but is "
                                                 "in one",
                                                 qualified(type, field)));
             continue;
@@ -105,7 +105,7 @@ void checkMainLengths(const Format& format, const RecordType& type, Errors& erro
             for (std::size_t row = 0; row < main.fields.size(); ++row) {
                 if (main.fields[row].subType == type.name && static_cast<int>(row) < field.length) {
                     errors.add(main.fields[row].where,
-                               fmt::format("{} stands before the length that {} takes",
+                               fmt::format("{} precedes the length that {} takes",
                                            qualified(main, main.fields[row]),
                                            qualified(type, field)));
                 }

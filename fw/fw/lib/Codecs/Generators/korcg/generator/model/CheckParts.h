@@ -37,7 +37,7 @@ std::string qualified(const RecordType& type, const Field& field);
 /// Row of the field with this identifier, or -1.
 int findRow(const RecordType& type, const std::string& identifier);
 
-/// The row behind which the value of the field is known: that of its word, of the wire field that
+/// The row after which the value of the field is known: that of its word, of the wire field that
 /// triggers its formula, or its own.
 int knownBehind(const RecordType& type, int row);
 

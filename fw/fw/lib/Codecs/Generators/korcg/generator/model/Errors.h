@@ -21,7 +21,7 @@ public:
     bool empty() const { return m_count == 0; }
     std::size_t count() const { return m_count; }
 
-    /// "file:line: message" each, ordered by file and line; a last line tells how many are left
+    /// "file:line: message" each, ordered by file and line; a last line says how many are left
     /// out.
     std::vector<std::string> report() const;
 

@@ -6,7 +6,7 @@
 namespace korcg::generator
 {
 
-/// Whether the text can be a C++ identifier: letters, digits and underscores, no digit in front, no
+/// Whether the text can be a C++ identifier: letters, digits and underscores, no digit first, no
 /// keyword.
 bool isIdentifier(std::string_view text);
 

@@ -13,10 +13,10 @@ void link(Format& format, Errors& errors);
 
 /// Wire offset of every field.
 ///
-/// Offsets are constant as long as everything in front has a fixed place: fields of a revision
+/// Offsets are constant as long as everything before has a fixed place: fields of a revision
 /// count as present, one revision after the other; alternatives of one selector start at the same
 /// place; padding of revision k follows the last field of a revision up to k. Nothing is
-/// constant behind counted fields, sub-blocks or selected content.
+/// constant after counted fields, sub-blocks or selected content.
 void placeFields(Format& format);
 
 /// Bytes of one element's value on the wire, times the number of elements (the capacity of counted

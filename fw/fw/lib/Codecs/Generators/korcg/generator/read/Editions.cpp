@@ -33,7 +33,7 @@ public:
         dropLater(drafts, [](const TypeDraft& type) { return type.type.edition; });
         for (TypeDraft& type : drafts) {
             dropLater(type.fields, [](const FieldDraft& each) { return each.field.edition; });
-            // A place that the description tells is that in the edition of the field.
+            // An offset in the description is that in the edition of the field.
             for (FieldDraft& field : type.fields) {
                 if (field.field.edition < m_format.edition)
                     field.field.expectedOffset.reset();

@@ -45,7 +45,7 @@ constexpr Key scale = {"scale", "number, \"a/b\"",
                        "what the stored number is multiplied with; one of the `scales`"};
 constexpr Key precision = {"precision", "0 to 20",
                            "decimals to show; 3 for floating point if absent"};
-constexpr Key none = {"none", "number", "the value that stands for \"not available\""};
+constexpr Key none = {"none", "number", "the value that means \"not available\""};
 constexpr Key unnamedNone = {
     "unnamed_none", "true, false",
     "whether that value goes without the name DoNotUse, because its table of "

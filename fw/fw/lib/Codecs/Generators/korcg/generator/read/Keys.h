@@ -17,7 +17,7 @@ struct Key {
 /// The keys of one kind of map: what the reader takes and what the page of keys lists.
 struct KeyTable {
     std::string_view what; ///< "a field": how messages name the map
-    std::string_view text; ///< where such a map stands
+    std::string_view text; ///< where such a map may be
     std::vector<Key> keys;
 
     bool has(std::string_view key) const;

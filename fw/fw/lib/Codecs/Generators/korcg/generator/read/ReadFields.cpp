@@ -128,7 +128,7 @@ void readDoNotUse(const YamlMap& map, Field& field)
     }
 }
 
-/// Keys that tell how a value is shown.
+/// Keys for how a value is shown.
 void readMetadata(const YamlMap& map, FieldDraft& draft)
 {
     Field& field = draft.field;

@@ -65,7 +65,7 @@ Format readDescription(const std::vector<Source>& sources, int edition, Ledger& 
     readDocuments(documents, format, drafts);
     if (format.name.empty()) {
         errors.add({sources.empty() ? "" : sources.front().file, 0},
-                   "no file tells the name of the format ('format')");
+                   "no file names the format ('format')");
     }
     applyEdition(drafts, format, edition, ledger, errors);
     resolve(std::move(drafts), format, errors);

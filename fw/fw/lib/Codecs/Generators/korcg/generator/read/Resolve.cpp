@@ -116,7 +116,7 @@ private:
         field.summed |= uint32_t{1} << static_cast<unsigned>(row - field.parent - 1);
     }
 
-    /// Shortens a reserved array by the field that stands beside it and takes its place.
+    /// Shortens a reserved array by the field beside it that takes its place.
     void takeBytes(int row, const Mention& taken)
     {
         const int reserved = rowOf(taken);
@@ -149,7 +149,7 @@ private:
         field.alwaysSent = array.alwaysSent;
     }
 
-    /// The wire field behind which all inputs of this record are known.
+    /// The wire field after which all inputs of this record are known.
     int lastInput(const Field& field)
     {
         int last = -1;
@@ -270,8 +270,8 @@ int rowInMains(const Format& format, const MainMention& mention, Errors& errors)
         const int here = static_cast<int>(found - main->fields.begin());
         if (row >= 0 && here != row) {
             errors.add(mention.field.where,
-                       fmt::format("'{}' stands in different places of {} and {}",
-                                   mention.field.name, mains.front()->name, main->name));
+                       fmt::format("'{}' is in different places of {} and {}", mention.field.name,
+                                   mains.front()->name, main->name));
         }
         row = here;
     }

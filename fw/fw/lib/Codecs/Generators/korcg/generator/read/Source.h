@@ -15,7 +15,7 @@ struct Source {
     std::string text;
 };
 
-/// All *.yaml files that stand directly in `directory`, sorted by name. A directory that cannot be
+/// All *.yaml files directly in `directory`, sorted by name. A directory that cannot be
 /// read, or holds none, is an error.
 std::vector<Source> readSources(const std::filesystem::path& directory, Errors& errors);
 

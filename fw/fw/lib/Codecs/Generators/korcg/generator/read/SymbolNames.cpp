@@ -18,7 +18,7 @@ constexpr int64_t lowestValue = -(int64_t{1} << 31);
 constexpr int64_t highestValue = (int64_t{1} << 32) - 1;
 constexpr int64_t longestRange = 4096;
 
-/// Where the number stands in the name of a range.
+/// Where the number is in the name of a range.
 struct NumberPlace {
     std::size_t begin = 0;
     std::size_t end = 0;
@@ -86,7 +86,7 @@ public:
         if (!from || !to || !place)
             return;
         if (*to < *from || *to - *from >= longestRange) {
-            map.error("to", "must not lie before 'from', nor far behind it");
+            map.error("to", "must be 'from' or more, but not much more");
             return;
         }
         m_edition = map.integer("edition", 1, latestEdition).value_or(1);

@@ -19,7 +19,7 @@ public:
     void OnDocumentStart(const YAML::Mark& mark) override
     {
         if (mark.pos == m_lastStart)
-            throw YAML::ParserException(mark, "a comma stands outside of any list or map");
+            throw YAML::ParserException(mark, "a comma is outside of any list or map");
         m_lastStart = mark.pos;
     }
     void OnDocumentEnd() override {}

@@ -63,7 +63,7 @@ public:
     bool has(std::string_view key) const { return m_values.find(key) != m_values.end(); }
     /// Value of a key, or an undefined node.
     YAML::Node node(std::string_view key) const;
-    /// Where the value of the key stands, or the map when the key is absent.
+    /// Where the value of the key is, or the map when the key is absent.
     Location where(std::string_view key) const;
     Location where() const { return m_context.at(m_node); }
     /// The context of the value of a key, which is another one when the definition has it.

@@ -59,7 +59,7 @@ std::string condition(const RecordType& type, const Field& field)
     }
 }
 
-// The sub-block arrays in front of one are given back before the exact decoder starts anew.
+// The sub-block arrays before it are released before the exact decoder starts over.
 std::string freeArraysBefore(const RecordType& type, const Field& field, std::string_view indent)
 {
     std::string text;
@@ -348,7 +348,7 @@ bool dependsOnRevision(const Field& field)
     return field.presence == Presence::SinceRevision || field.presence == Presence::OnlyRevision;
 }
 
-// Whether there are statements for the presence of a field behind the head.
+// Whether there are statements for the presence of a field after the head.
 bool isConditionKnown(const RecordType& type, int index)
 {
     const Field& field = row(type, index);
@@ -387,7 +387,7 @@ bool isStraight(const Format& format, const RecordType& type, const Shape& shape
     const bool arrays = std::any_of(shape.tail.begin(), shape.tail.end(), [&](int index) {
         return row(type, index).kind == FieldKind::Blocks;
     });
-    // The stated length of an entry ends in front of what has a length of its own.
+    // The stated length of an entry ends before fields with a length of their own.
     return !arrays && !shape.conditional && !needsParent(type) && type.owners.size() == 1 &&
            (!shape.isPlain() || isEmbedded(format, type)) &&
            std::is_partitioned(shape.tail.begin(), shape.tail.end(),

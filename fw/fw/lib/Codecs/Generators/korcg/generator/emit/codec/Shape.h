@@ -17,7 +17,7 @@ struct Shape {
     std::array<int, 8> headBytes{};
     /// The remaining wire rows in order: counted arrays, sub-block arrays, embedded sub-blocks.
     std::vector<int> tail;
-    /// False when a counted array stands behind sub-blocks: once those are allocated there is no
+    /// False when a counted array follows sub-blocks: once those are allocated there is no
     /// way back to the exact decoder.
     bool straight = true;
 

@@ -14,7 +14,7 @@ template<typename Value>
 class Pool
 {
 public:
-    /// `first` is what index 0 stands for.
+    /// `first` is the element at index 0.
     explicit Pool(Value first) { indexOf(first); }
 
     size_t indexOf(const Value& value)

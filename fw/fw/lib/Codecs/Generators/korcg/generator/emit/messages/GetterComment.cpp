@@ -18,7 +18,8 @@ namespace
 
 constexpr size_t textWidth = 100;
 
-/// Breaks `text` into lines of at most `textWidth` columns behind `mark`; none for an empty text.
+/// Breaks `text` into lines of at most `textWidth` columns, each after `mark`; none for an empty
+/// text.
 std::string commentLines(std::string_view mark, std::string_view text)
 {
     const size_t width = textWidth - mark.size();

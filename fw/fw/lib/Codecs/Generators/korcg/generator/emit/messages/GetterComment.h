@@ -30,7 +30,7 @@ enum class Getter {
 std::string getterComment(const Format& format, const RecordType& type, const Field& field,
                           Getter getter);
 
-/// Comment lines that say what a message class is for, each behind `mark`: "/// " or "// ".
+/// Comment lines that say what a message class is for, each after `mark`: "/// " or "// ".
 std::string classComment(std::string_view mark, const Format& format, const RecordType& type);
 
 } // namespace korcg::generator

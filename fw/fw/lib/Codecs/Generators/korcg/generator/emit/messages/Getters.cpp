@@ -187,7 +187,7 @@ const char* definitionOf(Family family, bool optional)
                                                 : definitions[static_cast<size_t>(family)];
 }
 
-/// Whether a field is a line of a list: plain header fields and the bit fields of a word stand
+/// Whether a field is a line of a list: plain header fields and the bit fields of a word are
 /// together, everything else apart.
 bool continuesList(const RecordType& type, const Field& field, const Field& previous)
 {

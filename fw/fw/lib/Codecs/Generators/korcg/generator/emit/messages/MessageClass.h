@@ -7,7 +7,7 @@
 namespace korcg::generator
 {
 
-/// TQX_<Name>_Message.h behind its head comment.
+/// TQX_<Name>_Message.h after its head comment.
 std::string messageHeader(const Format& format, const RecordType& type);
 
 /// All member functions of TQX_<Name>_Message, to be placed in a source file that includes the

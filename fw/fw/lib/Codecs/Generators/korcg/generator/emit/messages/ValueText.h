@@ -23,7 +23,7 @@ std::string joined(const std::vector<std::string>& parts);
 /// Without blanks and full stops at the end.
 std::string withoutStop(std::string text);
 
-/// Stands for a blank at which no line is to be broken.
+/// A blank at which no line may be broken.
 constexpr char firmBlank = '\x1f';
 
 } // namespace korcg::generator

@@ -19,7 +19,7 @@ std::string messageInfoClass(std::string_view typeName);
 /// knows it.
 std::string typeText(const RecordType& type, const Field& field);
 
-/// One line that tells what the field is: meaning, type, unit, scale, do-not-use, presence.
+/// One line on what the field is: meaning, type, unit, scale, do-not-use, presence.
 std::string describe(const RecordType& type, const Field& field);
 
 } // namespace korcg::generator

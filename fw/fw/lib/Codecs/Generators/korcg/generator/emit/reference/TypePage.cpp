@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace korcg::generator::reference
 {
 
@@ -17,21 +19,50 @@ const Field& row(const RecordType& type, int index)
     return type.fields[static_cast<std::size_t>(index)];
 }
 
-std::string presenceText(const RecordType& type, const Field& field)
+/// Columns that are shown only where a field of the type has something in them.
+struct Columns {
+    bool hasUnit = false;
+    bool hasScale = false;
+    bool hasPrecision = false;
+    bool hasRevision = false;
+};
+
+Columns columnsOf(const RecordType& type)
+{
+    Columns columns;
+    for (const Field& field : type.fields) {
+        columns.hasUnit |= !field.unit.empty();
+        columns.hasScale |= field.scale.has_value();
+        columns.hasPrecision |= field.precision.has_value();
+        columns.hasRevision |=
+            field.presence == Presence::SinceRevision || field.presence == Presence::OnlyRevision;
+    }
+    return columns;
+}
+
+std::string revisionText(const Field& field)
 {
     switch (field.presence) {
-    case Presence::Always:
-        return {};
     case Presence::SinceRevision:
-        return fmt::format("since revision {}{}", field.presenceValue,
-                           field.alwaysSent ? ", its bytes are always there" : "");
+        return fmt::format("{}", field.presenceValue);
     case Presence::OnlyRevision:
-        return fmt::format("revision {} only", field.presenceValue);
+        return fmt::format("only {}", field.presenceValue);
+    case Presence::Always:
     case Presence::Selected:
+        break;
+    }
+    return {};
+}
+
+std::string presenceText(const RecordType& type, const Field& field)
+{
+    if (field.presence == Presence::Selected) {
         return fmt::format("when {} is {}", escaped(row(type, field.selector).name),
                            field.presenceValue);
     }
-    return {};
+    return field.presence == Presence::SinceRevision && field.alwaysSent
+               ? "its bytes are in earlier revisions, too"
+               : "";
 }
 
 std::string derivationText(const Field& field)
@@ -49,83 +80,96 @@ std::string namesText(const Format& format, const Field& field)
     const auto found = format.symbols.find(field.symbols);
     if (found == format.symbols.end())
         return {};
-    if (found->second.values.size() > shortTable)
-        return fmt::format("<a href=\"names.html#{0}\">{0}</a>", escaped(field.symbols));
+    const auto& values = found->second.values;
     std::string text;
-    for (const SymbolicValue& value : found->second.values) {
-        text +=
-            fmt::format("{}{}&nbsp;{}", text.empty() ? "" : ", ", value.value, escaped(value.name));
+    for (const SymbolicValue& value : values) {
+        text += fmt::format("{}<span class=\"value\">{}&nbsp;{}</span>", text.empty() ? "" : ", ",
+                            value.value, escaped(value.name));
     }
-    return text;
+    const std::string link =
+        fmt::format("<a href=\"names.html#{0}\">{0}</a>", escaped(field.symbols));
+    if (values.size() <= shortTable)
+        return text;
+    return fmt::format("<details><summary>{} named values</summary>{}: {}</details>", values.size(),
+                       link, text);
 }
 
-std::string notes(const Format& format, const RecordType& type, const Field& field)
+std::string meaning(const Format& format, const RecordType& type, const Field& field)
 {
-    const std::string parts[] = {
-        escaped(field.text),
-        presenceText(type, field),
-        derivationText(field),
-        field.doNotUse ? fmt::format("not available: {}", numberText(*field.doNotUse)) : "",
-        namesText(format, field),
-    };
-    std::string text;
-    for (const std::string& part : parts) {
+    std::string text = escaped(field.text);
+    for (const std::string& part :
+         {presenceText(type, field), derivationText(field),
+          field.doNotUse ? fmt::format("not available: {}", numberText(*field.doNotUse)) : ""}) {
         if (!part.empty())
             text += (text.empty() ? "" : "; ") + part;
     }
-    return text;
+    const std::string names = namesText(format, field);
+    if (!names.empty() && !text.empty())
+        text += "<br>";
+    return text + names;
 }
 
-std::string unitText(const Field& field)
+std::string unitText(const Format& format, const Field& field)
 {
-    const std::string scale = field.scale ? fmt::format("&times;&nbsp;{} ", *field.scale) : "";
-    return scale + escaped(field.unit);
+    const auto found = format.units.find(field.unit);
+    if (found == format.units.end() || found->second == field.unit)
+        return escaped(field.unit);
+    return fmt::format("{} <small>{}</small>", escaped(found->second), escaped(field.unit));
 }
 
-std::string fieldRow(const Format& format, const RecordType& type, const Field& field)
+std::string classOf(const RecordType& type, const Field& field)
+{
+    const bool isPart = field.kind == FieldKind::Bits;
+    const bool isMinor = field.isHeader || field.isPadding || field.role == Role::Reserved ||
+                         (isPart && row(type, field.parent).isHeader);
+    return fmt::format("{}{}", isPart ? "part" : "", isMinor ? " minor" : "");
+}
+
+std::string fieldRow(const Format& format, const RecordType& type, const Field& field,
+                     const Columns& columns)
 {
     const bool placed = field.onWire() && field.wireOffset >= 0;
-    return fmt::format("<tr{}><td>{}</td><td>{}</td><td>{}</td><td>{}</td><td>{}</td></tr>\n",
-                       field.kind == FieldKind::Bits ? " class=\"part\"" : "",
-                       placed ? fmt::format("{}", field.wireOffset) : "", escaped(field.name),
-                       typeText(type, field), unitText(field), notes(format, type, field));
+    std::string text =
+        fmt::format("<tr id=\"{}\" class=\"{}\"><td>{}</td><td>{}</td><td>{}</td>", anchorOf(field),
+                    classOf(type, field), placed ? fmt::format("{}", field.wireOffset) : "",
+                    escaped(field.name), typeText(type, field));
+    const auto cell = [&text](bool isShown, const std::string& content) {
+        if (isShown)
+            text += "<td>" + content + "</td>";
+    };
+    cell(columns.hasUnit, unitText(format, field));
+    cell(columns.hasScale, field.scale ? fmt::format("{}", *field.scale) : "");
+    cell(columns.hasPrecision, field.precision ? fmt::format("{}", *field.precision) : "");
+    cell(columns.hasRevision, revisionText(field));
+    cell(true, meaning(format, type, field));
+    return text + "</tr>\n";
 }
 
-std::string facts(const Format& format, const RecordType& type)
+std::string headRow(const Columns& columns)
 {
-    std::string text = "<dl>\n";
-    const auto add = [&text](std::string_view name, const std::string& value) {
-        if (!value.empty())
-            text += fmt::format("<dt>{}</dt><dd>{}</dd>\n", name, value);
+    std::string text = "<tr><th>Offset</th><th>Field</th><th>Type</th>";
+    const auto cell = [&text](bool isShown, std::string_view name, std::string_view explanation) {
+        if (isShown)
+            text += fmt::format("<th title=\"{}\">{}</th>", explanation, name);
     };
-    add("Block number", type.isMain() ? fmt::format("{}", type.number) : "");
-    add("Record type", fmt::format("{}", type.record));
-    add("Revisions", fmt::format("0 to {}", type.highestRevision));
-    add("Flexible rate", !type.isMain() ? "" : type.flexrate ? "yes" : "no");
-    std::string owners;
-    for (const int owner : type.owners) {
-        owners += (owners.empty() ? "" : ", ") +
-                  linkTo(format.types[static_cast<std::size_t>(owner)].name);
-    }
-    add("Part of", owners);
-    add("Result codes", fmt::format("{} to {}", type.fields.front().code,
-                                    type.isMain() ? type.crcChecksum : type.internal));
-    add("Family", escaped(sourceOf(type)));
-    add("Message class",
-        type.hasMessage ? fmt::format("TQX_{}_Message", escaped(type.name)) : "none, decoded only");
-    return text + "</dl>\n";
+    cell(columns.hasUnit, "Unit", "symbol, and the word that the library uses");
+    cell(columns.hasScale, "Scale", "factor from the stored value to the unit");
+    cell(columns.hasPrecision, "Digits", "digits after the point in texts");
+    cell(columns.hasRevision, "Since", "first revision that has the field");
+    return text + "<th>Meaning</th></tr>\n";
 }
 
 } // namespace
 
 std::string typePage(const Format& format, const RecordType& type)
 {
-    std::string body = type.text.empty() ? "" : fmt::format("<p>{}</p>\n", escaped(type.text));
-    body += facts(format, type);
-    body += "<table>\n<tr><th>Offset</th><th>Field</th><th>Type</th><th>Unit</th><th></th></tr>\n";
+    const Columns columns = columnsOf(type);
+    std::string body = fmt::format("<p class=\"summary\">{}</p>\n", summary(format, type));
+    body += typeFacts(format, type);
+    body += "<table class=\"fields\">\n<thead>" + headRow(columns) + "</thead>\n<tbody>\n";
     for (const Field& field : type.fields)
-        body += fieldRow(format, type, field);
-    return page(type.name, body + "</table>\n");
+        body += fieldRow(format, type, field, columns);
+    return page(type.name, body + "</tbody>\n</table>\n");
 }
 
 } // namespace korcg::generator::reference
