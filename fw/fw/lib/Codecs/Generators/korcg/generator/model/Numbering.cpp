@@ -125,15 +125,26 @@ public:
         }
     }
 
+    void addition(int firstCode)
+    {
+        m_firstCode = firstCode;
+        for (RecordType& type : m_format.types) {
+            run(type);
+            if (type.isMain())
+                disabled(type);
+        }
+    }
+
 private:
-    int nextCode() const { return -static_cast<int>(m_format.codeNames.size()) - 1; }
+    int nextCode() const { return m_firstCode - static_cast<int>(m_format.codeNames.size()); }
 
     int next(std::string name)
     {
         std::vector<std::string>& names = m_format.codeNames;
         if (m_edition == 1) {
+            const int code = nextCode();
             names.push_back(std::move(name));
-            return -static_cast<int>(names.size());
+            return code;
         }
         const int code = m_ledger.number(Ledger::Code, m_edition, name, m_where, m_errors);
         if (code >= 0)
@@ -205,6 +216,7 @@ private:
     Ledger& m_ledger;
     Errors& m_errors;
     int m_edition = 1;
+    int m_firstCode = -1;
     Location m_where; ///< of what gets a code
 };
 
@@ -217,6 +229,17 @@ void number(Format& format, Ledger& ledger, Errors& errors)
     ledger.startAt(Ledger::Code, format.lastFirstCode - 1);
     for (int edition = 2; edition <= format.edition; ++edition)
         book.laterEdition(edition);
+}
+
+void numberAddition(Format& format, int firstRecord, int firstCode)
+{
+    int record = firstRecord;
+    for (RecordType& type : format.types)
+        type.record = record++;
+    format.lastFirstRecord = record - 1;
+    Ledger ledger;
+    Errors errors; // of the ledger, which is not asked
+    CodeBook(format, ledger, errors).addition(firstCode);
 }
 
 } // namespace korcg::generator

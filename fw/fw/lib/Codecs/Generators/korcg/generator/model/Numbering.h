@@ -33,4 +33,8 @@ int wireSize(const Field& field);
 /// fields for types that exist already; all numbers come from the ledger.
 void number(Format& format, Ledger& ledger, Errors& errors);
 
+/// Assigns record types from `firstRecord` up and codes from `firstCode` down to the types of an
+/// addition, in their order. Codes have the same names as those of later editions.
+void numberAddition(Format& format, int firstRecord, int firstCode);
+
 } // namespace korcg::generator

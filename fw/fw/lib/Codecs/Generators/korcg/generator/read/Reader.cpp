@@ -15,10 +15,10 @@ namespace korcg::generator
 namespace
 {
 
-void readDocuments(const Source& source, Format& format, std::vector<TypeDraft>& drafts,
-                   Errors& errors)
+void readDocuments(const Source& source, bool isAddition, Format& format,
+                   std::vector<TypeDraft>& drafts, Errors& errors)
 {
-    const ReadContext context{source.file, errors};
+    const ReadContext context{source.file, errors, isAddition};
     for (const YAML::Node& document : loadDocuments(source)) {
         if (document.IsSequence()) {
             std::vector<TypeDraft> types = readTypes(context, document);
@@ -32,26 +32,57 @@ void readDocuments(const Source& source, Format& format, std::vector<TypeDraft>&
     }
 }
 
+std::vector<TypeDraft> readSourceTexts(const std::vector<Source>& sources, bool isAddition,
+                                       Format& format, Errors& errors)
+{
+    std::vector<TypeDraft> drafts;
+    for (const Source& source : sources) {
+        try {
+            readDocuments(source, isAddition, format, drafts, errors);
+        } catch (const YAML::Exception& failure) {
+            errors.add({source.file, failure.mark.line + 1}, failure.msg);
+        }
+    }
+    return drafts;
+}
+
+void refuseEditions(const std::vector<FieldDraft>& fields, Errors& errors)
+{
+    for (const FieldDraft& field : fields) {
+        if (field.edition)
+            errors.add(field.field.where, "'edition' is for fields of the format itself");
+        refuseEditions(field.bits, errors);
+    }
+}
+
 } // namespace
 
 Format readDescription(const std::vector<Source>& sources, int edition, Ledger& ledger,
                        Errors& errors)
 {
     Format format;
-    std::vector<TypeDraft> drafts;
-    for (const Source& source : sources) {
-        try {
-            readDocuments(source, format, drafts, errors);
-        } catch (const YAML::Exception& failure) {
-            errors.add({source.file, failure.mark.line + 1}, failure.msg);
-        }
-    }
+    std::vector<TypeDraft> drafts = readSourceTexts(sources, false, format, errors);
     if (format.name.empty()) {
         errors.add({sources.empty() ? "" : sources.front().file, 0},
                    "no file tells the name of the format ('format')");
     }
     applyEdition(drafts, format, edition, ledger, errors);
     resolve(std::move(drafts), format, errors);
+    return format;
+}
+
+Format readAddition(const std::vector<Source>& sources, Format format, Errors& errors)
+{
+    std::vector<TypeDraft> drafts = readSourceTexts(sources, true, format, errors);
+    for (const TypeDraft& draft : drafts)
+        refuseEditions(draft.fields, errors);
+    format.types.clear();
+    format.registration.clear();
+    resolve(std::move(drafts), format, errors);
+    for (const RecordType& type : format.types) {
+        if (type.hasMessage)
+            format.registration.push_back({type.name, type.where, 1});
+    }
     return format;
 }
 

@@ -18,6 +18,7 @@ namespace korcg::generator
 struct ReadContext {
     std::string file;
     Errors& errors;
+    bool isAddition = false; ///< whether it adds types to a format that is known
 
     Location at(const YAML::Node& node) const;
     void error(const YAML::Node& node, std::string message) const;
