@@ -3,7 +3,7 @@
 namespace tqx
 {
 
-RecordDecoder::RecordDecoder()
+RecordDecoder::RecordDecoder(const Schema& schema) : m_schema(schema)
 {
     TQX_init_context(&m_context);
 }
@@ -12,6 +12,12 @@ int32_t RecordDecoder::decode(const Block& block)
 {
     m_last = block;
     m_consumed = m_record.decode(&m_context, block.data, block.size);
+    if (m_consumed == unknownNumber && m_schema.hasAddedTypes()) {
+        const Kor::MessageApi::TQX_TypeLayout* added =
+            m_schema.getAddedBlockType(block.getNumber());
+        if (added)
+            m_consumed = m_record.decode(*added, &m_context, block.data, block.size);
+    }
     return m_consumed;
 }
 

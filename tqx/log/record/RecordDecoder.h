@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/record/DecodedBlock.h"
+#include "tqx/log/schema/Schema.h"
 #include "tqx_log_export.h"
 
 #include "TQX_OwnedRecord.h"
@@ -12,7 +13,8 @@ namespace tqx
 class TQX_LOG_API RecordDecoder
 {
 public:
-    RecordDecoder();
+    /// Of the types of the schema.
+    explicit RecordDecoder(const Schema& schema = {});
 
     /// Decodes a block in place of the one before. Returns the bits consumed or the codec's
     /// negative code.
@@ -25,6 +27,7 @@ public:
     DecodedBlock getDecoded() const { return {m_last, m_record.get(), m_consumed}; }
 
 private:
+    Schema m_schema;
     Kor::MessageApi::TQX_Context_s m_context;
     Kor::MessageApi::TQX_OwnedRecord m_record;
     Block m_last = {};

@@ -263,6 +263,7 @@ std::shared_ptr<const AddedTypes> Builder::run()
         addFacts(type, made);
         addDerivations(type, made);
         made.described.schema = m_made->layouts.data();
+        made.described.schemaSize = static_cast<uint16_t>(m_made->layouts.size());
         if (type.isMain())
             m_made->blocks.emplace(static_cast<uint16_t>(type.number), &made.layout);
     }

@@ -30,7 +30,8 @@ size_t StreamInput::read(TableBlock* blocks, size_t capacity)
 {
     Block block = {};
     while (capacity != 0 && m_stream.next(block)) {
-        if (block.size >= endOfTow && TQX_recordType(block.getNumber()) != 0)
+        const uint16_t number = block.getNumber();
+        if (block.size >= endOfTow && (number == m_number || TQX_recordType(number) != 0))
             TQX_continuousTime(&m_context, korcg_load_u32(block.data + 8));
         if (block.getNumber() != m_number)
             continue;

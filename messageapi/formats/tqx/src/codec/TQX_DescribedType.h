@@ -54,6 +54,7 @@ struct TQX_DescribedType {
     const TQX_StartingValue* starts;
     uint16_t derivationCount;
     uint16_t startCount;
+    uint16_t schemaSize;                 ///< number of types in `schema`
     const TQX_TypeLayout* const* schema; ///< all types read with it, from TQX_firstDescribedType on
     uint32_t leastEntry; ///< bytes that an entry takes in any block; 0 for a main block
 };
