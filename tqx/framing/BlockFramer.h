@@ -15,8 +15,8 @@ namespace tqx
 ///
 /// A block begins with "$@", a 16-bit checksum and, at byte 6, its 16-bit length (all numbers
 /// little endian); the checksum covers byte 4 to the end. Lengths below 8 are invalid, alignment is
-/// not tested. After a bad checksum or an invalid length the search goes on two bytes behind the
-/// false sync, so that no damage costs an intact block behind it. What comes out depends only on
+/// not tested. After a bad checksum or an invalid length the search goes on two bytes after the
+/// false sync, so that no damage costs an intact block after it. What comes out depends only on
 /// the bytes, never on the pieces in which they arrive.
 ///
 ///     framer.append(bytes, size);
@@ -69,7 +69,7 @@ public:
     struct Block {
         const uint8_t* data; ///< null when there is no block
         size_t size;         ///< 8 to 65,535, 0 when there is no block
-        uint64_t offset;     ///< where it stands in the stream
+        uint64_t offset;     ///< where it is in the stream
     };
 
     /// A candidate with a whole header that waits for the rest of the bytes that it claims. Its
@@ -91,7 +91,7 @@ public:
     void append(const uint8_t* bytes, size_t size);
 
     /// The input has ended: candidates that wait for more bytes are given up and the intact blocks
-    /// behind them come out. Once those are taken no byte is left. A later append goes on with a
+    /// after them come out. Once those are taken no byte is left. A later append goes on with a
     /// new stretch of input; take the blocks first, or what still waits will wait on.
     void flush();
 

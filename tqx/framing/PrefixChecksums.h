@@ -10,7 +10,7 @@ namespace tqx
 {
 
 /// Checksums of overlapping stretches of one stream at a cost that does not grow with their
-/// length. It keeps the checksum of the stream from some position up to every so many bytes behind
+/// length. It keeps the checksum of the stream from some position up to every so many bytes after
 /// it ("marks"); the checksum of any stretch follows from two marks and the few bytes between them
 /// and its ends. Every byte of the stream is summed once on behalf of the marks, however many
 /// stretches it belongs to.
