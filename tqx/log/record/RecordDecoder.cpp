@@ -1,11 +1,23 @@
 #include "tqx/log/record/RecordDecoder.h"
 
+#include <utility>
+
 namespace tqx
 {
 
 RecordDecoder::RecordDecoder(const Schema& schema) : m_schema(schema)
 {
     TQX_init_context(&m_context);
+}
+
+RecordDecoder& RecordDecoder::operator=(RecordDecoder&& other) noexcept
+{
+    std::swap(m_schema, other.m_schema);
+    std::swap(m_context, other.m_context);
+    std::swap(m_record, other.m_record);
+    std::swap(m_last, other.m_last);
+    std::swap(m_consumed, other.m_consumed);
+    return *this;
 }
 
 int32_t RecordDecoder::decode(const Block& block)

@@ -15,6 +15,9 @@ class TQX_LOG_API RecordDecoder
 public:
     /// Of the types of the schema.
     explicit RecordDecoder(const Schema& schema = {});
+    RecordDecoder(RecordDecoder&& other) noexcept = default;
+    /// What this one held goes with `other`: its record needs its schema.
+    RecordDecoder& operator=(RecordDecoder&& other) noexcept;
 
     /// Decodes a block in place of the one before. Returns the bits consumed or the codec's
     /// negative code.
