@@ -70,6 +70,8 @@ std::string_view fixedPartName(const RecordType& type)
     return last ? std::string_view(last->name) : "BODY";
 }
 
+constexpr int additionEdition = 2; // what the ledger of an addition calls it
+
 class CodeBook
 {
 public:
@@ -127,6 +129,7 @@ public:
 
     void addition(int firstCode)
     {
+        m_edition = additionEdition;
         m_firstCode = firstCode;
         for (RecordType& type : m_format.types) {
             run(type);
@@ -136,20 +139,19 @@ public:
     }
 
 private:
-    int nextCode() const { return m_firstCode - static_cast<int>(m_format.codeNames.size()); }
+    int nextCode() const { return -static_cast<int>(m_format.codeNames.size()) - 1; }
 
     int next(std::string name)
     {
         std::vector<std::string>& names = m_format.codeNames;
         if (m_edition == 1) {
-            const int code = nextCode();
             names.push_back(std::move(name));
-            return code;
+            return -static_cast<int>(names.size());
         }
         const int code = m_ledger.number(Ledger::Code, m_edition, name, m_where, m_errors);
         if (code >= 0)
             return code;
-        const auto index = static_cast<std::size_t>(-code - 1);
+        const auto index = static_cast<std::size_t>(m_firstCode - code);
         if (names.size() <= index)
             names.resize(index + 1, "???");
         names[index] = std::move(name);
@@ -231,15 +233,23 @@ void number(Format& format, Ledger& ledger, Errors& errors)
         book.laterEdition(edition);
 }
 
-void numberAddition(Format& format, int firstRecord, int firstCode)
+void numberAddedTypes(Format& format, int firstRecord, Ledger& ledger, Errors& errors)
 {
-    int record = firstRecord;
-    for (RecordType& type : format.types)
-        type.record = record++;
-    format.lastFirstRecord = record - 1;
-    Ledger ledger;
-    Errors errors; // of the ledger, which is not asked
+    ledger.restart(additionEdition);
+    ledger.startAt(Ledger::Type, firstRecord);
+    for (RecordType& type : format.types) {
+        type.record = ledger.number(Ledger::Type, additionEdition, type.name, type.where, errors);
+        format.lastFirstRecord = std::max(format.lastFirstRecord, type.record);
+    }
+    std::stable_sort(format.types.begin(), format.types.end(),
+                     [](const RecordType& a, const RecordType& b) { return a.record < b.record; });
+}
+
+void numberAddedCodes(Format& format, int firstCode, Ledger& ledger, Errors& errors)
+{
+    ledger.startAt(Ledger::Code, firstCode);
     CodeBook(format, ledger, errors).addition(firstCode);
+    ledger.finish(errors);
 }
 
 } // namespace korcg::generator

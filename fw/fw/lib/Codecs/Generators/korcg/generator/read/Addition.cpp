@@ -1,6 +1,7 @@
 #include "read/Addition.h"
 
 #include "model/Checks.h"
+#include "model/Limits.h"
 #include "model/Names.h"
 #include "model/Numbering.h"
 #include "read/Reader.h"
@@ -16,6 +17,8 @@ namespace korcg::generator
 
 namespace
 {
+
+constexpr int firstAddedCode = -50000; // of those that are built in
 
 /// Sub-blocks that take a length from a main block ask for its kind; here one kind is enough.
 void setKinds(Format& format)
@@ -99,14 +102,56 @@ Format loadAddition(const std::vector<Source>& sources, const AddedTo& base, Err
 {
     Format format = readAddition(sources, base.format, errors);
     setKinds(format);
+    Ledger ownLedger;
+    Ledger& ledger = base.ledger == nullptr ? ownLedger : *base.ledger;
+    numberAddedTypes(format, base.firstRecord, ledger, errors);
     link(format, errors);
     placeFields(format);
-    numberAddition(format, base.firstRecord, base.firstCode);
+    numberAddedCodes(format, base.firstCode, ledger, errors);
     check(format, errors);
     checkKnown(format, base, errors);
     if (base.hasFormula)
         checkFormulas(format, base, errors);
     return format;
+}
+
+void addTypes(Format& format, const std::vector<Source>& sources, Ledger& ledger, Errors& errors)
+{
+    AddedTo base;
+    base.format.name = format.name;
+    base.format.units = format.units;
+    base.format.scales = format.scales;
+    base.format.symbols = format.symbols;
+    for (const RecordType& type : format.types) {
+        base.names.emplace(upperName(type.name), type.name);
+        if (type.isMain())
+            base.numbers.emplace(type.number, type.name);
+    }
+    const int lastRecord = format.lastFirstRecord + laterTypes;
+    base.firstRecord = lastRecord - addedTypes + 1;
+    base.firstCode = firstAddedCode;
+    base.ledger = &ledger;
+    Format added = loadAddition(sources, base, errors);
+    if (!added.types.empty() && added.types.back().record > lastRecord) {
+        errors.add(added.types.back().where,
+                   fmt::format("a build has room for {} added types", addedTypes));
+    }
+    const int offset = static_cast<int>(format.types.size());
+    for (RecordType& type : added.types) {
+        type.edition = addedEdition;
+        for (Field& field : type.fields)
+            field.edition = addedEdition;
+        for (int& owner : type.owners)
+            owner += offset;
+        if (type.registration != 0)
+            type.registration += static_cast<int>(format.registration.size());
+        format.types.push_back(std::move(type));
+    }
+    format.registration.insert(format.registration.end(), added.registration.begin(),
+                               added.registration.end());
+    format.symbols = std::move(added.symbols);
+    format.firstAddedCode = firstAddedCode;
+    format.addedCodeNames = std::move(added.codeNames);
 }
 
 std::vector<Source> readSourcesAt(const std::string& path, Errors& errors)
