@@ -2,14 +2,30 @@
 
 #include "TQX_Edition.h"
 #include "TQX_codec.h"
-#include "tqx/log/record/TypeNames.h"
 #include "tqx/log/schema/AddedTypes.h"
 #include "tqx/log/schema/Descriptions.h"
+
+#include <algorithm>
+#include <cctype>
 
 namespace tqx
 {
 
 using namespace Kor::MessageApi;
+
+namespace
+{
+
+bool hasName(const TQX_TypeLayout& type, std::string_view name)
+{
+    const std::string_view own(type.name);
+    return std::equal(own.begin(), own.end(), name.begin(), name.end(), [](char a, char b) {
+        return std::tolower(static_cast<unsigned char>(a)) ==
+               std::tolower(static_cast<unsigned char>(b));
+    });
+}
+
+} // namespace
 
 Schema Schema::read(const std::vector<std::string>& paths)
 {
@@ -47,12 +63,12 @@ const TQX_TypeLayout* Schema::findType(std::string_view name) const
 {
     for (uint32_t recordType = 1; recordType <= TQX_lastRecordType; ++recordType) {
         const TQX_TypeLayout* layout = TQX_layout(recordType);
-        if (layout && equalNames(layout->name, name))
+        if (layout && hasName(*layout, name))
             return layout;
     }
     if (m_added) {
         for (const TQX_TypeLayout* layout : m_added->layouts) {
-            if (equalNames(layout->name, name))
+            if (hasName(*layout, name))
                 return layout;
         }
     }
