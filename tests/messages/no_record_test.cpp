@@ -20,11 +20,11 @@ struct ReadsOf {
     Reads operator()(const FieldAccessor& row) const
     {
         Reads reads = std::visit(*this, row.getters);
-        reads.push_back([=] { info->getValue(message, 0); });
-        reads.push_back([=] { info->getValueUnchecked(message, 0); });
-        reads.push_back([=] { info->getValueString(message, 0, false); });
+        reads.emplace_back([=] { info->getValue(message, 0); });
+        reads.emplace_back([=] { info->getValueUnchecked(message, 0); });
+        reads.emplace_back([=] { info->getValueString(message, 0, false); });
         if (row.has)
-            reads.push_back([=] { (message->*row.has)(); });
+            reads.emplace_back([=] { (message->*row.has)(); });
         return reads;
     }
     template<typename Value>

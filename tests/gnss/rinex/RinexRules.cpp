@@ -125,10 +125,10 @@ void checkHeader(const std::vector<std::string>& lines, const ObservationFile& f
         checkFormat(line.content, *rule, faults);
     }
     if (file.header[0].label != "RINEX VERSION / TYPE")
-        faults.push_back("the version is not first");
+        faults.emplace_back("the version is not first");
     const bool isV3 = file.header[0].content.substr(0, 9) == "     3.05";
     if (!isV3 && file.header[0].content.substr(0, 9) != "     4.02")
-        faults.push_back("unknown version");
+        faults.emplace_back("unknown version");
     for (const HeaderRule& rule : observationHeader) {
         const bool isNeeded = rule.need == Need::Always || (rule.need == Need::InV3 && isV3) ||
                               (rule.need == Need::WithGlonass && file.types.count('R') != 0);
@@ -138,7 +138,7 @@ void checkHeader(const std::vector<std::string>& lines, const ObservationFile& f
             faults.push_back(std::string("twice ") + rule.label);
     }
     if (isV3 && file.types.count('R') != 0 && counts["GLONASS COD/PHS/BIS"] != 1)
-        faults.push_back("missing GLONASS COD/PHS/BIS");
+        faults.emplace_back("missing GLONASS COD/PHS/BIS");
 }
 
 void checkTypes(const ObservationFile& file, Faults& faults)
@@ -153,7 +153,7 @@ void checkTypes(const ObservationFile& file, Faults& faults)
         systems += system;
         const auto code = codes.find(system);
         if (code == codes.end()) {
-            faults.push_back("unknown system");
+            faults.emplace_back("unknown system");
             continue;
         }
         const std::regex known(std::string("[CLDS](") + code->second + ")");
@@ -165,11 +165,11 @@ void checkTypes(const ObservationFile& file, Faults& faults)
                 faults.push_back("no phase shift of " + type);
         }
         if (std::set<std::string>(types.begin(), types.end()).size() != types.size())
-            faults.push_back("a type twice");
+            faults.emplace_back("a type twice");
     }
     const char expected = systems.size() == 1 ? systems[0] : 'M';
     if (file.header[0].content[20] != 'O' || file.header[0].content[40] != expected)
-        faults.push_back("wrong kind or system in the first line");
+        faults.emplace_back("wrong kind or system in the first line");
 }
 
 /// Counts and times that the header says against those of the epochs.
@@ -198,7 +198,7 @@ void checkSummary(const ObservationFile& file, Faults& faults)
         }
         if (line.label == "# OF SATELLITES" &&
             std::stoi(line.content) != static_cast<int>(found.size()))
-            faults.push_back("wrong # OF SATELLITES");
+            faults.emplace_back("wrong # OF SATELLITES");
         const bool isFirst = line.label == "TIME OF FIRST OBS";
         if ((isFirst || line.label == "TIME OF LAST OBS") && !epochs.empty()) {
             const auto part = [&](size_t i) { return std::stoi(line.content.substr(i, 6)); };
@@ -260,7 +260,7 @@ void checkEpochs(const std::vector<std::string>& lines, const ObservationFile& f
             checkCells(lines[at++], file.types.at(satellite.satellite[0]).size(), faults);
         }
         if (epoch.flag <= 1 && epoch.satellites.empty())
-            faults.push_back("an epoch without satellites");
+            faults.emplace_back("an epoch without satellites");
         for (const std::string& line : epoch.lines) {
             if (line.size() != 80)
                 faults.push_back("event line: " + line);
@@ -296,10 +296,10 @@ std::vector<std::string> faultsOfObservations(const std::string& text)
         checkSummary(file, faults);
         checkEpochs(lines, file, faults);
     } catch (const std::exception& error) {
-        faults.push_back(error.what());
+        faults.emplace_back(error.what());
     }
     if (text.empty() || text.back() != '\n')
-        faults.push_back("the last line has no end");
+        faults.emplace_back("the last line has no end");
     return faults;
 }
 
@@ -334,11 +334,11 @@ std::vector<std::string> faultsOfNavigation(const std::string& text)
                                  std::to_string(count) + " numbers");
             }
             if (file.header[1].content.substr(0, 3) == "tqx" && record.seconds < last - 86400)
-                faults.push_back("records out of order");
+                faults.emplace_back("records out of order");
             last = record.seconds;
         }
     } catch (const std::exception& error) {
-        faults.push_back(error.what());
+        faults.emplace_back(error.what());
     }
     return faults;
 }

@@ -41,9 +41,8 @@ void Spool::add(const uint8_t* bytes, size_t size)
 
 std::unique_ptr<ByteSource> Spool::read()
 {
-    if (std::fflush(m_file) != 0)
+    if (std::fflush(m_file) != 0 || std::fseek(m_file, 0, SEEK_SET) != 0)
         fail();
-    std::rewind(m_file);
     return std::make_unique<FileSource>(m_file, "standard input");
 }
 

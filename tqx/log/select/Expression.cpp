@@ -236,14 +236,16 @@ std::vector<ExpressionWord> ExpressionParser::readPath()
 {
     std::vector<ExpressionWord> path;
     skipBlanks();
-    do {
+    for (;;) {
         const std::string_view name = peekName();
         if (name.empty())
             fail("the name of a field is expected here");
         path.push_back({std::string(name), m_at});
         m_at += name.size();
-    } while (m_at < m_text.size() && m_text[m_at] == '.' && ++m_at != 0);
-    return path;
+        if (m_at == m_text.size() || m_text[m_at] != '.')
+            return path;
+        ++m_at;
+    }
 }
 
 Comparison ExpressionParser::readComparison()
