@@ -204,7 +204,7 @@ ExitStatus DumpCommand::run()
         return std::make_unique<ValueJsonWriter>(filter, style);
     };
     OutputTarget text(output);
-    ParallelDump dump(text, makeWriter, m_streams.getSchema(), m_streams.isLive() ? 1 : 0);
+    ParallelDump dump(text, makeWriter, m_streams.isLive() ? 1 : 0, m_streams.getSchema());
     return m_streams.read(dump, dump);
 }
 

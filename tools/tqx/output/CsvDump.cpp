@@ -115,8 +115,8 @@ ExitStatus dumpCsv(StreamOptions& streams, const FieldFilter& filter, const CsvS
         streams.checkBeforeFolder(target);
         CsvFolder folder(target, filter, style);
         ParallelDump dump(
-            folder, [&] { return std::make_unique<BookWriter>(filter, style); },
-            streams.getSchema(), threads);
+            folder, [&] { return std::make_unique<BookWriter>(filter, style); }, threads,
+            streams.getSchema());
         const ExitStatus status = streams.read(dump, dump);
         folder.close();
         return status;
@@ -127,8 +127,8 @@ ExitStatus dumpCsv(StreamOptions& streams, const FieldFilter& filter, const CsvS
     output.flush();
     OutputTarget text(output);
     ParallelDump dump(
-        text, [&] { return std::make_unique<FlatWriter>(type, filter, style); },
-        streams.getSchema(), threads);
+        text, [&] { return std::make_unique<FlatWriter>(type, filter, style); }, threads,
+        streams.getSchema());
     return streams.read(dump, dump);
 }
 

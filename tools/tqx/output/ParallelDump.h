@@ -30,8 +30,8 @@ public:
     /// `makeWriter` is called on the caller's thread, for one writer a thread. Blocks are those of
     /// the schema. `threads` 0 stands for the number of processors; 1 makes all text on the
     /// caller's thread.
-    ParallelDump(BatchTarget& target, MakeWriter makeWriter, const Schema& schema = {},
-                 unsigned threads = 0);
+    ParallelDump(BatchTarget& target, MakeWriter makeWriter, unsigned threads = 0,
+                 const Schema& schema = {});
     ~ParallelDump() override;
     ParallelDump(const ParallelDump&) = delete;
     ParallelDump& operator=(const ParallelDump&) = delete;
