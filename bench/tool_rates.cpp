@@ -3,10 +3,10 @@
 //
 // usage: tool_rates [FILE]     without FILE a simulated log of about 200 MB
 //
-// All runs are processes of their own, in turns, written to /dev/null, tables to files; what is
-// shown are medians of the time that passed, which the rates are of, and of the processor time,
-// which is longer where several threads work. Other work on the machine makes the former longer
-// than it is.
+// All runs are processes of their own, in turns, written to /dev/null, tables to files, and lines
+// to a file once more, which is what to compare tables with; what is shown are medians of the time
+// that passed, which the rates are of, and of the processor time, which is longer where several
+// threads work. Other work on the machine makes the former longer than it is.
 
 #include "TQXDecoder.h"
 #include "TQXSynchronizer.h"
@@ -114,6 +114,7 @@ int main(int argc, char** argv)
     if (argc == 1)
         run({TQX_TOOL, "simulate", "--size", "200MB", "-o", log});
     const std::string tables = folder.filePath("tables").toStdString();
+    const std::string lines = folder.filePath("lines.jsonl").toStdString();
     const double megabytes = static_cast<double>(QFile(log.c_str()).size()) * 1e-6;
 
     std::vector<Work> works = {
@@ -124,6 +125,10 @@ int main(int argc, char** argv)
         {"dump --format jsonl", {TQX_TOOL, "dump", "-q", "--format", "jsonl", log}, {}, {}},
         {"dump --format jsonl --raw",
          {TQX_TOOL, "dump", "-q", "--format", "jsonl", "--raw", log},
+         {},
+         {}},
+        {"dump --format jsonl, a file",
+         {TQX_TOOL, "dump", "-q", "--format", "jsonl", "-o", lines, log},
          {},
          {}},
         {"dump --format csv, a folder",

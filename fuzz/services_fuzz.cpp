@@ -1,5 +1,5 @@
 // Any bytes in any pieces through synchroniser and decoder: every byte is accounted for, what is
-// found is what the plainest framing finds, and every block is published or its failure told.
+// found is what the plainest framing finds, and every block is published or its failure reported.
 
 #include "FixedChecksums.h"
 #include "Host.h"
@@ -116,8 +116,8 @@ private:
         require(m_host.damages ==
                 m_expected.checksumErrors.size() + m_expected.invalidLengths.size());
         require(m_host.synchronizer.getNumberOfBytesLeft() == static_cast<int>(m_expected.left));
-        const uint64_t told = m_host.messages + m_host.events;
-        require(told <= m_host.blocks && m_host.blocks <= told + m_silentBlocks);
+        const uint64_t reported = m_host.messages + m_host.events;
+        require(reported <= m_host.blocks && m_host.blocks <= reported + m_silentBlocks);
     }
 
     Bytes m_stream;

@@ -29,7 +29,7 @@ int main(int argc, char** argv)
         tqx::ValueJson json(fields);
         tqx::Buffer out;
         for (tqx::Block block = {}; stream.next(block);) {
-            if (selection.accepts(stream, block) && decoder.decode(block) > 0)
+            if (selection.accepts(stream, block) && decoder.decode(block, stream.getContext()) > 0)
                 json.write(out, decoder.getDecoded());
         }
         std::fwrite(out.data(), 1, out.size(), stdout);

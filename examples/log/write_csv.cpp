@@ -33,7 +33,8 @@ int main(int argc, char** argv)
         tqx::BlockStream stream(*source);
         tqx::RecordDecoder decoder;
         for (tqx::Block block = {}; stream.next(block);) {
-            if (block.getNumber() != type.blockNumber || decoder.decode(block) <= 0)
+            if (block.getNumber() != type.blockNumber ||
+                decoder.decode(block, stream.getContext()) <= 0)
                 continue;
             tqx::Buffer cells;
             table.appendCells(cells, decoder.getDecoded().record);

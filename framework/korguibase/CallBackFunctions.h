@@ -11,6 +11,6 @@
 /// it out before the library is unloaded.
 KORGUIBASE_API const dbg_CallBacks_s* getCallBackFunctions();
 
-/// The stream that the diagnostics write to, null before dbg_Init has told it.
+/// The stream that the diagnostics write to, null before dbg_Init has set it.
 /// Not owned by the caller.
 KORGUIBASE_API FILE* getDiagnosticsStream();

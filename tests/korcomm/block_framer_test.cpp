@@ -14,7 +14,7 @@ namespace
 struct Row {
     std::string name;
     Bytes stream;
-    Framing waiting; ///< before the end of input is told
+    Framing waiting; ///< before the end of input is reported
     Framing ended;   ///< after it
 };
 

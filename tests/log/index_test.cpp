@@ -183,6 +183,21 @@ std::vector<Passed> readByPages(const Index& index, const RandomAccess& log)
     return found;
 }
 
+/// All blocks of a stream, each decoded with a context of its own.
+std::vector<Passed> streamedAlone(const Bytes& log)
+{
+    std::vector<Passed> found;
+    MemorySource source(log.data(), log.size());
+    BlockStream stream(source);
+    for (Block block; stream.next(block);) {
+        Decoder decoder;
+        stream.getContext().applyTo(decoder.context);
+        found.push_back({});
+        decoder.decode(block, found.back());
+    }
+    return found;
+}
+
 std::vector<Passed> selected(const Pass& pass, const BlockQuery& query)
 {
     std::vector<Passed> wanted;
@@ -248,6 +263,7 @@ TEST(Index, GivesWhatOnePassGives)
         ASSERT_EQ(index.getWeekStarts(), pass.weekStarts);
         ASSERT_TRUE(readByPages(index, access) == pass.blocks);
         ASSERT_TRUE(readAlone(index, access, {}) == pass.blocks);
+        ASSERT_TRUE(streamedAlone(log) == pass.blocks);
         const BlockQuery query = randomQuery(pass, random);
         ASSERT_TRUE(readAlone(index, access, query) == selected(pass, query));
     }

@@ -40,7 +40,7 @@ TEST(TQXDecoder, TellsWhenThereIsNoMemoryForAMessage)
     QObject::connect(&decoder, &MessageSource::newMessage, [&] { ++messages; });
     std::string event;
     QObject::connect(&decoder, &MessageSource::newEvent,
-                     [&](const MessageApiEvent& told) { event = described(told); });
+                     [&](const MessageApiEvent& reported) { event = described(reported); });
     const QByteArray block = measEpoch2(2);
     int attempts = 0;
     while (messages == 0) {

@@ -21,7 +21,7 @@ TEST(StartUp, SetsUpTheDiagnostics)
     EXPECT_EQ(dbg_GetInitCount(), 1U);
     EXPECT_FALSE(dbg_GetSettings()->assertionsReturn);
     EXPECT_NE(dbg_CheckModule("MessageAPI_TQX", "TQXDecoder"), -1);
-    EXPECT_EQ(getDiagnosticsStream(), dbg_GetSettings()->stream) << "the host was not told";
+    EXPECT_EQ(getDiagnosticsStream(), dbg_GetSettings()->stream) << "the host was not given it";
     EXPECT_NE(getDiagnosticsStream(), nullptr);
 }
 

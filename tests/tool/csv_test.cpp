@@ -416,7 +416,7 @@ TEST(Csv, ConditionsOnRowsAreChecked)
         {"Type1 == 3", "Type1 holds sub-blocks"},
         {"CN0 >", "--rows: "}};
     for (const Case& one : cases) {
-        const ToolRun run = runTool({"dump", "tool/data/told.jsonl", "--type", "MeasEpoch2",
+        const ToolRun run = runTool({"dump", "tool/data/documented.jsonl", "--type", "MeasEpoch2",
                                      "--format", "csv", "--rows", one.condition});
         EXPECT_EQ(run.status, 1);
         EXPECT_EQ(run.words.find("tqx: --rows: "), 0U) << run.words;

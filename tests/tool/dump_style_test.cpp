@@ -32,7 +32,7 @@ class DumpStyle : public testing::TestWithParam<Case>
 const std::string& stream()
 {
     static const std::string bytes =
-        runTool({"encode", "tool/data/told.jsonl"}).output +
+        runTool({"encode", "tool/data/documented.jsonl"}).output +
         runTool(
             {"encode", "-"},
             R"({"block":"PVTGeodetic2","fields":{"TOW":216001000,"WNc":2400,"Latitude":-2e10,"Height":-2e10}})")

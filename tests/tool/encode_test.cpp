@@ -229,7 +229,8 @@ TEST(Encode, NothingIsDroppedAfterANull)
 
 TEST(Encode, FieldsThatDifferFromBytesAreReported)
 {
-    std::vector<std::string> lines = rawLines(runTool({"encode", "tool/data/told.jsonl"}).output);
+    std::vector<std::string> lines =
+        rawLines(runTool({"encode", "tool/data/documented.jsonl"}).output);
     json line = json::parse(lines.at(1));
     ASSERT_EQ(line["block"], "MeasEpoch2");
     const std::string block = runTool({"encode", "-"}, lines.at(1)).output;

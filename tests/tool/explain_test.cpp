@@ -211,7 +211,8 @@ TEST(Explain, ExplainsReportsOfDamage)
 TEST(Explain, LooksForTheHeaderInTheDamage)
 {
     const std::string sound = runTool({"cut", "--type", "4007", "data/samples/random.tqx"}).output;
-    const std::string before = runTool({"encode", "tool/data/told.jsonl"}).output.substr(0, 96);
+    const std::string before =
+        runTool({"encode", "tool/data/documented.jsonl"}).output.substr(0, 96);
     const std::string junk = "junk $@ and more of it ";
     std::string damaged = before;
     damaged[90] ^= 1;

@@ -27,9 +27,9 @@ class FieldOption : public testing::TestWithParam<Case>
 {
 };
 
-const std::string& toldStream()
+const std::string& documentedStream()
 {
-    static const std::string stream = runTool({"encode", "tool/data/told.jsonl"}).output;
+    static const std::string stream = runTool({"encode", "tool/data/documented.jsonl"}).output;
     return stream;
 }
 
@@ -55,7 +55,7 @@ TEST_P(FieldOption, NamesFieldsInTheirOrder)
         const ToolRun run = runTool(QStringList{"dump", "--format", "jsonl", "--field",
                                                 expected.fields, "--type", expected.type, "-"} +
                                         more,
-                                    toldStream());
+                                    documentedStream());
         EXPECT_EQ(run.words, "");
         EXPECT_EQ(run.output.empty() ? "" : pathsOf(ordered_json::parse(run.output)["fields"]),
                   expected.shown);
@@ -84,13 +84,13 @@ TEST(FieldOptions, OrderIsThatOfTextAndTables)
     const QStringList arguments = {"--field", "Averaging,NrSV,PVTMode,Height", "--type", "4007",
                                    "-"};
     const std::vector<std::string> text =
-        linesOf(runTool(QStringList{"dump"} + arguments, toldStream()).output);
+        linesOf(runTool(QStringList{"dump"} + arguments, documentedStream()).output);
     ASSERT_EQ(text.size(), 6U);
     const char* const names[] = {"Averaging", "NrSV", "PVTMode", "Height"};
     for (size_t i = 0; i < 4; ++i)
         EXPECT_EQ(text[i + 1].find_first_not_of(' '), text[i + 1].find(names[i])) << text[i + 1];
-    const std::vector<std::string> table =
-        linesOf(runTool(QStringList{"dump", "--format", "csv"} + arguments, toldStream()).output);
+    const std::vector<std::string> table = linesOf(
+        runTool(QStringList{"dump", "--format", "csv"} + arguments, documentedStream()).output);
     ASSERT_EQ(table.size(), 2U);
     EXPECT_EQ(table[0],
               "MessageIndex,WNc [week],TOW [second],UTC,Averaging,NrSV,PVTMode,Height [meter]");
@@ -102,7 +102,7 @@ TEST(FieldOptions, NamesInConditionsAreFoundWhateverTheCase)
     const char* const conditions[] = {"pvtmode == 'rtk FIXED'", "PVTGEODETIC2.NRSV == 11",
                                       "type1.svid == 'g03'"};
     for (const char* condition : conditions) {
-        const ToolRun run = runTool({"cut", "--where", condition, "-"}, toldStream());
+        const ToolRun run = runTool({"cut", "--where", condition, "-"}, documentedStream());
         EXPECT_EQ(run.words, "");
         EXPECT_GT(run.output.size(), 0U) << condition;
     }

@@ -50,7 +50,7 @@ void decode(const QStringList& options, const std::function<void(const Message&)
     }
 }
 
-/// Passes the measurements of a log on, with what the navigation messages have told before.
+/// Passes the measurements of a log on, with what the navigation messages have said before.
 void eachEpoch(const QStringList& options,
                const std::function<void(const Ephemerides&, const TQX_MeasEpoch2_Message&)>& use)
 {
@@ -93,10 +93,11 @@ struct Scatter {
 struct Ionosphere {
     void take(const Message& message)
     {
-        if (const auto* told = dynamic_cast<const TQX_GPSIon_Message*>(&message)) {
-            alpha = {told->getalpha_0(), told->getalpha_1(), told->getalpha_2(),
-                     told->getalpha_3()};
-            beta = {told->getbeta_0(), told->getbeta_1(), told->getbeta_2(), told->getbeta_3()};
+        if (const auto* ionosphere = dynamic_cast<const TQX_GPSIon_Message*>(&message)) {
+            alpha = {ionosphere->getalpha_0(), ionosphere->getalpha_1(), ionosphere->getalpha_2(),
+                     ionosphere->getalpha_3()};
+            beta = {ionosphere->getbeta_0(), ionosphere->getbeta_1(), ionosphere->getbeta_2(),
+                    ionosphere->getbeta_3()};
         }
     }
 
@@ -218,11 +219,12 @@ TEST(Fix, ReceiverTellsHowGoodItIs)
                        ++tested;
                    }
                }
-               if (const auto* told = dynamic_cast<const TQX_PosCovCartesian1_Message*>(&message)) {
+               if (const auto* block =
+                       dynamic_cast<const TQX_PosCovCartesian1_Message*>(&message)) {
                    Eigen::Matrix3d covariance;
-                   covariance << told->getCov_XX(), told->getCov_XY(), told->getCov_XZ(),
-                       told->getCov_XY(), told->getCov_YY(), told->getCov_YZ(), told->getCov_XZ(),
-                       told->getCov_YZ(), told->getCov_ZZ();
+                   covariance << block->getCov_XX(), block->getCov_XY(), block->getCov_XZ(),
+                       block->getCov_XY(), block->getCov_YY(), block->getCov_YZ(),
+                       block->getCov_XZ(), block->getCov_YZ(), block->getCov_ZZ();
                    scatter.add(error, covariance);
                }
            });

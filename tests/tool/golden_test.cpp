@@ -26,9 +26,9 @@ class GoldenTest : public testing::TestWithParam<Case>
 };
 
 /// A stream of one block of each of some types, with few sub-blocks.
-const std::string& toldStream()
+const std::string& documentedStream()
 {
-    static const std::string stream = runTool({"encode", "tool/data/told.jsonl"}).output;
+    static const std::string stream = runTool({"encode", "tool/data/documented.jsonl"}).output;
     return stream;
 }
 
@@ -37,7 +37,7 @@ const std::string& toldStream()
 TEST_P(GoldenTest, IsUnchanged)
 {
     const std::string path = std::string("tool/golden/") + GetParam().file;
-    const ToolRun run = runTool(GetParam().arguments, toldStream());
+    const ToolRun run = runTool(GetParam().arguments, documentedStream());
     EXPECT_EQ(run.status, 0) << run.words;
     EXPECT_EQ(run.words, "");
     if (std::getenv("TQX_UPDATE_GOLDEN"))

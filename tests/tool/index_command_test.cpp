@@ -22,7 +22,7 @@ TEST(IndexCommand, SavesAnIndexAndSaysWhatTheLogHolds)
     const QTemporaryDir folder;
     const QString log = folder.filePath("log");
     const std::string name = log.toStdString();
-    const std::string stream = runTool({"encode", "tool/data/told.jsonl"}).output;
+    const std::string stream = runTool({"encode", "tool/data/documented.jsonl"}).output;
     const std::string holds = "611 bytes, 9 blocks of 9 types, 2026-01-06T12:00:00.000 to "
                               "2026-01-06T12:00:02.000 GPS, 0 bytes belong to no block\n";
     write(log, stream);

@@ -92,6 +92,6 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"CutWhere", {"cut", "--where", "NrSV >= 0", log}},
                     Case{"Extract", {"extract", "--mode", "rtcm3", log}},
                     Case{"Types", {"types", "AGCState"}}, Case{"Error", {"error", "-5"}},
-                    Case{"Encode", {"encode", "tool/data/told.jsonl"}},
+                    Case{"Encode", {"encode", "tool/data/documented.jsonl"}},
                     Case{"Simulate", {"simulate", "--duration", "2"}}),
     [](const auto& instance) { return instance.param.name; });

@@ -98,8 +98,9 @@ TEST(SampleStreams, PiecesAndFilesMakeNoDifference)
     const ToolRun twice = runTool({"dump", "--format", "jsonl", path.c_str(), path.c_str()});
     EXPECT_EQ(twice.output, file.output + file.output);
     // A block that begins in the file and ends on standard input.
-    const ToolRun whole = runTool({"dump", "--strict", "tool/data/cut.tqx", "-"},
-                                  runTool({"encode", "tool/data/told.jsonl"}).output.substr(315));
+    const ToolRun whole =
+        runTool({"dump", "--strict", "tool/data/cut.tqx", "-"},
+                runTool({"encode", "tool/data/documented.jsonl"}).output.substr(315));
     EXPECT_EQ(whole.status, 0) << whole.words;
     EXPECT_NE(whole.output.find("WX-20"), std::string::npos) << whole.output;
 }

@@ -159,7 +159,7 @@ INSTANTIATE_TEST_SUITE_P(
              "cut: --limit: '0' is not in the range 1 to 18446744073709551615 (see tqx help cut)"},
         Case{"NoScale",
              {"--from", "2026-01-04T00:00:01"},
-             "--from: '2026-01-04T00:00:01' does not say on which scale; put Z behind it for UTC, "
+             "--from: '2026-01-04T00:00:01' does not say on which scale; put Z after it for UTC, "
              "' GPS' for GPS time"},
         Case{"NoLeapSecond",
              {"--to", "2016-06-30T23:59:60Z"},

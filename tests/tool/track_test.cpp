@@ -201,7 +201,19 @@ TEST(Track, GeoJsonFollowsItsRfc)
     EXPECT_EQ(document.at("type"), "FeatureCollection");
     EXPECT_FALSE(document.contains("crs"));
     const std::vector<Fixed> expected = positions();
-    ASSERT_EQ(document.at("features").size(), expected.size());
+    // Lines follow the points: up to the epoch without a position, and after the gap.
+    ASSERT_EQ(document.at("features").size(), expected.size() + 2);
+    for (size_t i = 0; i < 2; ++i) {
+        const json& line = document["features"][expected.size() + i];
+        EXPECT_EQ(line.at("geometry").at("type"), "LineString");
+        const json& places = line["geometry"].at("coordinates");
+        ASSERT_EQ(places.size(), i == 0 ? 4U : 2U);
+        EXPECT_EQ(line.at("properties").at("positions"), places.size());
+        for (size_t k = 0; k < places.size(); ++k) {
+            EXPECT_EQ(places[k],
+                      document["features"][i == 0 ? k : k + 5]["geometry"]["coordinates"]);
+        }
+    }
     for (size_t i = 0; i < expected.size(); ++i) {
         const json& feature = document["features"][i];
         EXPECT_EQ(feature.at("type"), "Feature");
@@ -259,6 +271,35 @@ TEST(Track, SentencesHaveTheirChecksums)
     EXPECT_EQ(lines[2], "$GNZDA,000122.00,04,01,2026,00,00*7A\r");
 }
 
+// An epoch waits for its dilutions as long as the one before had any.
+TEST(Track, SentencesHaveTheDilutionsOfTheirEpoch)
+{
+    std::string lines;
+    for (const int second : {100, 101, 102, 103}) {
+        lines += blockOf({second, 4, -33.5, -151.25});
+        if (second == 101)
+            continue;
+        lines += json({{"block", "DOP2"},
+                       {"fields",
+                        {{"TOW", second * 1000},
+                         {"WNc", 2400},
+                         {"PDOP", 2.5},
+                         {"HDOP", 1.25},
+                         {"VDOP", 2.165}}}})
+                     .dump() +
+                 "\n";
+    }
+    std::string found;
+    for (const std::string& line : linesOf(track("nmea", runTool({"encode", "-"}, lines).output))) {
+        if (line.rfind("$GNGGA", 0) == 0)
+            found += cellsOf(line)[8] + ";";
+        if (line.rfind("$GNGSA", 0) == 0)
+            found += line;
+    }
+    const std::string dilutions = "$GNGSA,A,3,,,,,,,,,,,,,2.50,1.25,2.17*0A\r";
+    EXPECT_EQ(found, "1.25;" + dilutions + ";;1.25;" + dilutions);
+}
+
 namespace
 {
 
@@ -300,12 +341,16 @@ TEST(Track, GeoPackageReadsBack)
     EXPECT_EQ(rowsOf(file, "SELECT srs_id FROM gpkg_spatial_ref_sys ORDER BY srs_id"),
               (Rows{"-1", "0", "4326"}));
     EXPECT_EQ(rowsOf(file, "SELECT table_name, data_type, srs_id, min_x, max_x FROM gpkg_contents"),
-              Rows{"positions|features|4326|-151.2505|180.0"});
+              (Rows{"positions|features|4326|-151.2505|180.0",
+                    "positions_lines|features|4326|-151.2505|180.0"}));
     EXPECT_EQ(rowsOf(file, "SELECT * FROM gpkg_geometry_columns"),
-              Rows{"positions|geom|POINT|4326|2|0"});
+              (Rows{"positions|geom|POINT|4326|2|0", "positions_lines|geom|LINESTRING|4326|2|0"}));
     EXPECT_EQ(rowsOf(file, "SELECT count(*) FROM gpkg_contents WHERE last_change LIKE "
                            "'____-__-__T__:__:__.___Z'"),
-              Rows{"1"});
+              Rows{"2"});
+    EXPECT_EQ(rowsOf(file, "SELECT utc, utc_end, positions FROM positions_lines ORDER BY fid"),
+              (Rows{"2026-01-04T00:01:22.000Z|2026-01-04T00:01:25.000Z|4",
+                    "2026-01-04T00:06:22.000Z|2026-01-04T00:06:23.000Z|2"}));
     const std::vector<std::string> points = rowsOf(file, "SELECT geom FROM positions ORDER BY fid");
     const std::vector<Fixed> expected = positions();
     ASSERT_EQ(points.size(), expected.size());
@@ -319,6 +364,11 @@ TEST(Track, GeoPackageReadsBack)
         EXPECT_NEAR(place[1], expected[i].latitude, 1e-12);
         EXPECT_EQ(place[2], 500);
     }
+    const std::string line = rowsOf(file, "SELECT geom FROM positions_lines ORDER BY fid")[0];
+    ASSERT_EQ(line.size(), 17U + 4 * 24);
+    EXPECT_EQ(line.substr(0, 17), std::string("GP\0\1\xe6\x10\0\0\1\xea\3\0\0\4\0\0\0", 17));
+    for (size_t i = 0; i < 4; ++i)
+        EXPECT_EQ(line.substr(17 + i * 24, 24), points[i].substr(13)) << i;
     EXPECT_EQ(rowsOf(file, "SELECT utc, mode, satellites, height_above_geoid FROM positions "
                            "WHERE fid = 1"),
               Rows{"2026-01-04T00:01:22.000Z|RTK fixed|9|460.0"});

@@ -85,20 +85,21 @@ KeplerEphemeris keplerEphemeris(const Satellite& satellite, double time)
     const System system = satellite.getSystem();
     const double reference = referenceTime(system, time);
     const SystemTime named(system, reference);
-    KeplerEphemeris told = {};
-    told.elements = satellite.elementsAt(reference);
-    told.elements.meanAnomaly = simulation::rounded(told.elements.meanAnomaly, angleStep);
-    told.elements.inclination = simulation::rounded(told.elements.inclination, angleStep);
-    told.week = named.week;
-    told.toe = static_cast<uint32_t>(std::llround(named.second));
-    told.ascendingNode = simulation::rounded(
-        wrapped(told.elements.ascendingNode + earthModel(system).rotation / pi * told.toe),
-        angleStep);
-    told.issue = static_cast<unsigned>(ephemerisIndex(system, time) % 240);
-    told.clockBias = simulation::rounded(satellite.clockAt(reference),
-                                         system == System::Gps ? 0x1p-31 : 0x1p-33);
-    told.clockDrift = satellite.getClockDrift();
-    return told;
+    KeplerEphemeris ephemeris = {};
+    ephemeris.elements = satellite.elementsAt(reference);
+    ephemeris.elements.meanAnomaly = simulation::rounded(ephemeris.elements.meanAnomaly, angleStep);
+    ephemeris.elements.inclination = simulation::rounded(ephemeris.elements.inclination, angleStep);
+    ephemeris.week = named.week;
+    ephemeris.toe = static_cast<uint32_t>(std::llround(named.second));
+    ephemeris.ascendingNode =
+        simulation::rounded(wrapped(ephemeris.elements.ascendingNode +
+                                    earthModel(system).rotation / pi * ephemeris.toe),
+                            angleStep);
+    ephemeris.issue = static_cast<unsigned>(ephemerisIndex(system, time) % 240);
+    ephemeris.clockBias = simulation::rounded(satellite.clockAt(reference),
+                                              system == System::Gps ? 0x1p-31 : 0x1p-33);
+    ephemeris.clockDrift = satellite.getClockDrift();
+    return ephemeris;
 }
 
 GlonassEphemeris glonassEphemeris(const Satellite& satellite, double time)

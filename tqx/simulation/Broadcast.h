@@ -5,7 +5,7 @@
 namespace tqx::simulation
 {
 
-/// Orbit and clock of a GPS, Galileo or BeiDou satellite as its navigation message tells them: in
+/// Orbit and clock of a GPS, Galileo or BeiDou satellite as its navigation message gives them: in
 /// the steps of the message and in the time of the system.
 struct KeplerEphemeris {
     KeplerElements elements;
@@ -17,7 +17,7 @@ struct KeplerEphemeris {
     double clockDrift;    ///< seconds per second
 };
 
-/// Motion and clock of a GLONASS satellite as its navigation message tells them.
+/// Motion and clock of a GLONASS satellite as its navigation message gives them.
 struct GlonassEphemeris {
     Motion motion;
     Vector acceleration;

@@ -46,13 +46,13 @@ void fillWeeks(Record& record, const KeplerEphemeris& ephemeris, const SystemTim
     record.WNt_oe = ephemeris.week;
 }
 
-void addGps(BlockLog& log, const Epoch& epoch, const Satellite& satellite,
-            const KeplerEphemeris& ephemeris)
+/// The messages of GPS and QZSS, which have the same fields.
+template<typename Record>
+void fillLegacy(Record& record, const Epoch& epoch, const Satellite& satellite,
+                const KeplerEphemeris& ephemeris)
 {
-    TQX_GPSNav_s record;
-    TQX_init_GPSNav(&record);
     fillOrbit(record, ephemeris);
-    fillWeeks(record, ephemeris, SystemTime(System::Gps, epoch.time));
+    fillWeeks(record, ephemeris, SystemTime(satellite.getSystem(), epoch.time));
     record.PRN = satellite.getSvid();
     record.CAorPonL2 = 3;
     record.IODC = static_cast<uint16_t>(ephemeris.issue);
@@ -60,6 +60,14 @@ void addGps(BlockLog& log, const Epoch& epoch, const Satellite& satellite,
     record.IODE3 = static_cast<uint8_t>(ephemeris.issue);
     record.T_gd = static_cast<float>(satellite.getGroupDelays()[0]);
     record.SQRT_A = ephemeris.elements.sqrtA;
+}
+
+void addGps(BlockLog& log, const Epoch& epoch, const Satellite& satellite,
+            const KeplerEphemeris& ephemeris)
+{
+    TQX_GPSNav_s record;
+    TQX_init_GPSNav(&record);
+    fillLegacy(record, epoch, satellite, ephemeris);
     log.add(epoch, record, TQX_encode_GPSNav);
 }
 
@@ -68,15 +76,7 @@ void addQzss(BlockLog& log, const Epoch& epoch, const Satellite& satellite,
 {
     TQX_QZSNav_s record;
     TQX_init_QZSNav(&record);
-    fillOrbit(record, ephemeris);
-    fillWeeks(record, ephemeris, SystemTime(System::Qzss, epoch.time));
-    record.PRN = satellite.getSvid();
-    record.CAorPonL2 = 3;
-    record.IODC = static_cast<uint16_t>(ephemeris.issue);
-    record.IODE2 = static_cast<uint8_t>(ephemeris.issue);
-    record.IODE3 = static_cast<uint8_t>(ephemeris.issue);
-    record.T_gd = static_cast<float>(satellite.getGroupDelays()[0]);
-    record.SQRT_A = ephemeris.elements.sqrtA;
+    fillLegacy(record, epoch, satellite, ephemeris);
     log.add(epoch, record, TQX_encode_QZSNav);
 }
 
@@ -142,7 +142,7 @@ void addBeiDou(BlockLog& log, const Epoch& epoch, const Satellite& satellite,
     log.add(epoch, record, TQX_encode_BDSNav);
 }
 
-/// The message of B2b, which tells its group delay.
+/// The message of B2b, which has its group delay.
 void addBeiDouB2b(BlockLog& log, const Epoch& epoch, const Satellite& satellite,
                   const KeplerEphemeris& ephemeris)
 {

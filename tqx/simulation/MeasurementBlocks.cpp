@@ -39,7 +39,7 @@ struct SignalCode {
     uint8_t info;
 };
 
-/// The carrier stands as its difference from the code, in cycles.
+/// The carrier is sent as its difference from the code, in cycles.
 int64_t carrierOf(const Signal& signal, int64_t codeSteps)
 {
     const double code = static_cast<double>(codeSteps) * codeStep;

@@ -31,7 +31,7 @@ double Sight::elevation() const
 Receiver::Receiver(Random& source, const TrackSettings& track, double start,
                    const ReceiverSettings& settings)
     : m_random(source), m_slips(4711), m_secondNoise(4712), m_slipsPerHour(settings.slipsPerHour),
-      m_track(track), m_initialBias(source.uniform(-3e-4, 3e-4)),
+      m_hidesSlips(settings.hidesSlips), m_track(track), m_initialBias(source.uniform(-3e-4, 3e-4)),
       m_clockDrift(source.uniform(-1.5e-7, 1.5e-7)), m_frame(track.start)
 {
     m_clockDrift = settings.clockDrift.value_or(m_clockDrift);
@@ -115,7 +115,8 @@ void Receiver::slip(Channel& channel, const Epoch& epoch)
         const auto cycles = static_cast<double>(1 + m_slips.below(most));
         ambiguity += m_slips.chance(0.5) ? cycles : -cycles;
     }
-    channel.since = epoch.elapsed;
+    if (!m_hidesSlips)
+        channel.since = epoch.elapsed;
 }
 
 void Receiver::startTracking(Channel& channel, const Epoch& epoch)

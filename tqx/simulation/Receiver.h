@@ -60,6 +60,7 @@ struct ReceiverSettings {
     std::optional<double> clockDrift; ///< seconds per second, random without
     bool hasSecondAntenna = false;
     double slipsPerHour = 0; ///< of each satellite, on all of its signals at once
+    bool hidesSlips = false; ///< the receiver does not notice them
 };
 
 /// A receiver and its antenna: what it tracks and measures, and the position it finds.
@@ -134,6 +135,7 @@ private:
     Random m_secondNoise;
     std::vector<Channel> m_secondChannels; ///< of the second antenna, by satellite; or none
     double m_slipsPerHour;
+    bool m_hidesSlips;
     double m_step = 0; ///< seconds since the last epoch
     Track m_track;
     std::vector<std::unique_ptr<Satellite>> m_satellites;

@@ -66,16 +66,16 @@ BitWriter positionMessage(uint16_t number, const ReferenceStation& station)
     BitWriter writer;
     writer.put(number, 12);
     writer.put(station.number, 12);
-    writer.put(0, 6);     // year of the reference frame, not told
+    writer.put(0, 6);     // year of the reference frame, not given
     writer.put(0b111, 3); // GPS, GLONASS and Galileo
     writer.put(0, 1);     // a physical station
     const auto putCoordinate = [&writer](double value) {
         writer.put(static_cast<uint64_t>(steps(value, metreStep)), 38);
     };
     putCoordinate(station.position.x);
-    writer.put(0, 2); // receiver oscillator not told, reserved
+    writer.put(0, 2); // receiver oscillator not given, reserved
     putCoordinate(station.position.y);
-    writer.put(0, 2); // quarter cycles not told
+    writer.put(0, 2); // quarter cycles not given
     putCoordinate(station.position.z);
     return writer;
 }

@@ -13,7 +13,7 @@ namespace
 
 constexpr double nodeDistance = 60; // seconds
 
-/// Cubic between two values with given rates, `part` of the distance behind the first one.
+/// Cubic between two values with given rates, `part` of the distance after the first one.
 struct Hermite {
     explicit Hermite(double part)
         : a((1 + 2 * part) * (1 - part) * (1 - part)), b(1 - a),

@@ -35,7 +35,7 @@ public:
     uint8_t getSvid() const { return svidOf(m_system, m_number); }
     bool isGeosynchronous() const;
 
-    /// Makes stateAt() good for times from a minute before `time` to two minutes behind it. Times
+    /// Makes stateAt() good for times from a minute before `time` to two minutes after it. Times
     /// must not go back.
     void moveTo(double time);
 

@@ -4,6 +4,7 @@
 #include "tqx/simulation/Blocks.h"
 #include "tqx/simulation/Broadcast.h"
 #include "tqx/simulation/CompactBlocks.h"
+#include "tqx/simulation/PulseInput.h"
 
 #include <cmath>
 #include <map>
@@ -21,7 +22,8 @@ public:
     Simulation(const SimulationSettings& wanted, Buffer& output)
         : m_settings(wanted), m_random(wanted.seed),
           m_log(output, wanted.damage ? std::optional<uint64_t>(~wanted.seed) : std::nullopt),
-          m_receiver(m_random, wanted.track, epochAt(0).time, wanted.receiver)
+          m_receiver(m_random, wanted.track, epochAt(0).time, wanted.receiver),
+          m_pulses(wanted.pulsePeriod)
     {
     }
 
@@ -39,6 +41,7 @@ private:
     BlockLog m_log;
     Receiver m_receiver;
     CompactBlocks m_compact;
+    PulseInput m_pulses;
     std::map<uint8_t, int64_t> m_sentEphemerides; ///< number of the last one by satellite
 };
 
@@ -82,6 +85,7 @@ void Simulation::addBlocks(const Epoch& epoch)
     constexpr uint32_t almanacCycle = 750 * second; // the pages of GPS come round in it
     if (epoch.elapsed == 0)
         addSetup(m_log, epoch, m_settings.track.start);
+    m_pulses.add(m_log, epoch, m_receiver);
     addMeasurements(m_log, epoch, m_receiver);
     if (m_settings.compact)
         m_compact.add(m_log, epoch, m_receiver);

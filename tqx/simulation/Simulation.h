@@ -20,6 +20,7 @@ struct SimulationSettings {
     uint32_t towMillis = 216000000; ///< of the first epoch
     TrackSettings track;
     ReceiverSettings receiver;
+    double pulsePeriod = 0; ///< seconds between pulses on an event input, 0: none
     bool damage = false;
     bool almanacs = false; ///< with the almanacs of GPS, Galileo, BeiDou and QZSS
     bool compact = false;  ///< with the measurements in compact blocks, too

@@ -69,7 +69,7 @@ void addGalileoPages(BlockLog& log, const Epoch& epoch)
     TQX_init_GALIon(&ionosphere);
     ionosphere.Source = 1;
     ionosphere.WN = now.week;
-    ionosphere.IODnav = 65535; // only told by the other message
+    ionosphere.IODnav = 65535; // only in the other message
     ionosphere.a_0 = 62.5F;
     ionosphere.a_1 = 0.1953125F;
     ionosphere.a_2 = 0.003662109375F;

@@ -188,13 +188,13 @@ void checkSummary(const ObservationFile& file, Faults& faults)
     }
     std::string satellite;
     std::vector<int> counts;
-    std::map<std::string, std::vector<int>> told;
+    std::map<std::string, std::vector<int>> listed;
     for (const HeaderLine& line : file.header) {
         if (line.label == "PRN / # OF OBS") {
             if (line.content[3] != ' ')
                 satellite = line.content.substr(3, 3);
             for (size_t i = 6; i < 60 && !isBlank(line.content.substr(i, 6)); i += 6)
-                told[satellite].push_back(std::stoi(line.content.substr(i, 6)));
+                listed[satellite].push_back(std::stoi(line.content.substr(i, 6)));
         }
         if (line.label == "# OF SATELLITES" &&
             std::stoi(line.content) != static_cast<int>(found.size()))
@@ -215,7 +215,7 @@ void checkSummary(const ObservationFile& file, Faults& faults)
             const auto count = values.find(type);
             expected.push_back(count == values.end() ? 0 : count->second);
         }
-        if (told[name] != expected)
+        if (listed[name] != expected)
             faults.push_back("wrong PRN / # OF OBS of " + name);
     }
 }
@@ -241,14 +241,16 @@ void checkEpochs(const std::vector<std::string>& lines, const ObservationFile& f
         "[0-6][ 0-9]{2}[0-9](      [ -][ 0-9.]{14})? *");
     size_t at = file.header.size();
     double last = -1e99;
+    double lastEpoch = last;
     for (const Epoch& epoch : file.epochs) {
         if (!std::regex_match(lines[at], head))
             faults.push_back("epoch line: " + lines[at]);
         ++at;
-        if (epoch.seconds < last || (epoch.flag <= 1 && epoch.seconds == last))
+        if (epoch.seconds < last || (epoch.flag <= 1 && epoch.seconds == lastEpoch))
             faults.push_back("epochs out of order: " + epoch.time);
+        last = epoch.seconds;
         if (epoch.flag <= 1)
-            last = epoch.seconds;
+            lastEpoch = last;
         std::set<std::string> names;
         for (const SatelliteLine& satellite : epoch.satellites) {
             if (!std::regex_match(satellite.satellite, std::regex("[GRECJIS][0-9]{2}")))

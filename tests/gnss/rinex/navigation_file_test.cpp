@@ -174,15 +174,15 @@ TEST(NavigationFile, HeaderOfVersion3TellsIonosphereTimesAndLeapSeconds)
     const ToolRuns tool;
     tool.expectRun("simulate --duration 3 -o log.tqx");
     tool.expectRun("rinex -q log.tqx -o files");
-    std::set<std::string> told;
+    std::set<std::string> found;
     for (const rinex::HeaderLine& line :
          rinex::readNavigation(tool.readOnly("files", "_MN.rnx")).header) {
         if (line.label == "IONOSPHERIC CORR" || line.label == "TIME SYSTEM CORR")
-            told.insert(line.content.substr(0, 4));
+            found.insert(line.content.substr(0, 4));
         if (line.label == "LEAP SECONDS") {
             EXPECT_EQ(line.content.substr(0, 24), "    18    18  1929     7");
         }
     }
-    EXPECT_EQ(told, (std::set<std::string>{"BDSA", "BDSB", "BDUT", "GAGP", "GAL ", "GAUT", "GLGP",
-                                           "GLUT", "GPSA", "GPSB", "GPUT"}));
+    EXPECT_EQ(found, (std::set<std::string>{"BDSA", "BDSB", "BDUT", "GAGP", "GAL ", "GAUT", "GLGP",
+                                            "GLUT", "GPSA", "GPSB", "GPUT"}));
 }

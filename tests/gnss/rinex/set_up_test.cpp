@@ -90,6 +90,10 @@ TEST(Installation, MissingIsSaidOnceAndNamesCanBeGiven)
     EXPECT_EQ(file.only("MARKER NAME").substr(0, 7), "GRAZ 1 ");
     EXPECT_EQ(file.only("OBSERVER / AGENCY").substr(0, 28), "A. B.               Office  ");
     EXPECT_EQ(tool.list("named").front(), "GRAZ00XXX_R_20260061200_01M_01S_MO.rnx");
+    tool.expectRun("rinex -q log.tqx -o station --marker graz12aut");
+    EXPECT_EQ(tool.list("station").front(), "GRAZ12AUT_R_20260061200_01M_01S_MO.rnx");
+    tool.expectRun("rinex -q log.tqx -o other --marker 'Graz 2AUT'");
+    EXPECT_EQ(tool.list("other").front(), "GRAZ00XXX_R_20260061200_01M_01S_MO.rnx");
 }
 
 TEST(Installation, EachAntennaHasAFile)
@@ -194,10 +198,10 @@ TEST(Losses, LogWithoutMeasurementsOrEphemerides)
     EXPECT_NE(tool.read("err").find("no ephemerides"), std::string::npos);
     EXPECT_EQ(tool.list("measured").size(), 1U);
     readFile(tool, "measured");
-    tool.expectRun("cut log.tqx --type '*Nav' -o told.tqx");
-    tool.expectRun("rinex told.tqx -o told");
+    tool.expectRun("cut log.tqx --type '*Nav' -o navigation.tqx");
+    tool.expectRun("rinex navigation.tqx -o navigation");
     EXPECT_NE(tool.read("err").find("no observations"), std::string::npos);
-    EXPECT_EQ(tool.list("told").size(), 1U);
+    EXPECT_EQ(tool.list("navigation").size(), 1U);
     tool.expectRun("cut log.tqx --type ReceiverStatus2 -o neither.tqx");
     EXPECT_EQ(tool.run("rinex neither.tqx -o neither"), 1);
     EXPECT_TRUE(tool.list("neither").empty());

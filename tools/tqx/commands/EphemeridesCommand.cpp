@@ -1,6 +1,5 @@
 #include "commands/EphemeridesCommand.h"
 
-#include "io/Output.h"
 #include "io/Words.h"
 #include "tqx/gnss/navigation/NavigationTable.h"
 #include "tqx/log/record/RecordDecoder.h"
@@ -20,8 +19,8 @@ namespace
 class NavigationRows : public BlockConsumer
 {
 public:
-    NavigationRows(Buffer& out, RowFormat format, std::string kind, EpochSelection selection)
-        : m_out(out), m_format(format), m_kind(std::move(kind)), m_selection(std::move(selection))
+    NavigationRows(TableTarget& tables, std::string kind, EpochSelection selection)
+        : m_tables(tables), m_kind(std::move(kind)), m_selection(std::move(selection))
     {
     }
 
@@ -43,21 +42,20 @@ public:
                                    count == 1 ? "" : "s"));
         }
         if (m_kind == "ionosphere")
-            return writeIonosphere(m_out, m_format, m_store.getIonosphere());
+            return writeIonosphere(m_tables, m_store.getIonosphere());
         if (m_kind == "time")
-            return writeTimeOffsets(m_out, m_format, m_store.getTimeOffsets());
+            return writeTimeOffsets(m_tables, m_store.getTimeOffsets());
         std::vector<Ephemeris> chosen = m_store.getEphemerides();
         chosen.erase(std::remove_if(chosen.begin(), chosen.end(),
                                     [this](const Ephemeris& ephemeris) {
                                         return !m_selection.accepts(ephemeris.satellite);
                                     }),
                      chosen.end());
-        writeEphemerides(m_out, m_format, chosen);
+        writeEphemerides(m_tables, chosen);
     }
 
 private:
-    Buffer& m_out;
-    RowFormat m_format;
+    TableTarget& m_tables;
     std::string m_kind;
     EpochSelection m_selection;
     RecordDecoder m_decoder;
@@ -88,23 +86,18 @@ EphemeridesCommand::EphemeridesCommand(CLI::App& program)
             CLI::IsMember({"orbits", "ionosphere", "time"}, CLI::ignore_case).description(""))
         ->type_name("orbits|ionosphere|time")
         ->capture_default_str();
-    command.add_option("--format", m_format, "How to write them")
-        ->transform(CLI::IsMember({"csv", "jsonl"}, CLI::ignore_case).description(""))
-        ->type_name("csv|jsonl")
-        ->capture_default_str();
-    command.add_option("-o,--output", m_target, "File to write instead of standard output")
-        ->type_name("FILE");
+    m_table.add(command);
 }
 
 ExitStatus EphemeridesCommand::run()
 {
     const EpochSelection selection = m_selection.get();
-    m_streams.checkBefore(m_target);
-    Output output(m_target);
-    NavigationRows rows(output.getBuffer(),
-                        m_format == "csv" ? RowFormat::Csv : RowFormat::JsonLines, m_kind,
-                        selection);
-    return m_streams.read(rows, output);
+    m_streams.checkBefore(m_table.getTarget());
+    TableOutput output(m_table, "ephemerides");
+    NavigationRows rows(output.getTables(), m_kind, selection);
+    const ExitStatus status = m_streams.read(rows, output.getSink());
+    output.finish();
+    return status;
 }
 
 } // namespace tqx::tool

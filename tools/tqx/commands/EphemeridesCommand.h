@@ -3,13 +3,14 @@
 #include "commands/Command.h"
 #include "options/EpochOptions.h"
 #include "options/StreamOptions.h"
+#include "output/TableOutput.h"
 
 #include <string>
 
 namespace tqx::tool
 {
 
-/// `tqx ephemerides`: what the navigation messages told, each once.
+/// `tqx ephemerides`: what the navigation messages say, each once.
 class EphemeridesCommand : public Command
 {
 public:
@@ -20,8 +21,7 @@ private:
     StreamOptions m_streams;
     EpochOptions m_selection;
     std::string m_kind = "orbits";
-    std::string m_format = "csv";
-    std::string m_target = "-";
+    TableOptions m_table;
 };
 
 } // namespace tqx::tool

@@ -1,9 +1,9 @@
 #include "commands/ExplainCommand.h"
 
+#include "commands/EachInput.h"
 #include "io/Output.h"
 #include "io/ToolError.h"
 #include "io/UnpackedInput.h"
-#include "io/Words.h"
 #include "output/InspectionJson.h"
 #include "tqx/log/inspect/BlockLocator.h"
 #include "tqx/log/inspect/Explanation.h"
@@ -101,7 +101,7 @@ ExplainCommand::ExplainCommand(CLI::App& program)
           "  tqx simulate | tqx explain -@404\n"
           "  tqx explain log.tqx.gz@404          # an offset of what is compressed\n"
           "\n"
-          "A row a value: where it stands in the file and in the block, its bytes, its name,\n"
+          "A row for each value: where it is in the file and in the block, its bytes, its name,\n"
           "the stored value and what that stands for. Below, what is wrong with the block.\n"
           "info, dump and the reports of damage name the offsets of blocks. Where damage begins\n"
           "without a header, the one that it is about is looked for before the next valid block,\n"
@@ -160,18 +160,10 @@ ExitStatus ExplainCommand::run()
     if (m_places.empty())
         throw ToolError("explain: FILE@OFFSET is required (see tqx help explain)");
     Output output;
-    ExitStatus status = ExitStatus::Done;
-    for (const std::string& place : m_places) {
-        try {
-            explain(output, place);
-        } catch (const SourceError& error) {
-            output.flush();
-            words::say(error.what());
-            status = ExitStatus::Failed;
-        }
-    }
-    output.flush();
-    return status;
+    return forEachInput(output, m_places, [&](const std::string& place) {
+        explain(output, place);
+        return true;
+    });
 }
 
 } // namespace tqx::tool

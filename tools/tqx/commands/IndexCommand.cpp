@@ -1,5 +1,6 @@
 #include "commands/IndexCommand.h"
 
+#include "commands/EachInput.h"
 #include "io/Output.h"
 #include "io/ToolError.h"
 #include "io/Words.h"
@@ -87,19 +88,8 @@ bool IndexCommand::index(Output& output, const std::string& file) const
 ExitStatus IndexCommand::run()
 {
     Output output;
-    ExitStatus status = ExitStatus::Done;
-    for (const std::string& file : m_files) {
-        try {
-            if (!index(output, file))
-                status = ExitStatus::Failed;
-        } catch (const SourceError& error) {
-            output.flush();
-            words::say(error.what());
-            status = ExitStatus::Failed;
-        }
-    }
-    output.flush();
-    return status;
+    return forEachInput(output, m_files,
+                        [&](const std::string& file) { return index(output, file); });
 }
 
 } // namespace tqx::tool

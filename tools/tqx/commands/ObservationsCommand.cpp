@@ -1,12 +1,9 @@
 #include "commands/ObservationsCommand.h"
 
-#include "io/Output.h"
 #include "io/Words.h"
 #include "tqx/gnss/observation/ObservationGatherer.h"
 #include "tqx/gnss/observation/ObservationTable.h"
 #include "tqx/log/record/RecordDecoder.h"
-
-#include <CLI/Validators.hpp>
 
 namespace tqx::tool
 {
@@ -17,11 +14,10 @@ namespace
 class ObservationRows : public BlockConsumer
 {
 public:
-    ObservationRows(Buffer& out, RowFormat format, EpochSelection selection)
-        : m_out(out), m_selection(std::move(selection)), m_table(format),
+    ObservationRows(TableTarget& tables, EpochSelection selection)
+        : m_selection(std::move(selection)), m_table(tables),
           m_gatherer([this](ObservationEpoch& epoch) { return show(epoch); })
     {
-        m_table.writeHead(m_out);
     }
 
     void take(BlockStream& stream, const Block& block) override
@@ -48,11 +44,10 @@ private:
         if (!m_selection.isOnInterval(epoch.time))
             return false;
         m_selection.reduce(epoch);
-        m_table.write(m_out, epoch);
+        m_table.write(epoch);
         return true;
     }
 
-    Buffer& m_out;
     EpochSelection m_selection;
     ObservationTable m_table;
     RecordDecoder m_decoder;
@@ -66,6 +61,7 @@ ObservationsCommand::ObservationsCommand(CLI::App& program)
               "  tqx observations log.tqx > observations.csv\n"
               "  tqx observations --satellite 'G*,E*' --signal '1C' --interval 30 log.tqx\n"
               "  tqx observations --format jsonl log.tqx | jq 'select(.Lost)'\n"
+              "  tqx observations --format sqlite log.tqx -o log.sqlite\n"
               "\n"
               "One row for each epoch, satellite, signal and antenna, from the measurement blocks "
               "of\n"
@@ -81,22 +77,20 @@ ObservationsCommand::ObservationsCommand(CLI::App& program)
     m_streams.addInputs(command);
     m_streams.addDamageReport(command);
     m_epochs.add(command);
-    command.add_option("--format", m_format, "How to write them")
-        ->transform(CLI::IsMember({"csv", "jsonl"}, CLI::ignore_case).description(""))
-        ->type_name("csv|jsonl")
-        ->capture_default_str();
-    command.add_option("-o,--output", m_target, "File to write instead of standard output")
-        ->type_name("FILE");
+    m_table.add(command);
 }
 
 ExitStatus ObservationsCommand::run()
 {
     const EpochSelection selection = m_epochs.get();
-    m_streams.checkBefore(m_target);
-    Output output(m_target);
-    ObservationRows rows(output.getBuffer(),
-                         m_format == "csv" ? RowFormat::Csv : RowFormat::JsonLines, selection);
-    return m_streams.read(rows, output);
+    m_streams.checkBefore(m_table.getTarget());
+    TableOutput output(m_table, "observations");
+    const ExitStatus status = [&] {
+        ObservationRows rows(output.getTables(), selection);
+        return m_streams.read(rows, output.getSink());
+    }();
+    output.finish();
+    return status;
 }
 
 } // namespace tqx::tool

@@ -3,6 +3,7 @@
 #include "commands/Command.h"
 #include "options/EpochOptions.h"
 #include "options/StreamOptions.h"
+#include "output/TableOutput.h"
 
 #include <string>
 
@@ -19,8 +20,7 @@ public:
 private:
     StreamOptions m_streams;
     EpochOptions m_epochs;
-    std::string m_format = "csv";
-    std::string m_target = "-";
+    TableOptions m_table;
 };
 
 } // namespace tqx::tool

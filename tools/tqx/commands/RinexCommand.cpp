@@ -18,14 +18,6 @@ namespace tqx::tool
 namespace
 {
 
-/// A first pass writes nothing.
-class NoOutput : public Sink
-{
-public:
-    void commit() override {}
-    void flush() override {}
-};
-
 std::string dateNow()
 {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(
@@ -97,7 +89,7 @@ ExitStatus RinexCommand::run()
         throw ToolError(m_folder + ": " + error.message());
 
     RinexRun files(std::move(request), m_streams.hasStandardInput());
-    NoOutput nothing;
+    NoSink nothing;
     const ExitStatus status = m_streams.read(files, nothing);
     return worse(status, files.writeFiles(m_streams.getFiles(), m_streams.isQuiet()));
 }

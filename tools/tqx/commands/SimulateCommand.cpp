@@ -6,6 +6,7 @@
 #include "io/Target.h"
 #include "io/ToolError.h"
 #include "options/Numbers.h"
+#include "options/SimulatedInputs.h"
 #include "tqx/log/text/PrintableText.h"
 
 #include <CLI/Validators.hpp>
@@ -52,6 +53,7 @@ SimulateCommand::SimulateCommand(CLI::App& program)
     declareLength();
     declareTrack();
     declareReceiver();
+    addInputOptions(m_app, m_settings);
     addWhole(m_app, "--seed", m_settings.seed, 0, std::numeric_limits<uint64_t>::max(),
              "Start of the random numbers")
         ->type_name("NUMBER");

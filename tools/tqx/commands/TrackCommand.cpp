@@ -32,14 +32,6 @@ std::string sourceList()
     return list;
 }
 
-/// For what is no run of characters.
-class NoSink final : public Sink
-{
-public:
-    void commit() override {}
-    void flush() override {}
-};
-
 } // namespace
 
 TrackCommand::TrackCommand(CLI::App& program)
@@ -67,7 +59,8 @@ TrackCommand::TrackCommand(CLI::App& program)
                   "95 %. Cartesian coordinates are converted on WGS84. Epochs without a position "
                   "are left\n"
                   "out; nmea has them as sentences that say so. NMEA sentences are GGA, RMC and "
-                  "ZDA; with\n"
+                  "ZDA, and\n"
+                  "GSA, without satellites, where the log has dilutions of precision; with\n"
                   "seven decimals of minutes they may be longer than 82 characters, and precise "
                   "point\n"
                   "positioning is quality 5, for want of its own.\n")

@@ -90,7 +90,8 @@ void InputSequence::keepHead(const uint8_t* bytes, size_t count)
 
 void InputSequence::fail(const SourceError& error)
 {
-    words::say(error.what());
+    if (m_reports)
+        words::say(error.what());
     m_failed = true;
 }
 

@@ -38,6 +38,9 @@ public:
     /// Has the only input count as opened, though it is read by other means.
     void passOver();
 
+    /// Inputs that cannot be read are left out without a report: another pass makes it.
+    void leaveOutSilently() { m_reports = false; }
+
     /// Leaves the rest of the inputs unread.
     void close();
 
@@ -93,6 +96,7 @@ private:
     std::function<void(const uint8_t*, size_t)> m_copy;
     Clock::time_point m_handedOn;
     bool m_failed = false;
+    bool m_reports = true;
 };
 
 } // namespace tqx::tool

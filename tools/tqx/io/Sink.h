@@ -21,4 +21,12 @@ public:
     virtual void flush() = 0;
 };
 
+/// For data that go elsewhere, and not to those who read along.
+class NoSink final : public Sink
+{
+public:
+    void commit() override {}
+    void flush() override {}
+};
+
 } // namespace tqx::tool

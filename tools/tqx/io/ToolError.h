@@ -7,8 +7,8 @@
 namespace tqx::tool
 {
 
-/// Something that keeps a command from going on with a file or at all. The text is what stands
-/// behind "tqx: ".
+/// Something that keeps a command from going on with a file or at all. The text is what comes
+/// after "tqx: ".
 class ToolError : public DataError
 {
 public:

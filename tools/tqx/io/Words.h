@@ -7,7 +7,7 @@
 namespace tqx::tool
 {
 
-/// Messages to standard error. A progress line that stands there is wiped first. All of this may
+/// Messages to standard error. A progress line that is there is wiped first. All of this may
 /// be called from any thread.
 namespace words
 {
@@ -51,10 +51,10 @@ private:
 };
 
 /// Whether standard error is a terminal on which a line can be written over, and standard output no
-/// pipe: what stands behind one may write to the same terminal.
+/// pipe: what is after one may write to the same terminal.
 bool canShowProgress();
 
-/// Shows `text` on the current line of the terminal, over what stood there and cut to its width; ""
+/// Shows `text` on the current line of the terminal, over what was there and cut to its width; ""
 /// wipes it. Where data has just gone to the terminal, nothing is shown.
 void showProgress(std::string_view text);
 

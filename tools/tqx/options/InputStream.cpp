@@ -39,6 +39,7 @@ bool InputStream::next(Block& block)
     try {
         hasBlock = m_indexed->blocks.next(block);
         if (hasBlock) {
+            setContext(m_indexed->blocks.getContext());
             m_indexed->between.reportBefore(block.offset);
         } else {
             m_indexed->between.reportAll();

@@ -23,7 +23,7 @@ uint64_t whole(std::string_view text, uint64_t least, uint64_t most);
 double real(std::string_view text, double least, double most, const char* unit = "");
 
 /// Bytes: a whole number, with B, kB, MB, GB or TB (or k, M, G, T) for powers of 1000, KiB, MiB,
-/// GiB or TiB for powers of 1024 behind it. Case is ignored. Throws DataError with what is wrong.
+/// GiB or TiB for powers of 1024 after it. Case is ignored. Throws DataError with what is wrong.
 uint64_t bytes(std::string_view text);
 
 } // namespace numbers

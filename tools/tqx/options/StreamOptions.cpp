@@ -7,7 +7,6 @@
 #include "options/NoBlocks.h"
 #include "options/Numbers.h"
 #include "tqx/log/record/TypeNames.h"
-#include "tqx/log/source/JoinedSource.h"
 
 #include <fmt/format.h>
 
@@ -112,7 +111,8 @@ bool StreamOptions::canLookAhead() const
 void StreamOptions::lookAhead(const std::function<void(BlockStream&, const Block&)>& consumer) const
 {
     Selection chosen(getRequest());
-    JoinedSource source(m_files, {});
+    InputSequence source(m_files, m_quiet);
+    source.leaveOutSilently();
     BlockStream stream(source);
     for (Block block = {}; !interrupt::hasCome() && stream.next(block);) {
         if (chosen.accepts(stream, block))

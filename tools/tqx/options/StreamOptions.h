@@ -97,7 +97,7 @@ public:
     bool canLookAhead() const;
 
     /// Hands the selected blocks to `consumer` before read() does, without limit and without a
-    /// word. Throws DataError for bad arguments.
+    /// word but the progress. Throws DataError for bad arguments.
     void lookAhead(const std::function<void(BlockStream&, const Block&)>& consumer) const;
 
     /// Hands the selected blocks of the inputs, as one stream, to `consumer`; after as many as

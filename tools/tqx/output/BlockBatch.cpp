@@ -27,8 +27,9 @@ void BlockBatch::RecordsDeleter::operator()(std::byte* memory) const
     ::operator delete(memory, std::align_val_t(alignof(Record)));
 }
 
-int32_t BlockBatch::add(StreamState& state, const Block& block)
+int32_t BlockBatch::add(StreamState& state, const Block& block, const WeekContext& before)
 {
+    before.applyTo(state.context);
     const size_t start = m_bytes.size();
     m_bytes.insert(m_bytes.end(), block.data, block.data + block.size);
     const Block copy = {m_bytes.data() + start, block.size, block.offset};

@@ -4,6 +4,7 @@
 #include "TQX_codec.h"
 #include "output/BatchText.h"
 #include "output/BlockWriter.h"
+#include "tqx/log/stream/WeekContext.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -39,9 +40,9 @@ public:
                m_addedBytes >= enoughRecords;
     }
 
-    /// Decodes a copy of a block. Returns the bits consumed or the codec's negative code. Only
-    /// while the batch is not full.
-    int32_t add(StreamState& state, const Block& block);
+    /// Decodes a copy of a block, which comes after all that `before` says. Returns the bits
+    /// consumed or the codec's negative code. Only while the batch is not full.
+    int32_t add(StreamState& state, const Block& block, const WeekContext& before);
 
     /// Has the text made of all blocks.
     void write(BatchWriter& writer);

@@ -31,7 +31,7 @@ ParallelDump::~ParallelDump()
 
 void ParallelDump::take(BlockStream& stream, const Block& block)
 {
-    const int32_t result = m_filling->add(m_state, block);
+    const int32_t result = m_filling->add(m_state, block, stream.getContext());
     m_isHandedOn = false;
     if (result < 0 && result != unknownNumber)
         stream.reportUndecodable(block, result);

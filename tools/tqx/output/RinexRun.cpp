@@ -34,7 +34,8 @@ void RinexRun::take(BlockStream& stream, const Block& block)
     const bool isObservation = ObservationGatherer::wants(number);
     const bool isForHeader = LogSurvey::wants(number);
     const bool isMessage = NavigationStore::wants(number);
-    if (!isObservation && !isForHeader && !isMessage)
+    const bool isPulse = PulseList::wants(number);
+    if (!isObservation && !isForHeader && !isMessage && !isPulse)
         return;
     if (const int32_t result = m_decoder.decode(block); result < 0)
         return stream.reportUndecodable(block, result);
@@ -45,6 +46,8 @@ void RinexRun::take(BlockStream& stream, const Block& block)
         m_survey.take(m_decoder.getDecoded());
     if (isMessage)
         takeMessage(m_decoder.getDecoded());
+    if (isPulse)
+        m_pulses.take(m_decoder.getRecord());
     if (isObservation)
         m_gatherer.take(m_decoder.getDecoded());
 }
@@ -66,6 +69,7 @@ void RinexRun::end(InputStream&)
 {
     m_gatherer.finish();
     m_survey.finish();
+    m_pulses.finish(m_request.selection);
     for (const std::string& line : m_gatherer.getLosses().describe())
         words::say(line);
 }
@@ -114,6 +118,18 @@ void RinexRun::openFiles()
     }
 }
 
+/// Writes the pulses before that one which are not yet in the files.
+void RinexRun::writePulses(size_t end)
+{
+    for (; m_writtenPulses < end; ++m_writtenPulses) {
+        const PulseList::Pulse& pulse = m_pulses.get()[m_writtenPulses];
+        for (const auto& output : m_outputs) {
+            output->rinex.writeEvent(output->file.getBuffer(), pulse.time, pulse.nanoseconds,
+                                     pulse.input, pulse.edge);
+        }
+    }
+}
+
 void RinexRun::writeObservations(ByteSource& source)
 {
     ObservationGatherer gatherer([this](ObservationEpoch& epoch) {
@@ -122,6 +138,7 @@ void RinexRun::writeObservations(ByteSource& source)
         if (!m_request.selection.isOnInterval(epoch.time))
             return false;
         m_request.selection.reduce(epoch);
+        writePulses(m_pulses.findFirstFrom(epoch.time, m_writtenPulses));
         for (const auto& output : m_outputs) {
             output->rinex.write(output->file.getBuffer(), epoch);
             output->file.commit();
@@ -144,6 +161,7 @@ void RinexRun::writeObservations(ByteSource& source)
             output->rinex.change(SetUp::of(m_decoder.getDecoded()));
     }
     gatherer.finish();
+    writePulses(m_pulses.get().size());
 }
 
 void RinexRun::finish(ProductFile& file)

@@ -3,6 +3,7 @@
 #include "io/ProductFile.h"
 #include "io/Spool.h"
 #include "options/StreamOptions.h"
+#include "output/PulseList.h"
 #include "tqx/gnss/navigation/NavigationStore.h"
 #include "tqx/gnss/observation/EpochSelection.h"
 #include "tqx/gnss/observation/ObservationGatherer.h"
@@ -60,6 +61,7 @@ private:
     void takeMessage(const DecodedBlock& decoded);
     void writeNavigation();
     void writeObservations(ByteSource& source);
+    void writePulses(size_t end);
     std::string placeIn(const std::string& name);
     void finish(ProductFile& file);
 
@@ -68,10 +70,12 @@ private:
     RecordDecoder m_decoder;
     LogSurvey m_survey;
     NavigationStore m_navigation;
+    PulseList m_pulses;
     std::optional<GnssMillis> m_firstMessage; ///< times of blocks for the navigation file
     GnssMillis m_lastMessage = 0;
     ObservationGatherer m_gatherer;
     std::vector<std::unique_ptr<Output>> m_outputs;
+    size_t m_writtenPulses = 0;
     std::vector<std::string> m_names; ///< of the files so far
     bool m_isQuiet = false;
 };

@@ -19,7 +19,7 @@ public:
 
     void take(BlockStream& stream, const Block& block) override
     {
-        const int32_t result = m_decoder.decode(block);
+        const int32_t result = m_decoder.decode(block, stream.getContext());
         if (result > 0)
             return m_writer.write(m_decoder.getDecoded(), stream.getName());
         if (result != unknownNumber)
@@ -31,14 +31,6 @@ public:
 private:
     SqliteWriter& m_writer;
     RecordDecoder m_decoder;
-};
-
-/// Rows are not for those who read along.
-class NoSink : public Sink
-{
-public:
-    void commit() override {}
-    void flush() override {}
 };
 
 } // namespace

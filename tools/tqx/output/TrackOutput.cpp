@@ -1,16 +1,58 @@
 #include "output/TrackOutput.h"
 
+#include "tqx/gnss/position/Dilution.h"
+
+#include <cmath>
 #include <utility>
 
 namespace tqx::tool
 {
 
 TrackOutput::TrackOutput(Add add, const PositionSource* source, uint64_t limit, bool showsMissing)
-    : m_add(std::move(add)), m_source(source), m_limit(limit), m_showsMissing(showsMissing)
+    : m_add(std::move(add)), m_source(source), m_limit(limit), m_showsMissing(showsMissing),
+      m_waits(showsMissing)
 {
 }
 
+/// Without dilutions in one epoch, the next does not wait for them.
 void TrackOutput::handOn(const Position& position)
+{
+    if (m_waiting) {
+        addWaiting();
+        m_waits = false;
+    }
+    if (m_waits && std::isnan(position.hdop)) {
+        m_waiting = position;
+    } else {
+        add(position);
+    }
+}
+
+void TrackOutput::addWaiting()
+{
+    if (const auto position = std::exchange(m_waiting, std::nullopt))
+        add(*position);
+}
+
+/// They follow the position, or all those that are kept back.
+void TrackOutput::takeDilution(const void* record)
+{
+    m_waits = true;
+    if (m_waiting && addDilution(record, *m_waiting))
+        addWaiting();
+    for (auto position = m_kept.rbegin(); position != m_kept.rend(); ++position) {
+        if (!addDilution(record, *position))
+            break;
+    }
+}
+
+void TrackOutput::end(InputStream&)
+{
+    decide();
+    addWaiting();
+}
+
+void TrackOutput::add(const Position& position)
 {
     if (isDone())
         return;
@@ -37,6 +79,11 @@ void TrackOutput::decide()
 void TrackOutput::take(BlockStream& stream, const Block& block)
 {
     constexpr GnssMillis wait = 10000;
+    if (m_showsMissing && hasDilution(block.getNumber())) {
+        if (m_decoder.decode(block) > 0)
+            takeDilution(m_decoder.getRecord());
+        return;
+    }
     const PositionSource* const source = positionSource(block.getNumber());
     if (!source || (m_source && source != m_source))
         return;

@@ -5,6 +5,7 @@
 #include "tqx/log/record/RecordDecoder.h"
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace tqx::tool
@@ -18,13 +19,14 @@ public:
 
     /// Positions of `source` are handed on. When that is null, those of the first ten seconds are
     /// kept back, and decide which source is the best. `limit` is the largest number of positions
-    /// handed on, 0 for all; `showsMissing` hands on those that say that there is none, too.
+    /// handed on, 0 for all; `showsMissing` hands on those that say that there is none, too, and
+    /// has positions wait for the dilutions of precision of their epoch, if the log has such.
     TrackOutput(Add add, const PositionSource* source, uint64_t limit, bool showsMissing);
 
     void take(BlockStream& stream, const Block& block) override;
     bool counts(const Block&) const override { return false; }
     bool isDone() const override { return m_limit != 0 && m_count == m_limit; }
-    void end(InputStream&) override { decide(); }
+    void end(InputStream&) override;
 
     /// How many were handed on.
     uint64_t getCount() const { return m_count; }
@@ -38,6 +40,9 @@ public:
 private:
     void decide();
     void handOn(const Position& position);
+    void add(const Position& position);
+    void addWaiting();
+    void takeDilution(const void* record);
 
     Add m_add;
     const PositionSource* m_source;
@@ -46,6 +51,8 @@ private:
     RecordDecoder m_decoder;
     SourceChoice m_choice;
     std::vector<Position> m_kept;
+    std::optional<Position> m_waiting; ///< for its dilutions of precision
+    bool m_waits;                      ///< whether they are expected
     uint64_t m_count = 0;
     uint64_t m_missing = 0;
 };

@@ -78,7 +78,7 @@ std::string describe(const CLI::App& program, const CLI::ParseError& error)
         return describeCommand(program);
     if (program.remaining_size() != 0) {
         return shortened(program.remaining().front()) +
-               " stands before the command, options come behind it";
+               " is before the command, options go after the command";
     }
     const CLI::App& command = *program.get_subcommands().front();
     const std::vector<std::string> extras = program.remaining(true);

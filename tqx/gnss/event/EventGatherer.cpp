@@ -209,9 +209,14 @@ Position between(const Position& from, const Position& to, double part)
 
 } // namespace
 
+bool EventGatherer::isOfEvent(uint16_t blockNumber)
+{
+    return contains(blocksOfEvents, blockNumber);
+}
+
 bool EventGatherer::wants(uint16_t blockNumber)
 {
-    return contains(blocksOfEvents, blockNumber) || contains(blocksOfAttitudes, blockNumber) ||
+    return isOfEvent(blockNumber) || contains(blocksOfAttitudes, blockNumber) ||
            positionSource(blockNumber) != nullptr;
 }
 

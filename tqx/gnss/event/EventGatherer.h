@@ -26,6 +26,10 @@ public:
     /// Whether blocks of this number have anything to do with events.
     static bool wants(uint16_t blockNumber);
 
+    /// Whether blocks of this number are of events themselves. Those alone give all events, without
+    /// what is interpolated.
+    static bool isOfEvent(uint16_t blockNumber);
+
     /// The record of a main block that is wanted, in the order of the log.
     void take(const void* record);
 

@@ -32,7 +32,7 @@ enum class NavigationMessage : uint8_t {
 /// As RINEX 4 names it: "LNAV".
 TQX_GNSS_API const char* nameOf(NavigationMessage message);
 
-/// Orbit and clock of a satellite as its navigation message tells them, in the units in which RINEX
+/// Orbit and clock of a satellite as its navigation message gives them, in the units in which RINEX
 /// has them: metres, seconds, radians. What a message does not have is NaN.
 struct TQX_GNSS_API Ephemeris {
     static constexpr double none = std::numeric_limits<double>::quiet_NaN();

@@ -114,7 +114,7 @@ void fillCivil(Ephemeris& e, const Record& record, double axis, double reference
     constexpr double referenceRate = -2.6e-9; // semicircles per second
     e.satellite = satelliteOr0(record.PRN);
     fillOrbit(e, record);
-    // The week of t_oe is not told: it is the one that brings it close to the message.
+    // The week of t_oe is not sent: it is the one that brings it close to the message.
     const double ahead = record.t_oe - record.TOW * 1e-3;
     e.week = record.WNc - std::round(ahead / secondsPerWeek);
     e.reference = millisOf(e.week, referenceSecond);
@@ -182,6 +182,17 @@ void fillBeiDouCivil(Ephemeris& e, const Record& record)
     e.sismai = record.SISMAI;
     e.health = record.HS;
     e.integrity = record.DIF << 2U | record.SIF << 1U | record.AIF;
+}
+
+/// The messages of B1C and B2a.
+template<typename Record>
+void fillBeiDouCnav12(Ephemeris& e, const Record& record)
+{
+    fillBeiDouCivil(e, record);
+    e.iode = record.IODE;
+    e.iodc = record.IODC;
+    e.delay1 = available(record.T_gd_B1Cp);
+    e.delay2 = available(record.T_gd_B2ap);
 }
 
 } // namespace
@@ -281,22 +292,14 @@ void fillBeiDou(Ephemeris& e, const void* block)
 void fillBeiDouCnav1(Ephemeris& e, const void* block)
 {
     const auto& record = as<TQX_BDSCNav1_s>(block);
-    fillBeiDouCivil(e, record);
-    e.iode = record.IODE;
-    e.iodc = record.IODC;
-    e.delay1 = available(record.T_gd_B1Cp);
-    e.delay2 = available(record.T_gd_B2ap);
+    fillBeiDouCnav12(e, record);
     e.isc1 = available(record.ISC_B1Cd);
 }
 
 void fillBeiDouCnav2(Ephemeris& e, const void* block)
 {
     const auto& record = as<TQX_BDSCNav2_s>(block);
-    fillBeiDouCivil(e, record);
-    e.iode = record.IODE;
-    e.iodc = record.IODC;
-    e.delay1 = available(record.T_gd_B1Cp);
-    e.delay2 = available(record.T_gd_B2ap);
+    fillBeiDouCnav12(e, record);
     e.isc2 = available(record.ISC_B2ad);
 }
 

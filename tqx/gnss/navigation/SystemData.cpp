@@ -138,11 +138,11 @@ std::array<std::optional<TimeOffset>, 2> TimeOffset::of(const DecodedBlock& deco
     const auto time = gnssMillis(header.TOW, header.WNc);
     if (!time)
         return offsets;
-    const auto isTold = [](double value) { return value != noValue; };
+    const auto isGiven = [](double value) { return value != noValue; };
     switch (decoded.block.getNumber()) {
     case gpsUtc: {
         const auto& record = as<TQX_GPSUtc_s>(decoded.record);
-        if (!isTold(record.A_0))
+        if (!isGiven(record.A_0))
             break;
         offsets[0] = offsetOf("GPUT", weekNear(record.WN_t, record.WNc), record.t_ot, record.A_0,
                               record.A_1);
@@ -151,7 +151,7 @@ std::array<std::optional<TimeOffset>, 2> TimeOffset::of(const DecodedBlock& deco
     }
     case galUtc: {
         const auto& record = as<TQX_GALUtc_s>(decoded.record);
-        if (!isTold(record.A_0))
+        if (!isGiven(record.A_0))
             break;
         offsets[0] = offsetOf("GAUT", weekNear(record.WN_ot, record.WNc), record.t_ot, record.A_0,
                               record.A_1);
@@ -160,7 +160,7 @@ std::array<std::optional<TimeOffset>, 2> TimeOffset::of(const DecodedBlock& deco
     }
     case galGstGps: {
         const auto& record = as<TQX_GALGstGps_s>(decoded.record);
-        if (!isTold(record.A_0G) || record.Valid == 0)
+        if (!isGiven(record.A_0G) || record.Valid == 0)
             break;
         offsets[0] = offsetOf("GAGP", weekNear(record.WN_0G, record.WNc), record.t_0G, record.A_0G,
                               record.A_1G);
@@ -168,17 +168,17 @@ std::array<std::optional<TimeOffset>, 2> TimeOffset::of(const DecodedBlock& deco
         break;
     }
     case bdsUtc:
-        if (isTold(as<TQX_BDSUtc_s>(decoded.record).A_0))
+        if (isGiven(as<TQX_BDSUtc_s>(decoded.record).A_0))
             offsets[0] = offsetOf(as<TQX_BDSUtc_s>(decoded.record));
         break;
     case gloTime: {
         const auto& record = as<TQX_GLOTime_s>(decoded.record);
         if (record.N_4 == 0 || record.N_A == 0)
             break;
-        // GLONASS tells what is to be added to its time.
-        if (isTold(record.tau_c))
+        // GLONASS sends what is to be added to its time.
+        if (isGiven(record.tau_c))
             offsets[0] = glonassOffset(record, "GLUT", 0 - record.tau_c);
-        if (isTold(record.tau_GPS))
+        if (isGiven(record.tau_GPS))
             offsets[1] = glonassOffset(record, "GLGP", 0 - static_cast<double>(record.tau_GPS));
         break;
     }

@@ -14,21 +14,21 @@ constexpr int beiDouWeekZero = 1356; ///< GPS week in which BeiDou time begins
 
 /// The GPS week near that of a block's header for a week that may count from another week or roll
 /// over, by multiples of `cycle`.
-inline double weekNear(unsigned told, unsigned header, unsigned cycle = 1024)
+inline double weekNear(unsigned given, unsigned header, unsigned cycle = 1024)
 {
-    if (told == noWeek)
+    if (given == noWeek)
         return header;
-    const double difference = static_cast<double>(header) - told;
-    return told + cycle * std::round(difference / cycle);
+    const double difference = static_cast<double>(header) - given;
+    return given + cycle * std::round(difference / cycle);
 }
 
 /// The BDT week for a week that counts as BeiDou does or as GPS does.
-inline double beiDouWeek(unsigned told, unsigned header)
+inline double beiDouWeek(unsigned given, unsigned header)
 {
-    if (told == noWeek)
+    if (given == noWeek)
         return static_cast<double>(header) - beiDouWeekZero;
-    const bool isGps = told > header - static_cast<unsigned>(beiDouWeekZero / 2);
-    return static_cast<double>(told) - (isGps ? beiDouWeekZero : 0);
+    const bool isGps = given > header - static_cast<unsigned>(beiDouWeekZero / 2);
+    return static_cast<double>(given) - (isGps ? beiDouWeekZero : 0);
 }
 
 /// Milliseconds since 1980-01-06 of a second of a week of GPS.

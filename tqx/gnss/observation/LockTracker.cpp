@@ -3,17 +3,11 @@
 namespace tqx
 {
 
-LockTracker::State& LockTracker::stateOf(const Observation& observation)
+void LockTracker::makeRoom(size_t place)
 {
-    const size_t place =
-        (size_t{observation.antenna} * systemCount + systemIndex(observation.satellite.system)) *
-            256 +
-        observation.satellite.number;
     if (place >= m_satellites.size())
         m_satellites.resize(place + 1);
-    if (!m_satellites[place])
-        m_satellites[place] = std::make_unique<std::array<State, signals>>();
-    return (*m_satellites[place])[observation.signal % signals];
+    m_satellites[place] = std::make_unique<std::array<State, signals>>();
 }
 
 void LockTracker::update(Observation& observation, const Evidence& evidence, GnssMillis time)

@@ -41,7 +41,17 @@ private:
     };
     static constexpr size_t signals = 64;
 
-    State& stateOf(const Observation& observation);
+    State& stateOf(const Observation& observation)
+    {
+        const size_t place = (size_t{observation.antenna} * systemCount +
+                              systemIndex(observation.satellite.system)) *
+                                 256 +
+                             observation.satellite.number;
+        if (place >= m_satellites.size() || !m_satellites[place])
+            makeRoom(place);
+        return (*m_satellites[place])[observation.signal % signals];
+    }
+    void makeRoom(size_t place);
 
     std::vector<std::unique_ptr<std::array<State, signals>>> m_satellites;
 };

@@ -159,7 +159,10 @@ Observation* ObservationGatherer::add(uint8_t svid, uint8_t signal, uint8_t ante
     seen |= bit;
     m_svids.push_back(svid);
     m_evidence.emplace_back();
-    Observation& observation = m_epoch.observations.emplace_back();
+    // A copy is faster than an observation made anew, which is filled with zeros first.
+    static const Observation nothing;
+    m_epoch.observations.push_back(nothing);
+    Observation& observation = m_epoch.observations.back();
     observation.satellite = *satellite;
     observation.code = *code;
     observation.signal = signal;

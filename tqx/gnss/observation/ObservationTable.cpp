@@ -6,9 +6,9 @@ namespace tqx
 namespace
 {
 
-const std::vector<RowWriter::Column>& columns()
+const std::vector<TableColumn>& columns()
 {
-    static const std::vector<RowWriter::Column> list = RowWriter::withTime({
+    static const std::vector<TableColumn> list = TableRows::withTime({
         {"Satellite"},
         {"Signal"},
         {"Antenna"},
@@ -32,36 +32,39 @@ const std::vector<RowWriter::Column>& columns()
 
 } // namespace
 
-ObservationTable::ObservationTable(RowFormat format) : m_rows(format, columns()) {}
+ObservationTable::ObservationTable(TableTarget& target)
+    : m_rows(target.open("observations", columns()))
+{
+}
 
-void ObservationTable::write(Buffer& out, const ObservationEpoch& epoch)
+void ObservationTable::write(const ObservationEpoch& epoch)
 {
     for (const Observation& observation : epoch.observations) {
-        m_rows.begin(out);
-        m_rows.time(out, epoch.time);
-        m_rows.text(out, observation.satellite.text());
+        m_rows->begin();
+        m_rows->time(epoch.time);
+        m_rows->text(observation.satellite.text());
         const char code[] = {observation.code.band, observation.code.attribute};
-        m_rows.text(out, {code, 2});
-        m_rows.whole(out, observation.antenna);
-        m_rows.fixed(out, observation.range, 3);
-        m_rows.fixed(out, observation.phase, 4);
-        m_rows.fixed(out, observation.doppler, 4);
-        m_rows.fixed(out, observation.cn0, 2);
-        m_rows.fixed(out, observation.lockTime, 3);
-        m_rows.flag(out, observation.isLost);
-        m_rows.flag(out, observation.isHalfCycle);
-        m_rows.flag(out, observation.isSmoothed);
+        m_rows->text({code, 2});
+        m_rows->whole(observation.antenna);
+        m_rows->fixed(observation.range, 3);
+        m_rows->fixed(observation.phase, 4);
+        m_rows->fixed(observation.doppler, 4);
+        m_rows->fixed(observation.cn0, 2);
+        m_rows->fixed(observation.lockTime, 3);
+        m_rows->flag(observation.isLost);
+        m_rows->flag(observation.isHalfCycle);
+        m_rows->flag(observation.isSmoothed);
         if (isFdma(observation.signal)) {
-            m_rows.whole(out, observation.channel);
+            m_rows->whole(observation.channel);
         } else {
-            m_rows.missing(out);
+            m_rows->missing();
         }
-        m_rows.fixed(out, observation.rangeDeviation, 3);
-        m_rows.fixed(out, observation.phaseDeviation, 4);
-        m_rows.fixed(out, observation.multipath, 3);
-        m_rows.fixed(out, observation.smoothing, 3);
-        m_rows.number(out, epoch.clockBias);
-        m_rows.end(out);
+        m_rows->fixed(observation.rangeDeviation, 3);
+        m_rows->fixed(observation.phaseDeviation, 4);
+        m_rows->fixed(observation.multipath, 3);
+        m_rows->fixed(observation.smoothing, 3);
+        m_rows->number(epoch.clockBias);
+        m_rows->end();
     }
 }
 

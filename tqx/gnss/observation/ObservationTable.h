@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tqx/gnss/observation/Observation.h"
-#include "tqx/gnss/table/RowWriter.h"
+#include "tqx/gnss/table/TableRows.h"
 #include "tqx_gnss_export.h"
 
 namespace tqx
@@ -11,16 +11,14 @@ namespace tqx
 class TQX_GNSS_API ObservationTable
 {
 public:
-    explicit ObservationTable(RowFormat format);
-
-    /// What comes before the rows.
-    void writeHead(Buffer& out) const { m_rows.writeHead(out); }
+    /// Begins a table "observations". The target must outlive it.
+    explicit ObservationTable(TableTarget& target);
 
     /// The rows of an epoch.
-    void write(Buffer& out, const ObservationEpoch& epoch);
+    void write(const ObservationEpoch& epoch);
 
 private:
-    RowWriter m_rows;
+    std::unique_ptr<TableRows> m_rows;
 };
 
 } // namespace tqx

@@ -58,6 +58,9 @@ struct Position {
     double heading = notKnown; ///< degrees clockwise from north, of the forward axis
     double pitch = notKnown;   ///< degrees, nose up positive
     double roll = notKnown;    ///< degrees, right side down positive
+    double pdop = notKnown;    ///< dilutions of precision, see addDilution()
+    double hdop = notKnown;
+    double vdop = notKnown;
 
     /// Metres above the geoid; not known without the undulation.
     double aboveGeoid() const { return height - undulation; }

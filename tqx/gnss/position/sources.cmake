@@ -1,8 +1,10 @@
 list(APPEND public_headers
+    position/Dilution.h
     position/Position.h
     position/PositionBlocks.h
     position/SourceChoice.h)
 target_sources(tqx-gnss PRIVATE
+    position/Dilution.cpp
     position/FieldNames.cpp
     position/PositionBlocks.cpp
     position/PositionFilling.cpp

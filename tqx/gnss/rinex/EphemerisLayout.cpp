@@ -15,47 +15,68 @@ constexpr LayoutField blank = {};
 constexpr LayoutField zero = {nullptr, 0}; ///< as most files have it, which some readers expect
 constexpr double kilo = 1e-3;              // kilometres of what is in metres
 
-const Fields legacy = {
-    {&E::af0},       {&E::af1},    {&E::af2},      {&E::iode},        //
-    {&E::crs},       {&E::deltaN}, {&E::m0},       {&E::cuc},         //
-    {&E::e},         {&E::cus},    {&E::sqrtA},    {&E::toe},         //
-    {&E::cic},       {&E::omega0}, {&E::cis},      {&E::i0},          //
-    {&E::crc},       {&E::omega},  {&E::omegaDot}, {&E::iDot},        //
-    {&E::codesOnL2}, {&E::week},   {&E::l2Data},   {&E::accuracy},    //
-    {&E::health},    {&E::delay1}, {&E::iodc},     {&E::transmitted}, //
-    {&E::fit},
-};
+Fields joined(Fields first, const Fields& rest)
+{
+    first.insert(first.end(), rest.begin(), rest.end());
+    return first;
+}
 
-const Fields galileo = {
-    {&E::af0},     {&E::af1},    {&E::af2},      {&E::iode},     //
-    {&E::crs},     {&E::deltaN}, {&E::m0},       {&E::cuc},      //
-    {&E::e},       {&E::cus},    {&E::sqrtA},    {&E::toe},      //
-    {&E::cic},     {&E::omega0}, {&E::cis},      {&E::i0},       //
-    {&E::crc},     {&E::omega},  {&E::omegaDot}, {&E::iDot},     //
-    {&E::sources}, {&E::week},   blank,          {&E::accuracy}, //
-    {&E::health},  {&E::delay1}, {&E::delay2},   {&E::transmitted},
-};
+/// What the messages of the first generation begin with, up to the rate of inclination.
+Fields kepler(const Fields& rest)
+{
+    return joined({{&E::af0}, {&E::af1},    {&E::af2},      {&E::iode},  //
+                   {&E::crs}, {&E::deltaN}, {&E::m0},       {&E::cuc},   //
+                   {&E::e},   {&E::cus},    {&E::sqrtA},    {&E::toe},   //
+                   {&E::cic}, {&E::omega0}, {&E::cis},      {&E::i0},    //
+                   {&E::crc}, {&E::omega},  {&E::omegaDot}, {&E::iDot}}, //
+                  rest);
+}
 
-const Fields beiDou = {
-    {&E::af0},    {&E::af1},    {&E::af2},      {&E::iode},        //
-    {&E::crs},    {&E::deltaN}, {&E::m0},       {&E::cuc},         //
-    {&E::e},      {&E::cus},    {&E::sqrtA},    {&E::toe},         //
-    {&E::cic},    {&E::omega0}, {&E::cis},      {&E::i0},          //
-    {&E::crc},    {&E::omega},  {&E::omegaDot}, {&E::iDot},        //
-    zero,         {&E::week},   zero,           {&E::accuracy},    //
-    {&E::health}, {&E::delay1}, {&E::delay2},   {&E::transmitted}, //
+const Fields legacy = kepler({
+    {&E::codesOnL2},
+    {&E::week},
+    {&E::l2Data},
+    {&E::accuracy}, //
+    {&E::health},
+    {&E::delay1},
     {&E::iodc},
-};
+    {&E::transmitted}, //
+    {&E::fit},
+});
 
-const Fields navic = {
-    {&E::af0},    {&E::af1},    {&E::af2},      {&E::iode},     //
-    {&E::crs},    {&E::deltaN}, {&E::m0},       {&E::cuc},      //
-    {&E::e},      {&E::cus},    {&E::sqrtA},    {&E::toe},      //
-    {&E::cic},    {&E::omega0}, {&E::cis},      {&E::i0},       //
-    {&E::crc},    {&E::omega},  {&E::omegaDot}, {&E::iDot},     //
-    blank,        {&E::week},   blank,          {&E::accuracy}, //
-    {&E::health}, {&E::delay1}, blank,          {&E::transmitted},
-};
+const Fields galileo = kepler({
+    {&E::sources},
+    {&E::week},
+    blank,
+    {&E::accuracy}, //
+    {&E::health},
+    {&E::delay1},
+    {&E::delay2},
+    {&E::transmitted},
+});
+
+const Fields beiDou = kepler({
+    zero,
+    {&E::week},
+    zero,
+    {&E::accuracy}, //
+    {&E::health},
+    {&E::delay1},
+    {&E::delay2},
+    {&E::transmitted}, //
+    {&E::iodc},
+});
+
+const Fields navic = kepler({
+    blank,
+    {&E::week},
+    blank,
+    {&E::accuracy}, //
+    {&E::health},
+    {&E::delay1},
+    blank,
+    {&E::transmitted},
+});
 
 const Fields glonass = {
     {&E::af0},      {&E::af1},           {&E::transmitted}, {&E::x, kilo}, //
@@ -65,7 +86,7 @@ const Fields glonass = {
     {&E::delay1},   {&E::accuracyIndex}, {&E::healthFlags},
 };
 
-// Blocks do not tell the issue of the data, which is last.
+// Blocks do not have the issue of the data, which is last.
 const Fields sbas = {
     {&E::af0},      {&E::af1},      {&E::transmitted}, {&E::x, kilo}, //
     {&E::vx, kilo}, {&E::ax, kilo}, {&E::health},      {&E::y, kilo}, //
@@ -73,85 +94,71 @@ const Fields sbas = {
     {&E::vz, kilo}, {&E::az, kilo}, {&E::iode},
 };
 
-/// What the civil messages begin with, up to the rate of inclination.
-Fields civil(Fields rest, LayoutField sixth)
+/// What the civil messages begin with, up to the correction to the rate of the mean motion.
+Fields civil(const Fields& rest, LayoutField sixth)
 {
-    Fields fields = {
-        {&E::af0},       {&E::af1},    {&E::af2},      {&E::aDot}, //
-        {&E::crs},       {&E::deltaN}, {&E::m0},       {&E::cuc},  //
-        {&E::e},         {&E::cus},    {&E::sqrtA},    sixth,      //
-        {&E::cic},       {&E::omega0}, {&E::cis},      {&E::i0},   //
-        {&E::crc},       {&E::omega},  {&E::omegaDot}, {&E::iDot}, //
-        {&E::deltaNDot},
-    };
-    fields.insert(fields.end(), rest.begin(), rest.end());
-    return fields;
+    return joined(
+        {
+            {&E::af0},       {&E::af1},    {&E::af2},      {&E::aDot}, //
+            {&E::crs},       {&E::deltaN}, {&E::m0},       {&E::cuc},  //
+            {&E::e},         {&E::cus},    {&E::sqrtA},    sixth,      //
+            {&E::cic},       {&E::omega0}, {&E::cis},      {&E::i0},   //
+            {&E::crc},       {&E::omega},  {&E::omegaDot}, {&E::iDot}, //
+            {&E::deltaNDot},
+        },
+        rest);
 }
 
-const Fields cnav = civil({{&E::uraNed0},
-                           {&E::uraNed1},
-                           {&E::uraEd},
-                           {&E::health},
-                           {&E::delay1},
-                           {&E::uraNed2},
-                           {&E::isc1},
-                           {&E::isc2},
-                           {&E::isc3},
-                           {&E::isc4},
-                           {&E::transmitted},
-                           {&E::weekOp}},
-                          {&E::top});
+/// The civil messages of GPS and QZSS up to the fourth correction between signals.
+Fields gpsCivil(const Fields& rest)
+{
+    return civil(joined({{&E::uraNed0},
+                         {&E::uraNed1},
+                         {&E::uraEd},
+                         {&E::health},
+                         {&E::delay1},
+                         {&E::uraNed2},
+                         {&E::isc1},
+                         {&E::isc2},
+                         {&E::isc3},
+                         {&E::isc4}},
+                        rest),
+                 {&E::top});
+}
 
-const Fields cnav2 = civil({{&E::uraNed0},
-                            {&E::uraNed1},
-                            {&E::uraEd},
-                            {&E::health},
-                            {&E::delay1},
-                            {&E::uraNed2},
-                            {&E::isc1},
-                            {&E::isc2},
-                            {&E::isc3},
-                            {&E::isc4},
-                            {&E::isc5},
-                            {&E::isc6},
-                            blank,
-                            blank,
-                            {&E::transmitted},
-                            {&E::weekOp}},
-                           {&E::top});
+const Fields cnav = gpsCivil({{&E::transmitted}, {&E::weekOp}});
 
-const Fields beiDouCnav12 = civil({{&E::satelliteType},
-                                   {&E::top},
-                                   {&E::sisaiOe},
-                                   {&E::sisaiOcb},
-                                   {&E::sisaiOc1},
-                                   {&E::sisaiOc2},
-                                   {&E::isc1},
-                                   {&E::isc2},
-                                   {&E::delay1},
-                                   {&E::delay2},
-                                   {&E::sismai},
-                                   {&E::health},
-                                   {&E::integrity},
-                                   {&E::iodc},
-                                   {&E::transmitted},
-                                   blank,
-                                   blank,
-                                   {&E::iode}},
-                                  {&E::toe});
+const Fields cnav2 =
+    gpsCivil({{&E::isc5}, {&E::isc6}, blank, blank, {&E::transmitted}, {&E::weekOp}});
 
-const Fields beiDouCnav3 = civil({{&E::satelliteType},
-                                  {&E::top},
-                                  {&E::sisaiOe},
-                                  {&E::sisaiOcb},
-                                  {&E::sisaiOc1},
-                                  {&E::sisaiOc2},
-                                  {&E::sismai},
-                                  {&E::health},
-                                  {&E::integrity},
-                                  {&E::delay1},
-                                  {&E::transmitted}},
-                                 {&E::toe});
+/// The civil messages of BeiDou up to the corrections to the clock.
+Fields beiDouCivil(const Fields& rest)
+{
+    return civil(joined({{&E::satelliteType},
+                         {&E::top},
+                         {&E::sisaiOe},
+                         {&E::sisaiOcb},
+                         {&E::sisaiOc1},
+                         {&E::sisaiOc2}},
+                        rest),
+                 {&E::toe});
+}
+
+const Fields beiDouCnav12 = beiDouCivil({{&E::isc1},
+                                         {&E::isc2},
+                                         {&E::delay1},
+                                         {&E::delay2},
+                                         {&E::sismai},
+                                         {&E::health},
+                                         {&E::integrity},
+                                         {&E::iodc},
+                                         {&E::transmitted},
+                                         blank,
+                                         blank,
+                                         {&E::iode}});
+
+const Fields beiDouCnav3 =
+    beiDouCivil({{&E::sismai}, {&E::health}, {&E::integrity}, {&E::delay1}, {&E::transmitted}});
 
 } // namespace
 

@@ -130,12 +130,13 @@ void LogSurvey::take(const DecodedBlock& decoded)
         return takeGeodetic(as<TQX_PVTGeodetic1_s>(block));
     case gpsUtc:
         m_leapSeconds = leapSecondsOf(as<TQX_GPSUtc_s>(block));
-        m_isTold = true;
+        m_isReceived = true;
         return;
     case receiverTime:
-        if (const int8_t told = as<TQX_ReceiverTime_s>(block).DeltaLS; told != -128 && !m_isTold) {
+        if (const int8_t current = as<TQX_ReceiverTime_s>(block).DeltaLS;
+            current != -128 && !m_isReceived) {
             m_leapSeconds.emplace();
-            m_leapSeconds->current = numberOf(told);
+            m_leapSeconds->current = numberOf(current);
         }
         return;
     case SetUp::blockNumber:

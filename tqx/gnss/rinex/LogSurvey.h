@@ -36,7 +36,7 @@ inline double valueOf(const Observation& observation, ValueKind kind)
     }
 }
 
-/// Leap seconds as the header tells them.
+/// Leap seconds as the header gives them.
 struct LeapSecondsInfo {
     int current = 0;
     bool hasFuture = false; ///< whether the rest is known
@@ -112,7 +112,7 @@ private:
     std::optional<Place> m_place;
     std::optional<LeapSecondsInfo> m_leapSeconds;
     std::map<uint8_t, int8_t> m_channels;
-    bool m_isTold = false; ///< whether a satellite told the leap seconds
+    bool m_isReceived = false; ///< whether the leap seconds are those that a satellite sent
 };
 
 } // namespace tqx

@@ -24,25 +24,50 @@ bool isKnown(char system, const SignalCode& code, RinexVersion version)
     return version != RinexVersion::V305 || system != 'I' || code.band != '1';
 }
 
+/// Writes the digits of a number so that they end at `end`. Returns where they begin.
+inline char* writeWhole(char* end, uint32_t value)
+{
+    while (value >= 100) {
+        end -= 2;
+        std::memcpy(end, digits::pairs[value % 100].data(), 2);
+        value /= 100;
+    }
+    if (value < 10) {
+        *--end = static_cast<char>('0' + value);
+        return end;
+    }
+    end -= 2;
+    std::memcpy(end, digits::pairs[value].data(), 2);
+    return end;
+}
+
 /// F14.3, or false for what does not fit or is not available. The 14 characters are blank before.
 bool writeValue(char* cell, double value)
 {
     constexpr double limit = 999999999.9994;
     if (!(value < limit * 10 && value > -limit))
         return false;
+    constexpr uint64_t half = 100000000;
     const auto thousandths = static_cast<int64_t>(value * 1000 + (value < 0 ? -0.5 : 0.5));
-    auto rest = static_cast<uint64_t>(thousandths < 0 ? -thousandths : thousandths);
-    char* end = cell + valueWidth;
-    writeDigits(end, rest % 1000, 3);
-    end -= 4;
-    *end = '.';
-    rest /= 1000;
-    do {
-        *--end = static_cast<char>('0' + rest % 10);
-        rest /= 10;
-    } while (rest != 0);
+    const auto steps = static_cast<uint64_t>(thousandths < 0 ? -thousandths : thousandths);
+    // Less than 10^13; the lower eight digits always have room, whether they count or not.
+    const auto high = static_cast<uint32_t>(steps / half);
+    const auto low = static_cast<uint32_t>(steps % half);
+    char* const point = cell + valueWidth - 4;
+    *point = '.';
+    const uint32_t fraction = low % 1000;
+    std::memcpy(point + 2, digits::pairs[fraction % 100].data(), 2);
+    point[1] = static_cast<char>('0' + fraction / 100);
+    const uint32_t whole = low / 1000; // five digits
+    char* start = nullptr;
+    if (high != 0) {
+        writeDigits(point, whole, 5);
+        start = writeWhole(point - 5, high);
+    } else {
+        start = writeWhole(point, whole);
+    }
     if (thousandths < 0)
-        *--end = '-';
+        *--start = '-';
     return true;
 }
 
@@ -52,8 +77,9 @@ char strengthDigit(double cn0)
     return static_cast<char>('0' + std::clamp(static_cast<int>(cn0 / 6), 1, 9));
 }
 
-/// "> 2026 01 06 12 00  0.0000000  0 35"
-void appendEpochLine(Buffer& out, GnssMillis time, unsigned flag, size_t count)
+/// "> 2026 01 06 12 00  0.0000000  0 35". `ticks` are tenths of microseconds after the
+/// milliseconds.
+void appendEpochLine(Buffer& out, GnssMillis time, unsigned flag, size_t count, unsigned ticks = 0)
 {
     const rinex::CivilTime civil(time);
     char line[] = ">                              0   ";
@@ -64,7 +90,7 @@ void appendEpochLine(Buffer& out, GnssMillis time, unsigned flag, size_t count)
     writeDigits(line + 18, civil.minute, 2);
     const auto millis = static_cast<unsigned>(time % 60000);
     std::memcpy(line + 18, "  0.0000000", 11);
-    writeDigits(line + 29, millis % 1000 * 10000, 7);
+    writeDigits(line + 29, millis % 1000 * 10000 + ticks, 7);
     const unsigned second = millis / 1000;
     if (second >= 10) {
         writeDigits(line + 21, second, 2);
@@ -74,6 +100,23 @@ void appendEpochLine(Buffer& out, GnssMillis time, unsigned flag, size_t count)
     line[31] = static_cast<char>('0' + flag);
     writeDigits(line + 35, count, count > 99 ? 3 : count > 9 ? 2 : 1);
     out.append(line, 35);
+}
+
+/// F15.12 after six blanks; nothing for what does not fit or is not available.
+void appendOffset(Buffer& out, double seconds)
+{
+    constexpr double largest = 10;
+    if (!(std::fabs(seconds) < largest))
+        return;
+    char text[] = "       0.000000000000";
+    char* const end = text + sizeof text - 1;
+    const auto steps = static_cast<uint64_t>(std::llround(std::fabs(seconds) * 1e12));
+    writeDigits(end, steps, 12);
+    constexpr uint64_t perSecond = 1000000000000;
+    char* const start = writeWhole(end - 13, static_cast<uint32_t>(steps / perSecond));
+    if (std::signbit(seconds))
+        *(start - 1) = '-';
+    out.append(text, sizeof text - 1);
 }
 
 } // namespace
@@ -87,9 +130,11 @@ ObservationFile::ObservationFile(const LogSurvey& survey, uint8_t antenna,
     for (unsigned system = 0; system < systemCount; ++system) {
         m_places[system].fill(-1);
         for (const auto& [code, counts] : m_survey.signals[system]) {
-            Column column = {code, {}};
-            for (unsigned kind = 0; kind < valueKinds; ++kind)
+            Column column = {code, {}, 0};
+            for (unsigned kind = 0; kind < valueKinds; ++kind) {
                 column.kinds[kind] = counts[kind] != 0;
+                column.width += counts[kind] != 0 ? cellWidth : 0;
+            }
             const bool isEmpty =
                 std::none_of(column.kinds.begin(), column.kinds.end(), [](bool b) { return b; });
             if (isEmpty || !isKnown(systemLetters[system], code, m_options.version))
@@ -109,6 +154,40 @@ ObservationFile::ObservationFile(const LogSurvey& survey, uint8_t antenna,
 void ObservationFile::change(const SetUp& setUp)
 {
     m_current = setUp;
+}
+
+/// The values of a signal. Returns where the last one ends, null without any.
+char* ObservationFile::writeCells(char* cell, const Column& column, const Observation& observation)
+{
+    char* end = nullptr;
+    const auto write = [&](ValueKind kind, double value) {
+        if (!column.kinds[static_cast<size_t>(kind)])
+            return false;
+        const bool isThere = writeValue(cell, value);
+        cell += cellWidth;
+        if (isThere)
+            end = cell - (cellWidth - valueWidth);
+        return isThere;
+    };
+    const bool hasStrength = !std::isnan(observation.cn0);
+    const char strength = hasStrength ? strengthDigit(observation.cn0) : ' ';
+    const auto addStrength = [&] {
+        if (hasStrength) {
+            cell[-1] = strength;
+            end = cell;
+        }
+    };
+    if (write(ValueKind::Range, observation.range))
+        addStrength();
+    if (write(ValueKind::Phase, observation.phase)) {
+        const int lock = (observation.isLost ? 1 : 0) | (observation.isHalfCycle ? 2 : 0);
+        if (lock != 0)
+            *end++ = static_cast<char>('0' + lock);
+        addStrength();
+    }
+    write(ValueKind::Doppler, observation.doppler);
+    write(ValueKind::Strength, observation.cn0);
+    return end;
 }
 
 /// Sorts the observations of this antenna into rows and columns. Returns the number of rows.
@@ -148,27 +227,11 @@ void ObservationFile::writeRow(Buffer& out, const Row& row) const
     char* cell = start + 3;
     char* end = cell; // after the last character that is no blank
     for (size_t i = 0; i < columns.size(); ++i) {
-        const Observation* const observation = row.observations[i];
-        for (unsigned kind = 0; kind < valueKinds; ++kind) {
-            if (!columns[i].kinds[kind])
-                continue;
-            const auto valueKind = static_cast<ValueKind>(kind);
-            if (observation && writeValue(cell, valueOf(*observation, valueKind))) {
-                end = cell + valueWidth;
-                if (valueKind == ValueKind::Phase) {
-                    const int lock =
-                        (observation->isLost ? 1 : 0) | (observation->isHalfCycle ? 2 : 0);
-                    if (lock != 0)
-                        *end++ = static_cast<char>('0' + lock);
-                }
-                if (kind <= static_cast<unsigned>(ValueKind::Phase) &&
-                    !std::isnan(observation->cn0)) {
-                    cell[valueWidth + 1] = strengthDigit(observation->cn0);
-                    end = cell + cellWidth;
-                }
-            }
-            cell += cellWidth;
+        if (const Observation* const observation = row.observations[i]) {
+            if (char* const last = writeCells(cell, columns[i], *observation))
+                end = last;
         }
+        cell += columns[i].width;
     }
     *end = '\n';
     out.advance(static_cast<size_t>(end - start) + 1);
@@ -189,6 +252,20 @@ void ObservationFile::writeChange(Buffer& out, GnssMillis time)
     m_setUp = m_current;
 }
 
+void ObservationFile::writeEvent(Buffer& out, GnssMillis time, uint32_t nanoseconds,
+                                 std::string_view input, std::string_view edge) const
+{
+    constexpr unsigned externalEvent = 5;
+    constexpr unsigned ticksPerMilli = 10000;
+    const unsigned ticks = (nanoseconds + 50) / 100;
+    const bool isNamed = !input.empty() || !edge.empty();
+    appendEpochLine(out, time + ticks / ticksPerMilli, externalEvent, isNamed ? 1 : 0,
+                    ticks % ticksPerMilli);
+    out.append('\n');
+    if (isNamed)
+        rinex::appendHeaderLine(out, fmt::format("EXTERNAL EVENT {} {}", input, edge), "COMMENT");
+}
+
 void ObservationFile::write(Buffer& out, const ObservationEpoch& epoch)
 {
     const size_t count = collect(epoch);
@@ -197,11 +274,7 @@ void ObservationFile::write(Buffer& out, const ObservationEpoch& epoch)
     if (m_current != m_setUp)
         writeChange(out, epoch.time);
     appendEpochLine(out, epoch.time, 0, count);
-    constexpr double largestOffset = 10; // seconds, of a field of 15 columns with 12 decimals
-    if (std::fabs(epoch.clockBias) < largestOffset) {
-        out.append("      ");
-        out.append(fmt::format("{:15.12f}", epoch.clockBias));
-    }
+    appendOffset(out, epoch.clockBias);
     out.append('\n');
     for (size_t i = 0; i < count; ++i)
         writeRow(out, m_rows[i]);

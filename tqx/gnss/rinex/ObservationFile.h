@@ -10,6 +10,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tqx
@@ -40,6 +41,11 @@ public:
     /// The installation has changed; the next epoch is preceded by an event that says so.
     void change(const SetUp& setUp);
 
+    /// A pulse on an input of the receiver, as an external event; between the epochs before and
+    /// after it. The texts say which input and edge it was, and may be empty.
+    void writeEvent(Buffer& out, GnssMillis time, uint32_t nanoseconds, std::string_view input,
+                    std::string_view edge) const;
+
     /// The observations of this antenna; nothing when the epoch has none.
     void write(Buffer& out, const ObservationEpoch& epoch);
 
@@ -48,6 +54,7 @@ private:
     struct Column {
         SignalCode code;
         std::array<bool, valueKinds> kinds;
+        size_t width; ///< characters of its values
     };
     struct Row {
         SatelliteId satellite;
@@ -63,6 +70,7 @@ private:
     void addCounts(Buffer& out) const;
     void writeChange(Buffer& out, GnssMillis time);
     void writeRow(Buffer& out, const Row& row) const;
+    static char* writeCells(char* cell, const Column& column, const Observation& observation);
     size_t collect(const ObservationEpoch& epoch);
 
     RinexOptions m_options;

@@ -75,8 +75,8 @@ void ObservationFile::addIdentity(Buffer& out) const
 
 void ObservationFile::addInstallation(Buffer& out, const SetUp& setUp) const
 {
-    const auto chosen = [](const std::string& given, const std::string& told) {
-        return given.empty() ? told : plain(given);
+    const auto chosen = [](const std::string& option, const std::string& logged) {
+        return option.empty() ? logged : plain(option);
     };
     std::string marker = chosen(m_options.marker, setUp.marker);
     if (marker.empty())

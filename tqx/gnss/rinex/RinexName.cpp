@@ -59,9 +59,34 @@ std::string intervalText(GnssMillis millis)
     return "00U";
 }
 
+/// Whether a marker is a whole station name: site, two numbers and country, "GRAZ00AUT".
+bool isStationName(const std::string& marker)
+{
+    constexpr size_t length = 9;
+    constexpr size_t numbers = 4;
+    constexpr size_t country = 6;
+    if (marker.size() != length)
+        return false;
+    for (size_t i = 0; i < length; ++i) {
+        const auto code = static_cast<unsigned char>(marker[i]);
+        const bool isDigit = code >= '0' && code <= '9';
+        const bool isLetter = code < 0x80 && std::isalpha(code) != 0;
+        if ((i >= numbers && i < country) ? !isDigit
+            : i >= country                ? !isLetter
+                                          : !isDigit && !isLetter)
+            return false;
+    }
+    return true;
+}
+
 std::string beginning(const NameParts& parts)
 {
-    const SetUp& setUp = parts.setUp;
+    SetUp setUp = parts.setUp;
+    if (isStationName(parts.marker)) {
+        setUp.monument = static_cast<uint8_t>(parts.marker[4] - '0');
+        setUp.receiver = static_cast<uint8_t>(parts.marker[5] - '0');
+        setUp.country = parts.marker.substr(6);
+    }
     const std::string& site = !parts.marker.empty() ? parts.marker
                               : !setUp.site.empty() ? setUp.site
                                                     : setUp.marker;

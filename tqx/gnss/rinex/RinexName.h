@@ -20,8 +20,8 @@ struct NameParts {
 };
 
 /// "GRAZ00AUT_R_20260061200_01H_01S_MO.rnx": site, marker and receiver number, country, start,
-/// length, interval and kind. Characters of the marker that names cannot have are left out; an
-/// unknown country is three times X.
+/// length, interval and kind. A marker given as "GRAZ00AUT" has the first four. Characters of the
+/// marker that names cannot have are left out; an unknown country is three times X.
 TQX_GNSS_API std::string observationFileName(const NameParts& parts);
 
 /// The same of a navigation file: "GRAZ00AUT_R_20260061200_01H_MN.rnx".

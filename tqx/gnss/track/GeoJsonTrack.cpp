@@ -1,4 +1,5 @@
 #include "tqx/gnss/position/PositionBlocks.h"
+#include "tqx/gnss/track/Segments.h"
 #include "tqx/gnss/track/TrackText.h"
 #include "tqx/gnss/track/Writers.h"
 #include "tqx/log/text/JsonText.h"
@@ -6,6 +7,7 @@
 #include "tqx/log/time/LeapSeconds.h"
 
 #include <string>
+#include <vector>
 
 namespace tqx
 {
@@ -20,7 +22,7 @@ public:
 
     void begin() override;
     void add(const Position& position) override;
-    void end() override { m_out.append("\n]}\n"); }
+    void end() override;
 
 private:
     void key(std::string_view name)
@@ -31,9 +33,20 @@ private:
     }
     void text(std::string_view name, std::string_view value);
     void number(std::string_view name, double value, int decimals);
+    void beginFeature(std::string_view geometry);
+    void addToLine(const Position& position, std::string_view coordinates);
 
     std::string m_name;
     bool m_isFirst = true;
+    // The lines follow the points: each is kept as the text of its coordinates.
+    struct Line {
+        Buffer coordinates;
+        uint64_t points = 0;
+        GnssMillis first = 0;
+        GnssMillis last = 0;
+    };
+    Segments m_segments;
+    std::vector<Line> m_lines;
 };
 
 void GeoJsonTrack::begin()
@@ -59,13 +72,53 @@ void GeoJsonTrack::number(std::string_view name, double value, int decimals)
     appendKnown(m_out, value, decimals);
 }
 
-void GeoJsonTrack::add(const Position& position)
+void GeoJsonTrack::beginFeature(std::string_view geometry)
 {
-    if (position.fix == Fix::None)
-        return;
     m_out.append(m_isFirst ? "\n" : ",\n");
     m_isFirst = false;
-    m_out.append("{\"type\":\"Feature\",\"geometry\":{\"type\":\"Point\",\"coordinates\":[");
+    m_out.append("{\"type\":\"Feature\",\"geometry\":{\"type\":\"");
+    m_out.append(geometry);
+    m_out.append("\",\"coordinates\":");
+}
+
+void GeoJsonTrack::addToLine(const Position& position, std::string_view coordinates)
+{
+    Line& line = m_lines.back();
+    if (line.points++ == 0) {
+        line.first = position.time;
+    } else {
+        line.coordinates.append(',');
+    }
+    line.coordinates.append(coordinates);
+    line.last = position.time;
+}
+
+/// The lines of the track that have a length.
+void GeoJsonTrack::end()
+{
+    for (const Line& line : m_lines) {
+        if (line.points < 2)
+            continue;
+        beginFeature("LineString");
+        m_out.append('[');
+        m_out.append(line.coordinates.view());
+        m_out.append("]},\"properties\":{\"utc\":");
+        json::appendString(m_out, utcText(line.first));
+        text("utc_end", utcText(line.last));
+        number("positions", static_cast<double>(line.points), 0);
+        m_out.append("}}");
+    }
+    m_out.append("\n]}\n");
+}
+
+void GeoJsonTrack::add(const Position& position)
+{
+    const bool goesOn = m_segments.goesOn(position);
+    if (position.fix == Fix::None)
+        return;
+    beginFeature("Point");
+    const size_t start = m_out.size();
+    m_out.append('[');
     appendKnown(m_out, position.longitude, 9);
     m_out.append(',');
     appendKnown(m_out, position.latitude, 9);
@@ -73,7 +126,11 @@ void GeoJsonTrack::add(const Position& position)
         m_out.append(',');
         appendKnown(m_out, position.height, 4);
     }
-    m_out.append("]},\"properties\":{\"utc\":");
+    m_out.append(']');
+    if (!goesOn)
+        m_lines.emplace_back();
+    addToLine(position, m_out.view().substr(start));
+    m_out.append("},\"properties\":{\"utc\":");
     json::appendString(m_out, utcText(position.time));
     text("gps", dateText(position.time));
     text("source", position.source->name);

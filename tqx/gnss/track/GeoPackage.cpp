@@ -1,17 +1,18 @@
 #include "tqx/gnss/track/GeoPackage.h"
 
 #include "tqx/gnss/position/PositionBlocks.h"
+#include "tqx/gnss/track/Segments.h"
 #include "tqx/gnss/track/TrackText.h"
-#include "tqx/log/DataError.h"
+#include "tqx/log/sqlite/SqlDatabase.h"
 #include "tqx/log/time/LeapSeconds.h"
 
 #include <fmt/format.h>
-#include <sqlite3.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <cstring>
+#include <memory>
+#include <vector>
 
 namespace tqx
 {
@@ -58,45 +59,60 @@ CREATE TABLE "{0}" (
 INSERT INTO gpkg_contents (table_name, data_type, identifier, description, srs_id)
   VALUES ('{0}', 'features', '{0}', 'positions of a receiver, heights above the ellipsoid', {1});
 INSERT INTO gpkg_geometry_columns VALUES ('{0}', 'geom', 'POINT', {1}, 2, 0);
+)";
+
+constexpr const char* lineTable = R"(
+CREATE TABLE "{0}" (
+  fid INTEGER PRIMARY KEY AUTOINCREMENT NOT NULL, geom LINESTRING, utc DATETIME,
+  utc_end DATETIME, positions INTEGER);
+INSERT INTO gpkg_contents (table_name, data_type, identifier, description, srs_id)
+  VALUES ('{0}', 'features', '{0}', 'the track, a line up to each gap', {1});
+INSERT INTO gpkg_geometry_columns VALUES ('{0}', 'geom', 'LINESTRING', {1}, 2, 0);
 BEGIN;
 )";
 
-/// Header of a geometry without an envelope, and a point with or without a height in well-known
-/// binary, all of it little-endian.
-class PointGeometry
+/// Header of a geometry without an envelope, and a point or a line with or without heights in
+/// well-known binary, all of it little-endian.
+class Geometry
 {
 public:
-    PointGeometry(double x, double y, double z)
+    static Geometry point(double x, double y, double z)
     {
-        constexpr uint32_t point = 1;
-        constexpr uint32_t pointWithHeight = 1001;
-        const bool hasHeight = std::isfinite(z);
-        put("GP", 2);
-        number(uint8_t{0}); // version
-        number(uint8_t{1}); // little-endian
-        number(uint32_t{wgs84});
-        number(uint8_t{1}); // little-endian
-        number(hasHeight ? pointWithHeight : point);
-        real(x);
-        real(y);
-        if (hasHeight)
-            real(z);
+        Geometry geometry(1, std::isfinite(z));
+        geometry.place(x, y, z);
+        return geometry;
     }
 
-    const uint8_t* data() const { return m_bytes.data(); }
-    int size() const { return static_cast<int>(m_size); }
+    /// Of points with three coordinates each.
+    static Geometry line(const std::vector<double>& coordinates)
+    {
+        bool hasHeights = true;
+        for (size_t i = 2; i < coordinates.size(); i += 3)
+            hasHeights = hasHeights && std::isfinite(coordinates[i]);
+        Geometry geometry(2, hasHeights);
+        geometry.number(static_cast<uint32_t>(coordinates.size() / 3));
+        for (size_t i = 0; i < coordinates.size(); i += 3)
+            geometry.place(coordinates[i], coordinates[i + 1], coordinates[i + 2]);
+        return geometry;
+    }
+
+    const std::vector<uint8_t>& bytes() const { return m_bytes; }
 
 private:
-    void put(const void* bytes, size_t size)
+    Geometry(uint32_t type, bool hasHeights) : m_hasHeights(hasHeights)
     {
-        std::memcpy(m_bytes.data() + m_size, bytes, size);
-        m_size += size;
+        constexpr uint32_t withHeights = 1000;
+        m_bytes = {'G', 'P', 0, 1}; // version 0, little-endian
+        number(uint32_t{wgs84});
+        number(uint8_t{1}); // little-endian
+        number(type + (hasHeights ? withHeights : 0));
     }
+
     template<typename T>
     void number(T value)
     {
         for (size_t i = 0; i < sizeof(T); ++i)
-            m_bytes[m_size++] = static_cast<uint8_t>(value >> 8 * i);
+            m_bytes.push_back(static_cast<uint8_t>(value >> 8 * i));
     }
     void real(double value)
     {
@@ -104,116 +120,157 @@ private:
         std::memcpy(&bits, &value, sizeof bits);
         number(bits);
     }
+    void place(double x, double y, double z)
+    {
+        real(x);
+        real(y);
+        if (m_hasHeights)
+            real(z);
+    }
 
-    std::array<uint8_t, 40> m_bytes = {};
-    size_t m_size = 0;
+    bool m_hasHeights;
+    std::vector<uint8_t> m_bytes;
 };
 
 } // namespace
 
-/// The open file, and the statement that adds a position.
+/// The open file, and the statements that add a position and a line.
 class GeoPackage::Database
 {
 public:
     Database(const std::string& path, const std::string& table) : m_path(path), m_table(table)
     {
         std::remove(path.c_str());
-        check(sqlite3_open_v2(path.c_str(), &m_handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
-                              nullptr));
-        // The file is complete or removed, so that nothing needs to be undone.
-        run("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF;");
-        run(tables);
-        run(fmt::format(featureTable, table, wgs84));
-        const std::string insert = fmt::format(
-            R"(INSERT INTO "{}" VALUES (NULL,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?))", table);
-        check(sqlite3_prepare_v2(m_handle, insert.c_str(), -1, &m_insert, nullptr));
+        try {
+            m_database = SqlDatabase::create(path, path);
+            m_database->execute(tables);
+            m_database->execute(fmt::format(featureTable, table, wgs84));
+            m_database->execute(fmt::format(lineTable, lines(), wgs84));
+            m_insert = m_database->prepare(fmt::format(
+                R"(INSERT INTO "{}" VALUES (NULL,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?))",
+                table));
+            m_insertLine = m_database->prepare(
+                fmt::format(R"(INSERT INTO "{}" VALUES (NULL,?,?,?,?))", lines()));
+        } catch (...) {
+            remove();
+            throw;
+        }
     }
 
     ~Database()
     {
-        close();
-        if (!m_isFinished)
-            std::remove(m_path.c_str());
+        if (m_database)
+            remove();
     }
 
     void add(const Position& position);
     void finish();
 
 private:
-    void check(int result)
+    std::string lines() const { return m_table + "_lines"; }
+    void addLine();
+
+    void close()
     {
-        if (result != SQLITE_OK && result != SQLITE_DONE) {
-            throw DataError(fmt::format("{}: {}", m_path,
-                                        m_handle ? sqlite3_errmsg(m_handle) : "out of memory"));
-        }
+        m_insert.reset();
+        m_insertLine.reset();
+        m_database.reset();
     }
-    void run(const std::string& statements)
+    void remove()
     {
-        check(sqlite3_exec(m_handle, statements.c_str(), nullptr, nullptr, nullptr));
+        close();
+        std::remove(m_path.c_str());
     }
-    int close()
+
+    // What is not known stays NULL. Texts must stay until the row is inserted.
+    void set(std::string_view text)
     {
-        sqlite3_finalize(m_insert);
-        const int result = sqlite3_close(m_handle);
-        m_insert = nullptr;
-        m_handle = nullptr;
-        return result;
+        ++m_column;
+        if (!text.empty())
+            m_insert->setText(m_column, text);
     }
-    void bind(std::string_view text)
+    void set(double value)
     {
-        check(text.empty() ? sqlite3_bind_null(m_insert, ++m_column)
-                           : sqlite3_bind_text(m_insert, ++m_column, text.data(),
-                                               static_cast<int>(text.size()), SQLITE_TRANSIENT));
+        ++m_column;
+        if (std::isfinite(value))
+            m_insert->setReal(m_column, value);
     }
-    void bind(double value)
+    void set(int value)
     {
-        check(std::isfinite(value) ? sqlite3_bind_double(m_insert, ++m_column, value)
-                                   : sqlite3_bind_null(m_insert, ++m_column));
-    }
-    void bind(int value)
-    {
-        check(value >= 0 ? sqlite3_bind_int(m_insert, ++m_column, value)
-                         : sqlite3_bind_null(m_insert, ++m_column));
+        ++m_column;
+        if (value >= 0)
+            m_insert->setInteger(m_column, value);
     }
 
     std::string m_path;
     std::string m_table;
-    sqlite3* m_handle = nullptr;
-    sqlite3_stmt* m_insert = nullptr;
-    int m_column = 0; ///< the last one that was bound
-    bool m_isFinished = false;
+    std::unique_ptr<SqlDatabase> m_database; ///< null once it is complete
+    std::unique_ptr<SqlInsert> m_insert;
+    std::unique_ptr<SqlInsert> m_insertLine;
+    Segments m_segments;
+    std::vector<double> m_line; ///< coordinates of the line at hand
+    GnssMillis m_lineStart = 0;
+    GnssMillis m_lineEnd = 0;
+    int m_column = 0; ///< the last one that was set
     bool m_isEmpty = true;
     double m_west = 0, m_south = 0, m_east = 0, m_north = 0;
 };
 
+/// The line at hand, unless it is a single point.
+void GeoPackage::Database::addLine()
+{
+    constexpr size_t dimensions = 3;
+    if (m_line.size() > dimensions) {
+        const std::string start = xmlTime(m_lineStart);
+        const std::string end = xmlTime(m_lineEnd);
+        const Geometry geometry = Geometry::line(m_line);
+        m_insertLine->setBytes(1, geometry.bytes().data(), geometry.bytes().size());
+        m_insertLine->setText(2, start);
+        m_insertLine->setText(3, end);
+        m_insertLine->setInteger(4, static_cast<int64_t>(m_line.size() / dimensions));
+        m_insertLine->run();
+    }
+    m_line.clear();
+}
+
 void GeoPackage::Database::add(const Position& position)
 {
-    const PointGeometry geometry(position.longitude, position.latitude, position.height);
+    const bool goesOn = m_segments.goesOn(position);
+    if (position.fix == Fix::None)
+        return;
+    if (!goesOn) {
+        addLine();
+        m_lineStart = position.time;
+    }
+    m_lineEnd = position.time;
+    m_line.insert(m_line.end(), {position.longitude, position.latitude, position.height});
+    const Geometry geometry =
+        Geometry::point(position.longitude, position.latitude, position.height);
+    const std::string utc = xmlTime(position.time);
+    const std::string gpsTime = dateText(position.time);
     m_column = 1;
-    check(
-        sqlite3_bind_blob(m_insert, m_column, geometry.data(), geometry.size(), SQLITE_TRANSIENT));
-    bind(std::string_view(xmlTime(position.time)));
-    bind(std::string_view(dateText(position.time)));
-    bind(std::string_view(position.source->name));
-    bind(position.mode);
-    bind(position.aboveGeoid());
-    bind(position.undulation);
-    bind(levelText(position.level));
-    bind(position.horizontalAccuracy);
-    bind(position.verticalAccuracy);
-    bind(position.spatialAccuracy);
-    bind(position.satellites);
-    bind(position.correctionAge);
-    bind(position.reference);
-    bind(position.north);
-    bind(position.east);
-    bind(position.up);
-    bind(position.heading);
-    bind(position.pitch);
-    bind(position.roll);
-    bind(position.datum);
-    check(sqlite3_step(m_insert));
-    check(sqlite3_reset(m_insert));
+    m_insert->setBytes(m_column, geometry.bytes().data(), geometry.bytes().size());
+    set(std::string_view(utc));
+    set(std::string_view(gpsTime));
+    set(std::string_view(position.source->name));
+    set(position.mode);
+    set(position.aboveGeoid());
+    set(position.undulation);
+    set(levelText(position.level));
+    set(position.horizontalAccuracy);
+    set(position.verticalAccuracy);
+    set(position.spatialAccuracy);
+    set(position.satellites);
+    set(position.correctionAge);
+    set(position.reference);
+    set(position.north);
+    set(position.east);
+    set(position.up);
+    set(position.heading);
+    set(position.pitch);
+    set(position.roll);
+    set(position.datum);
+    m_insert->run();
     if (m_isEmpty) {
         m_west = m_east = position.longitude;
         m_south = m_north = position.latitude;
@@ -227,15 +284,14 @@ void GeoPackage::Database::add(const Position& position)
 
 void GeoPackage::Database::finish()
 {
+    addLine();
     if (!m_isEmpty) {
-        run(fmt::format("UPDATE gpkg_contents SET min_x={}, min_y={}, max_x={}, max_y={};", m_west,
+        m_database->execute(
+            fmt::format("UPDATE gpkg_contents SET min_x={}, min_y={}, max_x={}, max_y={};", m_west,
                         m_south, m_east, m_north));
     }
-    run("COMMIT;");
-    const int result = close();
-    if (result != SQLITE_OK)
-        throw DataError(m_path + ": " + sqlite3_errstr(result));
-    m_isFinished = true;
+    m_database->execute("COMMIT;");
+    close();
 }
 
 GeoPackage::GeoPackage(const std::string& path, const std::string& table)
@@ -247,8 +303,7 @@ GeoPackage::~GeoPackage() = default;
 
 void GeoPackage::add(const Position& position)
 {
-    if (position.fix != Fix::None)
-        m_database->add(position);
+    m_database->add(position);
 }
 
 void GeoPackage::finish()

@@ -48,6 +48,7 @@ private:
     void angle(double degrees, unsigned width, char positive, char negative);
     void addFix(const Position& position);
     void addMotion(const Position& position);
+    void addDilutions(const Position& position);
     void addDate();
 
     size_t m_start = 0; ///< of the sentence in the buffer
@@ -97,7 +98,7 @@ void NmeaTrack::addFix(const Position& position)
     place(position);
     field(qualities[static_cast<size_t>(position.fix)].number);
     field(position.satellites >= 0 ? fmt::format("{:02}", position.satellites) : "");
-    field(); // dilution of precision
+    number(position.hdop, 2);
     number(position.aboveGeoid(), 3);
     field('M');
     number(position.undulation, 3);
@@ -127,6 +128,22 @@ void NmeaTrack::addMotion(const Position& position)
     finish();
 }
 
+/// Which satellites were used is not known.
+void NmeaTrack::addDilutions(const Position& position)
+{
+    constexpr size_t satellites = 12;
+    if (!std::isfinite(position.hdop))
+        return;
+    m_start = m_out.size();
+    m_out.append("$GNGSA,A,");
+    m_out.append(position.fix == Fix::None ? '1' : '3');
+    m_out.append(std::string(satellites, ','));
+    number(position.pdop, 2);
+    number(position.hdop, 2);
+    number(position.vdop, 2);
+    finish();
+}
+
 void NmeaTrack::addDate()
 {
     start("ZDA");
@@ -144,6 +161,7 @@ void NmeaTrack::add(const Position& position)
     if (m_time.back() == '0')
         m_time.pop_back();
     addFix(position);
+    addDilutions(position);
     addMotion(position);
     addDate();
 }

@@ -1,5 +1,7 @@
 #include "tqx/log/index/FramedPages.h"
 
+#include "TQX_Context.h"
+
 #include <algorithm>
 #include <tuple>
 
@@ -79,7 +81,8 @@ void FramedPages::linkRows()
         row.timeBefore = time;
         row.towBefore = tow;
         row.weekBefore = week;
-        row.startsWeek = row.firstTow != noTow && isWeekStart(row.firstTow, tow);
+        row.startsWeek =
+            row.firstTow != noTow && Kor::MessageApi::TQX_beginsWeek(row.firstTow, tow);
         week = static_cast<uint8_t>(week + weeks.at(page).size() + (row.startsWeek ? 1 : 0));
         if (row.lastTow != noTow)
             tow = row.lastTow;

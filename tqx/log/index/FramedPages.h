@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TQX_Format.h"
 #include "tqx/log/index/PageOffsets.h"
 #include "tqx/log/time/GnssTime.h"
 #include "tqx_log_export.h"
@@ -16,14 +17,7 @@ namespace tqx
 constexpr GnssMillis noMillis = ~GnssMillis{0};
 
 /// A time of week that says nothing, as on the wire.
-constexpr uint32_t noTow = 0xffffffff;
-
-/// Whether decoding, whose context has seen `last`, takes a block at `tow` to begin a week.
-constexpr bool isWeekStart(uint32_t tow, uint32_t last)
-{
-    constexpr uint32_t twoDays = 172800000;
-    return tow + twoDays < last;
-}
+constexpr uint32_t noTow = Kor::MessageApi::TQX_noTOW;
 
 /// What an index knows of a page of a log. Blocks belong to the page that they begin in.
 struct PageRow {

@@ -3,6 +3,7 @@
 #include "tqx/log/index/FramedPages.h"
 #include "tqx/log/index/LogFramer.h"
 #include "tqx/log/stream/BlockStream.h"
+#include "tqx/log/stream/WeekContext.h"
 #include "tqx/log/time/GnssTime.h"
 #include "tqx_log_export.h"
 
@@ -16,20 +17,6 @@
 
 namespace tqx
 {
-
-/// What decoding carries from block to block, for blocks that are not read from the first one on.
-/// A context that it is applied to decodes as one that has decoded every block before, with all
-/// types enabled.
-struct WeekContext {
-    uint8_t weekCounter = 0;
-    uint32_t lastTow = 0;
-
-    void applyTo(Kor::MessageApi::TQX_Context_s& context) const
-    {
-        context.weekCounter = weekCounter;
-        context.lastTOW = lastTow;
-    }
-};
 
 /// Where the blocks of a log are, by type and by time, and what in it belongs to no block: all that
 /// one pass over the log gives, in some 2.5 bytes a block. Pages of 64 kB are what a log can be

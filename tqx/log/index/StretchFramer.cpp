@@ -13,7 +13,7 @@ namespace tqx
 namespace
 {
 
-constexpr size_t numbers = 0x2000;
+constexpr size_t numbers = Kor::MessageApi::TQX_lastBlockNumber + 1;
 
 /// Framing starts in the middle of a log with some sums in hand, so that blocks need not be summed
 /// the slow way before it has seen a few.
@@ -103,10 +103,9 @@ const StretchFramer::KnownNumber& StretchFramer::slotOf(uint16_t number)
 void StretchFramer::addBlock(const uint8_t* block, size_t size, uint32_t page, uint16_t at,
                              PageRow& row)
 {
-    constexpr uint16_t numberBits = numbers - 1;
     constexpr size_t towEnd = 12;
     constexpr size_t weekEnd = 14;
-    const KnownNumber& type = slotOf(korcg_load_u16(block + 4) & numberBits);
+    const KnownNumber& type = slotOf(Kor::MessageApi::TQX_blockNumberOf(korcg_load_u16(block + 4)));
     m_pages.types[type.type].offsets.add(page, at);
     ++row.blocks;
     // As decoding does it: the week is followed as soon as TOW is read, whatever comes of the rest.
@@ -128,7 +127,7 @@ void StretchFramer::addTow(uint32_t tow, uint32_t page, uint16_t at, PageRow& ro
     if (row.firstTow == noTow) {
         row.firstTow = tow;
         row.firstTowAt = at;
-    } else if (isWeekStart(tow, row.lastTow)) {
+    } else if (Kor::MessageApi::TQX_beginsWeek(tow, row.lastTow)) {
         m_pages.marks[FramedPages::WeekStart].add(page, at);
     }
     row.lastTow = tow;

@@ -38,7 +38,7 @@ struct BlockLocation {
 
 /// Reads what is around a place of a source of which nothing has been read yet. When no sync is at
 /// the place and it is in no valid block, the offset goes on to a header in the stretch before the
-/// next sound one: the first that a type could have, else the first of all. Throws SourceError when
+/// next valid one: the first that a type could have, else the first of all. Throws SourceError when
 /// it cannot be read or ends before the offset.
 TQX_LOG_API BlockLocation locateBlock(ByteSource& source, uint64_t offset);
 

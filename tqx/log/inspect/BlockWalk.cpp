@@ -253,7 +253,7 @@ int32_t Level::run(const void* decoded, uint32_t length)
             readArray(i);
             continue;
         }
-        // The length of an entry covers what stands before its nested entries.
+        // The length of an entry covers what is before its nested entries.
         const bool nested = field.kind == TQX_FieldKind::Blocks || field.length >= 0;
         if (nested && m_depth != 0 && open != 0) {
             if (!closeAt(open))

@@ -25,7 +25,7 @@ struct BlockPiece {
 
     Kind kind;
     unsigned depth;                                ///< 0 in the main block
-    const Kor::MessageApi::TQX_TypeLayout* type;   ///< of the block or entry it stands in
+    const Kor::MessageApi::TQX_TypeLayout* type;   ///< of the block or entry it is in
     const Kor::MessageApi::TQX_FieldLayout* field; ///< null for Unknown and TooLong
     uint32_t index;                                ///< of the element or entry
     uint32_t offset;                               ///< of its first byte in the block

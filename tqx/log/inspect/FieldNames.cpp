@@ -1,6 +1,7 @@
 #include "tqx/log/inspect/FieldNames.h"
 
 #include "TQX_DescribedType.h"
+#include "tqx/log/record/RecordPlan.h"
 #include "tqx/log/record/TypeNames.h"
 #include "tqx/log/value/FieldText.h"
 
@@ -35,20 +36,31 @@ const TQX_TypeLayout* ownerOf(const TQX_TypeLayout& sub)
     return owner;
 }
 
+/// The types around one, from the outermost in.
+OwnerTypes ownersOf(const TQX_TypeLayout& type)
+{
+    OwnerTypes owners;
+    for (const TQX_TypeLayout* owner = &type; owner->blockNumber == 0;) {
+        owner = ownerOf(*owner);
+        if (!owner)
+            break;
+        owners.insert(owners.begin(), owner);
+    }
+    return owners;
+}
+
 } // namespace
 
 std::vector<std::string> inputNames(const TQX_TypeLayout& type, const TQX_FieldFacts& field)
 {
     std::vector<std::string> names;
-    for (const TQX_FieldInput& input : TQX_inputs(field)) {
-        const TQX_TypeLayout* holder = &type;
-        for (unsigned i = 0; holder && i < input.linksUp; ++i)
-            holder = ownerOf(*holder);
-        if (!holder)
-            continue;
-        names.emplace_back(holder->fields[input.row].name);
-        if (holder != &type)
-            names.back() += std::string(" of ") + holder->name;
+    if (field.inputCount == 0)
+        return names;
+    const OwnerTypes owners = ownersOf(type);
+    for (const RecordPlan::Input& input : findInputs(type, field, owners)) {
+        names.emplace_back(input.field->name);
+        if (input.linksUp != 0)
+            names.back() += std::string(" of ") + owners[owners.size() - input.linksUp]->name;
     }
     return names;
 }

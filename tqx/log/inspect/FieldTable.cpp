@@ -52,7 +52,7 @@ bool isSigned(TQX_MemberType type)
     return type == TQX_MemberType::I8 || type == TQX_MemberType::I16 || type == TQX_MemberType::I32;
 }
 
-/// The name that follows `name` when names are counted, such as "G08" behind "G07"; empty for a
+/// The name that follows `name` when names are counted, such as "G08" after "G07"; empty for a
 /// name without a number at its end.
 std::string successorOf(std::string name)
 {
@@ -251,7 +251,7 @@ void Table::appendHead()
 }
 
 /// The names of a field's values, as many in a line as it holds, below the field. What fits beside
-/// it stands there already.
+/// it is there already.
 void Table::appendSymbols(int index, size_t indentation)
 {
     constexpr size_t lineWidth = 100;

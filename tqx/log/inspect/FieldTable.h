@@ -8,7 +8,7 @@
 namespace tqx
 {
 
-/// Appends what a type is and a table of its fields: where they stand, how wide they are, their
+/// Appends what a type is and a table of its fields: where they are, how wide they are, their
 /// units, scales, names of values, revisions and meaning. Of the style, only how units are written
 /// counts.
 TQX_LOG_API void appendFieldTable(Buffer& out, const Kor::MessageApi::TQX_TypeLayout& type,

@@ -185,8 +185,7 @@ void addResult(Inspection& inspection)
             fault += fmt::format("has {} elements, there is room for {}", culprit->index,
                                  culprit->field->elements);
         } else {
-            fault +=
-                fmt::format("ends behind the {} bytes that its length allows", culprit->stated);
+            fault += fmt::format("ends after the {} bytes that its length allows", culprit->stated);
         }
     }
     inspection.faults.push_back(std::move(fault));

@@ -98,7 +98,7 @@ struct TQX_LOG_API Inspection {
     std::vector<InspectionRow> rows; ///< in the order of the bytes
     std::vector<std::string> faults; ///< what is wrong with the block and where others are
 
-    /// The innermost row that holds a byte of the block, for bits the value; none when it is behind
+    /// The innermost row that holds a byte of the block, for bits the value; none when it is after
     /// the block.
     int rowAt(uint32_t byte) const;
 };

@@ -25,7 +25,7 @@ class Object
 public:
     explicit Object(Buffer& buffer) : m_out(buffer) { m_out.append('{'); }
 
-    /// The buffer, behind the name of a member.
+    /// The buffer, after the name of a member.
     Buffer& member(const char* name)
     {
         if (!m_first)

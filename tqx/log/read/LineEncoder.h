@@ -23,7 +23,7 @@ namespace tqx
 class TQX_LOG_API LineEncoder
 {
 public:
-    /// Of blocks of the schema's types.
+    /// Of blocks of the schema's types. Throws std::bad_alloc.
     explicit LineEncoder(const Schema& schema = {});
     ~LineEncoder();
     LineEncoder(const LineEncoder&) = delete;

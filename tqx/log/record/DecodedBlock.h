@@ -24,7 +24,7 @@ struct DecodedBlock {
         return *static_cast<const Kor::MessageApi::TQX_MainHeader_s*>(record);
     }
 
-    /// Whether every byte of the block stands in a field of the record.
+    /// Whether every byte of the block is in a field of the record.
     bool isCovered() const
     {
         const uint32_t bits = static_cast<uint32_t>(block.size) * 8;

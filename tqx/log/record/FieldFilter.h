@@ -14,7 +14,8 @@ namespace tqx
 {
 
 /// Which fields a command shows of each type, and in which order: a tree, with the fields of a
-/// sub-block below the field that holds it. A filter without names shows everything.
+/// sub-block below the field that holds it. A filter without names shows everything. Immutable once
+/// made: any number of threads may ask the same one.
 class TQX_LOG_API FieldFilter
 {
 public:

@@ -9,7 +9,8 @@
 namespace tqx
 {
 
-/// Reads the values of a number or character field out of the bits of its member.
+/// Reads the values of a number or character field out of the bits of its member. Immutable; the
+/// layout is needed during construction only.
 class MemberBits
 {
 public:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TQX_Format.h"
 #include "TQX_Layout.h"
 #include "TQX_RecordAccess.h"
 
@@ -51,7 +52,7 @@ inline bool isContinuousTime(const Kor::MessageApi::TQX_FieldLayout& field)
            field.recordOffset == offsetof(Kor::MessageApi::TQX_MainHeader_s, TOWc) &&
            std::string_view(field.name) == "TOWc";
 }
-constexpr uint64_t noContinuousTime = 0xffffffff;
+constexpr uint64_t noContinuousTime = Kor::MessageApi::TQX_noTOW;
 
 /// The bits of an element of so many bytes.
 inline uint64_t loadWord(const void* element, uint32_t size)

@@ -33,4 +33,10 @@ int32_t RecordDecoder::decode(const Block& block)
     return m_consumed;
 }
 
+int32_t RecordDecoder::decode(const Block& block, const WeekContext& context)
+{
+    context.applyTo(m_context);
+    return decode(block);
+}
+
 } // namespace tqx

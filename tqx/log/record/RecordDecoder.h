@@ -2,6 +2,7 @@
 
 #include "tqx/log/record/DecodedBlock.h"
 #include "tqx/log/schema/Schema.h"
+#include "tqx/log/stream/WeekContext.h"
 #include "tqx_log_export.h"
 
 #include "TQX_OwnedRecord.h"
@@ -9,19 +10,28 @@
 namespace tqx
 {
 
-/// Decodes the blocks of a stream into records, one after the other.
+/// Decodes the blocks of a stream into records, one after the other. Used by one thread at a time.
+///
+///     RecordDecoder decoder;
+///     for (Block block; stream.next(block);)
+///         if (decoder.decode(block) > 0)
+///             use(decoder.getRecord());
 class TQX_LOG_API RecordDecoder
 {
 public:
-    /// Of the types of the schema.
+    /// Of the types of the schema. Throws std::bad_alloc.
     explicit RecordDecoder(const Schema& schema = {});
     RecordDecoder(RecordDecoder&& other) noexcept = default;
     /// What this one held goes with `other`: its record needs its schema.
     RecordDecoder& operator=(RecordDecoder&& other) noexcept;
 
     /// Decodes a block in place of the one before. Returns the bits consumed or the codec's
-    /// negative code.
+    /// negative code, after which there is no record. The block must stay for getDecoded() alone.
     int32_t decode(const Block& block);
+
+    /// The same for a block that does not follow the one before, as a stream or an index gives it,
+    /// with the context that these give for it.
+    int32_t decode(const Block& block, const WeekContext& context);
 
     /// The record of the last block that decoded; belongs to the decoder.
     const void* getRecord() const { return m_record.get(); }

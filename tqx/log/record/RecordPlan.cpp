@@ -50,8 +50,15 @@ RecordPlan::Kind kindOf(const TQX_FieldLayout& member)
     return isNumber(member) ? RecordPlan::Kind::Number : RecordPlan::Kind::Array;
 }
 
-std::vector<RecordPlan::Input> inputsOf(const TQX_TypeLayout& type, const TQX_FieldFacts& facts,
-                                        const OwnerTypes& owners)
+} // namespace
+
+bool isHeaderField(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
+{
+    return type.blockNumber != 0 && field.recordOffset <= offsetof(TQX_MainHeader_s, WNc);
+}
+
+std::vector<RecordPlan::Input> findInputs(const TQX_TypeLayout& type, const TQX_FieldFacts& facts,
+                                          const OwnerTypes& owners)
 {
     std::vector<RecordPlan::Input> inputs;
     for (const TQX_FieldInput& input : TQX_inputs(facts)) {
@@ -62,13 +69,6 @@ std::vector<RecordPlan::Input> inputsOf(const TQX_TypeLayout& type, const TQX_Fi
         inputs.push_back({input.linksUp, owner.fields + input.row, &TQX_factsOf(owner, input.row)});
     }
     return inputs;
-}
-
-} // namespace
-
-bool isHeaderField(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
-{
-    return type.blockNumber != 0 && field.recordOffset <= offsetof(TQX_MainHeader_s, WNc);
 }
 
 RecordPlan planRecord(const TQX_TypeLayout& type, const FieldFilter& filter, ShownFields shown,
@@ -99,7 +99,7 @@ RecordPlan planRecord(const TQX_TypeLayout& type, const FieldFilter& filter, Sho
         }
         RecordPlan::Member& member = plan.members.back();
         member.parts.push_back(
-            {&field, &TQX_factsOf(type, row), inputsOf(type, TQX_factsOf(type, row), owners)});
+            {&field, &TQX_factsOf(type, row), findInputs(type, TQX_factsOf(type, row), owners)});
         if (field.recordType != 0) {
             member.plan =
                 std::make_unique<RecordPlan>(planRecord(*field.sub, *inside, shown, innerOwners));

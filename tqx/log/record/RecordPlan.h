@@ -39,7 +39,7 @@ struct RecordPlan {
     struct Part {
         const Kor::MessageApi::TQX_FieldLayout* field;
         const Kor::MessageApi::TQX_FieldFacts* facts;
-        /// What TQX_inputs() says, without numbers of parents that are not known.
+        /// As findInputs() gives them.
         std::vector<Input> inputs;
     };
 
@@ -79,6 +79,12 @@ using OwnerTypes = std::vector<const Kor::MessageApi::TQX_TypeLayout*>;
 TQX_LOG_API RecordPlan planRecord(const Kor::MessageApi::TQX_TypeLayout& type,
                                   const FieldFilter& filter, ShownFields shown,
                                   const OwnerTypes& owners = {});
+
+/// The numbers that a derived value is not available without; those of owners that are not given
+/// are left out.
+TQX_LOG_API std::vector<RecordPlan::Input> findInputs(const Kor::MessageApi::TQX_TypeLayout& type,
+                                                      const Kor::MessageApi::TQX_FieldFacts& facts,
+                                                      const OwnerTypes& owners);
 
 /// Whether the field belongs to the header of a main block, TOWc included.
 TQX_LOG_API bool isHeaderField(const Kor::MessageApi::TQX_TypeLayout& type,

@@ -20,6 +20,8 @@ namespace tqx
 /// unit and with the names that the description gives; so it does not hold for messages without the
 /// field. `has` asks whether there is an available value. `any` holds when all that it asks holds
 /// for the same element of a field of sub-blocks.
+///
+/// Immutable once made: any number of threads may ask the same one.
 class TQX_LOG_API Condition
 {
 public:

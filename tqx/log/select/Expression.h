@@ -11,7 +11,7 @@
 namespace tqx
 {
 
-/// A name or value and where it stands in the text of an expression.
+/// A name or value and where it is in the text of an expression.
 struct ExpressionWord {
     std::string text;
     size_t position;
@@ -24,7 +24,7 @@ struct ExpressionTerm {
     std::vector<ExpressionWord> path; ///< names between points, never empty
     Comparison comparison;
     ExpressionWord value; ///< as written, a name without its quotes; nothing for Has
-    bool isName = false;  ///< the value stands in quotes
+    bool isName = false;  ///< the value is in quotes
     Number number;        ///< for values without quotes
 };
 
@@ -48,7 +48,7 @@ struct ExpressionScope {
 ///     op        = "==" | "!=" | "<" | "<=" | ">" | ">="
 ///     value     = number | 0x number | 'name' | "name"
 ///
-/// What the names mean is not looked at here.
+/// What the names mean is not looked at here. Immutable once made.
 class TQX_LOG_API Expression
 {
 public:
@@ -65,6 +65,8 @@ public:
     /// given as, named in errors; it must outlive this.
     explicit Expression(std::string text, const char* option = "--where");
 
+    /// Terms and scopes are in the order of the text, nodes after those that they have as children,
+    /// the root last. They live as long as the expression.
     const std::vector<ExpressionTerm>& terms() const { return m_allTerms; }
     const std::vector<ExpressionScope>& scopes() const { return m_allScopes; }
     const Node& node(size_t index) const { return m_nodes[index]; }

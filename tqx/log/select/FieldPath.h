@@ -13,7 +13,7 @@
 namespace tqx
 {
 
-/// A field of a type.
+/// A field of a type; both live as long as the codec.
 struct FieldOfType {
     const Kor::MessageApi::TQX_TypeLayout* type;
     const Kor::MessageApi::TQX_FieldLayout* layout;

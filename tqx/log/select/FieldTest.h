@@ -12,7 +12,8 @@
 namespace tqx
 {
 
-/// One term of an expression, made ready for one field.
+/// One term of an expression, made ready for one field. Immutable: any number of threads may ask
+/// the same one.
 class TQX_LOG_API FieldTest
 {
 public:

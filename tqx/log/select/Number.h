@@ -14,6 +14,7 @@ class TQX_LOG_API Number
 public:
     enum class Kind : uint8_t { Unsigned, Signed, Real };
 
+    /// Zero.
     Number() : bits{0} {}
     static Number ofUnsigned(uint64_t value);
     static Number ofSigned(int64_t value);

@@ -23,6 +23,8 @@ namespace tqx
 /// "Type1.SVID" is SVID of the element of Type1 that the record is or is in, and the name of the
 /// block may come before all. Comparisons are those of Condition: with a field that there is not,
 /// or that is not available, they are false. There is no any: a row has one element of each array.
+///
+/// Immutable once made: any number of threads may ask the same one.
 class TQX_LOG_API RowCondition
 {
 public:

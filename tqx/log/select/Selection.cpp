@@ -92,7 +92,7 @@ bool Selection::meetsCondition(BlockStream& stream, const Block& block)
         return true;
     if (!m_condition->reads(block.getNumber()))
         return m_condition->accepts(nullptr);
-    const int32_t result = m_decoder->decode(block);
+    const int32_t result = m_decoder->decode(block, stream.getContext());
     if (result < 0) {
         stream.reportUndecodable(block, result);
         return false;

@@ -28,7 +28,7 @@ struct SelectionRequest {
 };
 
 /// Which blocks of a stream a command looks at. Looks at them in stream order, and runs on over the
-/// inputs as if they were one.
+/// inputs as if they were one. Used by one thread at a time.
 class TQX_LOG_API Selection
 {
 public:

@@ -155,7 +155,7 @@ GnssMillis parseTime(const std::string& option, const std::string& text)
     const bool isUtc = scale == "UTC" || (scale == "Z" && !apart);
     if (scale.empty()) {
         fail(option, text,
-             "does not say on which scale; put Z behind it for UTC, ' GPS' for GPS time");
+             "does not say on which scale; put Z after it for UTC, ' GPS' for GPS time");
     }
     if (!isUtc && scale != "GPS")
         fail(option, text, noTime);

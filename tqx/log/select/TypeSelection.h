@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TQX_Format.h"
 #include "tqx/log/schema/Schema.h"
 #include "tqx_log_export.h"
 
@@ -12,12 +13,12 @@
 namespace tqx
 {
 
-/// Which blocks a command looks at, by block number.
+/// Which blocks a command looks at, by block number. Immutable once made.
 class TQX_LOG_API TypeSelection
 {
 public:
     /// One more than the highest block number.
-    static constexpr size_t numbers = 1 << 13;
+    static constexpr size_t numbers = Kor::MessageApi::TQX_lastBlockNumber + 1;
 
     /// Everything, with the built types.
     TypeSelection() { m_accepted.set(); }
@@ -31,8 +32,10 @@ public:
     /// The types whose names it knows, by which conditions are resolved, too.
     const Schema& getSchema() const { return m_schema; }
 
+    /// Whether blocks of every number are looked at, known ones and others.
     bool isEverything() const { return m_accepted.all(); }
 
+    /// `blockNumber` is below `numbers`.
     bool accepts(uint16_t blockNumber) const { return m_accepted[blockNumber]; }
 
 private:

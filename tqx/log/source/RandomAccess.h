@@ -41,6 +41,7 @@ protected:
 class TQX_LOG_API MemoryAccess : public RandomAccess
 {
 public:
+    /// `label` is what messages call it.
     MemoryAccess(const uint8_t* data, size_t count, std::string label = "memory");
 
     const std::string& getName() const override { return m_name; }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tqx_log_export.h"
+
 #include <set>
 #include <string>
 #include <string_view>
@@ -30,6 +32,6 @@ private:
 };
 
 /// A name as SQL text: "Group".
-std::string quotedSql(std::string_view name);
+TQX_LOG_API std::string quotedSql(std::string_view name);
 
 } // namespace tqx

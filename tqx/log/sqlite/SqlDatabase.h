@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tqx_log_export.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -10,7 +12,7 @@ namespace tqx
 {
 
 /// An INSERT that is run again and again. Parameters count from 1; those that are not set are NULL.
-class SqlInsert
+class TQX_LOG_API SqlInsert
 {
 public:
     virtual ~SqlInsert() = default;
@@ -34,7 +36,7 @@ protected:
 
 /// A new SQLite database that is filled in one go: fast, and with nothing to fall back on should
 /// the program end in between.
-class SqlDatabase
+class TQX_LOG_API SqlDatabase
 {
 public:
     /// Makes one in the file `path`, which must not exist or be empty. Errors call it `name`.

@@ -12,7 +12,8 @@
 namespace tqx
 {
 
-/// A framed block with a valid checksum. It refers to the bytes of whoever hands it out.
+/// A framed block with a valid checksum. It refers to the bytes of whoever hands it out, at least 8
+/// of them, and is valid as long as that says.
 struct TQX_LOG_API Block {
     const uint8_t* data;
     uint16_t size;

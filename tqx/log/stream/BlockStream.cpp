@@ -6,6 +6,8 @@
 namespace tqx
 {
 
+using Kor::MessageApi::TQX_noTOW;
+
 namespace
 {
 
@@ -48,7 +50,26 @@ bool BlockStream::next(Block& block)
     if (m_name != place.file)
         m_name = place.file;
     block = {found.data, static_cast<uint16_t>(found.size), place.offset};
+    WeekContext week = {m_weekCounter, m_lastTow};
+    m_startsWeek = week.follow(block);
+    m_weekCounter = week.weekCounter;
+    m_lastTow = week.lastTow;
     return true;
+}
+
+// Without a week that begins with the block, the last TOW decides nothing and must not begin one;
+// with one, it must be so late that the week begins.
+WeekContext BlockStream::getContext() const
+{
+    if (!m_startsWeek)
+        return {m_weekCounter, 0};
+    return {static_cast<uint8_t>(m_weekCounter - 1), TQX_noTOW};
+}
+
+void BlockStream::setContext(const WeekContext& context)
+{
+    m_startsWeek = context.lastTow == TQX_noTOW;
+    m_weekCounter = static_cast<uint8_t>(context.weekCounter + (m_startsWeek ? 1 : 0));
 }
 
 void BlockStream::reportUndecodable(const Block& block, int32_t code)

@@ -5,6 +5,7 @@
 #include "tqx/log/source/ByteSource.h"
 #include "tqx/log/stream/Block.h"
 #include "tqx/log/stream/StreamListener.h"
+#include "tqx/log/stream/WeekContext.h"
 #include "tqx_log_export.h"
 
 #include <array>
@@ -64,6 +65,10 @@ public:
     /// the last block gotten.
     void reportUndecodable(const Block& block, int32_t code);
 
+    /// What to give a context for the last block gotten to decode as after all blocks before it,
+    /// whether these were decoded or not. Of the last TOW only what matters for this block is true.
+    WeekContext getContext() const;
+
     /// Name of the file that the last block began in.
     const std::string& getName() const { return m_name; }
     const StreamCounts& getCounts() const { return m_counts; }
@@ -73,6 +78,8 @@ protected:
     /// but for its undecodable blocks, which reportUndecodable() counts.
     void setCounts(const StreamCounts& counts);
     void setName(const std::string& name) { m_name = name; }
+    /// As IndexedBlocks::getContext() gives it.
+    void setContext(const WeekContext& context);
 
 private:
     /// What looked like a block and was none.
@@ -103,7 +110,10 @@ private:
     StreamCounts m_counts;
     StreamGap m_gap;
     bool m_ended = false;
-    bool m_isCut = false; ///< the source ended within what looked like a block
+    bool m_isCut = false;      ///< the source ended within what looked like a block
+    bool m_startsWeek = false; ///< the last block does
+    uint8_t m_weekCounter = 0; ///< of a decoding context after it
+    uint32_t m_lastTow = 0;    ///< likewise
 };
 
 } // namespace tqx

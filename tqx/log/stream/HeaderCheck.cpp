@@ -68,7 +68,7 @@ bool isPlausibleHeader(uint16_t id, size_t length)
     const TQX_TypeLayout* type = TQX_layout(TQX_recordType(TQX_blockNumberOf(id)));
     if (type == nullptr)
         return false;
-    const Range range = lengthsOf(*type, static_cast<unsigned>(id) >> 13U);
+    const Range range = lengthsOf(*type, TQX_revisionOf(id));
     return length >= range.least && (!range.isFixed || length < range.least + alignment);
 }
 

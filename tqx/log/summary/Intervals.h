@@ -14,7 +14,8 @@ namespace tqx
 
 /// Finds out at which interval times usually follow each other and where some are missing. Equal
 /// times count once; a step back begins anew. Memory is bounded: intervals for which there is no
-/// room any more are only counted.
+/// room any more are only counted. Used by one thread at a time, which holds for all that share a
+/// room.
 class TQX_LOG_API Intervals
 {
 public:
@@ -29,6 +30,7 @@ public:
     /// must outlive them.
     explicit Intervals(size_t& sharedRoom) : m_room(sharedRoom) {}
 
+    /// The next time of the stream. Throws std::bad_alloc; the time may have been counted or not.
     void add(GnssMillis time);
 
     /// The most frequent interval in milliseconds, if it makes up more than half of them.

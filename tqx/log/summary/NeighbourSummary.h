@@ -10,10 +10,12 @@
 namespace tqx
 {
 
-/// What came between the blocks of a stream, gathered one by one.
+/// What came between the blocks of a stream, gathered one by one. Used by one thread at a time.
 class TQX_LOG_API NeighbourSummary
 {
 public:
+    /// Counts one, whose bytes are not needed afterwards. Throws std::bad_alloc; it may not have
+    /// been counted then.
     void add(const Neighbour& neighbour);
 
     bool isEmpty() const { return m_sentences.empty() && m_frames.empty() && m_text.count == 0; }

@@ -52,7 +52,8 @@ struct TypeSummary {
     std::map<int32_t, FailureSummary> failures; ///< by code
 };
 
-/// What a stream holds, gathered block by block.
+/// What a stream holds, gathered block by block, in bounded memory. Used by one thread at a time.
+/// What is handed out by reference lives as long as this and changes with it.
 class TQX_LOG_API StreamSummary
 {
 public:
@@ -61,7 +62,8 @@ public:
 
     const Schema& getSchema() const { return m_schema; }
 
-    /// Decodes and counts a block.
+    /// Decodes and counts a block. One that does not decode is reported to the stream. Throws
+    /// std::bad_alloc; the block may have been counted in part.
     void add(BlockStream& stream, const Block& block);
 
     /// Notes where bytes belong to no block; only the first thousand places are kept.

@@ -30,7 +30,7 @@ struct Run {
 };
 
 /// Runs that follow each other in memory, read as one. Decoding puts the arrays of an array's
-/// entries one behind the other, and columns are filled faster by longer runs.
+/// entries one after the other, and columns are filled faster by longer runs.
 struct JoinedRun {
     Run run = {nullptr, 0, 0, 0, false};
 

@@ -40,4 +40,12 @@ NameDictionary::NameDictionary(const TQX_FieldFacts& facts, unsigned width) : m_
         m_places.clear();
 }
 
+NameDictionary::NameDictionary(const std::vector<std::string>& texts) : m_offsets(1)
+{
+    for (const std::string& text : texts) {
+        m_texts += text;
+        m_offsets.push_back(static_cast<int32_t>(m_texts.size()));
+    }
+}
+
 } // namespace tqx

@@ -21,6 +21,9 @@ public:
     /// For a field of `width` bits.
     NameDictionary(const Kor::MessageApi::TQX_FieldFacts& facts, unsigned width);
 
+    /// Of given texts, each of which is there once; codes are their places.
+    explicit NameDictionary(const std::vector<std::string>& texts);
+
     size_t size() const { return m_offsets.size() - 1; }
 
     /// Bytes of an index; they are signed, as some readers want them.

@@ -20,7 +20,7 @@ struct TableBlock {
 
     uint16_t getId() const { return static_cast<uint16_t>(data[4] | data[5] << 8U); }
     uint16_t getNumber() const { return Kor::MessageApi::TQX_blockNumberOf(getId()); }
-    unsigned getRevision() const { return static_cast<unsigned>(getId()) >> 13U; }
+    unsigned getRevision() const { return Kor::MessageApi::TQX_revisionOf(getId()); }
 };
 
 } // namespace tqx

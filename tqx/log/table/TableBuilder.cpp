@@ -50,8 +50,7 @@ int64_t nanosSince1970(uint64_t millis)
 
 uint32_t continuousTow(uint32_t tow, unsigned week)
 {
-    constexpr uint32_t unset = 0xffffffff;
-    return tow == unset ? unset : static_cast<uint32_t>(week * millisPerWeek) + tow;
+    return tow == TQX_noTOW ? TQX_noTOW : static_cast<uint32_t>(week * millisPerWeek) + tow;
 }
 
 } // namespace

@@ -26,6 +26,8 @@ public:
     /// Hears of blocks that the codec refuses with a negative code; they have no row.
     using Refuse = std::function<void(const TableBlock& block, int32_t code)>;
 
+    /// Shares the schema. `refuse` may be empty; it is called while append() runs, and what it
+    /// throws leaves that. Throws std::bad_alloc.
     explicit TableBuilder(std::shared_ptr<const TableSchema> schema, Refuse refuse = {});
     ~TableBuilder();
     TableBuilder(const TableBuilder&) = delete;

@@ -1,20 +1,11 @@
 #include "tqx/log/table/TableInput.h"
 
 #include "TQX_codec.h"
-#include "korcg_load.h"
 
 namespace tqx
 {
 
 using namespace Kor::MessageApi;
-
-namespace
-{
-
-/// Bytes up to the end of TOW, which is what a decoder reads before it counts weeks.
-constexpr size_t endOfTow = 12;
-
-} // namespace
 
 TableInput::~TableInput() = default;
 
@@ -30,11 +21,11 @@ size_t StreamInput::read(TableBlock* blocks, size_t capacity)
 {
     Block block = {};
     while (capacity != 0 && m_stream.next(block)) {
-        const uint16_t number = block.getNumber();
-        if (block.size >= endOfTow && (number == m_number || TQX_recordType(number) != 0))
-            TQX_continuousTime(&m_context, korcg_load_u32(block.data + 8));
         if (block.getNumber() != m_number)
             continue;
+        WeekContext week = m_stream.getContext();
+        week.follow(block);
+        week.applyTo(m_context);
         // The stream keeps the bytes of one block at a time.
         *blocks = {block.data, block.size, m_context.weekCounter, block.offset, m_stream.getName()};
         return 1;

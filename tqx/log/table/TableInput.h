@@ -35,7 +35,7 @@ protected:
 };
 
 /// The blocks of one type out of all that a stream has. All blocks of known types, whether they
-/// decode or not, count for the week of TOWc.
+/// decode or not, count for the week of TOWc, those that the stream gave before, too.
 ///
 ///     BlockStream blocks(source);
 ///     StreamInput input(blocks, *findType(name));
@@ -52,7 +52,7 @@ public:
 private:
     BlockStream& m_stream;
     uint16_t m_number;
-    Kor::MessageApi::TQX_Context_s m_context;
+    Kor::MessageApi::TQX_Context_s m_context; ///< after the last block that was read
 };
 
 } // namespace tqx

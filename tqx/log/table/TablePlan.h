@@ -27,7 +27,7 @@ struct WireHead {
     bool isUsable = false;
     std::array<uint32_t, 8> needed{}; ///< bytes that decoding takes, by revision
     uint32_t size = 0;                ///< the most of these
-    uint32_t towcOffset = 0;          ///< where TOWc is put behind them
+    uint32_t towcOffset = 0;          ///< where TOWc is put after them
     uint32_t stride = 0;              ///< from head to head, TOWc included
 };
 

@@ -22,6 +22,8 @@ namespace tqx
 class TQX_LOG_API TableStream
 {
 public:
+    /// Shares the schema and takes over the input, which gives blocks of the schema's type. Throws
+    /// std::bad_alloc.
     TableStream(std::shared_ptr<const TableSchema> schema, std::unique_ptr<TableInput> input);
     ~TableStream();
     TableStream(const TableStream&) = delete;

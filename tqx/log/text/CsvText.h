@@ -20,11 +20,11 @@ TQX_LOG_API void appendLatin1(Buffer& out, const char* text, size_t length);
 /// The same of a text that must not be taken for a formula, see guardFrom().
 TQX_LOG_API void appendGuardedLatin1(Buffer& out, const char* text, size_t length);
 
-/// Puts an apostrophe in front of what stands behind `start` in the buffer if a spreadsheet would
+/// Puts an apostrophe in front of what is after `start` in the buffer if a spreadsheet would
 /// take that for a formula: if it begins with = + - @, a tab or a carriage return.
 TQX_LOG_API void guardFrom(Buffer& out, size_t start);
 
-/// Makes what stands behind `start` in the buffer one cell.
+/// Makes what is after `start` in the buffer one cell.
 TQX_LOG_API void quoteFrom(Buffer& out, size_t start);
 
 } // namespace tqx::csv

@@ -145,7 +145,7 @@ int ownDecimals(float value)
     return point == std::string_view::npos ? 0 : static_cast<int>(digits.size() - point - 1);
 }
 
-// A float is shown with no more than its own decimals and zeros behind them. The number that these
+// A float is shown with no more than its own decimals and zeros after them. The number that these
 // stand for is half a unit of the float's last place away from it at most; up to so many digits,
 // that makes no difference to what they are rounded to.
 constexpr double limitOfSingles = 0x1p23;

@@ -12,11 +12,11 @@ namespace tqx
 TQX_LOG_API void appendFixed(Buffer& out, double value, int decimals);
 
 /// The same for a number of 32 bits, with no more than the decimals of the shortest text that reads
-/// back to it and zeros behind them.
+/// back to it and zeros after them.
 TQX_LOG_API void appendFixed(Buffer& out, float value, int decimals);
 
 /// Appends a number with so many significant digits (1 or more), rounded likewise, without zeros at
-/// its end; with an exponent where the first digit is before the fourth decimal or the point behind
+/// its end; with an exponent where the first digit is before the fourth decimal or the point after
 /// the last digit: 0.0001234568, 1.234568e-05, 1.234568e+07.
 TQX_LOG_API void appendSignificant(Buffer& out, double value, int digits);
 

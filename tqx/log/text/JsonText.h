@@ -29,7 +29,7 @@ TQX_LOG_API void appendBase64(Buffer& out, const uint8_t* bytes, size_t length);
 /// The string as it would be appended.
 TQX_LOG_API std::string text(std::string_view characters);
 
-/// A member's name as it stands before its value: "name":
+/// A member's name as it is written before its value: "name":
 TQX_LOG_API std::string key(std::string_view name);
 
 } // namespace tqx::json

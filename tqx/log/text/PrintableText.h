@@ -19,7 +19,7 @@ TQX_LOG_API void appendPrintableLatin1(Buffer& out, std::string_view text);
 /// The same of UTF-8 text; bytes that are no UTF-8 become "\xff", too.
 TQX_LOG_API std::string printable(std::string_view text);
 
-/// printable(), cut to about `most` bytes with "..." behind them.
+/// printable(), cut to about `most` bytes with "..." after them.
 TQX_LOG_API std::string shortened(std::string_view text, size_t most = 80);
 
 } // namespace tqx

@@ -35,7 +35,7 @@ public:
     }
 
 private:
-    /// What stands before the text in a slot.
+    /// What is before the text in a slot.
     struct Head {
         uint64_t value;
         uint64_t length; ///< 0 when there is no text
@@ -61,7 +61,7 @@ private:
     const char* m_slots = noSlot;
     size_t m_slotSize = 0;
     unsigned m_placeShift = 58;
-    std::unique_ptr<char, Release> m_memory; ///< of the slots, and a chunk behind them
+    std::unique_ptr<char, Release> m_memory; ///< of the slots, and a chunk after them
     uint32_t m_found = 0;                    ///< texts, since replaced was 0
     uint32_t m_replaced = 0;                 ///< texts that had to make room for others
     bool m_isOff = false;

@@ -9,9 +9,8 @@ namespace tqx
 
 std::optional<GnssMillis> gnssMillis(uint32_t tow, uint16_t week)
 {
-    constexpr uint32_t noTow = 0xffffffff;
     constexpr uint16_t noWeek = 0xffff;
-    if (tow == noTow || week == noWeek)
+    if (tow == Kor::MessageApi::TQX_noTOW || week == noWeek)
         return std::nullopt;
     return week * millisPerWeek + tow;
 }

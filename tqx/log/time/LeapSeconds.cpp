@@ -86,7 +86,7 @@ std::string utcText(GnssMillis millis)
 {
     const uint64_t seconds = millis / 1000;
     const uint64_t inserted = insertedBefore(seconds);
-    // In an inserted second the calendar stands at the end of the day.
+    // In an inserted second the calendar stays at the end of the day.
     const std::vector<uint64_t>& days = insertionDays();
     const bool isLeap =
         inserted < days.size() && seconds == days[inserted] * secondsPerDay + inserted;

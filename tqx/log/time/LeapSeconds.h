@@ -12,7 +12,7 @@ namespace tqx
 /// Whether UTC has a leap second at the end of that day, counted from 1980-01-06.
 TQX_LOG_API bool endsWithLeapSecond(uint64_t day);
 
-/// Leap seconds that UTC has inserted from 1980-01-06 up to the beginning of that day. Days behind
+/// Leap seconds that UTC has inserted from 1980-01-06 up to the beginning of that day. Days after
 /// the end of the list have as many as its last.
 TQX_LOG_API unsigned leapSecondsBefore(uint64_t day);
 

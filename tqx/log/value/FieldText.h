@@ -30,8 +30,8 @@ public:
     {
     }
 
-    /// Appends the value that stands in the bits of a member. Whether the unit belongs behind it,
-    /// as it does behind numbers but not behind names.
+    /// Appends the value that is in the bits of a member. Whether the unit belongs after it,
+    /// as it does after numbers but not after names.
     bool append(Buffer& out, uint64_t word) const;
 
     /// Appends what is written for a value that is not available.

@@ -15,6 +15,7 @@ namespace tqx
 class TQX_LOG_API Scale
 {
 public:
+    /// `factor` is finite and not 0.
     explicit Scale(double factor);
 
     /// Infinite only where the result is too large for a double.

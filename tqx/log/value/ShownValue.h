@@ -16,6 +16,7 @@ namespace tqx
 {
 
 /// How the values of one number or character field are written, by what is known of the field.
+/// Immutable; layout and facts live as long as the codec.
 class TQX_LOG_API ShownValue
 {
 public:
@@ -24,7 +25,7 @@ public:
                const Kor::MessageApi::TQX_FieldFacts& facts, bool isPacked,
                const Notation& notation, const ValueStyle& style = {});
 
-    /// Appends the value that stands in the bits of a member: its name, what the notation has
+    /// Appends the value that is in the bits of a member: its name, what the notation has
     /// for not available, else the number times its scale factor.
     void append(Buffer& out, uint64_t word) const;
 

@@ -14,7 +14,7 @@ namespace tqx
 {
 
 /// What stands for the values of an integer field that are not shown as numbers: their
-/// names, and a word for what is not available.
+/// names, and a word for what is not available. Immutable; the texts live as long as this.
 class TQX_LOG_API ValueNames
 {
 public:

@@ -27,7 +27,8 @@ struct CsvStyle {
 };
 
 /// The columns for the records of one type: its fields in their order, those of a sub-block that
-/// is embedded in place of its field. Arrays of sub-blocks have tables of their own.
+/// is embedded in place of its field. Arrays of sub-blocks have tables of their own. Used by one
+/// thread at a time.
 class TQX_LOG_API CsvTable
 {
 public:
@@ -51,6 +52,7 @@ public:
     /// Names of the columns with their units: "Height [meter]".
     const std::vector<std::string>& getColumns() const { return m_columns; }
 
+    /// The tables of the arrays of sub-blocks, in the order of their fields.
     const std::vector<Child>& getChildren() const { return m_children; }
 
     /// Whether a record of the type has a row, if the table has any.

@@ -13,6 +13,8 @@ namespace tqx
 
 /// The messages of one type as one table. A message with sub-blocks has a row for each of them, in
 /// which what is above the sub-block is repeated; columns of other sub-blocks are empty.
+///
+/// Used by one thread at a time. What cannot be appended for want of memory throws std::bad_alloc.
 class TQX_LOG_API FlatCsv
 {
 public:

@@ -18,10 +18,12 @@ namespace tqx
 
 struct ParagraphPlan;
 
-/// Writes blocks as paragraphs for people: a line with what the block is, when and where it
-/// stands, then a line a field, bit ranges below their word and sub-blocks below their field, each
-/// a step further in. Texts are those of the metadata in the C locale; the values come straight
-/// from the records.
+/// Writes blocks as paragraphs for people: a line with what the block is, its time and its
+/// offset, then a line for each field, bit ranges below their word and sub-blocks below their
+/// field, each a step further in. Texts are those of the metadata in the C locale; the values come
+/// straight from the records.
+///
+/// Used by one thread at a time. What cannot be appended for want of memory throws std::bad_alloc.
 class TQX_LOG_API Paragraph
 {
 public:

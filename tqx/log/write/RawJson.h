@@ -19,10 +19,12 @@ struct RawPlan;
 ///
 ///     {"block":"<name>","fields":{"Sync1":"$",...,"WNc":2300}}
 ///
-/// Every field that has bytes of its own in the block stands there; absent ones are left out, and
+/// Every field that has bytes of its own in the block is there; absent ones are left out, and
 /// so is padding that holds zeros. A block that its fields alone would not bring back byte for
 /// byte has a member "bytes" as well, and a block without message class, of an unknown number or
 /// that does not decode has nothing else: {"number":4213,"bytes":"..."}.
+///
+/// Used by one thread at a time. What cannot be appended for want of memory throws std::bad_alloc.
 class TQX_LOG_API RawJson
 {
 public:

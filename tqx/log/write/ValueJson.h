@@ -30,7 +30,8 @@ struct ValuePlan;
 /// fields are left out, sub-blocks are objects in arrays, or one object where there is never more.
 ///
 /// The values come straight from the records, which is several times as fast as asking the field
-/// metadata for each.
+/// metadata for each. Used by one thread at a time. What cannot be appended for want of memory
+/// throws std::bad_alloc.
 class TQX_LOG_API ValueJson
 {
 public:
@@ -48,7 +49,7 @@ public:
     ///
     ///     {"number":8191,"time":{...},"bytes":"JEAi..."}
     ///
-    /// in base64; for one that did not decode, with its name and the codec's result behind the
+    /// in base64; for one that did not decode, with its name and the codec's result after the
     /// time, "name":"<name>","error":{"code":-1855,"name":"TQX_ERR_..."}.
     void writeBytes(Buffer& out, const DecodedBlock& decoded);
 

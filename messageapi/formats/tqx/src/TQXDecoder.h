@@ -26,10 +26,11 @@ public Q_SLOTS:
     /// throw. Returns the codec's result unchanged and publishes accordingly:
     ///
     /// - above 0, the bits decoded: the message by newMessageEarly, newMessage and newMessageLate;
-    ///   nothing for a type without message class. The message is destroyed behind newMessageLate
+    ///   nothing for a type without message class. The message is destroyed after newMessageLate
     ///   unless a receiver took a reference. An event of type InconsistentState instead, when there
     ///   is no memory for it.
-    /// - -6072, an unknown block number or 6 bytes or fewer: an event of type UnknownMessage, then
+    /// - TQX_invalidMessage, an unknown block number or 6 bytes or fewer: an event of type
+    /// UnknownMessage, then
     ///   newUnknownMessage.
     /// - any other: an event of type DecodingError with the name of the code, such as
     ///   "TQX: TQX_ERR_PVTGEODETIC2_DISABLED" for a type that is switched off.

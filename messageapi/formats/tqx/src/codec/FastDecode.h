@@ -3,6 +3,7 @@
 #include "ExactDecoder.h"
 #include "RecordMembers.h"
 #include "TQX_Context.h"
+#include "TQX_Format.h"
 #include "korcg_load.h"
 
 #include <algorithm>
@@ -51,8 +52,8 @@ void loadHeader(const uint8_t* at, Record& record)
     record.Sync2 = static_cast<char>(at[1]);
     record.CRC = korcg_load_u16(at + 2);
     record.ID = korcg_load_u16(at + 4);
-    record.BlockNumber = record.ID & 0x1fffU;
-    record.Revision = static_cast<uint8_t>(record.ID >> 13U);
+    record.BlockNumber = TQX_blockNumberOf(record.ID);
+    record.Revision = TQX_revisionOf(record.ID);
     record.Length = korcg_load_u16(at + 6);
     record.TOW = korcg_load_u32(at + 8);
     record.WNc = korcg_load_u16(at + 12);
@@ -74,7 +75,7 @@ Entry* allocateEntries(size_t count)
     return static_cast<Entry*>(std::malloc(count * sizeof(Entry)));
 }
 
-/// Room for `count` entries and behind them `nested` entries of their own arrays.
+/// Room for `count` entries and after them `nested` entries of their own arrays.
 template<typename Entry, typename Nested>
 Entry* allocateEntries(size_t count, size_t nested)
 {

@@ -89,7 +89,7 @@ TQX_CODEC_API void TQX_init_context(Kor::MessageApi::TQX_Context_s* context);
 /// Failure, a negative code:
 /// - the type's _DISABLED code when its bit in the context is clear: only ID and BlockNumber are
 ///   written, at their place in a TQX_MainHeader_s;
-/// - -6072 (TQX_ERR_INVALID_MESSAGE) when no type has the block number: likewise; or when the size
+/// - TQX_invalidMessage when no type has the block number: likewise; or when the size
 ///   is 6 or less: nothing is read or written. A context remembers the record's BlockNumber;
 /// - else the code of the last field that did not fit, or that of an entry that failed. The record
 ///   is of the type, and fields that were not read have their starting values. An array that was
@@ -106,7 +106,7 @@ TQX_CODEC_API int32_t TQX_decode(Kor::MessageApi::TQX_Context_s* context, const 
 ///
 /// Returns the number of bits written, or the negative code of the last scalar field, or of the
 /// array, that did not fit; then the buffer's content is unspecified up to its size. `record` must
-/// be a main block's record, else the result is -6072 (TQX_ERR_INVALID_MESSAGE).
+/// be a main block's record, else the result is TQX_invalidMessage.
 TQX_CODEC_API int32_t TQX_reencode(unsigned char* buffer, uint16_t bufferSize, const void* record);
 
 /// Bytes that TQX_reencode() writes for one entry of a sub-block type under the given revision of

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "TQX_Edition.h"
+#include "TQX_Format.h"
 #include "tqx_codec_export.h"
 
 #include <cstdint>
@@ -73,20 +74,25 @@ inline void TQX_enable(TQX_Context_s& context, unsigned recordType, bool isEnabl
         *byte = static_cast<uint8_t>(isEnabled ? *byte | bit : *byte & ~bit);
 }
 
+/// Whether a block at `tow` begins a week for a context that has followed `lastTOW`: it is more
+/// than two days before that.
+constexpr bool TQX_beginsWeek(uint32_t tow, uint32_t lastTOW)
+{
+    constexpr uint32_t twoDays = TQX_millisPerDay * 2;
+    return tow + twoDays < lastTOW;
+}
+
 /// Continuous time of a block in milliseconds since the start of the week of the first block that
 /// the context has seen, modulo 2^32; all ones without a context or with a do-not-use `tow`.
 /// A step back by more than two days counts as a week rollover.
 inline uint32_t TQX_continuousTime(TQX_Context_s* context, uint32_t tow)
 {
-    constexpr uint32_t unset = 0xffffffffU;
-    constexpr uint32_t twoDays = 172800000U;
-    constexpr uint32_t week = 604800000U;
-    if (context == nullptr || tow == unset)
-        return unset;
-    if (tow + twoDays < context->lastTOW)
+    if (context == nullptr || tow == TQX_noTOW)
+        return TQX_noTOW;
+    if (TQX_beginsWeek(tow, context->lastTOW))
         ++context->weekCounter;
     context->lastTOW = tow;
-    return context->weekCounter * week + tow;
+    return context->weekCounter * TQX_millisPerWeek + tow;
 }
 
 } // namespace Kor::MessageApi

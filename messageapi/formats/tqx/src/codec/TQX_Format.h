@@ -20,8 +20,12 @@ constexpr uint8_t TQX_revisionOf(uint16_t id)
     return static_cast<uint8_t>(id >> 13U);
 }
 
-/// A week of GNSS time.
+/// A day and a week of GNSS time.
+constexpr uint32_t TQX_millisPerDay = 86400000;
 constexpr uint32_t TQX_secondsPerWeek = 604800;
 constexpr uint32_t TQX_millisPerWeek = TQX_secondsPerWeek * 1000;
+
+/// A time of week that is not available, on the wire and in TOWc.
+constexpr uint32_t TQX_noTOW = 0xffffffff;
 
 } // namespace Kor::MessageApi

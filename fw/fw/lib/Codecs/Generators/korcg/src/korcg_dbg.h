@@ -70,7 +70,7 @@ struct dbg_CallBacks_s {
     /// Value of an environment variable, or null when it is unset. Without it the process
     /// environment is asked. The text needs to last for the call only.
     const char* (*lookup)(void* context, const char* name);
-    /// Told once by dbg_Init which stream the output goes to. The stream stays open.
+    /// Called once by dbg_Init with the stream that the output goes to. The stream stays open.
     void (*setStream)(void* context, FILE* stream);
     /// Called around each line.
     void (*lock)(void* context);

@@ -90,12 +90,12 @@ private:
 
     void checkOffset(const Field& field)
     {
-        if (!field.toldOffset || *field.toldOffset == field.wireOffset)
+        if (!field.expectedOffset || *field.expectedOffset == field.wireOffset)
             return;
         if (field.wireOffset < 0) {
-            error(field, "has no constant offset, though {} is told", *field.toldOffset);
+            error(field, "has no constant offset, expected {}", *field.expectedOffset);
         } else {
-            error(field, "has offset {}, not {} as told", field.wireOffset, *field.toldOffset);
+            error(field, "has offset {}, expected {}", field.wireOffset, *field.expectedOffset);
         }
     }
 

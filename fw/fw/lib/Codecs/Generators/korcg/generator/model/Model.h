@@ -97,7 +97,7 @@ struct Field {
 
     std::string hides; ///< member of the messages' base that its getter may hide, or empty
 
-    std::optional<int> toldOffset; ///< wire offset as the description tells it, to be checked
+    std::optional<int> expectedOffset; ///< wire offset that the description gives, to be checked
 
     // Filled by the numbering stage.
     int code = 0;         ///< EXT_BUFFER_OVERFLOW code, 0 for none

@@ -26,8 +26,8 @@ struct FieldDraft {
     Mention selector;
     Mention after;
     Mention takes;
-    bool roleTold = false;
-    bool virtualTold = false;
+    bool roleGiven = false;
+    bool virtualGiven = false;
     std::vector<FieldDraft> bits; ///< sub-fields in bit order
 };
 

@@ -36,7 +36,7 @@ public:
             // A place that the description tells is that in the edition of the field.
             for (FieldDraft& field : type.fields) {
                 if (field.field.edition < m_format.edition)
-                    field.field.toldOffset.reset();
+                    field.field.expectedOffset.reset();
             }
             for (FieldDraft& field : type.fields)
                 dropLater(field.bits, [](const FieldDraft& each) { return each.field.edition; });

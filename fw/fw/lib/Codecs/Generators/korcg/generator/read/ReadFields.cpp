@@ -34,10 +34,10 @@ void readCommon(const YamlMap& map, FieldDraft& draft)
     draft.edition = map.integer("edition", 2, latestEdition);
     field.identifies = map.flag("identifies").value_or(false);
     field.hides = map.text("hides").value_or("");
-    field.toldOffset = map.integer("offset", 0, longestArray);
+    field.expectedOffset = map.integer("offset", 0, longestArray);
 
     if (const std::optional<std::string> role = map.text("role")) {
-        draft.roleTold = true;
+        draft.roleGiven = true;
         if (*role == "data") {
             field.role = Role::Data;
         } else if (*role == "structure") {
@@ -136,7 +136,7 @@ void readMetadata(const YamlMap& map, FieldDraft& draft)
     readDoNotUse(map, field);
     if (const std::optional<bool> isVirtual = map.flag("virtual")) {
         field.isVirtual = *isVirtual;
-        draft.virtualTold = true;
+        draft.virtualGiven = true;
     }
 }
 

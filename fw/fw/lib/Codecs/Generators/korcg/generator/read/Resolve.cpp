@@ -190,12 +190,12 @@ private:
             field.kind == FieldKind::Blocks || field.kind == FieldKind::Embedded;
         if (holdsRecords) {
             field.role = Role::Unset;
-        } else if (draft && !draft->roleTold) {
+        } else if (draft && !draft->roleGiven) {
             field.role = field.isPadding || isStructural(row)   ? Role::Structure
                          : field.name.rfind("Reserved", 0) == 0 ? Role::Reserved
                                                                 : Role::Data;
         }
-        if (field.kind == FieldKind::Derived && draft && !draft->virtualTold)
+        if (field.kind == FieldKind::Derived && draft && !draft->virtualGiven)
             field.isVirtual = true;
         field.isAddition = field.edition > m_type.edition && field.takes.empty() && field.onWire();
         field.isOptional = field.presence != Presence::Always;

@@ -15,7 +15,7 @@ std::string childDeclarations();
 /// ensureSubMessages() and disposeSubMessages().
 std::string cacheDeclarations();
 
-/// Cache members in their told order; empty for a class without sub-blocks.
+/// Cache members in the documented order; empty for a class without sub-blocks.
 std::string cacheMembers(const RecordType& type);
 
 /// Definitions of the four functions; empty for a class without sub-blocks.

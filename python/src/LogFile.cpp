@@ -1,0 +1,235 @@
+#include "LogFile.h"
+
+#include "Interrupts.h"
+#include "OutputFile.h"
+#include "tqx/log/DataError.h"
+#include "tqx/log/index/IndexedLog.h"
+#include "tqx/log/index/SavedIndex.h"
+#include "tqx/log/source/CompressedAccess.h"
+#include "tqx/log/source/CompressedSource.h"
+#include "tqx/log/source/FileAccess.h"
+#include "tqx/log/source/FileSource.h"
+#include "tqx/log/source/JoinedSource.h"
+#include "tqx/log/source/MemorySource.h"
+#include "tqx/log/source/OpenSource.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tqx::python
+{
+
+namespace
+{
+
+/// The beginning of a log, as if it ended there.
+class Beginning : public RandomAccess
+{
+public:
+    Beginning(const RandomAccess& all, uint64_t size) : m_all(all), m_size(size) {}
+
+    const std::string& getName() const override { return m_all.getName(); }
+    uint64_t getSize() const override { return m_size; }
+    size_t readAt(uint64_t offset, uint8_t* bytes, size_t count) const override
+    {
+        const uint64_t left = m_size - std::min(offset, m_size);
+        return m_all.readAt(offset, bytes, static_cast<size_t>(std::min<uint64_t>(count, left)));
+    }
+    const uint8_t* getBytes() const override { return m_all.getBytes(); }
+
+private:
+    const RandomAccess& m_all;
+    uint64_t m_size;
+};
+
+/// A source that can be interrupted and says how far it is.
+class WatchedSource : public ByteSource
+{
+public:
+    WatchedSource(ByteSource& all, const IndexProgress& progress) : m_all(all), m_progress(progress)
+    {
+    }
+
+    size_t read(uint8_t* bytes, size_t capacity) override
+    {
+        constexpr uint64_t step = 16 << 20;
+        const size_t count = m_all.read(bytes, capacity);
+        m_done += count;
+        if (m_done - m_reported >= step) {
+            m_reported = m_done;
+            checkInterrupt();
+            if (m_progress)
+                m_progress(m_done);
+        }
+        return count;
+    }
+    Place placeOf(uint64_t offset) const override { return m_all.placeOf(offset); }
+
+private:
+    ByteSource& m_all;
+    const IndexProgress& m_progress;
+    uint64_t m_done = 0;
+    uint64_t m_reported = 0;
+};
+
+/// Nothing where the index has no time.
+std::optional<GnssMillis> known(GnssMillis time)
+{
+    return time == noMillis ? std::nullopt : std::optional(time);
+}
+
+void include(Partition& part, const PageRow& row)
+{
+    part.blocks += row.blocks;
+    if (row.minTime != noMillis)
+        part.first = std::min(part.first.value_or(row.minTime), row.minTime);
+    if (row.maxTime != noMillis)
+        part.last = std::max(part.last.value_or(row.maxTime), row.maxTime);
+}
+
+} // namespace
+
+LogFile::LogFile(std::string path)
+    : m_name(std::move(path)), m_isFile(true), m_packed(std::make_unique<FileAccess>(m_name))
+{
+    uint8_t first[4];
+    const size_t count = m_packed->readAt(0, first, sizeof first);
+    m_compression = compressionOf(first, count);
+}
+
+LogFile::LogFile(std::vector<uint8_t> bytes, std::string name)
+    : m_name(std::move(name)), m_isFile(false)
+{
+    if (compressionOf(bytes.data(), bytes.size()) == Compression::None) {
+        m_bytes = std::move(bytes);
+    } else {
+        const std::unique_ptr<ByteSource> content =
+            decompressed(std::make_unique<MemorySource>(bytes.data(), bytes.size(), m_name));
+        std::vector<uint8_t> piece(1 << 20);
+        while (const size_t count = content->read(piece.data(), piece.size())) {
+            const auto end = piece.begin() + static_cast<std::ptrdiff_t>(count);
+            m_bytes.insert(m_bytes.end(), piece.begin(), end);
+        }
+    }
+    m_packed = std::make_unique<MemoryAccess>(m_bytes.data(), m_bytes.size(), m_name);
+}
+
+LogFile::~LogFile() = default;
+
+void LogFile::load(const IndexProgress& progress)
+{
+    if (m_index)
+        return;
+    IndexedLogOptions options;
+    options.onWarning = [this](const std::string& warning) { m_warnings.push_back(warning); };
+    if (m_isFile)
+        m_saved = IndexedLog::openSaved(m_name, options);
+    if (m_saved) {
+        m_content = &m_saved->getContent();
+        m_index = &m_saved->getIndex();
+    } else if (isCompressed()) {
+        makeCompressed(progress);
+    } else {
+        make(progress);
+    }
+}
+
+// Step by step, so that it can be interrupted.
+void LogFile::make(const IndexProgress& progress)
+{
+    constexpr uint64_t step = 64 << 20;
+    const RandomAccess& log = *m_packed;
+    FramedPages pages;
+    for (uint64_t done = 0; done < log.getSize() || done == 0;) {
+        // Only the end of a beginning gives candidates up.
+        const PageOffsets& givenUp = pages.marks[FramedPages::GivenUp];
+        auto first = static_cast<uint32_t>(done / pages.pageSize);
+        if (!givenUp.isEmpty())
+            first = std::min(first, givenUp.getFirstPage());
+        pages.truncate(first);
+        done = std::min(done + step, log.getSize());
+        pages = frameLog(Beginning(log, done), std::move(pages), {});
+        checkInterrupt();
+        if (progress)
+            progress(done);
+        if (done == 0)
+            break;
+    }
+    m_made = std::make_unique<Index>(std::move(pages), log.getSize());
+    m_index = m_made.get();
+    m_content = &log;
+}
+
+void LogFile::makeCompressed(const IndexProgress& progress)
+{
+    std::vector<AccessPoint> points;
+    JoinedSource source(
+        {m_name}, [this](const SourceError& error) { m_warnings.emplace_back(error.what()); },
+        [&](const std::string& path) {
+            return std::make_unique<CompressedSource>(std::make_unique<FileSource>(path),
+                                                      m_compression, &points);
+        });
+    WatchedSource watched(source, progress);
+    m_made = std::make_unique<Index>(Index::build(watched));
+    m_unpacked = std::make_unique<CompressedAccess>(*m_packed, m_compression, std::move(points),
+                                                    m_made->getLogSize());
+    m_index = m_made.get();
+    m_content = m_unpacked.get();
+}
+
+bool LogFile::save()
+{
+    if (!m_isFile)
+        return false;
+    if (isCompressed()) {
+        // The access points are with the content by now.
+        IndexedLogOptions options;
+        options.save = true;
+        const IndexedLog log(m_name, options);
+        return log.isSaved() || log.getOrigin() == IndexedLog::Origin::Saved;
+    }
+    const std::vector<uint8_t> bytes =
+        packIndex({LogIdentity::of(*m_packed), m_compression, {}, {}, *m_index});
+    try {
+        OutputFile file(IndexedLog::indexPath(m_name));
+        file.getBuffer().append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+        file.finish();
+    } catch (const DataError&) {
+        return false;
+    }
+    return true;
+}
+
+std::vector<Partition> LogFile::divide(uint64_t bytes) const
+{
+    const FramedPages& pages = m_index->getPages();
+    std::vector<Partition> parts;
+    for (uint32_t page = 0; page < pages.getEndPage(); ++page) {
+        const uint64_t entry = m_index->getPageEntry(page);
+        const PageRow& row = pages.rowOf(page);
+        const bool isFull =
+            !parts.empty() && !isCompressed() && entry - parts.back().begin >= bytes;
+        if (parts.empty() || isFull) {
+            Partition part;
+            part.begin = parts.empty() ? 0 : entry;
+            part.context = m_index->getPageContext(page);
+            part.timeBefore = known(row.timeBefore);
+            if (!parts.empty())
+                parts.back().end = entry;
+            parts.push_back(part);
+        }
+        include(parts.back(), row);
+    }
+    if (!parts.empty())
+        parts.back().end = m_index->getLogSize();
+    return parts;
+}
+
+std::unique_ptr<ByteSource> LogFile::openSource() const
+{
+    if (m_isFile)
+        return tqx::openSource(m_name);
+    return std::make_unique<MemorySource>(m_bytes.data(), m_bytes.size(), m_name);
+}
+
+} // namespace tqx::python

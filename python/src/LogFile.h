@@ -1,0 +1,99 @@
+#pragma once
+
+#include "tqx/log/index/Index.h"
+#include "tqx/log/source/ByteSource.h"
+#include "tqx/log/source/Decompressor.h"
+#include "tqx/log/source/RandomAccess.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tqx
+{
+class IndexedLog;
+}
+
+namespace tqx::python
+{
+
+/// Hears how many bytes of a log were indexed.
+using IndexProgress = std::function<void(uint64_t done)>;
+
+/// A part of a log that can be read without the rest of it.
+struct Partition {
+    uint64_t begin = 0;
+    uint64_t end = 0;
+    WeekContext context; ///< of decoding before it
+    std::optional<GnssMillis> timeBefore;
+    std::optional<GnssMillis> first; ///< earliest and latest time of its blocks
+    std::optional<GnssMillis> last;
+    uint64_t blocks = 0;
+};
+
+/// One log, a file or bytes in memory, with its index, which is made when it is needed.
+class LogFile
+{
+public:
+    /// A file. Throws SourceError when it cannot be opened.
+    explicit LogFile(std::string path);
+
+    /// The bytes of a log, which may be compressed; `name` is what messages call it.
+    LogFile(std::vector<uint8_t> bytes, std::string name);
+    ~LogFile();
+    LogFile(const LogFile&) = delete;
+    LogFile& operator=(const LogFile&) = delete;
+
+    const std::string& getName() const { return m_name; }
+
+    /// Bytes of the file as it is.
+    uint64_t getPackedSize() const { return m_packed->getSize(); }
+    bool isCompressed() const { return m_compression != Compression::None; }
+    bool hasIndex() const { return m_index != nullptr; }
+
+    /// Whether the index is the one that was saved beside the log.
+    bool isIndexSaved() const { return m_saved != nullptr; }
+
+    /// Reads the index that is saved beside the log, if it is this log's, or else makes one, unless
+    /// that was done. Can be interrupted. Throws SourceError.
+    void load(const IndexProgress& progress);
+
+    /// Saves the index beside the log, after load(). False when that cannot be written, or is no
+    /// file. Throws SourceError.
+    bool save();
+
+    /// After load().
+    const Index& getIndex() const { return *m_index; }
+    const RandomAccess& getContent() const { return *m_content; }
+
+    /// What went wrong with the content without ending it: a compressed log that is cut off.
+    const std::vector<std::string>& getWarnings() const { return m_warnings; }
+
+    /// Parts of about so many bytes, in order, that together are the whole log. A compressed log is
+    /// one part. After load().
+    std::vector<Partition> divide(uint64_t bytes) const;
+
+    /// All bytes of the content in order, decompressed. Throws SourceError.
+    std::unique_ptr<ByteSource> openSource() const;
+
+private:
+    void make(const IndexProgress& progress);
+    void makeCompressed(const IndexProgress& progress);
+
+    std::string m_name;
+    bool m_isFile;
+    Compression m_compression = Compression::None;
+    std::vector<uint8_t> m_bytes;
+    std::unique_ptr<const RandomAccess> m_packed;
+    std::unique_ptr<IndexedLog> m_saved;
+    std::unique_ptr<Index> m_made;
+    std::unique_ptr<const RandomAccess> m_unpacked;
+    const Index* m_index = nullptr;
+    const RandomAccess* m_content = nullptr;
+    std::vector<std::string> m_warnings;
+};
+
+} // namespace tqx::python

@@ -1,0 +1,60 @@
+#include "LogReader.h"
+
+#include "Interrupts.h"
+#include "TQX_codec.h"
+#include "tqx/log/select/TypeSelection.h"
+
+#include <utility>
+
+namespace tqx::python
+{
+
+using namespace Kor::MessageApi;
+
+LogReader::LogReader(std::vector<std::shared_ptr<LogFile>> logs, std::vector<uint16_t> numbers,
+                     std::optional<GnssMillis> from, std::optional<GnssMillis> to)
+    : m_logs(std::move(logs))
+{
+    m_query.numbers = std::move(numbers);
+    m_query.from = from;
+    m_query.to = to;
+    TQX_init_context(&m_context);
+}
+
+bool LogReader::next(Block& block)
+{
+    constexpr unsigned blocksPerCheck = 1024;
+    if (++m_sinceCheck == blocksPerCheck) {
+        m_sinceCheck = 0;
+        checkInterrupt();
+    }
+    while (m_current < m_logs.size()) {
+        const LogFile& log = *m_logs[m_current];
+        if (!m_blocks)
+            m_blocks.emplace(log.getIndex(), log.getContent(), m_query);
+        if (m_blocks->next(block))
+            return true;
+        m_blocks.reset();
+        ++m_current;
+    }
+    return false;
+}
+
+DecodedBlock LogReader::decode(const Block& block)
+{
+    getContext().applyTo(m_context);
+    const int32_t consumed = m_record.decode(&m_context, block.data, block.size);
+    return {block, consumed > 0 ? m_record.get() : nullptr, consumed};
+}
+
+std::vector<uint16_t> numbersOf(const std::function<bool(uint16_t)>& wants)
+{
+    std::vector<uint16_t> numbers;
+    for (size_t number = 0; number < TypeSelection::numbers; ++number) {
+        if (wants(static_cast<uint16_t>(number)))
+            numbers.push_back(static_cast<uint16_t>(number));
+    }
+    return numbers;
+}
+
+} // namespace tqx::python

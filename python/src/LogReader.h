@@ -1,0 +1,52 @@
+#pragma once
+
+#include "LogFile.h"
+#include "TQX_OwnedRecord.h"
+#include "tqx/log/index/IndexedBlocks.h"
+#include "tqx/log/record/DecodedBlock.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace tqx::python
+{
+
+/// The blocks of several logs that follow each other, of chosen numbers, decoded one by one. Can be
+/// interrupted.
+class LogReader
+{
+public:
+    /// `numbers`: empty for all.
+    LogReader(std::vector<std::shared_ptr<LogFile>> logs, std::vector<uint16_t> numbers,
+              std::optional<GnssMillis> from = {}, std::optional<GnssMillis> to = {});
+
+    /// Gets the next block, which is valid until the next call; false at the end.
+    bool next(Block& block);
+
+    /// Place of the log that the last block is in.
+    size_t getLog() const { return m_current; }
+    const LogFile& getFile() const { return *m_logs[m_current]; }
+
+    /// What decoding the last block needs of those before.
+    WeekContext getContext() const { return m_blocks->getContext(); }
+
+    /// The last block, decoded; its record is null when it does not decode.
+    DecodedBlock decode(const Block& block);
+
+private:
+    std::vector<std::shared_ptr<LogFile>> m_logs;
+    BlockQuery m_query;
+    size_t m_current = 0;
+    std::optional<IndexedBlocks> m_blocks;
+    Kor::MessageApi::TQX_Context_s m_context;
+    Kor::MessageApi::TQX_OwnedRecord m_record;
+    unsigned m_sinceCheck = 0;
+};
+
+/// The numbers of all blocks that `wants` is true of.
+std::vector<uint16_t> numbersOf(const std::function<bool(uint16_t)>& wants);
+
+} // namespace tqx::python

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "LogFile.h"
+#include "TQX_OwnedRecord.h"
+#include "tqx/log/select/Condition.h"
+#include "tqx/log/source/FileAccess.h"
+#include "tqx/log/stream/BlockStream.h"
+#include "tqx/log/stream/StreamListener.h"
+#include "tqx/log/table/IndexInput.h"
+#include "tqx/log/table/TableInput.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tqx::python
+{
+
+/// What reading a table came to so far.
+struct TableCounts {
+    uint64_t bytes = 0;       ///< of the content of logs that was passed
+    uint64_t found = 0;       ///< blocks of the type in the time and of the revisions
+    uint64_t selected = 0;    ///< of these, that meet the condition: that columns were filled from
+    uint64_t refused = 0;     ///< of these, that did not decode
+    std::string firstRefused; ///< "<file>: <offset>: <reason>" of the first one
+};
+
+/// Which blocks of the type of a table are wanted.
+struct BlockChoice {
+    std::optional<GnssMillis> from;
+    std::optional<GnssMillis> to;           ///< the first time that is not wanted
+    uint8_t revisions = 0xff;               ///< a bit for each
+    std::shared_ptr<const Condition> where; ///< may be null
+};
+
+/// The blocks of a table that are wanted, out of those of several logs that follow each other.
+/// Counts them, and can be interrupted.
+class ChosenInput : public TableInput
+{
+public:
+    ChosenInput(std::vector<std::unique_ptr<TableInput>> inputs, BlockChoice choice,
+                std::shared_ptr<TableCounts> counts);
+
+    size_t read(TableBlock* blocks, size_t capacity) override;
+    void refuse(const TableBlock& block, int32_t code) override;
+
+private:
+    bool isWanted(const TableBlock& block);
+
+    std::vector<std::unique_ptr<TableInput>> m_inputs;
+    size_t m_current = 0;
+    BlockChoice m_choice;
+    std::shared_ptr<TableCounts> m_counts;
+    Kor::MessageApi::TQX_Context_s m_context;
+    Kor::MessageApi::TQX_OwnedRecord m_record;
+    uint64_t m_sinceCheck = 0;
+};
+
+/// The blocks of a whole log by its index, which the input keeps alive.
+class WholeInput : public TableInput
+{
+public:
+    WholeInput(std::shared_ptr<const LogFile> log, const Kor::MessageApi::TQX_TypeLayout& type,
+               const BlockChoice& choice);
+
+    size_t read(TableBlock* blocks, size_t capacity) override;
+
+private:
+    std::shared_ptr<const LogFile> m_log;
+    IndexInput m_input;
+};
+
+/// The blocks of a part of a file without an index, as one pass over all of the file has them.
+class PartInput : public TableInput
+{
+public:
+    /// A compressed file is read from its beginning to its end. Throws SourceError.
+    PartInput(const std::string& path, const Partition& part,
+              const Kor::MessageApi::TQX_TypeLayout& type, const BlockChoice& choice);
+
+    size_t read(TableBlock* blocks, size_t capacity) override;
+
+private:
+    std::unique_ptr<FileAccess> m_file;
+    std::unique_ptr<ByteSource> m_source;
+    std::unique_ptr<BlockStream> m_stream;
+    std::string m_name;
+    uint64_t m_begin;
+    uint16_t m_number;
+    Kor::MessageApi::TQX_Context_s m_context;
+    std::optional<GnssMillis> m_time;
+    std::optional<GnssMillis> m_from;
+    std::optional<GnssMillis> m_to;
+};
+
+} // namespace tqx::python

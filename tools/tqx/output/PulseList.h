@@ -1,0 +1,48 @@
+#pragma once
+
+#include "tqx/gnss/event/EventGatherer.h"
+#include "tqx/gnss/observation/EpochSelection.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace tqx::tool
+{
+
+/// The pulses on inputs in a log. All are kept, since a receiver may report a pulse after the epoch
+/// that follows it.
+class PulseList
+{
+public:
+    struct Pulse {
+        GnssMillis time;
+        uint32_t nanoseconds; ///< after the milliseconds
+        std::string_view input;
+        std::string_view edge;
+    };
+
+    PulseList();
+    PulseList(const PulseList&) = delete;
+    PulseList& operator=(const PulseList&) = delete;
+
+    static bool wants(uint16_t blockNumber) { return EventGatherer::isOfEvent(blockNumber); }
+
+    /// The record of a main block that is wanted.
+    void take(const void* record) { m_gatherer.take(record); }
+
+    /// The log has ended: keeps the pulses in the selected time, in order, each once.
+    void finish(const EpochSelection& selection);
+
+    const std::vector<Pulse>& get() const { return m_pulses; }
+
+    /// Place of the first pulse at `time` or later, from the place `start` on.
+    size_t findFirstFrom(GnssMillis time, size_t start) const;
+
+private:
+    std::vector<Pulse> m_pulses;
+    EventGatherer m_gatherer;
+};
+
+} // namespace tqx::tool
