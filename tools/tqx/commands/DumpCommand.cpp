@@ -59,7 +59,7 @@ class TextWriter : public BlockWriter
 {
 public:
     TextWriter(const FieldFilter& filter, const ValueStyle& style, bool isUtc)
-        : m_paragraph(filter, style, isUtc)
+        : m_filter(filter), m_paragraph(filter, style, isUtc)
     {
     }
     void write(Buffer& out, const DecodedBlock& decoded) override
@@ -69,11 +69,12 @@ public:
     void writeOther(Buffer& out, const DecodedBlock& decoded) override
     {
         // Nothing stands for a block of a known type that did not decode.
-        if (TQX_recordType(decoded.block.getNumber()) == 0)
+        if (!m_filter.getSchema().getBlockType(decoded.block.getNumber()))
             m_paragraph.writeTitle(out, decoded.block);
     }
 
 private:
+    const FieldFilter& m_filter;
     Paragraph m_paragraph;
 };
 
@@ -171,7 +172,7 @@ DumpCommand::DumpCommand(CLI::App& program)
 
 ExitStatus DumpCommand::run()
 {
-    const FieldFilter filter(m_fields);
+    const FieldFilter filter(m_fields, m_streams.getSchema());
     m_streams.checkBefore(m_target);
     if (m_csvSafe && m_format != "csv")
         throw ToolError("dump: --csv-safe goes with --format csv");
@@ -203,7 +204,7 @@ ExitStatus DumpCommand::run()
         return std::make_unique<ValueJsonWriter>(filter, style);
     };
     OutputTarget text(output);
-    ParallelDump dump(text, makeWriter, m_streams.isLive() ? 1 : 0);
+    ParallelDump dump(text, makeWriter, m_streams.isLive() ? 1 : 0, m_streams.getSchema());
     return m_streams.read(dump, dump);
 }
 

@@ -33,6 +33,7 @@ EncodeCommand::EncodeCommand(CLI::App& program)
                     "standard input")
         ->required()
         ->type_name("");
+    m_descriptions.add(m_app);
     m_app.add_flag("-v,--verbose", m_verbose,
                    "Report every line that cannot be encoded, not only the first ten");
     addBytes(m_app, "--max-line", m_longestLine, "Skip and report longer lines; 64 MiB by default")
@@ -49,7 +50,7 @@ ExitStatus EncodeCommand::run()
         refuseUnreadable(m_files);
     refuseTerminal(m_target);
     Output output(m_target);
-    LineEncoder encoder;
+    LineEncoder encoder(m_descriptions.getSchema());
     Progress progress(m_files, true);
     bool complete = true;
     Reports reports = {words::Limit(m_verbose), words::Limit(m_verbose), false};

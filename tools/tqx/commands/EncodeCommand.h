@@ -2,6 +2,7 @@
 
 #include "commands/Command.h"
 #include "io/Words.h"
+#include "options/DescriptionOption.h"
 
 namespace tqx
 {
@@ -32,6 +33,7 @@ private:
     bool encodeFile(const std::string& path, LineEncoder& encoder, Progress& progress,
                     Output& output, Reports& reports);
 
+    DescriptionOption m_descriptions;
     std::vector<std::string> m_files;
     std::string m_target = "-";
     uint64_t m_longestLine = uint64_t{64} << 20U;

@@ -116,6 +116,7 @@ ExplainCommand::ExplainCommand(CLI::App& program)
         .add_option("FILE@OFFSET", m_places,
                     "Where the block begins, in decimal or with 0x in hexadecimal")
         ->type_name("");
+    m_descriptions.add(m_app);
     CLI::Option* asJson =
         m_app.add_flag("--json", m_json, "A JSON object per place instead of text");
     m_units.add(m_app, "How units are written in text: meter, or m")->excludes(asJson);
@@ -129,10 +130,10 @@ void ExplainCommand::explain(Output& output, const std::string& place)
     ReadableInput input(path);
     const BlockLocation location = locateIn(input, offset);
     if (!location.hasSync() && location.around) {
-        throw SourceError(
-            fmt::format("{}: {}: {}", location.file, offset, describeNoBlock(location)));
+        throw SourceError(fmt::format("{}: {}: {}", location.file, offset,
+                                      describeNoBlock(location, m_descriptions.getSchema())));
     }
-    const Inspection inspection = inspect(location);
+    const Inspection inspection = inspect(location, m_descriptions.getSchema());
     if (m_json) {
         appendInspectionJson(output.getBuffer(), inspection);
     } else {

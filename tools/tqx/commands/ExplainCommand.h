@@ -1,6 +1,7 @@
 #pragma once
 
 #include "commands/Command.h"
+#include "options/DescriptionOption.h"
 #include "options/UnitsOption.h"
 
 namespace tqx::tool
@@ -18,6 +19,7 @@ public:
 private:
     void explain(Output& output, const std::string& place);
 
+    DescriptionOption m_descriptions;
     std::vector<std::string> m_places;
     bool m_shown = false;
     bool m_json = false;

@@ -58,6 +58,7 @@ IndexCommand::IndexCommand(CLI::App& program)
           "be compressed with gzip or zstd.\n")
 {
     m_app.add_option("FILE", m_files, "Logs")->required()->type_name("");
+    m_descriptions.add(m_app);
     m_app.add_flag("--show", m_onlyShow, "Save nothing, only say what the logs hold");
     m_app.add_flag("--list", m_list, "Also list the blocks of each type");
 }
@@ -74,7 +75,8 @@ bool IndexCommand::index(Output& output, const std::string& file) const
     out.append(fmt::format("{}: {}, {}\n", file, describe(log.getOrigin()), describe(log)));
     if (m_list) {
         for (const Index::Type& type : log.getIndex().getTypes())
-            out.append(fmt::format("{:>10}  {}\n", type.blocks, describeBlock(type.number)));
+            out.append(fmt::format("{:>10}  {}\n", type.blocks,
+                                   describeBlock(type.number, m_descriptions.getSchema())));
     }
     output.commit();
     if (m_onlyShow || log.isSaved() || log.getOrigin() == IndexedLog::Origin::Saved)

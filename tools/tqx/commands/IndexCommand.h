@@ -1,6 +1,7 @@
 #pragma once
 
 #include "commands/Command.h"
+#include "options/DescriptionOption.h"
 
 #include <string>
 #include <vector>
@@ -20,6 +21,7 @@ public:
 private:
     bool index(Output& output, const std::string& file) const;
 
+    DescriptionOption m_descriptions;
     std::vector<std::string> m_files;
     bool m_onlyShow = false;
     bool m_list = false;

@@ -21,7 +21,10 @@ using Show = std::function<void(const InputStream&, const StreamSummary&)>;
 class Summarizer : public BlockConsumer
 {
 public:
-    Summarizer(Show show, bool isLimited) : m_show(std::move(show)), m_isLimited(isLimited) {}
+    Summarizer(const Schema& schema, Show show, bool isLimited)
+        : m_show(std::move(show)), m_isLimited(isLimited), m_summary(schema)
+    {
+    }
 
     void begin(InputStream& stream) override
     {
@@ -86,6 +89,7 @@ ExitStatus InfoCommand::showEach(Output& output)
     bool hasObjects = false;
     const auto makeSummarizer = [&] {
         return std::make_unique<Summarizer>(
+            m_streams.getSchema(),
             [&](const InputStream& stream, const StreamSummary& summary) {
                 if (!m_json)
                     return table.add(stream, summary);
@@ -119,7 +123,7 @@ ExitStatus InfoCommand::run()
             appendSummaryText(output.getBuffer(), stream, summary);
         }
     };
-    Summarizer summarizer(show, m_streams.getLimit() != 0);
+    Summarizer summarizer(m_streams.getSchema(), show, m_streams.getLimit() != 0);
     return m_streams.read(summarizer, output);
 }
 

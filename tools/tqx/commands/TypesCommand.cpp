@@ -25,14 +25,14 @@ namespace
 using Types = std::vector<const TQX_TypeLayout*>;
 
 /// The types that a name, a block number or a pattern stands for.
-Types typesOf(const std::string& name)
+Types typesOf(const std::string& name, const Schema& schema)
 {
     uint16_t number = 0;
     const char* end = name.data() + name.size();
     const auto [stop, error] = std::from_chars(name.data(), end, number);
     const bool isNumber = stop == end && error == std::errc();
     Types types;
-    forEachType([&](const TQX_TypeLayout& type) {
+    schema.forEachType([&](const TQX_TypeLayout& type) {
         if (isNumber ? type.blockNumber == number && number != 0 : matchesPattern(type.name, name))
             types.push_back(&type);
     });
@@ -40,26 +40,27 @@ Types typesOf(const std::string& name)
         return types;
     if (isPattern(name))
         throw ToolError("no type has a name like " + shortened(name));
-    throw ToolError(stop == end ? "there is no block " + shortened(name) : unknownType(name));
+    throw ToolError(stop == end ? "there is no block " + shortened(name)
+                                : unknownType(name, schema));
 }
 
-Types typesOf(const std::vector<std::string>& names)
+Types typesOf(const std::vector<std::string>& names, const Schema& schema)
 {
     Types types;
     for (const std::string& name : names) {
-        for (const TQX_TypeLayout* type : typesOf(name))
+        for (const TQX_TypeLayout* type : typesOf(name, schema))
             types.push_back(type);
     }
     return types;
 }
 
-void appendCatalogue(Buffer& out)
+void appendCatalogue(Buffer& out, const Schema& schema)
 {
-    for (const TQX_TypeLayout* type : registeredTypes()) {
+    for (const TQX_TypeLayout* type : registeredTypes(schema)) {
         const bool isMain = type->blockNumber != 0;
         const std::string number = isMain ? std::to_string(type->blockNumber) : "sub";
         const std::string_view text =
-            isMain ? TQX_description(*TQX_typeFacts(type->recordType)) : std::string_view();
+            isMain ? TQX_description(TQX_factsOf(*type)) : std::string_view();
         if (text.empty()) {
             out.append(fmt::format("{:>4}  {}\n", number, type->name));
         } else {
@@ -83,6 +84,7 @@ TypesCommand::TypesCommand(CLI::App& program)
                     "Types to show the layout of: names, block numbers, or patterns such as 'PVT*'")
         ->delimiter(',')
         ->type_name("");
+    m_descriptions.add(m_app);
     CLI::Option* asJson =
         m_app.add_flag("--json", m_json, "All metadata as a JSON array, in order of registration");
     m_app
@@ -100,7 +102,7 @@ ExitStatus TypesCommand::run()
     } else if (m_fields) {
         appendFields(output.getBuffer());
     } else if (m_names.empty()) {
-        appendCatalogue(output.getBuffer());
+        appendCatalogue(output.getBuffer(), m_descriptions.getSchema());
     } else {
         appendLayouts(output.getBuffer());
     }
@@ -110,7 +112,8 @@ ExitStatus TypesCommand::run()
 
 void TypesCommand::appendJson(Buffer& out) const
 {
-    appendTypesJson(out, m_names.empty() ? registeredTypes() : typesOf(m_names));
+    appendTypesJson(out, m_names.empty() ? registeredTypes(m_descriptions.getSchema())
+                                         : typesOf(m_names, m_descriptions.getSchema()));
 }
 
 /// Of several types each name once.
@@ -123,10 +126,10 @@ void TypesCommand::appendFields(Buffer& out) const
                 out.append(path + '\n');
         });
     };
-    for (const TQX_TypeLayout* type : typesOf(m_names))
+    for (const TQX_TypeLayout* type : typesOf(m_names, m_descriptions.getSchema()))
         add(*type);
     if (m_names.empty())
-        forEachType(add);
+        m_descriptions.getSchema().forEachType(add);
 }
 
 void TypesCommand::appendLayouts(Buffer& out) const
@@ -134,7 +137,7 @@ void TypesCommand::appendLayouts(Buffer& out) const
     ValueStyle style;
     style.hasSymbols = m_units.areSymbols();
     bool first = true;
-    for (const TQX_TypeLayout* type : typesOf(m_names)) {
+    for (const TQX_TypeLayout* type : typesOf(m_names, m_descriptions.getSchema())) {
         if (!first)
             out.append('\n');
         first = false;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "commands/Command.h"
+#include "options/DescriptionOption.h"
 #include "options/UnitsOption.h"
 
 namespace tqx
@@ -23,6 +24,7 @@ private:
     void appendFields(Buffer& out) const;
     void appendLayouts(Buffer& out) const;
 
+    DescriptionOption m_descriptions;
     std::vector<std::string> m_names;
     bool m_json = false;
     bool m_fields = false;

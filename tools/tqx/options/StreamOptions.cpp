@@ -29,6 +29,7 @@ void StreamOptions::addInputs(CLI::App& command)
                     "standard input")
         ->required()
         ->type_name("");
+    m_descriptions.add(command);
     command.add_flag("--strict", m_strict, "Exit with status 2 when an input is damaged");
     command.add_flag("-q,--quiet", m_quiet,
                      "Show no progress and do not report damage on standard error");
@@ -65,10 +66,17 @@ bool StreamOptions::hasStandardInput() const
     return std::find(m_files.begin(), m_files.end(), "-") != m_files.end();
 }
 
+SelectionRequest StreamOptions::getRequest() const
+{
+    SelectionRequest request = m_selections.getRequest();
+    request.schema = getSchema();
+    return request;
+}
+
 Selection& StreamOptions::getSelection()
 {
     if (!m_selection)
-        m_selection.emplace(m_selections.getRequest());
+        m_selection.emplace(getRequest());
     return *m_selection;
 }
 
@@ -85,7 +93,7 @@ void StreamOptions::checkBeforeFolder(const std::string& folder)
     std::error_code missing;
     for (const auto& entry : std::filesystem::directory_iterator(folder, missing)) {
         const std::string name = entry.path().filename().string();
-        const TQX_TypeLayout* type = findType(name.substr(0, name.find('.')));
+        const TQX_TypeLayout* type = getSchema().findType(name.substr(0, name.find('.')));
         if (type && entry.path().extension() == ".csv" &&
             getSelection().getTypes().accepts(type->blockNumber))
             refuseSameFile(m_files, entry.path().string());
@@ -102,7 +110,7 @@ bool StreamOptions::canLookAhead() const
 
 void StreamOptions::lookAhead(const std::function<void(BlockStream&, const Block&)>& consumer) const
 {
-    Selection chosen(m_selections.getRequest());
+    Selection chosen(getRequest());
     InputSequence source(m_files, m_quiet);
     source.leaveOutSilently();
     BlockStream stream(source);
@@ -149,6 +157,7 @@ ExitStatus StreamOptions::read(BlockConsumer& consumer, Sink& output)
 {
     Selection& chosen = getSelection();
     InputStream stream(m_files, m_quiet, m_verbose);
+    stream.setSchema(getSchema());
     if (m_live)
         stream.setLive(std::chrono::milliseconds(std::llround(m_pause * 1000)));
     stream.setBeforeRead([&output] { output.handOn(); });

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "io/ExitStatus.h"
+#include "options/DescriptionOption.h"
 #include "options/InputStream.h"
 #include "options/SelectionOptions.h"
 
@@ -47,7 +48,7 @@ public:
 class StreamOptions
 {
 public:
-    /// Adds FILE..., --strict, --quiet, --live, --pause and --no-index.
+    /// Adds FILE..., --description, --strict, --quiet, --live, --pause and --no-index.
     void addInputs(CLI::App& command);
 
     /// Adds --verbose, for commands that report damage on standard error. After addInputs().
@@ -73,6 +74,9 @@ public:
     bool hasStandardInput() const;
 
     bool isQuiet() const { return m_quiet; }
+
+    /// The types of blocks that there are. Throws ToolError for descriptions that are wrong.
+    const Schema& getSchema() const { return m_descriptions.getSchema(); }
 
     /// The selection that they ask for. Throws ToolError for bad arguments.
     Selection& getSelection();
@@ -111,9 +115,11 @@ public:
                         Sink& output);
 
 private:
+    SelectionRequest getRequest() const;
     void useIndex(InputStream& stream, const BlockConsumer& consumer);
 
     std::vector<std::string> m_files;
+    DescriptionOption m_descriptions;
     SelectionOptions m_selections;
     std::optional<Selection> m_selection;
     uint64_t m_limit = 0; ///< 0 for none

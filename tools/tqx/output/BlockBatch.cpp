@@ -43,10 +43,30 @@ int32_t BlockBatch::add(StreamState& state, const Block& block, const WeekContex
         if (state.messages.size() <= type)
             state.messages.resize(type + 1);
         m_entries.push_back({{copy, record, result}, state.messages[type]++});
+    } else if (const TQX_TypeLayout* added = result == unknownNumber
+                                                 ? state.schema.getAddedBlockType(block.getNumber())
+                                                 : nullptr) {
+        return addDescribed(state, copy, *added);
     } else {
         TQX_release(record);
         m_entries.push_back({{copy, nullptr, result}, 0});
     }
+    return result;
+}
+
+int32_t BlockBatch::addDescribed(StreamState& state, const Block& copy, const TQX_TypeLayout& type)
+{
+    TQX_OwnedRecord record(type);
+    const int32_t result = record.decode(type, &state.context, copy.data, copy.size);
+    if (result <= 0) {
+        m_entries.push_back({{copy, nullptr, result}, 0});
+        return result;
+    }
+    if (state.messages.size() <= type.recordType)
+        state.messages.resize(type.recordType + size_t{1});
+    m_entries.push_back({{copy, record.get(), result}, state.messages[type.recordType]++});
+    m_addedBytes += type.recordSize;
+    m_added.push_back(std::move(record));
     return result;
 }
 
@@ -59,12 +79,14 @@ void BlockBatch::write(BatchWriter& writer)
 void BlockBatch::clear()
 {
     for (const BatchEntry& entry : m_entries) {
-        if (entry.decoded.record)
+        if (entry.decoded.record) // of a described type it is one that releases itself
             TQX_release(const_cast<void*>(entry.decoded.record));
     }
     m_entries.clear();
     m_bytes.clear();
     m_recordBytes = 0;
+    m_added.clear();
+    m_addedBytes = 0;
     m_text.clear();
 }
 

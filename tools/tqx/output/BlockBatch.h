@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TQX_OwnedRecord.h"
 #include "TQX_codec.h"
 #include "output/BatchText.h"
 #include "output/BlockWriter.h"
@@ -15,8 +16,9 @@ namespace tqx::tool
 
 /// What decoding carries on from block to block of a stream.
 struct StreamState {
-    StreamState() { TQX_init_context(&context); }
+    explicit StreamState(const Schema& types = {}) : schema(types) { TQX_init_context(&context); }
 
+    Schema schema;
     Kor::MessageApi::TQX_Context_s context;
     std::vector<uint64_t> messages; ///< that decoded so far, by record type
 };
@@ -32,7 +34,11 @@ public:
     BlockBatch& operator=(const BlockBatch&) = delete;
 
     bool isEmpty() const { return m_entries.empty(); }
-    bool isFull() const { return m_bytes.size() >= enoughBytes || m_recordBytes >= enoughRecords; }
+    bool isFull() const
+    {
+        return m_bytes.size() >= enoughBytes || m_recordBytes >= enoughRecords ||
+               m_addedBytes >= enoughRecords;
+    }
 
     /// Decodes a copy of a block, which comes after all that `before` says. Returns the bits
     /// consumed or the codec's negative code. Only while the batch is not full.
@@ -47,6 +53,9 @@ public:
     void clear();
 
 private:
+    int32_t addDescribed(StreamState& state, const Block& copy,
+                         const Kor::MessageApi::TQX_TypeLayout& type);
+
     // Small enough for the text, some twenty times as long, to stay in a processor's own cache.
     static constexpr size_t enoughBytes = 1 << 14;
     static constexpr size_t enoughRecords = 1 << 16;
@@ -57,8 +66,10 @@ private:
     };
 
     std::vector<uint8_t> m_bytes; ///< of the blocks; never grows beyond what it was made with
-    std::unique_ptr<std::byte, RecordsDeleter> m_records; ///< one after the other
-    size_t m_recordBytes = 0;                             ///< that are in use
+    std::unique_ptr<std::byte, RecordsDeleter> m_records;  ///< one after the other
+    size_t m_recordBytes = 0;                              ///< that are in use
+    std::vector<Kor::MessageApi::TQX_OwnedRecord> m_added; ///< of types that are not built
+    size_t m_addedBytes = 0;                               ///< that these take
     std::vector<BatchEntry> m_entries;
     BatchText m_text;
 };

@@ -36,7 +36,7 @@ public:
         if (!entry.decoded.record)
             return;
         const uint32_t recordType = entry.decoded.getHeader().korcg_type;
-        const TQX_TypeLayout& type = *TQX_layout(recordType);
+        const TQX_TypeLayout& type = *m_filter.getSchema().getType(recordType);
         if (!type.hasMessage)
             return;
         if (m_books.size() <= recordType)
@@ -89,7 +89,7 @@ bool isOneFile(const std::string& target)
 const TQX_TypeLayout& theType(const TypeSelection& selected, const FieldFilter& filter)
 {
     std::vector<const TQX_TypeLayout*> types;
-    forEachType([&](const TQX_TypeLayout& type) {
+    filter.getSchema().forEachType([&](const TQX_TypeLayout& type) {
         if (type.blockNumber != 0 && type.hasMessage && selected.accepts(type.blockNumber) &&
             filter.matches(type))
             types.push_back(&type);
@@ -115,7 +115,8 @@ ExitStatus dumpCsv(StreamOptions& streams, const FieldFilter& filter, const CsvS
         streams.checkBeforeFolder(target);
         CsvFolder folder(target, filter, style);
         ParallelDump dump(
-            folder, [&] { return std::make_unique<BookWriter>(filter, style); }, threads);
+            folder, [&] { return std::make_unique<BookWriter>(filter, style); }, threads,
+            streams.getSchema());
         const ExitStatus status = streams.read(dump, dump);
         folder.close();
         return status;
@@ -126,7 +127,8 @@ ExitStatus dumpCsv(StreamOptions& streams, const FieldFilter& filter, const CsvS
     output.flush();
     OutputTarget text(output);
     ParallelDump dump(
-        text, [&] { return std::make_unique<FlatWriter>(type, filter, style); }, threads);
+        text, [&] { return std::make_unique<FlatWriter>(type, filter, style); }, threads,
+        streams.getSchema());
     return streams.read(dump, dump);
 }
 

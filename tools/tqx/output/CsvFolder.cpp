@@ -26,7 +26,7 @@ void CsvFolder::put(const BatchText& batch)
 
 void CsvFolder::addTables(uint32_t recordType)
 {
-    const CsvBook book(*TQX_layout(recordType), m_filter, m_style);
+    const CsvBook book(*m_filter.getSchema().getType(recordType), m_filter, m_style);
     Buffer header;
     for (size_t table = 0; table < book.countTables(); ++table) {
         const size_t file = m_files.add(book.getName(table) + ".csv");

@@ -64,7 +64,7 @@ Json jsonOf(const InspectionRow& row, const std::vector<uint8_t>& bytes)
     if (row.field)
         object["field"] = row.field->name;
     if (row.kind == Kind::SubBlock)
-        object["type"] = TQX_layout(row.field->recordType)->name;
+        object["type"] = row.field->sub->name;
     object["offset"] = row.offset;
     object["size"] = row.size;
     if (row.kind == Kind::Bits) {
@@ -109,7 +109,7 @@ void appendInspectionJson(Buffer& out, const Inspection& inspection)
     object["intact"] = inspection.isIntact;
     if (inspection.code != 0) {
         object["code"] = inspection.code;
-        object["codeName"] = TQX_errorName(inspection.code);
+        object["codeName"] = inspection.schema.getErrorName(inspection.code);
     }
     Json& rows = object["rows"] = Json::array();
     for (const InspectionRow& row : inspection.rows)

@@ -7,9 +7,10 @@
 namespace tqx::tool
 {
 
-ParallelDump::ParallelDump(BatchTarget& target, MakeWriter makeWriter, unsigned threads)
+ParallelDump::ParallelDump(BatchTarget& target, MakeWriter makeWriter, unsigned threads,
+                           const Schema& schema)
     : m_target(target), m_makeWriter(std::move(makeWriter)),
-      m_threadCount(threads != 0 ? threads : std::thread::hardware_concurrency()),
+      m_threadCount(threads != 0 ? threads : std::thread::hardware_concurrency()), m_state(schema),
       m_ownWriter(m_makeWriter()), m_filling(std::make_unique<BlockBatch>())
 {
     // Reading and decoding keep up with about this many.

@@ -27,9 +27,11 @@ class ParallelDump final : public BlockConsumer, public Sink
 public:
     using MakeWriter = std::function<std::unique_ptr<BatchWriter>()>;
 
-    /// `makeWriter` is called on the caller's thread, for one writer a thread. `threads` 0 stands
-    /// for the number of processors; 1 makes all text on the caller's thread.
-    ParallelDump(BatchTarget& target, MakeWriter makeWriter, unsigned threads = 0);
+    /// `makeWriter` is called on the caller's thread, for one writer a thread. Blocks are those of
+    /// the schema. `threads` 0 stands for the number of processors; 1 makes all text on the
+    /// caller's thread.
+    ParallelDump(BatchTarget& target, MakeWriter makeWriter, unsigned threads = 0,
+                 const Schema& schema = {});
     ~ParallelDump() override;
     ParallelDump(const ParallelDump&) = delete;
     ParallelDump& operator=(const ParallelDump&) = delete;

@@ -15,7 +15,7 @@ namespace
 class Rows : public BlockConsumer
 {
 public:
-    explicit Rows(SqliteWriter& writer) : m_writer(writer) {}
+    Rows(SqliteWriter& writer, const Schema& schema) : m_writer(writer), m_decoder(schema) {}
 
     void take(BlockStream& stream, const Block& block) override
     {
@@ -42,7 +42,7 @@ ExitStatus dumpSqlite(StreamOptions& streams, const FieldFilter& filter, bool is
         throw ToolError("dump: --format sqlite writes a file, name it with -o");
     NewFile file(target);
     SqliteWriter writer(file.getPath(), target, filter, isStored);
-    Rows rows(writer);
+    Rows rows(writer, streams.getSchema());
     NoSink sink;
     const ExitStatus status = streams.read(rows, sink);
     file.putInPlace();

@@ -36,28 +36,28 @@ void addGaps(Json& object, const std::string& name, const Intervals& intervals, 
     }
 }
 
-Json placeOf(const BlockPlace& place)
+Json placeOf(const BlockPlace& place, const Schema& schema)
 {
     Json object = {{"file", place.file}, {"offset", place.offset}, {"number", place.number}};
     if (place.code != 0) {
         object["code"] = place.code;
-        object["name"] = TQX_errorName(place.code);
+        object["name"] = schema.getErrorName(place.code);
     }
     return object;
 }
 
-Json placesOf(const std::vector<BlockPlace>& places)
+Json placesOf(const std::vector<BlockPlace>& places, const Schema& schema)
 {
     Json list = Json::array();
     for (const BlockPlace& place : places)
-        list.push_back(placeOf(place));
+        list.push_back(placeOf(place, schema));
     return list;
 }
 
-Json typeOf(uint16_t number, const TypeSummary& type)
+Json typeOf(uint16_t number, const TypeSummary& type, const Schema& schema)
 {
     Json object = {{"number", number}};
-    if (const Kor::MessageApi::TQX_TypeLayout* layout = TQX_layout(TQX_recordType(number)))
+    if (const Kor::MessageApi::TQX_TypeLayout* layout = schema.getBlockType(number))
         object["name"] = layout->name;
     object["revisions"] = Json::array();
     for (size_t revision = 0; revision < type.revisions.size(); ++revision) {
@@ -72,7 +72,7 @@ Json typeOf(uint16_t number, const TypeSummary& type)
     }
     for (const auto& [code, failure] : type.failures) {
         object["undecodable"].push_back({{"code", code},
-                                         {"name", TQX_errorName(code)},
+                                         {"name", schema.getErrorName(code)},
                                          {"blocks", failure.blocks},
                                          {"file", failure.file},
                                          {"offset", failure.offset}});
@@ -119,7 +119,7 @@ void appendSummaryJson(Buffer& out, const InputStream& stream, const StreamSumma
         object["last"] = timeOf(*summary.getLast());
         object["stepsBack"] = summary.getStepsBack();
         if (summary.getStepsBack() != 0)
-            object["firstStepBack"] = placeOf(summary.getFirstStepBack());
+            object["firstStepBack"] = placeOf(summary.getFirstStepBack(), summary.getSchema());
         object["repeatedEpochs"] = summary.getRepeatedEpochs();
     }
     object["crcErrors"] = counts.crcErrors;
@@ -130,14 +130,14 @@ void appendSummaryJson(Buffer& out, const InputStream& stream, const StreamSumma
     object["types"] = Json::array();
     uint64_t blocks = 0;
     for (const auto& [number, type] : summary.getTypes()) {
-        object["types"].push_back(typeOf(number, *type));
+        object["types"].push_back(typeOf(number, *type, summary.getSchema()));
         blocks += type->blocks;
     }
     object["blocks"] = blocks;
     if (const std::optional<uint64_t> usual = summary.getUsualInterval())
         addGaps(object, "outages", summary.getIntervals(), *usual);
-    object["undecodableBlocks"] = placesOf(summary.getUndecodablePlaces());
-    object["unknownBlocks"] = placesOf(summary.getUnknownPlaces());
+    object["undecodableBlocks"] = placesOf(summary.getUndecodablePlaces(), summary.getSchema());
+    object["unknownBlocks"] = placesOf(summary.getUnknownPlaces(), summary.getSchema());
     object["neighbours"] = neighboursOf(counts, summary.getNeighbours());
     object["damagedPlaces"] = summary.getDamagedPlaces();
     object["damage"] = Json::array();

@@ -63,7 +63,7 @@ void SummaryTable::add(const InputStream& stream, const StreamSummary& summary)
     for (const auto& [number, type] : summary.getTypes()) {
         blocks += type->blocks;
         column.types[number] = typeText(*type);
-        m_types[number] = describeBlock(number);
+        m_types[number] = describeBlock(number, summary.getSchema());
         column.width = std::max(column.width, column.types[number].size());
     }
     column.totals = totalsOf(stream.getCounts(), summary, blocks);

@@ -16,9 +16,9 @@ namespace
 
 constexpr size_t mostPlaces = 10;
 
-std::string nameOf(uint16_t number)
+std::string nameOf(uint16_t number, const Schema& schema)
 {
-    const Kor::MessageApi::TQX_TypeLayout* layout = TQX_layout(TQX_recordType(number));
+    const Kor::MessageApi::TQX_TypeLayout* layout = schema.getBlockType(number);
     return layout ? layout->name : "unknown";
 }
 
@@ -40,7 +40,7 @@ public:
         : m_out(buffer), m_stream(source), m_summary(content), m_types(content.getTypes())
     {
         for (const auto& [number, type] : m_types)
-            m_nameWidth = std::max(m_nameWidth, nameOf(number).size());
+            m_nameWidth = std::max(m_nameWidth, nameOf(number, m_summary.getSchema()).size());
     }
 
     void append()
@@ -129,10 +129,11 @@ void SummaryText::appendTable()
     for (const auto& [number, type] : m_types) {
         const std::optional<uint64_t> usual = type->intervals.getUsual();
         const uint64_t gaps = usual ? type->intervals.getGapCount(*usual) : 0;
-        m_out.append(fmt::format(
-            "  {:>6}  {:<{}}  {:<9}  {:>10}  {:>12}  {:>5.1f} %  {:>5}  {}\n", number,
-            nameOf(number), m_nameWidth, revisionsText(type->revisions), type->blocks, type->bytes,
-            static_cast<double>(type->bytes) * 100 / bytes, gaps, rateText(type->intervals)));
+        m_out.append(fmt::format("  {:>6}  {:<{}}  {:<9}  {:>10}  {:>12}  {:>5.1f} %  {:>5}  {}\n",
+                                 number, nameOf(number, m_summary.getSchema()), m_nameWidth,
+                                 revisionsText(type->revisions), type->blocks, type->bytes,
+                                 static_cast<double>(type->bytes) * 100 / bytes, gaps,
+                                 rateText(type->intervals)));
     }
 }
 
@@ -149,11 +150,12 @@ void SummaryText::appendGaps()
             if (found > mostPlaces)
                 continue;
             const bool isOnce = times == 1;
-            m_out.append(fmt::format(
-                "  {:>6}  {:<{}}  {}{} after {}, {} {} missing{}\n", number, nameOf(number),
-                m_nameWidth, isOnce ? "" : fmt::format("{} times ", times),
-                secondsText(gap.millis) + (isOnce ? "" : ", first"), weekText(gap.after),
-                gap.missing, gap.missing == 1 ? "block" : "blocks", isOnce ? "" : " each"));
+            m_out.append(fmt::format("  {:>6}  {:<{}}  {}{} after {}, {} {} missing{}\n", number,
+                                     nameOf(number, m_summary.getSchema()), m_nameWidth,
+                                     isOnce ? "" : fmt::format("{} times ", times),
+                                     secondsText(gap.millis) + (isOnce ? "" : ", first"),
+                                     weekText(gap.after), gap.missing,
+                                     gap.missing == 1 ? "block" : "blocks", isOnce ? "" : " each"));
         }
     }
     appendMore(found);
@@ -201,8 +203,8 @@ void SummaryText::appendFailures()
             m_out.append(head);
             head = "";
             m_out.append(fmt::format("  {:>6}  {:<{}}  {} with {} ({}), first at {}\n", number,
-                                     nameOf(number), m_nameWidth, failure.blocks,
-                                     TQX_errorName(code), code,
+                                     nameOf(number, m_summary.getSchema()), m_nameWidth,
+                                     failure.blocks, m_summary.getSchema().getErrorName(code), code,
                                      placeOf(failure.file, failure.offset)));
         }
     }

@@ -191,7 +191,7 @@ int32_t Level::readEntries(int index)
     }
     for (uint32_t i = 0; i < count; ++i) {
         add(Kind::Entry, &field, i, static_cast<uint32_t>(length));
-        Level entry(*TQX_layout(field.recordType), *this);
+        Level entry(*field.sub, *this);
         const int32_t code = entry.run(m_record ? TQX_element(field, m_record, i) : nullptr,
                                        static_cast<uint32_t>(length));
         m_offset = entry.getOffset();
@@ -203,7 +203,7 @@ int32_t Level::readEntries(int index)
 
 void Level::addDerived(const TQX_FieldLayout& field)
 {
-    const TQX_FieldFacts& facts = TQX_fieldFacts(m_type.recordType)[&field - m_type.fields];
+    const TQX_FieldFacts& facts = TQX_factsOf(m_type, field);
     for (uint32_t i = 0; m_record && i < field.elements; ++i) {
         add(Kind::Derived, &field, i, 0,
             TQX_isSigned(field) ? static_cast<uint64_t>(TQX_signedValue(field, m_record, i))

@@ -49,7 +49,7 @@ std::string valueOf(const InspectionRow& row, const ValueStyle& style)
     if (!row.error.empty())
         return row.error;
     if (row.kind == Kind::SubBlock) {
-        std::string text = TQX_layout(row.field->recordType)->name;
+        std::string text = row.field->sub->name;
         return row.stated == 0 ? text : text + fmt::format(", {} bytes", row.stated);
     }
     if (!row.isAvailable)
@@ -109,7 +109,8 @@ void appendHead(Buffer& out, const Inspection& inspection)
     if (!inspection.hasHeader) {
         out.append(": no block");
     } else if (inspection.number) {
-        out.append(fmt::format(": {}, revision {}", describeBlock(*inspection.number),
+        out.append(fmt::format(": {}, revision {}",
+                               describeBlock(*inspection.number, inspection.schema),
                                inspection.revision));
         if (inspection.length != 0)
             out.append(fmt::format(", {} bytes", inspection.length));

@@ -1,5 +1,6 @@
 #include "tqx/log/inspect/FieldNames.h"
 
+#include "TQX_DescribedType.h"
 #include "tqx/log/record/RecordPlan.h"
 #include "tqx/log/record/TypeNames.h"
 #include "tqx/log/value/FieldText.h"
@@ -19,13 +20,19 @@ namespace
 const TQX_TypeLayout* ownerOf(const TQX_TypeLayout& sub)
 {
     const TQX_TypeLayout* owner = nullptr;
-    forEachType([&](const TQX_TypeLayout& type) {
+    const auto look = [&](const TQX_TypeLayout& type) {
         const bool isOwner = std::any_of(
             type.fields, type.fields + type.fieldCount,
             [&](const TQX_FieldLayout& field) { return field.recordType == sub.recordType; });
         if (isOwner && !owner)
             owner = &type;
-    });
+    };
+    if (sub.described) {
+        for (size_t i = 0; i < sub.described->schemaSize; ++i)
+            look(*sub.described->schema[i]);
+    } else {
+        forEachType(look);
+    }
     return owner;
 }
 

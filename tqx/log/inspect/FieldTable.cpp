@@ -109,7 +109,7 @@ class Table
 {
 public:
     Table(Buffer& buffer, const TQX_TypeLayout& layout, const ValueStyle& style)
-        : m_out(buffer), m_type(layout), m_facts(TQX_fieldFacts(layout.recordType)), m_style(style)
+        : m_out(buffer), m_type(layout), m_style(style)
     {
     }
 
@@ -128,7 +128,6 @@ private:
 
     Buffer& m_out;
     const TQX_TypeLayout& m_type;
-    const TQX_FieldFacts* m_facts;
     ValueStyle m_style;
 };
 
@@ -167,10 +166,9 @@ std::string Table::typeOf(const TQX_FieldLayout& field) const
         return fmt::format("{}[{}{}]", field.kind == TQX_FieldKind::CountedText ? "text" : element,
                            m_type.fields[field.count].name, field.countsBytes ? " bytes" : "");
     case TQX_FieldKind::Blocks:
-        return fmt::format("{}[{}]", TQX_layout(field.recordType)->name,
-                           m_type.fields[field.count].name);
+        return fmt::format("{}[{}]", field.sub->name, m_type.fields[field.count].name);
     case TQX_FieldKind::Embedded:
-        return TQX_layout(field.recordType)->name;
+        return field.sub->name;
     case TQX_FieldKind::Value:
         break;
     }
@@ -207,7 +205,7 @@ std::string Table::propertiesOf(int index) const
 {
     std::vector<std::string> properties;
     const TQX_FieldLayout& layout = m_type.fields[index];
-    const TQX_FieldFacts& field = m_facts[index];
+    const TQX_FieldFacts& field = TQX_factsOf(m_type, index);
     const std::string_view unit = shownUnit(TQX_unit(field), m_style);
     if (field.scale != 0) {
         properties.push_back(
@@ -246,8 +244,8 @@ void Table::appendHead()
     if (!m_type.hasMessage)
         m_out.append(", no message class");
     m_out.append('\n');
-    if (const TQX_TypeFacts& whole = *TQX_typeFacts(m_type.recordType);
-        whole.description != 0 && m_type.blockNumber != 0) {
+    if (const TQX_TypeFacts& whole = TQX_factsOf(m_type);
+        !TQX_description(whole).empty() && m_type.blockNumber != 0) {
         m_out.append(TQX_description(whole));
         m_out.append('\n');
     }
@@ -259,7 +257,7 @@ void Table::appendHead()
 void Table::appendSymbols(int index, size_t indentation)
 {
     constexpr size_t lineWidth = 100;
-    const std::vector<std::string> names = symbolsOf(m_facts[index]);
+    const std::vector<std::string> names = symbolsOf(TQX_factsOf(m_type, index));
     if (isShort(names))
         return;
     std::string line;

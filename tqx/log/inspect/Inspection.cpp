@@ -23,9 +23,9 @@ namespace
 constexpr uint32_t frameHeader = 8;
 constexpr size_t throughId = 6; ///< bytes of the header up to the block's number
 
-std::string describe(const BlockLocation::Neighbour& block)
+std::string describe(const BlockLocation::Neighbour& block, const Schema& schema)
 {
-    return fmt::format("{} at {}", describeBlock(block.number), block.offset);
+    return fmt::format("{} at {}", describeBlock(block.number, schema), block.offset);
 }
 
 /// " within 1 MiB" when the search did not go on to the end.
@@ -80,7 +80,7 @@ void readHeader(Inspection& inspection)
                          inspection.offset};
     inspection.number = block.getNumber();
     inspection.revision = block.getRevision();
-    inspection.type = TQX_layout(TQX_recordType(block.getNumber()));
+    inspection.type = inspection.schema.getBlockType(block.getNumber());
     if (bytes.size() >= frameHeader)
         inspection.length = korcg_load_u16(bytes.data() + 6);
 }
@@ -167,7 +167,8 @@ void addResult(Inspection& inspection)
 {
     using Kind = InspectionRow::Kind;
     std::string fault =
-        fmt::format("the decoder gives {} ({})", TQX_errorName(inspection.code), inspection.code);
+        fmt::format("the decoder gives {} ({})", inspection.schema.getErrorName(inspection.code),
+                    inspection.code);
     const auto culprit =
         std::find_if(inspection.rows.rbegin(), inspection.rows.rend(), [](const auto& row) {
             return row.kind == Kind::Missing || row.kind == Kind::TooMany ||
@@ -193,7 +194,7 @@ void addResult(Inspection& inspection)
 void addFields(Inspection& inspection)
 {
     const std::vector<uint8_t>& bytes = inspection.bytes;
-    RecordDecoder decoder;
+    RecordDecoder decoder(inspection.schema);
     const int32_t code =
         decoder.decode({bytes.data(), static_cast<uint16_t>(bytes.size()), inspection.offset});
     const BlockWalk walk =
@@ -230,7 +231,7 @@ void addNeighbours(Inspection& inspection, const BlockLocation& location)
 {
     if (location.around && location.around->offset != location.offset) {
         inspection.faults.push_back("the place lies inside a valid block, " +
-                                    describe(*location.around));
+                                    describe(*location.around, inspection.schema));
     }
     if (inspection.isIntact)
         return;
@@ -240,15 +241,16 @@ void addNeighbours(Inspection& inspection, const BlockLocation& location)
     }
     const bool isWithin = location.following->offset < location.offset + inspection.length;
     inspection.faults.push_back(fmt::format("the next valid block is {}{}",
-                                            describe(*location.following),
+                                            describe(*location.following, inspection.schema),
                                             isWithin ? ", within this one" : ""));
 }
 
 } // namespace
 
-Inspection inspect(const BlockLocation& location)
+Inspection inspect(const BlockLocation& location, const Schema& schema)
 {
     Inspection inspection;
+    inspection.schema = schema;
     inspection.file = location.file;
     inspection.offset = location.offset;
     addDamage(inspection, location);
@@ -267,9 +269,10 @@ Inspection inspect(const BlockLocation& location)
     return inspection;
 }
 
-Inspection inspect(const Block& block)
+Inspection inspect(const Block& block, const Schema& schema)
 {
     Inspection inspection;
+    inspection.schema = schema;
     inspection.offset = block.offset;
     inspection.bytes.assign(block.data, block.data + block.size);
     addBlock(inspection);
@@ -287,13 +290,13 @@ int Inspection::rowAt(uint32_t byte) const
     return innermost;
 }
 
-std::string describeNoBlock(const BlockLocation& location)
+std::string describeNoBlock(const BlockLocation& location, const Schema& schema)
 {
     std::string text = "no block begins here";
     if (location.around)
-        text += "; it is inside of " + describe(*location.around);
+        text += "; it is inside of " + describe(*location.around, schema);
     if (location.following) {
-        text += "; the next block is " + describe(*location.following);
+        text += "; the next block is " + describe(*location.following, schema);
     } else {
         text += "; no block follows" + howFar(location);
     }

@@ -96,6 +96,8 @@ struct TQX_LOG_API Inspection {
     uint16_t length = 0; ///< in bytes, 0 when the header ends before it
     std::optional<GnssMillis> time;
 
+    Schema schema; ///< that the types are of
+
     /// Null for numbers without a type.
     const Kor::MessageApi::TQX_TypeLayout* type = nullptr;
     int32_t code = 0; ///< of the failure to decode it, 0 when there is none
@@ -109,14 +111,15 @@ struct TQX_LOG_API Inspection {
 };
 
 /// Inspects what is at a place: the block that begins there, or damage without a header, of which
-/// the first 64 bytes are shown. Throws std::bad_alloc only.
-TQX_LOG_API Inspection inspect(const BlockLocation& location);
+/// the first 64 bytes are shown. Types are those of the schema, which
+/// the result keeps. Throws std::bad_alloc only.
+TQX_LOG_API Inspection inspect(const BlockLocation& location, const Schema& schema = {});
 
 /// Inspects a framed block, which names no file and whose neighbours are not asked for.
-TQX_LOG_API Inspection inspect(const Block& block);
+TQX_LOG_API Inspection inspect(const Block& block, const Schema& schema = {});
 
 /// Why there is nothing to inspect at a place inside a valid block without sync characters, and
 /// where to look instead.
-TQX_LOG_API std::string describeNoBlock(const BlockLocation& location);
+TQX_LOG_API std::string describeNoBlock(const BlockLocation& location, const Schema& schema = {});
 
 } // namespace tqx

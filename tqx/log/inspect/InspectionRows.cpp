@@ -68,7 +68,7 @@ std::string labelOf(const BlockPiece& piece)
 
 const TQX_FieldFacts& factsOf(const BlockPiece& piece)
 {
-    return TQX_fieldFacts(piece.type->recordType)[piece.field - piece.type->fields];
+    return TQX_factsOf(*piece.type, *piece.field);
 }
 
 std::string rawText(const BlockPiece& piece)

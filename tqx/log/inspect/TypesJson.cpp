@@ -150,7 +150,7 @@ void appendField(Buffer& out, const TQX_TypeLayout& type, int index)
 {
     using Facts = TQX_FieldFacts;
     const TQX_FieldLayout& field = type.fields[index];
-    const Facts& facts = TQX_fieldFacts(type.recordType)[index];
+    const Facts& facts = TQX_factsOf(type, index);
     Object object(out);
     object.text("name", field.name);
     if (type.hasMessage)
@@ -177,7 +177,7 @@ void appendField(Buffer& out, const TQX_TypeLayout& type, int index)
     appendSymbols(object, field, facts);
     appendNames(object, "subFields", subFieldsOf(type, index));
     if (field.recordType != 0)
-        object.text("subMessage", TQX_layout(field.recordType)->name);
+        object.text("subMessage", field.sub->name);
     object.close();
 }
 
@@ -201,7 +201,7 @@ void appendType(Buffer& out, const TQX_TypeLayout& type)
         object.number("number", type.blockNumber);
     object.number("recordType", type.recordType);
     if (isMain)
-        appendAttributes(object, *TQX_typeFacts(type.recordType));
+        appendAttributes(object, TQX_factsOf(type));
     Buffer& fields = object.member("fields");
     fields.append('[');
     for (int i = 0; i < type.fieldCount; ++i) {
@@ -215,16 +215,18 @@ void appendType(Buffer& out, const TQX_TypeLayout& type)
 
 } // namespace
 
-std::vector<const TQX_TypeLayout*> registeredTypes()
+std::vector<const TQX_TypeLayout*> registeredTypes(const Schema& schema)
 {
     std::vector<const TQX_TypeLayout*> types;
-    forEachType([&](const TQX_TypeLayout& type) {
-        if (TQX_typeFacts(type.recordType)->registration != 0)
+    schema.forEachType([&](const TQX_TypeLayout& type) {
+        if (TQX_factsOf(type).registration != 0)
             types.push_back(&type);
     });
     std::sort(types.begin(), types.end(), [](const TQX_TypeLayout* a, const TQX_TypeLayout* b) {
-        return TQX_typeFacts(a->recordType)->registration <
-               TQX_typeFacts(b->recordType)->registration;
+        const auto place = [](const TQX_TypeLayout& type) {
+            return std::pair(type.described != nullptr, TQX_factsOf(type).registration);
+        };
+        return place(*a) < place(*b);
     });
     return types;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "TQX_Layout.h"
+#include "tqx/log/schema/Schema.h"
 #include "tqx/log/text/Buffer.h"
 #include "tqx_log_export.h"
 
@@ -9,8 +10,10 @@
 namespace tqx
 {
 
-/// The types that have a message class, in the order of the registry.
-TQX_LOG_API std::vector<const Kor::MessageApi::TQX_TypeLayout*> registeredTypes();
+/// The types that have a message class, in the order of the registry; then those that descriptions
+/// added, in their order.
+TQX_LOG_API std::vector<const Kor::MessageApi::TQX_TypeLayout*>
+registeredTypes(const Schema& schema = {});
 
 /// Appends what is known of the types and their fields as one JSON array, a type a line, properties
 /// that are not set left out.

@@ -66,15 +66,15 @@ bool isWithin(const JsonValue& part, const JsonValue& whole)
 }
 
 /// Writes the line of a block's stored values; nothing when it does not decode.
-void writeValues(Buffer& line, const std::vector<uint8_t>& bytes)
+void writeValues(Buffer& line, const std::vector<uint8_t>& bytes, const Schema& schema)
 {
     constexpr size_t headerSize = 8;
     if (bytes.size() < headerSize || bytes.size() > std::numeric_limits<uint16_t>::max())
         return;
-    RecordDecoder decoder;
+    RecordDecoder decoder(schema);
     if (decoder.decode({bytes.data(), static_cast<uint16_t>(bytes.size()), 0}) < 0)
         return;
-    const FieldFilter everything;
+    const FieldFilter everything({}, schema);
     RawJson(everything).write(line, decoder.getDecoded());
 }
 
@@ -95,12 +95,12 @@ std::string differenceFromFields(const TQX_TypeLayout& type, const JsonValue& gi
 } // namespace
 
 std::string differenceFromBytes(const JsonValue* name, const JsonValue* fields,
-                                const std::vector<uint8_t>& bytes)
+                                const std::vector<uint8_t>& bytes, const Schema& schema)
 {
     if (!name && !fields)
         return "";
     Buffer line;
-    writeValues(line, bytes);
+    writeValues(line, bytes, schema);
     if (line.size() == 0)
         return "block";
     JsonLine parser;
@@ -110,7 +110,8 @@ std::string differenceFromBytes(const JsonValue* name, const JsonValue* fields,
     const std::string_view block = stored.at("block")->text();
     if (name && (name->kind != Kind::String || !equalNames(name->text(), block)))
         return "block";
-    return fields ? differenceFromFields(*findType(block), *fields, *stored.at("fields")) : "";
+    return fields ? differenceFromFields(*schema.findType(block), *fields, *stored.at("fields"))
+                  : "";
 }
 
 } // namespace tqx

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/read/JsonValue.h"
+#include "tqx/log/schema/Schema.h"
 
 #include <cstdint>
 #include <string>
@@ -14,6 +15,6 @@ namespace tqx
 /// name, `fields` an object of stored values; either may be null. Fields that are left out do not
 /// count, nor do named bit ranges, whose packed word does.
 std::string differenceFromBytes(const JsonValue* name, const JsonValue* fields,
-                                const std::vector<uint8_t>& bytes);
+                                const std::vector<uint8_t>& bytes, const Schema& schema);
 
 } // namespace tqx

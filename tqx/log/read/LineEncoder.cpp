@@ -1,5 +1,6 @@
 #include "tqx/log/read/LineEncoder.h"
 
+#include "TQX_LayoutFunctions.h"
 #include "tqx/log/read/BytesCheck.h"
 #include "tqx/log/read/JsonLine.h"
 #include "tqx/log/read/LineError.h"
@@ -67,7 +68,11 @@ struct LineEncoder::Tools {
     std::unordered_map<std::string_view, const TQX_TypeLayout*> types; ///< met so far, by name
 };
 
-LineEncoder::LineEncoder() : m_tools(std::make_unique<Tools>()), m_room(largestBlock) {}
+LineEncoder::LineEncoder(const Schema& schema)
+    : m_schema(schema), m_tools(std::make_unique<Tools>()), m_room(largestBlock)
+{
+}
+
 LineEncoder::~LineEncoder() = default;
 
 const std::vector<uint8_t>& LineEncoder::encode(std::string_view line)
@@ -78,7 +83,8 @@ const std::vector<uint8_t>& LineEncoder::encode(std::string_view line)
     if (members.bytes) {
         if (members.bytes->kind != Kind::String || !decodeBase64(members.bytes->text(), m_bytes))
             throw LineError::at("bytes", "is no base64 text");
-        if (const std::string name = differenceFromBytes(members.block, members.fields, m_bytes);
+        if (const std::string name =
+                differenceFromBytes(members.block, members.fields, m_bytes, m_schema);
             !name.empty()) {
             m_warning = fmt::format("differs from the bytes beside it, which are taken: {}",
                                     shortened(name));
@@ -95,14 +101,14 @@ const std::vector<uint8_t>& LineEncoder::encode(std::string_view line)
         constexpr JsonValue nothing = {nullptr, nullptr, 0, 0, 1, Kind::Object};
         m_tools->filler.fill(type, m_record.get(),
                              members.fields ? objectOf(*members.fields) : nothing);
-        const int32_t bits =
-            TQX_reencode(m_room.data(), static_cast<uint16_t>(m_room.size()), m_record.get());
+        const int32_t bits = TQX_reencodeAs(type, m_room.data(),
+                                            static_cast<uint16_t>(m_room.size()), m_record.get());
         if (bits < 0) {
-            throw LineError(
-                fmt::format("larger than a block can be: {} ({})", TQX_errorName(bits), bits));
+            throw LineError(fmt::format("larger than a block can be: {} ({})",
+                                        m_schema.getErrorName(bits), bits));
         }
         m_bytes.assign(m_room.begin(), m_room.begin() + bits / 8);
-        checkDecodes();
+        checkDecodes(type);
     } catch (const LineError& error) {
         throw error.inside(type.name);
     }
@@ -113,9 +119,9 @@ const TQX_TypeLayout& LineEncoder::typeOf(std::string_view name)
 {
     if (const auto known = m_tools->types.find(name); known != m_tools->types.end())
         return *known->second;
-    const TQX_TypeLayout* type = findType(name);
+    const TQX_TypeLayout* type = m_schema.findType(name);
     if (!type)
-        throw LineError(unknownType(name));
+        throw LineError(unknownType(name, m_schema));
     if (type->blockNumber == 0)
         throw LineError(fmt::format("{} is a sub-block, no block of its own", type->name));
     m_tools->types.emplace(type->name, type);
@@ -123,13 +129,14 @@ const TQX_TypeLayout& LineEncoder::typeOf(std::string_view name)
 }
 
 /// Lengths of entries that are given may be too short for what the entries hold.
-void LineEncoder::checkDecodes()
+void LineEncoder::checkDecodes(const TQX_TypeLayout& type)
 {
-    const int32_t bits =
-        m_record.decode(nullptr, m_bytes.data(), static_cast<uint16_t>(m_bytes.size()));
+    const auto size = static_cast<uint16_t>(m_bytes.size());
+    const int32_t bits = type.described ? m_record.decode(type, nullptr, m_bytes.data(), size)
+                                        : m_record.decode(nullptr, m_bytes.data(), size);
     if (bits < 0) {
         throw LineError(fmt::format("these values make a block that does not decode: {} ({})",
-                                    TQX_errorName(bits), bits));
+                                    m_schema.getErrorName(bits), bits));
     }
     if (static_cast<size_t>(bits) != m_bytes.size() * 8) {
         throw LineError(fmt::format("these values make a block of {} bytes of which {} decode",

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "TQX_OwnedRecord.h"
+#include "tqx/log/schema/Schema.h"
 #include "tqx_log_export.h"
 
 #include <cstdint>
@@ -22,8 +23,8 @@ namespace tqx
 class TQX_LOG_API LineEncoder
 {
 public:
-    /// Throws std::bad_alloc.
-    LineEncoder();
+    /// Of blocks of the schema's types. Throws std::bad_alloc.
+    explicit LineEncoder(const Schema& schema = {});
     ~LineEncoder();
     LineEncoder(const LineEncoder&) = delete;
     LineEncoder& operator=(const LineEncoder&) = delete;
@@ -42,8 +43,9 @@ private:
     struct Tools;
 
     const Kor::MessageApi::TQX_TypeLayout& typeOf(std::string_view name);
-    void checkDecodes();
+    void checkDecodes(const Kor::MessageApi::TQX_TypeLayout& type);
 
+    Schema m_schema;
     std::unique_ptr<Tools> m_tools;
     Kor::MessageApi::TQX_OwnedRecord m_record;
     std::vector<uint8_t> m_room; ///< for the largest block

@@ -1,6 +1,7 @@
 #include "tqx/log/read/RecordFiller.h"
 
 #include "TQX_Format.h"
+#include "TQX_LayoutFunctions.h"
 #include "TQX_codec.h"
 #include "tqx/log/read/LineError.h"
 #include "tqx/log/read/StoredValue.h"
@@ -310,12 +311,11 @@ void RecordFilling::setEntryLengths(const FillPlan& owner)
             &owner == &m_plan ? !field.lengthInMain || m_type.linksToMain == 0 : field.lengthInMain;
         if (field.length >= 0 && isHere && !isGiven(field.length)) {
             const uint64_t known = TQX_unsignedValue(row(field.length), m_record);
-            storeInteger(
-                row(field.length), m_record, 0,
-                std::max<uint64_t>(known, TQX_entrySize(field.recordType, header->Revision)));
+            storeInteger(row(field.length), m_record, 0,
+                         std::max<uint64_t>(known, TQX_entrySizeOf(*field.sub, header->Revision)));
         }
         if (m_type.linksToMain == 0)
-            setEntryLengths(m_filler.planOf(*TQX_layout(field.recordType)));
+            setEntryLengths(m_filler.planOf(*field.sub));
     }
 }
 
@@ -327,8 +327,8 @@ void RecordFilling::fillBlocks(int index)
     storeInteger(row(field.count), m_record, 0, 0);
     // All are appended before the first is filled: appending moves the others.
     for (size_t i = 0; i < entries.size(); ++i)
-        field.append(m_record);
-    const TQX_TypeLayout& sub = *TQX_layout(field.recordType);
+        TQX_appendEntry(m_type, field, m_record);
+    const TQX_TypeLayout& sub = *field.sub;
     uint32_t i = 0;
     for (const JsonValue& entry : entries) {
         atElement(field, i,
@@ -340,9 +340,9 @@ void RecordFilling::fillBlocks(int index)
 void RecordFilling::fillEmbedded(int index)
 {
     const TQX_FieldLayout& field = row(index);
-    const TQX_TypeLayout& sub = *TQX_layout(field.recordType);
+    const TQX_TypeLayout& sub = *field.sub;
     void* entry = TQX_element(field, m_record);
-    sub.init(entry);
+    TQX_initRecord(sub, entry);
     static_cast<KorcgHeader_s*>(entry)->korcg_father = m_record;
     if (isGiven(index))
         atField(field, [&] { m_filler.fill(sub, entry, objectOf(valueOf(index))); });

@@ -46,19 +46,19 @@ int rowNamed(const TQX_TypeLayout& type, std::string_view name)
 }
 
 /// The main block whose name a path begins with, or null.
-const TQX_TypeLayout* blockOf(std::string_view path)
+const TQX_TypeLayout* blockOf(std::string_view path, const Schema& schema)
 {
     const size_t point = path.find('.');
     const TQX_TypeLayout* type =
-        point == std::string_view::npos ? nullptr : findType(path.substr(0, point));
+        point == std::string_view::npos ? nullptr : schema.findType(path.substr(0, point));
     return type && type->blockNumber != 0 ? type : nullptr;
 }
 
-[[noreturn]] void refuse(const std::string& wanted)
+[[noreturn]] void refuse(const std::string& wanted, const Schema& schema)
 {
-    const TQX_TypeLayout* block = blockOf(wanted);
+    const TQX_TypeLayout* block = blockOf(wanted, schema);
     std::set<std::string> paths;
-    forEachType([&](const TQX_TypeLayout& type) {
+    schema.forEachType([&](const TQX_TypeLayout& type) {
         if (!block || block == &type)
             forEachField(type, [&](const std::string& path) { paths.insert(path); });
     });
@@ -71,22 +71,23 @@ const TQX_TypeLayout* blockOf(std::string_view path)
 
 } // namespace
 
-FieldFilter::FieldFilter(const std::vector<std::string>& paths) : m_isChoice(!paths.empty())
+FieldFilter::FieldFilter(const std::vector<std::string>& paths, const Schema& schema)
+    : m_schema(schema), m_isChoice(!paths.empty())
 {
     std::set<std::string_view> seen;
     for (const std::string& wanted : paths) {
         if (!seen.insert(wanted).second)
             continue;
         bool found = false;
-        forEachType([&](const TQX_TypeLayout& type) {
+        schema.forEachType([&](const TQX_TypeLayout& type) {
             if (type.blockNumber != 0 && choose(type, wanted))
                 found = true;
         });
-        const TQX_TypeLayout* block = found ? nullptr : blockOf(wanted);
+        const TQX_TypeLayout* block = found ? nullptr : blockOf(wanted, schema);
         if (block)
             found = choose(*block, std::string_view(wanted).substr(wanted.find('.') + 1));
         if (!found)
-            refuse(wanted);
+            refuse(wanted, schema);
     }
 }
 
@@ -114,7 +115,7 @@ void FieldFilter::add(const TQX_TypeLayout& type, std::string_view path)
     if (point == std::string_view::npos) {
         m_insides[at] = FieldFilter();
     } else if (isNew || !m_insides[at].isEverything()) {
-        m_insides[at].add(*TQX_layout(type.fields[row].recordType), path.substr(point + 1));
+        m_insides[at].add(*type.fields[row].sub, path.substr(point + 1));
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "TQX_Layout.h"
+#include "tqx/log/schema/Schema.h"
 #include "tqx_log_export.h"
 
 #include <cstdint>
@@ -31,8 +32,11 @@ public:
     /// "Type1.CN0"; "CN0" alone is that of sub-blocks in types that have none themselves. With the
     /// name of a block in front, "MeasEpoch2.Type1.CN0", it is a field of that block alone. Case is
     /// ignored, and an underscore may stand for a blank. Throws DataError for a path that no type
-    /// has.
-    explicit FieldFilter(const std::vector<std::string>& paths);
+    /// has. Types are those of the schema.
+    explicit FieldFilter(const std::vector<std::string>& paths, const Schema& schema = {});
+
+    /// The types that it is for, from which writers take it.
+    const Schema& getSchema() const { return m_schema; }
 
     /// Whether every field is shown.
     bool isEverything() const { return !m_isChoice; }
@@ -48,6 +52,7 @@ private:
     bool choose(const Kor::MessageApi::TQX_TypeLayout& type, std::string_view wanted);
     void add(const Kor::MessageApi::TQX_TypeLayout& type, std::string_view path);
 
+    Schema m_schema; ///< at the top
     bool m_isChoice = false;
     std::map<uint32_t, FieldFilter> m_types; ///< at the top, by record type
     std::vector<int> m_rows;                 ///< below it, what is shown

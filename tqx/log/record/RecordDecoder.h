@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/record/DecodedBlock.h"
+#include "tqx/log/schema/Schema.h"
 #include "tqx/log/stream/WeekContext.h"
 #include "tqx_log_export.h"
 
@@ -18,8 +19,11 @@ namespace tqx
 class TQX_LOG_API RecordDecoder
 {
 public:
-    /// Throws std::bad_alloc.
-    RecordDecoder();
+    /// Of the types of the schema. Throws std::bad_alloc.
+    explicit RecordDecoder(const Schema& schema = {});
+    RecordDecoder(RecordDecoder&& other) noexcept = default;
+    /// What this one held goes with `other`: its record needs its schema.
+    RecordDecoder& operator=(RecordDecoder&& other) noexcept;
 
     /// Decodes a block in place of the one before. Returns the bits consumed or the codec's
     /// negative code, after which there is no record. The block must stay for getDecoded() alone.
@@ -36,6 +40,7 @@ public:
     DecodedBlock getDecoded() const { return {m_last, m_record.get(), m_consumed}; }
 
 private:
+    Schema m_schema;
     Kor::MessageApi::TQX_Context_s m_context;
     Kor::MessageApi::TQX_OwnedRecord m_record;
     Block m_last = {};

@@ -66,8 +66,7 @@ std::vector<RecordPlan::Input> findInputs(const TQX_TypeLayout& type, const TQX_
         if (links > owners.size())
             continue;
         const TQX_TypeLayout& owner = links == 0 ? type : *owners[owners.size() - links];
-        inputs.push_back({input.linksUp, owner.fields + input.row,
-                          TQX_fieldFacts(owner.recordType) + input.row});
+        inputs.push_back({input.linksUp, owner.fields + input.row, &TQX_factsOf(owner, input.row)});
     }
     return inputs;
 }
@@ -75,7 +74,6 @@ std::vector<RecordPlan::Input> findInputs(const TQX_TypeLayout& type, const TQX_
 RecordPlan planRecord(const TQX_TypeLayout& type, const FieldFilter& filter, ShownFields shown,
                       const OwnerTypes& owners)
 {
-    const TQX_FieldFacts* facts = TQX_fieldFacts(type.recordType);
     const std::vector<FieldFilter::Shown> chosen = filter.shownIn(type);
     OwnerTypes innerOwners = owners;
     innerOwners.push_back(&type);
@@ -91,7 +89,7 @@ RecordPlan planRecord(const TQX_TypeLayout& type, const FieldFilter& filter, Sho
         if (memberRow != lastRow) {
             const TQX_FieldLayout& member = type.fields[memberRow];
             plan.members.push_back({&member,
-                                    facts + memberRow,
+                                    &TQX_factsOf(type, memberRow),
                                     kindOf(member),
                                     member.presence != TQX_Presence::Always,
                                     TQX_elementSize(member),
@@ -100,10 +98,11 @@ RecordPlan planRecord(const TQX_TypeLayout& type, const FieldFilter& filter, Sho
             lastRow = memberRow;
         }
         RecordPlan::Member& member = plan.members.back();
-        member.parts.push_back({&field, facts + row, findInputs(type, facts[row], owners)});
+        member.parts.push_back(
+            {&field, &TQX_factsOf(type, row), findInputs(type, TQX_factsOf(type, row), owners)});
         if (field.recordType != 0) {
-            member.plan = std::make_unique<RecordPlan>(
-                planRecord(*TQX_layout(field.recordType), *inside, shown, innerOwners));
+            member.plan =
+                std::make_unique<RecordPlan>(planRecord(*field.sub, *inside, shown, innerOwners));
             plan.isWhole = plan.isWhole && member.plan->isWhole;
         }
     }

@@ -15,7 +15,7 @@ namespace tqx
 /// What of the records of a type is shown, in the order of the filter: made once for a type, walked
 /// for each record.
 ///
-///     const RecordPlan plan = planRecord(*TQX_layout(type), FieldFilter(), ShownFields::All);
+///     const RecordPlan plan = planRecord(*schema.getType(type), FieldFilter(), ShownFields::All);
 ///     for (const RecordPlan::Member& member : plan.members)
 ///         if (member.kind == RecordPlan::Kind::Number)
 ///             show(loadWord(TQX_element(*member.field, record), member.size), member.parts);
@@ -75,7 +75,7 @@ enum class ShownFields : uint8_t {
 using OwnerTypes = std::vector<const Kor::MessageApi::TQX_TypeLayout*>;
 
 /// The plan of a type, sub-blocks included. A type of sub-blocks has owners. Layouts and facts live
-/// as long as the codec; the filter is needed during the call only.
+/// as long as the schema; the filter is needed during the call only.
 TQX_LOG_API RecordPlan planRecord(const Kor::MessageApi::TQX_TypeLayout& type,
                                   const FieldFilter& filter, ShownFields shown,
                                   const OwnerTypes& owners = {});

@@ -54,10 +54,7 @@ bool equalFields(std::string_view name, std::string_view written)
 
 void forEachType(const std::function<void(const TQX_TypeLayout&)>& visit)
 {
-    for (uint32_t recordType = 1; recordType <= TQX_lastRecordType; ++recordType) {
-        if (const TQX_TypeLayout* layout = TQX_layout(recordType))
-            visit(*layout);
-    }
+    Schema().forEachType(visit);
 }
 
 void forEachField(const TQX_TypeLayout& type, const std::function<void(const std::string&)>& visit)
@@ -66,7 +63,7 @@ void forEachField(const TQX_TypeLayout& type, const std::function<void(const std
         const TQX_FieldLayout& field = type.fields[i];
         visit(field.name);
         if (field.recordType != 0) {
-            forEachField(*TQX_layout(field.recordType), [&](const std::string& inner) {
+            forEachField(*field.sub, [&](const std::string& inner) {
                 visit(std::string(field.name) + '.' + inner);
             });
         }
@@ -75,12 +72,7 @@ void forEachField(const TQX_TypeLayout& type, const std::function<void(const std
 
 const TQX_TypeLayout* findType(std::string_view name)
 {
-    for (uint32_t recordType = 1; recordType <= TQX_lastRecordType; ++recordType) {
-        const TQX_TypeLayout* layout = TQX_layout(recordType);
-        if (layout && equalNames(layout->name, name))
-            return layout;
-    }
-    return nullptr;
+    return Schema().findType(name);
 }
 
 std::string nearest(std::string_view name, const std::vector<std::string_view>& candidates)
@@ -114,10 +106,10 @@ std::string unknownName(std::string_view kind, std::string_view name,
     return text;
 }
 
-std::string unknownType(std::string_view name)
+std::string unknownType(std::string_view name, const Schema& schema)
 {
     std::vector<std::string_view> names;
-    forEachType([&](const TQX_TypeLayout& layout) { names.emplace_back(layout.name); });
+    schema.forEachType([&](const TQX_TypeLayout& layout) { names.emplace_back(layout.name); });
     return unknownName("type", name, names);
 }
 

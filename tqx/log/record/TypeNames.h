@@ -1,6 +1,7 @@
 #pragma once
 
 #include "TQX_Layout.h"
+#include "tqx/log/schema/Schema.h"
 #include "tqx_log_export.h"
 
 #include <functional>
@@ -11,10 +12,10 @@
 namespace tqx
 {
 
-/// The layout of the type of that name, case ignored, or null.
+/// The layout of the built type of that name, case ignored, or null. A Schema has this, too.
 TQX_LOG_API const Kor::MessageApi::TQX_TypeLayout* findType(std::string_view name);
 
-/// Calls `visit` with the layout of every record type, in ascending number.
+/// Calls `visit` with the layout of every built record type, in ascending number.
 TQX_LOG_API void
 forEachType(const std::function<void(const Kor::MessageApi::TQX_TypeLayout&)>& visit);
 
@@ -33,8 +34,8 @@ TQX_LOG_API std::string nearest(std::string_view name,
 TQX_LOG_API std::string unknownName(std::string_view kind, std::string_view name,
                                     const std::vector<std::string_view>& candidates);
 
-/// Text of an unknown type name, see unknownName().
-TQX_LOG_API std::string unknownType(std::string_view name);
+/// Text of a name that no type of the schema has, see unknownName().
+TQX_LOG_API std::string unknownType(std::string_view name, const Schema& schema = {});
 
 /// Whether two names are equal but for the case of their letters.
 TQX_LOG_API bool equalNames(std::string_view a, std::string_view b);

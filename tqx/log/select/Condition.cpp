@@ -16,39 +16,36 @@ namespace
 {
 
 /// The main type that the first of several names names, or null.
-const TQX_TypeLayout* typeNamedBy(const std::vector<ExpressionWord>& path)
+const TQX_TypeLayout* typeNamedBy(const std::vector<ExpressionWord>& path, const Schema& schema)
 {
-    const TQX_TypeLayout* type = path.size() > 1 ? findType(path.front().text) : nullptr;
+    const TQX_TypeLayout* type = path.size() > 1 ? schema.findType(path.front().text) : nullptr;
     return type && type->blockNumber != 0 ? type : nullptr;
 }
 
-const std::vector<const TQX_TypeLayout*>& mainTypes()
+std::vector<const TQX_TypeLayout*> mainTypes(const Schema& schema)
 {
-    static const std::vector<const TQX_TypeLayout*> types = [] {
-        std::vector<const TQX_TypeLayout*> list;
-        forEachType([&](const TQX_TypeLayout& type) {
-            if (type.blockNumber != 0)
-                list.push_back(&type);
-        });
-        return list;
-    }();
-    return types;
+    std::vector<const TQX_TypeLayout*> list;
+    schema.forEachType([&](const TQX_TypeLayout& type) {
+        if (type.blockNumber != 0)
+            list.push_back(&type);
+    });
+    return list;
 }
 
 /// `owner` is the name of what the names are looked up in, "" for all main blocks.
 std::string unknownFieldText(const std::vector<ExpressionWord>& path, const UnknownField& unknown,
-                             const std::string& owner)
+                             const std::string& owner, const Schema& schema)
 {
     const std::string& name = path[unknown.depth].text;
     if (owner.empty() && path.size() == 1) {
-        const TQX_TypeLayout* layout = findType(name);
+        const TQX_TypeLayout* layout = schema.findType(name);
         if (layout && layout->blockNumber != 0)
             return name + " is a block; name a field of it, as " + name + ".TOW";
     }
     std::vector<std::string_view> candidates(unknown.candidates.begin(), unknown.candidates.end());
     const bool mayBeBlock = owner.empty() && unknown.depth == 0 && path.size() > 1;
     if (mayBeBlock) {
-        forEachType([&](const TQX_TypeLayout& type) {
+        schema.forEachType([&](const TQX_TypeLayout& type) {
             if (type.blockNumber != 0)
                 candidates.emplace_back(type.name);
         });
@@ -73,10 +70,10 @@ Condition::Tests::Tests(const ExpressionScope& scope)
 }
 
 Condition::Condition(const std::string& text, const TypeSelection& types)
-    : m_expression(text), m_noTests(m_expression)
+    : m_schema(types.getSchema()), m_expression(text), m_noTests(m_expression)
 {
     Places places;
-    for (const TQX_TypeLayout* type : mainTypes()) {
+    for (const TQX_TypeLayout* type : mainTypes(m_schema)) {
         Tests* tests = nullptr;
         if (types.accepts(type->blockNumber))
             tests = &m_testsOfTypes.emplace(type->recordType, m_expression).first->second;
@@ -108,7 +105,7 @@ void Condition::resolve(size_t index, const Places& places)
 std::vector<Condition::Found> Condition::find(const std::vector<ExpressionWord>& path,
                                               const Places& places) const
 {
-    const TQX_TypeLayout* type = places.owner.empty() ? typeNamedBy(path) : nullptr;
+    const TQX_TypeLayout* type = places.owner.empty() ? typeNamedBy(path, m_schema) : nullptr;
     std::vector<Found> found;
     UnknownField unknown;
     for (const Place& place : places.list) {
@@ -118,8 +115,9 @@ std::vector<Condition::Found> Condition::find(const std::vector<ExpressionWord>&
             found.push_back({place, each});
     }
     if (found.empty()) {
-        m_expression.fail(path[unknown.depth].position,
-                          unknownFieldText(path, unknown, type ? type->name : places.owner));
+        m_expression.fail(
+            path[unknown.depth].position,
+            unknownFieldText(path, unknown, type ? type->name : places.owner, m_schema));
     }
     return found;
 }
@@ -168,14 +166,14 @@ Condition::Places Condition::resolveScope(size_t index, const Places& places)
     const Place* last = nullptr;
     size_t branch = 0;
     for (const Found& each : all) {
-        const uint32_t type = each.path.field.layout->recordType;
-        if (type == 0)
+        const TQX_TypeLayout* type = each.path.field.layout->sub;
+        if (!type)
             continue;
         branch = &each.place == last ? branch + 1 : 0;
         last = &each.place;
         Tests* const tests = each.place.tests;
         inner.list.push_back(
-            {TQX_layout(type), each.place.blockNumber,
+            {type, each.place.blockNumber,
              tests ? &tests->branches[index - tests->firstScope][branch].tests : nullptr});
     }
     if (inner.list.empty()) {

@@ -89,6 +89,7 @@ private:
     std::vector<Found> find(const std::vector<ExpressionWord>& path, const Places& places) const;
     bool holds(size_t node, const Tests& tests, const void* record) const;
 
+    Schema m_schema;
     Expression m_expression;
     std::unordered_map<uint32_t, Tests> m_testsOfTypes; ///< by record type, of selected main types
     Tests m_noTests;

@@ -37,7 +37,7 @@ private:
             if (type.fields[i].recordType == 0)
                 continue;
             m_through.push_back({&type, type.fields + i});
-            action(*TQX_layout(type.fields[i].recordType));
+            action(*type.fields[i].sub);
             m_through.pop_back();
         }
     }
@@ -66,7 +66,7 @@ private:
             found.push_back({m_through, field});
         } else if (field.layout->recordType != 0) {
             m_through.push_back(field);
-            findIn(*TQX_layout(field.layout->recordType), at + 1);
+            findIn(*field.layout->sub, at + 1);
             m_through.pop_back();
         } else if (at + 1 > m_unknown.depth) {
             m_unknown = {at + 1, {}};

@@ -18,10 +18,7 @@ struct FieldOfType {
     const Kor::MessageApi::TQX_TypeLayout* type;
     const Kor::MessageApi::TQX_FieldLayout* layout;
 
-    const Kor::MessageApi::TQX_FieldFacts& facts() const
-    {
-        return TQX_fieldFacts(type->recordType)[layout - type->fields];
-    }
+    const Kor::MessageApi::TQX_FieldFacts& facts() const { return TQX_factsOf(*type, *layout); }
 };
 
 /// A field and the sub-block fields that lead to it from a main block.

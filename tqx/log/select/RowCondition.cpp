@@ -59,7 +59,7 @@ struct RowCondition::Table {
                 return LinkedPath{types.size() - 1 - level, {through, {type, field}}};
             if (field->kind == TQX_FieldKind::Embedded) {
                 through.push_back({type, field});
-                type = TQX_layout(field->recordType);
+                type = field->sub;
             } else if (through.empty() && level < path.size() && path[level] == field) {
                 type = types[++level];
             } else {
@@ -80,14 +80,14 @@ struct RowCondition::Table {
 };
 
 RowCondition::RowCondition(const std::string& text, const TypeSelection& types)
-    : m_expression(text, "--rows")
+    : m_schema(types.getSchema()), m_expression(text, "--rows")
 {
     if (!m_expression.scopes().empty()) {
         m_expression.fail(m_expression.scopes().front().path.front().position,
                           "any is for blocks; a row has one element of each array");
     }
     std::vector<Term> terms(m_expression.terms().size());
-    forEachType([&](const TQX_TypeLayout& type) {
+    types.getSchema().forEachType([&](const TQX_TypeLayout& type) {
         if (type.blockNumber == 0 || !types.accepts(type.blockNumber))
             return;
         Table table = {{&type}, {}};
@@ -122,7 +122,7 @@ void RowCondition::addTables(Table& table, std::vector<Term>& terms)
         m_names.insert(field.name);
         if (field.kind != TQX_FieldKind::Blocks)
             continue;
-        table.types.push_back(TQX_layout(field.recordType));
+        table.types.push_back(field.sub);
         table.path.push_back(&field);
         addTables(table, terms);
         table.types.pop_back();

@@ -62,6 +62,7 @@ private:
     void checkTerms(const std::vector<Term>& terms) const;
     bool holds(size_t node, const Tests& tests, const void* record) const;
 
+    Schema m_schema;
     Expression m_expression;
     std::map<std::pair<uint32_t, Path>, Tests> m_tests; ///< by record type of the main block
     std::set<std::string_view> m_names;                 ///< of all fields that there are

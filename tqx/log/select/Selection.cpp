@@ -37,15 +37,16 @@ GnssMillis intervalOf(double seconds)
 } // namespace
 
 Selection::Selection(const SelectionRequest& request)
-    : m_types(request.types, request.notTypes), m_from(timeOf("--from", request.from)),
-      m_to(timeOf("--to", request.to)), m_interval(intervalOf(request.interval)),
-      m_every(request.every), m_sinceLast(TypeSelection::numbers)
+    : m_types(request.types, request.notTypes, request.schema),
+      m_from(timeOf("--from", request.from)), m_to(timeOf("--to", request.to)),
+      m_interval(intervalOf(request.interval)), m_every(request.every),
+      m_sinceLast(TypeSelection::numbers)
 {
     if (m_from && m_to && *m_from >= *m_to)
         throw DataError("--to " + request.to + " is not after --from " + request.from);
     if (request.where.empty())
         return;
-    m_decoder = std::make_unique<RecordDecoder>();
+    m_decoder = std::make_unique<RecordDecoder>(request.schema);
     m_condition = std::make_unique<Condition>(request.where, m_types);
 }
 

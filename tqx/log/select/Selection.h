@@ -23,6 +23,7 @@ struct SelectionRequest {
     std::string to;
     std::string where;
     uint32_t every = 1;
+    Schema schema;       ///< whose types and fields are named
     double interval = 0; ///< seconds, whole milliseconds up to a week; 0 selects all times
 };
 

@@ -28,17 +28,17 @@ std::optional<unsigned> asNumber(const std::string& entry)
     return number;
 }
 
-uint16_t numberOfType(const std::string& name)
+uint16_t numberOfType(const std::string& name, const Schema& schema)
 {
-    const TQX_TypeLayout* layout = findType(name);
+    const TQX_TypeLayout* layout = schema.findType(name);
     if (!layout)
-        throw DataError(unknownType(name));
+        throw DataError(unknownType(name, schema));
     if (layout->blockNumber == 0)
         throw DataError(std::string(layout->name) + " is a sub-block; select the block it is in");
     return layout->blockNumber;
 }
 
-Numbers numbersOf(const std::string& entry)
+Numbers numbersOf(const std::string& entry, const Schema& schema)
 {
     Numbers found;
     if (const std::optional<unsigned> number = asNumber(entry)) {
@@ -48,14 +48,14 @@ Numbers numbersOf(const std::string& entry)
         }
         found.set(*number);
     } else if (isPattern(entry)) {
-        forEachType([&](const TQX_TypeLayout& type) {
+        schema.forEachType([&](const TQX_TypeLayout& type) {
             if (type.blockNumber != 0 && matchesPattern(type.name, entry))
                 found.set(type.blockNumber);
         });
         if (found.none())
             throw DataError("no block has a name like " + shortened(entry));
     } else {
-        found.set(numberOfType(entry));
+        found.set(numberOfType(entry, schema));
     }
     return found;
 }
@@ -63,14 +63,15 @@ Numbers numbersOf(const std::string& entry)
 } // namespace
 
 TypeSelection::TypeSelection(const std::vector<std::string>& wanted,
-                             const std::vector<std::string>& unwanted)
+                             const std::vector<std::string>& unwanted, const Schema& schema)
+    : m_schema(schema)
 {
     if (wanted.empty())
         m_accepted.set();
     for (const std::string& entry : wanted)
-        m_accepted |= numbersOf(entry);
+        m_accepted |= numbersOf(entry, schema);
     for (const std::string& entry : unwanted)
-        m_accepted &= ~numbersOf(entry);
+        m_accepted &= ~numbersOf(entry, schema);
 }
 
 } // namespace tqx

@@ -144,8 +144,7 @@ SqlCells::~SqlCells() = default;
 void SqlCells::addStep(const RecordPlan::Member& member, const Prefix& prefix, bool isStored,
                        SqlColumns& columns)
 {
-    const TQX_FieldFacts& facts =
-        TQX_fieldFacts(m_plan.type->recordType)[member.field - m_plan.type->fields];
+    const TQX_FieldFacts& facts = TQX_factsOf(*m_plan.type, *member.field);
     const RecordPlan::Part& first = member.parts.front();
     const auto columnOf = [&](const RecordPlan::Part& part, const char* type) {
         SqlColumn column;

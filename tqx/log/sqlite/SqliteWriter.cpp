@@ -122,7 +122,7 @@ SqliteWriter::Core::Type& SqliteWriter::Core::open(uint32_t recordType)
     std::unique_ptr<Type>& type = m_types[recordType];
     if (type)
         return *type;
-    const TQX_TypeLayout& layout = *TQX_layout(recordType);
+    const TQX_TypeLayout& layout = *m_filter.getSchema().getType(recordType);
     type = std::make_unique<Type>();
     type->plan = planRecord(layout, m_filter, ShownFields::WithoutFiller);
     std::vector<RecordPlan::Member>& members = type->plan.members;
@@ -142,7 +142,7 @@ SqliteWriter::Core::Type& SqliteWriter::Core::open(uint32_t recordType)
 void SqliteWriter::Core::write(const DecodedBlock& decoded, const std::string& file)
 {
     const uint32_t recordType = decoded.getHeader().korcg_type;
-    if (!TQX_layout(recordType)->hasMessage)
+    if (!m_filter.getSchema().getType(recordType)->hasMessage)
         return writeOther(decoded, file);
     Type& type = open(recordType);
     if (!type.table)
@@ -164,11 +164,11 @@ void SqliteWriter::Core::writeOther(const DecodedBlock& decoded, const std::stri
     setIfAny(*m_others, Time, m_block.gnssTime);
     setIfAny(*m_others, Utc, m_block.utcTime);
     m_others->setInteger(Number, block.getNumber());
-    if (const TQX_TypeLayout* type = TQX_layout(TQX_recordType(block.getNumber())))
+    if (const TQX_TypeLayout* type = m_filter.getSchema().getBlockType(block.getNumber()))
         m_others->setText(Name, type->name);
     if (!decoded.record && decoded.consumed != unknownNumber) {
         m_others->setInteger(ErrorCode, decoded.consumed);
-        m_others->setText(Error, TQX_errorName(decoded.consumed));
+        m_others->setText(Error, m_filter.getSchema().getErrorName(decoded.consumed));
     }
     m_others->setBytes(Bytes, block.data, block.size);
     m_others->run();
@@ -183,7 +183,7 @@ void SqliteWriter::Core::describe(const SqlTable& table, SqlInsert& tables, SqlI
     if (type.blockNumber != 0)
         tables.setInteger(4, type.blockNumber);
     tables.setInteger(5, table.getRows());
-    const std::string_view description = TQX_description(*TQX_typeFacts(type.recordType));
+    const std::string_view description = TQX_description(TQX_factsOf(type));
     setIfAny(tables, 6, description);
     tables.run();
     for (const SqlColumn& column : table.getColumns()) {

@@ -8,11 +8,15 @@
 namespace tqx
 {
 
-std::string describeBlock(uint16_t number)
+std::string describeBlock(uint16_t number, const Schema& schema)
 {
-    using namespace Kor::MessageApi;
-    const TQX_TypeLayout* layout = TQX_layout(TQX_recordType(number));
-    return layout ? fmt::format("{} ({})", layout->name, number) : fmt::format("block {}", number);
+    const Kor::MessageApi::TQX_TypeLayout* type = schema.getBlockType(number);
+    return type ? describeBlock(*type) : fmt::format("block {}", number);
+}
+
+std::string describeBlock(const Kor::MessageApi::TQX_TypeLayout& type)
+{
+    return fmt::format("{} ({})", type.name, type.blockNumber);
 }
 
 std::optional<GnssMillis> Block::getTime() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "TQX_Format.h"
+#include "tqx/log/schema/Schema.h"
 #include "tqx/log/time/GnssTime.h"
 #include "tqx_log_export.h"
 
@@ -26,7 +27,9 @@ struct TQX_LOG_API Block {
     std::optional<GnssMillis> getTime() const;
 };
 
-/// "<name> (4007)", or "block 1234" for a number without type.
-TQX_LOG_API std::string describeBlock(uint16_t number);
+/// "<name> (4007)", or "block 1234" for a number that no type of the schema has.
+TQX_LOG_API std::string describeBlock(uint16_t number, const Schema& schema = {});
+/// The former.
+TQX_LOG_API std::string describeBlock(const Kor::MessageApi::TQX_TypeLayout& type);
 
 } // namespace tqx

@@ -19,14 +19,17 @@ void keepFirst(std::vector<BlockPlace>& places, const BlockPlace& place)
 
 } // namespace
 
-StreamSummary::StreamSummary() : m_types(blockNumbers) {}
+StreamSummary::StreamSummary(const Schema& schema)
+    : m_schema(schema), m_decoder(schema), m_types(blockNumbers)
+{
+}
 
 void StreamSummary::add(BlockStream& stream, const Block& block)
 {
     std::unique_ptr<TypeSummary>& known = m_types[block.getNumber()];
     if (!known) {
         known = std::make_unique<TypeSummary>(m_roomForIntervals, m_roomForEpochs);
-        known->isKnown = TQX_recordType(block.getNumber()) != 0;
+        known->isKnown = m_schema.getBlockType(block.getNumber()) != nullptr;
     }
     TypeSummary& type = *known;
     ++type.blocks;

@@ -57,7 +57,10 @@ struct TypeSummary {
 class TQX_LOG_API StreamSummary
 {
 public:
-    StreamSummary();
+    /// Of blocks of the schema's types.
+    explicit StreamSummary(const Schema& schema = {});
+
+    const Schema& getSchema() const { return m_schema; }
 
     /// Decodes and counts a block. One that does not decode is reported to the stream. Throws
     /// std::bad_alloc; the block may have been counted in part.
@@ -107,6 +110,7 @@ private:
 
     size_t m_roomForIntervals = 200000; // a gap takes up to two
     size_t m_roomForEpochs = 100000;
+    Schema m_schema;
     RecordDecoder m_decoder;
     std::vector<std::unique_ptr<TypeSummary>> m_types; ///< by block number
     std::vector<StreamGap> m_damage;

@@ -192,7 +192,9 @@ void TableBuilder::Rows::flush()
 
 void TableBuilder::Rows::decode(const TableBlock& block)
 {
-    const int32_t result = m_record.decode(nullptr, block.data, block.size);
+    const TQX_TypeLayout& type = m_schema->getType();
+    const int32_t result = type.described ? m_record.decode(type, nullptr, block.data, block.size)
+                                          : m_record.decode(nullptr, block.data, block.size);
     if (result <= 0) {
         if (m_refuse)
             m_refuse(block, result);

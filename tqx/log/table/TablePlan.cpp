@@ -228,7 +228,7 @@ TablePlan::TablePlan(const TQX_TypeLayout& main, const TableOptions& options)
         field = &findSubBlock(*type, name);
         filter = filter ? insideOf(*filter, *type, *field) : nullptr;
         prefix += name + '.';
-        type = TQX_layout(field->recordType);
+        type = field->sub;
     }
     if (!filter || !filter->matches(*type))
         throw DataError(fmt::format("no field of {} is chosen", type->name));

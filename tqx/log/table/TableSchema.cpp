@@ -47,8 +47,8 @@ void TableSchema::exportTo(ArrowSchema& out) const
 {
     ArrowMetadata metadata = {{"block", m_type.name},
                               {"number", std::to_string(m_type.blockNumber)}};
-    const TQX_TypeFacts* facts = TQX_typeFacts(m_type.recordType);
-    if (const std::string_view description = TQX_description(*facts); !description.empty())
+    if (const std::string_view description = TQX_description(TQX_factsOf(m_type));
+        !description.empty())
         metadata.emplace_back("description", description);
     exportSchema(columnsOf(*m_plan), metadata, out);
 }

@@ -64,7 +64,7 @@ std::unique_ptr<ParagraphPlan> makePlan(const RecordPlan& shown, const ValueStyl
                                         size_t indentation)
 {
     auto plan = std::make_unique<ParagraphPlan>();
-    plan->title = describeBlock(shown.type->blockNumber);
+    plan->title = describeBlock(*shown.type);
     plan->isStored = style.isStored;
     for (const RecordPlan::Member& member : shown.members) {
         plan->steps.push_back({MemberReader(shown, member),
@@ -194,7 +194,8 @@ ParagraphPlan& Paragraph::planOf(uint32_t recordType)
         m_plans.resize(recordType + 1);
     std::unique_ptr<ParagraphPlan>& plan = m_plans[recordType];
     if (!plan) {
-        plan = makePlan(planRecord(*TQX_layout(recordType), m_filter, ShownFields::WithoutHeader),
+        plan = makePlan(planRecord(*m_filter.getSchema().getType(recordType), m_filter,
+                                   ShownFields::WithoutHeader),
                         m_style, indent);
     }
     return *plan;
@@ -222,7 +223,7 @@ void Paragraph::appendTitle(Buffer& out, std::string_view what, const Block& blo
 void Paragraph::write(Buffer& out, const Block& block, const void* record)
 {
     const uint32_t recordType = static_cast<const KorcgHeader_s*>(record)->korcg_type;
-    if (!TQX_layout(recordType)->hasMessage)
+    if (!m_filter.getSchema().getType(recordType)->hasMessage)
         return writeTitle(out, block);
     ParagraphPlan& plan = planOf(recordType);
     if (plan.steps.empty() && !m_filter.isEverything())
@@ -236,7 +237,7 @@ void Paragraph::writeTitle(Buffer& out, const Block& block)
 {
     if (!m_filter.isEverything())
         return;
-    appendTitle(out, describeBlock(block.getNumber()), block);
+    appendTitle(out, describeBlock(block.getNumber(), m_filter.getSchema()), block);
     out.append('\n');
 }
 

@@ -1,6 +1,6 @@
 #include "tqx/log/write/RawJson.h"
 
-#include "TQX_codec.h"
+#include "TQX_LayoutFunctions.h"
 #include "tqx/log/record/MemberReader.h"
 #include "tqx/log/text/JsonText.h"
 #include "tqx/log/text/NumberText.h"
@@ -245,7 +245,8 @@ RawPlan& RawJson::planOf(uint32_t recordType)
         m_plans.resize(recordType + 1);
     std::unique_ptr<RawPlan>& plan = m_plans[recordType];
     if (!plan)
-        plan = makePlan(planRecord(*TQX_layout(recordType), m_filter, ShownFields::OnWire));
+        plan = makePlan(
+            planRecord(*m_filter.getSchema().getType(recordType), m_filter, ShownFields::OnWire));
     return *plan;
 }
 
@@ -263,8 +264,9 @@ void RawJson::write(Buffer& out, const DecodedBlock& decoded)
     if (m_filter.isEverything()) {
         bool exact = writer.isExact();
         if (exact && !decoded.isCovered()) {
-            const int32_t bits = TQX_reencode(
-                m_encoded.data(), static_cast<uint16_t>(m_encoded.size()), decoded.record);
+            const int32_t bits =
+                TQX_reencodeAs(*plan.type, m_encoded.data(),
+                               static_cast<uint16_t>(m_encoded.size()), decoded.record);
             exact = bits == static_cast<int32_t>(block.size) * 8 &&
                     std::memcmp(m_encoded.data(), block.data, block.size) == 0;
         }

@@ -140,7 +140,9 @@ ValuePlan& ValueJson::planOf(uint32_t recordType)
         m_plans.resize(recordType + 1);
     std::unique_ptr<ValuePlan>& plan = m_plans[recordType];
     if (!plan)
-        plan = makePlan(planRecord(*TQX_layout(recordType), m_filter, ShownFields::All), m_style);
+        plan = makePlan(
+            planRecord(*m_filter.getSchema().getType(recordType), m_filter, ShownFields::All),
+            m_style);
     return *plan;
 }
 
@@ -159,7 +161,7 @@ void ValueJson::appendTime(Buffer& out, const Block& block)
 void ValueJson::write(Buffer& out, const DecodedBlock& decoded)
 {
     const uint32_t recordType = decoded.getHeader().korcg_type;
-    if (!TQX_layout(recordType)->hasMessage)
+    if (!m_filter.getSchema().getType(recordType)->hasMessage)
         return writeBytes(out, decoded);
     ValuePlan& plan = planOf(recordType);
     if (plan.steps.empty())
@@ -179,12 +181,13 @@ void ValueJson::writeBytes(Buffer& out, const DecodedBlock& decoded)
     out.append("{\"number\":");
     number::appendUnsigned(out, block.getNumber());
     appendTime(out, block);
-    if (const TQX_TypeLayout* type = TQX_layout(TQX_recordType(block.getNumber())))
+    if (const TQX_TypeLayout* type = m_filter.getSchema().getBlockType(block.getNumber()))
         out.append(",\"name\":" + json::text(type->name));
     if (!decoded.record && decoded.consumed != unknownNumber) {
         out.append(",\"error\":{\"code\":");
         number::appendSigned(out, decoded.consumed);
-        out.append(",\"name\":" + json::text(TQX_errorName(decoded.consumed)) + '}');
+        out.append(",\"name\":" + json::text(m_filter.getSchema().getErrorName(decoded.consumed)) +
+                   '}');
     }
     out.append(",\"bytes\":");
     json::appendBase64(out, block.data, block.size);

@@ -13,10 +13,13 @@ constexpr const char grandfatherText[] =
 constexpr const char grandBlockText[] =
     "TQX_IS_BLOCK_HEADER(TQX_AS_KORCG_HEADER(TQX_AS_KORCG_HEADER(p)->korcg_father)->korcg_father)";
 
-bool isMainBlock(const void* record)
+// Whether a record above one of `type` is a main block's.
+bool isMainBlock(const TQX_TypeLayout& type, const void* record)
 {
-    const TQX_TypeLayout* type = TQX_layout(recordTypeOf(record));
-    return type != nullptr && type->blockNumber != 0;
+    if (type.described)
+        return layoutOf(type, record).blockNumber != 0;
+    const TQX_TypeLayout* main = TQX_layout(recordTypeOf(record));
+    return main != nullptr && main->blockNumber != 0;
 }
 
 bool isAccepted(const uint16_t* types, uint32_t recordType)
@@ -41,12 +44,12 @@ const void* assertMainBlock(const TQX_TypeLayout& type, const void* father)
 {
     assertKind(type, father);
     if (type.linksToMain < 2) {
-        KORCG_ASSERT(codecPath, isMainBlock(father), blockText);
+        KORCG_ASSERT(codecPath, isMainBlock(type, father), blockText);
         return father;
     }
     const void* main = fatherOf(father);
     KORCG_ASSERT(codecPath, main != nullptr, grandfatherText);
-    KORCG_ASSERT(codecPath, isMainBlock(main), grandBlockText);
+    KORCG_ASSERT(codecPath, isMainBlock(type, main), grandBlockText);
     return main;
 }
 

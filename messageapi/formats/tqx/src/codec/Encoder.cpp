@@ -3,6 +3,7 @@
 #include "CodecAssert.h"
 #include "RecordMembers.h"
 #include "TQX_Format.h"
+#include "TQX_LayoutFunctions.h"
 #include "TQX_codec.h"
 #include "korcg_bits.h"
 #include "korcg_crc.h"
@@ -63,12 +64,14 @@ bool choosesContent(const TQX_TypeLayout& type)
                        });
 }
 
-const TQX_FieldLayout& lastScalar(const TQX_TypeLayout& type)
+// The code of the last scalar field.
+int32_t lastScalarCode(const TQX_TypeLayout& type)
 {
-    const TQX_FieldLayout* field = type.fields + type.fieldCount - 1;
-    while (field->kind != TQX_FieldKind::Value)
-        --field;
-    return *field;
+    for (int i = type.fieldCount - 1; i >= 0; --i) {
+        if (type.fields[i].kind == TQX_FieldKind::Value)
+            return type.fields[i].code;
+    }
+    return type.sizeUnderflow;
 }
 
 class Encoder
@@ -220,7 +223,7 @@ int32_t Encoder::fillTo(const TQX_TypeLayout& type, uint32_t entryEnd)
     if (m_cursor >= entryEnd || !fills)
         return 0;
     if (!fits(entryEnd - m_cursor))
-        return lastScalar(type).code;
+        return lastScalarCode(type);
     while (m_cursor < entryEnd)
         writeUnit(0, 8);
     return 0;
@@ -241,9 +244,8 @@ int32_t Encoder::writeEntry(const TQX_TypeLayout& owner, const TQX_FieldLayout& 
                             uint32_t index)
 {
     const uint32_t start = m_cursor;
-    const int32_t result =
-        writeRecord(*TQX_layout(field.recordType), TQX_element(field, record, index),
-                    start + entryBits(owner, field, record));
+    const int32_t result = writeRecord(*field.sub, TQX_element(field, record, index),
+                                       start + entryBits(owner, field, record));
     if (result >= 0)
         count(record, m_cursor - start);
     return std::min(result, 0);
@@ -310,7 +312,7 @@ void Encoder::forceLengths(const TQX_TypeLayout& type)
         const TQX_FieldLayout& field = type.fields[i];
         if (field.kind != TQX_FieldKind::Blocks && field.kind != TQX_FieldKind::Embedded)
             continue;
-        const TQX_TypeLayout& sub = *TQX_layout(field.recordType);
+        const TQX_TypeLayout& sub = *field.sub;
         if (field.length >= 0 && (field.lengthInMain || &type == &m_mainType)) {
             const TQX_FieldLayout& length = m_mainType.fields[field.length];
             if (m_revision <= 1 || TQX_unsignedValue(length, m_main) == 0)
@@ -357,7 +359,7 @@ uint32_t largestContent(const TQX_TypeLayout& type, int first, Fields fields, un
             continue;
         if (i < first)
             return 0;
-        largest = std::max(largest, entrySize(*TQX_layout(field.recordType), fields, revision));
+        largest = std::max(largest, entrySize(*field.sub, fields, revision));
     }
     return largest;
 }
@@ -393,6 +395,17 @@ int32_t encodeRecord(const TQX_TypeLayout& type, unsigned char* buffer, uint16_t
     return Encoder(type, buffer, bufferSize, record, Fields::All).run();
 }
 
+int32_t TQX_reencodeAs(const TQX_TypeLayout& type, unsigned char* buffer, uint16_t bufferSize,
+                       const void* record)
+{
+    return Encoder(type, buffer, bufferSize, const_cast<void*>(record), Fields::AsRead).run();
+}
+
+uint32_t TQX_entrySizeOf(const TQX_TypeLayout& type, unsigned revision)
+{
+    return entrySize(type, Fields::AsRead, revision);
+}
+
 } // namespace Kor::MessageApi
 
 using namespace Kor::MessageApi;
@@ -402,11 +415,11 @@ int32_t TQX_reencode(unsigned char* buffer, uint16_t bufferSize, const void* rec
     const TQX_TypeLayout* type = TQX_layout(recordTypeOf(record));
     if (type == nullptr || type->blockNumber == 0)
         return TQX_invalidMessage;
-    return Encoder(*type, buffer, bufferSize, const_cast<void*>(record), Fields::AsRead).run();
+    return TQX_reencodeAs(*type, buffer, bufferSize, record);
 }
 
 uint32_t TQX_entrySize(uint32_t recordType, unsigned revision)
 {
     const TQX_TypeLayout* type = TQX_layout(recordType);
-    return type == nullptr ? 0 : entrySize(*type, Fields::AsRead, revision);
+    return type == nullptr ? 0 : TQX_entrySizeOf(*type, revision);
 }

@@ -1,7 +1,9 @@
 #include "ExactDecoder.h"
 
 #include "CodecAssert.h"
+#include "DescribedRecord.h"
 #include "RecordMembers.h"
+#include "TQX_LayoutFunctions.h"
 #include "korcg_bits.h"
 
 #include <algorithm>
@@ -38,6 +40,7 @@ private:
     void splitBits(const TQX_FieldLayout& word, uint32_t index);
     void followUp(const TQX_FieldLayout& field);
     int32_t readBlocks(const TQX_FieldLayout& field);
+    bool hasRoomFor(const TQX_FieldLayout& field, uint32_t count) const;
     int32_t readEntry(const TQX_FieldLayout& field, uint32_t index);
     uint32_t entryBits(const TQX_FieldLayout& field) const;
     bool applyLength(uint32_t explicitLength);
@@ -120,6 +123,8 @@ void ExactDecoder::followUp(const TQX_FieldLayout& field)
     }
     if (field.derive != nullptr)
         field.derive(m_record);
+    if (m_type.described != nullptr)
+        deriveAfter(m_type, field, m_record);
 }
 
 void ExactDecoder::readValue(const TQX_FieldLayout& field)
@@ -188,18 +193,29 @@ uint32_t ExactDecoder::entryBits(const TQX_FieldLayout& field) const
         return static_cast<uint32_t>(TQX_unsignedValue(m_type.fields[field.length], m_record)) * 8;
     const void* father = fatherOf(m_record);
     assertKind(m_type, father);
-    const TQX_TypeLayout& main = *TQX_layout(recordTypeOf(father));
+    const TQX_TypeLayout& main = layoutOf(m_type, father);
     return static_cast<uint32_t>(TQX_unsignedValue(main.fields[field.length], father)) * 8;
 }
 
 int32_t ExactDecoder::readEntry(const TQX_FieldLayout& field, uint32_t index)
 {
     void* entry = TQX_element(field, m_record, index);
-    const int32_t result = decodeExactly(*TQX_layout(field.recordType), m_context, m_buffer, m_size,
-                                         &m_offset, m_record, entryBits(field), entry);
+    const int32_t result = decodeExactly(*field.sub, m_context, m_buffer, m_size, &m_offset,
+                                         m_record, entryBits(field), entry);
     if (result >= 0)
         addBits(m_record, readMember<uint32_t>(entry, offsetof(KorcgHeader_s, korcg_bits)));
     return result;
+}
+
+// Built types have entries so small that any count of them can be allocated. Others could ask for
+// more memory than there is, with a block of a few bytes.
+bool ExactDecoder::hasRoomFor(const TQX_FieldLayout& field, uint32_t count) const
+{
+    if (field.sub->described == nullptr)
+        return true;
+    const uint64_t end = uint64_t{m_size} * 8;
+    const uint64_t left = end > m_offset ? (end - m_offset) / 8 : 0;
+    return uint64_t{count} * field.sub->described->leastEntry <= left;
 }
 
 int32_t ExactDecoder::readBlocks(const TQX_FieldLayout& field)
@@ -207,6 +223,8 @@ int32_t ExactDecoder::readBlocks(const TQX_FieldLayout& field)
     const uint32_t count = countOf(m_type, field, m_record);
     if (count == 0)
         return 0;
+    if (!hasRoomFor(field, count))
+        return field.sub->sizeUnderflow;
     setArray(field, m_record, std::calloc(count, TQX_elementSize(field)), ArrayStorage::Own);
     for (uint32_t i = 0; i < count; ++i) {
         if (const int32_t result = readEntry(field, i); result < 0)
@@ -227,7 +245,7 @@ bool ExactDecoder::applyLength(uint32_t explicitLength)
 
 int32_t ExactDecoder::run(void* father, uint32_t explicitLength)
 {
-    m_type.init(m_record);
+    TQX_initRecord(m_type, m_record);
     writeMember<void*>(m_record, offsetof(KorcgHeader_s, korcg_father), father);
     uint32_t lengthToApply = explicitLength;
     for (int i = 0; i < m_type.fieldCount; ++i) {
@@ -280,6 +298,13 @@ int32_t decodeExactly(const TQX_TypeLayout& type, TQX_Context_s* context, const 
     const int32_t result = decoder.run(father, explicitLength);
     *offset = decoder.offset();
     return result;
+}
+
+int32_t TQX_decodeAs(const TQX_TypeLayout& type, TQX_Context_s* context, const uint8_t* buffer,
+                     uint16_t size, void* record)
+{
+    uint32_t offset = 0;
+    return decodeExactly(type, context, buffer, size, &offset, nullptr, 0, record);
 }
 
 } // namespace Kor::MessageApi

@@ -15,6 +15,7 @@ struct NamedRow {
 struct NamedRun {
     uint16_t first;
     uint16_t count;
+    uint16_t name; ///< where that of the table begins in `texts`
 };
 
 struct UnitRow {

@@ -1,6 +1,7 @@
 #include "FactTables.h"
 
-#include "TQX_RecordAccess.h"
+#include "RecordMembers.h"
+#include "TQX_DescribedType.h"
 
 #include <cstring>
 
@@ -25,15 +26,24 @@ double realOf(const TQX_FieldLayout& field, const void* record)
     return value;
 }
 
-bool isAvailable(const TQX_FieldInput& input, const void* record)
+// Null for a built type.
+const TQX_DescribedFacts* describedFacts(const TQX_FieldFacts& field)
+{
+    return field.has(TQX_FieldFacts::Described) ? static_cast<const TQX_DescribedFacts*>(&field)
+                                                : nullptr;
+}
+
+bool isAvailable(const TQX_FieldFacts& derived, const TQX_FieldInput& input, const void* record)
 {
     for (unsigned i = 0; record != nullptr && i < input.linksUp; ++i)
         record = static_cast<const KorcgHeader_s*>(record)->korcg_father;
     if (record == nullptr)
         return false;
-    const uint32_t type = static_cast<const KorcgHeader_s*>(record)->korcg_type;
-    const TQX_FieldLayout& field = TQX_layout(type)->fields[input.row];
-    const TQX_FieldFacts& facts = TQX_fieldFacts(type)[input.row];
+    const TQX_DescribedFacts* described = describedFacts(derived);
+    const TQX_TypeLayout& type =
+        described ? layoutOf(*described->type, record) : *TQX_layout(recordTypeOf(record));
+    const TQX_FieldLayout& field = type.fields[input.row];
+    const TQX_FieldFacts& facts = TQX_factsOf(type, input.row);
     if (field.type == TQX_MemberType::F32 || field.type == TQX_MemberType::F64)
         return !TQX_isRealDoNotUse(facts, realOf(field, record));
     return !TQX_isDoNotUse(facts, TQX_isSigned(field)
@@ -45,12 +55,16 @@ bool isAvailable(const TQX_FieldInput& input, const void* record)
 
 TQX_NamedValue TQX_NamedValues::operator[](unsigned index) const
 {
+    if (m_values)
+        return m_values[index];
     const Facts::NamedRow& row = Facts::namedRows[m_first + index];
     return {row.value, Facts::texts + row.name};
 }
 
 std::string_view TQX_unit(const TQX_FieldFacts& field)
 {
+    if (const TQX_DescribedFacts* described = describedFacts(field))
+        return described->unitWord;
     return Facts::texts + field.unit;
 }
 
@@ -65,34 +79,44 @@ std::string_view TQX_unitSymbol(std::string_view unit)
 
 double TQX_scale(const TQX_FieldFacts& field)
 {
+    if (const TQX_DescribedFacts* described = describedFacts(field))
+        return described->scaleFactor;
     return Facts::reals[field.scale];
 }
 
 uint64_t TQX_doNotUse(const TQX_FieldFacts& field)
 {
+    if (const TQX_DescribedFacts* described = describedFacts(field))
+        return described->integerDoNotUse;
     return Facts::integers[field.doNotUse];
 }
 
 double TQX_realDoNotUse(const TQX_FieldFacts& field)
 {
+    if (const TQX_DescribedFacts* described = describedFacts(field))
+        return described->realValueDoNotUse;
     return Facts::reals[field.realDoNotUse];
 }
 
 TQX_NamedValues TQX_namedValues(const TQX_FieldFacts& field)
 {
+    if (const TQX_DescribedFacts* described = describedFacts(field))
+        return {described->names, described->nameCount};
     const Facts::NamedRun& run = Facts::namedRuns[field.namedValues];
     return {run.first, run.count};
 }
 
 TQX_FieldInputs TQX_inputs(const TQX_FieldFacts& field)
 {
+    if (const TQX_DescribedFacts* described = describedFacts(field))
+        return {described->inputRows, field.inputCount};
     return {Facts::inputs + field.inputs, field.inputCount};
 }
 
 bool TQX_hasInputs(const TQX_FieldFacts& field, const void* record)
 {
     for (const TQX_FieldInput& input : TQX_inputs(field)) {
-        if (!isAvailable(input, record))
+        if (!isAvailable(field, input, record))
             return false;
     }
     return true;
@@ -103,8 +127,41 @@ unsigned TQX_namedValueTables()
     return Facts::namedRunCount;
 }
 
+TQX_NamedValues TQX_namedValueTable(unsigned index)
+{
+    const Facts::NamedRun& run = Facts::namedRuns[index];
+    return {run.first, run.count};
+}
+
+std::string_view TQX_namedValueTableName(unsigned index)
+{
+    return Facts::texts + Facts::namedRuns[index].name;
+}
+
+unsigned TQX_unitCount()
+{
+    return Facts::unitCount;
+}
+
+std::string_view TQX_unitWord(unsigned index)
+{
+    return Facts::texts + Facts::units[index].word;
+}
+
+const TQX_TypeFacts& TQX_factsOf(const TQX_TypeLayout& type)
+{
+    return type.described ? type.described->facts : *TQX_typeFacts(type.recordType);
+}
+
+const TQX_FieldFacts& TQX_factsOf(const TQX_TypeLayout& type, int row)
+{
+    return type.described ? type.described->fields[row] : TQX_fieldFacts(type.recordType)[row];
+}
+
 std::string_view TQX_description(const TQX_TypeFacts& type)
 {
+    if (type.description == TQX_DescribedTypeFacts::ownDescription)
+        return static_cast<const TQX_DescribedTypeFacts&>(type).text;
     return Facts::texts + type.description;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ArrayStorage.h"
+#include "TQX_DescribedType.h"
 #include "TQX_RecordAccess.h"
 
 #include <cstddef>
@@ -28,6 +29,14 @@ void writeMember(void* record, size_t offset, Value value)
 inline uint32_t recordTypeOf(const void* record)
 {
     return readMember<uint32_t>(record, offsetof(KorcgHeader_s, korcg_type));
+}
+
+/// Layout of a record that is in one block with a record of `type`.
+inline const TQX_TypeLayout& layoutOf(const TQX_TypeLayout& type, const void* record)
+{
+    const uint32_t number = recordTypeOf(record);
+    return type.described ? *type.described->schema[number - TQX_firstDescribedType]
+                          : *TQX_layout(number);
 }
 
 inline void* fatherOf(const void* record)

@@ -1,6 +1,7 @@
 #include "SubBlockArray.h"
 
 #include "RecordMembers.h"
+#include "TQX_LayoutFunctions.h"
 #include "TQX_codec.h"
 
 #include <cstdlib>
@@ -15,6 +16,13 @@ namespace
 bool isEntry(const TQX_FieldLayout& field)
 {
     return field.kind == TQX_FieldKind::Blocks || field.kind == TQX_FieldKind::Embedded;
+}
+
+// Whether there can be something to free.
+bool ownsArrays(const TQX_TypeLayout& type)
+{
+    return type.release != nullptr ||
+           (type.described != nullptr && type.firstSubBlock < type.fieldCount);
 }
 
 void* copyOf(const void* array, size_t bytes)
@@ -52,7 +60,7 @@ void separate(const TQX_TypeLayout& type, const TQX_FieldLayout& field, void* re
         break;
     case ArrayStorage::Shared:
         for (uint32_t i = 0; i < count; ++i)
-            separateNested(*TQX_layout(field.recordType), TQX_element(field, record, i));
+            separateNested(*field.sub, TQX_element(field, record, i));
         setArray(field, record, arrayOf(field, record), ArrayStorage::Own);
         break;
     }
@@ -78,13 +86,13 @@ void freeNested(const TQX_TypeLayout& sub, const void* array, uint32_t count)
 // Frees the arrays below a record. The record itself is left as it is: mostly it is about to go.
 void freeArrays(const TQX_TypeLayout& type, const void* record)
 {
-    if (type.release == nullptr)
+    if (!ownsArrays(type))
         return;
     for (int i = type.firstSubBlock; i < type.fieldCount; ++i) {
         const TQX_FieldLayout& field = type.fields[i];
         if (!isEntry(field))
             continue;
-        const TQX_TypeLayout& sub = *TQX_layout(field.recordType);
+        const TQX_TypeLayout& sub = *field.sub;
         if (field.kind == TQX_FieldKind::Embedded) {
             freeArrays(sub, TQX_element(field, record));
             continue;
@@ -92,7 +100,7 @@ void freeArrays(const TQX_TypeLayout& type, const void* record)
         void* array = arrayOf(field, record);
         if (array == nullptr)
             continue;
-        if (sub.release != nullptr)
+        if (ownsArrays(sub))
             freeNested(sub, array, countOf(type, field, record));
         if (storageOf(field, record) != ArrayStorage::Borrowed)
             std::free(array);
@@ -101,12 +109,12 @@ void freeArrays(const TQX_TypeLayout& type, const void* record)
 
 void forgetArrays(const TQX_TypeLayout& type, void* record)
 {
-    if (type.release == nullptr)
+    if (!ownsArrays(type))
         return;
     for (int i = type.firstSubBlock; i < type.fieldCount; ++i) {
         const TQX_FieldLayout& field = type.fields[i];
         if (field.kind == TQX_FieldKind::Embedded) {
-            forgetArrays(*TQX_layout(field.recordType), TQX_element(field, record));
+            forgetArrays(*field.sub, TQX_element(field, record));
         } else if (field.kind == TQX_FieldKind::Blocks) {
             setArray(field, record, nullptr, ArrayStorage::Own);
             writeUnsigned(type.fields[field.count], record, 0, 0);
@@ -123,10 +131,21 @@ void* appendElement(const TQX_TypeLayout& type, const TQX_FieldLayout& field, vo
     const size_t bytes = (size_t{count} + 1) * TQX_elementSize(field);
     setArray(field, record, std::realloc(arrayOf(field, record), bytes), ArrayStorage::Own);
     void* element = TQX_element(field, record, count);
-    TQX_layout(field.recordType)->init(element);
+    TQX_initRecord(*field.sub, element);
     writeMember<void*>(element, offsetof(KorcgHeader_s, korcg_father), record);
     writeUnsigned(type.fields[field.count], record, 0, uint64_t{count} + 1);
     return element;
+}
+
+void* TQX_appendEntry(const TQX_TypeLayout& type, const TQX_FieldLayout& field, void* record)
+{
+    return appendElement(type, field, record);
+}
+
+void TQX_releaseAs(const TQX_TypeLayout& type, void* record)
+{
+    freeArrays(type, record);
+    forgetArrays(type, record);
 }
 
 } // namespace Kor::MessageApi
@@ -136,7 +155,6 @@ void TQX_release(void* record)
     using namespace Kor::MessageApi;
     const TQX_TypeLayout* type = TQX_layout(recordTypeOf(record));
     if (type != nullptr) {
-        freeArrays(*type, record);
-        forgetArrays(*type, record);
+        TQX_releaseAs(*type, record);
     }
 }

@@ -31,6 +31,7 @@ struct TQX_FieldFacts {
         Identifying = 16,   ///< distinguishes one record of the type from another
         HasDoNotUse = 32,   ///< one value means "not available"
         NamesDoNotUse = 64, ///< that value has the name "DoNotUse", which no table holds
+        Described = 128,    ///< a row of a described type (TQX_DescribedType.h)
     };
 
     uint16_t unit;         ///< for TQX_unit(); 0 for none, as with the next
@@ -90,6 +91,11 @@ public:
     };
 
     TQX_NamedValues(unsigned firstRow, unsigned count) : m_first(firstRow), m_count(count) {}
+    /// Those of a described type, which has them itself.
+    TQX_NamedValues(const TQX_NamedValue* values, unsigned count)
+        : m_values(values), m_first(0), m_count(count)
+    {
+    }
 
     unsigned size() const { return m_count; }
     bool empty() const { return m_count == 0; }
@@ -99,6 +105,7 @@ public:
     iterator end() const { return {*this, m_count}; }
 
 private:
+    const TQX_NamedValue* m_values = nullptr; ///< else rows of the generated table
     unsigned m_first;
     unsigned m_count;
 };
@@ -162,6 +169,23 @@ TQX_CODEC_API bool TQX_hasInputs(const TQX_FieldFacts& field, const void* record
 
 /// How many tables of named values there are, the empty one at index 0 included.
 TQX_CODEC_API unsigned TQX_namedValueTables();
+
+/// The table of that index, below TQX_namedValueTables(), and the name that descriptions use.
+TQX_CODEC_API TQX_NamedValues TQX_namedValueTable(unsigned index);
+TQX_CODEC_API std::string_view TQX_namedValueTableName(unsigned index);
+
+/// How many unit words there are, and the one of that index, which is below that number.
+TQX_CODEC_API unsigned TQX_unitCount();
+TQX_CODEC_API std::string_view TQX_unitWord(unsigned index);
+
+/// Facts of a type, and of the field in row `row` of it, built or described.
+TQX_CODEC_API const TQX_TypeFacts& TQX_factsOf(const TQX_TypeLayout& type);
+TQX_CODEC_API const TQX_FieldFacts& TQX_factsOf(const TQX_TypeLayout& type, int row);
+/// Likewise, of a field of its layout.
+inline const TQX_FieldFacts& TQX_factsOf(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
+{
+    return TQX_factsOf(type, static_cast<int>(&field - type.fields));
+}
 
 /// One line on what a type is, empty for none.
 TQX_CODEC_API std::string_view TQX_description(const TQX_TypeFacts& type);

@@ -41,6 +41,9 @@ enum class TQX_Summary : uint8_t {
     Least,   ///< the smallest of them
 };
 
+struct TQX_TypeLayout;
+struct TQX_DescribedType;
+
 /// One field of a record type: the facts that the table-driven engines, the tool and the field
 /// metadata share. Rows are in the order of the field list, which is wire order.
 struct TQX_FieldLayout {
@@ -66,22 +69,26 @@ struct TQX_FieldLayout {
     bool alwaysSent;               ///< on the wire even when `presence` says that it is absent
     bool countsBytes;              ///< `count` holds bytes, not elements
     bool isPadding;                ///< padding, named "_padding<k>"
-    uint8_t edition;               ///< of the format, that brought the field
+    uint8_t edition;               ///< of the format, that brought the field; 255: others added it
     bool isAddition;               ///< on the wire since a later edition than that of the type: in
                                    ///< blocks of its revisions only, whoever writes them
     TQX_Summary summary;           ///< Bits: how the value comes from others of the word
     uint32_t summed;               ///< ... from which: bit k is the k-th row after the word
     void (*derive)(void* record);  ///< computes what derives from this field once it is read
     void* (*append)(void* record); ///< Blocks: adds an element to the array, else null
+    const TQX_TypeLayout* sub;     ///< Blocks, Embedded: layout of the sub-block, else null
 };
 
-/// One record type.
+/// One record type, built or read from a description at run time (TQX_DescribedType.h). The latter
+/// has none of the functions, neither here nor in its fields: those of TQX_LayoutFunctions.h do for
+/// both what they do.
 struct TQX_TypeLayout {
     const char* name;
     const TQX_FieldLayout* fields;
     uint16_t fieldCount;
     uint16_t firstSubBlock;    ///< row of the first sub-block field, fieldCount when there is none
-    uint16_t recordType;       ///< record-type number, 1 to TQX_lastRecordType
+    uint16_t recordType;       ///< record-type number, 1 to TQX_lastRecordType; of a described type
+                               ///< TQX_firstDescribedType or above
     uint16_t blockNumber;      ///< 13-bit block number; 0 for a sub-block
     uint8_t linksToMain;       ///< parent links from this record up to its main block, 0 for a main
     uint8_t highestRevision;   ///< last revision that changed the layout
@@ -98,7 +105,14 @@ struct TQX_TypeLayout {
     int (*init)(void* record);
     int (*encode)(unsigned char* buffer, unsigned short bufferSize, void* record); ///< main only
     void (*release)(void* record);
+    const TQX_DescribedType* described; ///< null for built types
 };
+
+/// Record types from here on are those of descriptions, each valid within its schema.
+constexpr uint32_t TQX_firstDescribedType = 32768;
+
+/// Codes of described types go down from here.
+constexpr int32_t TQX_firstDescribedCode = -100000;
 
 } // namespace Kor::MessageApi
 

@@ -1,5 +1,7 @@
 #include "TQX_OwnedRecord.h"
 
+#include "TQX_LayoutFunctions.h"
+
 #include <algorithm>
 #include <cstring>
 #include <new>
@@ -23,7 +25,8 @@ void TQX_markEmpty(void* record)
 }
 
 TQX_OwnedRecord::TQX_OwnedRecord(size_t size)
-    : m_memory(::operator new(std::max(size, sizeof(TQX_MainHeader_s)), recordAlignment))
+    : m_memory(::operator new(std::max(size, sizeof(TQX_MainHeader_s)), recordAlignment)),
+      m_size(size)
 {
     TQX_markEmpty(m_memory.get());
 }
@@ -33,13 +36,13 @@ TQX_OwnedRecord::TQX_OwnedRecord() : TQX_OwnedRecord(sizeof(TQX_AnyRecord_u)) {}
 TQX_OwnedRecord::TQX_OwnedRecord(const TQX_TypeLayout& type)
     : TQX_OwnedRecord(size_t{type.recordSize})
 {
-    type.init(get());
+    init(type);
 }
 
 TQX_OwnedRecord::~TQX_OwnedRecord()
 {
     if (m_memory) {
-        TQX_release(get());
+        clear();
     }
 }
 
@@ -49,6 +52,8 @@ TQX_OwnedRecord& TQX_OwnedRecord::operator=(TQX_OwnedRecord&& other) noexcept
 {
     // What this one held goes with `other`.
     std::swap(m_memory, other.m_memory);
+    std::swap(m_size, other.m_size);
+    std::swap(m_described, other.m_described);
     return *this;
 }
 
@@ -59,20 +64,44 @@ void TQX_OwnedRecord::Deleter::operator()(void* memory) const
 
 void TQX_OwnedRecord::clear()
 {
-    TQX_release(get());
+    if (m_described) {
+        TQX_releaseAs(*m_described, get());
+        m_described = nullptr;
+    } else {
+        TQX_release(get());
+    }
     TQX_markEmpty(get());
+}
+
+void TQX_OwnedRecord::makeRoom(const TQX_TypeLayout& type)
+{
+    clear();
+    if (type.recordSize > m_size)
+        *this = TQX_OwnedRecord(size_t{type.recordSize});
+    m_described = type.described ? &type : nullptr;
 }
 
 void TQX_OwnedRecord::init(const TQX_TypeLayout& type)
 {
-    clear();
-    type.init(get());
+    makeRoom(type);
+    TQX_initRecord(type, get());
 }
 
 int32_t TQX_OwnedRecord::decode(TQX_Context_s* context, const uint8_t* bytes, uint16_t size)
 {
     clear();
     const int32_t result = TQX_decode(context, bytes, size, get());
+    if (result <= 0) {
+        clear();
+    }
+    return result;
+}
+
+int32_t TQX_OwnedRecord::decode(const TQX_TypeLayout& type, TQX_Context_s* context,
+                                const uint8_t* bytes, uint16_t size)
+{
+    makeRoom(type);
+    const int32_t result = TQX_decodeAs(type, context, bytes, size, get());
     if (result <= 0) {
         clear();
     }

@@ -12,7 +12,7 @@ namespace Kor::MessageApi
 /// Makes raw memory for a record safe to release: whatever was there is forgotten, not freed.
 TQX_CODEC_API void TQX_markEmpty(void* record);
 
-/// A record of any built type with the memory that it lives in and the arrays that it owns.
+/// A record of any type with the memory that it lives in and the arrays that it owns.
 ///
 ///     TQX_OwnedRecord record;
 ///     if (record.decode(&context, bytes, size) > 0)
@@ -37,18 +37,27 @@ public:
     TQX_OwnedRecord(const TQX_OwnedRecord&) = delete;
     TQX_OwnedRecord& operator=(const TQX_OwnedRecord&) = delete;
 
-    /// Decodes a framed block, replacing the content of the record, see TQX_decode(). Only for a
-    /// record with room for the largest type. After a failure the record is empty.
+    /// Decodes a framed block of a built type in place of what the record held, see TQX_decode().
+    /// Only for a record with room for the largest of these. After a failure the record is empty.
     int32_t decode(TQX_Context_s* context, const uint8_t* bytes, uint16_t size);
 
-    /// Gives the record the starting values of a type, for which it must have room.
+    /// Likewise, a block of this main block's type, for which room is made: see TQX_decodeAs().
+    /// The layout must outlive the record, as with init(). Throws std::bad_alloc.
+    int32_t decode(const TQX_TypeLayout& type, TQX_Context_s* context, const uint8_t* bytes,
+                   uint16_t size);
+
+    /// Gives the record the starting values of a type, for which room is made. Throws
+    /// std::bad_alloc.
     void init(const TQX_TypeLayout& type);
 
     /// Frees what the record owns and empties it.
     void clear();
 
     /// Layout of the type at hand, null when the record is empty.
-    const TQX_TypeLayout* layout() const { return TQX_layout(header().korcg_type); }
+    const TQX_TypeLayout* layout() const
+    {
+        return m_described ? m_described : TQX_layout(header().korcg_type);
+    }
 
     bool isEmpty() const { return header().korcg_type == 0; }
 
@@ -74,6 +83,7 @@ private:
     };
 
     explicit TQX_OwnedRecord(size_t size);
+    void makeRoom(const TQX_TypeLayout& type);
 
     const KorcgHeader_s& header() const
     {
@@ -88,6 +98,8 @@ private:
     }
 
     std::unique_ptr<void, Deleter> m_memory;
+    size_t m_size;
+    const TQX_TypeLayout* m_described = nullptr; ///< type of the record, when it is a described one
 };
 
 } // namespace Kor::MessageApi

@@ -19,7 +19,7 @@ static_assert(sizeof memberSizes == static_cast<size_t>(TQX_MemberType::Record))
 
 uint32_t TQX_elementSize(const TQX_FieldLayout& field)
 {
-    return field.type == TQX_MemberType::Record ? TQX_layout(field.recordType)->recordSize
+    return field.type == TQX_MemberType::Record ? field.sub->recordSize
                                                 : memberSizes[static_cast<size_t>(field.type)];
 }
 

@@ -1,6 +1,7 @@
 #include "emit/Emitters.h"
 #include "model/Limits.h"
 #include "model/Selection.h"
+#include "read/Addition.h"
 #include "read/Keys.h"
 #include "read/Load.h"
 
@@ -23,6 +24,7 @@ using namespace korcg::generator;
 
 struct Options {
     std::string description;
+    std::string added;
     std::string output;
     std::vector<std::string> types;
     std::string only;
@@ -41,27 +43,38 @@ int report(const Errors& errors)
     return 1;
 }
 
-std::filesystem::path ledgerPath(const Options& options)
+std::filesystem::path ledgerPath(const std::string& description)
 {
-    return std::filesystem::path(options.description) / "ledger.txt";
+    return std::filesystem::path(description) / "ledger.txt";
 }
 
 /// A description that has one edition only needs no ledger.
-Ledger readLedger(const Options& options, Errors& errors)
+Ledger readLedger(const std::string& description, const Options& options, Errors& errors)
 {
-    const std::filesystem::path path = ledgerPath(options);
+    const std::filesystem::path path = ledgerPath(description);
     std::ifstream stream(path, std::ios::binary);
     const std::string text{std::istreambuf_iterator<char>(stream), {}};
     return Ledger(path.string(), text, options.updateLedger, errors);
 }
 
-void writeLedger(const Options& options, const Ledger& ledger)
+void writeLedger(const std::string& description, const Ledger& ledger)
 {
-    std::ofstream stream(ledgerPath(options), std::ios::binary | std::ios::trunc);
+    std::ofstream stream(ledgerPath(description), std::ios::binary | std::ios::trunc);
     stream << ledger.text();
     stream.close();
     if (!stream)
-        throw std::runtime_error(ledgerPath(options).string() + ": cannot be written");
+        throw std::runtime_error(ledgerPath(description).string() + ": cannot be written");
+}
+
+void addDescriptions(Format& format, const Options& options, Errors& errors)
+{
+    const std::vector<Source> sources = readSources(options.added, errors);
+    Ledger ledger = readLedger(options.added, options, errors);
+    if (!errors.empty())
+        return;
+    addTypes(format, sources, ledger, errors);
+    if (errors.empty() && ledger.hasGrown())
+        writeLedger(options.added, ledger);
 }
 
 int generate(const Options& options)
@@ -70,10 +83,12 @@ int generate(const Options& options)
     const std::vector<Source> sources = readSources(options.description, errors);
     if (!errors.empty())
         return report(errors);
-    Ledger ledger = readLedger(options, errors);
-    const Format format = loadWithHistory(sources, errors, {options.edition, &ledger});
+    Ledger ledger = readLedger(options.description, options, errors);
+    Format format = loadWithHistory(sources, errors, {options.edition, &ledger});
     if (errors.empty() && ledger.hasGrown())
-        writeLedger(options, ledger);
+        writeLedger(options.description, ledger);
+    if (errors.empty() && !options.added.empty())
+        addDescriptions(format, options, errors);
     const Selection selection = select(format, options.types, errors);
     if (!errors.empty())
         return report(errors);
@@ -110,6 +125,9 @@ int main(int argc, char** argv)
         "Generates the codec, messages and metadata of a block format from its description",
         "korcg-generate");
     app.add_option("--description", options.description, "Directory of the description (*.yaml)");
+    app.add_option("--added", options.added,
+                   "Directory of a description that adds types to the format, with a ledger.txt "
+                   "of its own");
     app.add_option("--output", options.output, "Directory that receives the generated files");
     app.add_option("--types", options.types,
                    "Emit only these types and the sub-blocks that they hold")

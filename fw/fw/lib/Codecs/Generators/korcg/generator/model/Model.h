@@ -188,11 +188,13 @@ struct Format {
     std::map<std::string, SymbolTable> symbols;
     /// Unit vocabulary: symbols by words.
     std::map<std::string, std::string> units;
-    std::vector<double> scales;         ///< allowed scale factors
-    int lastFirstRecord = 0;            ///< highest record-type number of the first edition
-    int lastFirstCode = 0;              ///< lowest code of the first edition
-    int invalidMessage = 0;             ///< code of an unknown block number
-    std::vector<std::string> codeNames; ///< name of code -1 first, then downward
+    std::vector<double> scales;              ///< allowed scale factors
+    int lastFirstRecord = 0;                 ///< highest record-type number of the first edition
+    int lastFirstCode = 0;                   ///< lowest code of the first edition
+    int invalidMessage = 0;                  ///< code of an unknown block number
+    std::vector<std::string> codeNames;      ///< name of code -1 first, then downward
+    int firstAddedCode = 0;                  ///< of types that others added to the build
+    std::vector<std::string> addedCodeNames; ///< likewise, from that code downward
 
     const RecordType* find(const std::string& typeName) const
     {

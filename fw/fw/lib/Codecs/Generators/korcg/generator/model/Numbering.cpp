@@ -70,6 +70,8 @@ std::string_view fixedPartName(const RecordType& type)
     return last ? std::string_view(last->name) : "BODY";
 }
 
+constexpr int additionEdition = 2; // what the ledger of an addition calls it
+
 class CodeBook
 {
 public:
@@ -125,6 +127,17 @@ public:
         }
     }
 
+    void addition(int firstCode)
+    {
+        m_edition = additionEdition;
+        m_firstCode = firstCode;
+        for (RecordType& type : m_format.types) {
+            run(type);
+            if (type.isMain())
+                disabled(type);
+        }
+    }
+
 private:
     int nextCode() const { return -static_cast<int>(m_format.codeNames.size()) - 1; }
 
@@ -138,7 +151,7 @@ private:
         const int code = m_ledger.number(Ledger::Code, m_edition, name, m_where, m_errors);
         if (code >= 0)
             return code;
-        const auto index = static_cast<std::size_t>(-code - 1);
+        const auto index = static_cast<std::size_t>(m_firstCode - code);
         if (names.size() <= index)
             names.resize(index + 1, "???");
         names[index] = std::move(name);
@@ -205,6 +218,7 @@ private:
     Ledger& m_ledger;
     Errors& m_errors;
     int m_edition = 1;
+    int m_firstCode = -1;
     Location m_where; ///< of what gets a code
 };
 
@@ -217,6 +231,25 @@ void number(Format& format, Ledger& ledger, Errors& errors)
     ledger.startAt(Ledger::Code, format.lastFirstCode - 1);
     for (int edition = 2; edition <= format.edition; ++edition)
         book.laterEdition(edition);
+}
+
+void numberAddedTypes(Format& format, int firstRecord, Ledger& ledger, Errors& errors)
+{
+    ledger.restart(additionEdition);
+    ledger.startAt(Ledger::Type, firstRecord);
+    for (RecordType& type : format.types) {
+        type.record = ledger.number(Ledger::Type, additionEdition, type.name, type.where, errors);
+        format.lastFirstRecord = std::max(format.lastFirstRecord, type.record);
+    }
+    std::stable_sort(format.types.begin(), format.types.end(),
+                     [](const RecordType& a, const RecordType& b) { return a.record < b.record; });
+}
+
+void numberAddedCodes(Format& format, int firstCode, Ledger& ledger, Errors& errors)
+{
+    ledger.startAt(Ledger::Code, firstCode);
+    CodeBook(format, ledger, errors).addition(firstCode);
+    ledger.finish(errors);
 }
 
 } // namespace korcg::generator

@@ -33,4 +33,12 @@ int wireSize(const Field& field);
 /// fields for types that exist already; all numbers come from the ledger.
 void number(Format& format, Ledger& ledger, Errors& errors);
 
+/// Assigns record types from `firstRecord` up to the types of an addition, by its own ledger, and
+/// sorts them by these. One that grows gives numbers in the order of the types.
+void numberAddedTypes(Format& format, int firstRecord, Ledger& ledger, Errors& errors);
+
+/// Once they are linked, assigns codes from `firstCode` down, by the same ledger. They have the
+/// same names as those of later editions.
+void numberAddedCodes(Format& format, int firstCode, Ledger& ledger, Errors& errors);
+
 } // namespace korcg::generator

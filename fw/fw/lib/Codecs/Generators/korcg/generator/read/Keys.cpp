@@ -11,7 +11,7 @@ namespace
 {
 
 // Keys that several kinds of maps have.
-constexpr Key edition = {"edition", "2 to 255",
+constexpr Key edition = {"edition", "2 to 254",
                          "edition of the format that brought it; without, that of what holds it"};
 constexpr Key name = {"name", "text", "display name; blanks become underscores in code"};
 constexpr Key text = {"text", "text", "what it means, where the name does not say it"};
@@ -262,7 +262,7 @@ const KeyTable& namedValueKeys()
                                    "An element of a table of `symbols` that is a list.",
                                    {{"value", "number", "the value"},
                                     {"name", "text", "its name"},
-                                    {"edition", "2 to 255", "edition that brought it"}}};
+                                    {"edition", "2 to 254", "edition that brought it"}}};
     return table;
 }
 
@@ -275,7 +275,7 @@ const KeyTable& namedRangeKeys()
          {"to", "number", "last value"},
          {"name", "text", "name with one %d or %02d, where the number is put"},
          {"start", "number", "number of the first name, the value if absent"},
-         {"edition", "2 to 255", "edition that brought it"}}};
+         {"edition", "2 to 254", "edition that brought it"}}};
     return table;
 }
 

@@ -96,6 +96,16 @@ void readSymbols(const ReadContext& context, const YamlMap& map, Format& format)
 void readFormat(const ReadContext& context, const YAML::Node& document, Format& format)
 {
     const YamlMap map(context, document, formatKeys());
+    if (context.isAddition) {
+        for (const std::string_view key : {"format", "units", "registration", "first_edition"}) {
+            if (map.has(key))
+                map.error(key, "is what only the description of a whole format says");
+        }
+        if (map.has("scales"))
+            readScales(context, map, format);
+        readSymbols(context, map, format);
+        return;
+    }
     if (map.has("format")) {
         givenOnce(map, "format", !format.name.empty());
         format.name = map.requiredText("format");

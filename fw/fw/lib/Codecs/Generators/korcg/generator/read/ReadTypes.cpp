@@ -40,7 +40,12 @@ TypeDraft readType(const ReadContext& context, const YAML::Node& node)
     type.where = map.where();
     type.name = map.requiredText(isSub ? "sub" : "block");
     type.edition = map.integer("edition", 2, latestEdition).value_or(1);
-    if (type.edition == 1) {
+    if (context.isAddition) {
+        for (const std::string_view key : {"record", "edition"}) {
+            if (map.has(key))
+                map.error(key, "is for types of the format itself");
+        }
+    } else if (type.edition == 1) {
         type.record = map.requiredInteger("record", 1, highestNumber).value_or(0);
     } else if (map.has("record")) {
         map.error("record", "is what the ledger says for types of later editions");

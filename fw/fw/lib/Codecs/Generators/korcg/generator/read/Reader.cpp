@@ -18,12 +18,12 @@ namespace
 
 /// The documents of all sources. Those that are no YAML are reported and left out.
 std::vector<Definition> loadAll(const std::vector<Source>& sources, const Dictionary& dictionary,
-                                Errors& errors)
+                                bool isAddition, Errors& errors)
 {
     std::vector<Definition> documents;
     for (const Source& source : sources) {
         try {
-            const ReadContext context{source.file, errors, &dictionary};
+            const ReadContext context{source.file, errors, &dictionary, isAddition};
             for (const YAML::Node& document : loadDocuments(source))
                 documents.push_back({context, document});
         } catch (const YAML::Exception& failure) {
@@ -49,26 +49,57 @@ void readDocuments(const std::vector<Definition>& documents, Format& format,
     }
 }
 
+std::vector<TypeDraft> readSourceTexts(const std::vector<Source>& sources, bool isAddition,
+                                       Format& format, Errors& errors)
+{
+    std::vector<TypeDraft> drafts;
+    Dictionary dictionary; // complete before the first type is read
+    const std::vector<Definition> documents = loadAll(sources, dictionary, isAddition, errors);
+    for (const auto& [context, document] : documents) {
+        if (document.IsMap())
+            readDictionary(context, document, dictionary);
+    }
+    readDocuments(documents, format, drafts);
+    return drafts;
+}
+
+void refuseEditions(const std::vector<FieldDraft>& fields, Errors& errors)
+{
+    for (const FieldDraft& field : fields) {
+        if (field.edition)
+            errors.add(field.field.where, "'edition' is for fields of the format itself");
+        refuseEditions(field.bits, errors);
+    }
+}
+
 } // namespace
 
 Format readDescription(const std::vector<Source>& sources, int edition, Ledger& ledger,
                        Errors& errors)
 {
     Format format;
-    std::vector<TypeDraft> drafts;
-    Dictionary dictionary; // complete before the first type is read
-    const std::vector<Definition> documents = loadAll(sources, dictionary, errors);
-    for (const auto& [context, document] : documents) {
-        if (document.IsMap())
-            readDictionary(context, document, dictionary);
-    }
-    readDocuments(documents, format, drafts);
+    std::vector<TypeDraft> drafts = readSourceTexts(sources, false, format, errors);
     if (format.name.empty()) {
         errors.add({sources.empty() ? "" : sources.front().file, 0},
                    "no file names the format ('format')");
     }
     applyEdition(drafts, format, edition, ledger, errors);
     resolve(std::move(drafts), format, errors);
+    return format;
+}
+
+Format readAddition(const std::vector<Source>& sources, Format format, Errors& errors)
+{
+    std::vector<TypeDraft> drafts = readSourceTexts(sources, true, format, errors);
+    for (const TypeDraft& draft : drafts)
+        refuseEditions(draft.fields, errors);
+    format.types.clear();
+    format.registration.clear();
+    resolve(std::move(drafts), format, errors);
+    for (const RecordType& type : format.types) {
+        if (type.hasMessage)
+            format.registration.push_back({type.name, type.where, 1});
+    }
     return format;
 }
 

@@ -17,4 +17,8 @@ namespace korcg::generator
 Format readDescription(const std::vector<Source>& sources, int edition, Ledger& ledger,
                        Errors& errors);
 
+/// Reads types that are added to a format. `format` has what they may name: units, scales, symbol
+/// tables. Those of the description are added; its types and registration replace what was there.
+Format readAddition(const std::vector<Source>& sources, Format format, Errors& errors);
+
 } // namespace korcg::generator

@@ -158,13 +158,24 @@ std::string errorNames(const Format& format)
     std::string entries;
     for (auto name = format.codeNames.rbegin(); name != format.codeNames.rend(); ++name)
         entries += fmt::format("    \"{}\",\n", *name);
+    std::string added;
+    std::string lookUp;
+    if (!format.addedCodeNames.empty()) {
+        for (const std::string& name : format.addedCodeNames)
+            added += fmt::format("    \"{}\",\n", name);
+        added = fmt::format("// By {} - code.\nconst char* const addedNames[] = {{\n{}}};\n\n",
+                            format.firstAddedCode, added);
+        lookUp = fmt::format("    if (code <= {0} && code > {0} - {1})\n"
+                             "        return addedNames[{0} - code];\n",
+                             format.firstAddedCode, format.addedCodeNames.size());
+    }
     return fmt::format(
-        "namespace\n{{\n\n// By code + {0}.\nconst char* const names[] = {{\n{1}}};\n\n"
+        "namespace\n{{\n\n// By code + {0}.\nconst char* const names[] = {{\n{1}}};\n\n{2}"
         "}} // namespace\n\n"
         "const char* TQX_errorName(int32_t code)\n{{\n"
-        "    if (code >= 0)\n        return \"TQX_ERR_NONE\";\n"
+        "    if (code >= 0)\n        return \"TQX_ERR_NONE\";\n{3}"
         "    return code < -{0} ? \"???\" : names[code + {0}];\n}}\n",
-        format.codeNames.size(), entries);
+        format.codeNames.size(), entries, added, lookUp);
 }
 
 } // namespace korcg::generator::codec

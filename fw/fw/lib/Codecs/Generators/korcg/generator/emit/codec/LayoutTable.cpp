@@ -138,14 +138,14 @@ constexpr std::string_view fieldLegend = R"(    // name, meaning,
     //     count, length,
     //     kind, type, presence,
     //     width, shift, lengthInMain, alwaysSent, countsBytes, isPadding, edition, isAddition,
-    //     summary, summed, derive, append
+    //     summary, summed, derive, append, sub
 )";
 
 constexpr std::string_view typeLegend =
     R"(    // name, fields, fieldCount, firstSubBlock, recordType, blockNumber, linksToMain,
     //     highestRevision, ownRevision, edition, hasMessage, recordSize,
     // sizeUnderflow, internal, crcChecksum, disabled, kindAssertion, kindTypes,
-    // init, encode, release
+    // init, encode, release, described
 )";
 
 std::string rowText(const Format& format, const RecordType& type, int index)
@@ -154,14 +154,15 @@ std::string rowText(const Format& format, const RecordType& type, int index)
     return fmt::format(
         "    {{{}, {},\n        {}, offsetof({}, {}), {}, {}, {}, {}, {}, {}, {}, {},\n"
         "        TQX_FieldKind::{}, TQX_MemberType::{}, TQX_Presence::{},\n"
-        "        {}, {}, {}, {}, {}, {}, {}, {}, TQX_Summary::{}, {:#x}, {}, {}}},\n",
+        "        {}, {}, {}, {}, {}, {}, {}, {}, TQX_Summary::{}, {:#x}, {}, {}, {}}},\n",
         literal(field.name), literal(field.text), field.code, recordName(type),
         identifier(field.name), field.wireOffset, subRecordType(format, field), field.elements,
         field.presenceValue, field.parent, field.selector, field.count, field.length,
         kindName(field.kind), typeName(field), presenceName(field.presence), field.width,
         field.shift, field.lengthInMain, field.alwaysSent, field.countsBytes, field.isPadding,
         field.edition, field.isAddition, summaryName(field.summary), field.summed,
-        deriveOf(type, index), appendOf(type, field));
+        deriveOf(type, index), appendOf(type, field),
+        field.subType.empty() ? "nullptr" : "&layout_" + field.subType);
 }
 
 // The assertion that a sub-block makes on the kind of the main block above it, and which record
@@ -233,7 +234,7 @@ std::string layoutTable(const Format& format, const RecordType& type)
         "    [](void* record) {{\n        return TQX_init_{0}(static_cast<{7}*>(record));\n    "
         "}},\n"
         "    {14},\n"
-        "    {15}}};\n\n",
+        "    {15}, nullptr}};\n\n",
         type.name, type.fields.size(), type.record, type.number, type.linksToMain,
         type.highestRevision, type.hasMessage, record, type.sizeUnderflow, type.internal,
         type.crcChecksum, type.disabled, assertion.empty() ? "nullptr" : literal(assertion),

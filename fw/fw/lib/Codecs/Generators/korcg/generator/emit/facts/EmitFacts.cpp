@@ -154,8 +154,8 @@ std::string FactsEmitter::namedRuns()
                 ++m_namedCount;
             }
         }
-        runs += fmt::format("    {{{}, {}}}, // {}\n", first, m_namedCount - first,
-                            name.empty() ? "none" : name);
+        runs += fmt::format("    {{{}, {}, {}}}, // {}\n", first, m_namedCount - first,
+                            m_texts.offsetOf(name), name.empty() ? "none" : name);
     }
     return fmt::format("const NamedRow namedRows[] = {{\n{}}};\n\n"
                        "const NamedRun namedRuns[] = {{\n{}}};\n\n"

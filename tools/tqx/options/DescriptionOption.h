@@ -1,0 +1,29 @@
+#pragma once
+
+#include "tqx/log/schema/Schema.h"
+
+#include <CLI/CLI.hpp>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tqx::tool
+{
+
+/// The argument --description: types of blocks beside the built ones.
+class DescriptionOption
+{
+public:
+    void add(CLI::App& command);
+
+    /// The types that there are, read at the first call. Throws ToolError when a description is
+    /// wrong, after what else is wrong was said.
+    const Schema& getSchema() const;
+
+private:
+    std::vector<std::string> m_paths;
+    mutable std::optional<Schema> m_schema;
+};
+
+} // namespace tqx::tool
