@@ -21,7 +21,7 @@ struct ReadContext {
     std::string file;
     Errors& errors;
     const Dictionary* dictionary; ///< what elements of field lists may refer to
-    bool isAddition = false; ///< whether it adds types to a format that is known
+    bool isAddition = false;      ///< whether it adds types to a format that is known
 
     Location at(const YAML::Node& node) const;
     void error(const YAML::Node& node, std::string message) const;
