@@ -86,6 +86,7 @@ TEST_F(Window, SelectingAFieldMarksItsBytesAndTheOtherWayRound)
     open(simulatedLog(2));
     type("condition", "has Latitude and has NrSV");
     ASSERT_TRUE(waitFor([&] { return !m_window.getMessages().getRows().isSearching(); }));
+    selectField("NrSV"); // of the first message that the condition holds for
     selectField("Latitude");
     EXPECT_EQ(bytes().getMarkedOffset(), 16U);
     EXPECT_EQ(bytes().getMarkedSize(), 8U);
