@@ -30,11 +30,11 @@ public:
     void adopt(ToyMessage* part)
     {
         part->setParentMessage(this);
-        parts.push_back(std::unique_ptr<ToyMessage>(part));
+        parts.emplace_back(part);
     }
 
     QVector<QVector<FieldValue>> values;
-    std::vector<std::unique_ptr<ToyMessage>> parts;
+    std::vector<std::shared_ptr<ToyMessage>> parts; ///< shared with copies
 
 private:
     const void* getRawRepresentation() const override { return &values; }

@@ -23,8 +23,8 @@ struct SelectionRequest {
     std::string to;
     std::string where;
     uint32_t every = 1;
-    Schema schema;       ///< whose types and fields are named
     double interval = 0; ///< seconds, whole milliseconds up to a week; 0 selects all times
+    Schema schema = {};  ///< whose types and fields are named
 };
 
 /// Which blocks of a stream a command looks at. Looks at them in stream order, and runs on over the
