@@ -46,7 +46,7 @@ TEST(FieldList, SampleFieldsAreDescribed)
           "a_f1 f32 secondpersecond role 1 none -2e+10 digits 16",
           "a_f0 f32 second role 1 none -2e+10 digits 12",
           "C_rs f32 meter role 1 none -2e+10 digits 3",
-          "DEL_N f32 semicirclepersecond role 1 none -2e+10 digits 12",
+          "DEL_N f32 semicirclepersecond role 1 none -2e+10 digits 16",
           "M_0 f64 semicircle role 1 none -2e+10 digits 12",
           "C_uc f32 radian role 1 none -2e+10 digits 12",
           "C_us f32 radian role 1 none -2e+10 digits 12",

@@ -271,13 +271,14 @@ TEST(Track, SentencesHaveTheirChecksums)
     EXPECT_EQ(lines[2], "$GNZDA,000122.00,04,01,2026,00,00*7A\r");
 }
 
-// An epoch waits for its dilutions as long as the one before had any.
+// An epoch waits for its dilutions as long as the one before had any, once the source of the track
+// is chosen.
 TEST(Track, SentencesHaveTheDilutionsOfTheirEpoch)
 {
     std::string lines;
-    for (const int second : {100, 101, 102, 103}) {
+    for (int second = 100; second <= 113; ++second) {
         lines += blockOf({second, 4, -33.5, -151.25});
-        if (second == 101)
+        if (second == 111)
             continue;
         lines += json({{"block", "DOP2"},
                        {"fields",
@@ -285,7 +286,7 @@ TEST(Track, SentencesHaveTheDilutionsOfTheirEpoch)
                          {"WNc", 2400},
                          {"PDOP", 2.5},
                          {"HDOP", 1.25},
-                         {"VDOP", 2.165}}}})
+                         {"VDOP", 2.17}}}})
                      .dump() +
                  "\n";
     }
@@ -296,8 +297,11 @@ TEST(Track, SentencesHaveTheDilutionsOfTheirEpoch)
         if (line.rfind("$GNGSA", 0) == 0)
             found += line;
     }
-    const std::string dilutions = "$GNGSA,A,3,,,,,,,,,,,,,2.50,1.25,2.17*0A\r";
-    EXPECT_EQ(found, "1.25;" + dilutions + ";;1.25;" + dilutions);
+    const std::string epoch = "1.25;$GNGSA,A,3,,,,,,,,,,,,,2.50,1.25,2.17*19\r";
+    std::string expected;
+    for (int second = 100; second <= 110; ++second)
+        expected += epoch;
+    EXPECT_EQ(found, expected + ";;" + epoch);
 }
 
 namespace

@@ -67,8 +67,9 @@ TEST(Types, JsonSaysWhatFieldsAreAndWhereTheyAre)
         for (int i = 0; i < layout->fieldCount; ++i) {
             const json& field = type["fields"][static_cast<size_t>(i)];
             const TQX_FieldLayout& row = layout->fields[i];
-            const bool isBits = row.kind == TQX_FieldKind::Bits;
-            const bool isPlaced = !isBits && row.kind != TQX_FieldKind::Derived;
+            const bool isBits = row.kind == TQX_FieldKind::Bits && row.summary == TQX_Summary::None;
+            const bool isPlaced =
+                row.kind != TQX_FieldKind::Bits && row.kind != TQX_FieldKind::Derived;
             EXPECT_EQ(field.value("description", ""), row.meaning) << row.name;
             EXPECT_EQ(field.value("bit", -1), isBits ? row.shift : -1) << row.name;
             EXPECT_EQ(field.value("offset", -1), isPlaced ? row.wireOffset : -1) << row.name;

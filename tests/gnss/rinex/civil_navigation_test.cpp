@@ -140,7 +140,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"GPSCNav",
              "GCNAV",
              R"({"PRN":5,"DEL_OMEGADOT":-3.637978807091713e-12,"WN_OP":95,"URA_ED":-3,
-                 "URA_NED0":-5,"URA_NED1":2,"URA_NED2":6,"L2Unhealthy":1,"Health":2,
+                 "URA_NED0":-5,"URA_NED1":2,"URA_NED2":6,"L2Unhealthy":1,"health":2,
                  "T_gd":9.313225746154785e-10,"ISC_L1CA":-4.656612873077393e-10,
                  "ISC_L2C":2.3283064365386963e-10,"ISC_L5I5":1.862645149230957e-09,
                  "ISC_L5Q5":3.725290298461914e-09})",

@@ -39,7 +39,7 @@ bool isLeftOut(const TQX_TypeLayout& type, const TQX_FieldLayout& field, const F
     return false;
 }
 
-RecordPlan::Kind kindOf(const TQX_FieldLayout& member)
+RecordPlan::Kind kindOf(const TQX_TypeLayout& type, const TQX_FieldLayout& member)
 {
     if (member.kind == TQX_FieldKind::Blocks)
         return RecordPlan::Kind::Blocks;
@@ -47,7 +47,10 @@ RecordPlan::Kind kindOf(const TQX_FieldLayout& member)
         return RecordPlan::Kind::Embedded;
     if (isText(member))
         return RecordPlan::Kind::Text;
-    return isNumber(member) ? RecordPlan::Kind::Number : RecordPlan::Kind::Array;
+    const bool isSummary =
+        member.kind == TQX_FieldKind::Bits && member.summary != TQX_Summary::None;
+    return isNumber(isSummary ? type.fields[member.parent] : member) ? RecordPlan::Kind::Number
+                                                                     : RecordPlan::Kind::Array;
 }
 
 } // namespace
@@ -90,7 +93,7 @@ RecordPlan planRecord(const TQX_TypeLayout& type, const FieldFilter& filter, Sho
             const TQX_FieldLayout& member = type.fields[memberRow];
             plan.members.push_back({&member,
                                     &TQX_factsOf(type, memberRow),
-                                    kindOf(member),
+                                    kindOf(type, member),
                                     member.presence != TQX_Presence::Always,
                                     TQX_elementSize(member),
                                     {},

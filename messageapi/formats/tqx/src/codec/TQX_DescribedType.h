@@ -35,7 +35,7 @@ struct TQX_Formula;
 /// A derived value: the formula that computes it and where its arguments are.
 struct TQX_Derivation {
     uint16_t row;   ///< of the derived field
-    uint16_t after; ///< row of the field behind which all arguments are known
+    uint16_t after; ///< row of the field after which all arguments are known
     const TQX_Formula* formula;
     const TQX_FieldInput* inputs; ///< as many as the formula has arguments
 };

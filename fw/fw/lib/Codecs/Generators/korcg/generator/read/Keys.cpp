@@ -84,7 +84,7 @@ const KeyTable& formatKeys()
          {"fields", "map of fields",
           "fields and sub-fields that many blocks have, by name: maps as below without a name"},
          {"groups", "map of lists of fields",
-          "runs of fields that many blocks have; `- group: name` stands for them in a list of "
+          "runs of fields that many blocks have; `- group: name` is replaced by them in a list of "
           "fields"}}};
     return table;
 }
