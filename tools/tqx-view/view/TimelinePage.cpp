@@ -157,8 +157,7 @@ void TimelinePage::showFaults()
         items += item;
     }
     m_faults->addTopLevelItems(items);
-    QString text =
-        tr("%n outage(s)", nullptr, outages) + ", " + tr("%n damaged place(s)", nullptr, damages);
+    QString text = tr("Outages: %1, damaged places: %2").arg(outages).arg(damages);
     if (read.hasMoreFaults)
         text += tr(", and more that are not listed");
     const bool isKnown = m_log && !m_timeline.isReading() && !read.rows.empty();
