@@ -26,14 +26,13 @@ private:
 } // namespace
 
 CutCommand::CutCommand(CLI::App& program)
-    : Command(
-          program, "cut", "Copy selected blocks byte for byte",
-          "  tqx cut --from 2400:216000 --to 2400:219600 log.tqx -o hour.tqx\n"
-          "  tqx cut --type 'PVT*,4014' --every 10 log.tqx -o small.tqx\n"
-          "  tqx cut damaged.tqx -o sound.tqx     # all that is sound\n"
-          "\n"
-          "Only blocks with a sound checksum are copied; what they hold is not looked at, unless\n"
-          "--where asks for it. See tqx help dump for times and conditions.\n")
+    : Command(program, "cut", "Copy selected blocks byte for byte",
+              "  tqx cut --from 2400:216000 --to 2400:219600 log.tqx -o hour.tqx\n"
+              "  tqx cut --type 'PVT*,4014' --every 10 log.tqx -o small.tqx\n"
+              "  tqx cut damaged.tqx -o valid.tqx     # all that is valid\n"
+              "\n"
+              "Only blocks with a valid checksum are copied; their content is not checked, unless\n"
+              "--where asks for it. See tqx help dump for times and conditions.\n")
 {
     m_streams.addInputs(m_app);
     m_streams.addDamageReport(m_app);

@@ -18,7 +18,8 @@ namespace tqx::tool
 
 EncodeCommand::EncodeCommand(CLI::App& program)
     : Command(
-          program, "encode", "Make blocks of JSON Lines, as dump --format jsonl --raw has them",
+          program, "encode",
+          "Turn JSON Lines, as dump --format jsonl --raw writes them, into blocks",
           "  tqx dump --format jsonl --raw log.tqx | tqx encode - -o copy.tqx\n"
           "\n"
           "A line that cannot be encoded is reported as FILE:LINE: MESSAGE and skipped; the exit\n"

@@ -102,7 +102,7 @@ ExplainCommand::ExplainCommand(CLI::App& program)
           "  tqx explain log.tqx.gz@404          # an offset of what is compressed\n"
           "\n"
           "A row for each value: where it is in the file and in the block, its bytes, its name,\n"
-          "the stored value and what that stands for. Below, what is wrong with the block.\n"
+          "the stored value and what it means. Below, what is wrong with the block.\n"
           "info, dump and the reports of damage name the offsets of blocks. Where damage begins\n"
           "without a header, the one that it is about is looked for before the next valid block,\n"
           "which may be up to 1 MiB away.\n"

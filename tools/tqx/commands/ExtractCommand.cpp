@@ -65,7 +65,7 @@ private:
 
 ExtractCommand::ExtractCommand(CLI::App& program)
     : Command(
-          program, "extract", "Write received corrections, or what came between the blocks",
+          program, "extract", "Write received corrections, or what is between the blocks",
           "  tqx extract --mode rtcm3 log.tqx -o corrections.rtcm3\n"
           "  tqx extract --mode cmr --where 'Source == \"COM1\"' log.tqx > com1.cmr\n"
           "  tqx extract --between nmea log.tqx -o log.nmea\n"

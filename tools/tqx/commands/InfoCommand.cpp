@@ -57,7 +57,7 @@ InfoCommand::InfoCommand(CLI::App& program)
           "  tqx info --json *.tqx | jq .crcErrors\n"
           "  tqx info --each monday.tqx tuesday.tqx\n"
           "\n"
-          "Several files are summed up as one stream. With --each every file is one of its own, "
+          "Several files are read as one stream. With --each, every file is one of its own, "
           "and\n"
           "has a column in which the blocks of each type are counted, with their rate and gaps.\n"
           "\n"

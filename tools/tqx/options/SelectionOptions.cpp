@@ -42,11 +42,11 @@ const char* const SelectionOptions::notes =
     "\n"
     "Conditions compare fields with numbers or names: == != < <= > >=, joined by and, or, not and\n"
     "parentheses; `has Field` asks whether there is an available value. A field is Field or\n"
-    "Block.Field, one of sub-blocks Block.Type1.SVID or just SVID; an underscore stands for a\n"
-    "blank in its name. Numbers are in the unit that dump shows, names and texts stand in quotes.\n"
+    "Block.Field, one of sub-blocks Block.Type1.SVID or just SVID; an underscore is read as a\n"
+    "blank in its name. Numbers are in the unit that dump shows, names and texts are in quotes.\n"
     "Of arrays and sub-blocks any element may match. A comparison with a field that is absent or\n"
     "not available is false, for != as well.\n"
-    "By like a name or text is compared with a pattern, case ignored: * is any run of characters,\n"
+    "`like` compares a name or text with a pattern, ignoring case: * is any run of characters,\n"
     "? any one. any(Field: condition) holds where one sub-block of Field meets all of a "
     "condition,\n"
     "which names fields of that sub-block.\n"
@@ -103,7 +103,7 @@ void SelectionOptions::addConditions(CLI::App& command)
         ->default_str("")
         ->group(group);
     addWhole(command, "--every", m_request.every, 1, std::numeric_limits<uint32_t>::max(),
-             "Of each type the first one that all this selects, then every N-th")
+             "The first selected block of each type, then every N-th")
         ->type_name("N")
         ->default_str("")
         ->group(group);
