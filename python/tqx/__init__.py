@@ -18,7 +18,7 @@ from ._table import Choice, Table
 from ._time import Time, gnss_millis
 from ._types import Field, Type, Types, types
 
-__version__ = "0.2.0"
+__version__ = "0.3.0"
 
 __all__ = [
     "ArrowTable",
