@@ -8,7 +8,7 @@
 
 #include <fstream>
 
-// The lines of C++ that doc/adding-blocks.md shows; run_page.py compares them.
+// The lines of C++ that doc/adding-blocks.md shows; scripts/check-readme compares them.
 TEST(Page, showsHowSchemasAreHandedOver)
 {
     std::ofstream("weather.yaml") << "- block: WeatherReport\n  number: 7001\n  timestamp: R\n"
