@@ -244,9 +244,10 @@ RawPlan& RawJson::planOf(uint32_t recordType)
     if (m_plans.size() <= recordType)
         m_plans.resize(recordType + 1);
     std::unique_ptr<RawPlan>& plan = m_plans[recordType];
-    if (!plan)
+    if (!plan) {
         plan = makePlan(
             planRecord(*m_filter.getSchema().getType(recordType), m_filter, ShownFields::OnWire));
+    }
     return *plan;
 }
 
