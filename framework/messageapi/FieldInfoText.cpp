@@ -76,8 +76,11 @@ int FieldInfo::getShownDecimals() const
         return 0;
     }
     constexpr double mostDigits = 1e11;
-    int decimals = 0;
-    for (double shifted = step; shifted < mostDigits; shifted = step * std::pow(10, ++decimals)) {
+    for (int decimals = 0;; ++decimals) {
+        const double shifted = step * std::pow(10, decimals);
+        if (!(shifted < mostDigits)) {
+            break;
+        }
         const double whole = std::round(shifted);
         if (whole >= 1 && std::fabs(shifted - whole) < 1e-12 * whole) {
             return decimals;
