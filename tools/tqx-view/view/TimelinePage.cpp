@@ -169,10 +169,11 @@ void TimelinePage::chooseFault(QTreeWidgetItem* item)
 {
     const size_t index = item->data(0, indexRole).toULongLong();
     const TimelineFault& fault = m_timeline.getData().faults[index];
-    if (fault.kind == TimelineFault::Kind::Damage)
+    if (fault.kind == TimelineFault::Kind::Damage) {
         Q_EMIT offsetWanted(fault.offset);
-    else
+    } else {
         Q_EMIT timeWanted(static_cast<qlonglong>(fault.time));
+    }
 }
 
 } // namespace tqx::view

@@ -74,9 +74,10 @@ bool IndexCommand::index(Output& output, const std::string& file) const
     Buffer& out = output.getBuffer();
     out.append(fmt::format("{}: {}, {}\n", file, describe(log.getOrigin()), describe(log)));
     if (m_list) {
-        for (const Index::Type& type : log.getIndex().getTypes())
+        for (const Index::Type& type : log.getIndex().getTypes()) {
             out.append(fmt::format("{:>10}  {}\n", type.blocks,
                                    describeBlock(type.number, m_descriptions.getSchema())));
+        }
     }
     output.commit();
     if (m_onlyShow || log.isSaved() || log.getOrigin() == IndexedLog::Origin::Saved)

@@ -37,7 +37,7 @@ public:
 
     void text(const char* name, std::string_view value)
     {
-        json::appendString(member(name), std::string(value));
+        json::appendString(member(name), value);
     }
     void number(const char* name, int64_t value) { number::appendSigned(member(name), value); }
     void real(const char* name, double value) { json::appendDouble(member(name), value); }

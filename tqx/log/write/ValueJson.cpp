@@ -139,10 +139,11 @@ ValuePlan& ValueJson::planOf(uint32_t recordType)
     if (m_plans.size() <= recordType)
         m_plans.resize(recordType + 1);
     std::unique_ptr<ValuePlan>& plan = m_plans[recordType];
-    if (!plan)
+    if (!plan) {
         plan = makePlan(
             planRecord(*m_filter.getSchema().getType(recordType), m_filter, ShownFields::All),
             m_style);
+    }
     return *plan;
 }
 

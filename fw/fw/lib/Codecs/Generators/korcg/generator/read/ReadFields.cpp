@@ -184,9 +184,10 @@ void readSummary(const ReadContext& context, const YamlMap& map, FieldDraft& dra
     for (const auto& [key, summary] : keys) {
         if (!map.has(key))
             continue;
-        if (draft.field.summary != Summary::None)
+        if (draft.field.summary != Summary::None) {
             context.errors.add(map.where(),
                                "'any', 'all', 'neither' and 'least' exclude each other");
+        }
         draft.field.summary = summary;
         for (const YAML::Node& name : map.list(key)) {
             if (name.IsScalar()) {

@@ -117,7 +117,7 @@ std::string internalHeader(const Format& format, const Selection& selection)
     std::string text = internalStart;
     for (const RecordType* type : selection)
         text += fmt::format("extern const TQX_TypeLayout layout_{};\n", type->name);
-    text += "\n";
+    text += '\n';
     for (const RecordType* type : inDependencyOrder(format, selection)) {
         if (!type->isMain()) {
             text += codec::initFunction(*type) + codec::clearFunction(*type) +
