@@ -35,10 +35,7 @@ public:
         return m_out;
     }
 
-    void text(const char* name, std::string_view value)
-    {
-        json::appendString(member(name), value);
-    }
+    void text(const char* name, std::string_view value) { json::appendString(member(name), value); }
     void number(const char* name, int64_t value) { number::appendSigned(member(name), value); }
     void real(const char* name, double value) { json::appendDouble(member(name), value); }
     void boolean(const char* name, bool value) { member(name).append(value ? "true" : "false"); }
