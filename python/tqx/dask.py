@@ -68,7 +68,7 @@ def read(
     Paths are those of ``tqx.open``, and must be the same for all workers. ``columns``, ``rows``,
     ``where``, ``start`` and ``end`` are what ``Table.select``, ``explode``, ``where`` and ``between``
     take; columns that a computation does not use are not read. Integers are nullable types of pandas. Observations and other products
-    depend on what came before: a log is one partition.
+    depend on the blocks before them: a log is one partition.
     """
     frames = need("dask.dataframe", "dask")
     choice = Choice(

@@ -18,7 +18,7 @@ from ._table import Choice
 
 __all__ = ["PRODUCTS", "Part", "PartTable", "divide"]
 
-#: Tables whose rows depend on what came before: they are read log by log.
+#: Tables whose rows depend on the blocks before them: they are read log by log.
 PRODUCTS = ("observations", "positions", "ephemerides")
 
 Paths = Union[str, "os.PathLike[str]", Sequence["str | os.PathLike[str]"]]

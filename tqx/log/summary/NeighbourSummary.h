@@ -10,7 +10,7 @@
 namespace tqx
 {
 
-/// What came between the blocks of a stream, gathered one by one. Used by one thread at a time.
+/// What is between the blocks of a stream, gathered one by one. Used by one thread at a time.
 class TQX_LOG_API NeighbourSummary
 {
 public:
