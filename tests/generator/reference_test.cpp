@@ -29,7 +29,9 @@ class Reference : public testing::Test
 {
 protected:
     Reference()
-        : m_directory(std::filesystem::path(testing::TempDir()) / "korcg-reference"),
+        : m_directory(std::filesystem::path(testing::TempDir()) /
+                      (std::string("korcg-reference-") +
+                       testing::UnitTest::GetInstance()->current_test_info()->name())),
           m_output((std::filesystem::remove_all(m_directory), m_directory))
     {
         Errors errors;
