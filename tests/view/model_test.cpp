@@ -224,6 +224,40 @@ TEST(PlotSeries, BreaksWhereValuesAreMissing)
     EXPECT_EQ(series.nearest(4000)->value, 3);
 }
 
+// As of the same log several times in a row, looked at now and then while it is read.
+TEST(PlotSeries, TimesThatGoBackCostLittleAndAreSortedIn)
+{
+    constexpr int count = 10'000;
+    constexpr int copies = 4;
+    PlotSeries series("x");
+    std::vector<size_t> breaks;
+    for (int copy = 0; copy < copies; ++copy) {
+        for (int i = 0; i < count; ++i)
+            series.add(i * 1000.0, copy);
+        series.visible(0, 1000.0 * count, 100, breaks);
+    }
+    ASSERT_EQ(series.size(), size_t{copies} * count);
+    for (size_t i = 0; i < series.size(); ++i)
+        ASSERT_EQ(series[i].time, static_cast<double>(i / copies) * 1000) << i;
+    EXPECT_LT(series.getMoved(), uint64_t{copies} * copies * count);
+}
+
+TEST(PlotSeries, LatePointsFillGapsAndHaveTheirOwn)
+{
+    PlotSeries series("x");
+    for (const double time : {10.0, 11.0, 12.0, 13.0, 17.0, 18.0, 22.0, 23.0})
+        series.add(time, time);
+    for (const double time : {1.0, 2.0, 5.0, 6.0, 14.0, 15.0, 16.0})
+        series.add(time, time);
+    std::vector<size_t> breaks;
+    std::vector<double> ends;
+    const std::vector<PlotPoint> points = series.visible(0, 30, 100, breaks);
+    ASSERT_EQ(points.size(), 15U);
+    for (const size_t place : breaks)
+        ends.push_back(points[place].time);
+    EXPECT_EQ(ends, (std::vector<double>{5, 10, 22}));
+}
+
 TEST(PlotField, HasASeriesForEachThingThatIsIdentified)
 {
     const struct {
