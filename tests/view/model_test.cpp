@@ -11,11 +11,15 @@
 #include "model/TqxLog.h"
 #include "model/TrackFigures.h"
 
+#include <QElapsedTimer>
 #include <QSet>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
+#include <thread>
 
 using namespace tqx::view;
 
@@ -319,6 +323,32 @@ TEST(Timeline, FindsTheOutageAndTheDamage)
     TaskToken cancelled;
     cancelled.cancel();
     EXPECT_EQ(readTimeline(*log, cancelled), nullptr);
+}
+
+// A log that grows faster than it is read still has a time line.
+TEST(Timeline, ReadsToTheEndWhileALogGoesOn)
+{
+    Timeline timeline;
+    const auto slowLog = [](uint64_t count) {
+        const auto log = std::make_shared<TinyLog>(count);
+        log->onRead = [] { std::this_thread::sleep_for(std::chrono::microseconds(50)); };
+        return log;
+    };
+    timeline.setLog(slowLog(1000), true);
+    QElapsedTimer clock;
+    clock.start();
+    constexpr qint64 patience = 20'000;
+    for (uint64_t count = 1001; timeline.getData().rows.empty(); ++count) {
+        ASSERT_LT(clock.elapsed(), patience);
+        timeline.setLog(slowLog(count), true);
+        QTest::qWait(1);
+    }
+    EXPECT_EQ(timeline.getData().rows[0].count, 1000U);
+    timeline.setLog(std::make_shared<TinyLog>(50'000), true);
+    EXPECT_TRUE(waitFor([&] { return timeline.getData().rows[0].count == 50'000; }));
+    timeline.setLog(nullptr);
+    EXPECT_FALSE(timeline.isReading());
+    EXPECT_TRUE(timeline.getData().rows.empty());
 }
 
 TEST(GnssSurvey, KnowsSatellitesAndPositions)

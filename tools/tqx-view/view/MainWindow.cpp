@@ -109,7 +109,7 @@ void MainWindow::surveyIfShown()
     if (!isShown || m_isSurveyed)
         return;
     m_isSurveyed = true;
-    m_survey.setLog(m_document.getTqxLog());
+    m_survey.setLog(m_document.getTqxLog(), true); // another log has been cleared away
 }
 
 void MainWindow::makeMenus()
@@ -190,7 +190,7 @@ void MainWindow::logOpened(bool isContinued)
     m_progress->hide();
     m_messages->setLog(log, isContinued);
     m_plots->setLog(log, isContinued);
-    m_timeline->setLog(log);
+    m_timeline->setLog(log, isContinued);
     m_isSurveyed = log == nullptr;
     if (!isContinued)
         m_survey.setLog(nullptr);

@@ -70,23 +70,29 @@ TimelinePage::TimelinePage(QWidget* parent)
 
 TimelinePage::~TimelinePage() = default;
 
-void TimelinePage::setLog(const std::shared_ptr<const MessageLog>& log)
+void TimelinePage::setLog(const std::shared_ptr<const MessageLog>& log, bool isContinued)
 {
     m_log = log;
     m_isRead = log == nullptr;
-    if (!log || isVisible())
-        m_timeline.setLog(log);
-    m_isRead = m_isRead || isVisible();
+    if (!isContinued)
+        m_timeline.setLog(nullptr);
+    if (isVisible())
+        readIfNeeded();
     showData();
+}
+
+void TimelinePage::readIfNeeded()
+{
+    if (m_isRead)
+        return;
+    m_isRead = true;
+    m_timeline.setLog(m_log, true); // another log has been cleared away
 }
 
 void TimelinePage::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
-    if (m_isRead)
-        return;
-    m_isRead = true;
-    m_timeline.setLog(m_log);
+    readIfNeeded();
 }
 
 void TimelinePage::showData()
@@ -160,7 +166,7 @@ void TimelinePage::showFaults()
     QString text = tr("Outages: %1, damaged places: %2").arg(outages).arg(damages);
     if (read.hasMoreFaults)
         text += tr(", and more that are not listed");
-    const bool isKnown = m_log && !m_timeline.isReading() && !read.rows.empty();
+    const bool isKnown = m_log && !read.rows.empty();
     m_summary->setText(isKnown ? text : QString());
     m_faults->setVisible(isKnown);
 }

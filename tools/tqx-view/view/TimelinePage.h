@@ -24,7 +24,7 @@ public:
     ~TimelinePage() override;
 
     /// The log is read when the page is shown for the first time.
-    void setLog(const std::shared_ptr<const MessageLog>& log);
+    void setLog(const std::shared_ptr<const MessageLog>& log, bool isContinued);
 
     const Timeline& getTimeline() const { return m_timeline; }
     QTreeWidget& getFaults() { return *m_faults; }
@@ -39,6 +39,7 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    void readIfNeeded();
     void showData();
     void showRows();
     void showFaults();
