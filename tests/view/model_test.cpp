@@ -3,6 +3,7 @@
 
 #include "model/FieldRows.h"
 #include "model/GnssSurvey.h"
+#include "model/LabelPlaces.h"
 #include "model/MessageRows.h"
 #include "model/PlotField.h"
 #include "model/PlotSeries.h"
@@ -12,6 +13,7 @@
 #include "model/TrackFigures.h"
 
 #include <QElapsedTimer>
+#include <QLineF>
 #include <QSet>
 #include <QTest>
 
@@ -376,6 +378,29 @@ TEST(GnssSurvey, KnowsSatellitesAndPositions)
     EXPECT_LT(std::abs(figures.mean.x) + std::abs(figures.mean.y), 1e-3);
     EXPECT_GT(figures.horizontal, 0.05); // noise of a receiver that stands still
     EXPECT_LT(figures.horizontal, 10);
+}
+
+TEST(LabelPlaces, LabelsCoverNeitherEachOtherNorMarks)
+{
+    constexpr double radius = 4;
+    const QRectF bounds(0, 0, 400, 400);
+    std::vector<Mark> marks;
+    for (const QPointF& place :
+         {QPointF(200, 200), QPointF(206, 203), QPointF(212, 198), QPointF(230, 200),
+          QPointF(398, 200), QPointF(3, 3), QPointF(200, 397), QPointF(215, 215)})
+        marks.push_back({place, {24, 10}});
+    const std::vector<QRectF> labels = placeLabels(marks, radius, bounds);
+    ASSERT_EQ(labels.size(), marks.size());
+    for (size_t i = 0; i < labels.size(); ++i) {
+        EXPECT_TRUE(bounds.contains(labels[i])) << i;
+        EXPECT_LT(QLineF(labels[i].center(), marks[i].place).length(), 40) << i;
+        for (size_t k = 0; k < labels.size(); ++k) {
+            EXPECT_FALSE(k != i && labels[i].intersects(labels[k])) << i << ' ' << k;
+            const QPointF half(radius, radius);
+            EXPECT_FALSE(labels[i].intersects({marks[k].place - half, marks[k].place + half}))
+                << i << ' ' << k;
+        }
+    }
 }
 
 TEST(TrackFigures, ReadsPlaces)

@@ -21,6 +21,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QPainter>
 #include <QSettings>
 #include <QSlider>
 #include <QSvgRenderer>
@@ -31,6 +32,7 @@
 #include <QTreeWidget>
 
 #include <gtest/gtest.h>
+#include <qwt_plot.h>
 
 #include <thread>
 
@@ -38,6 +40,17 @@ using namespace tqx::view;
 
 namespace
 {
+
+/// Few in a picture without curves, grid and smoothed texts.
+int coloursOf(const QImage& picture)
+{
+    QSet<QRgb> colours;
+    for (int y = 0; y < picture.height(); y += 2) {
+        for (int x = 0; x < picture.width(); x += 2)
+            colours.insert(picture.pixel(x, y));
+    }
+    return colours.size();
+}
 
 class Window : public testing::Test
 {
@@ -73,6 +86,12 @@ protected:
         edit->clear();
         QTest::keyClicks(edit, text);
         QTest::keyClick(edit, Qt::Key_Return);
+    }
+
+    QByteArray contentOf(const QString& name)
+    {
+        QFile file(m_folder.filePath(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
     uint64_t rows() { return m_window.getMessages().getRows().getCount(); }
@@ -164,27 +183,102 @@ TEST_F(Window, ExportsPicturesDrawingsAndTables)
     plots.add("TQX:PVTGeodetic2:Height", "");
     ASSERT_TRUE(waitFor([&] { return !plots.getPanels()[0]->getField().isReading(); }));
     ASSERT_TRUE(plots.exportTo(m_folder.filePath("plot.png")));
-    const QImage picture(m_folder.filePath("plot.png"));
-    ASSERT_FALSE(picture.isNull());
-    QSet<QRgb> colours;
-    for (int y = 0; y < picture.height(); y += 2) {
-        for (int x = 0; x < picture.width(); x += 2)
-            colours.insert(picture.pixel(x, y));
-    }
-    EXPECT_GT(colours.size(), 8); // a curve, a grid and smoothed texts
+    EXPECT_GT(coloursOf(QImage(m_folder.filePath("plot.png"))), 8);
 
     ASSERT_TRUE(plots.exportTo(m_folder.filePath("plot.svg")));
     EXPECT_TRUE(QSvgRenderer(m_folder.filePath("plot.svg")).isValid());
 
     ASSERT_TRUE(plots.exportTo(m_folder.filePath("plot.csv")));
-    QFile table(m_folder.filePath("plot.csv"));
-    ASSERT_TRUE(table.open(QIODevice::ReadOnly));
-    const QList<QByteArray> lines = table.readAll().trimmed().split('\n');
+    const QList<QByteArray> lines = contentOf("plot.csv").trimmed().split('\n');
     ASSERT_EQ(lines.size(), 6);
     EXPECT_EQ(lines[0], "time,field,series,value,unit");
     EXPECT_TRUE(lines[1].startsWith("2026-01-06 12:00:00.000,TQX:PVTGeodetic2:Height,,41"));
     EXPECT_TRUE(lines[1].endsWith(",m"));
     EXPECT_FALSE(plots.exportTo(m_folder.filePath("no/folder/plot.csv")));
+}
+
+TEST_F(Window, ExportsEveryPage)
+{
+    open(logWithOutage(20));
+    QTabWidget& tabs = m_window.getTabs();
+    tabs.setCurrentWidget(&m_window.getTimeline());
+    tabs.setCurrentWidget(&m_window.getSky());
+    tabs.setCurrentWidget(&m_window.getTrack());
+    ASSERT_TRUE(waitFor([&] {
+        return m_window.getSurvey().getData().positions > 0 &&
+               m_window.getTimeline().getFaults().topLevelItemCount() > 0;
+    }));
+    const struct {
+        ExportPage& page;
+        const char* head;
+        int lines;
+        const char* line; // one of them
+    } cases[] = {
+        {m_window.getTimeline(), "time,seconds,kind,type,offset,details", 0,
+         "2026-01-06 12:00:19.000,61.000,outage,,,"},
+        {m_window.getSky(), "time,satellite,signal,cn0,azimuth,elevation", 0,
+         "2026-01-06 12:00:00.000,G"},
+        {m_window.getTrack(), "time,latitude,longitude,height,east,north,up,fix", 41,
+         "2026-01-06 12:00:19.000,47.07"},
+    };
+    for (const auto& [page, head, lines, line] : cases) {
+        tabs.setCurrentWidget(&page);
+        for (const char* name : {"x.png", "x.svg", "x.pdf", "x.csv"})
+            ASSERT_TRUE(page.exportTo(m_folder.filePath(name))) << head << ' ' << name;
+        EXPECT_GT(coloursOf(QImage(m_folder.filePath("x.png"))), 8) << head;
+        QSvgRenderer drawing(m_folder.filePath("x.svg"));
+        QImage drawn(page.size(), QImage::Format_RGB32);
+        QPainter painter(&drawn);
+        drawing.render(&painter);
+        painter.end();
+        EXPECT_GT(coloursOf(drawn), 8) << head;
+        EXPECT_TRUE(contentOf("x.pdf").startsWith("%PDF-")) << head;
+        const QList<QByteArray> table = contentOf("x.csv").trimmed().split('\n');
+        EXPECT_EQ(table[0], head);
+        EXPECT_TRUE(lines == 0 || table.size() == lines) << head << ' ' << table.size();
+        EXPECT_TRUE(contentOf("x.csv").contains(QByteArray("\n") + line)) << head;
+        EXPECT_FALSE(page.exportTo(m_folder.filePath("x.txt"))) << head;
+    }
+}
+
+TEST_F(Window, ARubberBandZoomsTimesAndValues)
+{
+    open(simulatedLog(20));
+    PlotPage& plots = m_window.getPlots();
+    m_window.getTabs().setCurrentWidget(&plots);
+    plots.add("TQX:PVTGeodetic2:Height", "");
+    PlotPanel& panel = *plots.getPanels()[0];
+    ASSERT_TRUE(waitFor([&] { return !panel.getField().isReading(); }));
+    QTest::qWait(300); // until the values have a scale
+    QwtPlot& plot = panel.getPlot();
+    const auto drag = [&](Qt::MouseButton button, Qt::KeyboardModifiers modifiers, QPoint from,
+                          QPoint to) {
+        QTest::mousePress(plot.canvas(), button, modifiers, from);
+        QMouseEvent move(QEvent::MouseMove, to, button, button, modifiers);
+        QCoreApplication::sendEvent(plot.canvas(), &move);
+        QTest::mouseRelease(plot.canvas(), button, modifiers, to);
+    };
+    const auto values = [&] {
+        const QwtInterval scale = plot.axisInterval(QwtPlot::yLeft);
+        return std::pair(scale.minValue(), scale.maxValue());
+    };
+    const double width = plots.getTo() - plots.getFrom();
+    const auto all = values();
+    constexpr double margin = 0.03; // of the canvas around the scales
+    const int middle = plot.canvas()->width() / 2;
+    drag(Qt::RightButton, Qt::NoModifier, {0, 20}, {middle, 22}); // level: times only
+    EXPECT_NEAR(plots.getTo() - plots.getFrom(), width / 2, width * margin);
+    const auto half = values();
+    const int height = plot.canvas()->height();
+    drag(Qt::LeftButton, Qt::ShiftModifier, {middle, height / 2}, {1, 1});
+    EXPECT_NEAR(plots.getTo() - plots.getFrom(), width / 4, width * margin);
+    const double span = half.second - half.first;
+    EXPECT_NEAR(values().first, (half.first + half.second) / 2, span * margin);
+    EXPECT_NEAR(values().second, half.second, span * margin);
+    plots.setFocus();
+    QTest::keyClick(&plots, Qt::Key_0);
+    EXPECT_NEAR(plots.getTo() - plots.getFrom(), width, 1e-3);
+    EXPECT_EQ(values(), all);
 }
 
 TEST_F(Window, LeadsFromTheOutageToItsMessages)

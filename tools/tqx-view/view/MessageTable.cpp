@@ -39,7 +39,7 @@ MessageTable::MessageTable(MessageRows& rows, QWidget* parent)
     m_header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     const QFontMetrics metrics = fontMetrics();
     m_header->resizeSection(Time,
-                            metrics.horizontalAdvance("2026-01-06 12:00:00.000") + 2 * padding);
+                            metrics.horizontalAdvance("2026-01-06 12:00:00.000") + 3 * padding);
     m_header->resizeSection(Type, metrics.horizontalAdvance("PVTGeodetic2Extra") + 2 * padding);
     m_header->resizeSection(Size, metrics.horizontalAdvance("65,535") + 3 * padding);
     m_header->resizeSection(Offset, metrics.horizontalAdvance("10,000,000,000") + 2 * padding);
