@@ -34,7 +34,12 @@
 #include <gtest/gtest.h>
 #include <qwt_plot.h>
 
+#include <ctime>
 #include <thread>
+
+#ifdef __unix__
+#include <unistd.h>
+#endif
 
 using namespace tqx::view;
 
@@ -50,6 +55,26 @@ int coloursOf(const QImage& picture)
             colours.insert(picture.pixel(x, y));
     }
     return colours.size();
+}
+
+/// Of this process in bytes, 0 where it is not known.
+size_t memoryInUse()
+{
+    QFile pages("/proc/self/statm");
+    constexpr size_t pageSize = 4096;
+    return pages.open(QIODevice::ReadOnly) ? pages.readAll().split(' ')[1].toULong() * pageSize : 0;
+}
+
+/// What this thread has worked so far.
+double workMillis()
+{
+#ifdef __unix__
+    timespec spent = {};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &spent);
+    return static_cast<double>(spent.tv_sec) * 1e3 + static_cast<double>(spent.tv_nsec) / 1e6;
+#else
+    return static_cast<double>(std::clock()) * 1e3 / CLOCKS_PER_SEC;
+#endif
 }
 
 class Window : public testing::Test
@@ -374,6 +399,101 @@ TEST_F(Window, KeepsTheSessionAndTakesDroppedFiles)
     QCoreApplication::sendEvent(&next, &drop);
     EXPECT_TRUE(waitFor([&] { return next.windowTitle().startsWith("other.tqx"); }));
 }
+
+// Of 10 GB, made as it is read.
+TEST_F(Window, ALogOfTenGigabytesIsScrolledMarkedAndFollowed)
+{
+    constexpr uint64_t count = 200'000'000;
+    constexpr uint32_t perPage = 4096;
+    constexpr uint32_t spacing = 50;
+    m_window.getDocument().show(std::make_shared<TinyLog>(count, perPage, spacing));
+    ASSERT_EQ(rows(), count);
+    EXPECT_GE(m_window.getDocument().getLog()->getSize(), 10'000'000'000U);
+    const size_t before = memoryInUse();
+    for (const uint64_t row : {count / 3, count - 1, uint64_t{0}, count / 2}) {
+        table().select(row);
+        ASSERT_TRUE(waitFor([&] { return bytes().getOffset() == row * spacing; })) << row;
+        selectField(row % 5 == 0 ? "Kind" : "Value");
+        EXPECT_EQ(bytes().getMarkedOffset(), row % 5 == 0 ? 0U : 2U);
+    }
+    QTest::keyClick(&table(), Qt::Key_End);
+    EXPECT_EQ(table().getCurrent(), count - 1);
+    m_window.getMessages().goToOffset(9'000'000'002);
+    EXPECT_TRUE(waitFor([&] { return table().getCurrent() == 9'000'000'000 / spacing; }));
+    for (int i = 0; i < 200; ++i) { // through all of it, page after page
+        table().select(count / 200 * static_cast<uint64_t>(i));
+        QTest::qWait(1);
+    }
+    m_window.getMessages().setStickingToEnd(true);
+    for (uint64_t more = 1; more <= 50; ++more) {
+        m_window.getDocument().show(
+            std::make_shared<TinyLog>(count + more * 1000, perPage, spacing), true);
+        EXPECT_EQ(table().getCurrent(), count + more * 1000 - 1);
+    }
+    EXPECT_LE(m_window.getMessages().getRows().getLoadedPages(), MessageRows::mostPages);
+#ifndef TQX_SLOW_BUILD
+    constexpr size_t bound = 100'000'000;
+    EXPECT_LT(memoryInUse(), before + bound);
+#endif
+}
+
+TEST_F(Window, AnswersWhileALogOfThousandsOfTypesGrows)
+{
+    constexpr uint64_t perSecond = 5000;
+    // The work between two beats, so that other programs make no difference.
+    double last = workMillis();
+    double longest = 0;
+    QTimer heart;
+    QObject::connect(&heart, &QTimer::timeout, [&] {
+        longest = std::max(longest, workMillis() - last);
+        last = workMillis();
+    });
+    m_window.getDocument().show(std::make_shared<TinyLog>(1));
+    m_window.getMessages().setStickingToEnd(true);
+    heart.start(5);
+    constexpr uint64_t steps = 10;
+    for (uint64_t step = 1; step <= steps; ++step) {
+        const auto log = std::make_shared<TinyLog>(step * perSecond, 4096);
+        log->addTypes(3000 + static_cast<int>(step));
+        m_window.getDocument().show(log, true);
+        if (step == steps / 2)
+            m_window.getTabs().setCurrentIndex(2);
+        QTest::qWait(100);
+    }
+    EXPECT_GT(longest, 0);
+#ifndef TQX_SLOW_BUILD
+    EXPECT_LE(longest, 100);
+#endif
+    EXPECT_EQ(rows(), steps * perSecond);
+    EXPECT_EQ(m_window.findChild<TypeList*>()->topLevelItemCount(), 3000 + 10 + 3);
+}
+
+#ifdef __unix__
+TEST_F(Window, ShowsStandardInputAsItComes)
+{
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const int before = dup(STDIN_FILENO);
+    dup2(ends[0], STDIN_FILENO);
+    close(ends[0]);
+    m_window.open({"-"});
+    EXPECT_TRUE(waitFor([&] { return m_window.getDocument().getLog() != nullptr; }));
+    uint64_t shown = 0;
+    for (int part = 0; part < 3; ++part) {
+        const QByteArray some = simulatedLog(2, 2 * part);
+        ASSERT_EQ(write(ends[1], some.constData(), static_cast<size_t>(some.size())), some.size());
+        EXPECT_TRUE(waitFor([&] { return rows() > shown + 50; })) << part;
+        shown = rows();
+    }
+    EXPECT_EQ(table().getCurrent(), rows() - 1);
+    close(ends[1]);
+    // The end of the pipe leaves what has come.
+    QTest::qWait(100);
+    EXPECT_GE(rows(), shown);
+    dup2(before, STDIN_FILENO);
+    close(before);
+}
+#endif
 
 // Reading waits as from a slow disk; the window must not.
 TEST_F(Window, AnswersWhileALogIsReadSlowly)

@@ -88,7 +88,9 @@ private:
         TimelineRow row;
         row.name = name;
         row.count = type.count;
-        if (const std::optional<uint64_t> usual = type.intervals.getUsual(); usual && *usual > 0) {
+        constexpr uint64_t fewest = 3; // two have a single interval, which is no habit
+        const std::optional<uint64_t> usual = type.intervals.getUsual();
+        if (usual && *usual > 0 && type.count >= fewest) {
             row.interval = static_cast<double>(*usual);
             for (const Intervals::Gap& gap : type.intervals.getGaps(*usual, Timeline::mostFaults)) {
                 const auto from = static_cast<double>(gap.after);

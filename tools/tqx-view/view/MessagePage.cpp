@@ -147,11 +147,13 @@ void MessagePage::setStickingToEnd(bool isSticking)
 
 void MessagePage::goToTime(int64_t time)
 {
+    m_table->setFocus();
     m_rows.findTime(time);
 }
 
 void MessagePage::goToOffset(uint64_t offset)
 {
+    m_table->setFocus();
     m_rows.findOffset(offset);
 }
 

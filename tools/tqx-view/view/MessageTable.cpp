@@ -56,7 +56,17 @@ MessageTable::MessageTable(MessageRows& rows, QWidget* parent)
         viewport()->update();
         reportSelected();
     });
-    connect(&m_rows, &MessageRows::found, this, [this](qulonglong row) { select(row); });
+    connect(&m_rows, &MessageRows::found, this, &MessageTable::selectFound);
+}
+
+/// In the middle, unless it is in view already: what is around it is of interest, too.
+void MessageTable::selectFound(qulonglong row)
+{
+    const auto first = static_cast<qulonglong>(verticalScrollBar()->value());
+    const auto visible = static_cast<qulonglong>(std::max(visibleRows(), 1));
+    if (row < first || row >= first + visible)
+        verticalScrollBar()->setValue(static_cast<int>(row - std::min(row, visible / 2)));
+    select(row);
 }
 
 void MessageTable::setEmptyText(const QString& text)

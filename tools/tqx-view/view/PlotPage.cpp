@@ -64,13 +64,14 @@ PlotPage::~PlotPage()
 
 void PlotPage::setLog(const std::shared_ptr<const MessageLog>& log, bool isContinued)
 {
+    const size_t typesBefore = m_log ? m_log->getTypes().size() : 0;
     m_log = log;
-    QStringList names;
-    if (log) {
-        for (const QString& expression : plottableFields(*log))
-            names += expression.section(':', 1);
-    }
-    if (!isContinued) {
+    if (!isContinued || log->getTypes().size() != typesBefore) {
+        QStringList names;
+        if (log) {
+            for (const QString& expression : plottableFields(*log))
+                names += expression.section(':', 1);
+        }
         m_names->setStringList(names);
         m_name->setPlaceholderText(names.isEmpty() ? tr("type and field")
                                                    : tr("type and field, as %1").arg(names.last()));
