@@ -24,7 +24,7 @@ namespace tqx
 /// block may come before all. Comparisons are those of Condition: with a field that there is not,
 /// or that is not available, they are false. There is no any: a row has one element of each array.
 ///
-/// Immutable once made: any number of threads may ask the same one.
+/// Immutable once made: any number of threads may use the same one.
 class TQX_LOG_API RowCondition
 {
 public:
