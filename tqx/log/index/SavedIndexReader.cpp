@@ -11,7 +11,7 @@ namespace tqx
 namespace
 {
 
-/// Why bytes are no saved index.
+/// Why bytes are not a saved index.
 class BadIndex : public std::runtime_error
 {
 public:
@@ -53,7 +53,7 @@ public:
         throw BadIndex("a number is too large");
     }
 
-    /// A number of things that take at least `least` bytes each.
+    /// A count of things that take at least `least` bytes each.
     size_t count(size_t least)
     {
         const uint64_t value = variable();
@@ -61,7 +61,7 @@ public:
         return static_cast<size_t>(value);
     }
 
-    /// A number of bytes and the bytes.
+    /// A byte count and the bytes.
     template<typename Bytes>
     Bytes sized()
     {
@@ -183,7 +183,7 @@ void checkGaps(const FramedPages& pages)
     PageOffsets::Cursor last(lasts);
     for (uint32_t page = first.nextPage(0); page != PageOffsets::Cursor::none;
          page = first.nextPage(page + 1)) {
-        // A gap goes on in the next page as another one.
+        // A gap continues in the next page as another one.
         const PageOffsets::Page starts = first.at(page);
         const PageOffsets::Page ends = last.at(page);
         require(starts.size() == ends.size(), "a gap has no end");

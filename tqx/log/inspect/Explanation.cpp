@@ -27,7 +27,7 @@ struct Line {
     std::string bytes; ///< in hexadecimal, or which bits they are of the value above
     std::string label; ///< indented
     std::string raw;
-    std::string value; ///< what the raw value stands for, where it is more
+    std::string value; ///< what the raw value means, where that differs
 };
 
 std::string hex(const uint8_t* bytes, uint32_t count)

@@ -43,7 +43,7 @@ const TQX_TypeLayout& anyMainType()
     }
 }
 
-/// What the place is that was asked for, when it is not the block's own.
+/// Describes the requested place, when it is not the block's own.
 void addDamage(Inspection& inspection, const BlockLocation& location)
 {
     if (location.offset == location.place && location.hasSync())
@@ -59,7 +59,7 @@ void addDamage(Inspection& inspection, const BlockLocation& location)
     inspection.faults.push_back(std::move(fault));
 }
 
-/// Some of the bytes of damage without header.
+/// Some of the bytes of damage without a header.
 void addBytes(Inspection& inspection)
 {
     const auto size = static_cast<uint32_t>(inspection.bytes.size());
@@ -68,7 +68,7 @@ void addBytes(Inspection& inspection)
     inspection.rows = rows.take();
 }
 
-/// What the header says, as far as there is one.
+/// Appends what the header says, as far as there is one.
 void readHeader(Inspection& inspection)
 {
     const std::vector<uint8_t>& bytes = inspection.bytes;
@@ -119,7 +119,7 @@ void checkFrame(Inspection& inspection)
     }
 }
 
-/// Says of the checksum whether it is right, if there is enough to know.
+/// Says whether the checksum is correct, if enough is there to know.
 void judgeChecksum(Inspection& inspection)
 {
     const std::vector<uint8_t>& bytes = inspection.bytes;
@@ -142,7 +142,7 @@ void judgeChecksum(Inspection& inspection)
     }
 }
 
-/// The header and the rest of a block of unknown number.
+/// The header and the rest of a block of an unknown number.
 void addUnknownBody(Inspection& inspection)
 {
     const auto size = static_cast<uint32_t>(inspection.bytes.size());
@@ -162,7 +162,7 @@ void addUnknownBody(Inspection& inspection)
     inspection.rows = rows.take();
 }
 
-/// The field that the code names, where it would be, or what else went wrong there.
+/// The field that the code names, with the place where it would be, or what else went wrong there.
 void addResult(Inspection& inspection)
 {
     using Kind = InspectionRow::Kind;

@@ -65,7 +65,7 @@ Members membersOf(const JsonValue& line)
 struct LineEncoder::Tools {
     JsonLine parser;
     RecordFiller filler;
-    std::unordered_map<std::string_view, const TQX_TypeLayout*> types; ///< met so far, by name
+    std::unordered_map<std::string_view, const TQX_TypeLayout*> types; ///< found so far, by name
 };
 
 LineEncoder::LineEncoder(const Schema& schema)

@@ -85,7 +85,7 @@ const void* mainOf(const TQX_TypeLayout& type, const void* record)
     return record;
 }
 
-/// Calls `step`, and gives what it throws the field's name as its place.
+/// Calls `step`, and adds the field's name as the place to what it throws.
 template<typename Step>
 void atField(const TQX_FieldLayout& field, Step step)
 {
@@ -133,7 +133,7 @@ void RecordFilling::assignRows()
         failUnknown();
 }
 
-/// Names the first of the unknown ones in the alphabet.
+/// Reports the alphabetically first unknown name.
 void RecordFilling::failUnknown() const
 {
     std::string_view unknown;
@@ -218,7 +218,7 @@ void RecordFilling::fillScalar(int index)
     splitWord(index);
 }
 
-/// Sets the members of the bit ranges, which may say what other fields there are.
+/// Sets the members of the bit ranges, which may decide what other fields there are.
 void RecordFilling::splitWord(int word)
 {
     for (int i = word + 1; i < m_plan.afterBits(word); ++i) {
@@ -237,7 +237,7 @@ bool RecordFilling::isAnnounced(int count) const
                        [&](const auto& one) { return one.first == count; });
 }
 
-/// Notes what a count must be; all that it counts must agree.
+/// Records what a count must be; everything it counts must agree.
 void RecordFilling::announce(int count, size_t elements)
 {
     auto& all = m_filler.m_announced;
@@ -251,8 +251,8 @@ void RecordFilling::announce(int count, size_t elements)
         all.emplace_back(count, elements);
 }
 
-/// Counts are what the arrays say. A count of bytes that is given may end inside an element after
-/// those of the array.
+/// Counts follow from the arrays. A given count of bytes may end inside an element after those of
+/// the array.
 void RecordFilling::setCount(int index, size_t elements)
 {
     const TQX_FieldLayout& field = row(index);
@@ -356,7 +356,7 @@ void RecordFilling::fillContent(int index)
     switch (field.kind) {
     case TQX_FieldKind::Array:
     case TQX_FieldKind::CountedArray:
-        // Initialising leaves most of a counted array as it was.
+        // Initialising leaves most of a counted array unchanged.
         std::memset(TQX_element(field, m_record), 0,
                     size_t{field.elements} * TQX_elementSize(field));
         if (isGiven(index))
@@ -387,7 +387,7 @@ void RecordFilling::fillContent(int index)
     }
 }
 
-/// Makes the three forms of a main block's number and revision agree with each other.
+/// Makes the three forms of a main block's number and revision agree.
 void RecordFilling::settleId()
 {
     auto* header = static_cast<TQX_MainHeader_s*>(m_record);

@@ -69,7 +69,7 @@ void Expression::fail(size_t position, const std::string& why) const
     };
     size_t begin = position - std::min(position, most);
     size_t end = std::min(m_source.size(), position + most);
-    // Not within a character.
+    // Not inside a character.
     while (begin != 0 && isWithin(begin))
         ++begin;
     while (isWithin(end))

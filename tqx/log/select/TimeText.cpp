@@ -21,7 +21,7 @@ namespace
 constexpr uint64_t secondsPerDay = 86400;
 constexpr uint64_t highestWeek = 65534;
 
-/// What is left to read of a text.
+/// The rest of a text to parse.
 class Reader
 {
 public:

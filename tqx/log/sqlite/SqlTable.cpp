@@ -16,7 +16,7 @@ namespace
 
 constexpr double secondsPerMilli = 0.001;
 
-// Parameters of the columns that every table of a kind begins with.
+// Parameters of the first columns of every table of a kind.
 constexpr int idColumn = 1;
 enum BlockColumn { FileId = 2, FileOffset, Week, TimeOfWeek, GnssTime, UtcTime };
 enum EntryColumn { ParentId = 2, Element, BlockId };
