@@ -20,7 +20,7 @@ std::string field(std::string_view text, size_t width);
 /// Latin-1 as printable ASCII: other characters become underscores.
 std::string plain(std::string_view text);
 
-/// A moment as people write it.
+/// A point in time, split into calendar fields.
 struct CivilTime {
     explicit CivilTime(GnssMillis time);
     CalendarDate date;
