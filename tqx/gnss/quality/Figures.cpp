@@ -124,7 +124,7 @@ const std::vector<Figure> all = {
     {"load_max", "%", "largest processor load", [](const Q& q) { return q.load.most; }},
     {"temperature_max", "°C", "highest temperature of the receiver",
      [](const Q& q) { return q.temperature.most; }},
-    {"restarts", "", "times the receiver started anew",
+    {"restarts", "", "restarts of the receiver",
      [](const Q& q) { return q.load.count == 0 ? none : count(q.restarts); }},
     {"antenna_faults", "", "times the receiver reports an antenna that is open or shorted",
      [](const Q& q) { return q.load.count == 0 ? none : found(q, FindingKind::Antenna); }},

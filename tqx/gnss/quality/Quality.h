@@ -39,7 +39,7 @@ enum class FindingKind : uint8_t {
     Antenna,       ///< the receiver reports an antenna that is open or shorted
     WeakSignals,   ///< C/N0 falls on all satellites at once, for no reported reason
     Corrections,   ///< corrections stopped or are too old
-    Restart,       ///< the receiver started anew
+    Restart,       ///< the receiver restarted
     ReceiverError, ///< another error that the receiver reports
     SetUpChange,   ///< marker, receiver or antenna changed
     Damage,        ///< bytes that belong to no block

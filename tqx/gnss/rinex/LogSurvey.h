@@ -69,7 +69,7 @@ public:
     /// Whether blocks of this number have anything for headers besides observations.
     static bool wants(uint16_t blockNumber);
 
-    /// A block that decoded and is wanted.
+    /// Adds a decoded, wanted block.
     void take(const DecodedBlock& decoded);
 
     /// Adds an epoch that will be written.
