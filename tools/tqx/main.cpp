@@ -36,7 +36,7 @@ constexpr const char* notes =
     "\n"
     "`tqx help COMMAND` explains a command and shows examples.\n";
 
-/// A bad command line is reported in one line; help and version are no errors.
+/// A bad command line is reported in one line; help and version are not errors.
 ExitStatus explain(const CLI::App& program, const CLI::ParseError& error)
 {
     if (error.get_exit_code() == 0) {
@@ -59,7 +59,7 @@ ExitStatus run(int argc, char** argv)
     program.formatter(std::make_shared<tqx::tool::HelpFormatter>(tqx::tool::outputWidth()));
     program.get_formatter()->label("SUBCOMMAND", "COMMAND");
     program.get_formatter()->label("Positionals", "Arguments");
-    // Scripts ask for the version alone, which needs none of the commands with all their options.
+    // Scripts ask for the version only, which needs none of the commands and their options.
     std::vector<std::unique_ptr<Command>> commands;
     if (argc != 2 || std::strcmp(argv[1], "--version") != 0)
         commands = tqx::tool::makeCommands(program);
@@ -82,7 +82,7 @@ ExitStatus run(int argc, char** argv)
     return ExitStatus::Failed;
 }
 
-/// Libraries may want memory where they cannot fail, such as for taking down a deep tree of JSON.
+/// Libraries may need memory where they cannot fail, such as for destroying a deep tree of JSON.
 [[noreturn]] void endWithoutMemory()
 {
     try {

@@ -68,7 +68,7 @@ public:
     }
     void writeOther(Buffer& out, const DecodedBlock& decoded) override
     {
-        // Nothing stands for a block of a known type that did not decode.
+        // CSV has nothing for a block of a known type that did not decode.
         if (!m_filter.getSchema().getBlockType(decoded.block.getNumber()))
             m_paragraph.writeTitle(out, decoded.block);
     }

@@ -15,7 +15,7 @@ namespace tqx::tool
 namespace
 {
 
-/// Gathers what is selected, to be written at the end.
+/// Gathers the selected messages, to be written at the end.
 class NavigationRows : public BlockConsumer
 {
 public:

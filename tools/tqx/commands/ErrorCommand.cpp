@@ -44,7 +44,7 @@ ErrorCommand::ErrorCommand(CLI::App& program)
               "  tqx error --all\n")
 {
     m_app.add_option("CODE", m_items, "Codes, or their names")->type_name("");
-    // Negative numbers look like options; this way they come through.
+    // Negative numbers look like options; this lets them through.
     m_app.allow_extras();
     m_app.add_flag("--all", m_all, "List every code with its name, from -1 down");
 }

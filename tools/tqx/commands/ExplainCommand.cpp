@@ -40,7 +40,8 @@ std::pair<std::string, uint64_t> split(const std::string& place)
     return {place.substr(0, at), offset};
 }
 
-/// An input that ends where it cannot be read any more, so that a block before that is explained.
+/// An input that ends where it cannot be read further, so that a block before that can be
+/// explained.
 class ReadableInput : public ByteSource
 {
 public:
@@ -120,7 +121,7 @@ ExplainCommand::ExplainCommand(CLI::App& program)
     CLI::Option* asJson =
         m_app.add_flag("--json", m_json, "A JSON object per place instead of text");
     m_units.add(m_app, "How units are written in text: meter, or m")->excludes(asJson);
-    // Standard input looks like an option, -@0; this way it comes through.
+    // Standard input, -@0, looks like an option; this lets it through.
     m_app.allow_extras();
 }
 

@@ -33,7 +33,7 @@ public:
             [this](const Neighbour& neighbour) { m_summary.addNeighbour(neighbour); });
     }
     void take(BlockStream& stream, const Block& block) override { m_summary.add(stream, block); }
-    // What is shown of a whole stream is counted up to where it is read.
+    // What is shown for a whole stream is counted up to the current place.
     bool canSkip() const override { return !m_isLimited; }
     void end(InputStream& stream) override
     {
@@ -81,7 +81,7 @@ InfoCommand::InfoCommand(CLI::App& program)
         "Compare files side by side: a column for each, or with --json an array of objects");
 }
 
-/// The logs side by side.
+/// Logs side by side.
 ExitStatus InfoCommand::showEach(Output& output)
 {
     SummaryTable table;

@@ -55,7 +55,7 @@ MergeCommand::MergeCommand(CLI::App& program)
         ->type_name("FILE");
 }
 
-/// Has damage reported with the input that it is in.
+/// Reports damage with its input.
 void MergeCommand::listen(InputStream& stream, words::Limit& limit) const
 {
     stream.setGapListener([this, &limit](const StreamGap& gap) {

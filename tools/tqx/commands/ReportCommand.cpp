@@ -48,7 +48,7 @@ public:
         m_gatherer.take(m_decoder.getDecoded());
     }
 
-    /// Damage counts wherever it is.
+    /// Damage counts even outside the selected times.
     bool canSkip() const override { return false; }
 
     void end(InputStream& stream) override

@@ -137,7 +137,7 @@ void SimulateCommand::declareTrack()
         ->option_text("LAT,LON,HEIGHT=47.07,15.45,412.3");
 }
 
-/// Sets the time of the first epoch. Before week 1930 there were other leap seconds.
+/// Sets the time of the first epoch. Before week 1930 the number of leap seconds was different.
 void SimulateCommand::readStart()
 {
     constexpr double lastMillisecond = 604799.999;

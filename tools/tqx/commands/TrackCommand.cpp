@@ -109,7 +109,7 @@ std::string TrackCommand::trackName() const
     return name == "-" ? "track" : name;
 }
 
-/// Which source was chosen among several, and what is not in the track.
+/// Reports which of several sources was chosen, and what is not in the track.
 void TrackCommand::say(const TrackOutput& track) const
 {
     const PositionSource* const chosen = track.getSource();

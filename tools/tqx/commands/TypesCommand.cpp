@@ -24,7 +24,7 @@ namespace
 
 using Types = std::vector<const TQX_TypeLayout*>;
 
-/// The types that a name, a block number or a pattern stands for.
+/// The types that match a name, a block number or a pattern.
 Types typesOf(const std::string& name, const Schema& schema)
 {
     uint16_t number = 0;
@@ -116,7 +116,7 @@ void TypesCommand::appendJson(Buffer& out) const
                                          : typesOf(m_names, m_descriptions.getSchema()));
 }
 
-/// Of several types each name once.
+/// Each name once, even if several types have it.
 void TypesCommand::appendFields(Buffer& out) const
 {
     std::unordered_set<std::string> known;

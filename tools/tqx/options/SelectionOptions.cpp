@@ -20,7 +20,7 @@ void addNames(CLI::App& command, const char* name, std::vector<std::string>& nam
         ->group(SelectionOptions::group);
 }
 
-/// An empty one is more likely a variable that was never set than the wish for everything.
+/// An empty argument is more likely an unset variable than a wish for everything.
 std::string refuseEmpty(const std::string& value)
 {
     return value.empty() ? "it is empty" : "";

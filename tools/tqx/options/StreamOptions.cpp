@@ -120,7 +120,7 @@ void StreamOptions::lookAhead(const std::function<void(BlockStream&, const Block
     }
 }
 
-/// Has only what is asked for read, where the index of the input says where that is.
+/// Reads only what is selected, if the input has an index that locates it.
 void StreamOptions::useIndex(InputStream& stream, const BlockConsumer& consumer)
 {
     const Selection& chosen = getSelection();

@@ -28,7 +28,7 @@ std::string unknownOption(const CLI::App& app, const std::string& given)
                        {names.begin(), names.end()});
 }
 
-/// What there is instead of a command.
+/// The word given instead of a command.
 std::string describeCommand(const CLI::App& program)
 {
     const std::vector<std::string> extras = program.remaining(true);
