@@ -19,7 +19,7 @@ namespace tqx::view
 namespace
 {
 
-/// What framing reads through, so that it can be watched and stopped.
+/// A wrapper through which framing reads, so that it can be watched and stopped.
 class WatchedAccess : public RandomAccess
 {
 public:
@@ -130,7 +130,7 @@ FramingOptions framingOptions()
     return options;
 }
 
-/// A compressed file is read once, for its index and for what reading anywhere in it takes.
+/// A compressed file is read once, for its index and its access points.
 std::shared_ptr<const Index> unpack(OpenFile& opened, Compression compression,
                                     const TaskToken& token, const Progress& progress,
                                     std::string& warning)

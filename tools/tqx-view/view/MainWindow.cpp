@@ -102,7 +102,7 @@ MainWindow::~MainWindow()
     delete takeCentralWidget();
 }
 
-/// The log is read for satellites and positions once one of their pages is looked at.
+/// The log is read for satellites and positions once one of their pages is shown.
 void MainWindow::surveyIfShown()
 {
     const bool isShown = m_tabs->currentWidget() == m_sky || m_tabs->currentWidget() == m_track;

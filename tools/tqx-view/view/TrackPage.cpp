@@ -56,7 +56,7 @@ void addDots(QwtPlot& plot, const QString& title, const QVector<QPointF>& dots,
 
 QString metres(double value)
 {
-    constexpr double least = 0.0005; // what is less would be shown as a negative zero
+    constexpr double least = 0.0005; // smaller ones would be shown as a negative zero
     return QLocale().toString(std::abs(value) < least ? 0 : value, 'f', 3);
 }
 
