@@ -44,7 +44,7 @@ private:
     size_t m_size;
 };
 
-/// A random block of a type that the input chooses, with up to `changes` changed bytes and a
+/// A random block of a type that the input chooses, with up to `mostChanges` changed bytes and a
 /// correct checksum.
 inline std::vector<uint8_t> fuzzBlock(FuzzInput& input, unsigned mostChanges = 8)
 {

@@ -13,7 +13,7 @@ namespace tqx
 namespace
 {
 
-// Marks may lag behind the summed bytes by this much.
+// The most by which marks may trail the summed bytes.
 constexpr size_t markSlack = 8;
 // Shorter stretches are summed directly; longer ones begin where marks reach.
 constexpr size_t shortBlock = 64;

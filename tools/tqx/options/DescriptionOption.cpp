@@ -12,7 +12,7 @@ void DescriptionOption::add(CLI::App& command)
     command
         .add_option("--description", m_paths,
                     "Know the blocks that this YAML file describes, or the *.yaml files of this "
-                    "folder, beside the built ones; can be given more than once")
+                    "folder, besides the built-in ones; can be given more than once")
         ->allow_extra_args(false)
         ->type_name("PATH");
 }

@@ -137,7 +137,7 @@ struct EphemerisParameter {
 /// All of them, in the order of tables.
 TQX_GNSS_API const std::vector<EphemerisParameter>& ephemerisParameters();
 
-/// Whether two tell the same, whenever they were sent and received.
+/// Whether two have the same content, whenever they were sent and received.
 TQX_GNSS_API bool isSame(const Ephemeris& a, const Ephemeris& b);
 
 } // namespace tqx

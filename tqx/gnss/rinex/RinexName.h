@@ -21,7 +21,7 @@ struct NameParts {
 
 /// "GRAZ00AUT_R_20260061200_01H_01S_MO.rnx": site, marker and receiver number, country, start,
 /// length, interval and kind. A marker such as "GRAZ00AUT" provides the first four. Characters that
-/// names cannot have are dropped from the marker; an unknown country is XXX.
+/// names cannot have are dropped from the marker; an unknown country becomes three X.
 TQX_GNSS_API std::string observationFileName(const NameParts& parts);
 
 /// The same for a navigation file: "GRAZ00AUT_R_20260061200_01H_MN.rnx".

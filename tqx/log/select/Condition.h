@@ -15,7 +15,7 @@ namespace tqx
 
 /// An expression with its names resolved: decides for which messages it holds.
 ///
-/// A field stands for all its values in the message: one, or all elements of an array and of all
+/// A field means all its values in the message: one, or all elements of an array and of all
 /// sub-blocks. A comparison holds when it holds for at least one available value, in the unit and
 /// with the names of the description; so it never holds for messages without the field. `has` tests
 /// for an available value. `any` holds when its whole condition holds for one and the same element
