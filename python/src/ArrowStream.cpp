@@ -107,7 +107,7 @@ ArrowStream::ArrowStream(WriteSchema schema, NextBatch next, std::shared_ptr<Tab
 nb::capsule ArrowStream::handOut()
 {
     if (!m_next)
-        throw nb::value_error("the table was read already");
+        throw nb::value_error("the table has already been read");
     auto content = std::make_unique<Content>();
     content->schema = m_schema;
     content->next = std::exchange(m_next, nullptr);

@@ -28,11 +28,12 @@ constexpr const char* about = "Reads and writes streams of TQX blocks, the binar
                               "family of GNSS receivers.";
 
 constexpr const char* notes =
-    "Data goes to standard output, messages to standard error. Exit status: 0 done, 1 could not\n"
-    "do it, 2 done under --strict but the stream was damaged, 3 done but a figure does not meet\n"
-    "report --require. When the reader of the output goes away early, the program ends quietly,\n"
-    "with status 0. An interruption (Ctrl-C) ends the input: what has been read is still written\n"
-    "and summarised, then the program ends as interrupted.\n"
+    "Data goes to standard output, messages to standard error. Exit status: 0 done, 1\n"
+    "failed, 2 done, but the stream was damaged and --strict was given, 3 done, but a\n"
+    "figure does not meet report --require. When the reader of the output goes away\n"
+    "early, the program ends quietly with status 0. An interruption (Ctrl-C) ends the\n"
+    "input: what has been read is still written and summarised, then the program ends as\n"
+    "interrupted.\n"
     "\n"
     "`tqx help COMMAND` explains a command and shows examples.\n";
 

@@ -215,7 +215,7 @@ void PlotField::read(uint32_t firstPage)
     }
     if (fields.empty() || !isNumeric(*fields.back())) {
         m_isReading = false;
-        Q_EMIT failed(tr("%1 is no numeric field").arg(m_expression));
+        Q_EMIT failed(tr("%1 is not a numeric field").arg(m_expression));
         return;
     }
     m_unit = m_log->unitOf(*fields.back());

@@ -33,7 +33,7 @@ public:
     size_t readAt(uint64_t offset, uint8_t* bytes, size_t count) const override
     {
         if (m_token.isCancelled())
-            throw SourceError(getName() + ": no longer wanted");
+            throw SourceError(getName() + ": cancelled");
         const size_t got = m_watched.readAt(offset, bytes, count);
         const uint64_t done = m_done.fetch_add(got) + got;
         if (m_progress)
@@ -60,7 +60,7 @@ public:
     size_t read(uint8_t* bytes, size_t capacity) override
     {
         if (m_token.isCancelled())
-            throw SourceError("no longer wanted");
+            throw SourceError("cancelled");
         const size_t got = FileSource::read(bytes, capacity);
         m_done += got;
         if (m_progress)

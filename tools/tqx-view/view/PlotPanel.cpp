@@ -64,7 +64,7 @@ PlotPanel::PlotPanel(const QString& expression, QString choice, QWidget* parent)
     m_values->setObjectName("plotValues");
     m_choices->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     m_choices->setMaxVisibleItems(30);
-    m_choices->setToolTip(tr("Which of the things that the field is sent for"));
+    m_choices->setToolTip(tr("Which of the series of the field to show"));
     m_choices->hide();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

@@ -123,7 +123,7 @@ void TrackPage::showData()
     const QString typed = m_centre->text().trimmed();
     if (!typed.isEmpty() && !parsePlace(typed, centre)) {
         m_figures->setText(
-            tr("%1 is no place; latitude, longitude and height are expected").arg(typed));
+            tr("%1 is not a place; latitude, longitude and height are expected").arg(typed));
         return;
     }
     m_points = localTrack(known.track, centre);

@@ -207,7 +207,7 @@ ExitStatus RinexRun::writeFiles(const std::vector<std::string>& files, bool isQu
         words::say("no observations: there is no observation file");
     } else if (!m_survey.getSetUp() && m_request.options.marker.empty()) {
         words::say("the log does not describe the installation: marker, receiver and antenna are "
-                   "not known (--marker, --observer and --agency give some of it)");
+                   "unknown (set some of it with --marker, --observer and --agency)");
     }
     openFiles();
     if (m_spool && !m_outputs.empty()) {

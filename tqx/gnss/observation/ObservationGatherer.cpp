@@ -88,7 +88,7 @@ std::vector<std::string> ObservationLosses::describe() const
     }
     if (withoutSlot != 0) {
         lines.push_back(
-            fmt::format("{} observation{} of GLONASS satellites whose slot is not known left out",
+            fmt::format("{} observation{} of GLONASS satellites with unknown slot left out",
                         withoutSlot, withoutSlot == 1 ? "" : "s"));
     }
     if (incomplete != 0) {

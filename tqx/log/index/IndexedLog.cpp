@@ -118,7 +118,7 @@ std::optional<SavedIndex> IndexedLog::load(const IndexedLogOptions& options)
     case LogIdentity::Match::Other:
         break;
     }
-    warn(options, path + ": is not used, it is the index of another log");
+    warn(options, path + ": is not used: it is the index of another log");
     return std::nullopt;
 }
 

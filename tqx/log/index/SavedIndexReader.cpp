@@ -119,7 +119,7 @@ std::vector<AccessPoint> readPoints(Reader& reader, Compression compression, uin
         point.packed = packed;
         point.content = content;
         point.bits = reader.number<uint8_t>();
-        require(compression != Compression::None && point.bits < 8, "an access point is none");
+        require(compression != Compression::None && point.bits < 8, "an access point is invalid");
         point.window = reader.sized<std::vector<uint8_t>>();
         points.push_back(std::move(point));
     }
@@ -206,7 +206,7 @@ SavedIndex read(const uint8_t* bytes, size_t size)
     require(checksum.number<uint32_t>() == crc32(bytes, size - checksumSize),
             "its checksum is wrong");
     require(reader.number<uint32_t>() == SavedIndexFormat::knownNumbers(),
-            "it was made when other blocks were known");
+            "it was made with other known blocks");
 
     LogIdentity identity;
     identity.size = reader.number<uint64_t>();

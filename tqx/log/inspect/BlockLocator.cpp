@@ -119,7 +119,7 @@ BlockLocation locateBlock(ByteSource& source, uint64_t place)
     }
     if (location.bytes.empty()) {
         throw SourceError(
-            fmt::format("{}: {}: the input has {} bytes only", location.file, place, position));
+            fmt::format("{}: {}: the input has only {} bytes", location.file, place, position));
     }
     location.isCutShort = isDone(location, position);
     if (!found)

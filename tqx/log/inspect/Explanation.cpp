@@ -119,7 +119,7 @@ void appendHead(Buffer& out, const Inspection& inspection)
         if (!inspection.type) {
             out.append("\nno type has this number");
         } else if (inspection.revision > inspection.type->highestRevision) {
-            out.append(fmt::format("\nnewer than revision {}, the last one that is known",
+            out.append(fmt::format("\nnewer than revision {}, the last known one",
                                    inspection.type->highestRevision));
         }
     }

@@ -93,7 +93,7 @@ void checkFrame(Inspection& inspection)
     const uint16_t length = inspection.length;
     if (bytes.size() < frameHeader) {
         faults.push_back(
-            fmt::format("the input ends after {} bytes, within the header", bytes.size()));
+            fmt::format("the input ends after {} bytes, inside the header", bytes.size()));
         return;
     }
     if (length < frameHeader) {
@@ -137,7 +137,7 @@ void judgeChecksum(Inspection& inspection)
     if (inspection.isIntact) {
         row->name = "right";
     } else {
-        row->error = fmt::format("wrong, the bytes give {}",
+        row->error = fmt::format("wrong, the bytes have {}",
                                  korcg_crc16_bytes(bytes.data() + 4, bytes.size() - 4U));
     }
 }
@@ -179,7 +179,7 @@ void addResult(Inspection& inspection)
         fault += fmt::format(": {} of {} at {}, {} in the file, ", name, culprit->type->name,
                              culprit->offset, inspection.offset + culprit->offset);
         if (culprit->kind == Kind::Missing) {
-            fault += fmt::format("would need {} more {}", culprit->stated,
+            fault += fmt::format("needs {} more {}", culprit->stated,
                                  culprit->stated == 1 ? "byte" : "bytes");
         } else if (culprit->kind == Kind::TooMany) {
             fault += fmt::format("has {} elements, there is room for {}", culprit->index,
@@ -294,7 +294,7 @@ std::string describeNoBlock(const BlockLocation& location, const Schema& schema)
 {
     std::string text = "no block begins here";
     if (location.around)
-        text += "; it is inside of " + describe(*location.around, schema);
+        text += "; it is inside " + describe(*location.around, schema);
     if (location.following) {
         text += "; the next block is " + describe(*location.following, schema);
     } else {

@@ -220,7 +220,7 @@ public:
     {
         if (dynamic_cast<const nlohmann::json::out_of_range*>(&error))
             failTooLarge();
-        throw LineError(fmt::format("no valid JSON at column {}", position));
+        throw LineError(fmt::format("invalid JSON at column {}", position));
     }
 
 private:
@@ -285,7 +285,7 @@ const JsonValue& JsonLine::parse(std::string_view line)
 {
     // The parsers would take it for the end.
     if (const size_t null = line.find('\0'); null != std::string_view::npos)
-        throw LineError(fmt::format("no valid JSON at column {}: a null character", null + 1));
+        throw LineError(fmt::format("invalid JSON at column {}: a null character", null + 1));
     constexpr size_t longest = std::numeric_limits<uint32_t>::max() - 1;
     if (line.size() > longest)
         throw LineError(fmt::format("longer than {} bytes", longest));

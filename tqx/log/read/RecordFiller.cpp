@@ -126,8 +126,7 @@ void RecordFilling::assignRows()
             derived = std::min(derived, index);
     }
     if (derived != m_type.fieldCount) {
-        throw LineError::at(row(derived).name,
-                            "is computed when a block is decoded, it cannot be given");
+        throw LineError::at(row(derived).name, "is computed by decoding and cannot be given");
     }
     if (!isKnown)
         failUnknown();
@@ -153,12 +152,12 @@ void RecordFilling::checkPresence(int index)
     switch (field.presence) {
     case TQX_Presence::SinceRevision:
         throw LineError::at(field.name,
-                            fmt::format("is there from revision {} on only", field.presenceValue));
+                            fmt::format("exists only from revision {} on", field.presenceValue));
     case TQX_Presence::OnlyRevision:
         throw LineError::at(field.name,
-                            fmt::format("is there in revision {} only", field.presenceValue));
+                            fmt::format("exists only in revision {}", field.presenceValue));
     case TQX_Presence::Selected:
-        throw LineError::at(field.name, fmt::format("is there only when {} is {}",
+        throw LineError::at(field.name, fmt::format("exists only when {} is {}",
                                                     row(field.selector).name, field.presenceValue));
     case TQX_Presence::Always:
         return;
@@ -173,7 +172,7 @@ void RecordFilling::fillBits(int word, int part)
         if (bits.summary != TQX_Summary::None) {
             const uint64_t whole = TQX_unsignedValue(field, m_record, index);
             if (TQX_bitsOf(&row(word + 1), bits, whole) != bitsOf(bits, given))
-                throw LineError("contradicts the bits that it sums up");
+                throw LineError("contradicts the bits that it summarises");
             return;
         }
         const uint64_t mask = ~uint64_t{0} >> (64 - bits.width);

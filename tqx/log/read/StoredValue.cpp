@@ -180,7 +180,7 @@ std::string latin1Of(const JsonValue& value, size_t capacity)
             const auto second = static_cast<uint8_t>(utf8[++i]);
             text += static_cast<char>((first & 3U) << 6U | (second & 0x3fU));
         } else {
-            throw LineError("a text holds characters up to U+00FF only");
+            throw LineError("a text can only hold characters up to U+00FF");
         }
     }
     if (text.size() > capacity)

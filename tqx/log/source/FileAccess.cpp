@@ -171,9 +171,8 @@ size_t FileAccess::readAt(uint64_t offset, uint8_t* bytes, size_t count) const
     for (size_t done = 0; done < wanted;) {
         const int64_t got = m_file->read(offset + done, bytes + done, wanted - done);
         if (got <= 0) {
-            throw SourceError(
-                fmt::format("{}: {}: {}", m_name, offset + done,
-                            got < 0 ? errorText(errno) : "the file has become shorter"));
+            throw SourceError(fmt::format("{}: {}: {}", m_name, offset + done,
+                                          got < 0 ? errorText(errno) : "the file has shrunk"));
         }
         done += static_cast<size_t>(got);
     }

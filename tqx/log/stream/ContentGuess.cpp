@@ -187,7 +187,7 @@ const char* describeContent(Content content)
     case Content::Text:
         return "text";
     case Content::JsonLines:
-        return "JSON Lines, of which tqx encode makes blocks";
+        return "JSON Lines, which tqx encode turns into blocks";
     case Content::Gzip:
         return "compressed by gzip";
     case Content::Zstandard:
