@@ -53,7 +53,7 @@ struct TrackPoint {
     Fix fix;
 };
 
-/// What a log says of satellites and positions. Of the main antenna only.
+/// What a log says about satellites and positions; only for the main antenna.
 struct GnssData {
     std::vector<SkyEpoch> strengths;        ///< thinned evenly when there are many
     std::vector<DirectionEpoch> directions; ///< likewise
@@ -72,7 +72,7 @@ public:
     explicit GnssSurvey(QObject* parent = nullptr);
     ~GnssSurvey() override;
 
-    /// Begins with another log, or with none; changed() follows when it has been read. With
+    /// Starts reading another log, or none; changed() follows when it has been read. With
     /// `isContinued`, what is known of the log so far is kept meanwhile.
     void setLog(std::shared_ptr<const TqxLog> log, bool isContinued = false);
 
@@ -80,7 +80,7 @@ public:
 
     static constexpr size_t mostEpochs = 2000;
     static constexpr size_t mostPositions = 50'000;
-    static constexpr size_t mostSpans = 500'000; ///< of all signals together
+    static constexpr size_t mostSpans = 500'000; ///< of all signals
 
 protected:
     void take(const Result& result) override;
@@ -89,7 +89,7 @@ private:
     std::shared_ptr<const GnssData> m_data;
 };
 
-/// What GnssSurvey gives, in the thread that asks; null when the token is cancelled.
+/// Does the work of GnssSurvey in the calling thread; null when the token is cancelled.
 std::shared_ptr<const GnssData> readGnss(const TqxLog& log, const TaskToken& token);
 
 } // namespace tqx::view

@@ -75,7 +75,7 @@ void PlotSeries::findGaps(size_t first, double last) const
     }
 }
 
-/// Boyer's and Moore's vote: the step that more than half of the points have, if there is one.
+/// Boyer-Moore majority vote: the step that more than half of the points have, if there is one.
 void PlotSeries::countStep(double step)
 {
     if (step <= 0)
