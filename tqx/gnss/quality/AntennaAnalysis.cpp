@@ -39,9 +39,11 @@ void AntennaAnalysis::closeEpoch(GnssMillis time, uint64_t interval)
             m_withPhase.push_back(seen);
     }
     m_strength.take(time, m_seen);
-    m_systems.take(time, m_seen);
+    // Without anything it is an outage of the antenna, and of no system.
+    if (m_hasSeen)
+        m_systems.take(time, m_seen);
     m_arcs.take(time, m_withPhase, interval * 7 / 2);
-    if (!m_seen.empty()) {
+    if (m_hasSeen) {
         if (m_epochs == 0) {
             m_first = time;
         } else if (m_now != m_last) {
@@ -53,6 +55,7 @@ void AntennaAnalysis::closeEpoch(GnssMillis time, uint64_t interval)
     m_now = time;
     m_interval = interval;
     m_seen.clear();
+    m_hasSeen = false;
 }
 
 void AntennaAnalysis::keepOutage(GnssMillis end)
@@ -99,20 +102,23 @@ void AntennaAnalysis::addPlot(Quality& log, Plot plot) const
 
 void AntennaAnalysis::reportEpochs(AntennaQuality& antenna, Quality& log) const
 {
-    antenna.number = m_number;
-    antenna.first = m_first;
-    antenna.last = m_last;
-    antenna.interval = log.interval;
+    if (m_number != 0) {
+        antenna.number = m_number;
+        antenna.first = m_first;
+        antenna.last = m_last;
+        antenna.interval = log.interval;
+        antenna.epochsExpected = log.epochsExpected;
+    }
     antenna.epochsFound = m_epochs;
-    antenna.epochsExpected = log.epochsFound;
-    antenna.outages = m_outageCount;
-    antenna.outageSeconds = static_cast<double>(m_outageMillis) * 1e-3;
-    antenna.longestOutage = static_cast<double>(m_longestOutage) * 1e-3;
+    antenna.outages += m_outageCount;
+    antenna.outageSeconds += static_cast<double>(m_outageMillis) * 1e-3;
+    antenna.longestOutage =
+        std::max(antenna.longestOutage, static_cast<double>(m_longestOutage) * 1e-3);
     for (const Episode& outage : m_outages) {
         addFinding(log, FindingKind::Outage, outage, secondsOf(outage),
                    fmt::format("no measurements for {:.6g} s", secondsOf(outage)));
     }
-    antenna.findingCounts[FindingKind::Outage] = m_outageCount;
+    antenna.findingCounts[FindingKind::Outage] = antenna.outages;
 }
 
 void AntennaAnalysis::report(AntennaQuality& antenna, Quality& log) const

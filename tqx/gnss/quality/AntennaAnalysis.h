@@ -13,17 +13,18 @@ class AntennaAnalysis
 public:
     explicit AntennaAnalysis(uint8_t number) : m_number(number) {}
 
-    /// Of the epoch at hand, above the mask.
+    /// Something was measured in the epoch at hand, above the mask or not.
+    void see() { m_hasSeen = true; }
+
+    /// What is above the mask.
     void add(const SeenSignal& seen) { m_seen.push_back(seen); }
 
     /// Every epoch of the log; `interval` is the time between them, milliseconds.
     void closeEpoch(GnssMillis time, uint64_t interval);
     void finish();
 
-    bool isEmpty() const { return m_epochs == 0; }
-
-    /// Of another antenna than the main one: the figures of its epochs, and the stretches without
-    /// observations while the log has epochs, as findings.
+    /// Once the log has its epochs and outages: which of them the antenna has; stretches without
+    /// measurements between others' become outages of its own, and findings.
     void reportEpochs(AntennaQuality& antenna, Quality& log) const;
 
     /// Fills in satellites and signals, and adds findings and plots to the log.
@@ -47,7 +48,8 @@ private:
     ArcAnalysis m_arcs;
     std::vector<SeenSignal> m_seen;
     std::vector<SeenSignal> m_withPhase;
-    uint64_t m_epochs = 0;  ///< with observations
+    bool m_hasSeen = false;
+    uint64_t m_epochs = 0;  ///< with measurements
     GnssMillis m_first = 0; ///< of them
     GnssMillis m_last = 0;  ///< likewise
     GnssMillis m_now = 0;   ///< of the log

@@ -167,7 +167,7 @@ struct AntennaQuality {
     bool isOfPositions = false; ///< epochs are those of positions, because nothing was measured
     double interval = none;     ///< seconds
     uint64_t epochsFound = 0;
-    uint64_t epochsExpected = 0; ///< of other antennas than the main one: those found of the log
+    uint64_t epochsExpected = 0;
     uint64_t outages = 0;
     double outageSeconds = 0;
     double longestOutage = 0;

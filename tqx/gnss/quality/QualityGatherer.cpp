@@ -135,13 +135,14 @@ bool QualityGatherer::Work::takeEpoch(ObservationEpoch& epoch)
     m_jumps = epoch.clockJumps;
     placeAntenna(epoch.time);
     for (const Observation& observation : epoch.observations) {
+        AntennaAnalysis& antenna = antennaOf(observation.antenna);
+        antenna.see();
         const SkyView::Elevation elevation = m_sky.elevation(observation.satellite, epoch.time);
         ++m_elevationSources[static_cast<size_t>(elevation.source)];
         if (elevation.degrees < m_mask)
             continue;
-        antennaOf(observation.antenna)
-            .add({&observation, elevation.degrees,
-                  carrierFrequency(observation.signal, observation.channel)});
+        antenna.add({&observation, elevation.degrees,
+                     carrierFrequency(observation.signal, observation.channel)});
     }
     m_main.closeEpoch(epoch.time, m_epochs.getInterval());
     for (const auto& other : m_others) {
@@ -218,6 +219,7 @@ void QualityGatherer::Work::reportEpochs(Quality& quality, const EpochFollower& 
 void QualityGatherer::Work::reportAntennas(Quality& quality)
 {
     m_main.finish();
+    m_main.reportEpochs(quality, quality);
     m_main.report(quality, quality);
     for (const auto& other : m_others) {
         if (!other)

@@ -46,8 +46,7 @@ void SkyView::set(const SatelliteId& satellite, double azimuth, double elevation
 {
     Place& place = placeOf(satellite);
     place.time = time;
-    place.azimuth = static_cast<float>(azimuth);
-    place.elevation = static_cast<float>(elevation);
+    place.elevation = elevation;
     place.source = source;
     constexpr double step = 2.5;       // degrees
     constexpr size_t mostPoints = 600; // of a satellite
@@ -62,7 +61,7 @@ void SkyView::set(const SatelliteId& satellite, double azimuth, double elevation
         if (std::hypot(turn, elevation - double{last.elevation}) < step)
             return;
     }
-    points.push_back({time, place.azimuth, place.elevation});
+    points.push_back({time, static_cast<float>(azimuth), static_cast<float>(elevation)});
 }
 
 void SkyView::take(const DecodedBlock& decoded, GnssMillis time)
@@ -139,7 +138,7 @@ SkyView::Elevation SkyView::elevation(const SatelliteId& satellite, GnssMillis t
         place.time != 0 && between(time, place.time) <= (isComputed ? computedLongest : longest);
     const bool isNow =
         isKnown || (m_antenna && place.ephemeris && compute(satellite, *place.ephemeris, time));
-    return isNow ? Elevation{double{place.elevation}, place.source} : Elevation();
+    return isNow ? Elevation{place.elevation, place.source} : Elevation();
 }
 
 std::vector<SkyTrack> SkyView::getTracks() const

@@ -47,8 +47,7 @@ public:
 private:
     struct Place {
         GnssMillis time = 0; ///< of the direction, 0 without one
-        float azimuth = 0;
-        float elevation = 0;
+        double elevation = 0;
         ElevationSource source = ElevationSource::None;
         std::unique_ptr<const Ephemeris> ephemeris;
         SkyTrack track;

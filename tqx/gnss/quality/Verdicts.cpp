@@ -82,12 +82,11 @@ void judgeCompleteness(const Quality& q, Judgement& j)
     j.fault(found(q, FindingKind::SystemOutage), "outage of a whole system",
             "outages of a whole system");
     for (const AntennaQuality& other : q.otherAntennas) {
-        if (other.epochsFound == other.epochsExpected)
+        if (other.epochsFound >= q.epochsFound)
             continue;
-        const double part = static_cast<double>(other.epochsFound) /
-                            static_cast<double>(std::max<uint64_t>(other.epochsExpected, 1));
+        const double part = findFigure("completeness")->ofAntenna(other);
         j.compareLeast(part, 0.995, 0.95);
-        j.say("{:.2f} % at antenna {}", part * 100, other.number);
+        j.say("antenna {}: {:.2f} %", other.number, part * 100);
     }
 }
 
