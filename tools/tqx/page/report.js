@@ -113,17 +113,6 @@
     return [t, mean, low, high];
   };
 
-  let isSharing = false;
-  const shareTime = (source, key) => {
-    if (key !== "x" || isSharing) return;
-    isSharing = true;
-    const {min, max} = source.scales.x;
-    for (const other of plots) {
-      if (other !== source) other.setScale("x", {min, max});
-    }
-    isSharing = false;
-  };
-
   const markFindings = (log, origin) => (plot) => {
     const context = plot.ctx;
     context.save();
@@ -174,7 +163,6 @@
       axes: [{...axis, values: timeLabels}, {...axis, size: 56}],
       cursor: {sync: {key: "time", scales: ["x", null]}, drag: {x: true, y: false}},
       hooks: {
-        setScale: [shareTime],
         drawClear: [markFindings(log, origin)],
         setSeries: [(u, at, options) => {
           if (at === null || options.show === undefined || at % 3 !== 1) return;

@@ -94,7 +94,7 @@ void judgeSatellites(const AntennaQuality& a, Judgement& j)
 {
     if (a.satellites.count == 0)
         return;
-    j.compareLeast(a.satellites.mean, 12, 7);
+    j.compareLeast(a.satellites.mean, 7, 5);
     j.say("{:.1f} tracked in the mean", a.satellites.mean);
     j.say("at least {:.0f}", a.satellites.least);
 }
@@ -228,7 +228,7 @@ struct Area {
 constexpr Area areas[] = {
     {"Completeness", "good: 99.5 % of the epochs and no outage of a system; fair: 95 %",
      "no epochs of measurements or positions", nullptr, judgeCompleteness},
-    {"Satellites", "good: 12 tracked in the mean, PDOP 2.5; fair: 7, PDOP 5", "not measured",
+    {"Satellites", "good: 7 tracked in the mean, PDOP 2.5; fair: 5, PDOP 5", "not measured",
      judgeSatellites, judgeGeometry},
     {"Signal strength",
      "good: C/N0 40 dB-Hz in the mean, never lower on all satellites at once; fair: 34",
