@@ -310,57 +310,76 @@ def check_media(browser, folder):
     emulate(browser, "light")
 
 
-def check_page(browser, page, report, folder=None):
-    """What is wrong with the page."""
-    failures.clear()
+def check_file(page):
     size = os.path.getsize(page)
     expect(size < 2e6, f"the page is smaller than 2 MB: {size}")
     for address in ("http://", "https://"):
         expect(f'src="{address}' not in page.read_text(), f"nothing is loaded from {address}")
-    browser.call("POST", "/url", {"url": page.resolve().as_uri()})
-    check_log(browser, report["logs"][0])
-    check_figures(browser, report)
-    check_zoom(browser)
-    check_media(browser, folder)
-    check_sorting(browser)
+
+
+def check_second(browser, report):
     browser.run("document.querySelectorAll('.tabs button')[1].click()")
     check_log(browser, report["logs"][1])
+
+
+def check_quiet(browser):
     loaded = browser.run("return performance.getEntriesByType('resource').map(each => each.name)")
     expect(loaded == [], f"the page loads nothing: {loaded}")
     messages = browser.call("POST", "/se/log", {"type": "browser"})
     expect(messages == [], f"messages of the browser: {messages}")
+
+
+# In this order, on one page.
+STEPS = {
+    "file": lambda browser, page, report, folder: check_file(page),
+    "log": lambda browser, page, report, folder: check_log(browser, report["logs"][0]),
+    "figures": lambda browser, page, report, folder: check_figures(browser, report),
+    "zoom": lambda browser, page, report, folder: check_zoom(browser),
+    "media": lambda browser, page, report, folder: check_media(browser, folder),
+    "sorting": lambda browser, page, report, folder: check_sorting(browser),
+    "second": lambda browser, page, report, folder: check_second(browser, report),
+    "quiet": lambda browser, page, report, folder: check_quiet(browser),
+}
+
+
+def check_page(browser, page, report, folder=None, steps=STEPS):
+    """What is wrong with the page."""
+    failures.clear()
+    browser.call("POST", "/url", {"url": page.resolve().as_uri()})
+    for step in steps:
+        STEPS[step](browser, page, report, folder)
     return list(failures)
 
 
-# What is replaced in the page, by what, and a part of the failure that must follow.
+# What is replaced in the page, by what, a part of the failure that must follow, and its step.
 FAULTS = [
-    ("  show();\n", "  show();\n  console.error('no');\n", "messages of the browser"),
-    ("  show();\n", "  show();\n  new Image().src = 'http://127.0.0.1:9/';\n", "the page loads nothing"),
-    ("<noscript>", '<img src="https://localhost:1/"><noscript>', "nothing is loaded from https"),
-    ("</body>", "<!--" + " " * 2000000 + "--></body>", "smaller than 2 MB"),
+    ("  show();\n", "  show();\n  console.error('no');\n", "messages of the browser", "quiet"),
+    ("  show();\n", "  show();\n  new Image().src = 'http://127.0.0.1:9/';\n", "the page loads nothing", "quiet"),
+    ("<noscript>", '<img src="https://localhost:1/"><noscript>', "nothing is loaded from https", "file"),
+    ("</body>", "<!--" + " " * 2000000 + "--></body>", "smaller than 2 MB", "file"),
     ("for (const plot of pictures.plots) drawPlot",
-     "for (const plot of pictures.plots.slice(1)) drawPlot", "plot satellites is drawn"),
-    ("uPlot.join(plot.series.map", "uPlot.join(plot.series.slice(0, 0).map", "is drawn"),
-    ('picture.append(line, svg("circle"', 'picture.append(svg("circle"', "sky plots"),
-    ("make(\"p\", {}, verdict.words)", "make(\"p\", {}, verdict.area)", "verdicts"),
-    ("log.findings.map((finding)", "log.findings.slice(1).map((finding)", "findings"),
+     "for (const plot of pictures.plots.slice(1)) drawPlot", "plot satellites is drawn", "log"),
+    ("uPlot.join(plot.series.map", "uPlot.join(plot.series.slice(0, 0).map", "is drawn", "log"),
+    ('picture.append(line, svg("circle"', 'picture.append(svg("circle"', "sky plots", "log"),
+    ("make(\"p\", {}, verdict.words)", "make(\"p\", {}, verdict.area)", "verdicts", "log"),
+    ("log.findings.map((finding)", "log.findings.slice(1).map((finding)", "findings", "log"),
     ("isValue ? numberText(cell) : cell)", "isValue ? numberText(cell === null ? null : cell * 1.01) : cell)",
-     "is about"),
-    ("td.dataset.value = cell;", "td.dataset.value = Math.round(cell);", "cn0: 44 is"),
-    ("s.cn0_deviation, s.multipath, s.slips])", "s.cn0_deviation, s.slips, s.multipath])", "signals"),
-    ("each.figures[figure.key])", "log.figures[figure.key])", "antennas: "),
-    ("(down ? -1 : 1)", "1", "tables sort"),
-    ("if (isNumber(x) !== isNumber(y)) return", "if (false) return", "tables sort"),
-    ('sync: {key: "time"', "sync: {key: plot.key", "share the time axis"),
-    ("drag: {x: true", "drag: {x: false", "zoomed to the stretch"),
-    ("(prefers-color-scheme: dark) {", "(prefers-color-scheme: none) {", "ground of dark"),
+     "is about", "figures"),
+    ("td.dataset.value = cell;", "td.dataset.value = Math.round(cell);", "cn0: 44 is", "figures"),
+    ("s.cn0_deviation, s.multipath, s.slips])", "s.cn0_deviation, s.slips, s.multipath])", "signals", "log"),
+    ("each.figures[figure.key])", "log.figures[figure.key])", "antennas: ", "log"),
+    ("(down ? -1 : 1)", "1", "tables sort", "sorting"),
+    ("if (isNumber(x) !== isNumber(y)) return", "if (false) return", "tables sort", "sorting"),
+    ('sync: {key: "time"', "sync: {key: plot.key", "share the time axis", "zoom"),
+    ("drag: {x: true", "drag: {x: false", "zoomed to the stretch", "zoom"),
+    ("(prefers-color-scheme: dark) {", "(prefers-color-scheme: none) {", "ground of dark", "media"),
     ('matchMedia("(prefers-color-scheme: dark)").addEventListener("change", show);', "",
-     "plots in the colours of dark"),
-    ("--faint: #9aa6b5", "--faint: #505a66", "can be read"),
-    (".tabs, footer details { display: none; }", "", "buttons on paper"),
-    ('document.documentElement.dataset.theme = "light"; show();', "", "panels of print"),
-    ("delete document.documentElement.dataset.theme; show();", "", "dark after printing"),
-    (".scroll { overflow-x: auto; }", "", "narrow window"),
+     "plots in the colours of dark", "media"),
+    ("--faint: #9aa6b5", "--faint: #505a66", "can be read", "media"),
+    (".tabs, footer details { display: none; }", "", "buttons on paper", "media"),
+    ('document.documentElement.dataset.theme = "light"; show();', "", "panels of print", "media"),
+    ("delete document.documentElement.dataset.theme; show();", "", "dark after printing", "media"),
+    (".scroll { overflow-x: auto; }", "", "narrow window", "media"),
 ]
 
 
@@ -368,14 +387,14 @@ def self_test(browser, page, report, folder):
     global awaited
     whole = page.read_text()
     missed = []
-    for old, new, awaited in FAULTS:
+    for old, new, awaited, step in FAULTS:
         if whole.count(old) == 0:
             missed.append(f"{old} is not in the page")
             continue
         faulty = folder / "faulty.html"
         faulty.write_text(whole.replace(old, new))
         try:
-            check_page(browser, faulty, report)
+            check_page(browser, faulty, report, steps=[step])
             missed.append(f"{old} -> {new[:60]}: not found, but {failures[:3]}")
         except Found:
             browser.devtools("Emulation.clearDeviceMetricsOverride")
