@@ -128,7 +128,7 @@ bool QualityGatherer::Work::takeEpoch(ObservationEpoch& epoch)
 {
     m_epochs.add(epoch.time);
     if (m_jumps) {
-        // They may go down as well: what is nearer of both ways counts.
+        // They may also decrease: the shorter way counts.
         const auto steps = static_cast<uint8_t>(epoch.clockJumps - *m_jumps);
         m_clockJumps += std::min<unsigned>(steps, 256U - steps);
     }

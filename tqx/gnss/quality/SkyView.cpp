@@ -16,8 +16,8 @@ namespace
 
 constexpr uint16_t satVisibility1 = 4012;
 constexpr uint16_t channelStatus = 4013;
-constexpr uint64_t longest = 300000;        ///< milliseconds for which a direction is good
-constexpr uint64_t computedLongest = 10000; ///< milliseconds after which it is computed anew
+constexpr uint64_t longest = 300000;        ///< milliseconds for which a direction is valid
+constexpr uint64_t computedLongest = 10000; ///< milliseconds, of computed ones
 constexpr double degree = pi / 180;
 
 uint64_t between(GnssMillis a, GnssMillis b)

@@ -18,9 +18,9 @@ constexpr size_t satellitePlace(const SatelliteId& satellite)
     return size_t{systemIndex(satellite.system)} * 256 + satellite.number;
 }
 
-/// Where satellites are: as the receiver says in its blocks on visibility, else in those on
-/// channels; where neither says it, computed from the ephemerides and the place of the antenna.
-/// Keeps the last ephemeris of each satellite.
+/// Where satellites are, according to the receiver's blocks on visibility or, without those, on
+/// channels; without both, computed from ephemerides and the place of the antenna. Keeps the last
+/// ephemeris of each satellite.
 class SkyView
 {
 public:
@@ -38,7 +38,7 @@ public:
         ElevationSource source = ElevationSource::None;
     };
 
-    /// At a time. What the receiver said is good for five minutes.
+    /// At a time. What the receiver reports is valid for five minutes.
     Elevation elevation(const SatelliteId& satellite, GnssMillis time);
 
     /// The tracks, thinned to steps of some degrees.

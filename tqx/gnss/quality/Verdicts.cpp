@@ -5,14 +5,14 @@
 #include <algorithm>
 #include <cmath>
 
-// Why a threshold is what it is says doc/report.md.
+// doc/report.md gives the reasons for the thresholds.
 namespace tqx::quality
 {
 
 namespace
 {
 
-/// What is found out about an area: its grade is the worst of what it is compared with.
+/// The judgement of an area: its grade is the worst of all comparisons.
 class Judgement
 {
 public:
@@ -41,7 +41,7 @@ public:
         say("{} {}", count, count == 1 ? one : many);
     }
 
-    /// Something that should not be there, and is named when it is. It is fair at best.
+    /// Something that should not occur: it is named when it does, and the grade is fair at best.
     void fault(uint64_t count, const char* one, const char* many)
     {
         if (count == 0)
@@ -95,7 +95,7 @@ void judgeSatellites(const AntennaQuality& a, Judgement& j)
     if (a.satellites.count == 0)
         return;
     j.compareLeast(a.satellites.mean, 7, 5);
-    j.say("{:.1f} tracked in the mean", a.satellites.mean);
+    j.say("{:.1f} tracked on average", a.satellites.mean);
     j.say("at least {:.0f}", a.satellites.least);
 }
 
@@ -116,7 +116,7 @@ void judgeStrength(const AntennaQuality& a, Judgement& j)
     if (a.cn0.count == 0)
         return;
     j.compareLeast(a.cn0.mean, 40, 34);
-    j.say("C/N0 {:.1f} dB-Hz in the mean", a.cn0.mean);
+    j.say("C/N0 {:.1f} dB-Hz on average", a.cn0.mean);
     j.fault(found(a, FindingKind::WeakSignals), "drop on all satellites",
             "drops on all satellites");
 }
@@ -127,7 +127,7 @@ void judgeMultipath(const AntennaQuality& a, Judgement& j)
         return;
     j.compare(a.multipath, 0.6, 1.2);
     j.say("{:.2f} m (root mean square)", a.multipath);
-    j.fault(found(a, FindingKind::Multipath), "episode that stands out", "episodes that stand out");
+    j.fault(found(a, FindingKind::Multipath), "conspicuous episode", "conspicuous episodes");
 }
 
 void judgeSlips(const AntennaQuality& a, Judgement& j)
@@ -164,7 +164,7 @@ void judgeCorrections(const Quality& q, Judgement& j)
         return;
     const uint64_t gaps = found(q, FindingKind::Corrections);
     j.compare(static_cast<double>(gaps), 0, 1);
-    j.say("age {:.1f} s in the mean", q.correctionAge.mean);
+    j.say("age {:.1f} s on average", q.correctionAge.mean);
     j.say("{:.0f} s at most", q.correctionAge.most);
     if (gaps != 0)
         j.sayCount(gaps, "gap", "gaps");
@@ -228,12 +228,12 @@ struct Area {
 constexpr Area areas[] = {
     {"Completeness", "good: 99.5 % of the epochs and no outage of a system; fair: 95 %",
      "no epochs of measurements or positions", nullptr, judgeCompleteness},
-    {"Satellites", "good: 7 tracked in the mean, PDOP 2.5; fair: 5, PDOP 5", "not measured",
+    {"Satellites", "good: 7 tracked on average, PDOP 2.5; fair: 5, PDOP 5", "not measured",
      judgeSatellites, judgeGeometry},
     {"Signal strength",
-     "good: C/N0 40 dB-Hz in the mean, never lower on all satellites at once; fair: 34",
+     "good: C/N0 40 dB-Hz on average, never lower on all satellites at once; fair: 34",
      "not measured", judgeStrength, nullptr},
-    {"Multipath", "good: 0.6 m and no satellite that stands out; fair: 1.2 m",
+    {"Multipath", "good: 0.6 m and no conspicuous satellite; fair: 1.2 m",
      "no satellite with code and phase on two frequencies", judgeMultipath, nullptr},
     {"Cycle slips", "good: 1 per hour, of all satellites; fair: 10", "not measured", judgeSlips,
      nullptr},
@@ -249,7 +249,7 @@ constexpr Area areas[] = {
      nullptr, judgeDamage},
 };
 
-/// Of other antennas only what makes the grade worse is said.
+/// Other antennas are only mentioned where they make the grade worse.
 Verdict judge(const Area& area, const Quality& quality)
 {
     Judgement all;
