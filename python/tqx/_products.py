@@ -92,8 +92,8 @@ def report(
     and metres above the ellipsoid), or a log whose positions at the same times are right.
 
     >>> found = report(simulate(duration=120))["logs"][0]
-    >>> found["figures"]["epochs"], [each["area"] for each in found["verdicts"]][:2]
-    (120, ...)
+    >>> found["figures"]["epochs_found"], found["verdicts"][0]["grade"]
+    (120, 'good')
     """
     if isinstance(logs, (list, tuple)) and not together:
         groups = [open_log(each).unread_files for each in logs]
