@@ -155,7 +155,7 @@ TEST(LedgerOfEditions, EditionsAreReadOneByOne)
     EXPECT_EQ(second.codeNames.size(), 28U);
     EXPECT_TRUE(errors.empty());
     loadWithHistory(sources, errors, {3, nullptr});
-    EXPECT_EQ(errors.report(), std::vector<std::string>({"--edition:0: there is no edition 3, the "
+    EXPECT_EQ(errors.report(), std::vector<std::string>({"--edition: there is no edition 3, the "
                                                          "latest is 2"}));
 }
 

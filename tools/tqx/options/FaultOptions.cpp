@@ -43,6 +43,14 @@ constexpr Kind kinds[] = {
     {FaultKind::Corrections, "corrections", Target::None, true},
 };
 
+std::string kindNames()
+{
+    std::vector<std::string> names;
+    for (const Kind& kind : kinds)
+        names.emplace_back(kind.name);
+    return fmt::format("{}", fmt::join(names, ", "));
+}
+
 std::string subjectOf(const Fault& fault)
 {
     const Target target = kinds[static_cast<size_t>(fault.kind)].target;
@@ -83,7 +91,7 @@ Fault readFault(const std::string& text)
     const Kind* const kind = std::find_if(std::begin(kinds), std::end(kinds),
                                           [&name](const Kind& each) { return each.name == name; });
     if (kind == std::end(kinds))
-        throw DataError("unknown kind");
+        throw DataError("unknown kind; kinds are " + kindNames());
     if (at == std::string::npos)
         throw DataError("it needs a time, such as @600");
     Fault fault;

@@ -125,7 +125,7 @@ std::string FieldTest::prepareNumber(const Number& value)
         return "is a text; compare it with one in quotes";
     m_subject = Subject::Number;
     m_number = value;
-    if (m_facts->scale != 0) {
+    if (TQX_scale(*m_facts) != 0) {
         m_scale.emplace(TQX_scale(*m_facts));
         // A number that a float shows as 0.1 is meant to equal 0.1.
     } else if (m_path.field.layout->type == TQX_MemberType::F32) {

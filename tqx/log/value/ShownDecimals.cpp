@@ -31,10 +31,10 @@ int shownDecimals(const Kor::MessageApi::TQX_FieldFacts& field)
     constexpr int usual = 6;
     const double step = std::fabs(TQX_scale(field));
     if (field.precision >= 0) {
-        const bool isVisible = field.scale == 0 || step * std::pow(10, field.precision) >= 0.5;
+        const bool isVisible = step == 0 || step * std::pow(10, field.precision) >= 0.5;
         return isVisible ? field.precision : -1;
     }
-    return field.scale == 0 ? usual : decimalsOf(step);
+    return step == 0 ? usual : decimalsOf(step);
 }
 
 } // namespace tqx
