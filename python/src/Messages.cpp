@@ -87,7 +87,7 @@ private:
 std::string describe(const nb::bytes& bytes, uint8_t week, uint32_t tow, bool isRaw,
                      const Schema& schema)
 {
-    static const FieldFilter everything;
+    const FieldFilter everything({}, schema);
     RecordDecoder decoder(schema);
     const auto size = static_cast<uint16_t>(bytes.size());
     const Block block = {static_cast<const uint8_t*>(bytes.data()), size, 0};

@@ -221,11 +221,13 @@ private:
 class ObservationRows
 {
 public:
-    ObservationRows(NextDecoded next, EpochSelection selection)
+    ObservationRows(NextDecoded next, EpochSelection selection, bool isNanMissing)
         : m_next(std::move(next)), m_selection(std::move(selection)),
           m_gatherer([this](ObservationEpoch& epoch) { return take(epoch); })
     {
         addObservationColumns(m_table);
+        if (isNanMissing)
+            m_table.setNanIsMissing();
     }
 
     bool next(ArrowArray& out)
@@ -277,7 +279,7 @@ ArrowStream streamOfRows(const char* description, void (*addColumns)(ProductTabl
 
 ArrowStream observations(Logs logs, std::optional<GnssMillis> from, std::optional<GnssMillis> to,
                          uint64_t interval, std::vector<std::string> satellites,
-                         std::vector<std::string> signals)
+                         std::vector<std::string> signals, bool isNanMissing)
 {
     EpochSelection selection;
     selection.from = from;
@@ -285,9 +287,9 @@ ArrowStream observations(Logs logs, std::optional<GnssMillis> from, std::optiona
     selection.interval = interval;
     selection.satellites = std::move(satellites);
     selection.signals = std::move(signals);
-    return streamOfRows(
-        "observations", addObservationColumns,
-        std::make_shared<ObservationRows>(measurementsOf(std::move(logs)), std::move(selection)));
+    return streamOfRows("observations", addObservationColumns,
+                        std::make_shared<ObservationRows>(measurementsOf(std::move(logs)),
+                                                          std::move(selection), isNanMissing));
 }
 
 /// The observations of a part of a log.
@@ -301,7 +303,7 @@ ArrowStream partObservations(std::vector<EpochPiece> pieces, std::optional<GnssM
     return streamOfRows("observations", addObservationColumns,
                         std::make_shared<ObservationRows>(
                             [reader](DecodedBlock& decoded) { return reader->next(decoded); },
-                            std::move(selection)));
+                            std::move(selection), false));
 }
 
 std::vector<EpochPart> divide(const Logs& logs, uint64_t bytes, GnssMillis lead)
@@ -508,7 +510,7 @@ void bindProducts(nb::module_& module)
     bindEpochParts(module);
     module.def("observations", observations, nb::arg("logs"), nb::arg("start").none(),
                nb::arg("end").none(), nb::arg("interval"), nb::arg("satellites"),
-               nb::arg("signals"));
+               nb::arg("signals"), nb::arg("nan_is_missing") = false);
     module.def("positions", positions, nb::arg("logs"), nb::arg("source"), nb::arg("start").none(),
                nb::arg("end").none());
     module.def("ephemerides", ephemerides, nb::arg("logs"), nb::arg("start").none(),

@@ -48,7 +48,7 @@ std::shared_ptr<TableSchema> schemaOf(const TableRequest& request)
         throw DataError(unknownType(request.type, request.schema));
     TableOptions options;
     if (!request.fields.empty())
-        options.fields = FieldFilter(request.fields);
+        options.fields = FieldFilter(request.fields, request.schema);
     options.rows = request.rows;
     options.isScaled = request.isScaled;
     options.isNamed = request.isNamed;

@@ -55,6 +55,11 @@ class Product(ArrowTable):
     def _open(self) -> Any:
         return getattr(_tqx, self._title)(self._log.files, *self._arguments)
 
+    def _open_for_frame(self) -> Any:
+        if self._title == "observations":
+            return _tqx.observations(self._log.files, *self._arguments, nan_is_missing=True)
+        return self._open()
+
     def __repr__(self) -> str:
         return f"<table of {self._title}>"
 
