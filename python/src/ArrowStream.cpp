@@ -18,15 +18,15 @@ namespace
 /// Reads on without the interpreter's lock.
 bool readNext(const std::function<bool(ArrowArray& out)>& next, ArrowArray& out)
 {
-    // Readers differ in whether they call with the lock.
+    // Readers may or may not hold the lock.
     std::optional<nb::gil_scoped_release> unlocked;
     if (PyGILState_Check())
         unlocked.emplace();
     try {
         return next(out);
     } catch (const Interrupted& interrupted) {
-        // Readers of streams know no KeyboardInterrupt: the signal comes again when they return to
-        // the interpreter.
+        // Readers of streams do not handle KeyboardInterrupt: the signal is raised again when they
+        // return to the interpreter.
         PyErr_SetInterrupt();
         throw std::system_error(EINTR, std::generic_category(), interrupted.what());
     }
@@ -52,7 +52,7 @@ ArrowStream::ArrowStream(ArrowProducer producer, std::shared_ptr<TableCounts> co
 nb::capsule ArrowStream::handOut()
 {
     if (!m_producer.next)
-        throw nb::value_error("the table was read already");
+        throw nb::value_error("the table has already been read");
     ArrowProducer producer = std::exchange(m_producer, {});
     producer.next = [next = std::move(producer.next)](ArrowArray& out) {
         return readNext(next, out);

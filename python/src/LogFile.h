@@ -22,7 +22,7 @@ class JoinedAccess;
 namespace tqx::python
 {
 
-/// Hears how many bytes of a log were indexed.
+/// Receives how many bytes of a log were indexed.
 using IndexProgress = std::function<void(uint64_t done)>;
 
 /// A part of a log that can be read without the rest of it.
@@ -44,7 +44,7 @@ public:
     /// A file with blocks of the schema's types. Throws SourceError when it cannot be opened.
     explicit LogFile(std::string path, const Schema& schema = {});
 
-    /// The bytes of a log, which may be compressed; `name` is what messages call it.
+    /// The bytes of a log, which may be compressed; `name` names it in messages.
     LogFile(std::vector<uint8_t> bytes, std::string name, const Schema& schema = {});
 
     /// Files that follow each other, after their load(), as one log.
@@ -66,7 +66,7 @@ public:
     uint8_t getWeeksBefore() const { return m_weeksBefore; }
     void setWeeksBefore(uint8_t weeks) { m_weeksBefore = weeks; }
 
-    /// Bytes of the file as it is.
+    /// Size of the file as stored.
     uint64_t getPackedSize() const { return m_packed->getSize(); }
     bool isCompressed() const { return m_compression != Compression::None; }
     bool hasIndex() const { return m_index != nullptr; }

@@ -13,7 +13,7 @@
 namespace tqx::python
 {
 
-/// The blocks of several logs that follow each other, of chosen numbers, decoded one by one. Can be
+/// The blocks of chosen numbers in several consecutive logs, decoded one by one. Can be
 /// interrupted.
 class LogReader
 {
@@ -31,7 +31,7 @@ public:
         return m_logs[m_current]->placeOf(block.offset);
     }
 
-    /// What decoding the last block needs of those before.
+    /// The decoding context of the last block.
     WeekContext getContext() const;
 
     /// The last block, decoded; its record is null when it does not decode.
@@ -46,7 +46,7 @@ private:
     unsigned m_sinceCheck = 0;
 };
 
-/// The numbers of all blocks that `wants` is true of.
+/// The numbers of all blocks for which `wants` is true.
 std::vector<uint16_t> numbersOf(const std::function<bool(uint16_t)>& wants);
 
 } // namespace tqx::python

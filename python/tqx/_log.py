@@ -39,7 +39,7 @@ def _texts(value: str | Iterable[str] | None) -> list[str]:
 
 
 class Product(ArrowTable):
-    """A table of what the messages of several types say: observations, positions, ephemerides."""
+    """A table made from messages of several types: observations, positions, ephemerides."""
 
     def __init__(self, log: Log, name: str, arguments: tuple[Any, ...]) -> None:
         self._log = log
@@ -49,7 +49,7 @@ class Product(ArrowTable):
 
     @property
     def name(self) -> str:
-        """What it is a table of."""
+        """What the table contains."""
         return self._title
 
     def _open(self) -> Any:
@@ -65,7 +65,7 @@ class Product(ArrowTable):
 
 
 class Log:
-    """A log, or several that follow each other. See ``tqx.open``."""
+    """A log, or several consecutive ones. See ``tqx.open``."""
 
     def __init__(
         self,
@@ -122,15 +122,15 @@ class Log:
 
     @property
     def warnings(self) -> list[str]:
-        """What is wrong with the files without keeping them from being read, such as a compressed
-        one that is cut off.
+        """Problems with the files that do not prevent reading them, such as a truncated compressed
+        file.
         """
         return [warning for each in self.files for warning in each.warnings]
 
     @property
     def types(self) -> dict[str, int]:
-        """How many messages there are of each type, most first; numbers that no type has are among
-        them as text.
+        """How many messages there are of each type, most frequent first; unknown block numbers
+        appear as text.
         """
         counts: dict[str, int] = {}
         schema = schema_of(self._descriptions)
@@ -207,10 +207,11 @@ class Log:
         satellites: str | Sequence[str] | None = None,
         signals: str | Sequence[str] | None = None,
     ) -> Product:
-        """A row for each epoch, satellite, signal and antenna, from the blocks of all generations.
+        """One row per epoch, satellite, signal and antenna, from the blocks of all generations.
 
-        ``interval`` keeps the epochs at multiples of so many seconds; ``satellites`` and ``signals``
-        are patterns such as "G*,E11" and "1C". Losses of lock are found over all epochs.
+        ``interval`` keeps only epochs at multiples of that many seconds; ``satellites`` and
+        ``signals`` are patterns such as "G*,E11" and "1C". Losses of lock are found over all
+        epochs.
         """
         millis = max(1, round(interval * 1000))
         arguments = (_millis(start), _millis(end), millis, _texts(satellites), _texts(signals))
@@ -219,7 +220,7 @@ class Log:
     def positions(
         self, source: str = "", *, start: Time | None = None, end: Time | None = None
     ) -> Product:
-        """The positions of one kind of block, the best that there is or that of ``source``."""
+        """The positions of one kind of block, the best available or that of ``source``."""
         return Product(self, "positions", (source, _millis(start), _millis(end)))
 
     def ephemerides(self, *, start: Time | None = None, end: Time | None = None) -> Product:
@@ -232,7 +233,7 @@ class Log:
         types: Iterable[str] | None = None,
         **options: Any,
     ) -> dict[str, int]:
-        """Writes a Parquet file for each type into a folder, and returns the rows of each.
+        """Writes one Parquet file per type into a folder, and returns the number of rows of each.
 
         ``options`` are those of ``pyarrow.parquet.ParquetWriter``.
         """
@@ -324,8 +325,8 @@ def open_log(
     Files may be compressed with gzip or Zstandard. Several files follow each other as one log, in
     which a block may begin in one file and end in the next; offsets are those in each file.
     ``description`` is a YAML file that describes further types, a folder with such files, or several.
-    Nothing is read yet; the index is made, or read if it is saved beside the log, when it is needed
-    first. ``save_index`` saves it. For ``progress`` see ``tqx.Progress``.
+    Nothing is read yet; the index is made, or read if it is saved beside the log, when it is first
+    needed. ``save_index`` saves it. For ``progress`` see ``tqx.Progress``.
 
     Raises SourceError when a file cannot be opened, RequestError when a description is wrong.
     """

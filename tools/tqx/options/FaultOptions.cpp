@@ -115,8 +115,8 @@ void FaultOptions::add(CLI::App& command)
 {
     command
         .add_option("--fault", m_texts,
-                    "What goes wrong, and when: seconds after the start, and for how long; may be "
-                    "given several times. outage@600+30, system_outage:E@600+120, "
+                    "Fault to simulate: kind@START+DURATION in seconds from the start; can be "
+                    "given more than once. outage@600+30, system_outage:E@600+120, "
                     "multipath:G05@900+300, slip:G05@1500, loss_of_lock:G05@1500, "
                     "interference@2000+60, antenna@2500+30, corrections@3000+90")
         ->allow_extra_args(false)

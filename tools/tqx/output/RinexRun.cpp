@@ -62,14 +62,14 @@ ExitStatus RinexRun::writeFiles(const std::vector<std::string>& files, bool isQu
         words::say("no observations: there is no observation file");
     } else if (!m_files.getSurvey().getSetUp() && !m_hasMarker) {
         words::say("the log does not describe the installation: marker, receiver and antenna are "
-                   "not known (--marker, --observer and --agency give some of it)");
+                   "unknown (set some of it with --marker, --observer and --agency)");
     }
     if (m_spool && m_files.hasObservations()) {
         writeObservations(*m_spool->read());
     } else if (m_files.hasObservations()) {
         InputSequence source(files, isQuiet);
         writeObservations(source);
-        // What is cut off would not be what the headers say.
+        // Otherwise the files would not match their headers.
         if (interrupt::hasCome())
             return ExitStatus::Failed;
     }

@@ -12,8 +12,8 @@
 namespace tqx::tool
 {
 
-/// The first pass through a log as a consumer of its blocks, and the files that come of it. What
-/// can only be read once is kept in a temporary file for the second pass.
+/// The first pass over a log, as a consumer of its blocks, and the resulting files. What can only
+/// be read once is kept in a temporary file for the second pass.
 class RinexRun : public BlockConsumer
 {
 public:

@@ -63,7 +63,7 @@ void appendScientific(Buffer& out, double value)
 {
     char digits[32];
     size_t length = 0;
-    // Exponents of three digits would need a column more; such numbers are zero for all purposes.
+    // Exponents of three digits would need one more column; such numbers are zero for all purposes.
     if (std::isfinite(value)) {
         const double kept = std::fabs(value) < 1e-99 ? 0 : value;
         const auto end = std::to_chars(digits, digits + sizeof digits, kept,

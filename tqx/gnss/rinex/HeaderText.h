@@ -20,7 +20,7 @@ std::string field(std::string_view text, size_t width);
 /// Latin-1 or UTF-8 as printable ASCII: each other character becomes one underscore.
 std::string plain(std::string_view text);
 
-/// A moment as people write it.
+/// A point in time, split into calendar fields.
 struct CivilTime {
     explicit CivilTime(GnssMillis time);
     CalendarDate date;

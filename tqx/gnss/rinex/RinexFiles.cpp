@@ -127,7 +127,7 @@ void RinexFiles::Content::openFiles()
     }
 }
 
-/// Writes the pulses before that one which are not yet in the files.
+/// Writes the pulses before that one that are not yet in the files.
 void RinexFiles::Content::writePulses(size_t end)
 {
     for (; m_writtenPulses < end; ++m_writtenPulses) {
@@ -164,7 +164,7 @@ bool RinexFiles::isSurveyed(uint16_t blockNumber)
 void RinexFiles::survey(const DecodedBlock& decoded)
 {
     const uint16_t number = decoded.block.getNumber();
-    // What a block says holds for the epochs after it.
+    // The content of a block applies to the epochs after it.
     if (const auto time = decoded.block.getTime(); time && number == SetUp::blockNumber)
         m_content->surveying.advance(*time);
     if (LogSurvey::wants(number))

@@ -251,8 +251,8 @@ void Table::appendHead()
     m_out.append('\n');
 }
 
-/// The names of a field's values, as many in a line as it holds, below the field. What fits beside
-/// it is there already.
+/// The names of a field's values, as many per line as fit, below the field. What fits beside it is
+/// there already.
 void Table::appendSymbols(int index, size_t indentation)
 {
     constexpr size_t lineWidth = 100;

@@ -135,7 +135,7 @@ std::vector<std::string> subFieldsOf(const TQX_TypeLayout& type, int index)
     return names;
 }
 
-/// The class that the Qt library has for the field.
+/// The class of the field in the Qt library.
 std::string fieldClass(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
 {
     std::string name = field.name;

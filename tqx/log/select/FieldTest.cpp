@@ -77,7 +77,7 @@ std::optional<FieldTest> FieldTest::make(const FieldPath& path, const Expression
         return test;
     std::string problem;
     if (path.field.layout->recordType != 0) {
-        problem = "holds sub-blocks; compare a field inside, or ask whether it is there with has";
+        problem = "holds sub-blocks; compare a field inside, or test for it with has";
     } else {
         problem = term.isName ? test.prepareName(term.value.text) : test.prepareNumber(term.number);
     }

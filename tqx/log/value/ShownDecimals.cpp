@@ -20,7 +20,7 @@ int decimalsOf(double step)
         if (whole >= 1 && std::fabs(shifted - whole) < 1e-12 * whole)
             return decimals;
     }
-    // No finite decimal fraction, such as 1/3600: one step of the integer shows in three digits.
+    // Not a finite decimal fraction, such as 1/3600: one step of the integer shows in three digits.
     return std::max(0, static_cast<int>(std::ceil(-std::log10(step))) + 2);
 }
 

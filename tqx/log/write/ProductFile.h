@@ -11,7 +11,7 @@ struct gzFile_s;
 namespace tqx
 {
 
-/// A file that appears under its name only once it is complete; compressed with gzip or as it is.
+/// A file that appears under its name only once it is complete; plain or compressed with gzip.
 ///
 ///     ProductFile file("fixes.csv");
 ///     while (...) {
@@ -20,23 +20,22 @@ namespace tqx
 ///     }
 ///     file.finish();
 ///
-/// What has to be thrown is a DataError, "<path>: <reason>"; the file is incomplete then, and goes
-/// with the object.
+/// Errors are DataErrors, "<path>: <reason>"; the unfinished file is then removed with the object.
 class TQX_LOG_API ProductFile
 {
 public:
     /// Creates `path` with ".part" after its name. Throws DataError when that fails.
     explicit ProductFile(std::string path, bool isCompressed = false);
 
-    /// Removes what is not finished.
+    /// Removes an unfinished file.
     ~ProductFile();
     ProductFile(const ProductFile&) = delete;
     ProductFile& operator=(const ProductFile&) = delete;
 
-    /// What is to be written next; append to it, then call commit().
+    /// The output buffer; append to it, then call commit().
     Buffer& getBuffer() { return m_buffer; }
 
-    /// Writes the buffer to the file and empties it, if it is large. Throws DataError.
+    /// Flushes a large buffer. Throws DataError.
     void commit()
     {
         if (m_buffer.size() >= pieceSize)
