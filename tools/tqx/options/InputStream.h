@@ -26,9 +26,6 @@ public:
     /// it but what belongs to no block. Before the first block is gotten.
     void useIndex(std::unique_ptr<IndexedLog> log, const BlockQuery& query);
 
-    /// Has reports name blocks by the types of this schema, not the built ones alone.
-    void setSchema(const Schema& types) { m_schema = types; }
-
     /// Whether blocks come by an index, those of its query alone.
     bool isIndexed() const { return m_indexed != nullptr; }
 
@@ -65,7 +62,6 @@ private:
     std::unique_ptr<Indexed> m_indexed; ///< null when all is read
     std::function<void(const StreamGap&)> m_gapListener;
     std::function<void(const Neighbour&)> m_neighbourListener;
-    Schema m_schema;
     bool m_quiet;
     words::Limit m_limit;
     StreamGap m_others;              ///< the sum of the gaps that were not named

@@ -26,6 +26,9 @@ struct TQX_LOG_API IndexedLogOptions {
     /// written is no error.
     bool save = false;
 
+    /// Types whose blocks move the week. The index is saved without what those of descriptions do.
+    Schema schema = {};
+
     FileAccess::Mapping mapping = FileAccess::Mapping::IfPossible;
 
     /// Hears, once each, of a saved index that is no good (the log is then indexed anew) and of a

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tqx/log/schema/Schema.h"
 #include "tqx/log/source/ByteSource.h"
 #include "tqx_log_export.h"
 
@@ -40,6 +41,7 @@ struct BlockLocation {
 /// the place and it is in no valid block, the offset goes on to a header in the stretch before the
 /// next valid one: the first that a type could have, else the first of all. Throws SourceError when
 /// it cannot be read or ends before the offset.
-TQX_LOG_API BlockLocation locateBlock(ByteSource& source, uint64_t offset);
+TQX_LOG_API BlockLocation locateBlock(ByteSource& source, uint64_t offset,
+                                      const Schema& schema = {});
 
 } // namespace tqx

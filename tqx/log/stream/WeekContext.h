@@ -9,6 +9,8 @@
 namespace tqx
 {
 
+class Schema;
+
 /// What decoding carries from block to block, for blocks that are not all decoded. A context that
 /// it is applied to decodes as one that has decoded every block before, with all types enabled.
 struct TQX_LOG_API WeekContext {
@@ -22,9 +24,15 @@ struct TQX_LOG_API WeekContext {
         context.lastTOW = lastTow;
     }
 
-    /// Goes on by a block as decoding does it: by every block of a known type that is long enough
+    /// Goes on by a block as decoding does it: by every block of a built type that is long enough
     /// for a TOW, whether it decodes or not. Returns whether a week begins with it.
     bool follow(const Block& block);
+
+    /// Likewise by blocks of all types of a schema.
+    bool follow(const Block& block, const Schema& schema);
+
+    /// Likewise by a block of which the caller knows that its type is known.
+    bool followKnown(const Block& block);
 };
 
 } // namespace tqx
