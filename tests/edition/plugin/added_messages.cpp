@@ -87,7 +87,7 @@ void checkMessage(const Message* published)
           "4025 4294967301");
     check("values",
           valueOf(*message, "Flow") + "; " + valueOf(pump, "Mode") + "; " + valueOf(pump, "Turns"),
-          "40.25 percent; Full; 4294967301");
+          "40.25 percent; Full; 4,294,967,301");
 }
 
 } // namespace
