@@ -61,7 +61,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"CutOff",
              {"dump", "--strict", "data/samples/random.tqx", "tool/data/cut.tqx"},
              2,
-             "tqx: tool/data/cut.tqx: 0: 55 bytes belong to no block, the input ends within a "
+             "tqx: tool/data/cut.tqx: 0: 55 bytes belong to no block, the input ends inside a "
              "block\n"},
         Case{"OnlyDamageIsReportedBetweenBlocks",
              {"dump", "--strict", "tool/data/mixed.tqx"},
@@ -183,11 +183,11 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"UnknownCode",
              {"error", "-100000"},
              1,
-             "tqx: -100000 is no code, they go from -1 to -6073\n"},
+             "tqx: -100000 is not a code; they go from -1 to -6073\n"},
         Case{"UnknownCodeOfADescription",
              {"error", "--description", "schema/station.yaml", "-100068"},
              1,
-             "tqx: -100068 is no code, they go from -1 to -6073 and from -100000 to -100067\n"},
+             "tqx: -100068 is not a code; they go from -1 to -6073 and from -100000 to -100067\n"},
         Case{"UnknownCodeName", {"error", "TQX_ERR_EOX"}, 1, "did you mean TQX_ERR_EOF?"},
         Case{"BadStart", {"simulate", "--start", "2400:604800"}, 1, "2400:604800 is no start"},
         Case{"BadSize", {"simulate", "--size", "-1"}, 1, "simulate: --size: '-1' is not a size"},

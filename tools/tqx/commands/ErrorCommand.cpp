@@ -59,7 +59,7 @@ std::string nameOf(int64_t code, const Schema& schema)
         if (name != none)
             return name;
     }
-    throw ToolError(fmt::format("{} is no code, they go {}", code, rangesOf(schema)));
+    throw ToolError(fmt::format("{} is not a code; they go {}", code, rangesOf(schema)));
 }
 
 } // namespace
@@ -71,7 +71,7 @@ ErrorCommand::ErrorCommand(CLI::App& program)
               "  tqx error --all\n")
 {
     m_app.add_option("CODE", m_items, "Codes, or their names")->type_name("");
-    // Negative numbers look like options; this way they come through.
+    // Negative numbers look like options; this lets them through.
     m_app.allow_extras();
     m_app.add_flag("--all", m_all, "List every code with its name, from -1 down");
     m_descriptions.add(m_app);

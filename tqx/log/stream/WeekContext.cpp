@@ -20,7 +20,7 @@ bool followIf(WeekContext& week, const Block& block, IsKnown isKnown)
         return false;
     const uint32_t tow = korcg_load_u32(block.data + 8);
     const bool isStart = TQX_beginsWeek(tow, week.lastTow);
-    // Most blocks have the time of the one before.
+    // Most blocks have the same time as the one before.
     if ((tow == week.lastTow && !isStart) || tow == TQX_noTOW || !isKnown(block.getNumber()))
         return false;
     week.weekCounter = static_cast<uint8_t>(week.weekCounter + (isStart ? 1 : 0));
