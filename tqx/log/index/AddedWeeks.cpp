@@ -44,7 +44,7 @@ public:
         });
     }
 
-    /// Works out anew what a page says of weeks. Likewise.
+    /// Recomputes what a page says about weeks. Likewise.
     void follow(uint32_t page, PageRow& row, PageOffsets& starts)
     {
         m_offsets.clear();
@@ -72,7 +72,7 @@ public:
 private:
     const FramedPages& m_pages;
     const RandomAccess& m_log;
-    std::vector<PageOffsets::Cursor> m_added; ///< of types that are no built ones
+    std::vector<PageOffsets::Cursor> m_added; ///< of types that are not built in
     std::vector<PageOffsets::Cursor> m_known; ///< of all types of the schema
     std::vector<uint16_t> m_offsets;
     std::vector<uint8_t> m_bytes; ///< of a page and the last header that begins in it

@@ -7,8 +7,8 @@
 namespace tqx
 {
 
-/// Has blocks of the added types of a schema move the week in framed pages of `log`, in which those
-/// of built types do. Reads the pages that have such blocks and links all of them anew. Throws
+/// Makes blocks of the added types of a schema move the week in framed pages of `log`, as those of
+/// built-in types do. Reads the pages that have such blocks and links all of them anew. Throws
 /// SourceError when the log cannot be read.
 void followAddedTypes(FramedPages& pages, const RandomAccess& log, const Schema& schema);
 

@@ -44,8 +44,8 @@ struct PageRow {
     uint8_t weekBefore = 0;           ///< week counter of a decoding context
     bool startsWeek = false;          ///< the block at firstTowAt begins a week
 
-    /// Goes on by the TOW of a block at `at` of the page by which decoding follows the week. When a
-    /// week begins with it, and it is not the first one of the page, it is added to `starts`.
+    /// Advances by the TOW of the next block that decoding follows the week by, at `at` of the
+    /// page. It is added to `starts` when a week begins with it, unless it is the page's first one.
     void addTow(uint32_t tow, uint32_t page, uint16_t at, PageOffsets& starts)
     {
         if (tow == noTow)

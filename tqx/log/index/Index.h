@@ -48,9 +48,9 @@ public:
     /// the content of the index is unspecified.
     void extend(const RandomAccess& log, const FramingOptions& options = {});
 
-    /// Has blocks of the added types of a schema move the week, too, as BlockStream::setSchema()
+    /// Makes blocks of the added types of a schema move the week, too, as BlockStream::setSchema()
     /// does. `log` must be what was indexed; of it, the pages that have such blocks are read. Only
-    /// once the index is complete: extend() knows the built types alone. Throws SourceError when
+    /// once the index is complete: extend() knows only the built-in types. Throws SourceError when
     /// the log cannot be read.
     void follow(const Schema& schema, const RandomAccess& log);
 

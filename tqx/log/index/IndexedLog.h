@@ -26,7 +26,7 @@ struct TQX_LOG_API IndexedLogOptions {
     /// no error.
     bool save = false;
 
-    /// Types whose blocks move the week. The index is saved without what those of descriptions do.
+    /// The types whose blocks move the week. What is saved is the index for the built-in ones.
     Schema schema = {};
 
     FileAccess::Mapping mapping = FileAccess::Mapping::IfPossible;

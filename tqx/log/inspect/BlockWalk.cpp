@@ -145,7 +145,7 @@ bool Level::isRun(int index, uint32_t count) const
            (TQX_elementSize(row(index)) == 1 && !hasBits && (count == 0 || count > mostNumbers));
 }
 
-/// Notes of the elements of an array from a piece on that they are one value, if there is any.
+/// Marks the elements of an array, the pieces from the first on, as one value if any is available.
 void Level::joinElements(const TQX_FieldFacts& facts, size_t first)
 {
     const auto begin = m_walk.pieces.begin() + static_cast<std::ptrdiff_t>(first);

@@ -29,10 +29,10 @@ struct TQX_LOG_API WeekContext {
     /// for a TOW, whether it decodes or not. Returns whether a week begins with it.
     bool follow(const Block& block);
 
-    /// Likewise by blocks of all types of a schema.
+    /// The same for blocks of all types of a schema.
     bool follow(const Block& block, const Schema& schema);
 
-    /// Likewise by a block of which the caller knows that its type is known.
+    /// The same for a block whose type is known to the caller, whatever its number.
     bool followKnown(const Block& block);
 };
 

@@ -276,7 +276,7 @@ void readElements(const ReadContext& context, const YamlMap& map, FieldDraft& dr
         map.error("capacity", "belongs to fields that another field counts");
 }
 
-/// An array that is one value: what writes it relies on plain numbers.
+/// Reads whether an array is one value; writers rely on plain numbers then.
 void readWhole(const YamlMap& map, Field& field)
 {
     field.isWhole = map.flag("whole").value_or(false);
