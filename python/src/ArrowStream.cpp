@@ -16,7 +16,7 @@ namespace nb = nanobind;
 namespace
 {
 
-/// What a stream that was handed out refers to.
+/// What an exported stream refers to.
 struct Content {
     WriteSchema schema;
     NextBatch next;
@@ -33,8 +33,8 @@ struct Content {
         } catch (const std::bad_alloc&) {
             code = ENOMEM;
         } catch (const Interrupted&) {
-            // Readers of streams know no KeyboardInterrupt: the signal comes again when they return
-            // to the interpreter.
+            // Readers of streams do not handle KeyboardInterrupt: the signal is raised again when
+            // they return to the interpreter.
             code = EINTR;
             PyErr_SetInterrupt();
         } catch (const std::exception& failure) {
@@ -63,7 +63,7 @@ int getSchema(ArrowArrayStream* stream, ArrowSchema* out)
 int getNext(ArrowArrayStream* stream, ArrowArray* out)
 {
     Content& content = contentOf(stream);
-    // Readers differ in whether they call with the interpreter's lock.
+    // Readers may or may not hold the interpreter's lock.
     std::optional<nb::gil_scoped_release> unlocked;
     if (PyGILState_Check())
         unlocked.emplace();
@@ -107,7 +107,7 @@ ArrowStream::ArrowStream(WriteSchema schema, NextBatch next, std::shared_ptr<Tab
 nb::capsule ArrowStream::handOut()
 {
     if (!m_next)
-        throw nb::value_error("the table was read already");
+        throw nb::value_error("the table has already been read");
     auto content = std::make_unique<Content>();
     content->schema = m_schema;
     content->next = std::exchange(m_next, nullptr);

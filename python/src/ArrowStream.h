@@ -18,13 +18,13 @@ using WriteSchema = std::function<void(ArrowSchema& out)>;
 /// Writes the next batch, false at the end, or throws.
 using NextBatch = std::function<bool(ArrowArray& out)>;
 
-/// A table on its way to whoever reads Arrow, once. The counts go on while it is read.
+/// A table to be read once by an Arrow reader. The counts advance while it is read.
 class ArrowStream
 {
 public:
     ArrowStream(WriteSchema schema, NextBatch next, std::shared_ptr<TableCounts> counts);
 
-    /// A capsule with the stream. Throws nb::value_error when it was handed out before.
+    /// A capsule with the stream. Throws nb::value_error at the second call.
     nanobind::capsule handOut();
 
     /// A capsule with the schema.

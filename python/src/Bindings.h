@@ -2,7 +2,7 @@
 
 #include <nanobind/nanobind.h>
 
-/// Each adds what its file offers to the module.
+/// Each adds the content of its file to the module.
 namespace tqx::python
 {
 

@@ -42,7 +42,7 @@ private:
     uint64_t m_size;
 };
 
-/// A source that can be interrupted and says how far it is.
+/// A source that can be interrupted and reports its progress.
 class WatchedSource : public ByteSource
 {
 public:
@@ -141,7 +141,7 @@ void LogFile::make(const IndexProgress& progress)
     const RandomAccess& log = *m_packed;
     FramedPages pages;
     for (uint64_t done = 0; done < log.getSize() || done == 0;) {
-        // Only the end of a beginning gives candidates up.
+        // Candidates are given up only at the end of a beginning.
         const PageOffsets& givenUp = pages.marks[FramedPages::GivenUp];
         auto first = static_cast<uint32_t>(done / pages.pageSize);
         if (!givenUp.isEmpty())
@@ -182,7 +182,7 @@ bool LogFile::save()
     if (!m_isFile)
         return false;
     if (isCompressed()) {
-        // The access points are with the content by now.
+        // The content has the access points by now.
         IndexedLogOptions options;
         options.save = true;
         const IndexedLog log(m_name, options);

@@ -20,7 +20,7 @@ class IndexedLog;
 namespace tqx::python
 {
 
-/// Hears how many bytes of a log were indexed.
+/// Receives how many bytes of a log were indexed.
 using IndexProgress = std::function<void(uint64_t done)>;
 
 /// A part of a log that can be read without the rest of it.
@@ -41,7 +41,7 @@ public:
     /// A file. Throws SourceError when it cannot be opened.
     explicit LogFile(std::string path);
 
-    /// The bytes of a log, which may be compressed; `name` is what messages call it.
+    /// The bytes of a log, which may be compressed; `name` names it in messages.
     LogFile(std::vector<uint8_t> bytes, std::string name);
     ~LogFile();
     LogFile(const LogFile&) = delete;
@@ -49,7 +49,7 @@ public:
 
     const std::string& getName() const { return m_name; }
 
-    /// Bytes of the file as it is.
+    /// Size of the file as stored.
     uint64_t getPackedSize() const { return m_packed->getSize(); }
     bool isCompressed() const { return m_compression != Compression::None; }
     bool hasIndex() const { return m_index != nullptr; }

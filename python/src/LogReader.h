@@ -14,7 +14,7 @@
 namespace tqx::python
 {
 
-/// The blocks of several logs that follow each other, of chosen numbers, decoded one by one. Can be
+/// The blocks of chosen numbers in several consecutive logs, decoded one by one. Can be
 /// interrupted.
 class LogReader
 {
@@ -26,11 +26,11 @@ public:
     /// Gets the next block, which is valid until the next call; false at the end.
     bool next(Block& block);
 
-    /// Place of the log that the last block is in.
+    /// Index of the log that the last block is in.
     size_t getLog() const { return m_current; }
     const LogFile& getFile() const { return *m_logs[m_current]; }
 
-    /// What decoding the last block needs of those before.
+    /// The decoding context of the last block.
     WeekContext getContext() const { return m_blocks->getContext(); }
 
     /// The last block, decoded; its record is null when it does not decode.
@@ -46,7 +46,7 @@ private:
     unsigned m_sinceCheck = 0;
 };
 
-/// The numbers of all blocks that `wants` is true of.
+/// The numbers of all blocks for which `wants` is true.
 std::vector<uint16_t> numbersOf(const std::function<bool(uint16_t)>& wants);
 
 } // namespace tqx::python

@@ -73,7 +73,7 @@ nb::list gaps(const LogFile& log)
     return list;
 }
 
-/// Constructs in place, as the binding wants it.
+/// Constructs in place, as the binding requires.
 void makePartition(Partition* part, uint64_t begin, uint64_t end, uint8_t week, uint32_t tow,
                    std::optional<GnssMillis> timeBefore)
 {

@@ -82,8 +82,8 @@ private:
     std::optional<Condition> m_condition;
 };
 
-/// A block as a line of JSON with its values, or with those that are stored. A block that does not
-/// decode has its code in it.
+/// A block as a line of JSON with its values, or with the stored ones. For a block that does not
+/// decode it has the code.
 std::string describe(const nb::bytes& bytes, uint8_t week, uint32_t tow, bool isRaw)
 {
     static const FieldFilter everything;

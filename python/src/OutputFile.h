@@ -10,14 +10,14 @@ struct gzFile_s;
 namespace tqx::python
 {
 
-/// A file that is made under another name and gets its own when it is complete.
+/// A file that is written under a temporary name and renamed when complete.
 class OutputFile
 {
 public:
     /// Throws DataError when it cannot be created.
     explicit OutputFile(std::string path, bool isCompressed = false);
 
-    /// Removes what was not finished.
+    /// Removes an unfinished file.
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;

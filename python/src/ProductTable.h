@@ -15,7 +15,7 @@
 namespace tqx::python
 {
 
-/// The columns of a table of a product, filled row by row: what is missing is null.
+/// The columns of a table of a product, filled row by row; missing values are null.
 class ProductTable
 {
 public:
@@ -24,10 +24,10 @@ public:
     /// A column; `unit` may be empty. Returns its place.
     size_t add(Kind kind, const std::string& name, const std::string& unit = {});
 
-    /// A column of texts out of a fixed list, at most 32767.
+    /// A column of texts from a fixed list, at most 32767.
     size_t addNames(const std::string& name, const std::vector<std::string>& texts);
 
-    /// Nothing is appended to a column but by these, one of them for each row.
+    /// Columns are appended to only by these functions, one call per row.
     void time(size_t column, GnssMillis time);
     void utc(size_t column, GnssMillis time);
     void real(size_t column, double value)

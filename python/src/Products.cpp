@@ -46,7 +46,7 @@ void addAll(ProductTable& table, const std::vector<ProductColumn>& columns)
         table.add(column.kind, column.name, column.unit);
 }
 
-/// All satellites and signals that an observation can be of, and their places among them.
+/// All possible satellites and signals of observations, and their places.
 class ObservationNames
 {
 public:

@@ -30,7 +30,7 @@ namespace
 
 using Logs = std::vector<std::shared_ptr<LogFile>>;
 
-/// What RINEX files are asked for, as Python has it.
+/// The requested RINEX files, in terms of Python.
 struct RinexRequest {
     RinexOptions options;
     EpochSelection selection;
@@ -83,7 +83,7 @@ private:
     std::vector<std::string> m_paths;
 };
 
-/// Leaves in an epoch what is wanted. `isCounted`: what a gatherer is answered.
+/// Reduces an epoch to what is wanted. `isCounted` is the answer for the gatherer.
 bool RinexFiles::isShown(ObservationEpoch& epoch, bool& isCounted) const
 {
     const EpochSelection& selection = m_request.selection;

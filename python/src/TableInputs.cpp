@@ -109,8 +109,8 @@ PartInput::PartInput(const std::string& path, const Partition& part, const TQX_T
             throw SourceError(path + ": a compressed log has no parts");
         m_source = openSource(path);
     } else if (part.end > m_file->getSize() || part.begin > part.end) {
-        throw SourceError(fmt::format("{}: {}: the log has become shorter since it was indexed",
-                                      path, m_file->getSize()));
+        throw SourceError(fmt::format("{}: {}: the log has shrunk since it was indexed", path,
+                                      m_file->getSize()));
     } else {
         m_source = std::make_unique<MemorySource>(m_file->getBytes() + part.begin,
                                                   static_cast<size_t>(part.end - part.begin), path);

@@ -18,16 +18,16 @@
 namespace tqx::python
 {
 
-/// What reading a table came to so far.
+/// Counts of reading a table so far.
 struct TableCounts {
-    uint64_t bytes = 0;       ///< of the content of logs that was passed
+    uint64_t bytes = 0;       ///< of the content of logs so far
     uint64_t found = 0;       ///< blocks of the type in the time and of the revisions
     uint64_t selected = 0;    ///< of these, that meet the condition: that columns were filled from
     uint64_t refused = 0;     ///< of these, that did not decode
     std::string firstRefused; ///< "<file>: <offset>: <reason>" of the first one
 };
 
-/// Which blocks of the type of a table are wanted.
+/// Selects blocks of a table's type.
 struct BlockChoice {
     std::optional<GnssMillis> from;
     std::optional<GnssMillis> to;           ///< the first time that is not wanted
@@ -35,8 +35,8 @@ struct BlockChoice {
     std::shared_ptr<const Condition> where; ///< may be null
 };
 
-/// The blocks of a table that are wanted, out of those of several logs that follow each other.
-/// Counts them, and can be interrupted.
+/// The selected blocks of a table from several consecutive logs. Counts them, and can be
+/// interrupted.
 class ChosenInput : public TableInput
 {
 public:
@@ -72,7 +72,7 @@ private:
     IndexInput m_input;
 };
 
-/// The blocks of a part of a file without an index, as one pass over all of the file has them.
+/// The blocks of a part of a file without an index, exactly as in one pass over the whole file.
 class PartInput : public TableInput
 {
 public:

@@ -22,7 +22,7 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-/// What a table is asked for, as Python has it.
+/// The requested table, in terms of Python.
 struct TableRequest {
     std::string type;
     std::vector<std::string> fields;

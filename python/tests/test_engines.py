@@ -40,7 +40,7 @@ def test_parts_of_a_time(folder: Path) -> None:
     start, end = (tqx.gnss_millis(each) for each in ("2404:604500", "2404:604560"))
     table = tqx.open(folder)["PVTGeodetic2"].between("2404:604500", "2404:604560")
     parts = divide(folder, part_bytes=100_000, start=start, end=end)
-    # A minute of them is no more than a few of all.
+    # A minute of these is only a few of all.
     assert 0 < len(parts) <= 8 < len(divide(folder, part_bytes=100_000)) / 3
     tables = [PartTable(each, table.choice).to_arrow() for each in parts]
     assert pyarrow.concat_tables(tables).equals(table.to_arrow())
@@ -173,7 +173,7 @@ def test_spark_reads_less(spark: Any, folder: Path, tmp_path: Path) -> None:
     reader = _reader(spark, "PVTGeodetic2").schema("time timestamp_ntz, Height double")
     rows = reader.option("statistics", str(tmp_path / "columns")).load(str(folder)).collect()
     assert len(rows) == every and len(rows[0]) == 2
-    assert counts("columns")["columns"] == 3  # the time and the offset come along
+    assert counts("columns")["columns"] == 3  # time and offset are included
 
 
 @pytest.mark.engines

@@ -23,7 +23,7 @@ def test_lazy_choice_reads_less(clean: tqx.Log) -> None:
     assert rows.schema.metadata[b"block"] == b"PVTGeodetic2"
     assert rows.column_names == ["time", "offset", "Height", "NrSV"]
     assert rows.num_rows == 10
-    # Blocks of other times are not even found.
+    # Blocks of other times are not even counted as found.
     assert chosen.last_read["found"] == 10
     few = table.where("Height > 412.4").where("NrSV >= 5")
     count = few.to_arrow().num_rows

@@ -1,4 +1,4 @@
-"""Tables that any reader of Arrow takes, and their conversions."""
+"""Tables for any Arrow reader, and their conversions."""
 
 from __future__ import annotations
 
@@ -21,9 +21,9 @@ __all__ = ["ArrowTable"]
 
 
 class ArrowTable:
-    """A table that is made when it is read, batch by batch, and anew each time.
+    """A table that is made while it is read, batch by batch, and anew each time.
 
-    Whatever reads Arrow takes it as it is, through ``__arrow_c_stream__``: ``pyarrow.table(t)``,
+    Every Arrow reader accepts it, through ``__arrow_c_stream__``: ``pyarrow.table(t)``,
     ``polars.DataFrame(t)``, ``duckdb.from_arrow(t)``. The conversions here are those, with progress.
     """
 
@@ -35,7 +35,7 @@ class ArrowTable:
         raise NotImplementedError
 
     def _row_estimate(self) -> int:
-        """About how many rows there are; 0 when that is not known."""
+        """An estimate of the number of rows; 0 when unknown."""
         return 0
 
     def __arrow_c_stream__(self, requested_schema: object = None) -> object:
@@ -82,7 +82,7 @@ class ArrowTable:
         self._ended(stream)
 
     def _ended(self, stream: Any) -> None:
-        """Is given the stream that was read to its end."""
+        """Called with a stream that was read to its end."""
 
     def to_arrow(self) -> pyarrow.Table:
         """All rows as a table of pyarrow."""
@@ -117,7 +117,7 @@ class ArrowTable:
         return {name: table[name].to_numpy() for name in table.column_names}
 
     def to_parquet(self, path: str | os.PathLike[str], **options: Any) -> int:
-        """Writes a Parquet file, a group of rows for each batch, and returns the number of rows.
+        """Writes a Parquet file with one row group per batch, and returns the number of rows.
 
         ``options`` are those of ``pyarrow.parquet.ParquetWriter``. The file gets its name when it is
         complete.

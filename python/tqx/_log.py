@@ -38,7 +38,7 @@ def _texts(value: str | Iterable[str] | None) -> list[str]:
 
 
 class Product(ArrowTable):
-    """A table of what the messages of several types say: observations, positions, ephemerides."""
+    """A table made from messages of several types: observations, positions, ephemerides."""
 
     def __init__(self, log: Log, name: str, arguments: tuple[Any, ...]) -> None:
         self._log = log
@@ -48,7 +48,7 @@ class Product(ArrowTable):
 
     @property
     def name(self) -> str:
-        """What it is a table of."""
+        """What the table contains."""
         return self._title
 
     def _open(self) -> Any:
@@ -59,7 +59,7 @@ class Product(ArrowTable):
 
 
 class Log:
-    """A log, or several that follow each other. See ``tqx.open``."""
+    """A log, or several consecutive ones. See ``tqx.open``."""
 
     def __init__(self, files: list[_tqx.LogFile], progress: Progress, save_index: bool) -> None:
         self._files = files
@@ -97,15 +97,15 @@ class Log:
 
     @property
     def warnings(self) -> list[str]:
-        """What is wrong with the files without keeping them from being read, such as a compressed
-        one that is cut off.
+        """Problems with the files that do not prevent reading them, such as a truncated compressed
+        file.
         """
         return [warning for each in self.files for warning in each.warnings]
 
     @property
     def types(self) -> dict[str, int]:
-        """How many messages there are of each type, most first; numbers that no type has are among
-        them as text.
+        """How many messages there are of each type, most frequent first; unknown block numbers
+        appear as text.
         """
         counts: dict[str, int] = {}
         for each in self.files:
@@ -179,10 +179,11 @@ class Log:
         satellites: str | Sequence[str] | None = None,
         signals: str | Sequence[str] | None = None,
     ) -> Product:
-        """A row for each epoch, satellite, signal and antenna, from the blocks of all generations.
+        """One row per epoch, satellite, signal and antenna, from the blocks of all generations.
 
-        ``interval`` keeps the epochs at multiples of so many seconds; ``satellites`` and ``signals``
-        are patterns such as "G*,E11" and "1C". Losses of lock are found over all epochs.
+        ``interval`` keeps only epochs at multiples of that many seconds; ``satellites`` and
+        ``signals`` are patterns such as "G*,E11" and "1C". Losses of lock are found over all
+        epochs.
         """
         millis = max(1, round(interval * 1000))
         arguments = (_millis(start), _millis(end), millis, _texts(satellites), _texts(signals))
@@ -191,7 +192,7 @@ class Log:
     def positions(
         self, source: str = "", *, start: Time | None = None, end: Time | None = None
     ) -> Product:
-        """The positions of one kind of block, the best that there is or that of ``source``."""
+        """The positions of one kind of block, the best available or that of ``source``."""
         return Product(self, "positions", (source, _millis(start), _millis(end)))
 
     def ephemerides(self, *, start: Time | None = None, end: Time | None = None) -> Product:
@@ -204,7 +205,7 @@ class Log:
         types: Iterable[str] | None = None,
         **options: Any,
     ) -> dict[str, int]:
-        """Writes a Parquet file for each type into a folder, and returns the rows of each.
+        """Writes one Parquet file per type into a folder, and returns the number of rows of each.
 
         ``options`` are those of ``pyarrow.parquet.ParquetWriter``.
         """
@@ -285,9 +286,9 @@ def open_log(
 ) -> Log:
     """Opens a log: a path, several, a folder or pattern, bytes, or a file object.
 
-    Files may be compressed with gzip or Zstandard. Several files are logs that follow each other,
-    each with its own offsets. Nothing is read yet; the index is made, or read if it is saved beside
-    the log, when it is needed first. ``save_index`` saves it. For ``progress`` see ``tqx.Progress``.
+    Files may be compressed with gzip or Zstandard. Several files are consecutive logs, each with
+    its own offsets. Nothing is read yet; the index is made, or read if it is saved beside the log,
+    when it is first needed. ``save_index`` saves it. For ``progress`` see ``tqx.Progress``.
 
     Raises SourceError when a file cannot be opened.
     """

@@ -25,8 +25,8 @@ def _value(value: Any) -> Any:
 class Record(Mapping[str, Any]):
     """Fields with their values, as items and, where their names allow it, as attributes.
 
-    Values are scaled and named as the format says; those that are not available are None, sub-blocks
-    are lists of records.
+    Values are scaled and named as the format defines; those that are not available are None,
+    sub-blocks are lists of records.
     """
 
     def __init__(self, fields: Mapping[str, Any]) -> None:
@@ -59,7 +59,7 @@ class Record(Mapping[str, Any]):
 
 
 class Message(Record):
-    """A block of a log. Its fields are decoded when the first of them is asked for."""
+    """A block of a log. Its fields are decoded when the first of them is accessed."""
 
     #: number of the block
     number: int
@@ -84,7 +84,7 @@ class Message(Record):
 
     @property
     def name(self) -> str:
-        """Name of the type; empty for a number that no type has."""
+        """Name of the type; empty for an unknown number."""
         return _tqx.number_name(self.number)
 
     @property

@@ -1,4 +1,4 @@
-"""What is made of logs, and logs that are made."""
+"""Products of logs, and simulated logs."""
 
 from __future__ import annotations
 
@@ -86,7 +86,8 @@ def track(
 ) -> int:
     """Writes the positions of one kind of block as a track, and returns how many there are.
 
-    The format is that of the ending of the path or ``format``: csv, gpx, kml, geojson, nmea, gpkg.
+    The format follows from ``format`` or the suffix of the path: csv, gpx, kml, geojson, nmea,
+    gpkg.
     """
     target = Path(path)
     kind = format or target.suffix.lstrip(".")
@@ -106,9 +107,9 @@ def track(
 def encode(messages: Encodable | Iterable[Encodable]) -> bytes:
     """The blocks of messages: Message objects, objects in the form of ``Message.raw``, or JSON text.
 
-    Fields that are left out have their initial values; lengths, counts and checksums are computed.
+    Omitted fields have their initial values; lengths, counts and checksums are computed.
 
-    Raises LineError for one that cannot be encoded.
+    Raises LineError for a message that cannot be encoded.
 
     >>> block = encode({"block": "PVTGeodetic2", "fields": {"TOW": 216000000, "WNc": 2400}})
     >>> open_log(block).types
@@ -139,10 +140,10 @@ def simulate(
     compact: bool = False,
     two_antennas: bool = False,
 ) -> bytes | None:
-    """The log of a receiver that does not exist, as bytes, or written to a file.
+    """The log of a simulated receiver, as bytes or written to a file.
 
     ``duration`` is in seconds, ``rate`` in hertz, ``position`` in degrees and metres, ``motion`` is
-    "static", "circle" or "line", ``slips`` are losses of lock of each satellite an hour. The same
+    "static", "circle" or "line", ``slips`` are losses of lock per satellite and hour. The same
     arguments give the same bytes.
 
     >>> log = open_log(simulate(duration=10))

@@ -17,7 +17,8 @@ __all__ = ["Choice", "Table"]
 
 @dataclass(frozen=True)
 class Choice:
-    """What of the messages of a type is wanted, and how; the same for a table and its parts."""
+    """The selection from the messages of a type, and its form; the same for a table and its
+    parts."""
 
     type: str
     columns: tuple[str, ...] = ()
@@ -48,7 +49,7 @@ class Choice:
         return request
 
     def checked(self) -> Choice:
-        """Itself, or a RequestError for a name or condition that there is not."""
+        """Returns itself; raises RequestError for an unknown name or invalid condition."""
         _tqx.check(self.request())
         return self
 
@@ -62,10 +63,10 @@ def _earlier(a: int | None, b: int | None) -> int | None:
 
 
 class Table(ArrowTable):
-    """The messages of a type as a table, of which nothing is read before it is asked for.
+    """The messages of a type as a table, read only when needed.
 
-    ``select``, ``where``, ``between`` and the others give a table that reads less: columns that were
-    not selected are not filled, blocks of other times are not touched, and those that do not meet
+    ``select``, ``where``, ``between`` and the others return a table that reads less: columns that
+    were not selected are not filled, blocks of other times are not read, and those that do not meet
     the condition fill nothing.
 
     The columns are ``time`` (GPS time, nanoseconds), ``offset`` (of the block in its file), and the
@@ -91,12 +92,12 @@ class Table(ArrowTable):
 
     @property
     def choice(self) -> Choice:
-        """What was chosen, for the readers of parts of a log."""
+        """The selection, for the readers of parts of a log."""
         return self._choice
 
     @property
     def last_read(self) -> dict[str, Any]:
-        """What the last conversion came to.
+        """Counts of the last conversion.
 
         ``found`` blocks of the type in the time, of which ``selected`` meet the condition, of which
         ``refused`` did not decode (``first_refused`` says where the first one is and why).
@@ -107,7 +108,7 @@ class Table(ArrowTable):
         return Table(self._log, replace(self._choice, **changes))
 
     def select(self, *columns: str) -> Table:
-        """The table with these fields alone, in this order.
+        """The table with only these fields, in this order.
 
         Fields of sub-blocks are paths, such as "Type1.CN0". The time and the offset stay.
         """
@@ -116,8 +117,8 @@ class Table(ArrowTable):
     def where(self, condition: str) -> Table:
         """Only the messages that meet a condition, such as ``NrSV >= 8 and has COG``.
 
-        A condition on sub-blocks holds when it does for one of them; ``any(Type1: SVID like "G*"
-        and CN0_dBHz > 45)`` asks both of the same one. Conditions add up.
+        A condition on sub-blocks holds when it holds for one of them; ``any(Type1: SVID like "G*"
+        and CN0_dBHz > 45)`` requires both of the same one. Conditions are combined.
         """
         return self._with(conditions=(*self._choice.conditions, condition))
 
@@ -138,9 +139,9 @@ class Table(ArrowTable):
         return self._with(revisions=self._choice.revisions & mask)
 
     def explode(self, path: str) -> Table:
-        """A row for each sub-block, such as "Type1" or "Type1.Type2", instead of each message.
+        """One row per sub-block, such as "Type1" or "Type1.Type2", instead of per message.
 
-        Columns of the records that it is in are those that identify them.
+        The enclosing records contribute the columns that identify them.
         """
         return self._with(rows=path)
 
@@ -157,7 +158,7 @@ class Table(ArrowTable):
         """The table in another form.
 
         ``scaled=False`` leaves integers as on the wire, ``named=False`` gives codes instead of names,
-        ``hide_do_not_use=False`` shows the values that stand for "not available"; ``utc``, ``offset``
+        ``hide_do_not_use=False`` shows the values that mean "not available"; ``utc``, ``offset``
         and ``file`` add or remove these columns.
         """
         given = {
@@ -176,7 +177,7 @@ class Table(ArrowTable):
         return self.with_options(scaled=False, named=False, hide_do_not_use=False)
 
     def count(self) -> int:
-        """How many messages of the type there are in all, whatever was chosen, by the index."""
+        """The number of all messages of the type, whatever was selected, from the index."""
         return self._log.types.get(self.name, 0)
 
     def _open(self) -> Any:

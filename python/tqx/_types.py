@@ -16,7 +16,7 @@ __all__ = ["Field", "Type", "Types", "types"]
 
 @dataclass(frozen=True)
 class Field:
-    """A field of a type as the format describes it."""
+    """A field of a type, as described by the format."""
 
     name: str
     #: "u", "i", "f32", "f64", "ch", or "sub" for sub-blocks
@@ -25,7 +25,7 @@ class Field:
     width: int = 0
     #: such as "meter"; empty for none
     unit: str = ""
-    #: what stored integers are multiplied with
+    #: factor of stored integers
     scale: float | None = None
     description: str = ""
     #: stored value that means "not available"
@@ -34,9 +34,9 @@ class Field:
     symbols: Mapping[int, str] = field(default_factory=dict)
     is_optional: bool = False
     is_repeated: bool = False
-    #: whether it tells apart sub-blocks
+    #: whether it distinguishes sub-blocks
     is_identifying: bool = False
-    #: fields of bits that this one is made of
+    #: bit fields that this one consists of
     sub_fields: tuple[str, ...] = ()
     #: name of the type of the sub-blocks
     sub_type: str = ""
@@ -44,7 +44,7 @@ class Field:
 
 @dataclass(frozen=True)
 class Type:
-    """A block or a sub-block as the format describes it."""
+    """A block or a sub-block, as described by the format."""
 
     name: str
     #: "main" or "sub"

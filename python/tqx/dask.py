@@ -1,4 +1,4 @@
-"""Tables of logs as data frames of Dask, a partition for each part of a log."""
+"""Tables of logs as Dask data frames, with one partition per part of a log."""
 
 from __future__ import annotations
 
@@ -20,7 +20,7 @@ __all__ = ["read"]
 
 
 class _Reader:
-    """Makes the frame of a part; knows what Dask does not need of it."""
+    """Makes the frame of a part; knows what Dask does not need from it."""
 
     def __init__(self, choice: Choice) -> None:
         self._choice = choice

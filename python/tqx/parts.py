@@ -1,7 +1,7 @@
-"""Parts of logs that several processes or machines read at the same time.
+"""Parts of logs, for reading by several processes or machines at the same time.
 
-One pass over a log, or the index that is saved beside it, says where it can be cut and what decoding
-has to know at each cut, so that the rows of all parts together are those of the whole log.
+One pass over a log, or the index saved beside it, shows where it can be cut and gives the decoding
+context at each cut, so that all parts together have exactly the rows of the whole log.
 """
 
 from __future__ import annotations
@@ -31,7 +31,7 @@ class Part:
     path: str
     begin: int
     end: int
-    #: what decoding has seen before
+    #: decoding context at its start
     week: int
     tow: int
     time_before: int | None

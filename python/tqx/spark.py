@@ -65,7 +65,7 @@ def _spark_type(kind: Any) -> Any:
 
 
 def _convert(values: Any) -> Any:
-    """An array with the values of a column in the type that Spark has for it."""
+    """An array with the values of a column in Spark's type for it."""
     kind = values.type
     if pyarrow.types.is_struct(kind):
         children = [_convert(child) for child in values.flatten()]
@@ -109,14 +109,14 @@ def _batch(batch: Any, names: Sequence[str]) -> Any:
 
 @dataclass
 class _Partition(InputPartition):
-    """A part of a log as Spark sends it to a worker."""
+    """A part of a log, as sent to a worker by Spark."""
 
     part: Part
 
 
 @dataclass(frozen=True)
 class _Request:
-    """What the options ask for."""
+    """The request in the options."""
 
     path: str
     choice: Choice
@@ -160,7 +160,7 @@ _OWN = ("time", "time_ns", "utc", "offset", "file")
 
 
 def _only(choice: Choice, names: Iterable[str]) -> Choice:
-    """The choice with the columns that a schema names, as far as they are fields."""
+    """The selection with the columns of a schema, as far as they are fields."""
     if choice.type in PRODUCTS:
         return choice
     names = list(names)
@@ -179,9 +179,9 @@ class _Reader(DataSourceReader):
         self._choice = _only(request.choice, self._names)
 
     def pushFilters(self, filters: list[Filter]) -> Iterable[Filter]:
-        """Takes what filters say of the time, number and revision.
+        """Accepts filters on the time, number and revision.
 
-        Spark applies all of them again.
+        Spark still applies all filters itself.
         """
         for each in filters:
             if len(getattr(each, "attribute", ())) == 1:
@@ -252,20 +252,21 @@ class TqxDataSource(DataSource):
     """Tables of logs, each of one type, whose partitions are parts of the logs.
 
     Options: ``type`` (the name of a type, or "observations", "positions", "ephemerides"),
-    ``columns`` (fields, separated by commas), ``rows`` (the path of sub-blocks, for a row each), ``where``,
-    ``start``, ``end``, ``partBytes``, ``saveIndex``, ``scaled``, ``named``, ``utc``, ``file``, and
-    ``statistics``, a folder in which each partition notes what it read.
+    ``columns`` (fields, separated by commas), ``rows`` (the path of sub-blocks, for one row each),
+    ``where``, ``start``, ``end``, ``partBytes``, ``saveIndex``, ``scaled``, ``named``, ``utc``,
+    ``file``, and ``statistics``, a folder in which each partition records what it read.
 
-    Spark prunes no columns of such a source by itself: name them in ``columns``, or give a schema.
+    Spark does not prune columns of such a source by itself: name them in ``columns``, or give a
+    schema.
     """
 
     @classmethod
     def name(cls) -> str:
-        """What ``spark.read.format`` calls it."""
+        """The name for ``spark.read.format``."""
         return "tqx"
 
     def schema(self) -> StructType:
-        """The columns of the table that the options ask for."""
+        """The columns of the requested table."""
         request = _request(dict(self.options))
         choice = request.choice
         part = Part(

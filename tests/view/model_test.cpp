@@ -256,7 +256,7 @@ TEST(PlotField, WhatIsNoNumberIsReported)
         QString reason;
         QObject::connect(&field, &PlotField::failed, [&](const QString& text) { reason = text; });
         field.setLog(std::make_shared<TinyLog>(10), false);
-        EXPECT_EQ(reason, QString("%1 is no numeric field").arg(expression));
+        EXPECT_EQ(reason, QString("%1 is not a numeric field").arg(expression));
     }
 }
 

@@ -1,5 +1,7 @@
 #include "tqx/simulation/Estimator.h"
 
+#include "tqx/simulation/LeastSquares.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numeric>
@@ -9,44 +11,6 @@ namespace tqx::simulation
 
 namespace
 {
-
-template<size_t size>
-using Matrix = std::array<std::array<double, size>, size>;
-
-/// The inverse of a symmetric positive definite matrix of which the lower half is given, by Gauss
-/// and Jordan; pivots need no search.
-template<size_t size>
-Matrix<size> inverse(Matrix<size> m)
-{
-    for (size_t i = 0; i < size; ++i) {
-        for (size_t j = 0; j < i; ++j)
-            m[j][i] = m[i][j];
-    }
-    for (size_t k = 0; k < size; ++k) {
-        const double pivot = 1 / m[k][k];
-        m[k][k] = 1;
-        for (size_t j = 0; j < size; ++j)
-            m[k][j] *= pivot;
-        for (size_t i = 0; i < size; ++i) {
-            if (i == k)
-                continue;
-            const double factor = m[i][k];
-            m[i][k] = 0;
-            for (size_t j = 0; j < size; ++j)
-                m[i][j] -= factor * m[k][j];
-        }
-    }
-    return m;
-}
-
-template<size_t size>
-std::array<double, size> product(const Matrix<size>& m, const std::array<double, size>& v)
-{
-    std::array<double, size> result = {};
-    for (size_t i = 0; i < size; ++i)
-        result[i] = std::inner_product(v.begin(), v.end(), m[i].begin(), 0.0);
-    return result;
-}
 
 template<size_t size>
 Covariance corner(const Matrix<size>& m)
@@ -69,8 +33,8 @@ void addRow(Equations& equations, const std::array<double, size>& row, double er
     equations.squares += weight * error * error;
 }
 
-/// A measurement that the solution explains up to the residual. Errors are found that stand 4.13
-/// deviations out: they pass at one in a thousand and are missed at one in five.
+/// A measurement that the solution explains up to the residual. The detectable error is 4.13
+/// deviations: one in a thousand false alarms, one in five missed.
 template<size_t size>
 Residual residualOf(const std::array<double, size>& row, double error, double weight,
                     const Matrix<size>& inverse, const std::array<double, size>& unknowns)
@@ -83,7 +47,7 @@ Residual residualOf(const std::array<double, size>& row, double error, double we
     return {error - explained, deviation, noncentrality / (weight * deviation)};
 }
 
-/// The part of a row that a range rate has as well: it sees one drift for all systems.
+/// The part of a row that also applies to range rates: there is one drift for all systems.
 template<size_t size>
 std::array<double, 4> motionOf(const std::array<double, size>& row)
 {
@@ -104,7 +68,7 @@ void Estimator::begin()
     m_dilution = {};
     m_velocity = {};
     m_solution.used = {};
-    // The clock of a system without satellites stays what it is.
+    // The clock of a system without satellites does not change.
     for (size_t i = 4; i < positionUnknowns; ++i)
         m_position.normal[i][i] = m_dilution.normal[i][i] = 1e-9;
 }

@@ -11,7 +11,7 @@ namespace
 {
 
 constexpr double degrees = 180 / pi;
-constexpr double warmUp = 600; // seconds that everything has run before the log begins
+constexpr double warmUp = 600; // seconds of operation before the log begins
 constexpr double earthRotation = 7.2921151467e-5;
 constexpr double referenceFrequency = 1575420000; // of the ionospheric delay
 
@@ -59,7 +59,7 @@ void Receiver::advanceClock(double elapsed)
 void Receiver::selectCandidates(double now)
 {
     constexpr double interval = 30;
-    constexpr double margin = 2 / degrees; // what a satellite rises in that time, and more
+    constexpr double margin = 2 / degrees; // more than a satellite rises in that time
     if (now < m_candidatesUntil)
         return;
     m_candidatesUntil = now + interval;
@@ -77,8 +77,8 @@ void Receiver::selectCandidates(double now)
     }
 }
 
-/// The earth turns while the signal travels: the place of the satellite is brought to the frame of
-/// the moment of reception.
+/// The earth turns while the signal travels: the place of the satellite is rotated to the frame at
+/// reception.
 Receiver::Geometry Receiver::geometry(const Satellite& satellite, double& flight) const
 {
     Geometry view = {};
@@ -107,7 +107,7 @@ Receiver::Geometry Receiver::geometry(const Satellite& satellite, double& flight
     return view;
 }
 
-/// Lock is lost and found again within an epoch: the phases go on from other whole cycles.
+/// Lock is lost and regained within an epoch: the phases continue from other whole cycles.
 void Receiver::slip(Channel& channel, const Epoch& epoch)
 {
     constexpr uint64_t most = 50;
@@ -156,8 +156,8 @@ Signal Receiver::measure(const Sight& sight, const Geometry& view, Channel& chan
                                 std::sqrt(1 - kept * kept);
     signal.codeError = noise.normal(plan.codeNoise * lowness) + reflection;
     signal.code = path + delay + signal.codeError;
-    signal.phase =
-        (path - delay) / wavelength + channel.ambiguities[index] + noise.normal(0.005 * lowness);
+    signal.phaseError = noise.normal(BaselineEstimator::phaseNoise * lowness);
+    signal.phase = (path - delay) / wavelength + channel.ambiguities[index] + signal.phaseError;
     signal.rangeRateError = noise.normal(Estimator::rangeRateNoise * lowness);
     const double drift = m_clockDrift - view.sent.clockDrift;
     signal.doppler = -(view.rangeRate + speedOfLight * drift + signal.rangeRateError) / wavelength;
@@ -169,7 +169,8 @@ Signal Receiver::measure(const Sight& sight, const Geometry& view, Channel& chan
 void Receiver::observeSecond(Sight& sight, Geometry view, Channel& channel, bool isNew,
                              double ionosphere)
 {
-    view.range -= dot(secondAntenna, view.direction);
+    view.range -= dot(m_secondAntenna.position, view.direction);
+    view.rangeRate -= dot(m_secondAntenna.velocity, view.direction);
     channel.isNew = isNew;
     if (isNew) {
         for (double& ambiguity : channel.ambiguities)
@@ -184,6 +185,10 @@ void Receiver::observeSecond(Sight& sight, Geometry view, Channel& channel, bool
                 measure(sight, view, channel, i, ionosphere, m_secondNoise);
         }
     }
+    const Signal& here = sight.signals[0];
+    const Signal& there = sight.secondSignals[0];
+    m_baseline.add(satellite.getSvid(), view.direction, speedOfLight / here.frequency,
+                   there.phaseError - here.phaseError, there.rangeRateError - here.rangeRateError);
 }
 
 void Receiver::observe(const Satellite& satellite, Channel& channel, const Geometry& view,
@@ -234,13 +239,16 @@ void Receiver::advance(const Epoch& epoch)
     m_lastElapsed = epoch.elapsed;
     advanceClock(epoch.elapsed);
     m_time = epoch.time - m_clockBias;
-    m_antenna = m_track.at(epoch.elapsed - m_clockBias);
+    const double moved = epoch.elapsed - m_clockBias;
+    m_antenna = m_track.at(moved);
+    m_secondAntenna = m_track.aheadAt(moved, antennaDistance);
     m_place = toGeodetic(m_antenna.position);
     m_frame = LocalFrame(m_place);
     m_zenithDelay = zenithTroposphere(m_place);
     selectCandidates(m_time);
     m_sights.clear();
     m_estimator.begin();
+    m_baseline.begin();
     for (const size_t i : m_candidates) {
         Channel& channel = m_channels[i];
         const Geometry view = geometry(*m_satellites[i], channel.flight);
@@ -257,6 +265,7 @@ void Receiver::advance(const Epoch& epoch)
         }
     }
     m_estimator.solve({m_antenna, m_clockBias, m_clockDrift}, m_frame);
+    m_baseline.solve(m_secondAntenna);
 }
 
 } // namespace tqx::simulation

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/simulation/Atmosphere.h"
+#include "tqx/simulation/Baseline.h"
 #include "tqx/simulation/Estimator.h"
 #include "tqx/simulation/Signals.h"
 #include "tqx/simulation/Track.h"
@@ -31,6 +32,7 @@ struct Signal {
     double doppler;        ///< hertz
     double cn0;            ///< dB-Hz
     double codeError;      ///< metres that noise and reflections add
+    double phaseError;     ///< cycles that noise adds
     double rangeRateError; ///< metres per second that noise adds
 };
 
@@ -54,13 +56,13 @@ struct Sight {
     double elevation() const;
 };
 
-/// What a receiver is like.
+/// Settings of a receiver.
 struct ReceiverSettings {
     unsigned systems = globalSystems; ///< bits of those that it tracks
     std::optional<double> clockDrift; ///< seconds per second, random without
-    bool hasSecondAntenna = false;
-    double slipsPerHour = 0; ///< of each satellite, on all of its signals at once
-    bool hidesSlips = false; ///< the receiver does not notice them
+    bool hasSecondAntenna = false;    ///< which measures, and with which there is an attitude
+    double slipsPerHour = 0;          ///< of each satellite, on all of its signals at once
+    bool hidesSlips = false;          ///< the receiver does not notice them
 };
 
 /// A receiver and its antenna: what it tracks and measures, and the position it finds.
@@ -77,7 +79,7 @@ public:
     /// All of the systems that it tracks, above the horizon and below.
     const std::vector<std::unique_ptr<Satellite>>& getSatellites() const { return m_satellites; }
     const std::vector<Sight>& getSights() const { return m_sights; }
-    /// For faults that are brought into what was measured, after the position has been found.
+    /// For faults to be applied to the measurements after the position has been computed.
     std::vector<Sight>& getSights() { return m_sights; }
 
     /// Bits of systems that are not received from the next epoch on.
@@ -94,24 +96,28 @@ public:
     /// True position of the antenna on the ellipsoid.
     const Geodetic& getPlace() const { return m_place; }
 
-    /// Milliseconds by which the clock has been set back or forth, modulo 256.
+    /// Total of the clock jumps in milliseconds, modulo 256.
     uint8_t getClockJumps() const { return static_cast<uint8_t>(m_clockJumps & 0xff); }
 
-    /// Seconds by which the receiver's paths delay the signals of a system against those of GPS.
+    /// Seconds by which the receiver's paths delay the signals of a system relative to GPS.
     static constexpr std::array<double, systemCount> systemDelays = {
         0, 31.7e-9, 4.3e-9, -12.9e-9, 0.6e-9, 18.2e-9, 1.1e-9};
 
     /// Height of the geoid above the ellipsoid at the antenna, metres.
     static constexpr double undulation = 44.5;
 
-    /// Where the second antenna is, as seen from the first: east, north and up, metres.
-    static constexpr Vector secondAntenna = {1.5, 0, 0};
+    /// Metres by which the second antenna is ahead of the first on the vehicle, which is level.
+    static constexpr double antennaDistance = 1.5;
+
+    bool hasSecondAntenna() const { return !m_secondChannels.empty(); }
+    /// From the first antenna to the second, from the carrier phases of both.
+    const Baseline& getBaseline() const { return m_baseline.getBaseline(); }
 
     /// Satellites below are not tracked, degrees.
     static constexpr double maskElevation = 5;
 
 private:
-    /// What the receiver keeps of a satellite from epoch to epoch.
+    /// What the receiver remembers about a satellite from epoch to epoch.
     struct Channel {
         uint8_t number = 0; ///< 0 while it is not tracked
         double since = 0;   ///< elapsed seconds at which tracking began
@@ -140,10 +146,10 @@ private:
                    double ionosphere, Random& noise);
 
     Random& m_random;
-    // These have random numbers of their own, so that all else stays the same.
+    // These have their own random numbers, so that everything else stays the same.
     Random m_slips;
     Random m_secondNoise;
-    std::vector<Channel> m_secondChannels; ///< of the second antenna, by satellite; or none
+    std::vector<Channel> m_secondChannels; ///< of the second antenna, by satellite; may be empty
     double m_slipsPerHour;
     unsigned m_blocked = 0;
     std::optional<double> m_correctionAge;
@@ -156,6 +162,7 @@ private:
     std::vector<bool> m_numbersInUse;
     std::vector<Sight> m_sights;
     Estimator m_estimator;
+    BaselineEstimator m_baseline;
 
     double m_initialBias;   ///< of the clock, seconds
     double m_clockDrift;    ///< seconds per second
@@ -168,7 +175,8 @@ private:
     Motion m_antenna = {};
     Geodetic m_place = {};
     LocalFrame m_frame;
-    double m_zenithDelay = 0; ///< of the troposphere, metres
+    Motion m_secondAntenna = {}; ///< as seen from the first, east, north and up
+    double m_zenithDelay = 0;    ///< of the troposphere, metres
 };
 
 } // namespace tqx::simulation

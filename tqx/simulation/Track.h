@@ -16,8 +16,8 @@ struct TrackSettings {
     double speed = 15; ///< metres per second
 };
 
-/// The way of the antenna: it stays, drives round a circle of 200 m radius, which lies level at
-/// its start and to the north of it, or travels eastwards along its parallel.
+/// The path of the antenna: it stays, drives round a circle of 200 m radius, level at its start and
+/// to the north of it, or travels eastwards along its parallel.
 class Track
 {
 public:
@@ -25,6 +25,10 @@ public:
 
     /// Motion on the rotating earth.
     Motion at(double elapsed) const;
+
+    /// Where a point of the vehicle is that many metres ahead of the antenna, and how it moves, as
+    /// seen from the antenna: east, north and up. The vehicle heads east at first.
+    Motion aheadAt(double elapsed, double distance) const;
 
     /// Radians per second by which it turns to the left.
     double getTurnRate() const { return m_turnRate; }

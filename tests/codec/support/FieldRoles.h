@@ -3,7 +3,19 @@
 #include "TQX_codec.h"
 
 #include <cstdint>
+#include <ostream>
 #include <vector>
+
+namespace Kor::MessageApi
+{
+
+/// For tests that have a type as their parameter.
+inline void PrintTo(const TQX_TypeLayout* type, std::ostream* stream)
+{
+    *stream << type->name;
+}
+
+} // namespace Kor::MessageApi
 
 /// What other fields make of a scalar field: whoever invents values for it has to know.
 struct FieldRole {

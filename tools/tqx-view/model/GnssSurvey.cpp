@@ -20,8 +20,8 @@ namespace tqx::view
 namespace
 {
 
-/// Keeps every one of the first elements, then every second one, and so on: never more than twice
-/// as many as asked for.
+/// Keeps all of the first elements, then every second one, and so on: at most twice as many as
+/// requested.
 template<typename Element>
 class Thinned
 {
@@ -51,7 +51,7 @@ private:
     uint64_t m_count = 0;
 };
 
-/// Notes from when to when each signal is tracked.
+/// Records the spans in which each signal is tracked.
 class VisibilityTracker
 {
 public:

@@ -54,7 +54,7 @@ struct TrackPoint {
     Fix fix;
 };
 
-/// What a log says of satellites and positions. Of the main antenna only.
+/// What a log says about satellites and positions; only for the main antenna.
 struct GnssData {
     std::vector<SkyEpoch> strengths;        ///< thinned evenly when there are many
     std::vector<DirectionEpoch> directions; ///< likewise
@@ -73,7 +73,7 @@ public:
     explicit GnssSurvey(QObject* parent = nullptr);
     ~GnssSurvey() override;
 
-    /// Begins with another log; changed() follows when it has been read.
+    /// Starts reading another log; changed() follows when it has been read.
     void setLog(std::shared_ptr<const TqxLog> log);
 
     const GnssData& getData() const { return *m_data; }
@@ -81,7 +81,7 @@ public:
 
     static constexpr size_t mostEpochs = 2000;
     static constexpr size_t mostPositions = 50'000;
-    static constexpr size_t mostSpans = 500'000; ///< of all signals together
+    static constexpr size_t mostSpans = 500'000; ///< of all signals
 
 Q_SIGNALS:
     void changed();
@@ -93,7 +93,7 @@ private:
     TaskQueue m_tasks;
 };
 
-/// What GnssSurvey gives, in the thread that asks; null when the token is cancelled.
+/// Does the work of GnssSurvey in the calling thread; null when the token is cancelled.
 std::shared_ptr<const GnssData> readGnss(const TqxLog& log, const TaskToken& token);
 
 } // namespace tqx::view

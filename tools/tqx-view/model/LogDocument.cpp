@@ -43,7 +43,7 @@ void LogDocument::open(const QStringList& paths)
         };
         QString reason;
         try {
-            // The first log sets up the metadata, which the window need not wait for.
+            // The first log sets up the metadata; the window need not wait for that.
             const auto log = std::make_shared<const TqxLog>(openContent(names, token, report));
             QMetaObject::invokeMethod(
                 this,

@@ -22,7 +22,7 @@ void PlotSeries::add(double time, double value)
     m_points.insert(place, {time, value});
 }
 
-/// Boyer's and Moore's vote: the step that more than half of the points have, if there is one.
+/// Boyer-Moore majority vote: the step that more than half of the points have, if there is one.
 void PlotSeries::countStep(double step)
 {
     if (step <= 0)

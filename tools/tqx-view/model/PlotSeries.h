@@ -16,7 +16,7 @@ struct PlotPoint {
 };
 
 /// Points in the order of time, in bounded memory: thin() halves them, keeping the least and the
-/// greatest of those that follow each other, so that no peak is lost.
+/// greatest of neighbours, so that no peak is lost.
 class PlotSeries
 {
 public:
@@ -30,20 +30,20 @@ public:
     size_t size() const { return m_points.size(); }
     const PlotPoint& operator[](size_t index) const { return m_points[index]; }
 
-    /// How many points one of those that are kept stands for, at the most; 1 for all as they were.
+    /// The most original points that one kept point represents; 1 if all are kept.
     unsigned getThinning() const { return m_thinning; }
     void thin();
 
     /// Points between two times and one on each side, for a picture of so many pixels in width:
-    /// where there are more than four to a pixel its first, least, greatest and last one.
-    /// `breaks` receives the places in the result before which there is a gap in time.
+    /// where a pixel has more than four, its first, least, greatest and last one. `breaks` receives
+    /// the places in the result before which there is a gap in time.
     std::vector<PlotPoint> visible(double from, double to, int pixels,
                                    std::vector<size_t>& breaks) const;
 
     /// The point next to a time, nothing in an empty series.
     std::optional<PlotPoint> nearest(double time) const;
 
-    /// First and last time; only of a series that is not empty.
+    /// First and last time; only for a series that is not empty.
     double getFirstTime() const { return m_points.front().time; }
     double getLastTime() const { return m_points.back().time; }
 
@@ -57,7 +57,7 @@ private:
     std::vector<PlotPoint> m_points;
     std::vector<double> m_gapEnds; ///< times of the first points after a gap
     unsigned m_thinning = 1;
-    double m_usualStep = 0; ///< that most points follow each other at
+    double m_usualStep = 0; ///< interval of most points
     int m_votes = 0;        ///< for the usual step, by majority
 };
 

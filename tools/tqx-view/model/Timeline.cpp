@@ -14,7 +14,7 @@ namespace tqx::view
 namespace
 {
 
-/// What is gathered of a type while the log is read.
+/// What is gathered about a type while the log is read.
 struct Gathered {
     explicit Gathered(size_t& room) : intervals(room) {}
 
@@ -83,7 +83,7 @@ private:
         m_data->faults.push_back(std::move(fault));
     }
 
-    /// `known` are outages that are reported already, of which those of the type are part.
+    /// `known` are outages already reported, which include those of the type.
     void addRow(const QString& name, const std::vector<TimeSpan>& known, const Gathered& type)
     {
         TimelineRow row;
@@ -118,7 +118,7 @@ private:
         m_data->rows.push_back(std::move(row));
     }
 
-    /// Of messages that come less often than once a bin, empty bins are no outage.
+    /// For messages that come less often than once per bin, empty bins are not an outage.
     static void joinAcrossBins(TimelineRow& row)
     {
         if (!row.interval)

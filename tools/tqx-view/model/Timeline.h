@@ -20,11 +20,11 @@ struct TimeSpan {
     double to;
 };
 
-/// When the messages of a type come.
+/// When messages of a type occur.
 struct TimelineRow {
     QString name;
     uint64_t count = 0;
-    std::optional<double> interval; ///< milliseconds, of those that come regularly
+    std::optional<double> interval; ///< milliseconds, for regular messages
     std::vector<TimeSpan> present;  ///< to the width of a bin
     std::vector<TimeSpan> missing;  ///< outages: intervals of at least one and a half usual ones
 };
@@ -37,7 +37,7 @@ struct TimelineFault {
     double time = 0; ///< when it began
     double duration = 0;
     uint64_t offset = 0; ///< of damage
-    QString type;        ///< whose outage it is, empty for one of all types
+    QString type;        ///< type of the outage, empty for all types
     QString text;        ///< for people
 };
 
@@ -56,7 +56,7 @@ public:
     explicit Timeline(QObject* parent = nullptr);
     ~Timeline() override;
 
-    /// Begins with another log; changed() follows when it has been read.
+    /// Starts reading another log; changed() follows when it has been read.
     void setLog(std::shared_ptr<const MessageLog> log);
 
     const TimelineData& getData() const { return *m_data; }
@@ -75,7 +75,7 @@ private:
     TaskQueue m_tasks;
 };
 
-/// What Timeline gives, in the thread that asks; null when the token is cancelled.
+/// Does the work of Timeline in the calling thread; null when the token is cancelled.
 std::shared_ptr<const TimelineData> readTimeline(const MessageLog& log, const TaskToken& token);
 
 } // namespace tqx::view

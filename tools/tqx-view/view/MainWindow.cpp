@@ -102,7 +102,7 @@ MainWindow::~MainWindow()
     delete takeCentralWidget();
 }
 
-/// The log is read for satellites and positions once one of their pages is looked at.
+/// The log is read for satellites and positions once one of their pages is shown.
 void MainWindow::surveyIfShown()
 {
     const bool isShown = m_tabs->currentWidget() == m_sky || m_tabs->currentWidget() == m_track;
@@ -130,7 +130,7 @@ void MainWindow::makeFileMenu()
     m_follow = file->addAction(tr("&Follow"));
     m_follow->setShortcut(QKeySequence("Ctrl+L"));
     m_follow->setCheckable(true);
-    m_follow->setToolTip(tr("Show what is appended to the file as it comes"));
+    m_follow->setToolTip(tr("Show data appended to the file as they come"));
     connect(m_follow, &QAction::toggled, this, [this](bool isOn) {
         m_document.setFollowing(isOn);
         m_messages->setStickingToEnd(isOn);

@@ -103,7 +103,7 @@ void MessageTable::rowsChanged(bool fromScratch)
 {
     const uint64_t count = m_rows.getCount();
     if (fromScratch) {
-        // The message that was selected is selected again if the list still has it.
+        // The previously selected message is selected again if the list still has it.
         m_hasWanted = m_reported != ~uint64_t{0};
         m_wantedOffset = m_reported;
         m_current.reset();

@@ -31,7 +31,7 @@ namespace tqx::view
 namespace
 {
 
-// More curves than that are not told apart in one plot by anyone.
+// Nobody can distinguish more curves in one plot.
 constexpr size_t mostCurves = 128;
 constexpr int timeLabelOverhang = 44;
 
@@ -64,7 +64,7 @@ PlotPanel::PlotPanel(const QString& expression, QString choice, QWidget* parent)
     m_values->setObjectName("plotValues");
     m_choices->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     m_choices->setMaxVisibleItems(30);
-    m_choices->setToolTip(tr("Which of the things that the field is sent for"));
+    m_choices->setToolTip(tr("Which of the series of the field to show"));
     m_choices->hide();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -147,7 +147,7 @@ void PlotPanel::updateChoices()
         for (const QString& name : names)
             m_choices->addItem(name, name);
     }
-    // A choice that is not there yet may still be read.
+    // A choice that does not exist yet may still be read.
     m_choices->setCurrentIndex(std::max(0, m_choices->findData(m_choice)));
     m_choices->setVisible(names.size() > 1);
 }
@@ -183,7 +183,7 @@ void PlotPanel::updateCurves()
     }
     double least = std::numeric_limits<double>::max();
     double greatest = std::numeric_limits<double>::lowest();
-    // Many curves hide each other: coarser ones look the same and are drawn fast.
+    // Many curves hide each other: coarser ones look the same and draw faster.
     const bool areMany = shown.size() > 8;
     const int width = std::max(m_plot->canvas()->width(), 100) / (areMany ? 4 : 1);
     for (size_t i = 0; i < shown.size(); ++i) {
@@ -215,7 +215,7 @@ void PlotPanel::setTimeAxisVisible(bool isVisible)
 {
     QwtScaleWidget& axis = *m_plot->axisWidget(QwtPlot::xBottom);
     axis.scaleDraw()->enableComponent(QwtAbstractScaleDraw::Labels, isVisible);
-    // As much room as labels need beyond the ends, so that all plots are equally wide.
+    // Fixed room for labels beyond the ends, so that all plots are equally wide.
     axis.setMinBorderDist(timeLabelOverhang, timeLabelOverhang);
     m_plot->updateLayout();
 }

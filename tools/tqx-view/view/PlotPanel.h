@@ -19,8 +19,7 @@ namespace tqx::view
 
 class SeriesCurve;
 
-/// The plot of one field over time. What it shows of the time is set from outside, the same for all
-/// plots.
+/// The plot of one field over time. The times shown are set from outside, the same for all plots.
 class PlotPanel : public QWidget
 {
     Q_OBJECT
@@ -64,9 +63,9 @@ public:
 
 Q_SIGNALS:
     void closeWanted();
-    /// There are other points.
+    /// The points have changed.
     void changed();
-    /// The times shown are to be others; of all plots.
+    /// The user wants other times shown, in all plots.
     void rangeWanted(double from, double to);
     void wholeWanted();
     void cursorMoved(double time);
@@ -99,7 +98,7 @@ private:
     bool m_isValueRangeSet = false; ///< by the user, so that it does not follow the points
     double m_dragTime = 0;
     bool m_isDragging = false;
-    QTimer m_updates; ///< so that points that come fast do not keep the window busy
+    QTimer m_updates; ///< so that fast updates do not keep the window busy
 };
 
 } // namespace tqx::view

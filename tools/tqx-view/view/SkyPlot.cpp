@@ -94,7 +94,7 @@ void SkyPlot::paintGrid(QPainter& painter) const
 void SkyPlot::paintWays(QPainter& painter, size_t current) const
 {
     std::map<SatelliteId, QPolygonF> ways;
-    constexpr size_t mostSteps = 300; // of a way, which is no longer than a few hundred pixels
+    constexpr size_t mostSteps = 300; // of a path, which is at most a few hundred pixels long
     const size_t step = current / mostSteps + 1;
     for (size_t i = 0; i <= current; i += step) {
         for (const Direction& direction : (*m_epochs)[i].directions) {

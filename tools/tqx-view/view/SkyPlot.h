@@ -7,8 +7,8 @@
 namespace tqx::view
 {
 
-/// Where the satellites are seen at a time, with the ways they came since the log began: the zenith
-/// in the middle, north up.
+/// Where the satellites are at a time, with their paths since the log began: the zenith in the
+/// middle, north up.
 class SkyPlot : public QWidget
 {
     Q_OBJECT

@@ -14,7 +14,7 @@ namespace tqx::view
 
 class SpanPlot;
 
-/// When which messages come, where they are missing, and where the log is damaged.
+/// When messages occur, where they are missing, and where the log is damaged.
 class TimelinePage : public QWidget
 {
     Q_OBJECT

@@ -56,7 +56,7 @@ void addDots(QwtPlot& plot, const QString& title, const QVector<QPointF>& dots,
 
 QString metres(double value)
 {
-    constexpr double least = 0.0005; // what is less would be shown as a negative zero
+    constexpr double least = 0.0005; // smaller ones would be shown as a negative zero
     return QLocale().toString(std::abs(value) < least ? 0 : value, 'f', 3);
 }
 
@@ -123,7 +123,7 @@ void TrackPage::showData()
     const QString typed = m_centre->text().trimmed();
     if (!typed.isEmpty() && !parsePlace(typed, centre)) {
         m_figures->setText(
-            tr("%1 is no place; latitude, longitude and height are expected").arg(typed));
+            tr("%1 is not a place; latitude, longitude and height are expected").arg(typed));
         return;
     }
     m_points = localTrack(known.track, centre);

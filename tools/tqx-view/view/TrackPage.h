@@ -23,7 +23,7 @@ public:
     explicit TrackPage(const GnssSurvey& survey, QWidget* parent = nullptr);
     void setHasLog(bool hasLog);
 
-    /// What is said of the positions.
+    /// Text about the positions.
     QString getFiguresText() const;
     QLineEdit& getCentre() { return *m_centre; }
 

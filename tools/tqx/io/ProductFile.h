@@ -10,22 +10,22 @@ struct gzFile_s;
 namespace tqx::tool
 {
 
-/// A file that appears under its name only once it is complete; compressed with gzip or as it is.
+/// A file that appears under its name only once it is complete; plain or compressed with gzip.
 class ProductFile
 {
 public:
     /// Creates `path` with ".part" after its name. Throws ToolError when that fails.
     ProductFile(std::string path, bool isCompressed);
 
-    /// Removes what is not finished.
+    /// Removes an unfinished file.
     ~ProductFile();
     ProductFile(const ProductFile&) = delete;
     ProductFile& operator=(const ProductFile&) = delete;
 
-    /// What is to be written next; append to it, then call commit().
+    /// The output buffer; append to it, then call commit().
     Buffer& getBuffer() { return m_buffer; }
 
-    /// Writes out what is big. Throws ToolError.
+    /// Flushes a large buffer. Throws ToolError.
     void commit()
     {
         if (m_buffer.size() >= pieceSize)

@@ -15,7 +15,7 @@ namespace
 using Json = nlohmann::ordered_json;
 using quality::Quality;
 
-/// Six decimals are enough for all figures; what is not known is null.
+/// Six decimals are enough for all figures; unknown ones are null.
 Json numberOf(double value)
 {
     if (std::isnan(value) || std::isinf(value))

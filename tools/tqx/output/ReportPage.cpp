@@ -25,7 +25,7 @@ Json rounded(float value)
     return std::round(double{value} * 1e3) / 1e3;
 }
 
-/// Times are seconds since the first one of the log, so that they are short.
+/// Times are seconds since the first one of the log, to keep them short.
 Json seriesOf(const quality::Series& series, GnssMillis origin)
 {
     Json times = Json::array();
@@ -81,7 +81,7 @@ Json picturesOf(const quality::Quality& quality)
             {"sky", std::move(sky)}};
 }
 
-/// What a script element must not contain is written as escapes.
+/// Escapes what a script element must not contain.
 void appendEscaped(Buffer& out, const std::string& json)
 {
     for (const char c : json) {

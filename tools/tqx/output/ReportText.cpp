@@ -105,7 +105,7 @@ void appendFailures(Buffer& out, const LogReport& report)
         out.append(fmt::format("  {}\n", failure));
 }
 
-/// A table with a row for each name and a column for each report, in pieces where it is wider.
+/// A table with one row per name and one column per report, in pieces where it is too wide.
 void appendColumns(Buffer& out, const std::vector<LogReport>& reports, size_t width)
 {
     constexpr size_t labelWidth = 24;

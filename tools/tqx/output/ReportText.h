@@ -15,7 +15,7 @@ namespace tqx::tool
 struct LogReport {
     std::string name;
     quality::Quality quality;
-    std::vector<std::string> failures; ///< what of the requirement does not hold
+    std::vector<std::string> failures; ///< parts of the requirement that do not hold
 };
 
 /// Appends a report for people: verdicts, findings, signals. Several are compared side by side,
@@ -29,8 +29,7 @@ nlohmann::ordered_json reportJson(const std::vector<LogReport>& reports,
 /// Whether this build can write pages.
 bool canWritePage();
 
-/// Appends the reports as one page for a browser that needs nothing else. Only where
-/// canWritePage().
+/// Appends the reports as one self-contained page for a browser. Only if canWritePage().
 void appendReportPage(Buffer& out, const std::vector<LogReport>& reports,
                       const std::string& requirement);
 

@@ -39,7 +39,7 @@ void RinexRun::take(BlockStream& stream, const Block& block)
         return;
     if (const int32_t result = m_decoder.decode(block); result < 0)
         return stream.reportUndecodable(block, result);
-    // What a block says holds for the epochs after it.
+    // The content of a block applies to the epochs after it.
     if (const auto time = block.getTime(); time && number == SetUp::blockNumber)
         m_gatherer.advance(*time);
     if (isForHeader)
@@ -118,7 +118,7 @@ void RinexRun::openFiles()
     }
 }
 
-/// Writes the pulses before that one which are not yet in the files.
+/// Writes the pulses before that one that are not yet in the files.
 void RinexRun::writePulses(size_t end)
 {
     for (; m_writtenPulses < end; ++m_writtenPulses) {
@@ -207,7 +207,7 @@ ExitStatus RinexRun::writeFiles(const std::vector<std::string>& files, bool isQu
         words::say("no observations: there is no observation file");
     } else if (!m_survey.getSetUp() && m_request.options.marker.empty()) {
         words::say("the log does not describe the installation: marker, receiver and antenna are "
-                   "not known (--marker, --observer and --agency give some of it)");
+                   "unknown (set some of it with --marker, --observer and --agency)");
     }
     openFiles();
     if (m_spool && !m_outputs.empty()) {
@@ -215,7 +215,7 @@ ExitStatus RinexRun::writeFiles(const std::vector<std::string>& files, bool isQu
     } else if (!m_outputs.empty()) {
         InputSequence source(files, isQuiet);
         writeObservations(source);
-        // What is cut off would not be what the headers say.
+        // Otherwise the files would not match their headers.
         if (interrupt::hasCome())
             return ExitStatus::Failed;
     }

@@ -22,7 +22,7 @@
 namespace tqx::tool
 {
 
-/// What `tqx rinex` is asked for.
+/// Options of `tqx rinex`.
 struct RinexRequest {
     RinexOptions options;
     EpochSelection selection;
@@ -30,8 +30,8 @@ struct RinexRequest {
     bool isCompressed = false;
 };
 
-/// The first pass through a log as a consumer of its blocks, and the files that come of it. What
-/// can only be read once is kept in a temporary file for the second pass.
+/// The first pass over a log, as a consumer of its blocks, and the resulting files. What can only
+/// be read once is kept in a temporary file for the second pass.
 class RinexRun : public BlockConsumer
 {
 public:

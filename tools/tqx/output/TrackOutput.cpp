@@ -14,7 +14,7 @@ TrackOutput::TrackOutput(Add add, const PositionSource* source, uint64_t limit, 
 {
 }
 
-/// Without dilutions in one epoch, the next does not wait for them.
+/// After an epoch without dilutions, the next one does not wait for them.
 void TrackOutput::handOn(const Position& position)
 {
     if (m_waiting) {
@@ -34,7 +34,7 @@ void TrackOutput::addWaiting()
         add(*position);
 }
 
-/// They follow the position, or all those that are kept back.
+/// They follow the position, or all positions held back.
 void TrackOutput::takeDilution(const void* record)
 {
     m_waits = true;

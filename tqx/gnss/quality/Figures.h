@@ -22,13 +22,13 @@ TQX_GNSS_API const std::vector<Figure>& figures();
 /// The figure of that name, null for others.
 TQX_GNSS_API const Figure* findFigure(std::string_view key);
 
-/// How an area of the data is judged.
+/// How an area of quality is rated.
 enum class Grade : uint8_t { Unknown, Good, Fair, Poor };
 
 /// "good"
 TQX_GNSS_API const char* nameOf(Grade grade);
 
-/// What is said of an area.
+/// The rating of an area.
 struct Verdict {
     const char* area = "";
     Grade grade = Grade::Unknown;

@@ -37,7 +37,7 @@ void PositionQuality::take(const Position& position)
     Source& source = m_sources[position.source];
     source.kind = position.source;
     if (source.epochs != 0 && position.time <= source.last)
-        return; // a block that came twice, or late
+        return; // a repeated or late block
     source.last = position.time;
     ++source.epochs;
     ++source.fixes[position.fix];

@@ -12,7 +12,7 @@ namespace tqx::quality
 {
 
 /// Fix modes, scatter, error and corrections of the positions of each kind of block; in the end the
-/// kind that SourceChoice takes counts.
+/// kind that SourceChoice chooses is used.
 class PositionQuality
 {
 public:
@@ -28,7 +28,7 @@ public:
     /// had been used, from when the last one came.
     std::vector<Episode> findOldCorrections();
 
-    /// The epochs of the kind that counts; null without positions.
+    /// The epochs of the kind that is used; null without positions.
     const EpochFollower* getEpochs() const;
 
 private:

@@ -15,21 +15,21 @@
 #include <string>
 #include <vector>
 
-/// What says how good the data of a log are. Numbers that a log does not allow to compute are NaN.
+/// How good the data of a log are. Numbers that cannot be computed from the log are NaN.
 namespace tqx::quality
 {
 
 constexpr double none = std::numeric_limits<double>::quiet_NaN();
 
-/// A stretch of time in which something was the matter.
+/// A stretch of time in which something was wrong.
 struct Episode {
     GnssMillis start = 0;
     GnssMillis end = 0;
-    double worst = 0; ///< largest value of what it is about
+    double worst = 0; ///< largest value of the quantity concerned
     std::string subject;
 };
 
-/// What is conspicuous in a log.
+/// Kinds of findings in a log.
 enum class FindingKind : uint8_t {
     Outage,        ///< no measurements
     SystemOutage,  ///< no satellite of a system, while others are tracked
@@ -39,9 +39,9 @@ enum class FindingKind : uint8_t {
     Antenna,       ///< the receiver reports an antenna that is open or shorted
     WeakSignals,   ///< C/N0 falls on all satellites at once, for no reported reason
     Corrections,   ///< corrections stopped or are too old
-    Restart,       ///< the receiver started anew
+    Restart,       ///< the receiver restarted
     ReceiverError, ///< another error that the receiver reports
-    SetUpChange,   ///< marker, receiver or antenna are others
+    SetUpChange,   ///< marker, receiver or antenna changed
     Damage,        ///< bytes that belong to no block
 };
 

@@ -126,7 +126,7 @@ bool QualityGatherer::Work::takeEpoch(ObservationEpoch& epoch)
 {
     m_epochs.add(epoch.time);
     if (m_jumps) {
-        // They may go down as well: what is nearer of both ways counts.
+        // They may also decrease: the shorter way counts.
         const auto steps = static_cast<uint8_t>(epoch.clockJumps - *m_jumps);
         m_clockJumps += std::min<unsigned>(steps, 256U - steps);
     }
@@ -249,7 +249,7 @@ void QualityGatherer::Work::reportSystems(Quality& quality) const
     quality.findingCounts[FindingKind::SystemOutage] = m_systems.getOutages().size();
 }
 
-/// What the receiver explains itself is no finding of its own.
+/// What the receiver itself explains is not a separate finding.
 void QualityGatherer::Work::reportWeak(Quality& quality)
 {
     constexpr uint64_t near = 30000;

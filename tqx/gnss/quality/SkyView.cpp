@@ -14,7 +14,7 @@ namespace
 
 constexpr uint16_t satVisibility1 = 4012;
 constexpr uint16_t channelStatus = 4013;
-constexpr uint64_t longest = 300000; ///< milliseconds for which a direction is good
+constexpr uint64_t longest = 300000; ///< milliseconds for which a direction is valid
 
 } // namespace
 

@@ -13,7 +13,7 @@ constexpr size_t satellitePlace(const SatelliteId& satellite)
     return size_t{systemIndex(satellite.system)} * 256 + satellite.number;
 }
 
-/// Where satellites are, as the receiver says in its blocks on visibility and channels.
+/// Where satellites are, according to the receiver's blocks on visibility and channels.
 class SkyView
 {
 public:
@@ -22,7 +22,7 @@ public:
     /// The record of a block that is wanted.
     void take(uint16_t blockNumber, const void* record, GnssMillis time);
 
-    /// Degrees above the horizon at a time, NaN when it was not said within the last minutes.
+    /// Degrees above the horizon at a time, NaN when it was not reported within the last minutes.
     double elevation(const SatelliteId& satellite, GnssMillis time) const;
 
     /// The tracks, thinned to steps of some degrees.

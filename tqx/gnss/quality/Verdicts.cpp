@@ -67,11 +67,11 @@ Verdict completeness(const Quality& q)
 Verdict satellites(const Quality& q)
 {
     Verdict v{"Satellites", Grade::Unknown, "not measured",
-              "good: 12 tracked in the mean, PDOP 2.5; fair: 7, PDOP 5"};
+              "good: 12 tracked on average, PDOP 2.5; fair: 7, PDOP 5"};
     if (q.satellites.count == 0)
         return v;
     v.grade = gradeOf(-q.satellites.mean, -12, -7);
-    v.words = fmt::format("{:.1f} tracked in the mean, at least {:.0f}", q.satellites.mean,
+    v.words = fmt::format("{:.1f} tracked on average, at least {:.0f}", q.satellites.mean,
                           q.satellites.least);
     if (q.satellitesUsed.count != 0)
         v.words += fmt::format(", {:.1f} used", q.satellitesUsed.mean);
@@ -85,13 +85,13 @@ Verdict satellites(const Quality& q)
 Verdict strength(const Quality& q)
 {
     Verdict v{"Signal strength", gradeOf(-q.cn0.mean, -40, -34), "not measured",
-              "good: C/N0 40 dB-Hz in the mean, never lower on all satellites at once; fair: 34"};
+              "good: C/N0 40 dB-Hz on average, never lower on all satellites at once; fair: 34"};
     if (q.cn0.count == 0)
         return v;
     const uint64_t weak = found(q, FindingKind::WeakSignals);
     if (weak != 0)
         v.grade = worseOf(v.grade, Grade::Fair);
-    v.words = fmt::format("C/N0 {:.1f} dB-Hz in the mean", q.cn0.mean);
+    v.words = fmt::format("C/N0 {:.1f} dB-Hz on average", q.cn0.mean);
     if (weak != 0)
         v.words += fmt::format(", {} on all satellites", several(weak, "drop", "drops"));
     return v;
@@ -101,7 +101,7 @@ Verdict multipath(const Quality& q)
 {
     Verdict v{"Multipath", gradeOf(q.multipath, 0.6, 1.2),
               "no satellite with code and phase on two frequencies",
-              "good: 0.6 m and no satellite that stands out; fair: 1.2 m"};
+              "good: 0.6 m and no conspicuous satellite; fair: 1.2 m"};
     if (v.grade == Grade::Unknown)
         return v;
     const uint64_t standOut = found(q, FindingKind::Multipath);
@@ -109,8 +109,8 @@ Verdict multipath(const Quality& q)
         v.grade = worseOf(v.grade, Grade::Fair);
     v.words = fmt::format("{:.2f} m (root mean square)", q.multipath);
     if (standOut != 0) {
-        v.words += fmt::format(
-            ", {}", several(standOut, "episode that stands out", "episodes that stand out"));
+        v.words +=
+            fmt::format(", {}", several(standOut, "conspicuous episode", "conspicuous episodes"));
     }
     return v;
 }
@@ -155,7 +155,7 @@ Verdict corrections(const Quality& q)
         return v;
     const uint64_t gaps = found(q, FindingKind::Corrections);
     v.grade = gaps == 0 ? Grade::Good : gaps == 1 ? Grade::Fair : Grade::Poor;
-    v.words = fmt::format("age {:.1f} s in the mean, {:.0f} s at most", q.correctionAge.mean,
+    v.words = fmt::format("age {:.1f} s on average, {:.0f} s at most", q.correctionAge.mean,
                           q.correctionAge.most);
     if (gaps != 0)
         v.words += fmt::format(", {}", several(gaps, "gap", "gaps"));
