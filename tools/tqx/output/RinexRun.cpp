@@ -72,6 +72,8 @@ void RinexRun::end(InputStream&)
     m_pulses.finish(m_request.selection);
     for (const std::string& line : m_gatherer.getLosses().describe())
         words::say(line);
+    for (const std::string& line : m_navigation.getLosses().describe())
+        words::say(line);
 }
 
 bool RinexRun::survey(ObservationEpoch& epoch)
