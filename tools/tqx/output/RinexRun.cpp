@@ -45,6 +45,8 @@ void RinexRun::end(InputStream&)
     m_files.endSurvey();
     for (const std::string& line : m_files.getLosses().describe())
         words::say(line);
+    for (const std::string& line : m_navigation.getLosses().describe())
+        words::say(line);
 }
 
 void RinexRun::writeObservations(ByteSource& source)
