@@ -180,7 +180,7 @@ INSTANTIATE_TEST_SUITE_P(
         Bad{"StringForNumber", R"({"block":"ASCIIIn","fields":{"CD":"COM1"}})",
             "ASCIIIn.CD: \"COM1\" is no integer"},
         Bad{"NumberForText", R"({"block":"ASCIIIn","fields":{"ASCIIString":5}})",
-            "ASCIIIn.ASCIIString: 5 is no string"},
+            "ASCIIIn.ASCIIString: 5 is not a string"},
         Bad{"NoLatin1", R"({"block":"ASCIIIn","fields":{"ASCIIString":"\u20ac"}})",
             "ASCIIIn.ASCIIString: a text can only hold characters up to U+00FF"},
         Bad{"TextTooLong",

@@ -179,7 +179,7 @@ INSTANTIATE_TEST_SUITE_P(
              {"explain", "data/samples/random.tqx@1000000000"},
              1,
              "1000000000: the input has "},
-        Case{"ExplainNoOffset", {"explain", "data/samples/random.tqx@x"}, 1, "x is no offset"},
+        Case{"ExplainNoOffset", {"explain", "data/samples/random.tqx@x"}, 1, "x is not an offset"},
         Case{"UnknownCode", {"error", "-100000"}, 1, "tqx: -100000 is no code"},
         Case{"UnknownCodeName", {"error", "TQX_ERR_EOX"}, 1, "did you mean TQX_ERR_EOF?"},
         Case{"BadStart", {"simulate", "--start", "2400:604800"}, 1, "2400:604800 is no start"},

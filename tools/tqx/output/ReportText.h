@@ -33,7 +33,7 @@ bool canWritePage();
 void appendReportPage(Buffer& out, const std::vector<LogReport>& reports,
                       const std::string& requirement);
 
-/// Whole numbers without decimals, others with as many as make sense.
+/// Whole numbers without decimals, others with a sensible number.
 std::string figureText(double value);
 
 } // namespace tqx::tool
