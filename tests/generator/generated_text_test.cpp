@@ -1,6 +1,7 @@
 // What people see of the generated sources: comments of the getters, and how lines are laid out.
 
 #include "GeneratorTesting.h"
+#include "TemporaryFolder.h"
 
 #include "emit/Emitters.h"
 #include "emit/LongLines.h"
@@ -11,10 +12,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 #include <map>
-#include <random>
+#include <memory>
 #include <regex>
 #include <sstream>
 
@@ -32,10 +32,8 @@ protected:
         Errors errors;
         s_format = load(readSources(DESCRIPTION_DIRECTORY, errors), errors);
         ASSERT_EQ(errors.report(), std::vector<std::string>());
-        // Each test may run in a process of its own, at the same time as the others.
-        s_directory = std::filesystem::path(testing::TempDir()) /
-                      ("korcg-text-" + std::to_string(std::random_device{}()));
-        Output output(s_directory);
+        s_folder = std::make_unique<TemporaryFolder>();
+        Output output(s_folder->getPath());
         const Selection all = select(s_format, {}, errors);
         emitCodec(s_format, all, output);
         emitMessages(s_format, all, output);
@@ -44,11 +42,11 @@ protected:
         s_names = output.names();
     }
 
-    static void TearDownTestSuite() { std::filesystem::remove_all(s_directory); }
+    static void TearDownTestSuite() { s_folder.reset(); }
 
     static std::vector<std::string> linesOf(const std::string& name)
     {
-        std::ifstream stream(s_directory / name);
+        std::ifstream stream(s_folder->getPath() / name);
         std::vector<std::string> lines;
         for (std::string line; std::getline(stream, line);)
             lines.push_back(line);
@@ -77,12 +75,12 @@ protected:
 
     static constexpr std::size_t npos = std::string::npos;
     static Format s_format;
-    static std::filesystem::path s_directory;
+    static std::unique_ptr<TemporaryFolder> s_folder;
     static std::vector<std::string> s_names;
 };
 
 Format GeneratedText::s_format;
-std::filesystem::path GeneratedText::s_directory;
+std::unique_ptr<TemporaryFolder> GeneratedText::s_folder;
 std::vector<std::string> GeneratedText::s_names;
 
 TEST_F(GeneratedText, KeepsToHundredColumnsAndOneIndentation)

@@ -1,4 +1,5 @@
 #include "GeneratorTesting.h"
+#include "TemporaryFolder.h"
 
 #include "emit/Emitters.h"
 #include "emit/reference/Html.h"
@@ -28,20 +29,18 @@ std::string contentOf(const std::filesystem::path& path)
 class Reference : public testing::Test
 {
 protected:
-    Reference()
-        : m_directory(std::filesystem::path(testing::TempDir()) /
-                      (std::string("korcg-reference-") +
-                       testing::UnitTest::GetInstance()->current_test_info()->name())),
-          m_output((std::filesystem::remove_all(m_directory), m_directory))
+    Reference() : m_output(m_folder.getPath())
     {
         Errors errors;
         emitReference(synthetic(), select(synthetic(), {}, errors), m_output);
     }
-    ~Reference() override { std::filesystem::remove_all(m_directory); }
 
-    std::string content(const std::string& name) const { return contentOf(m_directory / name); }
+    std::string content(const std::string& name) const
+    {
+        return contentOf(m_folder.getPath() / name);
+    }
 
-    std::filesystem::path m_directory;
+    TemporaryFolder m_folder;
     Output m_output;
 };
 

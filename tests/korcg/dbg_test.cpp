@@ -1,3 +1,5 @@
+#include "TemporaryFolder.h"
+
 #include "korcg_dbg.h"
 
 #include <gtest/gtest.h>
@@ -149,13 +151,13 @@ TEST(Trace, TimeCountsMillisecondsSinceTheEpoch)
 
 TEST(Trace, AppendsToTheLogFile)
 {
-    const std::string path = testing::TempDir() + "korcg_dbg_test.log";
+    const TemporaryFolder folder;
+    const std::string path = folder.fileName("log");
     std::ofstream(path) << "before\n";
     EXPECT_EQ(probe("KOR_TRACEINFO=- KOR_LOGFILE='" + path + "'", "trace").output, "lines=1\n");
     std::ostringstream content;
     content << std::ifstream(path).rdbuf();
     EXPECT_EQ(content.str(), "before\n[level 1]\n");
-    std::remove(path.c_str());
 }
 
 TEST(Assertion, ReportsThenEndsTheProcessOrReturns)

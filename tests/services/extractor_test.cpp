@@ -2,11 +2,14 @@
 #include "TQXDecoder.h"
 #include "TQX_DiffCorrIn_Extractor.h"
 
+#include <QTemporaryDir>
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace
@@ -131,9 +134,11 @@ TEST(DiffCorrInExtractorDeathTest, UnsupportedModeIsAnAssertion)
         const TQX_DiffCorrIn_Extractor extractor(&decoder, &target, 4);
         decode(decoder, diffCorrIn(4, {}));
     };
-    // The process of the test reads the environment again.
-    const QByteArray path = QByteArray::fromStdString(testing::TempDir()) + "extractor_test.log";
-    qputenv("KOR_TQX_LOGFILE", path);
+    // The process that dies begins the test again, with the file of the one that began it.
+    std::optional<QTemporaryDir> folder;
+    if (qEnvironmentVariableIsEmpty("KOR_TQX_LOGFILE"))
+        qputenv("KOR_TQX_LOGFILE", folder.emplace().filePath("log").toLocal8Bit());
+    const QByteArray path = qgetenv("KOR_TQX_LOGFILE");
     EXPECT_EXIT(extractUnsupported(), testing::ExitedWithCode(1),
                 "Unsupported DiffCorrIn Mode value");
     qunsetenv("KOR_TQX_LOGFILE");
@@ -143,7 +148,6 @@ TEST(DiffCorrInExtractorDeathTest, UnsupportedModeIsAnAssertion)
               " ASRT: TQX_DiffCorrIn_Extractor Ln:  92 "
               "TQX_DiffCorrIn_Extractor::processNewMessageUnsupported DiffCorrIn Mode value\n"
               "Abnormal program termination...\n");
-    log.remove();
 }
 
 TEST(DiffCorrInExtractorDeathTest, NeedsTheMetadata)

@@ -1,3 +1,4 @@
+#include "TemporaryFolder.h"
 #include "Tool.h"
 
 #include "TQX_FieldFacts.h"
@@ -8,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
 
 // What is derived from a value that is not available is not available either, wherever values are
 // shown for people; what is stored stays as it is.
@@ -98,7 +98,8 @@ TEST(DerivedValues, AreNamedInTextAndLeftOutOfTables)
 
 TEST(DerivedValues, AreSaidToBeNotAvailableWhereABlockIsExplained)
 {
-    const std::string path = testing::TempDir() + "derived_values.tqx";
+    const TemporaryFolder folder;
+    const std::string path = folder.fileName("log");
     runTool({"cut", "-", "-o", QString::fromStdString(path)}, epoch());
     const ToolRun run = runTool({"explain", QString::fromStdString(path) + "@0"});
     size_t count = 0;
@@ -107,7 +108,6 @@ TEST(DerivedValues, AreSaidToBeNotAvailableWhereABlockIsExplained)
             count += line.find("not available") != std::string::npos ? 1 : 0;
     }
     EXPECT_EQ(count, 9U) << run.output;
-    std::remove(path.c_str());
 }
 
 TEST(DerivedValues, PassNoConditionWithoutTheirInputs)

@@ -1,5 +1,6 @@
 #include "Tool.h"
 
+#include "tqx/gnss/orbit/GlonassOrbit.h"
 #include "tqx/gnss/orbit/Kepler.h"
 
 #include <gtest/gtest.h>
@@ -165,4 +166,160 @@ TEST(SimulatedReceiver, AlmanacsAgreeWithEphemerides)
         }
         EXPECT_GE(compared, 3U);
     }
+}
+
+// The elements at the node, with the axis that follows from the draconic period as the interface
+// document of GLONASS has it, and the equations of motion from there.
+TEST(SimulatedReceiver, GlonassAlmanacsAgreeWithEphemerides)
+{
+    constexpr double gravitation = 3.986004418e14;
+    constexpr double rotation = 7.292115e-5;
+    constexpr double midnight = 2 * 86400 - 3 * 3600 + 18; // in Moscow, before the log
+    constexpr double start = 216000;
+    const auto motionOf = [](const json& almanac) {
+        const double e = almanac.at("e");
+        const double tilt = (almanac.at("delta_i").get<double>() + 63. / 180) * tqx::pi;
+        const double perigee = almanac.at("omega").get<double>() * tqx::pi;
+        const double period = almanac.at("DEL_T").get<double>() + 43200;
+        double osculating = period;
+        double axis = 0;
+        for (int i = 0; i < 5; ++i) {
+            axis = std::cbrt(gravitation * std::pow(osculating / (2 * tqx::pi), 2));
+            const double parameter = axis * (1 - e * e);
+            const double atNode = 1 + e * std::cos(perigee);
+            const double bracket = (2 - 2.5 * std::pow(std::sin(tilt), 2)) *
+                                       std::pow(1 - e * e, 1.5) / (atNode * atNode) +
+                                   std::pow(atNode, 3) / (1 - e * e);
+            osculating =
+                period / (1 - 1.5 * 1.08262575e-3 * std::pow(6378136 / parameter, 2) * bracket);
+        }
+        const double parameter = axis * (1 - e * e);
+        const double radius = parameter / (1 + e * std::cos(perigee));
+        const double speed = std::sqrt(gravitation / parameter);
+        const double outwards = speed * e * -std::sin(perigee);
+        const double along = speed * (1 + e * std::cos(perigee));
+        const double node = almanac.at("lambda_n").get<double>() * tqx::pi;
+        const tqx::Vector towards = {std::cos(node), std::sin(node), 0};
+        const tqx::Vector ahead = {-std::sin(node) * std::cos(tilt),
+                                   std::cos(node) * std::cos(tilt), std::sin(tilt)};
+        const tqx::Vector position = towards * radius;
+        const tqx::Vector velocity = towards * outwards + ahead * along;
+        return tqx::Motion{
+            position,
+            {velocity.x + rotation * position.y, velocity.y - rotation * position.x, velocity.z}};
+    };
+    const std::string log = simulated({"--almanacs", "--systems", "glonass"});
+    std::map<std::string, tqx::Vector> places;
+    for (const json& fields : blocks("GLOAlm", log)) {
+        EXPECT_EQ(fields.at("N_4"), 8); // 2026 is the third year of the interval from 2024
+        EXPECT_EQ(fields.at("N_A"), 366 + 365 + 6);
+        const double passed = midnight + fields.at("t_lambda").get<double>();
+        places[fields.at("SVID")] = tqx::integrated(motionOf(fields), passed, start).position;
+    }
+    EXPECT_EQ(places.size(), 24U);
+    size_t compared = 0;
+    for (const json& fields : blocks("GLONav", log)) {
+        const tqx::Motion sent = {{fields.at("X"), fields.at("Y"), fields.at("Z")},
+                                  {fields.at("Vx"), fields.at("Vy"), fields.at("Vz")}};
+        const tqx::Vector place =
+            tqx::integrated(sent, fields.at("t_oe").get<double>(), start).position;
+        const std::string name = fields.at("SVID");
+        ASSERT_EQ(places.count(name), 1U) << name;
+        EXPECT_LT(length(place - places[name]), 5000) << name;
+        ++compared;
+    }
+    EXPECT_GE(compared, 5U);
+}
+
+// In steps of 2.6 km in the plane of the equator and of 26 km and 60 m/s across it.
+TEST(SimulatedReceiver, SbasAlmanacsAgreeWithEphemerides)
+{
+    const std::string log = simulated({"--almanacs", "--systems", "gps,sbas"});
+    const auto placeAt = [](const json& fields, double time) {
+        const double elapsed = time - fields.at("t_0").get<double>();
+        const auto along = [&](const char* position, const char* velocity) {
+            return fields.at(position).get<double>() + fields.at(velocity).get<double>() * elapsed;
+        };
+        return tqx::Vector{along("XG", "XGDot"), along("YG", "YGDot"), along("ZG", "ZGDot")};
+    };
+    std::map<std::string, json> ephemerides;
+    for (const json& fields : blocks("GEONav", log))
+        ephemerides[fields.at("PRN")] = fields;
+    size_t compared = 0;
+    for (const json& fields : blocks("GEOAlm", log)) {
+        ASSERT_EQ(ephemerides.count(fields.at("PRN")), 1U) << fields; // received
+        const auto found = ephemerides.find("S" + std::to_string(fields.at("AlmPRN").get<int>()));
+        if (found == ephemerides.end())
+            continue; // it is below the horizon, another of the service sends it
+        const double time = fields.at("t_0");
+        EXPECT_LT(length(placeAt(fields, time) - placeAt(found->second, time)), 13200) << fields;
+        ++compared;
+    }
+    EXPECT_GE(compared, 3U);
+}
+
+// The vector of the receiver leaves whole cycles of the differences of the carriers, and the angles
+// are those of the vector, which leads ahead.
+TEST(SimulatedReceiver, AttitudeIsThatOfItsAntennas)
+{
+    const std::string log = simulated({"--two-antennas", "--track", "circle", "--speed", "30"});
+    std::map<double, json> vectors;
+    for (const json& fields : blocks("AuxAntPositions1", log))
+        vectors[fields.at("TOW")] = fields.at("AuxAntPosition").at(0);
+    std::map<std::pair<double, std::string>, tqx::Vector> directions;
+    for (const json& fields : blocks("SatVisibility1", log)) {
+        for (const json& satellite : fields.at("SatInfo")) {
+            const double azimuth = satellite.at("Azimuth").get<double>() * degree;
+            const double elevation = satellite.at("Elevation").get<double>() * degree;
+            directions[{fields.at("TOW"), satellite.at("SVID")}] = {
+                std::sin(azimuth) * std::cos(elevation), std::cos(azimuth) * std::cos(elevation),
+                std::sin(elevation)};
+        }
+    }
+    std::map<std::pair<double, std::string>, double> phases;
+    size_t compared = 0;
+    for (const json& row : rows({"observations"}, log)) {
+        const std::pair<double, std::string> key = {row.at("TOW"), row.at("Satellite")};
+        if (key.second[0] != 'G' || row.at("Signal") != "1C")
+            continue;
+        if (row.at("Antenna") == 0) {
+            phases[key] = row.at("Phase");
+            continue;
+        }
+        const json& vector = vectors.at(key.first);
+        const tqx::Vector baseline = {vector.at("DeltaEast"), vector.at("DeltaNorth"),
+                                      vector.at("DeltaUp")};
+        const double cycles = phases.at(key) - row.at("Phase").get<double>() -
+                              dot(baseline, directions.at(key)) * 1575.42e6 / tqx::speedOfLight;
+        EXPECT_NEAR(cycles, std::round(cycles), 0.12) << row;
+        ++compared;
+    }
+    EXPECT_GE(compared, 100U);
+
+    size_t attitudes = 0;
+    double squares = 0;
+    const std::vector<json> covariances = blocks("AttCovEuler1", log);
+    const std::vector<json> positions = blocks("PVTGeodetic2", log);
+    for (const json& fields : blocks("AttEuler1", log)) {
+        const json& vector = vectors.at(fields.at("TOW"));
+        const double east = vector.at("DeltaEast");
+        const double north = vector.at("DeltaNorth");
+        const double up = vector.at("DeltaUp");
+        const double heading = fields.at("Heading");
+        EXPECT_NEAR(std::hypot(east, north, up), 1.5, 0.02);
+        EXPECT_NEAR(std::remainder(heading - std::atan2(east, north) / degree, 360), 0, 0.01);
+        EXPECT_NEAR(fields.at("Pitch"), std::atan2(up, std::hypot(east, north)) / degree, 0.01);
+        const json& position = positions.at(attitudes);
+        const double course =
+            std::atan2(position.at("Ve").get<double>(), position.at("Vn").get<double>()) / degree;
+        EXPECT_NEAR(std::remainder(heading - course, 360), 0, 0.3); // the vehicle drives ahead
+        EXPECT_NEAR(fields.at("HeadingDot"), -30. / 200 / degree, 2);
+        const double passed = fields.at("TOW").get<double>() - 216000;
+        squares += std::pow(std::remainder(heading - 90 + 30. / 200 / degree * passed, 360), 2) /
+                   covariances.at(attitudes).at("Cov_HeadHead").get<double>();
+        ++attitudes;
+    }
+    EXPECT_EQ(attitudes, 30U);
+    EXPECT_GT(squares / 30, 0.4); // the variances are those of the errors
+    EXPECT_LT(squares / 30, 1.9);
 }

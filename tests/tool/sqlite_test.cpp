@@ -1,5 +1,6 @@
 #include "Database.h"
 #include "RandomStream.h"
+#include "StreamBuilder.h"
 #include "TemporaryFolder.h"
 #include "Tool.h"
 

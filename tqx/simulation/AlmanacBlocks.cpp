@@ -1,6 +1,9 @@
 #include "tqx/simulation/Blocks.h"
 
 #include "tqx/simulation/Broadcast.h"
+#include "tqx/simulation/GlonassAlmanacs.h"
+
+#include <algorithm>
 
 namespace tqx::simulation
 {
@@ -95,9 +98,70 @@ void addQzss(BlockLog& log, const Epoch& epoch, const Satellite& satellite)
     log.add(epoch, record, TQX_encode_QZSAlm);
 }
 
+/// The service of an SBAS satellite, as its messages number it.
+uint8_t providerOf(unsigned number)
+{
+    constexpr uint8_t waas = 0;
+    constexpr uint8_t egnos = 1;
+    constexpr uint8_t msas = 2;
+    constexpr uint8_t gagan = 3;
+    constexpr uint8_t bdsbas = 5;
+    switch (number) {
+    case 23:
+    case 36:
+        return egnos;
+    case 27:
+    case 28:
+        return gagan;
+    case 37:
+        return msas;
+    case 43:
+        return bdsbas;
+    default:
+        return waas;
+    }
+}
+
+/// The satellites of a service send the almanacs of all of them; the first one received counts.
+void addSbas(BlockLog& log, const Epoch& epoch, const Receiver& receiver,
+             const Satellite& satellite)
+{
+    constexpr double timeStep = 64; // seconds
+    constexpr uint8_t codeBase = 100;
+    const uint8_t provider = providerOf(satellite.getNumber());
+    const std::vector<Sight>& sights = receiver.getSights();
+    const auto sender = std::find_if(sights.begin(), sights.end(), [&](const Sight& sight) {
+        return sight.satellite->getSystem() == System::Sbas &&
+               providerOf(sight.satellite->getNumber()) == provider;
+    });
+    if (sender == sights.end())
+        return;
+    const double reference = std::floor(epoch.time / timeStep) * timeStep;
+    const auto positionAt = [&satellite](double time) {
+        return pointAt(satellite.elementsAt(time), earthModel(System::Sbas), 0).position;
+    };
+    const Vector place = positionAt(reference);
+    const Vector velocity = (positionAt(reference + 1) - positionAt(reference - 1)) * 0.5;
+    const double second = SystemTime(System::Sbas, reference).second;
+    TQX_GEOAlm_s record;
+    TQX_init_GEOAlm(&record);
+    record.PRN = sender->satellite->getSvid();
+    record.AlmPRN = static_cast<uint8_t>(codeBase + satellite.getNumber());
+    record.HealthStatus = static_cast<uint16_t>(provider << 4U);
+    record.t_0 = static_cast<uint32_t>(std::llround(second)) % secondsPerDay;
+    record.XG = static_cast<int32_t>(rounded(place.x, 2600));
+    record.YG = static_cast<int32_t>(rounded(place.y, 2600));
+    record.ZG = static_cast<int32_t>(rounded(place.z, 26000));
+    record.XGDot = static_cast<float>(rounded(velocity.x, 10));
+    record.YGDot = static_cast<float>(rounded(velocity.y, 10));
+    record.ZGDot = static_cast<float>(rounded(velocity.z, 60));
+    log.add(epoch, record, TQX_encode_GEOAlm);
+}
+
 } // namespace
 
-void addAlmanacs(BlockLog& log, const Epoch& epoch, const Receiver& receiver)
+void addAlmanacs(BlockLog& log, const Epoch& epoch, const Receiver& receiver,
+                 GlonassAlmanacs& glonass)
 {
     for (const auto& satellite : receiver.getSatellites()) {
         switch (satellite->getSystem()) {
@@ -114,8 +178,12 @@ void addAlmanacs(BlockLog& log, const Epoch& epoch, const Receiver& receiver)
             addQzss(log, epoch, *satellite);
             break;
         case System::Glonass:
-        case System::NavIc:
+            glonass.add(log, epoch, *satellite);
+            break;
         case System::Sbas:
+            addSbas(log, epoch, receiver, *satellite);
+            break;
+        case System::NavIc: // there is no block for them
             break;
         }
     }

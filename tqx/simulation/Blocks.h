@@ -9,6 +9,8 @@
 namespace tqx::simulation
 {
 
+class GlonassAlmanacs;
+
 /// Code, carrier, Doppler and C/N0 of all signals, and the end of the epoch's measurements.
 void addMeasurements(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
 
@@ -24,6 +26,10 @@ void addSatellitePositions(BlockLog& log, const Epoch& epoch, const Receiver& re
 /// Position, velocity and clock in both kinds of coordinates, their covariances and dilution of
 /// precision, and the end of the epoch's solution.
 void addPosition(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
+
+/// The vector from the first antenna to the second, the attitude that follows from it with its
+/// covariances, and the end of the epoch's attitude.
+void addAttitude(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
 
 /// The four covariance matrices.
 void addCovariances(BlockLog& log, const Epoch& epoch, const Solution& solution);
@@ -52,8 +58,10 @@ void addGlonassEphemeris(BlockLog& log, const Epoch& epoch, const Satellite& sat
 /// Ionosphere, UTC and system time parameters of all systems.
 void addSystemPages(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
 
-/// Almanacs of all satellites of GPS, Galileo, BeiDou and QZSS.
-void addAlmanacs(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
+/// Almanacs of all satellites of GPS, GLONASS, Galileo, BeiDou and QZSS, and of SBAS those of the
+/// services that are received.
+void addAlmanacs(BlockLog& log, const Epoch& epoch, const Receiver& receiver,
+                 GlonassAlmanacs& glonass);
 
 /// Names of the site, the receiver and its antenna.
 void addSetup(BlockLog& log, const Epoch& epoch, const Geodetic& marker);

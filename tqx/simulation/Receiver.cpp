@@ -156,8 +156,8 @@ Signal Receiver::measure(const Sight& sight, const Geometry& view, Channel& chan
                                 std::sqrt(1 - kept * kept);
     signal.codeError = noise.normal(plan.codeNoise * lowness) + reflection;
     signal.code = path + delay + signal.codeError;
-    signal.phase =
-        (path - delay) / wavelength + channel.ambiguities[index] + noise.normal(0.005 * lowness);
+    signal.phaseError = noise.normal(BaselineEstimator::phaseNoise * lowness);
+    signal.phase = (path - delay) / wavelength + channel.ambiguities[index] + signal.phaseError;
     signal.rangeRateError = noise.normal(Estimator::rangeRateNoise * lowness);
     const double drift = m_clockDrift - view.sent.clockDrift;
     signal.doppler = -(view.rangeRate + speedOfLight * drift + signal.rangeRateError) / wavelength;
@@ -169,7 +169,8 @@ Signal Receiver::measure(const Sight& sight, const Geometry& view, Channel& chan
 void Receiver::observeSecond(Sight& sight, Geometry view, Channel& channel, bool isNew,
                              double ionosphere)
 {
-    view.range -= dot(secondAntenna, view.direction);
+    view.range -= dot(m_secondAntenna.position, view.direction);
+    view.rangeRate -= dot(m_secondAntenna.velocity, view.direction);
     channel.isNew = isNew;
     if (isNew) {
         for (double& ambiguity : channel.ambiguities)
@@ -184,6 +185,10 @@ void Receiver::observeSecond(Sight& sight, Geometry view, Channel& channel, bool
                 measure(sight, view, channel, i, ionosphere, m_secondNoise);
         }
     }
+    const Signal& here = sight.signals[0];
+    const Signal& there = sight.secondSignals[0];
+    m_baseline.add(satellite.getSvid(), view.direction, speedOfLight / here.frequency,
+                   there.phaseError - here.phaseError, there.rangeRateError - here.rangeRateError);
 }
 
 void Receiver::observe(const Satellite& satellite, Channel& channel, const Geometry& view,
@@ -234,13 +239,16 @@ void Receiver::advance(const Epoch& epoch)
     m_lastElapsed = epoch.elapsed;
     advanceClock(epoch.elapsed);
     m_time = epoch.time - m_clockBias;
-    m_antenna = m_track.at(epoch.elapsed - m_clockBias);
+    const double moved = epoch.elapsed - m_clockBias;
+    m_antenna = m_track.at(moved);
+    m_secondAntenna = m_track.aheadAt(moved, antennaDistance);
     m_place = toGeodetic(m_antenna.position);
     m_frame = LocalFrame(m_place);
     m_zenithDelay = zenithTroposphere(m_place);
     selectCandidates(m_time);
     m_sights.clear();
     m_estimator.begin();
+    m_baseline.begin();
     for (const size_t i : m_candidates) {
         Channel& channel = m_channels[i];
         const Geometry view = geometry(*m_satellites[i], channel.flight);
@@ -257,6 +265,7 @@ void Receiver::advance(const Epoch& epoch)
         }
     }
     m_estimator.solve({m_antenna, m_clockBias, m_clockDrift}, m_frame);
+    m_baseline.solve(m_secondAntenna);
 }
 
 } // namespace tqx::simulation

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/simulation/Atmosphere.h"
+#include "tqx/simulation/Baseline.h"
 #include "tqx/simulation/Estimator.h"
 #include "tqx/simulation/Signals.h"
 #include "tqx/simulation/Track.h"
@@ -31,6 +32,7 @@ struct Signal {
     double doppler;        ///< hertz
     double cn0;            ///< dB-Hz
     double codeError;      ///< metres that noise and reflections add
+    double phaseError;     ///< cycles that noise adds
     double rangeRateError; ///< metres per second that noise adds
 };
 
@@ -58,9 +60,9 @@ struct Sight {
 struct ReceiverSettings {
     unsigned systems = globalSystems; ///< bits of those that it tracks
     std::optional<double> clockDrift; ///< seconds per second, random without
-    bool hasSecondAntenna = false;
-    double slipsPerHour = 0; ///< of each satellite, on all of its signals at once
-    bool hidesSlips = false; ///< the receiver does not notice them
+    bool hasSecondAntenna = false;    ///< which measures, and with which there is an attitude
+    double slipsPerHour = 0;          ///< of each satellite, on all of its signals at once
+    bool hidesSlips = false;          ///< the receiver does not notice them
 };
 
 /// A receiver and its antenna: what it tracks and measures, and the position it finds.
@@ -104,8 +106,12 @@ public:
     /// Height of the geoid above the ellipsoid at the antenna, metres.
     static constexpr double undulation = 44.5;
 
-    /// Where the second antenna is, as seen from the first: east, north and up, metres.
-    static constexpr Vector secondAntenna = {1.5, 0, 0};
+    /// Metres by which the second antenna is ahead of the first on the vehicle, which is level.
+    static constexpr double antennaDistance = 1.5;
+
+    bool hasSecondAntenna() const { return !m_secondChannels.empty(); }
+    /// From the first antenna to the second, from the carrier phases of both.
+    const Baseline& getBaseline() const { return m_baseline.getBaseline(); }
 
     /// Satellites below are not tracked, degrees.
     static constexpr double maskElevation = 5;
@@ -156,6 +162,7 @@ private:
     std::vector<bool> m_numbersInUse;
     std::vector<Sight> m_sights;
     Estimator m_estimator;
+    BaselineEstimator m_baseline;
 
     double m_initialBias;   ///< of the clock, seconds
     double m_clockDrift;    ///< seconds per second
@@ -168,7 +175,8 @@ private:
     Motion m_antenna = {};
     Geodetic m_place = {};
     LocalFrame m_frame;
-    double m_zenithDelay = 0; ///< of the troposphere, metres
+    Motion m_secondAntenna = {}; ///< as seen from the first, east, north and up
+    double m_zenithDelay = 0;    ///< of the troposphere, metres
 };
 
 } // namespace tqx::simulation

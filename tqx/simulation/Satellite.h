@@ -45,7 +45,8 @@ public:
     /// The Kepler elements for a reference time; not of GLONASS.
     KeplerElements elementsAt(double time) const;
 
-    /// The motion integrated to a time near that of moveTo(); of GLONASS only.
+    /// The motion integrated to a time, which takes the longer the farther it is from that of
+    /// moveTo(); of GLONASS only.
     Motion motionAt(double time) const;
 
     /// The clock without the effect of changing speed, seconds ahead of GPS time.

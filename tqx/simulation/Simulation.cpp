@@ -4,6 +4,7 @@
 #include "tqx/simulation/Blocks.h"
 #include "tqx/simulation/Broadcast.h"
 #include "tqx/simulation/CompactBlocks.h"
+#include "tqx/simulation/GlonassAlmanacs.h"
 #include "tqx/simulation/PulseInput.h"
 
 #include <cmath>
@@ -43,6 +44,7 @@ private:
     Receiver m_receiver;
     FaultPlan m_faults;
     CompactBlocks m_compact;
+    GlonassAlmanacs m_glonassAlmanacs;
     PulseInput m_pulses;
     std::map<uint8_t, int64_t> m_sentEphemerides; ///< number of the last one by satellite
 };
@@ -92,12 +94,14 @@ void Simulation::addBlocks(const Epoch& epoch)
     if (m_settings.compact)
         m_compact.add(m_log, epoch, m_receiver);
     addPosition(m_log, epoch, m_receiver);
+    if (m_receiver.hasSecondAntenna())
+        addAttitude(m_log, epoch, m_receiver);
     addSensor(m_log, epoch, m_receiver.getTrack(), m_random);
     addNewEphemerides(epoch);
     if (epoch.elapsed == 0 || isDue(epoch, almanacCycle))
         addSystemPages(m_log, epoch, m_receiver);
     if (m_settings.almanacs && (epoch.elapsed == 0 || isDue(epoch, almanacCycle)))
-        addAlmanacs(m_log, epoch, m_receiver);
+        addAlmanacs(m_log, epoch, m_receiver, m_glonassAlmanacs);
     if (isDue(epoch, second)) {
         addTime(m_log, epoch);
         addChannels(m_log, epoch, m_receiver);

@@ -25,7 +25,7 @@ struct SimulationSettings {
     std::vector<Fault> faults;
     double pulsePeriod = 0; ///< seconds between pulses on an event input, 0: none
     bool damage = false;
-    bool almanacs = false; ///< with the almanacs of GPS, Galileo, BeiDou and QZSS
+    bool almanacs = false; ///< with the almanacs of all systems but NavIC
     bool compact = false;  ///< with the measurements in compact blocks, too
     bool mixed = false;    ///< with NMEA, RTCM 3 and text between the blocks, which do not change
 };

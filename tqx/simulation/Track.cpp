@@ -45,4 +45,12 @@ Motion Track::at(double elapsed) const
     return {m_start, {0, 0, 0}};
 }
 
+Motion Track::aheadAt(double elapsed, double distance) const
+{
+    const double angle = std::fmod(m_turnRate * elapsed, 2 * pi);
+    const double sine = distance * std::sin(angle);
+    const double cosine = distance * std::cos(angle);
+    return {{cosine, sine, 0}, Vector{-sine, cosine, 0} * m_turnRate};
+}
+
 } // namespace tqx::simulation

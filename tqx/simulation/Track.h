@@ -26,6 +26,10 @@ public:
     /// Motion on the rotating earth.
     Motion at(double elapsed) const;
 
+    /// Where a point of the vehicle is that many metres ahead of the antenna, and how it moves, as
+    /// seen from the antenna: east, north and up. The vehicle heads east at first.
+    Motion aheadAt(double elapsed, double distance) const;
+
     /// Radians per second by which it turns to the left.
     double getTurnRate() const { return m_turnRate; }
     /// Metres per second.

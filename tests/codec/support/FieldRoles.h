@@ -3,9 +3,25 @@
 #include "TQX_codec.h"
 
 #include <cstdint>
+#include <ostream>
 #include <vector>
 
+<<<<<<< HEAD
 /// The role of a scalar field for others, which code that invents values for it has to know.
+=======
+namespace Kor::MessageApi
+{
+
+/// For tests that have a type as their parameter.
+inline void PrintTo(const TQX_TypeLayout* type, std::ostream* stream)
+{
+    *stream << type->name;
+}
+
+} // namespace Kor::MessageApi
+
+/// What other fields make of a scalar field: whoever invents values for it has to know.
+>>>>>>> main
 struct FieldRole {
     /// The field whose elements or entries it counts, or null; of several the largest.
     const Kor::MessageApi::TQX_FieldLayout* counted = nullptr;

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include <cmath>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -47,6 +48,11 @@ struct Plan {
     const char* name;
     const char* arguments;
 };
+
+void PrintTo(const Plan& value, std::ostream* stream)
+{
+    *stream << value.name;
+}
 
 class Faults : public testing::TestWithParam<Plan>
 {

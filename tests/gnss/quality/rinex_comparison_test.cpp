@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <ostream>
+
 namespace
 {
 
@@ -11,6 +13,11 @@ struct Log {
     const char* name;
     const char* arguments;
 };
+
+void PrintTo(const Log& value, std::ostream* stream)
+{
+    *stream << value.name;
+}
 
 class RinexComparison : public testing::TestWithParam<Log>
 {

@@ -10,25 +10,10 @@
 
 namespace fs = std::filesystem;
 
-ToolRuns::ToolRuns()
-{
-    const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-    std::string name = std::string("tqx-rinex-") + test->test_suite_name() + "-" + test->name();
-    std::replace(name.begin(), name.end(), '/', '-');
-    m_folder = (fs::temp_directory_path() / name).string();
-    fs::remove_all(m_folder);
-    fs::create_directories(m_folder);
-}
-
-ToolRuns::~ToolRuns()
-{
-    fs::remove_all(m_folder);
-}
-
 int ToolRuns::run(const std::string& arguments) const
 {
     const std::string command =
-        "cd '" + m_folder + "' && '" TQX_TOOL "' " + arguments + " >out 2>err";
+        "cd '" + m_folder.getPath().string() + "' && '" TQX_TOOL "' " + arguments + " >out 2>err";
     const int result = std::system(command.c_str());
     return result < 0 || result > 255 ? result >> 8 & 255 : result;
 }
@@ -41,20 +26,20 @@ std::string ToolRuns::expectRun(const std::string& arguments) const
 
 std::string ToolRuns::read(const std::string& name) const
 {
-    std::ifstream file(fs::path(m_folder) / name, std::ios::binary);
+    std::ifstream file(m_folder.getPath() / name, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
 void ToolRuns::write(const std::string& name, const std::string& content) const
 {
-    std::ofstream(fs::path(m_folder) / name, std::ios::binary) << content;
+    std::ofstream(m_folder.getPath() / name, std::ios::binary) << content;
 }
 
 std::vector<std::string> ToolRuns::list(const std::string& folder) const
 {
     std::vector<std::string> names;
-    if (fs::exists(fs::path(m_folder) / folder)) {
-        for (const auto& entry : fs::directory_iterator(fs::path(m_folder) / folder))
+    if (fs::exists(m_folder.getPath() / folder)) {
+        for (const auto& entry : fs::directory_iterator(m_folder.getPath() / folder))
             names.push_back(entry.path().filename().string());
     }
     std::sort(names.begin(), names.end());

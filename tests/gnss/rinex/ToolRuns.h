@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TemporaryFolder.h"
+
 #include <string>
 #include <vector>
 
@@ -7,11 +9,6 @@
 class ToolRuns
 {
 public:
-    ToolRuns();
-    ~ToolRuns();
-    ToolRuns(const ToolRuns&) = delete;
-    ToolRuns& operator=(const ToolRuns&) = delete;
-
     /// Runs `tqx` with arguments as a shell has them, in the folder. Returns the exit status; what
     /// it wrote is in "out" and "err".
     int run(const std::string& arguments) const;
@@ -30,5 +27,5 @@ public:
     std::string readOnly(const std::string& folder, const std::string& ending) const;
 
 private:
-    std::string m_folder;
+    TemporaryFolder m_folder;
 };

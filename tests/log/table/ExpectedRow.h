@@ -3,6 +3,7 @@
 #include "TQX_codec.h"
 
 #include <cstdint>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,11 @@
 
 /// Whether values are scaled, named and hidden when they are not available.
 enum class Values { Shown, Stored };
+
+inline void PrintTo(Values values, std::ostream* stream)
+{
+    *stream << (values == Values::Shown ? "Shown" : "Stored");
+}
 
 /// The fields of a record as "name=value,...".
 std::string expectedFields(const Kor::MessageApi::TQX_TypeLayout& type, const void* record,

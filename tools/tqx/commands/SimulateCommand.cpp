@@ -95,10 +95,14 @@ void SimulateCommand::declareReceiver()
         ->transform(CLI::IsMember(systemNames, CLI::ignore_case).description(""))
         ->type_name("SYSTEM,SYSTEM")
         ->default_str("");
-    m_app.add_flag("--two-antennas", m_settings.receiver.hasSecondAntenna,
-                   "Also measure at a second antenna, 1.5 m to the east of the first");
-    m_app.add_flag("--almanacs", m_settings.almanacs,
-                   "Send almanacs of all satellites but those of GLONASS, NavIC and SBAS");
+    m_app.add_flag(
+        "--two-antennas", m_settings.receiver.hasSecondAntenna,
+        "Also measure at a second antenna, 1.5 m ahead of the first on a vehicle that heads "
+        "east at first, and find the attitude");
+    m_app.add_flag(
+        "--almanacs", m_settings.almanacs,
+        "Send almanacs of all satellites but those of NavIC, which have no block, and of SBAS "
+        "services that are not received");
     m_clockDrift =
         addReal(m_app, "--clock-drift", m_partsPerMillion, -100, 100, "ppm",
                 "Drift of the clock; 10 means a jump of one millisecond every 100 seconds")
