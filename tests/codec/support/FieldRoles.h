@@ -6,9 +6,6 @@
 #include <ostream>
 #include <vector>
 
-<<<<<<< HEAD
-/// The role of a scalar field for others, which code that invents values for it has to know.
-=======
 namespace Kor::MessageApi
 {
 
@@ -20,8 +17,7 @@ inline void PrintTo(const TQX_TypeLayout* type, std::ostream* stream)
 
 } // namespace Kor::MessageApi
 
-/// What other fields make of a scalar field: whoever invents values for it has to know.
->>>>>>> main
+/// The role of a scalar field for others, which code that invents values for it has to know.
 struct FieldRole {
     /// The field whose elements or entries it counts, or null; of several the largest.
     const Kor::MessageApi::TQX_FieldLayout* counted = nullptr;
