@@ -179,7 +179,7 @@ INSTANTIATE_TEST_SUITE_P(
              {"explain", "data/samples/random.tqx@1000000000"},
              1,
              "1000000000: the input has "},
-        Case{"ExplainNoOffset", {"explain", "data/samples/random.tqx@x"}, 1, "x is no offset"},
+        Case{"ExplainNoOffset", {"explain", "data/samples/random.tqx@x"}, 1, "x is not an offset"},
         Case{"UnknownCode",
              {"error", "-100000"},
              1,

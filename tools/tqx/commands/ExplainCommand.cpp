@@ -35,7 +35,7 @@ std::pair<std::string, uint64_t> split(const std::string& place)
         std::from_chars(number.data() + (isHex ? 2 : 0), end, offset, isHex ? 16 : 10);
     if (stop != end || error != std::errc()) {
         throw ToolError("explain: " + shortened(place) + ": " + shortened(number) +
-                        " is no offset");
+                        " is not an offset");
     }
     return {place.substr(0, at), offset};
 }
