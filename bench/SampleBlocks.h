@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-/// Two blocks that tell most about the speed of the codec: one of many different fields and one of
-/// many entries. All numbers in them are random; framing, counts and lengths are right.
+/// Two blocks that show most about the speed of the codec: one with many different fields and one
+/// with many entries. All numbers in them are random; framing, counts and lengths are correct.
 
 /// PVTGeodetic2 of the highest revision, 96 bytes.
 std::vector<uint8_t> positionBlock();

@@ -8,8 +8,8 @@
 #include <functional>
 #include <vector>
 
-/// Several pieces of work timed in turns, so that what disturbs the machine disturbs them alike and
-/// their ratios hold where their times do not.
+/// Several pieces of work timed in turns, so that other load affects them alike and their ratios
+/// are valid even if their times are not.
 
 /// Work whose calls are timed together; `run` makes that many of them.
 struct TimedWork {

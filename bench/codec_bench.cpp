@@ -1,7 +1,7 @@
 // Decoding of blocks in turns with its yardsticks: a memcpy of the same bytes, the refusal of the
 // type while it is switched off and, for the two sample blocks, the parse of the same content into
-// a protobuf message that is used again and again. The release of sub-block arrays is included, as
-// a receiver of records would do it. Blocks other than those are random but well-formed.
+// a reused protobuf message. The release of sub-block arrays is included, as a user of records
+// would do it. Blocks other than those are random but well-formed.
 
 #include "FieldRoles.h"
 #include "RandomBlock.h"

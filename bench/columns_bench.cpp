@@ -1,6 +1,6 @@
 // Columns of one type out of a mixed log in memory by its index, in turns with its yardstick:
-// TQX_decode of the same blocks, found by the index too, into one record that is used again and
-// again. All batches of a turn are kept until its end, so that every column goes to fresh memory.
+// TQX_decode of the same blocks, also found by the index, into one reused record. All batches of a
+// turn are kept until its end, so that every column goes to fresh memory.
 
 #include "RandomBlock.h"
 #include "RecordGuard.h"
@@ -46,7 +46,7 @@ struct MixedLog {
     Bytes bytes;
 };
 
-/// What is to be read: the blocks of one type.
+/// What to read: the blocks of one type.
 struct Wanted {
     const tqx::Index& index;
     const tqx::MemoryAccess& log;

@@ -25,7 +25,7 @@ using Bytes = std::vector<uint8_t>;
 constexpr int turns = 101;
 constexpr size_t mostLines = 200;
 
-/// The line of a block; empty when its fields alone would not bring it back.
+/// The line of a block; empty when its fields alone would not restore it.
 std::string lineOf(const uint8_t* data, size_t size)
 {
     static const tqx::FieldFilter everything;

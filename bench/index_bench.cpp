@@ -1,5 +1,5 @@
-// The index of a log beside its yardstick: reading the same file in pieces of 1 MB and summing it
-// up by 64 bits. On one and on two threads, in turns. The file is made once and stays in the
+// The index of a log beside its yardstick: reading the same file in pieces of 1 MB and adding it up
+// as 64-bit words. On one and on two threads, in turns. The file is made once and stays in the
 // system's cache.
 //
 //     index_bench [GIGABYTES [FOLDER]] [benchmark options]
@@ -46,7 +46,7 @@ void appendBlock(Bytes& log, uint16_t number, size_t size, uint32_t tow, std::mt
 }
 
 /// Epochs of 20 types, from status blocks of 32 bytes to measurements of 2,000, 320 bytes on
-/// average; now and then some junk. Some megabytes are repeated.
+/// average; occasionally some junk. Some megabytes are repeated.
 void makeLog(uint64_t size)
 {
     std::mt19937 random(1);
@@ -99,13 +99,13 @@ void readAndSum(const tqx::RandomAccess& file, unsigned threads)
         benchmark::DoNotOptimize(sum);
 }
 
-// Counters: the rate of the yardstick that the index reaches, and how much of what a second thread
-// gains for the yardstick it gains for the index.
+// Counters: the rate of the index relative to the yardstick, and the gain from a second thread
+// relative to the yardstick's.
 void index(benchmark::State& state, tqx::FileAccess::Mapping mapping)
 {
     const tqx::FileAccess plain(path, tqx::FileAccess::Mapping::Never);
     const auto build = [&](unsigned threads) {
-        // Opened anew, for mapping a file is part of the work.
+        // Opened anew, because mapping a file is part of the work.
         const tqx::FileAccess file(path, mapping);
         const tqx::Index made = tqx::Index::build(file, {threads});
         benchmark::DoNotOptimize(made.getPageCount());

@@ -1,7 +1,7 @@
 // Blocks written as JSON Lines, in turns with the same content written through a JSON document
-// library: a document is put together of values that are at hand, which spares it the reading of
-// records, and dumped. Once for the log of a simulated receiver, whose fields have few
-// different values, once for blocks of random values.
+// library: a document is built from given values, which spares it reading records, and dumped. Once
+// for the log of a simulated receiver, whose fields have few different values, once for blocks of
+// random values.
 
 #include "FieldRoles.h"
 #include "RandomBlock.h"
@@ -56,7 +56,7 @@ std::vector<Bytes> randomBlocks()
     return blocks;
 }
 
-/// The decoded blocks, and what each form makes of them.
+/// The decoded blocks, and their text in each form.
 struct Content {
     explicit Content(std::vector<Bytes> all) : blocks(std::move(all))
     {

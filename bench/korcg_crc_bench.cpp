@@ -1,6 +1,6 @@
 // Checksum of a block beside two yardsticks that run in turns with it: a 64-bit sum over the same
 // bytes, and the checksum by one table. Each row times 512 calls of one method; its counters are
-// medians: nanoseconds a call, and how many times as fast as the yardsticks it is.
+// medians: nanoseconds per call, and the speed relative to the yardsticks.
 
 #include "Turns.h"
 #include "korcg_crc.h"

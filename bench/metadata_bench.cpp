@@ -1,7 +1,7 @@
 // Cost of the metadata: setting up the registry, beside the same calls into plain containers with
 // strings of their own, and reading messages field by field through it.
 //
-// The registry is set up once a process, so each measurement of it runs in a child process, in
+// The registry is set up once per process, so each measurement of it runs in a child process, in
 // processor time.
 
 #include "TQX_FieldFacts.h"

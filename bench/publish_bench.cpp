@@ -1,6 +1,6 @@
-// The whole way of a stream: frame it, check it, decode it and publish messages to one receiver,
-// which counts them. The yardstick, in turns with it, parses the same content into a
-// protobuf message on the heap each. Four positions to one epoch of measurements.
+// A stream from start to end: frame it, check it, decode it and publish messages to one receiver,
+// which counts them. The yardstick, in turns with it, parses the same content into a new protobuf
+// message each on the heap. Four positions to one epoch of measurements.
 
 #include "SampleBlocks.h"
 #include "Turns.h"
@@ -23,7 +23,7 @@ constexpr int turnCount = 501;
 constexpr int positionsPerRound = 4;
 constexpr int pieceSize = 4096;
 
-/// The stream in pieces as they come from a receiver.
+/// The stream in pieces as a receiver sends them.
 std::vector<QByteArray> streamInPieces()
 {
     const std::vector<uint8_t> position = positionBlock();

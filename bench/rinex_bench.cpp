@@ -19,7 +19,7 @@ namespace
 
 constexpr int turns = 51;
 
-/// The blocks of a log that observations come from.
+/// The blocks of a log from which observations are made.
 struct Content {
     Content()
     {

@@ -1,12 +1,12 @@
-// How fast the tool goes through a log, beside the library alone, which frames, decodes and
-// publishes the same file, and beside cat.
+// How fast the tool processes a log, compared with the library alone, which frames, decodes and
+// publishes the same file, and with cat.
 //
 // usage: tool_rates [FILE]     without FILE a simulated log of about 200 MB
 //
-// All runs are processes of their own, in turns, written to /dev/null, tables to files, and lines
-// to a file once more, which is what to compare tables with; what is shown are medians of the time
-// that passed, which the rates are of, and of the processor time, which is longer where several
-// threads work. Other work on the machine makes the former longer than it is.
+// All runs are separate processes, in turns. Output goes to /dev/null, tables to files, and lines
+// once more to a file, for comparison with tables. Shown are medians of the elapsed time, from
+// which the rates are computed, and of the processor time, which is longer where several threads
+// work. Other load on the machine makes the elapsed time longer.
 
 #include "TQXDecoder.h"
 #include "TQXSynchronizer.h"
@@ -36,7 +36,7 @@ namespace
 constexpr int rounds = 5;
 constexpr int pieceSize = 1 << 18;
 
-/// What a program would do that uses the library: counts the published messages.
+/// What a program with the library would do: counts the published messages.
 int readByLibrary(const char* path)
 {
     TQX_FormatInfo::getInstance();

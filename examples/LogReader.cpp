@@ -31,7 +31,7 @@ bool readLog(const QString& path, TQXDecoder& decoder)
             synchroniser.appendBytes(piece);
             decodeBlocks(synchroniser, decoder);
         }
-        // What looked like the start of a block that never came may hide a whole one.
+        // What looked like the start of an incomplete block may hide a complete one.
         synchroniser.flush();
         decodeBlocks(synchroniser, decoder);
     }

@@ -20,7 +20,7 @@
 namespace
 {
 
-/// The field, or null after a word on standard error.
+/// The field, or null after a message on standard error.
 const FieldInfo* findField(const QString& path)
 {
     try {

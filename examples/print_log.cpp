@@ -1,7 +1,7 @@
 // print_log LOG
 //
-// Prints every message of a log as a viewer would show it: all that it needs to know, it asks the
-// metadata, so no message type is named here.
+// Prints every message of a log as a viewer would show it: everything it needs to know comes from
+// the metadata, so no message type is named here.
 
 #include "LogReader.h"
 
@@ -24,7 +24,7 @@ void print(int depth, const QString& text)
 void printFields(const Message& message, int depth)
 {
     for (const FieldInfo* field : message.getInfo()->getFieldInfos()) {
-        // Counts, lengths, padding and the like say nothing about the world.
+        // Counts, lengths, padding and the like carry no measurements.
         const bool isSubMessage = field->getType().getKind() == FieldKind::SubMessage;
         if ((field->getRole() != FieldInfo::Data && !isSubMessage) || !field->hasValue(&message))
             continue;

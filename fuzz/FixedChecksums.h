@@ -8,8 +8,8 @@
 #include <cstdint>
 #include <vector>
 
-/// A fuzzer cannot guess checksums: the bytes "FIX" in front of a sync make one that holds. `size`
-/// bytes from `data` on, so changed.
+/// A fuzzer cannot guess checksums: the bytes "FIX" before a sync request a correct one. Returns
+/// `size` bytes from `data` on with such changes.
 inline std::vector<uint8_t> withChecksums(const uint8_t* data, size_t size)
 {
     std::vector<uint8_t> stream(data, data + size);

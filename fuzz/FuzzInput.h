@@ -44,8 +44,8 @@ private:
     size_t m_size;
 };
 
-/// A random block of a type that the input chooses, with up to so many changed bytes and a
-/// right checksum.
+/// A random block of a type that the input chooses, with up to `mostChanges` changed bytes and a
+/// correct checksum.
 inline std::vector<uint8_t> fuzzBlock(FuzzInput& input, unsigned mostChanges = 8)
 {
     const auto& types = mainTypes();

@@ -1,5 +1,4 @@
-// Decoding of arbitrary bytes, and encoding of the result, as it is and with appended
-// elements.
+// Decodes arbitrary bytes, and encodes the result, unchanged and with appended elements.
 
 #include "ExactDecoder.h"
 #include "RecordCompare.h"

@@ -25,7 +25,7 @@ void check(bool holds, const TQX_TypeLayout& type, const std::string& what)
     std::abort();
 }
 
-// How the decoder is called stands in front of the bytes that it gets.
+// The first bytes decide how the decoder is called; the rest is its input.
 struct Call {
     const TQX_TypeLayout* type;
     unsigned revision;

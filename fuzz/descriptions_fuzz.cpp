@@ -1,5 +1,5 @@
-// Arbitrary bytes as several files of one description, parted by a zero: errors name one of them
-// and a line that it has.
+// Arbitrary bytes as several files of one description, separated by a zero: errors name one of them
+// and an existing line.
 
 #include "read/Load.h"
 
@@ -28,7 +28,7 @@ std::vector<Source> sourcesOf(const std::string& input)
     return sources;
 }
 
-/// Whether an error names a place that there is: "file3.yaml:12: ...".
+/// Whether an error names an existing place: "file3.yaml:12: ...".
 bool isPlaced(const std::string& error, const std::vector<Source>& sources)
 {
     return std::any_of(sources.begin(), sources.end(), [&](const Source& source) {

@@ -81,7 +81,7 @@ void checkTable(std::string_view table)
     }
 }
 
-/// The writers of one filter, which keep what they know of types.
+/// The writers of one filter, which cache what they know about types.
 class Writers
 {
 public:

@@ -1,5 +1,5 @@
-// Encoding of arbitrary records: what is written decodes to the same fields, and a buffer that is
-// too small is refused and not overrun.
+// Encodes arbitrary records: the result decodes to the same fields, and a buffer that is too small
+// is refused and not overrun.
 
 #include "FieldRoles.h"
 #include "RecordCompare.h"
@@ -75,7 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 
     static uint8_t whole[largestBlock];
     const int32_t bits = type.encode(whole, largestBlock, source.get());
-    // What fills up an entry is no field.
+    // Padding of an entry is not a field.
     if (bits > 0 && source.as<TQX_MainHeader_s>().korcg_bits > static_cast<uint32_t>(bits))
         fail(type, "wrong count of bits");
     // A record of another revision than those known states the lengths of its entries itself.

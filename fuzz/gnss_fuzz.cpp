@@ -1,6 +1,6 @@
-// Blocks with arbitrary content through all that makes observations, ephemerides, positions and
-// events of them, and into every kind of file. Epochs must ascend, the lines of RINEX epochs be as
-// many as they say, and the cells of tables as many as the columns.
+// Passes blocks with arbitrary content through everything that makes observations, ephemerides,
+// positions and events, and into every kind of file. Epochs must ascend, RINEX epochs must have as
+// many lines as they say, and rows as many cells as there are columns.
 
 #include "korcg_load.h"
 #include "tqx/gnss/event/EventGatherer.h"
@@ -35,7 +35,7 @@ void check(bool holds, const char* what)
     std::abort();
 }
 
-/// The numbers of all blocks that something is made of.
+/// The numbers of all blocks that are used for anything.
 const std::vector<uint16_t>& blockNumbers()
 {
     static const std::vector<uint16_t> numbers = [] {

@@ -1,6 +1,6 @@
-// What comes to an index from outside. By the first byte: a saved index, which is refused or can be
-// asked anything; a log, whose stretches give what one pass gives; a compressed log, which ends in
-// an error or not and is the same wherever reading it begins.
+// Input of an index from outside. By the first byte: a saved index, which is refused or answers
+// every query; a log, whose stretches give the same as one pass; a compressed log, which may end in
+// an error and is the same wherever reading begins.
 
 #include "FixedChecksums.h"
 #include "tqx/log/DataError.h"

@@ -1,4 +1,4 @@
-// JSON Lines made into blocks; and what the blocks are dumped to, made into blocks again.
+// Encodes JSON Lines as blocks; dumps the blocks and encodes these lines again.
 
 #include "tqx/log/read/LineEncoder.h"
 #include "tqx/log/read/LineError.h"
@@ -21,14 +21,14 @@ std::vector<uint8_t> encoded(const std::string& line)
     }
 }
 
-// A block that fields make comes back byte for byte; bytes that are given may be anything.
+// A block made from fields comes back byte for byte; given bytes may be anything.
 void checkBlock(const std::vector<uint8_t>& bytes, bool mayBeAnything)
 {
     static const tqx::FieldFilter everything;
     static tqx::RawJson json(everything);
     const tqx::Block block = {bytes.data(), static_cast<uint16_t>(bytes.size()), 0};
     if (mayBeAnything && (bytes[0] != '$' || bytes[1] != '@'))
-        return; // no block that a stream would give; lines of fields do not bring it back
+        return; // a block that no stream would return; lines of fields do not restore it
     tqx::RecordDecoder decoder;
     if (decoder.decode(block) <= 0) {
         if (!mayBeAnything)

@@ -1,4 +1,4 @@
-// Any bytes behind any start value: all methods give the same checksum, and the checksums of two
+// Any bytes after any start value: all methods give the same checksum, and the checksums of two
 // parts combine to that of the whole.
 
 #include "korcg_crc.h"

@@ -40,7 +40,7 @@ uint8_t sentenceSum(const uint8_t* from, const uint8_t* to)
     return sum;
 }
 
-/// Makes the checksums of frames and sentences hold that "FIX" precedes.
+/// Corrects the checksums of frames and sentences preceded by "FIX".
 void fixNeighbours(std::vector<uint8_t>& stream)
 {
     for (size_t at = 0; at + 9 <= stream.size(); ++at) {
@@ -88,7 +88,7 @@ private:
     std::string m_name;
 };
 
-/// What a stream gives: offset, size and kind of each part.
+/// The result of a stream: offset, size and kind of each part.
 class Parts : public StreamListener
 {
 public:

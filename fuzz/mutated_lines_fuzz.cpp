@@ -1,5 +1,5 @@
-// JSON Lines as dump writes them, changed, and encoded: a line is refused with a short message, or
-// makes a block that comes back byte for byte.
+// Encodes modified JSON Lines of dump: a line is refused with a short message, or gives a block
+// that comes back byte for byte.
 
 #include "FuzzInput.h"
 #include "tqx/log/read/LineEncoder.h"
@@ -65,7 +65,7 @@ std::string rawLine(const std::vector<uint8_t>& bytes)
     return std::string(line.view());
 }
 
-/// Puts another value in the place of one anywhere in the tree.
+/// Replaces a value anywhere in the tree.
 void replaceValue(json& value, FuzzInput& input)
 {
     json* place = &value;
@@ -140,7 +140,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         std::abort();
     const std::string line = mutated(original, input);
     const std::vector<uint8_t> bytes = encoded(line);
-    // What bytes were given may be anything.
+    // Given bytes may be anything.
     const json read = json::parse(line, nullptr, false);
     if (bytes.empty() || read.contains("bytes"))
         return 0;

@@ -1,5 +1,5 @@
-// Arguments of the program, one a line: they are taken, or refused with a short message. No command
-// runs.
+// Arguments of the program, one per line: they are accepted, or refused with a short message. No
+// command runs.
 
 #include "FuzzInput.h"
 #include "commands/Command.h"

@@ -1,5 +1,5 @@
-// Any text as a time and as a condition: it is refused with a message, or means something for
-// random blocks of all types.
+// Any text as a time and as a condition: it is refused with a message, or can be applied to random
+// blocks of all types.
 
 #include "FieldRoles.h"
 #include "RandomBlock.h"

@@ -39,7 +39,7 @@ std::set<unsigned> silentNumbers()
     return numbers;
 }
 
-// Looks at everything in a message and in those inside it.
+// Reads everything in a message and in those inside it.
 void read(const Message* message)
 {
     const auto& fields = message->getInfo()->getFieldInfos();

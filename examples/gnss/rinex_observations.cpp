@@ -1,7 +1,7 @@
 // rinex_observations LOG
 //
 // Writes the observations of a log, those of the main antenna, as a RINEX 3.05 file to standard
-// output. The header says what is in the whole file, so that the log is read twice.
+// output. The header describes the whole file, so the log is read twice.
 
 #include <tqx/gnss/observation/ObservationGatherer.h>
 #include <tqx/gnss/rinex/ObservationFile.h>
@@ -18,7 +18,7 @@ namespace
 
 using Take = std::function<void(const tqx::DecodedBlock& decoded)>;
 
-/// Gathers the epochs of a log; `takeOther` is given the blocks that headers need.
+/// Gathers the epochs of a log; passes blocks that headers need to `takeOther`.
 void read(const char* path, const tqx::ObservationGatherer::Receiver& takeEpoch,
           const Take& takeOther)
 {

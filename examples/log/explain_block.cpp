@@ -1,7 +1,7 @@
 // explain_block LOG OFFSET
 //
-// Explains a block as text, lists the pieces that a walk along its bytes comes by, and says what
-// its fields need.
+// Explains a block as text, lists the pieces of a walk along its bytes, and says what its fields
+// depend on.
 
 #include "tqx/log/DataError.h"
 #include "tqx/log/inspect/BlockWalk.h"

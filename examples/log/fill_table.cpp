@@ -1,6 +1,6 @@
 // fill_table LOG TYPE
 //
-// Makes columns of the blocks of a type in a stream, and prints how many values of each are there.
+// Makes columns from the blocks of a type in a stream, and prints how many values each has.
 
 #include "tqx/log/DataError.h"
 #include "tqx/log/record/TypeNames.h"

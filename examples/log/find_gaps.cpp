@@ -1,7 +1,7 @@
 // find_gaps LOG
 //
-// Finds out how often the blocks of a log come, where epochs are missing or repeated, and what is
-// between the blocks.
+// Finds the rate of the blocks in a log, missing and repeated epochs, and what is between the
+// blocks.
 
 #include "tqx/log/DataError.h"
 #include "tqx/log/source/OpenSource.h"
@@ -37,7 +37,7 @@ int main(int argc, char** argv)
     if (argc != 2)
         return 1;
     try {
-        // Memory is bounded by what several of them may keep together.
+        // Several of them share one bound on memory.
         size_t roomForIntervals = 10000;
         size_t roomForEpochs = 10000;
         tqx::Intervals intervals(roomForIntervals);

@@ -1,6 +1,6 @@
 // inspect_block LOG OFFSET
 //
-// Prints which bytes of a block hold which field, and what that is.
+// Prints which bytes of a block hold which field, and its value.
 
 #include "tqx/log/DataError.h"
 #include "tqx/log/inspect/Inspection.h"

@@ -1,7 +1,7 @@
 // read_sources LOG...
 //
-// Reads logs, plain or compressed, in both ways: in order as a source, and anywhere, where the
-// middle byte of each is printed. Last, all of them as one.
+// Reads logs, plain or compressed, in both ways: in order as a source, and with random access,
+// printing the middle byte of each. Last, all of them as one.
 
 #include "tqx/log/DataError.h"
 #include "tqx/log/source/CompressedAccess.h"
@@ -56,7 +56,7 @@ int main(int argc, char** argv)
                 show("plain", *contents.back());
                 continue;
             }
-            // One pass finds out how much there is, and where decompressing can begin.
+            // One pass finds the size, and where decompressing can begin.
             std::vector<tqx::AccessPoint> points;
             tqx::CompressedSource source(std::make_unique<tqx::FileSource>(path), compression,
                                          &points);
@@ -68,13 +68,13 @@ int main(int argc, char** argv)
         }
         show("together", tqx::JoinedAccess(contents));
 
-        // In order: one that cannot be read would be reported and left out.
+        // In order: an unreadable one would be reported and skipped.
         tqx::JoinedSource all(paths, [](const tqx::SourceError& error) {
             std::fprintf(stderr, "%s\n", error.what());
         });
         std::printf("in order, %llu bytes\n", countBytes(all));
 
-        // What is in memory is a source, too.
+        // Bytes in memory are a source, too.
         const uint8_t bytes[] = {'$', '@', 1, 2, 3};
         tqx::MemorySource memory(bytes, sizeof bytes);
         memory.skip(2);

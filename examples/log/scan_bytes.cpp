@@ -27,7 +27,7 @@ public:
             std::printf("sentence %s\n", std::string(neighbour.getAddress()).c_str());
             break;
         case tqx::NeighbourKind::Rtcm3:
-            // Its checksum is right, or it would not be one.
+            // Its checksum is correct, or it would not be a frame.
             std::printf("frame %u, checksum %s\n", neighbour.getNumber(),
                         tqx::Crc24().holds(0, neighbour.data, neighbour.size) ? "right" : "wrong");
             break;

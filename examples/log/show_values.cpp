@@ -23,8 +23,7 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-/// As a form of output of its own would write values: names as they are, "?" for what is not
-/// available.
+/// As a custom output format would write values: names as they are, "?" for what is not available.
 std::string asItIs(std::string_view name)
 {
     return std::string(name);

@@ -22,7 +22,7 @@
 namespace
 {
 
-/// The tests that a term comes down to in each type that has its field.
+/// The tests of a term in each type that has its field.
 using Tests = std::map<uint32_t, std::vector<tqx::FieldTest>>;
 
 Tests testsOf(const tqx::ExpressionTerm& term, const std::string& pattern)

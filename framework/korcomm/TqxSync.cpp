@@ -8,7 +8,7 @@
 namespace
 {
 
-// Queued connections look the types of arguments up by the names that the signal gives them.
+// Queued connections look up argument types by the names that the signal gives them.
 [[maybe_unused]] const int registered = qRegisterMetaType<uint32_t>("uint32_t");
 
 } // namespace

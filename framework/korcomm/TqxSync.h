@@ -6,7 +6,7 @@
 #include <QByteArray>
 #include <QObject>
 
-/// Cuts a stream of bytes into whole TQX blocks whose checksum matches, see tqx::BlockFramer for
+/// Finds complete TQX blocks with valid checksums in a stream of bytes, see tqx::BlockFramer for
 /// the rules. Signals report damage, emitted while appendBytes, getBlockBytes and flush run;
 /// none of it ends the work, and receivers may call back. Used by one thread at a time.
 class KORCOMM_API TqxSync : public QObject, private tqx::BlockFramer::Listener
@@ -20,17 +20,17 @@ public:
     /// Adds received bytes; they are copied.
     void appendBytes(const QByteArray& bytes);
 
-    /// Whether a whole block is at hand.
+    /// Whether a complete block is available.
     bool hasBlock() const;
 
-    /// Removes and returns the next whole block, first sync character included; an empty array when
+    /// Removes and returns the next complete block, sync characters included; an empty array when
     /// there is none.
     QByteArray getBlockBytes();
 
-    /// Bytes appended that are neither returned nor dropped, INT_MAX if they are more.
+    /// Number of bytes appended that are neither returned nor dropped, at most INT_MAX.
     virtual int getNumberOfBytesLeft() const;
 
-    /// The input has ended: candidates that can never become complete are given up and the intact
+    /// Ends the input: candidates that can never become complete are given up, and the intact
     /// blocks after them become available.
     void flush();
 

@@ -8,7 +8,7 @@
 
 /// Counts objects by the name of their class, to find those that are never destroyed.
 ///
-/// Every class that takes part calls allocateObject in its constructors and deallocateObject in its
+/// Every participating class calls allocateObject in its constructors and deallocateObject in its
 /// destructor with the same name. Counts are signed: a class whose copy constructor does not report
 /// has a negative balance after its copies are gone.
 ///
@@ -26,10 +26,11 @@ public:
     static void deallocateObject(const char* typeName);
     static void deallocateObject(const QString& typeName);
 
-    /// Objects reported as allocated less those reported as deallocated; 0 for an unknown name.
+    /// Number of objects reported as allocated minus those reported as deallocated; 0 for an
+    /// unknown name.
     static qint64 getObjectCount(const QString& typeName);
 
-    /// Calls of allocateObject with the name; 0 for an unknown one.
+    /// Number of calls of allocateObject with the name; 0 for an unknown one.
     static qint64 getTotalAllocations(const QString& typeName);
 
     /// Sorted names whose object count is not zero.

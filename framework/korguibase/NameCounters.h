@@ -5,7 +5,7 @@
 #include <functional>
 #include <string_view>
 
-/// Counts of one name. The name's characters follow the object.
+/// The counts of one name. The name's characters follow the object.
 struct NameCounter {
     uint64_t hash;
     uint32_t nameSize;
@@ -26,7 +26,7 @@ struct NameCounter {
 namespace NameCounters
 {
 
-/// The counter of a name, added if need be; only adding takes a lock.
+/// The counter of a name, added if necessary; only adding takes a lock.
 NameCounter& get(std::string_view name);
 
 /// The counter of a name, or null.

@@ -49,7 +49,7 @@ public:
 protected:
     AbstractDecoder(QString name, QObject* parent);
 
-    /// Gives a type its number, 0 or above; the last one given counts.
+    /// Sets the number of a type, 0 or above; the last call wins.
     void setMessageEnum(const MessageInfo* info, int messageEnum);
 
 private:

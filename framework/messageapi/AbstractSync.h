@@ -8,7 +8,8 @@
 
 class FormatInfo;
 
-/// Base of the synchronisers: cuts a stream of bytes into whole messages ("blocks") for a decoder.
+/// Base of the synchronisers: finds complete messages ("blocks") for a decoder in a stream of
+/// bytes.
 ///
 ///     synchroniser.appendBytes(received);
 ///     while (synchroniser.hasBlock()) {
@@ -23,16 +24,16 @@ public:
     explicit AbstractSync(QObject* parent);
     ~AbstractSync() override;
 
-    /// Adds received bytes, in pieces of any size. What is wrong with the stream is published by
-    /// newEvent, during this call or during getBlockBytes.
+    /// Adds received bytes, in pieces of any size. Errors in the stream are published by newEvent,
+    /// during this call or during getBlockBytes.
     virtual void appendBytes(QByteArray& bytes) = 0;
 
     virtual bool hasBlock() const = 0;
 
-    /// Removes and returns the next whole block; empty when there is none.
+    /// Removes and returns the next complete block; empty when there is none.
     virtual QByteArray getBlockBytes() = 0;
 
-    /// Bytes added and not yet returned or dropped.
+    /// Number of bytes added and not yet returned or dropped.
     virtual int getNumberOfBytesLeft() const = 0;
 
 Q_SIGNALS:

@@ -39,23 +39,23 @@ public:
     /// another type, for optional fields that are absent and for repeated ones without element.
     virtual bool hasValue(const Message* message) const = 0;
 
-    /// How many values the message has; 0 wherever hasValue says false.
+    /// How many values the message has; 0 wherever hasValue returns false.
     virtual unsigned getNumberOfValues(const Message* message) const = 0;
 
     /// The value at an index below getNumberOfValues. Throws a MessageApiEvent of type FieldAccess
     /// when the message has no such value.
     virtual FieldValue getValue(const Message* message, unsigned index) const = 0;
 
-    /// The same without any test: the caller knows that the value is there.
+    /// The same without any check: the caller knows that the value is there.
     virtual FieldValue getValueUnchecked(const Message* message, unsigned index) const = 0;
 
-    /// All values of the field for people to read; empty when there are none. Values that have
-    /// a name are shown by it. Integers are multiplied by the scale factor and shown with the
-    /// precision, or if none is set with the decimals that the factor needs; where the precision
-    /// would show the factor itself as zero, with 7 significant digits. Values are separated by
-    /// blanks; characters form one text, which ends at the first zero. The unit follows once, if
-    /// any number is shown. Values that are not available are Message::doNotUseString, or nothing
-    /// if Message::useDoNotUseString is off. Numbers follow the default QLocale.
+    /// All values of the field in readable form; empty when there are none. Values that have a name
+    /// are shown by it. Integers are multiplied by the scale factor and shown with the precision,
+    /// or if none is set with the decimals that the factor needs; where the precision would show
+    /// the factor itself as zero, with 7 significant digits. Values are separated by blanks;
+    /// characters form one text, which ends at the first zero. The unit follows once, if any number
+    /// is shown. Values that are not available are Message::doNotUseString, or nothing if
+    /// Message::useDoNotUseString is off. Numbers follow the default QLocale.
     virtual QString getValueString(const Message* message) const;
 
     /// One value as it is stored, without scale: its name; else, when it is not available, as
@@ -91,7 +91,7 @@ public:
         return m_symbolicValues.find(value);
     }
 
-    /// The value that means "not available"; empty when every value is one.
+    /// The value that means "not available"; empty when there is none.
     const FieldValue& getDoNotUseValue() const { return m_doNotUseValue; }
     bool hasDoNotUseValue() const { return !m_doNotUseValue.isEmpty(); }
     bool isDoNotUse(const FieldValue& value) const
@@ -137,7 +137,7 @@ protected:
     void addSubFieldInfo(FieldInfo* subField);
 
 private:
-    /// Whether the value is shown as words instead of a number; then they are put into `text`.
+    /// Whether the value is shown as words instead of a number; these are then written to `text`.
     bool hasWords(const FieldValue& value, QString* text) const;
     QString scaledNumber(const FieldValue& value) const;
     QString storedNumber(const FieldValue& value) const;

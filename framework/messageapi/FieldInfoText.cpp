@@ -11,7 +11,7 @@ namespace
 {
 
 constexpr int defaultDecimals = 6;
-constexpr int significantDigits = 7; // those that a float of 32 bits has
+constexpr int significantDigits = 7; // those of a 32-bit float
 
 QString notAvailableText()
 {
@@ -29,7 +29,7 @@ QString bitMask(const FieldValue& value)
 
 bool FieldInfo::hasWords(const FieldValue& value, QString* text) const
 {
-    // The do-not-use value of an integer has a name as a rule, which is more telling.
+    // The do-not-use value of an integer usually has a name, which is more informative.
     if (value.isFloat() && isDoNotUse(value)) {
         *text = notAvailableText();
         return true;
@@ -86,7 +86,7 @@ int FieldInfo::getShownDecimals() const
             return decimals;
         }
     }
-    // No finite decimal fraction, such as 1/3600: one step of the integer shows in three digits.
+    // Not a finite decimal fraction, such as 1/3600: one step of the integer shows in three digits.
     return std::max(0, static_cast<int>(std::ceil(-std::log10(step))) + 2);
 }
 

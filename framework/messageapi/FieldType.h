@@ -21,7 +21,7 @@ public:
     static constexpr FieldType f64() { return {Kind::F64, 64, nullptr}; }
     /// One character; texts are repeated characters.
     static constexpr FieldType ch() { return {Kind::Ch, 8, nullptr}; }
-    /// Messages described by `info`, which is not owned and outlives the type.
+    /// Messages described by `info`, which is not owned and must outlive the type.
     static constexpr FieldType subMessage(const MessageInfo* info)
     {
         return {Kind::SubMessage, 0, info};

@@ -26,7 +26,7 @@ int compareFloats(double a, double b)
     return threeWay(a, b);
 }
 
-/// Exact, where a conversion of the integer to double might round.
+/// Exact, whereas converting the integer to double might round.
 int compareUnsignedToFloat(uint64_t a, double b)
 {
     if (std::isnan(b) || b >= 0x1p64) {
@@ -51,7 +51,7 @@ int compareSignedToFloat(int64_t a, double b)
     return -compareUnsignedToFloat(uint64_t{0} - static_cast<uint64_t>(a), -b);
 }
 
-/// The classes that values are ordered by before anything else.
+/// The classes by which values are ordered first.
 int rank(FieldKind kind)
 {
     switch (kind) {

@@ -12,19 +12,19 @@ class Message;
 
 /// One value of a field: kind, width and eight bytes, copied like a number.
 ///
-/// Reading never cuts a value. An integer is read back at any width and either signedness that can
-/// hold it; a float of 32 bits also as one of 64. Everything else throws a MessageApiEvent of type
-/// FieldAccess: a value that does not fit, or one of another kind.
+/// Reading never truncates a value. An integer is read back at any width and either signedness that
+/// can hold it; a float of 32 bits also as one of 64. Everything else throws a MessageApiEvent of
+/// type FieldAccess: a value that does not fit, or one of another kind.
 ///
 /// Values are totally ordered: empty ones, then numbers, then characters, then sub-messages.
-/// Numbers compare by what they are worth, whatever their kind and width: u8 5 equals i32 5 and
-/// f64 5.0. A NaN equals every other NaN and follows all numbers.
+/// Numbers compare by value, whatever their kind and width: u8 5 equals i32 5 and f64 5.0. A NaN
+/// equals every other NaN and follows all numbers.
 class MESSAGEAPI_API FieldValue
 {
 public:
     using Kind = FieldKind;
 
-    /// How a field's values want to be shown.
+    /// How to show a field's values.
     enum RepresentationMode {
         Default = 0, ///< as numbers or names
         BitMask = 1  ///< as a set of bits
@@ -88,16 +88,16 @@ public:
     int32_t getI32() const { return getSigned<int32_t>(); }
     int64_t getI64() const { return getSigned<int64_t>(); }
 
-    /// Of an f32 value only.
+    /// Only for an f32 value.
     float getF32() const;
-    /// Of an f32 or f64 value.
+    /// For an f32 or f64 value.
     double getF64() const;
     char getCh() const;
     /// Not owned by the caller.
     const Message* getSubMessage() const;
 
     /// Any number, rounded to the nearest double where that cannot hold it.
-    /// Throws FieldAccess for values that are no numbers.
+    /// Throws FieldAccess for values that are not numbers.
     double toDouble() const;
 
     /// Plain text for tools, the same in every locale: integers in decimal, floats in the shortest
@@ -105,7 +105,7 @@ public:
     /// zero), "submsg" for a sub-message, nothing for an empty value.
     QString toString() const;
 
-    /// Below 0, 0 or above 0 as this value comes before, equals or comes after the other.
+    /// Below 0, 0 or above 0 if this value is before, equal to or after the other.
     int compare(const FieldValue& other) const;
 
     friend bool operator==(const FieldValue& a, const FieldValue& b)

@@ -16,8 +16,8 @@ public:
     static QString getString(double value, char format, int precision, bool display);
 
     /// Likewise, with the float's own digits: decimals beyond those that distinguish it from its
-    /// neighbours are zeros, not what widening it to double brings up. 0.1f with 12 decimals is
-    /// "0.100000000000".
+    /// neighbours are zeros, not the digits that appear when it is widened to double. 0.1f with 12
+    /// decimals is "0.100000000000".
     static QString getString(float value, char format, int precision, bool display);
 
     FloatRepresentation() = delete;

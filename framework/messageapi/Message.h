@@ -11,8 +11,8 @@ class MessageInfo;
 /// One decoded message, or a message inside another one. What it holds is read through the
 /// FieldInfos of its MessageInfo, or through the accessors of its own class.
 ///
-/// Who wants to keep a message beyond the notification that brought it takes a reference.
-/// A sub-message is owned by its parent and lives no longer than it.
+/// Take a reference to keep a message beyond the notification that brought it. A sub-message is
+/// owned by its parent and lives no longer than it.
 class MESSAGEAPI_API Message : public ReferenceCountedObject
 {
 public:
@@ -49,14 +49,14 @@ public:
 protected:
     /// `info` is not owned and outlives the message.
     explicit Message(const MessageInfo* info) : m_info(info) {}
-    /// A copy has the same parent and a reference count of its own.
+    /// A copy has the same parent and its own reference count.
     Message(const Message&) = default;
     Message& operator=(const Message&) = default;
 
-    /// Only recorded: the parent learns nothing of it.
+    /// Only recorded; the parent is not notified.
     void setParentMessage(Message* parent) { m_parent = parent; }
 
-    /// The record behind another message; null when it has none or `message` is null.
+    /// The record of another message; null when it has none or `message` is null.
     const void* getRawRepresentationOf(const Message* message) const;
 
 private:

@@ -16,8 +16,8 @@ public:
         NoEvent = 0,           ///< a default-constructed event
         UnknownMessage = 3,    ///< a message of a type that the decoder does not know
         DecodingError = 4,     ///< a message or stream that cannot be decoded
-        InconsistentState = 5, ///< a decoder at odds with itself
-        FieldAccess = 6        ///< a value was asked for that is not there
+        InconsistentState = 5, ///< an internal error of a decoder
+        FieldAccess = 6        ///< a value was requested that does not exist
     };
 
     MessageApiEvent() = default;

@@ -12,8 +12,8 @@ class FormatInfo;
 /// Publishes messages and events to all receivers connected to its signals. A signal is emitted by
 /// calling it; receivers in the same thread have run when the call returns.
 ///
-/// A message is only sure to live during the notification: a receiver that keeps it takes a
-/// reference. Pointers to messages therefore do not travel through queued connections; events and
+/// A message is only guaranteed to live during the notification: a receiver that keeps it must take
+/// a reference. Pointers to messages therefore do not travel through queued connections; events and
 /// newUnknownMessage do.
 class MESSAGEAPI_API MessageSource : public QObject
 {
@@ -24,13 +24,13 @@ public:
     ~MessageSource() override;
 
 Q_SIGNALS:
-    /// Each message is published three times: to those who must see it before the others, to
-    /// everybody, and to those who must come last.
+    /// Each message is published three times: to receivers that must see it first, to all, and to
+    /// those that must see it last.
     void newMessageEarly(const Message* message);
     void newMessage(const Message* message);
     void newMessageLate(const Message* message);
 
-    /// A message of a type that the format does not know, with words on what it is.
+    /// A message of a type unknown to the format, with a description.
     void newUnknownMessage(const FormatInfo* format, QString description);
 
     void newEvent(MessageApiEvent event);

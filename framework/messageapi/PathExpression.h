@@ -20,7 +20,7 @@ public:
     ///
     /// Returns null when there is no such field. Throws a MessageApiEvent of type FieldAccess when
     /// the path has fewer than three parts, or names a format or message that is not known. Formats
-    /// are known once they have been set up; looking one up never starts that.
+    /// are known once they have been set up; a lookup never sets one up.
     static const FieldInfo* getUniqueFieldInfo(const QString& path);
 
     PathExpression() = delete;

@@ -4,7 +4,7 @@
 
 #include <atomic>
 
-/// An object on the heap that lives as long as somebody refers to it.
+/// An object on the heap that lives as long as there are references to it.
 ///
 /// The count starts at 0, belongs to the object and is never copied. Counting is safe from any
 /// thread.
@@ -13,8 +13,8 @@ class MESSAGEAPI_API ReferenceCountedObject
 public:
     void addReference() const { m_count.fetch_add(1, std::memory_order_relaxed); }
 
-    /// Takes one reference back and deletes the object with the last one. Every call pairs with one
-    /// of addReference.
+    /// Drops one reference and deletes the object with the last one. Every call pairs with one of
+    /// addReference.
     void removeReference() const;
 
     int getReferenceCount() const { return m_count.load(std::memory_order_relaxed); }

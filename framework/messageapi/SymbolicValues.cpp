@@ -21,8 +21,8 @@ bool beginsWith(const std::vector<SymbolicValue>& values, const std::vector<Symb
 
 } // namespace
 
-/// All lists in use, found by what they begin with. Lives as long as the process: fields of other
-/// libraries give theirs back during static destruction.
+/// All lists in use, found by their beginnings. Lives as long as the process: fields of other
+/// libraries release theirs during static destruction.
 class SymbolicValuePool
 {
 public:

@@ -23,7 +23,7 @@ struct SymbolicValue {
 
 /// The named values of one field, in the order in which they were added.
 ///
-/// Fields whose values and names begin alike share them in memory. Different objects may be used
+/// Fields whose values and names begin alike share memory for them. Different objects may be used
 /// from different threads.
 class MESSAGEAPI_API SymbolicValues
 {

@@ -10,9 +10,9 @@
 
 class Message;
 
-/// The time, now or of a message. The base is the system's clock in UTC; its milliseconds
-/// count from 1970-01-01T00:00:00Z. A derived class may know a better time, and counts from where
-/// its own time scale begins.
+/// The current time or that of a message. The base class uses the system's clock in UTC; its
+/// milliseconds count from 1970-01-01T00:00:00Z. A derived class may know a better time, and counts
+/// from the start of its own time scale.
 class MESSAGEAPI_API TimeSource : public QObject
 {
     Q_OBJECT
@@ -27,8 +27,8 @@ public:
     /// Whether getMillis yields a time; always true for the system's clock.
     virtual bool hasValidMillis();
 
-    /// The time of a message; of the base, which knows no messages, that of now. `message` may be
-    /// null.
+    /// The time of a message; the base class, which does not know messages, returns the current
+    /// time. `message` may be null.
     virtual uint64_t getMillis(const Message* message);
 
     /// getTime in milliseconds.

@@ -2,7 +2,7 @@
 
 #include <nanobind/nanobind.h>
 
-/// Each adds what its file offers to the module.
+/// Each adds the content of its file to the module.
 namespace tqx::python
 {
 
@@ -13,6 +13,7 @@ void bindProducts(nanobind::module_& module);
 void bindMessages(nanobind::module_& module);
 void bindTypes(nanobind::module_& module);
 void bindRinex(nanobind::module_& module);
+void bindReport(nanobind::module_& module);
 void bindTrack(nanobind::module_& module);
 void bindSimulation(nanobind::module_& module);
 

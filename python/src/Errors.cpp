@@ -14,7 +14,7 @@ namespace nb = nanobind;
 namespace
 {
 
-/// Raises the exception of the package that make_error() of tqx._errors makes.
+/// Raises the package's exception, made by make_error() of tqx._errors.
 void raise(const char* kind, const char* text)
 {
     const nb::object error = nb::module_::import_("tqx._errors").attr("make_error")(kind, text);

@@ -2,11 +2,11 @@
 
 #include <stdexcept>
 
-/// Ctrl-C while C++ works without the interpreter's lock.
+/// Handles Ctrl-C while C++ works without the interpreter's lock.
 namespace tqx::python
 {
 
-/// The user wants the work to end: KeyboardInterrupt in Python.
+/// The user interrupted the work: KeyboardInterrupt in Python.
 class Interrupted : public std::runtime_error
 {
 public:

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "LogFile.h"
-#include "TQX_OwnedRecord.h"
 #include "tqx/log/index/IndexedBlocks.h"
-#include "tqx/log/record/DecodedBlock.h"
+#include "tqx/log/record/RecordDecoder.h"
 
 #include <cstdint>
 #include <functional>
@@ -14,7 +13,7 @@
 namespace tqx::python
 {
 
-/// The blocks of several logs that follow each other, of chosen numbers, decoded one by one. Can be
+/// The blocks of chosen numbers in several consecutive logs, decoded one by one. Can be
 /// interrupted.
 class LogReader
 {
@@ -26,12 +25,14 @@ public:
     /// Gets the next block, which is valid until the next call; false at the end.
     bool next(Block& block);
 
-    /// Place of the log that the last block is in.
-    size_t getLog() const { return m_current; }
-    const LogFile& getFile() const { return *m_logs[m_current]; }
+    /// Where a block of the log is that the last one is in.
+    ByteSource::Place placeOf(const Block& block) const
+    {
+        return m_logs[m_current]->placeOf(block.offset);
+    }
 
-    /// What decoding the last block needs of those before.
-    WeekContext getContext() const { return m_blocks->getContext(); }
+    /// The decoding context of the last block.
+    WeekContext getContext() const;
 
     /// The last block, decoded; its record is null when it does not decode.
     DecodedBlock decode(const Block& block);
@@ -41,12 +42,11 @@ private:
     BlockQuery m_query;
     size_t m_current = 0;
     std::optional<IndexedBlocks> m_blocks;
-    Kor::MessageApi::TQX_Context_s m_context;
-    Kor::MessageApi::TQX_OwnedRecord m_record;
+    RecordDecoder m_decoder;
     unsigned m_sinceCheck = 0;
 };
 
-/// The numbers of all blocks that `wants` is true of.
+/// The numbers of all blocks for which `wants` is true.
 std::vector<uint16_t> numbersOf(const std::function<bool(uint16_t)>& wants);
 
 } // namespace tqx::python

@@ -105,7 +105,7 @@ void ProductTable::finish(ArrowArray& out)
     for (Column& column : m_columns) {
         ArrayParts parts;
         parts.validity = std::exchange(column.validity, Validity());
-        // The next batch takes as much.
+        // The next batch needs as much.
         const size_t size = column.values.size();
         parts.buffers.push_back(std::exchange(column.values, ColumnBuffer()));
         column.values.reserve(size);

@@ -15,7 +15,7 @@
 namespace tqx::python
 {
 
-/// The columns of a table of a product, filled row by row: what is missing is null.
+/// The columns of a table of a product, filled row by row; missing values are null.
 class ProductTable
 {
 public:
@@ -24,17 +24,21 @@ public:
     /// A column; `unit` may be empty. Returns its place.
     size_t add(Kind kind, const std::string& name, const std::string& unit = {});
 
-    /// A column of texts out of a fixed list, at most 32767.
+    /// Leaves reals that are missing NaN alone, for readers that have no other missing ones: that
+    /// is faster. Before the first row.
+    void setNanIsMissing() { m_isNanMissing = true; }
+
+    /// A column of texts from a fixed list, at most 32767.
     size_t addNames(const std::string& name, const std::vector<std::string>& texts);
 
-    /// Nothing is appended to a column but by these, one of them for each row.
+    /// Columns are appended to only by these functions, one call per row.
     void time(size_t column, GnssMillis time);
     void utc(size_t column, GnssMillis time);
     void real(size_t column, double value)
     {
         Column& filled = m_columns[column];
         filled.values.push(value);
-        mark(filled, !std::isnan(value));
+        mark(filled, m_isNanMissing || !std::isnan(value));
     }
     void small(size_t column, int value, bool isKnown = true);
     void text(size_t column, std::string_view value); ///< empty: null
@@ -78,6 +82,7 @@ private:
     std::vector<Column> m_columns;
     std::vector<uint8_t> m_known; ///< of the rows at hand
     size_t m_rows = 0;
+    bool m_isNanMissing = false;
 };
 
 template<typename Get>
@@ -85,6 +90,14 @@ void ProductTable::reals(size_t column, size_t count, const Get& get)
 {
     Column& filled = m_columns[column];
     uint8_t* out = filled.values.extend(count * sizeof(double));
+    if (m_isNanMissing) {
+        for (size_t i = 0; i < count; ++i) {
+            const double value = get(i);
+            std::memcpy(out + i * sizeof value, &value, sizeof value);
+        }
+        filled.validity.appendValid(count);
+        return;
+    }
     m_known.resize(count);
     size_t known = 0;
     for (size_t i = 0; i < count; ++i) {

@@ -1,11 +1,9 @@
 #pragma once
 
 #include "LogFile.h"
-#include "TQX_OwnedRecord.h"
+#include "PartStream.h"
+#include "tqx/log/record/RecordDecoder.h"
 #include "tqx/log/select/Condition.h"
-#include "tqx/log/source/FileAccess.h"
-#include "tqx/log/stream/BlockStream.h"
-#include "tqx/log/stream/StreamListener.h"
 #include "tqx/log/table/IndexInput.h"
 #include "tqx/log/table/TableInput.h"
 
@@ -18,16 +16,16 @@
 namespace tqx::python
 {
 
-/// What reading a table came to so far.
+/// Counts of reading a table so far.
 struct TableCounts {
-    uint64_t bytes = 0;       ///< of the content of logs that was passed
+    uint64_t bytes = 0;       ///< of the content of logs so far
     uint64_t found = 0;       ///< blocks of the type in the time and of the revisions
     uint64_t selected = 0;    ///< of these, that meet the condition: that columns were filled from
     uint64_t refused = 0;     ///< of these, that did not decode
     std::string firstRefused; ///< "<file>: <offset>: <reason>" of the first one
 };
 
-/// Which blocks of the type of a table are wanted.
+/// Selects blocks of a table's type.
 struct BlockChoice {
     std::optional<GnssMillis> from;
     std::optional<GnssMillis> to;           ///< the first time that is not wanted
@@ -35,13 +33,13 @@ struct BlockChoice {
     std::shared_ptr<const Condition> where; ///< may be null
 };
 
-/// The blocks of a table that are wanted, out of those of several logs that follow each other.
-/// Counts them, and can be interrupted.
+/// The selected blocks of a table from several consecutive logs. Counts them, and can be
+/// interrupted.
 class ChosenInput : public TableInput
 {
 public:
     ChosenInput(std::vector<std::unique_ptr<TableInput>> inputs, BlockChoice choice,
-                std::shared_ptr<TableCounts> counts);
+                const Schema& schema, std::shared_ptr<TableCounts> counts);
 
     size_t read(TableBlock* blocks, size_t capacity) override;
     void refuse(const TableBlock& block, int32_t code) override;
@@ -53,8 +51,8 @@ private:
     size_t m_current = 0;
     BlockChoice m_choice;
     std::shared_ptr<TableCounts> m_counts;
-    Kor::MessageApi::TQX_Context_s m_context;
-    Kor::MessageApi::TQX_OwnedRecord m_record;
+    Schema m_schema;
+    RecordDecoder m_decoder;
     uint64_t m_sinceCheck = 0;
 };
 
@@ -72,24 +70,19 @@ private:
     IndexInput m_input;
 };
 
-/// The blocks of a part of a file without an index, as one pass over all of the file has them.
+/// The blocks of a part of a log without an index, exactly as in one pass over all of it.
 class PartInput : public TableInput
 {
 public:
-    /// A compressed file is read from its beginning to its end. Throws SourceError.
-    PartInput(const std::string& path, const Partition& part,
+    /// See PartStream. Throws SourceError.
+    PartInput(const std::vector<std::string>& paths, const Partition& part, const Schema& schema,
               const Kor::MessageApi::TQX_TypeLayout& type, const BlockChoice& choice);
 
     size_t read(TableBlock* blocks, size_t capacity) override;
 
 private:
-    std::unique_ptr<FileAccess> m_file;
-    std::unique_ptr<ByteSource> m_source;
-    std::unique_ptr<BlockStream> m_stream;
-    std::string m_name;
-    uint64_t m_begin;
+    PartStream m_stream;
     uint16_t m_number;
-    Kor::MessageApi::TQX_Context_s m_context;
     std::optional<GnssMillis> m_time;
     std::optional<GnssMillis> m_from;
     std::optional<GnssMillis> m_to;

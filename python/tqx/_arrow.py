@@ -1,4 +1,4 @@
-"""Tables that any reader of Arrow takes, and their conversions."""
+"""Tables for any Arrow reader, and their conversions."""
 
 from __future__ import annotations
 
@@ -21,9 +21,9 @@ __all__ = ["ArrowTable"]
 
 
 class ArrowTable:
-    """A table that is made when it is read, batch by batch, and anew each time.
+    """A table that is made while it is read, batch by batch, and anew each time.
 
-    Whatever reads Arrow takes it as it is, through ``__arrow_c_stream__``: ``pyarrow.table(t)``,
+    Every Arrow reader accepts it, through ``__arrow_c_stream__``: ``pyarrow.table(t)``,
     ``polars.DataFrame(t)``, ``duckdb.from_arrow(t)``. The conversions here are those, with progress.
     """
 
@@ -34,8 +34,12 @@ class ArrowTable:
         """A stream of the table, for one reader."""
         raise NotImplementedError
 
+    def _open_for_frame(self) -> Any:
+        """The same for pandas, for which numbers that are NaN are missing ones anyway."""
+        return self._open()
+
     def _row_estimate(self) -> int:
-        """About how many rows there are; 0 when that is not known."""
+        """An estimate of the number of rows; 0 when unknown."""
         return 0
 
     def __arrow_c_stream__(self, requested_schema: object = None) -> object:
@@ -63,8 +67,10 @@ class ArrowTable:
 
     def batches(self) -> Iterator[pyarrow.RecordBatch]:
         """The rows batch by batch, in constant memory."""
+        return self._batches(self._open())
+
+    def _batches(self, stream: Any) -> Iterator[pyarrow.RecordBatch]:
         pyarrow = need("pyarrow", "arrow")
-        stream = self._open()
         reader = pyarrow.RecordBatchReader.from_stream(stream)
         total = self._row_estimate()
         with shown(self._progress, self._title, total, "rows") as report:
@@ -82,7 +88,7 @@ class ArrowTable:
         self._ended(stream)
 
     def _ended(self, stream: Any) -> None:
-        """Is given the stream that was read to its end."""
+        """Called with a stream that was read to its end."""
 
     def to_arrow(self) -> pyarrow.Table:
         """All rows as a table of pyarrow."""
@@ -97,9 +103,18 @@ class ArrowTable:
         ``options`` are those of ``pyarrow.Table.to_pandas``. The units are in ``attrs["units"]``.
         """
         need("pandas", "pandas")
+        pyarrow = need("pyarrow", "arrow")
         options.setdefault("strings_to_categorical", True)
         options.setdefault("split_blocks", True)
-        frame: pandas.DataFrame = self.to_arrow().to_pandas(**options)
+        batches = list(self._batches(self._open_for_frame()))
+        table = pyarrow.Table.from_batches(batches, self.schema)
+        frame: pandas.DataFrame = table.to_pandas(**options)
+        # Columns of a single batch may be its memory, which cannot be written to.
+        for name in frame.columns:
+            values = getattr(frame[name], "values", None)
+            flags = getattr(values, "flags", None)
+            if flags is not None and not flags.writeable:
+                frame[name] = frame[name].copy()
         frame.attrs["units"] = self.units
         return frame
 
@@ -117,7 +132,7 @@ class ArrowTable:
         return {name: table[name].to_numpy() for name in table.column_names}
 
     def to_parquet(self, path: str | os.PathLike[str], **options: Any) -> int:
-        """Writes a Parquet file, a group of rows for each batch, and returns the number of rows.
+        """Writes a Parquet file with one row group per batch, and returns the number of rows.
 
         ``options`` are those of ``pyarrow.parquet.ParquetWriter``. The file gets its name when it is
         complete.

@@ -10,7 +10,7 @@ _PLACE = re.compile(r"^(?P<file>.+?): (?P<offset>\d+): (?P<reason>.*)$", re.DOTA
 
 
 class Error(Exception):
-    """What every exception of this package is.
+    """Base class of all exceptions of this package.
 
     ``file`` and ``offset`` say where in which log it happened, as far as that is known.
     """
@@ -26,7 +26,7 @@ class Error(Exception):
 
 
 class RequestError(Error, ValueError):
-    """A request that makes no sense: a name that does not exist, a condition that cannot be read."""
+    """An invalid request: a name that does not exist, a condition that cannot be parsed."""
 
 
 class SourceError(Error, OSError):

@@ -25,8 +25,8 @@ def _value(value: Any) -> Any:
 class Record(Mapping[str, Any]):
     """Fields with their values, as items and, where their names allow it, as attributes.
 
-    Values are scaled and named as the format says; those that are not available are None, sub-blocks
-    are lists of records.
+    Values are scaled and named as the format defines; those that are not available are None,
+    sub-blocks are lists of records.
     """
 
     def __init__(self, fields: Mapping[str, Any]) -> None:
@@ -59,7 +59,7 @@ class Record(Mapping[str, Any]):
 
 
 class Message(Record):
-    """A block of a log. Its fields are decoded when the first of them is asked for."""
+    """A block of a log. Its fields are decoded when the first of them is accessed."""
 
     #: number of the block
     number: int
@@ -72,8 +72,8 @@ class Message(Record):
     #: its bytes, header included
     bytes: bytes
 
-    def __init__(self, file: str, found: tuple[Any, ...]) -> None:
-        _, number, revision, offset, millis, content, week, tow = found
+    def __init__(self, found: tuple[Any, ...], schema: _tqx.Schema) -> None:
+        file, number, revision, offset, millis, content, week, tow = found
         self.number = number
         self.revision = revision
         self.offset = offset
@@ -81,20 +81,24 @@ class Message(Record):
         self.bytes = content
         self._millis: int | None = millis
         self._before = (week, tow)
+        self._schema = schema
 
     @property
     def name(self) -> str:
-        """Name of the type; empty for a number that no type has."""
-        return _tqx.number_name(self.number)
+        """Name of the type; empty for an unknown number."""
+        return self._schema.number_name(self.number)
 
     @property
     def time(self) -> dt.datetime | None:
         """GPS time of the block, None where its header has none."""
         return None if self._millis is None else to_datetime(self._millis)
 
+    def _describe(self, is_raw: bool) -> str:
+        return _tqx.describe(self.bytes, *self._before, is_raw, self._schema)
+
     @cached_property
     def _line(self) -> dict[str, Any]:
-        line: dict[str, Any] = json.loads(_tqx.describe(self.bytes, *self._before, False))
+        line: dict[str, Any] = json.loads(self._describe(False))
         return line
 
     @cached_property
@@ -110,7 +114,7 @@ class Message(Record):
     @property
     def raw(self) -> dict[str, Any]:
         """The message with its stored values, in the form that ``encode`` takes."""
-        line: dict[str, Any] = json.loads(_tqx.describe(self.bytes, *self._before, True))
+        line: dict[str, Any] = json.loads(self._describe(True))
         return line
 
     def __repr__(self) -> str:

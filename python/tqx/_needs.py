@@ -1,4 +1,4 @@
-"""Packages that only parts of this one need."""
+"""Optional packages."""
 
 from __future__ import annotations
 

@@ -1,4 +1,4 @@
-"""Paths of logs as users give them."""
+"""Paths of logs as given by users."""
 
 from __future__ import annotations
 
@@ -12,7 +12,7 @@ _ENDINGS = (".tqx", ".tqx.gz", ".tqx.zst")
 
 
 def expand(path: str | os.PathLike[str]) -> list[str]:
-    """The files that a path stands for, sorted: a file, a folder with logs (``*.tqx``, also
+    """The files that a path means, sorted: a file, a folder with logs (``*.tqx``, also
     compressed) or a pattern.
     """
     text = os.fspath(path)

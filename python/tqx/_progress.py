@@ -9,7 +9,7 @@ from typing import Union
 
 __all__ = ["Progress", "Report", "shown"]
 
-#: Called with what is done and what there is in all.
+#: Called with the amount done and the total.
 Report = Callable[[int, int], None]
 
 #: Whether progress is shown: True or False, None for a bar on a terminal or in a notebook if tqdm is

@@ -8,16 +8,18 @@ from typing import TYPE_CHECKING, Any
 from . import _tqx
 from ._arrow import ArrowTable
 from ._time import Time, gnss_millis
+from ._types import schema_of
 
 if TYPE_CHECKING:
     from ._log import Log
 
-__all__ = ["Choice", "Table"]
+__all__ = ["Choice", "Table", "earlier", "later"]
 
 
 @dataclass(frozen=True)
 class Choice:
-    """What of the messages of a type is wanted, and how; the same for a table and its parts."""
+    """The selection from the messages of a type, and its form; the same for a table and its
+    parts."""
 
     type: str
     columns: tuple[str, ...] = ()
@@ -28,10 +30,13 @@ class Choice:
     revisions: int = 0xFF
     options: dict[str, bool] = field(default_factory=dict)
     batch_rows: int = 65536
+    #: paths of the descriptions that it is read by, beside the built types
+    descriptions: tuple[str, ...] = ()
 
     def request(self) -> _tqx.TableRequest:
         """The same for the C++ library."""
         request = _tqx.TableRequest()
+        request.schema = schema_of(self.descriptions)
         request.type = self.type
         request.fields = list(self.columns)
         request.rows = self.rows
@@ -48,24 +53,26 @@ class Choice:
         return request
 
     def checked(self) -> Choice:
-        """Itself, or a RequestError for a name or condition that there is not."""
+        """Returns itself; raises RequestError for an unknown name or invalid condition."""
         _tqx.check(self.request())
         return self
 
 
-def _later(a: int | None, b: int | None) -> int | None:
+def later(a: int | None, b: int | None) -> int | None:
+    """The later of two times, of which each may be missing."""
     return b if a is None else a if b is None else max(a, b)
 
 
-def _earlier(a: int | None, b: int | None) -> int | None:
+def earlier(a: int | None, b: int | None) -> int | None:
+    """The earlier of two times, of which each may be missing."""
     return b if a is None else a if b is None else min(a, b)
 
 
 class Table(ArrowTable):
-    """The messages of a type as a table, of which nothing is read before it is asked for.
+    """The messages of a type as a table, read only when needed.
 
-    ``select``, ``where``, ``between`` and the others give a table that reads less: columns that were
-    not selected are not filled, blocks of other times are not touched, and those that do not meet
+    ``select``, ``where``, ``between`` and the others return a table that reads less: columns that
+    were not selected are not filled, blocks of other times are not read, and those that do not meet
     the condition fill nothing.
 
     The columns are ``time`` (GPS time, nanoseconds), ``offset`` (of the block in its file), and the
@@ -91,12 +98,12 @@ class Table(ArrowTable):
 
     @property
     def choice(self) -> Choice:
-        """What was chosen, for the readers of parts of a log."""
+        """The selection, for the readers of parts of a log."""
         return self._choice
 
     @property
     def last_read(self) -> dict[str, Any]:
-        """What the last conversion came to.
+        """Counts of the last conversion.
 
         ``found`` blocks of the type in the time, of which ``selected`` meet the condition, of which
         ``refused`` did not decode (``first_refused`` says where the first one is and why).
@@ -107,7 +114,7 @@ class Table(ArrowTable):
         return Table(self._log, replace(self._choice, **changes))
 
     def select(self, *columns: str) -> Table:
-        """The table with these fields alone, in this order.
+        """The table with only these fields, in this order.
 
         Fields of sub-blocks are paths, such as "Type1.CN0". The time and the offset stay.
         """
@@ -116,16 +123,16 @@ class Table(ArrowTable):
     def where(self, condition: str) -> Table:
         """Only the messages that meet a condition, such as ``NrSV >= 8 and has COG``.
 
-        A condition on sub-blocks holds when it does for one of them; ``any(Type1: SVID like "G*"
-        and CN0_dBHz > 45)`` asks both of the same one. Conditions add up.
+        A condition on sub-blocks holds when it holds for one of them; ``any(Type1: SVID like "G*"
+        and CN0_dBHz > 45)`` requires both of the same one. Conditions are combined.
         """
         return self._with(conditions=(*self._choice.conditions, condition))
 
     def between(self, start: Time | None = None, end: Time | None = None) -> Table:
         """Only the messages from ``start`` on and before ``end``."""
         return self._with(
-            start=_later(self._choice.start, None if start is None else gnss_millis(start)),
-            end=_earlier(self._choice.end, None if end is None else gnss_millis(end)),
+            start=later(self._choice.start, None if start is None else gnss_millis(start)),
+            end=earlier(self._choice.end, None if end is None else gnss_millis(end)),
         )
 
     def revisions(self, *numbers: int) -> Table:
@@ -138,9 +145,9 @@ class Table(ArrowTable):
         return self._with(revisions=self._choice.revisions & mask)
 
     def explode(self, path: str) -> Table:
-        """A row for each sub-block, such as "Type1" or "Type1.Type2", instead of each message.
+        """One row per sub-block, such as "Type1" or "Type1.Type2", instead of per message.
 
-        Columns of the records that it is in are those that identify them.
+        The enclosing records contribute the columns that identify them.
         """
         return self._with(rows=path)
 
@@ -157,7 +164,7 @@ class Table(ArrowTable):
         """The table in another form.
 
         ``scaled=False`` leaves integers as on the wire, ``named=False`` gives codes instead of names,
-        ``hide_do_not_use=False`` shows the values that stand for "not available"; ``utc``, ``offset``
+        ``hide_do_not_use=False`` shows the values that mean "not available"; ``utc``, ``offset``
         and ``file`` add or remove these columns.
         """
         given = {
@@ -176,7 +183,7 @@ class Table(ArrowTable):
         return self.with_options(scaled=False, named=False, hide_do_not_use=False)
 
     def count(self) -> int:
-        """How many messages of the type there are in all, whatever was chosen, by the index."""
+        """The number of all messages of the type, whatever was selected, from the index."""
         return self._log.types.get(self.name, 0)
 
     def _open(self) -> Any:

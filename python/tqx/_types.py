@@ -3,20 +3,21 @@
 from __future__ import annotations
 
 import json
-from collections.abc import Iterator, Mapping
+import os
+from collections.abc import Iterator, Mapping, Sequence
 from dataclasses import dataclass, field
-from functools import cache, lru_cache
+from functools import cache, cached_property
 from html import escape
-from typing import Any
+from typing import Any, Union
 
 from . import _tqx
 
-__all__ = ["Field", "Type", "Types", "types"]
+__all__ = ["Descriptions", "Field", "Type", "Types", "description_paths", "schema_of", "types"]
 
 
 @dataclass(frozen=True)
 class Field:
-    """A field of a type as the format describes it."""
+    """A field of a type, as described by the format."""
 
     name: str
     #: "u", "i", "f32", "f64", "ch", or "sub" for sub-blocks
@@ -25,7 +26,7 @@ class Field:
     width: int = 0
     #: such as "meter"; empty for none
     unit: str = ""
-    #: what stored integers are multiplied with
+    #: factor of stored integers
     scale: float | None = None
     description: str = ""
     #: stored value that means "not available"
@@ -34,9 +35,9 @@ class Field:
     symbols: Mapping[int, str] = field(default_factory=dict)
     is_optional: bool = False
     is_repeated: bool = False
-    #: whether it tells apart sub-blocks
+    #: whether it distinguishes sub-blocks
     is_identifying: bool = False
-    #: fields of bits that this one is made of
+    #: bit fields that this one consists of
     sub_fields: tuple[str, ...] = ()
     #: name of the type of the sub-blocks
     sub_type: str = ""
@@ -44,7 +45,7 @@ class Field:
 
 @dataclass(frozen=True)
 class Type:
-    """A block or a sub-block as the format describes it."""
+    """A block or a sub-block, as described by the format."""
 
     name: str
     #: "main" or "sub"
@@ -89,6 +90,16 @@ def _meaning(each: Field) -> str:
     return " ".join(part for part in (each.description, names) if part)
 
 
+def _type(entry: dict[str, Any]) -> Type:
+    return Type(
+        name=entry["name"],
+        kind=entry["kind"],
+        number=entry.get("number"),
+        description=entry.get("description", ""),
+        fields=tuple(_field(each) for each in entry["fields"]),
+    )
+
+
 def _field(entry: dict[str, Any]) -> Field:
     none = entry.get("doNotUse")
     return Field(
@@ -112,25 +123,31 @@ def _field(entry: dict[str, Any]) -> Field:
     )
 
 
-@lru_cache(maxsize=1)
-def _entries() -> dict[str, dict[str, Any]]:
-    return {entry["name"]: entry for entry in json.loads(_tqx.all_types())}
+#: Files or folders of YAML that describe further types.
+Descriptions = Union[str, "os.PathLike[str]", Sequence["str | os.PathLike[str]"]]
+
+
+def description_paths(description: Descriptions | None) -> tuple[str, ...]:
+    """The paths of descriptions as a tuple, absolute, so that they are the same everywhere."""
+    if description is None:
+        return ()
+    if isinstance(description, (str, os.PathLike)):
+        description = [description]
+    return tuple(os.path.abspath(each) for each in description)
 
 
 @cache
-def _type(name: str) -> Type:
-    entry = _entries()[name]
-    return Type(
-        name=name,
-        kind=entry["kind"],
-        number=entry.get("number"),
-        description=entry.get("description", ""),
-        fields=tuple(_field(each) for each in entry["fields"]),
-    )
+def schema_of(paths: tuple[str, ...]) -> _tqx.Schema:
+    """The built types and those of descriptions, for the C++ library."""
+    return _tqx.Schema.read(list(paths)) if paths else _tqx.Schema()
 
 
 class Types(Mapping[str, Type]):
     """All types by name; names are found whatever their case.
+
+    ``Types(description)`` has the types of a description beside the built ones: a YAML file, a folder
+    with such files, or several. Raises RequestError when it is wrong, with file and line of each
+    error.
 
     >>> types["pvtgeodetic2"].number
     4007
@@ -138,26 +155,37 @@ class Types(Mapping[str, Type]):
     'MeasEpochChannelType1'
     """
 
+    def __init__(self, description: Descriptions | None = None) -> None:
+        self._paths = description_paths(description)
+        self._schema = schema_of(self._paths)
+        self._made: dict[str, Type] = {}
+
+    @cached_property
+    def _entries(self) -> dict[str, dict[str, Any]]:
+        return {entry["name"]: entry for entry in json.loads(self._schema.all_types())}
+
     def __getitem__(self, name: str) -> Type:
-        if name not in _entries():
+        if name not in self._entries:
             try:
-                name = _tqx.type_name(name)
+                name = self._schema.type_name(name)
             except ValueError as error:
                 raise KeyError(str(error)) from None
-        return _type(name)
+        if name not in self._made:
+            self._made[name] = _type(self._entries[name])
+        return self._made[name]
 
     def __iter__(self) -> Iterator[str]:
-        return iter(_entries())
+        return iter(self._entries)
 
     def __len__(self) -> int:
-        return len(_entries())
+        return len(self._entries)
 
     def __contains__(self, name: object) -> bool:
-        return isinstance(name, str) and name in _entries()
+        return isinstance(name, str) and name in self._entries
 
     def __repr__(self) -> str:
         return f"<{len(self)} types>"
 
 
-#: The catalogue.
+#: The built types.
 types = Types()

@@ -1,4 +1,4 @@
-"""Plots of logs with matplotlib. Each draws into axes that are given or new, and returns them."""
+"""Plots of logs with matplotlib. Each draws into given or new axes, and returns them."""
 
 from __future__ import annotations
 

@@ -67,8 +67,8 @@ TEST(Sources, UnreadableDirectoriesAndMissingFormatsAreErrors)
     load({}, errors);
     const std::vector<std::string> report = errors.report();
     ASSERT_EQ(2u, report.size());
-    EXPECT_EQ(":0: no file names the format ('format')", report[0]);
-    EXPECT_EQ(0u, report[1].find("no/such/directory:0: cannot be read: "));
+    EXPECT_EQ("no file names the format ('format')", report[0]);
+    EXPECT_EQ(0u, report[1].find("no/such/directory: cannot be read: "));
 }
 
 } // namespace

@@ -135,7 +135,7 @@ TEST(LedgerOfEditions, IsNeverChanged)
          "ledger.txt:7: TQX_ERR_B_SYNC2_EXT_BUFFER_OVERFLOW is of edition 2, but edition 3 has "
          "begun before it"},
         {replaced(text, "2 type 2 B", "2 typo 2 B"),
-         "ledger.txt:5: '2 typo 2 B' is no entry: edition, type or code, number, name"},
+         "ledger.txt:5: '2 typo 2 B' is not an entry: edition, type or code, number, name"},
     };
     for (const Case& each : cases)
         EXPECT_TRUE(anyContains(errorsWith(each.ledger), each.error)) << each.error;
@@ -155,7 +155,7 @@ TEST(LedgerOfEditions, EditionsAreReadOneByOne)
     EXPECT_EQ(second.codeNames.size(), 28U);
     EXPECT_TRUE(errors.empty());
     loadWithHistory(sources, errors, {3, nullptr});
-    EXPECT_EQ(errors.report(), std::vector<std::string>({"--edition:0: there is no edition 3, the "
+    EXPECT_EQ(errors.report(), std::vector<std::string>({"--edition: there is no edition 3, the "
                                                          "latest is 2"}));
 }
 

@@ -180,7 +180,7 @@ TEST(Selection, BringsTheSubBlocksAlong)
     EXPECT_EQ(synthetic().types.size(), select(synthetic(), {}, errors).size());
     EXPECT_TRUE(errors.empty());
     select(synthetic(), {"Gone"}, errors);
-    EXPECT_EQ(std::vector<std::string>({"--types:0: there is no type Gone"}), errors.report());
+    EXPECT_EQ(std::vector<std::string>({"--types: there is no type Gone"}), errors.report());
 }
 
 } // namespace

@@ -61,11 +61,11 @@ std::string described(const std::string& line)
 std::string expected(const std::string& line)
 {
     if (const size_t null = line.find('\0'); null != std::string::npos)
-        return "no valid JSON at column " + std::to_string(null + 1) + ": a null character";
+        return "invalid JSON at column " + std::to_string(null + 1) + ": a null character";
     try {
         return json::parse(line).dump();
     } catch (const json::parse_error& error) {
-        return "no valid JSON at column " + std::to_string(error.byte);
+        return "invalid JSON at column " + std::to_string(error.byte);
     } catch (const json::out_of_range&) {
         return "a number is too large";
     }
@@ -188,5 +188,5 @@ TEST(JsonLine, LimitsWhatALongLineHolds)
     for (int i = 0; i < 1000000; ++i)
         many += ",0";
     EXPECT_EQ(described(many + "]"), "more than 1000000 values");
-    EXPECT_EQ(described(many.substr(0, 1000000) + "!"), "no valid JSON at column 1000001");
+    EXPECT_EQ(described(many.substr(0, 1000000) + "!"), "invalid JSON at column 1000001");
 }

@@ -114,7 +114,7 @@ TEST(SavedIndex, IsUsedExtendedOrMadeAnewAsTheLogIs)
         EXPECT_EQ(log.isSaved(), row.origin != Origin::Saved);
         ASSERT_EQ(warnings.size(), row.warnings);
         if (row.warnings != 0) {
-            EXPECT_EQ(warnings[0], path + ".tqxi: is not used, it is the index of another log");
+            EXPECT_EQ(warnings[0], path + ".tqxi: is not used: it is the index of another log");
         }
         const std::string other = folder.write("other", row.after);
         const IndexedLog anew(other);

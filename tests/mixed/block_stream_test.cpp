@@ -98,7 +98,7 @@ const Row rows[] = {
     {"CutSentence", usualBlock + cut(gga, 9), "0: block\n20: 9 bytes belong to no block\n", 0, 0,
      true},
     {"CutBlockAfterSentence", gga + cut(usualBlock, 15),
-     "0: memory N13\n13: 15 bytes belong to no block, the input ends within a block\n", 0, 0, true},
+     "0: memory N13\n13: 15 bytes belong to no block, the input ends inside a block\n", 0, 0, true},
 };
 
 TEST(BlockStream, ReportsNeighboursApartFromDamage)

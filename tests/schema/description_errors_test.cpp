@@ -37,14 +37,14 @@ TEST(DescriptionErrors, nameFileAndLine)
          "more.yaml:6: Pump.B: formula length2 takes 2 inputs, not 1"},
         {blockWith("    - {name: A, type: u8, count: 4}\n"
                    "    - {name: B, derived: standardDeviation, from: [A], type: f64}\n"),
-         "more.yaml:6: Pump.B is computed from A, which is no single number"},
+         "more.yaml:6: Pump.B is computed from A, which is not a single number"},
         {"- block: Pump\n  record: 400\n  number: 7050\n  timestamp: R\n  fields:\n"
          "    - {name: A, type: u8}\n",
          "more.yaml:2: 'record' of a block is for types of the format itself"},
         {blockWith("    - {name: A, type: u8, edition: 2}\n"),
          "more.yaml:5: 'edition' is for fields of the format itself"},
         {"units: [furlong: fur]\n",
-         "more.yaml:1: 'units' of the format is what only the description of a whole format says"},
+         "more.yaml:1: 'units' of the format is only for the description of a whole format"},
         {blockWith("    - {name: Valves, embeds: PumpValve}\n"),
          "more.yaml:5: Pump.Valves holds PumpValve, which does not exist"},
         {blockWith("    - {name: N, type: u8}\n    - {name: Vs, blocks: V, count: N}\n") +

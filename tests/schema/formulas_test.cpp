@@ -7,7 +7,7 @@
 
 using namespace korcg::generator;
 
-// Whatever the built types derive, descriptions can derive, too.
+// Whatever the built-in types derive, descriptions can derive, too.
 TEST(Formulas, areThoseOfTheFormat)
 {
     Errors errors;

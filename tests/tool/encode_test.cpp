@@ -154,18 +154,18 @@ TEST_P(EncodeBadLine, IsReportedAndSkipped)
 INSTANTIATE_TEST_SUITE_P(
     Tool, EncodeBadLine,
     testing::Values(
-        Bad{"NoJson", R"({"block":)", "no valid JSON at column 10"},
+        Bad{"NoJson", R"({"block":)", "invalid JSON at column 10"},
         Bad{"NoObject", "[1]", "[...] is no object"},
         Bad{"NoBlock", "{}", "neither \"block\" nor \"bytes\" is given"},
         Bad{"UnknownMember", R"({"block":"ASCIIIn","field":{}})",
             "there is no member named field, did you mean fields?"},
         Bad{"UnknownBlock", R"({"block":"ASCIIInn"})",
             "there is no type named ASCIIInn, did you mean ASCIIIn?"},
-        Bad{"SubBlock", R"({"block":"AGCState"})", "AGCState is a sub-block, no block of its own"},
+        Bad{"SubBlock", R"({"block":"AGCState"})", "AGCState is a sub-block, not a block"},
         Bad{"UnknownName", R"({"block":"ASCIIIn","fields":{"C":1}})",
             "ASCIIIn: there is no field named C"},
         Bad{"Derived", R"({"block":"ASCIIIn","fields":{"TOWc":1}})",
-            "ASCIIIn.TOWc: is computed when a block is decoded, it cannot be given"},
+            "ASCIIIn.TOWc: is computed by decoding and cannot be given"},
         Bad{"TooLarge", R"({"block":"ASCIIIn","fields":{"CD":256}})",
             "ASCIIIn.CD: 256 is out of range, 0 to 255"},
         Bad{"Negative", R"({"block":"ASCIIIn","fields":{"CD":-1}})",
@@ -182,7 +182,7 @@ INSTANTIATE_TEST_SUITE_P(
         Bad{"NumberForText", R"({"block":"ASCIIIn","fields":{"ASCIIString":5}})",
             "ASCIIIn.ASCIIString: 5 is no string"},
         Bad{"NoLatin1", R"({"block":"ASCIIIn","fields":{"ASCIIString":"\u20ac"}})",
-            "ASCIIIn.ASCIIString: a text holds characters up to U+00FF only"},
+            "ASCIIIn.ASCIIString: a text can only hold characters up to U+00FF"},
         Bad{"TextTooLong",
             R"({"block":"ASCIIIn","fields":{"SensorModel":"123456789012345678901"}})",
             "ASCIIIn.SensorModel: 21 characters, there is room for 20"},
@@ -194,7 +194,7 @@ INSTANTIATE_TEST_SUITE_P(
             R"({"block":"ReceiverStatus2","fields":{"RxState":8,"TOWKnown":1}})",
             "ReceiverStatus2.TOWKnown: contradicts RxState"},
         Bad{"WrongSummary", R"({"block":"ReceiverTime","fields":{"WeekKnown":1,"Synchronised":1}})",
-            "ReceiverTime.Synchronised: contradicts the bits that it sums up"},
+            "ReceiverTime.Synchronised: contradicts the bits that it summarises"},
         Bad{"BitsTooLarge", R"({"block":"PVTGeodetic2","fields":{"PVTMode":16}})",
             "PVTGeodetic2.PVTMode: 16 is out of range, 0 to 15"},
         Bad{"NotInThisRevision", R"({"block":"PVTGeodetic2","fields":{"NrBases":1}})",
@@ -207,7 +207,7 @@ INSTANTIATE_TEST_SUITE_P(
             "MeasEpoch2.N1: is not 0, but Type1 is not given"},
         Bad{"NoArray", R"({"block":"MeasEpoch2","fields":{"Type1":{}}})",
             "MeasEpoch2.Type1: {} is no array"},
-        Bad{"BadBase64", R"({"number":1,"bytes":"A==="})", "bytes: is no base64 text"}),
+        Bad{"BadBase64", R"({"number":1,"bytes":"A==="})", "bytes: is not base64 text"}),
     [](const auto& instance) { return instance.param.name; });
 
 TEST(Encode, BytesGoOutAsTheyAre)
@@ -225,7 +225,7 @@ TEST(Encode, NothingIsDroppedAfterANull)
     const std::string bad = "{\"block\":\"ASCIIIn\"}" + std::string(1, '\0') + "rest\n";
     const ToolRun run = runTool({"encode", "-"}, good + bad + good);
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.words, "-:2: no valid JSON at column 20: a null character\n");
+    EXPECT_EQ(run.words, "-:2: invalid JSON at column 20: a null character\n");
     EXPECT_EQ(run.output.size(), 160U);
 }
 
@@ -244,13 +244,13 @@ TEST(Encode, FieldsThatDifferFromBytesAreReported)
     line["fields"]["Type1"][0]["Type2"][0]["CN0"] = 1;
     const ToolRun other = runTool({"encode", "-"}, line.dump());
     EXPECT_EQ(other.status, 0);
-    EXPECT_EQ(other.words, "-:1: differs from the bytes beside it, which are taken: Type1\n");
+    EXPECT_EQ(other.words, "-:1: differs from the bytes beside it, which are used: Type1\n");
     EXPECT_EQ(other.output, block);
 
     line.erase("fields");
     line["block"] = "ASCIIIn";
     EXPECT_EQ(runTool({"encode", "-"}, line.dump()).words,
-              "-:1: differs from the bytes beside it, which are taken: block\n");
+              "-:1: differs from the bytes beside it, which are used: block\n");
 }
 
 TEST(Encode, ScaledLinesAreReportedOnce)
@@ -261,8 +261,8 @@ TEST(Encode, ScaledLinesAreReportedOnce)
     const std::string good = "{\"block\":\"ASCIIIn\"}\n";
     const ToolRun run = runTool({"encode", "-"}, scaled + good);
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.words, "-:1: holds scaled values, but only stored ones can be encoded, which "
-                         "dump --format jsonl --raw writes\n");
+    EXPECT_EQ(run.words, "-:1: holds scaled values, but only stored ones can be encoded; write "
+                         "them with dump --format jsonl --raw\n");
     EXPECT_EQ(run.output.size(), 80U);
 }
 

@@ -61,7 +61,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"CutOff",
              {"dump", "--strict", "data/samples/random.tqx", "tool/data/cut.tqx"},
              2,
-             "tqx: tool/data/cut.tqx: 0: 55 bytes belong to no block, the input ends within a "
+             "tqx: tool/data/cut.tqx: 0: 55 bytes belong to no block, the input ends inside a "
              "block\n"},
         Case{"OnlyDamageIsReportedBetweenBlocks",
              {"dump", "--strict", "tool/data/mixed.tqx"},

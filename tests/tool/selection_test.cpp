@@ -150,7 +150,7 @@ INSTANTIATE_TEST_SUITE_P(
              "cut: --every: '0' is not in the range 1 to 4294967295 (see tqx help cut)"},
         Case{"IntervalBelowMilliseconds",
              {"--interval", "0.0015"},
-             "--interval: '0.0015' is no whole number of milliseconds up to a week"},
+             "--interval: '0.0015' is not a whole number of milliseconds up to a week"},
         Case{"IntervalZero",
              {"--interval", "0"},
              "cut: --interval: '0' is not in the range 0.001 to 604800 (see tqx help cut)"},
@@ -196,7 +196,7 @@ INSTANTIATE_TEST_SUITE_P(
              "  ^"},
         Case{"UnknownName",
              {"--where", "'é' == PVTMode"},
-             "--where: the name of a field is expected here\n"
+             "--where: expected the name of a field here\n"
              "  'é' == PVTMode\n"
              "  ^"},
         Case{"UnknownValueName",
@@ -221,8 +221,7 @@ INSTANTIATE_TEST_SUITE_P(
              "                 ^"},
         Case{"SubBlock",
              {"--where", "Type1 == 5"},
-             "--where: Type1 holds sub-blocks; compare a field inside, or ask whether it is there "
-             "with has\n"
+             "--where: Type1 holds sub-blocks; compare a field inside, or test for it with has\n"
              "  Type1 == 5\n"
              "           ^"},
         Case{"Assignment",
@@ -247,7 +246,7 @@ INSTANTIATE_TEST_SUITE_P(
              "                               ^"},
         Case{"AnyOfNoSubBlocks",
              {"--where", "any(PVTMode: SVID == 'G03')"},
-             "--where: PVTMode holds no sub-blocks; any asks for elements of those\n"
+             "--where: PVTMode holds no sub-blocks, which any requires\n"
              "  any(PVTMode: SVID == 'G03')\n"
              "      ^"},
         Case{"AnyUnselectedType",
@@ -257,7 +256,7 @@ INSTANTIATE_TEST_SUITE_P(
              "             ^"},
         Case{"AnyWithoutColon",
              {"--where", "any(Type1 CN0 == 1)"},
-             "--where: a colon is expected here, then what is asked of the same element\n"
+             "--where: expected a colon here, then a condition on the same element\n"
              "  any(Type1 CN0 == 1)\n"
              "            ^"},
         Case{"NoQuotes",
@@ -272,12 +271,12 @@ INSTANTIATE_TEST_SUITE_P(
              "             ^"},
         Case{"OpenParenthesis",
              {"--where", "(NrSV > 5\t"},
-             "--where: a closing parenthesis is expected here\n"
+             "--where: expected a closing parenthesis here\n"
              "  (NrSV > 5 \n"
              "            ^"},
         Case{"TwoTerms",
              {"--where", "NrSV > 5 NrSV < 9"},
-             "--where: and, or, or the end is expected here\n"
+             "--where: expected and, or, or the end here\n"
              "  NrSV > 5 NrSV < 9\n"
              "           ^"}),
     nameOf);

@@ -34,12 +34,13 @@ int main(int argc, char** argv)
     parser.addHelpOption();
     parser.addVersionOption();
     const QCommandLineOption follow(
-        {"f", "follow"}, QApplication::translate("main", "Show what is appended to the file."));
+        {"f", "follow"}, QApplication::translate("main", "Show data appended to the file."));
     parser.addOption(follow);
     parser.addPositionalArgument(
         "FILE",
-        QApplication::translate("main", "Logs, which are shown as one; - is standard input. "
-                                        "Without, those of the last session."),
+        QApplication::translate(
+            "main",
+            "Logs, shown as one; - is standard input. Without any, those of the last session."),
         "[FILE...]");
     parser.process(application);
 

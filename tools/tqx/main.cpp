@@ -28,15 +28,16 @@ constexpr const char* about = "Reads and writes streams of TQX blocks, the binar
                               "family of GNSS receivers.";
 
 constexpr const char* notes =
-    "Data goes to standard output, messages to standard error. Exit status: 0 done, 1 could not\n"
-    "do it, 2 done under --strict but the stream was damaged, 3 done but a figure does not meet\n"
-    "report --require. When the reader of the output goes away early, the program ends quietly,\n"
-    "with status 0. An interruption (Ctrl-C) ends the input: what has been read is still written\n"
-    "and summarised, then the program ends as interrupted.\n"
+    "Data goes to standard output, messages to standard error. Exit status: 0 done, 1\n"
+    "failed, 2 done, but the stream was damaged and --strict was given, 3 done, but a\n"
+    "figure does not meet report --require. When the reader of the output goes away\n"
+    "early, the program ends quietly with status 0. An interruption (Ctrl-C) ends the\n"
+    "input: what has been read is still written and summarised, then the program ends as\n"
+    "interrupted.\n"
     "\n"
     "`tqx help COMMAND` explains a command and shows examples.\n";
 
-/// A bad command line is reported in one line; help and version are no errors.
+/// A bad command line is reported in one line; help and version are not errors.
 ExitStatus explain(const CLI::App& program, const CLI::ParseError& error)
 {
     if (error.get_exit_code() == 0) {
@@ -59,7 +60,7 @@ ExitStatus run(int argc, char** argv)
     program.formatter(std::make_shared<tqx::tool::HelpFormatter>(tqx::tool::outputWidth()));
     program.get_formatter()->label("SUBCOMMAND", "COMMAND");
     program.get_formatter()->label("Positionals", "Arguments");
-    // Scripts ask for the version alone, which needs none of the commands with all their options.
+    // Scripts ask for the version only, which needs none of the commands and their options.
     std::vector<std::unique_ptr<Command>> commands;
     if (argc != 2 || std::strcmp(argv[1], "--version") != 0)
         commands = tqx::tool::makeCommands(program);
@@ -82,7 +83,7 @@ ExitStatus run(int argc, char** argv)
     return ExitStatus::Failed;
 }
 
-/// Libraries may want memory where they cannot fail, such as for taking down a deep tree of JSON.
+/// Libraries may need memory where they cannot fail, such as for destroying a deep tree of JSON.
 [[noreturn]] void endWithoutMemory()
 {
     try {

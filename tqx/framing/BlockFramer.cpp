@@ -27,7 +27,7 @@ void BlockFramer::append(const uint8_t* bytes, size_t size)
         search();
         return;
     }
-    // Junk in front is not worth a copy.
+    // Leading junk is not worth a copy.
     const size_t junk = findSync(bytes, size);
     const uint64_t start = m_offset;
     m_offset += junk;
@@ -91,7 +91,7 @@ size_t BlockFramer::bytesLeft() const
     return available() + static_cast<size_t>(m_unreported);
 }
 
-// The listener may append or take while it is told something, so nothing is kept across a report.
+// The listener may append or take during a report, so nothing is kept across one.
 void BlockFramer::search()
 {
     while (!hasBlock() && decideCandidate()) {
@@ -99,7 +99,7 @@ void BlockFramer::search()
     reportDropped();
 }
 
-// Goes to the next candidate and decides about it. False when there is nothing more to decide: a
+// Moves to the next candidate and decides about it. False when there is nothing left to decide: a
 // block is found or more bytes are needed.
 bool BlockFramer::decideCandidate()
 {
@@ -156,7 +156,7 @@ void BlockFramer::reportDropped()
 }
 
 // Consumed bytes are removed when room is needed and they are the larger part, so that every byte
-// is moved at most once on average. Those that are still to be reported are not consumed.
+// is moved at most once on average. Bytes that are yet to be reported are not consumed.
 void BlockFramer::store(const uint8_t* bytes, size_t size)
 {
     constexpr size_t leastCapacity = 16384;

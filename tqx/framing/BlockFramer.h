@@ -11,13 +11,13 @@
 namespace tqx
 {
 
-/// Cuts a stream of bytes into whole, checked TQX blocks.
+/// Finds complete TQX blocks with valid checksums in a stream of bytes.
 ///
 /// A block begins with "$@", a 16-bit checksum and, at byte 6, its 16-bit length (all numbers
 /// little endian); the checksum covers byte 4 to the end. Lengths below 8 are invalid, alignment is
-/// not tested. After a bad checksum or an invalid length the search goes on two bytes after the
-/// false sync, so that no damage costs an intact block after it. What comes out depends only on
-/// the bytes, never on the pieces in which they arrive.
+/// not tested. After a bad checksum or an invalid length the search continues two bytes after the
+/// false sync, so that damage never costs an intact block after it. The result depends only on the
+/// bytes, never on the pieces in which they arrive.
 ///
 ///     framer.append(bytes, size);
 ///     while (framer.hasBlock()) {
@@ -31,18 +31,18 @@ namespace tqx
 /// stays within a small multiple of one block (65,535 bytes) plus one piece, as long as the blocks
 /// are taken before the next piece is appended.
 ///
-/// A false header costs time on a live stream: what is intact after it comes out only once as many
-/// bytes as it claims have come, up to 65,535. A caller that knows more than the bytes say, such as
-/// that nothing has come for a while or that no type has the number, may ask for a decision
-/// earlier, see waiting() and passWaiting(). What comes out then depends on when it asks. The
-/// framer never does so by itself, and files should be read without.
+/// A false header delays a live stream: intact blocks after it are found only once as many bytes as
+/// it claims, up to 65,535, have arrived. A caller that knows more, such as that nothing has
+/// arrived for a while or that no type has the number, may ask for a decision earlier, see
+/// waiting() and passWaiting(). The result then depends on when it asks. The framer never does so
+/// by itself; do not use this for files.
 ///
 /// Not thread safe. Listeners may call back into the framer.
 class TQX_FRAMING_API BlockFramer
 {
 public:
-    /// Told about damage while append, flush and takeBlock run. `offset` counts from the first byte
-    /// ever appended.
+    /// Receives damage reports while append(), flush() and takeBlock() run. `offset` counts from
+    /// the first byte ever appended.
     class TQX_FRAMING_API Listener
     {
     public:
@@ -51,10 +51,11 @@ public:
         /// A candidate that claims fewer bytes than a header has.
         virtual void onInvalidLength(uint64_t offset) = 0;
         /// `count` (> 0) bytes that belong to no block, in one run that ends before the next block
-        /// or with the bytes at hand.
+        /// or with the available bytes.
         virtual void onBytesDropped(uint64_t offset, uint64_t count) = 0;
-        /// The bytes of the next report of dropped ones, all of them, in order and in one piece or
-        /// two. They stay valid until this returns or calls the framer. Does nothing by default.
+        /// The bytes of the next report of dropped bytes, all of them, in order, in one piece or
+        /// two. They stay valid until this function returns or calls the framer. Does nothing by
+        /// default.
         virtual void onDroppedPiece(uint64_t offset, const uint8_t* bytes, size_t size);
 
     protected:
@@ -64,21 +65,21 @@ public:
         ~Listener();
     };
 
-    /// A whole block, first sync character included. Its bytes belong to the framer and stay valid
-    /// until the next call that is not const.
+    /// A complete block, sync characters included. Its bytes belong to the framer and stay valid
+    /// until the next non-const call.
     struct Block {
         const uint8_t* data; ///< null when there is no block
         size_t size;         ///< 8 to 65,535, 0 when there is no block
-        uint64_t offset;     ///< where it is in the stream
+        uint64_t offset;     ///< offset in the stream
     };
 
-    /// A candidate with a whole header that waits for the rest of the bytes that it claims. Its
-    /// bytes belong to the framer and stay valid until the next call that is not const.
+    /// A candidate with a complete header that waits for the rest of the bytes that it claims. Its
+    /// bytes belong to the framer and stay valid until the next non-const call.
     struct Candidate {
-        const uint8_t* data; ///< null when none waits
-        size_t size;         ///< of what is at hand of it, at least 8
+        const uint8_t* data; ///< null when none is waiting
+        size_t size;         ///< of its available part, at least 8
         size_t length;       ///< that it claims, more than `size`
-        uint64_t offset;     ///< where it is in the stream
+        uint64_t offset;     ///< offset in the stream
     };
 
     /// `listener` is not owned, must outlive the framer and may be null.
@@ -90,36 +91,37 @@ public:
     /// Adds a piece of the stream; the bytes are copied.
     void append(const uint8_t* bytes, size_t size);
 
-    /// The input has ended: candidates that wait for more bytes are given up and the intact blocks
-    /// after them come out. Once those are taken no byte is left. A later append goes on with a
-    /// new stretch of input; take the blocks first, or what still waits will wait on.
+    /// Ends the input: candidates that wait for more bytes are given up, so that intact blocks
+    /// after them are found. Once those are taken, no byte is left. A later append() begins a new
+    /// stretch of input; take the blocks first, or what still waits will go on waiting.
     void flush();
 
-    /// Whether a whole block is at hand.
+    /// Whether a complete block is available.
     bool hasBlock() const { return m_blockSize != 0; }
 
-    /// The next block; stays at hand until it is taken.
+    /// The next block; stays available until it is taken.
     Block block() const;
 
-    /// Removes the block at hand, if any, and looks for the next one.
+    /// Removes the current block, if any, and looks for the next one.
     void takeBlock();
 
-    /// The candidate that keeps the framer from going on. Not for listeners.
+    /// The candidate that the framer is waiting for. Not to be called by listeners.
     Candidate waiting() const;
 
-    /// For live streams: the caller doubts the candidate that waits. If a whole block with the
-    /// right checksum begins within the bytes at hand after its sync, the candidate is given up as
-    /// at the end of input and the search goes on; else nothing happens, as nothing is held back.
-    /// Returns whether it was given up: then there is a block, or another candidate waits. The
-    /// price is an intact block that is still on its way and has a whole block in its body.
+    /// For live streams, when the caller doubts the waiting candidate. If a complete block with a
+    /// correct checksum begins within the available bytes after its sync, the candidate is given up
+    /// as at the end of input and the search continues; else nothing happens, as nothing is held
+    /// back. Returns whether it was given up: then there is a block, or another candidate is
+    /// waiting. This may lose an intact block that is still on its way and contains a complete
+    /// block in its body.
     ///
     ///     while (!framer.hasBlock() && isDoubtful(framer.waiting()) && framer.passWaiting()) {
     ///     }
     ///
-    /// Asking after every piece is linear in the bytes appended, too.
+    /// Calling this after every piece is also linear in the bytes appended.
     bool passWaiting();
 
-    /// Bytes appended that are neither taken nor reported as dropped.
+    /// Number of bytes appended that are neither taken nor reported as dropped.
     size_t bytesLeft() const;
 
 private:
@@ -142,9 +144,9 @@ private:
     Listener* m_listener;
     std::vector<uint8_t> m_buffer;
     size_t m_head = 0;         ///< first byte of the buffer that is not yet consumed
-    size_t m_blockSize = 0;    ///< size of the block that stands at m_head, 0 for none
+    size_t m_blockSize = 0;    ///< size of the block at m_head, 0 for none
     uint64_t m_offset = 0;     ///< of m_head in the stream
-    uint64_t m_unreported = 0; ///< dropped bytes before m_head that the listener has not heard of
+    uint64_t m_unreported = 0; ///< dropped bytes before m_head that are yet to be reported
     size_t m_handedOver = 0;   ///< those of them that never came into the buffer
     bool m_ended = false;
     CandidateChecksum m_checksum;

@@ -21,8 +21,8 @@ bool CandidateChecksum::isIntact(const uint8_t* block, size_t length, uint64_t o
     return false;
 }
 
-// Summing in vain is allowed for twice the bytes of the stream so far, but not saved up over long
-// valid stretches.
+// Wasted summing is allowed for twice the bytes of the stream so far, but the allowance does not
+// accumulate over long valid stretches.
 bool CandidateChecksum::mayBeSummedInVain(size_t size, uint64_t offset)
 {
     constexpr uint64_t mostSaved = 4 * PrefixChecksums::longest;

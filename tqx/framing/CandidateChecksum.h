@@ -11,7 +11,7 @@ namespace tqx
 
 /// The header of a block, as far as framing reads it.
 struct BlockHeader {
-    /// Up to and with the length; also the least valid length.
+    /// Up to and including the length; also the least valid length.
     static constexpr size_t headerSize = 8;
     static constexpr size_t checksumAt = 2;
     static constexpr size_t checkedFrom = 4;
@@ -19,8 +19,8 @@ struct BlockHeader {
     static constexpr size_t syncSize = 2;
 };
 
-/// Tests the checksums of one candidate after the other, at a cost that stays linear in the bytes
-/// of the stream even when most candidates are false and claim the same bytes over and over.
+/// Tests the checksums of candidates one by one, at a cost linear in the bytes of the stream even
+/// when most candidates are false and claim the same bytes over and over.
 class TQX_FRAMING_API CandidateChecksum
 {
 public:
@@ -33,7 +33,7 @@ public:
     }
 
     /// Whether the block of `length` bytes (at least BlockHeader::headerSize, at most 65,535) at
-    /// `block`, which stands at `offset` of the stream, has the checksum that it says. Offsets must
+    /// `block`, which is at `offset` of the stream, has the checksum in its header. Offsets must
     /// not decrease from call to call.
     bool isIntact(const uint8_t* block, size_t length, uint64_t offset);
 
@@ -43,8 +43,8 @@ private:
     uint64_t m_start;
     uint64_t m_allowance;
 
-    /// Bytes summed for candidates that turned out false. Past a limit that grows with the stream,
-    /// stretches are summed by m_prefixes instead, so that the work stays linear.
+    /// Bytes summed for candidates that turned out to be false. Beyond a limit that grows with the
+    /// stream, m_prefixes sums the stretches instead, so that the work stays linear.
     uint64_t m_summedInVain = 0;
     PrefixChecksums m_prefixes;
 };

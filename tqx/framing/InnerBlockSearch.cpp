@@ -13,7 +13,7 @@ namespace tqx
 namespace
 {
 
-// Marks may end this much before the bytes that have been summed.
+// The most by which marks may trail the summed bytes.
 constexpr size_t markSlack = 8;
 // Shorter stretches are summed directly; longer ones begin where marks reach.
 constexpr size_t shortBlock = 64;

@@ -21,7 +21,7 @@ uint16_t PrefixChecksums::of(const uint8_t* bytes, uint64_t position, size_t siz
         return korcg_crc16_bytes(bytes, size);
     }
 
-    // No byte before the stretch is looked at: firstMark is not after m_lastMark.
+    // No byte before the stretch is read: firstMark is not after m_lastMark.
     const auto at = [&](uint64_t offset) { return bytes + (offset - begin); };
     for (; m_lastMark < end / stride; ++m_lastMark) {
         mark(m_lastMark + 1) = korcg_crc16_bytes(at(m_lastMark * stride), stride, mark(m_lastMark));

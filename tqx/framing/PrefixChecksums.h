@@ -10,18 +10,18 @@ namespace tqx
 {
 
 /// Checksums of overlapping stretches of one stream at a cost that does not grow with their
-/// length. It keeps the checksum of the stream from some position up to every so many bytes after
-/// it ("marks"); the checksum of any stretch follows from two marks and the few bytes between them
-/// and its ends. Every byte of the stream is summed once on behalf of the marks, however many
-/// stretches it belongs to.
+/// length. It keeps the checksum of the stream from some position up to marks at regular distances
+/// after it; the checksum of any stretch follows from two marks and the few bytes between them and
+/// its ends. Every byte of the stream is summed once for the marks, however many stretches it
+/// belongs to.
 class TQX_FRAMING_API PrefixChecksums
 {
 public:
-    /// Longest stretch that can be asked for.
+    /// Longest stretch whose checksum can be asked for.
     static constexpr size_t longest = 0xffff;
 
-    /// Checksum of the `size` bytes (at most longest) from `bytes` on, which stand at `position`
-    /// of the stream. Positions must not decrease from call to call.
+    /// Checksum of the `size` bytes (at most longest) from `bytes` on, which are at `position` of
+    /// the stream. Positions must not decrease from call to call.
     uint16_t of(const uint8_t* bytes, uint64_t position, size_t size);
 
 private:

@@ -12,7 +12,7 @@
 namespace tqx
 {
 
-/// The two characters that a block begins with.
+/// The two characters with which a block begins.
 constexpr uint8_t sync1 = '$';
 constexpr uint8_t sync2 = '@';
 
@@ -56,7 +56,7 @@ inline bool hasSyncIn128(const uint8_t* bytes)
 /// bytes and may become one, else `size`.
 inline size_t findSync(const uint8_t* bytes, size_t size)
 {
-    // The next sync is near in hostile streams and far in junk: small steps first.
+    // The next sync is near in hostile streams and far away in junk: small steps first.
     constexpr size_t nearBytes = 32;
     size_t i = 0;
     while (i + 9 <= size && !hasSyncIn8(bytes + i)) {

@@ -8,8 +8,8 @@
 namespace tqx
 {
 
-/// Something that keeps the library from doing what it was asked to: a request that makes no sense
-/// or an input that cannot be read. what() is one line for the user, without a program's name.
+/// Why the library cannot do what it was asked to: the request makes no sense, or an input cannot
+/// be read. what() is one line for the user, without a program's name.
 class TQX_LOG_API DataError : public std::runtime_error
 {
 public:

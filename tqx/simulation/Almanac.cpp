@@ -22,7 +22,7 @@ struct Slot {
 };
 
 /// Baseline 24-slot constellation with its three expanded slots (GPS Standard Positioning Service
-/// Performance Standard), and four spares ahead of slots that we chose.
+/// Performance Standard), and four spares ahead of arbitrary slots.
 constexpr Slot gpsSlots[] = {
     {272.847, 268.126}, {272.847, 161.786}, {272.847, 11.676},  {272.847, 41.806},
     {332.847, 94.916},  {332.847, 66.356},  {332.847, 173.336}, {332.847, 309.976},

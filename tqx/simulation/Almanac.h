@@ -7,7 +7,7 @@
 namespace tqx::simulation
 {
 
-/// Where a satellite ought to be at the start of GPS week `almanacWeek`. Angles in degrees.
+/// The nominal place of a satellite at the start of GPS week `almanacWeek`. Angles are in degrees.
 struct NominalSatellite {
     System system;
     uint8_t number;       ///< PRN, or slot of GLONASS
@@ -23,10 +23,10 @@ constexpr unsigned almanacWeek = 2400;
 /// The bits of GPS, GLONASS, Galileo and BeiDou.
 constexpr unsigned globalSystems = 15;
 
-/// The nominal constellations of some systems, each of which is the bit with its number: GPS with
-/// 31 satellites, GLONASS with 24, Galileo with 24, BeiDou with 24 in medium orbits and 3 in
-/// inclined geosynchronous ones, QZSS with 3 of those and a geostationary one, NavIC with 4 and 3,
-/// and SBAS with 10 geostationary ones.
+/// The nominal constellations of systems, selected by the bit with the system's number: GPS with 31
+/// satellites, GLONASS with 24, Galileo with 24, BeiDou with 24 in medium orbits and 3 in inclined
+/// geosynchronous ones, QZSS with 3 of those and a geostationary one, NavIC with 4 and 3, and SBAS
+/// with 10 geostationary ones.
 std::vector<NominalSatellite> nominalSatellites(unsigned systems);
 
 } // namespace tqx::simulation

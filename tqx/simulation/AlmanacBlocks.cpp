@@ -15,15 +15,15 @@ namespace
 
 constexpr double degreesPerSemicircle = 180;
 
-/// Reference time of the almanacs at a time: that of a stretch of 12 hours.
+/// Reference time of the almanacs sent at a time; it changes every 12 hours.
 double almanacReference(double time)
 {
     constexpr double stretch = 43200;
     return std::floor(time / stretch) * stretch;
 }
 
-/// What all almanacs name alike, in the steps of their messages. `tilt` is the inclination in
-/// semicircles that the almanac refers to.
+/// Fields with the same names in all almanacs, in the steps of their messages. `tilt` is the
+/// inclination in semicircles that the almanac refers to.
 template<typename Record>
 void fill(Record& record, const Satellite& satellite, double time, double tilt)
 {

@@ -28,8 +28,8 @@ double ionosphericDelay(const Geodetic& place, const Direction& direction, doubl
     const double lowness = 0.53 - elevation;
     const double slant = 1 + 16 * lowness * lowness * lowness;
     const double phase = 2 * pi * (local - 50400) / period;
-    // The series that receivers compute ends with a step of 2 % of the amplitude; nature has none,
-    // and in phases it would be a slip.
+    // The series that receivers compute ends with a step of 2 % of the amplitude; nature has no
+    // such step, and in phases it would be a slip.
     const double day = std::fabs(phase) < pi / 2 ? amplitude * std::cos(phase) : 0.0;
     return speedOfLight * slant * (5e-9 + day);
 }

@@ -28,7 +28,7 @@ double ionosphericDelay(const Geodetic& place, const Direction& direction, doubl
 /// in a standard atmosphere, and 0.1 m of wet delay at sea level.
 double zenithTroposphere(const Geodetic& place);
 
-/// What a path is longer than that from the zenith (Black and Eisner, as in RTCA DO-229).
+/// The length of a path relative to that from the zenith (Black and Eisner, as in RTCA DO-229).
 double troposphericMapping(double sinElevation);
 
 } // namespace tqx::simulation

@@ -53,7 +53,7 @@ void BlockLog::damage(size_t size)
     m_output.append(reinterpret_cast<const char*>(m_block.data()), size);
 }
 
-/// Random bytes, now and then with what looks like the start of a block.
+/// Random bytes, occasionally with what looks like the start of a block.
 void BlockLog::writeJunk()
 {
     const uint64_t size = 1 + m_random->below(300);

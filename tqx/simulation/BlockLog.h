@@ -13,12 +13,12 @@
 namespace tqx::simulation
 {
 
-/// Takes records, encodes them and appends them to a buffer, on request as a damaged stream.
+/// Encodes records and appends them to a buffer, on request with damage.
 class BlockLog
 {
 public:
-    /// With `damageSeed` the stream gets flipped bits, cut blocks and junk. Damage has random
-    /// numbers of its own: the valid blocks are those of the undamaged stream.
+    /// With `damageSeed` the stream gets flipped bits, truncated blocks and junk. Damage has its
+    /// own random numbers: the valid blocks are those of the undamaged stream.
     BlockLog(Buffer& output, std::optional<uint64_t> damageSeed);
 
     /// Stamps the record with the epoch's time, encodes it and appends the block.
@@ -31,10 +31,10 @@ public:
         write(encode(m_block.data(), static_cast<unsigned short>(m_block.size()), &record));
     }
 
-    /// Appends what the receiver sends beside its blocks, at most 65,535 bytes.
+    /// Appends what the receiver sends besides its blocks, at most 65,535 bytes.
     void addNeighbour(const uint8_t* bytes, size_t size);
 
-    /// Bytes appended so far.
+    /// Number of bytes appended so far.
     uint64_t getSize() const { return m_written; }
 
 private:

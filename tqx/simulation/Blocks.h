@@ -5,7 +5,7 @@
 #include "tqx/simulation/Random.h"
 #include "tqx/simulation/Receiver.h"
 
-/// The blocks of the simulated receiver, each made of what it tracks, measures and computes.
+/// The blocks of the simulated receiver, made from what it tracks, measures and computes.
 namespace tqx::simulation
 {
 
@@ -17,7 +17,7 @@ void addMeasurements(BlockLog& log, const Epoch& epoch, const Receiver& receiver
 /// How the signals of each satellite are tracked and used.
 void addChannels(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
 
-/// Where the satellites stand in the sky.
+/// Where the satellites are in the sky.
 void addVisibility(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
 
 /// Positions and clocks of the satellites used.
@@ -34,13 +34,13 @@ void addAttitude(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
 /// The four covariance matrices.
 void addCovariances(BlockLog& log, const Epoch& epoch, const Solution& solution);
 
-/// What the solution leaves of each code and Doppler that it uses.
+/// Residuals of each code and Doppler that the solution uses.
 void addResiduals(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
 
 /// Test of the residuals.
 void addIntegrity(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
 
-/// Times of the other systems against that of GPS, what the receiver's paths add included.
+/// Times of the other systems against GPS time, including the receiver's path delays.
 void addTimeOffsets(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
 
 /// The date and the time of day.
@@ -78,14 +78,14 @@ void addQuality(BlockLog& log, const Epoch& epoch);
 /// Acceleration and angular rate of a sensor that moves with the antenna.
 void addSensor(BlockLog& log, const Epoch& epoch, const Track& track, Random& random);
 
-/// A line of a weather station connected to a port.
+/// A line from a weather station connected to a port.
 void addText(BlockLog& log, const Epoch& epoch, Random& random);
 
 /// Correction messages with position, receiver and antenna of a base station some kilometres from
 /// the place where the antenna started.
 void addCorrections(BlockLog& log, const Epoch& epoch, const Geodetic& start);
 
-// What a port with other output than blocks sends between them:
+// What a port with output other than blocks sends between them:
 
 /// The position as the NMEA 0183 sentence GGA.
 void addPositionSentence(BlockLog& log, const Epoch& epoch, const Receiver& receiver);

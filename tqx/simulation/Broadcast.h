@@ -5,19 +5,19 @@
 namespace tqx::simulation
 {
 
-/// Orbit and clock of a GPS, Galileo or BeiDou satellite as its navigation message gives them: in
-/// the steps of the message and in the time of the system.
+/// Orbit and clock of a GPS, Galileo or BeiDou satellite as in its navigation message: in the steps
+/// of the message and in the time of the system.
 struct KeplerEphemeris {
     KeplerElements elements;
     double ascendingNode; ///< longitude at the start of the week, semicircles
     uint16_t week;        ///< of the reference time, counted as the system does
     uint32_t toe;         ///< reference time of orbit and clock, seconds of the week
-    unsigned issue;       ///< counts the ephemerides
+    unsigned issue;       ///< counter of ephemerides
     double clockBias;     ///< seconds
     double clockDrift;    ///< seconds per second
 };
 
-/// Motion and clock of a GLONASS satellite as its navigation message gives them.
+/// Motion and clock of a GLONASS satellite as in its navigation message.
 struct GlonassEphemeris {
     Motion motion;
     Vector acceleration;

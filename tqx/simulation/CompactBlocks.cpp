@@ -18,7 +18,7 @@ constexpr int64_t bits16 = 1 << 16;
 enum MasterType : uint8_t { LongMaster, ShortMaster, ShortResidue, LongResidue };
 enum SlaveType : uint8_t { NoSlave, LongSlave, ShortSlave, SlaveResidue };
 
-/// Satellites that show the less usual forms.
+/// Satellites that use the less common forms.
 constexpr bool usesLongResidue(unsigned number)
 {
     return number % 4 == 0;
@@ -81,7 +81,7 @@ CompactSignal::Moment CompactBlocks::momentOf(const Measured& value) const
     return {m_elapsed, m_reference, value.rate};
 }
 
-/// Notices when a signal is tracked anew.
+/// Detects that a signal is tracked anew.
 void CompactBlocks::noteLock(Known& known, unsigned place, const Measured& value) const
 {
     constexpr double tolerance = 1e-6;
@@ -100,7 +100,7 @@ void CompactBlocks::keep(Known& known, unsigned place, const Measured& value) co
     known.isReferred[place] = known.isReferred[place] || m_isReference;
 }
 
-/// False when what a reader knows would not complete it.
+/// False when a reader could not complete it.
 bool CompactBlocks::fillMasterResidue(Entry& entry, const Known& known, const Measured& value) const
 {
     constexpr int64_t shortCode = 1 << 18;
@@ -136,7 +136,7 @@ bool CompactBlocks::fillMasterResidue(Entry& entry, const Known& known, const Me
 
 void CompactBlocks::fillMasterInFull(Entry& entry, const Measured& value) const
 {
-    constexpr int64_t largestShort = 32000; // carrier minus code, of which half of 65.536 m is left
+    constexpr int64_t largestShort = 32000; // carrier minus code, modulo 65.536 m
     const unsigned halfCycle = value.isHalfCycle ? 1 : 0;
     const auto codeMsb = static_cast<uint32_t>(value.code >> 32);
     if (std::abs(value.carrier()) < largestShort) {
@@ -165,7 +165,7 @@ void CompactBlocks::fillMaster(Entry& entry, Known& known, const Measured& value
     keep(known, 0, value);
 }
 
-/// The code comes in steps of a centimetre; the value becomes the one that is sent.
+/// The code is sent in steps of a centimetre; the value becomes the one that is sent.
 bool CompactBlocks::fillSlaveResidue(Entry& entry, const Known& known, const Measured& master,
                                      Measured& value) const
 {

@@ -11,8 +11,8 @@
 namespace tqx::simulation
 {
 
-/// The measurements in compact blocks: of each satellite the first two signals, every ten seconds
-/// and after jumps of the clock in full, between as residues that the values before complete.
+/// The measurements in compact blocks: the first two signals of each satellite, in full every ten
+/// seconds and after clock jumps, otherwise as residues that earlier values complete.
 class CompactBlocks
 {
 public:
@@ -22,7 +22,7 @@ public:
 private:
     using Entry = Kor::MessageApi::TQX_M3SatData_s;
 
-    /// What a reader of the blocks knows of a satellite.
+    /// What a reader of the blocks knows about a satellite.
     struct Known {
         std::array<CompactSignal, 2> signals;
         std::array<double, 2> lockSince = {-1e9, -1e9}; ///< elapsed seconds

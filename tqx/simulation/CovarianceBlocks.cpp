@@ -72,7 +72,7 @@ void addCartesian(BlockLog& log, const Epoch& epoch, const Covariance& place,
     log.add(epoch, velocity, TQX_encode_VelCovCartesian1);
 }
 
-/// Local covariances stand in the order east, north, up.
+/// Local covariances are in the order east, north, up.
 void addGeodetic(BlockLog& log, const Epoch& epoch, const Covariance& place,
                  const Covariance& speed)
 {

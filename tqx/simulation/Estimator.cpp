@@ -33,8 +33,8 @@ void addRow(Equations& equations, const std::array<double, size>& row, double er
     equations.squares += weight * error * error;
 }
 
-/// A measurement that the solution explains up to the residual. Errors are found that stand 4.13
-/// deviations out: they pass at one in a thousand and are missed at one in five.
+/// A measurement that the solution explains up to the residual. The detectable error is 4.13
+/// deviations: one in a thousand false alarms, one in five missed.
 template<size_t size>
 Residual residualOf(const std::array<double, size>& row, double error, double weight,
                     const Matrix<size>& inverse, const std::array<double, size>& unknowns)
@@ -47,7 +47,7 @@ Residual residualOf(const std::array<double, size>& row, double error, double we
     return {error - explained, deviation, noncentrality / (weight * deviation)};
 }
 
-/// The part of a row that a range rate has as well: it sees one drift for all systems.
+/// The part of a row that also applies to range rates: there is one drift for all systems.
 template<size_t size>
 std::array<double, 4> motionOf(const std::array<double, size>& row)
 {
@@ -68,7 +68,7 @@ void Estimator::begin()
     m_dilution = {};
     m_velocity = {};
     m_solution.used = {};
-    // The clock of a system without satellites stays what it is.
+    // The clock of a system without satellites does not change.
     for (size_t i = 4; i < positionUnknowns; ++i)
         m_position.normal[i][i] = m_dilution.normal[i][i] = 1e-9;
 }

@@ -13,14 +13,14 @@ namespace tqx::simulation
 /// Symmetric matrix of the x, y, z (or east, north, up) and clock terms.
 using Covariance = std::array<std::array<double, 4>, 4>;
 
-/// What the receiver ought to find.
+/// The truth that the receiver estimates.
 struct Truth {
     Motion antenna;
     double clockBias;  ///< seconds
     double clockDrift; ///< seconds per second
 };
 
-/// What the receiver finds. Covariances are local (east, north, up, clock), in metres and metres
+/// The receiver's estimate. Covariances are local (east, north, up, clock), in metres and metres
 /// per second.
 struct Solution {
     Motion antenna;    ///< earth-fixed
@@ -32,8 +32,8 @@ struct Solution {
     Covariance velocityCovariance;
     Covariance cofactors; ///< of the position with equal weights, for the dilution of precision
     std::array<uint8_t, systemCount> used; ///< satellites
-    /// By how much the codes of a system are longer than those of GPS, and that one's variance,
-    /// metres; what the paths in the receiver add is left out.
+    /// By how much the codes of a system are longer than those of GPS, without the receiver's path
+    /// delays, and the variance; metres.
     std::array<double, systemCount> offsets;
     std::array<double, systemCount> offsetVariances;
     double positionTest; ///< sum of squared weighted residuals
@@ -44,7 +44,7 @@ struct Solution {
     unsigned usedSatellites() const;
 };
 
-/// What a solution leaves of a measurement, in the unit of the measurement.
+/// The residual of a measurement, in its unit.
 struct Residual {
     double value;
     double deviation;  ///< of the residual
@@ -52,12 +52,12 @@ struct Residual {
 };
 
 /// Weighted least squares from ionosphere-free codes and Dopplers of all satellites, with a clock
-/// for each system. It is given the errors of the measurements instead of their values, and is
-/// linear around the truth: what it finds scatters as its covariances say.
+/// for each system. Its input are the errors of the measurements instead of their values, and it is
+/// linear around the truth: its results scatter as its covariances say.
 class Estimator
 {
 public:
-    /// Deviation of what reflections add to a code, as part of that of its noise.
+    /// Deviation of the effect of reflections on a code, relative to that of its noise.
     static constexpr double reflectionShare = 1;
     /// Deviation of a range rate at the zenith, metres per second.
     static constexpr double rangeRateNoise = 0.008;
@@ -73,7 +73,7 @@ public:
 
     const Solution& getSolution() const { return m_solution; }
 
-    /// Residuals of the satellite that was the index-th to be added since begin(), from 0.
+    /// Residuals of the satellite added as number `index` since begin(), from 0.
     Residual codeResidual(size_t index) const;
     Residual rateResidual(size_t index) const;
 

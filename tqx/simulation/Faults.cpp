@@ -12,7 +12,7 @@ namespace
 {
 
 constexpr double correctionPeriod = 10; ///< seconds
-constexpr double transmission = 0.8;    ///< seconds that corrections are on their way
+constexpr double transmission = 0.8;    ///< seconds that corrections take to arrive
 constexpr double oldestCorrection = 60; ///< seconds
 
 bool isActive(const Fault& fault, double elapsed)

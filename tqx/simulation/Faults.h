@@ -12,7 +12,7 @@ namespace tqx::simulation
 struct Epoch;
 struct Sight;
 
-/// What can be made to go wrong at a known time.
+/// Faults that can be simulated at a known time.
 enum class FaultKind : uint8_t {
     Outage,       ///< the receiver logs nothing
     SystemOutage, ///< no satellite of a system is received
@@ -33,7 +33,7 @@ struct Fault {
     uint64_t epochs = 0;         ///< in which it had an effect; counted by FaultPlan
 };
 
-/// Brings faults into what the receiver tracks and measures. Without any, nothing changes.
+/// Applies faults to what the receiver tracks and measures.
 class FaultPlan
 {
 public:
@@ -52,7 +52,7 @@ public:
     bool hasInterference(const Epoch& epoch) const;
     bool isAntennaOpen(const Epoch& epoch) const;
 
-    /// Whether the base sends corrections at an epoch, for which the time is right.
+    /// Whether the base sends corrections at this epoch.
     bool areCorrectionsSent(const Epoch& epoch) const;
 
     /// Seconds since the last corrections were sent; nothing when the receiver uses none, or no

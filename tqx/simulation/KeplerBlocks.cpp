@@ -12,7 +12,7 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-/// What the ephemerides of all three systems name alike.
+/// Fields with the same names in the ephemerides of all three systems.
 template<typename Record>
 void fillOrbit(Record& record, const KeplerEphemeris& ephemeris)
 {

@@ -27,7 +27,7 @@ float metres(double value)
     return static_cast<float>(rounded(value, 1e-4));
 }
 
-/// What the blocks with either kind of coordinates have in common.
+/// Fields that the blocks with either kind of coordinates have in common.
 template<typename Record>
 void fillSolution(Record& record, const Receiver& receiver)
 {
@@ -54,7 +54,7 @@ void fillSolution(Record& record, const Receiver& receiver)
 
 float courseOf(const Vector& velocity)
 {
-    constexpr double slowest = 0.1; // metres per second; slower than that there is no course
+    constexpr double slowest = 0.1; // metres per second; no course below this speed
     if (std::hypot(velocity.x, velocity.y) < slowest)
         return notAvailable;
     const double degrees = std::atan2(velocity.x, velocity.y) * 180 / pi;

@@ -8,14 +8,14 @@
 namespace tqx::simulation
 {
 
-/// A device on an event input of the receiver, such as a camera, that sends a pulse once a period.
+/// A device on an event input of the receiver, such as a camera, that sends one pulse per period.
 class PulseInput
 {
 public:
     /// `period` in seconds, 0 for no device.
     explicit PulseInput(double period) : m_period(period) {}
 
-    /// The blocks of the pulses after the epoch before, up to this one.
+    /// Appends the blocks of the pulses after the previous epoch, up to this one.
     void add(BlockLog& log, const Epoch& epoch, const Receiver& receiver);
 
 private:

@@ -14,7 +14,7 @@ class Random
 public:
     explicit Random(uint64_t seed) : m_generator(seed) {}
 
-    /// From 0 up to but not with 1.
+    /// From 0 to 1, exclusive.
     double uniform() { return static_cast<double>(m_generator() >> 11U) * 0x1p-53; }
 
     double uniform(double low, double high) { return low + (high - low) * uniform(); }
@@ -33,11 +33,11 @@ private:
     std::mt19937_64 m_generator;
 };
 
-/// `value` in whole steps. What goes into a log is a multiple of a step that is far above the
+/// `value` in whole steps. What is logged is a multiple of a step that is far larger than the
 /// differences between mathematical libraries.
 inline double rounded(double value, double step)
 {
-    const double perUnit = 1 / step; // a whole number for decimal steps, the step itself is none
+    const double perUnit = 1 / step; // an integer for decimal steps, unlike the step itself
     return std::round(value * perUnit) / perUnit;
 }
 

@@ -11,7 +11,7 @@ namespace
 {
 
 constexpr double degrees = 180 / pi;
-constexpr double warmUp = 600; // seconds that everything has run before the log begins
+constexpr double warmUp = 600; // seconds of operation before the log begins
 constexpr double earthRotation = 7.2921151467e-5;
 constexpr double referenceFrequency = 1575420000; // of the ionospheric delay
 
@@ -59,7 +59,7 @@ void Receiver::advanceClock(double elapsed)
 void Receiver::selectCandidates(double now)
 {
     constexpr double interval = 30;
-    constexpr double margin = 2 / degrees; // what a satellite rises in that time, and more
+    constexpr double margin = 2 / degrees; // more than a satellite rises in that time
     if (now < m_candidatesUntil)
         return;
     m_candidatesUntil = now + interval;
@@ -77,8 +77,8 @@ void Receiver::selectCandidates(double now)
     }
 }
 
-/// The earth turns while the signal travels: the place of the satellite is brought to the frame of
-/// the moment of reception.
+/// The earth turns while the signal travels: the place of the satellite is rotated to the frame at
+/// reception.
 Receiver::Geometry Receiver::geometry(const Satellite& satellite, double& flight) const
 {
     Geometry view = {};
@@ -107,7 +107,7 @@ Receiver::Geometry Receiver::geometry(const Satellite& satellite, double& flight
     return view;
 }
 
-/// Lock is lost and found again within an epoch: the phases go on from other whole cycles.
+/// Lock is lost and regained within an epoch: the phases continue from other whole cycles.
 void Receiver::slip(Channel& channel, const Epoch& epoch)
 {
     constexpr uint64_t most = 50;

@@ -56,7 +56,7 @@ struct Sight {
     double elevation() const;
 };
 
-/// What a receiver is like.
+/// Settings of a receiver.
 struct ReceiverSettings {
     unsigned systems = globalSystems; ///< bits of those that it tracks
     std::optional<double> clockDrift; ///< seconds per second, random without
@@ -79,7 +79,7 @@ public:
     /// All of the systems that it tracks, above the horizon and below.
     const std::vector<std::unique_ptr<Satellite>>& getSatellites() const { return m_satellites; }
     const std::vector<Sight>& getSights() const { return m_sights; }
-    /// For faults that are brought into what was measured, after the position has been found.
+    /// For faults to be applied to the measurements after the position has been computed.
     std::vector<Sight>& getSights() { return m_sights; }
 
     /// Bits of systems that are not received from the next epoch on.
@@ -96,10 +96,10 @@ public:
     /// True position of the antenna on the ellipsoid.
     const Geodetic& getPlace() const { return m_place; }
 
-    /// Milliseconds by which the clock has been set back or forth, modulo 256.
+    /// Total of the clock jumps in milliseconds, modulo 256.
     uint8_t getClockJumps() const { return static_cast<uint8_t>(m_clockJumps & 0xff); }
 
-    /// Seconds by which the receiver's paths delay the signals of a system against those of GPS.
+    /// Seconds by which the receiver's paths delay the signals of a system relative to GPS.
     static constexpr std::array<double, systemCount> systemDelays = {
         0, 31.7e-9, 4.3e-9, -12.9e-9, 0.6e-9, 18.2e-9, 1.1e-9};
 
@@ -117,7 +117,7 @@ public:
     static constexpr double maskElevation = 5;
 
 private:
-    /// What the receiver keeps of a satellite from epoch to epoch.
+    /// What the receiver remembers about a satellite from epoch to epoch.
     struct Channel {
         uint8_t number = 0; ///< 0 while it is not tracked
         double since = 0;   ///< elapsed seconds at which tracking began
@@ -146,10 +146,10 @@ private:
                    double ionosphere, Random& noise);
 
     Random& m_random;
-    // These have random numbers of their own, so that all else stays the same.
+    // These have their own random numbers, so that everything else stays the same.
     Random m_slips;
     Random m_secondNoise;
-    std::vector<Channel> m_secondChannels; ///< of the second antenna, by satellite; or none
+    std::vector<Channel> m_secondChannels; ///< of the second antenna, by satellite; may be empty
     double m_slipsPerHour;
     unsigned m_blocked = 0;
     std::optional<double> m_correctionAge;

@@ -10,7 +10,7 @@ namespace tqx::simulation
 namespace
 {
 
-/// Puts numbers bit by bit, the highest bit first.
+/// Writes numbers bit by bit, the highest bit first.
 class BitWriter
 {
 public:

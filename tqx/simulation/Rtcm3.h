@@ -21,7 +21,7 @@ struct ReferenceStation {
     std::string receiverSerial;
 };
 
-/// Whole RTCM 3 frames with preamble and CRC-24Q: message 1005, the position of the station,
+/// Complete RTCM 3 frames with preamble and CRC-24Q: message 1005, the position of the station,
 std::vector<uint8_t> rtcm3Position(const ReferenceStation& station);
 /// 1006, the same with the height of the antenna,
 std::vector<uint8_t> rtcm3PositionAndHeight(const ReferenceStation& station);

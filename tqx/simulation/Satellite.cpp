@@ -92,7 +92,7 @@ void Satellite::makeElements(const NominalSatellite& nominal, Random& random)
         return rounded(random.uniform(-limit, limit), step);
     };
     const double perigee = rounded(random.uniform(-1, 1), 0x1p-31);
-    // First the mean way of all satellites of the system, from an almanac that may be old.
+    // First the mean motion of all satellites of the system, from an almanac that may be old.
     m_elements.sqrtA = std::sqrt(nominal.semiMajorAxis);
     m_elements.motionCorrection = 1.4e-9;
     m_elements.nodeRate = -2.2e-9;

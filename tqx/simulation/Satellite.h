@@ -20,13 +20,13 @@ struct SatelliteState {
     double clockDrift; ///< seconds per second
 };
 
-/// A satellite as it really is: its motion and its clock. Those of GPS, Galileo and BeiDou are on
-/// Kepler orbits with corrections, those of GLONASS follow the equations of motion. Times are
-/// seconds of GPS time since the start of the almanac week.
+/// The true motion and clock of a satellite. Those of GPS, Galileo and BeiDou are on Kepler orbits
+/// with corrections, those of GLONASS follow the equations of motion. Times are seconds of GPS time
+/// since the start of the almanac week.
 class Satellite
 {
 public:
-    /// Near its nominal place, by how much is random.
+    /// Starts near its nominal place, at a random distance.
     Satellite(const NominalSatellite& nominal, Random& random, double start);
 
     System getSystem() const { return m_system; }
@@ -35,8 +35,8 @@ public:
     uint8_t getSvid() const { return svidOf(m_system, m_number); }
     bool isGeosynchronous() const;
 
-    /// Makes stateAt() good for times from a minute before `time` to two minutes after it. Times
-    /// must not go back.
+    /// Makes stateAt() valid for times from a minute before `time` to two minutes after it. Times
+    /// must not decrease.
     void moveTo(double time);
 
     /// Interpolated between whole minutes; off by less than a millimetre.
@@ -49,13 +49,13 @@ public:
     /// moveTo(); of GLONASS only.
     Motion motionAt(double time) const;
 
-    /// The clock without what changing speed does to it, seconds ahead of GPS time.
+    /// The clock without the effect of changing speed, seconds ahead of GPS time.
     double clockAt(double time) const { return m_clockBias + m_clockDrift * (time - m_origin); }
     double getClockDrift() const { return m_clockDrift; }
 
-    /// By how many seconds each signal leaves late.
+    /// Seconds by which each signal leaves late.
     const std::array<double, maxSignals>& getDelays() const { return m_delays; }
-    /// The parameters that tell the delays in navigation messages.
+    /// The parameters of these delays in navigation messages.
     const std::array<double, 2>& getGroupDelays() const { return m_groupDelays; }
 
 private:

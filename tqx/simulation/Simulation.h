@@ -12,7 +12,7 @@
 namespace tqx::simulation
 {
 
-/// What a simulated log is like.
+/// Settings of a simulated log.
 struct SimulationSettings {
     uint32_t periodMillis = 1000; ///< from one epoch to the next
     double duration = 60;         ///< seconds
@@ -27,7 +27,7 @@ struct SimulationSettings {
     bool damage = false;
     bool almanacs = false; ///< with the almanacs of all systems but NavIC
     bool compact = false;  ///< with the measurements in compact blocks, too
-    bool mixed = false;    ///< with NMEA, RTCM 3 and text between the blocks, which stay the same
+    bool mixed = false;    ///< with NMEA, RTCM 3 and text between the blocks, which do not change
 };
 
 /// Called after each epoch with the number of bytes it appended; false ends the log there. It may

@@ -85,7 +85,7 @@ void addDisturbedBand(BlockLog& log, const Epoch& epoch)
 
 void addReceiverState(BlockLog& log, const Epoch& epoch, Random& random, const FaultPlan& faults)
 {
-    // Antenna fed, week, time of week and fine time known, solution valid, corrections come in.
+    // Antenna fed, week, time of week and fine time known, solution valid, receiving corrections.
     constexpr uint32_t state = 1U << 0U | 1U << 3U | 1U << 4U | 1U << 5U | 1U << 7U | 1U << 8U;
     const bool isDisturbed = faults.hasInterference(epoch);
     TQX_ReceiverStatus2_s record;

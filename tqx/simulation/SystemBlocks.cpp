@@ -22,7 +22,7 @@ uint32_t frameStart(const SystemTime& now, uint32_t length)
     return static_cast<uint32_t>(now.second) / length * length * 1000;
 }
 
-/// The first satellite of a system that is in sight, or null.
+/// The first visible satellite of a system, or null.
 const Satellite* firstOf(const Receiver& receiver, System system)
 {
     const auto& sights = receiver.getSights();
@@ -32,7 +32,7 @@ const Satellite* firstOf(const Receiver& receiver, System system)
     return sight == sights.end() ? nullptr : sight->satellite;
 }
 
-/// ... which sent what is the same from all of them; 0 for none.
+/// ... as the sender of what all of them send alike; 0 for none.
 uint8_t senderOf(const Receiver& receiver, System system)
 {
     const Satellite* const sender = firstOf(receiver, system);

@@ -5,7 +5,7 @@
 namespace tqx::simulation
 {
 
-/// Fills a text member, which has room for more; what is left keeps what it was initialised with.
+/// Fills a text member, which has room for more; the rest keeps its initial value.
 inline void setText(char* member, const char* text)
 {
     std::memcpy(member, text, std::strlen(text));

@@ -16,8 +16,8 @@ struct TrackSettings {
     double speed = 15; ///< metres per second
 };
 
-/// The way of the antenna: it stays, drives round a circle of 200 m radius, which lies level at
-/// its start and to the north of it, or travels eastwards along its parallel.
+/// The path of the antenna: it stays, drives round a circle of 200 m radius, level at its start and
+/// to the north of it, or travels eastwards along its parallel.
 class Track
 {
 public:

@@ -84,11 +84,11 @@ TEST(Installation, MissingIsSaidOnceAndNamesCanBeGiven)
     tool.expectRun("rinex log.tqx -o bare");
     EXPECT_NE(tool.read("err").find("does not describe the installation"), std::string::npos);
     EXPECT_EQ(readFile(tool, "bare").only("MARKER NAME").substr(0, 8), "UNKNOWN ");
-    tool.expectRun("rinex log.tqx -o named --marker 'GRAZ 1' --observer 'A. B.' --agency Office");
+    tool.expectRun("rinex log.tqx -o named --marker 'GRAZ 1' --observer 'A. Bühler' --agency Office");
     EXPECT_EQ(tool.read("err").find("installation"), std::string::npos);
     const rinex::ObservationFile file = readFile(tool, "named");
     EXPECT_EQ(file.only("MARKER NAME").substr(0, 7), "GRAZ 1 ");
-    EXPECT_EQ(file.only("OBSERVER / AGENCY").substr(0, 28), "A. B.               Office  ");
+    EXPECT_EQ(file.only("OBSERVER / AGENCY").substr(0, 28), "A. B_hler           Office  ");
     EXPECT_EQ(tool.list("named").front(), "GRAZ00XXX_R_20260061200_01M_01S_MO.rnx");
     tool.expectRun("rinex -q log.tqx -o station --marker graz12aut");
     EXPECT_EQ(tool.list("station").front(), "GRAZ12AUT_R_20260061200_01M_01S_MO.rnx");

@@ -43,7 +43,7 @@ public:
     std::vector<FieldRow> take() { return std::move(m_rows); }
 
 private:
-    // More elements than anyone looks at one by one.
+    // More elements than anyone would read one by one.
     static constexpr unsigned mostElements = 4096;
 
     void addField(const FieldInfo& field, const Message& message, int parent, const QString& path,
@@ -84,7 +84,7 @@ private:
         }
     }
 
-    /// An element of a run of bytes that is known only as a whole.
+    /// An element of a run of bytes whose places are only known as a whole.
     void placeElement(int group, int row, unsigned index, unsigned count)
     {
         const FieldRow& run = m_rows[static_cast<size_t>(group)];
@@ -206,7 +206,7 @@ int rowAtByte(const std::vector<FieldRow>& rows, uint32_t offset)
     uint32_t smallest = 0xffffffff;
     for (size_t i = 0; i < rows.size(); ++i) {
         const FieldRow& row = rows[i];
-        // Of rows with the same bytes the outer one, which comes first.
+        // Among rows with the same bytes, the outer one, which comes first.
         if (offset < row.offset || offset - row.offset >= row.size || row.size >= smallest)
             continue;
         smallest = row.size;

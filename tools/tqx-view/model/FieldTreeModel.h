@@ -22,11 +22,11 @@ public:
     void setRows(std::vector<FieldRow> rows);
     const std::vector<FieldRow>& getRows() const { return m_rows; }
 
-    /// The row of an index and the reverse; FieldRow::none is the invalid one.
+    /// Converts between indexes and rows; FieldRow::none is the invalid index.
     static int rowOf(const QModelIndex& index);
     QModelIndex indexOf(int row) const;
 
-    /// The row whose path is that, FieldRow::none if none is.
+    /// The row with that path, or FieldRow::none.
     int rowOfPath(const QString& path) const;
 
     QModelIndex index(int row, int column, const QModelIndex& parent) const override;

@@ -1,12 +1,11 @@
 #pragma once
 
 #include "model/Directions.h"
-#include "model/TaskQueue.h"
+#include "model/LogReading.h"
 
 #include "tqx/gnss/observation/Observation.h"
 #include "tqx/gnss/position/Position.h"
 
-#include <QObject>
 #include <QString>
 
 #include <cstdint>
@@ -54,7 +53,7 @@ struct TrackPoint {
     Fix fix;
 };
 
-/// What a log says of satellites and positions. Of the main antenna only.
+/// What a log says about satellites and positions; only for the main antenna.
 struct GnssData {
     std::vector<SkyEpoch> strengths;        ///< thinned evenly when there are many
     std::vector<DirectionEpoch> directions; ///< likewise
@@ -65,7 +64,7 @@ struct GnssData {
 };
 
 /// Reads them in another thread, in bounded memory.
-class GnssSurvey : public QObject
+class GnssSurvey : public LogReading
 {
     Q_OBJECT
 
@@ -73,27 +72,24 @@ public:
     explicit GnssSurvey(QObject* parent = nullptr);
     ~GnssSurvey() override;
 
-    /// Begins with another log; changed() follows when it has been read.
-    void setLog(std::shared_ptr<const TqxLog> log);
+    /// Starts reading another log, or none; changed() follows when it has been read. With
+    /// `isContinued`, what is known of the log so far is kept meanwhile.
+    void setLog(std::shared_ptr<const TqxLog> log, bool isContinued = false);
 
     const GnssData& getData() const { return *m_data; }
-    bool isReading() const { return m_isReading; }
 
     static constexpr size_t mostEpochs = 2000;
     static constexpr size_t mostPositions = 50'000;
-    static constexpr size_t mostSpans = 500'000; ///< of all signals together
+    static constexpr size_t mostSpans = 500'000; ///< of all signals
 
-Q_SIGNALS:
-    void changed();
-    void failed(const QString& reason);
+protected:
+    void take(const Result& result) override;
 
 private:
     std::shared_ptr<const GnssData> m_data;
-    bool m_isReading = false;
-    TaskQueue m_tasks;
 };
 
-/// What GnssSurvey gives, in the thread that asks; null when the token is cancelled.
+/// Does the work of GnssSurvey in the calling thread; null when the token is cancelled.
 std::shared_ptr<const GnssData> readGnss(const TqxLog& log, const TaskToken& token);
 
 } // namespace tqx::view

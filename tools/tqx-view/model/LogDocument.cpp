@@ -43,7 +43,7 @@ void LogDocument::open(const QStringList& paths)
         };
         QString reason;
         try {
-            // The first log sets up the metadata, which the window need not wait for.
+            // The first log sets up the metadata; the window need not wait for that.
             const auto log = std::make_shared<const TqxLog>(openContent(names, token, report));
             QMetaObject::invokeMethod(
                 this,
@@ -81,14 +81,14 @@ void LogDocument::take(std::shared_ptr<const TqxLog> log, bool isContinued)
         Q_EMIT warned(QString::fromStdString(warning));
 }
 
-void LogDocument::show(std::shared_ptr<const MessageLog> log)
+void LogDocument::show(std::shared_ptr<const MessageLog> log, bool isContinued)
 {
     m_tasks.cancel();
     m_isLoading = false;
     m_isLooking = false;
     m_tqxLog.reset();
     m_log = std::move(log);
-    Q_EMIT opened(false);
+    Q_EMIT opened(isContinued);
 }
 
 void LogDocument::close()

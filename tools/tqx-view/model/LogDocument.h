@@ -23,11 +23,12 @@ public:
     explicit LogDocument(QObject* parent = nullptr);
     ~LogDocument() override;
 
-    /// Opens files as one log in place of the one before; opened() or failed() follows.
+    /// Opens files as one log, replacing the current one; opened() or failed() follows.
     void open(const QStringList& paths);
 
-    /// Shows a log that was put together elsewhere.
-    void show(std::shared_ptr<const MessageLog> log);
+    /// Shows a log that was made elsewhere; with `isContinued`, it begins with the one
+    /// that is shown.
+    void show(std::shared_ptr<const MessageLog> log, bool isContinued = false);
 
     void close();
 
@@ -37,16 +38,16 @@ public:
     /// Null while there is none.
     const std::shared_ptr<const MessageLog>& getLog() const { return m_log; }
 
-    /// The log as what its own format offers beyond messages; null for other formats.
+    /// The log in terms of its own format, beyond messages; null for other formats.
     std::shared_ptr<const TqxLog> getTqxLog() const { return m_tqxLog; }
 
-    /// Whether what is appended to the file is shown as it comes.
+    /// Whether data appended to the file are shown as they come.
     void setFollowing(bool isFollowing);
     bool isFollowing() const { return m_isFollowing; }
     /// Whether the log is one that can grow: a single file that is not compressed.
     bool canFollow() const;
 
-    /// How often a file is looked at that is followed.
+    /// How often a followed file is checked.
     static constexpr int followMillis = 500;
 
 Q_SIGNALS:

@@ -23,7 +23,7 @@ struct MessageEntry {
     uint64_t offset = 0; ///< of its first byte in the log
     uint32_t size = 0;   ///< in bytes
     uint32_t page = 0;   ///< that it begins in
-    uint16_t place = 0;  ///< orders the messages of a page: ascending, no two alike
+    uint16_t place = 0;  ///< orders the messages of a page: ascending and unique
     QString type;
     const MessageInfo* info = nullptr; ///< null for messages of unknown types
     std::optional<int64_t> time;       ///< milliseconds on the log's time scale
@@ -39,7 +39,7 @@ struct FieldBytes {
     QString meaning;       ///< in words, where the name does not say it
 };
 
-/// What is wanted of a log.
+/// Selects messages of a log.
 struct MessageFilter {
     QStringList types; ///< names; empty for all
     std::optional<int64_t> from;
@@ -72,12 +72,12 @@ struct MessageContent {
     std::shared_ptr<const Message> message; ///< null when it does not decode
     QByteArray bytes;
     std::vector<FieldBytes> places;
-    QStringList faults; ///< what is wrong with it, for people
+    QStringList faults; ///< what is wrong with it, in words
 };
 
 /// The messages of a log in some format, as far as they were known at one moment: all that the
 /// views of messages know of it. A log is divided into pages of consecutive messages, few enough to
-/// be loaded at once. Nothing of it changes; any number of threads may call it at the same time.
+/// be loaded at once. It never changes; any number of threads may call it at the same time.
 /// Functions that read the log throw std::exception when it cannot be read.
 class MessageLog
 {
@@ -113,8 +113,8 @@ public:
     virtual uint32_t getMessageCount(uint32_t page) const = 0;
     virtual std::vector<MessageEntry> loadPage(uint32_t page) const = 0;
 
-    /// The messages of a filter, from a page on. Throws std::exception with a reason for people
-    /// when the filter makes no sense.
+    /// The messages of a filter, from a page on. Throws std::exception with a readable reason for
+    /// an invalid filter.
     virtual std::unique_ptr<MessageReader> find(const MessageFilter& filter,
                                                 uint32_t firstPage = 0) const = 0;
 
@@ -122,7 +122,7 @@ public:
     /// order; at most `most` of them. None in formats that know no damage.
     virtual std::vector<Damage> findDamage(size_t most) const;
 
-    /// The bytes of a message and where its fields are. `entry` is one of this log.
+    /// The bytes of a message and the places of its fields. `entry` is from this log.
     virtual MessageContent load(const MessageEntry& entry) const = 0;
 
     /// Milliseconds from 1970-01-01 00:00 of the calendar to time 0 of the log, for axes with
@@ -132,10 +132,10 @@ public:
     /// A time for people; short: within a column or below an axis.
     virtual QString timeText(int64_t time, bool isShort) const = 0;
 
-    /// Reads a time as people write it. Throws std::exception with the reason if it is none.
+    /// Parses a time as users write it. Throws std::exception with the reason if it is invalid.
     virtual int64_t parseTime(const QString& text) const = 0;
 
-    /// How the unit of a field is abbreviated; its name unless a format knows better.
+    /// The abbreviation of a field's unit; its name unless the format has a symbol.
     virtual QString unitOf(const FieldInfo& field) const;
 
 protected:

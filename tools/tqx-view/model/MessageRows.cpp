@@ -13,7 +13,7 @@ namespace
 {
 
 constexpr qint64 reportEveryMillis = 200;
-constexpr size_t mostAtOnce = 1 << 20; // so that the receiver is not held up
+constexpr size_t mostAtOnce = 1 << 20; // so as not to block the receiver
 
 } // namespace
 
@@ -36,7 +36,7 @@ void MessageRows::setLog(std::shared_ptr<const MessageLog> log, bool isContinued
         search(0);
         return;
     }
-    // The last page may have become longer; pages that were being loaded are asked for again.
+    // The last page may have grown; pages that were being loaded are requested again.
     for (auto page = m_pages.begin(); page != m_pages.end();) {
         if (page->second.isLoaded && page->first < lastPage) {
             ++page;

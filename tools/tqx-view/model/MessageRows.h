@@ -19,7 +19,7 @@ namespace tqx::view
 {
 
 /// The list of the messages that a filter selects. Rows are loaded by pages in another thread when
-/// they are first asked for; only the pages that were used last stay in memory.
+/// first requested; only the most recently used pages stay in memory.
 class MessageRows : public QObject
 {
     Q_OBJECT
@@ -28,18 +28,18 @@ public:
     explicit MessageRows(QObject* parent = nullptr);
     ~MessageRows() override;
 
-    /// Shows a log; null for none. `isContinued`: it begins with the log that was shown, whose rows
-    /// stay what they are.
+    /// Shows a log; null for none. `isContinued`: it extends the log that was shown, whose rows do
+    /// not change.
     void setLog(std::shared_ptr<const MessageLog> log, bool isContinued = false);
 
-    /// Selects other messages; rows come in as they are found.
+    /// Selects other messages; rows appear as they are found.
     void setFilter(const MessageFilter& filter);
     const MessageFilter& getFilter() const { return m_filter; }
 
     const std::shared_ptr<const MessageLog>& getLog() const { return m_log; }
     uint64_t getCount() const { return m_rows.size(); }
 
-    /// Whether rows are still being looked for.
+    /// Whether the search for rows is still running.
     bool isSearching() const { return m_isSearching; }
 
     /// The message of a row, nothing while it is being loaded: loaded() follows then.
@@ -55,12 +55,12 @@ public:
     size_t getLoadedPages() const { return m_pages.size(); }
 
 Q_SIGNALS:
-    /// There are other rows than before; with `fromScratch`, none is what it was.
+    /// The rows have changed; with `fromScratch`, all of them.
     void rowsChanged(bool fromScratch);
-    /// getEntry() has more to give.
+    /// getEntry() has more entries.
     void loaded();
     void found(qulonglong row);
-    /// The filter makes no sense or the log cannot be read.
+    /// The filter is invalid or the log cannot be read.
     void failed(const QString& reason);
 
 private:
@@ -82,7 +82,7 @@ private:
     MessageFilter m_filter;
     RowSet m_rows;
     bool m_isSearching = false;
-    unsigned m_generation = 0; ///< counts what makes earlier results worthless
+    unsigned m_generation = 0; ///< incremented when earlier results become invalid
     std::unordered_map<uint32_t, Page> m_pages;
     std::list<uint32_t> m_uses; ///< pages, the last used first
 

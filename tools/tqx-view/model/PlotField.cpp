@@ -40,7 +40,7 @@ namespace
 
 constexpr qint64 reportEveryMillis = 250;
 constexpr size_t mostAtOnce = 50'000;
-constexpr int mostPending = 2; // so that the receiver is not held up, and memory is bounded
+constexpr int mostPending = 2; // so as not to block the receiver, and to bound memory
 
 /// The fields from a message down to the one that is plotted.
 std::vector<const FieldInfo*> fieldsOf(const QString& expression)
@@ -52,7 +52,7 @@ std::vector<const FieldInfo*> fieldsOf(const QString& expression)
             PathExpression::getUniqueFieldInfo(QStringList(parts.mid(0, i)).join(':'));
         if (!field)
             return {};
-        // A bit range belongs to the same message as what it is a part of.
+        // A bit range belongs to the same message as its word.
         if (!fields.empty() && fields.back()->getType().getKind() != FieldKind::SubMessage)
             fields.pop_back();
         fields.push_back(field);
@@ -139,7 +139,7 @@ private:
         if (element >= 0)
             parts += QString("[%1]").arg(element);
         const QString name = parts.join(", ");
-        // A reader that goes on where another one ended finds its series by name.
+        // A reader that continues where another one ended finds its series by name.
         int series = m_known.indexOf(name);
         if (series < 0) {
             series = m_known.size();
@@ -215,7 +215,7 @@ void PlotField::read(uint32_t firstPage)
     }
     if (fields.empty() || !isNumeric(*fields.back())) {
         m_isReading = false;
-        Q_EMIT failed(tr("%1 is no numeric field").arg(m_expression));
+        Q_EMIT failed(tr("%1 is not a numeric field").arg(m_expression));
         return;
     }
     m_unit = m_log->unitOf(*fields.back());

@@ -16,8 +16,8 @@
 namespace tqx::view
 {
 
-/// The values of one numeric field over time, in its unit: a series for each thing that identifying
-/// fields set apart (satellite, signal, antenna) and for each element of an array. Values that are
+/// The values of one numeric field over time, in its unit: one series for each combination of
+/// identifying fields (satellite, signal, antenna) and each element of an array. Values that are
 /// not available are left out. Read in another thread; memory is bounded.
 class PlotField : public QObject
 {
@@ -28,7 +28,7 @@ public:
     explicit PlotField(QString expression, QObject* parent = nullptr);
     ~PlotField() override;
 
-    /// Reads a log from its start, or only what has been added when it goes on with the last one.
+    /// Reads a log from its start, or only what was added when it extends the last one.
     void setLog(std::shared_ptr<const MessageLog> log, bool isContinued);
 
     const QString& getExpression() const { return m_expression; }
@@ -37,13 +37,13 @@ public:
     QString getTitle() const;
     const QString& getUnit() const { return m_unit; }
 
-    /// Named by what is identified, "" for fields of the message itself.
+    /// Named by the identifying fields, "" for fields of the message itself.
     const std::vector<PlotSeries>& getSeries() const { return m_series; }
 
     /// Whether there is more to read.
     bool isReading() const { return m_isReading; }
 
-    /// Points of all series together that are kept at most.
+    /// Most points that are kept, over all series.
     static constexpr size_t mostPoints = 2'000'000;
 
 Q_SIGNALS:

@@ -30,7 +30,7 @@ public:
     /// Appends a message of a filtered list; pages and places ascend.
     void add(uint32_t page, uint16_t place);
 
-    /// Removes what is in the pages from `page` on, of a filtered list.
+    /// Removes the pages from `page` on; only for a filtered list.
     void truncate(uint32_t page);
 
     uint64_t size() const { return m_ends.empty() ? 0 : m_ends.back(); }

@@ -9,7 +9,7 @@
 namespace tqx::view
 {
 
-/// Whether the result of a task is still wanted. Copies speak of the same task.
+/// Whether the result of a task is still wanted. Copies belong to the same task.
 class TaskToken
 {
 public:
@@ -22,23 +22,23 @@ private:
     std::shared_ptr<std::atomic<bool>> m_cancelled;
 };
 
-/// Runs tasks one after the other in a thread of its own. Its functions are called by the thread
-/// that made it; tasks look at their token often, and hand results back through the event queue of
-/// the receiver (QMetaObject::invokeMethod).
+/// Runs tasks one by one in a thread of its own. Its functions are called by the thread that made
+/// it; tasks check their token often, and pass results back through the event queue of the receiver
+/// (QMetaObject::invokeMethod).
 class TaskQueue
 {
 public:
     TaskQueue() { m_pool.setMaxThreadCount(1); }
 
-    /// Cancels what runs and waits for its end, so that no task outlives what it refers to.
+    /// Cancels the running task and waits for its end, so that no task outlives what it refers to.
     ~TaskQueue();
     TaskQueue(const TaskQueue&) = delete;
     TaskQueue& operator=(const TaskQueue&) = delete;
 
-    /// Appends a task. What it throws ends the program: tasks catch what they call throws.
+    /// Appends a task. An exception from it ends the program: tasks must catch what they call.
     TaskToken run(std::function<void(const TaskToken&)> task);
 
-    /// Cancels every task that was given so far; those that have not begun never will.
+    /// Cancels all tasks so far; those that have not begun never will.
     void cancel();
 
 private:

@@ -1,9 +1,8 @@
 #pragma once
 
+#include "model/LogReading.h"
 #include "model/MessageLog.h"
-#include "model/TaskQueue.h"
 
-#include <QObject>
 #include <QString>
 
 #include <cstdint>
@@ -20,11 +19,11 @@ struct TimeSpan {
     double to;
 };
 
-/// When the messages of a type come.
+/// When messages of a type occur.
 struct TimelineRow {
     QString name;
     uint64_t count = 0;
-    std::optional<double> interval; ///< milliseconds, of those that come regularly
+    std::optional<double> interval; ///< milliseconds, for regular messages
     std::vector<TimeSpan> present;  ///< to the width of a bin
     std::vector<TimeSpan> missing;  ///< outages: intervals of at least one and a half usual ones
 };
@@ -37,7 +36,7 @@ struct TimelineFault {
     double time = 0; ///< when it began
     double duration = 0;
     uint64_t offset = 0; ///< of damage
-    QString type;        ///< whose outage it is, empty for one of all types
+    QString type;        ///< type of the outage, empty for all types
     QString text;        ///< for people
 };
 
@@ -48,7 +47,7 @@ struct TimelineData {
 };
 
 /// Finds outages and damage in a log, in another thread and in bounded memory.
-class Timeline : public QObject
+class Timeline : public LogReading
 {
     Q_OBJECT
 
@@ -56,26 +55,23 @@ public:
     explicit Timeline(QObject* parent = nullptr);
     ~Timeline() override;
 
-    /// Begins with another log; changed() follows when it has been read.
-    void setLog(std::shared_ptr<const MessageLog> log);
+    /// Starts reading another log, or none; changed() follows when it has been read. With
+    /// `isContinued`, what is known of the log so far is kept meanwhile.
+    void setLog(std::shared_ptr<const MessageLog> log, bool isContinued = false);
 
     const TimelineData& getData() const { return *m_data; }
-    bool isReading() const { return m_isReading; }
 
     static constexpr size_t mostFaults = 2000;
     static constexpr size_t bins = 2048;
 
-Q_SIGNALS:
-    void changed();
-    void failed(const QString& reason);
+protected:
+    void take(const Result& result) override;
 
 private:
     std::shared_ptr<const TimelineData> m_data;
-    bool m_isReading = false;
-    TaskQueue m_tasks;
 };
 
-/// What Timeline gives, in the thread that asks; null when the token is cancelled.
+/// Does the work of Timeline in the calling thread; null when the token is cancelled.
 std::shared_ptr<const TimelineData> readTimeline(const MessageLog& log, const TaskToken& token);
 
 } // namespace tqx::view

@@ -19,7 +19,7 @@ namespace tqx::view
 namespace
 {
 
-/// What framing reads through, so that it can be watched and stopped.
+/// A wrapper through which framing reads, so that it can be watched and stopped.
 class WatchedAccess : public RandomAccess
 {
 public:
@@ -33,7 +33,7 @@ public:
     size_t readAt(uint64_t offset, uint8_t* bytes, size_t count) const override
     {
         if (m_token.isCancelled())
-            throw SourceError(getName() + ": no longer wanted");
+            throw SourceError(getName() + ": cancelled");
         const size_t got = m_watched.readAt(offset, bytes, count);
         const uint64_t done = m_done.fetch_add(got) + got;
         if (m_progress)
@@ -60,7 +60,7 @@ public:
     size_t read(uint8_t* bytes, size_t capacity) override
     {
         if (m_token.isCancelled())
-            throw SourceError("no longer wanted");
+            throw SourceError("cancelled");
         const size_t got = FileSource::read(bytes, capacity);
         m_done += got;
         if (m_progress)
@@ -130,7 +130,7 @@ FramingOptions framingOptions()
     return options;
 }
 
-/// A compressed file is read once, for its index and for what reading anywhere in it takes.
+/// A compressed file is read once, for its index and its access points.
 std::shared_ptr<const Index> unpack(OpenFile& opened, Compression compression,
                                     const TaskToken& token, const Progress& progress,
                                     std::string& warning)

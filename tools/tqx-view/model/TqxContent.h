@@ -21,10 +21,10 @@ struct TqxContent {
     std::shared_ptr<const Index> index;
     std::string name;    ///< for people
     std::string warning; ///< of a compressed log that is damaged; empty for none
-    std::string growing; ///< path of a single plain file, that may become longer; else empty
+    std::string growing; ///< path of a single plain file, which may grow; else empty
 };
 
-/// How far opening has come.
+/// Progress of opening.
 using Progress = std::function<void(uint64_t done, uint64_t all)>;
 
 /// Opens files as one log, in the order given; a saved index of a single file is used. Throws
@@ -33,11 +33,11 @@ using Progress = std::function<void(uint64_t done, uint64_t all)>;
 TqxContent openContent(const std::vector<std::string>& paths, const TaskToken& token,
                        const Progress& progress);
 
-/// The same log once its file has become longer; `content` unchanged when it has not. A file that
-/// became shorter is opened anew. Throws as openContent().
+/// The same log after its file has grown; `content` unchanged when it has not. A file that has
+/// shrunk is opened anew. Throws as openContent().
 TqxContent extendContent(const TqxContent& content, const TaskToken& token);
 
-/// Thrown by what was no longer wanted.
+/// Thrown by cancelled work.
 struct Cancelled {
 };
 

@@ -12,7 +12,7 @@ namespace tqx::view
 class TqxLog : public MessageLog
 {
 public:
-    /// The metadata of the format comes into being with the first one.
+    /// The first one sets up the metadata of the format.
     explicit TqxLog(TqxContent content);
 
     const TqxContent& getContent() const { return m_content; }

@@ -8,7 +8,7 @@ namespace tqx::view
 namespace
 {
 
-// Distinguishable also by those who see red and green alike.
+// Distinguishable with red-green colour blindness, too.
 constexpr std::array<QRgb, 8> onLight = {0xff1f6fb4, 0xffc8500a, 0xff1a7f5a, 0xffa03c82,
                                          0xff6b5b00, 0xff3f3f9f, 0xff8f3a2a, 0xff4d6d7d};
 constexpr std::array<QRgb, 8> onDark = {0xff6db6f5, 0xffffa25c, 0xff58d0a0, 0xffeb8fd0,

@@ -6,25 +6,25 @@
 namespace tqx::view
 {
 
-/// Whether texts are lighter than what they are on.
+/// Whether text is lighter than its background.
 bool isDark(const QPalette& palette);
 
 /// The colour of the n-th of several curves, readable on the palette's base.
 QColor seriesColour(int number, const QPalette& palette);
 
-/// Of what is damaged or missing.
+/// For what is damaged or missing.
 QColor faultColour(const QPalette& palette);
 
-/// Of what is as it should be.
+/// For what is as it should be.
 QColor goodColour(const QPalette& palette);
 
-/// Below the bytes of the field that is selected.
+/// Background of the bytes of the selected field.
 QColor markColour(const QPalette& palette);
 
-/// Of lines that only help the eye.
+/// For auxiliary lines.
 QColor gridColour(const QPalette& palette);
 
-/// Of words of less weight.
+/// For less important text.
 QColor quietColour(const QPalette& palette);
 
 /// The colour of a satellite system by its letter in file formats.

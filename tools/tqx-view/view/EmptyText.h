@@ -8,7 +8,7 @@
 namespace tqx::view
 {
 
-/// Writes in the middle of an empty view what can be done to fill it.
+/// Writes in the middle of an empty view how to fill it.
 void paintEmptyText(QPainter& painter, const QWidget& widget, const QRect& area,
                     const QString& text);
 

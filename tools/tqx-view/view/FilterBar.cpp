@@ -27,7 +27,7 @@ FilterBar::FilterBar(QWidget* parent)
         layout->addWidget(label, 0, column);
         layout->addWidget(edit, 0, column + 1);
         connect(edit, &QLineEdit::returnPressed, this, &FilterBar::apply);
-        // The button that clears a field acts at once.
+        // The button that clears a field takes effect at once.
         connect(edit, &QLineEdit::textChanged, this, [this](const QString& now) {
             if (now.isEmpty())
                 apply();

@@ -10,7 +10,7 @@ class QLineEdit;
 namespace tqx::view
 {
 
-/// Times and a condition that messages are selected by.
+/// Times and a condition by which messages are selected.
 class FilterBar : public QWidget
 {
     Q_OBJECT
@@ -31,7 +31,7 @@ public:
     void focusCondition();
 
 Q_SIGNALS:
-    /// What was entered makes sense as far as that can be said here.
+    /// A filter was entered that is valid as far as can be checked here.
     void changed(const std::optional<int64_t>& from, const std::optional<int64_t>& to,
                  const QString& condition);
 

@@ -35,7 +35,7 @@ public:
     /// Shows what arrives on standard input, which is kept in a temporary file. Once in a process.
     void openStandardInput();
 
-    /// Whether what is appended to the file is shown as it comes; on for standard input.
+    /// Whether data appended to the file are shown as they come; on for standard input.
     void setFollowing(bool isFollowing);
 
     LogDocument& getDocument() { return m_document; }
@@ -47,7 +47,7 @@ public:
     const GnssSurvey& getSurvey() const { return m_survey; }
     QTabWidget& getTabs() { return *m_tabs; }
 
-    /// What the user had open and set when the program was last left; kept by QSettings.
+    /// The user's session and settings from the last time, stored by QSettings.
     void restoreSession(bool withFiles);
     void saveSession() const;
 
@@ -63,6 +63,7 @@ private:
     void logOpened(bool isContinued);
     void surveyIfShown();
     void chooseFiles();
+    void exportPage();
     void goTo();
     void about();
     void addRecent(const QStringList& paths);
@@ -82,6 +83,7 @@ private:
     QProgressBar* m_progress;
     QMenu* m_recent = nullptr;
     QAction* m_follow = nullptr;
+    QAction* m_export = nullptr;
     QAction* m_close = nullptr;
     QAction* m_goTo = nullptr;
 };

@@ -19,7 +19,7 @@ class FilterBar;
 class MessageTable;
 class TypeList;
 
-/// Messages, the fields of the one that is selected, and its bytes. Knows no format.
+/// Messages, the fields of the selected one, and its bytes. Independent of formats.
 class MessagePage : public QWidget
 {
     Q_OBJECT
@@ -72,7 +72,7 @@ private:
     QSplitter* m_columns;
     QSplitter* m_details;
     QString m_shownType;
-    QString m_shownPath; ///< of the field that is selected, also in the next message of its type
+    QString m_shownPath; ///< of the selected field, also in the next message of its type
     TaskQueue m_tasks;
 };
 

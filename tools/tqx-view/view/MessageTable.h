@@ -13,8 +13,8 @@ class QStandardItemModel;
 namespace tqx::view
 {
 
-/// The list of messages. Keeps nothing for rows that are not on screen, so that it takes a log of
-/// any length.
+/// The list of messages. Stores nothing for rows that are not on screen, so that a log may have any
+/// length.
 class MessageTable : public QAbstractScrollArea
 {
     Q_OBJECT
@@ -25,7 +25,7 @@ public:
     /// `rows` is not owned and outlives the table.
     explicit MessageTable(MessageRows& rows, QWidget* parent = nullptr);
 
-    /// The row that is selected, nothing in an empty list.
+    /// The selected row, nothing in an empty list.
     std::optional<uint64_t> getCurrent() const { return m_current; }
 
     /// Selects a row and scrolls it into view.
@@ -34,13 +34,13 @@ public:
     /// Whether new rows at the end are scrolled into view.
     void setStickingToEnd(bool isSticking);
 
-    /// What an empty list says.
+    /// Sets the text of an empty list.
     void setEmptyText(const QString& text);
 
     QHeaderView& getHeader() { return *m_header; }
 
 Q_SIGNALS:
-    /// Another message is selected; the entry is the selected one.
+    /// The selection changed to this entry.
     void selected(const tqx::view::MessageEntry& entry);
 
 protected:
@@ -57,6 +57,7 @@ private:
     int visibleRows() const;
     void updateScrollBars();
     void rowsChanged(bool fromScratch);
+    void selectFound(qulonglong row);
     void reportSelected();
     QString textOf(const MessageEntry& entry, int column) const;
 

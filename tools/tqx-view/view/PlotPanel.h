@@ -2,6 +2,7 @@
 
 #include "model/PlotField.h"
 
+#include <QPoint>
 #include <QTimer>
 #include <QWidget>
 
@@ -11,6 +12,7 @@
 class QComboBox;
 class QLabel;
 class QPainter;
+class QRubberBand;
 class QwtPlot;
 class QwtPlotMarker;
 
@@ -19,8 +21,7 @@ namespace tqx::view
 
 class SeriesCurve;
 
-/// The plot of one field over time. What it shows of the time is set from outside, the same for all
-/// plots.
+/// The plot of one field over time. The times shown are set from outside, the same for all plots.
 class PlotPanel : public QWidget
 {
     Q_OBJECT
@@ -41,6 +42,9 @@ public:
 
     /// The times shown, in milliseconds on the log's time scale.
     void setRange(double from, double to);
+
+    /// Lets the values shown follow the points again.
+    void showAllValues() { m_isValueRangeSet = false; }
 
     /// Whether the labels of the time axis are shown.
     void setTimeAxisVisible(bool isVisible);
@@ -64,9 +68,9 @@ public:
 
 Q_SIGNALS:
     void closeWanted();
-    /// There are other points.
+    /// The points have changed.
     void changed();
-    /// The times shown are to be others; of all plots.
+    /// The user wants other times shown, in all plots.
     void rangeWanted(double from, double to);
     void wholeWanted();
     void cursorMoved(double time);
@@ -83,6 +87,8 @@ private:
     void updateCurves();
     void applyColours();
     void zoomValues(double factor);
+    QRect bandTo(const QPoint& place) const;
+    void zoomTo(const QRect& band);
     double timeAt(int x) const;
 
     PlotField m_field;
@@ -99,7 +105,9 @@ private:
     bool m_isValueRangeSet = false; ///< by the user, so that it does not follow the points
     double m_dragTime = 0;
     bool m_isDragging = false;
-    QTimer m_updates; ///< so that points that come fast do not keep the window busy
+    QRubberBand* m_band; ///< around what to zoom to
+    QPoint m_bandStart;
+    QTimer m_updates; ///< so that fast updates do not keep the window busy
 };
 
 } // namespace tqx::view

@@ -67,7 +67,7 @@ public:
                               gridColour(palette));
             const double half =
                 std::min(std::abs(yMap.transform(0) - yMap.transform(1)) * 0.36, 9.0);
-            // A bar is never thinner than what can be seen; faults come last, above the others.
+            // A bar is never too thin to be seen; faults come last, on top.
             for (const bool isFault : {false, true}) {
                 for (const SpanPlot::Span& span : rows[i].spans) {
                     if ((span.kind == SpanPlot::Kind::Fault) != isFault)

@@ -24,7 +24,7 @@ std::unique_ptr<QTemporaryFile>& spool()
     return file;
 }
 
-/// Pieces are small, as a source returns once a piece is full.
+/// Pieces are small, because a source returns once a piece is full.
 void copy(const QString& path)
 {
     QFile file(path);

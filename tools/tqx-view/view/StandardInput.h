@@ -13,7 +13,7 @@ public:
     /// The file; reading begins with the first call and ends with the process, which removes it.
     static QString path();
 
-    /// The file, empty while nobody has asked for it.
+    /// The file; empty until it was requested.
     static QString pathIfOpen();
 
     StandardInput() = delete;

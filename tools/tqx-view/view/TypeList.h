@@ -7,7 +7,7 @@
 namespace tqx::view
 {
 
-/// The types of messages in a log with their counts; those that are selected are shown.
+/// The types of messages in a log with their counts; selected ones are shown.
 class TypeList : public QTreeWidget
 {
     Q_OBJECT
@@ -24,6 +24,9 @@ public:
 
 Q_SIGNALS:
     void wantedChanged();
+
+private:
+    void removeOthers(const std::vector<MessageLog::Type>& types);
 };
 
 } // namespace tqx::view

@@ -19,10 +19,10 @@ public:
     Command(const Command&) = delete;
     Command& operator=(const Command&) = delete;
 
-    /// Does what the arguments say. Throws ToolError, ClosedPipe.
+    /// Runs the command. Throws ToolError, ClosedPipe.
     virtual ExitStatus run() = 0;
 
-    /// The command as it is declared to the parser of arguments.
+    /// The command as declared to the argument parser.
     CLI::App& getApp() const { return m_app; }
 
 protected:

@@ -68,7 +68,7 @@ public:
     }
     void writeOther(Buffer& out, const DecodedBlock& decoded) override
     {
-        // Nothing stands for a block of a known type that did not decode.
+        // CSV has nothing for a block of a known type that did not decode.
         if (!m_filter.getSchema().getBlockType(decoded.block.getNumber()))
             m_paragraph.writeTitle(out, decoded.block);
     }
@@ -91,43 +91,31 @@ DumpCommand::DumpCommand(CLI::App& program)
           "  tqx dump --format sqlite log.tqx -o log.sqlite\n"
           "  tqx dump --format jsonl --raw log.tqx | tqx encode - -o same.tqx\n"
           "\n"
-          "Text is a paragraph a message; jsonl is an object a line, with scaled values, names\n"
-          "for values that have one and null for what is not available, or under --raw with the\n"
-          "stored values, from which encode makes the same blocks again. With scaled values each "
-          "object\n"
-          "says the time of its block, on the GPS scale and in UTC; a block without fields that "
-          "are\n"
-          "known has its bytes in base64. Control characters in texts are shown as \\n or \\x1b.\n"
+          "Text is one paragraph per message. Jsonl is one object per line, with scaled values,\n"
+          "names for values that have one and null for what is not available; with --raw it has\n"
+          "the stored values, from which encode makes the same blocks again. Objects with\n"
+          "scaled values have the time of their block, in GPS time and UTC; blocks without\n"
+          "known fields have their bytes in base64. Control characters in texts are shown as\n"
+          "\\n or \\x1b.\n"
           "\n"
-          "Csv is a table of a type: to standard output or a file named .csv the one type that is\n"
-          "selected, a row for each of its messages or, if it has sub-blocks, for each of those; "
-          "to a\n"
-          "folder all types, a file each with a row a message, and a file Block.Field.csv for "
-          "each\n"
-          "array of sub-blocks with a row an entry. MessageIndex counts the messages of a type "
-          "and\n"
-          "joins the two. Elements of other arrays share a cell, parted by semicolons. UTC is from "
-          "the\n"
-          "leap seconds known in 2025; what is not available is an empty cell. --rows leaves out "
-          "rows:\n"
-          "its condition, written like those of --where but without any, names fields of the "
-          "row's\n"
-          "message or sub-block and of those around it, the nearest first. A table whose rows "
-          "have\n"
-          "none of the fields is left with its header.\n"
+          "Csv is a table. Standard output, or a file named .csv, holds a single selected type,\n"
+          "with one row per message or, if it has sub-blocks, per sub-block. A folder gets all\n"
+          "types: one file each with one row per message, and one file Block.Field.csv per\n"
+          "array of sub-blocks with one row per entry. MessageIndex counts the messages of a\n"
+          "type and joins the two. Elements of other arrays share a cell, separated by\n"
+          "semicolons. UTC uses the leap seconds known in 2025; what is not available is an\n"
+          "empty cell. --rows filters rows: its condition, written like those of --where but\n"
+          "without `any`, names fields of the row's message or sub-block and of the enclosing\n"
+          "ones, nearest first. A table whose rows have none of the fields keeps only its\n"
+          "header.\n"
           "\n"
-          "Sqlite is a database with a table for each type, which has a row a message, and a "
-          "table\n"
-          "Block_Field for each array of sub-blocks with a row an entry, whose parent_id is the id "
-          "of\n"
-          "the row that it belongs to. What is not available is NULL, and so is NaN, which SQLite\n"
-          "does not know; elements of other arrays share a cell as JSON. Blanks and points in "
-          "names\n"
-          "are underscores. The tables tqx_tables, tqx_columns (with units and scales), tqx_files "
-          "and\n"
-          "tqx_log describe the database; tqx_other_blocks has the bytes of blocks without fields "
-          "that\n"
-          "are known. It is written beside the file of -o, and put in its place once it is "
+          "Sqlite is a database with one table per type, which has one row per message, and one\n"
+          "table Block_Field per array of sub-blocks with one row per entry, whose parent_id is\n"
+          "the id of its parent row. What is not available is NULL, and so is NaN, which SQLite\n"
+          "lacks; elements of other arrays share a cell as JSON. Blanks and points in names\n"
+          "become underscores. The tables tqx_tables, tqx_columns (with units and scales),\n"
+          "tqx_files and tqx_log describe the database; tqx_other_blocks has the bytes of\n"
+          "blocks without known fields. The database replaces the file of -o once it is\n"
           "complete.\n"
           "\n" +
               std::string(SelectionOptions::notes))
@@ -135,38 +123,36 @@ DumpCommand::DumpCommand(CLI::App& program)
     m_streams.addInputs(m_app);
     m_streams.addDamageReport(m_app);
     m_streams.addSelection(m_app);
-    m_app.add_option("--format", m_format, "How to write them")
+    m_app.add_option("--format", m_format, "Output format")
         ->transform(
             CLI::IsMember({"text", "jsonl", "csv", "sqlite"}, CLI::ignore_case).description(""))
         ->type_name("text|jsonl|csv|sqlite")
         ->capture_default_str();
-    m_app.add_flag("--raw", m_raw, "Values as they are stored, without scale, unit and names");
-    m_units.add(m_app, "How units are written in text and csv: meter, or m");
+    m_app.add_flag("--raw", m_raw, "Show values as stored, without scale, unit and names");
+    m_units.add(m_app, "Write units in text and csv as words (meter) or symbols (m)");
     m_app.add_flag("--degrees", m_degrees,
-                   "Show angles in degrees that are in radians; --where and --rows stay in "
-                   "radians");
+                   "Show angles in degrees instead of radians; --where and --rows stay in radians");
     m_app.add_flag("--utc", m_utc,
                    "Show the times of blocks in text in UTC; jsonl and csv always have it");
     m_app
         .add_option("--rows", m_rows,
-                    "Only csv rows that meet a condition, such as "
-                    "'SVID like \"G*\" and CN0_dBHz > 45'")
+                    "Write only csv rows that meet a condition, such as 'SVID like \"G*\" and "
+                    "CN0_dBHz > 45'")
         ->type_name("CONDITION");
     m_app.add_flag("--csv-safe", m_csvSafe,
-                   "Put an apostrophe in front of csv texts that a spreadsheet would take for "
-                   "formulas: those that begin with = + - @, a tab or a carriage return");
+                   "Put an apostrophe before csv texts that a spreadsheet would take for formulas: "
+                   "those that begin with = + - @, a tab or a carriage return");
     m_app
-        .add_option(
-            "--field", m_fields,
-            "Only these fields, in this order; Field.Inner or just Inner for one inside the "
-            "sub-blocks of Field, Block.Field for one of that block alone")
+        .add_option("--field", m_fields,
+                    "Show only these fields, in this order: Field, Field.Inner or just Inner for a "
+                    "field in the sub-blocks of Field, Block.Field for one block only")
         ->delimiter(',')
         ->allow_extra_args(false)
         ->type_name("FIELD,FIELD");
     m_app
-        .add_option(
-            "-o,--output", m_target,
-            "File to write instead of standard output; for csv a folder, too. Sqlite needs one")
+        .add_option("-o,--output", m_target,
+                    "Write to this file (for csv also a folder) instead of standard output; "
+                    "required for sqlite")
         ->type_name("FILE");
 }
 

@@ -18,15 +18,15 @@ namespace tqx::tool
 
 EncodeCommand::EncodeCommand(CLI::App& program)
     : Command(
-          program, "encode",
-          "Turn JSON Lines, as dump --format jsonl --raw writes them, into blocks",
+          program, "encode", "Encode JSON Lines from dump --format jsonl --raw as blocks",
           "  tqx dump --format jsonl --raw log.tqx | tqx encode - -o copy.tqx\n"
           "\n"
           "A line that cannot be encoded is reported as FILE:LINE: MESSAGE and skipped; the exit\n"
           "status is then 1. Fields that are left out keep their initial values. Counts follow\n"
-          "from arrays and texts, Length and CRC are computed. A packed word may be given by its\n"
-          "named bit ranges. Where bytes are given, they are the block; other fields beside them\n"
-          "are reported. Lines of scaled values, without --raw, are reported once and skipped.\n")
+          "from arrays and texts; Length and CRC are computed. A packed word may be given as\n"
+          "its named bit ranges. If a line has bytes, they are the block, and fields that\n"
+          "differ from them are reported. Lines of scaled values (dump without --raw) are\n"
+          "reported once and skipped.\n")
 {
     m_app
         .add_option("FILE", m_files,

@@ -15,7 +15,7 @@ namespace tqx::tool
 class Output;
 class Progress;
 
-/// `tqx encode`: JSON Lines of stored values made into blocks.
+/// `tqx encode`: encodes JSON Lines of stored values as blocks.
 class EncodeCommand : public Command
 {
 public:
@@ -23,7 +23,7 @@ public:
     ExitStatus run() override;
 
 private:
-    /// What has been said about lines so far.
+    /// What has been reported about lines so far.
     struct Reports {
         words::Limit errors;
         words::Limit differences; ///< from the bytes beside the fields

@@ -13,7 +13,7 @@ namespace tqx::tool
 namespace
 {
 
-/// Gathers what is selected, to be written at the end.
+/// Gathers the selected messages, to be written at the end.
 class NavigationRows : public BlockConsumer
 {
 public:
@@ -61,17 +61,17 @@ private:
 } // namespace
 
 EphemeridesCommand::EphemeridesCommand(CLI::App& program)
-    : Command(program, "ephemerides", "Show the orbits and clocks that satellites sent",
-              "  tqx ephemerides log.tqx > ephemerides.csv\n"
-              "  tqx ephemerides --satellite 'E*' --format jsonl log.tqx\n"
-              "  tqx ephemerides --kind ionosphere log.tqx\n"
-              "  tqx ephemerides --kind time log.tqx      # offsets between time systems\n"
-              "\n"
-              "Each message once, when it was received first, in metres, seconds and radians; what "
-              "a\n"
-              "message does not have is missing. Reference is a date by the clock of the system: "
-              "UTC\n"
-              "of GLONASS, BDT of BeiDou, GPS time or what equals it of the others.\n")
+    : Command(
+          program, "ephemerides", "Show the orbits and clocks that satellites sent",
+          "  tqx ephemerides log.tqx > ephemerides.csv\n"
+          "  tqx ephemerides --satellite 'E*' --format jsonl log.tqx\n"
+          "  tqx ephemerides --kind ionosphere log.tqx\n"
+          "  tqx ephemerides --kind time log.tqx      # offsets between time systems\n"
+          "\n"
+          "Each message appears once, when it was first received, in metres, seconds and\n"
+          "radians; what a message does not have is missing. Reference is a date on the\n"
+          "system's time scale: UTC for GLONASS, BDT for BeiDou, GPS time or its equivalent for\n"
+          "the others.\n")
 {
     CLI::App& command = getApp();
     m_streams.addInputs(command);

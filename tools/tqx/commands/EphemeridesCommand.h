@@ -10,7 +10,7 @@
 namespace tqx::tool
 {
 
-/// `tqx ephemerides`: what the navigation messages say, each once.
+/// `tqx ephemerides`: the content of navigation messages, each once.
 class EphemeridesCommand : public Command
 {
 public:

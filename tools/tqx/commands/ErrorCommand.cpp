@@ -44,7 +44,7 @@ ErrorCommand::ErrorCommand(CLI::App& program)
               "  tqx error --all\n")
 {
     m_app.add_option("CODE", m_items, "Codes, or their names")->type_name("");
-    // Negative numbers look like options; this way they come through.
+    // Negative numbers look like options; this lets them through.
     m_app.allow_extras();
     m_app.add_flag("--all", m_all, "List every code with its name, from -1 down");
 }
@@ -53,7 +53,7 @@ void ErrorCommand::explain(Buffer& out, const std::string& item)
 {
     if (const std::optional<int64_t> number = numberOf(item)) {
         if (*number < lowestCode)
-            throw ToolError(fmt::format("{} is no code, they go down to {}", item, lowestCode));
+            throw ToolError(fmt::format("{} is not a code; the last one is {}", item, lowestCode));
         const auto code = static_cast<int32_t>(std::min<int64_t>(*number, 0));
         out.append(line(*number, TQX_errorName(code)));
         return;

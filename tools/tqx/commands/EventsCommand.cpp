@@ -53,19 +53,16 @@ private:
 } // namespace
 
 EventsCommand::EventsCommand(CLI::App& program)
-    : Command(program, "events", "Write pulses on inputs, such as of cameras, with their places",
+    : Command(program, "events",
+              "Write input pulses, such as camera triggers, with their positions",
               "  tqx events flight.tqx > pictures.csv\n"
               "  tqx events --format geojson flight.tqx -o pictures.geojson\n"
               "\n"
-              "One row for each pulse. Position and attitude are those that the receiver wrote for "
-              "it;\n"
-              "where it wrote none, they are interpolated between the epochs before and after, "
-              "which\n"
-              "may be 5 seconds apart, by the velocities of both. The best kind of block that has "
-              "both\n"
-              "epochs is used, in the order of tqx help track. The columns Position and Attitude "
-              "say\n"
-              "which it is. Several logs follow each other.\n"
+              "One row per pulse. Position and attitude are those that the receiver wrote for it;\n"
+              "where it wrote none, they are interpolated between the epochs before and after, up\n"
+              "to 5 seconds apart, using both velocities. The best kind of block that has both\n"
+              "epochs is used, in the order of tqx help track; the columns Position and Attitude\n"
+              "say which. Several files are one stream.\n"
               "\n"
               "Times: --from and --to are written as for tqx dump.\n")
 {
@@ -73,7 +70,7 @@ EventsCommand::EventsCommand(CLI::App& program)
     m_streams.addInputs(command);
     m_streams.addDamageReport(command);
     m_times.addTimes(command);
-    command.add_option("--format", m_format, "How to write them")
+    command.add_option("--format", m_format, "Output format")
         ->transform(CLI::IsMember({"csv", "geojson"}, CLI::ignore_case).description(""))
         ->type_name("csv|geojson")
         ->capture_default_str();

@@ -40,7 +40,8 @@ std::pair<std::string, uint64_t> split(const std::string& place)
     return {place.substr(0, at), offset};
 }
 
-/// An input that ends where it cannot be read any more, so that a block before that is explained.
+/// An input that ends where it cannot be read further, so that a block before that can be
+/// explained.
 class ReadableInput : public ByteSource
 {
 public:
@@ -99,28 +100,26 @@ ExplainCommand::ExplainCommand(CLI::App& program)
           "  tqx explain log.tqx@404\n"
           "  tqx explain log.tqx@0x194 log.tqx@1784\n"
           "  tqx simulate | tqx explain -@404\n"
-          "  tqx explain log.tqx.gz@404          # an offset of what is compressed\n"
+          "tqx explain log.tqx.gz@404 # an offset in the decompressed content\n"
           "\n"
-          "A row for each value: where it is in the file and in the block, its bytes, its name,\n"
-          "the stored value and what it means. Below, what is wrong with the block.\n"
-          "info, dump and the reports of damage name the offsets of blocks. Where damage begins\n"
-          "without a header, the one that it is about is looked for before the next valid block,\n"
-          "which may be up to 1 MiB away.\n"
+          "Shows one row per value: its place in the file and in the block, its bytes, its\n"
+          "name, the stored value and its meaning; below, what is wrong with the block. Offsets\n"
+          "of blocks come from info, dump and damage reports. Where damage does not begin with\n"
+          "a header, one is searched for before the next valid block, up to 1 MiB away.\n"
           "\n"
-          "--json writes one object per place, with one of its rows for each value: path names\n"
-          "the field, offset and size are its bytes in the block, lowestBit and bits those of a\n"
-          "bit range in them. raw is what is stored, value and unit what that means, or name.\n"
-          "depth and parent, the place of another row, say which sub-block a row belongs to.\n")
+          "--json writes one object per place, with a row for each value: path names the field,\n"
+          "offset and size are its bytes in the block, lowestBit and bits those of a bit range\n"
+          "in them; raw is the stored value, value with unit, or name, its meaning. depth and\n"
+          "parent (the index of another row) give the sub-block of a row.\n")
 {
     m_app
-        .add_option("FILE@OFFSET", m_places,
-                    "Where the block begins, in decimal or with 0x in hexadecimal")
+        .add_option("FILE@OFFSET", m_places, "Offset of the block, decimal or hexadecimal with 0x")
         ->type_name("");
     m_descriptions.add(m_app);
     CLI::Option* asJson =
-        m_app.add_flag("--json", m_json, "A JSON object per place instead of text");
-    m_units.add(m_app, "How units are written in text: meter, or m")->excludes(asJson);
-    // Standard input looks like an option, -@0; this way it comes through.
+        m_app.add_flag("--json", m_json, "Write one JSON object per place instead of text");
+    m_units.add(m_app, "Write units in text as words (meter) or symbols (m)")->excludes(asJson);
+    // Standard input, -@0, looks like an option; this lets it through.
     m_app.allow_extras();
 }
 

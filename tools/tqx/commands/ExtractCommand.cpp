@@ -70,15 +70,13 @@ ExtractCommand::ExtractCommand(CLI::App& program)
           "  tqx extract --mode cmr --where 'Source == \"COM1\"' log.tqx > com1.cmr\n"
           "  tqx extract --between nmea log.tqx -o log.nmea\n"
           "\n"
-          "The messages are concatenated, as the receiver wrote them into its log; RTCM 2 in "
-          "words\n"
-          "of 32 bits. See tqx help dump for times and conditions; --limit counts the\n"
-          "blocks that hold corrections.\n"
+          "The messages are concatenated as the receiver logged them, RTCM 2 in words of 32\n"
+          "bits. See tqx help dump for times and conditions; --limit counts the blocks that\n"
+          "hold corrections.\n"
           "\n"
-          "Between the blocks a port may send NMEA sentences (whole ones with a valid checksum),\n"
+          "Between the blocks a port may send NMEA sentences (complete, with a valid checksum),\n"
           "RTCM 3 frames and ASCII text: lines that end with CR and LF, and prompts. They are\n"
-          "written as they are; by --from, --to and --interval each goes with the block before "
-          "it.\n")
+          "written unchanged; --from, --to and --interval treat each like the block before it.\n")
 {
     m_streams.addInputs(m_app);
     m_streams.addDamageReport(m_app);
@@ -103,7 +101,7 @@ ExtractCommand::ExtractCommand(CLI::App& program)
 ExitStatus ExtractCommand::run()
 {
     if (m_mode.empty() && m_between.empty())
-        throw ToolError("extract: --mode or --between is needed");
+        throw ToolError("extract: --mode or --between is required");
     m_streams.checkBefore(m_target);
     refuseTerminal(m_target);
     Output output(m_target);

@@ -8,8 +8,7 @@
 namespace tqx::tool
 {
 
-/// `tqx extract`: the correction messages that a receiver has received, or what came between
-/// blocks.
+/// `tqx extract`: the correction messages that a receiver received, or what came between blocks.
 class ExtractCommand : public Command
 {
 public:

@@ -29,7 +29,7 @@ void HelpCommand::appendHelp(Buffer& out) const
     if (!subject)
         throw ToolError(unknownName("command", m_topic, names));
     const bool isProgram = subject == &m_program;
-    // App::help() of the program would show the command that was parsed, which is this one.
+    // App::help() of the program would show the parsed command, which is this one.
     out.append(isProgram ? m_program.get_formatter()->make_help(&m_program, m_program.get_name(),
                                                                 CLI::AppFormatMode::Normal)
                          : subject->help(m_program.get_name()));

@@ -10,8 +10,8 @@ class Buffer;
 namespace tqx::tool
 {
 
-/// `tqx help`: help of the program or of a command. Options that help does not show write the
-/// manual page and the completion script while the program is built.
+/// `tqx help`: help for the program or a command. Hidden options write the manual page and the
+/// completion script during the build.
 class HelpCommand : public Command
 {
 public:

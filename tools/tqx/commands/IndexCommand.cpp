@@ -49,17 +49,17 @@ std::string describe(const IndexedLog& log)
 
 IndexCommand::IndexCommand(CLI::App& program)
     : Command(
-          program, "index", "Save beside logs where their blocks are",
+          program, "index", "Save an index beside each log",
           "  tqx index day1.tqx day2.tqx.gz\n"
           "  tqx index --show --list day1.tqx\n"
           "\n"
-          "The index of FILE is FILE.tqxi. One that is there already is used if it is that of\n"
-          "the log, goes on if the log has become longer, and is made anew otherwise. Logs may\n"
-          "be compressed with gzip or zstd.\n")
+          "The index of FILE is FILE.tqxi. An existing one is used if it belongs to the log,\n"
+          "extended if the log has grown, and made anew otherwise. Logs may be compressed with\n"
+          "gzip or zstd.\n")
 {
     m_app.add_option("FILE", m_files, "Logs")->required()->type_name("");
     m_descriptions.add(m_app);
-    m_app.add_flag("--show", m_onlyShow, "Save nothing, only say what the logs hold");
+    m_app.add_flag("--show", m_onlyShow, "Save nothing, only show what the logs hold");
     m_app.add_flag("--list", m_list, "Also list the blocks of each type");
 }
 

@@ -33,7 +33,7 @@ public:
             [this](const Neighbour& neighbour) { m_summary.addNeighbour(neighbour); });
     }
     void take(BlockStream& stream, const Block& block) override { m_summary.add(stream, block); }
-    // What is shown of a whole stream is counted up to where it is read.
+    // What is shown for a whole stream is counted up to the current place.
     bool canSkip() const override { return !m_isLimited; }
     void end(InputStream& stream) override
     {
@@ -57,31 +57,28 @@ InfoCommand::InfoCommand(CLI::App& program)
           "  tqx info --json *.tqx | jq .crcErrors\n"
           "  tqx info --each monday.tqx tuesday.tqx\n"
           "\n"
-          "Several files are read as one stream. With --each, every file is one of its own, "
-          "and\n"
-          "has a column in which the blocks of each type are counted, with their rate and gaps.\n"
+          "Several files are read as one stream. With --each, every file is a separate stream\n"
+          "with its own column, which counts the blocks of each type, with their rate and gaps.\n"
           "\n"
-          "The text shows the first ten places of damage, JSON the first thousand, likewise of\n"
-          "blocks that do not decode or have an unknown number. A gap is an interval of at least\n"
-          "one and a half times the one at which a type usually comes, an outage is one in which\n"
-          "blocks of no type come; JSON lists the first 100,000 of each with their starts. First\n"
-          "and last are the earliest and the latest time. Time runs back where a block is earlier\n"
-          "than the one of its type before it; an epoch is repeated when blocks of a type come "
-          "with\n"
-          "a time that blocks of that type had before. NMEA sentences, RTCM 3 frames and text\n"
-          "between the blocks are counted apart and are no damage. Under --limit the bytes are "
-          "those\n"
-          "that were read so far, in pieces.\n")
+          "The text shows the first ten places of damage, JSON the first thousand; likewise for\n"
+          "blocks that do not decode or have an unknown number. A gap is an interval of at\n"
+          "least one and a half times the usual one of a type; an outage is a gap in the blocks\n"
+          "of all types. JSON lists the first 100,000 of each with their starts. First and last\n"
+          "are the earliest and the latest time. Time runs back where a block is earlier than\n"
+          "the previous one of its type; an epoch is repeated when a type recurs with an\n"
+          "earlier time of its own. NMEA sentences, RTCM 3 frames and text between the blocks\n"
+          "are counted separately and are not damage. With --limit, the bytes are those read so\n"
+          "far, in pieces.\n")
 {
     m_streams.addInputs(m_app);
     m_streams.addSelection(m_app);
-    m_app.add_flag("--json", m_json, "A JSON object instead of text");
+    m_app.add_flag("--json", m_json, "Write a JSON object instead of text");
     m_app.add_flag(
         "--each", m_isEach,
-        "Compare files side by side: a column for each, or with --json an array of objects");
+        "Compare files side by side: one column each, or with --json an array of objects");
 }
 
-/// The logs side by side.
+/// Logs side by side.
 ExitStatus InfoCommand::showEach(Output& output)
 {
     SummaryTable table;

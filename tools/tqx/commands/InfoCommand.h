@@ -8,7 +8,7 @@ namespace tqx::tool
 
 class Output;
 
-/// `tqx info`: what a stream holds.
+/// `tqx info`: the content of a stream.
 class InfoCommand : public Command
 {
 public:

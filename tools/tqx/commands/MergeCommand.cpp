@@ -19,27 +19,20 @@ MergeCommand::MergeCommand(CLI::App& program)
           "  tqx merge morning.tqx noon.tqx evening.tqx -o day.tqx\n"
           "  tqx merge receiver/*.tqx.gz | tqx info -\n"
           "\n"
-          "Blocks are copied byte for byte, sorted by the GNSS time of their headers. Those of "
-          "one\n"
-          "time are in the order of the inputs. A block without time stays after the one that it\n"
-          "follows in its input, and so does one that is up to a minute earlier, for the blocks "
-          "of\n"
-          "one epoch may have different times. A block whose time is far from that of both its\n"
-          "neighbours stays where it is.\n"
+          "Blocks are copied byte for byte, sorted by the GNSS time in their headers; at equal\n"
+          "times, in the order of the inputs. A block without a time stays after the one that\n"
+          "it follows in its input, and so does one that is up to a minute earlier, because\n"
+          "blocks of one epoch may have different times. A block whose time is far from those\n"
+          "of both its neighbours stays where it is.\n"
           "\n"
-          "Where inputs overlap, duplicates are dropped: blocks with the same bytes and time. "
-          "Blocks\n"
-          "without time may be repeated by the receiver; as many remain as the input has that "
-          "repeats\n"
-          "them most. Damage and bytes between blocks are dropped and reported.\n"
+          "Where inputs overlap, duplicates are dropped: blocks with the same bytes and time. A\n"
+          "receiver may repeat blocks without a time; these remain as often as in the input\n"
+          "that repeats them most. Damage and bytes between blocks are dropped and reported.\n"
           "\n"
-          "All inputs are read at the same time, and once. Where the time of one runs back by "
-          "more\n"
-          "than a minute, this is reported, and its next blocks are merged from their own time on: "
-          "the\n"
-          "output runs back as well, and duplicates of what was written before are not "
-          "recognised.\n"
-          "Split such a log with --every first, and merge its parts.\n")
+          "All inputs are read once, at the same time. Where the time of an input runs back by\n"
+          "more than a minute, this is reported, and its next blocks are merged from their own\n"
+          "time on: the output then runs back, too, and duplicates of what was written before\n"
+          "are not recognised. Split such a log with --every first, and merge its parts.\n")
 {
     m_app
         .add_option("FILE", m_files,
@@ -50,12 +43,12 @@ MergeCommand::MergeCommand(CLI::App& program)
     m_app.add_flag("-q,--quiet", m_isQuiet,
                    "Show no progress and do not report damage on standard error");
     m_app.add_flag("-v,--verbose", m_isVerbose,
-                   "Name every damaged place on standard error, not only the first ten");
+                   "Report every damaged place on standard error, not only the first ten");
     m_app.add_option("-o,--output", m_target, "File to write instead of standard output")
         ->type_name("FILE");
 }
 
-/// Has damage reported with the input that it is in.
+/// Reports damage with its input.
 void MergeCommand::listen(InputStream& stream, words::Limit& limit) const
 {
     stream.setGapListener([this, &limit](const StreamGap& gap) {

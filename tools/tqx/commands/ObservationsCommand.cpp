@@ -57,21 +57,20 @@ private:
 } // namespace
 
 ObservationsCommand::ObservationsCommand(CLI::App& program)
-    : Command(program, "observations", "Show what was measured of each satellite and signal",
-              "  tqx observations log.tqx > observations.csv\n"
-              "  tqx observations --satellite 'G*,E*' --signal '1C' --interval 30 log.tqx\n"
-              "  tqx observations --format jsonl log.tqx | jq 'select(.Lost)'\n"
-              "  tqx observations --format sqlite log.tqx -o log.sqlite\n"
-              "\n"
-              "One row for each epoch, satellite, signal and antenna, from the measurement blocks "
-              "of\n"
-              "all generations; signals are named by band and attribute as in RINEX. Values are\n"
-              "those of the receiver: no correction is applied, and its clock is not taken out.\n"
-              "Lost says that lock was lost since the epoch before, HalfCycle that the phase may "
-              "be\n"
-              "wrong by half a cycle. Channel is the frequency number of GLONASS satellites.\n"
-              "\n" +
-                  std::string(EpochOptions::notes))
+    : Command(
+          program, "observations", "Show the measurements of each satellite and signal",
+          "  tqx observations log.tqx > observations.csv\n"
+          "  tqx observations --satellite 'G*,E*' --signal '1C' --interval 30 log.tqx\n"
+          "  tqx observations --format jsonl log.tqx | jq 'select(.Lost)'\n"
+          "  tqx observations --format sqlite log.tqx -o log.sqlite\n"
+          "\n"
+          "One row per epoch, satellite, signal and antenna, from the measurement blocks of all\n"
+          "generations; signals are named by band and attribute as in RINEX. Values are those\n"
+          "of the receiver: no correction is applied, and its clock is not removed. Lost means\n"
+          "that lock was lost since the previous epoch, HalfCycle that the phase may be wrong\n"
+          "by half a cycle. Channel is the frequency number of GLONASS satellites.\n"
+          "\n" +
+              std::string(EpochOptions::notes))
 {
     CLI::App& command = getApp();
     m_streams.addInputs(command);

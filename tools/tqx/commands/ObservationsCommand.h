@@ -10,7 +10,7 @@
 namespace tqx::tool
 {
 
-/// `tqx observations`: what was measured of each signal, as a long table.
+/// `tqx observations`: the measurements of each signal, as a long table.
 class ObservationsCommand : public Command
 {
 public:

@@ -6,8 +6,8 @@
 #include "io/ToolError.h"
 #include "io/Words.h"
 #include "options/Numbers.h"
+#include "output/ReferenceTrack.h"
 #include "output/ReportText.h"
-#include "tqx/gnss/position/SourceChoice.h"
 #include "tqx/gnss/quality/QualityGatherer.h"
 #include "tqx/log/record/RecordDecoder.h"
 #include "tqx/log/source/JoinedSource.h"
@@ -17,7 +17,6 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
-#include <map>
 #include <utility>
 
 namespace tqx::tool
@@ -48,7 +47,7 @@ public:
         m_gatherer.take(m_decoder.getDecoded());
     }
 
-    /// Damage counts wherever it is.
+    /// Damage counts even outside the selected times.
     bool canSkip() const override { return false; }
 
     void end(InputStream& stream) override
@@ -80,30 +79,32 @@ ReportCommand::ReportCommand(CLI::App& program)
           "\n"
           "Epochs found and expected, outages, satellites, C/N0, multipath, cycle slips,\n"
           "dilution of precision, scatter of the positions or their error against a reference,\n"
-          "corrections, the state of the receiver and damage, each with a verdict; and what is\n"
-          "conspicuous, with its time. Several files are compared side by side. The definitions\n"
-          "of all figures, their thresholds and the keys of --json are in the guide, "
-          "doc/report.md.\n"
+          "corrections, the state of the receiver and damage, each with a verdict; and\n"
+          "conspicuous events with their times. Several files are compared side by side. The\n"
+          "definitions of all figures, their thresholds and the keys of --json are in the\n"
+          "guide, doc/report.md.\n"
           "\n"
-          "A requirement is a comparison of a figure with a number (< <= > >= == !=), or several\n"
-          "with `and` and `or` between them. When it is not met, in one of several logs, the exit\n"
-          "status is 3. A figure that is not known meets no requirement.\n")
+          "A requirement is a comparison of a figure with a number (< <= > >= == !=), or\n"
+          "several joined by `and` and `or`. If a log does not meet it, the exit status is 3.\n"
+          "An unknown figure meets no requirement.\n")
 {
     m_streams.addInputs(m_app);
     m_app
         .add_option("-o,--output", m_page,
-                    "Write the report as a page for a browser, which needs no network")
+                    "Write the report as a self-contained page for a browser")
         ->type_name("FILE");
-    m_app.add_flag("--json", m_json, "A JSON object instead of text");
+    m_app.add_flag("--json", m_json, "Write a JSON object instead of text");
     m_app
         .add_option("--reference", m_reference,
-                    "Where the antenna was: degrees and metres above the ellipsoid, or a log whose "
-                    "positions at the same times are right")
+                    "True place of the antenna: degrees and metres above the ellipsoid, or a log "
+                    "with the true positions at the same times")
         ->type_name("LAT,LON,H|FILE");
     addReal(m_app, "--mask", m_mask, 0, 80, "degrees",
             "Leave out satellites below this elevation, where it is known")
         ->type_name("DEGREES");
-    m_app.add_option("--require", m_requirement, "What must hold, or the exit status is 3")
+    m_app
+        .add_option("--require", m_requirement,
+                    "Requirement; unless it is met, the exit status is 3")
         ->type_name("EXPRESSION");
     m_app.add_flag("--together", m_isJoined, "Read several files as one log");
 }
@@ -127,26 +128,11 @@ quality::Reference ReportCommand::readReference() const
     refuseUnreadable({m_reference});
     JoinedSource source({m_reference}, {});
     BlockStream stream(source);
-    RecordDecoder decoder;
-    SourceChoice choice;
-    std::map<const PositionSource*, std::vector<quality::Reference::TimedPlace>> places;
-    for (Block block = {}; stream.next(block);) {
-        Position position;
-        if (!positionSource(block.getNumber()) || decoder.decode(block) <= 0 ||
-            !readPosition(decoder.getRecord(), position) || position.fix == Fix::None)
-            continue;
-        choice.take(position);
-        std::vector<quality::Reference::TimedPlace>& list = places[position.source];
-        if (list.empty() || position.time > list.back().time) {
-            list.push_back(
-                {position.time, {position.latitude, position.longitude, position.height}});
-        }
-    }
-    if (!choice.best()) {
+    reference.track = readReferenceTrack(stream);
+    if (reference.track.empty()) {
         throw ToolError(
             fmt::format("report: --reference {}: no positions", shortened(m_reference)));
     }
-    reference.track = std::move(places[choice.best()]);
     return reference;
 }
 

@@ -40,13 +40,11 @@ RinexCommand::RinexCommand(CLI::App& program)
           "  tqx rinex --rinex 4.02 --marker GRAZ --observer 'A. Surveyor' day.tqx\n"
           "  tqx rinex --satellite 'G*,E*' --from 2400:216000 --to 2400:219600 day.tqx\n"
           "\n"
-          "The files have long names made of marker, start, length and interval: one of\n"
-          "observations for each antenna, and one of navigation messages. Times and\n"
-          "observations are those of the receiver, its clock is not taken out; the offset of an\n"
-          "epoch is written where the log has it. What the header must say of the whole log "
-          "comes\n"
-          "from a first pass, for which standard input is kept in a temporary file in the\n"
-          "folder.\n"
+          "The files, one of observations per antenna and one of navigation messages, have long\n"
+          "names made from marker, start, length and interval. Times and observations are those\n"
+          "of the receiver, whose clock is not removed; the clock offset of an epoch is written\n"
+          "where the log has it. Headers describe the whole log, so it is read twice; standard\n"
+          "input is kept in a temporary file in the folder.\n"
           "\n" +
               std::string(EpochOptions::notes))
 {
@@ -54,7 +52,7 @@ RinexCommand::RinexCommand(CLI::App& program)
     m_streams.addInputs(command);
     m_streams.addDamageReport(command);
     m_epochs.add(command);
-    command.add_option("-o,--output", m_folder, "Folder for the files, created if it is missing")
+    command.add_option("-o,--output", m_folder, "Folder for the files, created if missing")
         ->type_name("FOLDER")
         ->capture_default_str();
     command.add_option("--rinex", m_version, "Version of the files")
@@ -88,7 +86,7 @@ ExitStatus RinexCommand::run()
     if (error)
         throw ToolError(m_folder + ": " + error.message());
 
-    RinexRun files(std::move(request), m_streams.hasStandardInput());
+    RinexRun files(request, m_streams.hasStandardInput());
     NoSink nothing;
     const ExitStatus status = m_streams.read(files, nothing);
     return worse(status, files.writeFiles(m_streams.getFiles(), m_streams.isQuiet()));

@@ -42,28 +42,26 @@ SimulateCommand::SimulateCommand(CLI::App& program)
           "  tqx simulate --mixed -o mixed.tqx\n"
           "  tqx simulate --compact --systems gps,qzss --slips 20 --clock-drift 5 -o rough.tqx\n"
           "\n"
-          "The receiver tracks the nominal constellations of GPS, GLONASS, Galileo and BeiDou, "
-          "and\n"
-          "if asked QZSS, NavIC and SBAS, on up to three signals each. Its measurements agree "
-          "with\n"
-          "the navigation messages: geometry, clocks, group delays, ionosphere (the broadcast\n"
-          "Klobuchar model), troposphere (Saastamoinen in a standard atmosphere) and noise. The\n"
-          "same seed gives the same bytes from one build.\n")
+          "The receiver tracks the nominal constellations of GPS, GLONASS, Galileo and BeiDou,\n"
+          "and on request QZSS, NavIC and SBAS, on up to three signals each. Its measurements\n"
+          "agree with the navigation messages: geometry, clocks, group delays, ionosphere (the\n"
+          "broadcast Klobuchar model), troposphere (Saastamoinen in a standard atmosphere) and\n"
+          "noise. The same seed gives the same bytes from one build.\n")
 {
     declareLength();
     declareTrack();
     declareReceiver();
     addInputOptions(m_app, m_settings);
     addWhole(m_app, "--seed", m_settings.seed, 0, std::numeric_limits<uint64_t>::max(),
-             "Start of the random numbers")
+             "Seed of the random numbers")
         ->type_name("NUMBER");
     m_app.add_flag("--damage", m_settings.damage,
-                   "Flip bits, cut blocks and put junk between them");
+                   "Flip bits, truncate blocks and insert junk between them");
     m_app.add_flag("--compact", m_settings.compact,
-                   "Send the measurements in compact blocks as well: residues between full epochs");
+                   "Also send the measurements in compact blocks: residues between full epochs");
     m_faults.add(m_app);
     m_app.add_flag("--mixed", m_settings.mixed,
-                   "Put NMEA sentences, RTCM 3 frames and replies between the blocks");
+                   "Insert NMEA sentences, RTCM 3 frames and replies between the blocks");
     m_app.add_option("-o,--output", m_target, "File to write instead of standard output")
         ->type_name("FILE");
 }
@@ -77,11 +75,12 @@ void SimulateCommand::declareLength()
                          "Length of the log in seconds")
                      ->type_name("SECONDS");
     addBytes(m_app, "--size", m_settings.size,
-             "End the log at this size, as 500MB or 1GB; without --duration at no other time")
+             "End the log at this size, such as 500MB or 1GB; without --duration, only the size "
+             "limits the log")
         ->type_name("BYTES")
         ->default_str("");
     addReal(m_app, "--rate", m_rate, 1e-4, 1000, "hertz",
-            "Epochs a second; the period must be whole milliseconds")
+            "Epochs per second; the period must be in whole milliseconds")
         ->type_name("HERTZ");
 }
 
@@ -89,8 +88,8 @@ void SimulateCommand::declareReceiver()
 {
     m_app
         .add_option("--systems", m_systems,
-                    "Satellite systems that the receiver tracks, of gps, glonass, galileo, beidou, "
-                    "qzss, navic and sbas; without, the first four")
+                    "Satellite systems that the receiver tracks, from gps, glonass, galileo, "
+                    "beidou, qzss, navic and sbas; the first four by default")
         ->delimiter(',')
         ->allow_extra_args(false)
         ->transform(CLI::IsMember(systemNames, CLI::ignore_case).description(""))
@@ -98,18 +97,19 @@ void SimulateCommand::declareReceiver()
         ->default_str("");
     m_app.add_flag(
         "--two-antennas", m_settings.receiver.hasSecondAntenna,
-        "Measure at a second antenna as well, 1.5 m ahead of the first on a vehicle that heads "
+        "Also measure at a second antenna, 1.5 m ahead of the first on a vehicle that heads "
         "east at first, and find the attitude");
     m_app.add_flag(
         "--almanacs", m_settings.almanacs,
         "Send almanacs of all satellites but those of NavIC, which have no block, and of SBAS "
         "services that are not received");
-    m_clockDrift = addReal(m_app, "--clock-drift", m_partsPerMillion, -100, 100, "ppm",
-                           "Drift of the clock; 10 are a jump by a millisecond every 100 seconds")
-                       ->type_name("PPM")
-                       ->default_str("");
+    m_clockDrift =
+        addReal(m_app, "--clock-drift", m_partsPerMillion, -100, 100, "ppm",
+                "Drift of the clock; 10 means a jump of one millisecond every 100 seconds")
+            ->type_name("PPM")
+            ->default_str("");
     addReal(m_app, "--slips", m_settings.receiver.slipsPerHour, 0, 3600, "an hour",
-            "How often lock on a satellite is lost, in the mean")
+            "How often lock on a satellite is lost, on average")
         ->type_name("PER_HOUR");
 }
 
@@ -130,18 +130,18 @@ void SimulateCommand::declareTrack()
     m_app
         .add_option(
             "--track", m_track,
-            "How the antenna moves: not at all, on a circle of 200 m radius or on a line eastwards")
+            "How the antenna moves: not at all, on a circle of 200 m radius or eastwards on a line")
         ->transform(CLI::IsMember({"static", "circle", "line"}, CLI::ignore_case).description(""))
         ->type_name("static|circle|line")
         ->capture_default_str();
     addReal(m_app, "--speed", m_settings.track.speed, 0, 300, "metres a second",
-            "Speed on the track in metres a second")
+            "Speed on the track in metres per second")
         ->type_name("SPEED");
-    m_app.add_option("--position", m_position, "Where the track begins: degrees and metres")
+    m_app.add_option("--position", m_position, "Start of the track: degrees and metres")
         ->option_text("LAT,LON,HEIGHT=47.07,15.45,412.3");
 }
 
-/// Sets the time of the first epoch. Before week 1930 there were other leap seconds.
+/// Sets the time of the first epoch. Before week 1930 the number of leap seconds was different.
 void SimulateCommand::readStart()
 {
     constexpr double lastMillisecond = 604799.999;
@@ -158,7 +158,7 @@ void SimulateCommand::readStart()
         m_settings.towMillis = static_cast<uint32_t>(std::llround(millis));
     } catch (const DataError&) {
         throw ToolError(
-            fmt::format("simulate: {} is no start, such as 2400:216000", shortened(m_start)));
+            fmt::format("simulate: {} is not a start, such as 2400:216000", shortened(m_start)));
     }
 }
 

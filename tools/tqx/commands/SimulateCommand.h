@@ -7,7 +7,7 @@
 namespace tqx::tool
 {
 
-/// `tqx simulate`: the log of a receiver that does not exist.
+/// `tqx simulate`: the log of a simulated receiver.
 class SimulateCommand : public Command
 {
 public:

@@ -35,35 +35,32 @@ std::string sourceList()
 } // namespace
 
 TrackCommand::TrackCommand(CLI::App& program)
-    : Command(program, "track", "Write positions for maps and tables",
-              "  tqx track log.tqx > positions.csv\n"
-              "  tqx track --format gpx --interval 1 day1.tqx day2.tqx.gz -o days.gpx\n"
-              "  tqx track --format gpkg --source 4007 log.tqx -o log.gpkg\n"
-              "  tqx track --format nmea --live --source 4007 - < /dev/ttyUSB0\n"
+    : Command(
+          program, "track", "Write positions for maps and tables",
+          "  tqx track log.tqx > positions.csv\n"
+          "  tqx track --format gpx --interval 1 day1.tqx day2.tqx.gz -o days.gpx\n"
+          "  tqx track --format gpkg --source 4007 log.tqx -o log.gpkg\n"
+          "  tqx track --format nmea --live --source 4007 - < /dev/ttyUSB0\n"
+          "\n"
+          "Positions are those of one kind of block, --source; the kinds are, best first:\n" +
+              sourceList() +
+              "Without --source, this is the best one that covers at least nine tenths of the "
+              "time\n"
+              "that any of them covers; input that cannot be read twice, such as standard input, "
+              "is\n"
+              "judged by its first ten seconds.\n"
               "\n"
-              "Positions are those of one kind of block, --source; the kinds are, best first:\n" +
-                  sourceList() +
-                  "Without --source it is the best that covers nine tenths of the time that any "
-                  "covers; what\n"
-                  "cannot be read twice, such as standard input, is judged by its first ten "
-                  "seconds.\n"
-                  "\n"
-                  "Heights: csv and gpkg have those above ellipsoid and geoid, geojson those above "
-                  "the\n"
-                  "ellipsoid as coordinates, gpx and kml those above the geoid where the block has "
-                  "its\n"
-                  "undulation. Accuracies are as the block has them, and the level says which: "
-                  "standard\n"
-                  "deviations (1 sigma; the horizontal one is the root of the sum of both "
-                  "variances) or\n"
-                  "95 %. Cartesian coordinates are converted on WGS84. Epochs without a position "
-                  "are left\n"
-                  "out; nmea has them as sentences that say so. NMEA sentences are GGA, RMC and "
-                  "ZDA, and\n"
-                  "GSA, without satellites, where the log has dilutions of precision; with\n"
-                  "seven decimals of minutes they may be longer than 82 characters, and precise "
-                  "point\n"
-                  "positioning is quality 5, for want of its own.\n")
+              "Heights: csv and gpkg have those above ellipsoid and geoid, geojson those above "
+              "the\n"
+              "ellipsoid as coordinates, gpx and kml those above the geoid where the block has "
+              "its\n"
+              "undulation. Accuracies are those of the block, and the level says of which kind:\n"
+              "standard deviations (1 sigma; the horizontal one is the root of the sum of both\n"
+              "variances) or 95 %. Cartesian coordinates are converted on WGS84. Epochs without a\n"
+              "position are left out, except in nmea, where sentences say so. NMEA sentences are\n"
+              "GGA, RMC and ZDA, and GSA (without satellites) where the log has dilutions of\n"
+              "precision; with seven decimals of minutes they may be longer than 82 characters.\n"
+              "Precise point positioning has quality 5, because NMEA has no number for it.\n")
 {
     m_streams.addInputs(m_app);
     m_streams.addDamageReport(m_app);
@@ -73,7 +70,7 @@ TrackCommand::TrackCommand(CLI::App& program)
         ->type_name("csv|gpx|kml|geojson|gpkg|nmea")
         ->capture_default_str();
     m_app
-        .add_option("--source", m_source, "Kind of block that has the positions, by name or number")
+        .add_option("--source", m_source, "Kind of block to take positions from, by name or number")
         ->type_name("TYPE");
     m_app.add_option("-o,--output", m_target, "File to write instead of standard output")
         ->type_name("FILE");
@@ -109,7 +106,7 @@ std::string TrackCommand::trackName() const
     return name == "-" ? "track" : name;
 }
 
-/// Which source was chosen among several, and what is not in the track.
+/// Reports which of several sources was chosen, and what is not in the track.
 void TrackCommand::say(const TrackOutput& track) const
 {
     const PositionSource* const chosen = track.getSource();

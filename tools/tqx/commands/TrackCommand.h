@@ -12,7 +12,7 @@ namespace tqx::tool
 
 class TrackOutput;
 
-/// `tqx track`: the positions in logs, in formats that maps and tables take.
+/// `tqx track`: the positions in logs, in formats for maps and tables.
 class TrackCommand : public Command
 {
 public:

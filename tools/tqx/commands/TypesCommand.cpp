@@ -24,7 +24,7 @@ namespace
 
 using Types = std::vector<const TQX_TypeLayout*>;
 
-/// The types that a name, a block number or a pattern stands for.
+/// The types that match a name, a block number or a pattern.
 Types typesOf(const std::string& name, const Schema& schema)
 {
     uint16_t number = 0;
@@ -81,17 +81,17 @@ TypesCommand::TypesCommand(CLI::App& program)
 {
     m_app
         .add_option("NAME", m_names,
-                    "Types to show the layout of: names, block numbers, or patterns such as 'PVT*'")
+                    "Types whose layout to show: names, block numbers, or patterns such as 'PVT*'")
         ->delimiter(',')
         ->type_name("");
     m_descriptions.add(m_app);
-    CLI::Option* asJson =
-        m_app.add_flag("--json", m_json, "All metadata as a JSON array, in order of registration");
+    CLI::Option* asJson = m_app.add_flag(
+        "--json", m_json, "Write all metadata as a JSON array, in the order of registration");
     m_app
         .add_flag("--fields", m_fields,
-                  "Names of fields alone, a line each, as dump --field takes them")
+                  "List only the names of fields, one per line, in the form of dump --field")
         ->excludes(asJson);
-    m_units.add(m_app, "How units are written in layouts: meter, or m")->excludes(asJson);
+    m_units.add(m_app, "Write units in layouts as words (meter) or symbols (m)")->excludes(asJson);
 }
 
 ExitStatus TypesCommand::run()
@@ -116,7 +116,7 @@ void TypesCommand::appendJson(Buffer& out) const
                                          : typesOf(m_names, m_descriptions.getSchema()));
 }
 
-/// Of several types each name once.
+/// Each name once, even if several types have it.
 void TypesCommand::appendFields(Buffer& out) const
 {
     std::unordered_set<std::string> known;

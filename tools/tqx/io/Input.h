@@ -20,8 +20,8 @@ public:
     Input& operator=(const Input&) = delete;
 
     /// Reads up to `capacity` bytes and returns how many, 0 at the end or once the
-    /// program is interrupted. Does not wait for more
-    /// than what a pipe holds. Throws SourceError.
+    /// program is interrupted. Returns what a pipe holds without waiting for more. Throws
+    /// SourceError.
     size_t read(uint8_t* bytes, size_t capacity) override;
 
     bool isReady(std::chrono::milliseconds patience) override;
@@ -38,7 +38,7 @@ public:
     /// Size of a regular file in bytes, 0 when it is not known.
     uint64_t getSize() const { return m_size; }
 
-    /// Bytes read or passed over so far.
+    /// Number of bytes read or skipped so far.
     uint64_t getPosition() const { return m_position; }
 
 private:

@@ -45,7 +45,7 @@ bool InputSequence::openNext()
     return true;
 }
 
-/// Bytes read, 0 at the end of the input at hand.
+/// Number of bytes read, 0 at the end of the current input.
 size_t InputSequence::readInput(uint8_t* bytes, size_t capacity)
 {
     try {
@@ -56,7 +56,7 @@ size_t InputSequence::readInput(uint8_t* bytes, size_t capacity)
     }
 }
 
-/// What has come is handed on when nothing follows at once, and in a steady stream now and then.
+/// Flushes what has arrived when nothing follows at once, and from time to time in a steady stream.
 void InputSequence::handOn()
 {
     constexpr std::chrono::milliseconds patience(20);

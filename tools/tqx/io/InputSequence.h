@@ -16,39 +16,38 @@
 namespace tqx::tool
 {
 
-/// Inputs that follow each other as one source, opened one after the other and decompressed. One
-/// that cannot be read is reported to standard error and left out from there on. Shows progress on
-/// a terminal.
+/// Inputs concatenated as one source, opened one by one and decompressed. One that cannot be read
+/// is reported on standard error and skipped from there on. Shows progress on a terminal.
 class InputSequence : public ByteSource
 {
 public:
-    /// "-" among the paths is standard input. A `quiet` one shows no progress.
+    /// "-" among the paths is standard input. With `quiet`, no progress is shown.
     InputSequence(std::vector<std::string> paths, bool quiet);
 
     size_t read(uint8_t* bytes, size_t capacity) override;
 
-    /// Has what came so far handed on before it waits.
+    /// Calls the action before it waits.
     bool isReady(std::chrono::milliseconds patience) override;
 
-    /// Offsets must not go down by more than one block from call to call.
+    /// Offsets must not decrease by more than one block from call to call.
     Place placeOf(uint64_t offset) const override;
 
     bool isInterrupted() const override;
 
-    /// Has the only input count as opened, though it is read by other means.
+    /// Counts the only input as opened, though it is read by other means.
     void passOver();
 
-    /// Inputs that cannot be read are left out without a report: another pass makes it.
+    /// Skips unreadable inputs without a report: another pass reports them.
     void leaveOutSilently() { m_reports = false; }
 
     /// Leaves the rest of the inputs unread.
     void close();
 
-    /// Has `action` called before more of the input is waited for: the moment to hand on what a
-    /// live stream has brought so far.
+    /// Sets an action to call before waiting for more input: the moment to flush what a live stream
+    /// has brought so far.
     void setBeforeRead(std::function<void()> action) { m_beforeRead = std::move(action); }
 
-    /// Has `action` called with all bytes that are read, in order.
+    /// Sets an action to call with all bytes read, in order.
     void setCopy(std::function<void(const uint8_t*, size_t)> action) { m_copy = std::move(action); }
 
     /// Names of the inputs that could be opened so far.
@@ -60,7 +59,7 @@ public:
         std::vector<uint8_t> bytes; ///< up to 4,096
     };
 
-    /// Those of the first ten inputs that have any.
+    /// The beginnings of the first ten inputs that have any.
     const std::vector<Head>& getHeads() const { return m_heads; }
 
     /// Reports that an input cannot be read.
@@ -70,7 +69,7 @@ public:
     bool hasFailed() const { return m_failed; }
 
 private:
-    /// One input within the sequence.
+    /// One input in the sequence.
     struct Part {
         std::string name;
         uint64_t start; ///< in the sequence

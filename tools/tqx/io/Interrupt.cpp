@@ -22,7 +22,7 @@ void watch()
 {
     struct sigaction action = {};
     action.sa_handler = note;
-    action.sa_flags = static_cast<int>(SA_RESETHAND); // not SA_RESTART: reads are to end
+    action.sa_flags = static_cast<int>(SA_RESETHAND); // no SA_RESTART: reads must end
     for (const int signal : {SIGINT, SIGTERM}) {
         struct sigaction before = {};
         if (::sigaction(signal, nullptr, &before) == 0 && before.sa_handler != SIG_IGN)

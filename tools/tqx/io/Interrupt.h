@@ -4,17 +4,17 @@ namespace tqx::tool
 {
 
 /// Requests to end, from the keyboard or by `kill`. The first one ends the inputs: what has been
-/// read until then is still written and summed up. A second one ends the program at once.
+/// read until then is still written and summarised. A second one ends the program at once.
 namespace interrupt
 {
 
-/// Begins to take requests.
+/// Begins to accept requests.
 void watch();
 
-/// Whether one has come.
+/// Whether a request has come.
 bool hasCome();
 
-/// Ends the program as the request would have ended it, if one has come.
+/// If a request has come, ends the program as the request would have.
 void obey();
 
 } // namespace interrupt

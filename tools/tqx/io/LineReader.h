@@ -10,13 +10,12 @@
 namespace tqx::tool
 {
 
-/// The lines of an input, which may be compressed, one after the other.
+/// The lines of an input, which may be compressed, one by one.
 class LineReader
 {
 public:
-    /// Throws SourceError when the input cannot be opened. `progress` hears what is
-    /// read, `beforeRead` is called each time before more of the input is.
-    /// Of lines longer than `longest` bytes nothing is kept.
+    /// Throws SourceError when the input cannot be opened. Reports to `progress` what is read;
+    /// calls `beforeRead` before each read. Nothing is kept of lines longer than `longest` bytes.
     LineReader(const std::string& path, uint64_t longest, Progress& progress,
                std::function<void()> beforeRead);
 

@@ -22,10 +22,10 @@ NewFile::NewFile(const std::string& target) : m_target(target)
         throw ToolError(target + ": " + std::strerror(EISDIR));
     if (fs::exists(status)) {
         if (!fs::is_regular_file(status))
-            throw ToolError(target + ": is no regular file");
+            throw ToolError(target + ": is not a regular file");
         if (::access(target.c_str(), W_OK) != 0)
             throw ToolError(target + ": " + std::strerror(errno));
-        // Not the link is replaced, but what it points to.
+        // Replaces not the link, but what it points to.
         m_target = fs::canonical(target).string();
     }
     constexpr int mostLeftBehind = 100;

@@ -5,24 +5,24 @@
 namespace tqx::tool
 {
 
-/// A file that is written beside the one whose place it takes once it is complete: what was there
-/// stays as it is until then.
+/// A file that is written beside its target and replaces it once complete: until then the target is
+/// unchanged.
 class NewFile
 {
 public:
-    /// For a file `target`, which is there already or can be created. Throws ToolError when it
-    /// cannot be written, or is there and no regular file.
+    /// For a file `target`, which exists or can be created. Throws ToolError when it cannot be
+    /// written, or exists and is not a regular file.
     explicit NewFile(const std::string& target);
 
-    /// Removes what was written, unless it was put in place.
+    /// Removes the new file unless it has replaced the target.
     ~NewFile();
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
 
-    /// Where to write: an empty file.
+    /// Path of the empty file to write.
     const std::string& getPath() const { return m_path; }
 
-    /// Makes it the target. Throws ToolError.
+    /// Replaces the target. Throws ToolError.
     void putInPlace();
 
 private:

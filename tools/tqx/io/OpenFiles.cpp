@@ -20,9 +20,9 @@ void allowOpenFiles(size_t count)
         if (::setrlimit(RLIMIT_NOFILE, &limit) == 0)
             return;
     }
-    throw ToolError(fmt::format("{} inputs at the same time are more than the system allows, which "
-                                "is {} open files (see ulimit -n)",
-                                count, limit.rlim_max));
+    throw ToolError(fmt::format(
+        "{} inputs at the same time exceed the system's limit of {} open files (see ulimit -n)",
+        count, limit.rlim_max));
 }
 
 } // namespace tqx::tool

@@ -5,8 +5,8 @@
 namespace tqx::tool
 {
 
-/// Makes sure that so many inputs can be open at the same time, beside the files that the program
-/// has open anyway. Throws ToolError when the system allows fewer.
+/// Makes sure that `inputs` inputs can be open at the same time, besides the files that are always
+/// open. Throws ToolError when the system allows fewer.
 void allowOpenFiles(size_t count);
 
 } // namespace tqx::tool

@@ -10,7 +10,7 @@
 namespace tqx::tool
 {
 
-/// The data a command produces: one buffer, written in big pieces to standard output or a file.
+/// The output of a command: one buffer, written in large pieces to standard output or a file.
 class Output final : public Sink
 {
 public:
@@ -20,16 +20,16 @@ public:
     /// A new file, or standard output for "-". Throws ToolError when it cannot be created.
     explicit Output(const std::string& path);
 
-    /// Drops what has not been flushed.
+    /// Discards what has not been flushed.
     ~Output() override;
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
 
-    /// Writes these characters, past the buffer, and everything that is kept back on the way out.
-    /// Throws as flush().
+    /// Writes these characters, bypassing the buffer, and everything held back on the way. Throws
+    /// as flush().
     void write(std::string_view text);
 
-    /// What is to be written next; append to it, then call commit().
+    /// The output buffer; append to it, then call commit().
     Buffer& getBuffer() { return m_buffer; }
 
     void commit() override

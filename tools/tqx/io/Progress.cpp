@@ -15,7 +15,7 @@ namespace tqx::tool
 namespace
 {
 
-/// Bytes of all files together, 0 when one has no size.
+/// Total size of all files, 0 when one has no size.
 uint64_t sizeOf(const std::vector<std::string>& paths)
 {
     uint64_t sum = 0;
@@ -61,7 +61,7 @@ void Progress::add(uint64_t bytes)
     words::showProgress(describe(now));
 }
 
-/// The name comes last: it is what a narrow terminal cuts off.
+/// The name comes last: a narrow terminal cuts it off.
 std::string Progress::describe(Clock::time_point now) const
 {
     const double seconds = std::chrono::duration<double>(now - m_start).count();

@@ -8,20 +8,20 @@
 namespace tqx::tool
 {
 
-/// Tells on a terminal how far long inputs have been read: share, bytes, rate, name. Silent where
-/// words::canShowProgress() says so, and in the first second.
+/// Shows on a terminal how far long inputs have been read: share, bytes, rate, name. Silent unless
+/// words::canShowProgress(), and in the first second.
 class Progress
 {
 public:
-    /// Of inputs that follow each other. `isWanted` false keeps it silent.
+    /// Progress over concatenated inputs. `isWanted` false keeps it silent.
     Progress(const std::vector<std::string>& paths, bool isWanted);
-    /// Of something made, of which `size` bytes are expected, 0 when that is not known.
+    /// Progress of a product, of which `size` bytes are expected, 0 when not known.
     Progress(std::string name, uint64_t size);
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    /// What is read now.
+    /// Sets the name of the current input.
     void setName(const std::string& input) { m_name = input; }
 
     /// Reports that `bytes` more have been read.

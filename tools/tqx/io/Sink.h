@@ -3,17 +3,16 @@
 namespace tqx::tool
 {
 
-/// Where the data of a command goes, seen by what drives the command.
+/// Where the data of a command goes, as seen by what drives the command.
 class Sink
 {
 public:
     virtual ~Sink() = default;
 
-    /// Writes out what has become big. Throws as flush().
+    /// Flushes buffers that have become large. Throws as flush().
     virtual void commit() = 0;
 
-    /// Gives those who read along what there is, before more of an input is waited for. Throws as
-    /// flush().
+    /// Flushes before blocking on input, for readers of a live stream. Throws as flush().
     virtual void handOn() { flush(); }
 
     /// Writes everything out. Throws ClosedPipe when nobody reads any more, ToolError when
@@ -21,7 +20,7 @@ public:
     virtual void flush() = 0;
 };
 
-/// For data that go elsewhere, and not to those who read along.
+/// For data that go elsewhere, not to readers of a live stream.
 class NoSink final : public Sink
 {
 public:

@@ -11,11 +11,11 @@
 namespace tqx::tool
 {
 
-/// A temporary file that keeps what can only be read once, removed with the object.
+/// A temporary file for data that can only be read once; removed with the object.
 class Spool
 {
 public:
-    /// Creates it in a folder. Throws ToolError when that is refused.
+    /// Creates it in a folder. Throws ToolError when that fails.
     explicit Spool(const std::string& folder);
     ~Spool();
     Spool(const Spool&) = delete;
@@ -24,7 +24,8 @@ public:
     /// Appends bytes. Throws ToolError when there is no room for them.
     void add(const uint8_t* bytes, size_t size);
 
-    /// What was added, from the start. The spool must outlive it, and nothing may be added after.
+    /// Reads what was added, from the start. The spool must outlive the source, and nothing may be
+    /// added after this call.
     std::unique_ptr<ByteSource> read();
 
 private:

@@ -33,7 +33,7 @@ void refuseSameFile(const std::vector<std::string>& inputs, const std::string& t
         if (getStatus(path, STDIN_FILENO, input) && input.st_dev == output.st_dev &&
             input.st_ino == output.st_ino) {
             throw ToolError((target == "-" ? "standard output" : target) +
-                            " is an input, it cannot be the output as well");
+                            " is an input and cannot also be the output");
         }
     }
 }
@@ -56,7 +56,7 @@ void refuseUnreadable(const std::vector<std::string>& inputs)
 void refuseTerminal(const std::string& target)
 {
     if (target == "-" && ::isatty(STDOUT_FILENO) != 0)
-        throw ToolError("the output is no text for a terminal; name a file with -o, or use a pipe");
+        throw ToolError("the output is binary; name a file with -o, or use a pipe");
 }
 
 } // namespace tqx::tool

@@ -6,15 +6,15 @@
 namespace tqx::tool
 {
 
-/// Throws ToolError when one of the inputs is the regular file that is to be written: that would be
-/// gone before it is read, or grow for ever. "-" are standard input and output.
+/// Throws ToolError when one of the inputs is the regular file to be written: it would be gone
+/// before it is read, or grow for ever. "-" is standard input or output.
 void refuseSameFile(const std::vector<std::string>& inputs, const std::string& target);
 
-/// Throws SourceError when one of the inputs cannot be opened, for an output that is emptied must
-/// not be for nothing. Does not open what is no regular file, only looks whether it may be read.
+/// Throws SourceError when one of the inputs cannot be opened, so that no output is emptied in
+/// vain. Does not open other than regular files, but only checks whether they may be read.
 void refuseUnreadable(const std::vector<std::string>& inputs);
 
-/// Throws ToolError when bytes that are no text would be written to a terminal.
+/// Throws ToolError when binary data would be written to a terminal.
 void refuseTerminal(const std::string& target);
 
 } // namespace tqx::tool

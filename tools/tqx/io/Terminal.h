@@ -5,8 +5,7 @@
 namespace tqx::tool
 {
 
-/// Columns of the text that is written to standard output: those that the variable COLUMNS asks
-/// for, else those of the terminal, else 80.
+/// Width of text on standard output: from the variable COLUMNS, else that of the terminal, else 80.
 size_t outputWidth();
 
 } // namespace tqx::tool

@@ -7,16 +7,15 @@
 namespace tqx::tool
 {
 
-/// Something that keeps a command from going on with a file or at all. The text is what comes
-/// after "tqx: ".
+/// Why a command cannot continue with a file, or at all. The text is what follows "tqx: ".
 class ToolError : public DataError
 {
 public:
     using DataError::DataError;
 };
 
-/// The reader of standard output went away, or the program was interrupted while it waited for that
-/// reader. Not a failure: the program ends quietly.
+/// The reader of standard output is gone, or the program was interrupted while waiting for it. Not
+/// a failure: the program ends quietly.
 class ClosedPipe : public std::exception
 {
 };

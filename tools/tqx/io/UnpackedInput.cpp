@@ -8,7 +8,7 @@ namespace tqx::tool
 namespace
 {
 
-/// An input that belongs to somebody else.
+/// An input that is owned elsewhere.
 class Borrowed : public ByteSource
 {
 public:
@@ -26,7 +26,7 @@ private:
 
 } // namespace
 
-// Not before something is read: the first bytes may have to be waited for.
+// Not before the first read: the first bytes may take time to arrive.
 ByteSource& UnpackedInput::getContent()
 {
     if (!m_content)

@@ -13,8 +13,8 @@
 namespace tqx::tool
 {
 
-/// The content of an input, decompressed if it begins as a gzip or a Zstandard file does, whatever
-/// its name. Offsets are those of the content.
+/// The content of an input, decompressed if it begins like a gzip or a Zstandard file, whatever its
+/// name. Offsets are those of the content.
 class UnpackedInput : public ByteSource
 {
 public:
@@ -22,7 +22,7 @@ public:
     /// read yet.
     explicit UnpackedInput(std::string path) : m_input(std::move(path)) {}
 
-    /// As Input::read(). What comes before damage of a compressed input is handed out before
+    /// As Input::read(). Everything before damage in a compressed input is returned before
     /// SourceError says where in the file it is.
     size_t read(uint8_t* bytes, size_t capacity) override;
     uint64_t skip(uint64_t count) override;
@@ -33,7 +33,7 @@ public:
     /// Name for messages: the path, or "standard input".
     const std::string& getName() const { return m_input.getName(); }
 
-    /// Bytes of the input, as it is stored, that were read or passed over since the last call.
+    /// Number of bytes of the stored input that were read or skipped since the last call.
     uint64_t takeProgress();
 
 private:

@@ -40,8 +40,8 @@ void print(const std::string& line)
     std::fflush(stderr);
 }
 
-/// The text without control characters and as much of it as surely fits on a line of the terminal:
-/// no character takes more columns than bytes.
+/// The text without control characters, cut to what certainly fits on a line of the terminal: no
+/// character takes more columns than bytes.
 std::string fitted(std::string_view text)
 {
     constexpr size_t usualWidth = 80;

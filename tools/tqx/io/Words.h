@@ -7,16 +7,16 @@
 namespace tqx::tool
 {
 
-/// Messages to standard error. A progress line that is there is wiped first. All of this may
-/// be called from any thread.
+/// Messages on standard error. A visible progress line is wiped first. All functions may be called
+/// from any thread.
 namespace words
 {
 
-/// "tqx: <text>", of which lines after the first are kept that begin with two blanks. Control
-/// characters in it, here and below, are escaped.
+/// "tqx: <text>"; only further lines that begin with two blanks are kept. Control characters in it,
+/// here and below, are escaped.
 void say(std::string_view text);
 
-/// "tqx: out of memory", without taking any.
+/// "tqx: out of memory", without allocating any.
 void sayOutOfMemory();
 
 /// "tqx: <file>: <offset>: <text>"
@@ -25,13 +25,13 @@ void sayAt(std::string_view file, uint64_t offset, std::string_view text);
 /// "<file>:<line>: <text>"
 void sayLine(std::string_view file, uint64_t line, std::string_view text);
 
-/// How many words of one kind are said: the first ten, or all.
+/// Limits messages of one kind: to the first ten, or not at all.
 class Limit
 {
 public:
     explicit Limit(bool isVerbose) : m_isUnlimited(isVerbose) {}
 
-    /// Whether one more may be said.
+    /// Whether one more may be written.
     bool admits()
     {
         constexpr uint64_t most = 10;
@@ -41,7 +41,7 @@ public:
         return false;
     }
 
-    /// Those that were not.
+    /// Number of messages that were not written.
     uint64_t getOthers() const { return m_others; }
 
 private:
@@ -50,16 +50,16 @@ private:
     uint64_t m_others = 0;
 };
 
-/// Whether standard error is a terminal on which a line can be written over, and standard output no
-/// pipe: what is after one may write to the same terminal.
+/// Whether standard error is a terminal on which a line can be overwritten, and standard output is
+/// not a pipe: its reader may write to the same terminal.
 bool canShowProgress();
 
 /// Shows `text` on the current line of the terminal, over what was there and cut to its width; ""
-/// wipes it. Where data has just gone to the terminal, nothing is shown.
+/// wipes it. Right after data has gone to the terminal, nothing is shown.
 void showProgress(std::string_view text);
 
 /// To be called before data is written to standard output: clears the line for it if that is a
-/// terminal, and keeps progress away for a second.
+/// terminal, and suppresses progress for a second.
 void makeWay();
 
 } // namespace words

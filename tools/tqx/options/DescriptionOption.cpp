@@ -11,8 +11,8 @@ void DescriptionOption::add(CLI::App& command)
 {
     command
         .add_option("--description", m_paths,
-                    "Know the blocks that this YAML file describes, or the *.yaml files of this "
-                    "folder, beside the built ones; can be given more than once")
+                    "Add the blocks described in this YAML file, or in the *.yaml files of this "
+                    "folder, to the built-in ones; can be given more than once")
         ->allow_extra_args(false)
         ->type_name("PATH");
 }

@@ -11,14 +11,14 @@
 namespace tqx::tool
 {
 
-/// The argument --description: types of blocks beside the built ones.
+/// The argument --description: types of blocks besides the built-in ones.
 class DescriptionOption
 {
 public:
     void add(CLI::App& command);
 
-    /// The types that there are, read at the first call. Throws ToolError when a description is
-    /// wrong, after what else is wrong was said.
+    /// All types; descriptions are read at the first call. Throws ToolError when a description is
+    /// wrong, after reporting all other errors.
     const Schema& getSchema() const;
 
 private:

@@ -10,7 +10,7 @@ namespace tqx::tool
 {
 
 /// Milliseconds of a duration with its unit: "30s", "1.5min", "1h", "1d". At least one millisecond,
-/// at most 3,650 days. Throws DataError with what is wrong.
+/// at most 3,650 days. Throws DataError with the reason.
 uint64_t durationMillis(std::string_view text);
 
 /// Adds an option for it, with the value in milliseconds.

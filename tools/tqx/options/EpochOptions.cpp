@@ -32,8 +32,8 @@ void addPatterns(CLI::App& command, const char* name, std::vector<std::string>& 
 } // namespace
 
 const char* const EpochOptions::notes =
-    "Times: --from 2400:216000.5 is week and seconds in GNSS time, --from 2026-01-06T11:59:42Z\n"
-    "UTC, --from '2026-01-06T12:00:00 GPS' GPS time. Epochs before --from are still read, so that\n"
+    "Times: 2400:216000.5 is week and seconds in GNSS time, 2026-01-06T11:59:42Z is UTC,\n"
+    "'2026-01-06T12:00:00 GPS' is GPS time. Epochs before --from are still read, so that\n"
     "a loss of lock at the first one shown is known.\n";
 
 void EpochOptions::addTimes(CLI::App& command)
@@ -62,8 +62,8 @@ void EpochOptions::add(CLI::App& command)
 {
     addWithoutSignals(command);
     addPatterns(command, "--signal", m_selection.signals,
-                "Only these signals: band and attribute as RINEX has them, with the system or "
-                "without, or patterns such as '1C,G5*'",
+                "Only these signals: band and attribute as in RINEX, with or without the system, "
+                "or patterns such as '1C,G5*'",
                 "CODE,CODE");
     addReal(command, "--interval", m_interval, 0.001, 604800, "seconds",
             "Only epochs at multiples of this in GNSS time, such as 30 for every half minute")

@@ -16,13 +16,13 @@ public:
     /// Adds --from, --to, --interval, --satellite and --signal.
     void add(CLI::App& command);
 
-    /// Adds --from and --to alone.
+    /// Adds only --from and --to.
     void addTimes(CLI::App& command);
 
-    /// Adds --from, --to and --satellite alone.
+    /// Adds only --from, --to and --satellite.
     void addWithoutSignals(CLI::App& command);
 
-    /// What the arguments say. Throws DataError for times that make no sense.
+    /// The selection. Throws DataError for invalid times.
     EpochSelection get() const;
 
     /// Lines for the end of a help text.

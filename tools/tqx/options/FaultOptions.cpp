@@ -43,6 +43,14 @@ constexpr Kind kinds[] = {
     {FaultKind::Corrections, "corrections", Target::None, true},
 };
 
+std::string kindNames()
+{
+    std::vector<std::string> names;
+    for (const Kind& kind : kinds)
+        names.emplace_back(kind.name);
+    return fmt::format("{}", fmt::join(names, ", "));
+}
+
 std::string subjectOf(const Fault& fault)
 {
     const Target target = kinds[static_cast<size_t>(fault.kind)].target;
@@ -83,7 +91,7 @@ Fault readFault(const std::string& text)
     const Kind* const kind = std::find_if(std::begin(kinds), std::end(kinds),
                                           [&name](const Kind& each) { return each.name == name; });
     if (kind == std::end(kinds))
-        throw DataError("unknown kind");
+        throw DataError("unknown kind; kinds are " + kindNames());
     if (at == std::string::npos)
         throw DataError("it needs a time, such as @600");
     Fault fault;
@@ -107,8 +115,8 @@ void FaultOptions::add(CLI::App& command)
 {
     command
         .add_option("--fault", m_texts,
-                    "What goes wrong, and when: seconds after the start, and for how long; may be "
-                    "given several times. outage@600+30, system_outage:E@600+120, "
+                    "Fault to simulate: kind@START+DURATION in seconds from the start; can be "
+                    "given more than once. outage@600+30, system_outage:E@600+120, "
                     "multipath:G05@900+300, slip:G05@1500, loss_of_lock:G05@1500, "
                     "interference@2000+60, antenna@2500+30, corrections@3000+90")
         ->allow_extra_args(false)

@@ -11,18 +11,18 @@
 namespace tqx::tool
 {
 
-/// The arguments with which faults are brought into simulated logs.
+/// The arguments for faults in simulated logs.
 class FaultOptions
 {
 public:
     /// Adds --fault and --truth.
     void add(CLI::App& command);
 
-    /// The faults that are asked for. Throws ToolError for bad arguments.
+    /// The requested faults. Throws ToolError for bad arguments.
     std::vector<simulation::Fault> get() const;
 
-    /// Writes the file of --truth, if there is to be one: the faults with their times and the
-    /// number of epochs in which they had an effect. Throws ToolError.
+    /// Writes the file of --truth, if given: the faults with their times and the number of epochs
+    /// in which they had an effect. Throws ToolError.
     void writeTruth(const std::vector<simulation::Fault>& faults, GnssMillis start) const;
 
 private:

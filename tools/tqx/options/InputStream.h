@@ -18,30 +18,30 @@ namespace tqx::tool
 class InputStream : public InputSequence, private StreamListener, public BlockStream
 {
 public:
-    /// "-" among the paths is standard input. A `quiet` one says nothing about damage and shows no
-    /// progress; a `verbose` one names every damaged place, others the first ten.
+    /// "-" among the paths is standard input. With `quiet`, no damage is reported and no progress
+    /// shown; with `verbose`, every damaged place is reported, else the first ten.
     InputStream(std::vector<std::string> paths, bool quiet, bool verbose = false);
 
-    /// Gets only the blocks of `query`, by the index of the only input, and reads nothing else of
-    /// it but what belongs to no block. Before the first block is gotten.
+    /// Returns only the blocks of `query`, by the index of the only input, and reads nothing else
+    /// of it except what belongs to no block. To be called before the first next().
     void useIndex(std::unique_ptr<IndexedLog> log, const BlockQuery& query);
 
-    /// Has reports name blocks by the types of this schema, not the built ones alone.
+    /// Makes reports name blocks by the types of this schema, not only by the built-in ones.
     void setSchema(const Schema& types) { m_schema = types; }
 
-    /// Whether blocks come by an index, those of its query alone.
+    /// Whether only the blocks of a query are returned, by an index.
     bool isIndexed() const { return m_indexed != nullptr; }
 
     bool next(Block& block) override;
 
-    /// Has gaps handed to `listener` instead of reported to standard error; undecodable blocks are
-    /// then only counted.
+    /// Passes gaps to `listener` instead of reporting them on standard error; undecodable blocks
+    /// are then only counted.
     void setGapListener(std::function<void(const StreamGap&)> action)
     {
         m_gapListener = std::move(action);
     }
 
-    /// Has `action` called for every sentence, frame and line of text between the blocks.
+    /// Sets an action to call for every sentence, frame and line of text between the blocks.
     void setNeighbourListener(std::function<void(const Neighbour&)> action)
     {
         m_neighbourListener = std::move(action);

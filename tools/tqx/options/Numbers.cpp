@@ -19,7 +19,7 @@ namespace tqx::tool
 namespace
 {
 
-/// Shown numbers are those that were given, not pages of digits.
+/// Numbers are shown as given, not with pages of digits.
 constexpr size_t longestShown = 40;
 
 bool isDigit(char character)

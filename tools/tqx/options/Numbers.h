@@ -10,20 +10,20 @@
 namespace tqx::tool
 {
 
-/// The numbers in arguments of the program: decimal, finite, nothing around them.
+/// Numbers in arguments of the program: decimal, finite, with nothing around them.
 namespace numbers
 {
 
-/// A whole number of `least` to `most`: digits alone, of which leading zeros mean nothing. Throws
-/// DataError with what is wrong.
+/// A whole number from `least` to `most`: only digits, leading zeros are ignored. Throws DataError
+/// with the reason.
 uint64_t whole(std::string_view text, uint64_t least, uint64_t most);
 
-/// Any number of `least` to `most`: "-1.5", "1e-3". `unit` is what it counts, for the message.
-/// Throws DataError with what is wrong.
+/// Any number from `least` to `most`: "-1.5", "1e-3". `unit` is for the message. Throws DataError
+/// with the reason.
 double real(std::string_view text, double least, double most, const char* unit = "");
 
 /// Bytes: a whole number, with B, kB, MB, GB or TB (or k, M, G, T) for powers of 1000, KiB, MiB,
-/// GiB or TiB for powers of 1024 after it. Case is ignored. Throws DataError with what is wrong.
+/// GiB or TiB for powers of 1024 after it. Case is ignored. Throws DataError with the reason.
 uint64_t bytes(std::string_view text);
 
 } // namespace numbers

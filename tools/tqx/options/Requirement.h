@@ -13,20 +13,20 @@ struct Quality;
 namespace tqx::tool
 {
 
-/// What a report must fulfil: comparisons of figures with numbers, joined with `and` and `or`, of
-/// which `and` binds tighter: "completeness >= 0.98 and slips_per_hour < 5".
+/// What a report must fulfil: comparisons of figures with numbers, joined by `and` and `or`; `and`
+/// binds tighter: "completeness >= 0.98 and slips_per_hour < 5".
 class Requirement
 {
 public:
     Requirement() = default;
 
-    /// Throws ToolError with what is wrong.
+    /// Throws ToolError with the reason.
     explicit Requirement(std::string_view text);
 
     bool isEmpty() const { return m_alternatives.empty(); }
 
-    /// The comparisons that do not hold, in words, where that makes the whole fail; else none. A
-    /// figure that is not known fulfils nothing.
+    /// The comparisons that do not hold, in words, if they make the whole fail; else none.
+    /// Comparisons with an unknown figure never hold.
     std::vector<std::string> findFailures(const quality::Quality& quality) const;
 
 private:

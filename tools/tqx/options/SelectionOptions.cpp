@@ -20,7 +20,7 @@ void addNames(CLI::App& command, const char* name, std::vector<std::string>& nam
         ->group(SelectionOptions::group);
 }
 
-/// An empty one is more likely a variable that was never set than the wish for everything.
+/// An empty argument is more likely an unset variable than a wish for everything.
 std::string refuseEmpty(const std::string& value)
 {
     return value.empty() ? "it is empty" : "";
@@ -32,42 +32,44 @@ const char* const SelectionOptions::group = "Which blocks";
 
 const char* const SelectionOptions::notes =
     "Times: --from 2400:216000.5 is week and seconds in GNSS time, --from 2026-01-06T11:59:42Z\n"
-    "UTC, --from '2026-01-06T12:00:00 GPS' GPS time; milliseconds are the finest. The week counts\n"
-    "on without rollover, as in the blocks. A block whose header has no time goes with the block\n"
-    "before it; those that come before any time are left out under --from and --interval.\n"
-    "--interval selects blocks of all types by the time of their header, in milliseconds exactly:\n"
-    "--interval 30 those at 0 and 30 seconds of each minute of GNSS time, --interval 0.5 also\n"
-    "between. They count from the beginning of GNSS time, which is to say from that of each week\n"
-    "where they divide it. Of a type that never comes at such a time there are none, see --every.\n"
+    "UTC, --from '2026-01-06T12:00:00 GPS' GPS time, with up to three decimals. Weeks are\n"
+    "counted without rollover, as in the blocks. A block whose header has no time is\n"
+    "treated like the block before it; --from and --interval leave out blocks before the\n"
+    "first time. --interval selects blocks of all types whose header has exactly a\n"
+    "multiple of that time: --interval 30 those at 0 and 30 seconds of each minute of\n"
+    "GNSS time, --interval 0.5 also those at half seconds. Multiples count from the start\n"
+    "of GNSS time, and so from the start of each week if the interval divides it. A type\n"
+    "that never has such a time is left out entirely, see --every.\n"
     "\n"
     "Conditions compare fields with numbers or names: == != < <= > >=, joined by and, or, not and\n"
-    "parentheses; `has Field` asks whether there is an available value. A field is Field or\n"
-    "Block.Field, one of sub-blocks Block.Type1.SVID or just SVID; an underscore is read as a\n"
-    "blank in its name. Numbers are in the unit that dump shows, names and texts are in quotes.\n"
-    "Of arrays and sub-blocks any element may match. A comparison with a field that is absent or\n"
-    "not available is false, for != as well.\n"
-    "`like` compares a name or text with a pattern, ignoring case: * is any run of characters,\n"
-    "? any one. any(Field: condition) holds where one sub-block of Field meets all of a "
-    "condition,\n"
-    "which names fields of that sub-block.\n"
+    "parentheses; `has Field` asks whether there is an available value. A field is Field\n"
+    "or Block.Field, or in sub-blocks Block.Type1.SVID or just SVID; an underscore may\n"
+    "stand for a blank. Numbers are in the unit that dump shows; names and texts are in\n"
+    "quotes. For arrays and sub-blocks, it is enough that one element matches. A\n"
+    "comparison with a field that is absent or not available is false, even with !=.\n"
+    "`like` compares a name or text with a pattern, ignoring case: * matches any\n"
+    "characters, ? any single one. any(Field: condition) holds if one sub-block of Field\n"
+    "meets the whole condition, which names fields of that sub-block.\n"
     "  --where 'NrSV >= 8 and HAccuracy < 0.05'\n"
     "  --where 'PVTMode == \"RTK fixed\" or not has Height'\n"
     "  --where 'SVID == \"G05\"'              # in any of the sub-blocks\n"
     "  --where 'any(Type1: SVID like \"G*\" and CN0_dBHz > 45)'   # both in the same\n"
     "\n"
-    "Several files are one stream: a block may begin in one and end in the next. A compressed\n"
-    "one is recognised by its first bytes; offsets are those of what it holds, but that of damage\n"
-    "of the compression is one of the file.\n"
+    "Several files are one stream: a block may begin in one and end in the next.\n"
+    "Compressed files are recognised by their first bytes; offsets are those of the\n"
+    "decompressed content, except that damage to the compression has its offset in the\n"
+    "file.\n"
     "\n"
-    "With an index beside the only input, see tqx help index, blocks chosen by type or time are\n"
-    "found by it and the others not read; output and reports are the same. Damage since the index\n"
-    "was saved, in blocks that are not chosen, is not noticed then; --no-index reads everything.\n"
+    "If the only input has an index beside it (see tqx help index), blocks chosen by type\n"
+    "or time are found by the index and others are not read; output and reports are the\n"
+    "same. Damage done after the index was saved goes unnoticed in blocks that are not\n"
+    "read; --no-index reads everything.\n"
     "\n"
-    "A false header may claim 65,535 bytes, and what is intact in them is not looked at until "
-    "they\n"
-    "have come. Under --live such a header is passed over, where whole blocks follow it, once its\n"
-    "number or length fits no type or nothing has come for --pause seconds. A block on its way\n"
-    "that has a whole block in its body may be lost to that, so that files are read without.\n";
+    "A false header may claim 65,535 bytes, and hold back intact blocks among them until\n"
+    "all of these bytes have arrived. With --live such a header is skipped if complete\n"
+    "blocks follow it, once its number or length fits no type or nothing has arrived for\n"
+    "--pause seconds. This may lose a block in transmission whose body contains a\n"
+    "complete block, so do not use --live for files.\n";
 
 void SelectionOptions::addTypes(CLI::App& command)
 {
@@ -103,7 +105,7 @@ void SelectionOptions::addConditions(CLI::App& command)
         ->default_str("")
         ->group(group);
     addWhole(command, "--every", m_request.every, 1, std::numeric_limits<uint32_t>::max(),
-             "The first selected block of each type, then every N-th")
+             "Keep every Nth selected block of each type, starting with the first")
         ->type_name("N")
         ->default_str("")
         ->group(group);

@@ -17,13 +17,13 @@ public:
     /// Adds --from, --to, --where, --interval and --every.
     void addConditions(CLI::App& command);
 
-    /// Where they all stand in a help text.
+    /// Their group in a help text.
     static const char* const group;
 
     /// Lines for the end of a help text: how times and conditions are written and what they mean.
     static const char* const notes;
 
-    /// What the arguments say, once they are parsed.
+    /// The selection, once the arguments are parsed.
     const SelectionRequest& getRequest() const { return m_request; }
 
 private:

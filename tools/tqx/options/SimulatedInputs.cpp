@@ -12,7 +12,7 @@ void addInputOptions(CLI::App& command, simulation::SimulationSettings& settings
         ->type_name("SECONDS")
         ->default_str("");
     command.add_flag("--hidden-slips", settings.receiver.hidesSlips,
-                     "Do not report the slips of --slips: lock times and flags go on");
+                     "Do not report the slips of --slips: lock times and flags continue");
 }
 
 } // namespace tqx::tool

@@ -35,27 +35,27 @@ void StreamOptions::addInputs(CLI::App& command)
                      "Show no progress and do not report damage on standard error");
     CLI::Option* receiver = command.add_flag(
         "--live", m_live,
-        "Input is a receiver while it sends: false headers hold back no intact blocks");
+        "Input is a live receiver: do not let false headers hold back intact blocks");
     addReal(command, "--pause", m_pause, 0.001, 3600, "seconds",
-            "With --live, the pause after which to doubt a header")
+            "Pause after which --live doubts a header")
         ->needs(receiver)
         ->type_name("SECONDS");
-    command.add_flag("--no-index", m_noIndex,
-                     "Read all of the input, even where an index beside it says where the blocks "
-                     "are that are asked for");
+    command.add_flag(
+        "--no-index", m_noIndex,
+        "Read the whole input even if an index beside it could find the selected blocks");
 }
 
 void StreamOptions::addDamageReport(CLI::App& command)
 {
     command.add_flag("-v,--verbose", m_verbose,
-                     "Name every damaged place on standard error, not only the first ten");
+                     "Report every damaged place on standard error, not only the first ten");
 }
 
 void StreamOptions::addConditions(CLI::App& command)
 {
     m_selections.addConditions(command);
     addWhole(command, "--limit", m_limit, 1, std::numeric_limits<uint64_t>::max(),
-             "End after N blocks that all this selects, without reading on")
+             "End after N selected blocks, without reading further")
         ->type_name("N")
         ->default_str("")
         ->group(SelectionOptions::group);
@@ -120,7 +120,7 @@ void StreamOptions::lookAhead(const std::function<void(BlockStream&, const Block
     }
 }
 
-/// Has only what is asked for read, where the index of the input says where that is.
+/// Reads only what is selected, if the input has an index that locates it.
 void StreamOptions::useIndex(InputStream& stream, const BlockConsumer& consumer)
 {
     const Selection& chosen = getSelection();

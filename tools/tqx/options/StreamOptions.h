@@ -18,7 +18,7 @@ namespace tqx::tool
 
 class Sink;
 
-/// What a command does with the blocks of its inputs.
+/// Receives the selected blocks of a command's inputs.
 class BlockConsumer
 {
 public:
@@ -33,18 +33,18 @@ public:
     /// Whether a selected block is one that the consumer is for, so that it counts for --limit.
     virtual bool counts(const Block&) const { return true; }
 
-    /// Whether nothing more is wanted, asked after each selected block.
+    /// Whether nothing more is wanted; called after each selected block.
     virtual bool isDone() const { return false; }
 
-    /// Whether blocks that are not selected need not come by, and counts of all that is read have
-    /// no say before the end.
+    /// Whether neither blocks that are not selected nor counts of everything read matter before the
+    /// end.
     virtual bool canSkip() const { return true; }
 
     /// The stream has ended.
     virtual void end(InputStream&) {}
 };
 
-/// The arguments that all commands share that read streams of blocks.
+/// The arguments shared by all commands that read streams of blocks.
 class StreamOptions
 {
 public:
@@ -61,10 +61,10 @@ public:
         addConditions(command);
     }
 
-    /// Adds only those of them that do not choose by type.
+    /// Adds only those that do not choose by type.
     void addConditions(CLI::App& command);
 
-    /// Whether the input is read as a receiver that sends: by one thread.
+    /// Whether the input is read as a live receiver, by one thread.
     bool isLive() const { return m_live; }
 
     /// The inputs as they were given.
@@ -75,15 +75,15 @@ public:
 
     bool isQuiet() const { return m_quiet; }
 
-    /// The types of blocks that there are. Throws ToolError for descriptions that are wrong.
+    /// All types of blocks. Throws ToolError for wrong descriptions.
     const Schema& getSchema() const { return m_descriptions.getSchema(); }
 
-    /// The selection that they ask for. Throws ToolError for bad arguments.
+    /// The requested selection. Throws ToolError for bad arguments.
     Selection& getSelection();
 
-    /// What must be known before `target` is written: throws DataError for bad arguments, when it
-    /// is one of the inputs, and when an input cannot be opened while `target` is no standard
-    /// output: a file that exists must not be emptied for a name that is mistyped.
+    /// Checks to make before `target` is written: throws DataError for bad arguments, when it is
+    /// one of the inputs, and, unless `target` is standard output, when an input cannot be opened:
+    /// a mistyped name must not empty an existing file.
     void checkBefore(const std::string& target);
 
     /// The same before a table for each type is written into a folder: throws ToolError when one of
@@ -96,21 +96,22 @@ public:
     /// Whether the inputs are files that can be read twice.
     bool canLookAhead() const;
 
-    /// Hands the selected blocks to `consumer` before read() does, without limit and without a
-    /// word but the progress. Throws DataError for bad arguments.
+    /// Passes the selected blocks to `consumer` before read() does, without limit and without
+    /// messages except the progress. Throws DataError for bad arguments.
     void lookAhead(const std::function<void(BlockStream&, const Block&)>& consumer) const;
 
-    /// Hands the selected blocks of the inputs, as one stream, to `consumer`; after as many as
-    /// --limit says, nothing more is read. Of one input with an index beside it, blocks that are
-    /// chosen by type or time are found by that, with the same results. An input that cannot
-    /// be read is reported and left out. Returns Failed if there was such a one or bytes but no
-    /// block at all, unless the receiver sent other messages only; else, under --strict, Damaged if
-    /// the stream was. Throws ToolError for bad arguments and when the output
-    /// cannot be written, ClosedPipe when nobody reads it.
+    /// Passes the selected blocks of the inputs, as one stream, to `consumer`; reading ends after
+    /// --limit blocks. In a single input with an index beside it, blocks chosen by type or time are
+    /// found by the index, with the same results. An input that cannot be read is reported and
+    /// skipped. Returns Failed if there was one, or if there were bytes but no block at all, unless
+    /// the receiver sent only other messages; else, under --strict, Damaged if the stream was.
+    /// Throws ToolError for bad arguments and when the output cannot be written, ClosedPipe when
+    /// nobody reads it.
     ExitStatus read(BlockConsumer& consumer, Sink& output);
 
-    /// Hands the inputs to `makeConsumer` one by one, each as a stream of its own, from which
-    /// blocks are selected as if there were no other. Returns the gravest of what read() does.
+    /// Reads the inputs one by one, each as a separate stream with a consumer from `makeConsumer`,
+    /// from which blocks are selected as if there were no other. Returns the most severe result of
+    /// read().
     ExitStatus readEach(const std::function<std::unique_ptr<BlockConsumer>()>& makeConsumer,
                         Sink& output);
 

@@ -7,7 +7,7 @@
 namespace tqx::tool
 {
 
-/// The option --units, alike in all commands that show values.
+/// The option --units of all commands that show values.
 class UnitsOption
 {
 public:

@@ -13,11 +13,10 @@ public:
     virtual ~BatchTarget() = default;
 
     /// Takes the text of the next batch. Throws ClosedPipe when nobody reads any more, ToolError
-    /// when writing fails otherwise.
+    /// when writing fails for another reason.
     virtual void put(const BatchText& text) = 0;
 
-    /// Writes everything out, at the end and before more of an input is waited for. Throws as
-    /// put().
+    /// Flushes everything; called at the end and before waiting for more input. Throws as put().
     virtual void flush() = 0;
 };
 

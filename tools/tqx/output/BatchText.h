@@ -9,10 +9,9 @@
 namespace tqx::tool
 {
 
-/// What was written of the blocks of a batch. Where it goes to several files it is divided among
-/// them, else it has no parts.
+/// The text of the blocks of a batch. Has parts only if it goes to several files.
 struct BatchText {
-    /// The text from the end of the part before up to `end`.
+    /// The text from the end of the previous part up to `end`.
     struct Part {
         uint32_t recordType; ///< of the block that it is from
         uint32_t table;      ///< of those that the type has
@@ -24,7 +23,7 @@ struct BatchText {
         parts.push_back({recordType, table, text.size()});
     }
 
-    /// Keeps the memory.
+    /// Clears the text but keeps the memory.
     void clear()
     {
         text.clear();

@@ -14,7 +14,7 @@
 namespace tqx::tool
 {
 
-/// What decoding carries on from block to block of a stream.
+/// What decoding carries from block to block of a stream.
 struct StreamState {
     explicit StreamState(const Schema& types = {}) : schema(types) { TQX_init_context(&context); }
 
@@ -23,7 +23,7 @@ struct StreamState {
     std::vector<uint64_t> messages; ///< that decoded so far, by record type
 };
 
-/// Consecutive blocks of a stream with their records, and the text that a writer made of them. A
+/// Consecutive blocks of a stream with their records, and the text that a writer made from them. A
 /// batch belongs to one thread at a time.
 class BlockBatch
 {
@@ -40,23 +40,23 @@ public:
                m_addedBytes >= enoughRecords;
     }
 
-    /// Decodes a copy of a block, which comes after all that `before` says. Returns the bits
-    /// consumed or the codec's negative code. Only while the batch is not full.
+    /// Decodes a copy of a block that follows the state `before`. Returns the bits consumed or the
+    /// codec's negative code. Only while the batch is not full.
     int32_t add(StreamState& state, const Block& block, const WeekContext& before);
 
-    /// Has the text made of all blocks.
+    /// Makes the text of all blocks.
     void write(BatchWriter& writer);
 
     const BatchText& getText() const { return m_text; }
 
-    /// Forgets blocks and text, and keeps their memory.
+    /// Clears blocks and text, but keeps their memory.
     void clear();
 
 private:
     int32_t addDescribed(StreamState& state, const Block& copy,
                          const Kor::MessageApi::TQX_TypeLayout& type);
 
-    // Small enough for the text, some twenty times as long, to stay in a processor's own cache.
+    // Small enough that the text, about twenty times as long, stays in a processor's cache.
     static constexpr size_t enoughBytes = 1 << 14;
     static constexpr size_t enoughRecords = 1 << 16;
     using Record = Kor::MessageApi::TQX_AnyRecord_u;
@@ -65,7 +65,7 @@ private:
         void operator()(std::byte* memory) const;
     };
 
-    std::vector<uint8_t> m_bytes; ///< of the blocks; never grows beyond what it was made with
+    std::vector<uint8_t> m_bytes; ///< of the blocks; never grows beyond its initial capacity
     std::unique_ptr<std::byte, RecordsDeleter> m_records;  ///< one after the other
     size_t m_recordBytes = 0;                              ///< that are in use
     std::vector<Kor::MessageApi::TQX_OwnedRecord> m_added; ///< of types that are not built

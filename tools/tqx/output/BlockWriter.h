@@ -15,26 +15,26 @@ struct BatchEntry {
     uint64_t index; ///< of those of its type that decoded, from 0; 0 for one without record
 };
 
-/// Whatever writes blocks in some form, each by itself. Writers of the same form are used side by
-/// side on several threads, a writer on one at a time.
+/// Writes blocks in some form, each independently. Several writers of one form are used in
+/// parallel; each is used by one thread at a time.
 class BatchWriter
 {
 public:
     virtual ~BatchWriter() = default;
 
-    /// Appends what is shown of a block.
+    /// Appends the text of a block.
     virtual void write(BatchText& out, const BatchEntry& entry) = 0;
 };
 
-/// A writer whose text all goes to one file, wherever in the stream a block is.
+/// A writer whose whole text goes to one file.
 class BlockWriter : public BatchWriter
 {
 public:
-    /// Appends what is shown of a block that decoded.
+    /// Appends the text of a block that decoded.
     virtual void write(Buffer& out, const DecodedBlock& decoded) = 0;
 
-    /// Appends what is shown of a block of an unknown number, or of one that did not decode: of
-    /// one without record.
+    /// Appends the text of a block without a record: of an unknown number, or one that did not
+    /// decode.
     virtual void writeOther(Buffer&, const DecodedBlock&) {}
 
     void write(BatchText& out, const BatchEntry& entry) final

@@ -12,10 +12,10 @@
 namespace tqx::tool
 {
 
-/// The messages of one type as tables, each for a file of its own: <Block> has a row a message, and
-/// each array of sub-blocks a table <Block>.<Field> with a row an entry. Rows begin with the
+/// The messages of one type as tables, each for its own file: <Block> has one row per message, and
+/// each array of sub-blocks has a table <Block>.<Field> with one row per entry. Rows begin with the
 /// message's index and time and, in tables of sub-blocks, the index of the entry in its array,
-/// after those of the arrays around it.
+/// after those of the enclosing arrays.
 class CsvBook
 {
 public:
@@ -25,15 +25,14 @@ public:
 
     size_t countTables() const { return m_sheets.size(); }
 
-    /// What a table is named. Tables have numbers from 0 on.
+    /// The name of a table. Tables are numbered from 0.
     const std::string& getName(size_t table) const { return m_sheets[table].name; }
 
     /// Appends the line with the names of a table's columns.
     void appendHeader(Buffer& out, size_t table) const;
 
-    /// Appends the rows of a record of the type, the `index`-th of the stream, from 0: a part for
-    /// each table, also for one that the record has no rows for. Books of a stream may share the
-    /// key columns.
+    /// Appends the rows of a record of the type, the `index`-th of the stream, from 0: one part per
+    /// table, even if the record has no rows for it. Books of a stream may share the key columns.
     void write(BatchText& out, CsvKey& key, const void* record, uint64_t index);
 
 private:
@@ -52,7 +51,7 @@ private:
     ValueStyle m_style;
     CsvTable m_table;
     std::vector<Sheet> m_sheets;
-    Buffer m_start; ///< the cells that rows begin with
+    Buffer m_start; ///< the first cells of rows
 };
 
 } // namespace tqx::tool

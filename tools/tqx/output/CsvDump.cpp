@@ -97,10 +97,9 @@ const TQX_TypeLayout& theType(const TypeSelection& selected, const FieldFilter& 
     if (types.empty())
         throw ToolError("no selected type has fields to write as csv");
     if (types.size() > 1) {
-        throw ToolError(fmt::format(
-            "one csv file holds one type, but {} are selected; choose one with --type, or have a "
-            "file for each with -o FOLDER",
-            types.size()));
+        throw ToolError(fmt::format("one csv file holds one type, but {} are selected; choose one "
+                                    "with --type, or write one file each with -o FOLDER",
+                                    types.size()));
     }
     return *types.front();
 }

@@ -13,16 +13,16 @@
 namespace tqx::tool
 {
 
-/// The files of a directory, written side by side in large pieces. There may be more of them than
-/// a process can have open.
+/// The files of a directory, written in parallel in large pieces. There may be more of them than a
+/// process can have open.
 class CsvFiles
 {
 public:
-    /// Makes the directory if it is not there. Throws ToolError.
+    /// Creates the directory if it does not exist. Throws ToolError.
     explicit CsvFiles(std::string directory);
 
-    /// A new file of that name, empty so far; returns its number. One that was there is replaced
-    /// when something is written.
+    /// Adds an empty file of that name; returns its number. An existing file is replaced when
+    /// something is written.
     size_t add(const std::string& name);
 
     /// Appends to a file. Throws as flush().

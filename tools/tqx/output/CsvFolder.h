@@ -17,13 +17,14 @@ namespace tqx::tool
 class CsvFolder final : public BatchTarget
 {
 public:
-    /// Makes the folder if it is not there; the filter must outlive this. Throws ToolError.
+    /// Creates the folder if it does not exist; the filter must outlive this object. Throws
+    /// ToolError.
     CsvFolder(const std::string& path, const FieldFilter& shown, const CsvStyle& style);
 
     void put(const BatchText& text) override;
     void flush() override { m_files.flush(); }
 
-    /// Ends the files. Throws ToolError when one cannot be written.
+    /// Completes the files. Throws ToolError when one cannot be written.
     void close() { m_files.close(); }
 
 private:

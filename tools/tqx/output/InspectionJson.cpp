@@ -41,7 +41,7 @@ const char* nameOf(Kind kind)
     return "unknown";
 }
 
-/// A number or string as such, what JSON has no number for as a string.
+/// A number or string as it is; what JSON cannot express as a number becomes a string.
 Json valueOf(const std::string& text)
 {
     if (text == "-0")
@@ -115,7 +115,7 @@ void appendInspectionJson(Buffer& out, const Inspection& inspection)
     for (const InspectionRow& row : inspection.rows)
         rows.push_back(jsonOf(row, inspection.bytes));
     object["faults"] = inspection.faults;
-    // Texts of a log may hold what commands a terminal.
+    // Texts of a log may contain control sequences for a terminal.
     out.append(object.dump(-1, ' ', true, Json::error_handler_t::replace));
     out.append('\n');
 }

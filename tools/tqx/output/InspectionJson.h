@@ -6,8 +6,7 @@
 namespace tqx::tool
 {
 
-/// Appends an inspection as one JSON object on a line of its own. Properties that are not there are
-/// left out.
+/// Appends an inspection as one JSON object on a line. Properties that are not set are left out.
 void appendInspectionJson(Buffer& out, const Inspection& inspection);
 
 } // namespace tqx::tool

@@ -6,8 +6,8 @@
 namespace tqx::tool
 {
 
-/// Writes the neighbours of one kind as they are: those between the times of the selection, where
-/// each goes with the block before it.
+/// Writes the neighbours of one kind unchanged: those within the selected times; each counts with
+/// the block before it.
 class NeighbourWriter : public BlockConsumer
 {
 public:

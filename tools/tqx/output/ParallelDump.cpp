@@ -59,8 +59,7 @@ void ParallelDump::flush()
     m_target.flush();
 }
 
-// A few blocks, such as those of a short log or of a receiver that sends once a second, are not
-// worth a thread.
+// A few blocks, such as those of a short log or of a receiver at 1 Hz, are not worth a thread.
 void ParallelDump::submit(bool isLast)
 {
     throwFailure();
@@ -98,7 +97,7 @@ void ParallelDump::startThreads()
                 [this, writer = std::shared_ptr<BatchWriter>(m_makeWriter())] { work(*writer); });
         }
     } catch (const std::system_error&) {
-        m_threadCount = static_cast<unsigned>(m_threads.size()) + 1; // that the system grants us
+        m_threadCount = static_cast<unsigned>(m_threads.size()) + 1; // that the system grants
     }
 }
 
@@ -113,7 +112,7 @@ void ParallelDump::work(BatchWriter& writer)
     }
 }
 
-/// What the caller's thread does until something has come out.
+/// Work of the caller's thread while it waits for output.
 void ParallelDump::help(std::unique_lock<std::mutex>& lock)
 {
     if (m_claimed < m_jobs.size()) {
@@ -125,7 +124,7 @@ void ParallelDump::help(std::unique_lock<std::mutex>& lock)
 
 void ParallelDump::doJob(std::unique_lock<std::mutex>& lock, BatchWriter& writer)
 {
-    Job& job = m_jobs[m_claimed++]; // stays where it is while others come and go
+    Job& job = m_jobs[m_claimed++]; // keeps its address while others come and go
     const bool isWanted = !m_failure && !m_isEnding;
     lock.unlock();
     std::exception_ptr trouble;

@@ -18,18 +18,16 @@
 namespace tqx::tool
 {
 
-/// Dumps the blocks of a stream in their order, while as many threads as the machine has
-/// processors make the text. The caller's thread decodes the blocks, as one stream, and is one of
-/// those. What has been handed on comes out without a further call, however long the next read
-/// waits.
+/// Dumps the blocks of a stream in order, with one thread per processor making the text. The
+/// caller's thread is one of these; it decodes the blocks as one stream. Blocks passed in are
+/// written without a further call, however long the next read waits.
 class ParallelDump final : public BlockConsumer, public Sink
 {
 public:
     using MakeWriter = std::function<std::unique_ptr<BatchWriter>()>;
 
-    /// `makeWriter` is called on the caller's thread, for one writer a thread. Blocks are those of
-    /// the schema. `threads` 0 stands for the number of processors; 1 makes all text on the
-    /// caller's thread.
+    /// `makeWriter` is called on the caller's thread, once per thread. Blocks are those of the
+    /// schema. `threads` 0 means the number of processors; 1 makes all text on the caller's thread.
     ParallelDump(BatchTarget& target, MakeWriter makeWriter, unsigned threads = 0,
                  const Schema& schema = {});
     ~ParallelDump() override;
@@ -44,7 +42,7 @@ public:
 private:
     struct Job {
         std::unique_ptr<BlockBatch> batch;
-        bool isLast;            ///< before more of the input is waited for
+        bool isLast;            ///< before waiting for more input
         bool isWritten = false; ///< whether its text has been made
     };
 
@@ -61,7 +59,7 @@ private:
     MakeWriter m_makeWriter;
     unsigned m_threadCount;
     StreamState m_state;
-    bool m_isHandedOn = false; ///< whether all that was taken is
+    bool m_isHandedOn = false; ///< whether everything taken has been
     std::unique_ptr<BatchWriter> m_ownWriter;
     std::unique_ptr<BlockBatch> m_filling;
 

@@ -20,14 +20,13 @@ struct PartLimits {
     uint64_t size = 0;    ///< of a part in bytes, if it has more than one block; 0 for no limit
 };
 
-/// Writes blocks byte for byte into one file after the other. A block without time, or with one
-/// that is before that of its part, stays with the block before it; those before any time are in
-/// the first part. Where time runs back by more than a minute, a new part begins.
+/// Writes blocks byte for byte into consecutive files. A block without a time, or with one before
+/// that of its part, stays with the block before it; blocks before any time are in the first part.
+/// Where time runs back by more than a minute, a new part begins.
 class PartFiles final : public BlockConsumer, public Sink
 {
 public:
-    /// Names of inputs are never written to: ToolError. What was written goes to `list`, a line a
-    /// file.
+    /// Inputs are never overwritten: ToolError. Appends one line per written file to `list`.
     PartFiles(PartLimits limits, PartNames& names, std::vector<std::string> inputs, Output& list);
 
     void take(BlockStream& stream, const Block& block) override;

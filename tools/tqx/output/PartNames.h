@@ -14,11 +14,11 @@ class PartNames
 {
 public:
     /// `target` is a folder, which is created, or a path with {number} or {time} in it, and maybe
-    /// {name}, which stands for `name`. In a folder files are called `pattern`. Throws ToolError.
+    /// {name}, which becomes `name`. In a folder, files are named by `pattern`. Throws ToolError.
     PartNames(const std::string& target, std::string pattern, std::string name);
 
-    /// The name of the next part, which begins at `time`. No two are the same: where the pattern
-    /// gives one again, a number is added.
+    /// The name of the next part, which begins at `time`. Names are unique: where the pattern
+    /// repeats one, a number is added.
     std::string next(const std::optional<GnssMillis>& time);
 
 private:
@@ -28,7 +28,7 @@ private:
     std::set<std::string> m_given;
 };
 
-/// What files made from an input are called after: its path without folders and extensions such as
+/// The base name for files made from an input: its path without folders and extensions such as
 /// .tqx.gz; "log" for standard input.
 std::string stemOf(const std::string& path);
 

@@ -25,7 +25,7 @@ Json rounded(float value)
     return std::round(double{value} * 1e3) / 1e3;
 }
 
-/// Times are seconds since the first one of the log, so that they are short.
+/// Times are seconds since the first one of the log, to keep them short.
 Json seriesOf(const quality::Series& series, GnssMillis origin)
 {
     Json times = Json::array();
@@ -81,7 +81,7 @@ Json picturesOf(const quality::Quality& quality)
             {"sky", std::move(sky)}};
 }
 
-/// What a script element must not contain is written as escapes.
+/// Escapes what a script element must not contain.
 void appendEscaped(Buffer& out, const std::string& json)
 {
     for (const char c : json) {
@@ -106,11 +106,15 @@ void appendReportPage(Buffer& out, const std::vector<LogReport>& reports,
     Json data = reportJson(reports, requirement);
     Json& definitions = data["definitions"] = Json::array();
     for (const quality::Figure& figure : quality::figures()) {
-        definitions.push_back(
-            {{"key", figure.key}, {"unit", figure.unit}, {"definition", figure.definition}});
+        definitions.push_back({{"key", figure.key},
+                               {"unit", figure.unit},
+                               {"definition", figure.definition},
+                               {"of_antenna", figure.ofAntenna != nullptr}});
     }
-    for (size_t i = 0; i < reports.size(); ++i)
+    for (size_t i = 0; i < reports.size(); ++i) {
+        data["logs"][i]["elevations"] = elevationWords(reports[i].quality);
         data["logs"][i]["pictures"] = picturesOf(reports[i].quality);
+    }
     const std::string_view page = assets::page();
     const std::string_view mark = "@DATA@";
     const size_t at = page.find(mark);

@@ -15,7 +15,7 @@ namespace tqx::tool
 struct LogReport {
     std::string name;
     quality::Quality quality;
-    std::vector<std::string> failures; ///< what of the requirement does not hold
+    std::vector<std::string> failures; ///< parts of the requirement that do not hold
 };
 
 /// Appends a report for people: verdicts, findings, signals. Several are compared side by side,
@@ -29,10 +29,12 @@ nlohmann::ordered_json reportJson(const std::vector<LogReport>& reports,
 /// Whether this build can write pages.
 bool canWritePage();
 
-/// Appends the reports as one page for a browser that needs nothing else. Only where
-/// canWritePage().
+/// Appends the reports as one self-contained page for a browser. Only if canWritePage().
 void appendReportPage(Buffer& out, const std::vector<LogReport>& reports,
                       const std::string& requirement);
+
+/// How the elevations of the satellites are known, and of how many observations; empty without any.
+std::string elevationWords(const quality::Quality& quality);
 
 /// Whole numbers without decimals, others with as many as make sense.
 std::string figureText(double value);

@@ -24,7 +24,7 @@ Json timeOf(GnssMillis time)
             {"date", dateText(time)}};
 }
 
-/// The first gaps one by one under `name`, and how many there are under "<name>Count".
+/// The first gaps one by one under `name`, and their number under "<name>Count".
 void addGaps(Json& object, const std::string& name, const Intervals& intervals, uint64_t usual)
 {
     object[name + "Count"] = intervals.getGapCount(usual);
@@ -85,7 +85,7 @@ Json countOf(const NeighbourCount& found)
     return {{"count", found.count}, {"bytes", found.bytes}};
 }
 
-/// Counts of one kind in all, and by type under `name`.
+/// The total of one kind of counts, and the counts by type under `name`.
 template<typename Types>
 Json kindOf(const NeighbourCount& all, const char* name, const Types& types)
 {
@@ -148,7 +148,7 @@ void appendSummaryJson(Buffer& out, const InputStream& stream, const StreamSumma
                                     {"crcErrors", gap.crcErrors},
                                     {"invalidLengths", gap.invalidLengths}});
     }
-    // Names of files may be no UTF-8.
+    // File names may not be valid UTF-8.
     out.append(object.dump(-1, ' ', true, Json::error_handler_t::replace) + "\n");
 }
 

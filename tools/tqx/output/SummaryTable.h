@@ -13,11 +13,11 @@
 namespace tqx::tool
 {
 
-/// What several logs hold, side by side: a column for each.
+/// The content of several logs, side by side: one column each.
 class SummaryTable
 {
 public:
-    /// Adds the column of a log, which has been read.
+    /// Adds the column of a log that has been read.
     void add(const InputStream& stream, const StreamSummary& summary);
 
     /// Appends the table, in pieces one below the other where the columns need more than `width`.

@@ -48,8 +48,8 @@ public:
         appendTotals();
         appendTable();
         appendNeighbourTable(m_out, m_summary.getNeighbours(), m_stream.getCounts().bytes);
-        appendGaps();
         appendOutages();
+        appendGaps();
         appendDamage();
         appendFailures();
     }
@@ -174,10 +174,12 @@ void SummaryText::appendOutages()
         return a.millis > b.millis;
     };
     std::stable_sort(outages.begin(), outages.end(), isLonger);
-    m_out.append("\n  outages, with blocks of no type\n");
+    m_out.append("\n  outages: no block of any type\n");
     for (size_t i = 0; i < std::min(outages.size(), mostPlaces); ++i) {
-        m_out.append(fmt::format("  {:>12} after {}\n", secondsText(outages[i].millis),
-                                 timeText(outages[i].after)));
+        const Intervals::Gap& outage = outages[i];
+        m_out.append(fmt::format("  {:>12} after {}, {} {} missing\n", secondsText(outage.millis),
+                                 timeText(outage.after), outage.missing,
+                                 outage.missing == 1 ? "epoch" : "epochs"));
     }
     appendMore(m_summary.getIntervals().getGapCount(*usual));
 }

@@ -10,7 +10,7 @@
 namespace tqx::tool
 {
 
-/// How many gaps and outages are looked at one by one.
+/// How many gaps and outages are listed one by one.
 constexpr size_t mostListed = 100000;
 
 /// Appends a summary for people: totals, a table of the types, then gaps, damage and what did not

@@ -9,7 +9,7 @@ namespace tqx::tool
 
 void TableOptions::add(CLI::App& command)
 {
-    command.add_option("--format", m_format, "How to write them")
+    command.add_option("--format", m_format, "Output format")
         ->transform(CLI::IsMember({"csv", "jsonl", "sqlite"}, CLI::ignore_case).description(""))
         ->type_name("csv|jsonl|sqlite")
         ->capture_default_str();

@@ -28,18 +28,18 @@ private:
     std::string m_target = "-";
 };
 
-/// A file or standard output with tables in the format that was asked for.
+/// A file or standard output with tables in the requested format.
 class TableOutput
 {
 public:
-    /// Throws ToolError when it cannot be created, or a database has no name; `command` is who
-    /// says so.
+    /// Throws ToolError when it cannot be created, or a database has no name; `command` is named in
+    /// the message.
     TableOutput(const TableOptions& options, const std::string& command);
 
     TableTarget& getTables() { return *m_tables; }
     Sink& getSink();
 
-    /// Writes out the rest. The rows of tables must be gone.
+    /// Writes the rest. No TableRows may be left.
     void finish();
 
 private:

@@ -11,16 +11,17 @@
 namespace tqx::tool
 {
 
-/// Hands the positions of one source on.
+/// Passes on the positions of one source.
 class TrackOutput : public BlockConsumer
 {
 public:
     using Add = std::function<void(const Position& position)>;
 
-    /// Positions of `source` are handed on. When that is null, those of the first ten seconds are
-    /// kept back, and decide which source is the best. `limit` is the largest number of positions
-    /// handed on, 0 for all; `showsMissing` hands on those that say that there is none, too, and
-    /// has positions wait for the dilutions of precision of their epoch, if the log has such.
+    /// Passes on the positions of `source`. When that is null, those of the first ten seconds are
+    /// held back and decide which source is the best. `limit` is the largest number of positions to
+    /// pass on, 0 for all; `showsMissing` also passes on those that say that there is none.
+    /// Positions wait for their complement from other blocks of the epoch, if the log has any: the
+    /// dilutions of precision with `showsMissing`, the attitude without.
     TrackOutput(Add add, const PositionSource* source, uint64_t limit, bool showsMissing);
 
     void take(BlockStream& stream, const Block& block) override;
@@ -28,13 +29,13 @@ public:
     bool isDone() const override { return m_limit != 0 && m_count == m_limit; }
     void end(InputStream&) override;
 
-    /// How many were handed on.
+    /// How many were passed on.
     uint64_t getCount() const { return m_count; }
-    /// Blocks that say that there is no position, of the source.
+    /// Number of the source's blocks that say that there is no position.
     uint64_t getMissing() const { return m_missing; }
     /// Null as long as it is not decided.
     const PositionSource* getSource() const { return m_source; }
-    /// What was kept back to decide by; empty when the source was given.
+    /// Summary of what was held back to decide; empty when the source was given.
     const SourceChoice& getChoice() const { return m_choice; }
 
 private:
@@ -42,7 +43,8 @@ private:
     void handOn(const Position& position);
     void add(const Position& position);
     void addWaiting();
-    void takeDilution(const void* record);
+    bool isComplement(uint16_t blockNumber) const;
+    void takeComplement(const void* record);
 
     Add m_add;
     const PositionSource* m_source;
@@ -51,8 +53,8 @@ private:
     RecordDecoder m_decoder;
     SourceChoice m_choice;
     std::vector<Position> m_kept;
-    std::optional<Position> m_waiting; ///< for its dilutions of precision
-    bool m_waits;                      ///< whether they are expected
+    std::optional<Position> m_waiting; ///< for its complement
+    bool m_waits = true;               ///< whether that is expected
     uint64_t m_count = 0;
     uint64_t m_missing = 0;
 };

@@ -1,4 +1,4 @@
-# Puts the page of reports together, and writes it as a C++ header.
+# Assembles the page of reports, and writes it as a C++ header.
 # cmake -DSOURCE=FOLDER -DLIBRARY=FOLDER -DOUTPUT=FILE -P EmbedPage.cmake
 file(READ "${SOURCE}/report.html" page)
 set(parts

@@ -28,7 +28,7 @@ std::string unknownOption(const CLI::App& app, const std::string& given)
                        {names.begin(), names.end()});
 }
 
-/// What there is instead of a command.
+/// The word given instead of a command.
 std::string describeCommand(const CLI::App& program)
 {
     const std::vector<std::string> extras = program.remaining(true);
@@ -51,7 +51,7 @@ std::string describeCount(const CLI::App& command, const std::string& text)
             continue;
         const size_t given = option->results().size();
         if (given > static_cast<size_t>(option->get_items_expected_max()))
-            return fmt::format("{} is given {} times, but only one value counts", name, given);
+            return fmt::format("{} is given {} times, but takes only one value", name, given);
         return fmt::format("{} needs a value: {}", name, option->get_type_name());
     }
     return text;

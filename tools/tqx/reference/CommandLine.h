@@ -7,7 +7,7 @@
 namespace tqx::tool
 {
 
-/// What is wrong with a command line, in one line, and what may have been meant.
+/// What is wrong with a command line, in one line, with what may have been meant.
 std::string describe(const CLI::App& program, const CLI::ParseError& error);
 
 } // namespace tqx::tool

@@ -51,7 +51,7 @@ std::string actionFor(const std::string& kind)
     return "_tqx_words '" + words + "'";
 }
 
-/// The cases of one command: the word before decides, else what positional arguments are.
+/// The cases of one command: the preceding word decides, else the positional arguments.
 void appendCommand(Buffer& out, const CLI::App& command, const std::string& commands)
 {
     out.append(fmt::format("    {})\n        case $previous in\n", command.get_name()));

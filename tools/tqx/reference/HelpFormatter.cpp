@@ -17,7 +17,7 @@ constexpr size_t widestHead = 28;
 std::string filled(const std::string& text, size_t start, size_t indentation, size_t width)
 {
     std::istringstream words(text);
-    words.exceptions(std::ios::badbit); // else want of memory would be an end
+    words.exceptions(std::ios::badbit); // else lack of memory would look like the end
     std::string lines;
     size_t column = start;
     bool isFirst = true;

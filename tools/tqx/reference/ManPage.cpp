@@ -10,7 +10,7 @@ namespace tqx::tool
 namespace
 {
 
-/// Text as man shows it unchanged.
+/// Text escaped so that man shows it unchanged.
 std::string plain(const std::string& text)
 {
     std::string escaped;

@@ -10,7 +10,7 @@
 namespace tqx::tool
 {
 
-/// What is written about the program from the same declarations that its arguments are parsed by.
+/// Documentation of the program, from the same declarations by which its arguments are parsed.
 
 /// Appends the manual page, in the language of man.
 void appendManPage(Buffer& out, const CLI::App& program, const std::string& version);
@@ -18,7 +18,7 @@ void appendManPage(Buffer& out, const CLI::App& program, const std::string& vers
 /// Appends a script that makes bash complete commands, options and their values.
 void appendCompletion(Buffer& out, const CLI::App& program);
 
-/// The commands of a program, or of an option list those that users see.
+/// The commands of a program, or the visible ones of an option list.
 std::vector<const CLI::App*> commandsOf(const CLI::App& program);
 std::vector<const CLI::Option*> optionsOf(const CLI::App& command);
 

@@ -10,10 +10,10 @@ namespace
 
 constexpr double millisecondOfLight = 299792.458e3; // millimetres
 
-/// Millimetres that a range may move, elapsed seconds after it was measured, beyond what its rate
-/// says. Satellites and vehicles accelerate by less than 2 m/s2 for long, and the mean of two rates
-/// leaves only what the acceleration changes; without a rate there is the speed of both and the
-/// drift of the clock.
+/// Millimetres by which a range may differ from its extrapolation after `elapsed` seconds.
+/// Satellites and vehicles do not accelerate by more than 2 m/s2 for long, and the mean of two
+/// rates leaves only the change of acceleration; without a rate, the speed of both and the clock
+/// drift count.
 double uncertainty(double elapsed, bool hasRate, bool hasRateNow)
 {
     if (hasRate && hasRateNow)

@@ -10,42 +10,42 @@ namespace tqx
 /// modulus is above 0. A tie goes to the smaller value.
 int64_t nearestTo(int64_t expected, int64_t residue, int64_t modulus);
 
-/// `value` modulo `modulus`, from 0 up to but not with the modulus, for values below 0 too.
+/// `value` modulo `modulus`, in 0 <= result < modulus, for negative values, too.
 int64_t residueOf(int64_t value, int64_t modulus);
 
-/// What is known of one signal of a satellite from earlier epochs, by which residues of compact
-/// measurements are completed. Ranges are whole millimetres, times seconds on any scale that does
-/// not run back.
+/// What is known about one signal of a satellite from earlier epochs, to complete the residues of
+/// compact measurements. Ranges are whole millimetres, times are seconds on any scale that does not
+/// run back.
 class CompactSignal
 {
 public:
-    /// A measurement that is complete.
+    /// A complete measurement.
     struct Sample {
         double time = 0;
         int64_t code = 0;               ///< code range
-        double rate = 0;                ///< metres per second by which it grows
+        double rate = 0;                ///< rate of the code range, metres per second
         bool hasRate = false;           ///< a Doppler was measured
         std::optional<int64_t> carrier; ///< carrier phase times wavelength, minus the code range
     };
 
-    /// When and how fast a range that is to be completed was measured.
+    /// Time and rate at which a range to be completed was measured.
     struct Moment {
         double time;
         double reference;           ///< time of the reference epoch that its block names
         std::optional<double> rate; ///< metres per second, from the Doppler of that moment
-        int64_t jump = 0; ///< milliseconds by which the clock was set forth since that reference
+        int64_t jump = 0; ///< milliseconds by which the clock was advanced since that reference
         int64_t jumpBefore = 0; ///< the same since the last epoch
     };
 
-    /// Takes in a complete measurement. That of a reference epoch is kept until the next one.
+    /// Adds a complete measurement. That of a reference epoch is kept until the next one.
     void keep(const Sample& sample, bool isReference);
 
     /// The lock was lost: earlier carriers say nothing about later ones.
     void loseLock();
 
-    /// The code range with this residue, nearest to that of the reference epoch moved on by Doppler
-    /// and elapsed time; without that reference nearest to that of the last epoch, moved on, too.
-    /// Nothing without either, or where that would be too far to tell which value is the nearest.
+    /// The code range with this residue that is nearest to the one of the reference epoch (without
+    /// that, of the last epoch), extrapolated by Doppler and elapsed time. Nothing without either,
+    /// or where the extrapolation is too long to be unambiguous.
     std::optional<int64_t> completeCode(const Moment& moment, int64_t residue,
                                         int64_t modulus) const;
 

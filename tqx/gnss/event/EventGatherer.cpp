@@ -20,8 +20,8 @@ using namespace filling;
 namespace
 {
 
-/// How long what belongs to an event is waited for, and how far apart two epochs may be between
-/// which is interpolated.
+/// How long to wait for what belongs to an event, and how far apart two epochs may be for
+/// interpolation.
 constexpr GnssMillis patience = 5000;
 
 constexpr uint16_t blocksOfEvents[] = {4037, 4038, 4229, 4230, 4237, 5924};
@@ -120,7 +120,7 @@ bool read(const TQX_ExtEventINSNavCart1_s& record, Position& position)
     return true;
 }
 
-/// Takes over a position that is there, unless a better one was. Inertial ones are better.
+/// Takes over a position, unless there is a better one. Inertial ones are better.
 template<typename Record>
 void setPosition(Event& event, const Record& record, bool isBetter)
 {
@@ -144,8 +144,7 @@ double millisOf(const Event& event)
     return static_cast<double>(event.nanoseconds) * 1e-6;
 }
 
-/// The first of a run of epochs that is not before the event, with one before it; the end
-/// otherwise.
+/// The first epoch at or after the event, if there is also one before it; the end otherwise.
 template<typename Epochs>
 auto epochAfter(const Epochs& epochs, const Event& event)
 {
@@ -220,7 +219,7 @@ bool EventGatherer::wants(uint16_t blockNumber)
            positionSource(blockNumber) != nullptr;
 }
 
-/// The event of that input and time, which is new or waits already.
+/// The event of that input and time, new or already waiting.
 Event& EventGatherer::eventAt(GnssMillis time, std::string_view input)
 {
     for (Event& event : m_events) {
@@ -233,7 +232,7 @@ Event& EventGatherer::eventAt(GnssMillis time, std::string_view input)
     return event;
 }
 
-/// False for records that are of no event.
+/// False for records that do not belong to an event.
 bool EventGatherer::takeEvent(const void* record, GnssMillis time)
 {
     switch (as<TQX_MainHeader_s>(record).BlockNumber) {
@@ -379,7 +378,7 @@ void EventGatherer::handUntil(GnssMillis time)
     }
 }
 
-/// Epochs that no event will ask for any more.
+/// Drops epochs that no event will need any more.
 void EventGatherer::forget(GnssMillis time)
 {
     const auto drop = [time](auto& epochs) {
@@ -398,7 +397,7 @@ void EventGatherer::take(const void* record)
     const auto time = gnssMillis(header.TOW, header.WNc);
     if (!time)
         return;
-    if (*time + patience < m_now) { // time runs back, as where another log begins
+    if (*time + patience < m_now) { // time runs back, as at the start of another log
         finish();
     }
     m_now = std::max(m_now, *time);

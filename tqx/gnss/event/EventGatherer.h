@@ -11,13 +11,13 @@
 namespace tqx
 {
 
-/// Puts together the events of a log: the pulses and what the receiver computed for them. Where it
-/// wrote no position or attitude, they are interpolated between the epochs before and after, of the
+/// Gathers the events of a log: the pulses, and what the receiver computed for them. Where it wrote
+/// no position or attitude, these are interpolated between the epochs before and after, from the
 /// best source that has both. Keeps some seconds of positions.
 class TQX_GNSS_API EventGatherer
 {
 public:
-    /// Is given the events in the order of their times, each when the time to wait for what belongs
+    /// Receives the events in the order of their times, each once the time to wait for what belongs
     /// to it is over.
     using Receiver = std::function<void(const Event& event)>;
 
@@ -26,14 +26,14 @@ public:
     /// Whether blocks of this number have anything to do with events.
     static bool wants(uint16_t blockNumber);
 
-    /// Whether blocks of this number are of events themselves. Those alone give all events, without
-    /// what is interpolated.
+    /// Whether blocks of this number describe events themselves. These alone give all events, but
+    /// without interpolated values.
     static bool isOfEvent(uint16_t blockNumber);
 
-    /// The record of a main block that is wanted, in the order of the log.
+    /// Adds the record of a wanted main block, in the order of the log.
     void take(const void* record);
 
-    /// The log has ended.
+    /// Ends the log.
     void finish();
 
 private:

@@ -2,7 +2,7 @@
 
 #include "tqx/gnss/navigation/Ephemeris.h"
 
-/// What the blocks of each system say; one function for a block. Headers have a time.
+/// Conversions of each system's blocks, one function per block. Headers have a time.
 namespace tqx::navigation
 {
 
@@ -28,7 +28,7 @@ bool isNavicOnL1(const DecodedBlock& decoded);
 /// Metres of a user range accuracy index of GPS (IS-GPS-200), QZSS, BeiDou, NavIC and SBAS.
 double accuracyOf(unsigned index);
 
-/// A value of a field, NaN for the number that says that there is none.
+/// A value of a field, NaN for the number that means "not available".
 double available(double value);
 
 } // namespace tqx::navigation

@@ -12,10 +12,10 @@ namespace tqx
 namespace
 {
 
-/// A block and what reads it.
+/// A block and the function that reads it.
 struct Adapter {
     uint16_t number;
-    NavigationMessage message; ///< unless the block says another
+    NavigationMessage message; ///< unless the block names another
     void (*fill)(Ephemeris&, const void*);
 };
 

@@ -14,7 +14,7 @@
 namespace tqx
 {
 
-/// The navigation messages that ephemerides come in.
+/// The navigation messages that carry ephemerides.
 enum class NavigationMessage : uint8_t {
     Lnav,
     Cnav,
@@ -32,8 +32,8 @@ enum class NavigationMessage : uint8_t {
 /// As RINEX 4 names it: "LNAV".
 TQX_GNSS_API const char* nameOf(NavigationMessage message);
 
-/// Orbit and clock of a satellite as its navigation message gives them, in the units in which RINEX
-/// has them: metres, seconds, radians. What a message does not have is NaN.
+/// Orbit and clock of a satellite from its navigation message, in the units of RINEX: metres,
+/// seconds, radians. What a message does not have is NaN.
 struct TQX_GNSS_API Ephemeris {
     static constexpr double none = std::numeric_limits<double>::quiet_NaN();
 
@@ -81,7 +81,7 @@ struct TQX_GNSS_API Ephemeris {
     double ay = none;
     double az = none;
 
-    double health = none;   ///< 0 when all is well
+    double health = none;   ///< 0 when healthy
     double accuracy = none; ///< metres
     double delay1 = none;   ///< first group delay of the message
     double delay2 = none;
@@ -116,14 +116,14 @@ struct TQX_GNSS_API Ephemeris {
     double sismai = none;
     double integrity = none;
 
-    /// When the message was sent: seconds of the week of toe, below 0 before it; of GLONASS of the
-    /// week in UTC.
+    /// When the message was sent: seconds of the week of toe, negative before it; for GLONASS of
+    /// the week in UTC.
     double transmitted = none;
 
     /// Whether blocks of this number hold an ephemeris.
     static bool wants(uint16_t blockNumber);
 
-    /// What such a block says; nothing when it has no time, names no satellite or holds the message
+    /// Converts such a block; nothing when it has no time, names no satellite or holds the message
     /// of NavIC on L1.
     static std::optional<Ephemeris> of(const DecodedBlock& decoded);
 };
@@ -138,7 +138,7 @@ struct EphemerisParameter {
 /// All of them, in the order of tables.
 TQX_GNSS_API const std::vector<EphemerisParameter>& ephemerisParameters();
 
-/// Whether two tell the same, whenever they were sent and received.
+/// Whether two have the same content, whenever they were sent and received.
 TQX_GNSS_API bool isSame(const Ephemeris& a, const Ephemeris& b);
 
 } // namespace tqx

@@ -31,7 +31,7 @@ void fillGlonass(Ephemeris& e, const void* block)
     e.satellite = *satellite;
     const double week = weekNear(record.WN, record.WNc);
     e.reference = utcMillis(millisOf(week, record.t_oe));
-    // The start of the frame by UTC that is nearest to the time of the block.
+    // The start of the frame in UTC nearest to the time of the block.
     const double now = static_cast<double>(utcMillis(e.received)) * 1e-3;
     const double start = record.t_k - moscowAhead;
     const double frame = start + std::round((now - start) / secondsPerDay) * secondsPerDay;
@@ -67,7 +67,7 @@ void fillSbas(Ephemeris& e, const void* block)
     if (!satellite || satellite->system != 'S')
         return;
     e.satellite = *satellite;
-    // The reference time is one of the day, and the nearest to the message.
+    // The reference time is a time of day, the one nearest to the message.
     const double now = record.WNc * secondsPerWeek + record.TOW * 1e-3;
     const double reference =
         record.t_0 + std::round((now - record.t_0) / secondsPerDay) * secondsPerDay;

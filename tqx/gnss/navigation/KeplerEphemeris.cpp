@@ -17,7 +17,7 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-constexpr double semicircle = 3.1415926535898; // as the interface documents fix it
+constexpr double semicircle = 3.1415926535898; // as defined by the interface documents
 constexpr double noValue = -2e10;
 
 template<typename Record>
@@ -36,7 +36,7 @@ double angle(double value)
     return available(value) * semicircle;
 }
 
-/// What all Kepler ephemerides name alike.
+/// Fields with the same names in all Kepler ephemerides.
 template<typename Record>
 void fillOrbit(Ephemeris& e, const Record& record)
 {
@@ -59,7 +59,7 @@ void fillOrbit(Ephemeris& e, const Record& record)
     e.cis = available(record.C_is);
 }
 
-/// Weeks of GPS, or aligned to them, and when the message was sent by the time of the block.
+/// Weeks of GPS, or aligned to them, and the sending time according to the block's time.
 template<typename Record>
 void fillWeeks(Ephemeris& e, const Record& record)
 {
@@ -114,7 +114,7 @@ void fillCivil(Ephemeris& e, const Record& record, double axis, double reference
     constexpr double referenceRate = -2.6e-9; // semicircles per second
     e.satellite = satelliteOr0(record.PRN);
     fillOrbit(e, record);
-    // The week of t_oe is not sent: it is the one that brings it close to the message.
+    // The week of t_oe is not sent: it is the one that puts t_oe nearest to the message.
     const double ahead = record.t_oe - record.TOW * 1e-3;
     e.week = record.WNc - std::round(ahead / secondsPerWeek);
     e.reference = millisOf(e.week, referenceSecond);

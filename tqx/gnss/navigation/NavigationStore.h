@@ -30,7 +30,7 @@ public:
     /// Whether blocks of this number hold something for the store.
     static bool wants(uint16_t blockNumber);
 
-    /// A block that decoded and is wanted.
+    /// Adds a decoded, wanted block.
     void take(const DecodedBlock& decoded);
 
     /// In the order in which they were received first.

@@ -57,7 +57,7 @@ TimeOffset offsetOf(const char* kind, double week, double second, double a0, dou
 TimeOffset offsetOf(const TQX_BDSUtc_s& record)
 {
     const double week = beiDouWeek(record.WN_ot, record.WNc);
-    // D1 and D2 do not tell the reference time: the start of the week stands for it.
+    // D1 and D2 do not contain the reference time: the start of the week is used.
     const double second = record.t_ot == unknownTime ? 0 : record.t_ot;
     TimeOffset offset = offsetOf("BDUT", week, second, record.A_0, record.A_1);
     offset.reference = millisOf(week + beiDouWeekZero, second);
@@ -66,7 +66,7 @@ TimeOffset offsetOf(const TQX_BDSUtc_s& record)
     return offset;
 }
 
-/// GPS week of a time of week, in milliseconds, at which what is in a block was sent.
+/// GPS week in which the content of a block was sent, from its time of week in milliseconds.
 int weekOf(const TQX_MainHeader_s& header, uint32_t sent)
 {
     constexpr int64_t half = 302400000;
@@ -182,7 +182,7 @@ std::array<std::optional<TimeOffset>, 2> TimeOffset::of(const DecodedBlock& deco
         const auto& record = as<TQX_GLOTime_s>(decoded.record);
         if (record.N_4 == 0 || record.N_A == 0)
             break;
-        // GLONASS sends what is to be added to its time.
+        // GLONASS sends the value to add to its time.
         if (isGiven(record.tau_c))
             offsets[0] = glonassOffset(record, "GLUT", 0 - record.tau_c);
         if (isGiven(record.tau_GPS))

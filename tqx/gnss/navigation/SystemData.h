@@ -45,7 +45,7 @@ struct TQX_GNSS_API TimeOffset {
 
     static bool wants(uint16_t blockNumber);
 
-    /// What such a block says, up to two offsets.
+    /// Converts such a block: up to two offsets.
     static std::array<std::optional<TimeOffset>, 2> of(const DecodedBlock& decoded);
 };
 

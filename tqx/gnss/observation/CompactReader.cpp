@@ -190,8 +190,8 @@ CompactReader::Known& CompactReader::knownOf(const Entry& entry)
     return m_known[{observation.constellation, observation.number, observation.signal}];
 }
 
-/// The code of a slave is completed by that of its master in the same epoch: they are within some
-/// ten metres of each other.
+/// The code of a slave is completed from that of its master in the same epoch: they are within
+/// about ten metres.
 std::optional<int64_t> CompactReader::codeOf(const Entry& entry, const Entry* master,
                                              const Known& known,
                                              const CompactSignal::Moment& moment) const
@@ -233,7 +233,7 @@ void CompactReader::complete(Entry& entry, const Entry* master)
         moment.rate = -observation.doppler * wavelength;
     moment.jump = jumpBetween(known.jumpsAtReference, m_jumps);
     moment.jumpBefore = jumpBetween(known.jumps, m_jumps);
-    // Lock that is younger than the last epoch is another one. It may be counted in whole steps.
+    // A lock younger than the last epoch is a new one. It may be counted in whole steps.
     const double elapsed = secondsOf(m_time - known.time);
     if (observation.evidence.isSlip || (observation.lockTime < observation.evidence.limit &&
                                         observation.lockTime + observation.evidence.step < elapsed))

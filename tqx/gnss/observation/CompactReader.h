@@ -32,24 +32,24 @@ struct CompactObservation {
     LockTracker::Evidence evidence;
 };
 
-/// Completes the measurements of compact blocks: those of one epoch, with what its extensions say,
-/// from the reference epochs and epochs before, of which it keeps what that needs.
+/// Completes the measurements of compact blocks: those of one epoch with its extensions, from
+/// reference and earlier epochs, of which it keeps what that needs.
 class CompactReader
 {
 public:
-    /// An epoch begins, and the one before ends.
+    /// Begins an epoch, which ends the one before.
     void take(const Kor::MessageApi::TQX_Meas3Ranges_s& record, GnssMillis time);
 
-    /// Extensions; those of another time than the epoch at hand are passed over.
+    /// Adds extensions; those of another time than the current epoch are ignored.
     void take(const Kor::MessageApi::TQX_Meas3CN0HiRes_s& record, GnssMillis time);
     void take(const Kor::MessageApi::TQX_Meas3Doppler_s& record, GnssMillis time);
     void take(const Kor::MessageApi::TQX_Meas3PP_s& record, GnssMillis time);
     void take(const Kor::MessageApi::TQX_Meas3MP_s& record, GnssMillis time);
 
-    /// Ends the epoch at hand. Its observations, until the next call.
+    /// Ends the current epoch and returns its observations, valid until the next call.
     const std::vector<CompactObservation>& finish();
 
-    /// Values that nothing completes, of all epochs so far.
+    /// Number of values that nothing completes, in all epochs so far.
     uint64_t getIncomplete() const { return m_incomplete; }
 
 private:
@@ -59,7 +59,7 @@ private:
         int64_t modulus = 0; ///< 0: complete
         bool isMissing = false;
     };
-    /// A signal as its entry has it.
+    /// A signal as in its entry.
     struct Entry {
         CompactObservation observation;
         bool isMaster = true;

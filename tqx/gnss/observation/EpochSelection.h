@@ -10,7 +10,7 @@
 namespace tqx
 {
 
-/// Which epochs and observations are shown. The state of lock is followed through all of them.
+/// Which epochs and observations are shown. The lock state is followed through all of them.
 struct TQX_GNSS_API EpochSelection {
     std::optional<GnssMillis> from;
     std::optional<GnssMillis> to;        ///< the first time that is not shown

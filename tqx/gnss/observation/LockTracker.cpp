@@ -22,7 +22,7 @@ void LockTracker::update(Observation& observation, const Evidence& evidence, Gns
         const double lock = observation.lockTime;
         if (!std::isnan(lock) && lock < evidence.limit) {
             const double elapsed = static_cast<double>(time - state.time) * 1e-3;
-            // What is counted in steps may be up to a step longer.
+            // Times counted in steps may be up to one step longer.
             if (lock + evidence.step <= elapsed || lock < state.lockTime)
                 isLost = true;
         }

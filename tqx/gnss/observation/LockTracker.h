@@ -11,13 +11,13 @@
 namespace tqx
 {
 
-/// Finds out, from epoch to epoch, where lock on a signal was lost: its lock time went back or is
-/// shorter than the time that has passed, or its count of interruptions changed. A lock time that
-/// has reached the largest value that its block can hold says nothing.
+/// Detects, from epoch to epoch, where lock on a signal was lost: its lock time went back or is
+/// shorter than the elapsed time, or its count of interruptions changed. A lock time at the largest
+/// value that its block can hold proves nothing.
 class LockTracker
 {
 public:
-    /// What an observation says about lock beside its lock time.
+    /// What an observation says about lock besides its lock time.
     struct Evidence {
         double limit = 0;              ///< largest lock time that its block can hold, seconds
         double step = 1;               ///< seconds in which lock times are counted
@@ -29,7 +29,7 @@ public:
     /// phase. Without a phase nothing is concluded.
     void update(Observation& observation, const Evidence& evidence, GnssMillis time);
 
-    /// Keeps losses of this signal for the next epoch as well, because this one is not shown.
+    /// Carries losses of this signal over to the next epoch, because this one is not shown.
     void keep(const Observation& observation);
 
 private:

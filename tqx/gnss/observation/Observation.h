@@ -12,11 +12,11 @@
 namespace tqx
 {
 
-/// What a value is when it is not available.
+/// A value that is not available.
 constexpr double notMeasured = std::numeric_limits<double>::quiet_NaN();
 
-/// What was measured of one signal of one satellite at one antenna, as the receiver gave it: no
-/// correction that a block offers is applied, and the clock of the receiver is not taken out.
+/// What was measured on one signal of one satellite at one antenna, as the receiver reported it: no
+/// correction that a block offers is applied, and the receiver clock is not removed.
 struct Observation {
     SatelliteId satellite;
     SignalCode code;

@@ -50,8 +50,8 @@ const Record& as(const void* record)
     return *static_cast<const Record*>(record);
 }
 
-/// Lock times of 16 and of 8 bits; the largest number says that there is none, the one before it
-/// that the time is as long or longer.
+/// Lock times of 16 and of 8 bits; the largest number means "none", the one before it "this long or
+/// longer".
 constexpr double limit16 = 65534;
 constexpr double limit8 = 254;
 
@@ -66,7 +66,7 @@ double rangeOf(uint32_t msb, uint32_t lsb)
     return millimetres == 0 ? notMeasured : static_cast<double>(millimetres) * 1e-3;
 }
 
-/// Of a carrier that is sent as its difference from the code.
+/// For a carrier that is sent as its difference from the code.
 double phaseOf(const Observation& observation, double difference)
 {
     const double frequency = carrierFrequency(observation.signal, observation.channel);
@@ -88,7 +88,7 @@ std::vector<std::string> ObservationLosses::describe() const
     }
     if (withoutSlot != 0) {
         lines.push_back(
-            fmt::format("{} observation{} of GLONASS satellites whose slot is not known left out",
+            fmt::format("{} observation{} of GLONASS satellites with unknown slot left out",
                         withoutSlot, withoutSlot == 1 ? "" : "s"));
     }
     if (incomplete != 0) {
@@ -117,7 +117,7 @@ void ObservationGatherer::advance(GnssMillis time)
         close();
 }
 
-/// Whether measurements of this source are to be added to the epoch at hand.
+/// Whether measurements of this source are to be added to the current epoch.
 bool ObservationGatherer::begin(const TQX_MainHeader_s& header, Source source)
 {
     const auto time = gnssMillis(header.TOW, header.WNc);
@@ -138,7 +138,7 @@ bool ObservationGatherer::begin(const TQX_MainHeader_s& header, Source source)
     return true;
 }
 
-/// A place for an observation, or null for what has no name in files, or has one already.
+/// A place for an observation; null for signals without a name in files, or already there.
 Observation* ObservationGatherer::add(uint8_t svid, uint8_t signal, uint8_t antenna, uint8_t slot)
 {
     const auto satellite = satelliteOf(svid);
@@ -171,8 +171,8 @@ Observation* ObservationGatherer::add(uint8_t svid, uint8_t signal, uint8_t ante
     return &observation;
 }
 
-/// What the entries of all generations name alike. Those of numbers that continue in the frequency
-/// slot are no FDMA signals.
+/// Fields with the same names in the entries of all generations. Signals whose numbers continue in
+/// the frequency slot are not FDMA signals.
 template<typename Entry>
 Observation* ObservationGatherer::addEntry(uint8_t svid, const Entry& entry, double limit,
                                            double lockTime)
@@ -203,7 +203,7 @@ void ObservationGatherer::takeEpoch(const Record& record, bool isE6B)
                                   bool isMoving) {
             if (isMeasured)
                 observation.range = entry.CodeRange;
-            // A slot of 0 is no frequency, and the phase hangs on that.
+            // Slot 0 means no known frequency, which the phase depends on.
             if (isMeasured && entry.CarrierMSB != INT8_MIN && entry.CarrierFrequency > 0 &&
                 (!isFdma(entry.SignalType) || entry.FreqSlot != 0))
                 observation.phase = entry.CarrierPhase;
@@ -283,8 +283,8 @@ void ObservationGatherer::takeFullRange(const void* block)
     }
 }
 
-/// Compact epochs are completed even where another generation of the same epoch counts, for the
-/// sake of those after them.
+/// Compact epochs are completed even where another generation of the same epoch is used, because
+/// later ones depend on them.
 void ObservationGatherer::takeCompact(uint16_t number, const void* block)
 {
     const auto& header = as<TQX_MainHeader_s>(block);
@@ -316,7 +316,7 @@ void ObservationGatherer::takeCompact(uint16_t number, const void* block)
     }
 }
 
-/// The observations of the compact epoch at hand, which has ended.
+/// Adds the observations of the compact epoch that has ended.
 void ObservationGatherer::addCompact()
 {
     for (const CompactObservation& each : m_compact->finish()) {
@@ -375,7 +375,7 @@ void ObservationGatherer::takeExtra(const void* block)
     }
 }
 
-/// The bias of a clock against another system than GPS is no offset of an epoch.
+/// The clock bias against a system other than GPS is not the offset of an epoch.
 void ObservationGatherer::takeBias(const TQX_MainHeader_s& header, double bias, uint8_t system)
 {
     const auto time = gnssMillis(header.TOW, header.WNc);
@@ -438,7 +438,7 @@ void ObservationGatherer::take(const DecodedBlock& decoded)
     }
 }
 
-/// Extras come in the order of the measurements, so that the next one is soon found.
+/// Extras come in the order of the measurements, so the next one is found quickly.
 void ObservationGatherer::join(const Extra& extra)
 {
     for (size_t step = 1; step <= m_svids.size(); ++step) {
@@ -474,7 +474,7 @@ void ObservationGatherer::clearEpoch()
     m_joined = 0;
 }
 
-/// Gives out the epoch at hand, if there is one.
+/// Passes on the current epoch, if there is one.
 void ObservationGatherer::close()
 {
     if (m_source != Source::None && m_last && m_epoch.time <= *m_last) {
@@ -491,7 +491,7 @@ void ObservationGatherer::close()
         if (m_biasTime == m_epoch.time)
             m_epoch.clockBias = m_bias;
         m_last = m_epoch.time;
-        // The receiver may reduce the epoch, but what it leaves out is not kept either.
+        // The callee may reduce the epoch; what it leaves out is not kept.
         if (!m_receiver(m_epoch)) {
             for (const Observation& observation : m_epoch.observations)
                 m_tracker.keep(observation);

@@ -20,7 +20,7 @@ namespace tqx
 
 class CompactReader;
 
-/// What of a log's measurements did not become observations.
+/// Measurements of a log that did not become observations.
 struct TQX_GNSS_API ObservationLosses {
     uint64_t withoutTime = 0; ///< blocks whose header has no time
     uint64_t outOfOrder = 0;  ///< epochs at or before the time of the epoch before
@@ -28,14 +28,14 @@ struct TQX_GNSS_API ObservationLosses {
     uint64_t incomplete = 0;  ///< compact measurements without anything that completes them
     std::set<std::pair<char, uint8_t>> signals; ///< system and number of signals without a code
 
-    /// A line for each of them that occurred.
+    /// One line for each of them that occurred.
     std::vector<std::string> describe() const;
 };
 
 /// Makes epochs of observations from the measurement blocks of a log, whatever their generation:
 /// MeasEpoch2, GenMeasEpoch, MeasFullRange, Meas3Ranges with its extensions, MeasEpoch1 and
 /// ShortMeasEpoch, with what MeasExtra adds and the clock bias of the position blocks. Where an
-/// epoch comes in several generations, the first of these counts. Keeps one epoch in memory, and
+/// epoch comes in several generations, the first of these is used. Keeps one epoch in memory, and
 /// what completes compact measurements.
 ///
 ///     ObservationGatherer gatherer([](ObservationEpoch& epoch) { use(epoch); });
@@ -46,9 +46,9 @@ struct TQX_GNSS_API ObservationLosses {
 class TQX_GNSS_API ObservationGatherer
 {
 public:
-    /// Is given the epochs in ascending order of their times, each once a block of a later time or
-    /// the end has come. Returns whether the epoch is shown: losses of lock of one that is not are
-    /// reported with the next that is.
+    /// Receives the epochs in ascending order of time, each once a block of a later time or the end
+    /// has come. Returns whether the epoch is shown: losses of lock in one that is not shown are
+    /// reported with the next one that is.
     using Receiver = std::function<bool(ObservationEpoch& epoch)>;
 
     explicit ObservationGatherer(Receiver receiver);
@@ -57,19 +57,19 @@ public:
     /// Whether blocks of this number have anything to do with observations.
     static bool wants(uint16_t blockNumber);
 
-    /// A block that decoded and is wanted, in the order of the log.
+    /// Adds a decoded, wanted block, in the order of the log.
     void take(const DecodedBlock& decoded);
 
-    /// No measurement of an earlier time follows: an epoch before that is given out.
+    /// Declares that no earlier measurement follows: an epoch before that time is passed on.
     void advance(GnssMillis time);
 
-    /// The log has ended.
+    /// Ends the log.
     void finish() { close(); }
 
     const ObservationLosses& getLosses() const { return m_losses; }
 
 private:
-    /// Generations of measurements, the better the later.
+    /// Generations of measurements, better ones later.
     enum class Source : uint8_t { None, Short, First, Compact, FullRange, Generic, Second };
 
     struct Extra {
@@ -108,13 +108,13 @@ private:
     std::vector<LockTracker::Evidence> m_evidence;        ///< of each of its observations
     std::vector<uint8_t> m_svids;                         ///< likewise
     std::array<std::array<uint64_t, 8>, 256> m_seen = {}; ///< signals by satellite and antenna
-    size_t m_joined = 0; ///< place of the last observation that an extra was found for
+    size_t m_joined = 0; ///< place of the last observation with an extra
     std::vector<Extra> m_extras;
     GnssMillis m_extrasTime = 0;
     Source m_source = Source::None; ///< of the epoch at hand
     bool m_isE6B = false;
     bool m_isSmoothed = false;        ///< of a compact epoch
-    std::optional<GnssMillis> m_last; ///< time of the last epoch that was given out
+    std::optional<GnssMillis> m_last; ///< time of the last epoch that was passed on
     GnssMillis m_biasTime = 0;
     double m_bias = notMeasured;
     std::unique_ptr<CompactReader> m_compact; ///< once there are such blocks

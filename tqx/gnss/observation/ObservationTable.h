@@ -7,14 +7,14 @@
 namespace tqx
 {
 
-/// Observations as a long table: a row for each epoch, satellite, signal and antenna.
+/// Observations as a long table: one row per epoch, satellite, signal and antenna.
 class TQX_GNSS_API ObservationTable
 {
 public:
     /// Begins a table "observations". The target must outlive it.
     explicit ObservationTable(TableTarget& target);
 
-    /// The rows of an epoch.
+    /// Writes the rows of an epoch.
     void write(const ObservationEpoch& epoch);
 
 private:

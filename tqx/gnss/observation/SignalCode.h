@@ -31,10 +31,10 @@ constexpr unsigned placeOf(const SignalCode& code)
            static_cast<unsigned>(code.attribute - 'A');
 }
 
-/// The code of a signal number of blocks when a satellite of `system` sends it. Signals of which
-/// blocks do not say which component is tracked are taken for their pilot. `isE6B`: Galileo E6 is
-/// tracked on its data component. Nothing for beams of the L band, for numbers without a signal and
-/// for signals that RINEX has no code for.
+/// The code of a block's signal number for a satellite of `system`. Where blocks do not say which
+/// component of a signal is tracked, the pilot is assumed. `isE6B`: Galileo E6 is tracked on its
+/// data component. Nothing for beams of the L band, for numbers without a signal and for signals
+/// without a RINEX code.
 TQX_GNSS_API std::optional<SignalCode> signalCode(char system, uint8_t signal, bool isE6B = false);
 
 /// Carrier frequency in hertz; of GLONASS FDMA signals on `channel`, -7 to 6. 0 when it is unknown.

@@ -29,7 +29,7 @@ Vector toEarthFixed(const Geodetic& position)
 
 Geodetic toGeodetic(const Vector& position)
 {
-    // Bowring's latitude, which is exact enough near the ground at once.
+    // Bowring's latitude, exact enough near the ground without iteration.
     constexpr double semiMinorAxis = semiMajorAxis * (1 - flattening);
     const double inPlane = std::hypot(position.x, position.y);
     const double angle = std::atan2(position.z * semiMajorAxis, inPlane * semiMinorAxis);

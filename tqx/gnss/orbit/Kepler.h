@@ -7,7 +7,8 @@ namespace tqx
 {
 
 /// A Kepler orbit on the rotating earth with the corrections that navigation messages carry, at a
-/// reference time. Angles in semicircles but the corrections, which are in radians and metres.
+/// reference time. Angles are in semicircles, except for the corrections, which are in radians and
+/// metres.
 struct KeplerElements {
     double sqrtA;
     double eccentricity;
@@ -23,7 +24,7 @@ struct KeplerElements {
     double cic, cis; ///< inclination
 };
 
-/// Constants that the interface document of a system gives for computing with its orbits.
+/// Constants from the interface document of a system for computing with its orbits.
 struct EarthModel {
     double gravitation; ///< cubic metres per second squared
     double rotation;    ///< radians per second
@@ -37,7 +38,7 @@ const EarthModel& earthModel(System system);
 /// Position and the effect of the changing speed on the clock.
 struct KeplerPoint {
     Vector position;   ///< earth-fixed
-    double relativity; ///< seconds by which it brings the clock ahead
+    double relativity; ///< seconds by which it advances the clock
 };
 
 KeplerPoint pointAt(const KeplerElements& elements, const EarthModel& model, double elapsed);

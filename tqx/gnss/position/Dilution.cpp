@@ -16,7 +16,7 @@ constexpr uint16_t dop2 = 4001;
 template<typename Record>
 bool fill(const Record& record, Position& position)
 {
-    // 0 is not available.
+    // 0 means not available.
     if (record.PDOP <= 0 || record.HDOP <= 0 || record.VDOP <= 0)
         return false;
     position.pdop = record.PDOP;

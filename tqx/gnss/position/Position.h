@@ -12,10 +12,10 @@ namespace tqx
 
 struct PositionSource;
 
-/// What a real value of a position is when its block does not have it.
+/// A real value that the block of a position does not have.
 constexpr double notKnown = std::numeric_limits<double>::quiet_NaN();
 
-/// How a position was computed, alike for all blocks.
+/// How a position was computed, in terms common to all blocks.
 enum class Fix : uint8_t {
     None,
     Standalone,   ///< code ranges without corrections
@@ -34,7 +34,7 @@ enum class AccuracyLevel : uint8_t {
     Percent95, ///< not exceeded by 95 % of the errors, as the receiver estimates it
 };
 
-/// A position at one instant, whatever block it is from. Texts live as long as the library.
+/// A position at one instant, from whatever block. Texts live as long as the library.
 struct Position {
     const PositionSource* source = nullptr; ///< the kind of block
     GnssMillis time = 0;

@@ -18,7 +18,7 @@ using namespace filling;
 namespace
 {
 
-/// False, as of all functions below, when there is no solution.
+/// False, like all functions below, when there is no solution.
 template<typename Record>
 bool readMode(const Record& record, unsigned mode, const char* field, Position& position)
 {
@@ -28,7 +28,7 @@ bool readMode(const Record& record, unsigned mode, const char* field, Position& 
     return position.fix != Fix::None;
 }
 
-/// What the newer and older GNSS blocks have in common.
+/// Fields that the newer and older GNSS blocks have in common.
 template<typename Record>
 bool readGnss(const Record& record, Position& position)
 {

@@ -20,20 +20,20 @@ struct PositionSource {
     const char* describe; ///< in words, such as "GNSS, geodetic"
 };
 
-/// All of them, what is preferred first: integrated with inertial sensors before GNSS alone, newer
-/// blocks before older ones, geodetic coordinates before Cartesian ones, and last those that only
-/// part of the users want (authenticated satellites, a local datum).
+/// All sources, preferred ones first: integrated with inertial sensors before GNSS only, newer
+/// blocks before older ones, geodetic coordinates before Cartesian ones, and last those that few
+/// users want (authenticated satellites, a local datum).
 TQX_GNSS_API const std::vector<PositionSource>& positionSources();
 
-/// The source that blocks of this number are, null for other blocks.
+/// The source with this block number, null for other blocks.
 TQX_GNSS_API const PositionSource* positionSource(uint16_t blockNumber);
 
 /// The source of that name, case ignored, or of that block number; null for others.
 TQX_GNSS_API const PositionSource* positionSource(std::string_view name);
 
-/// Reads the record of a main block. False, and nothing done, when it is not of a position source
-/// or has no time in its header; else `position` is filled anew. A block without a solution is a
-/// position with Fix::None.
+/// Reads the record of a main block. False, with nothing done, when it is not from a position
+/// source or has no time in its header; else `position` is overwritten. A block without a solution
+/// gives a position with Fix::None.
 TQX_GNSS_API bool readPosition(const void* record, Position& position);
 
 } // namespace tqx

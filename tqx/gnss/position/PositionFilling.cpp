@@ -70,7 +70,7 @@ bool setPlace(Position& position, double latitude, double longitude, double heig
 bool setEarthFixed(Position& position, double x, double y, double z)
 {
     const Vector point = {known(x), known(y), known(z)};
-    if (!std::isfinite(length(point)) || length(point) < 1000) // zeros are no place
+    if (!std::isfinite(length(point)) || length(point) < 1000) // zeros are not a place
         return false;
     const Geodetic place = toGeodetic(point);
     return setPlace(position, place.latitude, place.longitude, place.height);

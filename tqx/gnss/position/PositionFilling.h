@@ -4,20 +4,20 @@
 
 #include <cstdint>
 
-/// Fills positions from what blocks have. Floating-point numbers of -2e10 are not available.
+/// Fills positions from the values of blocks. Floating-point numbers of -2e10 are not available.
 namespace tqx::filling
 {
 
 double known(double value);
 
-/// A scaled integer, all ones for what is not available.
+/// A scaled integer; all ones mean "not available".
 double known(uint16_t value, double scale);
 
-/// Of the modes of GNSS positions.
+/// From a mode of GNSS positions.
 Fix fixOfMode(unsigned mode);
 
-/// Of the modes of the inertial filter. What the GNSS positions are that it uses, only some blocks
-/// say, others pass 0.
+/// From a mode of the inertial filter. Only some blocks say what kind of GNSS positions it uses;
+/// for others pass 0.
 Fix fixOfInertialMode(unsigned mode, unsigned gnssMode);
 
 /// Variances and covariances of earth-fixed coordinates.
@@ -33,13 +33,13 @@ bool setEarthFixed(Position& position, double x, double y, double z);
 
 void setVelocity(Position& position, double north, double east, double up);
 
-/// After the place.
+/// Call after filling the place.
 void setEarthFixedVelocity(Position& position, double x, double y, double z);
 
 /// Standard deviations.
 void setDeviations(Position& position, double north, double east, double up);
 
-/// After the place.
+/// Call after filling the place.
 void setVariances(Position& position, const Variances& variances);
 
 /// Accuracies at 95 %.

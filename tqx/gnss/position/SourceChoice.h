@@ -8,17 +8,17 @@
 namespace tqx
 {
 
-/// Chooses one source out of those that a log has positions from.
+/// Chooses one of the position sources in a log.
 class TQX_GNSS_API SourceChoice
 {
 public:
     SourceChoice();
 
-    /// Takes account of a position; those with Fix::None do not count.
+    /// Counts a position, unless it has Fix::None.
     void take(const Position& position);
 
-    /// The first source in the order of positionSources() that covers nine tenths of the time that
-    /// any one covers, null without positions.
+    /// The first source in the order of positionSources() that covers at least nine tenths of the
+    /// time that the best one covers; null without positions.
     const PositionSource* best() const;
 
     /// Those with positions.

@@ -133,7 +133,7 @@ bool ArcAnalysis::findSlip(GnssMillis time, SatelliteState& state, const SeenSig
         if (isSlip)
             codes.push_back(code);
     }
-    // When all others jump against the reference, it is that one's phase that does.
+    // When all others jump against the reference, it is the reference that jumps.
     if (!slip.isLossOfLock && compared > 1 && codes.size() == compared)
         codes = {begin->observation->code};
     if (codes.empty())
@@ -236,7 +236,7 @@ std::vector<Episode> ArcAnalysis::findMultipath() const
     std::map<SignalKey, double> limits;
     for (const auto& [key, scaled] : m_scaled)
         limits[key] = scaled.get(0.5) * conspicuousRatio;
-    // A single minute may be chance.
+    // A single minute may be coincidence.
     struct Found {
         Episode episode;
         unsigned blocks;

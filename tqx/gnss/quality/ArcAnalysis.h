@@ -21,7 +21,7 @@ struct SeenSignal {
 
 /// Finds cycle slips and measures multipath from the continuous arcs of each satellite.
 ///
-/// Of each satellite the signals with a phase are taken in the order of their codes; the first is
+/// The signals of a satellite that have a phase are taken in the order of their codes; the first is
 /// the reference A. An arc ends where its signals have no phase for more than three and a half
 /// intervals, and at every slip.
 ///
@@ -29,14 +29,14 @@ struct SeenSignal {
 /// signal i, lambda_A phi_A - lambda_i phi_i, changes from one epoch to the next by more than
 /// 0.10 m + 0.003 m/s times the time between them (geometry-free detection, such as in
 /// G. Blewitt, "An automatic editing algorithm for GPS data", 1990; the rate leaves room for a
-/// disturbed ionosphere). All that is found of a satellite at one epoch is one slip.
+/// disturbed ionosphere). Everything found for a satellite at one epoch is one slip.
 ///
 /// Multipath of signal i is the code-minus-carrier combination
 ///     M = P_i - L_i - 2 f_j^2 / (f_i^2 - f_j^2) (L_i - L_j),  L = lambda phi,
 /// with A as j, or for the signals on the frequency of A the first signal on another one. For two
 /// frequencies this is MP1 and MP2 of L. Estey and C. Meertens, "TEQC: the multi-purpose toolkit
-/// for GPS/GLONASS data", 1999. Its mean over an arc, which contains the ambiguities, is taken
-/// out; the figure is the root mean square over all arcs of at least twenty epochs.
+/// for GPS/GLONASS data", 1999. Its mean over an arc, which contains the ambiguities, is removed;
+/// the figure is the root mean square over all arcs of at least twenty epochs.
 class ArcAnalysis
 {
 public:

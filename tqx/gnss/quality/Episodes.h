@@ -6,7 +6,7 @@ namespace tqx::quality
 {
 
 /// Gathers moments at which a condition holds into episodes. Pauses shorter than `pause` do not end
-/// one. Memory is bounded: of more than a thousand, further ones are only counted.
+/// an episode. Memory is bounded: after the first thousand, episodes are only counted.
 class Episodes
 {
 public:
@@ -23,7 +23,7 @@ public:
 
     bool isOpen() const { return m_isOpen; }
 
-    /// All of them, the one that is open included.
+    /// All episodes, including an open one.
     const std::vector<Episode>& finish();
     uint64_t getCount() const { return m_count; }
 

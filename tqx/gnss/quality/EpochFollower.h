@@ -5,9 +5,9 @@
 namespace tqx::quality
 {
 
-/// Counts epochs and those that are missing between them. The interval is followed: three equal
-/// ones in a row that are longer or shorter than before are a change of the rate, anything longer
-/// is an outage.
+/// Counts epochs, and those missing between them. The interval is followed: three equal ones in a
+/// row that are longer or shorter than before are a change of rate; anything else that is longer is
+/// an outage.
 class EpochFollower
 {
 public:
@@ -20,15 +20,15 @@ public:
     std::optional<GnssMillis> getFirst() const { return m_first; }
     std::optional<GnssMillis> getLast() const { return m_last; }
 
-    /// At which epochs come now, milliseconds; 0 before there are two.
+    /// The current interval, milliseconds; 0 before the second epoch.
     uint64_t getInterval() const { return m_interval; }
-    /// The one that most epochs had.
+    /// The most frequent interval.
     uint64_t getUsual() const;
 
-    /// From the last epoch before to the first one after; the first thousand.
+    /// Outages, each from the last epoch before to the first one after; the first thousand.
     const std::vector<Episode>& getOutages() const { return m_outages; }
     uint64_t getOutageCount() const { return m_outageCount; }
-    /// Milliseconds by which all of them are longer than the interval, and the longest one.
+    /// Milliseconds by which all outages together exceed the interval, and the longest outage.
     uint64_t getOutageMillis() const { return m_outageMillis; }
     uint64_t getLongest() const { return m_longest; }
 

@@ -13,17 +13,6 @@ constexpr double oldAge = 15;     ///< seconds
 constexpr double slow = 0.3;      ///< metres per second in the mean; faster antennas move
 constexpr double smallArea = 100; ///< metres of scatter; beyond it the antenna moves
 
-Vector earthFixed(double latitude, double longitude, double height)
-{
-    constexpr double degree = pi / 180;
-    return toEarthFixed({latitude * degree, longitude * degree, std::isnan(height) ? 0 : height});
-}
-
-Vector earthFixed(const Reference::Place& place)
-{
-    return earthFixed(place.latitude, place.longitude, place.height);
-}
-
 double squareOf(double value)
 {
     return value * value;
@@ -31,13 +20,20 @@ double squareOf(double value)
 
 } // namespace
 
+Vector earthFixed(const Reference::Place& place)
+{
+    constexpr double degree = pi / 180;
+    return toEarthFixed({place.latitude * degree, place.longitude * degree,
+                         std::isnan(place.height) ? 0 : place.height});
+}
+
 void PositionQuality::take(const Position& position)
 {
     m_choice.take(position);
     Source& source = m_sources[position.source];
     source.kind = position.source;
     if (source.epochs != 0 && position.time <= source.last)
-        return; // a block that came twice, or late
+        return; // a repeated or late block
     source.last = position.time;
     ++source.epochs;
     ++source.fixes[position.fix];
@@ -53,7 +49,7 @@ void PositionQuality::take(const Position& position)
     source.speed.add(position.groundSpeed());
     if (std::isnan(position.latitude) || std::isnan(position.longitude))
         return;
-    const Vector place = earthFixed(position.latitude, position.longitude, position.height);
+    const Vector place = earthFixed({position.latitude, position.longitude, position.height});
     if (!source.origin) {
         source.origin = place;
         source.frame.emplace(toGeodetic(place));

@@ -11,8 +11,11 @@
 namespace tqx::quality
 {
 
+/// Earth-fixed; a height that is not known is that of the ellipsoid.
+Vector earthFixed(const Reference::Place& place);
+
 /// Fix modes, scatter, error and corrections of the positions of each kind of block; in the end the
-/// kind that SourceChoice takes counts.
+/// kind that SourceChoice chooses is used.
 class PositionQuality
 {
 public:
@@ -28,7 +31,7 @@ public:
     /// had been used, from when the last one came.
     std::vector<Episode> findOldCorrections();
 
-    /// The epochs of the kind that counts; null without positions.
+    /// The epochs of the kind that is used; null without positions.
     const EpochFollower* getEpochs() const;
 
 private:

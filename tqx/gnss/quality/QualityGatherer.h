@@ -17,8 +17,8 @@ struct QualityOptions {
     Reference reference;
 };
 
-/// Computes what says how good the data of a log are, in one pass and in bounded memory: what is
-/// kept grows with the number of satellites, and lists are cut at a thousand entries or more.
+/// Computes how good the data of a log are, in one pass and in bounded memory: it grows with the
+/// number of satellites, and lists are cut at a thousand entries or more.
 ///
 ///     QualityGatherer gatherer({});
 ///     while (stream.next(block))
@@ -38,13 +38,13 @@ public:
     /// Whether blocks of this number have anything to do with it.
     static bool wants(uint16_t blockNumber);
 
-    /// A block that decoded and is wanted, in the order of the log.
+    /// Adds a decoded, wanted block, in the order of the log.
     void take(const DecodedBlock& decoded);
 
-    /// A stretch of bytes that belongs to no block.
+    /// Counts a stretch of bytes that belongs to no block.
     void addDamage(const StreamGap& gap);
 
-    /// The log has ended. Only once.
+    /// Ends the log. Only once.
     Quality finish(const StreamCounts& counts);
 
 private:

@@ -27,7 +27,7 @@ constexpr uint16_t wanted[] = {dop2, receiverStatus2, rfStatus, receiverSetup1, 
 
 constexpr size_t mostChanges = 1000;
 
-/// Text of a fixed width, without the blanks at its end.
+/// Text of a fixed width, without trailing blanks.
 std::string textOf(const char* text)
 {
     std::string result = text;
@@ -205,12 +205,8 @@ void ReceiverQuality::report(Quality& quality)
     addFinding(quality, FindingKind::Antenna, m_antennaFaults, "antenna fault");
     addFinding(quality, FindingKind::ReceiverError, m_errors, "receiver error");
     for (const Change& change : m_restarts) {
-        quality.findings.push_back({FindingKind::Restart,
-                                    change.time,
-                                    change.time,
-                                    {},
-                                    none,
-                                    "the receiver started anew"});
+        quality.findings.push_back(
+            {FindingKind::Restart, change.time, change.time, {}, none, "the receiver restarted"});
     }
     quality.findingCounts[FindingKind::Restart] = m_restarts.size();
     for (const Change& change : m_setUps) {

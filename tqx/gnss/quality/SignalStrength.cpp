@@ -12,7 +12,7 @@ namespace
 constexpr double memory = 300;     ///< seconds over which the usual C/N0 is followed
 constexpr double fall = 5;         ///< dB
 constexpr unsigned fewest = 4;     ///< signals of a band
-constexpr uint64_t pause = 600000; ///< milliseconds after which a satellite is a new one
+constexpr uint64_t pause = 600000; ///< milliseconds after which a satellite counts as new
 
 } // namespace
 
@@ -68,7 +68,7 @@ void SignalStrength::take(GnssMillis time, const std::vector<SeenSignal>& signal
         const double below = usual.value - cn0;
         band.sum += below;
         ++band.count;
-        // While it is low, the usual value stays what it was.
+        // While it is low, the usual value is frozen.
         if (below < fall / 2) {
             const double passed = static_cast<double>(time - usual.time) * 1e-3;
             usual.value -= below * std::min(1.0, passed / memory);
@@ -96,7 +96,7 @@ void SignalStrength::take(GnssMillis time, const std::vector<SeenSignal>& signal
     m_weak.hold(time, worst, low == judged ? "all bands" : fallen);
 }
 
-void SignalStrength::report(Quality& quality) const
+Plot SignalStrength::report(AntennaQuality& quality) const
 {
     quality.cn0 = m_all.get();
     quality.observations = m_all.getCount();
@@ -119,7 +119,7 @@ void SignalStrength::report(Quality& quality) const
     Plot plot{"cn0", "Mean C/N0 by band", "dB-Hz", {}};
     for (const auto& [band, series] : m_series)
         plot.series.push_back(series.get(std::string("band ") + band));
-    quality.plots.push_back(std::move(plot));
+    return plot;
 }
 
 } // namespace tqx::quality

@@ -5,7 +5,7 @@
 namespace tqx::quality
 {
 
-/// How many satellites of each system are tracked, and when those of one are missing all at once.
+/// How many satellites of each system are tracked, and when those of one system are all missing.
 class SystemWatch
 {
 public:

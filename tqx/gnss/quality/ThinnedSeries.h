@@ -5,8 +5,8 @@
 namespace tqx::quality
 {
 
-/// Keeps least, largest and mean value of stretches of time that all have the same width. When
-/// there are too many of them, they become twice as wide: memory is bounded, no extreme is lost.
+/// Keeps the least, largest and mean value of stretches of time of equal width. When there are too
+/// many, they become twice as wide: memory is bounded, and no extreme is lost.
 class ThinnedSeries
 {
 public:

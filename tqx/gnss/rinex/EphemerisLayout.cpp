@@ -12,8 +12,8 @@ using E = Ephemeris;
 using Fields = std::vector<LayoutField>;
 
 constexpr LayoutField blank = {};
-constexpr LayoutField zero = {nullptr, 0}; ///< as most files have it, which some readers expect
-constexpr double kilo = 1e-3;              // kilometres of what is in metres
+constexpr LayoutField zero = {nullptr, 0}; ///< as in most files; some readers expect it
+constexpr double kilo = 1e-3;              // kilometres, from metres
 
 Fields joined(Fields first, const Fields& rest)
 {
@@ -21,7 +21,7 @@ Fields joined(Fields first, const Fields& rest)
     return first;
 }
 
-/// What the messages of the first generation begin with, up to the rate of inclination.
+/// The first numbers of legacy messages, up to the rate of inclination.
 Fields kepler(const Fields& rest)
 {
     return joined({{&E::af0}, {&E::af1},    {&E::af2},      {&E::iode},  //
@@ -86,7 +86,7 @@ const Fields glonass = {
     {&E::delay1},   {&E::accuracyIndex}, {&E::healthFlags},
 };
 
-// Blocks do not have the issue of the data, which is last.
+// Blocks lack the issue of data, which is last.
 const Fields sbas = {
     {&E::af0},      {&E::af1},      {&E::transmitted}, {&E::x, kilo}, //
     {&E::vx, kilo}, {&E::ax, kilo}, {&E::health},      {&E::y, kilo}, //
@@ -94,7 +94,7 @@ const Fields sbas = {
     {&E::vz, kilo}, {&E::az, kilo}, {&E::iode},
 };
 
-/// What the civil messages begin with, up to the correction to the rate of the mean motion.
+/// The first numbers of civil messages, up to the correction to the rate of the mean motion.
 Fields civil(const Fields& rest, LayoutField sixth)
 {
     return joined(

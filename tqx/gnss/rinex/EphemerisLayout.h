@@ -13,8 +13,7 @@ struct LayoutField {
     double scale = 1;                    ///< of a spare field 0 for zero, else it stays blank
 };
 
-/// The numbers of a record in their order: three in the line of the reference time, then four in a
-/// line.
+/// The numbers of a record in order: three in the line of the reference time, then four per line.
 const std::vector<LayoutField>& layoutOf(char system, NavigationMessage message);
 
 } // namespace tqx::rinex

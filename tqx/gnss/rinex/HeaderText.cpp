@@ -34,10 +34,16 @@ void appendHeaderLine(Buffer& out, std::string_view content, std::string_view la
 
 std::string plain(std::string_view text)
 {
-    std::string cells(text);
-    for (char& character : cells) {
-        if (character < ' ' || character > '~')
-            character = '_';
+    std::string cells;
+    bool wasReplaced = false;
+    for (const char character : text) {
+        const bool isAscii = character >= ' ' && character <= '~';
+        const bool isRestOfLetter = (static_cast<unsigned char>(character) & 0xC0U) == 0x80U;
+        if (isAscii)
+            cells += character;
+        else if (!wasReplaced || !isRestOfLetter)
+            cells += '_';
+        wasReplaced = !isAscii;
     }
     const size_t last = cells.find_last_not_of(' ');
     cells.resize(last == std::string::npos ? 0 : last + 1);
@@ -57,7 +63,7 @@ void appendScientific(Buffer& out, double value)
 {
     char digits[32];
     size_t length = 0;
-    // Exponents of three digits would need a column more; such numbers are zero for all purposes.
+    // Exponents of three digits would need one more column; such numbers are zero for all purposes.
     if (std::isfinite(value)) {
         const double kept = std::fabs(value) < 1e-99 ? 0 : value;
         const auto end = std::to_chars(digits, digits + sizeof digits, kept,

@@ -17,10 +17,10 @@ void appendHeaderLine(Buffer& out, std::string_view content, std::string_view la
 /// The text, cut or filled with blanks to `width` columns.
 std::string field(std::string_view text, size_t width);
 
-/// Latin-1 as printable ASCII: other characters become underscores.
+/// Latin-1 or UTF-8 as printable ASCII: each other character becomes one underscore.
 std::string plain(std::string_view text);
 
-/// A moment as people write it.
+/// A point in time, split into calendar fields.
 struct CivilTime {
     explicit CivilTime(GnssMillis time);
     CalendarDate date;

@@ -52,7 +52,7 @@ void addTime(AntennaSurvey& antenna, GnssMillis time)
     ++antenna.epochs;
 }
 
-/// A small number that is no character.
+/// A small number that is not a character.
 int numberOf(int8_t value)
 {
     return value; // NOLINT(bugprone-signed-char-misuse)
@@ -140,7 +140,7 @@ void LogSurvey::take(const DecodedBlock& decoded)
         }
         return;
     case SetUp::blockNumber:
-        // Later ones are changes, which the file reports where they come.
+        // Later ones are changes, which the file reports where they occur.
         if (!m_setUp || m_antennas.empty())
             m_setUp = SetUp::of(decoded);
         return;

@@ -45,9 +45,9 @@ struct LeapSecondsInfo {
     unsigned day = 0;  ///< from 1
 };
 
-/// What must be known of the observations of one antenna before the first is written.
+/// What must be known about the observations of one antenna before the first is written.
 struct TQX_GNSS_API AntennaSurvey {
-    /// How often a value came, by system, signal and kind.
+    /// How often a value occurred, by system, signal and kind.
     using Counts = std::array<uint32_t, valueKinds>;
 
     uint64_t epochs = 0;
@@ -56,26 +56,26 @@ struct TQX_GNSS_API AntennaSurvey {
     std::array<std::map<SignalCode, Counts>, systemCount> signals;
     std::map<SatelliteId, std::map<SignalCode, Counts>> satellites;
     std::map<uint8_t, int8_t> channels;       ///< frequency numbers by slot of GLONASS
-    std::map<GnssMillis, uint64_t> intervals; ///< how often each difference of times came
+    std::map<GnssMillis, uint64_t> intervals; ///< how often each time difference occurred
 
     /// The most frequent difference of times in milliseconds, 0 with fewer than two epochs.
     GnssMillis getInterval() const;
 };
 
-/// The first pass through a log: what headers need of the whole of it.
+/// The first pass over a log: gathers what headers need to know about all of it.
 class TQX_GNSS_API LogSurvey
 {
 public:
-    /// Whether blocks of this number have anything for headers beside observations.
+    /// Whether blocks of this number have anything for headers besides observations.
     static bool wants(uint16_t blockNumber);
 
-    /// A block that decoded and is wanted.
+    /// Adds a decoded, wanted block.
     void take(const DecodedBlock& decoded);
 
-    /// An epoch that will be written.
+    /// Adds an epoch that will be written.
     void take(const ObservationEpoch& epoch);
 
-    /// The log has ended; the counts of the antennas are complete.
+    /// Ends the log; the counts of the antennas are complete.
     void finish();
 
     /// Antennas with observations, by their number in blocks.
@@ -92,10 +92,10 @@ public:
     };
     const std::optional<Place>& getPlace() const { return m_place; }
 
-    /// Leap seconds as the satellites or the receiver tell them; nothing when they do not.
+    /// Leap seconds according to the satellites or the receiver; nothing when neither reports them.
     const std::optional<LeapSecondsInfo>& getLeapSeconds() const { return m_leapSeconds; }
 
-    /// Channels of GLONASS satellites as their ephemerides and almanacs tell them, by slot.
+    /// Channels of GLONASS satellites according to their ephemerides and almanacs, by slot.
     const std::map<uint8_t, int8_t>& getChannels() const { return m_channels; }
 
 private:
@@ -112,7 +112,7 @@ private:
     std::optional<Place> m_place;
     std::optional<LeapSecondsInfo> m_leapSeconds;
     std::map<uint8_t, int8_t> m_channels;
-    bool m_isReceived = false; ///< whether the leap seconds are those that a satellite sent
+    bool m_isReceived = false; ///< whether the leap seconds come from a satellite
 };
 
 } // namespace tqx

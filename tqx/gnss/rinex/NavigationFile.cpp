@@ -21,7 +21,7 @@ using rinex::plain;
 namespace
 {
 
-/// Offsets against UTC, and the laboratory that UTC is of.
+/// Offsets against UTC, and the laboratory that keeps it.
 struct Laboratory {
     std::string_view kind;
     const char* name;
@@ -31,7 +31,7 @@ struct Laboratory {
 constexpr Laboratory laboratories[] = {
     {"GPUT", "UTC(USNO)", 2}, {"GLUT", "UTC(SU)", 3}, {"BDUT", "UTC(NTSC)", 7}};
 
-/// The letter of the system whose time an offset is of.
+/// The letter of the system to whose time an offset belongs.
 char systemOf(const TimeOffset& offset)
 {
     switch (offset.kind[1]) {
@@ -46,7 +46,7 @@ char systemOf(const TimeOffset& offset)
     }
 }
 
-/// Messages that parameters of a system as a whole come in.
+/// Messages that carry parameters of a whole system.
 const char* messageOf(char system)
 {
     switch (system) {
@@ -124,7 +124,7 @@ void endLine(Buffer& out)
     out.append('\n');
 }
 
-/// `count` numbers, `inFirst` of them in the line at hand and four in each that follows.
+/// `count` numbers, `inFirst` of them in the current line and four in each further one.
 template<typename Value>
 void appendNumbers(Buffer& out, size_t count, size_t inFirst, Value value)
 {

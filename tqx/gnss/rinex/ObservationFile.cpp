@@ -41,7 +41,7 @@ inline char* writeWhole(char* end, uint32_t value)
     return end;
 }
 
-/// F14.3, or false for what does not fit or is not available. The 14 characters are blank before.
+/// F14.3; false for what does not fit or is not available. The 14 characters must be blank before.
 bool writeValue(char* cell, double value)
 {
     constexpr double limit = 999999999.9994;
@@ -102,7 +102,7 @@ void appendEpochLine(Buffer& out, GnssMillis time, unsigned flag, size_t count, 
     out.append(line, 35);
 }
 
-/// F15.12 after six blanks; nothing for what does not fit or is not available.
+/// F15.12 after six blanks; nothing if it does not fit or is not available.
 void appendOffset(Buffer& out, double seconds)
 {
     constexpr double largest = 10;
@@ -144,7 +144,7 @@ ObservationFile::ObservationFile(const LogSurvey& survey, uint8_t antenna,
             m_hasSignals = true;
         }
     }
-    // A satellite that no observation says the channel of may have an ephemeris.
+    // A satellite whose channel is in no observation may have an ephemeris.
     for (const auto& [slot, channel] : survey.getChannels()) {
         if (m_survey.satellites.count({'R', slot}) != 0)
             m_survey.channels.emplace(slot, channel);
@@ -225,7 +225,7 @@ void ObservationFile::writeRow(Buffer& out, const Row& row) const
     start[0] = row.satellite.system;
     writeDigits(start + 3, row.satellite.number, 2);
     char* cell = start + 3;
-    char* end = cell; // after the last character that is no blank
+    char* end = cell; // after the last non-blank character
     for (size_t i = 0; i < columns.size(); ++i) {
         if (const Observation* const observation = row.observations[i]) {
             if (char* const last = writeCells(cell, columns[i], *observation))

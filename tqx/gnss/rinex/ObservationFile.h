@@ -26,31 +26,31 @@ namespace tqx
 class TQX_GNSS_API ObservationFile
 {
 public:
-    /// `antenna` is one that the survey has. The survey must have seen all epochs that are written;
-    /// it is needed only here.
+    /// `antenna` is one of the survey's. The survey must have seen all epochs that are written; it
+    /// is needed only here.
     ObservationFile(const LogSurvey& survey, uint8_t antenna, const RinexOptions& options);
 
-    /// Whether there is anything to write: signals that this version has no code for may be all.
+    /// Whether there is anything to write: all signals may be without a code in this version.
     bool hasSignals() const { return m_hasSignals; }
 
     void writeHeader(Buffer& out) const;
 
-    /// What the file is named by.
+    /// What the file name is made from.
     const SetUp& getSetUp() const { return m_setUp; }
 
-    /// The installation has changed; the next epoch is preceded by an event that says so.
+    /// Reports a changed installation; an event before the next epoch will say so.
     void change(const SetUp& setUp);
 
-    /// A pulse on an input of the receiver, as an external event; between the epochs before and
-    /// after it. The texts say which input and edge it was, and may be empty.
+    /// Writes a pulse on an input of the receiver as an external event. Call it between the epochs
+    /// before and after. The texts name the input and the edge, and may be empty.
     void writeEvent(Buffer& out, GnssMillis time, uint32_t nanoseconds, std::string_view input,
                     std::string_view edge) const;
 
-    /// The observations of this antenna; nothing when the epoch has none.
+    /// Writes the observations of this antenna; nothing when the epoch has none.
     void write(Buffer& out, const ObservationEpoch& epoch);
 
 private:
-    /// A signal with the values that the header names.
+    /// A signal with the values listed in the header.
     struct Column {
         SignalCode code;
         std::array<bool, valueKinds> kinds;

@@ -25,8 +25,7 @@ std::string nameText(const std::string& text, size_t width, char fill)
     return kept;
 }
 
-/// A length of time in the unit in which it has at most two digits, rounded up: of 60 minutes it is
-/// an hour.
+/// A duration in the unit in which it has at most two digits, rounded up: 60 minutes are an hour.
 std::string durationText(GnssMillis millis)
 {
     const uint64_t minutes = std::max<uint64_t>((millis + 59999) / 60000, 1);

@@ -9,7 +9,7 @@
 namespace tqx
 {
 
-/// What a long file name of RINEX is made of.
+/// The parts of a long RINEX file name.
 struct NameParts {
     std::string marker; ///< given by the caller, else empty
     SetUp setUp;
@@ -20,11 +20,11 @@ struct NameParts {
 };
 
 /// "GRAZ00AUT_R_20260061200_01H_01S_MO.rnx": site, marker and receiver number, country, start,
-/// length, interval and kind. A marker given as "GRAZ00AUT" has the first four. Characters of the
-/// marker that names cannot have are left out; an unknown country is three times X.
+/// length, interval and kind. A marker such as "GRAZ00AUT" provides the first four. Characters that
+/// names cannot have are dropped from the marker; an unknown country becomes three X.
 TQX_GNSS_API std::string observationFileName(const NameParts& parts);
 
-/// The same of a navigation file: "GRAZ00AUT_R_20260061200_01H_MN.rnx".
+/// The same for a navigation file: "GRAZ00AUT_R_20260061200_01H_MN.rnx".
 TQX_GNSS_API std::string navigationFileName(const NameParts& parts);
 
 } // namespace tqx

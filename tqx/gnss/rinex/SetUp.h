@@ -10,8 +10,7 @@
 namespace tqx
 {
 
-/// How a receiver was installed: what headers of observation files say of it. Texts are printable
-/// ASCII.
+/// How a receiver was installed, for headers of observation files. Texts are printable ASCII.
 struct TQX_GNSS_API SetUp {
     std::string marker;
     std::string markerNumber;
@@ -38,7 +37,7 @@ struct TQX_GNSS_API SetUp {
     /// Number of the block that describes the installation.
     static constexpr uint16_t blockNumber = 5902;
 
-    /// What such a block says.
+    /// Converts such a block.
     static SetUp of(const DecodedBlock& decoded);
 
     friend TQX_GNSS_API bool operator==(const SetUp& a, const SetUp& b);

@@ -39,13 +39,13 @@ public:
 
     void missing() override { ++m_column; }
 
-    /// The number that its text reads back to.
+    /// The number that its text parses to.
     void fixed(double value, int decimals) override
     {
         double factor = 1;
         for (int i = 0; i < decimals; ++i)
             factor *= 10;
-        // As in texts: rounded by the exact value of the number, ties away from zero.
+        // As in text: rounded by the exact value of the number, ties away from zero.
         const double size = std::fabs(value);
         const double steps = size * factor;
         const double rest = std::fma(size, factor, -steps);

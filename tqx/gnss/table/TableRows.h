@@ -18,8 +18,8 @@ struct TableColumn {
     const char* unit = ""; ///< of the description of the format
 };
 
-/// Rows of a table with a fixed list of columns. The cells of a row are set in the order of the
-/// columns, between begin() and end().
+/// Rows of a table with fixed columns. The cells of a row are set in the order of the columns,
+/// between begin() and end().
 class TQX_GNSS_API TableRows
 {
 public:
@@ -35,16 +35,16 @@ public:
     virtual void flag(bool value) = 0;
     virtual void missing() = 0;
 
-    /// A number with so many decimals; NaN is missing.
+    /// A number with `decimals` decimals; NaN is missing.
     virtual void fixed(double value, int decimals) = 0;
 
-    /// A number in full; what is not finite is missing.
+    /// A number in full precision; missing if not finite.
     virtual void number(double value) = 0;
 
     /// The cells of the columns that withTime() adds.
     virtual void time(GnssMillis time) = 0;
 
-    /// The columns that every table begins with, and those given.
+    /// The columns with which every table begins, followed by those given.
     static std::vector<TableColumn> withTime(const std::vector<TableColumn>& columns);
     static constexpr size_t timeColumns = 3;
 

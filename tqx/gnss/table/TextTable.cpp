@@ -128,7 +128,7 @@ private:
 
     RowFormat m_format;
     Buffer& m_out;
-    std::vector<std::string> m_keys; ///< what comes before the value of each column
+    std::vector<std::string> m_keys; ///< the text before the value of each column
     size_t m_column = 0;
     GnssMillis m_time = 0;
     std::string m_timeText; ///< cells of m_time

@@ -12,8 +12,8 @@ namespace tqx
 
 /// How the rows of a table are written as text.
 enum class RowFormat : uint8_t {
-    Csv,      ///< a line of names with units, then a line for each row; nothing for what is missing
-    JsonLines ///< an object for each row, with null for what is missing
+    Csv,      ///< a line of names with units, then one line per row; missing cells are empty
+    JsonLines ///< one object per row; missing values are null
 };
 
 /// A table as text in a buffer, which may be emptied between any two rows.
@@ -23,7 +23,7 @@ public:
     /// `out` must outlive it.
     TextTable(RowFormat format, Buffer& out) : m_format(format), m_out(out) {}
 
-    /// Appends what comes before the rows. The name is not written.
+    /// Appends the head of the table. The name is not written.
     std::unique_ptr<TableRows> open(const char* name,
                                     const std::vector<TableColumn>& columns) override;
 

@@ -182,7 +182,7 @@ private:
         std::remove(m_path.c_str());
     }
 
-    // What is not known stays NULL. Texts must stay until the row is inserted.
+    // Unknown values stay NULL. Texts must stay valid until the row is inserted.
     void set(std::string_view text)
     {
         ++m_column;
@@ -208,7 +208,7 @@ private:
     std::unique_ptr<SqlInsert> m_insert;
     std::unique_ptr<SqlInsert> m_insertLine;
     Segments m_segments;
-    std::vector<double> m_line; ///< coordinates of the line at hand
+    std::vector<double> m_line; ///< coordinates of the current line
     GnssMillis m_lineStart = 0;
     GnssMillis m_lineEnd = 0;
     int m_column = 0; ///< the last one that was set

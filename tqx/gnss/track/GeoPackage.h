@@ -10,8 +10,8 @@ namespace tqx
 {
 
 /// A track as a GeoPackage 1.3 (OGC 12-128r17): a feature table of points in WGS84 with heights
-/// above the ellipsoid, and what is known of each position as columns; and one of lines, which end
-/// where there is no position and where the time runs back or has a gap.
+/// above the ellipsoid and further columns for each position, and one of lines, which end where
+/// there is no position and where the time runs back or has a gap.
 class TQX_GNSS_API GeoPackage
 {
 public:
@@ -25,7 +25,7 @@ public:
     GeoPackage(const GeoPackage&) = delete;
     GeoPackage& operator=(const GeoPackage&) = delete;
 
-    /// Adds a position; one with Fix::None is left out, and ends a line. Throws DataError when it
+    /// Adds a position; one with Fix::None is left out and ends a line. Throws DataError when it
     /// cannot be written.
     void add(const Position& position);
 

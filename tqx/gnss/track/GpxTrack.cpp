@@ -52,7 +52,7 @@ void GpxTrack::element(std::string_view name, double value, int decimals)
     m_out.append('>');
 }
 
-/// What the format has words for; it has none for real time kinematics.
+/// Words of the format; it has none for real-time kinematics.
 std::string_view fixText(const Position& position)
 {
     const std::string_view plain = std::isfinite(position.height) ? "3d" : "2d";

@@ -39,7 +39,7 @@ private:
     std::string m_name;
     Segments m_segments;
     Position m_last;       ///< of the stretch
-    unsigned m_points = 0; ///< in the stretch; the first one is written with the second
+    unsigned m_points = 0; ///< points in the stretch; the first one is written with the second
 };
 
 void KmlTrack::begin()

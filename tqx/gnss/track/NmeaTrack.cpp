@@ -111,7 +111,7 @@ void NmeaTrack::addFix(const Position& position)
 void NmeaTrack::addMotion(const Position& position)
 {
     constexpr double knot = 1852.0 / 3600; // metres per second
-    constexpr double slowest = 0.1;        // slower than that there is no course
+    constexpr double slowest = 0.1;        // no course below this speed
     start("RMC");
     field(position.fix == Fix::None ? 'V' : 'A');
     place(position);
@@ -128,7 +128,7 @@ void NmeaTrack::addMotion(const Position& position)
     finish();
 }
 
-/// Which satellites were used is not known.
+/// The satellites used are not known.
 void NmeaTrack::addDilutions(const Position& position)
 {
     constexpr size_t satellites = 12;

@@ -8,11 +8,11 @@ namespace tqx
 {
 
 /// Finds where one line of a track ends and the next begins: where there is no position, where time
-/// runs back, and at gaps, which are longer than 5 seconds and 3 of the intervals before.
+/// runs back, and at gaps longer than both 5 seconds and 3 of the preceding intervals.
 class Segments
 {
 public:
-    /// Whether a position goes on with the line of the one before.
+    /// Whether a position continues the line of the one before.
     bool goesOn(const Position& position)
     {
         const std::optional<GnssMillis> before = m_last;
@@ -24,7 +24,7 @@ public:
         if (!before || position.time < *before)
             return false;
         const GnssMillis step = position.time - *before;
-        // The first step says what the interval is: a log of one position a minute has no gaps.
+        // The first step sets the interval: a log with one position per minute has no gaps.
         const bool isGap = m_interval != 0 && step > 5000 && step > 3 * m_interval;
         if (!isGap)
             m_interval = step;

@@ -9,15 +9,15 @@
 namespace tqx
 {
 
-/// Appends a number with so many decimals; false, and nothing, when it is not known.
+/// Appends a number with `decimals` decimals; false, with nothing appended, when it is not known.
 bool appendKnown(Buffer& out, double value, int decimals);
 
-/// Appends text as content or attribute of XML: characters with a meaning there are escaped, those
-/// that it cannot hold become blanks.
+/// Appends text as XML content or attribute: special characters are escaped, those that XML cannot
+/// hold become blanks.
 void appendXml(Buffer& out, std::string_view text);
 
-/// UTC as XML has it, "2026-01-06T12:00:00.100Z". It has no second 60, so a leap second is the last
-/// millisecond before.
+/// UTC in the form of XML, "2026-01-06T12:00:00.100Z". It has no second 60, so a leap second
+/// becomes the last millisecond before it.
 std::string xmlTime(GnssMillis time);
 
 /// "1 sigma", "95 %" or nothing.

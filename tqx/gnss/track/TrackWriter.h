@@ -11,7 +11,7 @@
 namespace tqx
 {
 
-/// Formats of tracks that are text.
+/// Text formats of tracks.
 enum class TrackFormat { Csv, Gpx, Kml, GeoJson, Nmea };
 
 /// Writes positions of one source into a buffer, which may be emptied between any two calls.
@@ -26,10 +26,10 @@ public:
     /// To be called once before all positions.
     virtual void begin() {}
 
-    /// One position, in the order of the log; also those with Fix::None, which only NMEA shows.
+    /// Adds a position, in the order of the log; also those with Fix::None, which only NMEA shows.
     virtual void add(const Position& position) = 0;
 
-    /// To be called once after all positions, without which most files are not complete.
+    /// To be called once after all positions; most files are incomplete without it.
     virtual void end() {}
 
 protected:
@@ -38,7 +38,7 @@ protected:
     Buffer& m_out;
 };
 
-/// A writer that appends to `out`, which must outlive it. `name` is that of the track.
+/// Makes a writer that appends to `out`, which must outlive it. `name` is the track's name.
 TQX_GNSS_API std::unique_ptr<TrackWriter> makeTrackWriter(TrackFormat format, Buffer& out,
                                                           std::string_view name);
 

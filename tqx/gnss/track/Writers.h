@@ -20,8 +20,8 @@ std::unique_ptr<TrackWriter> makeKmlTrack(Buffer& out, std::string_view name);
 /// ellipsoid.
 std::unique_ptr<TrackWriter> makeGeoJsonTrack(Buffer& out, std::string_view name);
 
-/// NMEA 0183: the sentences GGA, RMC and ZDA of each position, of a position that is not there only
-/// those fields that say so.
+/// NMEA 0183: the sentences GGA, RMC and ZDA of each position; without a position, with only those
+/// fields that say so.
 std::unique_ptr<TrackWriter> makeNmeaTrack(Buffer& out);
 
 } // namespace tqx

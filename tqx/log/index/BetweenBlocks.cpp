@@ -21,7 +21,7 @@ class Errors
 public:
     explicit Errors(std::vector<uint64_t> all) : m_offsets(std::move(all)) {}
 
-    /// Passes those before `offset` and returns how many.
+    /// Skips those before `offset` and returns how many.
     uint64_t passBefore(uint64_t offset)
     {
         const size_t before = m_next;
@@ -89,7 +89,7 @@ private:
         closeGap();
     }
 
-    // What looks like the start of a block within a neighbour is no error.
+    // What looks like the start of a block inside a neighbour is not an error.
     void onRecognised(const Neighbour& neighbour) override
     {
         closeGap();

@@ -12,13 +12,13 @@ namespace tqx
 {
 
 /// What is between the blocks of an indexed log, reported piece by piece: the neighbours of the
-/// blocks and the damage, in the order of the log and just as a BlockStream that reads all of it.
-/// Reads only the bytes that belong to no block. Used by one thread.
+/// blocks and the damage, in the order of the log, exactly as a BlockStream over the whole log
+/// would. Reads only the bytes that belong to no block. Used by one thread.
 class TQX_LOG_API BetweenBlocks
 {
 public:
-    /// Nothing is owned, all must outlive the object; the listener may be null. `log` must be what
-    /// was indexed.
+    /// Owns nothing; all arguments must outlive the object. The listener may be null. `log` must be
+    /// the log that was indexed.
     BetweenBlocks(const Index& index, const RandomAccess& log, StreamListener* listener);
     ~BetweenBlocks();
     BetweenBlocks(const BetweenBlocks&) = delete;
@@ -31,7 +31,8 @@ public:
     /// Reports the rest. Throws as reportBefore().
     void reportAll();
 
-    /// What has been reported, and bytes and blocks of the whole log; `undecodable` is 0.
+    /// Counts of what has been reported, and of the bytes and blocks of the whole log;
+    /// `undecodable` is 0.
     const StreamCounts& getCounts() const;
 
 private:
@@ -41,9 +42,10 @@ private:
 };
 
 /// Reports the neighbours of the blocks in an indexed log and its damage to `listener` (which may
-/// be null), in the order of the log and just as a BlockStream that reads all of it, and returns
-/// what that counts; `undecodable` is 0. Reads only the bytes that belong to no block. `log` must
-/// be what was indexed. Throws SourceError when it cannot be read, and what the listener throws.
+/// be null), in the order of the log, exactly as a BlockStream over the whole log would, and
+/// returns what that would count; `undecodable` is 0. Reads only the bytes that belong to no block.
+/// `log` must be what was indexed. Throws SourceError when it cannot be read, and what the listener
+/// throws.
 TQX_LOG_API StreamCounts reportBetweenBlocks(const Index& index, const RandomAccess& log,
                                              StreamListener* listener);
 

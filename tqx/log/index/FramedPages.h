@@ -13,31 +13,31 @@
 namespace tqx
 {
 
-/// Stands for no time in what an index stores.
+/// Marks "no time" in what an index stores.
 constexpr GnssMillis noMillis = ~GnssMillis{0};
 
-/// A time of week that says nothing, as on the wire.
+/// A time of week that is not available, as on the wire.
 constexpr uint32_t noTow = Kor::MessageApi::TQX_noTOW;
 
-/// What an index knows of a page of a log. Blocks belong to the page that they begin in.
+/// What an index records about one page of a log. A block belongs to the page that it begins in.
 struct PageRow {
-    /// Where framing enters, counted from the page's start: 0, or the end of the block that
+    /// Where framing enters the page, as an offset within it: 0, or the end of the block that
     /// reaches into the page.
     uint32_t entry = 0;
     uint16_t blocks = 0;
 
-    /// The first block that decoding follows the week by, if there is one, and the TOW of it and of
-    /// the last such block.
+    /// The first block by which decoding follows the week, if there is one, with its TOW and that
+    /// of the last such block.
     uint16_t firstTowAt = 0;
     uint32_t firstTow = noTow;
     uint32_t lastTow = noTow;
 
-    /// Of the blocks that have a time.
+    /// Range of the blocks that have a time.
     GnssMillis minTime = noMillis;
     GnssMillis maxTime = noMillis;
     GnssMillis lastTime = noMillis;
 
-    // What follows from the pages before.
+    // What depends on the pages before.
     GnssMillis timeBefore = noMillis; ///< of the last block before that has one
     uint32_t towBefore = 0;           ///< last TOW of a decoding context
     uint8_t weekBefore = 0;           ///< week counter of a decoding context
@@ -46,22 +46,22 @@ struct PageRow {
 
 TQX_LOG_API bool operator==(const PageRow& left, const PageRow& right);
 
-/// What framing a row of pages of a log gives. Parts that follow each other are joined to one.
+/// The result of framing consecutive pages of a log. Consecutive parts can be joined.
 struct TQX_LOG_API FramedPages {
     static constexpr uint32_t defaultPageSize = 1 << 16;
 
-    /// What is noted beside blocks.
+    /// What is recorded besides blocks.
     enum Mark {
         ChecksumError, ///< a complete candidate with a bad checksum
         InvalidLength, ///< a candidate that claims fewer bytes than a header has
         GapStart,      ///< first byte of a run of bytes that belong to no block
-        GapLast,       ///< its last byte; runs that touch are one
-        WeekStart,     ///< a block that begins a week, but for PageRow::firstTowAt
+        GapLast,       ///< its last byte; adjacent runs are merged
+        WeekStart,     ///< a block that begins a week, except the one at PageRow::firstTowAt
         GivenUp,       ///< a candidate that the end of the log cuts off
         markCount
     };
 
-    /// Where the blocks of a number are.
+    /// Where the blocks of one number are.
     struct Type {
         uint16_t number;
         PageOffsets offsets;
@@ -80,24 +80,24 @@ struct TQX_LOG_API FramedPages {
     /// Where framing enters a page from getFirstPage() to getEndPage().
     uint64_t entryOf(uint32_t page) const;
 
-    /// The offsets of a number, made when there are none.
+    /// The offsets of a number; an empty list is added if there is none.
     PageOffsets& offsetsOf(uint16_t number);
 
-    /// Adds the pages of `later` from `page` on. `page` must be getEndPage(), and `later` enter it
-    /// as this leaves its last page.
+    /// Adds the pages of `later` from `page` on. `page` must be getEndPage(), and `later` must
+    /// enter it where this leaves its last page.
     void append(const FramedPages& later, uint32_t page);
 
     /// Removes the pages from `page` on.
     void truncate(uint32_t page);
 
-    /// Works out what follows from the pages before, for all rows; firstPage must be 0.
+    /// Computes, for every row, what depends on the pages before it; firstPage must be 0.
     void linkRows();
 
     uint32_t pageSize; ///< at most 65,536
     uint32_t firstPage;
     uint64_t exit; ///< where framing enters the page after the last one
     std::vector<PageRow> rows;
-    std::vector<Type> types; ///< that have blocks, in no particular order
+    std::vector<Type> types; ///< only numbers that occur, in no particular order
     std::array<PageOffsets, markCount> marks;
 };
 

@@ -9,7 +9,7 @@ namespace tqx
 namespace
 {
 
-/// The offsets of a log one after the other.
+/// The offsets of a log, one by one.
 class OffsetWalk
 {
 public:
@@ -30,7 +30,7 @@ public:
         }
     }
 
-    /// Passes those before `offset` and returns how many.
+    /// Skips those before `offset` and returns how many.
     uint64_t passBefore(uint64_t offset)
     {
         uint64_t passed = 0;
@@ -72,7 +72,8 @@ Index Index::build(ByteSource& source)
     return {std::move(framed), size};
 }
 
-// Only the end of the log gives candidates up, and a page that it was in may now have more blocks.
+// Candidates are given up only at the end of the log, and the page that contained it may now have
+// more blocks.
 void Index::extend(const RandomAccess& log, const FramingOptions& options)
 {
     if (log.getSize() < m_size) {

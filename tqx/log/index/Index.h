@@ -18,9 +18,9 @@
 namespace tqx
 {
 
-/// Where the blocks of a log are, by type and by time, and what in it belongs to no block: all that
-/// one pass over the log gives, in some 2.5 bytes a block. Pages of 64 kB are what a log can be
-/// divided by.
+/// Where the blocks of a log are, by type and by time, and which bytes belong to no block:
+/// everything that one pass over the log finds, in about 2.5 bytes per block. Work on a log can be
+/// divided by pages of 64 kB.
 ///
 ///     FileAccess log("day.tqx");
 ///     const Index index = Index::build(log);
@@ -28,7 +28,7 @@ namespace tqx
 ///     for (Block block; fixes.next(block);)
 ///         use(block);
 ///
-/// An index does not refer to the log. Any number of threads may ask the same one at the same time.
+/// An index does not refer to the log. Any number of threads may use the same one at the same time.
 class TQX_LOG_API Index
 {
 public:
@@ -37,21 +37,21 @@ public:
     static Index build(const RandomAccess& log, const FramingOptions& options = {},
                        uint32_t pageSize = FramedPages::defaultPageSize);
 
-    /// Frames a source from where it is to its end, in constant memory but for the index. Throws
-    /// what the source throws.
+    /// Frames a source from its current position to its end. Apart from the index, memory is
+    /// constant. Throws what the source throws.
     static Index build(ByteSource& source);
 
-    /// Goes on with a log that has become longer: what is known stays, except for what the old end
-    /// had cut off. A log that has become shorter is indexed anew. Throws SourceError when the log
-    /// cannot be read; the index is unchanged then. A `log` that does not begin with what was
-    /// indexed gives an index of nothing in particular.
+    /// Extends the index to a log that has grown: what is known is kept, except for what the old
+    /// end had cut off. A log that has shrunk is indexed anew. Throws SourceError when the log
+    /// cannot be read; the index is then unchanged. If `log` does not begin with what was indexed,
+    /// the content of the index is unspecified.
     void extend(const RandomAccess& log, const FramingOptions& options = {});
 
     /// Bytes that were indexed.
     uint64_t getLogSize() const { return m_size; }
 
-    /// What framing counts. Nothing is decoded and no neighbours of the blocks are recognised:
-    /// `undecodable` is 0, and all bytes that belong to no block are dropped ones.
+    /// What framing counted. Nothing is decoded and no neighbours of blocks are recognised, so
+    /// `undecodable` is 0 and all bytes that belong to no block count as dropped.
     StreamCounts getCounts() const;
 
     struct Type {
@@ -59,14 +59,13 @@ public:
         uint64_t blocks;
     };
 
-    /// The types that the log has blocks of, by ascending number.
+    /// Types of which the log has blocks, by ascending number.
     std::vector<Type> getTypes() const;
 
     /// Blocks of a type.
     uint64_t getCount(uint16_t number) const;
 
-    /// The earliest and the latest time of a block, wherever in the log; nothing when no block has
-    /// one.
+    /// The earliest and the latest time of any block; nothing when no block has one.
     std::optional<GnssMillis> getFirstTime() const;
     std::optional<GnssMillis> getLastTime() const;
 
@@ -77,24 +76,24 @@ public:
     std::vector<uint64_t> getWeekStarts() const;
 
     /// Calls `visit` for each run of bytes that belong to no block, from the first to the last.
-    /// What in them is well-formed otherwise, reportBetweenBlocks() says. `file` is what the gaps
-    /// name.
+    /// reportBetweenBlocks() reports what is well-formed in them. The gaps carry `file` as their
+    /// file name.
     void visitGaps(const std::function<void(const StreamGap&)>& visit,
                    const std::string& file = {}) const;
 
-    /// The pages that the log is divided into. A block is in the page that it begins in.
+    /// Pages of the log. A block belongs to the page that it begins in.
     uint32_t getPageCount() const { return m_pages.getEndPage(); }
 
     /// Offset at which the first block of a page can begin; for getPageCount() the end of the log.
     uint64_t getPageEntry(uint32_t page) const { return m_pages.entryOf(page); }
 
-    /// What decoding carries into a page.
+    /// The decoding context at the start of a page.
     WeekContext getPageContext(uint32_t page) const;
 
-    /// All of it, for readers and writers of this library.
+    /// The whole content, for the readers and writers in this library.
     const FramedPages& getPages() const { return m_pages; }
 
-    /// Puts an index together of pages that were framed or saved; they must be linked.
+    /// Makes an index from pages that were framed or loaded; they must be linked.
     Index(FramedPages framed, uint64_t logSize);
 
 private:

@@ -93,7 +93,7 @@ bool IndexedBlocks::isWanted(const Block& block)
     return isInTime(before == noMillis ? std::nullopt : std::optional(before));
 }
 
-/// What a block of the page without a time counts as.
+/// The time that a block of the page without one counts as.
 GnssMillis IndexedBlocks::timeBefore(uint16_t offset)
 {
     if (m_every.empty()) {
@@ -124,8 +124,8 @@ GnssMillis IndexedBlocks::timeBefore(uint16_t offset)
     return found == m_times.end() ? noMillis : found->second;
 }
 
-// Without a week that begins with the block, the last TOW decides nothing and 0 is as good as any;
-// with one, it must be so late that the week begins.
+// Unless a week begins with the block, the last TOW decides nothing and 0 is as good as any;
+// otherwise it must be so late that the week begins.
 WeekContext IndexedBlocks::getContext() const
 {
     const PageRow& row = m_pages.rowOf(m_current);
@@ -155,7 +155,7 @@ Block IndexedBlocks::blockAt(uint64_t offset)
     return {bytesAt(offset, length), length, offset};
 }
 
-/// Bytes of the log, which stay until the next call.
+/// Bytes of the log, valid until the next call.
 const uint8_t* IndexedBlocks::bytesAt(uint64_t offset, size_t count)
 {
     if (offset + count > m_log.getSize())

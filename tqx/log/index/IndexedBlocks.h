@@ -13,13 +13,12 @@
 namespace tqx
 {
 
-/// Which blocks of an indexed log are wanted.
+/// Selects blocks of an indexed log.
 struct BlockQuery {
     std::vector<uint16_t> numbers; ///< block numbers; empty: all
 
-    /// Blocks at or after `from` and before `to`. A block without a time counts as at the time of
-    /// the last block before it, of any type, that has one; before the first of these it is earlier
-    /// than any time.
+    /// Blocks at or after `from` and before `to`. A block without a time takes that of the last
+    /// block before it, of any type, that has one; if there is none, it is earlier than any time.
     std::optional<GnssMillis> from = std::nullopt;
     std::optional<GnssMillis> to = std::nullopt;
 
@@ -28,21 +27,21 @@ struct BlockQuery {
     uint32_t endPage = 0xffffffff;
 };
 
-/// The blocks of an indexed log that are asked for, in the order of the log. Touches nothing else
-/// of the log, except for the headers of a page in which a block without a time is found and a time
-/// is asked for. Used by one thread; several can divide the pages.
+/// The selected blocks of an indexed log, in the order of the log. Reads nothing else, except for
+/// the headers of a page with a block without a time when the query has a time. Used by one thread;
+/// several can divide the pages.
 class TQX_LOG_API IndexedBlocks
 {
 public:
-    /// Neither is owned, both must outlive the object. `log` must be what was indexed.
+    /// Owns neither; both must outlive the object. `log` must be the log that was indexed.
     IndexedBlocks(const Index& index, const RandomAccess& log, BlockQuery query = {});
 
     /// Gets the next block, whose bytes stay valid until the next call; false after the last one.
     /// Throws SourceError when the log cannot be read or has no such block where the index says.
     bool next(Block& block);
 
-    /// For the last block gotten: what to give a context for it to decode as in one pass over the
-    /// whole log. Of the last TOW only what matters for this block is true.
+    /// The context in which the last block returned by next() decodes as it would in one pass over
+    /// the whole log. The last TOW in it is only meant for this block.
     WeekContext getContext() const;
 
 private:

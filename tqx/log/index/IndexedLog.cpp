@@ -83,7 +83,7 @@ IndexedLog::~IndexedLog() = default;
 /// The saved index, brought up to date; nothing when there is none for this log.
 std::optional<SavedIndex> IndexedLog::load(const IndexedLogOptions& options)
 {
-    // What an index takes at the worst is a few times its log; anything larger is none.
+    // At worst an index is a few times as large as its log; anything larger is not an index.
     const uint64_t most = 8 * m_file->getSize() + (1 << 20);
     const std::string path = indexPath(m_file->getName());
     std::ifstream stream(path, std::ios::binary);
@@ -118,7 +118,7 @@ std::optional<SavedIndex> IndexedLog::load(const IndexedLogOptions& options)
     case LogIdentity::Match::Other:
         break;
     }
-    warn(options, path + ": is not used, it is the index of another log");
+    warn(options, path + ": is not used: it is the index of another log");
     return std::nullopt;
 }
 

@@ -18,25 +18,24 @@ namespace tqx
 
 struct SavedIndex;
 
-/// How a log is opened by its index.
+/// Options for opening a log by its index.
 struct TQX_LOG_API IndexedLogOptions {
     FramingOptions framing;
 
-    /// Whether an index that was made or went on is saved beside the log. A folder that cannot be
-    /// written is no error.
+    /// Save an index that was made or extended beside the log. A folder that cannot be written is
+    /// no error.
     bool save = false;
 
     FileAccess::Mapping mapping = FileAccess::Mapping::IfPossible;
 
-    /// Hears, once each, of a saved index that is no good (the log is then indexed anew) and of a
-    /// compressed log that is damaged or cut off (it then ends there). May be empty. Called while
-    /// the log is opened; what it throws ends that.
+    /// Called once for a saved index that is unusable (the log is then indexed anew), and once for
+    /// a compressed log that is damaged or truncated (it then ends there). May be empty. Called
+    /// while the log is opened; opening passes on what it throws.
     std::function<void(const std::string& warning)> onWarning;
 };
 
-/// A log file, plain or compressed, with its index: the saved one beside it, if there is one and it
-/// is this log's, else one made of all of the log. A log that has become longer since is indexed
-/// further.
+/// A log file, plain or compressed, with its index: the one saved beside it if that belongs to this
+/// log, else one made from the whole log. If the log has grown since, the index is extended.
 ///
 ///     IndexedLog log("day.tqx.gz");
 ///     IndexedBlocks blocks = log.find({{4007}});
@@ -49,8 +48,8 @@ class TQX_LOG_API IndexedLog
 public:
     /// How the index came about.
     enum class Origin {
-        Made,     ///< by framing all of the log
-        Extended, ///< from a saved one of the log when it was shorter
+        Made,     ///< by framing the whole log
+        Extended, ///< by extending a saved one
         Saved,    ///< as it was saved
     };
 
@@ -59,9 +58,8 @@ public:
     explicit IndexedLog(const std::string& path, const IndexedLogOptions& options = {});
     ~IndexedLog();
 
-    /// The log with the index that is saved beside it. Null when there is none that is this log's,
-    /// so that opening it would mean to read all of it. `options.save` does not count. Throws as
-    /// the constructor.
+    /// Opens the log only if the index saved beside it can be used; null when opening would mean
+    /// reading the whole log. Ignores `options.save`. Throws as the constructor.
     static std::unique_ptr<IndexedLog> openSaved(const std::string& path,
                                                  const IndexedLogOptions& options = {});
 
@@ -71,7 +69,7 @@ public:
     const Index& getIndex() const { return *m_index; }
     Origin getOrigin() const { return m_origin; }
 
-    /// Whether the index was saved now.
+    /// Whether this object saved the index.
     bool isSaved() const { return m_hasSaved; }
 
     /// The log, decompressed; offsets of the index are offsets in it.

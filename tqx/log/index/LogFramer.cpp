@@ -124,7 +124,7 @@ void runParallel(unsigned threads, size_t count, const std::function<void(size_t
         for (size_t i = 1; i < std::min<size_t>(threads, count); ++i)
             others.emplace_back(run);
     } catch (const std::system_error&) {
-        // No more threads to be had: those that there are do all of it.
+        // No more threads available: the existing ones do all the work.
     }
     run();
     for (std::thread& other : others)
@@ -133,7 +133,7 @@ void runParallel(unsigned threads, size_t count, const std::function<void(size_t
         std::rethrow_exception(failure);
 }
 
-/// Adds a stretch to the pages before it, from the page on that both enter at the same place.
+/// Adds a stretch to the pages before it, from the first page that both enter at the same place.
 void join(const RandomAccess& log, FramedPages& joined, const FramedPages& stretch)
 {
     const uint32_t first = stretch.firstPage;

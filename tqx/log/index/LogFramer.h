@@ -8,22 +8,22 @@
 namespace tqx
 {
 
-/// How a log is framed. Never changes what comes out.
+/// How a log is framed. Does not affect the result.
 struct FramingOptions {
-    unsigned threads = 1;   ///< that frame at the same time, the calling one included; at least 1
-    unsigned stretches = 0; ///< that the log is cut into; 0: as many as threads
+    unsigned threads = 1;   ///< including the calling one; at least 1
+    unsigned stretches = 0; ///< parts of the log that are framed separately; 0: one per thread
 };
 
 /// Frames the rest of a log, of which `begun` holds the first pages (or none, and no more than
-/// there are), and returns all pages, linked. With several stretches each of them is framed from a
-/// guess of where it is entered, and from its start again until both framings meet: from there they
-/// are the same for ever, for all that matters of the state is whether it is inside a block. Throws
-/// SourceError when the log cannot be read.
+/// there are), and returns all pages, linked. With several stretches, each is framed from a guessed
+/// entry, and then again from its true entry until both framings meet: from there on they are
+/// identical, since the only state is whether the position is inside a block. Throws SourceError
+/// when the log cannot be read.
 TQX_LOG_API FramedPages frameLog(const RandomAccess& log, FramedPages begun,
                                  const FramingOptions& options);
 
-/// Frames all that a source has, in constant memory but for what is returned. `size` receives the
-/// number of its bytes. Throws what the source throws.
+/// Frames a whole source. Apart from the result, memory is constant. `size` receives the number of
+/// bytes. Throws what the source throws.
 TQX_LOG_API FramedPages frameSource(ByteSource& source, FramedPages begun, uint64_t& size);
 
 } // namespace tqx

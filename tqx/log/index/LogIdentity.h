@@ -8,7 +8,7 @@
 namespace tqx
 {
 
-/// By what a file is known again: its size and checksums (CRC-32) of its first and its last 64 kB.
+/// Identifies a file: its size and the checksums (CRC-32) of its first and its last 64 kB.
 struct TQX_LOG_API LogIdentity {
     uint64_t size = 0;
     uint32_t first = 0;
@@ -16,14 +16,14 @@ struct TQX_LOG_API LogIdentity {
 
     enum class Match {
         Same,
-        Longer, ///< it begins as the known one and goes on
+        Longer, ///< it begins with the known file and is longer
         Other,
     };
 
     /// Throws SourceError when the file cannot be read.
     static LogIdentity of(const RandomAccess& file);
 
-    /// What a file is by this identity. Throws SourceError when it cannot be read.
+    /// Compares a file with this identity. Throws SourceError when it cannot be read.
     Match compare(const RandomAccess& file) const;
 };
 

@@ -9,7 +9,8 @@
 namespace tqx
 {
 
-/// Ascending offsets in a log, by page: 16 bits each, and 6 bytes for each page that has any.
+/// Ascending offsets in a log, stored by page: 16 bits each, plus 6 bytes for each page that has
+/// any.
 class TQX_LOG_API PageOffsets
 {
 public:
@@ -23,7 +24,7 @@ public:
         bool isEmpty() const { return begin_ == end_; }
     };
 
-    /// Adds an offset after all those that were added before.
+    /// Adds an offset, which must be greater than all added before.
     void add(uint32_t page, uint16_t offset)
     {
         if (m_pages.empty() || m_pages.back() != page) {
@@ -34,10 +35,10 @@ public:
         m_offsets.push_back(offset);
     }
 
-    /// Adds those of `later` that are in the pages from `firstPage` on.
+    /// Adds the offsets of `later` from page `firstPage` on.
     void append(const PageOffsets& later, uint32_t firstPage);
 
-    /// Removes those in the pages from `firstPage` on.
+    /// Removes the offsets from page `firstPage` on.
     void truncate(uint32_t firstPage);
 
     /// Adds the offsets of a whole page after all others; for readers of saved ones.
@@ -51,13 +52,13 @@ public:
     uint32_t getFirstPage() const { return m_pages.front(); }
     uint32_t getLastPage() const { return m_pages.back(); }
 
-    /// Walks the pages upwards. The offsets must not change meanwhile.
+    /// Walks the pages in ascending order. The offsets must not change meanwhile.
     class Cursor
     {
     public:
         explicit Cursor(const PageOffsets& all) : m_source(&all) {}
 
-        /// Offsets of `page`; none if there are none. Pages must not go down from call to call.
+        /// Offsets of `page`, maybe none. Pages must not descend from call to call.
         Page at(uint32_t page);
 
         /// The next page at or after `page` that has offsets; `none` if there is none.

@@ -14,7 +14,7 @@
 namespace tqx
 {
 
-/// An index with what it takes to use it again.
+/// An index with what is needed to use it again.
 struct SavedIndex {
     LogIdentity identity; ///< of the file, compressed as it is
     Compression compression = Compression::None;
@@ -58,8 +58,8 @@ struct SavedIndex {
 ///       u16 offset                 each, ascending
 TQX_LOG_API std::vector<uint8_t> packIndex(const SavedIndex& saved);
 
-/// Reads what packIndex has written. Nothing for bytes of any other kind, whatever they are;
-/// `reason` receives why. Memory stays within some ten times the bytes.
+/// Reads what packIndex has written. Nothing for any other bytes; `reason` then receives why. Uses
+/// at most about ten times the memory of the bytes.
 TQX_LOG_API std::optional<SavedIndex> unpackIndex(const uint8_t* bytes, size_t size,
                                                   std::string& reason);
 

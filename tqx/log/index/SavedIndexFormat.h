@@ -13,8 +13,8 @@ struct TQX_LOG_API SavedIndexFormat {
     static constexpr uint32_t version = 1;
     static constexpr uint16_t numbers = 0x2000; ///< block numbers are below
 
-    /// A checksum of the block numbers that decoding knows, for these are what weeks are followed
-    /// by: an index made when others were known does not give what decoding gives now.
+    /// A checksum of the block numbers that decoding knows. Weeks are followed by these, so an
+    /// index made with other numbers does not match what decoding gives now.
     static uint32_t knownNumbers();
 };
 

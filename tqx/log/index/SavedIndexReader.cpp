@@ -11,7 +11,7 @@ namespace tqx
 namespace
 {
 
-/// Why bytes are no saved index.
+/// Why bytes are not a saved index.
 class BadIndex : public std::runtime_error
 {
 public:
@@ -53,7 +53,7 @@ public:
         throw BadIndex("a number is too large");
     }
 
-    /// A number of things that take at least `least` bytes each.
+    /// A count of things that take at least `least` bytes each.
     size_t count(size_t least)
     {
         const uint64_t value = variable();
@@ -61,7 +61,7 @@ public:
         return static_cast<size_t>(value);
     }
 
-    /// A number of bytes and the bytes.
+    /// A byte count and the bytes.
     template<typename Bytes>
     Bytes sized()
     {
@@ -119,7 +119,7 @@ std::vector<AccessPoint> readPoints(Reader& reader, Compression compression, uin
         point.packed = packed;
         point.content = content;
         point.bits = reader.number<uint8_t>();
-        require(compression != Compression::None && point.bits < 8, "an access point is none");
+        require(compression != Compression::None && point.bits < 8, "an access point is invalid");
         point.window = reader.sized<std::vector<uint8_t>>();
         points.push_back(std::move(point));
     }
@@ -183,7 +183,7 @@ void checkGaps(const FramedPages& pages)
     PageOffsets::Cursor last(lasts);
     for (uint32_t page = first.nextPage(0); page != PageOffsets::Cursor::none;
          page = first.nextPage(page + 1)) {
-        // A gap goes on in the next page as another one.
+        // A gap continues in the next page as another one.
         const PageOffsets::Page starts = first.at(page);
         const PageOffsets::Page ends = last.at(page);
         require(starts.size() == ends.size(), "a gap has no end");
@@ -206,7 +206,7 @@ SavedIndex read(const uint8_t* bytes, size_t size)
     require(checksum.number<uint32_t>() == crc32(bytes, size - checksumSize),
             "its checksum is wrong");
     require(reader.number<uint32_t>() == SavedIndexFormat::knownNumbers(),
-            "it was made when other blocks were known");
+            "it was made with other known blocks");
 
     LogIdentity identity;
     identity.size = reader.number<uint64_t>();

@@ -15,8 +15,8 @@ namespace
 
 constexpr size_t numbers = Kor::MessageApi::TQX_lastBlockNumber + 1;
 
-/// Framing starts in the middle of a log with some sums in hand, so that blocks need not be summed
-/// the slow way before it has seen a few.
+/// Framing from the middle of a log starts with some sums prepared, so that the first few blocks
+/// need not be summed the slow way.
 constexpr uint64_t allowance = 2 * FramedPages::defaultPageSize;
 
 } // namespace
@@ -108,7 +108,8 @@ void StretchFramer::addBlock(const uint8_t* block, size_t size, uint32_t page, u
     const KnownNumber& type = slotOf(Kor::MessageApi::TQX_blockNumberOf(korcg_load_u16(block + 4)));
     m_pages.types[type.type].offsets.add(page, at);
     ++row.blocks;
-    // As decoding does it: the week is followed as soon as TOW is read, whatever comes of the rest.
+    // As decoding does it: the week is followed as soon as TOW is read, whatever becomes of the
+    // rest.
     if (size >= towEnd && type.movesWeek)
         addTow(korcg_load_u32(block + 8), page, at, row);
     if (size < weekEnd)

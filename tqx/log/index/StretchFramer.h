@@ -19,8 +19,8 @@ struct LogWindow {
     bool isLast;    ///< whether the log ends there
 };
 
-/// Frames pages of a log in place, one after the other, by the rules of BlockFramer. The only state
-/// that it carries from page to page is the position at which the next one is entered.
+/// Frames pages of a log in place, one by one, by the rules of BlockFramer. The only state carried
+/// from page to page is where the next one is entered.
 class StretchFramer
 {
 public:
@@ -31,18 +31,18 @@ public:
     explicit StretchFramer(uint32_t pageSize = FramedPages::defaultPageSize, uint32_t firstPage = 0,
                            uint64_t entry = 0);
 
-    /// Frames the pages before `endPage` that the window decides: those with `longest` bytes after
-    /// them, and all that have a byte if the log ends with it. The window must hold the log from
-    /// the start of the first page that is still to be framed.
+    /// Frames the pages before `endPage` for which the window suffices: those with `longest` bytes
+    /// after them, and all of them if the log ends with the window. The window must hold the log
+    /// from the start of the first page that is still to be framed.
     void frame(const LogWindow& window, uint32_t endPage);
 
     /// The pages framed so far.
     const FramedPages& getPages() const { return m_pages; }
-    /// Hands them over; no more can be framed then.
+    /// Hands the pages over; no more can be framed after that.
     FramedPages takePages() { return std::move(m_pages); }
 
 private:
-    /// What is known of a block number.
+    /// What is known about a block number.
     struct KnownNumber {
         uint32_t type = 0; ///< index in FramedPages::types
         bool movesWeek = false;

@@ -20,7 +20,7 @@ namespace
 
 constexpr uint64_t largestBlock = std::numeric_limits<uint16_t>::max();
 
-/// Takes over what the piece has of the bytes from the place on. `position` is that of the piece.
+/// Takes over the bytes of the piece from the place on. `position` is that of the piece.
 void collect(BlockLocation& location, const uint8_t* piece, uint64_t size, uint64_t position)
 {
     const uint64_t wanted = location.place + location.bytes.size();
@@ -32,7 +32,7 @@ void collect(BlockLocation& location, const uint8_t* piece, uint64_t size, uint6
     }
 }
 
-/// Looks at the blocks that are at hand; true once one begins after the place.
+/// Looks at the available blocks; true once one begins after the place.
 bool takeBlocks(BlockFramer& framer, uint64_t framed, BlockLocation& location)
 {
     for (; framer.hasBlock(); framer.takeBlock()) {
@@ -57,7 +57,7 @@ bool isDone(const BlockLocation& location, uint64_t position)
     return position >= std::min(end, location.place + BlockLocation::reach) + largestBlock;
 }
 
-/// Where the header is that the damage is about; nothing when there is none in it.
+/// Where the header in the damage is; nothing when there is none.
 std::optional<uint64_t> findHeader(const BlockLocation& location)
 {
     constexpr size_t headerSize = 8;
@@ -76,7 +76,7 @@ std::optional<uint64_t> findHeader(const BlockLocation& location)
     return first;
 }
 
-/// Moves on to the header that the damage is about, and drops what no block from there on has.
+/// Moves on to the header in the damage, and drops bytes that no block from there on has.
 void settle(BlockLocation& location)
 {
     if (!location.around) {
@@ -119,7 +119,7 @@ BlockLocation locateBlock(ByteSource& source, uint64_t place)
     }
     if (location.bytes.empty()) {
         throw SourceError(
-            fmt::format("{}: {}: the input has {} bytes only", location.file, place, position));
+            fmt::format("{}: {}: the input has only {} bytes", location.file, place, position));
     }
     location.isCutShort = isDone(location, position);
     if (!found)

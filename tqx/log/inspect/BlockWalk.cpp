@@ -38,7 +38,7 @@ public:
     {
     }
 
-    /// `length` is that of the entry in bytes, 0 for none. Returns 0 or the code of the failure.
+    /// `length` is that of the entry in bytes, 0 for none. Returns 0 or the error code.
     int32_t run(const void* decoded, uint32_t length);
 
     uint32_t getOffset() const { return m_offset; }
@@ -135,7 +135,7 @@ void Level::readRun(const TQX_FieldLayout& field, uint32_t count)
         missing(field, there, count - there);
 }
 
-/// Texts, and payloads whose single bytes say nothing.
+/// Texts, and payloads whose bytes have no individual meaning.
 bool Level::isRun(int index, uint32_t count) const
 {
     constexpr uint32_t mostNumbers = 16;

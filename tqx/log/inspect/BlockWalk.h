@@ -9,7 +9,7 @@
 namespace tqx
 {
 
-/// A piece of a block that a walk along the layout came by.
+/// A piece of a block, as found by walking along the layout.
 struct BlockPiece {
     enum class Kind {
         Number,  ///< one element of a number or character field
@@ -34,14 +34,14 @@ struct BlockPiece {
     bool hasInputs = true; ///< Derived: whether what it is computed from is available
 };
 
-/// What there is in the bytes of a block, in wire order, and the result that the decoders come to.
+/// The content of a block in wire order, and the result of decoding it.
 struct BlockWalk {
     std::vector<BlockPiece> pieces;
     int32_t code = 0; ///< of the failure, 0 when everything fits
 };
 
-/// Walks along a block of a type, as far as the bytes go. `record` is what the block was decoded
-/// to, from which the derived values are taken; null for a block that does not decode.
+/// Walks along a block of a type, as far as the bytes go. `record` is the decoded block, from which
+/// derived values are taken; null for a block that does not decode.
 TQX_LOG_API BlockWalk walkBlock(const Kor::MessageApi::TQX_TypeLayout& type, const uint8_t* bytes,
                                 uint32_t size, const void* record);
 

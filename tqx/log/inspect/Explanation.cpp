@@ -27,7 +27,7 @@ struct Line {
     std::string bytes; ///< in hexadecimal, or which bits they are of the value above
     std::string label; ///< indented
     std::string raw;
-    std::string value; ///< what the raw value stands for, where it is more
+    std::string value; ///< what the raw value means, where that differs
 };
 
 std::string hex(const uint8_t* bytes, uint32_t count)
@@ -119,7 +119,7 @@ void appendHead(Buffer& out, const Inspection& inspection)
         if (!inspection.type) {
             out.append("\nno type has this number");
         } else if (inspection.revision > inspection.type->highestRevision) {
-            out.append(fmt::format("\nnewer than revision {}, the last one that is known",
+            out.append(fmt::format("\nnewer than revision {}, the last known one",
                                    inspection.type->highestRevision));
         }
     }

@@ -9,8 +9,8 @@ namespace tqx
 {
 
 /// Appends an inspection as text: a head line, a row for each value with its place in the file and
-/// in the block, its bytes, its name, the stored number and what that stands for, and what is wrong
-/// with the block if anything is. Of the style, only how units are written counts.
+/// in the block, its bytes, its name, the stored number and its meaning, and what is wrong with the
+/// block, if anything. The style matters only for how units are written.
 TQX_LOG_API void appendExplanation(Buffer& out, const Inspection& inspection,
                                    const ValueStyle& style = {});
 

@@ -16,7 +16,7 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-/// The first type that holds a sub-block; all that do have its inputs in the same place.
+/// The first type that holds a sub-block; all of these have its inputs in the same place.
 const TQX_TypeLayout* ownerOf(const TQX_TypeLayout& sub)
 {
     const TQX_TypeLayout* owner = nullptr;
@@ -36,7 +36,7 @@ const TQX_TypeLayout* ownerOf(const TQX_TypeLayout& sub)
     return owner;
 }
 
-/// The types around one, from the outermost in.
+/// The enclosing types, outermost first.
 OwnerTypes ownersOf(const TQX_TypeLayout& type)
 {
     OwnerTypes owners;

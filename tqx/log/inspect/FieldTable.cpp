@@ -207,9 +207,8 @@ std::string Table::propertiesOf(int index) const
     const TQX_FieldLayout& layout = m_type.fields[index];
     const TQX_FieldFacts& field = TQX_factsOf(m_type, index);
     const std::string_view unit = shownUnit(TQX_unit(field), m_style);
-    if (field.scale != 0) {
-        properties.push_back(
-            fmt::format("x {}{}{}", TQX_scale(field), unit.empty() ? "" : " ", unit));
+    if (const double scale = TQX_scale(field); scale != 0) {
+        properties.push_back(fmt::format("x {}{}{}", scale, unit.empty() ? "" : " ", unit));
     } else if (!unit.empty()) {
         properties.emplace_back(unit);
     }
@@ -252,8 +251,8 @@ void Table::appendHead()
     m_out.append('\n');
 }
 
-/// The names of a field's values, as many in a line as it holds, below the field. What fits beside
-/// it is there already.
+/// The names of a field's values, as many per line as fit, below the field. What fits beside it is
+/// there already.
 void Table::appendSymbols(int index, size_t indentation)
 {
     constexpr size_t lineWidth = 100;

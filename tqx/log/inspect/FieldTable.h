@@ -9,8 +9,8 @@ namespace tqx
 {
 
 /// Appends what a type is and a table of its fields: where they are, how wide they are, their
-/// units, scales, names of values, revisions and meaning. Of the style, only how units are written
-/// counts.
+/// units, scales, names of values, revisions and meaning. The style matters only for how units are
+/// written.
 TQX_LOG_API void appendFieldTable(Buffer& out, const Kor::MessageApi::TQX_TypeLayout& type,
                                   const ValueStyle& style = {});
 

@@ -43,7 +43,7 @@ const TQX_TypeLayout& anyMainType()
     }
 }
 
-/// What the place is that was asked for, when it is not the block's own.
+/// Describes the requested place, when it is not the block's own.
 void addDamage(Inspection& inspection, const BlockLocation& location)
 {
     if (location.offset == location.place && location.hasSync())
@@ -59,7 +59,7 @@ void addDamage(Inspection& inspection, const BlockLocation& location)
     inspection.faults.push_back(std::move(fault));
 }
 
-/// Some of the bytes of damage without header.
+/// Some of the bytes of damage without a header.
 void addBytes(Inspection& inspection)
 {
     const auto size = static_cast<uint32_t>(inspection.bytes.size());
@@ -68,7 +68,7 @@ void addBytes(Inspection& inspection)
     inspection.rows = rows.take();
 }
 
-/// What the header says, as far as there is one.
+/// Appends what the header says, as far as there is one.
 void readHeader(Inspection& inspection)
 {
     const std::vector<uint8_t>& bytes = inspection.bytes;
@@ -93,7 +93,7 @@ void checkFrame(Inspection& inspection)
     const uint16_t length = inspection.length;
     if (bytes.size() < frameHeader) {
         faults.push_back(
-            fmt::format("the input ends after {} bytes, within the header", bytes.size()));
+            fmt::format("the input ends after {} bytes, inside the header", bytes.size()));
         return;
     }
     if (length < frameHeader) {
@@ -119,7 +119,7 @@ void checkFrame(Inspection& inspection)
     }
 }
 
-/// Says of the checksum whether it is right, if there is enough to know.
+/// Says whether the checksum is correct, if enough is there to know.
 void judgeChecksum(Inspection& inspection)
 {
     const std::vector<uint8_t>& bytes = inspection.bytes;
@@ -137,12 +137,12 @@ void judgeChecksum(Inspection& inspection)
     if (inspection.isIntact) {
         row->name = "right";
     } else {
-        row->error = fmt::format("wrong, the bytes give {}",
+        row->error = fmt::format("wrong, the bytes have {}",
                                  korcg_crc16_bytes(bytes.data() + 4, bytes.size() - 4U));
     }
 }
 
-/// The header and the rest of a block of unknown number.
+/// The header and the rest of a block of an unknown number.
 void addUnknownBody(Inspection& inspection)
 {
     const auto size = static_cast<uint32_t>(inspection.bytes.size());
@@ -162,7 +162,7 @@ void addUnknownBody(Inspection& inspection)
     inspection.rows = rows.take();
 }
 
-/// The field that the code names, where it would be, or what else went wrong there.
+/// The field that the code names, with the place where it would be, or what else went wrong there.
 void addResult(Inspection& inspection)
 {
     using Kind = InspectionRow::Kind;
@@ -179,7 +179,7 @@ void addResult(Inspection& inspection)
         fault += fmt::format(": {} of {} at {}, {} in the file, ", name, culprit->type->name,
                              culprit->offset, inspection.offset + culprit->offset);
         if (culprit->kind == Kind::Missing) {
-            fault += fmt::format("would need {} more {}", culprit->stated,
+            fault += fmt::format("needs {} more {}", culprit->stated,
                                  culprit->stated == 1 ? "byte" : "bytes");
         } else if (culprit->kind == Kind::TooMany) {
             fault += fmt::format("has {} elements, there is room for {}", culprit->index,
@@ -294,7 +294,7 @@ std::string describeNoBlock(const BlockLocation& location, const Schema& schema)
 {
     std::string text = "no block begins here";
     if (location.around)
-        text += "; it is inside of " + describe(*location.around, schema);
+        text += "; it is inside " + describe(*location.around, schema);
     if (location.following) {
         text += "; the next block is " + describe(*location.following, schema);
     } else {

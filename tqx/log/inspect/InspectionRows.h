@@ -9,11 +9,11 @@
 namespace tqx
 {
 
-/// Makes rows of the pieces that a walk comes by.
+/// Makes rows from the pieces of a walk.
 class InspectionRows
 {
 public:
-    /// `block` is what the pieces are of; it is not kept beyond the last call.
+    /// `block` is what was walked; it is not used after the last call.
     explicit InspectionRows(const uint8_t* block) : m_block(block) {}
 
     void add(const BlockPiece& piece);
@@ -27,11 +27,11 @@ private:
 
     const uint8_t* m_block;
     std::vector<InspectionRow> m_rows;
-    std::vector<int> m_subBlocks; ///< rows of those that are around the next piece
+    std::vector<int> m_subBlocks; ///< rows that enclose the next piece
     int m_value = InspectionRow::none;
 };
 
-/// Characters as a JSON string, without the zeros at their end.
+/// Characters as a JSON string, without trailing zeros.
 std::string quotedText(const uint8_t* bytes, uint32_t count);
 
 } // namespace tqx

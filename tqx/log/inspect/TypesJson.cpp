@@ -135,7 +135,7 @@ std::vector<std::string> subFieldsOf(const TQX_TypeLayout& type, int index)
     return names;
 }
 
-/// The class that the Qt library has for the field.
+/// The class of the field in the Qt library.
 std::string fieldClass(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
 {
     std::string name = field.name;
@@ -156,9 +156,9 @@ void appendField(Buffer& out, const TQX_TypeLayout& type, int index)
     object.text("type", typeName(field));
     if (field.width != 0)
         object.number("width", field.width);
-    if (facts.unit != 0)
+    if (!TQX_unit(facts).empty())
         object.text("unit", TQX_unit(facts));
-    if (facts.scale != 0)
+    if (TQX_scale(facts) != 0)
         object.real("scale", TQX_scale(facts));
     if (facts.precision >= 0)
         object.number("precision", facts.precision);

@@ -15,8 +15,8 @@ namespace tqx
 TQX_LOG_API std::vector<const Kor::MessageApi::TQX_TypeLayout*>
 registeredTypes(const Schema& schema = {});
 
-/// Appends what is known of the types and their fields as one JSON array, a type a line, properties
-/// that are not set left out.
+/// Appends the types and their fields as one JSON array, one type per line, without properties that
+/// are not set.
 TQX_LOG_API void appendTypesJson(Buffer& out,
                                  const std::vector<const Kor::MessageApi::TQX_TypeLayout*>& types);
 

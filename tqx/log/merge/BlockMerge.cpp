@@ -21,13 +21,13 @@ class Input
 public:
     explicit Input(BlockStream& stream) : m_stream(&stream) {}
 
-    /// Goes on to the next block; false at the end.
+    /// Advances to the next block; false at the end.
     bool advance();
 
     const Block& getBlock() const { return m_held.empty() ? m_block : m_held.front().block; }
     GnssMillis getPlace() const { return m_held.empty() ? m_place : m_held.front().place; }
 
-    /// By how much the time has run back with the block, 0 for not at all.
+    /// By how much the time runs back with the block, 0 for not at all.
     GnssMillis getStepBack() const { return m_held.empty() ? m_stepBack : 0; }
 
 private:
@@ -62,14 +62,14 @@ void Input::hold()
     m_heldBytes += copy.bytes.size() + sizeof(Held);
 }
 
-/// Whether what follows has to say where the block belongs: before any time, and after a jump.
+/// Whether what follows must show where the block belongs: before any time, and after a jump.
 bool Input::isDoubtful(const std::optional<GnssMillis>& time) const
 {
     return !m_hasTime || (time && *time > m_place + longestDisorder);
 }
 
-/// Reads up to the next block with a time. One whose time is far ahead of those on both sides, or
-/// at the start of the one after it, is taken to be wrong about it and stays where it is.
+/// Reads up to the next block with a time. A time that is far ahead of those on both sides, or at
+/// the start of the one after it, is taken to be wrong, and its block stays where it is.
 void Input::readAfterJump(std::optional<GnssMillis> time)
 {
     const bool hadTime = m_hasTime;

@@ -11,18 +11,18 @@
 namespace tqx
 {
 
-/// The blocks that a merge has written around the time that it has come to, to know those that come
-/// again. Memory is bounded: of more than 64 MiB the oldest are forgotten.
+/// The blocks that a merge has written around its current time, to recognise repetitions. Memory is
+/// bounded: beyond 64 MiB the oldest are forgotten.
 class WrittenBlocks
 {
 public:
     /// Times farther away than `span` milliseconds are forgotten.
     explicit WrittenBlocks(GnssMillis span) : m_span(span) {}
 
-    /// Whether a block of the input `input` is to be written, which then counts as written. `place`
-    /// is the time that it is sorted by. A block with a time of its own is written once; of those
-    /// without, which an input may repeat, as many as the input has that has most of them. The
-    /// blocks of one place come input by input.
+    /// Whether a block of input `input` is to be written; it then counts as written. `place` is the
+    /// time that it is sorted by. A block with a time of its own is written once; one without,
+    /// which an input may repeat, as often as in the input that has it most often. The blocks of
+    /// one place come input by input.
     bool admits(const Block& block, GnssMillis place, size_t input);
 
 private:

@@ -32,7 +32,7 @@ constexpr std::array<uint32_t, 256> makeByteTable()
     return table;
 }
 
-/// What as many zero bytes as the index multiply a checksum by.
+/// The factor by which as many zero bytes as the index multiply a checksum.
 constexpr std::array<uint32_t, Crc24::longest + 1> makePowers()
 {
     std::array<uint32_t, Crc24::longest + 1> powers = {};
@@ -47,7 +47,7 @@ constexpr std::array<uint32_t, Crc24::longest + 1> makePowers()
 constexpr std::array<uint32_t, 256> byteTable = makeByteTable();
 constexpr std::array<uint32_t, Crc24::longest + 1> powers = makePowers();
 
-/// What the four bits above the 24 of a checksum amount to below.
+/// The effect on the 24 bits of a checksum of the four bits above them.
 constexpr std::array<uint32_t, 16> makeNibbleTable()
 {
     std::array<uint32_t, 16> table = {};

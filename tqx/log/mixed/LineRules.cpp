@@ -24,7 +24,7 @@ constexpr unsigned digitValue(uint8_t character)
     return letter < 6 ? letter + 10 : 16;
 }
 
-/// Whether the text has an address, which ',' or the checksum ends.
+/// Whether the text begins with an address, which ',' or the checksum ends.
 bool hasAddress(const uint8_t* text, size_t size)
 {
     constexpr size_t least = 3;

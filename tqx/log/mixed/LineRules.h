@@ -9,13 +9,13 @@ namespace tqx
 /// Longest line, CR and LF included.
 constexpr size_t longestLine = 1000;
 
-/// As many characters has the first line of a text at least, so that damage does not pass for one.
+/// Fewest characters of the first line of a text, so that damage does not pass for one.
 constexpr size_t leastText = 4;
 
 /// "COM1>": the name of a connection and '>'.
 constexpr size_t promptSize = 5;
 
-/// What may be in a line: the printable characters of ASCII and the tabulator.
+/// Characters that a line may contain: printable ASCII and tab.
 constexpr bool isPrintable(uint8_t character)
 {
     return (character >= ' ' && character <= '~') || character == '\t';
@@ -32,15 +32,15 @@ constexpr bool beginsSentence(uint8_t character)
     return character == '$' || character == '!';
 }
 
-/// What a line is to NMEA 0183.
+/// What a line is in terms of NMEA 0183.
 enum class SentenceCheck {
     None,
-    Wrong, ///< ends with a checksum like a sentence, but it is none or the checksum does not match
+    Wrong, ///< ends with a checksum, but is not a sentence or the checksum is wrong
     Right,
 };
 
-/// Judges printable characters without the end of their line. A sentence has an address of 3
-/// to 15 capitals and digits, its two delimiters '$' and '!' nowhere else, and always a checksum.
+/// Judges the printable characters of a line, without its end. A sentence has an address of 3 to 15
+/// capitals and digits, the delimiters '$' and '!' nowhere else, and always a checksum.
 SentenceCheck checkSentence(const uint8_t* text, size_t size);
 
 /// Whether these are the first characters of a prompt (`size` up to 5): two or three capitals, one

@@ -9,7 +9,7 @@
 namespace tqx
 {
 
-/// What a port may send between blocks and is well-formed in itself.
+/// Well-formed data that a port may send between blocks.
 enum class NeighbourKind : uint8_t {
     Nmea,  ///< a sentence of NMEA 0183: "$GPGGA,...*hh" or "!AIVDM,...*hh", CR and LF included
     Rtcm3, ///< a frame of RTCM 10403, with preamble and checksum
@@ -18,12 +18,13 @@ enum class NeighbourKind : uint8_t {
 
 constexpr size_t neighbourKinds = 3;
 
-/// A neighbour of the blocks in a mixed stream. It refers to the bytes of whoever hands it out.
+/// A neighbour of the blocks in a mixed stream. It refers to the bytes of the object that returned
+/// it.
 struct TQX_LOG_API Neighbour {
     NeighbourKind kind;
     const uint8_t* data;
     size_t size;     ///< at most 1,029
-    uint64_t offset; ///< of its first byte, in what whoever hands it out says
+    uint64_t offset; ///< of its first byte; see the object that returned it
 
     /// Talker and type of a sentence, "GPGGA" (3 to 15 capitals and digits); "" for other kinds.
     std::string_view getAddress() const;
@@ -32,7 +33,7 @@ struct TQX_LOG_API Neighbour {
     uint16_t getNumber() const;
 };
 
-/// How many there are, and their bytes.
+/// Number of neighbours, and their bytes.
 struct NeighbourCount {
     uint64_t count = 0;
     uint64_t bytes = 0;

@@ -15,7 +15,7 @@ constexpr size_t frameHeader = 3;
 constexpr size_t frameChecksum = 3;
 constexpr size_t endSize = 2; // CR, LF
 
-// Results of findLineEnd() that are no size of a line.
+// Results of findLineEnd() that are not the size of a line.
 constexpr size_t noLine = 0;
 constexpr size_t unknown = SIZE_MAX;
 
@@ -57,8 +57,8 @@ void NeighbourScanner::close()
     m_isWithinText = false;
 }
 
-/// Decides about as many of the bytes as it can, the first of which is at `position`, and returns
-/// how many those are.
+/// Decides about as many of the bytes as it can, the first of them at `position`, and returns how
+/// many.
 size_t NeighbourScanner::scan(const uint8_t* bytes, size_t size, bool isLast)
 {
     size_t at = 0;
@@ -162,7 +162,7 @@ NeighbourScanner::Decision NeighbourScanner::decideText(const View& view)
 NeighbourScanner::Decision NeighbourScanner::decideLine(const View& view, size_t blank,
                                                         size_t end) const
 {
-    // What precedes something else than a text is damage of its own.
+    // What precedes anything but a text is separate damage.
     const Decision none = {Verdict::Damage, blank == 0 ? 1 : blank, {}};
     if (end == noLine)
         return none;
@@ -171,7 +171,7 @@ NeighbourScanner::Decision NeighbourScanner::decideLine(const View& view, size_t
     const SentenceCheck check = checkSentence(line, size - endSize);
     if (check == SentenceCheck::Right)
         return blank == 0 ? Decision{Verdict::Neighbour, size, NeighbourKind::Nmea} : none;
-    // A sentence that begins within the line is whole, what precedes it is not.
+    // A sentence that begins inside the line is complete; what precedes it is not.
     for (size_t at = size - endSize; at-- > 1;) {
         if (!beginsSentence(line[at]))
             continue;

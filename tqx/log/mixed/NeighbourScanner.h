@@ -18,26 +18,27 @@ namespace tqx
 ///
 /// The first line of a text has four printable characters at least; those right after it may be of
 /// any length. None begins with "$@" or ends with the checksum of a sentence. Up to eight empty
-/// lines before a text belong to it.
-/// Neighbours do not overlap: what begins first and is well-formed counts.
+/// lines before a text belong to it. Neighbours do not overlap: the well-formed one that begins
+/// first wins.
 ///
 ///     scanner.append(offset, bytes, size); // as often as the run goes on
 ///     scanner.end();                       // a block follows, or nothing
 ///
-/// What comes out depends only on the runs, never on the pieces in which they arrive. At all times:
+/// The result depends only on the runs, never on the pieces in which they arrive. At all times:
 /// bytes of neighbours + damage + bytesLeft() == bytes appended. The work is linear in the bytes
 /// appended; less than 1,029 bytes wait between calls.
 class TQX_LOG_API NeighbourScanner
 {
 public:
-    /// Hears what there is, in order, while append and end run. Must not call the scanner.
+    /// Receives what is found, in order, while append() and end() run. Must not call the scanner.
     class Listener
     {
     public:
         /// Its offset is that of the stream; its bytes are valid until this returns.
         virtual void onRecognised(const Neighbour& neighbour) = 0;
 
-        /// `count` (> 0) bytes that are nothing well-formed. One stretch may come in several parts.
+        /// `count` (> 0) bytes of nothing well-formed. One stretch may be reported in several
+        /// parts.
         virtual void onDamage(uint64_t offset, uint64_t count) = 0;
 
     protected:
@@ -53,14 +54,14 @@ public:
     /// Adds the next piece of a run. One that does not begin where the last one ended begins a run.
     void append(uint64_t offset, const uint8_t* bytes, size_t size);
 
-    /// The run has ended: what waits is decided.
+    /// Ends the run: decides about what is waiting.
     void end()
     {
         if (m_isOpen)
             close();
     }
 
-    /// Bytes appended that are not decided about yet.
+    /// Bytes appended but not decided about yet.
     size_t bytesLeft() const { return m_waiting.size(); }
 
 private:

@@ -28,7 +28,7 @@ bool isBitRange(const TQX_TypeLayout& type, std::string_view name)
     });
 }
 
-/// The members of an object by ascending name; of those of the same name the last one.
+/// The members of an object by ascending name; the last one of each name.
 std::map<std::string_view, const JsonValue*> membersOf(const JsonValue& object)
 {
     std::map<std::string_view, const JsonValue*> members;
@@ -48,7 +48,7 @@ bool areEqual(const JsonValue& a, const JsonValue& b)
            nlohmann::json::parse(a.text()) == nlohmann::json::parse(b.text());
 }
 
-/// Whether all of `part` is in `whole`; of objects, members that `whole` lacks do not count.
+/// Whether all of `part` is in `whole`, ignoring members of objects that `whole` lacks.
 bool isWithin(const JsonValue& part, const JsonValue& whole)
 {
     if (!part.isStructured() || part.kind != whole.kind)

@@ -9,8 +9,8 @@
 namespace tqx
 {
 
-/// What filling a record of a type from named values needs to know of its layout: made once for the
-/// type, used for each record.
+/// What filling a record from named values needs to know about its layout: made once per type, used
+/// for each record.
 class FillPlan
 {
 public:
@@ -18,7 +18,7 @@ public:
 
     const Kor::MessageApi::TQX_TypeLayout& getType() const { return *m_type; }
 
-    /// Row of the field of that name, -1 when there is none. `guess` is a row that it may well be.
+    /// Row of the field of that name, -1 when there is none. `guess` is the row to try first.
     int find(std::string_view name, int guess) const
     {
         return guess < m_type->fieldCount && m_names[static_cast<size_t>(guess)] == name
@@ -32,8 +32,7 @@ public:
     /// Rows of numbers and characters with a place of their own.
     const std::vector<int>& getValues() const { return m_values; }
 
-    /// Rows of what depends on these: arrays, texts, sub-blocks, and whatever a record can be
-    /// without.
+    /// Rows of what depends on these: arrays, texts, sub-blocks, and everything optional.
     const std::vector<int>& getContents() const { return m_contents; }
 
     /// Rows of sub-blocks.

@@ -47,7 +47,7 @@ bool isLong(std::string_view line)
     throw LineError("a number is too large");
 }
 
-/// Memory for the parser, which does not ask whether it got any.
+/// Memory for the parser, which does not check its allocations.
 class Allocator
 {
 public:
@@ -88,7 +88,7 @@ bool isTooLarge(std::string_view number)
     return error != std::errc() && !nlohmann::json::accept(number);
 }
 
-/// Lists the values that the parser comes by.
+/// Lists the values that the parser finds.
 class ValueList
 {
 public:
@@ -181,8 +181,8 @@ private:
     size_t m_left;
 };
 
-/// Hands the values of a slower parser on, which takes what the fast one does not, and names the
-/// places of mistakes as other tools do.
+/// Passes on the values of a slower parser, which accepts what the fast one does not, and reports
+/// the places of errors like other tools.
 class ThoroughParser : public nlohmann::json_sax<nlohmann::json>
 {
 public:
@@ -220,7 +220,7 @@ public:
     {
         if (dynamic_cast<const nlohmann::json::out_of_range*>(&error))
             failTooLarge();
-        throw LineError(fmt::format("no valid JSON at column {}", position));
+        throw LineError(fmt::format("invalid JSON at column {}", position));
     }
 
 private:
@@ -239,7 +239,7 @@ private:
     std::deque<std::string>& m_texts;
 };
 
-/// Halves of surrogate pairs, which the parser lets pass alone.
+/// Lone surrogates, which the parser accepts.
 bool mayHaveSurrogates(std::string_view line)
 {
     for (size_t at = line.find('\\'); at != std::string_view::npos; at = line.find('\\', at + 1)) {
@@ -283,9 +283,9 @@ JsonLine::~JsonLine() = default;
 
 const JsonValue& JsonLine::parse(std::string_view line)
 {
-    // To the parsers it would be the end.
+    // The parsers would take it for the end.
     if (const size_t null = line.find('\0'); null != std::string_view::npos)
-        throw LineError(fmt::format("no valid JSON at column {}: a null character", null + 1));
+        throw LineError(fmt::format("invalid JSON at column {}: a null character", null + 1));
     constexpr size_t longest = std::numeric_limits<uint32_t>::max() - 1;
     if (line.size() > longest)
         throw LineError(fmt::format("longer than {} bytes", longest));

@@ -11,7 +11,7 @@
 namespace tqx
 {
 
-/// Parses lines of JSON, one after the other, without a copy of each value.
+/// Parses lines of JSON one by one, without copying each value.
 class TQX_LOG_API JsonLine
 {
 public:
@@ -20,8 +20,8 @@ public:
     JsonLine(const JsonLine&) = delete;
     JsonLine& operator=(const JsonLine&) = delete;
 
-    /// The value that a line holds, of any depth. Valid until the next call. Of members of the same
-    /// name, all are there. Throws LineError for what is no JSON, for numbers beyond the largest
+    /// The value that a line holds, of any depth. Valid until the next call. All members of the
+    /// same name are kept. Throws LineError for invalid JSON, for numbers beyond the largest
     /// double, and for more than a million values in a line of more than 1 MiB.
     const JsonValue& parse(std::string_view line);
 

@@ -8,15 +8,15 @@
 namespace tqx
 {
 
-/// One value of a parsed line, see JsonLine. The values of a line lie side by side in the order of
-/// its text: after an array or object come its elements or members with all that is in them.
+/// One value of a parsed line, see JsonLine. The values of a line are adjacent, in the order of its
+/// text: an array or object is followed by its elements or members with their contents.
 struct JsonValue {
     enum class Kind : uint8_t { Null, False, True, Number, String, Array, Object };
 
-    /// Of a member of an object, else empty.
+    /// Name of a member of an object, else empty.
     std::string_view name() const { return {nameBegin, nameLength}; }
 
-    /// A number as it is written, a string without its escapes.
+    /// A number as written, a string without its escapes.
     std::string_view text() const { return {textBegin, length}; }
 
     bool isStructured() const { return kind >= Kind::Array; }
@@ -24,7 +24,7 @@ struct JsonValue {
     /// Elements of an array, members of an object.
     size_t size() const { return isStructured() ? length : 0; }
 
-    /// Walks over elements or members, not into them.
+    /// Iterates over elements or members, without descending into them.
     class Iterator
     {
     public:
@@ -53,10 +53,10 @@ struct JsonValue {
     Iterator end() const { return Iterator(this + span); }
 
     const char* nameBegin;
-    const char* textBegin; ///< null for what is neither number nor string
+    const char* textBegin; ///< null if neither number nor string
     uint32_t nameLength;
     uint32_t length; ///< of the text, or the number of elements or members
-    uint32_t span;   ///< values from this one to the next beside it
+    uint32_t span;   ///< distance to its next sibling, in values
     Kind kind;
 };
 

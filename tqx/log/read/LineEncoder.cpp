@@ -65,7 +65,7 @@ Members membersOf(const JsonValue& line)
 struct LineEncoder::Tools {
     JsonLine parser;
     RecordFiller filler;
-    std::unordered_map<std::string_view, const TQX_TypeLayout*> types; ///< met so far, by name
+    std::unordered_map<std::string_view, const TQX_TypeLayout*> types; ///< found so far, by name
 };
 
 LineEncoder::LineEncoder(const Schema& schema)
@@ -82,11 +82,11 @@ const std::vector<uint8_t>& LineEncoder::encode(std::string_view line)
     m_warning.clear();
     if (members.bytes) {
         if (members.bytes->kind != Kind::String || !decodeBase64(members.bytes->text(), m_bytes))
-            throw LineError::at("bytes", "is no base64 text");
+            throw LineError::at("bytes", "is not base64 text");
         if (const std::string name =
                 differenceFromBytes(members.block, members.fields, m_bytes, m_schema);
             !name.empty()) {
-            m_warning = fmt::format("differs from the bytes beside it, which are taken: {}",
+            m_warning = fmt::format("differs from the bytes beside it, which are used: {}",
                                     shortened(name));
         }
         return m_bytes;
@@ -123,7 +123,7 @@ const TQX_TypeLayout& LineEncoder::typeOf(std::string_view name)
     if (!type)
         throw LineError(unknownType(name, m_schema));
     if (type->blockNumber == 0)
-        throw LineError(fmt::format("{} is a sub-block, no block of its own", type->name));
+        throw LineError(fmt::format("{} is a sub-block, not a block", type->name));
     m_tools->types.emplace(type->name, type);
     return *type;
 }

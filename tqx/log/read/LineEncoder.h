@@ -19,24 +19,24 @@ namespace tqx
 ///     while (std::getline(input, line))
 ///         use(encoder.encode(line));
 ///
-/// Used by one thread at a time; each may have one of its own.
+/// Used by one thread at a time; several threads use one each.
 class TQX_LOG_API LineEncoder
 {
 public:
-    /// Of blocks of the schema's types. Throws std::bad_alloc.
+    /// Encodes blocks of the schema's types. Throws std::bad_alloc.
     explicit LineEncoder(const Schema& schema = {});
     ~LineEncoder();
     LineEncoder(const LineEncoder&) = delete;
     LineEncoder& operator=(const LineEncoder&) = delete;
 
-    /// The block that a line describes: its "bytes" as they are, else what its "fields" make, with
-    /// Length and CRC computed. Valid until the next call. Throws LineError, for a line with scaled
-    /// values ScaledLineError, and std::bad_alloc; after that the next line can be encoded.
+    /// The block that a line describes: its "bytes" unchanged, else one made from its "fields",
+    /// with Length and CRC computed. Valid until the next call. Throws LineError (ScaledLineError
+    /// for a line with scaled values) and std::bad_alloc; the next line can be encoded after that.
     /// Accepts at most a million values in a line, far more than a block can hold, and lines of
     /// less than 4 GiB.
     const std::vector<uint8_t>& encode(std::string_view line);
 
-    /// What is doubtful about the last line that was encoded, "" when nothing is.
+    /// A warning about the last line that was encoded, "" for none.
     const std::string& getWarning() const { return m_warning; }
 
 private:

@@ -9,8 +9,8 @@ LineError::LineError(const std::string& text, bool startsWithPlace)
 }
 
 ScaledLineError::ScaledLineError()
-    : LineError("holds scaled values, but only stored ones can be encoded, which dump --format "
-                "jsonl --raw writes")
+    : LineError("holds scaled values, but only stored ones can be encoded; write them with dump "
+                "--format jsonl --raw")
 {
 }
 

@@ -85,7 +85,7 @@ const void* mainOf(const TQX_TypeLayout& type, const void* record)
     return record;
 }
 
-/// Calls `step`, and gives what it throws the field's name as its place.
+/// Calls `step`, and adds the field's name as the place to what it throws.
 template<typename Step>
 void atField(const TQX_FieldLayout& field, Step step)
 {
@@ -126,14 +126,13 @@ void RecordFilling::assignRows()
             derived = std::min(derived, index);
     }
     if (derived != m_type.fieldCount) {
-        throw LineError::at(row(derived).name,
-                            "is computed when a block is decoded, it cannot be given");
+        throw LineError::at(row(derived).name, "is computed by decoding and cannot be given");
     }
     if (!isKnown)
         failUnknown();
 }
 
-/// Names the first of the unknown ones in the alphabet.
+/// Reports the alphabetically first unknown name.
 void RecordFilling::failUnknown() const
 {
     std::string_view unknown;
@@ -153,12 +152,12 @@ void RecordFilling::checkPresence(int index)
     switch (field.presence) {
     case TQX_Presence::SinceRevision:
         throw LineError::at(field.name,
-                            fmt::format("is there from revision {} on only", field.presenceValue));
+                            fmt::format("exists only from revision {} on", field.presenceValue));
     case TQX_Presence::OnlyRevision:
         throw LineError::at(field.name,
-                            fmt::format("is there in revision {} only", field.presenceValue));
+                            fmt::format("exists only in revision {}", field.presenceValue));
     case TQX_Presence::Selected:
-        throw LineError::at(field.name, fmt::format("is there only when {} is {}",
+        throw LineError::at(field.name, fmt::format("exists only when {} is {}",
                                                     row(field.selector).name, field.presenceValue));
     case TQX_Presence::Always:
         return;
@@ -173,7 +172,7 @@ void RecordFilling::fillBits(int word, int part)
         if (bits.summary != TQX_Summary::None) {
             const uint64_t whole = TQX_unsignedValue(field, m_record, index);
             if (TQX_bitsOf(&row(word + 1), bits, whole) != bitsOf(bits, given))
-                throw LineError("contradicts the bits that it sums up");
+                throw LineError("contradicts the bits that it summarises");
             return;
         }
         const uint64_t mask = ~uint64_t{0} >> (64 - bits.width);
@@ -218,7 +217,7 @@ void RecordFilling::fillScalar(int index)
     splitWord(index);
 }
 
-/// Sets the members of the bit ranges, which may say what other fields there are.
+/// Sets the members of the bit ranges, which may decide what other fields there are.
 void RecordFilling::splitWord(int word)
 {
     for (int i = word + 1; i < m_plan.afterBits(word); ++i) {
@@ -237,7 +236,7 @@ bool RecordFilling::isAnnounced(int count) const
                        [&](const auto& one) { return one.first == count; });
 }
 
-/// Notes what a count must be; all that it counts must agree.
+/// Records what a count must be; everything it counts must agree.
 void RecordFilling::announce(int count, size_t elements)
 {
     auto& all = m_filler.m_announced;
@@ -251,8 +250,8 @@ void RecordFilling::announce(int count, size_t elements)
         all.emplace_back(count, elements);
 }
 
-/// Counts are what the arrays say. A count of bytes that is given may end inside an element after
-/// those of the array.
+/// Counts follow from the arrays. A given count of bytes may end inside an element after those of
+/// the array.
 void RecordFilling::setCount(int index, size_t elements)
 {
     const TQX_FieldLayout& field = row(index);
@@ -356,7 +355,7 @@ void RecordFilling::fillContent(int index)
     switch (field.kind) {
     case TQX_FieldKind::Array:
     case TQX_FieldKind::CountedArray:
-        // Initialising leaves most of a counted array as it was.
+        // Initialising leaves most of a counted array unchanged.
         std::memset(TQX_element(field, m_record), 0,
                     size_t{field.elements} * TQX_elementSize(field));
         if (isGiven(index))
@@ -387,7 +386,7 @@ void RecordFilling::fillContent(int index)
     }
 }
 
-/// Makes the three forms of a main block's number and revision agree with each other.
+/// Makes the three forms of a main block's number and revision agree.
 void RecordFilling::settleId()
 {
     auto* header = static_cast<TQX_MainHeader_s*>(m_record);

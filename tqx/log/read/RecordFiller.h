@@ -10,8 +10,8 @@
 namespace tqx
 {
 
-/// Fills records from objects of stored values by field name. Keeps the plans of their types and
-/// the memory that it works in.
+/// Fills records from objects of stored values by field name. Caches the plans of their types and
+/// its working memory.
 class RecordFiller
 {
 public:
@@ -20,8 +20,8 @@ public:
     /// - fields that are left out keep their initial values;
     /// - a packed word may be given by its named bit ranges instead, the others are then 0;
     /// - counts follow from the arrays and texts that are given;
-    /// - entry lengths that are left out are what this system writes;
-    /// - of members of the same name the last one counts.
+    /// - entry lengths that are left out are those that the encoder writes;
+    /// - the last of several members of the same name counts.
     ///
     /// A derived value, an unknown name, a field that the block's revision or a selecting field
     /// excludes, a value of the wrong type or out of range throws LineError. The record then still
@@ -35,7 +35,7 @@ private:
 
     std::vector<std::unique_ptr<FillPlan>> m_plans; ///< by record type
 
-    // Of the record that is being filled and those around it, one after the other.
+    // Of the record that is being filled and its parents, one after the other.
     std::vector<const JsonValue*> m_given;           ///< by row, null where left out
     std::vector<std::pair<int, size_t>> m_announced; ///< rows of counts, with their elements
 };

@@ -28,7 +28,7 @@ void store(const TQX_FieldLayout& field, void* record, uint32_t index, Value val
     std::memcpy(TQX_element(field, record, index), &value, sizeof value);
 }
 
-/// A value as a message shows it; of arrays and objects, which may be deep, nothing inside.
+/// A value as error messages show it, without the content of arrays and objects, which may be deep.
 std::string shown(const JsonValue& value)
 {
     constexpr size_t longest = 40;
@@ -70,7 +70,7 @@ bool isString(const JsonValue& value, std::string_view text)
     return value.kind == Kind::String && value.text() == text;
 }
 
-/// A number without fraction and exponent that fits 64 bits.
+/// A number without fraction and exponent that fits into 64 bits.
 struct Integer {
     uint64_t magnitude;
     bool isNegative;
@@ -180,7 +180,7 @@ std::string latin1Of(const JsonValue& value, size_t capacity)
             const auto second = static_cast<uint8_t>(utf8[++i]);
             text += static_cast<char>((first & 3U) << 6U | (second & 0x3fU));
         } else {
-            throw LineError("a text holds characters up to U+00FF only");
+            throw LineError("a text can only hold characters up to U+00FF");
         }
     }
     if (text.size() > capacity)

@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <string>
 
-/// JSON values made into stored values of records. All throw LineError for a value of the wrong
-/// type or out of range, without a place.
+/// Converts JSON values to stored values of records. All functions throw LineError, without a
+/// place, for a value of the wrong type or out of range.
 namespace tqx
 {
 
@@ -19,16 +19,16 @@ void storeElement(const Kor::MessageApi::TQX_FieldLayout& field, void* record, u
 void storeInteger(const Kor::MessageApi::TQX_FieldLayout& field, void* record, uint32_t index,
                   uint64_t value);
 
-/// A value for a bit range, as it is in the lowest bits of the packed word.
+/// A value for a bit range, in the lowest bits.
 uint64_t bitsOf(const Kor::MessageApi::TQX_FieldLayout& field, const JsonValue& value);
 
 /// A string as Latin-1 characters, at most `capacity` of them.
 std::string latin1Of(const JsonValue& value, size_t capacity);
 
-/// The value, which must be an array; nothing more is asked of it.
+/// The value, which must be an array; its content is not checked.
 const JsonValue& arrayOf(const JsonValue& value);
 
-/// The value, which must be an object; nothing more is asked of it.
+/// The value, which must be an object; its content is not checked.
 const JsonValue& objectOf(const JsonValue& value);
 
 } // namespace tqx

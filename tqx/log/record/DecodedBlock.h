@@ -9,16 +9,16 @@
 namespace tqx
 {
 
-/// What TQX_decode gives for a block of an unknown number.
+/// What TQX_decode() returns for a block of an unknown number.
 constexpr int32_t unknownNumber = Kor::MessageApi::TQX_invalidMessage;
 
-/// A block and what it was decoded to.
+/// A block and its decoded record.
 struct DecodedBlock {
     Block block;
     const void* record;   ///< null when it did not decode
     int32_t consumed = 0; ///< bits, or the codec's negative code
 
-    /// Only of a block that decoded.
+    /// Only for a block that decoded.
     const Kor::MessageApi::TQX_MainHeader_s& getHeader() const
     {
         return *static_cast<const Kor::MessageApi::TQX_MainHeader_s*>(record);

@@ -14,14 +14,14 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-/// Whether the end of the path is what is wanted, from some sub-block on.
+/// Whether the wanted names match the end of the path, from some sub-block on.
 bool endsWith(std::string_view path, std::string_view wanted)
 {
     return path.size() > wanted.size() && path[path.size() - wanted.size() - 1] == '.' &&
            equalFields(path.substr(path.size() - wanted.size()), wanted);
 }
 
-/// What a name stands for in a type: the field of that name or, when there is none, all in its
+/// The fields that a name means in a type: the one of that name or, when there is none, all in its
 /// sub-blocks at any depth.
 std::vector<std::string> pathsIn(const TQX_TypeLayout& type, std::string_view wanted)
 {
@@ -99,7 +99,7 @@ bool FieldFilter::choose(const TQX_TypeLayout& type, std::string_view wanted)
     return !paths.empty();
 }
 
-/// Adds a field of the type that this filter is for, which exists.
+/// Adds an existing field of the type that this filter is for.
 void FieldFilter::add(const TQX_TypeLayout& type, std::string_view path)
 {
     m_isChoice = true;

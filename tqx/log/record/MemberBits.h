@@ -9,7 +9,7 @@
 namespace tqx
 {
 
-/// Reads the values of a number or character field out of the bits of its member. Immutable; the
+/// Extracts the values of a number or character field from the bits of its member. Immutable; the
 /// layout is needed during construction only.
 class MemberBits
 {
@@ -30,7 +30,7 @@ public:
     bool isCharacter() const { return m_memberType == Kor::MessageApi::TQX_MemberType::Char; }
     bool isSigned() const { return m_hasSign; }
 
-    /// Of an integer field, sign-extended when it is signed.
+    /// Value of an integer field, sign-extended when it is signed.
     uint64_t integer(uint64_t word) const
     {
         const uint64_t value = word >> m_shift & ~uint64_t{0} >> (64 - m_width);
@@ -40,7 +40,7 @@ public:
         return (value ^ sign) - sign;
     }
 
-    /// Of a floating-point field of 32 bits.
+    /// Value of a 32-bit floating-point field.
     static float single(uint64_t word)
     {
         const auto bits = static_cast<uint32_t>(word);
@@ -49,7 +49,7 @@ public:
         return value;
     }
 
-    /// Of any floating-point field.
+    /// Value of any floating-point field.
     double real(uint64_t word) const
     {
         if (isSingle())

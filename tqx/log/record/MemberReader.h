@@ -10,9 +10,8 @@
 namespace tqx
 {
 
-/// A member of a plan, made ready to be read from record after record: what that takes is kept
-/// together. Records are of the type that the plan is for. It needs the plan during construction
-/// only.
+/// A member of a plan, prepared for reading from many records of the type that the plan is for.
+/// Needs the plan during construction only.
 class MemberReader
 {
 public:
@@ -34,13 +33,13 @@ public:
         return !m_isOptional || TQX_isPresent(*m_type, *m_field, record);
     }
 
-    /// Whether all that a derived number is computed from is available. True for what is stored.
+    /// Whether all inputs of a derived number are available. True for stored numbers.
     bool isAvailable(const void* record) const
     {
         return !m_inputs || TQX_hasInputs(*m_inputs, record);
     }
 
-    /// The bits of a number, of the whole word where bit ranges are packed in it.
+    /// The bits of a number, or of the whole word where bit ranges are packed in one.
     uint64_t getWord(const void* record) const
     {
         return loadWord(static_cast<const char*>(record) + m_offset, m_size);
@@ -55,7 +54,7 @@ public:
         return TQX_elementCount(*m_type, *m_field, record);
     }
 
-    /// The first of the elements, and how far the next one is from it in bytes.
+    /// The first of the elements, and the distance between elements in bytes.
     const char* getElements(const void* record) const
     {
         return m_kind == RecordPlan::Kind::Blocks

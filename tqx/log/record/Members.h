@@ -21,7 +21,7 @@ inline bool isNumber(const Kor::MessageApi::TQX_FieldLayout& field)
 }
 
 /// Whether a field is a bit range of such a number. Bits of the elements of an array are kept in
-/// arrays of their own, and what sums up other bits in a member.
+/// arrays of their own, and summaries of other bits in a member.
 inline bool isPartOfNumber(const Kor::MessageApi::TQX_TypeLayout& type,
                            const Kor::MessageApi::TQX_FieldLayout& field)
 {
@@ -45,8 +45,8 @@ inline std::string_view textOf(const Kor::MessageApi::TQX_FieldLayout& field, co
             zero ? static_cast<size_t>(static_cast<const char*>(zero) - text) : field.elements};
 }
 
-/// Whether a field is the time that is carried on over the ends of weeks. It has no value of its
-/// own that means not available; all ones say that the block has no time.
+/// Whether a field is the time that continues across the ends of weeks. It has no code for "not
+/// available"; all ones mean that the block has no time.
 inline bool isContinuousTime(const Kor::MessageApi::TQX_FieldLayout& field)
 {
     return field.kind == Kor::MessageApi::TQX_FieldKind::Derived &&
@@ -55,7 +55,7 @@ inline bool isContinuousTime(const Kor::MessageApi::TQX_FieldLayout& field)
 }
 constexpr uint64_t noContinuousTime = Kor::MessageApi::TQX_noTOW;
 
-/// The bits of an element of so many bytes.
+/// The bits of an element of `size` bytes.
 inline uint64_t loadWord(const void* element, uint32_t size)
 {
     const auto as = [element](auto value) {

@@ -10,7 +10,7 @@
 namespace tqx
 {
 
-/// Decodes the blocks of a stream into records, one after the other. Used by one thread at a time.
+/// Decodes the blocks of a stream into records, one by one. Used by one thread at a time.
 ///
 ///     RecordDecoder decoder;
 ///     for (Block block; stream.next(block);)
@@ -19,18 +19,19 @@ namespace tqx
 class TQX_LOG_API RecordDecoder
 {
 public:
-    /// Of the types of the schema. Throws std::bad_alloc.
+    /// Decodes blocks of the schema's types. Throws std::bad_alloc.
     explicit RecordDecoder(const Schema& schema = {});
     RecordDecoder(RecordDecoder&& other) noexcept = default;
-    /// What this one held goes with `other`: its record needs its schema.
+    /// The old content moves to `other`: its record needs its schema.
     RecordDecoder& operator=(RecordDecoder&& other) noexcept;
 
-    /// Decodes a block in place of the one before. Returns the bits consumed or the codec's
-    /// negative code, after which there is no record. The block must stay for getDecoded() alone.
+    /// Decodes a block, replacing the one before. Returns the bits consumed, or the codec's
+    /// negative code, after which there is no record. The block's bytes must stay valid only for
+    /// getDecoded().
     int32_t decode(const Block& block);
 
-    /// The same for a block that does not follow the one before, as a stream or an index gives it,
-    /// with the context that these give for it.
+    /// The same for a block that does not follow the one before, with the context that its stream
+    /// or index gives for it.
     int32_t decode(const Block& block, const WeekContext& context);
 
     /// The record of the last block that decoded; belongs to the decoder.

@@ -14,7 +14,7 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-/// What nobody looks for, unless it is asked for by name.
+/// Header and padding fields, shown only on request.
 bool isFiller(const TQX_TypeLayout& type, const TQX_FieldLayout& field)
 {
     if (field.isPadding)
@@ -83,7 +83,7 @@ RecordPlan planRecord(const TQX_TypeLayout& type, const FieldFilter& filter, Sho
     RecordPlan plan;
     plan.type = &type;
     plan.isWhole = chosen.size() == type.fieldCount;
-    int lastRow = -1; // that the last member is about
+    int lastRow = -1; // of the last member
     for (const auto [row, inside] : chosen) {
         const TQX_FieldLayout& field = type.fields[row];
         if (isLeftOut(type, field, filter, shown))

@@ -12,8 +12,8 @@
 namespace tqx
 {
 
-/// What of the records of a type is shown, in the order of the filter: made once for a type, walked
-/// for each record.
+/// What to show of a type's records, in the order of the filter: made once per type, walked for
+/// each record.
 ///
 ///     const RecordPlan plan = planRecord(*schema.getType(type), FieldFilter(), ShownFields::All);
 ///     for (const RecordPlan::Member& member : plan.members)
@@ -28,41 +28,42 @@ struct RecordPlan {
         Blocks,   ///< an array of sub-blocks
     };
 
-    /// A number that a derived value is not available without.
+    /// A number without which a derived value is not available.
     struct Input {
         unsigned linksUp; ///< parent links from the record of the value to that of the number
         const Kor::MessageApi::TQX_FieldLayout* field;
         const Kor::MessageApi::TQX_FieldFacts* facts;
     };
 
-    /// A field with a value to be shown.
+    /// A field whose value is shown.
     struct Part {
         const Kor::MessageApi::TQX_FieldLayout* field;
         const Kor::MessageApi::TQX_FieldFacts* facts;
-        /// As findInputs() gives them.
+        /// As found by findInputs().
         std::vector<Input> inputs;
     };
 
-    /// A member of the record that is looked at once.
+    /// A member of the record, read once.
     struct Member {
-        /// Where it is. Of bit ranges of a number it is that number, shown or not; TQX_isPresent()
-        /// of it holds for its parts.
+        /// Where it is. For bit ranges this is their number, shown or not; TQX_isPresent() of it
+        /// holds for the parts.
         const Kor::MessageApi::TQX_FieldLayout* field;
         const Kor::MessageApi::TQX_FieldFacts* facts;
         Kind kind;
-        bool isOptional; ///< whether records may be without it
+        bool isOptional; ///< whether records may lack it
         uint32_t size;   ///< of an element in bytes; of sub-blocks that of their records
-        /// Of a number: it and its bit ranges, as far as they are shown. Of anything else: itself.
+        /// For a number: itself and its bit ranges, as far as they are shown. For anything else:
+        /// itself.
         std::vector<Part> parts;
         std::unique_ptr<RecordPlan> plan; ///< of the sub-blocks
     };
 
     const Kor::MessageApi::TQX_TypeLayout* type;
     std::vector<Member> members;
-    bool isWhole = true; ///< whether nothing that could be shown was left out by the filter
+    bool isWhole = true; ///< whether the filter left nothing out that could be shown
 };
 
-/// Which fields are worth showing, before a filter is asked.
+/// Which fields are worth showing, before a filter is applied.
 enum class ShownFields : uint8_t {
     All,
     OnWire,        ///< those with bytes of their own: no bit ranges, no derived values
@@ -71,16 +72,16 @@ enum class ShownFields : uint8_t {
     WithoutHeader, ///< no header, unless the filter names fields of it
 };
 
-/// The types of the records that one of a sub-block is in, from the main block on.
+/// The types of the records that enclose a sub-block, from the main block on.
 using OwnerTypes = std::vector<const Kor::MessageApi::TQX_TypeLayout*>;
 
-/// The plan of a type, sub-blocks included. A type of sub-blocks has owners. Layouts and facts live
-/// as long as the schema; the filter is needed during the call only.
+/// Makes the plan of a type, sub-blocks included. `owners` are those of a sub-block's type. Layouts
+/// and facts live as long as the schema; the filter is needed during the call only.
 TQX_LOG_API RecordPlan planRecord(const Kor::MessageApi::TQX_TypeLayout& type,
                                   const FieldFilter& filter, ShownFields shown,
                                   const OwnerTypes& owners = {});
 
-/// The numbers that a derived value is not available without; those of owners that are not given
+/// The numbers without which a derived value is not available; those in owners that are not given
 /// are left out.
 TQX_LOG_API std::vector<RecordPlan::Input> findInputs(const Kor::MessageApi::TQX_TypeLayout& type,
                                                       const Kor::MessageApi::TQX_FieldFacts& facts,

@@ -21,7 +21,7 @@ char lower(char c)
     return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
 }
 
-/// How many characters must be put in, left out or replaced to get from one name to the other.
+/// Edit distance: insertions, deletions and replacements of characters from one name to the other.
 size_t distance(std::string_view a, std::string_view b)
 {
     std::vector<size_t> row(b.size() + 1);

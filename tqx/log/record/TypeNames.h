@@ -12,10 +12,11 @@
 namespace tqx
 {
 
-/// The layout of the built type of that name, case ignored, or null. A Schema has this, too.
+/// The layout of the built-in type of that name, case ignored, or null. Schema has the same for all
+/// types.
 TQX_LOG_API const Kor::MessageApi::TQX_TypeLayout* findType(std::string_view name);
 
-/// Calls `visit` with the layout of every built record type, in ascending number.
+/// Calls `visit` with the layout of every built-in record type, by ascending number.
 TQX_LOG_API void
 forEachType(const std::function<void(const Kor::MessageApi::TQX_TypeLayout&)>& visit);
 
@@ -24,24 +25,24 @@ forEachType(const std::function<void(const Kor::MessageApi::TQX_TypeLayout&)>& v
 TQX_LOG_API void forEachField(const Kor::MessageApi::TQX_TypeLayout& type,
                               const std::function<void(const std::string&)>& visit);
 
-/// The candidate most like `name`, or "" when none is near enough to be what was meant, as for
-/// texts that are longer than names are.
+/// The candidate most like `name`, or "" when none is near enough to be what was meant; always for
+/// texts longer than any name.
 TQX_LOG_API std::string nearest(std::string_view name,
                                 const std::vector<std::string_view>& candidates);
 
 /// "there is no <kind> named X", with the nearest candidate as a suggestion. X is shortened and
-/// without control characters.
+/// stripped of control characters.
 TQX_LOG_API std::string unknownName(std::string_view kind, std::string_view name,
                                     const std::vector<std::string_view>& candidates);
 
-/// Text of a name that no type of the schema has, see unknownName().
+/// Error text for a name that no type of the schema has, see unknownName().
 TQX_LOG_API std::string unknownType(std::string_view name, const Schema& schema = {});
 
-/// Whether two names are equal but for the case of their letters.
+/// Whether two names are equal, ignoring case.
 TQX_LOG_API bool equalNames(std::string_view a, std::string_view b);
 
-/// Whether `written` is the name of a field, or a path of such names, but for case and for
-/// underscores that stand for blanks.
+/// Whether `written` is the name of a field or a path of such names, ignoring case, with
+/// underscores for blanks.
 TQX_LOG_API bool equalFields(std::string_view name, std::string_view written);
 
 } // namespace tqx

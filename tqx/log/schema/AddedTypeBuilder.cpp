@@ -31,7 +31,7 @@ bool isSubBlock(const Field& field)
     return field.kind == FieldKind::Blocks || field.kind == FieldKind::Embedded;
 }
 
-// The enumerations of the layout have the order of those of the model.
+// The enumerations of the layout and of the model have the same order.
 static_assert(static_cast<int>(TQX_FieldKind::Embedded) == static_cast<int>(FieldKind::Embedded));
 static_assert(static_cast<int>(TQX_FieldKind::Text) == static_cast<int>(FieldKind::Text));
 static_assert(static_cast<int>(TQX_MemberType::Char) == static_cast<int>(Scalar::Char));

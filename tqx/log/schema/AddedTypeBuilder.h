@@ -9,8 +9,8 @@
 namespace tqx
 {
 
-/// Layouts, facts and formulas of the types of an addition that was read without errors. What the
-/// decoder could not handle is reported; then the result is null.
+/// Makes the layouts, facts and formulas of the types of an addition that was read without errors.
+/// Reports what the decoder could not handle, and then returns null.
 std::shared_ptr<const AddedTypes> buildAddedTypes(const korcg::generator::Format& format,
                                                   korcg::generator::Errors& errors);
 

@@ -13,7 +13,7 @@
 namespace tqx
 {
 
-/// A type of a description with the memory that its layout refers to.
+/// A described type, with the memory that its layout refers to.
 struct AddedType {
     Kor::MessageApi::TQX_TypeLayout layout = {};
     Kor::MessageApi::TQX_DescribedType described = {};
@@ -24,7 +24,7 @@ struct AddedType {
     std::deque<std::vector<Kor::MessageApi::TQX_FieldInput>> inputs;
 };
 
-/// What descriptions added to the built types. Does not change once it is made.
+/// What descriptions added to the built-in types. Never changes once made.
 class AddedTypes
 {
 public:

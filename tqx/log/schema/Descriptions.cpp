@@ -19,7 +19,7 @@ using namespace korcg::generator;
 namespace
 {
 
-/// What descriptions may name of the built format.
+/// What descriptions may refer to in the built-in format.
 Format builtFormat()
 {
     Format format;

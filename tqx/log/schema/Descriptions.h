@@ -10,8 +10,8 @@
 namespace tqx
 {
 
-/// Reads descriptions, see Schema::read() and Schema::parse(). All that the library needs of the
-/// reader of descriptions is behind these two functions.
+/// Reads descriptions, see Schema::read() and Schema::parse(). The library uses the description
+/// reader only through these two functions.
 std::shared_ptr<const AddedTypes> readDescriptions(const std::vector<std::string>& paths);
 std::shared_ptr<const AddedTypes> parseDescriptions(const std::vector<DescriptionText>& texts);
 

@@ -69,7 +69,7 @@ private:
     Errors& m_errors;
 };
 
-/// Text has room for its terminating zero, a payload counted in bytes for an element that is begun.
+/// Text has room for its terminating zero, a payload counted in bytes for a partial element.
 uint64_t Shaper::elementsOf(const RecordType& type, const Field& field)
 {
     const Field& array = field.kind == FieldKind::Bits && field.parent >= 0
@@ -95,7 +95,7 @@ uint64_t Shaper::placeField(const RecordType& type, size_t row, TQX_FieldLayout&
     return place(size, size * elementsOf(type, type.fields[row]));
 }
 
-/// What an entry of the type has on the wire in every block.
+/// The least bytes of an entry of the type on the wire.
 uint32_t Shaper::leastBytes(const RecordType& type, const AddedType& made) const
 {
     uint32_t bytes = 0;

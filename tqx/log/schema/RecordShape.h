@@ -7,9 +7,9 @@
 namespace tqx
 {
 
-/// Places the members of all records, says how large these are and how few bytes an entry takes.
-/// Records larger than is useful, and entries that may take no byte, are errors: a block of a few
-/// bytes must not ask for gigabytes.
+/// Lays out the members of all records, and computes the sizes of records and the least bytes of an
+/// entry. Records larger than is useful, and entries that may take no byte, are errors: a block of
+/// a few bytes must not demand gigabytes.
 void shapeRecords(const korcg::generator::Format& format, AddedTypes& types,
                   korcg::generator::Errors& errors);
 

@@ -21,30 +21,30 @@ struct DescriptionText {
     std::string text; ///< YAML, UTF-8
 };
 
-/// The record types by which blocks are read and written: those that are built in, and those of
-/// descriptions that were read at run time.
+/// The record types with which blocks are read and written: the built-in ones, and those of
+/// descriptions read at run time.
 ///
 ///     const tqx::Schema schema = tqx::Schema::read({"more.yaml"});
 ///     tqx::RecordDecoder decoder(schema);
 ///
 /// A value: copies share what was read, which never changes, and layouts live as long as one of the
-/// copies. Whatever takes a schema keeps one. Two schemas know nothing of each other: a number of a
-/// record type or a code means something in its own schema only. May be used from several threads.
+/// copies. Whatever takes a schema keeps a copy. Two schemas are independent: a record type or a
+/// code has a meaning in its own schema only. May be used from several threads.
 class TQX_LOG_API Schema
 {
 public:
-    /// The built types alone.
+    /// The built-in types only.
     Schema() = default;
 
-    /// The built types and those of descriptions. A path is that of a file, or of a folder whose
-    /// *.yaml files are read. Descriptions may name units, formulas and symbol tables of the
-    /// format. Throws DataError, with a line "<file>:<line>: <message>" for each error.
+    /// The built-in types and those of descriptions. A path names a file, or a folder whose *.yaml
+    /// files are read. Descriptions may name units, formulas and symbol tables of the format.
+    /// Throws DataError, with a line "<file>:<line>: <message>" for each error.
     static Schema read(const std::vector<std::string>& paths);
 
-    /// Likewise, of texts in memory.
+    /// Likewise, from texts in memory.
     static Schema parse(const std::vector<DescriptionText>& texts);
 
-    /// Whether there are other types than the built ones.
+    /// Whether there are other types than the built-in ones.
     bool hasAddedTypes() const { return m_added != nullptr; }
 
     /// Layout of a record type, or null.
@@ -62,13 +62,13 @@ public:
                                            : getAddedBlockType(blockNumber);
     }
 
-    /// Layout of the main block with that number, if it is not a built one, else null.
+    /// Layout of the main block with that number, if it is not built in, else null.
     const Kor::MessageApi::TQX_TypeLayout* getAddedBlockType(uint16_t blockNumber) const;
 
     /// Layout of the type of that name, case ignored, or null.
     const Kor::MessageApi::TQX_TypeLayout* findType(std::string_view name) const;
 
-    /// Calls `visit` with every layout, in ascending record type.
+    /// Calls `visit` with every layout, by ascending record type.
     void
     forEachType(const std::function<void(const Kor::MessageApi::TQX_TypeLayout&)>& visit) const;
 

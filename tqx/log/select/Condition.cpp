@@ -178,7 +178,7 @@ Condition::Places Condition::resolveScope(size_t index, const Places& places)
     }
     if (inner.list.empty()) {
         m_expression.fail(scope.path.back().position,
-                          inner.owner + " holds no sub-blocks; any asks for elements of those");
+                          inner.owner + " holds no sub-blocks, which any requires");
     }
     return inner;
 }

@@ -13,25 +13,25 @@
 namespace tqx
 {
 
-/// An expression whose names are resolved: what messages it holds for.
+/// An expression with its names resolved: decides for which messages it holds.
 ///
-/// A field stands for the values that the message has of it: one, or all elements of an array and
-/// of all sub-blocks. A comparison holds when it holds for at least one that is available, in the
-/// unit and with the names that the description gives; so it does not hold for messages without the
-/// field. `has` asks whether there is an available value. `any` holds when all that it asks holds
-/// for the same element of a field of sub-blocks.
+/// A field means all its values in the message: one, or all elements of an array and of all
+/// sub-blocks. A comparison holds when it holds for at least one available value, in the unit and
+/// with the names of the description; so it never holds for messages without the field. `has` tests
+/// for an available value. `any` holds when its whole condition holds for one and the same element
+/// of a field of sub-blocks.
 ///
-/// Immutable once made: any number of threads may ask the same one.
+/// Immutable once made: any number of threads may use the same one.
 class TQX_LOG_API Condition
 {
 public:
     /// Resolves names among the main types that `types` accepts. Throws DataError for an
-    /// expression that cannot be read, names that do not exist, and comparisons that a field does
+    /// expression that cannot be parsed, names that do not exist, and comparisons that a field does
     /// not have.
     Condition(const std::string& text, const TypeSelection& types);
 
-    /// Whether any of the fields belongs to that type. If not, accepts() says the same for all its
-    /// blocks, and for null.
+    /// Whether any of the fields belongs to that type. If not, accepts() returns the same for all
+    /// its blocks, and for null.
     bool reads(uint16_t blockNumber) const { return m_readTypes[blockNumber]; }
 
     /// Whether the condition holds for the record of a main block. Null stands for a block that has
@@ -41,7 +41,7 @@ public:
 private:
     struct Branch;
 
-    /// What the terms come down to for one type, and what the scopes lead to.
+    /// The terms resolved for one type, and where the scopes lead.
     struct Tests {
         explicit Tests(const Expression& all);
         explicit Tests(const ExpressionScope& scope);
@@ -58,7 +58,7 @@ private:
         std::vector<std::vector<Branch>> branches;
     };
 
-    /// A field of sub-blocks and what is asked of their elements.
+    /// A field of sub-blocks and the tests of its elements.
     struct Branch {
         std::vector<FieldOfType> fields; ///< that lead to it, and itself
         Tests tests;

@@ -22,8 +22,8 @@ inline uint32_t countOf(const FieldOfType& field, const void* record)
                : 1;
 }
 
-/// Whether `test` holds for the record of at least one of the sub-blocks to which `fields` lead
-/// from `record` on; these are fields of sub-blocks, the first of them of the record's own type.
+/// Whether `test` holds for at least one of the sub-block records that `fields` lead to from
+/// `record`; the first of these sub-block fields belongs to the record's own type.
 template<typename Test>
 bool anyElement(const std::vector<FieldOfType>& fields, const void* record, const Test& test,
                 size_t first = 0)

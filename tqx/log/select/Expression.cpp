@@ -69,7 +69,7 @@ void Expression::fail(size_t position, const std::string& why) const
     };
     size_t begin = position - std::min(position, most);
     size_t end = std::min(m_source.size(), position + most);
-    // Not within a character.
+    // Not inside a character.
     while (begin != 0 && isWithin(begin))
         ++begin;
     while (isWithin(end))
@@ -99,7 +99,7 @@ public:
         readOr();
         skipBlanks();
         if (m_at != m_text.size())
-            fail("and, or, or the end is expected here");
+            fail("expected and, or, or the end here");
     }
 
 private:
@@ -192,7 +192,7 @@ size_t ExpressionParser::readTest()
     } else if (skip("(")) {
         node = readOr();
         if (!skip(")"))
-            fail("a closing parenthesis is expected here");
+            fail("expected a closing parenthesis here");
     } else if (skipWord("any")) {
         node = readAny();
     } else {
@@ -209,10 +209,10 @@ size_t ExpressionParser::readAny()
     const size_t index = m_result.m_allScopes.size();
     m_result.m_allScopes.push_back({readPath(), m_result.m_allTerms.size(), 0, index + 1, 0});
     if (!skip(":"))
-        fail("a colon is expected here, then what is asked of the same element");
+        fail("expected a colon here, then a condition on the same element");
     const size_t node = readOr();
     if (!skip(")"))
-        fail("a closing parenthesis is expected here");
+        fail("expected a closing parenthesis here");
     ExpressionScope& scope = m_result.m_allScopes[index];
     scope.endTerm = m_result.m_allTerms.size();
     scope.endScope = m_result.m_allScopes.size();
@@ -239,7 +239,7 @@ std::vector<ExpressionWord> ExpressionParser::readPath()
     for (;;) {
         const std::string_view name = peekName();
         if (name.empty())
-            fail("the name of a field is expected here");
+            fail("expected the name of a field here");
         path.push_back({std::string(name), m_at});
         m_at += name.size();
         if (m_at == m_text.size() || m_text[m_at] != '.')
@@ -263,7 +263,7 @@ Comparison ExpressionParser::readComparison()
         return Comparison::Like;
     if (m_text.substr(m_at, 1) == "=")
         fail("equality is written ==, the others are != < <= > >= like");
-    fail("a comparison is expected here: == != < <= > >= like");
+    fail("expected a comparison here: == != < <= > >= like");
 }
 
 void ExpressionParser::readValue(ExpressionTerm& term)

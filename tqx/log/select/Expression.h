@@ -11,7 +11,7 @@
 namespace tqx
 {
 
-/// A name or value and where it is in the text of an expression.
+/// A name or value and its place in the text of an expression.
 struct ExpressionWord {
     std::string text;
     size_t position;
@@ -28,7 +28,7 @@ struct ExpressionTerm {
     Number number;        ///< for values without quotes
 };
 
-/// What `any` asks of the elements of a field. Terms and further ones within have consecutive
+/// The condition of `any` on the elements of a field. Terms, and scopes within it, have consecutive
 /// numbers.
 struct ExpressionScope {
     std::vector<ExpressionWord> path; ///< of the field, never empty
@@ -38,7 +38,7 @@ struct ExpressionScope {
     size_t endScope = 0;
 };
 
-/// A condition on the fields of messages, read into a tree. The grammar, loosest binding first:
+/// A condition on the fields of messages, parsed into a tree. The grammar, loosest binding first:
 ///
 ///     condition = both { "or" both }
 ///     both      = test { "and" test }
@@ -48,7 +48,7 @@ struct ExpressionScope {
 ///     op        = "==" | "!=" | "<" | "<=" | ">" | ">="
 ///     value     = number | 0x number | 'name' | "name"
 ///
-/// What the names mean is not looked at here. Immutable once made.
+/// Names are not resolved here. Immutable once made.
 class TQX_LOG_API Expression
 {
 public:
@@ -61,12 +61,12 @@ public:
         size_t right;
     };
 
-    /// Throws DataError for a text that is no expression, see fail(). `option` is what it was
-    /// given as, named in errors; it must outlive this.
+    /// Throws DataError for a text that is not an expression, see fail(). `option` is the option
+    /// that it was given with, named in errors; it must outlive this object.
     explicit Expression(std::string text, const char* option = "--where");
 
-    /// Terms and scopes are in the order of the text, nodes after those that they have as children,
-    /// the root last. They live as long as the expression.
+    /// Terms and scopes are in the order of the text; nodes follow their children, the root is
+    /// last. They live as long as the expression.
     const std::vector<ExpressionTerm>& terms() const { return m_allTerms; }
     const std::vector<ExpressionScope>& scopes() const { return m_allScopes; }
     const Node& node(size_t index) const { return m_nodes[index]; }

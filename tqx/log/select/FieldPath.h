@@ -27,15 +27,15 @@ struct FieldPath {
     FieldOfType field;
 };
 
-/// How far names could be followed; what an error says about names that lead nowhere.
+/// How far names could be followed, for error messages.
 struct UnknownField {
     size_t depth = 0;                      ///< the name that is not known
-    std::set<std::string_view> candidates; ///< what it could have been
+    std::set<std::string_view> candidates; ///< what was probably meant
 };
 
 /// The fields of a type that names lead to, from `first` on: a field of the type itself or, when it
 /// has none of that name, all in its sub-blocks at any depth. Blanks in the name of a field are
-/// written as underscores. When there is none, `unknown` is brought up to date.
+/// written as underscores. When there is none, `unknown` is updated.
 TQX_LOG_API std::vector<FieldPath> findFields(const Kor::MessageApi::TQX_TypeLayout& type,
                                               const std::vector<ExpressionWord>& names,
                                               size_t first, UnknownField& unknown);

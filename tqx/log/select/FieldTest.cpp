@@ -77,7 +77,7 @@ std::optional<FieldTest> FieldTest::make(const FieldPath& path, const Expression
         return test;
     std::string problem;
     if (path.field.layout->recordType != 0) {
-        problem = "holds sub-blocks; compare a field inside, or ask whether it is there with has";
+        problem = "holds sub-blocks; compare a field inside, or test for it with has";
     } else {
         problem = term.isName ? test.prepareName(term.value.text) : test.prepareNumber(term.number);
     }
@@ -125,7 +125,7 @@ std::string FieldTest::prepareNumber(const Number& value)
         return "is a text; compare it with one in quotes";
     m_subject = Subject::Number;
     m_number = value;
-    if (m_facts->scale != 0) {
+    if (TQX_scale(*m_facts) != 0) {
         m_scale.emplace(TQX_scale(*m_facts));
         // A number that a float shows as 0.1 is meant to equal 0.1.
     } else if (m_path.field.layout->type == TQX_MemberType::F32) {

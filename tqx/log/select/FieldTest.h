@@ -12,17 +12,17 @@
 namespace tqx
 {
 
-/// One term of an expression, made ready for one field. Immutable: any number of threads may ask
-/// the same one.
+/// One term of an expression, prepared for one field. Immutable: any number of threads may use the
+/// same one.
 class TQX_LOG_API FieldTest
 {
 public:
-    /// Nothing, and `why` filled, when the field has no such comparison.
+    /// Nothing, with the reason in `why`, when the field has no such comparison.
     static std::optional<FieldTest> make(const FieldPath& path, const ExpressionTerm& term,
                                          std::string& why);
 
-    /// Whether at least one available value that a record of the type that the path begins in has
-    /// of the field passes.
+    /// Whether at least one available value of the field passes, in a record of the type that the
+    /// path begins in.
     bool passes(const void* record) const;
 
 private:

@@ -13,7 +13,7 @@ bool isPattern(std::string_view name)
 namespace
 {
 
-/// Whether a byte goes on with a character of UTF-8.
+/// Whether a byte continues a UTF-8 character.
 bool isWithin(char byte)
 {
     return (static_cast<unsigned char>(byte) & 0xc0U) == 0x80;

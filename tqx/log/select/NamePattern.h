@@ -7,11 +7,11 @@
 namespace tqx
 {
 
-/// Whether a name holds characters that stand for others: * or ?.
+/// Whether a name contains wildcards: * or ?.
 TQX_LOG_API bool isPattern(std::string_view name);
 
-/// Whether a name is what the pattern says, case ignored: * is any run of characters, ? any one,
-/// in UTF-8.
+/// Whether a name matches the pattern, case ignored: * matches any run of characters, ? any single
+/// one, in UTF-8.
 TQX_LOG_API bool matchesPattern(std::string_view name, std::string_view pattern);
 
 } // namespace tqx

@@ -14,7 +14,7 @@ int order(Value a, Value b)
     return (a > b) - (a < b);
 }
 
-/// Exact, where a conversion of the integer to double might round.
+/// Exact, whereas converting the integer to double might round.
 int compareUnsigned(uint64_t a, double b)
 {
     if (b >= 0x1p64)

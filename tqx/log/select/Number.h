@@ -8,7 +8,7 @@ namespace tqx
 {
 
 /// A number of a block or of a condition: an integer of either sign up to 64 bits, or a double.
-/// Numbers compare by what they are worth, exactly, whatever their kinds.
+/// Numbers compare by exact value, whatever their kinds.
 class TQX_LOG_API Number
 {
 public:
@@ -22,7 +22,7 @@ public:
 
     bool isNaN() const;
 
-    /// Rounded to the nearest double where that cannot hold it.
+    /// Rounded to the nearest double where it is not exact.
     double toDouble() const;
 
     /// Below 0, 0 or above 0 as this number is less than, equals or is more than the other; neither

@@ -84,7 +84,7 @@ RowCondition::RowCondition(const std::string& text, const TypeSelection& types)
 {
     if (!m_expression.scopes().empty()) {
         m_expression.fail(m_expression.scopes().front().path.front().position,
-                          "any is for blocks; a row has one element of each array");
+                          "any is only for blocks; a row has one element of each array");
     }
     std::vector<Term> terms(m_expression.terms().size());
     types.getSchema().forEachType([&](const TQX_TypeLayout& type) {

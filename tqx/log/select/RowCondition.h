@@ -21,10 +21,10 @@ namespace tqx
 ///
 /// A name is that of a field of the record or else of one that the record is in, the nearest first;
 /// "Type1.SVID" is SVID of the element of Type1 that the record is or is in, and the name of the
-/// block may come before all. Comparisons are those of Condition: with a field that there is not,
-/// or that is not available, they are false. There is no any: a row has one element of each array.
+/// block may come before all. Comparisons are those of Condition: false for a field that is absent
+/// or not available. There is no `any`: a row has one element of each array.
 ///
-/// Immutable once made: any number of threads may ask the same one.
+/// Immutable once made: any number of threads may use the same one.
 class TQX_LOG_API RowCondition
 {
 public:
@@ -32,7 +32,7 @@ public:
     /// main block itself.
     using Path = std::vector<const Kor::MessageApi::TQX_FieldLayout*>;
 
-    /// What the condition comes down to for one table.
+    /// The condition resolved for one table.
     class Tests;
 
     /// Resolves names among the main types that `types` accepts. Throws DataError for an
@@ -43,8 +43,8 @@ public:
     RowCondition(const RowCondition&) = delete;
     RowCondition& operator=(const RowCondition&) = delete;
 
-    /// The tests for a table of a main type, null when that is not selected. They live as long as
-    /// the condition.
+    /// The tests for a table of a main type, null when the type is not selected. They live as long
+    /// as the condition.
     const Tests* find(const Kor::MessageApi::TQX_TypeLayout& type, const Path& path) const;
 
     /// Whether the condition holds for a record of the table, whose parent links are set.

@@ -29,7 +29,7 @@ GnssMillis intervalOf(double seconds)
     if (!(millis > 0 && millis <= static_cast<double>(millisPerWeek)) ||
         std::fabs(millis - std::round(millis)) > 1e-9 * millis || std::round(millis) < 1) {
         throw DataError(fmt::format(
-            "--interval: '{}' is no whole number of milliseconds up to a week", seconds));
+            "--interval: '{}' is not a whole number of milliseconds up to a week", seconds));
     }
     return static_cast<GnssMillis>(std::llround(millis));
 }

@@ -15,7 +15,7 @@
 namespace tqx
 {
 
-/// What is asked of blocks; see SelectionOptions for what the texts are.
+/// What to select; see SelectionOptions for the texts.
 struct SelectionRequest {
     std::vector<std::string> types;
     std::vector<std::string> notTypes;
@@ -27,35 +27,34 @@ struct SelectionRequest {
     Schema schema = {};  ///< whose types and fields are named
 };
 
-/// Which blocks of a stream a command looks at. Looks at them in stream order, and runs on over the
-/// inputs as if they were one. Used by one thread at a time.
+/// Decides which blocks of a stream a command processes. Blocks are tested in stream order; several
+/// inputs count as one stream. Used by one thread at a time.
 class TQX_LOG_API Selection
 {
 public:
-    /// Throws DataError for anything in the request that makes no sense.
+    /// Throws DataError for an invalid request.
     explicit Selection(const SelectionRequest& request);
 
-    /// The types alone, without times and conditions.
+    /// The types only, without times and conditions.
     const TypeSelection& getTypes() const { return m_types; }
 
-    /// Whether the block is selected. One that must be decoded to know and does not decode is
-    /// reported to the stream and not selected. Throws std::bad_alloc when there is no memory to
-    /// decode it.
+    /// Whether the block is selected. A block that has to be decoded for this, and does not decode,
+    /// is reported to the stream and not selected. Throws std::bad_alloc.
     bool accepts(BlockStream& stream, const Block& block);
 
-    /// The same for a block that is known to be of the types and in the time, as an index finds it.
-    /// Not for a selection with an interval, and not beside accepts().
+    /// The same for a block whose type and time are known to be selected, as an index finds it. Not
+    /// for a selection with an interval, and not to be mixed with accepts().
     bool acceptsFound(BlockStream& stream, const Block& block);
 
-    /// The times between which blocks are selected, nothing for no limit.
+    /// The times between which blocks are selected; nothing means no limit.
     const std::optional<GnssMillis>& getFrom() const { return m_from; }
     const std::optional<GnssMillis>& getTo() const { return m_to; }
 
-    /// Whether only blocks at multiples of some time are selected.
+    /// Whether only blocks at multiples of an interval are selected.
     bool hasInterval() const { return m_interval != 1; }
 
-    /// Whether what follows the last block, and has no time of its own, is at a time that is
-    /// wanted.
+    /// Whether data without a time of its own that follows the last block is within the selected
+    /// times.
     bool isInTime() const;
 
 private:

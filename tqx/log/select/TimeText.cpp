@@ -21,7 +21,7 @@ namespace
 constexpr uint64_t secondsPerDay = 86400;
 constexpr uint64_t highestWeek = 65534;
 
-/// What is left to read of a text.
+/// The rest of a text to parse.
 class Reader
 {
 public:
@@ -137,7 +137,7 @@ bool hasTimeOfDay(std::string_view rest)
 GnssMillis parseTime(const std::string& option, const std::string& text)
 {
     constexpr const char* noTime =
-        "is no time; write week:seconds, or a date from 1980-01-06 on such as "
+        "is not a time; write week:seconds, or a date from 1980-01-06 on such as "
         "2026-01-06T11:59:42Z or '2026-01-06T12:00:00 GPS'";
     if (const auto time = readWeek(Reader(text)))
         return *time;

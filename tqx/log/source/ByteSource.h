@@ -24,21 +24,20 @@ public:
     virtual ~ByteSource();
 
     /// Writes up to `capacity` bytes to `bytes` and returns how many, 0 only at the end. Returns
-    /// what is at hand rather than waiting for more. Throws SourceError; nothing was read then.
+    /// what is available rather than waiting for more. Throws SourceError; nothing was read then.
     virtual size_t read(uint8_t* bytes, size_t capacity) = 0;
 
-    /// Passes over `count` bytes, or as many as there are, and returns how many. Throws
-    /// SourceError.
+    /// Skips `count` bytes, or as many as there are, and returns how many. Throws SourceError.
     virtual uint64_t skip(uint64_t count);
 
-    /// Whether a read would return within `patience`: with bytes or at the end. True for sources
+    /// Whether a read would return within `patience`, with bytes or at the end. True for sources
     /// that never wait.
     virtual bool isReady(std::chrono::milliseconds patience);
 
-    /// Where the byte at `offset` of the source is found. Only for bytes that were read.
+    /// The file and offset of the byte at `offset` of the source. Only for bytes that were read.
     virtual Place placeOf(uint64_t offset) const = 0;
 
-    /// Whether the end was declared before the data ended, so that a block cut off by it is no
+    /// Whether the end was requested before the data ended, so that a block cut off by it is not
     /// damage.
     virtual bool isInterrupted() const { return false; }
 

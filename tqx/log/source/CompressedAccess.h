@@ -13,15 +13,15 @@
 namespace tqx
 {
 
-/// The content of a compressed file, read anywhere: from the access point before what is asked for,
-/// or from the start if there is none. Reading on where the last read ended costs least. Threads
-/// may read at the same time, but wait for each other.
+/// The content of a compressed file, with random access: decompression starts from the access point
+/// before the requested offset, or from the start if there is none. Continuing where the last read
+/// ended is cheapest. Several threads may read, but wait for each other.
 class TQX_LOG_API CompressedAccess : public RandomAccess
 {
 public:
-    /// `packed` is not owned and must outlive the object. `points` ascend; `contentSize` is what
-    /// reading all of the content gives. Points from outside may be wrong: what is read then is
-    /// wrong or fails. Throws DataError when there is no memory to decompress with.
+    /// `packed` is not owned and must outlive the object. `points` ascend; `contentSize` is the
+    /// size of the whole content. Wrong points make reads fail or return wrong bytes. Throws
+    /// DataError when there is no memory to decompress with.
     CompressedAccess(const RandomAccess& packed, Compression compression,
                      std::vector<AccessPoint> points, uint64_t contentSize);
 

@@ -68,7 +68,7 @@ size_t CompressedSource::read(uint8_t* bytes, size_t capacity)
         if (m_last == Outcome::Damaged) {
             m_failure = fmt::format("the {} stream is damaged", m_decompressor->getFormat());
         } else if (m_last == Outcome::Exhausted) {
-            m_failure = fmt::format("bytes that are no {} stream follow its end",
+            m_failure = fmt::format("its end is followed by bytes that are not a {} stream",
                                     m_decompressor->getFormat());
         } else if (m_accessPoints != nullptr) {
             notePoint();

@@ -14,22 +14,22 @@ namespace tqx
 {
 
 /// The content of a gzip or Zstandard source, in constant memory. Offsets are those of the content.
-/// What can be decompressed comes out before damage or a missing end is reported, with its offset
-/// in the compressed file; from then on every read reports it again.
+/// Everything that can be decompressed is returned before damage or a missing end is reported, with
+/// its offset in the compressed file; after that every read reports it again.
 class TQX_LOG_API CompressedSource : public ByteSource
 {
 public:
-    /// Content between two access points, at least.
+    /// Least content between two access points.
     static constexpr uint64_t pointDistance = 4 << 20;
 
-    /// Takes over the compressed bytes, which are read as content is asked for. `compression` is
-    /// not None. `points`, if given, is not owned and receives the access points that are come
-    /// across. Throws DataError when there is no memory to decompress with.
+    /// Takes over the compressed bytes, which are read as content is requested. `compression` is
+    /// not None. `points`, if given, is not owned and receives the access points found on the way.
+    /// Throws DataError when there is no memory to decompress with.
     CompressedSource(std::unique_ptr<ByteSource> compressed, Compression compression,
                      std::vector<AccessPoint>* points = nullptr);
 
     size_t read(uint8_t* bytes, size_t capacity) override;
-    /// Whether there are compressed bytes; content may still need more of them.
+    /// Whether there are compressed bytes; the next content may need more of them.
     bool isReady(std::chrono::milliseconds patience) override
     {
         return m_begin != m_end || m_wasFull || m_packed->isReady(patience);

@@ -15,21 +15,20 @@ namespace tqx
 struct AccessPoint {
     uint64_t packed = 0;         ///< offset in the compressed file of the first byte that is needed
     uint64_t content = 0;        ///< offset in the content of what comes first
-    uint8_t bits = 0;            ///< bits of the byte before that are needed too, 0 to 7
-    std::vector<uint8_t> window; ///< content before it that is referred to, as a zlib stream
+    uint8_t bits = 0;            ///< bits of the preceding byte that are needed too, 0 to 7
+    std::vector<uint8_t> window; ///< preceding content that is referred to, as a zlib stream
 };
 
-/// The forms of compression that are understood.
+/// The supported forms of compression.
 enum class Compression : uint8_t { None = 0, Gzip = 1, Zstd = 2 };
 
-/// What a file is that begins with these bytes; decides by 4 of them or by all.
+/// The compression of a file that begins with these bytes; looks at 4 of them, or all if fewer.
 TQX_LOG_API Compression compressionOf(const uint8_t* bytes, size_t count);
 
-/// Whether a file that begins with these bytes may turn out to be compressed when more are known.
+/// Whether a file that begins with these bytes may turn out to be compressed once more are known.
 TQX_LOG_API bool mayBeCompressed(const uint8_t* bytes, size_t count);
 
-/// Decompresses a stream step by step, in constant memory. Several streams that follow each other
-/// are one.
+/// Decompresses a stream step by step, in constant memory. Concatenated streams count as one.
 class TQX_LOG_API Decompressor
 {
 public:
@@ -43,7 +42,7 @@ public:
     /// For messages: "gzip".
     virtual const char* getFormat() const = 0;
 
-    /// What there is to decompress and room for what comes of it. A step moves the starts forward.
+    /// Bytes to decompress, and room for the result. A step moves both starts forward.
     struct Step {
         const uint8_t* input;
         size_t inputSize;
@@ -53,24 +52,24 @@ public:
 
     enum class Outcome {
         Going,     ///< more input or more room is needed
-        Complete,  ///< all input so far is decompressed and the content may end here
-        Damaged,   ///< the input is none of the format
-        Exhausted, ///< the content has ended and what follows belongs to nothing
+        Complete,  ///< all input so far is decompressed, and the content may end here
+        Damaged,   ///< the input is not in the format
+        Exhausted, ///< the content has ended, and something else follows
     };
 
-    /// Decompresses until input or room are used up, or a place is reached that may be an access
-    /// point, if these are wanted.
+    /// Decompresses until input or room are used up, or, if wanted, until a place that may be an
+    /// access point.
     virtual Outcome decompress(Step& step) = 0;
 
-    /// Makes decompress() stop where an access point may be.
+    /// Makes decompress() stop at possible access points.
     void setStopsAtPoints() { m_stopsAtPoints = true; }
 
-    /// Whether the place reached is an access point; then `point` receives bits and window, for
-    /// which there must be memory.
+    /// Whether the place reached is an access point; `point` then receives its bits and window.
+    /// Throws std::bad_alloc.
     virtual bool getPoint(AccessPoint& point) const = 0;
 
-    /// Goes on at a point. `byteBefore` is the byte before AccessPoint::packed, if bits of it are
-    /// needed. False when the point is none.
+    /// Continues at a point. `byteBefore` is the byte before AccessPoint::packed, if bits of it are
+    /// needed. False for an invalid point.
     virtual bool restart(const AccessPoint& point, uint8_t byteBefore) = 0;
 
 protected:

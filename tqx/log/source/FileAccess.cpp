@@ -9,8 +9,8 @@
 #include <cstring>
 #include <system_error>
 
-// The one place of the library that asks the system directly: reads at an offset that threads share
-// and files mapped into memory. Everywhere else it goes by the C library.
+// The only place where the library calls the system directly: for reads at an offset by several
+// threads and for files mapped into memory. Everything else uses the C library.
 #if defined(__unix__) || defined(__APPLE__)
 #define TQX_POSIX_FILES 1
 #include <fcntl.h>
@@ -128,7 +128,7 @@ public:
 
     int64_t read(uint64_t offset, uint8_t* bytes, size_t count)
     {
-        // fseek takes a long, which some systems give 32 bits.
+        // fseek takes a long, which has 32 bits on some systems.
         constexpr uint64_t farthest = 1 << 30;
         const std::lock_guard<std::mutex> lock(m_mutex);
         std::rewind(m_stream);
@@ -171,9 +171,8 @@ size_t FileAccess::readAt(uint64_t offset, uint8_t* bytes, size_t count) const
     for (size_t done = 0; done < wanted;) {
         const int64_t got = m_file->read(offset + done, bytes + done, wanted - done);
         if (got <= 0) {
-            throw SourceError(
-                fmt::format("{}: {}: {}", m_name, offset + done,
-                            got < 0 ? errorText(errno) : "the file has become shorter"));
+            throw SourceError(fmt::format("{}: {}: {}", m_name, offset + done,
+                                          got < 0 ? errorText(errno) : "the file has shrunk"));
         }
         done += static_cast<size_t>(got);
     }

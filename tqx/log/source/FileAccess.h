@@ -9,7 +9,7 @@
 namespace tqx
 {
 
-/// A regular file that is read anywhere, of the size that it has when it is opened.
+/// A regular file with random access, of the size that it has when opened.
 ///
 ///     FileAccess log("day.tqx");
 ///     const Index index = Index::build(log);
@@ -19,10 +19,10 @@ class TQX_LOG_API FileAccess : public RandomAccess
 {
 public:
     enum class Mapping {
-        /// Into memory where the system can do that, which reads fastest. A mapped file that
-        /// somebody truncates ends the process when the missing part is touched.
+        /// Maps the file into memory where the system can; the fastest way to read. If somebody
+        /// truncates a mapped file, touching the missing part ends the process.
         IfPossible,
-        /// Every read asks the system: the way for files that others write.
+        /// Every read asks the system: for files that others are writing.
         Never,
     };
 

@@ -16,15 +16,15 @@ public:
     /// Opens `path`. Throws SourceError "<path>: <reason>".
     explicit FileSource(const std::string& path);
 
-    /// Reads on in a stream that is open already, such as stdin, which stays the caller's and must
-    /// outlive the source. `label` is what messages call it.
+    /// Continues reading a stream that is already open, such as stdin. It remains the caller's and
+    /// must outlive the source. `label` names it in messages.
     FileSource(std::FILE* opened, std::string label);
 
     ~FileSource() override;
     FileSource(const FileSource&) = delete;
     FileSource& operator=(const FileSource&) = delete;
 
-    /// Waits until there are `capacity` bytes or no more.
+    /// Waits for `capacity` bytes or the end.
     size_t read(uint8_t* bytes, size_t capacity) override;
     uint64_t skip(uint64_t count) override;
     Place placeOf(uint64_t offset) const override { return {m_name, offset}; }

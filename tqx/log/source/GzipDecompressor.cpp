@@ -23,8 +23,8 @@ constexpr size_t longestWindow = size_t{1} << MAX_WBITS;
 struct GzipDecompressor::State {
     z_stream stream = {};
     bool isBetween = false; ///< a member has ended and nothing of another one has come
-    bool isPadding = false; ///< zeros have come after the last member
-    bool isPartial = false; ///< of the member at hand only the end is seen, without its header
+    bool isPadding = false; ///< zeros follow the last member
+    bool isPartial = false; ///< only the end of the current member is seen, without its header
     size_t trailerLeft = 0; ///< bytes of such a member's trailer that are still to come
     bool isAtBlock = false; ///< a block of a member has ended and another one follows
 };
@@ -59,7 +59,7 @@ Decompressor::Outcome GzipDecompressor::decompress(Step& step)
     return Outcome::Complete;
 }
 
-/// True when a byte between members was passed, false when a member begins or none can.
+/// True when a byte between members was skipped, false when a member begins or none can.
 bool GzipDecompressor::beginMember(Step& step, Outcome& outcome)
 {
     const bool isPassed = m_state->trailerLeft != 0 || *step.input == 0;
@@ -86,7 +86,7 @@ bool GzipDecompressor::beginMember(Step& step, Outcome& outcome)
 /// Complete at the end of a member.
 Decompressor::Outcome GzipDecompressor::decompressMember(Step& step)
 {
-    constexpr size_t most = 1 << 30; // what zlib counts with has 32 bits
+    constexpr size_t most = 1 << 30; // zlib counts with 32 bits
     z_stream& stream = m_state->stream;
     for (;;) {
         const auto input = static_cast<uInt>(std::min(step.inputSize, most));

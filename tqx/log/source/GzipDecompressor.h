@@ -5,7 +5,7 @@
 namespace tqx
 {
 
-/// Decompresses the members of a gzip file. Zeros after the last one are padding.
+/// Decompresses the members of a gzip file. Zeros after the last member are padding.
 class GzipDecompressor : public Decompressor
 {
 public:

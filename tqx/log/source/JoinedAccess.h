@@ -10,22 +10,22 @@
 namespace tqx
 {
 
-/// Several contents that follow each other as one, so that a block may begin in one and end in the
-/// next. As many threads may read as may read each of them.
+/// Several contents concatenated, so that a block may begin in one and end in the next. As
+/// thread-safe as its parts.
 class TQX_LOG_API JoinedAccess : public RandomAccess
 {
 public:
-    /// The parts are not owned and must outlive the object. `label` is what messages call it all.
+    /// The parts are not owned and must outlive the object. `label` names the whole in messages.
     explicit JoinedAccess(const std::vector<const RandomAccess*>& parts,
                           std::string label = "several files");
 
     const std::string& getName() const override { return m_name; }
     uint64_t getSize() const override { return m_size; }
 
-    /// Throws what the part that cannot be read throws.
+    /// Throws what the failing part throws.
     size_t readAt(uint64_t offset, uint8_t* bytes, size_t count) const override;
 
-    /// Where a byte is found: the name of a part, which lives as long as the part, and the offset
+    /// Where a byte comes from: the name of a part, which lives as long as the part, and the offset
     /// in it. Only for offsets below getSize().
     struct Place {
         const std::string& file;

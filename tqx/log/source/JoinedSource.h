@@ -16,23 +16,23 @@
 namespace tqx
 {
 
-/// Several sources that follow each other as one. Each is opened when the one before has ended.
-/// One that cannot be opened is left out, one that cannot be read on ends there; both are reported
-/// and the next one follows.
+/// Several sources concatenated. Each is opened when the one before has ended. One that cannot be
+/// opened is skipped, one that cannot be read further ends there; both are reported, and the next
+/// one follows.
 class TQX_LOG_API JoinedSource : public ByteSource
 {
 public:
     /// Opens a source or throws SourceError.
     using Opener = std::function<std::unique_ptr<ByteSource>(const std::string& path)>;
 
-    /// Called while read() runs; what it throws leaves read().
+    /// Called while read() runs; read() passes on what it throws.
     using FailureListener = std::function<void(const SourceError& error)>;
 
     /// `onFailure` may be empty.
     JoinedSource(std::vector<std::string> paths, FailureListener onFailure,
                  Opener opener = openSource);
 
-    /// Throws nothing of its own: failures go to the listener.
+    /// Never throws itself: failures go to the listener.
     size_t read(uint8_t* bytes, size_t capacity) override;
     bool isReady(std::chrono::milliseconds patience) override
     {

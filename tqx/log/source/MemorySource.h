@@ -13,7 +13,7 @@ namespace tqx
 class TQX_LOG_API MemorySource : public ByteSource
 {
 public:
-    /// `label` is what messages call it.
+    /// `label` names it in messages.
     MemorySource(const uint8_t* data, size_t count, std::string label = "memory")
         : m_content(data), m_size(count), m_name(std::move(label))
     {

@@ -15,7 +15,7 @@ namespace tqx
 namespace
 {
 
-/// A source whose first bytes were read to look at them.
+/// A source whose first bytes have been peeked at.
 class RestoredSource : public ByteSource
 {
 public:

@@ -9,14 +9,14 @@
 namespace tqx
 {
 
-/// Opens a file, decompressing it if it begins as a gzip or a Zstandard file does, whatever its
-/// name. Throws SourceError when it cannot be opened or read, DataError when there is no memory to
+/// Opens a file, decompressing it if it begins like a gzip or a Zstandard file, whatever its name.
+/// Throws SourceError when it cannot be opened or read, DataError when there is no memory to
 /// decompress with.
 TQX_LOG_API std::unique_ptr<ByteSource> openSource(const std::string& path);
 
-/// The content of a source that may be compressed. Takes over `source`, which must not have been
-/// read from, and reads no more of it than is needed to tell (a live source of blocks: one byte).
-/// Throws what the source throws, and DataError as above.
+/// The content of a source that may be compressed. Takes over `source`, from which nothing may have
+/// been read yet, and reads no more of it than needed to decide (one byte of a live source of
+/// blocks). Throws what the source throws, and DataError as above.
 TQX_LOG_API std::unique_ptr<ByteSource> decompressed(std::unique_ptr<ByteSource> source);
 
 } // namespace tqx

@@ -9,9 +9,9 @@
 namespace tqx
 {
 
-/// Bytes of known number that can be read anywhere: a file, memory, the content of a compressed
-/// file. Reading does not change it: several threads may read at the same time, unless the class
-/// says otherwise.
+/// Bytes with random access and a known size: a file, memory, the content of a compressed file.
+/// Reading does not change the object: several threads may read at the same time, unless a class
+/// documents otherwise.
 class TQX_LOG_API RandomAccess
 {
 public:
@@ -20,12 +20,12 @@ public:
     /// For messages: the path of a file.
     virtual const std::string& getName() const = 0;
 
-    /// Bytes in all, constant for as long as the object lives.
+    /// Total number of bytes, constant for the lifetime of the object.
     virtual uint64_t getSize() const = 0;
 
     /// Writes the bytes from `offset` on to `bytes` and returns how many: `count`, or as many as
     /// there are before getSize(). Throws SourceError with file and offset when they cannot be
-    /// read, also when a file has become shorter; `bytes` is undefined then.
+    /// read, also when a file has shrunk; `bytes` is then unspecified.
     virtual size_t readAt(uint64_t offset, uint8_t* bytes, size_t count) const = 0;
 
     /// All bytes, if they are in memory; null otherwise. They live as long as the object.
@@ -41,7 +41,7 @@ protected:
 class TQX_LOG_API MemoryAccess : public RandomAccess
 {
 public:
-    /// `label` is what messages call it.
+    /// `label` names it in messages.
     MemoryAccess(const uint8_t* data, size_t count, std::string label = "memory");
 
     const std::string& getName() const override { return m_name; }

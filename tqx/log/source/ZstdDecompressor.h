@@ -5,8 +5,7 @@
 namespace tqx
 {
 
-/// Decompresses the frames of a Zstandard file. Of a frame that is cut off every complete block
-/// comes out.
+/// Decompresses the frames of a Zstandard file. A truncated frame gives all its complete blocks.
 class ZstdDecompressor : public Decompressor
 {
 public:

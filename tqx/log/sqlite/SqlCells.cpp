@@ -71,7 +71,7 @@ const char* SqlNumber::getType() const
         return "TEXT";
     if (m_scale || m_bits.isReal())
         return "REAL";
-    // SQLite would make a rounded number of a text of digits in a column of integers.
+    // SQLite would turn a text of digits into a rounded number in a column of integers.
     return m_isWide ? "" : "INTEGER";
 }
 

@@ -25,7 +25,7 @@ namespace tqx
 class SqlColumns
 {
 public:
-    /// Adds a column, under a name of its own. Returns its parameter.
+    /// Adds a column under a unique name. Returns its parameter.
     int add(SqlColumn column);
 
     const std::vector<SqlColumn>& get() const { return m_columns; }
@@ -41,14 +41,14 @@ class SqlNumber
 public:
     SqlNumber(const RecordPlan::Part& part, bool isPart, bool isStored);
 
-    /// What the column is declared as.
+    /// The declared type of the column.
     const char* getType() const;
 
     /// The factor between stored and shown values, 0 for none.
     double getFactor() const { return m_factor; }
 
-    /// Sets the parameter to the value in the bits of the member; leaves it NULL when that is not
-    /// available. `text` keeps what it is set to, until the row has been inserted.
+    /// Sets the parameter to the value in the bits of the member; leaves it NULL when the value is
+    /// not available. `text` holds a text value until the row has been inserted.
     void set(SqlInsert& row, int parameter, uint64_t word, std::string& text) const;
 
 private:
@@ -65,14 +65,14 @@ private:
     std::optional<double> m_notAvailable; ///< of a floating-point field
 };
 
-/// Where the members of a record go in the rows of a table: a column a field, those of an embedded
-/// sub-block in place of it. Arrays of numbers are one cell, in JSON. Arrays of sub-blocks are left
-/// to tables of their own.
+/// Where the members of a record go in the rows of a table: one column per field, those of an
+/// embedded sub-block in its place. Arrays of numbers are one cell, in JSON. Arrays of sub-blocks
+/// have tables of their own.
 class SqlCells
 {
 public:
-    /// Where the fields of a plan are: "Type1." in front of the paths of fields, and what of it is
-    /// in front of the names of columns.
+    /// Where the fields of a plan are: the prefix of field paths, such as "Type1.", and the part of
+    /// it that prefixes column names.
     struct Prefix {
         std::string field;
         std::string column;
@@ -84,7 +84,7 @@ public:
     SqlCells(const SqlCells&) = delete;
     SqlCells& operator=(const SqlCells&) = delete;
 
-    /// Sets the cells of a record. They refer to this until the row has been inserted.
+    /// Sets the cells of a record. They refer to this object until the row has been inserted.
     void set(SqlInsert& row, const void* record);
 
 private:

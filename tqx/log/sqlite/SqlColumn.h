@@ -13,18 +13,18 @@ namespace tqx
 struct SqlColumn {
     std::string name;
     std::string type;  ///< as it is declared: "INTEGER", "REAL", "TEXT" or nothing
-    std::string field; ///< path of the field: "Type1.SVID"; empty for what is no field
+    std::string field; ///< path of the field: "Type1.SVID"; empty if not a field
     std::string unit;
-    double scale = 0; ///< by which stored values were multiplied, or would have to be; 0 for none
+    double scale = 0; ///< factor of stored values, applied or not; 0 for none
     std::string description;
 };
 
-/// Gives out names that SQL takes for different ones.
+/// Makes names that SQL considers different.
 class SqlNames
 {
 public:
-    /// `wanted` with underscores for what needs quotes in SQL, and a number after it where that is
-    /// the name of something else, case ignored.
+    /// `wanted` with underscores for whatever needs quotes in SQL, and with a number appended where
+    /// the name is taken, case ignored.
     std::string take(std::string_view wanted);
 
 private:

@@ -107,7 +107,8 @@ public:
         m_database.reset(database);
         if (result != SQLITE_OK)
             fail(m_name, database, result);
-        // Rows that do not fit into the cache go to the file before the end of the transaction.
+        // Rows that do not fit into the cache are written to the file before the end of the
+        // transaction.
         execute("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF;"
                 "PRAGMA locking_mode = EXCLUSIVE; PRAGMA temp_store = FILE;"
                 "PRAGMA page_size = 8192; PRAGMA cache_size = -32768;");

@@ -11,7 +11,7 @@
 namespace tqx
 {
 
-/// An INSERT that is run again and again. Parameters count from 1; those that are not set are NULL.
+/// A reusable INSERT. Parameters count from 1; those that are not set are NULL.
 class TQX_LOG_API SqlInsert
 {
 public:
@@ -34,20 +34,20 @@ protected:
     SqlInsert() = default;
 };
 
-/// A new SQLite database that is filled in one go: fast, and with nothing to fall back on should
-/// the program end in between.
+/// A new SQLite database that is filled in one go: fast, but unusable if the program ends in
+/// between.
 class TQX_LOG_API SqlDatabase
 {
 public:
-    /// Makes one in the file `path`, which must not exist or be empty. Errors call it `name`.
-    /// Throws DataError, also where this library was built without SQLite.
+    /// Creates one in the file `path`, which must not exist or must be empty. Errors name it
+    /// `name`. Throws DataError, also where this library was built without SQLite.
     static std::unique_ptr<SqlDatabase> create(const std::string& path, const std::string& name);
 
     virtual ~SqlDatabase() = default;
     SqlDatabase(const SqlDatabase&) = delete;
     SqlDatabase& operator=(const SqlDatabase&) = delete;
 
-    /// Runs statements that give no rows. Throws DataError.
+    /// Runs statements that return no rows. Throws DataError.
     virtual void execute(const std::string& statements) = 0;
 
     /// Belongs to the database, and must not be used after it. Throws DataError.

@@ -16,7 +16,7 @@ namespace
 
 constexpr double secondsPerMilli = 0.001;
 
-// Parameters of the columns that every table of a kind begins with.
+// Parameters of the first columns of every table of a kind.
 constexpr int idColumn = 1;
 enum BlockColumn { FileId = 2, FileOffset, Week, TimeOfWeek, GnssTime, UtcTime };
 enum EntryColumn { ParentId = 2, Element, BlockId };
@@ -106,10 +106,10 @@ SqlTable::~SqlTable() = default;
 
 void SqlTable::addKey()
 {
-    m_columns.add(key("id", "INTEGER PRIMARY KEY", "counts all blocks in their order"));
+    m_columns.add(key("id", "INTEGER PRIMARY KEY", "counts all blocks in order"));
     m_columns.add(key("file_id", "INTEGER NOT NULL REFERENCES tqx_files", "where the block was"));
     m_columns.add(key("file_offset", "INTEGER NOT NULL", "of its first byte in that file"));
-    SqlColumn week = key("WNc", "INTEGER", "week number, counted on without rollover");
+    SqlColumn week = key("WNc", "INTEGER", "week number, without rollover");
     week.field = week.name;
     week.unit = "week";
     m_columns.add(week);

@@ -12,7 +12,7 @@
 namespace tqx
 {
 
-/// What a row of a block says beside its fields. Texts are empty where the time is not known.
+/// What a row says about a block besides its fields. Texts are empty where the time is not known.
 struct SqlBlock {
     int64_t id;
     int64_t file;
@@ -49,11 +49,11 @@ public:
     int64_t getRows() const { return m_rows; }
     std::vector<const SqlTable*> getChildren() const;
 
-    /// Makes the rows of a parent found fast, once all are there.
+    /// Creates the indexes by parent, once all rows are there.
     void addIndexes(SqlTables& tables) const;
 
 private:
-    /// An array of sub-blocks, maybe within embedded ones.
+    /// An array of sub-blocks, maybe inside embedded ones.
     struct Child {
         std::vector<const RecordPlan::Member*> through;
         const RecordPlan::Member* member;
@@ -78,7 +78,7 @@ private:
     std::string m_parent;
     std::string m_path; ///< "Type1.Type2."
     SqlColumns m_columns;
-    /// What the entry is in, from the block on: what identifies each.
+    /// What identifies the enclosing records, from the block on.
     std::vector<std::unique_ptr<RecordPlan>> m_identities;
     std::vector<std::unique_ptr<SqlCells>> m_owners;
     std::unique_ptr<SqlCells> m_cells;

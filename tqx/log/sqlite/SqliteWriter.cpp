@@ -91,7 +91,7 @@ private:
     std::optional<GnssMillis> m_last;
 };
 
-/// Notes what a row says of a block.
+/// Records what a row says about a block.
 void SqliteWriter::Core::begin(const Block& block, const std::string& file)
 {
     if (!m_file || file != m_fileName) {

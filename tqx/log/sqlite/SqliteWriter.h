@@ -11,16 +11,18 @@
 namespace tqx
 {
 
-/// Writes blocks into a new SQLite database, a table for each type.
+/// Writes blocks into a new SQLite database, one table per type.
 ///
-/// - A table has the name of its block, and a row a block: "id", which counts all blocks that were
-///   written, "file_id" and "file_offset", where the block was, "WNc" and "TOW", "gnss_time" and
+/// - A table has the name of its block type, and one row per block: "id", which counts all blocks
+/// that were written, "file_id" and "file_offset", where the block was, "WNc" and "TOW",
+/// "gnss_time" and
 ///   "utc_time" as ISO 8601 text, then the fields in the order of the filter.
-/// - An array of sub-blocks has a table Block_Field with a row an entry: "id", "parent_id" of the
+/// - An array of sub-blocks has a table Block_Field with one row per entry: "id", "parent_id" of
+/// the
 ///   row that it belongs to, "element" from 0 on; below another sub-block also "block_id" of the
 ///   block's row. Fields that identify what the entry is in come next, then those of the entry.
 /// - Values are scaled, named ones are their names, codes without name the text of their number.
-///   NULL is what is absent or not available, and NaN, which SQLite does not know. An unsigned
+///   Absent and unavailable values are NULL, and so is NaN, which SQLite lacks. An unsigned
 ///   integer of 2^63 or more is a text of its digits. Arrays of numbers are texts in JSON.
 /// - "tqx_log", "tqx_files", "tqx_tables" and "tqx_columns" say what was read, and what tables and
 ///   columns mean, with units and scales. "tqx_other_blocks" has the bytes of blocks without known
@@ -32,8 +34,8 @@ namespace tqx
 class TQX_LOG_API SqliteWriter
 {
 public:
-    /// Begins a database in the file `path`, which must not exist or be empty; messages call it
-    /// `name`. `isStored` is for values as they are stored, without scale and names. The filter
+    /// Begins a database in the file `path`, which must not exist or must be empty; messages name
+    /// it `name`. `isStored` is for values as they are stored, without scale and names. The filter
     /// must outlive the writer.
     SqliteWriter(const std::string& path, const std::string& name, const FieldFilter& filter,
                  bool isStored = false);

@@ -12,8 +12,8 @@
 namespace tqx
 {
 
-/// A framed block with a valid checksum. It refers to the bytes of whoever hands it out, at least 8
-/// of them, and is valid as long as that says.
+/// A framed block with a valid checksum. It refers to bytes, at least 8, of the object that
+/// returned it, and is valid as long as that one documents.
 struct TQX_LOG_API Block {
     const uint8_t* data;
     uint16_t size;
@@ -29,7 +29,7 @@ struct TQX_LOG_API Block {
 
 /// "<name> (4007)", or "block 1234" for a number that no type of the schema has.
 TQX_LOG_API std::string describeBlock(uint16_t number, const Schema& schema = {});
-/// The former.
+/// The same, with the built-in types.
 TQX_LOG_API std::string describeBlock(const Kor::MessageApi::TQX_TypeLayout& type);
 
 } // namespace tqx

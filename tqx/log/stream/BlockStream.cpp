@@ -57,8 +57,8 @@ bool BlockStream::next(Block& block)
     return true;
 }
 
-// Without a week that begins with the block, the last TOW decides nothing and must not begin one;
-// with one, it must be so late that the week begins.
+// Unless a week begins with the block, the last TOW decides nothing and must not begin one;
+// otherwise it must be so late that the week begins.
 WeekContext BlockStream::getContext() const
 {
     if (!m_startsWeek)
@@ -79,7 +79,7 @@ void BlockStream::reportUndecodable(const Block& block, int32_t code)
         m_listener->onUndecodable(m_name, block, code);
 }
 
-/// Passes candidates that look false by themselves; true when there is a block then.
+/// Skips candidates that look false by themselves; true when a block follows.
 bool BlockStream::passDoubtful()
 {
     while (!m_framer.hasBlock()) {
@@ -92,7 +92,7 @@ bool BlockStream::passDoubtful()
     return true;
 }
 
-/// Passes whatever waits once the source has been silent; true when there is a block then.
+/// Skips whatever is waiting once the source has been silent; true when a block follows.
 bool BlockStream::passAfterPause()
 {
     if (m_framer.waiting().data == nullptr || m_source.isReady(*m_longestPause))
@@ -114,7 +114,7 @@ void BlockStream::readOn()
     }
     m_ended = true;
     if (m_source.isInterrupted())
-        return; // that it ends within a block is no damage
+        return; // ending inside a block is not damage
     m_isCut = m_framer.bytesLeft() != 0;
     m_framer.flush();
 }

@@ -27,7 +27,7 @@ struct StreamCounts {
     uint64_t droppedBytes = 0;   ///< that belong to no valid block and no neighbour
     uint64_t crcErrors = 0;      ///< complete candidates with a bad checksum
     uint64_t invalidLengths = 0; ///< candidates that claim fewer bytes than a header has
-    uint64_t undecodable = 0;    ///< valid blocks of known types that do not decode
+    uint64_t undecodable = 0;    ///< valid blocks of known types that fail to decode
     std::array<NeighbourCount, neighbourKinds> neighbours; ///< by NeighbourKind
 
     const NeighbourCount& of(NeighbourKind kind) const
@@ -35,26 +35,26 @@ struct StreamCounts {
         return neighbours[static_cast<size_t>(kind)];
     }
 
-    /// Neighbours are no damage.
+    /// Neighbours are not damage.
     bool isDamaged() const { return droppedBytes != 0 || undecodable != 0; }
 };
 
-/// The valid blocks of a source, in order. Whatever else is in it goes to a listener. What looks
-/// like the start of a block within a neighbour is no error. Works in constant memory.
+/// The valid blocks of a source, in order. Everything else in it goes to a listener. What looks
+/// like the start of a block inside a neighbour is not an error. Works in constant memory.
 class TQX_LOG_API BlockStream : private BlockFramer::Listener, private NeighbourScanner::Listener
 {
 public:
-    /// Neither is owned, both must outlive the stream; the listener may be null.
+    /// Owns neither; both must outlive the stream. The listener may be null.
     explicit BlockStream(ByteSource& source, StreamListener* listener = nullptr);
     virtual ~BlockStream();
     BlockStream(const BlockStream&) = delete;
     BlockStream& operator=(const BlockStream&) = delete;
 
-    /// For a source that is a receiver while it sends: does not let a false header hold back what
-    /// is intact after it. A candidate for a block that waits for more bytes is given up, if a
-    /// whole block with the right checksum is within the length that it claims, when its number is
-    /// unknown or its length does not fit its type, or when nothing has come for `pause`. The
-    /// blocks then depend on when the bytes come, so that a recorded log is better read without.
+    /// For a live receiver: keeps a false header from holding back intact blocks after it. A
+    /// candidate that waits for more bytes is given up if a complete block with a correct checksum
+    /// lies within the length that it claims, and its number is unknown, its length does not fit
+    /// its type, or nothing has arrived for `pause`. The blocks then depend on when the bytes
+    /// arrive, so do not use this for a recorded log.
     void setLive(std::chrono::milliseconds pause) { m_longestPause = pause; }
 
     /// Gets the next block, whose bytes stay valid until the next call; false at the end. Throws
@@ -62,11 +62,11 @@ public:
     virtual bool next(Block& block);
 
     /// Counts a block that the codec refused with `code` and reports it to the listener. Only for
-    /// the last block gotten.
+    /// the last block returned by next().
     void reportUndecodable(const Block& block, int32_t code);
 
-    /// What to give a context for the last block gotten to decode as after all blocks before it,
-    /// whether these were decoded or not. Of the last TOW only what matters for this block is true.
+    /// The context in which the last block returned by next() decodes as after all blocks before
+    /// it, whether these were decoded or not. The last TOW in it is only meant for this block.
     WeekContext getContext() const;
 
     /// Name of the file that the last block began in.
@@ -74,15 +74,15 @@ public:
     const StreamCounts& getCounts() const { return m_counts; }
 
 protected:
-    /// For streams that have blocks from elsewhere, too: takes over what is known of that stream
-    /// but for its undecodable blocks, which reportUndecodable() counts.
+    /// For streams that also get blocks from elsewhere: takes over the counts of that stream,
+    /// except for its undecodable blocks, which reportUndecodable() counts.
     void setCounts(const StreamCounts& counts);
     void setName(const std::string& name) { m_name = name; }
-    /// As IndexedBlocks::getContext() gives it.
+    /// As returned by IndexedBlocks::getContext().
     void setContext(const WeekContext& context);
 
 private:
-    /// What looked like a block and was none.
+    /// What looked like a block but was not one.
     struct FalseBlock {
         uint64_t offset;
         bool isTooShort; ///< by its length; else its checksum is bad
@@ -104,7 +104,7 @@ private:
     BlockFramer m_framer;
     std::optional<std::chrono::milliseconds> m_longestPause; ///< of a live stream
     NeighbourScanner m_scanner;
-    std::deque<FalseBlock> m_falseBlocks; ///< in bytes of which the scanner has still to decide
+    std::deque<FalseBlock> m_falseBlocks; ///< in bytes about which the scanner has yet to decide
     std::vector<uint8_t> m_piece;
     std::string m_name;
     StreamCounts m_counts;

@@ -45,8 +45,8 @@ const uint8_t* bytesOf(std::string_view text)
     return reinterpret_cast<const uint8_t*>(text.data());
 }
 
-/// Size of the sentence "$GPGGA,...*hh" with whatever line end that the text begins with, 0 for
-/// none.
+/// Size of the sentence "$GPGGA,...*hh", with its line end, if any, that the text begins with; 0
+/// for none.
 size_t sentenceAt(std::string_view text)
 {
     constexpr size_t checksumSize = 3;
@@ -97,8 +97,8 @@ bool hasParity(uint32_t word)
     return true;
 }
 
-/// RTCM 2 comes six bits a byte, the first one lowest, and has neither length nor word boundaries:
-/// the right one of the thirty possible ones has nearly all words with right parity.
+/// RTCM 2 has six bits per byte, the first one lowest, and neither length nor word boundaries: at
+/// the correct one of the thirty possible alignments, nearly all words have correct parity.
 bool isRtcm2(std::string_view text)
 {
     constexpr size_t wordBytes = 5;
@@ -125,7 +125,7 @@ bool isRtcm2(std::string_view text)
     return false;
 }
 
-/// Whether a header of a block is in it.
+/// Whether it contains a header of a block.
 bool hasHeader(std::string_view text)
 {
     constexpr size_t headerSize = 8;
@@ -139,7 +139,7 @@ bool hasHeader(std::string_view text)
     return false;
 }
 
-/// NMEA, RTCM 3 or both, but for one message that is cut off at either end.
+/// NMEA, RTCM 3 or both, except for one message cut off at either end.
 Content messagesIn(std::string_view text)
 {
     Crc24 crc;
@@ -187,7 +187,7 @@ const char* describeContent(Content content)
     case Content::Text:
         return "text";
     case Content::JsonLines:
-        return "JSON Lines, of which tqx encode makes blocks";
+        return "JSON Lines, which tqx encode turns into blocks";
     case Content::Gzip:
         return "compressed by gzip";
     case Content::Zstandard:

@@ -8,7 +8,7 @@
 namespace tqx
 {
 
-/// What bytes that hold no TQX block seem to be.
+/// What bytes without any TQX block seem to be.
 enum class Content {
     Unknown,
     DamagedTqx,
@@ -27,14 +27,14 @@ enum class Content {
     NmeaAndRtcm3,
 };
 
-/// Guesses by the first bytes of an input; a few thousand are enough. NMEA and RTCM need right
-/// checksums, and nearly nothing else beside them.
+/// Guesses from the first bytes of an input; a few thousand are enough. NMEA and RTCM must have
+/// correct checksums and next to nothing else between them.
 TQX_LOG_API Content guessContent(const uint8_t* bytes, size_t size);
 
 /// "RINEX", "text", "compressed by gzip": what "it seems to be".
 TQX_LOG_API const char* describeContent(Content content);
 
-/// Whether a receiver sends it on its own, so that a stream of it alone is nothing wrong.
+/// Whether a receiver may send only this, so that such a stream is not wrong.
 TQX_LOG_API bool isReceiverOutput(Content content);
 
 } // namespace tqx

@@ -17,7 +17,7 @@ namespace
 constexpr size_t fullHeader = 14;
 constexpr size_t alignment = 4;
 
-/// Whether a block of that revision has the field wherever it ends up in.
+/// Whether every block of that revision has the field.
 bool isAlwaysThere(const TQX_FieldLayout& field, unsigned revision)
 {
     if (field.alwaysSent)

@@ -8,9 +8,9 @@
 namespace tqx
 {
 
-/// Whether a header may begin a block: a type has its number, and its length is one that a block of
-/// that type and revision can have. False for every header of an unknown number, which may be
-/// a newer type's: a reason to doubt, no proof. `id` is the header's ID, revision included.
+/// Whether a header may begin a block: its number is known, and its length is possible for that
+/// type and revision. False for every unknown number, which may belong to a newer type: a reason
+/// for doubt, not proof. `id` is the header's ID, revision included.
 TQX_LOG_API bool isPlausibleHeader(uint16_t id, size_t length);
 
 } // namespace tqx

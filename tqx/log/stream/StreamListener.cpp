@@ -23,7 +23,7 @@ std::string StreamGap::describe() const
     if (invalidLengths != 0)
         why += ", " + plural(invalidLengths, "invalid length", "invalid lengths");
     if (isCut)
-        why += ", the input ends within a block";
+        why += ", the input ends inside a block";
     return why;
 }
 

@@ -10,7 +10,7 @@
 namespace tqx
 {
 
-/// A stretch of bytes that belongs to no block and to no neighbour of blocks.
+/// A stretch of bytes that belongs to no block and no neighbour.
 struct TQX_LOG_API StreamGap {
     std::string file;
     uint64_t offset = 0; ///< in the file that it begins in
@@ -23,13 +23,13 @@ struct TQX_LOG_API StreamGap {
     std::string describe() const;
 };
 
-/// Hears of everything in a stream that is no valid block. Called while a BlockStream works.
+/// Receives everything in a stream that is not a valid block. Called while a BlockStream works.
 class TQX_LOG_API StreamListener
 {
 public:
     virtual ~StreamListener();
 
-    /// Damage, once for each stretch of it.
+    /// Called once for each stretch of damage.
     virtual void onGap(const StreamGap& gap) = 0;
 
     /// A sentence, frame or line of text between the blocks of `file`, with its offset there. Its

@@ -9,21 +9,22 @@
 namespace tqx
 {
 
-/// What decoding carries from block to block, for blocks that are not all decoded. A context that
-/// it is applied to decodes as one that has decoded every block before, with all types enabled.
+/// The state that decoding carries from block to block, for readers that do not decode every block.
+/// A context that it is applied to decodes like one that has decoded every block before, with all
+/// types enabled.
 struct TQX_LOG_API WeekContext {
     uint8_t weekCounter = 0;
     uint32_t lastTow = 0;
 
-    /// Leaves which types are enabled as it is.
+    /// Does not change which types are enabled.
     void applyTo(Kor::MessageApi::TQX_Context_s& context) const
     {
         context.weekCounter = weekCounter;
         context.lastTOW = lastTow;
     }
 
-    /// Goes on by a block as decoding does it: by every block of a known type that is long enough
-    /// for a TOW, whether it decodes or not. Returns whether a week begins with it.
+    /// Advances by a block as decoding does: by every block of a known type that is long enough for
+    /// a TOW, whether it decodes or not. Returns whether a week begins with it.
     bool follow(const Block& block);
 };
 

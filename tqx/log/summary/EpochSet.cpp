@@ -7,7 +7,7 @@ namespace tqx
 
 bool EpochSet::add(GnssMillis time)
 {
-    // The usual case: the series goes on and is the last one.
+    // The usual case: the last series continues.
     if (m_current != m_all.end() && m_current->second.last + m_current->second.period == time &&
         m_current->second.last < time && std::next(m_current) == m_all.end()) {
         m_current->second.last = time;

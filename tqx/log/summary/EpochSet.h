@@ -10,16 +10,17 @@
 namespace tqx
 {
 
-/// A set of times. Regular series of them are kept as their first, last and period, so that a long
-/// log takes little memory.
+/// A set of times. Regular series are stored as first, last and period, so that a long log takes
+/// little memory.
 class TQX_LOG_API EpochSet
 {
 public:
-    /// `sharedRoom` is how many series may still be kept by all sets that share it; it must outlive
+    /// `sharedRoom` is the number of series that the sets sharing it may still add; it must outlive
     /// them.
     explicit EpochSet(size_t& sharedRoom) : m_room(sharedRoom) {}
 
-    /// Adds a time. Returns false when it was there already. Without room it is forgotten.
+    /// Adds a time. Returns false when it was there already. Times for which there is no room are
+    /// not stored.
     bool add(GnssMillis time);
 
 private:

@@ -31,8 +31,8 @@ void Intervals::add(GnssMillis time)
     m_last = time;
 }
 
-// An interval that is not among the most frequent ones takes the place of the rarest, and its count
-// with it: so one that becomes frequent gets in, whatever came before.
+// An interval that is not among the most frequent ones replaces the rarest and inherits its count,
+// so that one that becomes frequent gets in, whatever came before.
 void Intervals::count(uint64_t interval)
 {
     constexpr size_t mostDifferent = 100;

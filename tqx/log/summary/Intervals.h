@@ -12,10 +12,9 @@
 namespace tqx
 {
 
-/// Finds out at which interval times usually follow each other and where some are missing. Equal
-/// times count once; a step back begins anew. Memory is bounded: intervals for which there is no
-/// room any more are only counted. Used by one thread at a time, which holds for all that share a
-/// room.
+/// Finds the usual interval between times, and where some are missing. Equal times count once; a
+/// step back begins anew. Memory is bounded: intervals for which there is no room left are only
+/// counted. Objects that share room are used by one thread at a time.
 class TQX_LOG_API Intervals
 {
 public:
@@ -23,25 +22,26 @@ public:
     struct Gap {
         uint64_t millis;  ///< from one time to the next
         GnssMillis after; ///< the time before it
-        uint64_t missing; ///< times that would fit into it
+        uint64_t missing; ///< number of times that would fit into it
     };
 
-    /// `sharedRoom` is how many runs of equal intervals may still be kept by all that share it; it
-    /// must outlive them.
+    /// `sharedRoom` is the number of runs of equal intervals that the objects sharing it may still
+    /// add; it must outlive them.
     explicit Intervals(size_t& sharedRoom) : m_room(sharedRoom) {}
 
-    /// The next time of the stream. Throws std::bad_alloc; the time may have been counted or not.
+    /// Adds the next time of the stream. Throws std::bad_alloc; the time may or may not have been
+    /// counted.
     void add(GnssMillis time);
 
-    /// The most frequent interval in milliseconds, if it makes up more than half of them.
+    /// The most frequent interval in milliseconds, if more than half of all intervals equal it.
     std::optional<uint64_t> getUsual() const;
 
     /// The first intervals of at least one and a half times `usual` milliseconds (above 0), at most
     /// `most` of them, in the order in which they came.
     std::vector<Gap> getGaps(uint64_t usual, size_t most) const;
 
-    /// How many there are. Of those for which there was no room the count goes by the interval that
-    /// was usual when they came.
+    /// Number of gaps. Those for which there was no room are counted by the interval that was usual
+    /// when they occurred.
     uint64_t getGapCount(uint64_t usual) const;
 
     /// All gaps of one length.
@@ -76,7 +76,7 @@ private:
     std::map<uint64_t, Seen> m_frequent;
     uint64_t m_total = 0;
     std::vector<Run> m_runs;
-    size_t m_leastToSift = 0; ///< number of runs from which on it is worth to look for room again
+    size_t m_leastToSift = 0; ///< number of runs from which looking for room pays again
     uint64_t m_unlisted = 0;
 };
 

@@ -10,18 +10,19 @@
 namespace tqx
 {
 
-/// What is between the blocks of a stream, gathered one by one. Used by one thread at a time.
+/// A summary of what is between the blocks of a stream, gathered one by one. Used by one thread at
+/// a time.
 class TQX_LOG_API NeighbourSummary
 {
 public:
-    /// Counts one, whose bytes are not needed afterwards. Throws std::bad_alloc; it may not have
-    /// been counted then.
+    /// Counts a neighbour, whose bytes are not needed afterwards. Throws std::bad_alloc; the
+    /// neighbour may then not have been counted.
     void add(const Neighbour& neighbour);
 
     bool isEmpty() const { return m_sentences.empty() && m_frames.empty() && m_text.count == 0; }
 
-    /// NMEA sentences by address. Memory is bounded: those of further addresses than the first
-    /// thousand count under "".
+    /// NMEA sentences by address. Memory is bounded: all addresses after the first thousand count
+    /// under "".
     const std::map<std::string, NeighbourCount, std::less<>>& getSentences() const
     {
         return m_sentences;

@@ -53,8 +53,8 @@ void StreamSummary::add(BlockStream& stream, const Block& block)
         addTime(stream, block, type, *time);
 }
 
-// Blocks of different types may well be out of order: some carry the time at which a satellite sent
-// what they hold.
+// Blocks of different types may be out of order: some carry the time at which a satellite sent
+// their content.
 void StreamSummary::addTime(const BlockStream& stream, const Block& block, TypeSummary& type,
                             GnssMillis time)
 {

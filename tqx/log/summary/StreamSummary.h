@@ -26,16 +26,16 @@ struct BlockPlace {
     int32_t code = 0; ///< the codec's, when it refused the block
 };
 
-/// Blocks of a type that do not decode, of one code.
+/// Blocks of a type that fail to decode with one code.
 struct FailureSummary {
     uint64_t blocks = 0;
     std::string file; ///< of the first one
     uint64_t offset = 0;
 };
 
-/// What is known of the blocks of one number.
+/// What is known about the blocks of one number.
 struct TypeSummary {
-    /// For what the rooms are see Intervals and EpochSet.
+    /// See Intervals and EpochSet for the rooms.
     TypeSummary(size_t& roomForIntervals, size_t& roomForEpochs)
         : intervals(roomForIntervals), epochs(roomForEpochs)
     {
@@ -52,27 +52,27 @@ struct TypeSummary {
     std::map<int32_t, FailureSummary> failures; ///< by code
 };
 
-/// What a stream holds, gathered block by block, in bounded memory. Used by one thread at a time.
-/// What is handed out by reference lives as long as this and changes with it.
+/// A summary of a stream, gathered block by block, in bounded memory. Used by one thread at a time.
+/// Returned references live as long as this object and change with it.
 class TQX_LOG_API StreamSummary
 {
 public:
-    /// Of blocks of the schema's types.
+    /// For blocks of the schema's types.
     explicit StreamSummary(const Schema& schema = {});
 
     const Schema& getSchema() const { return m_schema; }
 
     /// Decodes and counts a block. One that does not decode is reported to the stream. Throws
-    /// std::bad_alloc; the block may have been counted in part.
+    /// std::bad_alloc; the block may then have been counted partly.
     void add(BlockStream& stream, const Block& block);
 
-    /// Notes where bytes belong to no block; only the first thousand places are kept.
+    /// Records where bytes belong to no block; only the first thousand places are kept.
     void addDamage(const StreamGap& gap);
 
     /// Counts what came between blocks.
     void addNeighbour(const Neighbour& neighbour) { m_neighbours.add(neighbour); }
 
-    /// By block number; unknown ones are among them.
+    /// By block number, unknown ones included.
     std::map<uint16_t, const TypeSummary*> getTypes() const;
 
     /// Blocks of numbers that no type has.
@@ -92,16 +92,17 @@ public:
     const std::optional<GnssMillis>& getFirst() const { return m_first; }
     const std::optional<GnssMillis>& getLast() const { return m_last; }
 
-    /// How often time runs back, and the first block that is earlier than the one of its type
-    /// before it. Blocks of several types that go back together are one step.
+    /// How often time runs back, and the first block that is earlier than the previous one of its
+    /// type. Several types that go back together are one step.
     uint64_t getStepsBack() const { return m_stepsBack; }
     const BlockPlace& getFirstStepBack() const { return m_firstStepBack; }
 
-    /// Times at which blocks of a type come again after others of that type; each counts once.
+    /// Number of times at which blocks of a type recur after later ones of that type; each time
+    /// counts once.
     uint64_t getRepeatedEpochs() const { return m_repeatedEpochs; }
 
-    /// The intervals at which blocks of any type come. Their usual interval is their own or else
-    /// that of the type with the most blocks, if it has one.
+    /// The intervals between blocks of any type. The usual one is their own, or else that of the
+    /// type with the most blocks, if it has one.
     const Intervals& getIntervals() const { return m_intervals; }
     std::optional<uint64_t> getUsualInterval() const;
 

@@ -16,11 +16,11 @@ namespace tqx
 
 using ArrowMetadata = std::vector<std::pair<std::string, std::string>>;
 
-/// Releases what has not been released.
+/// Releases a structure that has not been released.
 void releaseArrow(ArrowSchema& schema);
 void releaseArrow(ArrowArray& array);
 
-/// A structure that is released at the end unless somebody took it.
+/// A structure that is released at the end unless it was moved away.
 template<typename Structure>
 class OwnedArrow
 {
@@ -54,7 +54,7 @@ private:
 void exportSchema(const std::vector<const ColumnPlan*>& columns, const ArrowMetadata& metadata,
                   ArrowSchema& out);
 
-/// What an array consists of.
+/// The parts of an array.
 struct ArrayParts {
     Validity validity;                 ///< with the length
     std::vector<ColumnBuffer> buffers; ///< those after the validity bits

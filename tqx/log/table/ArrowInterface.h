@@ -3,9 +3,9 @@
 #include <cstdint>
 
 /// The structures of the Arrow C data interface and C stream interface, as the public documents of
-/// Apache Arrow lay them out. Whoever reads Arrow takes tables through them without a copy, and
-/// without a library that both sides share. Programs that include a header with the same
-/// structures get them once, whichever comes first: all such headers use these guards.
+/// Apache Arrow lay them out. Any Arrow reader takes tables through them without a copy and without
+/// a shared library. Programs that include another header with the same structures get them once:
+/// all such headers use these guards.
 ///
 /// Each structure is released by its `release` member, from any thread, exactly once; null there
 /// means that it has been released. Moving one is copying its bytes and setting `release` of the
@@ -66,7 +66,7 @@ struct ArrowArrayStream {
     /// Writes the next array to `out`; at the end one that is released. 0, or an errno value.
     int (*get_next)(struct ArrowArrayStream*, struct ArrowArray* out);
 
-    /// What the last call that failed has to say, or null. Valid until the next call.
+    /// The message of the last call that failed, or null. Valid until the next call.
     const char* (*get_last_error)(struct ArrowArrayStream*);
 
     void (*release)(struct ArrowArrayStream*);

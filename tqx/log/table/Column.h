@@ -13,8 +13,8 @@
 namespace tqx
 {
 
-/// Records of one type, or blocks as they are on the wire, that are apart by a constant distance,
-/// which is 0 to read one of them again and again. They are of one revision.
+/// Records of one type, or blocks as on the wire, at a constant distance from each other; the
+/// distance is 0 to repeat one of them. All are of one revision.
 struct Run {
     const uint8_t* base;
     size_t stride;
@@ -29,12 +29,13 @@ struct Run {
     }
 };
 
-/// Runs that follow each other in memory, read as one. Decoding puts the arrays of an array's
-/// entries one after the other, and columns are filled faster by longer runs.
+/// Joins runs that are adjacent in memory. Decoding puts the arrays of an array's entries next to
+/// each other, and longer runs fill columns faster.
 struct JoinedRun {
     Run run = {nullptr, 0, 0, 0, false};
 
-    /// Adds a run that is not empty; calls `use` before if it does not follow what is there.
+    /// Adds a run, which must not be empty; calls `use` first if it is not adjacent to what is
+    /// there.
     template<typename Use>
     void add(const Run& next, const Use& use)
     {
@@ -46,7 +47,7 @@ struct JoinedRun {
         run = next;
     }
 
-    /// Calls `use` if there is something, and begins anew.
+    /// Calls `use` if there is a run, and begins anew.
     template<typename Use>
     void end(const Use& use)
     {
@@ -65,12 +66,12 @@ public:
     Column& operator=(const Column&) = delete;
 
     /// Adds the value of each record, all of which have the field. Throws std::bad_alloc, and
-    /// DataError when the column has no room for more; it must not be used any more then.
+    /// DataError when the column is full; it must not be used after that.
     virtual void append(const Run& run) = 0;
 
     virtual void appendNulls(size_t count) = 0;
 
-    /// Makes room for so many values, as far as their size is known.
+    /// Makes room for that many values, as far as their size is known.
     virtual void reserve(size_t count) = 0;
 
     size_t getLength() const { return m_validity.size(); }
@@ -82,14 +83,14 @@ public:
 protected:
     Column() = default;
 
-    /// The length and validity of the array to be, taken from the column.
+    /// The length and validity of the array, taken from the column.
     ArrayParts takeParts();
 
     Validity m_validity;
 };
 
-/// A column of the plan, which must outlive it. `files` are what columns of kind File have numbers
-/// of.
+/// Makes a column for the plan, which must outlive it. Columns of kind File hold numbers of
+/// `files`.
 std::unique_ptr<Column> makeColumn(const ColumnPlan& plan, const std::vector<std::string>& files);
 
 /// The columns of the records of one type.

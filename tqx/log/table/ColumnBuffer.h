@@ -11,7 +11,7 @@
 namespace tqx
 {
 
-/// Memory of a column: grows at its end, is not cleared, and lies as Arrow recommends it.
+/// Memory of a column: grows at its end, is not cleared, and is aligned as Arrow recommends.
 class ColumnBuffer
 {
 public:

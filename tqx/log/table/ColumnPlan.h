@@ -18,7 +18,7 @@
 namespace tqx
 {
 
-/// Where a number is and which value of it means "not available".
+/// Where a number is, and which of its values means "not available".
 struct NumberSource {
     enum class Form : uint8_t { Unsigned, Signed, Real };
 
@@ -36,7 +36,7 @@ struct DerivedInput {
     NumberSource source;
 };
 
-/// A column: its type, as the world sees it, and where its values are.
+/// A column: its Arrow type, and where its values are.
 struct ColumnPlan {
     enum class Kind : uint8_t {
         Number,
@@ -62,7 +62,7 @@ struct ColumnPlan {
     NumberPlace placeOnWire; ///< of a number, in the block
     std::optional<Scale> scale;
     std::shared_ptr<const NameDictionary> names;
-    std::vector<DerivedInput> inputs; ///< all that must be available for the value to be
+    std::vector<DerivedInput> inputs; ///< what must be available for the value to be available
 
     uint32_t wireStride = 0; ///< of a fixed list: bytes from element to element in the block
 
@@ -85,7 +85,8 @@ private:
     std::shared_ptr<const NameDictionary> namesOf(const RecordPlan::Part& part);
 
     const TableOptions& m_options;
-    /// By the table of names, the width and the code that means "not available", if it has a name.
+    /// Keyed by the table of names, the width and, if it has a name, the code that means "not
+    /// available".
     std::map<std::array<uint64_t, 3>, std::shared_ptr<const NameDictionary>> m_dictionaries;
 };
 

@@ -8,7 +8,7 @@
 namespace tqx
 {
 
-/// Where a number is in a record or block, and how to get it out of its word.
+/// Where a number is in a record or block, and how to extract it from its word.
 struct NumberPlace {
     uint32_t offset = 0;  ///< of the word in bytes
     uint8_t wordSize = 1; ///< in bytes

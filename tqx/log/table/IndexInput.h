@@ -10,9 +10,9 @@
 namespace tqx
 {
 
-/// The blocks of one type that an index finds, read without touching the rest of the log. Rows are
-/// the same as those of one pass over all of it, TOWc included. Several threads can divide the
-/// pages of a log. Offsets are those in `log`.
+/// The blocks of one type, found by an index and read without touching the rest of the log. Rows
+/// equal those of one pass over the whole log, TOWc included. Several threads can divide the pages
+/// of a log. Offsets are those in `log`.
 ///
 ///     IndexedLog log("day.tqx");
 ///     auto schema = std::make_shared<TableSchema>(*findType(name), TableOptions());
@@ -21,9 +21,8 @@ namespace tqx
 class TQX_LOG_API IndexInput : public TableInput
 {
 public:
-    /// Neither is owned, both must outlive the input, and so must the listener, which hears of
-    /// blocks that are refused; it may be null. Of `query`, the numbers are those of the type
-    /// whatever it says.
+    /// Owns none of these, which must outlive the input. The listener, which may be null, receives
+    /// refused blocks. The numbers in `query` are ignored: they are those of the type.
     IndexInput(const Index& index, const RandomAccess& log,
                const Kor::MessageApi::TQX_TypeLayout& type, BlockQuery query = {},
                StreamListener* listener = nullptr);

@@ -10,9 +10,9 @@
 namespace tqx
 {
 
-/// The texts of all codes that an integer field of up to 8 bits can have: their names, and the
-/// digits of those that have none. The place of a text is its code. It never changes, so that all
-/// batches of a column share it.
+/// The texts of all codes of an integer field of up to 8 bits: their names, or their digits where
+/// they have none. The place of a text is its code. Never changes, so that all batches of a column
+/// share it.
 class NameDictionary
 {
 public:
@@ -21,7 +21,7 @@ public:
     /// For a field of `width` bits.
     NameDictionary(const Kor::MessageApi::TQX_FieldFacts& facts, unsigned width);
 
-    /// Of given texts, each of which is there once; codes are their places.
+    /// From given texts, which must be distinct; codes are their places.
     explicit NameDictionary(const std::vector<std::string>& texts);
 
     size_t size() const { return m_offsets.size() - 1; }
@@ -29,8 +29,8 @@ public:
     /// Bytes of an index; they are signed, as some readers want them.
     uint32_t getIndexSize() const { return size() > size_t{INT8_MAX} + 1 ? 2 : 1; }
 
-    /// Empty, or by code the place of its text: of codes that share a name it is the first one's,
-    /// since no text is in a dictionary twice.
+    /// Empty, or the place of the text of each code: codes that share a name have the first one's
+    /// place, since no text is in a dictionary twice.
     const std::vector<uint8_t>& getPlaces() const { return m_places; }
 
     /// UTF-8, one text after the other, and where they begin; the last offset is the end.

@@ -14,7 +14,7 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-/// Adds the end of a list or text, of which so many elements are before it.
+/// Adds the end of a list or text, after so many elements in all.
 void pushOffset(ColumnBuffer& offsets, size_t end)
 {
     if (end > static_cast<size_t>(std::numeric_limits<int32_t>::max()))

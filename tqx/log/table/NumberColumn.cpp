@@ -13,7 +13,7 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-/// Values that are worked on at a time: what is made of them on the way stays in the cache.
+/// Number of values processed at a time: intermediate results stay in the cache.
 constexpr size_t chunk = 256;
 
 struct alignas(64) Scratch {
@@ -47,7 +47,8 @@ void applyTo(const void* values, size_t count, const Scale& scale, void* out)
         to[i] = scale.apply(static_cast<double>(all[i]));
 }
 
-/// What is null is the first text, for readers that look at indices before they look for nulls.
+/// Nulls have the index of the first text, for readers that use indices before they check for
+/// nulls.
 template<typename Index>
 void clearNulls(void* indices, size_t count, const uint8_t* flags)
 {

@@ -44,7 +44,7 @@ private:
 
     const ColumnPlan& m_plan;
     uint32_t m_size;     ///< of an element of the column in bytes
-    uint32_t m_readSize; ///< of what is read for it: stored values, or indices of names
+    uint32_t m_readSize; ///< of size of what is read: stored values, or indices of names
     std::array<Reading, 2> m_readings; ///< in records, on the wire
     FindAvailable m_findAvailable;     ///< null when every value is available
     Apply m_apply;                     ///< null when values are not scaled

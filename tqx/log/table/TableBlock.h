@@ -8,7 +8,7 @@
 namespace tqx
 {
 
-/// A framed block with a valid checksum, and what a table says of it beside its fields.
+/// A framed block with a valid checksum, and what a table says about it besides its fields.
 struct TableBlock {
     const uint8_t* data;
     uint16_t size;

@@ -22,9 +22,9 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-/// Wire heads that are collected before their columns are read.
+/// Number of wire heads collected before their columns are read.
 constexpr size_t mostStaged = 256;
-/// Blocks ahead that are fetched into the cache.
+/// How many blocks ahead to prefetch into the cache.
 constexpr size_t ahead = 16;
 
 void prefetch(const uint8_t* bytes)
@@ -218,8 +218,8 @@ void TableBuilder::Rows::decode(const TableBlock& block)
     m_levels.front().append({m_chain.front(), 0, added, m_revision, false});
 }
 
-/// Adds the rows of the records of level `depth` in the one at hand of the level above, as far as
-/// they come from that level on.
+/// Adds the rows of the records of level `depth` in the current record of the level above, as far
+/// as the rows come from that level on.
 void TableBuilder::Rows::appendEntries(size_t depth)
 {
     const TQX_TypeLayout& owner = *m_plan.levels[depth - 1].type;

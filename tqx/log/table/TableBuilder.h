@@ -23,11 +23,11 @@ namespace tqx
 class TQX_LOG_API TableBuilder
 {
 public:
-    /// Hears of blocks that the codec refuses with a negative code; they have no row.
+    /// Receives blocks that the codec refuses with a negative code; they have no row.
     using Refuse = std::function<void(const TableBlock& block, int32_t code)>;
 
-    /// Shares the schema. `refuse` may be empty; it is called while append() runs, and what it
-    /// throws leaves that. Throws std::bad_alloc.
+    /// Shares the schema. `refuse` may be empty; it is called while append() runs, which passes on
+    /// what it throws. Throws std::bad_alloc.
     explicit TableBuilder(std::shared_ptr<const TableSchema> schema, Refuse refuse = {});
     ~TableBuilder();
     TableBuilder(const TableBuilder&) = delete;
@@ -36,10 +36,10 @@ public:
     /// Adds the rows of blocks, in order, until the batch is full, and returns how many of the
     /// blocks it took. Blocks of other types are taken without a row. The bytes are not needed
     /// afterwards. Throws std::bad_alloc and DataError (more than 2^31 elements of a list in one
-    /// batch), after which the builder must not be used any more.
+    /// batch), after which the builder must not be used.
     size_t append(const TableBlock* blocks, size_t count);
 
-    /// Rows of the batch so far.
+    /// Number of rows in the batch so far.
     size_t getRows() const;
 
     /// Whether the batch has as many rows or bytes as the options allow.

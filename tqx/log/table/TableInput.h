@@ -12,7 +12,7 @@
 namespace tqx
 {
 
-/// Where a table gets its blocks from: all of a stream, or those that an index found.
+/// Where a table gets its blocks from: a whole stream, or what an index finds.
 class TQX_LOG_API TableInput
 {
 public:
@@ -20,11 +20,10 @@ public:
 
     /// Writes the next blocks to `blocks`, at most `capacity` of them, and returns how many: 0 only
     /// at the end. Their bytes stay valid until the next call. Blocks of other types may be among
-    /// them. Several at a time are read faster than one. Throws what it has to; the table ends
-    /// then.
+    /// them. Several at a time are faster than one by one. May throw anything; the table then ends.
     virtual size_t read(TableBlock* blocks, size_t capacity) = 0;
 
-    /// Hears of a block of the table's type that the codec refused with `code`, and that has no
+    /// Receives a block of the table's type that the codec refused with `code`, and that has no
     /// row; called between two reads.
     virtual void refuse(const TableBlock& block, int32_t code);
 
@@ -34,8 +33,8 @@ protected:
     TableInput& operator=(const TableInput&) = default;
 };
 
-/// The blocks of one type out of all that a stream has. All blocks of known types, whether they
-/// decode or not, count for the week of TOWc, those that the stream gave before, too.
+/// The blocks of one type from a stream. All blocks of known types, whether they decode or not,
+/// count for the week of TOWc, even those that the stream returned before.
 ///
 ///     BlockStream blocks(source);
 ///     StreamInput input(blocks, *findType(name));

@@ -8,7 +8,7 @@
 namespace tqx
 {
 
-/// What a table has in it.
+/// What a table contains.
 struct TableOptions {
     /// The fields that become columns. When it shows everything, header fields but TOW and WNc, and
     /// padding, are left out.
@@ -18,11 +18,11 @@ struct TableOptions {
     /// "Type1.Type2": a row for each such sub-block.
     std::string rows;
 
-    /// Integers with a scale factor become float64 values that are multiplied with it; otherwise
-    /// columns have the types of the wire.
+    /// Integers with a scale factor become float64 values multiplied by it; otherwise columns have
+    /// the types of the wire.
     bool isScaled = true;
 
-    /// Integers of up to 8 bits with named values become those names, by a dictionary.
+    /// Integers of up to 8 bits with named values become names, dictionary-encoded.
     bool isNamed = true;
 
     /// Values that mean "not available", and values derived from one that is not, become null.
@@ -35,8 +35,8 @@ struct TableOptions {
     /// Most rows of a batch, at least 1; the sub-blocks of one message stay together, however.
     size_t batchRows = 65536;
 
-    /// A batch ends after so many bytes of blocks, too, which bounds its memory where messages have
-    /// many sub-blocks: columns take some two to eight times as much. At least 1.
+    /// A batch also ends after this many bytes of blocks, which bounds its memory where messages
+    /// have many sub-blocks: columns take about two to eight times as much. At least 1.
     size_t batchBytes = size_t{8} << 20U;
 };
 

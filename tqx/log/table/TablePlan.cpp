@@ -21,7 +21,7 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-/// Wire heads are in the byte order of the format; they are read as they are where that is the
+/// Wire heads are in the byte order of the format, and are read directly where that is the
 /// machine's.
 bool isLittleEndian()
 {
@@ -194,7 +194,7 @@ std::vector<std::string> split(const std::string& path)
     return names;
 }
 
-/// Of equal names, that of the parent gets its type in front.
+/// Where names are equal, the parent's gets its type as a prefix.
 void makeNamesUnique(std::vector<TablePlan::Level>& levels)
 {
     std::set<std::string> known;

@@ -11,9 +11,9 @@
 namespace tqx
 {
 
-/// What a row says of its block beside the fields. Columns read it like a record.
+/// What a row says about its block besides the fields. Columns read it like a record.
 struct RowFacts {
-    /// Of columns of time that is not available.
+    /// In columns of time: not available.
     static constexpr int64_t noTime = INT64_MIN;
 
     int64_t time = noTime; ///< nanoseconds since 1970 in GPS time
@@ -31,7 +31,7 @@ struct WireHead {
     uint32_t stride = 0;              ///< from head to head, TOWc included
 };
 
-/// What a table's columns are and where their values come from.
+/// The columns of a table, and where their values come from.
 struct TablePlan {
     /// Records on the way from the main block to those that have rows, which are the last.
     struct Level {

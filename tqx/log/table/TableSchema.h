@@ -53,7 +53,7 @@ public:
     /// the caller releases what it gets. Throws std::bad_alloc, and leaves `out` as it was.
     void exportTo(ArrowSchema& out) const;
 
-    /// For those who fill tables.
+    /// For the builders of tables.
     const TablePlan& getPlan() const { return *m_plan; }
 
 private:

@@ -12,7 +12,7 @@
 namespace tqx
 {
 
-/// A table that is made while it is read, in constant memory. For one thread at a time.
+/// A table built while it is read, in constant memory. Used by one thread at a time.
 ///
 ///     auto schema = std::make_shared<TableSchema>(*findType(name), TableOptions());
 ///     auto input = std::make_unique<StreamInput>(blocks, schema->getType());
@@ -49,10 +49,10 @@ private:
     bool m_ended = false;
 };
 
-/// Hands a table to whoever reads Arrow. What `out` held is forgotten, not released. Its calls
-/// return 0, ENOMEM, or EIO for anything else that was thrown, whose text get_last_error gives; the
-/// table ends with an error. What the input refers to must live until `out` is released.
-/// Throws std::bad_alloc, and leaves `out` as it was.
+/// Exports a table to an Arrow reader. What `out` held is forgotten, not released. Its calls return
+/// 0, ENOMEM, or EIO for anything else that was thrown, with the text from get_last_error; the
+/// table ends with an error. What the input refers to must live until `out` is released. Throws
+/// std::bad_alloc, and leaves `out` as it was.
 TQX_LOG_API void exportStream(std::unique_ptr<TableStream> table, ArrowArrayStream& out);
 
 } // namespace tqx

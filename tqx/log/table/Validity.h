@@ -8,8 +8,8 @@
 namespace tqx
 {
 
-/// Which values of a column are not null: a bit each, from the lowest bit of the first byte on. As
-/// long as there is no null, there are no bits either.
+/// Which values of a column are not null: one bit each, from the lowest bit of the first byte on.
+/// No bits as long as there is no null.
 class Validity
 {
 public:

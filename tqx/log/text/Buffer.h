@@ -8,10 +8,10 @@
 namespace tqx
 {
 
-/// Growing run of characters that output is formatted into. What it appends most, short pieces of
-/// a known largest size, costs one comparison and a copy. Whatever appends may throw
-/// std::bad_alloc, after which the content is as it was, and makes what data() and view() gave
-/// invalid. Used by one thread at a time.
+/// A growing run of characters into which output is formatted. Appending short pieces of bounded
+/// size, the usual case, costs one comparison and a copy. All appending functions may throw
+/// std::bad_alloc, leaving the content unchanged, and invalidate what data() and view() returned.
+/// Used by one thread at a time.
 class Buffer
 {
 public:
@@ -22,13 +22,13 @@ public:
     void clear() { m_used = 0; }
     std::string_view view() const { return {m_start.get(), m_used}; }
 
-    /// Forgets what is after the first `length` characters.
+    /// Drops everything after the first `length` characters.
     void truncate(size_t length) { m_used = length; }
 
     /// Replaces a character.
     void replace(size_t position, char character) { m_start[position] = character; }
 
-    /// Room for `length` more characters; they count once advance() has said how many were used.
+    /// Room for `length` more characters; call advance() with the number that was used.
     char* reserve(size_t length)
     {
         if (m_capacity - m_used < length)
@@ -44,8 +44,8 @@ public:
         std::memcpy(reserve(length), text, length);
         m_used += length;
     }
-    /// The same for a text after which a chunk more can be read, whatever is there. Copying
-    /// whole chunks is faster: the compiler needs no call for it.
+    /// The same for a text after which one more chunk is readable, whatever it holds. Copying whole
+    /// chunks is faster: the compiler needs no call for it.
     void appendPadded(const char* text, size_t length)
     {
         char* to = reserve(length + chunk);

@@ -7,17 +7,17 @@
 #include <string>
 #include <string_view>
 
-/// Cells of comma separated values as RFC 4180 has them, in UTF-8.
+/// Cells of comma-separated values in the form of RFC 4180, in UTF-8.
 namespace tqx::csv
 {
 
-/// The cell that holds these characters: in quotes where it has to be.
+/// Appends a cell with these characters, in quotes where necessary.
 TQX_LOG_API std::string cell(std::string_view characters);
 
-/// The cell of a text in Latin-1.
+/// Appends a cell with a text in Latin-1.
 TQX_LOG_API void appendLatin1(Buffer& out, const char* text, size_t length);
 
-/// The same of a text that must not be taken for a formula, see guardFrom().
+/// The same for a text that must not be taken for a formula, see guardFrom().
 TQX_LOG_API void appendGuardedLatin1(Buffer& out, const char* text, size_t length);
 
 /// Puts an apostrophe in front of what is after `start` in the buffer if a spreadsheet would

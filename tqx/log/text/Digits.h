@@ -22,8 +22,8 @@ constexpr std::array<Pair, 100> pairs = [] {
 
 } // namespace digits
 
-/// Writes the last `count` digits of a number, up to `end`: the decimals of a number with a fixed
-/// count of them, for which the libraries for numbers have nothing fast.
+/// Writes the last `count` digits of a number, up to `end`: for numbers with a fixed count of
+/// decimals, which standard conversions do not format fast.
 inline void writeDigits(char* end, uint64_t number, unsigned count)
 {
     for (; count >= 2; count -= 2, number /= 100)

@@ -16,7 +16,7 @@ namespace tqx
 namespace
 {
 
-// All of them exact.
+// All exact.
 constexpr double powers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                              1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr int mostDecimals = static_cast<int>(std::size(powers)) - 1;
@@ -40,7 +40,7 @@ struct ExactDigits {
         ++point;
     }
 
-    /// Keeps the first `count` digits, which may be none or negative, and rounds the last of them.
+    /// Keeps the first `count` digits (which may be 0 or negative) and rounds the last of them.
     void keep(int count)
     {
         const bool isUp = count >= 0 && static_cast<size_t>(count) < digits.size() &&
@@ -91,8 +91,8 @@ void appendExact(Buffer& out, double value, int decimals)
     out.append(fraction);
 }
 
-/// Without exact arithmetic. False, and nothing appended, where that is not certain to round right:
-/// a number so close to a tie that multiplying it by the power of ten may have brought it to the
+/// Without exact arithmetic. False, and nothing appended, where the rounding is not certain: a
+/// number so close to a tie that multiplying it by the power of ten may have brought it to the
 /// other side, or one whose digits, the point left out, make `limit` or more. Numbers that are not
 /// finite are among these, and so is everything with more than 22 decimals.
 bool appendFast(Buffer& out, double value, int decimals, double limit)

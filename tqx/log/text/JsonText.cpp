@@ -12,7 +12,7 @@ namespace tqx::json
 namespace
 {
 
-/// Words stand for what is no JSON number. False, and nothing appended, for all others.
+/// Writes words for what is not a JSON number. False, and nothing appended, for all others.
 template<typename Real>
 bool appendNotFinite(Buffer& out, Real value)
 {

@@ -26,7 +26,7 @@ TQX_LOG_API void appendLatin1(Buffer& out, const char* text, size_t length);
 /// String of the bytes in base64, quotes included.
 TQX_LOG_API void appendBase64(Buffer& out, const uint8_t* bytes, size_t length);
 
-/// The string as it would be appended.
+/// The string that would be appended.
 TQX_LOG_API std::string text(std::string_view characters);
 
 /// A member's name as it is written before its value: "name":

@@ -50,8 +50,8 @@ void appendFloat(Buffer& out, float value)
     appendReal(out, value);
 }
 
-// Many values are decimal numbers with few digits. Of up to fifteen digits, only one is next to a
-// double, so it is the shortest text as well, and takes a third of the time.
+// Many values are decimal numbers with few digits. With up to fifteen digits, only one of them is
+// nearest to a double, so it is also the shortest text, and takes a third of the time.
 void appendDouble(Buffer& out, double value)
 {
     constexpr unsigned decimals = 4;

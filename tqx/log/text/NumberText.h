@@ -12,7 +12,7 @@ namespace tqx::number
 TQX_LOG_API void appendUnsigned(Buffer& out, uint64_t value);
 TQX_LOG_API void appendSigned(Buffer& out, int64_t value);
 
-/// At the width of the type; only finite values. A negative zero keeps its sign.
+/// At the precision of the type; only for finite values. A negative zero keeps its sign.
 TQX_LOG_API void appendFloat(Buffer& out, float value);
 TQX_LOG_API void appendDouble(Buffer& out, double value);
 

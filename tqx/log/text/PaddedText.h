@@ -8,7 +8,7 @@
 namespace tqx
 {
 
-/// A text that is appended often, kept in whole chunks.
+/// A text that is appended often, stored in whole chunks.
 class PaddedText
 {
 public:

@@ -27,7 +27,7 @@ void appendEscape(Text& out, uint8_t code)
     out.append(escape, letter == 'x' ? 4 : 2);
 }
 
-/// Length of the character that the text begins with, 0 when that is no UTF-8.
+/// Length of the character that the text begins with, 0 when it is not UTF-8.
 size_t lengthOfFirst(std::string_view text, uint32_t& code)
 {
     static constexpr uint32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
@@ -87,7 +87,7 @@ std::string shortened(std::string_view text, size_t most)
 {
     if (text.size() <= most)
         return printable(text);
-    // Not within a character.
+    // Not inside a character.
     size_t end = most;
     for (size_t steps = 0; steps < 3 && (static_cast<uint8_t>(text[end]) & 0xc0U) == 0x80; ++steps)
         --end;

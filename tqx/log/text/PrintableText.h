@@ -7,9 +7,9 @@
 #include <string>
 #include <string_view>
 
-/// Texts from outside (of logs, names of files, arguments) as they may go to a terminal. Control
-/// characters (C0, DEL, C1) become "\n", "\r", "\t" or "\x1b", so that a text can neither command
-/// the terminal nor pass for another line.
+/// Text from outside (logs, file names, arguments) made safe for a terminal. Control characters
+/// (C0, DEL, C1) become "\n", "\r", "\t" or "\x1b", so that a text can neither control the terminal
+/// nor pass for another line.
 namespace tqx
 {
 

@@ -12,7 +12,7 @@ constexpr size_t cacheLine = 64;
 
 } // namespace
 
-// Holds no text, so that a cache without memory needs no question of its own.
+// Holds no text, so that a cache without memory needs no check of its own.
 const char TextCache::noSlot[sizeof(Head) + Buffer::chunk] = {};
 
 void TextCache::Release::operator()(char* owned) const
@@ -30,7 +30,7 @@ void TextCache::setUp(size_t size, unsigned shift)
     m_placeShift = shift;
 }
 
-// Few slots as long as few are enough: what is often used stays close to the processor.
+// Few slots as long as few suffice: what is often used stays in the processor's cache.
 void TextCache::keep(uint64_t value, std::string_view text)
 {
     constexpr uint32_t period = 256;

@@ -11,8 +11,8 @@ namespace tqx
 {
 
 /// Texts of values that were written before. Most fields of a stream have few different values, and
-/// copying a text costs a fraction of making it. Memory is bounded; a cache that turns out not to
-/// help gives itself up.
+/// copying a text is far cheaper than making it. Memory is bounded; a cache that does not help
+/// disables itself.
 class TextCache
 {
 public:
@@ -63,7 +63,7 @@ private:
     unsigned m_placeShift = 58;
     std::unique_ptr<char, Release> m_memory; ///< of the slots, and a chunk after them
     uint32_t m_found = 0;                    ///< texts, since replaced was 0
-    uint32_t m_replaced = 0;                 ///< texts that had to make room for others
+    uint32_t m_replaced = 0;                 ///< texts that were replaced by others
     bool m_isOff = false;
 };
 

@@ -9,15 +9,15 @@
 namespace tqx
 {
 
-/// Whether UTC has a leap second at the end of that day, counted from 1980-01-06.
+/// Whether UTC has a leap second at the end of a day, counted from 1980-01-06.
 TQX_LOG_API bool endsWithLeapSecond(uint64_t day);
 
-/// Leap seconds that UTC has inserted from 1980-01-06 up to the beginning of that day. Days after
-/// the end of the list have as many as its last.
+/// Number of leap seconds inserted into UTC from 1980-01-06 up to the beginning of that day. Days
+/// after the end of the list have the number of its last day.
 TQX_LOG_API unsigned leapSecondsBefore(uint64_t day);
 
-/// Milliseconds from 1980-01-06 as a clock of UTC counts them that knows no leap seconds: a leap
-/// second has the time of the second after it.
+/// Milliseconds since 1980-01-06 on a UTC clock that ignores leap seconds: a leap second has the
+/// time of the second after it.
 TQX_LOG_API uint64_t utcMillis(GnssMillis millis);
 
 /// "2024-02-10T23:46:22.100Z", the time in UTC; a leap second is the second 60.

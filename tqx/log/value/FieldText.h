@@ -15,9 +15,9 @@
 namespace tqx
 {
 
-/// How the values of one number or character field are written for people: by their names, else
-/// scaled and rounded to the decimals that make sense, or as they are stored. Texts are those of
-/// FieldInfo's getValueString in the C locale.
+/// How the values of one number or character field are written for people: as names, else scaled
+/// and rounded to sensible decimals, or as stored. Texts are those of FieldInfo's getValueString in
+/// the C locale.
 class TQX_LOG_API FieldText
 {
 public:
@@ -30,8 +30,8 @@ public:
     {
     }
 
-    /// Appends the value that is in the bits of a member. Whether the unit belongs after it,
-    /// as it does after numbers but not after names.
+    /// Appends the value in the bits of a member. Returns whether the unit belongs after it: it
+    /// does after numbers, but not after names.
     bool append(Buffer& out, uint64_t word) const;
 
     /// Appends what is written for a value that is not available.

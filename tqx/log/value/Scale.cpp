@@ -29,7 +29,7 @@ Scale::Scale(double factor) : m_multiplier(factor)
             return;
         }
     }
-    // No short decimal number, but one part of an integer, such as 1/3600.
+    // Not a short decimal number, but a fraction such as 1/3600.
     const double parts = std::round(1 / factor);
     if (parts != 0 && 1 / parts == factor) {
         m_multiplier = 1;
@@ -37,7 +37,7 @@ Scale::Scale(double factor) : m_multiplier(factor)
     }
 }
 
-// Of up to fifteen digits, the decimal number is the shortest text of the double next to it.
+// With up to fifteen digits, the decimal number is the shortest text of the nearest double.
 void Scale::append(Buffer& out, bool isNegative, uint64_t magnitude) const
 {
     if (magnitude < m_endOfWhole &&

@@ -9,9 +9,8 @@
 namespace tqx
 {
 
-/// A scale factor, applied so that the result is the double nearest to the decimal number that
-/// the stored integer and the factor as written stand for: 604000100 at 0.001 is 604000.1, not
-/// 604000.1000000001.
+/// A scale factor, applied so that the result is the double nearest to the exact decimal product:
+/// 604000100 at 0.001 is 604000.1, not 604000.1000000001.
 class TQX_LOG_API Scale
 {
 public:
@@ -25,7 +24,7 @@ public:
         return std::isinf(product) ? value / m_divisor * m_multiplier : product / m_divisor;
     }
 
-    /// Appends what apply() gives for an integer, as JSON.
+    /// Appends the result of apply() for an integer, as JSON.
     void append(Buffer& out, bool isNegative, uint64_t magnitude) const;
 
 private:

@@ -20,7 +20,7 @@ int decimalsOf(double step)
         if (whole >= 1 && std::fabs(shifted - whole) < 1e-12 * whole)
             return decimals;
     }
-    // No finite decimal fraction, such as 1/3600: one step of the integer shows in three digits.
+    // Not a finite decimal fraction, such as 1/3600: one step of the integer shows in three digits.
     return std::max(0, static_cast<int>(std::ceil(-std::log10(step))) + 2);
 }
 
@@ -31,10 +31,10 @@ int shownDecimals(const Kor::MessageApi::TQX_FieldFacts& field)
     constexpr int usual = 6;
     const double step = std::fabs(TQX_scale(field));
     if (field.precision >= 0) {
-        const bool isVisible = field.scale == 0 || step * std::pow(10, field.precision) >= 0.5;
+        const bool isVisible = step == 0 || step * std::pow(10, field.precision) >= 0.5;
         return isVisible ? field.precision : -1;
     }
-    return field.scale == 0 ? usual : decimalsOf(step);
+    return step == 0 ? usual : decimalsOf(step);
 }
 
 } // namespace tqx

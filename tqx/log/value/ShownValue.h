@@ -15,8 +15,8 @@
 namespace tqx
 {
 
-/// How the values of one number or character field are written, by what is known of the field.
-/// Immutable; layout and facts live as long as the codec.
+/// How the values of one number or character field are written, according to its facts. Immutable;
+/// layout and facts live as long as the codec.
 class TQX_LOG_API ShownValue
 {
 public:
@@ -25,11 +25,11 @@ public:
                const Kor::MessageApi::TQX_FieldFacts& facts, bool isPacked,
                const Notation& notation, const ValueStyle& style = {});
 
-    /// Appends the value that is in the bits of a member: its name, what the notation has
-    /// for not available, else the number times its scale factor.
+    /// Appends the value in the bits of a member: its name, the notation's word for "not
+    /// available", or the number times its scale factor.
     void append(Buffer& out, uint64_t word) const;
 
-    /// Appends what the notation has for not available.
+    /// Appends the notation's word for "not available".
     void appendNotAvailable(Buffer& out) const { out.append(m_notation.notAvailable); }
 
 private:

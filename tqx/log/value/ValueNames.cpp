@@ -34,7 +34,7 @@ ValueNames::ValueNames(const TQX_FieldLayout& layout, const TQX_FieldFacts& fact
         m_entries.emplace_back(static_cast<uint64_t>(named.value), notation.name(named.name));
     if (notation.prefersNames)
         addNotAvailable();
-    // Of several names for a value the first one counts.
+    // The first of several names for a value counts.
     std::stable_sort(m_entries.begin(), m_entries.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });
     m_direct.resize(m_entries.empty() ? 0 : small);

@@ -13,12 +13,12 @@
 namespace tqx
 {
 
-/// What stands for the values of an integer field that are not shown as numbers: their
-/// names, and a word for what is not available. Immutable; the texts live as long as this.
+/// The texts of the values of an integer field that are not shown as numbers: names, and a word for
+/// "not available". Immutable; the texts live as long as this object.
 class TQX_LOG_API ValueNames
 {
 public:
-    /// Field of any type; fields that are no integers have no names.
+    /// For a field of any type; only integers have names.
     ValueNames(const Kor::MessageApi::TQX_FieldLayout& layout,
                const Kor::MessageApi::TQX_FieldFacts& facts, const Notation& notation);
 

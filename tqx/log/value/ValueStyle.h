@@ -15,19 +15,19 @@ struct ValueStyle {
     bool hasSymbols = false;  ///< units by their symbols, "m/s", not by words
 };
 
-/// The unit that follows a value of the field, empty for none.
+/// The unit to write after a value of the field, empty for none.
 TQX_LOG_API std::string_view shownUnit(const Kor::MessageApi::TQX_FieldFacts& field,
                                        const ValueStyle& style);
 
 /// The name of a unit, in the style: "second" or "s".
 TQX_LOG_API std::string_view shownUnit(std::string_view unit, const ValueStyle& style);
 
-/// What values of the field are multiplied with when they are shown; 0 for none.
+/// The factor by which shown values of the field are multiplied; 0 for none.
 TQX_LOG_API double shownScale(const Kor::MessageApi::TQX_FieldFacts& field,
                               const ValueStyle& style);
 
-/// The same as shownDecimals(field) in ShownDecimals.h, for the unit that is shown: as many in
-/// degrees as resolve what they do in radians.
+/// Like shownDecimals(field) in ShownDecimals.h, for the unit shown: enough in degrees for the same
+/// resolution as in radians.
 TQX_LOG_API int shownDecimals(const Kor::MessageApi::TQX_FieldFacts& field,
                               const ValueStyle& style);
 

@@ -10,7 +10,7 @@
 namespace tqx
 {
 
-/// The columns that every row begins with: which message of its type it is from, and its time.
+/// The first columns of every row: the index of its message within the type, and its time.
 class TQX_LOG_API CsvKey
 {
 public:

@@ -13,7 +13,7 @@ namespace tqx
 
 using namespace Kor::MessageApi;
 
-/// What is written of one member.
+/// What to write of one member.
 struct CsvTable::Step {
     MemberReader member;
     TextCache cache;                ///< of a number
@@ -25,7 +25,7 @@ struct CsvTable::Step {
 namespace
 {
 
-/// Elements of an array share a cell, which is put in quotes as a whole.
+/// Elements of an array share one cell, which is quoted as a whole.
 std::string unquoted(std::string_view characters)
 {
     return std::string(characters);

@@ -18,11 +18,11 @@ namespace tqx
 /// How the cells of a table are written.
 struct CsvStyle {
     ValueStyle values;
-    /// Texts of a log that a spreadsheet would take for formulas, those that begin with = + - @, a
-    /// tab or a carriage return, get an apostrophe in front.
+    /// Puts an apostrophe before texts that a spreadsheet would take for formulas: those that begin
+    /// with = + - @, a tab or a carriage return.
     bool isSafe = false;
-    /// Of all rows those that it holds for, null for all; must outlive the tables. The types of
-    /// these are among those that it was made for.
+    /// Selects rows; null for all. Must outlive the tables, whose types must be among those that it
+    /// was made for.
     const RowCondition* rows = nullptr;
 };
 
@@ -38,15 +38,15 @@ public:
         std::unique_ptr<CsvTable> table;
     };
 
-    /// The table of a type, with the fields that the filter shows. Headers of blocks and padding
-    /// are shown only where it names them.
+    /// The table of a type, with the fields that the filter shows. Block headers and padding are
+    /// shown only if it names them.
     CsvTable(const Kor::MessageApi::TQX_TypeLayout& type, const FieldFilter& shown,
              const CsvStyle& style);
     ~CsvTable();
     CsvTable(const CsvTable&) = delete;
     CsvTable& operator=(const CsvTable&) = delete;
 
-    /// Whether records have a row of their own, beside those of the children.
+    /// Whether records have a row of their own, besides those of the children.
     bool hasRows() const { return m_showsKey || !m_columns.empty(); }
 
     /// Names of the columns with their units: "Height [meter]".

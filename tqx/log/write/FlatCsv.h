@@ -11,10 +11,10 @@
 namespace tqx
 {
 
-/// The messages of one type as one table. A message with sub-blocks has a row for each of them, in
-/// which what is above the sub-block is repeated; columns of other sub-blocks are empty.
+/// The messages of one type as one table. A message with sub-blocks has one row per sub-block,
+/// which repeats the fields of its parents; columns of other sub-blocks are empty.
 ///
-/// Used by one thread at a time. What cannot be appended for want of memory throws std::bad_alloc.
+/// Used by one thread at a time. Throws std::bad_alloc when there is no memory to append to.
 class TQX_LOG_API FlatCsv
 {
 public:

@@ -23,23 +23,23 @@ struct ParagraphPlan;
 /// field, each a step further in. Texts are those of the metadata in the C locale; the values come
 /// straight from the records.
 ///
-/// Used by one thread at a time. What cannot be appended for want of memory throws std::bad_alloc.
+/// Used by one thread at a time. Throws std::bad_alloc when there is no memory to append to.
 class TQX_LOG_API Paragraph
 {
 public:
-    /// With `isUtc` the time in the first line is in UTC, without it on the GPS scale. The filter
-    /// must outlive this.
+    /// With `isUtc` the time in the first line is in UTC, otherwise in GPS time. The filter must
+    /// outlive this object.
     explicit Paragraph(const FieldFilter& filter, const ValueStyle& style = {}, bool isUtc = false);
     ~Paragraph();
     Paragraph(const Paragraph&) = delete;
     Paragraph& operator=(const Paragraph&) = delete;
 
     /// Appends the paragraph of a block that was decoded to `record`. Fields of the block's header
-    /// are in the first line only, unless the filter names them; for a type without message class
-    /// it is the first line alone. Nothing when the filter shows no field of the type.
+    /// are in the first line only, unless the filter names them; a type without a message class has
+    /// only the first line. Appends nothing when the filter shows no field of the type.
     void write(Buffer& out, const Block& block, const void* record);
 
-    /// Appends the first line alone, for a block that there is nothing to show of. Nothing when
+    /// Appends only the first line, for a block without anything else to show. Appends nothing when
     /// there is a filter.
     void writeTitle(Buffer& out, const Block& block);
 

@@ -158,7 +158,7 @@ void Writer::writeArray(const TQX_TypeLayout& type, const TQX_FieldLayout& field
         writeElement(field, element + size_t{i} * size);
     }
     m_out.append(']');
-    // Bytes that fill no whole element stand in one that is not shown.
+    // Bytes that do not fill an element are in one that is not shown.
     if (field.countsBytes && TQX_unsignedValue(type.fields[field.count], record) % size != 0)
         m_exact = m_exact && TQX_unsignedValue(field, record, count) == 0;
 }

@@ -20,11 +20,11 @@ struct RawPlan;
 ///     {"block":"<name>","fields":{"Sync1":"$",...,"WNc":2300}}
 ///
 /// Every field that has bytes of its own in the block is there; absent ones are left out, and
-/// so is padding that holds zeros. A block that its fields alone would not bring back byte for
-/// byte has a member "bytes" as well, and a block without message class, of an unknown number or
-/// that does not decode has nothing else: {"number":4213,"bytes":"..."}.
+/// so is padding that holds zeros. A block that cannot be restored byte for byte from its fields
+/// also has a member "bytes"; a block that has no message class, has an unknown number or does not
+/// decode has only that: {"number":4213,"bytes":"..."}.
 ///
-/// Used by one thread at a time. What cannot be appended for want of memory throws std::bad_alloc.
+/// Used by one thread at a time. Throws std::bad_alloc when there is no memory to append to.
 class TQX_LOG_API RawJson
 {
 public:
@@ -35,11 +35,11 @@ public:
     RawJson(const RawJson&) = delete;
     RawJson& operator=(const RawJson&) = delete;
 
-    /// Appends the line of a block that decoded. Nothing when the filter shows no field of its
-    /// type.
+    /// Appends the line of a block that decoded. Appends nothing when the filter shows no field of
+    /// its type.
     void write(Buffer& out, const DecodedBlock& decoded);
 
-    /// Appends the line that has only the bytes. Nothing when there is a filter.
+    /// Appends a line with only the bytes. Appends nothing when there is a filter.
     void writeBytes(Buffer& out, const Block& block) const;
 
 private:

@@ -23,7 +23,7 @@ struct ValuePlan {
         ShownValue value;
     };
 
-    /// What is written of one member.
+    /// What to write of one member.
     struct Step {
         MemberReader member;
         TextCache cache;                 ///< of a number

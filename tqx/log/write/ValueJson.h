@@ -17,7 +17,7 @@ namespace tqx
 
 struct ValuePlan;
 
-/// Writes blocks as JSON Lines of the values that they stand for, in terms of the metadata:
+/// Writes blocks as JSON Lines of the values that they mean, in terms of the metadata:
 ///
 ///     {"block":"<name>","time":{"scale":"GPS","gnss":"2024-02-10T23:46:40.100",
 ///      "utc":"2024-02-10T23:46:22.100Z"},"fields":{"TOW":604000.1,"Type1":[{"SVID":"G05",...}],...}}
@@ -26,26 +26,27 @@ struct ValuePlan;
 /// of the filter.
 ///
 /// Integers are multiplied by their scale factor, values with a name are that name, values that
-/// are not available are null; packed words stand beside the values they are packed from. Absent
-/// fields are left out, sub-blocks are objects in arrays, or one object where there is never more.
+/// are not available are null; packed words appear beside the values they contain. Absent fields
+/// are left out, sub-blocks are objects in arrays, or one object where there is never more.
 ///
 /// The values come straight from the records, which is several times as fast as asking the field
-/// metadata for each. Used by one thread at a time. What cannot be appended for want of memory
-/// throws std::bad_alloc.
+/// metadata for each. Used by one thread at a time. Throws std::bad_alloc when there is no memory
+/// to append to.
 class TQX_LOG_API ValueJson
 {
 public:
-    /// Of the style only whether angles are in degrees counts. The filter must outlive this.
+    /// The style matters only for whether angles are in degrees. The filter must outlive this
+    /// object.
     explicit ValueJson(const FieldFilter& filter, const ValueStyle& style = {});
     ~ValueJson();
     ValueJson(const ValueJson&) = delete;
     ValueJson& operator=(const ValueJson&) = delete;
 
     /// Appends the line of a block that decoded. Without a message class it has bytes instead of
-    /// fields, see writeBytes(). Nothing when the filter shows no field of its type.
+    /// fields, see writeBytes(). Appends nothing when the filter shows no field of its type.
     void write(Buffer& out, const DecodedBlock& decoded);
 
-    /// Appends the line of a block whose fields are not known, if there is no filter:
+    /// Appends the line of a block whose fields are unknown, unless there is a filter:
     ///
     ///     {"number":8191,"time":{...},"bytes":"JEAi..."}
     ///

@@ -114,7 +114,7 @@ void TQXDecoder::publishEvent(MessageApiEvent::Type type, const QString& text)
     newEvent(MessageApiEvent(type, text, TQX_FormatInfo::getInstance()));
 }
 
-// Texts are only built for someone who listens: a stream may hold nothing but disabled types.
+// Texts are only built if anyone listens: a stream may hold nothing but disabled types.
 void TQXDecoder::publishFailure(int32_t result)
 {
     static const QMetaMethod eventSignal = QMetaMethod::fromSignal(&MessageSource::newEvent);

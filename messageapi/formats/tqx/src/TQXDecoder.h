@@ -39,7 +39,7 @@ public Q_SLOTS:
 public:
     /// Enables every main block type, those without message class included.
     void enableAllMessages() override;
-    /// Disables them again. What was enabled for sub-block types stays, and means nothing.
+    /// Disables them again. Bits of sub-block types stay set, without any effect.
     void disableAllMessages() override;
 
     /// Enables or disables one type from the next block on. Numbers outside 0 to TQX_lastRecordType

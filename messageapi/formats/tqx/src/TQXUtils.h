@@ -9,9 +9,9 @@ class FieldInfo;
 class Message;
 class MessageInfo;
 
-/// The time in the header of any TQX message, read through its metadata. What each message type
-/// offers is looked up once for the whole process, under a lock: any thread may ask about its own
-/// messages. Nothing throws; messages are not null and, if they are TQX messages, hold a record.
+/// The time in the header of any TQX message, read through its metadata. What each message type has
+/// is looked up once per process, under a lock: any thread may ask about its own messages. Nothing
+/// throws; messages are not null and, if they are TQX messages, hold a record.
 class TQX_API TQXUtils
 {
 public:

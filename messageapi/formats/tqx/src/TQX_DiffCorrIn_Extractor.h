@@ -12,7 +12,7 @@ class FieldInfo;
 class Message;
 class MessageSource;
 
-/// Takes the differential corrections of one format out of the "DiffCorrIn" messages of a source
+/// Extracts the differential corrections of one format from the "DiffCorrIn" messages of a source
 /// and feeds them to a decoder of that format, whose receivers then see them as messages. All other
 /// messages are ignored.
 class TQX_API TQX_DiffCorrIn_Extractor : public QObject
@@ -33,8 +33,8 @@ public:
 
 public Q_SLOTS:
     /// Feeds the target with the corrections in `message`, which is not null; an empty payload is
-    /// passed on too. Does nothing for other messages and other modes. What the target returns is
-    /// ignored: its own receivers hear of failures.
+    /// passed on, too. Does nothing for other messages and other modes. The target's result is
+    /// ignored: failures are reported to its own receivers.
     void processNewMessage(const Message* message);
 
 protected:

@@ -16,11 +16,11 @@ bool isInstalled(const dbg_CallBacks_s& ours)
            installed->unlock == ours.unlock && installed->report == ours.report;
 }
 
-// What has to be known as soon as the library is loaded. The diagnostics are set up, unless the
-// host has done so: with its call-back table if it has installed one, else with that of korguibase.
-// Their output goes to standard output unless KOR_TQX_LOGFILE names a file; a failed assertion ends
-// the process. korguibase may be unloaded together with this library, so its table goes first,
-// unless the host has put another in its place.
+// Set-up needed as soon as the library is loaded. The diagnostics are set up, unless the host has
+// done so: with its call-back table if it has installed one, else with that of korguibase. Their
+// output goes to standard output unless KOR_TQX_LOGFILE names a file; a failed assertion ends the
+// process. korguibase may be unloaded together with this library, so its table goes first, unless
+// the host has put another in its place.
 struct StartUp {
     StartUp()
     {

@@ -14,7 +14,7 @@ namespace
 
 std::atomic<int> traceLevel{-1};
 
-// Whether the header time of messages of this type is the time that they are of.
+// Whether the header time of messages of this type is the time of their content.
 bool countsHeaderTime(const MessageInfo* info)
 {
     const QVariant timestamp = info->getAttribute(QStringLiteral("timestamp"));

@@ -13,7 +13,7 @@ namespace Kor::MessageApi
 /// Source that the codec's assertions name.
 constexpr const char codecPath[] = "messageapi\\formats\\tqx\\src\\generated\\TQX_codec";
 
-/// Asserts that `father`, the direct parent, exists and is of the kind that the type asks for.
+/// Asserts that `father`, the direct parent, exists and is of the kind that the type requires.
 void assertKind(const TQX_TypeLayout& type, const void* father);
 
 /// Asserts that the parent links lead to a main block and returns its record.

@@ -13,7 +13,7 @@ namespace Kor::MessageApi::Derived
 /// Speed of light in vacuum, metres per second (the value of the GNSS interface documents).
 constexpr double speedOfLight = 299792458.0;
 
-/// Signal number of a measurement. Index 31 says that the number continues in `slot`.
+/// Signal number of a measurement. Index 31 means that the number continues in `slot`.
 constexpr uint8_t signalNumber(uint8_t index, uint8_t slot)
 {
     return static_cast<uint8_t>(index == 31 ? 32 + slot : index);
@@ -98,7 +98,7 @@ inline double dopplerOffsetHertz(double firstDoppler, double firstFrequency, dou
     return firstDoppler * (frequency / firstFrequency) + joinOffset(msb, lsb) * 0.0001;
 }
 
-/// What float fields hold when they have no value.
+/// The value of float fields that are not available.
 constexpr double notAvailable = -2e10;
 
 /// Square root of a variance, "not available" when the variance is that or negative.
@@ -151,7 +151,7 @@ constexpr uint64_t joinWords(uint32_t msb, uint32_t lsb)
     return uint64_t{msb} << 32U | lsb;
 }
 
-/// Number of whole 32-bit words in a payload that is counted in bytes.
+/// Number of complete 32-bit words in a payload that is counted in bytes.
 constexpr uint32_t wordCount(uint32_t bytes)
 {
     return bytes / 4U;

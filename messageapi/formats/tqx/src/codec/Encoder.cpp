@@ -118,7 +118,7 @@ private:
     int32_t m_pending = 0;
 };
 
-// A record that is only re-encoded belongs to someone who expects it unchanged.
+// The owner of a record that is only re-encoded expects it unchanged.
 void Encoder::count(void* record, uint32_t bits)
 {
     if (m_fields == Fields::All)
@@ -215,7 +215,7 @@ int32_t Encoder::writeArray(const TQX_TypeLayout& type, const TQX_FieldLayout& f
 }
 
 // Every entry takes the length that its block states. When a decoded block is written back, what is
-// shorter is filled up; else only entries whose content, and so whose size, a selector chooses, and
+// shorter is padded; else only entries whose content, and so whose size, a selector chooses, and
 // these only when the length is one that the encoder forces.
 int32_t Encoder::fillTo(const TQX_TypeLayout& type, uint32_t entryEnd)
 {

@@ -207,8 +207,8 @@ int32_t ExactDecoder::readEntry(const TQX_FieldLayout& field, uint32_t index)
     return result;
 }
 
-// Built types have entries so small that any count of them can be allocated. Others could ask for
-// more memory than there is, with a block of a few bytes.
+// Built-in types have entries so small that any count of them can be allocated. Others could
+// request more memory than there is, with a block of a few bytes.
 bool ExactDecoder::hasRoomFor(const TQX_FieldLayout& field, uint32_t count) const
 {
     if (field.sub->described == nullptr)

@@ -11,7 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 
-/// What the generated straight-line decoders are made of.
+/// Building blocks of the generated straight-line decoders.
 namespace Kor::MessageApi
 {
 
@@ -22,7 +22,7 @@ void clearMembers(Record& record, size_t from, size_t to)
     std::memset(static_cast<uint8_t*>(static_cast<void*>(&record)) + from, 0, to - from);
 }
 
-/// Zeroes the first `count` elements of an array, or all that there are.
+/// Zeroes the first `count` elements of an array, or all if there are fewer.
 template<typename Element, size_t size>
 void clearElements(Element (&array)[size], size_t count)
 {

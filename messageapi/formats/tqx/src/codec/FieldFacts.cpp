@@ -26,7 +26,7 @@ double realOf(const TQX_FieldLayout& field, const void* record)
     return value;
 }
 
-// Null for a built type.
+// Null for a built-in type.
 const TQX_DescribedFacts* describedFacts(const TQX_FieldFacts& field)
 {
     return field.has(TQX_FieldFacts::Described) ? static_cast<const TQX_DescribedFacts*>(&field)

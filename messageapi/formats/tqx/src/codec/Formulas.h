@@ -13,7 +13,7 @@ namespace Kor::MessageApi
 /// The most arguments that a formula has.
 constexpr unsigned mostArguments = 5;
 
-/// A number on its way into or out of a formula, without loss.
+/// A number passed to or from a formula without loss.
 class Argument
 {
 public:
@@ -66,7 +66,7 @@ private:
     Kind m_kind = Kind::Unsigned;
 };
 
-/// A formula by its name, for types that no code is generated for.
+/// A formula by its name, for types without generated code.
 struct TQX_Formula {
     const char* name;
     unsigned arguments;

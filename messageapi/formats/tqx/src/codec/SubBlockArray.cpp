@@ -18,7 +18,7 @@ bool isEntry(const TQX_FieldLayout& field)
     return field.kind == TQX_FieldKind::Blocks || field.kind == TQX_FieldKind::Embedded;
 }
 
-// Whether there can be something to free.
+// Whether there may be something to free.
 bool ownsArrays(const TQX_TypeLayout& type)
 {
     return type.release != nullptr ||
@@ -68,7 +68,7 @@ void separate(const TQX_TypeLayout& type, const TQX_FieldLayout& field, void* re
 
 void freeArrays(const TQX_TypeLayout& type, const void* record);
 
-// Mostly the only array of an entry is borrowed or empty: that takes one look at it.
+// Usually the only array of an entry is borrowed or empty: one check suffices.
 void freeNested(const TQX_TypeLayout& sub, const void* array, uint32_t count)
 {
     const TQX_FieldLayout& first = sub.fields[sub.firstSubBlock];
@@ -83,7 +83,8 @@ void freeNested(const TQX_TypeLayout& sub, const void* array, uint32_t count)
     }
 }
 
-// Frees the arrays below a record. The record itself is left as it is: mostly it is about to go.
+// Frees the arrays below a record. The record itself is unchanged: it is usually about to be
+// destroyed.
 void freeArrays(const TQX_TypeLayout& type, const void* record)
 {
     if (!ownsArrays(type))

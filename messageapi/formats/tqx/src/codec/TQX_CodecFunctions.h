@@ -24,8 +24,8 @@
 /// Records and what they own. A record is the caller's memory. The sub-block arrays below it are
 /// allocated by decoding and by TQX_append_*, and belong to the record: TQX_release() frees them,
 /// and so does the destructor of a record type that has arrays. TQX_OwnedRecord owns a record of
-/// any type; other memory (TQX_AnyRecord_u) is released by the caller. Whoever copies a record byte
-/// by byte moves the ownership and must not release both.
+/// any type; other memory (TQX_AnyRecord_u) is released by the caller. Copying a record byte by
+/// byte moves the ownership: do not release both.
 ///
 /// Using a record again. Neither init nor decoding frees anything, since the memory that they are
 /// given may never have been a record: release a used record first. Nothing of an earlier use of

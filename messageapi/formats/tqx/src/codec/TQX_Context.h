@@ -21,8 +21,8 @@ constexpr uint8_t TQX_enableBit(unsigned recordType)
     return static_cast<uint8_t>(0x80U >> (recordType % 8));
 }
 
-/// What decoding carries from block to block. Plain, owned by the caller, copyable by value;
-/// TQX_init_context() prepares it.
+/// The state that decoding carries from block to block. Plain, owned by the caller, copyable by
+/// value; TQX_init_context() prepares it.
 struct TQX_Context_s {
     /// One bit per record type e of the first edition: byte (e + 1) / 8, bit 0x80 >> (e mod 8). A
     /// set bit lets the type be decoded.
@@ -35,7 +35,7 @@ struct TQX_Context_s {
     uint32_t lastTOW;
 #if TQX_HAS_LATER_TYPES
     /// Likewise for types of later editions, e counted from the first of them: byte e / 8, bit
-    /// 0x80 >> (e mod 8). Has room for types that are still to come.
+    /// 0x80 >> (e mod 8). Has room for future types.
     uint8_t laterMask[TQX_laterRecordTypes / 8];
 #endif
 };

@@ -5,12 +5,12 @@
 
 #include <cstdint>
 
-/// What types have that were read from a description at run time. Built types have generated code
-/// and tables for it. All memory belongs to whoever made the layouts, and outlives their records.
+/// Additional data of types read from a description at run time. Built-in types have generated code
+/// and tables instead. All memory belongs to the maker of the layouts, and outlives their records.
 namespace Kor::MessageApi
 {
 
-/// Facts of a field of a described type: values where those of built types have indices.
+/// Facts of a field of a described type: values where those of built-in types have indices.
 struct TQX_DescribedFacts : TQX_FieldFacts {
     const TQX_TypeLayout* type = nullptr; ///< that the field is of
     const char* unitWord = "";

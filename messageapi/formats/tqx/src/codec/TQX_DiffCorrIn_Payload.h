@@ -23,7 +23,7 @@ struct TQX_Corrections {
 inline TQX_Corrections TQX_correctionsOf(const TQX_DiffCorrIn_s& record)
 {
     const auto part = [&record](const auto& payload) {
-        // A length that is no multiple of the words could point after the last.
+        // A length that is not a multiple of the words could point past the last.
         const size_t size = std::min<size_t>(record.Data_Byte_Length, sizeof payload);
         return TQX_Corrections{reinterpret_cast<const uint8_t*>(&payload),
                                static_cast<uint32_t>(size)};

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
-/// What the values of fields mean, beside where they are (TQX_Layout.h): units, scales, named
+/// What the values of fields mean, besides where they are (TQX_Layout.h): units, scales, named
 /// values, which value means "not available". Rows hold indices of tables that all types share, so
 /// that they are small and need no relocation; the functions below look them up. Nothing here
 /// allocates or throws, and everything may be used from several threads. Texts are UTF-8, end with
@@ -128,11 +128,11 @@ struct TQX_FieldInputs {
 /// Unit word, such as "meter"; empty for none.
 TQX_CODEC_API std::string_view TQX_unit(const TQX_FieldFacts& field);
 
-/// Symbol of a unit word, such as "m" or "m/s²"; empty for what is no unit word of the description.
-/// Takes a search: look it up once for a field, not for each value.
+/// Symbol of a unit word, such as "m" or "m/s²"; empty for anything but a unit word of the
+/// description. Takes a search: look it up once for a field, not for each value.
 TQX_CODEC_API std::string_view TQX_unitSymbol(std::string_view unit);
 
-/// What a stored integer is multiplied with; 0 for none.
+/// The factor of a stored integer; 0 for none.
 TQX_CODEC_API double TQX_scale(const TQX_FieldFacts& field);
 
 /// The value of an integer field that means "not available", in two's complement when it is signed;
@@ -157,9 +157,9 @@ inline bool TQX_isRealDoNotUse(const TQX_FieldFacts& field, double value)
 /// The named values of a field, without the one of NamesDoNotUse.
 TQX_CODEC_API TQX_NamedValues TQX_namedValues(const TQX_FieldFacts& field);
 
-/// The fields that a derived value is not available without, near and far: what it is computed
-/// from, what that is computed from, and so on. None for fields that are not derived, and for those
-/// whose inputs always have a value.
+/// The fields without which a derived value is not available, direct and indirect: what it is
+/// computed from, what that is computed from, and so on. None for fields that are not derived, and
+/// for those whose inputs always have a value.
 TQX_CODEC_API TQX_FieldInputs TQX_inputs(const TQX_FieldFacts& field);
 
 /// Whether all inputs of a field of `record` are available; true for a field without inputs. The

@@ -105,7 +105,7 @@ struct TQX_TypeLayout {
     int (*init)(void* record);
     int (*encode)(unsigned char* buffer, unsigned short bufferSize, void* record); ///< main only
     void (*release)(void* record);
-    const TQX_DescribedType* described; ///< null for built types
+    const TQX_DescribedType* described; ///< null for built-in types
 };
 
 /// Record types from here on are those of descriptions, each valid within its schema.

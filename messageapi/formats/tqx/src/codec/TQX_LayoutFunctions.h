@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-/// What the codec does with a record whose layout is at hand, be its type built or described. The
+/// Functions of the codec on a record with a given layout, of a built-in or described type. The
 /// contracts are those of TQX_CodecFunctions.h.
 namespace Kor::MessageApi
 {

@@ -50,7 +50,7 @@ TQX_OwnedRecord::TQX_OwnedRecord(TQX_OwnedRecord&& other) noexcept = default;
 
 TQX_OwnedRecord& TQX_OwnedRecord::operator=(TQX_OwnedRecord&& other) noexcept
 {
-    // What this one held goes with `other`.
+    // The old content moves to `other`.
     std::swap(m_memory, other.m_memory);
     std::swap(m_size, other.m_size);
     std::swap(m_described, other.m_described);

@@ -9,10 +9,10 @@
 namespace Kor::MessageApi
 {
 
-/// Makes raw memory for a record safe to release: whatever was there is forgotten, not freed.
+/// Makes raw memory for a record safe to release: previous content is forgotten, not freed.
 TQX_CODEC_API void TQX_markEmpty(void* record);
 
-/// A record of any type with the memory that it lives in and the arrays that it owns.
+/// A record of any type, with its memory and the arrays that it owns.
 ///
 ///     TQX_OwnedRecord record;
 ///     if (record.decode(&context, bytes, size) > 0)
@@ -37,8 +37,9 @@ public:
     TQX_OwnedRecord(const TQX_OwnedRecord&) = delete;
     TQX_OwnedRecord& operator=(const TQX_OwnedRecord&) = delete;
 
-    /// Decodes a framed block of a built type in place of what the record held, see TQX_decode().
-    /// Only for a record with room for the largest of these. After a failure the record is empty.
+    /// Decodes a framed block of a built-in type, replacing the content of the record, see
+    /// TQX_decode(). Only for a record with room for the largest of these. After a failure the
+    /// record is empty.
     int32_t decode(TQX_Context_s* context, const uint8_t* bytes, uint16_t size);
 
     /// Likewise, a block of this main block's type, for which room is made: see TQX_decodeAs().
@@ -53,7 +54,7 @@ public:
     /// Frees what the record owns and empties it.
     void clear();
 
-    /// Layout of the type at hand, null when the record is empty.
+    /// Layout of the current type, null when the record is empty.
     const TQX_TypeLayout* layout() const
     {
         return m_described ? m_described : TQX_layout(header().korcg_type);

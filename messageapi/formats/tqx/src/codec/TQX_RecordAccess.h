@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-// A record of any type may be looked at through its head.
+// A record of any type may be accessed through its head.
 #if defined(__GNUC__)
 #define TQX_MAY_ALIAS __attribute__((may_alias))
 #else
@@ -65,8 +65,8 @@ TQX_CODEC_API void* TQX_element(const TQX_FieldLayout& field, void* record, uint
 /// Size of one element of a member in bytes.
 TQX_CODEC_API uint32_t TQX_elementSize(const TQX_FieldLayout& field);
 
-/// Whether the record carries the field. A sub-block's revision is that of its main block; with
-/// a null parent link on the way there a revision-dependent field is absent.
+/// Whether the record carries the field. A sub-block's revision is that of its main block; with a
+/// null parent link on the way, a revision-dependent field is absent.
 TQX_CODEC_API bool TQX_isPresent(const TQX_TypeLayout& type, const TQX_FieldLayout& field,
                                  const void* record);
 

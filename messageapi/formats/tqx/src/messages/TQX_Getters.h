@@ -6,7 +6,7 @@
 
 #include <atomic>
 
-// Small pieces that the generated message classes share.
+// Helpers shared by the generated message classes.
 
 /// Revision of the main block `links` parent links above a sub-block's record, -1 when a link is
 /// missing: such a record carries no field that depends on the revision.

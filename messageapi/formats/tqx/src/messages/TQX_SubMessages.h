@@ -7,8 +7,8 @@
 
 #include <utility>
 
-// The cache of child messages that a message with sub-blocks keeps. Children are distinguished by
-// the record that they read, so a message whose record is refilled in place keeps its children.
+// The cache of child messages in a message with sub-blocks. Children are distinguished by the
+// record that they read, so a message whose record is refilled in place keeps its children.
 
 /// Rebuilds the children of the sub-block arrays of one message. Takes all children out of `owned`
 /// when it is made, puts those that still fit and new ones back as arrays are built, and

@@ -7,8 +7,8 @@
 
 class Message;
 
-/// Reads the records of messages. The one place of the metadata that knows where a message
-/// keeps its record.
+/// Reads the records of messages. The only place in the metadata that knows where a message keeps
+/// its record.
 class TQX_FieldAccess
 {
 public:

@@ -37,7 +37,7 @@ public:
     /// FieldAccess for a message of another type, an absent field and an index out of range.
     FieldValue getValue(const Message* message, unsigned index) const override;
 
-    /// The same without any test; the caller has asked hasValue() and getNumberOfValues().
+    /// The same without any check; the caller has called hasValue() and getNumberOfValues().
     FieldValue getValueUnchecked(const Message* message, unsigned index) const override;
 
     /// Text fields: the Latin-1 text up to the first zero. Sub-block fields: "submsg" for each

@@ -8,8 +8,8 @@ class Message;
 class MessageInfo;
 class TQX_FieldInfo;
 
-/// What only the metadata knows of one field. Where it is in a record is in the layout row of
-/// the same position, what its values mean in the row of facts.
+/// What only the metadata know about one field. Where it is in a record is in the layout row of the
+/// same position, what its values mean in the row of facts.
 struct TQX_FieldRow {
     const char* className;                  ///< "TQX_AGCState_Gain_FieldInfo"
     TQX_FieldInfo* (*instance)();           ///< the field's singleton
@@ -18,7 +18,7 @@ struct TQX_FieldRow {
     const Message* (*subMessage)(const Message& owner, unsigned index);
 };
 
-/// What only the metadata knows of one message type.
+/// What only the metadata know about one message type.
 struct TQX_TypeRow {
     const char* className;               ///< "TQX_AGCState_MessageInfo"
     const MessageInfo* (*messageInfo)(); ///< the type's singleton

@@ -63,7 +63,7 @@ TQX_FormatInfo& TQX_FormatInfo::theInstance()
 
 void TQX_FormatInfo::setupMessageInfos()
 {
-    // First of all: every message and field info asks for the registry while it is built.
+    // First of all: every message and field info needs the registry while it is built.
     m_setupStarted = true;
     const TQX_RegistrationList list = TQX_registration();
     for (unsigned i = 0; i < list.count; ++i) {

@@ -28,7 +28,8 @@ std::atomic_flag isBusy = ATOMIC_FLAG_INIT;
 
 QString TQX_sharedText(const char* literal)
 {
-    // As a rule all metadata is built on one thread. Another one does without rather than wait.
+    // Usually all metadata are built on one thread. Another thread does without sharing rather than
+    // wait.
     if (isBusy.test_and_set(std::memory_order_acquire))
         return QString::fromLatin1(literal);
     Entry& entry = entryOf(literal);

@@ -8,7 +8,7 @@ using namespace Kor::MessageApi;
 namespace
 {
 
-/// Owns what was built; threads that build the same at a time agree on the first.
+/// Owns the results; threads that build the same table at the same time use the first one.
 class Tables
 {
 public:

@@ -12,7 +12,7 @@ namespace
 constexpr size_t textWidth = 100;
 constexpr size_t npos = std::string_view::npos;
 
-/// Per column whether it is inside of a string or character literal, its closing quote included.
+/// Per column whether it is inside a string or character literal, its closing quote included.
 std::vector<bool> literalsOf(std::string_view line)
 {
     std::vector<bool> inside(line.size(), false);

@@ -58,7 +58,7 @@ private:
             return;
         const Field& other = at(target);
         if (other.isRepeated || !other.subType.empty() || !isInteger(other.type)) {
-            error(field, "cannot use {} as {}: it is no single whole number", other.name, what);
+            error(field, "cannot use {} as {}: it is not a single whole number", other.name, what);
         } else if (target >= row) {
             error(field, "precedes its {} {}", what, other.name);
         }
@@ -83,7 +83,7 @@ private:
             return;
         const Field& selector = at(field.selector);
         if (isInteger(selector.type) && !fits(selector, int64_t{field.presenceValue})) {
-            error(field, "is selected by {} = {}, which is no value of {}", selector.name,
+            error(field, "is selected by {} = {}, which is not a value of {}", selector.name,
                   field.presenceValue, valueTypeName(selector));
         }
     }

@@ -27,7 +27,7 @@ public:
         if (m_field.scale && !contains(m_format.scales, *m_field.scale))
             error(fmt::format("has the unknown scale {}", *m_field.scale));
         if (m_field.bitMask && !isInteger(m_field.type))
-            error("is shown as a bit mask, but is no whole number");
+            error("is shown as a bit mask, but is not a whole number");
         if (m_field.type == Scalar::Char && m_field.scale)
             error("is a character and has no scale");
         checkSymbols();
@@ -58,7 +58,7 @@ private:
             return;
         }
         if (!isInteger(m_field.type)) {
-            error("is no whole number and has no named values");
+            error("is not a whole number and has no named values");
             return;
         }
         const auto& values = table->second.values;

@@ -25,8 +25,11 @@ std::vector<std::string> Errors::report() const
     std::vector<std::string> lines;
     lines.reserve(sorted.size() + 1);
     for (const Error& error : sorted) {
-        lines.push_back(
-            fmt::format("{}:{}: {}", error.where.file, error.where.line, error.message));
+        std::string place = error.where.file;
+        if (error.where.line != 0)
+            place += fmt::format(":{}", error.where.line);
+        lines.push_back(place.empty() ? error.message
+                                      : fmt::format("{}: {}", place, error.message));
     }
     if (m_count > m_errors.size())
         lines.push_back(fmt::format("{} more errors", m_count - m_errors.size()));

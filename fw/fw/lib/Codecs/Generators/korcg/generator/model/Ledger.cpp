@@ -45,7 +45,7 @@ void Ledger::readLine(const std::string& line, int number, Errors& errors)
         words >> entry.edition >> kind >> entry.number >> entry.name && !(words >> rest);
     const auto* found = std::find(std::begin(kindNames), std::end(kindNames), kind);
     if (!isComplete || found == std::end(kindNames) || entry.edition < 2) {
-        error(fmt::format("'{}' is no entry: edition, type or code, number, name", line));
+        error(fmt::format("'{}' is not an entry: edition, type or code, number, name", line));
         return;
     }
     entry.kind = found == std::begin(kindNames) ? Type : Code;

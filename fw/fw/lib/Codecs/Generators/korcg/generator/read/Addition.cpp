@@ -69,7 +69,7 @@ void checkInputs(const Format& format, const RecordType& type, const Field& fiel
         for (const Field& source : owner->fields) {
             if (identifier(source.name) == name && !isNumber(source)) {
                 errors.add(field.where,
-                           fmt::format("{}.{} is computed from {}, which is no single number",
+                           fmt::format("{}.{} is computed from {}, which is not a single number",
                                        type.name, field.name, input));
             }
         }

@@ -47,7 +47,7 @@ void readFieldDefinitions(const ReadContext& context, const YAML::Node& fields,
         if (!entry.second.IsMap()) {
             context.error(entry.second, "a field must be a map");
         } else if (entry.second["name"] || entry.second["field"]) {
-            context.error(entry.second, fmt::format("'{}' has its name already", name));
+            context.error(entry.second, fmt::format("'{}' already has a name", name));
         } else if (!dictionary.fields.emplace(name, Definition{context, entry.second}).second) {
             context.error(entry.first, fmt::format("field '{}' given twice", name));
         }

@@ -98,7 +98,7 @@ void readDoNotUse(const YamlMap& map, Field& field)
     if (!map.has("none"))
         return;
     const auto wrong = [&] {
-        map.error("none", fmt::format("is no value of {}", valueTypeName(field)));
+        map.error("none", fmt::format("is not a value of {}", valueTypeName(field)));
     };
     if (isReal(field.type)) {
         const std::optional<double> value = realNumber(map.node("none"));
@@ -202,7 +202,7 @@ void readSummary(const ReadContext& context, const YamlMap& map, FieldDraft& dra
     if (draft.field.summary == Summary::None)
         return;
     if (map.has("virtual"))
-        map.error("virtual", "is what a summary is anyway");
+        map.error("virtual", "is always so for a summary");
     draft.field.isVirtual = true;
     draft.virtualGiven = true;
 }
@@ -288,7 +288,7 @@ FieldDraft readWireField(const ReadContext& context, const YAML::Node& node)
     const bool isText = type == "text";
     const std::optional<Scalar> scalar = isText ? Scalar::Char : scalarNamed(type);
     if (!scalar && map.has("type"))
-        map.error("type", fmt::format("names no type: '{}'", type));
+        map.error("type", fmt::format("is not a type: '{}'", type));
     field.type = scalar.value_or(Scalar::U8);
     field.width = bitsOf(field.type);
     field.isPadding = field.name.rfind("_padding", 0) == 0;
@@ -353,7 +353,7 @@ FieldDraft readDerivedField(const ReadContext& context, const YAML::Node& node)
     const std::string type = map.requiredText("type");
     const std::optional<Scalar> scalar = scalarNamed(type);
     if (!scalar && map.has("type"))
-        map.error("type", fmt::format("names no type of a single value: '{}'", type));
+        map.error("type", fmt::format("is not a type of a single value: '{}'", type));
     field.type = scalar.value_or(Scalar::U8);
     field.width = bitsOf(field.type);
     readPresence(context, map, draft);

@@ -99,7 +99,7 @@ void readFormat(const ReadContext& context, const YAML::Node& document, Format& 
     if (context.isAddition) {
         for (const std::string_view key : {"format", "units", "registration", "first_edition"}) {
             if (map.has(key))
-                map.error(key, "is what only the description of a whole format says");
+                map.error(key, "is only for the description of a whole format");
         }
         if (map.has("scales"))
             readScales(context, map, format);

@@ -48,7 +48,7 @@ TypeDraft readType(const ReadContext& context, const YAML::Node& node)
     } else if (type.edition == 1) {
         type.record = map.requiredInteger("record", 1, highestNumber).value_or(0);
     } else if (map.has("record")) {
-        map.error("record", "is what the ledger says for types of later editions");
+        map.error("record", "is in the ledger for types of later editions");
     }
     type.text = map.text("text").value_or("");
     type.hasMessage = map.flag("message").value_or(true);

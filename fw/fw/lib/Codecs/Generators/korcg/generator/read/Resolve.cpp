@@ -107,7 +107,7 @@ private:
             part.kind != FieldKind::Bits || isSigned(part.type)) {
             m_errors.add(
                 mention.where,
-                fmt::format("{}.{} cannot sum up {}: it is no stored, unsigned part of the "
+                fmt::format("{}.{} cannot summarise {}: it is not a stored, unsigned part of the "
                             "same word",
                             m_type.name, field.name, part.name));
             m_type.broken = true;
@@ -131,7 +131,7 @@ private:
         };
         if (array.kind != FieldKind::Array || array.type != Scalar::U8 ||
             array.name.rfind("Reserved", 0) != 0 || array.edition >= field.edition)
-            return wrong("it is no reserved array of bytes of an earlier edition");
+            return wrong("it is not a reserved array of bytes of an earlier edition");
         for (int between = std::min(row, reserved) + 1; between < std::max(row, reserved);
              ++between) {
             if (const Field& other = m_type.fields[static_cast<std::size_t>(between)];

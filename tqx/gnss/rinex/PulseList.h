@@ -8,11 +8,11 @@
 #include <string_view>
 #include <vector>
 
-namespace tqx::tool
+namespace tqx
 {
 
-/// The pulses on inputs in a log. All are kept, since a receiver may report a pulse after the epoch
-/// that follows it.
+/// The pulses on inputs in a log. All are kept, because a receiver may report a pulse after the
+/// epoch that follows it.
 class PulseList
 {
 public:
@@ -29,10 +29,10 @@ public:
 
     static bool wants(uint16_t blockNumber) { return EventGatherer::isOfEvent(blockNumber); }
 
-    /// The record of a main block that is wanted.
+    /// Adds the record of a wanted main block.
     void take(const void* record) { m_gatherer.take(record); }
 
-    /// The log has ended: keeps the pulses in the selected time, in order, each once.
+    /// Ends the log: keeps the pulses within the selected times, in order, each once.
     void finish(const EpochSelection& selection);
 
     const std::vector<Pulse>& get() const { return m_pulses; }
@@ -45,4 +45,4 @@ private:
     EventGatherer m_gatherer;
 };
 
-} // namespace tqx::tool
+} // namespace tqx
