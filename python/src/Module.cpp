@@ -3,7 +3,7 @@
 
 NB_MODULE(_tqx, module)
 {
-    module.doc() = "Bindings of the C++ libraries; the package tqx is made of them.";
+    module.doc() = "Bindings of the C++ libraries; the package tqx is built on them.";
     // Logs may live until the interpreter ends.
     nanobind::set_leak_warnings(false);
     tqx::python::rememberMainThread();

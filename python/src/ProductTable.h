@@ -80,7 +80,7 @@ private:
     }
 
     std::vector<Column> m_columns;
-    std::vector<uint8_t> m_known; ///< of the rows at hand
+    std::vector<uint8_t> m_known; ///< of the current rows
     size_t m_rows = 0;
     bool m_isNanMissing = false;
 };
