@@ -267,7 +267,7 @@ void MainWindow::goTo()
         if (isNumber) {
             m_messages->goToOffset(offset);
         } else {
-            showState(tr("%1 is no offset").arg(text), true);
+            showState(tr("%1 is not an offset").arg(text), true);
         }
         return;
     }

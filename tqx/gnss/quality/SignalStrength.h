@@ -7,14 +7,14 @@ namespace tqx::quality
 {
 
 /// C/N0 of all signals by elevation, and when it falls on all satellites of a band at once: by
-/// 5 dB in the mean against what each had over the minutes before.
+/// 5 dB on average relative to the preceding minutes.
 class SignalStrength
 {
 public:
     void take(GnssMillis time, const std::vector<SeenSignal>& signals);
 
-    /// Fills in signals, satellites and plots.
-    void report(Quality& quality) const;
+    /// Fills in signals and satellites; returns the plot.
+    Plot report(AntennaQuality& quality) const;
     const std::vector<Episode>& findWeak() { return m_weak.finish(); }
 
 private:
