@@ -78,6 +78,10 @@ TEST_P(Faults, AreAllFoundAndNoOther)
     }
     for (const json& finding : findings)
         ADD_FAILURE() << "no fault: " << finding;
+    for (const json& verdict : report["verdicts"]) {
+        const bool isAlarm = verdict["grade"] == "fair" || verdict["grade"] == "poor";
+        EXPECT_FALSE(faults.empty() && isAlarm) << verdict;
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -88,6 +92,8 @@ INSTANTIATE_TEST_SUITE_P(
         Plan{"NoneAcrossWeeks", "--start 2404:604500 --duration 900"},
         Plan{"NoneWithClockJumps", "--duration 900 --clock-drift 20"},
         Plan{"NoneSlow", "--duration 14400 --rate 0.0333333333333333 --seed 5"},
+        Plan{"NoneOfGpsAlone", "--duration 3600 --rate 0.2 --systems gps"},
+        Plan{"NoneOfADay", "--duration 86400 --rate 0.0333333333333333 --position 69.6,18.9,100"},
         Plan{"NoneOfSevenSystems",
              "--duration 900 --systems gps,glonass,galileo,beidou,qzss,navic,sbas --two-antennas"},
         Plan{"All", "--duration 2400 --fault outage@2300+20 --fault system_outage:E@300+120 "

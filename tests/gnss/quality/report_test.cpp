@@ -1,8 +1,7 @@
-#include "ToolRuns.h"
+#include "ReportRuns.h"
 #include "tqx/gnss/quality/Figures.h"
 
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include <cmath>
 #include <fstream>
@@ -13,22 +12,39 @@ namespace
 
 using nlohmann::json;
 
-json reportOf(const ToolRuns& runs, const std::string& arguments)
-{
-    return json::parse(runs.expectRun("report --json " + arguments))["logs"];
-}
-
 TEST(Report, CompletenessFollowsFromTheOutages)
 {
     const ToolRuns runs;
     runs.expectRun("simulate -o log.tqx --duration 600 --fault outage@100+30 --fault outage@200+3");
-    const json figures = reportOf(runs, "log.tqx")[0]["figures"];
+    const json figures = reportsOf(runs, "log.tqx")[0]["figures"];
     EXPECT_EQ(figures["epochs_found"], 567);
     EXPECT_EQ(figures["epochs_expected"], 600);
     EXPECT_NEAR(figures["completeness"], 567.0 / 600, 1e-6);
     EXPECT_EQ(figures["outages"], 2);
     EXPECT_EQ(figures["outage_seconds"], 33);
     EXPECT_EQ(figures["longest_outage"], 30);
+}
+
+/// Epochs in which nothing is measured, as in a tunnel, are missing.
+TEST(Report, EmptyEpochsAreAnOutage)
+{
+    const ToolRuns runs;
+    runs.expectRun("simulate -o log.tqx --duration 120");
+    rewrite(runs, "log.tqx", "tunnel.tqx", [](const std::string& name, json& fields) {
+        const unsigned second = fields["TOW"].get<unsigned>() / 1000 - 216000;
+        if (name == "MeasEpoch2" && ((second >= 30 && second < 50) || second >= 110)) {
+            fields["N1"] = 0;
+            fields["Type1"] = json::array();
+        }
+    });
+    const json report = reportsOf(runs, "tunnel.tqx")[0];
+    EXPECT_EQ(report["figures"]["epochs_found"], 90);
+    EXPECT_EQ(report["figures"]["epochs_expected"], 120);
+    EXPECT_EQ(report["figures"]["outages"], 2);
+    EXPECT_EQ(report["figures"]["outage_seconds"], 30);
+    EXPECT_EQ(report["figures"]["longest_outage"], 20);
+    EXPECT_EQ(report["finding_counts"]["system_outage"], 0);
+    EXPECT_EQ(report["finding_counts"]["slip"], 0);
 }
 
 /// Another rate is no outage, and what is appended from another start is no slip.
@@ -38,7 +54,7 @@ TEST(Report, FollowsChangesOfTheRate)
     runs.expectRun("simulate -o a.tqx --duration 300");
     runs.expectRun("simulate -o b.tqx --start 2400:216300 --duration 1200 --rate 0.1");
     runs.expectRun("simulate -o c.tqx --start 2400:217500 --duration 100 --rate 5");
-    const json report = reportOf(runs, "--together a.tqx b.tqx c.tqx")[0];
+    const json report = reportsOf(runs, "--together a.tqx b.tqx c.tqx")[0];
     EXPECT_EQ(report["figures"]["epochs_found"], 300 + 120 + 500);
     EXPECT_EQ(report["figures"]["epochs_expected"], 300 + 120 + 500);
     EXPECT_EQ(report["figures"]["restarts"], 2);
@@ -51,7 +67,7 @@ TEST(Report, EpochsOutOfOrderAreLeftOut)
     const ToolRuns runs;
     runs.expectRun("simulate -o late.tqx --start 2400:216300 --duration 60");
     runs.expectRun("simulate -o early.tqx --duration 60");
-    const json figures = reportOf(runs, "--together late.tqx early.tqx")[0]["figures"];
+    const json figures = reportsOf(runs, "--together late.tqx early.tqx")[0]["figures"];
     EXPECT_EQ(figures["epochs_found"], 60);
     EXPECT_EQ(figures["out_of_order"], 60);
 }
@@ -61,7 +77,7 @@ TEST(Report, DamageLosesEpochsButMakesNoSlips)
     const ToolRuns runs;
     runs.expectRun("simulate -o log.tqx --duration 300 --damage");
     const json info = json::parse(runs.expectRun("info --json -q log.tqx"));
-    const json figures = reportOf(runs, "log.tqx")[0]["figures"];
+    const json figures = reportsOf(runs, "log.tqx")[0]["figures"];
     EXPECT_EQ(figures["crc_errors"], info["crcErrors"]);
     EXPECT_EQ(figures["blocks"], info["blocks"]);
     EXPECT_GT(figures["damaged_places"], 10);
@@ -75,13 +91,13 @@ TEST(Report, ErrorIsAgainstTheReference)
 {
     const ToolRuns runs;
     runs.expectRun("simulate -o log.tqx --duration 600 --position 47.5,15.5,400");
-    const json near = reportOf(runs, "--reference 47.5,15.5,400 log.tqx")[0]["figures"];
+    const json near = reportsOf(runs, "--reference 47.5,15.5,400 log.tqx")[0]["figures"];
     EXPECT_LT(near["error_horizontal"], 2);
     EXPECT_GE(near["error_horizontal"].get<double>() + 1e-6, near["scatter_horizontal"]);
-    const json above = reportOf(runs, "--reference 47.5,15.5,410 log.tqx")[0]["figures"];
+    const json above = reportsOf(runs, "--reference 47.5,15.5,410 log.tqx")[0]["figures"];
     EXPECT_NEAR(above["error_vertical"], 10, 1.5);
     EXPECT_NEAR(above["error_horizontal"], near["error_horizontal"], 1e-3);
-    const json self = reportOf(runs, "--reference log.tqx log.tqx")[0]["figures"];
+    const json self = reportsOf(runs, "--reference log.tqx log.tqx")[0]["figures"];
     EXPECT_EQ(self["error_horizontal"], 0);
 }
 
@@ -91,7 +107,7 @@ TEST(Report, SatellitesBelowTheMaskDoNotCount)
     runs.expectRun("simulate -o log.tqx --duration 60");
     double before = 1e9;
     for (const int mask : {0, 15, 30, 60}) {
-        const json report = reportOf(runs, "--mask " + std::to_string(mask) + " log.tqx")[0];
+        const json report = reportsOf(runs, "--mask " + std::to_string(mask) + " log.tqx")[0];
         const double satellites = report["figures"]["satellites"];
         EXPECT_LT(satellites, before) << mask;
         before = satellites;
@@ -136,7 +152,7 @@ TEST(Report, SeveralLogsAreComparedSideBySide)
     const ToolRuns runs;
     runs.expectRun("simulate -o a.tqx --duration 60");
     runs.expectRun("simulate -o b.tqx --duration 60 --fault outage@20+30");
-    const json logs = reportOf(runs, "a.tqx b.tqx");
+    const json logs = reportsOf(runs, "a.tqx b.tqx");
     ASSERT_EQ(logs.size(), 2U);
     EXPECT_EQ(logs[0]["name"], "a.tqx");
     EXPECT_EQ(logs[0]["figures"]["outages"], 0);
@@ -150,7 +166,7 @@ TEST(Report, PositionsAloneAreEnough)
     const ToolRuns runs;
     runs.expectRun("simulate -o log.tqx --duration 60");
     runs.expectRun("cut --type PVTGeodetic2 log.tqx -o cut.tqx");
-    const json report = reportOf(runs, "cut.tqx")[0];
+    const json report = reportsOf(runs, "cut.tqx")[0];
     EXPECT_EQ(report["figures"]["epochs_found"], 60);
     EXPECT_TRUE(report["figures"]["slips"].is_null());
     EXPECT_EQ(report["verdicts"][0]["grade"], "good");

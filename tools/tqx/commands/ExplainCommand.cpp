@@ -82,10 +82,10 @@ private:
     std::optional<SourceError> m_failure;
 };
 
-BlockLocation locateIn(ReadableInput& input, uint64_t offset)
+BlockLocation locateIn(ReadableInput& input, uint64_t offset, const Schema& schema)
 {
     try {
-        return locateBlock(input, offset);
+        return locateBlock(input, offset, schema);
     } catch (const SourceError&) {
         input.check();
         throw;
@@ -127,7 +127,7 @@ void ExplainCommand::explain(Output& output, const std::string& place)
 {
     const auto [path, offset] = split(place);
     ReadableInput input(path);
-    const BlockLocation location = locateIn(input, offset);
+    const BlockLocation location = locateIn(input, offset, m_descriptions.getSchema());
     if (!location.hasSync() && location.around) {
         throw SourceError(fmt::format("{}: {}: {}", location.file, offset,
                                       describeNoBlock(location, m_descriptions.getSchema())));

@@ -13,6 +13,7 @@ namespace
 {
 
 using Json = nlohmann::ordered_json;
+using quality::AntennaQuality;
 using quality::Quality;
 
 /// Six decimals are enough for all figures; unknown ones are null.
@@ -46,12 +47,13 @@ Json findingsOf(const Quality& quality)
                         {"end", timeOf(finding.end)},
                         {"subject", finding.subject},
                         {"value", numberOf(finding.value)},
-                        {"text", finding.text}});
+                        {"text", finding.text},
+                        {"antenna", finding.antenna}});
     }
     return list;
 }
 
-Json signalsOf(const Quality& quality)
+Json signalsOf(const AntennaQuality& quality)
 {
     Json list = Json::array();
     for (const quality::SignalQuality& signal : quality.signals) {
@@ -71,7 +73,7 @@ Json signalsOf(const Quality& quality)
     return list;
 }
 
-Json satellitesOf(const Quality& quality)
+Json satellitesOf(const AntennaQuality& quality)
 {
     Json list = Json::array();
     for (const quality::SatelliteQuality& each : quality.satelliteList) {
@@ -85,7 +87,7 @@ Json satellitesOf(const Quality& quality)
     return list;
 }
 
-Json slipsOf(const Quality& quality)
+Json slipsOf(const AntennaQuality& quality)
 {
     Json list = Json::array();
     for (const quality::Slip& slip : quality.slipList) {
@@ -108,6 +110,43 @@ Json fixesOf(const Quality& quality)
     return object;
 }
 
+Json countsOf(const AntennaQuality& antenna)
+{
+    Json counts = Json::object();
+    for (const auto& [kind, count] : antenna.findingCounts)
+        counts[nameOf(kind)] = count;
+    return counts;
+}
+
+/// Observations by how the elevations of their satellites are known.
+Json elevationsOf(const Quality& quality)
+{
+    Json sources = Json::object();
+    for (size_t i = 0; i < quality.elevationSources.size(); ++i) {
+        sources[nameOf(static_cast<quality::ElevationSource>(i))] = quality.elevationSources[i];
+    }
+    return sources;
+}
+
+Json otherAntennasOf(const Quality& quality)
+{
+    Json list = Json::array();
+    for (const AntennaQuality& antenna : quality.otherAntennas) {
+        Json figures = Json::object();
+        for (const quality::Figure& figure : quality::figures()) {
+            if (figure.ofAntenna)
+                figures[figure.key] = numberOf(figure.ofAntenna(antenna));
+        }
+        list.push_back({{"antenna", antenna.number},
+                        {"figures", std::move(figures)},
+                        {"finding_counts", countsOf(antenna)},
+                        {"signals", signalsOf(antenna)},
+                        {"satellites", satellitesOf(antenna)},
+                        {"slips", slipsOf(antenna)}});
+    }
+    return list;
+}
+
 Json reportOf(const LogReport& report)
 {
     const Quality& quality = report.quality;
@@ -120,6 +159,7 @@ Json reportOf(const LogReport& report)
     object["position_source"] = quality.positionSource;
     object["moving"] = quality.isMoving;
     object["mask_applied"] = quality.hasElevations;
+    object["elevation_sources"] = elevationsOf(quality);
     Json& figures = object["figures"] = Json::object();
     for (const quality::Figure& figure : quality::figures())
         figures[figure.key] = numberOf(figure.value(quality));
@@ -131,13 +171,12 @@ Json reportOf(const LogReport& report)
                             {"threshold", verdict.threshold}});
     }
     object["findings"] = findingsOf(quality);
-    Json& counts = object["finding_counts"] = Json::object();
-    for (const auto& [kind, count] : quality.findingCounts)
-        counts[nameOf(kind)] = count;
+    object["finding_counts"] = countsOf(quality);
     object["fixes"] = fixesOf(quality);
     object["signals"] = signalsOf(quality);
     object["satellites"] = satellitesOf(quality);
     object["slips"] = slipsOf(quality);
+    object["other_antennas"] = otherAntennasOf(quality);
     object["failures"] = report.failures;
     return object;
 }

@@ -106,11 +106,15 @@ void appendReportPage(Buffer& out, const std::vector<LogReport>& reports,
     Json data = reportJson(reports, requirement);
     Json& definitions = data["definitions"] = Json::array();
     for (const quality::Figure& figure : quality::figures()) {
-        definitions.push_back(
-            {{"key", figure.key}, {"unit", figure.unit}, {"definition", figure.definition}});
+        definitions.push_back({{"key", figure.key},
+                               {"unit", figure.unit},
+                               {"definition", figure.definition},
+                               {"of_antenna", figure.ofAntenna != nullptr}});
     }
-    for (size_t i = 0; i < reports.size(); ++i)
+    for (size_t i = 0; i < reports.size(); ++i) {
+        data["logs"][i]["elevations"] = elevationWords(reports[i].quality);
         data["logs"][i]["pictures"] = picturesOf(reports[i].quality);
+    }
     const std::string_view page = assets::page();
     const std::string_view mark = "@DATA@";
     const size_t at = page.find(mark);

@@ -14,10 +14,16 @@ namespace tqx::tool
 namespace
 {
 
+using quality::AntennaQuality;
 using quality::Quality;
 using quality::Verdict;
 
 constexpr size_t mostOfAKind = 10; ///< findings that are named
+
+std::string labelOf(const quality::Figure& figure)
+{
+    return figure.unit[0] == 0 ? figure.key : fmt::format("{} ({})", figure.key, figure.unit);
+}
 
 std::string cellOf(double value, int decimals)
 {
@@ -40,8 +46,8 @@ void appendHead(Buffer& out, const LogReport& report)
                                dateText(*quality.first), dateText(*quality.last),
                                quality.interval));
     }
-    if (!quality.hasElevations && quality.observations != 0)
-        out.append("  without elevations: no mask applied\n");
+    if (const std::string elevations = elevationWords(quality); !elevations.empty())
+        out.append(fmt::format("  {}\n", elevations));
 }
 
 void appendVerdicts(Buffer& out, const Quality& quality)
@@ -81,12 +87,34 @@ void appendFindings(Buffer& out, const Quality& quality)
     }
 }
 
-void appendSignals(Buffer& out, const Quality& quality)
+/// What the antennas have each, side by side.
+void appendAntennas(Buffer& out, const Quality& quality)
+{
+    if (quality.otherAntennas.empty())
+        return;
+    out.append(fmt::format("\n{:<24} {:>12}", "Antennas", "main"));
+    for (const AntennaQuality& other : quality.otherAntennas)
+        out.append(fmt::format(" {:>12}", fmt::format("antenna {}", other.number)));
+    out.append('\n');
+    for (const quality::Figure& figure : quality::figures()) {
+        if (!figure.ofAntenna)
+            continue;
+        out.append(
+            fmt::format("  {:<22} {:>12}", labelOf(figure), figureText(figure.value(quality))));
+        for (const AntennaQuality& other : quality.otherAntennas)
+            out.append(fmt::format(" {:>12}", figureText(figure.ofAntenna(other))));
+        out.append('\n');
+    }
+}
+
+void appendSignals(Buffer& out, const AntennaQuality& quality)
 {
     if (quality.signals.empty())
         return;
-    out.append("\nSignals      C/N0 dB-Hz, by elevation from                      multipath\n"
-               "         all    0   10   20   30   40   50   60   70   80    m   slips\n");
+    out.append(
+        fmt::format("\n{:<11}  C/N0 dB-Hz, by elevation from                      multipath\n",
+                    quality.number == 0 ? "Signals" : fmt::format("Antenna {}", quality.number)));
+    out.append("         all    0   10   20   30   40   50   60   70   80    m   slips\n");
     for (const quality::SignalQuality& signal : quality.signals) {
         out.append(fmt::format("  {} {}{} {:>6}", signal.system, signal.code.band,
                                signal.code.attribute, cellOf(signal.cn0.mean, 1)));
@@ -134,8 +162,7 @@ void appendColumns(Buffer& out, const std::vector<LogReport>& reports, size_t wi
         }
         out.append('\n');
         for (const quality::Figure& figure : quality::figures()) {
-            const std::string unit = figure.unit[0] == 0 ? "" : fmt::format(" ({})", figure.unit);
-            row(figure.key + unit, [&figure](const LogReport& report) {
+            row(labelOf(figure), [&figure](const LogReport& report) {
                 return figureText(figure.value(report.quality));
             });
         }
@@ -143,6 +170,35 @@ void appendColumns(Buffer& out, const std::vector<LogReport>& reports, size_t wi
 }
 
 } // namespace
+
+std::string elevationWords(const Quality& quality)
+{
+    uint64_t total = 0;
+    for (const uint64_t observations : quality.elevationSources)
+        total += observations;
+    if (total == 0)
+        return {};
+    if (!quality.hasElevations)
+        return "without elevations: no mask applied";
+    constexpr const char* names[] = {"not known", "from blocks on visibility",
+                                     "from blocks on channels", "computed from ephemerides"};
+    std::string words;
+    for (const size_t source : {1U, 2U, 3U, 0U}) {
+        const uint64_t observations = quality.elevationSources[source];
+        if (observations == 0)
+            continue;
+        words += words.empty() ? "elevations " : ", ";
+        words += names[source];
+        if (observations != total) {
+            // Less than all is never 100 %, and more than none never 0.
+            const double share =
+                std::clamp(100.0 * static_cast<double>(observations) / static_cast<double>(total),
+                           0.01, 99.99);
+            words += fmt::format(" ({:.2f} %)", share);
+        }
+    }
+    return words;
+}
 
 std::string figureText(double value)
 {
@@ -169,7 +225,10 @@ void appendReportText(Buffer& out, const std::vector<LogReport>& reports, size_t
         appendHead(out, report);
         appendVerdicts(out, report.quality);
         appendFindings(out, report.quality);
+        appendAntennas(out, report.quality);
         appendSignals(out, report.quality);
+        for (const AntennaQuality& other : report.quality.otherAntennas)
+            appendSignals(out, other);
         appendFailures(out, report);
     }
 }

@@ -33,6 +33,9 @@ bool canWritePage();
 void appendReportPage(Buffer& out, const std::vector<LogReport>& reports,
                       const std::string& requirement);
 
+/// How the elevations of the satellites are known, and of how many observations; empty without any.
+std::string elevationWords(const quality::Quality& quality);
+
 /// Whole numbers without decimals, others with a sensible number.
 std::string figureText(double value);
 

@@ -113,17 +113,6 @@
     return [t, mean, low, high];
   };
 
-  let isSharing = false;
-  const shareTime = (source, key) => {
-    if (key !== "x" || isSharing) return;
-    isSharing = true;
-    const {min, max} = source.scales.x;
-    for (const other of plots) {
-      if (other !== source) other.setScale("x", {min, max});
-    }
-    isSharing = false;
-  };
-
   const markFindings = (log, origin) => (plot) => {
     const context = plot.ctx;
     context.save();
@@ -174,7 +163,6 @@
       axes: [{...axis, values: timeLabels}, {...axis, size: 56}],
       cursor: {sync: {key: "time", scales: ["x", null]}, drag: {x: true, y: false}},
       hooks: {
-        setScale: [shareTime],
         drawClear: [markFindings(log, origin)],
         setSeries: [(u, at, options) => {
           if (at === null || options.show === undefined || at % 3 !== 1) return;
@@ -255,19 +243,30 @@
       axes: [axis, {...axis, size: 56}]}, [middle, ...lines.map((s) => s.cn0_by_elevation)], holder);
   };
 
-  const showTables = (log) => {
-    if (log.signals.length) {
-      section("Signals", table("signals", ["System", "Signal", "Observations", "C/N0 dB-Hz", "Deviation dB", "Multipath m", "Slips"],
-        log.signals.map((s) => [systems[s.system], s.signal, s.observations, s.cn0, s.cn0_deviation, s.multipath, s.slips])));
+  // Tables of the main antenna, or with its number in the name of another.
+  const showTables = (of, suffix, title) => {
+    if (of.signals.length) {
+      section("Signals" + title, table("signals" + suffix, ["System", "Signal", "Observations", "C/N0 dB-Hz", "Deviation dB", "Multipath m", "Slips"],
+        of.signals.map((s) => [systems[s.system], s.signal, s.observations, s.cn0, s.cn0_deviation, s.multipath, s.slips])));
     }
-    if (log.satellites.length) {
-      section("Satellites", table("satellites", ["Satellite", "Epochs", "Highest \u00b0", "C/N0 dB-Hz", "Multipath m", "Slips"],
-        log.satellites.map((s) => [s.satellite, s.epochs, s.highest, s.cn0, s.multipath, s.slips])));
+    if (of.satellites.length) {
+      section("Satellites" + title, table("satellites" + suffix, ["Satellite", "Epochs", "Highest \u00b0", "C/N0 dB-Hz", "Multipath m", "Slips"],
+        of.satellites.map((s) => [s.satellite, s.epochs, s.highest, s.cn0, s.multipath, s.slips])));
     }
   };
 
+  const labelOf = (figure) => figure.key + (figure.unit ? " (" + figure.unit + ")" : "");
+
+  const showAntennas = (log) => {
+    if (log.other_antennas.length === 0) return;
+    const shared = data.definitions.filter((figure) => figure.of_antenna);
+    section("Antennas", table("antennas", ["Figure", "Main", ...log.other_antennas.map((each) => "Antenna " + each.antenna)],
+      shared.map((figure) => [labelOf(figure), log.figures[figure.key], ...log.other_antennas.map((each) => each.figures[figure.key])])));
+    [...document.querySelectorAll("#antennas tbody tr")].forEach((row, i) => { row.dataset.key = shared[i].key; });
+  };
+
   const showFigures = () => {
-    const rows = data.definitions.map((figure) => [figure.key + (figure.unit ? " (" + figure.unit + ")" : ""),
+    const rows = data.definitions.map((figure) => [labelOf(figure),
       ...data.logs.map((log) => log.figures[figure.key]), figure.definition]);
     const heads = ["Figure", ...data.logs.map((log) => data.logs.length > 1 ? log.name : "Value"), "What it is"];
     section(data.logs.length > 1 ? "Logs side by side" : "Figures", table("figures", heads, rows));
@@ -300,7 +299,8 @@
     if (data.logs.length > 1) showComparison();
     const what = [log.marker, log.receiver, log.antenna].filter((text) => text).join(" \u00b7 ");
     main.append(make("h2", {}, log.name), make("div", {class: "faint"}, what),
-      make("div", {class: "faint"}, shortTime(log.first) + " to " + shortTime(log.last) + " GPS"));
+      make("div", {class: "faint"}, shortTime(log.first) + " to " + shortTime(log.last) + " GPS"),
+      make("div", {class: "faint", id: "elevations"}, log.elevations));
     if (data.requirement !== null) {
       main.append(make("p", {id: "requirement", class: log.failures.length ? "poor" : "good"},
         "Requirement " + data.requirement + (log.failures.length ? " is not met: " + log.failures.join("; ") : " is met.")));
@@ -310,7 +310,9 @@
     showPlots(log);
     showSky(log);
     showElevation(log);
-    showTables(log);
+    showAntennas(log);
+    showTables(log, "", "");
+    for (const other of log.other_antennas) showTables(other, "_" + other.antenna, " of antenna " + other.antenna);
     showFigures();
     document.title = "Quality report: " + data.logs.map((each) => each.name).join(", ");
   };

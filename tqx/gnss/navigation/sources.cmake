@@ -9,4 +9,5 @@ target_sources(tqx-gnss PRIVATE
     navigation/KeplerEphemeris.cpp
     navigation/NavigationStore.cpp
     navigation/NavigationTable.cpp
+    navigation/SatellitePosition.cpp
     navigation/SystemData.cpp)

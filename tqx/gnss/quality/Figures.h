@@ -9,11 +9,20 @@ namespace tqx::quality
 {
 
 /// A number of a report with a stable name.
-struct Figure {
+struct TQX_GNSS_API Figure {
     const char* key;
-    const char* unit;                        ///< empty for counts and shares
-    const char* definition;                  ///< one line
-    double (*value)(const Quality& quality); ///< NaN when it is not known
+    const char* unit;       ///< empty for counts and shares
+    const char* definition; ///< one line
+
+    /// One of both: what is the same for the whole log, or what each antenna has.
+    double (*ofLog)(const Quality& quality);
+    double (*ofAntenna)(const AntennaQuality& antenna);
+
+    /// That of the log, or of the main antenna; NaN when it is not known.
+    double value(const Quality& quality) const
+    {
+        return ofAntenna ? ofAntenna(quality) : ofLog(quality);
+    }
 };
 
 /// All of them, in the order of reports.

@@ -13,23 +13,19 @@ constexpr double oldAge = 15;     ///< seconds
 constexpr double slow = 0.3;      ///< metres per second on average; faster antennas move
 constexpr double smallArea = 100; ///< metres of scatter; beyond it the antenna moves
 
-Vector earthFixed(double latitude, double longitude, double height)
-{
-    constexpr double degree = pi / 180;
-    return toEarthFixed({latitude * degree, longitude * degree, std::isnan(height) ? 0 : height});
-}
-
-Vector earthFixed(const Reference::Place& place)
-{
-    return earthFixed(place.latitude, place.longitude, place.height);
-}
-
 double squareOf(double value)
 {
     return value * value;
 }
 
 } // namespace
+
+Vector earthFixed(const Reference::Place& place)
+{
+    constexpr double degree = pi / 180;
+    return toEarthFixed({place.latitude * degree, place.longitude * degree,
+                         std::isnan(place.height) ? 0 : place.height});
+}
 
 void PositionQuality::take(const Position& position)
 {
@@ -53,7 +49,7 @@ void PositionQuality::take(const Position& position)
     source.speed.add(position.groundSpeed());
     if (std::isnan(position.latitude) || std::isnan(position.longitude))
         return;
-    const Vector place = earthFixed(position.latitude, position.longitude, position.height);
+    const Vector place = earthFixed({position.latitude, position.longitude, position.height});
     if (!source.origin) {
         source.origin = place;
         source.frame.emplace(toGeodetic(place));

@@ -11,6 +11,9 @@
 namespace tqx::quality
 {
 
+/// Earth-fixed; a height that is not known is that of the ellipsoid.
+Vector earthFixed(const Reference::Place& place);
+
 /// Fix modes, scatter, error and corrections of the positions of each kind of block; in the end the
 /// kind that SourceChoice chooses is used.
 class PositionQuality

@@ -45,6 +45,18 @@ enum class FindingKind : uint8_t {
     Damage,        ///< bytes that belong to no block
 };
 
+/// How the elevation of a satellite is known.
+enum class ElevationSource : uint8_t {
+    None,        ///< not at all
+    Visibility,  ///< the receiver's blocks on visibility
+    Channels,    ///< its blocks on channels
+    Ephemerides, ///< computed from ephemerides and the place of the antenna
+};
+constexpr size_t elevationSourceCount = 4;
+
+/// Stable name for machines: "visibility".
+TQX_GNSS_API const char* nameOf(ElevationSource source);
+
 /// Stable name for machines: "system_outage".
 TQX_GNSS_API const char* nameOf(FindingKind kind);
 
@@ -55,6 +67,7 @@ struct Finding {
     std::string subject;
     double value = none; ///< of what the text says
     std::string text;    ///< in words, without the time
+    uint8_t antenna = 0; ///< at which it was measured, 0 the main one
 };
 
 /// A mean with its spread.
@@ -146,14 +159,11 @@ struct Scatter {
     double vertical95 = none;
 };
 
-/// All about one log.
-struct Quality {
+/// The measurements at one antenna.
+struct AntennaQuality {
+    uint8_t number = 0;              ///< as observations have it, 0 the main one
     std::optional<GnssMillis> first; ///< of the epochs that are counted
     std::optional<GnssMillis> last;
-    std::string marker;
-    std::string receiver;
-    std::string antenna;
-
     bool isOfPositions = false; ///< epochs are those of positions, because nothing was measured
     double interval = none;     ///< seconds
     uint64_t epochsFound = 0;
@@ -161,17 +171,35 @@ struct Quality {
     uint64_t outages = 0;
     double outageSeconds = 0;
     double longestOutage = 0;
-    uint64_t outOfOrder = 0; ///< epochs at or before the time of the one before
 
     Spread satellites; ///< tracked in an epoch, above the mask
-    Spread satellitesUsed;
     uint64_t observations = 0;
     Spread cn0;
     double multipath = none; ///< metres, of all signals
     uint64_t slips = 0;
     uint64_t slipsByLock = 0;
+
+    std::vector<SignalQuality> signals;
+    std::vector<SatelliteQuality> satelliteList;
+    std::vector<Slip> slipList;                    ///< the first of them
+    std::map<FindingKind, uint64_t> findingCounts; ///< of all, listed or not
+};
+
+/// All about one log; its measurements are those of the main antenna.
+struct Quality : AntennaQuality {
+    std::string marker;
+    std::string receiver;
+    std::string antenna; ///< type and serial number of the main one
+
+    uint64_t outOfOrder = 0; ///< epochs at or before the time of the one before
+    Spread satellitesUsed;
     uint64_t clockJumps = 0;
     bool hasElevations = false; ///< the mask could be applied
+
+    /// Observations by how the elevations of their satellites are known.
+    std::array<uint64_t, elevationSourceCount> elevationSources = {};
+
+    std::vector<AntennaQuality> otherAntennas; ///< ascending, those that measured something
 
     std::string positionSource; ///< kind of block; empty without positions
     uint64_t positions = 0;
@@ -196,11 +224,7 @@ struct Quality {
     uint64_t crcErrors = 0;
     uint64_t undecodable = 0;
 
-    std::vector<SignalQuality> signals;
-    std::vector<SatelliteQuality> satelliteList;
-    std::vector<Slip> slipList; ///< the first of them
-    std::vector<Finding> findings;
-    std::map<FindingKind, uint64_t> findingCounts; ///< of all, listed or not
+    std::vector<Finding> findings; ///< those of all antennas, in the order of their starts
     std::vector<SkyTrack> sky;
     std::vector<Plot> plots;
 };

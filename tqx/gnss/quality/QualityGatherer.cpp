@@ -1,18 +1,15 @@
 #include "tqx/gnss/quality/QualityGatherer.h"
 
 #include "tqx/gnss/observation/ObservationGatherer.h"
-#include "tqx/gnss/quality/ArcAnalysis.h"
+#include "tqx/gnss/quality/AntennaAnalysis.h"
 #include "tqx/gnss/quality/EpochFollower.h"
 #include "tqx/gnss/quality/PositionQuality.h"
 #include "tqx/gnss/quality/ReceiverQuality.h"
-#include "tqx/gnss/quality/SignalStrength.h"
 #include "tqx/gnss/quality/SkyView.h"
-#include "tqx/gnss/quality/SystemWatch.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <tuple>
 #include <utility>
 
 namespace tqx::quality
@@ -41,13 +38,6 @@ constexpr KindName kindNames[] = {
     {FindingKind::Damage, "damage"},
 };
 
-const char* systemName(char system)
-{
-    constexpr const char* names[systemCount] = {"GPS",  "GLONASS", "Galileo", "BeiDou",
-                                                "QZSS", "NavIC",   "SBAS"};
-    return names[systemIndex(system)];
-}
-
 double secondsOf(const Episode& episode)
 {
     return static_cast<double>(episode.end - episode.start) * 1e-3;
@@ -60,13 +50,22 @@ const char* nameOf(FindingKind kind)
     return kindNames[static_cast<size_t>(kind)].name;
 }
 
+const char* nameOf(ElevationSource source)
+{
+    constexpr const char* names[elevationSourceCount] = {"none", "visibility", "channels",
+                                                         "ephemerides"};
+    return names[static_cast<size_t>(source)];
+}
+
 class QualityGatherer::Work
 {
 public:
     explicit Work(QualityOptions options)
-        : m_mask(options.mask), m_positions(std::move(options.reference)),
+        : m_mask(options.mask), m_reference(std::move(options.reference)), m_positions(m_reference),
           m_gatherer([this](ObservationEpoch& epoch) { return takeEpoch(epoch); })
     {
+        if (m_reference.fixed)
+            m_sky.setAntenna(earthFixed(*m_reference.fixed));
     }
 
     void take(const DecodedBlock& decoded);
@@ -75,25 +74,26 @@ public:
 
 private:
     bool takeEpoch(ObservationEpoch& epoch);
+    void placeAntenna(const Position& position);
+    void placeAntenna(GnssMillis time);
+    AntennaAnalysis& antennaOf(uint8_t number);
     void reportEpochs(Quality& quality, const EpochFollower& epochs) const;
-    void reportArcs(Quality& quality) const;
-    void reportSystems(Quality& quality) const;
+    void reportAntennas(Quality& quality);
     void reportWeak(Quality& quality);
     void reportCorrections(Quality& quality);
     void reportDamage(Quality& quality, const StreamCounts& counts) const;
 
     double m_mask;
+    Reference m_reference;
     SkyView m_sky;
+    bool m_hasOwnPlace = false; ///< the antenna is where the log's positions say
     EpochFollower m_epochs;
-    SignalStrength m_strength;
-    SystemWatch m_systems;
-    ArcAnalysis m_arcs;
+    AntennaAnalysis m_main{0};
+    std::vector<std::unique_ptr<AntennaAnalysis>> m_others; ///< from antenna 1 on, some null
     PositionQuality m_positions;
     ReceiverQuality m_receiver;
     ObservationGatherer m_gatherer;
-    std::vector<SeenSignal> m_seen;
-    std::vector<SeenSignal> m_withPhase;
-    bool m_hasElevations = false;
+    std::array<uint64_t, elevationSourceCount> m_elevationSources = {};
     std::optional<uint8_t> m_jumps;
     uint64_t m_clockJumps = 0;
     GnssMillis m_time = 0; ///< of the last block
@@ -109,13 +109,15 @@ void QualityGatherer::Work::take(const DecodedBlock& decoded)
     if (time) {
         m_time = *time;
         if (SkyView::wants(number)) {
-            m_sky.take(number, decoded.record, *time);
+            m_sky.take(decoded, *time);
         } else if (ReceiverQuality::wants(number)) {
             m_receiver.take(number, decoded.record, *time);
         } else if (positionSource(number)) {
             Position position;
-            if (readPosition(decoded.record, position))
+            if (readPosition(decoded.record, position)) {
                 m_positions.take(position);
+                placeAntenna(position);
+            }
         }
     }
     if (ObservationGatherer::wants(number))
@@ -131,30 +133,57 @@ bool QualityGatherer::Work::takeEpoch(ObservationEpoch& epoch)
         m_clockJumps += std::min<unsigned>(steps, 256U - steps);
     }
     m_jumps = epoch.clockJumps;
-    m_seen.clear();
+    placeAntenna(epoch.time);
     for (const Observation& observation : epoch.observations) {
-        if (observation.antenna != 0)
+        AntennaAnalysis& antenna = antennaOf(observation.antenna);
+        antenna.see();
+        const SkyView::Elevation elevation = m_sky.elevation(observation.satellite, epoch.time);
+        ++m_elevationSources[static_cast<size_t>(elevation.source)];
+        if (elevation.degrees < m_mask)
             continue;
-        const double elevation = m_sky.elevation(observation.satellite, epoch.time);
-        m_hasElevations = m_hasElevations || !std::isnan(elevation);
-        if (!(elevation < m_mask)) {
-            m_seen.push_back({&observation, elevation,
-                              carrierFrequency(observation.signal, observation.channel)});
-        }
+        antenna.add({&observation, elevation.degrees,
+                     carrierFrequency(observation.signal, observation.channel)});
     }
-    std::sort(m_seen.begin(), m_seen.end(), [](const SeenSignal& a, const SeenSignal& b) {
-        return std::tie(a.observation->satellite, a.observation->code) <
-               std::tie(b.observation->satellite, b.observation->code);
-    });
-    m_withPhase.clear();
-    for (const SeenSignal& seen : m_seen) {
-        if (!std::isnan(seen.observation->phase) && seen.frequency > 0)
-            m_withPhase.push_back(seen);
+    m_main.closeEpoch(epoch.time, m_epochs.getInterval());
+    for (const auto& other : m_others) {
+        if (other)
+            other->closeEpoch(epoch.time, m_epochs.getInterval());
     }
-    m_strength.take(epoch.time, m_seen);
-    m_systems.take(epoch.time, m_seen);
-    m_arcs.take(epoch.time, m_withPhase, m_epochs.getInterval() * 7 / 2);
     return true;
+}
+
+/// The reference is where it really is.
+void QualityGatherer::Work::placeAntenna(const Position& position)
+{
+    if (m_reference.fixed || position.fix == Fix::None || std::isnan(position.latitude) ||
+        std::isnan(position.longitude))
+        return;
+    m_sky.setAntenna(earthFixed({position.latitude, position.longitude, position.height}));
+    m_hasOwnPlace = true;
+}
+
+/// Without positions of its own, a log has those of the reference at that time.
+void QualityGatherer::Work::placeAntenna(GnssMillis time)
+{
+    if (m_hasOwnPlace || m_reference.track.empty())
+        return;
+    const auto found = std::lower_bound(
+        m_reference.track.begin(), m_reference.track.end(), time,
+        [](const Reference::TimedPlace& each, GnssMillis wanted) { return each.time < wanted; });
+    const auto& near = found == m_reference.track.end() ? m_reference.track.back() : *found;
+    m_sky.setAntenna(earthFixed(near.place));
+}
+
+AntennaAnalysis& QualityGatherer::Work::antennaOf(uint8_t number)
+{
+    if (number == 0)
+        return m_main;
+    if (m_others.size() < number)
+        m_others.resize(number);
+    std::unique_ptr<AntennaAnalysis>& other = m_others[number - 1U];
+    if (!other)
+        other = std::make_unique<AntennaAnalysis>(number);
+    return *other;
 }
 
 void QualityGatherer::Work::addDamage(const StreamGap& gap)
@@ -187,89 +216,26 @@ void QualityGatherer::Work::reportEpochs(Quality& quality, const EpochFollower& 
     quality.findingCounts[FindingKind::Outage] = quality.outages;
 }
 
-void QualityGatherer::Work::reportArcs(Quality& quality) const
+void QualityGatherer::Work::reportAntennas(Quality& quality)
 {
-    quality.slips = m_arcs.getSlipCount();
-    quality.slipsByLock = m_arcs.getSlipsByLock();
-    quality.slipList = m_arcs.getSlips();
-    double squares = 0;
-    uint64_t epochs = 0;
-    for (SignalQuality& signal : quality.signals) {
-        const auto found = m_arcs.getSignals().find({signal.system, signal.code});
-        if (found == m_arcs.getSignals().end())
+    m_main.finish();
+    m_main.reportEpochs(quality, quality);
+    m_main.report(quality, quality);
+    for (const auto& other : m_others) {
+        if (!other)
             continue;
-        signal.multipath = found->second.getMultipath();
-        signal.multipathEpochs = found->second.epochs;
-        signal.slips = found->second.slips;
-        squares += found->second.squares;
-        epochs += found->second.epochs;
+        other->finish();
+        AntennaQuality& antenna = quality.otherAntennas.emplace_back();
+        other->reportEpochs(antenna, quality);
+        other->report(antenna, quality);
     }
-    if (epochs != 0)
-        quality.multipath = std::sqrt(squares / static_cast<double>(epochs));
-    for (SatelliteQuality& satellite : quality.satelliteList) {
-        const auto found = m_arcs.getSatellites().find(satellite.satellite);
-        if (found == m_arcs.getSatellites().end())
-            continue;
-        satellite.multipath = found->second.getMultipath();
-        satellite.slips = found->second.slips;
-    }
-    for (const Slip& slip : quality.slipList) {
-        const std::string how =
-            slip.isLossOfLock ? "loss of lock" : fmt::format("phase jumps by {:.2f} m", slip.jump);
-        quality.findings.push_back(
-            {FindingKind::Slip, slip.time, slip.time, slip.satellite.text(), slip.jump,
-             fmt::format("cycle slip on {} ({}): {}", slip.satellite.text(), slip.signals, how)});
-    }
-    quality.findingCounts[FindingKind::Slip] = quality.slips;
-    const std::vector<Episode> multipath = m_arcs.findMultipath();
-    for (const Episode& episode : multipath) {
-        const std::string satellite = episode.subject.substr(0, 3);
-        quality.findings.push_back({FindingKind::Multipath, episode.start, episode.end, satellite,
-                                    episode.worst,
-                                    fmt::format("multipath on {} ({}): {:.1f} m", satellite,
-                                                episode.subject.substr(4), episode.worst)});
-    }
-    quality.findingCounts[FindingKind::Multipath] = multipath.size();
-    Plot plot{"multipath", "Multipath by system, root mean square of a minute", "m", {}};
-    for (const auto& [system, series] : m_arcs.getSeries())
-        plot.series.push_back(series.get(systemName(system)));
-    if (!plot.series.empty())
-        quality.plots.push_back(std::move(plot));
 }
 
-void QualityGatherer::Work::reportSystems(Quality& quality) const
-{
-    quality.satellites = m_systems.getTracked().get();
-    for (const Episode& outage : m_systems.getOutages()) {
-        const char* const name = systemName(outage.subject.front());
-        quality.findings.push_back(
-            {FindingKind::SystemOutage, outage.start, outage.end, name, secondsOf(outage),
-             fmt::format("no {} satellites for {:.6g} s", name, secondsOf(outage))});
-    }
-    quality.findingCounts[FindingKind::SystemOutage] = m_systems.getOutages().size();
-}
-
-/// What the receiver itself explains is not a separate finding.
 void QualityGatherer::Work::reportWeak(Quality& quality)
 {
-    constexpr uint64_t near = 30000;
-    std::vector<Finding> weak;
-    for (const Episode& episode : m_strength.findWeak()) {
-        const bool isExplained = std::any_of(
-            quality.findings.begin(), quality.findings.end(), [&episode](const Finding& finding) {
-                return (finding.kind == FindingKind::Interference ||
-                        finding.kind == FindingKind::Antenna) &&
-                       finding.start <= episode.end + near && episode.start <= finding.end + near;
-            });
-        if (isExplained)
-            continue;
-        weak.push_back({FindingKind::WeakSignals, episode.start, episode.end, episode.subject,
-                        episode.worst,
-                        fmt::format("C/N0 lower by {:.0f} dB on all satellites, {}", episode.worst,
-                                    episode.subject)});
-    }
-    quality.findingCounts[FindingKind::WeakSignals] = weak.size();
-    quality.findings.insert(quality.findings.end(), weak.begin(), weak.end());
+    m_main.reportWeak(quality, quality);
+    for (AntennaQuality& antenna : quality.otherAntennas)
+        m_others[antenna.number - 1U]->reportWeak(antenna, quality);
 }
 
 void QualityGatherer::Work::reportCorrections(Quality& quality)
@@ -310,8 +276,6 @@ Quality QualityGatherer::Work::finish(const StreamCounts& counts)
 {
     m_gatherer.finish();
     m_epochs.finish();
-    m_systems.finish();
-    m_arcs.finish();
     m_positions.finish();
     Quality quality;
     const EpochFollower* epochs = &m_epochs;
@@ -322,13 +286,11 @@ Quality QualityGatherer::Work::finish(const StreamCounts& counts)
     reportEpochs(quality, *epochs);
     quality.outOfOrder = m_gatherer.getLosses().outOfOrder;
     quality.clockJumps = m_clockJumps;
-    quality.hasElevations = m_hasElevations;
-    if (m_epochs.getFound() != 0) {
-        reportSystems(quality);
-        quality.plots.push_back(m_systems.getPlot());
-        m_strength.report(quality);
-        reportArcs(quality);
-    }
+    quality.elevationSources = m_elevationSources;
+    quality.hasElevations = std::any_of(m_elevationSources.begin() + 1, m_elevationSources.end(),
+                                        [](uint64_t observations) { return observations != 0; });
+    if (m_epochs.getFound() != 0)
+        reportAntennas(quality);
     m_positions.report(quality);
     m_receiver.report(quality);
     reportWeak(quality);

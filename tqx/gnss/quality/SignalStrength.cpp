@@ -96,7 +96,7 @@ void SignalStrength::take(GnssMillis time, const std::vector<SeenSignal>& signal
     m_weak.hold(time, worst, low == judged ? "all bands" : fallen);
 }
 
-void SignalStrength::report(Quality& quality) const
+Plot SignalStrength::report(AntennaQuality& quality) const
 {
     quality.cn0 = m_all.get();
     quality.observations = m_all.getCount();
@@ -119,7 +119,7 @@ void SignalStrength::report(Quality& quality) const
     Plot plot{"cn0", "Mean C/N0 by band", "dB-Hz", {}};
     for (const auto& [band, series] : m_series)
         plot.series.push_back(series.get(std::string("band ") + band));
-    quality.plots.push_back(std::move(plot));
+    return plot;
 }
 
 } // namespace tqx::quality

@@ -13,8 +13,8 @@ class SignalStrength
 public:
     void take(GnssMillis time, const std::vector<SeenSignal>& signals);
 
-    /// Fills in signals, satellites and plots.
-    void report(Quality& quality) const;
+    /// Fills in signals and satellites; returns the plot.
+    Plot report(AntennaQuality& quality) const;
     const std::vector<Episode>& findWeak() { return m_weak.finish(); }
 
 private:

@@ -5,218 +5,269 @@
 #include <algorithm>
 #include <cmath>
 
+// doc/report.md gives the reasons for the thresholds.
 namespace tqx::quality
 {
 
 namespace
 {
 
-Grade gradeOf(double value, double good, double fair)
+/// The judgement of an area: its grade is the worst of all comparisons.
+class Judgement
 {
-    if (std::isnan(value))
-        return Grade::Unknown;
-    return value <= good ? Grade::Good : value <= fair ? Grade::Fair : Grade::Poor;
-}
+public:
+    /// Small values are good. NaN is not compared.
+    void compare(double value, double good, double fair)
+    {
+        if (!std::isnan(value))
+            noBetterThan(value <= good ? Grade::Good : value <= fair ? Grade::Fair : Grade::Poor);
+    }
 
-Grade worseOf(Grade a, Grade b)
-{
-    return std::max(a, b);
-}
+    /// Large values are good.
+    void compareLeast(double value, double good, double fair) { compare(-value, -good, -fair); }
+
+    void noBetterThan(Grade grade) { m_grade = std::max(m_grade, grade); }
+
+    template<typename... Values>
+    void say(fmt::format_string<Values...> text, Values&&... values)
+    {
+        m_words += m_words.empty() ? "" : ", ";
+        m_words += fmt::format(text, std::forward<Values>(values)...);
+    }
+
+    /// "2 gaps"
+    void sayCount(uint64_t count, const char* one, const char* many)
+    {
+        say("{} {}", count, count == 1 ? one : many);
+    }
+
+    /// Something that should not occur: it is named when it does, and the grade is fair at best.
+    void fault(uint64_t count, const char* one, const char* many)
+    {
+        if (count == 0)
+            return;
+        noBetterThan(Grade::Fair);
+        sayCount(count, one, many);
+    }
+
+    Grade getGrade() const { return m_grade; }
+    const std::string& getWords() const { return m_words; }
+
+private:
+    Grade m_grade = Grade::Unknown;
+    std::string m_words;
+};
 
 double figure(const Quality& quality, const char* key)
 {
     return findFigure(key)->value(quality);
 }
 
-std::string several(uint64_t count, const char* one, const char* many)
-{
-    return fmt::format("{} {}", count, count == 1 ? one : many);
-}
-
-uint64_t found(const Quality& quality, FindingKind kind)
+uint64_t found(const AntennaQuality& quality, FindingKind kind)
 {
     const auto place = quality.findingCounts.find(kind);
     return place == quality.findingCounts.end() ? 0 : place->second;
 }
 
-Verdict completeness(const Quality& q)
+void judgeCompleteness(const Quality& q, Judgement& j)
 {
     const double share = figure(q, "completeness");
-    const uint64_t systems = found(q, FindingKind::SystemOutage);
-    Verdict v{"Completeness",
-              gradeOf(1 - share, 0.005, 0.05),
-              {},
-              "good: 99.5 % of the epochs and no outage of a system; fair: 95 %"};
-    if (v.grade == Grade::Unknown) {
-        v.words = "no epochs of measurements or positions";
-        return v;
+    if (std::isnan(share))
+        return;
+    j.compareLeast(share, 0.995, 0.95);
+    j.say("{:.2f} % of {} epochs", share * 100, q.epochsExpected);
+    j.sayCount(q.outages, "outage", "outages");
+    if (q.outOfOrder != 0)
+        j.say("{} {} out of order left out", q.outOfOrder, q.outOfOrder == 1 ? "epoch" : "epochs");
+    j.fault(found(q, FindingKind::SystemOutage), "outage of a whole system",
+            "outages of a whole system");
+    for (const AntennaQuality& other : q.otherAntennas) {
+        if (other.epochsFound >= q.epochsFound)
+            continue;
+        const double part = findFigure("completeness")->ofAntenna(other);
+        j.compareLeast(part, 0.995, 0.95);
+        j.say("antenna {}: {:.2f} %", other.number, part * 100);
     }
-    if (systems != 0)
-        v.grade = worseOf(v.grade, Grade::Fair);
-    v.words = fmt::format("{:.2f} % of {} epochs, {}", share * 100, q.epochsExpected,
-                          several(q.outages, "outage", "outages"));
-    if (q.outOfOrder != 0) {
-        v.words +=
-            fmt::format(", {} out of order left out", several(q.outOfOrder, "epoch", "epochs"));
-    }
-    if (systems != 0)
-        v.words += fmt::format(", {} of a whole system", several(systems, "outage", "outages"));
-    return v;
 }
 
-Verdict satellites(const Quality& q)
+void judgeSatellites(const AntennaQuality& a, Judgement& j)
 {
-    Verdict v{"Satellites", Grade::Unknown, "not measured",
-              "good: 12 tracked on average, PDOP 2.5; fair: 7, PDOP 5"};
+    if (a.satellites.count == 0)
+        return;
+    j.compareLeast(a.satellites.mean, 7, 5);
+    j.say("{:.1f} tracked on average", a.satellites.mean);
+    j.say("at least {:.0f}", a.satellites.least);
+}
+
+void judgeGeometry(const Quality& q, Judgement& j)
+{
     if (q.satellites.count == 0)
-        return v;
-    v.grade = gradeOf(-q.satellites.mean, -12, -7);
-    v.words = fmt::format("{:.1f} tracked on average, at least {:.0f}", q.satellites.mean,
-                          q.satellites.least);
+        return;
     if (q.satellitesUsed.count != 0)
-        v.words += fmt::format(", {:.1f} used", q.satellitesUsed.mean);
+        j.say("{:.1f} used", q.satellitesUsed.mean);
     if (q.pdop.count != 0) {
-        v.grade = worseOf(v.grade, gradeOf(q.pdop.mean, 2.5, 5));
-        v.words += fmt::format(", PDOP {:.1f}", q.pdop.mean);
+        j.compare(q.pdop.mean, 2.5, 5);
+        j.say("PDOP {:.1f}", q.pdop.mean);
     }
-    return v;
 }
 
-Verdict strength(const Quality& q)
+void judgeStrength(const AntennaQuality& a, Judgement& j)
 {
-    Verdict v{"Signal strength", gradeOf(-q.cn0.mean, -40, -34), "not measured",
-              "good: C/N0 40 dB-Hz on average, never lower on all satellites at once; fair: 34"};
-    if (q.cn0.count == 0)
-        return v;
-    const uint64_t weak = found(q, FindingKind::WeakSignals);
-    if (weak != 0)
-        v.grade = worseOf(v.grade, Grade::Fair);
-    v.words = fmt::format("C/N0 {:.1f} dB-Hz on average", q.cn0.mean);
-    if (weak != 0)
-        v.words += fmt::format(", {} on all satellites", several(weak, "drop", "drops"));
-    return v;
+    if (a.cn0.count == 0)
+        return;
+    j.compareLeast(a.cn0.mean, 40, 34);
+    j.say("C/N0 {:.1f} dB-Hz on average", a.cn0.mean);
+    j.fault(found(a, FindingKind::WeakSignals), "drop on all satellites",
+            "drops on all satellites");
 }
 
-Verdict multipath(const Quality& q)
+void judgeMultipath(const AntennaQuality& a, Judgement& j)
 {
-    Verdict v{"Multipath", gradeOf(q.multipath, 0.6, 1.2),
-              "no satellite with code and phase on two frequencies",
-              "good: 0.6 m and no conspicuous satellite; fair: 1.2 m"};
-    if (v.grade == Grade::Unknown)
-        return v;
-    const uint64_t standOut = found(q, FindingKind::Multipath);
-    if (standOut != 0)
-        v.grade = worseOf(v.grade, Grade::Fair);
-    v.words = fmt::format("{:.2f} m (root mean square)", q.multipath);
-    if (standOut != 0) {
-        v.words +=
-            fmt::format(", {}", several(standOut, "conspicuous episode", "conspicuous episodes"));
-    }
-    return v;
+    if (std::isnan(a.multipath))
+        return;
+    j.compare(a.multipath, 0.6, 1.2);
+    j.say("{:.2f} m (root mean square)", a.multipath);
+    j.fault(found(a, FindingKind::Multipath), "conspicuous episode", "conspicuous episodes");
 }
 
-Verdict slips(const Quality& q)
+void judgeSlips(const AntennaQuality& a, Judgement& j)
 {
-    Verdict v{"Cycle slips", gradeOf(figure(q, "slips_per_hour"), 1, 10), "not measured",
-              "good: 1 per hour, of all satellites; fair: 10"};
-    if (v.grade != Grade::Unknown) {
-        v.words = fmt::format("{}, {:.1f} per hour", several(q.slips, "slip", "slips"),
-                              figure(q, "slips_per_hour"));
-    }
-    return v;
+    const double perHour = findFigure("slips_per_hour")->ofAntenna(a);
+    if (std::isnan(perHour))
+        return;
+    j.compare(perHour, 1, 10);
+    j.sayCount(a.slips, "slip", "slips");
+    j.say("{:.1f} per hour", perHour);
 }
 
-Verdict position(const Quality& q)
+void judgePosition(const Quality& q, Judgement& j)
 {
-    Verdict v{"Position", Grade::Unknown, "no positions",
-              "good: 99 % of the epochs have one; fair: 90 %"};
     if (q.positions == 0)
-        return v;
+        return;
     const double valid = figure(q, "positions_valid");
-    v.grade = gradeOf(1 - valid, 0.01, 0.1);
-    v.words = fmt::format("{:.2f} % of the epochs have one", valid * 100);
+    j.compareLeast(valid, 0.99, 0.9);
+    j.say("{:.2f} % of the epochs have one", valid * 100);
     if (q.error.epochs != 0) {
-        v.words += fmt::format(", error {:.2f} m horizontal, {:.2f} m vertical",
-                               q.error.horizontalRms, q.error.verticalRms);
+        j.say("error {:.2f} m horizontal", q.error.horizontalRms);
+        j.say("{:.2f} m vertical", q.error.verticalRms);
     } else if (q.scatter.epochs != 0) {
-        v.words += fmt::format(", scatter {:.2f} m horizontal, {:.2f} m vertical",
-                               q.scatter.horizontalRms, q.scatter.verticalRms);
+        j.say("scatter {:.2f} m horizontal", q.scatter.horizontalRms);
+        j.say("{:.2f} m vertical", q.scatter.verticalRms);
     } else if (q.isMoving) {
-        v.words += ", the antenna moves";
+        j.say("the antenna moves");
     }
-    return v;
 }
 
-Verdict corrections(const Quality& q)
+void judgeCorrections(const Quality& q, Judgement& j)
 {
-    Verdict v{"Corrections", Grade::Unknown, "none used",
-              "good: never older than 15 s; fair: older in one stretch"};
     if (q.correctionAge.count == 0)
-        return v;
+        return;
     const uint64_t gaps = found(q, FindingKind::Corrections);
-    v.grade = gaps == 0 ? Grade::Good : gaps == 1 ? Grade::Fair : Grade::Poor;
-    v.words = fmt::format("age {:.1f} s on average, {:.0f} s at most", q.correctionAge.mean,
-                          q.correctionAge.most);
+    j.compare(static_cast<double>(gaps), 0, 1);
+    j.say("age {:.1f} s on average", q.correctionAge.mean);
+    j.say("{:.0f} s at most", q.correctionAge.most);
     if (gaps != 0)
-        v.words += fmt::format(", {}", several(gaps, "gap", "gaps"));
-    return v;
+        j.sayCount(gaps, "gap", "gaps");
 }
 
-Verdict interference(const Quality& q)
+void judgeInterference(const Quality& q, Judgement& j)
 {
-    Verdict v{"Interference", Grade::Unknown, "the receiver does not say",
-              "good: none reported; fair: in 1 % of the time"};
     if (std::isnan(q.interferenceSeconds))
-        return v;
+        return;
     const uint64_t times = found(q, FindingKind::Interference);
-    const double share = q.interferenceSeconds / (figure(q, "duration_hours") * 3600);
-    v.grade = times == 0 ? Grade::Good : share <= 0.01 ? Grade::Fair : Grade::Poor;
-    v.words = times == 0 ? "none reported"
-                         : fmt::format("{}, {:.0f} s in all", several(times, "episode", "episodes"),
-                                       q.interferenceSeconds);
-    return v;
+    if (times == 0) {
+        j.noBetterThan(Grade::Good);
+        return j.say("none reported");
+    }
+    j.compare(q.interferenceSeconds / (figure(q, "duration_hours") * 3600), 0, 0.01);
+    j.fault(times, "episode", "episodes");
+    j.say("{:.0f} s in all", q.interferenceSeconds);
 }
 
-Verdict receiver(const Quality& q)
+void judgeReceiver(const Quality& q, Judgement& j)
 {
-    Verdict v{"Receiver", Grade::Unknown, "it does not say",
-              "good: no error, load up to 80 %; fair: load up to 95 % or one error"};
     if (q.load.count == 0)
-        return v;
+        return;
     const uint64_t antenna = found(q, FindingKind::Antenna);
     const uint64_t others = found(q, FindingKind::ReceiverError) + q.restarts;
-    const uint64_t errors = antenna + others;
-    v.grade = worseOf(gradeOf(q.load.most, 80, 95), gradeOf(static_cast<double>(errors), 0, 1));
-    v.words = fmt::format("load up to {:.0f} %", q.load.most);
+    j.compare(q.load.most, 80, 95);
+    j.compare(static_cast<double>(antenna + others), 0, 1);
+    j.say("load up to {:.0f} %", q.load.most);
     if (q.temperature.count != 0)
-        v.words += fmt::format(", {:.0f} °C at most", q.temperature.most);
-    if (antenna != 0)
-        v.words += fmt::format(", {}", several(antenna, "antenna fault", "antenna faults"));
-    if (others != 0)
-        v.words += fmt::format(", {}", several(others, "other error", "other errors"));
-    if (errors == 0)
-        v.words += ", no errors";
-    return v;
+        j.say("{:.0f} °C at most", q.temperature.most);
+    j.fault(antenna, "antenna fault", "antenna faults");
+    j.fault(others, "other error", "other errors");
+    if (antenna + others == 0)
+        j.say("no errors");
 }
 
-Verdict damage(const Quality& q)
+void judgeDamage(const Quality& q, Judgement& j)
 {
     const double share = figure(q, "damaged_share");
-    Verdict v{"Damage", gradeOf(share, 0, 0.001), "no bytes",
-              "good: no byte lost, all blocks decode; fair: up to 0.1 % of the bytes"};
-    if (v.grade == Grade::Unknown)
-        return v;
-    if (q.undecodable != 0)
-        v.grade = worseOf(v.grade, Grade::Fair);
-    v.words = q.damagedPlaces == 0
-                  ? "none"
-                  : fmt::format("{} in {}", several(q.damagedBytes, "byte lost", "bytes lost"),
-                                several(q.damagedPlaces, "place", "places"));
-    if (q.undecodable != 0) {
-        v.words +=
-            fmt::format(", {} that do not decode", several(q.undecodable, "block", "blocks"));
+    if (std::isnan(share))
+        return;
+    j.compare(share, 0, 0.001);
+    if (q.damagedPlaces == 0) {
+        j.say("none");
+    } else {
+        j.say("{} {} lost in {} {}", q.damagedBytes, q.damagedBytes == 1 ? "byte" : "bytes",
+              q.damagedPlaces, q.damagedPlaces == 1 ? "place" : "places");
     }
-    return v;
+    j.fault(q.undecodable, "block that does not decode", "blocks that do not decode");
+}
+
+/// An area judges what each antenna has, the rest of the log, or both.
+struct Area {
+    const char* name;
+    const char* threshold;
+    const char* unknown;
+    void (*judgeAntenna)(const AntennaQuality& antenna, Judgement& judgement);
+    void (*judgeLog)(const Quality& quality, Judgement& judgement);
+};
+
+constexpr Area areas[] = {
+    {"Completeness", "good: 99.5 % of the epochs and no outage of a system; fair: 95 %",
+     "no epochs of measurements or positions", nullptr, judgeCompleteness},
+    {"Satellites", "good: 7 tracked on average, PDOP 2.5; fair: 5, PDOP 5", "not measured",
+     judgeSatellites, judgeGeometry},
+    {"Signal strength",
+     "good: C/N0 40 dB-Hz on average, never lower on all satellites at once; fair: 34",
+     "not measured", judgeStrength, nullptr},
+    {"Multipath", "good: 0.6 m and no conspicuous satellite; fair: 1.2 m",
+     "no satellite with code and phase on two frequencies", judgeMultipath, nullptr},
+    {"Cycle slips", "good: 1 per hour, of all satellites; fair: 10", "not measured", judgeSlips,
+     nullptr},
+    {"Position", "good: 99 % of the epochs have one; fair: 90 %", "no positions", nullptr,
+     judgePosition},
+    {"Corrections", "good: never older than 15 s; fair: older in one stretch", "none used", nullptr,
+     judgeCorrections},
+    {"Interference", "good: none reported; fair: in 1 % of the time", "the receiver does not say",
+     nullptr, judgeInterference},
+    {"Receiver", "good: no error, load up to 80 %; fair: load up to 95 % or one error",
+     "it does not say", nullptr, judgeReceiver},
+    {"Damage", "good: no byte lost, all blocks decode; fair: up to 0.1 % of the bytes", "no bytes",
+     nullptr, judgeDamage},
+};
+
+/// Other antennas are only mentioned where they make the grade worse.
+Verdict judge(const Area& area, const Quality& quality)
+{
+    Judgement all;
+    if (area.judgeAntenna)
+        area.judgeAntenna(quality, all);
+    if (area.judgeLog)
+        area.judgeLog(quality, all);
+    for (const AntennaQuality& other : quality.otherAntennas) {
+        if (!area.judgeAntenna)
+            break;
+        Judgement its;
+        area.judgeAntenna(other, its);
+        if (its.getGrade() > std::max(all.getGrade(), Grade::Good))
+            all.say("antenna {}: {}", other.number, its.getWords());
+        all.noBetterThan(its.getGrade());
+    }
+    const bool isKnown = all.getGrade() != Grade::Unknown;
+    return {area.name, all.getGrade(), isKnown ? all.getWords() : area.unknown, area.threshold};
 }
 
 } // namespace
@@ -229,9 +280,10 @@ const char* nameOf(Grade grade)
 
 std::vector<Verdict> judge(const Quality& quality)
 {
-    return {completeness(quality), satellites(quality), strength(quality),    multipath(quality),
-            slips(quality),        position(quality),   corrections(quality), interference(quality),
-            receiver(quality),     damage(quality)};
+    std::vector<Verdict> verdicts;
+    for (const Area& area : areas)
+        verdicts.push_back(judge(area, quality));
+    return verdicts;
 }
 
 } // namespace tqx::quality

@@ -4,6 +4,7 @@ list(APPEND public_headers
     quality/QualityGatherer.h
     quality/Reference.h)
 target_sources(tqx-gnss PRIVATE
+    quality/AntennaAnalysis.cpp
     quality/ArcAnalysis.cpp
     quality/Episodes.cpp
     quality/EpochFollower.cpp
