@@ -63,9 +63,10 @@ uint64_t writeTrack(const Logs& logs, const std::string& path, const std::string
         return count;
     }
     const auto place = std::find(formats.begin(), formats.end(), format);
-    if (place == formats.end())
+    if (place == formats.end()) {
         throw DataError("there is no format of tracks named " + format +
                         "; they are csv, gpx, kml, geojson, nmea and gpkg");
+    }
     ProductFile file(path);
     const auto writer =
         makeTrackWriter(static_cast<TrackFormat>(place - formats.begin()), file.getBuffer(), name);
