@@ -18,4 +18,4 @@ install(DIRECTORY "${reference}/" DESTINATION "${html}/reference" COMPONENT doc)
 install(DIRECTORY "${PROJECT_BINARY_DIR}/site/" DESTINATION "${html}" COMPONENT doc OPTIONAL)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/"
     DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/libtqx-dev/examples" COMPONENT dev
-    FILES_MATCHING PATTERN "*.cpp")
+    FILES_MATCHING PATTERN "*.cpp" PATTERN "*.h" PATTERN "CMakeLists.txt")

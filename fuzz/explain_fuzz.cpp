@@ -13,7 +13,7 @@
 namespace
 {
 
-/// Memory that is handed out in small pieces.
+/// Memory that is allocated in small pieces.
 class Bytes : public tqx::ByteSource
 {
 public:

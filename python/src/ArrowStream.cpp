@@ -3,9 +3,8 @@
 #include "Interrupts.h"
 
 #include <cerrno>
-#include <exception>
-#include <new>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 namespace tqx::python
@@ -16,75 +15,21 @@ namespace nb = nanobind;
 namespace
 {
 
-/// What an exported stream refers to.
-struct Content {
-    WriteSchema schema;
-    NextBatch next;
-    std::string error;
-    int code = 0;
-
-    template<typename Work>
-    int run(const Work& work) noexcept
-    {
-        if (code != 0)
-            return code;
-        try {
-            work();
-        } catch (const std::bad_alloc&) {
-            code = ENOMEM;
-        } catch (const Interrupted&) {
-            // Readers of streams do not handle KeyboardInterrupt: the signal is raised again when
-            // they return to the interpreter.
-            code = EINTR;
-            PyErr_SetInterrupt();
-        } catch (const std::exception& failure) {
-            code = EIO;
-            try {
-                error = failure.what();
-            } catch (const std::bad_alloc&) {
-                error.clear();
-            }
-        }
-        return code;
-    }
-};
-
-Content& contentOf(ArrowArrayStream* stream)
+/// Reads on without the interpreter's lock.
+bool readNext(const std::function<bool(ArrowArray& out)>& next, ArrowArray& out)
 {
-    return *static_cast<Content*>(stream->private_data);
-}
-
-int getSchema(ArrowArrayStream* stream, ArrowSchema* out)
-{
-    Content& content = contentOf(stream);
-    return content.run([&] { content.schema(*out); });
-}
-
-int getNext(ArrowArrayStream* stream, ArrowArray* out)
-{
-    Content& content = contentOf(stream);
-    // Readers may or may not hold the interpreter's lock.
+    // Readers may or may not hold the lock.
     std::optional<nb::gil_scoped_release> unlocked;
     if (PyGILState_Check())
         unlocked.emplace();
-    return content.run([&] {
-        if (!content.next(*out))
-            *out = {};
-    });
-}
-
-const char* getLastError(ArrowArrayStream* stream)
-{
-    const Content& content = contentOf(stream);
-    if (content.code == ENOMEM)
-        return "out of memory";
-    return content.error.empty() ? nullptr : content.error.c_str();
-}
-
-void releaseStream(ArrowArrayStream* stream)
-{
-    delete static_cast<Content*>(stream->private_data);
-    stream->release = nullptr;
+    try {
+        return next(out);
+    } catch (const Interrupted& interrupted) {
+        // Readers of streams do not handle KeyboardInterrupt: the signal is raised again when they
+        // return to the interpreter.
+        PyErr_SetInterrupt();
+        throw std::system_error(EINTR, std::generic_category(), interrupted.what());
+    }
 }
 
 /// Frees what the capsule holds, released or not.
@@ -99,20 +44,21 @@ void destroy(void* pointer) noexcept
 
 } // namespace
 
-ArrowStream::ArrowStream(WriteSchema schema, NextBatch next, std::shared_ptr<TableCounts> counts)
-    : m_schema(std::move(schema)), m_next(std::move(next)), m_counts(std::move(counts))
+ArrowStream::ArrowStream(ArrowProducer producer, std::shared_ptr<TableCounts> counts)
+    : m_describe(producer.describe), m_producer(std::move(producer)), m_counts(std::move(counts))
 {
 }
 
 nb::capsule ArrowStream::handOut()
 {
-    if (!m_next)
+    if (!m_producer.next)
         throw nb::value_error("the table has already been read");
-    auto content = std::make_unique<Content>();
-    content->schema = m_schema;
-    content->next = std::exchange(m_next, nullptr);
+    ArrowProducer producer = std::exchange(m_producer, {});
+    producer.next = [next = std::move(producer.next)](ArrowArray& out) {
+        return readNext(next, out);
+    };
     auto stream = std::make_unique<ArrowArrayStream>();
-    *stream = {getSchema, getNext, getLastError, releaseStream, content.release()};
+    exportStream(std::move(producer), *stream);
     return {stream.release(), "arrow_array_stream", destroy<ArrowArrayStream>};
 }
 
@@ -120,7 +66,7 @@ nb::capsule ArrowStream::describe() const
 {
     auto schema = std::make_unique<ArrowSchema>();
     *schema = {};
-    m_schema(*schema);
+    m_describe(*schema);
     return {schema.release(), "arrow_schema", destroy<ArrowSchema>};
 }
 

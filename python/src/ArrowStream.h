@@ -1,28 +1,21 @@
 #pragma once
 
 #include "TableInputs.h"
-#include "tqx/log/table/ArrowInterface.h"
+#include "tqx/log/table/ArrowProducer.h"
 
 #include <nanobind/nanobind.h>
 
 #include <functional>
 #include <memory>
-#include <string>
 
 namespace tqx::python
 {
-
-/// Writes a schema, or throws.
-using WriteSchema = std::function<void(ArrowSchema& out)>;
-
-/// Writes the next batch, false at the end, or throws.
-using NextBatch = std::function<bool(ArrowArray& out)>;
 
 /// A table to be read once by an Arrow reader. The counts advance while it is read.
 class ArrowStream
 {
 public:
-    ArrowStream(WriteSchema schema, NextBatch next, std::shared_ptr<TableCounts> counts);
+    ArrowStream(ArrowProducer producer, std::shared_ptr<TableCounts> counts);
 
     /// A capsule with the stream. Throws nb::value_error at the second call.
     nanobind::capsule handOut();
@@ -33,8 +26,8 @@ public:
     const TableCounts& getCounts() const { return *m_counts; }
 
 private:
-    WriteSchema m_schema;
-    NextBatch m_next;
+    std::function<void(ArrowSchema& out)> m_describe;
+    ArrowProducer m_producer; ///< empty once it was handed out
     std::shared_ptr<TableCounts> m_counts;
 };
 

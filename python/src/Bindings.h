@@ -13,6 +13,7 @@ void bindProducts(nanobind::module_& module);
 void bindMessages(nanobind::module_& module);
 void bindTypes(nanobind::module_& module);
 void bindRinex(nanobind::module_& module);
+void bindReport(nanobind::module_& module);
 void bindTrack(nanobind::module_& module);
 void bindSimulation(nanobind::module_& module);
 

@@ -1,17 +1,19 @@
 #include "LogFile.h"
 
 #include "Interrupts.h"
-#include "OutputFile.h"
 #include "tqx/log/DataError.h"
+#include "tqx/log/index/IndexedBlocks.h"
 #include "tqx/log/index/IndexedLog.h"
 #include "tqx/log/index/SavedIndex.h"
 #include "tqx/log/source/CompressedAccess.h"
 #include "tqx/log/source/CompressedSource.h"
 #include "tqx/log/source/FileAccess.h"
 #include "tqx/log/source/FileSource.h"
+#include "tqx/log/source/JoinedAccess.h"
 #include "tqx/log/source/JoinedSource.h"
 #include "tqx/log/source/MemorySource.h"
 #include "tqx/log/source/OpenSource.h"
+#include "tqx/log/write/ProductFile.h"
 
 #include <algorithm>
 #include <utility>
@@ -89,16 +91,17 @@ void include(Partition& part, const PageRow& row)
 
 } // namespace
 
-LogFile::LogFile(std::string path)
-    : m_name(std::move(path)), m_isFile(true), m_packed(std::make_unique<FileAccess>(m_name))
+LogFile::LogFile(std::string path, const Schema& schema)
+    : m_name(std::move(path)), m_isFile(true), m_packed(std::make_unique<FileAccess>(m_name)),
+      m_schema(schema)
 {
     uint8_t first[4];
     const size_t count = m_packed->readAt(0, first, sizeof first);
     m_compression = compressionOf(first, count);
 }
 
-LogFile::LogFile(std::vector<uint8_t> bytes, std::string name)
-    : m_name(std::move(name)), m_isFile(false)
+LogFile::LogFile(std::vector<uint8_t> bytes, std::string name, const Schema& schema)
+    : m_name(std::move(name)), m_isFile(false), m_schema(schema)
 {
     if (compressionOf(bytes.data(), bytes.size()) == Compression::None) {
         m_bytes = std::move(bytes);
@@ -112,6 +115,18 @@ LogFile::LogFile(std::vector<uint8_t> bytes, std::string name)
         }
     }
     m_packed = std::make_unique<MemoryAccess>(m_bytes.data(), m_bytes.size(), m_name);
+}
+
+LogFile::LogFile(std::vector<std::shared_ptr<LogFile>> parts)
+    : m_name(parts.front()->getName()), m_isFile(false), m_schema(parts.front()->getSchema()),
+      m_parts(std::move(parts))
+{
+    std::vector<const RandomAccess*> contents;
+    for (const auto& part : m_parts) {
+        contents.push_back(&part->getContent());
+        m_warnings.insert(m_warnings.end(), part->getWarnings().begin(), part->getWarnings().end());
+    }
+    m_packed = std::make_unique<JoinedAccess>(contents, m_name);
 }
 
 LogFile::~LogFile() = default;
@@ -191,7 +206,7 @@ bool LogFile::save()
     const std::vector<uint8_t> bytes =
         packIndex({LogIdentity::of(*m_packed), m_compression, {}, {}, *m_index});
     try {
-        OutputFile file(IndexedLog::indexPath(m_name));
+        ProductFile file(IndexedLog::indexPath(m_name));
         file.getBuffer().append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
         file.finish();
     } catch (const DataError&) {
@@ -207,12 +222,14 @@ std::vector<Partition> LogFile::divide(uint64_t bytes) const
     for (uint32_t page = 0; page < pages.getEndPage(); ++page) {
         const uint64_t entry = m_index->getPageEntry(page);
         const PageRow& row = pages.rowOf(page);
-        const bool isFull =
-            !parts.empty() && !isCompressed() && entry - parts.back().begin >= bytes;
+        const bool isFull = !parts.empty() && !isCompressed() && m_parts.empty() &&
+                            entry - parts.back().begin >= bytes;
         if (parts.empty() || isFull) {
             Partition part;
             part.begin = parts.empty() ? 0 : entry;
             part.context = m_index->getPageContext(page);
+            part.context.weekCounter =
+                static_cast<uint8_t>(part.context.weekCounter + m_weeksBefore);
             part.timeBefore = known(row.timeBefore);
             if (!parts.empty())
                 parts.back().end = entry;
@@ -227,9 +244,97 @@ std::vector<Partition> LogFile::divide(uint64_t bytes) const
 
 std::unique_ptr<ByteSource> LogFile::openSource() const
 {
+    if (!m_parts.empty())
+        return std::make_unique<JoinedSource>(getPaths(), JoinedSource::FailureListener());
     if (m_isFile)
         return tqx::openSource(m_name);
     return std::make_unique<MemorySource>(m_bytes.data(), m_bytes.size(), m_name);
+}
+
+std::vector<std::string> LogFile::getPaths() const
+{
+    if (m_parts.empty())
+        return {m_name};
+    std::vector<std::string> paths;
+    for (const auto& part : m_parts)
+        paths.push_back(part->getName());
+    return paths;
+}
+
+ByteSource::Place LogFile::placeOf(uint64_t offset) const
+{
+    if (m_parts.empty())
+        return {m_name, offset};
+    const JoinedAccess::Place place = static_cast<const JoinedAccess&>(*m_packed).placeOf(offset);
+    return {place.file, place.offset};
+}
+
+namespace
+{
+
+/// Whether a log ends with a whole block, so that none goes on in the next file.
+bool endsWithBlock(const LogFile& log)
+{
+    const FramedPages& pages = log.getIndex().getPages();
+    for (uint32_t page = pages.getEndPage(); page-- > 0;) {
+        if (pages.rowOf(page).blocks == 0)
+            continue;
+        BlockQuery query;
+        query.firstPage = page;
+        query.endPage = page + 1;
+        IndexedBlocks blocks(log.getIndex(), log.getContent(), query);
+        uint64_t end = 0;
+        for (Block block = {}; blocks.next(block);)
+            end = block.offset + block.size;
+        return end == log.getIndex().getLogSize();
+    }
+    return log.getIndex().getLogSize() == 0;
+}
+
+/// Follows the week through a log.
+WeekContext contextAfter(const LogFile& log, WeekContext context)
+{
+    const FramedPages& pages = log.getIndex().getPages();
+    for (uint32_t page = 0; page < pages.getEndPage(); ++page) {
+        const PageRow& row = pages.rowOf(page);
+        if (row.firstTow == noTow)
+            continue;
+        // Weeks that begin within the log are the same whatever comes before it.
+        const auto weeks = static_cast<uint8_t>(log.getIndex().getWeekStarts().size());
+        uint32_t lastTow = row.lastTow;
+        for (uint32_t later = page + 1; later < pages.getEndPage(); ++later) {
+            if (pages.rowOf(later).lastTow != noTow)
+                lastTow = pages.rowOf(later).lastTow;
+        }
+        const bool isStart = Kor::MessageApi::TQX_beginsWeek(row.firstTow, context.lastTow);
+        return {static_cast<uint8_t>(context.weekCounter + weeks + (isStart ? 1 : 0)), lastTow};
+    }
+    return context;
+}
+
+} // namespace
+
+std::vector<std::shared_ptr<LogFile>> joinLogs(const std::vector<std::shared_ptr<LogFile>>& files,
+                                               const IndexProgress& progress)
+{
+    std::vector<std::vector<std::shared_ptr<LogFile>>> groups;
+    for (const auto& file : files) {
+        if (groups.empty() || endsWithBlock(*groups.back().back()))
+            groups.emplace_back();
+        groups.back().push_back(file);
+    }
+    std::vector<std::shared_ptr<LogFile>> logs;
+    WeekContext context;
+    for (auto& group : groups) {
+        auto log = group.size() == 1 ? group.front() : std::make_shared<LogFile>(std::move(group));
+        log->load(progress);
+        const WeekContext after = contextAfter(*log, context);
+        const auto inside = static_cast<uint8_t>(log->getIndex().getWeekStarts().size());
+        log->setWeeksBefore(static_cast<uint8_t>(after.weekCounter - inside));
+        context = after;
+        logs.push_back(std::move(log));
+    }
+    return logs;
 }
 
 } // namespace tqx::python

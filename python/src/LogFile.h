@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tqx/log/index/Index.h"
+#include "tqx/log/schema/Schema.h"
 #include "tqx/log/source/ByteSource.h"
 #include "tqx/log/source/Decompressor.h"
 #include "tqx/log/source/RandomAccess.h"
@@ -15,7 +16,8 @@
 namespace tqx
 {
 class IndexedLog;
-}
+class JoinedAccess;
+} // namespace tqx
 
 namespace tqx::python
 {
@@ -34,20 +36,35 @@ struct Partition {
     uint64_t blocks = 0;
 };
 
-/// One log, a file or bytes in memory, with its index, which is made when it is needed.
+/// One log, a file or bytes in memory, with its index, which is made when it is needed. Several
+/// files of one log are several of these that know what comes before them, see joinLogs().
 class LogFile
 {
 public:
-    /// A file. Throws SourceError when it cannot be opened.
-    explicit LogFile(std::string path);
+    /// A file with blocks of the schema's types. Throws SourceError when it cannot be opened.
+    explicit LogFile(std::string path, const Schema& schema = {});
 
     /// The bytes of a log, which may be compressed; `name` names it in messages.
-    LogFile(std::vector<uint8_t> bytes, std::string name);
+    LogFile(std::vector<uint8_t> bytes, std::string name, const Schema& schema = {});
+
+    /// Files that follow each other, after their load(), as one log.
+    explicit LogFile(std::vector<std::shared_ptr<LogFile>> parts);
     ~LogFile();
     LogFile(const LogFile&) = delete;
     LogFile& operator=(const LogFile&) = delete;
 
     const std::string& getName() const { return m_name; }
+    const Schema& getSchema() const { return m_schema; }
+
+    /// Names of the files that it consists of.
+    std::vector<std::string> getPaths() const;
+
+    /// The file of a byte of the content, and its offset there.
+    ByteSource::Place placeOf(uint64_t offset) const;
+
+    /// Weeks that began in the log before this file.
+    uint8_t getWeeksBefore() const { return m_weeksBefore; }
+    void setWeeksBefore(uint8_t weeks) { m_weeksBefore = weeks; }
 
     /// Size of the file as stored.
     uint64_t getPackedSize() const { return m_packed->getSize(); }
@@ -73,7 +90,7 @@ public:
     const std::vector<std::string>& getWarnings() const { return m_warnings; }
 
     /// Parts of about so many bytes, in order, that together are the whole log. A compressed log is
-    /// one part. After load().
+    /// one part, and so are joined files. After load().
     std::vector<Partition> divide(uint64_t bytes) const;
 
     /// All bytes of the content in order, decompressed. Throws SourceError.
@@ -94,6 +111,15 @@ private:
     const Index* m_index = nullptr;
     const RandomAccess* m_content = nullptr;
     std::vector<std::string> m_warnings;
+    Schema m_schema;
+    std::vector<std::shared_ptr<LogFile>> m_parts; ///< of joined files
+    uint8_t m_weeksBefore = 0;
 };
+
+/// Makes one log of files that follow each other, after their load(): the last block of a file may
+/// end in the next one, and weeks are counted through all of them. Returns the files, of which
+/// those that share a block are joined. Can be interrupted. Throws SourceError.
+std::vector<std::shared_ptr<LogFile>> joinLogs(const std::vector<std::shared_ptr<LogFile>>& files,
+                                               const IndexProgress& progress);
 
 } // namespace tqx::python

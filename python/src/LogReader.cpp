@@ -1,7 +1,6 @@
 #include "LogReader.h"
 
 #include "Interrupts.h"
-#include "TQX_codec.h"
 #include "tqx/log/select/TypeSelection.h"
 
 #include <utility>
@@ -9,16 +8,13 @@
 namespace tqx::python
 {
 
-using namespace Kor::MessageApi;
-
 LogReader::LogReader(std::vector<std::shared_ptr<LogFile>> logs, std::vector<uint16_t> numbers,
                      std::optional<GnssMillis> from, std::optional<GnssMillis> to)
-    : m_logs(std::move(logs))
+    : m_logs(std::move(logs)), m_decoder(m_logs.empty() ? Schema() : m_logs.front()->getSchema())
 {
     m_query.numbers = std::move(numbers);
     m_query.from = from;
     m_query.to = to;
-    TQX_init_context(&m_context);
 }
 
 bool LogReader::next(Block& block)
@@ -40,11 +36,18 @@ bool LogReader::next(Block& block)
     return false;
 }
 
+WeekContext LogReader::getContext() const
+{
+    WeekContext context = m_blocks->getContext();
+    context.weekCounter =
+        static_cast<uint8_t>(context.weekCounter + m_logs[m_current]->getWeeksBefore());
+    return context;
+}
+
 DecodedBlock LogReader::decode(const Block& block)
 {
-    getContext().applyTo(m_context);
-    const int32_t consumed = m_record.decode(&m_context, block.data, block.size);
-    return {block, consumed > 0 ? m_record.get() : nullptr, consumed};
+    const int32_t consumed = m_decoder.decode(block, getContext());
+    return consumed > 0 ? m_decoder.getDecoded() : DecodedBlock{block, nullptr, consumed};
 }
 
 std::vector<uint16_t> numbersOf(const std::function<bool(uint16_t)>& wants)

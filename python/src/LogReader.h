@@ -1,9 +1,8 @@
 #pragma once
 
 #include "LogFile.h"
-#include "TQX_OwnedRecord.h"
 #include "tqx/log/index/IndexedBlocks.h"
-#include "tqx/log/record/DecodedBlock.h"
+#include "tqx/log/record/RecordDecoder.h"
 
 #include <cstdint>
 #include <functional>
@@ -26,12 +25,14 @@ public:
     /// Gets the next block, which is valid until the next call; false at the end.
     bool next(Block& block);
 
-    /// Index of the log that the last block is in.
-    size_t getLog() const { return m_current; }
-    const LogFile& getFile() const { return *m_logs[m_current]; }
+    /// Where a block of the log is that the last one is in.
+    ByteSource::Place placeOf(const Block& block) const
+    {
+        return m_logs[m_current]->placeOf(block.offset);
+    }
 
     /// The decoding context of the last block.
-    WeekContext getContext() const { return m_blocks->getContext(); }
+    WeekContext getContext() const;
 
     /// The last block, decoded; its record is null when it does not decode.
     DecodedBlock decode(const Block& block);
@@ -41,8 +42,7 @@ private:
     BlockQuery m_query;
     size_t m_current = 0;
     std::optional<IndexedBlocks> m_blocks;
-    Kor::MessageApi::TQX_Context_s m_context;
-    Kor::MessageApi::TQX_OwnedRecord m_record;
+    RecordDecoder m_decoder;
     unsigned m_sinceCheck = 0;
 };
 

@@ -37,6 +37,14 @@ void load(LogFile& log, const nb::object& progress)
     log.load(hears);
 }
 
+std::vector<std::shared_ptr<LogFile>> join(const std::vector<std::shared_ptr<LogFile>>& files,
+                                           const nb::object& progress)
+{
+    const IndexProgress hears = withLock(progress);
+    const nb::gil_scoped_release unlocked;
+    return joinLogs(files, hears);
+}
+
 bool save(LogFile& log)
 {
     const nb::gil_scoped_release unlocked;
@@ -68,7 +76,9 @@ nb::list gaps(const LogFile& log)
 {
     nb::list list;
     log.getIndex().visitGaps([&](const StreamGap& gap) {
-        list.append(nb::make_tuple(gap.offset, gap.bytes, gap.crcErrors, gap.invalidLengths));
+        const ByteSource::Place place = log.placeOf(gap.offset);
+        list.append(
+            nb::make_tuple(place.file, place.offset, gap.bytes, gap.crcErrors, gap.invalidLengths));
     });
     return list;
 }
@@ -89,12 +99,14 @@ void makePartition(Partition* part, uint64_t begin, uint64_t end, uint8_t week, 
 void bindLogs(nb::module_& module)
 {
     nb::class_<LogFile>(module, "LogFile")
-        .def(nb::new_([](const std::string& path) { return std::make_shared<LogFile>(path); }))
+        .def(nb::new_([](const std::string& path, const Schema& schema) {
+            return std::make_shared<LogFile>(path, schema);
+        }))
         .def_static("of_bytes",
-                    [](const nb::bytes& bytes, const std::string& name) {
+                    [](const nb::bytes& bytes, const std::string& name, const Schema& schema) {
                         const auto* data = static_cast<const uint8_t*>(bytes.data());
                         return std::make_shared<LogFile>(
-                            std::vector<uint8_t>(data, data + bytes.size()), name);
+                            std::vector<uint8_t>(data, data + bytes.size()), name, schema);
                     })
         .def("load", load, nb::arg("progress").none())
         .def("save", save)
@@ -108,7 +120,9 @@ void bindLogs(nb::module_& module)
         .def("types", types)
         .def("counts", counts)
         .def("gaps", gaps)
+        .def_prop_ro("paths", &LogFile::getPaths)
         .def("divide", &LogFile::divide);
+    module.def("join_logs", join, nb::arg("files"), nb::arg("progress").none());
 
     nb::class_<Partition>(module, "Partition")
         .def("__init__", makePartition, nb::arg("begin"), nb::arg("end"), nb::arg("week"),

@@ -1,6 +1,5 @@
 #include "Bindings.h"
 #include "LogReader.h"
-#include "TQX_codec.h"
 #include "tqx/log/read/LineEncoder.h"
 #include "tqx/log/select/Condition.h"
 #include "tqx/log/select/TypeSelection.h"
@@ -21,7 +20,6 @@ namespace tqx::python
 {
 
 namespace nb = nanobind;
-using namespace Kor::MessageApi;
 
 namespace
 {
@@ -34,13 +32,14 @@ class MessageReader
 public:
     MessageReader(const Logs& logs, const std::vector<std::string>& types, const std::string& where,
                   std::optional<GnssMillis> from, std::optional<GnssMillis> to)
-        : m_types(types, {}), m_reader(logs, numbers(), from, to)
+        : m_types(types, {}, logs.empty() ? Schema() : logs.front()->getSchema()),
+          m_reader(logs, numbers(), from, to)
     {
         if (!where.empty())
             m_condition.emplace(where, m_types);
     }
 
-    /// The next block as (log, number, revision, offset, time, bytes, week, tow), or None.
+    /// The next block as (file, number, revision, offset, time, bytes, week, tow), or None.
     nb::object next()
     {
         Block block = {};
@@ -51,8 +50,9 @@ public:
         }
         const WeekContext context = m_reader.getContext();
         const auto time = block.getTime();
-        return nb::make_tuple(m_reader.getLog(), block.getNumber(), block.getRevision(),
-                              block.offset, time ? nb::cast(*time) : nb::none(),
+        const ByteSource::Place place = m_reader.placeOf(block);
+        return nb::make_tuple(place.file, block.getNumber(), block.getRevision(), place.offset,
+                              time ? nb::cast(*time) : nb::none(),
                               nb::bytes(block.data, block.size), context.weekCounter,
                               context.lastTow);
     }
@@ -84,17 +84,16 @@ private:
 
 /// A block as a line of JSON with its values, or with the stored ones. For a block that does not
 /// decode it has the code.
-std::string describe(const nb::bytes& bytes, uint8_t week, uint32_t tow, bool isRaw)
+std::string describe(const nb::bytes& bytes, uint8_t week, uint32_t tow, bool isRaw,
+                     const Schema& schema)
 {
-    static const FieldFilter everything;
-    TQX_Context_s context;
-    TQX_init_context(&context);
-    WeekContext{week, tow}.applyTo(context);
-    TQX_OwnedRecord record;
+    const FieldFilter everything({}, schema);
+    RecordDecoder decoder(schema);
     const auto size = static_cast<uint16_t>(bytes.size());
     const Block block = {static_cast<const uint8_t*>(bytes.data()), size, 0};
-    const int32_t consumed = record.decode(&context, block.data, block.size);
-    const DecodedBlock decoded = {block, consumed > 0 ? record.get() : nullptr, consumed};
+    const int32_t consumed = decoder.decode(block, {week, tow});
+    const DecodedBlock decoded =
+        consumed > 0 ? decoder.getDecoded() : DecodedBlock{block, nullptr, consumed};
     Buffer out;
     if (isRaw) {
         RawJson json(everything);
@@ -114,9 +113,9 @@ std::string describe(const nb::bytes& bytes, uint8_t week, uint32_t tow, bool is
     return std::string(out.view());
 }
 
-nb::bytes encode(const std::string& line)
+nb::bytes encode(const std::string& line, const Schema& schema)
 {
-    LineEncoder encoder;
+    LineEncoder encoder(schema);
     const std::vector<uint8_t>& block = encoder.encode(line);
     return nb::bytes(block.data(), block.size());
 }

@@ -1,7 +1,9 @@
 #include "Products.h"
 #include "ArrowStream.h"
 #include "Bindings.h"
+#include "EpochParts.h"
 #include "LogReader.h"
+#include "PartStream.h"
 #include "ProductTable.h"
 #include "tqx/gnss/navigation/NavigationStore.h"
 #include "tqx/gnss/observation/EpochSelection.h"
@@ -19,6 +21,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <string_view>
 #include <utility>
 
@@ -160,26 +163,79 @@ void addRows(ProductTable& table, const ObservationEpoch& epoch)
     table.endRows(count);
 }
 
+/// Gets the next block that has to do with observations and decodes; false at the end.
+using NextDecoded = std::function<bool(DecodedBlock& decoded)>;
+
+/// Those of whole logs, by their indexes.
+NextDecoded measurementsOf(Logs logs)
+{
+    auto reader =
+        std::make_shared<LogReader>(std::move(logs), numbersOf(ObservationGatherer::wants));
+    return [reader](DecodedBlock& decoded) {
+        for (Block block = {}; reader->next(block);) {
+            decoded = reader->decode(block);
+            if (decoded.record)
+                return true;
+        }
+        return false;
+    };
+}
+
+/// Those of pieces of logs that follow each other, without an index.
+class PieceReader
+{
+public:
+    explicit PieceReader(std::vector<EpochPiece> pieces) : m_pieces(std::move(pieces)) {}
+
+    bool next(DecodedBlock& decoded)
+    {
+        for (; m_current < m_pieces.size(); ++m_current, m_stream.reset()) {
+            if (!m_stream)
+                open(m_pieces[m_current]);
+            for (Block block = {}; m_stream->next(block);) {
+                if (!ObservationGatherer::wants(block.getNumber()) || m_decoder.decode(block) <= 0)
+                    continue;
+                decoded = m_decoder.getDecoded();
+                return true;
+            }
+        }
+        return false;
+    }
+
+private:
+    void open(const EpochPiece& piece)
+    {
+        Partition part;
+        part.begin = piece.begin;
+        part.end = piece.end;
+        m_stream = std::make_unique<PartStream>(piece.paths, part, Schema());
+    }
+
+    std::vector<EpochPiece> m_pieces;
+    size_t m_current = 0;
+    std::unique_ptr<PartStream> m_stream;
+    RecordDecoder m_decoder;
+};
+
 /// Observations on their way into a table.
 class ObservationRows
 {
 public:
-    ObservationRows(Logs logs, EpochSelection selection)
-        : m_reader(std::move(logs), numbersOf(ObservationGatherer::wants)),
-          m_selection(std::move(selection)),
+    ObservationRows(NextDecoded next, EpochSelection selection, bool isNanMissing)
+        : m_next(std::move(next)), m_selection(std::move(selection)),
           m_gatherer([this](ObservationEpoch& epoch) { return take(epoch); })
     {
         addObservationColumns(m_table);
+        if (isNanMissing)
+            m_table.setNanIsMissing();
     }
 
     bool next(ArrowArray& out)
     {
         while (!m_ended && m_table.getRows() < batchRows) {
-            Block block = {};
-            if (m_reader.next(block)) {
-                const DecodedBlock decoded = m_reader.decode(block);
-                if (decoded.record)
-                    m_gatherer.take(decoded);
+            DecodedBlock decoded = {};
+            if (m_next(decoded)) {
+                m_gatherer.take(decoded);
             } else {
                 m_gatherer.finish();
                 m_ended = true;
@@ -203,7 +259,7 @@ private:
         return true;
     }
 
-    LogReader m_reader;
+    NextDecoded m_next;
     EpochSelection m_selection;
     ProductTable m_table;
     ObservationGatherer m_gatherer;
@@ -216,13 +272,14 @@ ArrowStream streamOfRows(const char* description, void (*addColumns)(ProductTabl
 {
     auto empty = std::make_shared<ProductTable>();
     addColumns(*empty);
-    return {[empty, description](ArrowSchema& out) { empty->exportSchema(description, out); },
-            [rows](ArrowArray& out) { return rows->next(out); }, std::make_shared<TableCounts>()};
+    return {{[empty, description](ArrowSchema& out) { empty->exportSchema(description, out); },
+             [rows](ArrowArray& out) { return rows->next(out); }},
+            std::make_shared<TableCounts>()};
 }
 
 ArrowStream observations(Logs logs, std::optional<GnssMillis> from, std::optional<GnssMillis> to,
                          uint64_t interval, std::vector<std::string> satellites,
-                         std::vector<std::string> signals)
+                         std::vector<std::string> signals, bool isNanMissing)
 {
     EpochSelection selection;
     selection.from = from;
@@ -231,7 +288,50 @@ ArrowStream observations(Logs logs, std::optional<GnssMillis> from, std::optiona
     selection.satellites = std::move(satellites);
     selection.signals = std::move(signals);
     return streamOfRows("observations", addObservationColumns,
-                        std::make_shared<ObservationRows>(std::move(logs), std::move(selection)));
+                        std::make_shared<ObservationRows>(measurementsOf(std::move(logs)),
+                                                          std::move(selection), isNanMissing));
+}
+
+/// The observations of a part of a log.
+ArrowStream partObservations(std::vector<EpochPiece> pieces, std::optional<GnssMillis> from,
+                             std::optional<GnssMillis> to)
+{
+    EpochSelection selection;
+    selection.from = from;
+    selection.to = to;
+    auto reader = std::make_shared<PieceReader>(std::move(pieces));
+    return streamOfRows("observations", addObservationColumns,
+                        std::make_shared<ObservationRows>(
+                            [reader](DecodedBlock& decoded) { return reader->next(decoded); },
+                            std::move(selection), false));
+}
+
+std::vector<EpochPart> divide(const Logs& logs, uint64_t bytes, GnssMillis lead)
+{
+    const nb::gil_scoped_release unlocked;
+    return divideEpochs(logs, bytes, lead);
+}
+
+void bindEpochParts(nb::module_& module)
+{
+    nb::class_<EpochPiece>(module, "EpochPiece")
+        .def(
+            "__init__",
+            [](EpochPiece* piece, std::vector<std::string> paths, uint64_t begin, uint64_t end) {
+                new (piece) EpochPiece{std::move(paths), begin, end};
+            },
+            nb::arg("paths"), nb::arg("begin"), nb::arg("end"))
+        .def_ro("paths", &EpochPiece::paths)
+        .def_ro("begin", &EpochPiece::begin)
+        .def_ro("end", &EpochPiece::end);
+    nb::class_<EpochPart>(module, "EpochPart")
+        .def_ro("pieces", &EpochPart::pieces)
+        .def_ro("first_epoch", &EpochPart::from)
+        .def_ro("end_epoch", &EpochPart::to)
+        .def_ro("bytes", &EpochPart::bytes);
+    module.def("divide_epochs", divide, nb::arg("logs"), nb::arg("bytes"), nb::arg("lead"));
+    module.def("part_observations", partObservations, nb::arg("pieces"), nb::arg("start").none(),
+               nb::arg("end").none());
 }
 
 void addPositionColumns(ProductTable& table)
@@ -393,13 +493,13 @@ ArrowStream ephemerides(const Logs& logs, std::optional<GnssMillis> from,
             table->real(column++, ephemeris.*parameter.member);
         table->endRow();
     }
-    return {[table](ArrowSchema& out) { table->exportSchema("ephemerides", out); },
-            [table](ArrowArray& out) {
-                if (table->getRows() == 0)
-                    return false;
-                table->finish(out);
-                return true;
-            },
+    return {{[table](ArrowSchema& out) { table->exportSchema("ephemerides", out); },
+             [table](ArrowArray& out) {
+                 if (table->getRows() == 0)
+                     return false;
+                 table->finish(out);
+                 return true;
+             }},
             std::make_shared<TableCounts>()};
 }
 
@@ -407,9 +507,10 @@ ArrowStream ephemerides(const Logs& logs, std::optional<GnssMillis> from,
 
 void bindProducts(nb::module_& module)
 {
+    bindEpochParts(module);
     module.def("observations", observations, nb::arg("logs"), nb::arg("start").none(),
                nb::arg("end").none(), nb::arg("interval"), nb::arg("satellites"),
-               nb::arg("signals"));
+               nb::arg("signals"), nb::arg("nan_is_missing") = false);
     module.def("positions", positions, nb::arg("logs"), nb::arg("source"), nb::arg("start").none(),
                nb::arg("end").none());
     module.def("ephemerides", ephemerides, nb::arg("logs"), nb::arg("start").none(),

@@ -1,9 +1,9 @@
 #include "tqx/simulation/Simulation.h"
 #include "Bindings.h"
 #include "Interrupts.h"
-#include "OutputFile.h"
 #include "tqx/gnss/orbit/Geodesy.h"
 #include "tqx/log/DataError.h"
+#include "tqx/log/write/ProductFile.h"
 
 #include <nanobind/stl/string.h>
 
@@ -51,7 +51,7 @@ nb::bytes toBytes(const SimulationSettings& settings)
 void toFile(const SimulationSettings& settings, const std::string& path)
 {
     const nb::gil_scoped_release unlocked;
-    OutputFile file(path);
+    ProductFile file(path);
     simulation::simulate(settings, file.getBuffer(), [&](uint64_t) {
         checkInterrupt();
         file.commit();
@@ -75,6 +75,8 @@ void bindSimulation(nb::module_& module)
         .def_rw("damage", &SimulationSettings::damage)
         .def_rw("mixed", &SimulationSettings::mixed)
         .def_rw("compact", &SimulationSettings::compact)
+        .def_rw("almanacs", &SimulationSettings::almanacs)
+        .def_rw("pulse_period", &SimulationSettings::pulsePeriod)
         .def("set_position", setPosition)
         .def("set_track", setTrack)
         .def("set_slips", [](SimulationSettings& settings,

@@ -1,12 +1,6 @@
 #include "TableInputs.h"
 
 #include "Interrupts.h"
-#include "TQX_codec.h"
-#include "korcg_load.h"
-#include "tqx/log/DataError.h"
-#include "tqx/log/source/Decompressor.h"
-#include "tqx/log/source/MemorySource.h"
-#include "tqx/log/source/OpenSource.h"
 
 #include <fmt/format.h>
 
@@ -32,10 +26,10 @@ BlockQuery queryOf(const BlockChoice& choice)
 } // namespace
 
 ChosenInput::ChosenInput(std::vector<std::unique_ptr<TableInput>> inputs, BlockChoice choice,
-                         std::shared_ptr<TableCounts> counts)
-    : m_inputs(std::move(inputs)), m_choice(std::move(choice)), m_counts(std::move(counts))
+                         const Schema& schema, std::shared_ptr<TableCounts> counts)
+    : m_inputs(std::move(inputs)), m_choice(std::move(choice)), m_counts(std::move(counts)),
+      m_schema(schema), m_decoder(schema)
 {
-    TQX_init_context(&m_context);
 }
 
 bool ChosenInput::isWanted(const TableBlock& block)
@@ -45,10 +39,9 @@ bool ChosenInput::isWanted(const TableBlock& block)
     ++m_counts->found;
     if (!m_choice.where)
         return true;
-    m_context.weekCounter = block.week;
-    m_context.lastTOW = 0; // the counter is that after the block
-    return m_record.decode(&m_context, block.data, block.size) > 0 &&
-           m_choice.where->accepts(m_record.get());
+    // The counter is that after the block.
+    return m_decoder.decode({block.data, block.size, block.offset}, {block.week, 0}) > 0 &&
+           m_choice.where->accepts(m_decoder.getRecord());
 }
 
 size_t ChosenInput::read(TableBlock* blocks, size_t capacity)
@@ -79,7 +72,7 @@ void ChosenInput::refuse(const TableBlock& block, int32_t code)
 {
     if (m_counts->refused++ == 0) {
         m_counts->firstRefused =
-            fmt::format("{}: {}: {}", block.file, block.offset, TQX_errorName(code));
+            fmt::format("{}: {}: {}", block.file, block.offset, m_schema.getErrorName(code));
     }
 }
 
@@ -91,47 +84,35 @@ WholeInput::WholeInput(std::shared_ptr<const LogFile> log, const TQX_TypeLayout&
 
 size_t WholeInput::read(TableBlock* blocks, size_t capacity)
 {
-    return m_input.read(blocks, capacity);
+    const size_t count = m_input.read(blocks, capacity);
+    for (size_t i = 0; i < count; ++i) {
+        const ByteSource::Place place = m_log->placeOf(blocks[i].offset);
+        blocks[i].offset = place.offset;
+        blocks[i].file = place.file;
+        blocks[i].week = static_cast<uint8_t>(blocks[i].week + m_log->getWeeksBefore());
+    }
+    return count;
 }
 
-PartInput::PartInput(const std::string& path, const Partition& part, const TQX_TypeLayout& type,
-                     const BlockChoice& choice)
-    : m_name(path), m_begin(part.begin), m_number(type.blockNumber), m_time(part.timeBefore),
+PartInput::PartInput(const std::vector<std::string>& paths, const Partition& part,
+                     const Schema& schema, const TQX_TypeLayout& type, const BlockChoice& choice)
+    : m_stream(paths, part, schema), m_number(type.blockNumber), m_time(part.timeBefore),
       m_from(choice.from), m_to(choice.to)
 {
-    TQX_init_context(&m_context);
-    part.context.applyTo(m_context);
-    m_file = std::make_unique<FileAccess>(path);
-    uint8_t first[4];
-    const size_t count = m_file->readAt(0, first, sizeof first);
-    if (compressionOf(first, count) != Compression::None || !m_file->getBytes()) {
-        if (part.begin != 0)
-            throw SourceError(path + ": a compressed log has no parts");
-        m_source = openSource(path);
-    } else if (part.end > m_file->getSize() || part.begin > part.end) {
-        throw SourceError(fmt::format("{}: {}: the log has shrunk since it was indexed", path,
-                                      m_file->getSize()));
-    } else {
-        m_source = std::make_unique<MemorySource>(m_file->getBytes() + part.begin,
-                                                  static_cast<size_t>(part.end - part.begin), path);
-    }
-    m_stream = std::make_unique<BlockStream>(*m_source);
 }
 
 size_t PartInput::read(TableBlock* blocks, size_t capacity)
 {
-    constexpr size_t endOfTow = 12;
     Block block = {};
-    while (capacity != 0 && m_stream->next(block)) {
-        if (block.size >= endOfTow && TQX_recordType(block.getNumber()) != 0)
-            TQX_continuousTime(&m_context, korcg_load_u32(block.data + 8));
+    while (capacity != 0 && m_stream.next(block)) {
         if (const auto time = block.getTime())
             m_time = time;
         const bool isInTime =
             (!m_from || (m_time && *m_time >= *m_from)) && (!m_to || !m_time || *m_time < *m_to);
         if (block.getNumber() != m_number || !isInTime)
             continue;
-        *blocks = {block.data, block.size, m_context.weekCounter, m_begin + block.offset, m_name};
+        *blocks = {block.data, block.size, m_stream.getContext().weekCounter, block.offset,
+                   m_stream.getName()};
         return 1;
     }
     return 0;

@@ -1,11 +1,9 @@
 #pragma once
 
 #include "LogFile.h"
-#include "TQX_OwnedRecord.h"
+#include "PartStream.h"
+#include "tqx/log/record/RecordDecoder.h"
 #include "tqx/log/select/Condition.h"
-#include "tqx/log/source/FileAccess.h"
-#include "tqx/log/stream/BlockStream.h"
-#include "tqx/log/stream/StreamListener.h"
 #include "tqx/log/table/IndexInput.h"
 #include "tqx/log/table/TableInput.h"
 
@@ -41,7 +39,7 @@ class ChosenInput : public TableInput
 {
 public:
     ChosenInput(std::vector<std::unique_ptr<TableInput>> inputs, BlockChoice choice,
-                std::shared_ptr<TableCounts> counts);
+                const Schema& schema, std::shared_ptr<TableCounts> counts);
 
     size_t read(TableBlock* blocks, size_t capacity) override;
     void refuse(const TableBlock& block, int32_t code) override;
@@ -53,8 +51,8 @@ private:
     size_t m_current = 0;
     BlockChoice m_choice;
     std::shared_ptr<TableCounts> m_counts;
-    Kor::MessageApi::TQX_Context_s m_context;
-    Kor::MessageApi::TQX_OwnedRecord m_record;
+    Schema m_schema;
+    RecordDecoder m_decoder;
     uint64_t m_sinceCheck = 0;
 };
 
@@ -72,24 +70,19 @@ private:
     IndexInput m_input;
 };
 
-/// The blocks of a part of a file without an index, exactly as in one pass over the whole file.
+/// The blocks of a part of a log without an index, exactly as in one pass over all of it.
 class PartInput : public TableInput
 {
 public:
-    /// A compressed file is read from its beginning to its end. Throws SourceError.
-    PartInput(const std::string& path, const Partition& part,
+    /// See PartStream. Throws SourceError.
+    PartInput(const std::vector<std::string>& paths, const Partition& part, const Schema& schema,
               const Kor::MessageApi::TQX_TypeLayout& type, const BlockChoice& choice);
 
     size_t read(TableBlock* blocks, size_t capacity) override;
 
 private:
-    std::unique_ptr<FileAccess> m_file;
-    std::unique_ptr<ByteSource> m_source;
-    std::unique_ptr<BlockStream> m_stream;
-    std::string m_name;
-    uint64_t m_begin;
+    PartStream m_stream;
     uint16_t m_number;
-    Kor::MessageApi::TQX_Context_s m_context;
     std::optional<GnssMillis> m_time;
     std::optional<GnssMillis> m_from;
     std::optional<GnssMillis> m_to;

@@ -24,6 +24,7 @@ namespace
 
 /// The requested table, in terms of Python.
 struct TableRequest {
+    Schema schema;
     std::string type;
     std::vector<std::string> fields;
     std::string rows;
@@ -42,12 +43,12 @@ struct TableRequest {
 
 std::shared_ptr<TableSchema> schemaOf(const TableRequest& request)
 {
-    const TQX_TypeLayout* const type = findType(request.type);
+    const TQX_TypeLayout* const type = request.schema.findType(request.type);
     if (!type)
-        throw DataError(unknownType(request.type));
+        throw DataError(unknownType(request.type, request.schema));
     TableOptions options;
     if (!request.fields.empty())
-        options.fields = FieldFilter(request.fields);
+        options.fields = FieldFilter(request.fields, request.schema);
     options.rows = request.rows;
     options.isScaled = request.isScaled;
     options.isNamed = request.isNamed;
@@ -66,20 +67,22 @@ BlockChoice choiceOf(const TableRequest& request)
     choice.to = request.to;
     choice.revisions = request.revisions;
     if (!request.where.empty()) {
-        const TypeSelection types({request.type}, {});
+        const TypeSelection types({request.type}, {}, request.schema);
         choice.where = std::make_shared<Condition>(request.where, types);
     }
     return choice;
 }
 
-ArrowStream streamOf(const std::shared_ptr<TableSchema>& schema,
+ArrowStream streamOf(const std::shared_ptr<TableSchema>& schema, const Schema& types,
                      std::vector<std::unique_ptr<TableInput>> inputs, BlockChoice choice)
 {
     auto counts = std::make_shared<TableCounts>();
-    auto input = std::make_unique<ChosenInput>(std::move(inputs), std::move(choice), counts);
+    auto input = std::make_unique<ChosenInput>(std::move(inputs), std::move(choice), types, counts);
     auto table = std::make_shared<TableStream>(schema, std::move(input));
-    return {[schema](ArrowSchema& out) { schema->exportTo(out); },
-            [table](ArrowArray& out) { return table->next(out); }, counts};
+    // Layouts live as long as their types.
+    return {{[schema, types](ArrowSchema& out) { schema->exportTo(out); },
+             [table, types](ArrowArray& out) { return table->next(out); }},
+            counts};
 }
 
 /// A table of whole logs, by their indexes.
@@ -90,23 +93,19 @@ ArrowStream readLogs(const std::vector<std::shared_ptr<LogFile>>& logs, const Ta
     std::vector<std::unique_ptr<TableInput>> inputs;
     for (const auto& log : logs)
         inputs.push_back(std::make_unique<WholeInput>(log, schema->getType(), choice));
-    return streamOf(schema, std::move(inputs), std::move(choice));
+    return streamOf(schema, request.schema, std::move(inputs), std::move(choice));
 }
 
-/// A table of a part of a file.
-ArrowStream readPart(const std::string& path, const Partition& part, const TableRequest& request)
+/// A table of a part of a log.
+ArrowStream readPart(const std::vector<std::string>& paths, const Partition& part,
+                     const TableRequest& request)
 {
     const auto schema = schemaOf(request);
     BlockChoice choice = choiceOf(request);
     std::vector<std::unique_ptr<TableInput>> inputs;
-    inputs.push_back(std::make_unique<PartInput>(path, part, schema->getType(), choice));
-    return streamOf(schema, std::move(inputs), std::move(choice));
-}
-
-std::string numberName(uint16_t number)
-{
-    const unsigned type = TQX_recordType(number);
-    return type == 0 ? std::string() : TQX_layout(type)->name;
+    inputs.push_back(
+        std::make_unique<PartInput>(paths, part, request.schema, schema->getType(), choice));
+    return streamOf(schema, request.schema, std::move(inputs), std::move(choice));
 }
 
 nb::dict countsOf(const ArrowStream& stream)
@@ -126,6 +125,7 @@ void bindTables(nb::module_& module)
 {
     nb::class_<TableRequest>(module, "TableRequest")
         .def(nb::init<>())
+        .def_rw("schema", &TableRequest::schema)
         .def_rw("type", &TableRequest::type)
         .def_rw("fields", &TableRequest::fields)
         .def_rw("rows", &TableRequest::rows)
@@ -156,13 +156,6 @@ void bindTables(nb::module_& module)
     module.def("check", [](const TableRequest& request) {
         schemaOf(request);
         choiceOf(request);
-    });
-    module.def("number_name", numberName);
-    module.def("type_name", [](const std::string& name) -> std::string {
-        const TQX_TypeLayout* const type = findType(name);
-        if (!type)
-            throw DataError(unknownType(name));
-        return type->name;
     });
 }
 

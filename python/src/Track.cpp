@@ -1,10 +1,10 @@
 #include "Bindings.h"
 #include "LogReader.h"
-#include "OutputFile.h"
 #include "Products.h"
 #include "tqx/gnss/track/GeoPackage.h"
 #include "tqx/gnss/track/TrackWriter.h"
 #include "tqx/log/DataError.h"
+#include "tqx/log/write/ProductFile.h"
 
 #include <nanobind/stl/optional.h>
 #include <nanobind/stl/shared_ptr.h>
@@ -66,7 +66,7 @@ uint64_t writeTrack(const Logs& logs, const std::string& path, const std::string
     if (place == formats.end())
         throw DataError("there is no format of tracks named " + format +
                         "; they are csv, gpx, kml, geojson, nmea and gpkg");
-    OutputFile file(path);
+    ProductFile file(path);
     const auto writer =
         makeTrackWriter(static_cast<TrackFormat>(place - formats.begin()), file.getBuffer(), name);
     writer->begin();

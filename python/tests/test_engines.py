@@ -7,14 +7,17 @@ import json
 import os
 import sys
 from collections.abc import Iterator
+from dataclasses import replace
+from itertools import pairwise
 from pathlib import Path
 from typing import Any
 
 import pyarrow
+import pyarrow.compute
 import pytest
 
 import tqx
-from tqx.parts import PartTable, divide
+from tqx.parts import Part, PartTable, divide
 
 SOURCES = ["a.tqx", "b.tqx", "c.tqx.gz", ""]
 COLUMNS = ["TOWc", "Height", "PVTMode", "COG"]
@@ -34,6 +37,66 @@ def test_parts_are_the_whole(folder: Path, source: str, name: str) -> None:
         PartTable(each, weeks.choice).to_arrow() for each in divide(folder / source, part_bytes=1)
     ]
     assert pyarrow.concat_tables(tables).equals(weeks.to_arrow())
+
+
+def _observations(parts: list[Part]) -> pyarrow.Table:
+    choice = tqx.Choice("observations")
+    return pyarrow.concat_tables([PartTable(each, choice).to_arrow() for each in parts])
+
+
+@pytest.mark.parametrize("source", SOURCES)
+@pytest.mark.parametrize("size", [1, 300_000])
+def test_parts_of_observations_are_the_whole(folder: Path, source: str, size: int) -> None:
+    whole = tqx.open(folder / source).observations().to_arrow()
+    parts = divide(folder / source, part_bytes=size, table="observations")
+    assert len(parts) > 3 or source == "c.tqx.gz" or size > 1
+    assert len(parts) > 1 or source == "c.tqx.gz"
+    assert _observations(parts).equals(whole)
+
+
+@pytest.fixture(scope="module")
+def slips(tmp_path_factory: pytest.TempPathFactory) -> Path:
+    """Compact measurements of half an hour with a slip of some satellite every few seconds."""
+    path = tmp_path_factory.mktemp("slips") / "slips.tqx"
+    tqx.simulate(path, duration=1800, rate=1, compact=True, slips=60, seed=5)
+    return path
+
+
+def test_a_slip_and_a_reference_at_each_cut(slips: Path) -> None:
+    compact = slips.with_name("compact.tqx")
+    wanted = ("Meas3*", "PVTGeodetic2")
+    compact.write_bytes(b"".join(each.bytes for each in tqx.open(slips).messages(*wanted)))
+    whole = tqx.open(compact).observations().to_arrow()
+    parts = divide(compact, part_bytes=1, table="observations")
+    assert len(parts) > 20
+    assert _observations(parts).equals(whole)
+    # The parts need what comes before them, and it is not all of the log.
+    assert parts[-1].pieces[0].begin > 0
+    starts = {each.first_epoch for each in parts[1:]}
+    first = whole.filter(
+        pyarrow.compute.is_in(
+            whole["time"].cast("int64"),
+            pyarrow.array([(each + 315_964_800_000) * 1_000_000 for each in starts if each]),
+        )
+    )
+    assert pyarrow.compute.any(first["lost"]).as_py()
+    bare = [
+        replace(each, pieces=(replace(each.pieces[-1], begin=each.begin),)) for each in parts[:1]
+    ] + [
+        replace(each, pieces=(replace(each.pieces[-1], begin=before.pieces[-1].end),))
+        for before, each in pairwise(parts)
+    ]
+    assert not _observations(bare).equals(whole)
+
+
+def test_parts_where_the_time_goes_back(folder: Path, tmp_path: Path) -> None:
+    early, late = (folder / "a.tqx").read_bytes(), (folder / "b.tqx").read_bytes()
+    path = tmp_path / "back.tqx"
+    path.write_bytes(early + late[: len(late) // 2] + early + late[len(late) // 2 :])
+    whole = tqx.open(path).observations().to_arrow()
+    parts = divide(path, part_bytes=1, table="observations")
+    assert len(parts) > 3
+    assert _observations(parts).equals(whole)
 
 
 def test_parts_of_a_time(folder: Path) -> None:
@@ -72,11 +135,12 @@ def test_dask(cluster: Any, folder: Path, source: str) -> None:
     assert rows["TOWc"].tolist() == whole["TOWc"].tolist()
     assert rows["PVTMode"].tolist() == whole["PVTMode"].tolist()
     assert frame["Height"].mean().compute() == pytest.approx(whole["Height"].mean())
-    observations = tqx.dask.read(folder / source, "observations")
-    expected = [
-        len(tqx.open(each).observations().to_arrow()) for each in tqx.open(folder / source).names
-    ]
-    assert observations.map_partitions(len).compute().tolist() == expected
+    observations = tqx.dask.read(folder / source, "observations", part_bytes=300_000)
+    assert observations.npartitions > 1 or source == "c.tqx.gz"
+    expected = tqx.open(folder / source).observations().to_pandas()
+    found = observations.compute().reset_index(drop=True)
+    assert found["range"].tolist() == expected["range"].tolist()
+    assert found["lost"].tolist() == expected["lost"].tolist()
 
 
 @pytest.fixture(scope="module")
@@ -134,9 +198,10 @@ def test_spark_types(spark: Any, folder: Path) -> None:
     whole = tqx.open(folder / "a.tqx")["MeasEpoch2"].to_arrow()["Type1"].to_pylist()
     assert [each["Type1"][0]["SVID"] for each in rows] == [each[0]["SVID"] for each in whole[:5]]
     assert [len(each["Type1"]) for each in rows] == [len(each) for each in whole[:5]]
-    count = _reader(spark, "observations").load(str(folder)).count()
-    logs = tqx.open(folder).names
-    assert count == sum(tqx.open(each).observations().to_arrow().num_rows for each in logs)
+    observations = _reader(spark, "observations").load(str(folder))
+    assert observations.rdd.getNumPartitions() > 2
+    ranges = [each["range"] for each in observations.select("range").collect()]
+    assert ranges == tqx.open(folder).observations().to_arrow()["range"].to_pylist()
 
 
 @pytest.mark.engines

@@ -6,12 +6,15 @@ import datetime as dt
 import gzip
 import json
 import os
+import re
 import subprocess
 from pathlib import Path
 
 import pytest
 
 import tqx
+from tqx import _tqx
+from tqx.parts import PartTable, divide
 
 
 def test_message(clean: tqx.Log) -> None:
@@ -66,6 +69,132 @@ def test_rinex_and_track(clean: tqx.Log, tmp_path: Path) -> None:
     assert (tmp_path / "log.gpx").read_text().count("<trkpt") == 300
     with pytest.raises(tqx.RequestError, match="no format of tracks"):
         clean.track(tmp_path / "log.txt")
+
+
+def test_rinex_has_pulses(tmp_path: Path) -> None:
+    log = tqx.open(tqx.simulate(duration=30, pulses=7))
+    pulses = sum(1 for _ in log.messages("ExtEvent1"))
+    path = next(each for each in log.rinex(tmp_path) if "_MO" in each)
+    lines = Path(path).read_text().splitlines()
+    assert sum(line.startswith(">") and line[31] == "5" for line in lines) == pulses > 3
+
+
+@pytest.fixture
+def weather(tmp_path: Path) -> Path:
+    path = tmp_path / "weather.yaml"
+    path.write_text("""
+- block: WeatherReport
+  number: 7001
+  timestamp: R
+  fields:
+    - {name: Temperature, type: i16, unit: celsius, scale: 0.01, precision: 2, none: -32768}
+    - {name: N, type: u8}
+    - {name: Probes, blocks: WeatherProbe, count: N}
+- sub: WeatherProbe
+  fields:
+    - {name: East, type: f32, unit: meterpersecond}
+""")
+    return path
+
+
+def test_added_types(weather: Path, tmp_path: Path) -> None:
+    types = tqx.Types(weather)
+    assert types["weatherreport"].number == 7001 and len(types) == len(tqx.types) + 2
+    assert types["WeatherReport"]["Temperature"].unit == "celsius"
+    assert "WeatherReport" not in tqx.types
+    lines = [
+        {
+            "block": "WeatherReport",
+            "fields": {
+                "TOW": 216000000 + 1000 * i,
+                "WNc": 2400,
+                "Temperature": -1234 if i else -32768,
+                "Probes": [{"East": float(probe)} for probe in range(i)],
+            },
+        }
+        for i in range(4)
+    ]
+    content = tqx.encode(lines, description=weather) + tqx.simulate(duration=2)
+    with pytest.raises(tqx.LineError, match="WeatherReport"):
+        tqx.encode(lines)
+    log = tqx.open(content, description=weather)
+    assert log.types["WeatherReport"] == 4 and "WeatherReport" in log
+    assert tqx.open(content).types["7001"] == 4
+    rows = log["WeatherReport"].to_arrow()
+    assert rows["Temperature"].to_pylist() == [None, -12.34, -12.34, -12.34]
+    assert log["WeatherReport"].units["Temperature"] == "celsius"
+    few = log["WeatherReport"].select("Temperature").where("Temperature < 0")
+    assert few.to_arrow().num_rows == 3
+    probes = log["WeatherReport"].explode("Probes").to_arrow()
+    assert probes["East"].to_pylist() == [0, 0, 1, 0, 1, 2]
+    messages = list(log.messages("WeatherReport", where="Temperature < 0"))
+    assert [len(each.Probes) for each in messages] == [1, 2, 3]
+    assert tqx.encode(messages[2].raw, description=weather) == messages[2].bytes
+    assert log.to_parquet(tmp_path / "tables")["WeatherReport"] == 4
+    path = tmp_path / "log.tqx"
+    path.write_bytes(content)
+    parts = divide(path, part_bytes=1, description=weather)
+    tables = [PartTable(each, log["WeatherReport"].choice).to_arrow() for each in parts]
+    assert sum(each.num_rows for each in tables) == 4
+
+
+def test_wrong_description(tmp_path: Path) -> None:
+    path = tmp_path / "wrong.yaml"
+    path.write_text("- block: Wrong\n  number: 7001\n  fields:\n    - {name: A, type: u7x}\n")
+    with pytest.raises(tqx.RequestError, match=r"wrong\.yaml:4: "):
+        tqx.open(b"", description=path)
+
+
+def test_report(damaged: tqx.Log, folder: Path, tmp_path: Path) -> None:
+    found = tqx.report(folder / "b.tqx")["logs"]
+    assert [each["name"] for each in found] == [str(folder / "b.tqx")]
+    figures = found[0]["figures"]
+    assert figures["crc_errors"] == damaged.counts["checksum_errors"]
+    assert figures["epochs_found"] == len(damaged.observations().to_arrow()["time"].unique())
+    several = tqx.report([folder / "a.tqx", folder / "b.tqx"])["logs"]
+    assert several[1]["figures"] == figures and len(several) == 2
+    joined = tqx.report([folder / "a.tqx", folder / "b.tqx"], together=True)["logs"]
+    assert len(joined) == 1
+    assert joined[0]["figures"]["epochs_found"] == sum(
+        each["figures"]["epochs_found"] for each in several
+    )
+    exact = tqx.report(folder / "a.tqx", reference=(47.07, 15.45, 412.3), mask=0)["logs"][0]
+    assert 0 < exact["figures"]["error_horizontal"] < 5
+    same = tqx.report(folder / "a.tqx", reference=folder / "a.tqx")["logs"][0]
+    assert same["figures"]["error_horizontal"] == 0
+    with pytest.raises(tqx.RequestError, match="no positions"):
+        tqx.report(folder / "a.tqx", reference=b"")
+    page = tmp_path / "report.html"
+    if _tqx.can_write_page():
+        assert damaged.report(page)["logs"][0]["figures"] == figures
+        text = page.read_text(encoding="utf-8")
+        assert text.startswith("<!DOCTYPE html>") and '"completeness"' in text
+    else:
+        with pytest.raises(tqx.RequestError, match="npm"):
+            damaged.report(page)
+
+
+@pytest.mark.skipif("TQX_TOOL" not in os.environ, reason="TQX_TOOL does not name the tool")
+def test_report_is_that_of_the_tool(folder: Path) -> None:
+    paths = [str(folder / name) for name in ("a.tqx", "b.tqx", "c.tqx.gz")]
+    for options, together in (([], False), (["--together"], True)):
+        command = [os.environ["TQX_TOOL"], "report", "--json", *options, *paths]
+        run = subprocess.run(command, capture_output=True, check=True)
+        assert tqx.report(paths, together=together) == json.loads(run.stdout)
+
+
+@pytest.mark.skipif("TQX_TOOL" not in os.environ, reason="TQX_TOOL does not name the tool")
+def test_rinex_is_that_of_the_tool(folder: Path, tmp_path: Path) -> None:
+    paths = [str(folder / name) for name in ("a.tqx", "b.tqx")]
+    command = [os.environ["TQX_TOOL"], "rinex", "-o", str(tmp_path / "tool"), *paths]
+    subprocess.run(command, capture_output=True, check=True)
+    tqx.rinex(paths, tmp_path / "module")
+    names = [each.name for each in sorted((tmp_path / "tool").iterdir())]
+    assert len(names) == 2
+    for name in names:
+        ours, theirs = ((tmp_path / each / name).read_text() for each in ("module", "tool"))
+        dated = re.compile(r".*PGM / RUN BY / DATE.*")
+        assert dated.sub("", ours) == dated.sub("", theirs)
 
 
 def test_types() -> None:

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import gzip
 import math
 from pathlib import Path
 
@@ -108,13 +109,41 @@ def test_positions_and_ephemerides(clean: tqx.Log) -> None:
     assert (ephemerides[ephemerides["message"] == "LNAV"]["SQRT_A"] > 5000).all()
 
 
-def test_several_logs_follow_each_other(folder: Path) -> None:
+def test_several_files_follow_each_other(folder: Path) -> None:
     log = tqx.open(folder)
     assert [Path(each).name for each in log.names] == ["a.tqx", "b.tqx", "c.tqx.gz"]
     single = [tqx.open(each)["PVTGeodetic2"].to_arrow() for each in sorted(folder.iterdir())]
     assert log["PVTGeodetic2"].to_arrow().equals(pyarrow.concat_tables(single))
     files = log["PVTGeodetic2"].with_options(file=True).to_arrow()["file"].unique()
     assert len(files) == 3
+    # Weeks are counted through all of them.
+    towc = log["PVTGeodetic2"].select("TOWc").to_numpy()["TOWc"]
+    assert (numpy.diff(towc) > 0).all() and towc[-1] > 604800
+
+
+@pytest.mark.parametrize("places", [(100_000, 400_001), (3,), (-5,)])
+def test_files_that_share_a_block(folder: Path, tmp_path: Path, places: tuple[int, ...]) -> None:
+    content = (folder / "b.tqx").read_bytes()
+    places = tuple(each % len(content) for each in places)
+    paths = [tmp_path / f"{number}.tqx" for number in range(len(places) + 1)]
+    for path, begin, end in zip(paths, (0, *places), (*places, len(content)), strict=True):
+        path.write_bytes(content[begin:end])
+    packed = tmp_path / "last.tqx.gz"
+    packed.write_bytes(gzip.compress(paths[-1].read_bytes()))
+    whole = tqx.open(folder / "b.tqx")
+    for files in (paths, [*paths[:-1], packed]):
+        log = tqx.open(files)
+        assert log.types == whole.types and log.counts == whole.counts
+        for name in ("PVTGeodetic2", "MeasEpoch2"):
+            rows = log[name].to_arrow().drop_columns(["offset"])
+            assert rows.equals(whole[name].to_arrow().drop_columns(["offset"]))
+        assert log.observations().to_arrow().equals(whole.observations().to_arrow())
+        assert [each.bytes for each in log] == [each.bytes for each in whole]
+        assert [gap[2] for gap in log.gaps] == [gap[2] for gap in whole.gaps]
+    starts = dict(zip(map(str, paths), (0, *places), strict=True))
+    found = tqx.open(paths)["PVTGeodetic2"].with_options(file=True).to_arrow()
+    offsets = [starts[str(each["file"])] + each["offset"] for each in found.to_pylist()]
+    assert offsets == whole["PVTGeodetic2"].to_arrow()["offset"].to_pylist()
 
 
 def test_bytes_and_file_objects(folder: Path) -> None:

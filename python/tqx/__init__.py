@@ -12,7 +12,7 @@ from ._errors import Error, LineError, RequestError, SourceError
 from ._log import Log, Product
 from ._log import open_log as open
 from ._message import Message, Record
-from ._products import encode, rinex, simulate, track
+from ._products import encode, report, rinex, simulate, track
 from ._progress import Progress
 from ._table import Choice, Table
 from ._time import Time, gnss_millis
@@ -40,6 +40,7 @@ __all__ = [
     "encode",
     "gnss_millis",
     "open",
+    "report",
     "rinex",
     "simulate",
     "track",

@@ -34,6 +34,10 @@ class ArrowTable:
         """A stream of the table, for one reader."""
         raise NotImplementedError
 
+    def _open_for_frame(self) -> Any:
+        """The same for pandas, for which numbers that are NaN are missing ones anyway."""
+        return self._open()
+
     def _row_estimate(self) -> int:
         """An estimate of the number of rows; 0 when unknown."""
         return 0
@@ -63,8 +67,10 @@ class ArrowTable:
 
     def batches(self) -> Iterator[pyarrow.RecordBatch]:
         """The rows batch by batch, in constant memory."""
+        return self._batches(self._open())
+
+    def _batches(self, stream: Any) -> Iterator[pyarrow.RecordBatch]:
         pyarrow = need("pyarrow", "arrow")
-        stream = self._open()
         reader = pyarrow.RecordBatchReader.from_stream(stream)
         total = self._row_estimate()
         with shown(self._progress, self._title, total, "rows") as report:
@@ -97,9 +103,18 @@ class ArrowTable:
         ``options`` are those of ``pyarrow.Table.to_pandas``. The units are in ``attrs["units"]``.
         """
         need("pandas", "pandas")
+        pyarrow = need("pyarrow", "arrow")
         options.setdefault("strings_to_categorical", True)
         options.setdefault("split_blocks", True)
-        frame: pandas.DataFrame = self.to_arrow().to_pandas(**options)
+        batches = list(self._batches(self._open_for_frame()))
+        table = pyarrow.Table.from_batches(batches, self.schema)
+        frame: pandas.DataFrame = table.to_pandas(**options)
+        # Columns of a single batch may be its memory, which cannot be written to.
+        for name in frame.columns:
+            values = getattr(frame[name], "values", None)
+            flags = getattr(values, "flags", None)
+            if flags is not None and not flags.writeable:
+                frame[name] = frame[name].copy()
         frame.attrs["units"] = self.units
         return frame
 

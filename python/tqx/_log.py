@@ -16,6 +16,7 @@ from ._paths import expand
 from ._progress import Progress, shown
 from ._table import Choice, Table
 from ._time import Time, gnss_millis, to_datetime
+from ._types import Descriptions, Types, description_paths, schema_of
 from ._types import types as catalogue
 
 if TYPE_CHECKING:
@@ -54,6 +55,11 @@ class Product(ArrowTable):
     def _open(self) -> Any:
         return getattr(_tqx, self._title)(self._log.files, *self._arguments)
 
+    def _open_for_frame(self) -> Any:
+        if self._title == "observations":
+            return _tqx.observations(self._log.files, *self._arguments, nan_is_missing=True)
+        return self._open()
+
     def __repr__(self) -> str:
         return f"<table of {self._title}>"
 
@@ -61,20 +67,38 @@ class Product(ArrowTable):
 class Log:
     """A log, or several consecutive ones. See ``tqx.open``."""
 
-    def __init__(self, files: list[_tqx.LogFile], progress: Progress, save_index: bool) -> None:
+    def __init__(
+        self,
+        files: list[_tqx.LogFile],
+        progress: Progress,
+        save_index: bool,
+        description: Descriptions | None = None,
+    ) -> None:
         self._files = files
+        self._names = [each.name for each in files]
+        #: for those who read all of it, without an index
+        self.unread_files = list(files)
         self._is_loaded = False
         self._save_index = save_index
+        self._descriptions = description_paths(description)
         self.progress = progress
 
     @property
     def names(self) -> list[str]:
         """Names of the files."""
-        return [each.name for each in self._files]
+        return list(self._names)
+
+    @property
+    def catalogue(self) -> Types:
+        """The types that its blocks are read by: the built ones, and those of its description."""
+        return Types(self._descriptions) if self._descriptions else catalogue
 
     @property
     def files(self) -> list[_tqx.LogFile]:
-        """The files with their indexes, which are made now unless they are saved beside the logs."""
+        """The files with their indexes, which are made now unless they are saved beside the logs.
+
+        Files that share a block are one here.
+        """
         if not self._is_loaded:
             self._load()
         return self._files
@@ -93,6 +117,7 @@ class Log:
                 if self._save_index and not each.is_index_saved:
                     each.save()
                 done += size
+        self._files = _tqx.join_logs(self._files, None)
         self._is_loaded = True
 
     @property
@@ -108,9 +133,10 @@ class Log:
         appear as text.
         """
         counts: dict[str, int] = {}
+        schema = schema_of(self._descriptions)
         for each in self.files:
             for number, _, count in each.types():
-                name = _tqx.number_name(number) or str(number)
+                name = schema.number_name(number) or str(number)
                 counts[name] = counts.get(name, 0) + count
         return dict(sorted(counts.items(), key=lambda item: -item[1]))
 
@@ -140,14 +166,16 @@ class Log:
     @property
     def gaps(self) -> list[tuple[str, int, int]]:
         """Runs of bytes that belong to no block: file, offset and length."""
-        return [(each.name, gap[0], gap[1]) for each in self.files for gap in each.gaps()]
+        return [gap[:3] for each in self.files for gap in each.gaps()]
 
     def __getitem__(self, name: str) -> Table:
         """The messages of a type as a table; the case of the name does not matter."""
-        return Table(self, Choice(_tqx.type_name(name)))
+        schema = schema_of(self._descriptions)
+        return Table(self, Choice(schema.type_name(name), descriptions=self._descriptions))
 
     def __contains__(self, name: object) -> bool:
-        return isinstance(name, str) and name in catalogue and catalogue[name].name in self.types
+        types = self.catalogue
+        return isinstance(name, str) and name in types and types[name].name in self.types
 
     def __iter__(self) -> Iterator[Message]:
         return self.messages()
@@ -163,12 +191,12 @@ class Log:
         reader = _tqx.MessageReader(
             self.files, list(types), where, start=_millis(start), end=_millis(end)
         )
-        names = self.names
+        schema = schema_of(self._descriptions)
         while True:
             found: Any = reader.next()
             if found is None:
                 return
-            yield Message(names[found[0]], found)
+            yield Message(found, schema)
 
     def observations(
         self,
@@ -211,7 +239,8 @@ class Log:
         """
         target = Path(folder)
         target.mkdir(parents=True, exist_ok=True)
-        names = [name for name in self.types if name in catalogue] if types is None else list(types)
+        known = self.catalogue
+        names = [name for name in self.types if name in known] if types is None else list(types)
         return {
             name: self[name].to_parquet(target / f"{self[name].name}.parquet", **options)
             for name in names
@@ -228,6 +257,12 @@ class Log:
         from ._products import track
 
         return track(self, path, **options)
+
+    def report(self, path: str | os.PathLike[str] | None = None, **options: Any) -> dict[str, Any]:
+        """Whether the data are good, see ``tqx.report``."""
+        from ._products import report
+
+        return report(self, path, **options)
 
     @property
     def plot(self) -> Plots:
@@ -281,24 +316,28 @@ class Log:
 def open_log(
     source: Source | Sequence[str | os.PathLike[str]],
     *,
+    description: Descriptions | None = None,
     save_index: bool = False,
     progress: Progress = None,
 ) -> Log:
     """Opens a log: a path, several, a folder or pattern, bytes, or a file object.
 
-    Files may be compressed with gzip or Zstandard. Several files are consecutive logs, each with
-    its own offsets. Nothing is read yet; the index is made, or read if it is saved beside the log,
-    when it is first needed. ``save_index`` saves it. For ``progress`` see ``tqx.Progress``.
+    Files may be compressed with gzip or Zstandard. Several files follow each other as one log, in
+    which a block may begin in one file and end in the next; offsets are those in each file.
+    ``description`` is a YAML file that describes further types, a folder with such files, or several.
+    Nothing is read yet; the index is made, or read if it is saved beside the log, when it is first
+    needed. ``save_index`` saves it. For ``progress`` see ``tqx.Progress``.
 
-    Raises SourceError when a file cannot be opened.
+    Raises SourceError when a file cannot be opened, RequestError when a description is wrong.
     """
+    schema = schema_of(description_paths(description))
     if isinstance(source, (str, os.PathLike)):
-        files = [_tqx.LogFile(path) for path in expand(source)]
+        files = [_tqx.LogFile(path, schema) for path in expand(source)]
     elif isinstance(source, (bytes, bytearray, memoryview)):
-        files = [_tqx.LogFile.of_bytes(bytes(source), "memory")]
+        files = [_tqx.LogFile.of_bytes(bytes(source), "memory", schema)]
     elif hasattr(source, "read"):
         content = source.read()
-        files = [_tqx.LogFile.of_bytes(content, str(getattr(source, "name", "memory")))]
+        files = [_tqx.LogFile.of_bytes(content, str(getattr(source, "name", "memory")), schema)]
     else:
-        files = [_tqx.LogFile(path) for each in source for path in expand(each)]
-    return Log(files, progress, save_index)
+        files = [_tqx.LogFile(path, schema) for each in source for path in expand(each)]
+    return Log(files, progress, save_index, description)

@@ -72,8 +72,8 @@ class Message(Record):
     #: its bytes, header included
     bytes: bytes
 
-    def __init__(self, file: str, found: tuple[Any, ...]) -> None:
-        _, number, revision, offset, millis, content, week, tow = found
+    def __init__(self, found: tuple[Any, ...], schema: _tqx.Schema) -> None:
+        file, number, revision, offset, millis, content, week, tow = found
         self.number = number
         self.revision = revision
         self.offset = offset
@@ -81,20 +81,24 @@ class Message(Record):
         self.bytes = content
         self._millis: int | None = millis
         self._before = (week, tow)
+        self._schema = schema
 
     @property
     def name(self) -> str:
         """Name of the type; empty for an unknown number."""
-        return _tqx.number_name(self.number)
+        return self._schema.number_name(self.number)
 
     @property
     def time(self) -> dt.datetime | None:
         """GPS time of the block, None where its header has none."""
         return None if self._millis is None else to_datetime(self._millis)
 
+    def _describe(self, is_raw: bool) -> str:
+        return _tqx.describe(self.bytes, *self._before, is_raw, self._schema)
+
     @cached_property
     def _line(self) -> dict[str, Any]:
-        line: dict[str, Any] = json.loads(_tqx.describe(self.bytes, *self._before, False))
+        line: dict[str, Any] = json.loads(self._describe(False))
         return line
 
     @cached_property
@@ -110,7 +114,7 @@ class Message(Record):
     @property
     def raw(self) -> dict[str, Any]:
         """The message with its stored values, in the form that ``encode`` takes."""
-        line: dict[str, Any] = json.loads(_tqx.describe(self.bytes, *self._before, True))
+        line: dict[str, Any] = json.loads(self._describe(True))
         return line
 
     def __repr__(self) -> str:

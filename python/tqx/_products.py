@@ -7,14 +7,15 @@ import json
 import os
 from collections.abc import Iterable, Mapping, Sequence
 from pathlib import Path
-from typing import Any, Union
+from typing import Any, Union, cast
 
 from . import _tqx
 from ._log import Log, Source, open_log
 from ._message import Message
 from ._time import Time, gnss_millis
+from ._types import Descriptions, description_paths, schema_of
 
-__all__ = ["encode", "rinex", "simulate", "track"]
+__all__ = ["encode", "report", "rinex", "simulate", "track"]
 
 _WEEK = 604_800_000
 
@@ -75,6 +76,41 @@ def rinex(
     return list(_tqx.write_rinex(_log(logs).files, request))
 
 
+def report(
+    logs: Logs,
+    path: str | os.PathLike[str] | None = None,
+    *,
+    mask: float = 10,
+    reference: tuple[float, float, float] | Logs | None = None,
+    together: bool = False,
+) -> dict[str, Any]:
+    """Whether the data of logs are good: figures, verdicts and findings, as ``tqx report --json`` has them.
+
+    Several paths are logs of their own, of which each has an entry in ``["logs"]``, unless
+    ``together``. With a ``path``, the report is written there as a page for a browser, too.
+    Observations below ``mask`` degrees are left out. ``reference`` is where the antenna was (degrees
+    and metres above the ellipsoid), or a log whose positions at the same times are right.
+
+    >>> found = report(simulate(duration=120))["logs"][0]
+    >>> found["figures"]["epochs_found"], found["verdicts"][0]["grade"]
+    (120, 'good')
+    """
+    if isinstance(logs, (list, tuple)) and not together:
+        groups = [open_log(each).unread_files for each in logs]
+    else:
+        groups = [_log(logs).unread_files]
+    place = None
+    track_files: list[_tqx.LogFile] = []
+    if isinstance(reference, tuple) and not isinstance(reference[0], (str, os.PathLike)):
+        place = (float(reference[0]), float(reference[1]), float(reference[2]))
+    elif reference is not None:
+        track_files = _log(cast(Logs, reference)).unread_files
+    page = "" if path is None else os.fspath(path)
+    text = _tqx.report(groups, page, float(mask), place, track_files)
+    found: dict[str, Any] = json.loads(text)
+    return found
+
+
 def track(
     logs: Logs,
     path: str | os.PathLike[str],
@@ -104,10 +140,13 @@ def track(
     )
 
 
-def encode(messages: Encodable | Iterable[Encodable]) -> bytes:
+def encode(
+    messages: Encodable | Iterable[Encodable], *, description: Descriptions | None = None
+) -> bytes:
     """The blocks of messages: Message objects, objects in the form of ``Message.raw``, or JSON text.
 
     Omitted fields have their initial values; lengths, counts and checksums are computed.
+    ``description`` adds types, as for ``tqx.open``.
 
     Raises LineError for a message that cannot be encoded.
 
@@ -115,13 +154,14 @@ def encode(messages: Encodable | Iterable[Encodable]) -> bytes:
     >>> open_log(block).types
     {'PVTGeodetic2': 1}
     """
+    schema = schema_of(description_paths(description))
     if isinstance(messages, Message):
         return messages.bytes
     if isinstance(messages, Mapping):
-        return bytes(_tqx.encode(json.dumps(messages)))
+        return bytes(_tqx.encode(json.dumps(messages), schema))
     if isinstance(messages, str):
-        return b"".join(_tqx.encode(line) for line in messages.splitlines() if line.strip())
-    return b"".join(encode(each) for each in messages)
+        return b"".join(_tqx.encode(line, schema) for line in messages.splitlines() if line.strip())
+    return b"".join(encode(each, description=description) for each in messages)
 
 
 def simulate(
@@ -139,12 +179,14 @@ def simulate(
     mixed: bool = False,
     compact: bool = False,
     two_antennas: bool = False,
+    almanacs: bool = False,
+    pulses: float = 0,
 ) -> bytes | None:
     """The log of a simulated receiver, as bytes or written to a file.
 
     ``duration`` is in seconds, ``rate`` in hertz, ``position`` in degrees and metres, ``motion`` is
-    "static", "circle" or "line", ``slips`` are losses of lock per satellite and hour. The same
-    arguments give the same bytes.
+    "static", "circle" or "line", ``slips`` are losses of lock per satellite and hour, ``pulses``
+    the seconds between pulses on an event input. The same arguments give the same bytes.
 
     >>> log = open_log(simulate(duration=10))
     >>> log.types["PVTGeodetic2"]
@@ -165,6 +207,8 @@ def simulate(
     settings.mixed = mixed
     settings.compact = compact
     settings.set_two_antennas(two_antennas)
+    settings.almanacs = almanacs
+    settings.pulse_period = float(pulses)
     if path is None:
         return bytes(_tqx.simulate_bytes(settings))
     _tqx.simulate_file(settings, os.fspath(path))

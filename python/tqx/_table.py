@@ -8,11 +8,12 @@ from typing import TYPE_CHECKING, Any
 from . import _tqx
 from ._arrow import ArrowTable
 from ._time import Time, gnss_millis
+from ._types import schema_of
 
 if TYPE_CHECKING:
     from ._log import Log
 
-__all__ = ["Choice", "Table"]
+__all__ = ["Choice", "Table", "earlier", "later"]
 
 
 @dataclass(frozen=True)
@@ -29,10 +30,13 @@ class Choice:
     revisions: int = 0xFF
     options: dict[str, bool] = field(default_factory=dict)
     batch_rows: int = 65536
+    #: paths of the descriptions that it is read by, beside the built types
+    descriptions: tuple[str, ...] = ()
 
     def request(self) -> _tqx.TableRequest:
         """The same for the C++ library."""
         request = _tqx.TableRequest()
+        request.schema = schema_of(self.descriptions)
         request.type = self.type
         request.fields = list(self.columns)
         request.rows = self.rows
@@ -54,11 +58,13 @@ class Choice:
         return self
 
 
-def _later(a: int | None, b: int | None) -> int | None:
+def later(a: int | None, b: int | None) -> int | None:
+    """The later of two times, of which each may be missing."""
     return b if a is None else a if b is None else max(a, b)
 
 
-def _earlier(a: int | None, b: int | None) -> int | None:
+def earlier(a: int | None, b: int | None) -> int | None:
+    """The earlier of two times, of which each may be missing."""
     return b if a is None else a if b is None else min(a, b)
 
 
@@ -125,8 +131,8 @@ class Table(ArrowTable):
     def between(self, start: Time | None = None, end: Time | None = None) -> Table:
         """Only the messages from ``start`` on and before ``end``."""
         return self._with(
-            start=_later(self._choice.start, None if start is None else gnss_millis(start)),
-            end=_earlier(self._choice.end, None if end is None else gnss_millis(end)),
+            start=later(self._choice.start, None if start is None else gnss_millis(start)),
+            end=earlier(self._choice.end, None if end is None else gnss_millis(end)),
         )
 
     def revisions(self, *numbers: int) -> Table:

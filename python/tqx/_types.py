@@ -3,15 +3,16 @@
 from __future__ import annotations
 
 import json
-from collections.abc import Iterator, Mapping
+import os
+from collections.abc import Iterator, Mapping, Sequence
 from dataclasses import dataclass, field
-from functools import cache, lru_cache
+from functools import cache, cached_property
 from html import escape
-from typing import Any
+from typing import Any, Union
 
 from . import _tqx
 
-__all__ = ["Field", "Type", "Types", "types"]
+__all__ = ["Descriptions", "Field", "Type", "Types", "description_paths", "schema_of", "types"]
 
 
 @dataclass(frozen=True)
@@ -89,6 +90,16 @@ def _meaning(each: Field) -> str:
     return " ".join(part for part in (each.description, names) if part)
 
 
+def _type(entry: dict[str, Any]) -> Type:
+    return Type(
+        name=entry["name"],
+        kind=entry["kind"],
+        number=entry.get("number"),
+        description=entry.get("description", ""),
+        fields=tuple(_field(each) for each in entry["fields"]),
+    )
+
+
 def _field(entry: dict[str, Any]) -> Field:
     none = entry.get("doNotUse")
     return Field(
@@ -112,25 +123,31 @@ def _field(entry: dict[str, Any]) -> Field:
     )
 
 
-@lru_cache(maxsize=1)
-def _entries() -> dict[str, dict[str, Any]]:
-    return {entry["name"]: entry for entry in json.loads(_tqx.all_types())}
+#: Files or folders of YAML that describe further types.
+Descriptions = Union[str, "os.PathLike[str]", Sequence["str | os.PathLike[str]"]]
+
+
+def description_paths(description: Descriptions | None) -> tuple[str, ...]:
+    """The paths of descriptions as a tuple, absolute, so that they are the same everywhere."""
+    if description is None:
+        return ()
+    if isinstance(description, (str, os.PathLike)):
+        description = [description]
+    return tuple(os.path.abspath(each) for each in description)
 
 
 @cache
-def _type(name: str) -> Type:
-    entry = _entries()[name]
-    return Type(
-        name=name,
-        kind=entry["kind"],
-        number=entry.get("number"),
-        description=entry.get("description", ""),
-        fields=tuple(_field(each) for each in entry["fields"]),
-    )
+def schema_of(paths: tuple[str, ...]) -> _tqx.Schema:
+    """The built types and those of descriptions, for the C++ library."""
+    return _tqx.Schema.read(list(paths)) if paths else _tqx.Schema()
 
 
 class Types(Mapping[str, Type]):
     """All types by name; names are found whatever their case.
+
+    ``Types(description)`` has the types of a description beside the built ones: a YAML file, a folder
+    with such files, or several. Raises RequestError when it is wrong, with file and line of each
+    error.
 
     >>> types["pvtgeodetic2"].number
     4007
@@ -138,26 +155,37 @@ class Types(Mapping[str, Type]):
     'MeasEpochChannelType1'
     """
 
+    def __init__(self, description: Descriptions | None = None) -> None:
+        self._paths = description_paths(description)
+        self._schema = schema_of(self._paths)
+        self._made: dict[str, Type] = {}
+
+    @cached_property
+    def _entries(self) -> dict[str, dict[str, Any]]:
+        return {entry["name"]: entry for entry in json.loads(self._schema.all_types())}
+
     def __getitem__(self, name: str) -> Type:
-        if name not in _entries():
+        if name not in self._entries:
             try:
-                name = _tqx.type_name(name)
+                name = self._schema.type_name(name)
             except ValueError as error:
                 raise KeyError(str(error)) from None
-        return _type(name)
+        if name not in self._made:
+            self._made[name] = _type(self._entries[name])
+        return self._made[name]
 
     def __iter__(self) -> Iterator[str]:
-        return iter(_entries())
+        return iter(self._entries)
 
     def __len__(self) -> int:
-        return len(_entries())
+        return len(self._entries)
 
     def __contains__(self, name: object) -> bool:
-        return isinstance(name, str) and name in _entries()
+        return isinstance(name, str) and name in self._entries
 
     def __repr__(self) -> str:
         return f"<{len(self)} types>"
 
 
-#: The catalogue.
+#: The built types.
 types = Types()

@@ -6,10 +6,10 @@ from collections.abc import Iterable
 from dataclasses import replace
 from typing import TYPE_CHECKING, Any
 
-from . import _tqx
 from ._needs import need
 from ._table import Choice
 from ._time import Time, gnss_millis
+from ._types import Descriptions, description_paths, schema_of
 from .parts import PRODUCTS, Part, PartTable, Paths, divide
 
 if TYPE_CHECKING:
@@ -60,6 +60,7 @@ def read(
     start: Time | None = None,
     end: Time | None = None,
     part_bytes: int = 64 << 20,
+    description: Descriptions | None = None,
     save_index: bool = False,
     **options: bool,
 ) -> dask.dataframe.DataFrame:
@@ -67,18 +68,20 @@ def read(
 
     Paths are those of ``tqx.open``, and must be the same for all workers. ``columns``, ``rows``,
     ``where``, ``start`` and ``end`` are what ``Table.select``, ``explode``, ``where`` and ``between``
-    take; columns that a computation does not use are not read. Integers are nullable types of pandas. Observations and other products
-    depend on the blocks before them: a log is one partition.
+    take; columns that a computation does not use are not read. Integers are nullable types of pandas.
+    Positions and ephemerides depend on all blocks before them: a file is one partition.
     """
     frames = need("dask.dataframe", "dask")
+    descriptions = description_paths(description)
     choice = Choice(
-        type if type in PRODUCTS else _tqx.type_name(type),
+        type if type in PRODUCTS else schema_of(descriptions).type_name(type),
         tuple(columns),
         rows,
         (where,) if where else (),
         None if start is None else gnss_millis(start),
         None if end is None else gnss_millis(end),
         options=dict(options),
+        descriptions=descriptions,
     )
     if type not in PRODUCTS:
         choice.checked()
@@ -87,7 +90,8 @@ def read(
         part_bytes=part_bytes,
         start=choice.start,
         end=choice.end,
-        whole=type in PRODUCTS,
+        table=choice.type,
+        description=description,
         save_index=save_index,
     )
     reader = _Reader(choice)

@@ -15,10 +15,11 @@ from pathlib import Path
 from typing import Any
 
 from . import _tqx
+from ._log import open_log
 from ._needs import need
 from ._table import Choice
 from ._time import gnss_millis
-from ._types import types as catalogue
+from ._types import Types, description_paths, schema_of
 from .parts import PRODUCTS, Part, PartTable, divide
 
 pyarrow = need("pyarrow", "spark")
@@ -137,15 +138,19 @@ def _request(options: dict[str, str]) -> _Request:
     kind = lowered["type"]
     columns = [each.strip() for each in lowered.get("columns", "").split(",") if each.strip()]
     names = [name for name in _FLAGS if name in lowered]
+    descriptions = description_paths(
+        [each.strip() for each in lowered.get("description", "").split(",") if each.strip()]
+    )
     flags = {name: lowered[name].lower() == "true" for name in names}
     choice = Choice(
-        kind if kind in PRODUCTS else _tqx.type_name(kind),
+        kind if kind in PRODUCTS else schema_of(descriptions).type_name(kind),
         tuple(columns),
         lowered.get("rows", ""),
         (lowered["where"],) if "where" in lowered else (),
         gnss_millis(lowered["start"]) if "start" in lowered else None,
         gnss_millis(lowered["end"]) if "end" in lowered else None,
         options=flags,
+        descriptions=descriptions,
     )
     return _Request(
         lowered["path"],
@@ -197,7 +202,8 @@ class _Reader(DataSourceReader):
             if name == "Revision":
                 mask = sum({1 << value for value in values if 0 <= value <= 7})
             else:
-                mask = 0xFF if catalogue[self._choice.type].number in values else 0
+                types = Types(self._choice.descriptions)
+                mask = 0xFF if types[self._choice.type].number in values else 0
             self._choice = replace(self._choice, revisions=self._choice.revisions & mask)
 
     def _push_time(self, condition: Any, name: str) -> None:
@@ -217,7 +223,8 @@ class _Reader(DataSourceReader):
             part_bytes=request.part_bytes,
             start=self._choice.start,
             end=self._choice.end,
-            whole=self._choice.type in PRODUCTS,
+            table=self._choice.type,
+            description=self._choice.descriptions,
             save_index=request.save_index,
         )
         return [_Partition(part) for part in parts]
@@ -253,8 +260,9 @@ class TqxDataSource(DataSource):
 
     Options: ``type`` (the name of a type, or "observations", "positions", "ephemerides"),
     ``columns`` (fields, separated by commas), ``rows`` (the path of sub-blocks, for one row each),
-    ``where``, ``start``, ``end``, ``partBytes``, ``saveIndex``, ``scaled``, ``named``, ``utc``,
-    ``file``, and ``statistics``, a folder in which each partition records what it read.
+    ``where``, ``start``, ``end``, ``description`` (paths, separated by commas), ``partBytes``,
+    ``saveIndex``, ``scaled``, ``named``, ``utc``, ``file``, and ``statistics``, a folder in which each
+    partition records what it read.
 
     Spark does not prune columns of such a source by itself: name them in ``columns``, or give a
     schema.
@@ -267,14 +275,9 @@ class TqxDataSource(DataSource):
 
     def schema(self) -> StructType:
         """The columns of the requested table."""
-        request = _request(dict(self.options))
-        choice = request.choice
-        part = Part(
-            _first(request.path) if choice.type in PRODUCTS else "", 0, 0, 0, 0, None, 0, True
-        )
-        if choice.type in PRODUCTS:
-            return from_arrow_schema(_schema(PartTable(part, choice)), prefer_timestamp_ntz=True)
-        return from_arrow_schema(_schema(_Columns(part, choice)), prefer_timestamp_ntz=True)
+        choice = _request(dict(self.options)).choice
+        table = _Columns(Part("", 0, 0), choice)
+        return from_arrow_schema(_schema(table), prefer_timestamp_ntz=True)
 
     def reader(self, schema: StructType) -> DataSourceReader:
         """A reader of the columns of a schema."""
@@ -285,10 +288,7 @@ class _Columns(PartTable):
     """The columns of a table without a log."""
 
     def _open(self) -> Any:
-        return _tqx.read_logs([], self._choice.request())
-
-
-def _first(path: str) -> str:
-    from ._paths import expand
-
-    return expand(path)[0]
+        choice = self._choice
+        if choice.type in PRODUCTS:
+            return getattr(open_log(b""), choice.type)()._open()
+        return _tqx.read_logs([], choice.request())

@@ -1,4 +1,4 @@
-// Every code that can come of decoding or encoding does come of it, and no other.
+// Decoding and encoding return every code that they can, and no other.
 
 #include "Ancestors.h"
 #include "FieldRoles.h"

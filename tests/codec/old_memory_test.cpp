@@ -46,7 +46,7 @@ Memory memoryOf(size_t size, int content)
     return memory;
 }
 
-// Makes the heap hand out memory of the given content. The C library fills what it has not kept
+// Makes the heap return memory with the given content. The C library fills what it has not kept
 // apart for a quick reuse; of that there are up to seven pieces of each size below 1 KiB.
 void fillHeap(int content)
 {

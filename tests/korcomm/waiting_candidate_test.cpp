@@ -73,7 +73,7 @@ TEST(WaitingCandidate, SaysWhatItClaims)
     EXPECT_EQ(framer.waiting().data, nullptr);
 }
 
-// Asked now and then while the pieces come, so that the search goes on where it was.
+// Called from time to time while the pieces arrive, so that the search continues where it was.
 TEST(WaitingCandidate, IsPassedExactlyWhereItHoldsBackABlock)
 {
     unsigned passed = 0;

@@ -167,3 +167,26 @@ TEST(DerivedValues, WithoutAParentInputsOfItAreNotAvailable)
 }
 
 } // namespace
+
+TEST(DerivedValues, AccuraciesAreAtTwiceTheStandardDeviation)
+{
+    const struct {
+        const char* block;
+        json variances;
+        const char* accuracy;
+        double expected;
+    } rows[] = {
+        {"PosCovCartesian1", {{"Cov_XX", 1}, {"Cov_YY", 4}, {"Cov_ZZ", 4}}, "Accuracy", 6},
+        {"VelCovCartesian1", {{"Cov_VxVx", 1}, {"Cov_VyVy", 4}, {"Cov_VzVz", 4}}, "Accuracy", 6},
+        {"PosCovGeodetic1", {{"Cov_NN", 9}, {"Cov_EE", 16}}, "HAccuracy", 10},
+        {"PosCovGeodetic1", {{"Cov_UU", 4}}, "VAccuracy", 4},
+        {"IntPosCovCart1", {{"Cov_XX", 1}, {"Cov_YY", 4}, {"Cov_ZZ", 4}}, "PosStdDev", 3},
+    };
+    for (const auto& row : rows) {
+        const json line = {{"block", row.block}, {"fields", row.variances}};
+        const ToolRun encoded = runTool({"encode", "-"}, line.dump() + '\n');
+        const ToolRun shown = runTool({"dump", "-", "--format", "jsonl"}, encoded.output);
+        EXPECT_EQ(json::parse(shown.output).at("fields").at(row.accuracy), row.expected)
+            << row.block;
+    }
+}

@@ -155,7 +155,7 @@ INSTANTIATE_TEST_SUITE_P(
     Tool, EncodeBadLine,
     testing::Values(
         Bad{"NoJson", R"({"block":)", "invalid JSON at column 10"},
-        Bad{"NoObject", "[1]", "[...] is no object"},
+        Bad{"NoObject", "[1]", "[...] is not an object"},
         Bad{"NoBlock", "{}", "neither \"block\" nor \"bytes\" is given"},
         Bad{"UnknownMember", R"({"block":"ASCIIIn","field":{}})",
             "there is no member named field, did you mean fields?"},
@@ -176,11 +176,11 @@ INSTANTIATE_TEST_SUITE_P(
         Bad{"TooLargeForFloat", R"({"block":"PVTGeodetic2","fields":{"Vn":1e39}})",
             "PVTGeodetic2.Vn: 1e+39 is out of range, -3.4028235e+38 to 3.4028235e+38"},
         Bad{"Fraction", R"({"block":"ASCIIIn","fields":{"CD":1.5}})",
-            "ASCIIIn.CD: 1.5 is no integer"},
+            "ASCIIIn.CD: 1.5 is not an integer"},
         Bad{"StringForNumber", R"({"block":"ASCIIIn","fields":{"CD":"COM1"}})",
-            "ASCIIIn.CD: \"COM1\" is no integer"},
+            "ASCIIIn.CD: \"COM1\" is not an integer"},
         Bad{"NumberForText", R"({"block":"ASCIIIn","fields":{"ASCIIString":5}})",
-            "ASCIIIn.ASCIIString: 5 is no string"},
+            "ASCIIIn.ASCIIString: 5 is not a string"},
         Bad{"NoLatin1", R"({"block":"ASCIIIn","fields":{"ASCIIString":"\u20ac"}})",
             "ASCIIIn.ASCIIString: a text can only hold characters up to U+00FF"},
         Bad{"TextTooLong",
@@ -206,7 +206,7 @@ INSTANTIATE_TEST_SUITE_P(
         Bad{"CountWithoutArray", R"({"block":"MeasEpoch2","fields":{"N1":1}})",
             "MeasEpoch2.N1: is not 0, but Type1 is not given"},
         Bad{"NoArray", R"({"block":"MeasEpoch2","fields":{"Type1":{}}})",
-            "MeasEpoch2.Type1: {} is no array"},
+            "MeasEpoch2.Type1: {} is not an array"},
         Bad{"BadBase64", R"({"number":1,"bytes":"A==="})", "bytes: is not base64 text"}),
     [](const auto& instance) { return instance.param.name; });
 
@@ -327,7 +327,7 @@ TEST(Encode, DeepNesting)
         runTool({"encode", "-"}, R"({"block":"ASCIIIn","fields":{"CD":)" + std::string(depth, '[') +
                                      std::string(depth, ']') + "}}");
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.words, "-:1: ASCIIIn.CD: [...] is no integer\n");
+    EXPECT_EQ(run.words, "-:1: ASCIIIn.CD: [...] is not an integer\n");
 }
 
 TEST(Encode, EntriesTooShort)

@@ -119,7 +119,9 @@ protected:
     /// Whether the blocks after the header come out while the input is still open.
     bool comesOut(const QStringList& arguments, int milliseconds)
     {
-        start(QStringList{"dump", "-q", "--format", "jsonl", "-"} + arguments);
+        start(QStringList{"dump", "-q", "--format", "jsonl", "--description",
+                          TQX_TESTS_DIR "/schema/station.yaml", "-"} +
+              arguments);
         send(falseHeader(GetParam().number, GetParam().length) +
              runTool({"simulate", "--duration", "1"}).output);
         const bool isOut = m_process.waitForReadyRead(milliseconds);
@@ -155,6 +157,8 @@ INSTANTIATE_TEST_SUITE_P(Tool, LiveHeader,
                          testing::Values(Header{"UnknownNumber", 3999, 0xffff, true},
                                          Header{"TooLongForItsType", 4007, 60000, true},
                                          Header{"MayBeABlock", 4027, 60000, false},
+                                         Header{"TooLongForADescribedType", 7001, 60000, true},
+                                         Header{"MayBeADescribedBlock", 7002, 60000, false},
                                          Header{"MayBeANewerRevision", 4007 + (7 << 13), 60000,
                                                 false}),
                          [](const auto& instance) { return instance.param.name; });

@@ -87,7 +87,7 @@ bool hasInputs(const FieldInfo& info, const Chain& chain)
     return true;
 }
 
-size_t notAvailable = 0; ///< derived values that were so for want of an input
+size_t notAvailable = 0; ///< derived values that lack an input
 
 QString scaledText(const FieldInfo& info, const Chain& chain)
 {

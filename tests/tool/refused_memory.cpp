@@ -1,4 +1,4 @@
-// The program with an operator new that refuses memory now and then.
+// The program with an operator new that sometimes refuses memory.
 
 #include <cstddef>
 #include <cstdlib>

@@ -307,7 +307,7 @@ TEST(Track, SentencesHaveTheDilutionsOfTheirEpoch)
 namespace
 {
 
-/// All rows of a query, cells parted by bars.
+/// All rows of a query, cells separated by bars.
 std::vector<std::string> rowsOf(const std::string& file, const char* query)
 {
     sqlite3* database = nullptr;

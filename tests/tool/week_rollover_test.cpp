@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
+#include <iterator>
 #include <random>
 
 // The continuous time of a block counts the weeks that all blocks before it begin, whatever types
@@ -17,6 +18,7 @@ namespace
 
 constexpr uint16_t endOfMeas = 5922;
 constexpr uint16_t endOfFix = 5921;
+constexpr uint16_t weatherReport = 7001; // of a description
 
 /// Stretches of blocks of one type, so that weeks pass in which a type has no block and its TOW
 /// does not step back. There are blocks that do not decode and some of an unknown number, of which
@@ -24,16 +26,17 @@ constexpr uint16_t endOfFix = 5921;
 Bytes logOfManyWeeks()
 {
     std::mt19937 random(7);
-    constexpr uint16_t types[] = {endOfMeas, endOfFix, 4007, 8191};
+    constexpr uint16_t types[] = {endOfMeas, endOfFix, 4007, weatherReport, 8191};
     constexpr uint64_t millisPerWeek = Kor::MessageApi::TQX_millisPerWeek;
     Bytes log;
     uint64_t time = 100 * millisPerWeek;
-    for (unsigned stretch = 0; stretch < 12; ++stretch) {
-        const uint16_t type = types[stretch % 4];
+    for (unsigned stretch = 0; stretch < 15; ++stretch) {
+        const uint16_t type = types[stretch % 5];
         for (unsigned i = 0; i < 1500; ++i) {
             time += random() % 1000000;
             const Bytes next = timedBlock(type, static_cast<uint32_t>(time % millisPerWeek),
-                                          static_cast<uint16_t>(time / millisPerWeek));
+                                          static_cast<uint16_t>(time / millisPerWeek),
+                                          type == weatherReport ? 16 : 2);
             log.insert(log.end(), next.begin(), next.end());
         }
     }
@@ -85,6 +88,25 @@ TEST_P(WeekRollover, IsSeenInBlocksOfOtherTypes)
     }
     ASSERT_EQ(wanted.size(), 4500U);
     EXPECT_EQ(linesOf(run(lines + QStringList{"--type", "EndOfPVT1"})), wanted);
+}
+
+TEST_P(WeekRollover, IsSeenInBlocksOfDescriptions)
+{
+    const QStringList lines = {"dump", "--format", "jsonl"};
+    const QStringList described = lines + QStringList{"--description", "schema/station.yaml"};
+    const std::vector<std::string> whole = linesOf(run(described));
+    for (const char* type : {"EndOfPVT1", "WeatherReport"}) {
+        SCOPED_TRACE(type);
+        std::vector<std::string> wanted;
+        std::copy_if(whole.begin(), whole.end(), std::back_inserter(wanted),
+                     [&](const std::string& line) {
+                         return line.find('"' + std::string(type) + '"') != std::string::npos;
+                     });
+        EXPECT_EQ(wanted.size(), 4500U);
+        EXPECT_EQ(linesOf(run(described + QStringList{"--type", type})), wanted);
+    }
+    const QStringList fixes = {"--type", "EndOfPVT1"};
+    EXPECT_NE(run(lines + fixes), run(described + fixes));
 }
 
 TEST_P(WeekRollover, IsSeenInTables)

@@ -82,7 +82,8 @@ private:
 
 } // namespace
 
-TinyLog::TinyLog(uint64_t count, uint32_t perPage) : m_count(count), m_perPage(perPage)
+TinyLog::TinyLog(uint64_t count, uint32_t perPage, uint32_t spacing)
+    : m_count(count), m_perPage(perPage), m_spacing(spacing)
 {
     static const Format format;
     m_format = &format;
@@ -92,6 +93,12 @@ TinyLog::TinyLog(uint64_t count, uint32_t perPage) : m_count(count), m_perPage(p
 }
 
 TinyLog::~TinyLog() = default;
+
+void TinyLog::addTypes(int count)
+{
+    for (int i = 0; i < count; ++i)
+        m_types.push_back({QString("Speed%1").arg(i, 5, 10, QChar('0')), &m_format->speed, 1});
+}
 
 std::optional<int64_t> TinyLog::getFirstTime() const
 {
@@ -110,7 +117,7 @@ uint32_t TinyLog::getPageCount() const
 
 uint32_t TinyLog::pageAt(uint64_t offset) const
 {
-    return static_cast<uint32_t>(offset / 4 / m_perPage);
+    return static_cast<uint32_t>(offset / m_spacing / m_perPage);
 }
 
 uint32_t TinyLog::getMessageCount(uint32_t page) const
@@ -123,7 +130,7 @@ MessageEntry TinyLog::entryAt(uint64_t number) const
 {
     const Type& type = m_types[number % 5 == 0 ? 1 : 0];
     MessageEntry entry;
-    entry.offset = 4 * number;
+    entry.offset = m_spacing * number;
     entry.size = 4;
     entry.page = static_cast<uint32_t>(number / m_perPage);
     entry.place = static_cast<uint16_t>(number % m_perPage);
@@ -179,7 +186,7 @@ std::unique_ptr<MessageReader> TinyLog::find(const MessageFilter& filter, uint32
 MessageContent TinyLog::load(const MessageEntry& entry) const
 {
     MessageContent content;
-    const uint64_t number = entry.offset / 4;
+    const uint64_t number = entry.offset / m_spacing;
     content.message = messageAt(number);
     content.bytes = QByteArray("s\0\0\0", 4);
     content.bytes[0] = number % 5 == 0 ? 't' : 's';

@@ -12,15 +12,19 @@ class TinyLog : public tqx::view::MessageLog
 {
 public:
     /// `count` messages, a second apart; every fifth of type "Temp". Messages are made when they
-    /// are asked for, so that there can be any number of them.
-    explicit TinyLog(uint64_t count, uint32_t perPage = 10);
+    /// are asked for, so that there can be any number of them. `spacing` is from the first byte of
+    /// one to that of the next.
+    explicit TinyLog(uint64_t count, uint32_t perPage = 10, uint32_t spacing = 4);
+
+    /// As if the log had so many types more, with a message each.
+    void addTypes(int count);
     ~TinyLog() override;
 
     /// Waits before a page is loaded or a message found.
     std::function<void()> onRead;
 
     QString getName() const override { return "tiny"; }
-    uint64_t getSize() const override { return 4 * m_count; }
+    uint64_t getSize() const override { return m_spacing * m_count; }
     const std::vector<Type>& getTypes() const override { return m_types; }
     std::optional<int64_t> getFirstTime() const override;
     std::optional<int64_t> getLastTime() const override;
@@ -44,6 +48,7 @@ private:
 
     uint64_t m_count;
     uint32_t m_perPage;
+    uint64_t m_spacing;
     const Format* m_format; ///< one for all logs
     std::vector<Type> m_types;
 };

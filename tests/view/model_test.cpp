@@ -3,6 +3,7 @@
 
 #include "model/FieldRows.h"
 #include "model/GnssSurvey.h"
+#include "model/LabelPlaces.h"
 #include "model/MessageRows.h"
 #include "model/PlotField.h"
 #include "model/PlotSeries.h"
@@ -11,11 +12,16 @@
 #include "model/TqxLog.h"
 #include "model/TrackFigures.h"
 
+#include <QElapsedTimer>
+#include <QLineF>
 #include <QSet>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
+#include <thread>
 
 using namespace tqx::view;
 
@@ -224,6 +230,40 @@ TEST(PlotSeries, BreaksWhereValuesAreMissing)
     EXPECT_EQ(series.nearest(4000)->value, 3);
 }
 
+// As of the same log several times in a row, looked at now and then while it is read.
+TEST(PlotSeries, TimesThatGoBackCostLittleAndAreSortedIn)
+{
+    constexpr int count = 10'000;
+    constexpr int copies = 4;
+    PlotSeries series("x");
+    std::vector<size_t> breaks;
+    for (int copy = 0; copy < copies; ++copy) {
+        for (int i = 0; i < count; ++i)
+            series.add(i * 1000.0, copy);
+        series.visible(0, 1000.0 * count, 100, breaks);
+    }
+    ASSERT_EQ(series.size(), size_t{copies} * count);
+    for (size_t i = 0; i < series.size(); ++i)
+        ASSERT_EQ(series[i].time, static_cast<double>(i / copies) * 1000) << i;
+    EXPECT_LT(series.getMoved(), uint64_t{copies} * copies * count);
+}
+
+TEST(PlotSeries, LatePointsFillGapsAndHaveTheirOwn)
+{
+    PlotSeries series("x");
+    for (const double time : {10.0, 11.0, 12.0, 13.0, 17.0, 18.0, 22.0, 23.0})
+        series.add(time, time);
+    for (const double time : {1.0, 2.0, 5.0, 6.0, 14.0, 15.0, 16.0})
+        series.add(time, time);
+    std::vector<size_t> breaks;
+    std::vector<double> ends;
+    const std::vector<PlotPoint> points = series.visible(0, 30, 100, breaks);
+    ASSERT_EQ(points.size(), 15U);
+    for (const size_t place : breaks)
+        ends.push_back(points[place].time);
+    EXPECT_EQ(ends, (std::vector<double>{5, 10, 22}));
+}
+
 TEST(PlotField, HasASeriesForEachThingThatIsIdentified)
 {
     const struct {
@@ -287,6 +327,32 @@ TEST(Timeline, FindsTheOutageAndTheDamage)
     EXPECT_EQ(readTimeline(*log, cancelled), nullptr);
 }
 
+// A log that grows faster than it is read still has a time line.
+TEST(Timeline, ReadsToTheEndWhileALogGoesOn)
+{
+    Timeline timeline;
+    const auto slowLog = [](uint64_t count) {
+        const auto log = std::make_shared<TinyLog>(count);
+        log->onRead = [] { std::this_thread::sleep_for(std::chrono::microseconds(50)); };
+        return log;
+    };
+    timeline.setLog(slowLog(1000), true);
+    QElapsedTimer clock;
+    clock.start();
+    constexpr qint64 patience = 20'000;
+    for (uint64_t count = 1001; timeline.getData().rows.empty(); ++count) {
+        ASSERT_LT(clock.elapsed(), patience);
+        timeline.setLog(slowLog(count), true);
+        QTest::qWait(1);
+    }
+    EXPECT_EQ(timeline.getData().rows[0].count, 1000U);
+    timeline.setLog(std::make_shared<TinyLog>(50'000), true);
+    EXPECT_TRUE(waitFor([&] { return timeline.getData().rows[0].count == 50'000; }));
+    timeline.setLog(nullptr);
+    EXPECT_FALSE(timeline.isReading());
+    EXPECT_TRUE(timeline.getData().rows.empty());
+}
+
 TEST(GnssSurvey, KnowsSatellitesAndPositions)
 {
     const QTemporaryDir folder;
@@ -312,6 +378,29 @@ TEST(GnssSurvey, KnowsSatellitesAndPositions)
     EXPECT_LT(std::abs(figures.mean.x) + std::abs(figures.mean.y), 1e-3);
     EXPECT_GT(figures.horizontal, 0.05); // noise of a receiver that stands still
     EXPECT_LT(figures.horizontal, 10);
+}
+
+TEST(LabelPlaces, LabelsCoverNeitherEachOtherNorMarks)
+{
+    constexpr double radius = 4;
+    const QRectF bounds(0, 0, 400, 400);
+    std::vector<Mark> marks;
+    for (const QPointF& place :
+         {QPointF(200, 200), QPointF(206, 203), QPointF(212, 198), QPointF(230, 200),
+          QPointF(398, 200), QPointF(3, 3), QPointF(200, 397), QPointF(215, 215)})
+        marks.push_back({place, {24, 10}});
+    const std::vector<QRectF> labels = placeLabels(marks, radius, bounds);
+    ASSERT_EQ(labels.size(), marks.size());
+    for (size_t i = 0; i < labels.size(); ++i) {
+        EXPECT_TRUE(bounds.contains(labels[i])) << i;
+        EXPECT_LT(QLineF(labels[i].center(), marks[i].place).length(), 40) << i;
+        for (size_t k = 0; k < labels.size(); ++k) {
+            EXPECT_FALSE(k != i && labels[i].intersects(labels[k])) << i << ' ' << k;
+            const QPointF half(radius, radius);
+            EXPECT_FALSE(labels[i].intersects({marks[k].place - half, marks[k].place + half}))
+                << i << ' ' << k;
+        }
+    }
 }
 
 TEST(TrackFigures, ReadsPlaces)

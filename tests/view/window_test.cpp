@@ -21,6 +21,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QPainter>
 #include <QSettings>
 #include <QSlider>
 #include <QSvgRenderer>
@@ -31,13 +32,50 @@
 #include <QTreeWidget>
 
 #include <gtest/gtest.h>
+#include <qwt_plot.h>
 
+#include <ctime>
 #include <thread>
+
+#ifdef __unix__
+#include <unistd.h>
+#endif
 
 using namespace tqx::view;
 
 namespace
 {
+
+/// Few in a picture without curves, grid and smoothed texts.
+int coloursOf(const QImage& picture)
+{
+    QSet<QRgb> colours;
+    for (int y = 0; y < picture.height(); y += 2) {
+        for (int x = 0; x < picture.width(); x += 2)
+            colours.insert(picture.pixel(x, y));
+    }
+    return colours.size();
+}
+
+/// Of this process in bytes, 0 where it is not known.
+size_t memoryInUse()
+{
+    QFile pages("/proc/self/statm");
+    constexpr size_t pageSize = 4096;
+    return pages.open(QIODevice::ReadOnly) ? pages.readAll().split(' ')[1].toULong() * pageSize : 0;
+}
+
+/// What this thread has worked so far.
+double workMillis()
+{
+#ifdef __unix__
+    timespec spent = {};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &spent);
+    return static_cast<double>(spent.tv_sec) * 1e3 + static_cast<double>(spent.tv_nsec) / 1e6;
+#else
+    return static_cast<double>(std::clock()) * 1e3 / CLOCKS_PER_SEC;
+#endif
+}
 
 class Window : public testing::Test
 {
@@ -73,6 +111,12 @@ protected:
         edit->clear();
         QTest::keyClicks(edit, text);
         QTest::keyClick(edit, Qt::Key_Return);
+    }
+
+    QByteArray contentOf(const QString& name)
+    {
+        QFile file(m_folder.filePath(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
     uint64_t rows() { return m_window.getMessages().getRows().getCount(); }
@@ -164,27 +208,102 @@ TEST_F(Window, ExportsPicturesDrawingsAndTables)
     plots.add("TQX:PVTGeodetic2:Height", "");
     ASSERT_TRUE(waitFor([&] { return !plots.getPanels()[0]->getField().isReading(); }));
     ASSERT_TRUE(plots.exportTo(m_folder.filePath("plot.png")));
-    const QImage picture(m_folder.filePath("plot.png"));
-    ASSERT_FALSE(picture.isNull());
-    QSet<QRgb> colours;
-    for (int y = 0; y < picture.height(); y += 2) {
-        for (int x = 0; x < picture.width(); x += 2)
-            colours.insert(picture.pixel(x, y));
-    }
-    EXPECT_GT(colours.size(), 8); // a curve, a grid and smoothed texts
+    EXPECT_GT(coloursOf(QImage(m_folder.filePath("plot.png"))), 8);
 
     ASSERT_TRUE(plots.exportTo(m_folder.filePath("plot.svg")));
     EXPECT_TRUE(QSvgRenderer(m_folder.filePath("plot.svg")).isValid());
 
     ASSERT_TRUE(plots.exportTo(m_folder.filePath("plot.csv")));
-    QFile table(m_folder.filePath("plot.csv"));
-    ASSERT_TRUE(table.open(QIODevice::ReadOnly));
-    const QList<QByteArray> lines = table.readAll().trimmed().split('\n');
+    const QList<QByteArray> lines = contentOf("plot.csv").trimmed().split('\n');
     ASSERT_EQ(lines.size(), 6);
     EXPECT_EQ(lines[0], "time,field,series,value,unit");
     EXPECT_TRUE(lines[1].startsWith("2026-01-06 12:00:00.000,TQX:PVTGeodetic2:Height,,41"));
     EXPECT_TRUE(lines[1].endsWith(",m"));
     EXPECT_FALSE(plots.exportTo(m_folder.filePath("no/folder/plot.csv")));
+}
+
+TEST_F(Window, ExportsEveryPage)
+{
+    open(logWithOutage(20));
+    QTabWidget& tabs = m_window.getTabs();
+    tabs.setCurrentWidget(&m_window.getTimeline());
+    tabs.setCurrentWidget(&m_window.getSky());
+    tabs.setCurrentWidget(&m_window.getTrack());
+    ASSERT_TRUE(waitFor([&] {
+        return m_window.getSurvey().getData().positions > 0 &&
+               m_window.getTimeline().getFaults().topLevelItemCount() > 0;
+    }));
+    const struct {
+        ExportPage& page;
+        const char* head;
+        int lines;
+        const char* line; // one of them
+    } cases[] = {
+        {m_window.getTimeline(), "time,seconds,kind,type,offset,details", 0,
+         "2026-01-06 12:00:19.000,61.000,outage,,,"},
+        {m_window.getSky(), "time,satellite,signal,cn0,azimuth,elevation", 0,
+         "2026-01-06 12:00:00.000,G"},
+        {m_window.getTrack(), "time,latitude,longitude,height,east,north,up,fix", 41,
+         "2026-01-06 12:00:19.000,47.07"},
+    };
+    for (const auto& [page, head, lines, line] : cases) {
+        tabs.setCurrentWidget(&page);
+        for (const char* name : {"x.png", "x.svg", "x.pdf", "x.csv"})
+            ASSERT_TRUE(page.exportTo(m_folder.filePath(name))) << head << ' ' << name;
+        EXPECT_GT(coloursOf(QImage(m_folder.filePath("x.png"))), 8) << head;
+        QSvgRenderer drawing(m_folder.filePath("x.svg"));
+        QImage drawn(page.size(), QImage::Format_RGB32);
+        QPainter painter(&drawn);
+        drawing.render(&painter);
+        painter.end();
+        EXPECT_GT(coloursOf(drawn), 8) << head;
+        EXPECT_TRUE(contentOf("x.pdf").startsWith("%PDF-")) << head;
+        const QList<QByteArray> table = contentOf("x.csv").trimmed().split('\n');
+        EXPECT_EQ(table[0], head);
+        EXPECT_TRUE(lines == 0 || table.size() == lines) << head << ' ' << table.size();
+        EXPECT_TRUE(contentOf("x.csv").contains(QByteArray("\n") + line)) << head;
+        EXPECT_FALSE(page.exportTo(m_folder.filePath("x.txt"))) << head;
+    }
+}
+
+TEST_F(Window, ARubberBandZoomsTimesAndValues)
+{
+    open(simulatedLog(20));
+    PlotPage& plots = m_window.getPlots();
+    m_window.getTabs().setCurrentWidget(&plots);
+    plots.add("TQX:PVTGeodetic2:Height", "");
+    PlotPanel& panel = *plots.getPanels()[0];
+    ASSERT_TRUE(waitFor([&] { return !panel.getField().isReading(); }));
+    QTest::qWait(300); // until the values have a scale
+    QwtPlot& plot = panel.getPlot();
+    const auto drag = [&](Qt::MouseButton button, Qt::KeyboardModifiers modifiers, QPoint from,
+                          QPoint to) {
+        QTest::mousePress(plot.canvas(), button, modifiers, from);
+        QMouseEvent move(QEvent::MouseMove, to, button, button, modifiers);
+        QCoreApplication::sendEvent(plot.canvas(), &move);
+        QTest::mouseRelease(plot.canvas(), button, modifiers, to);
+    };
+    const auto values = [&] {
+        const QwtInterval scale = plot.axisInterval(QwtPlot::yLeft);
+        return std::pair(scale.minValue(), scale.maxValue());
+    };
+    const double width = plots.getTo() - plots.getFrom();
+    const auto all = values();
+    constexpr double margin = 0.03; // of the canvas around the scales
+    const int middle = plot.canvas()->width() / 2;
+    drag(Qt::RightButton, Qt::NoModifier, {0, 20}, {middle, 22}); // level: times only
+    EXPECT_NEAR(plots.getTo() - plots.getFrom(), width / 2, width * margin);
+    const auto half = values();
+    const int height = plot.canvas()->height();
+    drag(Qt::LeftButton, Qt::ShiftModifier, {middle, height / 2}, {1, 1});
+    EXPECT_NEAR(plots.getTo() - plots.getFrom(), width / 4, width * margin);
+    const double span = half.second - half.first;
+    EXPECT_NEAR(values().first, (half.first + half.second) / 2, span * margin);
+    EXPECT_NEAR(values().second, half.second, span * margin);
+    plots.setFocus();
+    QTest::keyClick(&plots, Qt::Key_0);
+    EXPECT_NEAR(plots.getTo() - plots.getFrom(), width, 1e-3);
+    EXPECT_EQ(values(), all);
 }
 
 TEST_F(Window, LeadsFromTheOutageToItsMessages)
@@ -280,6 +399,101 @@ TEST_F(Window, KeepsTheSessionAndTakesDroppedFiles)
     QCoreApplication::sendEvent(&next, &drop);
     EXPECT_TRUE(waitFor([&] { return next.windowTitle().startsWith("other.tqx"); }));
 }
+
+// Of 10 GB, made as it is read.
+TEST_F(Window, ALogOfTenGigabytesIsScrolledMarkedAndFollowed)
+{
+    constexpr uint64_t count = 200'000'000;
+    constexpr uint32_t perPage = 4096;
+    constexpr uint32_t spacing = 50;
+    m_window.getDocument().show(std::make_shared<TinyLog>(count, perPage, spacing));
+    ASSERT_EQ(rows(), count);
+    EXPECT_GE(m_window.getDocument().getLog()->getSize(), 10'000'000'000U);
+    const size_t before = memoryInUse();
+    for (const uint64_t row : {count / 3, count - 1, uint64_t{0}, count / 2}) {
+        table().select(row);
+        ASSERT_TRUE(waitFor([&] { return bytes().getOffset() == row * spacing; })) << row;
+        selectField(row % 5 == 0 ? "Kind" : "Value");
+        EXPECT_EQ(bytes().getMarkedOffset(), row % 5 == 0 ? 0U : 2U);
+    }
+    QTest::keyClick(&table(), Qt::Key_End);
+    EXPECT_EQ(table().getCurrent(), count - 1);
+    m_window.getMessages().goToOffset(9'000'000'002);
+    EXPECT_TRUE(waitFor([&] { return table().getCurrent() == 9'000'000'000 / spacing; }));
+    for (int i = 0; i < 200; ++i) { // through all of it, page after page
+        table().select(count / 200 * static_cast<uint64_t>(i));
+        QTest::qWait(1);
+    }
+    m_window.getMessages().setStickingToEnd(true);
+    for (uint64_t more = 1; more <= 50; ++more) {
+        m_window.getDocument().show(
+            std::make_shared<TinyLog>(count + more * 1000, perPage, spacing), true);
+        EXPECT_EQ(table().getCurrent(), count + more * 1000 - 1);
+    }
+    EXPECT_LE(m_window.getMessages().getRows().getLoadedPages(), MessageRows::mostPages);
+#ifndef TQX_SLOW_BUILD
+    constexpr size_t bound = 100'000'000;
+    EXPECT_LT(memoryInUse(), before + bound);
+#endif
+}
+
+TEST_F(Window, AnswersWhileALogOfThousandsOfTypesGrows)
+{
+    constexpr uint64_t perSecond = 5000;
+    // The work between two beats, so that other programs make no difference.
+    double last = workMillis();
+    double longest = 0;
+    QTimer heart;
+    QObject::connect(&heart, &QTimer::timeout, [&] {
+        longest = std::max(longest, workMillis() - last);
+        last = workMillis();
+    });
+    m_window.getDocument().show(std::make_shared<TinyLog>(1));
+    m_window.getMessages().setStickingToEnd(true);
+    heart.start(5);
+    constexpr uint64_t steps = 10;
+    for (uint64_t step = 1; step <= steps; ++step) {
+        const auto log = std::make_shared<TinyLog>(step * perSecond, 4096);
+        log->addTypes(3000 + static_cast<int>(step));
+        m_window.getDocument().show(log, true);
+        if (step == steps / 2)
+            m_window.getTabs().setCurrentIndex(2);
+        QTest::qWait(100);
+    }
+    EXPECT_GT(longest, 0);
+#ifndef TQX_SLOW_BUILD
+    EXPECT_LE(longest, 100);
+#endif
+    EXPECT_EQ(rows(), steps * perSecond);
+    EXPECT_EQ(m_window.findChild<TypeList*>()->topLevelItemCount(), 3000 + 10 + 3);
+}
+
+#ifdef __unix__
+TEST_F(Window, ShowsStandardInputAsItComes)
+{
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const int before = dup(STDIN_FILENO);
+    dup2(ends[0], STDIN_FILENO);
+    close(ends[0]);
+    m_window.open({"-"});
+    EXPECT_TRUE(waitFor([&] { return m_window.getDocument().getLog() != nullptr; }));
+    uint64_t shown = 0;
+    for (int part = 0; part < 3; ++part) {
+        const QByteArray some = simulatedLog(2, 2 * part);
+        ASSERT_EQ(write(ends[1], some.constData(), static_cast<size_t>(some.size())), some.size());
+        EXPECT_TRUE(waitFor([&] { return rows() > shown + 50; })) << part;
+        shown = rows();
+    }
+    EXPECT_EQ(table().getCurrent(), rows() - 1);
+    close(ends[1]);
+    // The end of the pipe leaves what has come.
+    QTest::qWait(100);
+    EXPECT_GE(rows(), shown);
+    dup2(before, STDIN_FILENO);
+    close(before);
+}
+#endif
 
 // Reading waits as from a slow disk; the window must not.
 TEST_F(Window, AnswersWhileALogIsReadSlowly)

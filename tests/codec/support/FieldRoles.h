@@ -17,7 +17,7 @@ inline void PrintTo(const TQX_TypeLayout* type, std::ostream* stream)
 
 } // namespace Kor::MessageApi
 
-/// What other fields make of a scalar field: whoever invents values for it has to know.
+/// The role of a scalar field for others, which code that invents values for it has to know.
 struct FieldRole {
     /// The field whose elements or entries it counts, or null; of several the largest.
     const Kor::MessageApi::TQX_FieldLayout* counted = nullptr;

@@ -28,7 +28,8 @@ constexpr double highAxis = 42162200;
 struct Case {
     const char* block;
     const char* key;          ///< system and message of the record
-    const char* added;        ///< fields beside those of all
+    const char* shared;       ///< fields of the blocks of its system
+    const char* added;        ///< further fields
     double axis;              ///< semi-major axis without its difference
     double rate;              ///< reference of the rate of the node, semicircles per second
     std::vector<double> last; ///< numbers of the record from the 22nd on; NaN for blank
@@ -52,6 +53,12 @@ const char* const common = R"({"TOW":216030000,"WNc":2400,"t_oe":216000,"t_oc":2
 "M_0":0.25,"e":0.0078125,"omega":-0.625,"OMEGA_0":0.3125,"i_0":0.28125,
 "IDOT":-1.8189894035458565e-12,"C_is":5.960464477539063e-08,"C_ic":-1.1920928955078125e-07,
 "C_rs":-64.5,"C_rc":128.25,"C_us":2.384185791015625e-07,"C_uc":-4.76837158203125e-07})";
+
+/// What those of GPS and QZSS have, and those of BeiDou.
+const char* const ofGps = R"({"DEL_OMEGADOT":-3.637978807091713e-12,"URA_ED":-3,"URA_NED0":-5,
+"URA_NED1":2,"URA_NED2":6,"T_gd":9.313225746154785e-10,"ISC_L1CA":-4.656612873077393e-10})";
+const char* const ofBeiDou = R"({"PRN":165,"OMEGADOT":-3.637978807091713e-12,"SISAI_oe":4,
+"SISAI_ocb":5,"SISAI_oc1":6,"SISAI_oc2":7,"SISMAI":8})";
 
 /// The first 21 numbers of each record.
 std::vector<double> firstNumbers(const Case& c)
@@ -99,6 +106,7 @@ TEST_P(CivilNavigationTest, IsARecordOfVersion4)
 {
     const Case& c = GetParam();
     json fields = json::parse(common);
+    fields.update(json::parse(c.shared));
     fields.update(json::parse(c.added));
     if (c.key == std::string("GCNV2"))
         fields.erase("t_oc"); // which is t_oe there
@@ -139,60 +147,53 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         Case{"GPSCNav",
              "GCNAV",
-             R"({"PRN":5,"DEL_OMEGADOT":-3.637978807091713e-12,"WN_OP":95,"URA_ED":-3,
-                 "URA_NED0":-5,"URA_NED1":2,"URA_NED2":6,"L2Unhealthy":1,"health":2,
-                 "T_gd":9.313225746154785e-10,"ISC_L1CA":-4.656612873077393e-10,
-                 "ISC_L2C":2.3283064365386963e-10,"ISC_L5I5":1.862645149230957e-09,
-                 "ISC_L5Q5":3.725290298461914e-09})",
+             ofGps,
+             R"({"PRN":5,"WN_OP":95,"L2Unhealthy":1,"health":2,"ISC_L2C":2.3283064365386963e-10,
+                 "ISC_L5I5":1.862645149230957e-09,"ISC_L5Q5":3.725290298461914e-09})",
              gpsAxis,
              -2.6e-9,
              {-5, 2, -3, 2, 9.313225746154785e-10, 6, -4.656612873077393e-10,
               2.3283064365386963e-10, 1.862645149230957e-09, 3.725290298461914e-09, 216030, 2399}},
         Case{"QZSCNav",
              "JCNAV",
-             R"({"PRN":183,"DEL_OMEGADOT":-3.637978807091713e-12,"WN_OP":96,"URA_ED":-3,
-                 "URA_NED0":-5,"URA_NED1":2,"URA_NED2":6,"T_gd":9.313225746154785e-10,
-                 "ISC_L1CA":-4.656612873077393e-10,"ISC_L2C":2.3283064365386963e-10,
-                 "ISC_L5I5":1.862645149230957e-09,"ISC_L5Q5":3.725290298461914e-09})",
+             ofGps,
+             R"({"PRN":183,"WN_OP":96,"ISC_L2C":4.656612873077393e-10,
+                 "ISC_L5I5":9.313225746154785e-10,"ISC_L5Q5":7.450580596923828e-09})",
              qzssAxis,
              -2.6e-9,
-             {-5, 2, -3, 0, 9.313225746154785e-10, 6, -4.656612873077393e-10,
-              2.3283064365386963e-10, 1.862645149230957e-09, 3.725290298461914e-09, 216030, 2400}},
+             {-5, 2, -3, 0, 9.313225746154785e-10, 6, -4.656612873077393e-10, 4.656612873077393e-10,
+              9.313225746154785e-10, 7.450580596923828e-09, 216030, 2400}},
         Case{"GPSCNav2",
              "GCNV2",
-             R"({"PRN":5,"DEL_OMEGADOT":-3.637978807091713e-12,"WN_OP":96,"URA_ED":-3,
-                 "URA_NED0":-5,"URA_NED1":2,"URA_NED2":6,"t_tm":216018000,
-                 "T_gd":9.313225746154785e-10,"ISC_L1CA":-4.656612873077393e-10,
-                 "ISC_L1CD":2.3283064365386963e-10,"ISC_L1CP":1.862645149230957e-09})",
+             ofGps,
+             R"({"PRN":5,"WN_OP":96,"t_tm":216018000,"ISC_L1CD":2.3283064365386963e-10,
+                 "ISC_L1CP":1.862645149230957e-09})",
              gpsAxis,
              -2.6e-9,
              {-5, 2, -3, 0, 9.313225746154785e-10, 6, -4.656612873077393e-10, blank, blank, blank,
               2.3283064365386963e-10, 1.862645149230957e-09, blank, blank, 216018, 2400}},
         Case{"BDSCNav1",
              "CCNV1",
-             R"({"PRN":165,"OMEGADOT":-3.637978807091713e-12,"SatType":3,"SISAI_oe":4,
-                 "SISAI_ocb":5,"SISAI_oc1":6,"SISAI_oc2":7,"SISMAI":8,"IODC":300,"IODE":44,
-                 "T_gd_B1Cp":9.313225746154785e-10,"T_gd_B2ap":-4.656612873077393e-10,
-                 "ISC_B1Cd":2.3283064365386963e-10})",
+             ofBeiDou,
+             R"({"SatType":3,"IODC":300,"IODE":44,"T_gd_B1Cp":9.313225746154785e-10,
+                 "T_gd_B2ap":-4.656612873077393e-10,"ISC_B1Cd":2.3283064365386963e-10})",
              mediumAxis,
              0,
              {3, 212400, 4, 5, 6, 7, 2.3283064365386963e-10, blank, 9.313225746154785e-10,
               -4.656612873077393e-10, 8, 0, 0, 300, 216016, blank, blank, 44}},
         Case{"BDSCNav2",
              "CCNV2",
-             R"({"PRN":165,"OMEGADOT":-3.637978807091713e-12,"SatType":2,"SISAI_oe":4,
-                 "SISAI_ocb":5,"SISAI_oc1":6,"SISAI_oc2":7,"SISMAI":8,"IODC":300,"IODE":44,
-                 "T_gd_B1Cp":9.313225746154785e-10,"T_gd_B2ap":-4.656612873077393e-10,
-                 "ISC_B2ad":2.3283064365386963e-10})",
+             ofBeiDou,
+             R"({"SatType":2,"IODC":301,"IODE":45,"T_gd_B1Cp":1.862645149230957e-09,
+                 "T_gd_B2ap":-2.3283064365386963e-10,"ISC_B2ad":4.656612873077393e-10})",
              highAxis,
              0,
-             {2, 212400, 4, 5, 6, 7, blank, 2.3283064365386963e-10, 9.313225746154785e-10,
-              -4.656612873077393e-10, 8, 0, 0, 300, 216016, blank, blank, 44}},
+             {2, 212400, 4, 5, 6, 7, blank, 4.656612873077393e-10, 1.862645149230957e-09,
+              -2.3283064365386963e-10, 8, 0, 0, 301, 216016, blank, blank, 45}},
         Case{"BDSCNav3",
              "CCNV3",
-             R"({"PRN":165,"OMEGADOT":-3.637978807091713e-12,"SatType":3,"SISAI_oe":4,
-                 "SISAI_ocb":5,"SISAI_oc1":6,"SISAI_oc2":7,"SISMAI":8,
-                 "T_gd_B2bI":9.313225746154785e-10})",
+             ofBeiDou,
+             R"({"SatType":3,"T_gd_B2bI":9.313225746154785e-10})",
              mediumAxis,
              0,
              {3, 212400, 4, 5, 6, 7, 8, 0, 0, 9.313225746154785e-10, 216016}}),

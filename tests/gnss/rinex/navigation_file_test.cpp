@@ -114,6 +114,42 @@ TEST(NavigationText, RecordsHaveTheLinesOfThePublicFile)
         EXPECT_EQ(compared.count(key), 1U) << key;
 }
 
+// What has no record is counted, in both versions and in the table, and the rest is written.
+TEST_P(NavigationFileTest, WhatIsLeftOutIsCounted)
+{
+    const auto blockOf = [](const char* fields) {
+        return std::string(
+                   R"({"block":"NavICLNav","fields":{"WNc":2400,"t_oe":216000,"t_oc":216000)") +
+               fields + "}}\n";
+    };
+    const ToolRuns tool;
+    tool.write("lines", blockOf(R"(,"TOW":216000000,"PRN":193,"Source":1)") +
+                            blockOf(R"(,"TOW":216001000,"PRN":193,"Source":1)") +
+                            blockOf(R"(,"TOW":216002000,"PRN":194,"Source":0)") +
+                            blockOf(R"(,"TOW":216003000,"PRN":0,"Source":0)") +
+                            blockOf(R"(,"TOW":4294967295,"PRN":194,"Source":0)"));
+    tool.expectRun("encode lines -o log.tqx");
+    const auto expectCounts = [&tool] {
+        const std::string words = tool.read("err");
+        for (const char* line : {"1 navigation block without a time left out",
+                                 "1 navigation block of an unknown satellite left out",
+                                 "2 navigation blocks of NavIC with the message on L1 left out"}) {
+            const size_t place = words.find(line);
+            EXPECT_NE(place, std::string::npos) << line << "\n" << words;
+            EXPECT_EQ(words.find(line, place + 1), std::string::npos) << words;
+        }
+    };
+    tool.expectRun(std::string("rinex -q log.tqx -o files --rinex ") + GetParam());
+    expectCounts();
+    const std::string text = tool.readOnly("files", "_MN.rnx");
+    EXPECT_EQ(rinex::faultsOfNavigation(text), std::vector<std::string>());
+    const rinex::NavigationFile file = rinex::readNavigation(text);
+    ASSERT_EQ(file.records.size(), 1U);
+    EXPECT_EQ(file.records[0].satellite, "I04");
+    EXPECT_EQ(rinex::linesOf(tool.expectRun("ephemerides log.tqx")).size(), 2U);
+    expectCounts();
+}
+
 TEST_P(NavigationFileTest, FollowsTheRulesAndHoldsTheEphemerides)
 {
     const ToolRuns tool;

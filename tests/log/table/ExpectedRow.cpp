@@ -39,8 +39,14 @@ uint64_t bitsOf(const TQX_FieldLayout& field, const void* record, uint32_t index
 bool isDoNotUse(const TQX_FieldLayout& field, const TQX_FieldFacts& facts, const void* record,
                 uint32_t index)
 {
-    return isReal(field) ? TQX_isRealDoNotUse(facts, realValue(field, record, index))
-                         : TQX_isDoNotUse(facts, bitsOf(field, record, index));
+    if (isReal(field))
+        return TQX_isRealDoNotUse(facts, realValue(field, record, index));
+    if (!facts.has(TQX_FieldFacts::Whole))
+        return TQX_isDoNotUse(facts, bitsOf(field, record, index));
+    uint32_t unused = 0;
+    for (uint32_t i = 0; i < field.elements; ++i)
+        unused += TQX_isDoNotUse(facts, bitsOf(field, record, i)) ? 1 : 0;
+    return unused == field.elements;
 }
 
 std::string latin1(const char* text, size_t capacity)

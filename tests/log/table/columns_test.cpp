@@ -147,6 +147,18 @@ TEST(NumberColumns, HoldWhatIsKnown)
     EXPECT_EQ(raw.column("TimeSystem"), (Texts{"9", "255"}));
 }
 
+// An address with a byte that would mean "not available" on its own.
+TEST(NumberColumns, HoldWholeValues)
+{
+    const WholeTable table(*TQX_layout(TQX_recordTypeOf<TQX_IPStatus1_s>), {},
+                           {madeBlock<TQX_IPStatus1_s>([](TQX_IPStatus1_s& record) {
+                                record.IPAddress[0] = 10;
+                                record.IPAddress[3] = 7;
+                            }),
+                            madeBlock<TQX_IPStatus1_s>([](TQX_IPStatus1_s&) {})});
+    EXPECT_EQ(table.column("IPAddress"), (Texts{"[10,0,0,7]", "[null,null,null,null]"}));
+}
+
 TEST(NameColumns, HaveOneDictionaryInAllBatches)
 {
     tqx::TableOptions options;

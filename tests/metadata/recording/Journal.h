@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-/// What the metadata calls in the framework, in order: a line a call.
+/// What the metadata call in the framework, in order: one line per call.
 class Journal
 {
 public:

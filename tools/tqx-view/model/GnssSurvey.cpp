@@ -10,7 +10,6 @@
 #include <TQX_OwnedRecord.h>
 
 #include <algorithm>
-#include <exception>
 #include <map>
 #include <utility>
 
@@ -221,41 +220,27 @@ std::shared_ptr<const GnssData> readGnss(const TqxLog& log, const TaskToken& tok
     return reader.finish();
 }
 
-GnssSurvey::GnssSurvey(QObject* parent) : QObject(parent), m_data(std::make_shared<GnssData>()) {}
+GnssSurvey::GnssSurvey(QObject* parent) : LogReading(parent), m_data(std::make_shared<GnssData>())
+{
+}
 
 GnssSurvey::~GnssSurvey() = default;
 
-void GnssSurvey::setLog(std::shared_ptr<const TqxLog> log)
+void GnssSurvey::setLog(std::shared_ptr<const TqxLog> log, bool isContinued)
 {
-    m_tasks.cancel();
-    m_isReading = log != nullptr;
-    if (!log)
+    if (!isContinued)
         m_data = std::make_shared<GnssData>();
-    Q_EMIT changed();
-    if (!log)
+    if (!log) {
+        stop();
         return;
-    m_tasks.run([this, log = std::move(log)](const TaskToken& token) {
-        std::shared_ptr<const GnssData> data;
-        QString reason;
-        try {
-            data = readGnss(*log, token);
-        } catch (const std::exception& error) {
-            reason = QString::fromUtf8(error.what());
-        }
-        QMetaObject::invokeMethod(
-            this,
-            [this, data, reason, token] {
-                if (token.isCancelled())
-                    return;
-                m_isReading = false;
-                if (data)
-                    m_data = data;
-                Q_EMIT changed();
-                if (!reason.isEmpty())
-                    Q_EMIT failed(reason);
-            },
-            Qt::QueuedConnection);
-    });
+    }
+    start([log = std::move(log)](const TaskToken& token) { return readGnss(*log, token); },
+          isContinued);
+}
+
+void GnssSurvey::take(const Result& result)
+{
+    m_data = std::static_pointer_cast<const GnssData>(result);
 }
 
 } // namespace tqx::view

@@ -1,12 +1,11 @@
 #pragma once
 
 #include "model/Directions.h"
-#include "model/TaskQueue.h"
+#include "model/LogReading.h"
 
 #include "tqx/gnss/observation/Observation.h"
 #include "tqx/gnss/position/Position.h"
 
-#include <QObject>
 #include <QString>
 
 #include <cstdint>
@@ -65,7 +64,7 @@ struct GnssData {
 };
 
 /// Reads them in another thread, in bounded memory.
-class GnssSurvey : public QObject
+class GnssSurvey : public LogReading
 {
     Q_OBJECT
 
@@ -73,24 +72,21 @@ public:
     explicit GnssSurvey(QObject* parent = nullptr);
     ~GnssSurvey() override;
 
-    /// Starts reading another log; changed() follows when it has been read.
-    void setLog(std::shared_ptr<const TqxLog> log);
+    /// Starts reading another log, or none; changed() follows when it has been read. With
+    /// `isContinued`, what is known of the log so far is kept meanwhile.
+    void setLog(std::shared_ptr<const TqxLog> log, bool isContinued = false);
 
     const GnssData& getData() const { return *m_data; }
-    bool isReading() const { return m_isReading; }
 
     static constexpr size_t mostEpochs = 2000;
     static constexpr size_t mostPositions = 50'000;
     static constexpr size_t mostSpans = 500'000; ///< of all signals
 
-Q_SIGNALS:
-    void changed();
-    void failed(const QString& reason);
+protected:
+    void take(const Result& result) override;
 
 private:
     std::shared_ptr<const GnssData> m_data;
-    bool m_isReading = false;
-    TaskQueue m_tasks;
 };
 
 /// Does the work of GnssSurvey in the calling thread; null when the token is cancelled.

@@ -81,14 +81,14 @@ void LogDocument::take(std::shared_ptr<const TqxLog> log, bool isContinued)
         Q_EMIT warned(QString::fromStdString(warning));
 }
 
-void LogDocument::show(std::shared_ptr<const MessageLog> log)
+void LogDocument::show(std::shared_ptr<const MessageLog> log, bool isContinued)
 {
     m_tasks.cancel();
     m_isLoading = false;
     m_isLooking = false;
     m_tqxLog.reset();
     m_log = std::move(log);
-    Q_EMIT opened(false);
+    Q_EMIT opened(isContinued);
 }
 
 void LogDocument::close()

@@ -26,8 +26,9 @@ public:
     /// Opens files as one log, replacing the current one; opened() or failed() follows.
     void open(const QStringList& paths);
 
-    /// Shows a log that was made elsewhere.
-    void show(std::shared_ptr<const MessageLog> log);
+    /// Shows a log that was made elsewhere; with `isContinued`, it begins with the one
+    /// that is shown.
+    void show(std::shared_ptr<const MessageLog> log, bool isContinued = false);
 
     void close();
 

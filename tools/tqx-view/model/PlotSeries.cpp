@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace tqx::view
 {
@@ -18,8 +19,60 @@ void PlotSeries::add(double time, double value)
         m_points.push_back({time, value});
         return;
     }
-    const auto place = m_points.begin() + static_cast<std::ptrdiff_t>(firstAt(time));
-    m_points.insert(place, {time, value});
+    m_late.push_back({time, value});
+}
+
+const std::vector<PlotPoint>& PlotSeries::points() const
+{
+    if (!m_late.empty())
+        sortIn();
+    return m_points;
+}
+
+/// All late points at once: one by one, each would move all points after it.
+void PlotSeries::sortIn() const
+{
+    const auto isEarlier = [](const PlotPoint& left, const PlotPoint& right) {
+        return left.time < right.time;
+    };
+    std::stable_sort(m_late.begin(), m_late.end(), isEarlier);
+    const double last = m_late.back().time;
+    const auto begin =
+        std::upper_bound(m_points.begin(), m_points.end(), m_late.front(), isEarlier);
+    const auto first = static_cast<size_t>(begin - m_points.begin());
+    std::vector<PlotPoint> merged;
+    merged.reserve(m_points.size() - first + m_late.size());
+    std::merge(begin, m_points.end(), m_late.begin(), m_late.end(), std::back_inserter(merged),
+               isEarlier);
+    m_moved += merged.size();
+    m_points.resize(first);
+    m_points.insert(m_points.end(), merged.begin(), merged.end());
+    m_late.clear();
+    findGaps(first, last);
+}
+
+/// Gaps from a point on, up to the first one after a time. Where points were thinned, steps are
+/// longer without a gap.
+void PlotSeries::findGaps(size_t first, double last) const
+{
+    const double longest = m_thinning == 1 ? 0 : 4.0 * m_thinning * m_usualStep;
+    const auto begin = std::lower_bound(m_gapEnds.begin(), m_gapEnds.end(), m_points[first].time);
+    const std::vector<double> before(begin, m_gapEnds.end());
+    m_gapEnds.erase(begin, m_gapEnds.end());
+    size_t i = first;
+    for (bool isInside = true; i < m_points.size() && isInside; ++i) {
+        const double time = m_points[i].time;
+        const double step = i == 0 ? 0 : time - m_points[i - 1].time;
+        const bool wasGap = std::binary_search(before.begin(), before.end(), time);
+        if (isTooLong(step) && (wasGap || step > longest))
+            m_gapEnds.push_back(time);
+        isInside = time <= last;
+    }
+    if (i < m_points.size()) {
+        const double end = m_points[i - 1].time;
+        m_gapEnds.insert(m_gapEnds.end(), std::upper_bound(before.begin(), before.end(), end),
+                         before.end());
+    }
 }
 
 /// Boyer-Moore majority vote: the step that more than half of the points have, if there is one.
@@ -49,6 +102,7 @@ bool PlotSeries::isGap(const PlotPoint& before, const PlotPoint& after) const
 
 void PlotSeries::thin()
 {
+    points(); // also those that came late
     std::vector<PlotPoint> kept;
     kept.reserve(m_points.size() / 2 + 2);
     for (size_t i = 0; i < m_points.size(); i += 4) {
@@ -81,22 +135,22 @@ std::vector<PlotPoint> PlotSeries::visible(double from, double to, int pixels,
                                            std::vector<size_t>& breaks) const
 {
     breaks.clear();
-    std::vector<PlotPoint> points;
-    if (m_points.empty() || pixels <= 0 || !(to > from))
-        return points;
+    std::vector<PlotPoint> chosen;
+    if (points().empty() || pixels <= 0 || !(to > from))
+        return chosen;
     size_t begin = firstAt(from);
     size_t end = firstAt(to);
     begin -= begin > 0 ? 1 : 0;
     end = std::min(end + 1, m_points.size());
     const auto append = [&](size_t i) {
         if (i > 0 && isGap(m_points[i - 1], m_points[i]))
-            breaks.push_back(points.size());
-        points.push_back(m_points[i]);
+            breaks.push_back(chosen.size());
+        chosen.push_back(m_points[i]);
     };
     if (end - begin <= static_cast<size_t>(pixels) * 4) {
         for (size_t i = begin; i < end; ++i)
             append(i);
-        return points;
+        return chosen;
     }
     const double perPixel = (to - from) / pixels;
     for (size_t i = begin; i < end;) {
@@ -114,22 +168,22 @@ std::vector<PlotPoint> PlotSeries::visible(double from, double to, int pixels,
             last = k;
         }
         if (hasGap)
-            breaks.push_back(points.size());
-        const size_t chosen[] = {i, std::min(least, greatest), std::max(least, greatest), last};
+            breaks.push_back(chosen.size());
+        const size_t kept[] = {i, std::min(least, greatest), std::max(least, greatest), last};
         size_t before = m_points.size();
-        for (const size_t k : chosen) {
+        for (const size_t k : kept) {
             if (k != before)
-                points.push_back(m_points[k]);
+                chosen.push_back(m_points[k]);
             before = k;
         }
         i = last + 1;
     }
-    return points;
+    return chosen;
 }
 
 std::optional<PlotPoint> PlotSeries::nearest(double time) const
 {
-    if (m_points.empty())
+    if (points().empty())
         return std::nullopt;
     const size_t after = firstAt(time);
     if (after == 0)

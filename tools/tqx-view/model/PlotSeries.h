@@ -16,7 +16,8 @@ struct PlotPoint {
 };
 
 /// Points in the order of time, in bounded memory: thin() halves them, keeping the least and the
-/// greatest of neighbours, so that no peak is lost.
+/// greatest of neighbours, so that no peak is lost. Used by one thread: points that were added late
+/// are sorted in when the series is next looked at.
 class PlotSeries
 {
 public:
@@ -24,11 +25,11 @@ public:
 
     const QString& getName() const { return m_name; }
 
-    /// A point at or after the last one; earlier ones are sorted in, which costs more.
+    /// Points may come in any order, as in a log whose times go back.
     void add(double time, double value);
 
-    size_t size() const { return m_points.size(); }
-    const PlotPoint& operator[](size_t index) const { return m_points[index]; }
+    size_t size() const { return m_points.size() + m_late.size(); }
+    const PlotPoint& operator[](size_t index) const { return points()[index]; }
 
     /// The most original points that one kept point represents; 1 if all are kept.
     unsigned getThinning() const { return m_thinning; }
@@ -44,18 +45,26 @@ public:
     std::optional<PlotPoint> nearest(double time) const;
 
     /// First and last time; only for a series that is not empty.
-    double getFirstTime() const { return m_points.front().time; }
-    double getLastTime() const { return m_points.back().time; }
+    double getFirstTime() const { return points().front().time; }
+    double getLastTime() const { return points().back().time; }
+
+    /// Points that were moved so far to sort others in: the work that times going back cost.
+    uint64_t getMoved() const { return m_moved; }
 
 private:
+    const std::vector<PlotPoint>& points() const;
+    void sortIn() const;
+    void findGaps(size_t first, double last) const;
     size_t firstAt(double time) const;
     bool isGap(const PlotPoint& before, const PlotPoint& after) const;
     bool isTooLong(double step) const;
     void countStep(double step);
 
     QString m_name;
-    std::vector<PlotPoint> m_points;
-    std::vector<double> m_gapEnds; ///< times of the first points after a gap
+    mutable std::vector<PlotPoint> m_points;
+    mutable std::vector<PlotPoint> m_late; ///< not sorted in yet, as they came
+    mutable std::vector<double> m_gapEnds; ///< times of the first points after a gap
+    mutable uint64_t m_moved = 0;
     unsigned m_thinning = 1;
     double m_usualStep = 0; ///< interval of most points
     int m_votes = 0;        ///< for the usual step, by majority

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <bitset>
-#include <exception>
 #include <map>
 #include <utility>
 
@@ -89,7 +88,9 @@ private:
         TimelineRow row;
         row.name = name;
         row.count = type.count;
-        if (const std::optional<uint64_t> usual = type.intervals.getUsual(); usual && *usual > 0) {
+        constexpr uint64_t fewest = 3; // two have a single interval, which is no habit
+        const std::optional<uint64_t> usual = type.intervals.getUsual();
+        if (usual && *usual > 0 && type.count >= fewest) {
             row.interval = static_cast<double>(*usual);
             for (const Intervals::Gap& gap : type.intervals.getGaps(*usual, Timeline::mostFaults)) {
                 const auto from = static_cast<double>(gap.after);
@@ -174,41 +175,27 @@ std::shared_ptr<const TimelineData> readTimeline(const MessageLog& log, const Ta
     return gatherer.finish();
 }
 
-Timeline::Timeline(QObject* parent) : QObject(parent), m_data(std::make_shared<TimelineData>()) {}
+Timeline::Timeline(QObject* parent) : LogReading(parent), m_data(std::make_shared<TimelineData>())
+{
+}
 
 Timeline::~Timeline() = default;
 
-void Timeline::setLog(std::shared_ptr<const MessageLog> log)
+void Timeline::setLog(std::shared_ptr<const MessageLog> log, bool isContinued)
 {
-    m_tasks.cancel();
-    m_isReading = log != nullptr;
-    if (!log)
+    if (!isContinued)
         m_data = std::make_shared<TimelineData>();
-    Q_EMIT changed();
-    if (!log)
+    if (!log) {
+        stop();
         return;
-    m_tasks.run([this, log = std::move(log)](const TaskToken& token) {
-        std::shared_ptr<const TimelineData> data;
-        QString reason;
-        try {
-            data = readTimeline(*log, token);
-        } catch (const std::exception& error) {
-            reason = QString::fromUtf8(error.what());
-        }
-        QMetaObject::invokeMethod(
-            this,
-            [this, data, reason, token] {
-                if (token.isCancelled())
-                    return;
-                m_isReading = false;
-                if (data)
-                    m_data = data;
-                Q_EMIT changed();
-                if (!reason.isEmpty())
-                    Q_EMIT failed(reason);
-            },
-            Qt::QueuedConnection);
-    });
+    }
+    start([log = std::move(log)](const TaskToken& token) { return readTimeline(*log, token); },
+          isContinued);
+}
+
+void Timeline::take(const Result& result)
+{
+    m_data = std::static_pointer_cast<const TimelineData>(result);
 }
 
 } // namespace tqx::view

@@ -1,9 +1,8 @@
 #pragma once
 
+#include "model/LogReading.h"
 #include "model/MessageLog.h"
-#include "model/TaskQueue.h"
 
-#include <QObject>
 #include <QString>
 
 #include <cstdint>
@@ -48,7 +47,7 @@ struct TimelineData {
 };
 
 /// Finds outages and damage in a log, in another thread and in bounded memory.
-class Timeline : public QObject
+class Timeline : public LogReading
 {
     Q_OBJECT
 
@@ -56,23 +55,20 @@ public:
     explicit Timeline(QObject* parent = nullptr);
     ~Timeline() override;
 
-    /// Starts reading another log; changed() follows when it has been read.
-    void setLog(std::shared_ptr<const MessageLog> log);
+    /// Starts reading another log, or none; changed() follows when it has been read. With
+    /// `isContinued`, what is known of the log so far is kept meanwhile.
+    void setLog(std::shared_ptr<const MessageLog> log, bool isContinued = false);
 
     const TimelineData& getData() const { return *m_data; }
-    bool isReading() const { return m_isReading; }
 
     static constexpr size_t mostFaults = 2000;
     static constexpr size_t bins = 2048;
 
-Q_SIGNALS:
-    void changed();
-    void failed(const QString& reason);
+protected:
+    void take(const Result& result) override;
 
 private:
     std::shared_ptr<const TimelineData> m_data;
-    bool m_isReading = false;
-    TaskQueue m_tasks;
 };
 
 /// Does the work of Timeline in the calling thread; null when the token is cancelled.

@@ -21,6 +21,7 @@ public:
 
     /// Marks a range and scrolls it into view; a size of 0 marks nothing.
     void mark(uint32_t offset, uint32_t size);
+    uint64_t getOffset() const { return m_start; } ///< of the first byte
     uint32_t getMarkedOffset() const { return m_markOffset; }
     uint32_t getMarkedSize() const { return m_markSize; }
 

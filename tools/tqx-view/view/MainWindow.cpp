@@ -78,10 +78,11 @@ MainWindow::MainWindow()
                 m_plots->add(expression, identity);
                 m_tabs->setCurrentWidget(m_plots);
             });
-    connect(m_plots, &PlotPage::failed, this,
-            [this](const QString& reason) { showState(reason, true); });
-    connect(m_timeline, &TimelinePage::failed, this,
-            [this](const QString& reason) { showState(reason, true); });
+    for (const ExportPage* page :
+         std::initializer_list<const ExportPage*>{m_plots, m_timeline, m_sky, m_track}) {
+        connect(page, &ExportPage::failed, this,
+                [this](const QString& reason) { showState(reason, true); });
+    }
     connect(m_timeline, &TimelinePage::timeWanted, this, [this](qlonglong time) {
         m_tabs->setCurrentWidget(m_messages);
         m_messages->goToTime(time);
@@ -92,7 +93,11 @@ MainWindow::MainWindow()
     });
     connect(&m_survey, &GnssSurvey::failed, this,
             [this](const QString& reason) { showState(reason, true); });
-    connect(m_tabs, &QTabWidget::currentChanged, this, &MainWindow::surveyIfShown);
+    connect(m_tabs, &QTabWidget::currentChanged, this, [this] {
+        surveyIfShown();
+        m_export->setEnabled(qobject_cast<ExportPage*>(m_tabs->currentWidget()) != nullptr);
+    });
+    m_export->setEnabled(false); // the first page has nothing to export
     logOpened(false);
 }
 
@@ -109,7 +114,7 @@ void MainWindow::surveyIfShown()
     if (!isShown || m_isSurveyed)
         return;
     m_isSurveyed = true;
-    m_survey.setLog(m_document.getTqxLog());
+    m_survey.setLog(m_document.getTqxLog(), true); // another log has been cleared away
 }
 
 void MainWindow::makeMenus()
@@ -135,6 +140,8 @@ void MainWindow::makeFileMenu()
         m_document.setFollowing(isOn);
         m_messages->setStickingToEnd(isOn);
     });
+    m_export =
+        file->addAction(tr("&Export…"), this, &MainWindow::exportPage, QKeySequence("Ctrl+E"));
     m_close = file->addAction(tr("&Close"), &m_document, &LogDocument::close, QKeySequence::Close);
     file->addSeparator();
     file->addAction(tr("&Quit"), this, &QWidget::close, QKeySequence::Quit);
@@ -190,7 +197,7 @@ void MainWindow::logOpened(bool isContinued)
     m_progress->hide();
     m_messages->setLog(log, isContinued);
     m_plots->setLog(log, isContinued);
-    m_timeline->setLog(log);
+    m_timeline->setLog(log, isContinued);
     m_isSurveyed = log == nullptr;
     if (!isContinued)
         m_survey.setLog(nullptr);
@@ -235,6 +242,12 @@ void MainWindow::chooseFiles()
     open(paths);
 }
 
+void MainWindow::exportPage()
+{
+    if (auto* page = qobject_cast<ExportPage*>(m_tabs->currentWidget()))
+        page->chooseExport();
+}
+
 void MainWindow::goTo()
 {
     const std::shared_ptr<const MessageLog> log = m_document.getLog();
@@ -254,7 +267,7 @@ void MainWindow::goTo()
         if (isNumber) {
             m_messages->goToOffset(offset);
         } else {
-            showState(tr("%1 is no offset").arg(text), true);
+            showState(tr("%1 is not an offset").arg(text), true);
         }
         return;
     }

@@ -63,6 +63,7 @@ private:
     void logOpened(bool isContinued);
     void surveyIfShown();
     void chooseFiles();
+    void exportPage();
     void goTo();
     void about();
     void addRecent(const QStringList& paths);
@@ -82,6 +83,7 @@ private:
     QProgressBar* m_progress;
     QMenu* m_recent = nullptr;
     QAction* m_follow = nullptr;
+    QAction* m_export = nullptr;
     QAction* m_close = nullptr;
     QAction* m_goTo = nullptr;
 };

@@ -72,7 +72,12 @@ MessagePage::MessagePage(QWidget* parent)
     m_columns->addWidget(m_details);
     m_columns->setStretchFactor(1, 3);
     m_columns->setStretchFactor(2, 3);
-    m_columns->setSizes({190, 540, 640});
+    // For the longest names of types and whole times, whatever the font.
+    const QFontMetrics metrics = fontMetrics();
+    const int types = metrics.horizontalAdvance("PVTGeodetic2Extra 10,000,000");
+    const int list = metrics.horizontalAdvance(
+        "2026-01-06 12:00:00.000 PVTGeodetic2Extra 65,535 10,000,000,000");
+    m_columns->setSizes({types, list, types + list});
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(6, 6, 6, 6);
     layout->addWidget(m_filterBar);
@@ -142,11 +147,13 @@ void MessagePage::setStickingToEnd(bool isSticking)
 
 void MessagePage::goToTime(int64_t time)
 {
+    m_table->setFocus();
     m_rows.findTime(time);
 }
 
 void MessagePage::goToOffset(uint64_t offset)
 {
+    m_table->setFocus();
     m_rows.findOffset(offset);
 }
 

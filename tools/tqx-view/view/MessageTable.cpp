@@ -39,7 +39,7 @@ MessageTable::MessageTable(MessageRows& rows, QWidget* parent)
     m_header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     const QFontMetrics metrics = fontMetrics();
     m_header->resizeSection(Time,
-                            metrics.horizontalAdvance("2026-01-06 12:00:00.000") + 2 * padding);
+                            metrics.horizontalAdvance("2026-01-06 12:00:00.000") + 3 * padding);
     m_header->resizeSection(Type, metrics.horizontalAdvance("PVTGeodetic2Extra") + 2 * padding);
     m_header->resizeSection(Size, metrics.horizontalAdvance("65,535") + 3 * padding);
     m_header->resizeSection(Offset, metrics.horizontalAdvance("10,000,000,000") + 2 * padding);
@@ -56,7 +56,17 @@ MessageTable::MessageTable(MessageRows& rows, QWidget* parent)
         viewport()->update();
         reportSelected();
     });
-    connect(&m_rows, &MessageRows::found, this, [this](qulonglong row) { select(row); });
+    connect(&m_rows, &MessageRows::found, this, &MessageTable::selectFound);
+}
+
+/// In the middle, unless it is in view already: what is around it is of interest, too.
+void MessageTable::selectFound(qulonglong row)
+{
+    const auto first = static_cast<qulonglong>(verticalScrollBar()->value());
+    const auto visible = static_cast<qulonglong>(std::max(visibleRows(), 1));
+    if (row < first || row >= first + visible)
+        verticalScrollBar()->setValue(static_cast<int>(row - std::min(row, visible / 2)));
+    select(row);
 }
 
 void MessageTable::setEmptyText(const QString& text)

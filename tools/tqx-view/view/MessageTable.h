@@ -57,6 +57,7 @@ private:
     int visibleRows() const;
     void updateScrollBars();
     void rowsChanged(bool fromScratch);
+    void selectFound(qulonglong row);
     void reportSelected();
     QString textOf(const MessageEntry& entry, int column) const;
 

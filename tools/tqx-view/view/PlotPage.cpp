@@ -4,19 +4,15 @@
 #include "view/PlotPanel.h"
 
 #include <QCompleter>
-#include <QFile>
-#include <QFileDialog>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
 #include <QPushButton>
-#include <QSaveFile>
 #include <QSettings>
 #include <QSplitter>
 #include <QStringListModel>
-#include <QSvgGenerator>
 #include <QTextStream>
 #include <QVBoxLayout>
 
@@ -25,18 +21,8 @@
 namespace tqx::view
 {
 
-namespace
-{
-
-QString csvCell(QString text)
-{
-    return text.contains(',') || text.contains('"') ? '"' + text.replace('"', "\"\"") + '"' : text;
-}
-
-} // namespace
-
 PlotPage::PlotPage(QWidget* parent)
-    : QWidget(parent), m_name(new QLineEdit(this)), m_names(new QStringListModel(this)),
+    : ExportPage(parent), m_name(new QLineEdit(this)), m_names(new QStringListModel(this)),
       m_time(new QLabel(this)), m_stack(new QSplitter(Qt::Vertical, this))
 {
     setFocusPolicy(Qt::StrongFocus);
@@ -51,14 +37,13 @@ PlotPage::PlotPage(QWidget* parent)
     auto* label = new QLabel(tr("&Add a field"), this);
     label->setBuddy(m_name);
     auto* whole = new QPushButton(tr("Show &All"), this);
-    auto* exporting = new QPushButton(tr("&Export…"), this);
     m_time->setTextInteractionFlags(Qt::NoTextInteraction);
     auto* bar = new QHBoxLayout;
     bar->addWidget(label);
     bar->addWidget(m_name, 1);
     bar->addWidget(m_time, 1);
     bar->addWidget(whole);
-    bar->addWidget(exporting);
+    bar->addWidget(makeExportButton());
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(6, 6, 6, 6);
     layout->addLayout(bar);
@@ -68,8 +53,7 @@ PlotPage::PlotPage(QWidget* parent)
     layout->addStretch(0);
     m_time->setAlignment(Qt::AlignCenter);
     connect(m_name, &QLineEdit::returnPressed, this, &PlotPage::addTyped);
-    connect(whole, &QPushButton::clicked, this, &PlotPage::showWhole);
-    connect(exporting, &QPushButton::clicked, this, &PlotPage::chooseExport);
+    connect(whole, &QPushButton::clicked, this, &PlotPage::showAll);
 }
 
 PlotPage::~PlotPage()
@@ -80,13 +64,14 @@ PlotPage::~PlotPage()
 
 void PlotPage::setLog(const std::shared_ptr<const MessageLog>& log, bool isContinued)
 {
+    const size_t typesBefore = m_log ? m_log->getTypes().size() : 0;
     m_log = log;
-    QStringList names;
-    if (log) {
-        for (const QString& expression : plottableFields(*log))
-            names += expression.section(':', 1);
-    }
-    if (!isContinued) {
+    if (!isContinued || log->getTypes().size() != typesBefore) {
+        QStringList names;
+        if (log) {
+            for (const QString& expression : plottableFields(*log))
+                names += expression.section(':', 1);
+        }
         m_names->setStringList(names);
         m_name->setPlaceholderText(names.isEmpty() ? tr("type and field")
                                                    : tr("type and field, as %1").arg(names.last()));
@@ -107,7 +92,7 @@ void PlotPage::add(const QString& expression, const QString& choice)
     connect(panel, &PlotPanel::closeWanted, this, [this, panel] { remove(panel); });
     connect(panel, &PlotPanel::changed, this, &PlotPage::panelChanged);
     connect(panel, &PlotPanel::rangeWanted, this, &PlotPage::setRange);
-    connect(panel, &PlotPanel::wholeWanted, this, &PlotPage::showWhole);
+    connect(panel, &PlotPanel::wholeWanted, this, &PlotPage::showAll);
     connect(panel, &PlotPanel::cursorMoved, this, &PlotPage::showCursor);
     connect(panel, &PlotPanel::cursorLeft, this, &PlotPage::hideCursor);
     connect(panel, &PlotPanel::failed, this, &PlotPage::failed);
@@ -186,6 +171,13 @@ void PlotPage::showWhole()
     m_isWhole = true;
 }
 
+void PlotPage::showAll()
+{
+    for (PlotPanel* panel : m_panels)
+        panel->showAllValues();
+    showWhole();
+}
+
 void PlotPage::showCursor(double time)
 {
     for (PlotPanel* panel : m_panels)
@@ -233,7 +225,7 @@ void PlotPage::keyPressEvent(QKeyEvent* event)
         break;
     case Qt::Key_0:
     case Qt::Key_Home:
-        showWhole();
+        showAll();
         break;
     default:
         QWidget::keyPressEvent(event);
@@ -251,57 +243,29 @@ void PlotPage::paintEvent(QPaintEvent*)
                          : tr("Open a log to plot its fields."));
 }
 
-void PlotPage::renderAll(QPainter& painter, const QSizeF& size)
+void PlotPage::renderAll(QPainter& painter, const QRectF& area)
 {
-    const double height = size.height() / static_cast<double>(m_panels.size());
+    const double height = area.height() / static_cast<double>(m_panels.size());
     for (size_t i = 0; i < m_panels.size(); ++i) {
-        const QRectF area(0, height * static_cast<double>(i), size.width(), height);
-        m_panels[i]->render(painter, area.adjusted(8, 8, -8, -8));
+        const QRectF part(0, height * static_cast<double>(i), area.width(), height);
+        m_panels[i]->render(painter, part.adjusted(8, 8, -8, -8));
     }
 }
 
-bool PlotPage::exportTo(const QString& path)
+std::optional<Exported> PlotPage::getExported()
 {
-    if (m_panels.empty())
-        return false;
-    return path.endsWith(".csv", Qt::CaseInsensitive) ? exportTable(path) : exportPicture(path);
-}
-
-bool PlotPage::exportPicture(const QString& path)
-{
+    if (m_panels.empty() || !m_log)
+        return std::nullopt;
     const QSize size(std::max(m_stack->width(), 600),
                      std::max(m_stack->height(), 240 * static_cast<int>(m_panels.size())));
-    if (path.endsWith(".svg", Qt::CaseInsensitive)) {
-        QSaveFile file(path);
-        if (!file.open(QIODevice::WriteOnly))
-            return false;
-        QSvgGenerator generator;
-        generator.setOutputDevice(&file);
-        generator.setSize(size);
-        generator.setViewBox(QRect({0, 0}, size));
-        generator.setTitle(tr("Plots of %1").arg(m_log ? m_log->getName() : QString()));
-        QPainter painter(&generator);
-        painter.fillRect(QRect({0, 0}, size), palette().base());
-        renderAll(painter, size);
-        painter.end();
-        return file.commit();
-    }
-    QImage image(size * 2, QImage::Format_RGB32); // sharp on paper
-    image.setDevicePixelRatio(2);
-    image.fill(palette().color(QPalette::Base));
-    QPainter painter(&image);
-    renderAll(painter, size);
-    painter.end();
-    return image.save(path);
+    return Exported{tr("Plots of %1").arg(m_log->getName()), size,
+                    [this](QPainter& painter, const QRectF& area) { renderAll(painter, area); },
+                    [this](QTextStream& out) { writeTable(out); }};
 }
 
-bool PlotPage::exportTable(const QString& path)
+/// The points within the times shown.
+void PlotPage::writeTable(QTextStream& out) const
 {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || !m_log)
-        return false;
-    QTextStream out(&file);
-    out.setCodec("UTF-8");
     out << "time,field,series,value,unit\n";
     for (const PlotPanel* panel : m_panels) {
         const QString field = csvCell(panel->getField().getExpression());
@@ -318,19 +282,6 @@ bool PlotPage::exportTable(const QString& path)
             }
         }
     }
-    out.flush();
-    return file.commit();
-}
-
-void PlotPage::chooseExport()
-{
-    if (m_panels.empty())
-        return;
-    const QString path =
-        QFileDialog::getSaveFileName(this, tr("Export Plots"), "plots.png",
-                                     tr("Picture (*.png);;Drawing (*.svg);;Values (*.csv)"));
-    if (!path.isEmpty() && !exportTo(path))
-        Q_EMIT failed(tr("%1 cannot be written").arg(path));
 }
 
 void PlotPage::save(QSettings& settings) const

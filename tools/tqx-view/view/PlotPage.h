@@ -1,8 +1,7 @@
 #pragma once
 
 #include "model/MessageLog.h"
-
-#include <QWidget>
+#include "view/ExportPage.h"
 
 #include <memory>
 #include <vector>
@@ -19,7 +18,7 @@ namespace tqx::view
 class PlotPanel;
 
 /// Plots of fields, one below the other over the same times.
-class PlotPage : public QWidget
+class PlotPage : public ExportPage
 {
     Q_OBJECT
 
@@ -35,40 +34,38 @@ public:
     /// The times shown, in milliseconds on the log's time scale.
     void setRange(double from, double to);
     void showWhole();
+
+    /// All times and values, whatever was chosen before.
+    void showAll();
     double getFrom() const { return m_from; }
     double getTo() const { return m_to; }
 
     const std::vector<PlotPanel*>& getPanels() const { return m_panels; }
 
-    /// Writes the plots as they are, or the points within the times shown, by the ending of the
-    /// name: .png, .svg or .csv. False when the file cannot be written.
-    bool exportTo(const QString& path);
-
     void save(QSettings& settings) const;
     void restore(const QSettings& settings);
 
 Q_SIGNALS:
-    void failed(const QString& reason);
     /// The messages at a time are to be shown.
     void timeWanted(qlonglong time);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    std::optional<Exported> getExported() override;
+    QString getFileName() const override { return "plots"; }
 
 private:
     void addTyped();
     void remove(PlotPanel* panel);
-    void chooseExport();
     void showCursor(double time);
     void hideCursor();
     void panelChanged();
     void arrange();
     void move(double share);
     void zoom(double factor);
-    bool exportPicture(const QString& path);
-    bool exportTable(const QString& path);
-    void renderAll(QPainter& painter, const QSizeF& size);
+    void renderAll(QPainter& painter, const QRectF& area);
+    void writeTable(QTextStream& out) const;
 
     std::shared_ptr<const MessageLog> m_log;
     std::vector<PlotPanel*> m_panels;

@@ -1,6 +1,7 @@
 #include "view/PlotPanel.h"
 
 #include "view/Colours.h"
+#include "view/ExportPage.h"
 #include "view/SeriesCurve.h"
 #include "view/TimeAxis.h"
 
@@ -10,6 +11,7 @@
 #include <QLabel>
 #include <QLocale>
 #include <QMouseEvent>
+#include <QRubberBand>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -18,7 +20,6 @@
 #include <qwt_plot_grid.h>
 #include <qwt_plot_layout.h>
 #include <qwt_plot_marker.h>
-#include <qwt_plot_renderer.h>
 #include <qwt_scale_widget.h>
 
 #include <algorithm>
@@ -87,7 +88,7 @@ PlotPanel::PlotPanel(const QString& expression, QString choice, QWidget* parent)
     canvas->setMouseTracking(true);
     canvas->setCursor(Qt::CrossCursor);
     canvas->installEventFilter(this);
-    canvas->setToolTip({});
+    m_band = new QRubberBand(QRubberBand::Rectangle, canvas);
 
     connect(m_choices, qOverload<int>(&QComboBox::activated), this, [this](int index) {
         m_choice = m_choices->itemData(index).toString();
@@ -268,11 +269,9 @@ void PlotPanel::clearCursor()
 
 void PlotPanel::render(QPainter& painter, const QRectF& area)
 {
-    QwtPlotRenderer renderer;
-    renderer.setDiscardFlags(QwtPlotRenderer::DiscardBackground);
     m_plot->setTitle(m_choice.isEmpty() ? m_field.getTitle()
                                         : m_field.getTitle() + "  " + m_choice);
-    renderer.render(m_plot, &painter, area);
+    renderPlot(*m_plot, painter, area);
     m_plot->setTitle(QString());
 }
 
@@ -291,6 +290,32 @@ void PlotPanel::zoomValues(double factor)
     m_plot->replot();
 }
 
+/// From where it was begun; over the whole height as long as it is nearly level.
+QRect PlotPanel::bandTo(const QPoint& place) const
+{
+    constexpr int level = 12; // pixels
+    const QRect canvas = m_plot->canvas()->rect();
+    QRect band = QRect(m_bandStart, place).normalized();
+    if (band.height() < level) {
+        band.setTop(canvas.top());
+        band.setBottom(canvas.bottom());
+    }
+    return band & canvas;
+}
+
+void PlotPanel::zoomTo(const QRect& band)
+{
+    constexpr int stillAClick = 4; // pixels
+    if (band.width() < stillAClick)
+        return;
+    if (band.height() < m_plot->canvas()->height()) {
+        m_isValueRangeSet = true;
+        m_plot->setAxisScale(QwtPlot::yLeft, m_plot->invTransform(QwtPlot::yLeft, band.bottom()),
+                             m_plot->invTransform(QwtPlot::yLeft, band.top()));
+    }
+    Q_EMIT rangeWanted(timeAt(band.left()), timeAt(band.right()));
+}
+
 bool PlotPanel::eventFilter(QObject* watched, QEvent* event)
 {
     switch (event->type()) {
@@ -307,13 +332,22 @@ bool PlotPanel::eventFilter(QObject* watched, QEvent* event)
     }
     case QEvent::MouseButtonPress: {
         const auto* mouse = static_cast<QMouseEvent*>(event);
-        m_isDragging = mouse->button() == Qt::LeftButton;
+        const bool isLeft = mouse->button() == Qt::LeftButton;
+        const bool isShifted = (mouse->modifiers() & Qt::ShiftModifier) != 0;
+        m_isDragging = isLeft && !isShifted;
         m_dragTime = timeAt(mouse->pos().x());
+        m_bandStart = mouse->pos();
+        if (mouse->button() == Qt::RightButton || (isLeft && isShifted))
+            m_band->show();
+        m_band->setGeometry(bandTo(m_bandStart));
         return true;
     }
     case QEvent::MouseMove: {
-        const double time = timeAt(static_cast<QMouseEvent*>(event)->pos().x());
-        if (m_isDragging) {
+        const QPoint place = static_cast<QMouseEvent*>(event)->pos();
+        const double time = timeAt(place.x());
+        if (m_band->isVisible()) {
+            m_band->setGeometry(bandTo(place));
+        } else if (m_isDragging) {
             const double step = m_dragTime - time;
             Q_EMIT rangeWanted(m_from + step, m_to + step);
         } else {
@@ -323,9 +357,12 @@ bool PlotPanel::eventFilter(QObject* watched, QEvent* event)
     }
     case QEvent::MouseButtonRelease:
         m_isDragging = false;
+        if (m_band->isVisible()) {
+            m_band->hide();
+            zoomTo(bandTo(static_cast<QMouseEvent*>(event)->pos()));
+        }
         return true;
     case QEvent::MouseButtonDblClick:
-        m_isValueRangeSet = false;
         Q_EMIT wholeWanted();
         return true;
     case QEvent::Leave:

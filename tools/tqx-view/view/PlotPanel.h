@@ -2,6 +2,7 @@
 
 #include "model/PlotField.h"
 
+#include <QPoint>
 #include <QTimer>
 #include <QWidget>
 
@@ -11,6 +12,7 @@
 class QComboBox;
 class QLabel;
 class QPainter;
+class QRubberBand;
 class QwtPlot;
 class QwtPlotMarker;
 
@@ -40,6 +42,9 @@ public:
 
     /// The times shown, in milliseconds on the log's time scale.
     void setRange(double from, double to);
+
+    /// Lets the values shown follow the points again.
+    void showAllValues() { m_isValueRangeSet = false; }
 
     /// Whether the labels of the time axis are shown.
     void setTimeAxisVisible(bool isVisible);
@@ -82,6 +87,8 @@ private:
     void updateCurves();
     void applyColours();
     void zoomValues(double factor);
+    QRect bandTo(const QPoint& place) const;
+    void zoomTo(const QRect& band);
     double timeAt(int x) const;
 
     PlotField m_field;
@@ -98,6 +105,8 @@ private:
     bool m_isValueRangeSet = false; ///< by the user, so that it does not follow the points
     double m_dragTime = 0;
     bool m_isDragging = false;
+    QRubberBand* m_band; ///< around what to zoom to
+    QPoint m_bandStart;
     QTimer m_updates; ///< so that fast updates do not keep the window busy
 };
 

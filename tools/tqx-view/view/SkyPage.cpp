@@ -8,11 +8,15 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPainter>
+#include <QPushButton>
 #include <QSlider>
 #include <QSplitter>
+#include <QTextStream>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <map>
 
 namespace tqx::view
 {
@@ -22,12 +26,17 @@ namespace
 
 constexpr double calendarShift = 315'964'800'000; // from GNSS time to 1970, in milliseconds
 
+QString epochText(double time)
+{
+    return QString::fromStdString(dateText(static_cast<GnssMillis>(time))).replace('T', ' ');
+}
+
 } // namespace
 
 SkyPage::SkyPage(const GnssSurvey& survey, QWidget* parent)
-    : QWidget(parent), m_survey(survey), m_sky(new SkyPlot(this)), m_bars(new StrengthBars(this)),
-      m_visibility(new SpanPlot(this)), m_slider(new QSlider(Qt::Horizontal, this)),
-      m_time(new QLabel(this))
+    : ExportPage(parent), m_survey(survey), m_sky(new SkyPlot(this)),
+      m_bars(new StrengthBars(this)), m_visibility(new SpanPlot(this)),
+      m_slider(new QSlider(Qt::Horizontal, this)), m_time(new QLabel(this))
 {
     auto* label = new QLabel(tr("Ti&me"), this);
     label->setBuddy(m_slider);
@@ -35,6 +44,7 @@ SkyPage::SkyPage(const GnssSurvey& survey, QWidget* parent)
     bar->addWidget(label);
     bar->addWidget(m_slider, 1);
     bar->addWidget(m_time);
+    bar->addWidget(makeExportButton());
     m_slider->setAccessibleName(tr("Time"));
     auto* upper = new QSplitter(Qt::Horizontal, this);
     upper->addWidget(m_sky);
@@ -119,8 +129,62 @@ void SkyPage::showEpoch(int place)
     m_bars->setEpoch(&epoch);
     m_sky->setTime(epoch.time);
     m_visibility->setCursor(epoch.time);
-    QString text = QString::fromStdString(dateText(static_cast<GnssMillis>(epoch.time)));
-    m_time->setText(tr("%1 GPS").arg(text.replace('T', ' ')));
+    m_time->setText(tr("%1 GPS").arg(epochText(epoch.time)));
+}
+
+std::optional<Exported> SkyPage::getExported()
+{
+    const GnssData& known = m_survey.getData();
+    if (known.strengths.empty() && known.directions.empty())
+        return std::nullopt;
+    return Exported{tr("Satellites at %1").arg(m_time->text()), size(),
+                    [this](QPainter& painter, const QRectF& area) { paintAll(painter, area); },
+                    [this](QTextStream& out) { writeTable(out); }};
+}
+
+/// As in the window, with the time in place of the slider.
+void SkyPage::paintAll(QPainter& painter, const QRectF& area) const
+{
+    constexpr double edge = 8;
+    const double head = 2.0 * fontMetrics().height();
+    painter.setFont(font());
+    painter.setPen(palette().color(QPalette::WindowText));
+    painter.drawText(QRectF(0, 0, area.width(), head), Qt::AlignCenter, m_time->text());
+    const double half = head + (area.height() - head) * 0.58;
+    const QRectF sky(edge, head, std::min(half - head, area.width() / 2), half - head);
+    m_sky->paint(painter, sky);
+    const QRectF bars(QPointF(sky.right() + edge, head), QPointF(area.right() - edge, half));
+    renderPlot(m_bars->getPlot(), painter, bars);
+    const QRectF below(QPointF(edge, half + edge), QPointF(area.right() - edge, area.bottom() - 4));
+    renderPlot(m_visibility->getPlot(), painter, below);
+}
+
+/// The strengths of all epochs that are kept, with where their satellites are.
+void SkyPage::writeTable(QTextStream& out) const
+{
+    const GnssData& known = m_survey.getData();
+    out << "time,satellite,signal,cn0,azimuth,elevation\n";
+    size_t next = 0;
+    std::map<SatelliteId, Direction> directions;
+    for (const SkyEpoch& epoch : known.strengths) {
+        for (; next < known.directions.size() && known.directions[next].time <= epoch.time;
+             ++next) {
+            directions.clear();
+            for (const Direction& direction : known.directions[next].directions)
+                directions.emplace(direction.satellite, direction);
+        }
+        const QString time = epochText(epoch.time);
+        for (const SignalStrength& signal : epoch.signals) {
+            out << time << ',' << QString::fromStdString(signal.satellite.text()) << ','
+                << signal.code.band << signal.code.attribute << ',' << signal.cn0 << ',';
+            const auto seen = directions.find(signal.satellite);
+            if (seen == directions.end()) {
+                out << ",\n";
+            } else {
+                out << seen->second.azimuth << ',' << seen->second.elevation << '\n';
+            }
+        }
+    }
 }
 
 } // namespace tqx::view

@@ -2,7 +2,7 @@
 
 #include "model/GnssSurvey.h"
 
-#include <QWidget>
+#include "view/ExportPage.h"
 
 class QLabel;
 class QSlider;
@@ -15,7 +15,7 @@ class SpanPlot;
 class StrengthBars;
 
 /// Satellites: where they are, how strong their signals are, and when each was tracked.
-class SkyPage : public QWidget
+class SkyPage : public ExportPage
 {
     Q_OBJECT
 
@@ -31,7 +31,13 @@ public:
     /// Whether a log is open, which decides what an empty page says.
     void setHasLog(bool hasLog);
 
+protected:
+    std::optional<Exported> getExported() override;
+    QString getFileName() const override { return "satellites"; }
+
 private:
+    void paintAll(QPainter& painter, const QRectF& area) const;
+    void writeTable(QTextStream& out) const;
     void showData();
     void showEpoch(int place);
 

@@ -24,6 +24,9 @@ public:
 
     void setEmptyText(const QString& text);
 
+    /// Draws what is shown into an area.
+    void paint(QPainter& painter, const QRectF& area) const;
+
     QSize sizeHint() const override { return {420, 420}; }
     QSize minimumSizeHint() const override { return {200, 200}; }
 
@@ -31,12 +34,16 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void paintGrid(QPainter& painter) const;
-    void paintWays(QPainter& painter, size_t current) const;
-    void paintSatellites(QPainter& painter, const DirectionEpoch& epoch) const;
-    QPointF placeOf(const Direction& direction) const;
-    QPointF centre() const;
-    double radius() const;
+    /// The circle of the horizon.
+    struct Horizon {
+        QPointF centre;
+        double radius;
+    };
+
+    void paintGrid(QPainter& painter, const Horizon& horizon) const;
+    void paintWays(QPainter& painter, const Horizon& horizon, size_t current) const;
+    void paintSatellites(QPainter& painter, const Horizon& horizon, const QRectF& area,
+                         const DirectionEpoch& epoch) const;
 
     const std::vector<DirectionEpoch>* m_epochs = nullptr;
     double m_time = 0;

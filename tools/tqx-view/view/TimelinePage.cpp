@@ -2,10 +2,13 @@
 
 #include "view/SpanPlot.h"
 
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLocale>
+#include <QPushButton>
 #include <QSplitter>
+#include <QTextStream>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -34,7 +37,7 @@ QString durationText(double millis)
 } // namespace
 
 TimelinePage::TimelinePage(QWidget* parent)
-    : QWidget(parent), m_summary(new QLabel(this)), m_plot(new SpanPlot(this)),
+    : ExportPage(parent), m_summary(new QLabel(this)), m_plot(new SpanPlot(this)),
       m_faults(new QTreeWidget(this))
 {
     m_faults->setColumnCount(columnCount);
@@ -57,7 +60,10 @@ TimelinePage::TimelinePage(QWidget* parent)
     splitter->setSizes({540, 200});
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(6, 6, 6, 6);
-    layout->addWidget(m_summary);
+    auto* bar = new QHBoxLayout;
+    bar->addWidget(m_summary, 1);
+    bar->addWidget(makeExportButton());
+    layout->addLayout(bar);
     layout->addWidget(splitter, 1);
     m_plot->setToolTip(tr("Ctrl and the wheel zoom, dragging moves, a click shows the messages"));
     connect(&m_timeline, &Timeline::changed, this, &TimelinePage::showData);
@@ -70,23 +76,29 @@ TimelinePage::TimelinePage(QWidget* parent)
 
 TimelinePage::~TimelinePage() = default;
 
-void TimelinePage::setLog(const std::shared_ptr<const MessageLog>& log)
+void TimelinePage::setLog(const std::shared_ptr<const MessageLog>& log, bool isContinued)
 {
     m_log = log;
     m_isRead = log == nullptr;
-    if (!log || isVisible())
-        m_timeline.setLog(log);
-    m_isRead = m_isRead || isVisible();
+    if (!isContinued)
+        m_timeline.setLog(nullptr);
+    if (isVisible())
+        readIfNeeded();
     showData();
+}
+
+void TimelinePage::readIfNeeded()
+{
+    if (m_isRead)
+        return;
+    m_isRead = true;
+    m_timeline.setLog(m_log, true); // another log has been cleared away
 }
 
 void TimelinePage::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
-    if (m_isRead)
-        return;
-    m_isRead = true;
-    m_timeline.setLog(m_log);
+    readIfNeeded();
 }
 
 void TimelinePage::showData()
@@ -160,9 +172,33 @@ void TimelinePage::showFaults()
     QString text = tr("Outages: %1, damaged places: %2").arg(outages).arg(damages);
     if (read.hasMoreFaults)
         text += tr(", and more that are not listed");
-    const bool isKnown = m_log && !m_timeline.isReading() && !read.rows.empty();
+    const bool isKnown = m_log && !read.rows.empty();
     m_summary->setText(isKnown ? text : QString());
     m_faults->setVisible(isKnown);
+}
+
+std::optional<Exported> TimelinePage::getExported()
+{
+    if (!m_log || m_timeline.getData().rows.empty())
+        return std::nullopt;
+    return Exported{tr("Outages and damage of %1").arg(m_log->getName()), m_plot->size(),
+                    [this](QPainter& painter, const QRectF& area) {
+                        renderPlot(m_plot->getPlot(), painter, area.adjusted(8, 8, -8, -8));
+                    },
+                    [this](QTextStream& out) { writeTable(out); }};
+}
+
+void TimelinePage::writeTable(QTextStream& out) const
+{
+    out << "time,seconds,kind,type,offset,details\n";
+    for (const TimelineFault& fault : m_timeline.getData().faults) {
+        const bool isDamage = fault.kind == TimelineFault::Kind::Damage;
+        out << m_log->timeText(static_cast<int64_t>(fault.time), false) << ','
+            << (isDamage ? QString() : QString::number(fault.duration / 1000, 'f', 3)) << ','
+            << (isDamage ? "damage" : "outage") << ',' << csvCell(fault.type) << ','
+            << (isDamage ? QString::number(fault.offset) : QString()) << ',' << csvCell(fault.text)
+            << '\n';
+    }
 }
 
 void TimelinePage::chooseFault(QTreeWidgetItem* item)

@@ -2,7 +2,7 @@
 
 #include "model/Timeline.h"
 
-#include <QWidget>
+#include "view/ExportPage.h"
 
 class QLabel;
 class QSplitter;
@@ -15,7 +15,7 @@ namespace tqx::view
 class SpanPlot;
 
 /// When messages occur, where they are missing, and where the log is damaged.
-class TimelinePage : public QWidget
+class TimelinePage : public ExportPage
 {
     Q_OBJECT
 
@@ -24,7 +24,7 @@ public:
     ~TimelinePage() override;
 
     /// The log is read when the page is shown for the first time.
-    void setLog(const std::shared_ptr<const MessageLog>& log);
+    void setLog(const std::shared_ptr<const MessageLog>& log, bool isContinued);
 
     const Timeline& getTimeline() const { return m_timeline; }
     QTreeWidget& getFaults() { return *m_faults; }
@@ -33,12 +33,15 @@ Q_SIGNALS:
     /// The messages at a time, or at a byte of the log, are to be shown.
     void timeWanted(qlonglong time);
     void offsetWanted(qulonglong offset);
-    void failed(const QString& reason);
 
 protected:
     void showEvent(QShowEvent* event) override;
+    std::optional<Exported> getExported() override;
+    QString getFileName() const override { return "timeline"; }
 
 private:
+    void writeTable(QTextStream& out) const;
+    void readIfNeeded();
     void showData();
     void showRows();
     void showFaults();

@@ -4,12 +4,16 @@
 #include "view/EmptyText.h"
 #include "view/TimeAxis.h"
 
+#include "tqx/log/time/GnssTime.h"
+
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
 #include <QPainter>
+#include <QPushButton>
+#include <QTextStream>
 #include <QVBoxLayout>
 
 #include <qwt_legend.h>
@@ -63,8 +67,9 @@ QString metres(double value)
 } // namespace
 
 TrackPage::TrackPage(const GnssSurvey& survey, QWidget* parent)
-    : QWidget(parent), m_survey(survey), m_centre(new QLineEdit(this)), m_figures(new QLabel(this)),
-      m_plan(new QwtPlot), m_height(new QwtPlot), m_plots(new QWidget(this))
+    : ExportPage(parent), m_survey(survey), m_centre(new QLineEdit(this)),
+      m_figures(new QLabel(this)), m_plan(new QwtPlot), m_height(new QwtPlot),
+      m_plots(new QWidget(this))
 {
     auto* label = new QLabel(tr("&Around"), this);
     label->setBuddy(m_centre);
@@ -79,6 +84,7 @@ TrackPage::TrackPage(const GnssSurvey& survey, QWidget* parent)
     bar->addWidget(m_centre, 2);
     bar->addSpacing(12);
     bar->addWidget(m_figures, 5);
+    bar->addWidget(makeExportButton());
     m_figures->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     prepare(*m_plan, tr("East [m]"), tr("North [m]"));
     prepare(*m_height, tr("GPS time"), tr("Up [m]"));
@@ -191,6 +197,47 @@ void TrackPage::scalePlan()
     m_plan->setAxisScale(QwtPlot::xBottom, x - perPixel * width / 2, x + perPixel * width / 2);
     m_plan->setAxisScale(QwtPlot::yLeft, y - perPixel * height / 2, y + perPixel * height / 2);
     m_plan->replot();
+}
+
+std::optional<Exported> TrackPage::getExported()
+{
+    if (m_points.empty())
+        return std::nullopt;
+    return Exported{m_figures->text(), size(),
+                    [this](QPainter& painter, const QRectF& area) { paintAll(painter, area); },
+                    [this](QTextStream& out) { writeTable(out); }};
+}
+
+void TrackPage::paintAll(QPainter& painter, const QRectF& area) const
+{
+    constexpr double edge = 8;
+    const double head = 2.0 * fontMetrics().height();
+    painter.setFont(font());
+    painter.setPen(palette().color(QPalette::WindowText));
+    painter.drawText(QRectF(edge, 0, area.width() - 2 * edge, head), Qt::AlignCenter,
+                     m_figures->text());
+    // The same shape as on the screen, for metres of equal length.
+    const double height = (area.height() - head) - edge;
+    const double width = (area.width() - 3 * edge) / 2;
+    renderPlot(*m_plan, painter, QRectF(edge, head, width, height));
+    renderPlot(*m_height, painter, QRectF(2 * edge + width, head, width, height));
+}
+
+void TrackPage::writeTable(QTextStream& out) const
+{
+    const std::vector<TrackPoint>& track = m_survey.getData().track;
+    out << "time,latitude,longitude,height,east,north,up,fix\n";
+    for (size_t i = 0; i < track.size() && i < m_points.size(); ++i) {
+        const TrackPoint& place = track[i];
+        const LocalPoint& local = m_points[i];
+        const std::string time = dateText(static_cast<GnssMillis>(place.time));
+        out << QString::fromStdString(time).replace('T', ' ');
+        for (const double degrees : {place.latitude, place.longitude})
+            out << ',' << QString::number(degrees, 'f', 9);
+        for (const double length : {place.height, local.east, local.north, local.up})
+            out << ',' << QString::number(length, 'f', 4);
+        out << ',' << csvCell(fixName(place.fix)) << '\n';
+    }
 }
 
 bool TrackPage::eventFilter(QObject* watched, QEvent* event)

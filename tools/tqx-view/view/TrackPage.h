@@ -2,7 +2,7 @@
 
 #include "model/TrackFigures.h"
 
-#include <QWidget>
+#include "view/ExportPage.h"
 
 #include <vector>
 
@@ -14,7 +14,7 @@ namespace tqx::view
 {
 
 /// Positions in metres around a chosen point: from above, and their height over time.
-class TrackPage : public QWidget
+class TrackPage : public ExportPage
 {
     Q_OBJECT
 
@@ -31,8 +31,12 @@ protected:
     void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
+    std::optional<Exported> getExported() override;
+    QString getFileName() const override { return "track"; }
 
 private:
+    void paintAll(QPainter& painter, const QRectF& area) const;
+    void writeTable(QTextStream& out) const;
     void showData();
     void showPoints();
     void scalePlan();

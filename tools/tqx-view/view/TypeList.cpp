@@ -4,9 +4,18 @@
 
 #include <QHeaderView>
 #include <QLocale>
+#include <QSet>
 
 namespace tqx::view
 {
+
+namespace
+{
+
+constexpr int isAllRole = Qt::UserRole;
+constexpr int countRole = Qt::UserRole + 1;
+
+} // namespace
 
 TypeList::TypeList(QWidget* parent) : QTreeWidget(parent)
 {
@@ -25,37 +34,60 @@ TypeList::TypeList(QWidget* parent) : QTreeWidget(parent)
     connect(this, &QTreeWidget::itemSelectionChanged, this, &TypeList::wantedChanged);
 }
 
+/// Changes only what is another: a log that is followed may have thousands of types.
 void TypeList::setTypes(const std::vector<MessageLog::Type>& types)
 {
     const QStringList wanted = getWanted();
     const QSignalBlocker silent(this);
-    clear();
+    int row = 0;
+    const auto show = [&](const QString& name, uint64_t count, const QString& help, bool isAll) {
+        QTreeWidgetItem* item = topLevelItem(row);
+        if (!item || item->text(0) != name || item->data(0, isAllRole).toBool() != isAll) {
+            item = new QTreeWidgetItem;
+            item->setText(0, name);
+            item->setTextAlignment(1, Qt::AlignRight | Qt::AlignVCenter);
+            item->setToolTip(0, help);
+            item->setData(0, isAllRole, isAll);
+            insertTopLevelItem(row, item);
+        }
+        const QVariant known = item->data(1, countRole);
+        if (!known.isValid() || known.toULongLong() != count) {
+            item->setData(1, countRole, qulonglong{count});
+            item->setText(1, QLocale().toString(qulonglong{count}));
+        }
+        ++row;
+    };
+    removeOthers(types);
     uint64_t all = 0;
     for (const MessageLog::Type& type : types)
         all += type.count;
-    const auto add = [this](const QString& name, uint64_t count, const QString& help) {
-        auto* item = new QTreeWidgetItem(this);
-        item->setText(0, name);
-        item->setText(1, QLocale().toString(qulonglong{count}));
-        item->setTextAlignment(1, Qt::AlignRight | Qt::AlignVCenter);
-        item->setToolTip(0, help);
-        return item;
-    };
-    if (types.empty())
-        return;
-    add(tr("All types"), all, {})->setData(0, Qt::UserRole, true);
+    if (!types.empty())
+        show(tr("All types"), all, {}, true);
     for (const MessageLog::Type& type : types) {
-        const QString help = type.info ? type.info->getShortDescriptiveText() : tr("(unknown)");
-        add(type.name, type.count, help);
+        show(type.name, type.count,
+             type.info ? type.info->getShortDescriptiveText() : tr("(unknown)"), false);
     }
     setWanted(wanted);
+}
+
+void TypeList::removeOthers(const std::vector<MessageLog::Type>& types)
+{
+    QSet<QString> names;
+    for (const MessageLog::Type& type : types)
+        names.insert(type.name);
+    for (int row = topLevelItemCount() - 1; row >= 0; --row) {
+        const QTreeWidgetItem* item = topLevelItem(row);
+        const bool isAll = item->data(0, isAllRole).toBool();
+        if (isAll ? types.empty() : !names.contains(item->text(0)))
+            delete takeTopLevelItem(row);
+    }
 }
 
 QStringList TypeList::getWanted() const
 {
     QStringList names;
     for (const QTreeWidgetItem* item : selectedItems()) {
-        if (item->data(0, Qt::UserRole).toBool())
+        if (item->data(0, isAllRole).toBool())
             return {};
         names += item->text(0);
     }
@@ -65,11 +97,13 @@ QStringList TypeList::getWanted() const
 void TypeList::setWanted(const QStringList& names)
 {
     const QSignalBlocker silent(this);
-    clearSelection();
+    const QSet<QString> wanted(names.begin(), names.end());
     for (int i = 0; i < topLevelItemCount(); ++i) {
         QTreeWidgetItem* item = topLevelItem(i);
-        const bool isAll = item->data(0, Qt::UserRole).toBool();
-        item->setSelected(isAll ? names.isEmpty() : names.contains(item->text(0)));
+        const bool isAll = item->data(0, isAllRole).toBool();
+        const bool isWanted = isAll ? names.isEmpty() : wanted.contains(item->text(0));
+        if (item->isSelected() != isWanted)
+            item->setSelected(isWanted);
     }
 }
 

@@ -24,6 +24,9 @@ public:
 
 Q_SIGNALS:
     void wantedChanged();
+
+private:
+    void removeOthers(const std::vector<MessageLog::Type>& types);
 };
 
 } // namespace tqx::view

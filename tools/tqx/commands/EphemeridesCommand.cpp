@@ -5,8 +5,6 @@
 #include "tqx/log/record/RecordDecoder.h"
 
 #include <CLI/Validators.hpp>
-#include <fmt/format.h>
-
 #include <algorithm>
 
 namespace tqx::tool
@@ -37,10 +35,8 @@ public:
 
     void end(InputStream&) override
     {
-        if (const uint64_t count = m_store.getWithoutTime()) {
-            words::say(fmt::format("{} navigation block{} without a time left out", count,
-                                   count == 1 ? "" : "s"));
-        }
+        for (const std::string& line : m_store.getLosses().describe())
+            words::say(line);
         if (m_kind == "ionosphere")
             return writeIonosphere(m_tables, m_store.getIonosphere());
         if (m_kind == "time")

@@ -1,6 +1,5 @@
 #include "commands/ErrorCommand.h"
 
-#include "TQX_codec.h"
 #include "io/Output.h"
 #include "io/ToolError.h"
 #include "io/Words.h"
@@ -8,17 +7,19 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <limits>
 #include <optional>
+#include <string_view>
+#include <vector>
 
 namespace tqx::tool
 {
 
 namespace
 {
-
-constexpr int32_t lowestCode = Kor::MessageApi::TQX_lowestCode;
 
 std::optional<int64_t> numberOf(const std::string& text)
 {
@@ -30,9 +31,35 @@ std::optional<int64_t> numberOf(const std::string& text)
     return number;
 }
 
-std::string line(int64_t code, const char* name)
+std::string line(int64_t code, std::string_view name)
 {
     return fmt::format("{} {}\n", code, name);
+}
+
+/// Where the codes are: "from -1 to -6073", and so on.
+std::string rangesOf(const Schema& schema)
+{
+    std::string ranges;
+    int32_t last = 0;
+    schema.forEachError([&](int32_t code, const char*) {
+        if (ranges.empty())
+            ranges = fmt::format("from {}", code);
+        else if (code != last - 1)
+            ranges += fmt::format(" to {} and from {}", last, code);
+        last = code;
+    });
+    return fmt::format("{} to {}", ranges, last);
+}
+
+std::string nameOf(int64_t code, const Schema& schema)
+{
+    constexpr std::string_view none = "???";
+    if (code >= std::numeric_limits<int32_t>::min()) {
+        const char* name = schema.getErrorName(static_cast<int32_t>(std::min<int64_t>(code, 0)));
+        if (name != none)
+            return name;
+    }
+    throw ToolError(fmt::format("{} is not a code; they go {}", code, rangesOf(schema)));
 }
 
 } // namespace
@@ -47,27 +74,28 @@ ErrorCommand::ErrorCommand(CLI::App& program)
     // Negative numbers look like options; this lets them through.
     m_app.allow_extras();
     m_app.add_flag("--all", m_all, "List every code with its name, from -1 down");
+    m_descriptions.add(m_app);
 }
 
-void ErrorCommand::explain(Buffer& out, const std::string& item)
+void ErrorCommand::explain(Buffer& out, const std::string& item) const
 {
+    const Schema& schema = m_descriptions.getSchema();
     if (const std::optional<int64_t> number = numberOf(item)) {
-        if (*number < lowestCode)
-            throw ToolError(fmt::format("{} is not a code; the last one is {}", item, lowestCode));
-        const auto code = static_cast<int32_t>(std::min<int64_t>(*number, 0));
-        out.append(line(*number, TQX_errorName(code)));
+        out.append(line(*number, nameOf(*number, schema)));
         return;
     }
-    std::vector<std::string_view> names;
-    for (int32_t code = 0; code >= lowestCode; --code) {
-        const char* name = TQX_errorName(code);
-        if (equalNames(item, name)) {
-            out.append(line(code, name));
-            return;
-        }
+    std::vector<std::string_view> names = {schema.getErrorName(0)};
+    std::optional<int32_t> found;
+    if (equalNames(item, names.front()))
+        found = 0;
+    schema.forEachError([&](int32_t code, const char* name) {
         names.emplace_back(name);
-    }
-    throw ToolError(unknownName("code", item, names));
+        if (!found && equalNames(item, name))
+            found = code;
+    });
+    if (!found)
+        throw ToolError(unknownName("code", item, names));
+    out.append(line(*found, schema.getErrorName(*found)));
 }
 
 ExitStatus ErrorCommand::run()
@@ -78,8 +106,10 @@ ExitStatus ErrorCommand::run()
         throw ToolError("error: give a code, a name or --all");
     Output output;
     ExitStatus status = ExitStatus::Done;
-    for (int32_t code = -1; m_all && code >= lowestCode; --code)
-        output.getBuffer().append(line(code, TQX_errorName(code)));
+    if (m_all) {
+        m_descriptions.getSchema().forEachError(
+            [&](int32_t code, const char* name) { output.getBuffer().append(line(code, name)); });
+    }
     for (const std::string& item : m_items) {
         try {
             explain(output.getBuffer(), item);

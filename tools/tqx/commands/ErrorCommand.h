@@ -1,6 +1,7 @@
 #pragma once
 
 #include "commands/Command.h"
+#include "options/DescriptionOption.h"
 
 namespace tqx
 {
@@ -18,8 +19,9 @@ public:
     ExitStatus run() override;
 
 private:
-    static void explain(Buffer& out, const std::string& item);
+    void explain(Buffer& out, const std::string& item) const;
 
+    DescriptionOption m_descriptions;
     std::vector<std::string> m_items;
     bool m_all = false;
 };

@@ -35,7 +35,7 @@ std::pair<std::string, uint64_t> split(const std::string& place)
         std::from_chars(number.data() + (isHex ? 2 : 0), end, offset, isHex ? 16 : 10);
     if (stop != end || error != std::errc()) {
         throw ToolError("explain: " + shortened(place) + ": " + shortened(number) +
-                        " is no offset");
+                        " is not an offset");
     }
     return {place.substr(0, at), offset};
 }
@@ -82,10 +82,10 @@ private:
     std::optional<SourceError> m_failure;
 };
 
-BlockLocation locateIn(ReadableInput& input, uint64_t offset)
+BlockLocation locateIn(ReadableInput& input, uint64_t offset, const Schema& schema)
 {
     try {
-        return locateBlock(input, offset);
+        return locateBlock(input, offset, schema);
     } catch (const SourceError&) {
         input.check();
         throw;
@@ -127,7 +127,7 @@ void ExplainCommand::explain(Output& output, const std::string& place)
 {
     const auto [path, offset] = split(place);
     ReadableInput input(path);
-    const BlockLocation location = locateIn(input, offset);
+    const BlockLocation location = locateIn(input, offset, m_descriptions.getSchema());
     if (!location.hasSync() && location.around) {
         throw SourceError(fmt::format("{}: {}: {}", location.file, offset,
                                       describeNoBlock(location, m_descriptions.getSchema())));

@@ -6,8 +6,8 @@
 #include "io/ToolError.h"
 #include "io/Words.h"
 #include "options/Numbers.h"
+#include "output/ReferenceTrack.h"
 #include "output/ReportText.h"
-#include "tqx/gnss/position/SourceChoice.h"
 #include "tqx/gnss/quality/QualityGatherer.h"
 #include "tqx/log/record/RecordDecoder.h"
 #include "tqx/log/source/JoinedSource.h"
@@ -17,7 +17,6 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
-#include <map>
 #include <utility>
 
 namespace tqx::tool
@@ -129,26 +128,11 @@ quality::Reference ReportCommand::readReference() const
     refuseUnreadable({m_reference});
     JoinedSource source({m_reference}, {});
     BlockStream stream(source);
-    RecordDecoder decoder;
-    SourceChoice choice;
-    std::map<const PositionSource*, std::vector<quality::Reference::TimedPlace>> places;
-    for (Block block = {}; stream.next(block);) {
-        Position position;
-        if (!positionSource(block.getNumber()) || decoder.decode(block) <= 0 ||
-            !readPosition(decoder.getRecord(), position) || position.fix == Fix::None)
-            continue;
-        choice.take(position);
-        std::vector<quality::Reference::TimedPlace>& list = places[position.source];
-        if (list.empty() || position.time > list.back().time) {
-            list.push_back(
-                {position.time, {position.latitude, position.longitude, position.height}});
-        }
-    }
-    if (!choice.best()) {
+    reference.track = readReferenceTrack(stream);
+    if (reference.track.empty()) {
         throw ToolError(
             fmt::format("report: --reference {}: no positions", shortened(m_reference)));
     }
-    reference.track = std::move(places[choice.best()]);
     return reference;
 }
 

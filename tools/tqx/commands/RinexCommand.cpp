@@ -86,7 +86,7 @@ ExitStatus RinexCommand::run()
     if (error)
         throw ToolError(m_folder + ": " + error.message());
 
-    RinexRun files(std::move(request), m_streams.hasStandardInput());
+    RinexRun files(request, m_streams.hasStandardInput());
     NoSink nothing;
     const ExitStatus status = m_streams.read(files, nothing);
     return worse(status, files.writeFiles(m_streams.getFiles(), m_streams.isQuiet()));

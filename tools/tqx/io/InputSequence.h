@@ -88,7 +88,7 @@ private:
     std::optional<Progress> m_progress; ///< until the last input has ended
     std::vector<std::string> m_names;
     std::vector<Head> m_heads;
-    bool m_hasHead = false;   ///< whether the last of them is of the input at hand
+    bool m_hasHead = false;   ///< whether the last of them is of the current input
     std::deque<Part> m_parts; ///< all that could be opened
     uint64_t m_size = 0;      ///< bytes read so far
     std::function<void()> m_beforeRead;

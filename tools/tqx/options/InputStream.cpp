@@ -78,8 +78,9 @@ void InputStream::onUndecodable(const std::string& file, const Block& block, int
         return;
     if (m_limit.admits()) {
         return words::sayAt(file, block.offset,
-                            fmt::format("{}: {} ({})", describeBlock(block.getNumber(), m_schema),
-                                        m_schema.getErrorName(code), code));
+                            fmt::format("{}: {} ({})",
+                                        describeBlock(block.getNumber(), getSchema()),
+                                        getSchema().getErrorName(code), code));
     }
     ++m_otherUndecodable;
 }

@@ -26,9 +26,6 @@ public:
     /// of it except what belongs to no block. To be called before the first next().
     void useIndex(std::unique_ptr<IndexedLog> log, const BlockQuery& query);
 
-    /// Makes reports name blocks by the types of this schema, not only by the built-in ones.
-    void setSchema(const Schema& types) { m_schema = types; }
-
     /// Whether only the blocks of a query are returned, by an index.
     bool isIndexed() const { return m_indexed != nullptr; }
 
@@ -65,7 +62,6 @@ private:
     std::unique_ptr<Indexed> m_indexed; ///< null when all is read
     std::function<void(const StreamGap&)> m_gapListener;
     std::function<void(const Neighbour&)> m_neighbourListener;
-    Schema m_schema;
     bool m_quiet;
     words::Limit m_limit;
     StreamGap m_others;              ///< the sum of the gaps that were not named

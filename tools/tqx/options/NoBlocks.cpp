@@ -14,7 +14,8 @@ ExitStatus reportNoBlocks(const InputStream& stream, bool isQuiet)
     if (stream.getCounts().blocks != 0 || stream.isInterrupted())
         return status;
     for (const InputSequence::Head& head : stream.getHeads()) {
-        const Content content = guessContent(head.bytes.data(), head.bytes.size());
+        const Content content =
+            guessContent(head.bytes.data(), head.bytes.size(), stream.getSchema());
         const bool isFailure = !isReceiverOutput(content);
         if (isFailure || !isQuiet) {
             words::say(fmt::format("{}: holds no TQX blocks, it seems to be {}", head.name,

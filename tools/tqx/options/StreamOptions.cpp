@@ -114,6 +114,7 @@ void StreamOptions::lookAhead(const std::function<void(BlockStream&, const Block
     InputSequence source(m_files, m_quiet);
     source.leaveOutSilently();
     BlockStream stream(source);
+    stream.setSchema(getSchema());
     for (Block block = {}; !interrupt::hasCome() && stream.next(block);) {
         if (chosen.accepts(stream, block))
             consumer(stream, block);
@@ -132,6 +133,7 @@ void StreamOptions::useIndex(InputStream& stream, const BlockConsumer& consumer)
     bool isFine = true;
     IndexedLogOptions options;
     options.mapping = FileAccess::Mapping::Never; // somebody may truncate it
+    options.schema = getSchema();
     options.onWarning = [&isFine](const std::string&) { isFine = false; };
     std::unique_ptr<IndexedLog> log;
     try {

@@ -11,7 +11,7 @@ namespace tqx::tool
 {
 
 /// Writes the selected messages as comma separated values: to `target` when that is "-" or ends in
-/// ".csv", which holds one type only, else to a file a type in the folder `target`. Throws as
+/// ".csv", which holds one type only, else to one file per type in the folder `target`. Throws as
 /// StreamOptions::read, and ToolError when one file is to hold several types or when an input would
 /// be written over.
 ExitStatus dumpCsv(StreamOptions& streams, const FieldFilter& filter, const CsvStyle& style,

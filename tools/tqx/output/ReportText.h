@@ -36,7 +36,7 @@ void appendReportPage(Buffer& out, const std::vector<LogReport>& reports,
 /// How the elevations of the satellites are known, and of how many observations; empty without any.
 std::string elevationWords(const quality::Quality& quality);
 
-/// Whole numbers without decimals, others with as many as make sense.
+/// Whole numbers without decimals, others with a sensible number.
 std::string figureText(double value);
 
 } // namespace tqx::tool

@@ -36,8 +36,8 @@ if(TQX_REPORT_PAGE)
                 "${page_source}/package-lock.json"
             COMMENT "Bundling the page of reports"
             VERBATIM)
-        target_sources(tqx-tool-parts PRIVATE "${page_folder}/ReportAssets.h")
-        target_include_directories(tqx-tool-parts PRIVATE "${page_folder}")
+        target_sources(tqx-report PRIVATE "${page_folder}/ReportAssets.h")
+        target_include_directories(tqx-report PRIVATE "${page_folder}")
         set_source_files_properties(output/ReportPage.cpp PROPERTIES
             COMPILE_DEFINITIONS TQX_REPORT_PAGE
             OBJECT_DEPENDS "${page_folder}/ReportAssets.h")

@@ -91,7 +91,7 @@ void appendCompletion(Buffer& out, const CLI::App& program)
         "    mapfile -t COMPREPLY < <(compgen -f -- \"$current\")\n"
         "}\n"
         "\n"
-        "# Names, of which options take several, parted by commas.\n"
+        "# Names, of which options take several, separated by commas.\n"
         "_tqx_list() {\n"
         "    local before=\"\"\n"
         "    [[ $current == *,* ]] && before=\"${current%,*},\"\n"

@@ -21,6 +21,10 @@ void fillNavic(Ephemeris& ephemeris, const void* record);
 void fillGlonass(Ephemeris& ephemeris, const void* record);
 void fillSbas(Ephemeris& ephemeris, const void* record);
 
+/// Whether a block holds an ephemeris of NavIC from the message on L1, which is not read: it has
+/// fields and a record in files of its own.
+bool isNavicOnL1(const DecodedBlock& decoded);
+
 /// Metres of a user range accuracy index of GPS (IS-GPS-200), QZSS, BeiDou, NavIC and SBAS.
 double accuracyOf(unsigned index);
 

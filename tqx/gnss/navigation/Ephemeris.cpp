@@ -62,7 +62,7 @@ std::optional<Ephemeris> Ephemeris::of(const DecodedBlock& decoded)
 {
     const Adapter* const adapter = adapterOf(decoded.block.getNumber());
     const auto time = gnssMillis(decoded.getHeader().TOW, decoded.getHeader().WNc);
-    if (!adapter || !time)
+    if (!adapter || !time || navigation::isNavicOnL1(decoded))
         return std::nullopt;
     Ephemeris ephemeris;
     ephemeris.received = *time;

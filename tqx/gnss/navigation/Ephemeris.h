@@ -123,7 +123,8 @@ struct TQX_GNSS_API Ephemeris {
     /// Whether blocks of this number hold an ephemeris.
     static bool wants(uint16_t blockNumber);
 
-    /// Converts such a block; nothing when it has no time or names no satellite.
+    /// Converts such a block; nothing when it has no time, names no satellite or holds the message
+    /// of NavIC on L1.
     static std::optional<Ephemeris> of(const DecodedBlock& decoded);
 };
 

@@ -310,13 +310,17 @@ void fillBeiDouCnav3(Ephemeris& e, const void* block)
     e.delay1 = available(record.T_gd_B2bI);
 }
 
+bool isNavicOnL1(const DecodedBlock& decoded)
+{
+    constexpr uint8_t legacy = 0;
+    const auto& header = as<TQX_MainHeader_s>(decoded.record);
+    return header.korcg_type == TQX_recordTypeOf<TQX_NavICLNav_s> &&
+           as<TQX_NavICLNav_s>(decoded.record).Source != legacy;
+}
+
 void fillNavic(Ephemeris& e, const void* block)
 {
     const auto& record = as<TQX_NavICLNav_s>(block);
-    constexpr uint8_t legacy = 0;
-    // The message of L1 has its own record in files, which is not written.
-    if (record.Source != legacy)
-        return;
     e.satellite = satelliteOr0(record.PRN);
     fillOrbit(e, record);
     fillWeeks(e, record);

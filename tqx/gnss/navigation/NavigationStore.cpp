@@ -1,7 +1,30 @@
 #include "tqx/gnss/navigation/NavigationStore.h"
 
+#include "tqx/gnss/navigation/Adapters.h"
+
+#include <fmt/format.h>
+
 namespace tqx
 {
+
+std::vector<std::string> NavigationLosses::describe() const
+{
+    std::vector<std::string> lines;
+    if (withoutTime != 0) {
+        lines.push_back(fmt::format("{} navigation block{} without a time left out", withoutTime,
+                                    withoutTime == 1 ? "" : "s"));
+    }
+    if (withoutSatellite != 0) {
+        lines.push_back(fmt::format("{} navigation block{} of an unknown satellite left out",
+                                    withoutSatellite, withoutSatellite == 1 ? "" : "s"));
+    }
+    if (ofNavicL1 != 0) {
+        lines.push_back(fmt::format("{} navigation block{} of NavIC with the message on L1 left "
+                                    "out, which is not supported",
+                                    ofNavicL1, ofNavicL1 == 1 ? "" : "s"));
+    }
+    return lines;
+}
 
 bool NavigationStore::wants(uint16_t blockNumber)
 {
@@ -13,10 +36,15 @@ void NavigationStore::take(const DecodedBlock& decoded)
 {
     const uint16_t number = decoded.block.getNumber();
     if (!gnssMillis(decoded.getHeader().TOW, decoded.getHeader().WNc)) {
-        ++m_withoutTime;
+        ++m_losses.withoutTime;
     } else if (Ephemeris::wants(number)) {
-        if (const auto ephemeris = Ephemeris::of(decoded))
+        if (navigation::isNavicOnL1(decoded)) {
+            ++m_losses.ofNavicL1;
+        } else if (const auto ephemeris = Ephemeris::of(decoded)) {
             add(*ephemeris);
+        } else {
+            ++m_losses.withoutSatellite;
+        }
     } else if (Ionosphere::wants(number)) {
         if (const auto data = Ionosphere::of(decoded))
             add(*data);

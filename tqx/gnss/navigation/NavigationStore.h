@@ -6,11 +6,22 @@
 
 #include <cstdint>
 #include <map>
+#include <string>
 #include <tuple>
 #include <vector>
 
 namespace tqx
 {
+
+/// What of a log's navigation blocks did not become ephemerides and the like.
+struct TQX_GNSS_API NavigationLosses {
+    uint64_t withoutTime = 0;      ///< blocks whose header has no time
+    uint64_t withoutSatellite = 0; ///< ephemerides of satellites whose number is not known
+    uint64_t ofNavicL1 = 0;        ///< blocks with an ephemeris of NavIC from the message on L1
+
+    /// A line for each of them that occurred.
+    std::vector<std::string> describe() const;
+};
 
 /// The navigation messages of a log, each once however often it was received.
 class TQX_GNSS_API NavigationStore
@@ -32,8 +43,7 @@ public:
         return m_ephemerides.empty() && m_ionosphere.empty() && m_offsets.empty();
     }
 
-    /// Blocks whose header has no time.
-    uint64_t getWithoutTime() const { return m_withoutTime; }
+    const NavigationLosses& getLosses() const { return m_losses; }
 
 private:
     using Key = std::tuple<char, uint8_t, NavigationMessage, GnssMillis>;
@@ -48,7 +58,7 @@ private:
     std::map<char, size_t> m_lastIonosphere;
     std::vector<TimeOffset> m_offsets;
     std::map<std::string, size_t> m_lastOffset;
-    uint64_t m_withoutTime = 0;
+    NavigationLosses m_losses;
 };
 
 } // namespace tqx

@@ -111,7 +111,7 @@ private:
     size_t m_joined = 0; ///< place of the last observation with an extra
     std::vector<Extra> m_extras;
     GnssMillis m_extrasTime = 0;
-    Source m_source = Source::None; ///< of the epoch at hand
+    Source m_source = Source::None; ///< of the current epoch
     bool m_isE6B = false;
     bool m_isSmoothed = false;        ///< of a compact epoch
     std::optional<GnssMillis> m_last; ///< time of the last epoch that was passed on

@@ -10,7 +10,7 @@ namespace
 {
 
 constexpr double oldAge = 15;     ///< seconds
-constexpr double slow = 0.3;      ///< metres per second in the mean; faster antennas move
+constexpr double slow = 0.3;      ///< metres per second on average; faster antennas move
 constexpr double smallArea = 100; ///< metres of scatter; beyond it the antenna moves
 
 double squareOf(double value)

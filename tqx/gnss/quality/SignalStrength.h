@@ -7,7 +7,7 @@ namespace tqx::quality
 {
 
 /// C/N0 of all signals by elevation, and when it falls on all satellites of a band at once: by
-/// 5 dB in the mean against what each had over the minutes before.
+/// 5 dB on average relative to the preceding minutes.
 class SignalStrength
 {
 public:

@@ -83,7 +83,7 @@ private:
     bool m_hasSignals = false;
     std::array<std::vector<Column>, systemCount> m_columns;
     std::array<std::array<int8_t, 260>, systemCount> m_places; ///< of a code among the columns
-    std::vector<Row> m_rows;                                   ///< of the epoch at hand
+    std::vector<Row> m_rows;                                   ///< of the current epoch
     std::array<uint16_t, systemCount* 256> m_rowOf = {};       ///< 1 and more, by satellite
 };
 

@@ -2,6 +2,7 @@ list(APPEND public_headers
     rinex/LogSurvey.h
     rinex/NavigationFile.h
     rinex/ObservationFile.h
+    rinex/RinexFiles.h
     rinex/RinexName.h
     rinex/RinexOptions.h
     rinex/SetUp.h)
@@ -12,5 +13,7 @@ target_sources(tqx-gnss PRIVATE
     rinex/NavigationFile.cpp
     rinex/ObservationFile.cpp
     rinex/ObservationHeader.cpp
+    rinex/PulseList.cpp
+    rinex/RinexFiles.cpp
     rinex/RinexName.cpp
     rinex/SetUp.cpp)

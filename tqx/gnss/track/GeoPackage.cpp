@@ -216,7 +216,7 @@ private:
     double m_west = 0, m_south = 0, m_east = 0, m_north = 0;
 };
 
-/// The line at hand, unless it is a single point.
+/// The current line, unless it is a single point.
 void GeoPackage::Database::addLine()
 {
     constexpr size_t dimensions = 3;

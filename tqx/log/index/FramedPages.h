@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TQX_Context.h"
 #include "TQX_Format.h"
 #include "tqx/log/index/PageOffsets.h"
 #include "tqx/log/time/GnssTime.h"
@@ -42,6 +43,21 @@ struct PageRow {
     uint32_t towBefore = 0;           ///< last TOW of a decoding context
     uint8_t weekBefore = 0;           ///< week counter of a decoding context
     bool startsWeek = false;          ///< the block at firstTowAt begins a week
+
+    /// Advances by the TOW of the next block that decoding follows the week by, at `at` of the
+    /// page. It is added to `starts` when a week begins with it, unless it is the page's first one.
+    void addTow(uint32_t tow, uint32_t page, uint16_t at, PageOffsets& starts)
+    {
+        if (tow == noTow)
+            return;
+        if (firstTow == noTow) {
+            firstTow = tow;
+            firstTowAt = at;
+        } else if (Kor::MessageApi::TQX_beginsWeek(tow, lastTow)) {
+            starts.add(page, at);
+        }
+        lastTow = tow;
+    }
 };
 
 TQX_LOG_API bool operator==(const PageRow& left, const PageRow& right);

@@ -1,5 +1,7 @@
 #include "tqx/log/index/Index.h"
 
+#include "tqx/log/index/AddedWeeks.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -88,6 +90,12 @@ void Index::extend(const RandomAccess& log, const FramingOptions& options)
     kept.truncate(first);
     m_pages = frameLog(log, std::move(kept), options);
     m_size = log.getSize();
+}
+
+void Index::follow(const Schema& schema, const RandomAccess& log)
+{
+    if (schema.hasAddedTypes())
+        followAddedTypes(m_pages, log, schema);
 }
 
 StreamCounts Index::getCounts() const

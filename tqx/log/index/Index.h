@@ -2,6 +2,7 @@
 
 #include "tqx/log/index/FramedPages.h"
 #include "tqx/log/index/LogFramer.h"
+#include "tqx/log/schema/Schema.h"
 #include "tqx/log/stream/BlockStream.h"
 #include "tqx/log/stream/WeekContext.h"
 #include "tqx/log/time/GnssTime.h"
@@ -46,6 +47,12 @@ public:
     /// cannot be read; the index is then unchanged. If `log` does not begin with what was indexed,
     /// the content of the index is unspecified.
     void extend(const RandomAccess& log, const FramingOptions& options = {});
+
+    /// Makes blocks of the added types of a schema move the week, too, as BlockStream::setSchema()
+    /// does. `log` must be what was indexed; of it, the pages that have such blocks are read. Only
+    /// once the index is complete: extend() knows only the built-in types. Throws SourceError when
+    /// the log cannot be read.
+    void follow(const Schema& schema, const RandomAccess& log);
 
     /// Bytes that were indexed.
     uint64_t getLogSize() const { return m_size; }

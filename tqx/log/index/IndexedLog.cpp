@@ -76,6 +76,7 @@ void IndexedLog::take(SavedIndex saved, const IndexedLogOptions& options)
             *m_file, saved.compression, std::move(saved.points), m_index->getLogSize());
         m_content = m_unpacked.get();
     }
+    m_index->follow(options.schema, *m_content);
 }
 
 IndexedLog::~IndexedLog() = default;

@@ -26,6 +26,9 @@ struct TQX_LOG_API IndexedLogOptions {
     /// no error.
     bool save = false;
 
+    /// The types whose blocks move the week. What is saved is the index for the built-in ones.
+    Schema schema = {};
+
     FileAccess::Mapping mapping = FileAccess::Mapping::IfPossible;
 
     /// Called once for a saved index that is unusable (the log is then indexed anew), and once for

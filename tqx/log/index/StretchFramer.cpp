@@ -111,7 +111,7 @@ void StretchFramer::addBlock(const uint8_t* block, size_t size, uint32_t page, u
     // As decoding does it: the week is followed as soon as TOW is read, whatever becomes of the
     // rest.
     if (size >= towEnd && type.movesWeek)
-        addTow(korcg_load_u32(block + 8), page, at, row);
+        row.addTow(korcg_load_u32(block + 8), page, at, m_pages.marks[FramedPages::WeekStart]);
     if (size < weekEnd)
         return;
     if (const auto time = gnssMillis(korcg_load_u32(block + 8), korcg_load_u16(block + 12))) {
@@ -119,19 +119,6 @@ void StretchFramer::addBlock(const uint8_t* block, size_t size, uint32_t page, u
         row.maxTime = row.maxTime == noMillis ? *time : std::max(row.maxTime, *time);
         row.lastTime = *time;
     }
-}
-
-void StretchFramer::addTow(uint32_t tow, uint32_t page, uint16_t at, PageRow& row)
-{
-    if (tow == noTow)
-        return;
-    if (row.firstTow == noTow) {
-        row.firstTow = tow;
-        row.firstTowAt = at;
-    } else if (Kor::MessageApi::TQX_beginsWeek(tow, row.lastTow)) {
-        m_pages.marks[FramedPages::WeekStart].add(page, at);
-    }
-    row.lastTow = tow;
 }
 
 } // namespace tqx

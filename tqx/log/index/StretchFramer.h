@@ -50,7 +50,6 @@ private:
 
     void framePage(const LogWindow& window);
     void addBlock(const uint8_t* block, size_t size, uint32_t page, uint16_t at, PageRow& row);
-    void addTow(uint32_t tow, uint32_t page, uint16_t at, PageRow& row);
     const KnownNumber& slotOf(uint16_t number);
 
     FramedPages m_pages;

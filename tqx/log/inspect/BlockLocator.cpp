@@ -58,7 +58,7 @@ bool isDone(const BlockLocation& location, uint64_t position)
 }
 
 /// Where the header in the damage is; nothing when there is none.
-std::optional<uint64_t> findHeader(const BlockLocation& location)
+std::optional<uint64_t> findHeader(const BlockLocation& location, const Schema& schema)
 {
     constexpr size_t headerSize = 8;
     std::optional<uint64_t> first;
@@ -70,14 +70,14 @@ std::optional<uint64_t> findHeader(const BlockLocation& location)
         if (!first)
             first = i;
         if (i + headerSize <= location.bytes.size() &&
-            isPlausibleHeader(korcg_load_u16(bytes + i + 4), korcg_load_u16(bytes + i + 6)))
+            isPlausibleHeader(korcg_load_u16(bytes + i + 4), korcg_load_u16(bytes + i + 6), schema))
             return i;
     }
     return first;
 }
 
 /// Moves on to the header in the damage, and drops bytes that no block from there on has.
-void settle(BlockLocation& location)
+void settle(BlockLocation& location, const Schema& schema)
 {
     if (!location.around) {
         location.damage = location.bytes.size();
@@ -85,7 +85,7 @@ void settle(BlockLocation& location)
             location.damage =
                 std::min(location.damage, location.following->offset - location.place);
         }
-        if (const std::optional<uint64_t> header = findHeader(location);
+        if (const std::optional<uint64_t> header = findHeader(location, schema);
             header && !location.hasSync()) {
             location.offset = location.place + *header;
             location.bytes.erase(location.bytes.begin(),
@@ -97,7 +97,7 @@ void settle(BlockLocation& location)
 
 } // namespace
 
-BlockLocation locateBlock(ByteSource& source, uint64_t place)
+BlockLocation locateBlock(ByteSource& source, uint64_t place, const Schema& schema)
 {
     BlockLocation location = {source.placeOf(0).file, place, place, {}, 0, false, {}, {}};
     // Whatever block the place lies in begins here at the earliest.
@@ -124,7 +124,7 @@ BlockLocation locateBlock(ByteSource& source, uint64_t place)
     location.isCutShort = isDone(location, position);
     if (!found)
         takeBlocks(framer, framed, location);
-    settle(location);
+    settle(location, schema);
     return location;
 }
 

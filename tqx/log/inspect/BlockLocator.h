@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tqx/log/schema/Schema.h"
 #include "tqx/log/source/ByteSource.h"
 #include "tqx_log_export.h"
 
@@ -40,6 +41,7 @@ struct BlockLocation {
 /// has no sync characters and is in no valid block, the offset moves on to a header before the next
 /// valid block: the first one that a type could have, else the first of any kind. Throws
 /// SourceError when it cannot be read or ends before the offset.
-TQX_LOG_API BlockLocation locateBlock(ByteSource& source, uint64_t offset);
+TQX_LOG_API BlockLocation locateBlock(ByteSource& source, uint64_t offset,
+                                      const Schema& schema = {});
 
 } // namespace tqx

@@ -53,6 +53,7 @@ private:
     void readNumber(int index, uint32_t element, uint32_t count);
     void readBits(int word, uint64_t whole, uint32_t element);
     bool isRun(int index, uint32_t count) const;
+    void joinElements(const TQX_FieldFacts& facts, size_t first);
     void readArray(int index);
     void readRun(const TQX_FieldLayout& field, uint32_t count);
     int32_t readEntries(int index);
@@ -144,6 +145,18 @@ bool Level::isRun(int index, uint32_t count) const
            (TQX_elementSize(row(index)) == 1 && !hasBits && (count == 0 || count > mostNumbers));
 }
 
+/// Marks the elements of an array, the pieces from the first on, as one value if any is available.
+void Level::joinElements(const TQX_FieldFacts& facts, size_t first)
+{
+    const auto begin = m_walk.pieces.begin() + static_cast<std::ptrdiff_t>(first);
+    const bool isWhole =
+        facts.has(TQX_FieldFacts::Whole) &&
+        std::any_of(begin, m_walk.pieces.end(), [&facts](const BlockPiece& piece) {
+            return piece.kind == Kind::Number && !TQX_isDoNotUse(facts, piece.stored);
+        });
+    std::for_each(begin, m_walk.pieces.end(), [&](BlockPiece& piece) { piece.isWhole = isWhole; });
+}
+
 void Level::readArray(int index)
 {
     const TQX_FieldLayout& field = row(index);
@@ -152,6 +165,7 @@ void Level::readArray(int index)
         field.count < 0 ? field.elements : m_values[static_cast<size_t>(field.count)];
     const auto count = static_cast<uint32_t>(field.countsBytes ? counted / width : counted);
     const uint32_t room = std::min<uint32_t>(count, field.elements);
+    const size_t first = m_walk.pieces.size();
     if (isRun(index, room)) {
         readRun(field, room);
     } else {
@@ -163,6 +177,7 @@ void Level::readArray(int index)
             }
         }
     }
+    joinElements(TQX_factsOf(m_type, index), first);
     if (m_pending == 0 && count > field.elements) {
         add(Kind::TooMany, &field, count, 0);
         m_pending = field.code - 1;

@@ -32,6 +32,7 @@ struct BlockPiece {
     uint32_t size;                                 ///< in bytes
     uint64_t stored;       ///< Number, Bits, Derived: the value's bits; signed ones sign-extended
     bool hasInputs = true; ///< Derived: whether what it is computed from is available
+    bool isWhole = false;  ///< Number: element of an array that is one value, which is available
 };
 
 /// The content of a block in wire order, and the result of decoding it.

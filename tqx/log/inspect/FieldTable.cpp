@@ -213,7 +213,9 @@ std::string Table::propertiesOf(int index) const
         properties.emplace_back(unit);
     }
     if (field.has(TQX_FieldFacts::HasDoNotUse))
-        properties.push_back("not available: " + doNotUseText(layout, field));
+        properties.push_back(fmt::format("not available: {}{}",
+                                         field.has(TQX_FieldFacts::Whole) ? "all " : "",
+                                         doNotUseText(layout, field)));
     if (field.inputCount != 0)
         properties.push_back(neededOf(field));
     if (const std::vector<std::string> names = symbolsOf(field); !names.empty() && isShort(names))

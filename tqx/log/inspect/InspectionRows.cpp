@@ -88,7 +88,7 @@ bool isAvailable(const BlockPiece& piece)
     if (isUnset || !piece.hasInputs)
         return false;
     const MemberBits bits(*piece.field, false);
-    if (bits.isCharacter())
+    if (bits.isCharacter() || piece.isWhole)
         return true;
     return bits.isReal() ? !TQX_isRealDoNotUse(factsOf(piece), bits.real(piece.stored))
                          : !TQX_isDoNotUse(factsOf(piece), piece.stored);
@@ -99,7 +99,7 @@ void setValue(InspectionRow& row, const BlockPiece& piece)
 {
     row.raw = rawText(piece);
     row.isAvailable = isAvailable(piece);
-    if (!row.isAvailable)
+    if (!row.isAvailable || piece.isWhole)
         return;
     const FieldText field(*piece.field, factsOf(piece), false, false);
     Buffer buffer;

@@ -169,6 +169,7 @@ void appendField(Buffer& out, const TQX_TypeLayout& type, int index)
     object.flag("virtual", facts.has(Facts::Virtual));
     object.flag("bitMask", facts.has(Facts::BitMask));
     object.flag("identifying", facts.has(Facts::Identifying));
+    object.flag("whole", facts.has(Facts::Whole));
     appendDoNotUse(object, field, facts);
     appendNames(object, "inputs", inputNames(type, facts));
     appendSymbols(object, field, facts);

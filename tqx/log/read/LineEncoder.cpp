@@ -94,7 +94,7 @@ const std::vector<uint8_t>& LineEncoder::encode(std::string_view line)
     if (!members.block)
         throw LineError("neither \"block\" nor \"bytes\" is given");
     if (members.block->kind != Kind::String)
-        throw LineError::at("block", "is no string");
+        throw LineError::at("block", "is not a string");
     const TQX_TypeLayout& type = typeOf(members.block->text());
     try {
         m_record.init(type);

@@ -62,7 +62,7 @@ std::string shown(const JsonValue& value)
 
 [[noreturn]] void failType(const JsonValue& value, const char* wanted)
 {
-    throw LineError(fmt::format("{} is no {}", shown(value), wanted));
+    throw LineError(fmt::format("{} is not {}", shown(value), wanted));
 }
 
 bool isString(const JsonValue& value, std::string_view text)
@@ -96,7 +96,7 @@ uint64_t integerOf(const JsonValue& value, unsigned width, bool isSigned)
 {
     const std::optional<Integer> integer = readInteger(value);
     if (!integer)
-        failType(value, "integer");
+        failType(value, "an integer");
     const uint64_t all = ~uint64_t{0} >> (64 - width);
     const uint64_t highest = isSigned ? all >> 1U : all;
     const uint64_t lowest = isSigned ? highest + 1 : 0; // as a magnitude
@@ -127,7 +127,7 @@ Real realOf(const JsonValue& value)
         return std::numeric_limits<Real>::infinity();
     if (isString(value, "-Infinity"))
         return -std::numeric_limits<Real>::infinity();
-    failType(value, "number, nor \"NaN\", \"Infinity\" or \"-Infinity\"");
+    failType(value, "a number, nor \"NaN\", \"Infinity\" or \"-Infinity\"");
 }
 
 } // namespace
@@ -169,7 +169,7 @@ uint64_t bitsOf(const TQX_FieldLayout& field, const JsonValue& value)
 std::string latin1Of(const JsonValue& value, size_t capacity)
 {
     if (value.kind != Kind::String)
-        failType(value, "string");
+        failType(value, "a string");
     const std::string_view utf8 = value.text();
     std::string text;
     for (size_t i = 0; i < utf8.size(); ++i) {
@@ -191,14 +191,14 @@ std::string latin1Of(const JsonValue& value, size_t capacity)
 const JsonValue& arrayOf(const JsonValue& value)
 {
     if (value.kind != Kind::Array)
-        failType(value, "array");
+        failType(value, "an array");
     return value;
 }
 
 const JsonValue& objectOf(const JsonValue& value)
 {
     if (value.kind != Kind::Object)
-        failType(value, "object");
+        failType(value, "an object");
     return value;
 }
 

@@ -18,7 +18,9 @@ public:
     MemberReader(const RecordPlan& plan, const RecordPlan::Member& member)
         : m_kind(member.kind), m_isOptional(member.isOptional), m_size(member.size),
           m_offset(member.field->recordOffset), m_field(member.field), m_type(plan.type),
-          m_inputs(member.facts->inputCount != 0 ? member.facts : nullptr)
+          m_inputs(member.facts->inputCount != 0 ? member.facts : nullptr),
+          m_whole(member.facts->has(Kor::MessageApi::TQX_FieldFacts::Whole) ? member.facts
+                                                                            : nullptr)
     {
     }
 
@@ -63,6 +65,13 @@ public:
     }
     uint32_t getStride() const { return m_size; }
 
+    /// Whether the elements of an array are plain numbers, see isWholeValue().
+    bool isWhole(const void* record) const
+    {
+        return m_whole &&
+               isWholeValue(*m_whole, getElements(record), m_size, countElements(record));
+    }
+
 private:
     RecordPlan::Kind m_kind;
     bool m_isOptional;
@@ -71,6 +80,7 @@ private:
     const Kor::MessageApi::TQX_FieldLayout* m_field;
     const Kor::MessageApi::TQX_TypeLayout* m_type;
     const Kor::MessageApi::TQX_FieldFacts* m_inputs; ///< null when there are none
+    const Kor::MessageApi::TQX_FieldFacts* m_whole;  ///< null when elements have their own values
 };
 
 } // namespace tqx

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TQX_FieldFacts.h"
 #include "TQX_Format.h"
 #include "TQX_Layout.h"
 #include "TQX_RecordAccess.h"
@@ -72,6 +73,22 @@ inline uint64_t loadWord(const void* element, uint32_t size)
     default:
         return as(uint64_t{});
     }
+}
+
+/// Whether the elements of an array are one value (TQX_FieldFacts::Whole) that is available: each
+/// of them is then a number, the one that means "not available" elsewhere included.
+inline bool isWholeValue(const Kor::MessageApi::TQX_FieldFacts& facts, const void* elements,
+                         uint32_t size, uint32_t count)
+{
+    if (!facts.has(Kor::MessageApi::TQX_FieldFacts::Whole))
+        return false;
+    const uint64_t none = TQX_doNotUse(facts);
+    const auto* element = static_cast<const char*>(elements);
+    for (uint32_t i = 0; i < count; ++i, element += size) {
+        if (loadWord(element, size) != none)
+            return true;
+    }
+    return false;
 }
 
 } // namespace tqx

@@ -147,6 +147,7 @@ uint16_t flagsOf(const Field& field)
         {field.identifies, Facts::Identifying},
         {field.doNotUse.has_value(), Facts::HasDoNotUse},
         {field.doNotUse && field.doNotUseNamed, Facts::NamesDoNotUse},
+        {field.isWhole, Facts::Whole},
     };
     unsigned flags = 0;
     for (const auto& [isSet, flag] : all)

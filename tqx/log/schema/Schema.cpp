@@ -97,4 +97,16 @@ const char* Schema::getErrorName(int32_t code) const
     return TQX_errorName(code);
 }
 
+void Schema::forEachError(const std::function<void(int32_t, const char*)>& visit) const
+{
+    const auto visitFrom = [&](int32_t first, int32_t count) {
+        for (int32_t code = first; code > first - count; --code)
+            visit(code, getErrorName(code));
+    };
+    visitFrom(-1, -TQX_lowestCode);
+    visitFrom(TQX_firstAddedCode, TQX_addedCodes);
+    if (m_added)
+        visitFrom(TQX_firstDescribedCode, static_cast<int32_t>(m_added->codeNames.size()));
+}
+
 } // namespace tqx

@@ -75,6 +75,9 @@ public:
     /// Name of a result of decoding or encoding, see TQX_errorName().
     const char* getErrorName(int32_t code) const;
 
+    /// Calls `visit` with every code below zero that has a name, from -1 down.
+    void forEachError(const std::function<void(int32_t code, const char* name)>& visit) const;
+
 private:
     const Kor::MessageApi::TQX_TypeLayout* getAddedType(uint32_t recordType) const;
 

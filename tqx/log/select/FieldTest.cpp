@@ -147,8 +147,12 @@ bool FieldTest::passesHere(const void* record) const
         return count != 0 && passesText(record);
     if (m_facts->inputCount != 0 && !TQX_hasInputs(*m_facts, record))
         return false;
+    const TQX_FieldLayout& field = *m_path.field.layout;
+    const bool isWhole =
+        m_facts->has(TQX_FieldFacts::Whole) &&
+        isWholeValue(*m_facts, TQX_element(field, record), TQX_elementSize(field), count);
     for (uint32_t i = 0; i < count; ++i) {
-        if (passesElement(record, i))
+        if (passesElement(record, i, isWhole))
             return true;
     }
     return false;
@@ -164,7 +168,7 @@ bool FieldTest::passesText(const void* record) const
     return (found == m_text) == (m_comparison == Comparison::Equal);
 }
 
-bool FieldTest::passesElement(const void* record, uint32_t index) const
+bool FieldTest::passesElement(const void* record, uint32_t index, bool isWhole) const
 {
     const TQX_FieldLayout& field = *m_path.field.layout;
     if (field.recordType != 0 || field.type == TQX_MemberType::Char)
@@ -175,7 +179,7 @@ bool FieldTest::passesElement(const void* record, uint32_t index) const
                (m_subject == Subject::Presence || passesNumber(Number::ofReal(value)));
     }
     const uint64_t value = integerOf(field, record, index);
-    if (TQX_isDoNotUse(*m_facts, value) || (m_isTime && value == noContinuousTime))
+    if ((!isWhole && TQX_isDoNotUse(*m_facts, value)) || (m_isTime && value == noContinuousTime))
         return false;
     if (m_subject == Subject::Name) {
         return (std::find(m_named.begin(), m_named.end(), value) != m_named.end()) ==

@@ -34,7 +34,7 @@ private:
     std::string prepareNumber(const Number& value);
     bool passesHere(const void* record) const;
     bool passesText(const void* record) const;
-    bool passesElement(const void* record, uint32_t index) const;
+    bool passesElement(const void* record, uint32_t index, bool isWhole) const;
     bool passesNumber(const Number& value) const;
 
     FieldPath m_path;

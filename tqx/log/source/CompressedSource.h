@@ -52,7 +52,7 @@ private:
     uint64_t m_packedOffset = 0;  ///< in the compressed file, of the buffer's end
     uint64_t m_contentOffset = 0; ///< of what comes next
     Decompressor::Outcome m_last = Decompressor::Outcome::Complete;
-    bool m_wasFull = false; ///< the last step had no room left, so that more may be at hand
+    bool m_wasFull = false; ///< the last step had no room left, so more may be available
     std::string m_failure;
 };
 

@@ -4,6 +4,7 @@
 #include "tqx/log/record/Members.h"
 #include "tqx/log/text/JsonText.h"
 #include "tqx/log/text/Latin1.h"
+#include "tqx/log/text/NumberText.h"
 
 #include <utility>
 
@@ -209,12 +210,16 @@ void SqlCells::setArray(SqlInsert& row, Step& step, const void* record)
     const RecordPlan::Member& member = *step.member;
     const uint32_t count = TQX_elementCount(*m_plan.type, *member.field, record);
     const auto* element = static_cast<const char*>(TQX_element(*member.field, record));
+    const bool isWhole = isWholeValue(*member.facts, element, member.size, count);
     m_text.clear();
     m_text.append('[');
     for (uint32_t i = 0; i < count; ++i, element += member.size) {
         if (i != 0)
             m_text.append(',');
-        step.element->append(m_text, loadWord(element, member.size));
+        if (isWhole)
+            number::appendUnsigned(m_text, loadWord(element, member.size));
+        else
+            step.element->append(m_text, loadWord(element, member.size));
     }
     m_text.append(']');
     step.text = m_text.view();

@@ -51,7 +51,7 @@ bool BlockStream::next(Block& block)
         m_name = place.file;
     block = {found.data, static_cast<uint16_t>(found.size), place.offset};
     WeekContext week = {m_weekCounter, m_lastTow};
-    m_startsWeek = week.follow(block);
+    m_startsWeek = week.follow(block, m_schema);
     m_weekCounter = week.weekCounter;
     m_lastTow = week.lastTow;
     return true;
@@ -85,7 +85,7 @@ bool BlockStream::passDoubtful()
     while (!m_framer.hasBlock()) {
         const BlockFramer::Candidate candidate = m_framer.waiting();
         if (candidate.data == nullptr ||
-            isPlausibleHeader(korcg_load_u16(candidate.data + 4), candidate.length) ||
+            isPlausibleHeader(korcg_load_u16(candidate.data + 4), candidate.length, m_schema) ||
             !m_framer.passWaiting())
             return false;
     }

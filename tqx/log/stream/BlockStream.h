@@ -2,6 +2,7 @@
 
 #include "tqx/framing/BlockFramer.h"
 #include "tqx/log/mixed/NeighbourScanner.h"
+#include "tqx/log/schema/Schema.h"
 #include "tqx/log/source/ByteSource.h"
 #include "tqx/log/stream/Block.h"
 #include "tqx/log/stream/StreamListener.h"
@@ -49,6 +50,11 @@ public:
     virtual ~BlockStream();
     BlockStream(const BlockStream&) = delete;
     BlockStream& operator=(const BlockStream&) = delete;
+
+    /// Sets the types that move the week of getContext() and that the headers of a live source are
+    /// checked against; the built-in ones by default. To be called before the first next().
+    void setSchema(const Schema& schema) { m_schema = schema; }
+    const Schema& getSchema() const { return m_schema; }
 
     /// For a live receiver: keeps a false header from holding back intact blocks after it. A
     /// candidate that waits for more bytes is given up if a complete block with a correct checksum
@@ -101,6 +107,7 @@ private:
 
     ByteSource& m_source;
     StreamListener* m_listener;
+    Schema m_schema;
     BlockFramer m_framer;
     std::optional<std::chrono::milliseconds> m_longestPause; ///< of a live stream
     NeighbourScanner m_scanner;

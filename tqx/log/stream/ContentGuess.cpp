@@ -126,14 +126,14 @@ bool isRtcm2(std::string_view text)
 }
 
 /// Whether it contains a header of a block.
-bool hasHeader(std::string_view text)
+bool hasHeader(std::string_view text, const Schema& schema)
 {
     constexpr size_t headerSize = 8;
     for (size_t i = 0; (i = text.find("$@", i)) != std::string_view::npos; ++i) {
         if (i + headerSize > text.size())
             return false;
         const uint8_t* header = bytesOf(text) + i;
-        if (isPlausibleHeader(korcg_load_u16(header + 4), korcg_load_u16(header + 6)))
+        if (isPlausibleHeader(korcg_load_u16(header + 4), korcg_load_u16(header + 6), schema))
             return true;
     }
     return false;
@@ -165,7 +165,7 @@ Content messagesIn(std::string_view text)
 
 } // namespace
 
-Content guessContent(const uint8_t* bytes, size_t size)
+Content guessContent(const uint8_t* bytes, size_t size, const Schema& schema)
 {
     const std::string_view text(reinterpret_cast<const char*>(bytes), size);
     for (const Signature& one : signatures) {
@@ -177,7 +177,7 @@ Content guessContent(const uint8_t* bytes, size_t size)
     if (isRtcm2(text))
         return Content::Rtcm2;
     if (text.empty() || !std::all_of(text.begin(), text.end(), isText))
-        return hasHeader(text) ? Content::DamagedTqx : Content::Unknown;
+        return hasHeader(text, schema) ? Content::DamagedTqx : Content::Unknown;
     return text.substr(0, 2) == "{\"" ? Content::JsonLines : Content::Text;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tqx/log/schema/Schema.h"
 #include "tqx_log_export.h"
 
 #include <cstddef>
@@ -29,7 +30,7 @@ enum class Content {
 
 /// Guesses from the first bytes of an input; a few thousand are enough. NMEA and RTCM must have
 /// correct checksums and next to nothing else between them.
-TQX_LOG_API Content guessContent(const uint8_t* bytes, size_t size);
+TQX_LOG_API Content guessContent(const uint8_t* bytes, size_t size, const Schema& schema = {});
 
 /// "RINEX", "text", "compressed by gzip": what "it seems to be".
 TQX_LOG_API const char* describeContent(Content content);

@@ -63,9 +63,9 @@ Range lengthsOf(const TQX_TypeLayout& type, unsigned revision)
 
 } // namespace
 
-bool isPlausibleHeader(uint16_t id, size_t length)
+bool isPlausibleHeader(uint16_t id, size_t length, const Schema& schema)
 {
-    const TQX_TypeLayout* type = TQX_layout(TQX_recordType(TQX_blockNumberOf(id)));
+    const TQX_TypeLayout* type = schema.getBlockType(TQX_blockNumberOf(id));
     if (type == nullptr)
         return false;
     const Range range = lengthsOf(*type, TQX_revisionOf(id));

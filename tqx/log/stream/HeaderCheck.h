@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tqx/log/schema/Schema.h"
 #include "tqx_log_export.h"
 
 #include <cstddef>
@@ -11,6 +12,6 @@ namespace tqx
 /// Whether a header may begin a block: its number is known, and its length is possible for that
 /// type and revision. False for every unknown number, which may belong to a newer type: a reason
 /// for doubt, not proof. `id` is the header's ID, revision included.
-TQX_LOG_API bool isPlausibleHeader(uint16_t id, size_t length);
+TQX_LOG_API bool isPlausibleHeader(uint16_t id, size_t length, const Schema& schema = {});
 
 } // namespace tqx

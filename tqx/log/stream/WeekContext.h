@@ -9,6 +9,8 @@
 namespace tqx
 {
 
+class Schema;
+
 /// The state that decoding carries from block to block, for readers that do not decode every block.
 /// A context that it is applied to decodes like one that has decoded every block before, with all
 /// types enabled.
@@ -23,9 +25,15 @@ struct TQX_LOG_API WeekContext {
         context.lastTOW = lastTow;
     }
 
-    /// Advances by a block as decoding does: by every block of a known type that is long enough for
-    /// a TOW, whether it decodes or not. Returns whether a week begins with it.
+    /// Advances by a block as decoding does: by every block of a built-in type that is long enough
+    /// for a TOW, whether it decodes or not. Returns whether a week begins with it.
     bool follow(const Block& block);
+
+    /// The same for blocks of all types of a schema.
+    bool follow(const Block& block, const Schema& schema);
+
+    /// The same for a block whose type is known to the caller, whatever its number.
+    bool followKnown(const Block& block);
 };
 
 } // namespace tqx

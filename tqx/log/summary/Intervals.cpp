@@ -72,7 +72,7 @@ void Intervals::keep(GnssMillis after, uint64_t interval)
         ++m_unlisted;
 }
 
-/// Forgets the intervals that are no gaps.
+/// Drops the intervals that are not gaps.
 bool Intervals::makeRoom()
 {
     const std::optional<uint64_t> usual = getUsual();

@@ -47,6 +47,7 @@ NumberSource sourceOf(const TQX_FieldLayout& field, const TQX_FieldFacts& facts,
                   : TQX_isSigned(field) ? NumberSource::Form::Signed
                                         : NumberSource::Form::Unsigned;
     source.hasDoNotUse = hidesDoNotUse && facts.has(TQX_FieldFacts::HasDoNotUse);
+    source.isWhole = facts.has(TQX_FieldFacts::Whole);
     source.doNotUse = TQX_doNotUse(facts);
     source.realDoNotUse = TQX_realDoNotUse(facts);
     return source;

@@ -26,6 +26,7 @@ struct NumberSource {
     Form form = Form::Unsigned;
     uint32_t size = 1; ///< of the value in bytes
     bool hasDoNotUse = false;
+    bool isWhole = false;  ///< an array has it in all elements or in none, see isWholeValue()
     uint64_t doNotUse = 0; ///< of an integer, in two's complement
     double realDoNotUse = 0;
 };

@@ -31,7 +31,7 @@ size_t IndexInput::read(TableBlock* blocks, size_t capacity)
     size_t count = 0;
     for (Block block = {}; count < most && m_found.next(block); ++count) {
         WeekContext week = m_found.getContext();
-        week.follow(block);
+        week.followKnown(block);
         blocks[count] = {block.data, block.size, week.weekCounter, block.offset, m_name};
     }
     return count;

@@ -155,6 +155,9 @@ void NumberColumn::appendSome(const uint8_t* from, const Run& run, const Reading
         m_apply(read, run.count, *m_plan.scale, out);
     if (m_findAvailable) {
         m_findAvailable(read, run.count, m_plan.source, flags);
+        // Such arrays are appended one by one and are shorter than a chunk.
+        if (m_plan.source.isWhole && std::find(flags, flags + run.count, 1) != flags + run.count)
+            std::memset(flags, 1, run.count);
     } else if (!m_inputs.empty()) {
         std::memset(flags, 1, run.count);
     }

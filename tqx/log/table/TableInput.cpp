@@ -24,7 +24,7 @@ size_t StreamInput::read(TableBlock* blocks, size_t capacity)
         if (block.getNumber() != m_number)
             continue;
         WeekContext week = m_stream.getContext();
-        week.follow(block);
+        week.followKnown(block);
         week.applyTo(m_context);
         // The stream keeps the bytes of one block at a time.
         *blocks = {block.data, block.size, m_context.weekCounter, block.offset, m_stream.getName()};

@@ -36,7 +36,7 @@ struct TablePlan;
 class TQX_LOG_API TableSchema
 {
 public:
-    /// Throws DataError when the type is no main block, when `options.rows` is no path of
+    /// Throws DataError when the type is not a main block, when `options.rows` is not a path of
     /// sub-blocks, when no field is chosen or when a batch would have no room.
     TableSchema(const Kor::MessageApi::TQX_TypeLayout& type, TableOptions options);
     ~TableSchema();

@@ -1,9 +1,7 @@
 #include "tqx/log/table/TableStream.h"
 
-#include <cerrno>
-#include <exception>
-#include <new>
-#include <string>
+#include "tqx/log/table/ArrowProducer.h"
+
 #include <utility>
 
 namespace tqx
@@ -13,74 +11,6 @@ namespace
 {
 
 constexpr size_t blocksPerRead = 1024;
-
-/// What an exported stream refers to.
-struct StreamContent {
-    std::unique_ptr<TableStream> table;
-    std::string error;
-    int code = 0; ///< of the error
-
-    template<typename Work>
-    int run(const Work& work) noexcept
-    {
-        if (code != 0)
-            return code;
-        try {
-            work();
-        } catch (const std::bad_alloc&) {
-            code = ENOMEM;
-        } catch (const std::exception& failure) {
-            code = EIO;
-            note(failure.what());
-        } catch (...) {
-            code = EIO;
-        }
-        return code;
-    }
-
-    void note(const char* text) noexcept
-    {
-        try {
-            error = text;
-        } catch (const std::bad_alloc&) {
-            error.clear();
-        }
-    }
-};
-
-StreamContent& contentOf(ArrowArrayStream* stream)
-{
-    return *static_cast<StreamContent*>(stream->private_data);
-}
-
-int getSchema(ArrowArrayStream* stream, ArrowSchema* out)
-{
-    StreamContent& content = contentOf(stream);
-    return content.run([&] { content.table->getSchema().exportTo(*out); });
-}
-
-int getNext(ArrowArrayStream* stream, ArrowArray* out)
-{
-    StreamContent& content = contentOf(stream);
-    return content.run([&] {
-        if (!content.table->next(*out))
-            *out = {};
-    });
-}
-
-const char* getLastError(ArrowArrayStream* stream)
-{
-    const StreamContent& content = contentOf(stream);
-    if (content.code == ENOMEM)
-        return "out of memory";
-    return content.error.empty() ? nullptr : content.error.c_str();
-}
-
-void releaseStream(ArrowArrayStream* stream)
-{
-    delete static_cast<StreamContent*>(stream->private_data);
-    stream->release = nullptr;
-}
 
 } // namespace
 
@@ -120,13 +50,10 @@ bool TableStream::next(ArrowArray& out)
 
 void exportStream(std::unique_ptr<TableStream> table, ArrowArrayStream& out)
 {
-    auto content = std::make_unique<StreamContent>();
-    content->table = std::move(table);
-    out.get_schema = getSchema;
-    out.get_next = getNext;
-    out.get_last_error = getLastError;
-    out.release = releaseStream;
-    out.private_data = content.release();
+    const std::shared_ptr<TableStream> shared = std::move(table);
+    exportStream({[shared](ArrowSchema& schema) { shared->getSchema().exportTo(schema); },
+                  [shared](ArrowArray& batch) { return shared->next(batch); }},
+                 out);
 }
 
 } // namespace tqx

@@ -2,6 +2,7 @@
 
 #include "tqx/log/record/MemberReader.h"
 #include "tqx/log/text/CsvText.h"
+#include "tqx/log/text/NumberText.h"
 #include "tqx/log/text/TextCache.h"
 #include "tqx/log/value/ShownValue.h"
 
@@ -151,10 +152,14 @@ void CsvTable::appendOther(Buffer& out, Step& step, const void* record) const
     const uint32_t count = step.member.countElements(record);
     const uint32_t stride = step.member.getStride();
     const char* element = step.member.getElements(record);
+    const bool isWhole = step.member.isWhole(record);
     for (uint32_t i = 0; i < count; ++i, element += stride) {
         if (i != 0)
             out.append(';');
-        step.values.front().append(out, loadWord(element, stride));
+        if (isWhole)
+            number::appendUnsigned(out, loadWord(element, stride));
+        else
+            step.values.front().append(out, loadWord(element, stride));
     }
     if (m_style.isSafe && step.member.getField().type == TQX_MemberType::Char)
         csv::guardFrom(out, start);

@@ -1,6 +1,7 @@
 #include "tqx/log/write/Paragraph.h"
 
 #include "tqx/log/record/MemberReader.h"
+#include "tqx/log/text/NumberText.h"
 #include "tqx/log/text/PrintableText.h"
 #include "tqx/log/text/TextCache.h"
 #include "tqx/log/time/LeapSeconds.h"
@@ -124,15 +125,20 @@ void writeNumber(Buffer& out, ParagraphPlan::Step& part, bool isStored, const vo
     });
 }
 
-void writeArray(Buffer& out, const ParagraphPlan::Line& line, const char* element, uint32_t size,
-                uint32_t count)
+void writeArray(Buffer& out, const ParagraphPlan::Line& line, const MemberReader& member,
+                const void* record, uint32_t count)
 {
+    const uint32_t size = member.getStride();
+    const char* element = member.getElements(record);
+    const bool isWhole = member.isWhole(record);
     out.append(line.label);
     bool showsNumber = false;
     for (uint32_t i = 0; i < count; ++i, element += size) {
         if (i != 0)
             out.append(' ');
-        if (line.text.append(out, loadWord(element, size)))
+        if (isWhole)
+            number::appendUnsigned(out, loadWord(element, size));
+        else if (line.text.append(out, loadWord(element, size)))
             showsNumber = true;
     }
     if (showsNumber)
@@ -170,11 +176,10 @@ void writeRecord(Buffer& out, ParagraphPlan& plan, const void* record)
             continue;
         }
         const uint32_t count = part.member.countElements(record);
-        const char* element = part.member.getElements(record);
         if (part.plan) {
-            writeSubBlocks(out, part, element, count);
+            writeSubBlocks(out, part, part.member.getElements(record), count);
         } else if (count != 0) {
-            writeArray(out, part.lines.front(), element, part.member.getStride(), count);
+            writeArray(out, part.lines.front(), part.member, record, count);
         }
     }
 }

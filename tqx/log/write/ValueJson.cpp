@@ -83,12 +83,15 @@ void writeArray(Buffer& out, ValuePlan::Step& step, const void* record)
     const uint32_t count = step.member.countElements(record);
     const uint32_t stride = step.member.getStride();
     const char* element = step.member.getElements(record);
+    const bool isWhole = step.member.isWhole(record);
     out.append('[');
     for (uint32_t i = 0; i < count; ++i, element += stride) {
         if (i != 0)
             out.append(',');
         if (step.plan) {
             writeRecord(out, *step.plan, element);
+        } else if (isWhole) {
+            number::appendUnsigned(out, loadWord(element, stride));
         } else {
             step.parts.front().value.append(out, loadWord(element, stride));
         }

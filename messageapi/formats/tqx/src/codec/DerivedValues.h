@@ -127,6 +127,13 @@ inline double spatialDeviation(double varianceX, double varianceY, double varian
                : std::sqrt(varianceX + varianceY + varianceZ);
 }
 
+/// Spatial accuracy at 95 percent: twice the root of the sum of three variances.
+inline double spatialAccuracy(double varianceX, double varianceY, double varianceZ)
+{
+    const double deviation = spatialDeviation(varianceX, varianceY, varianceZ);
+    return deviation == notAvailable ? notAvailable : 2 * deviation;
+}
+
 /// Whether a component of a vector has a value.
 inline bool isAvailable(double component)
 {

@@ -59,6 +59,7 @@ constexpr TQX_Formula formulas[] = {
     formula<&horizontalAccuracy>("horizontalAccuracy"),
     formula<&verticalAccuracy>("verticalAccuracy"),
     formula<&spatialDeviation>("spatialDeviation"),
+    formula<&spatialAccuracy>("spatialAccuracy"),
     formula<&length2>("length2"),
     formula<&length3>("length3"),
     formula<&joinWords>("joinWords"),

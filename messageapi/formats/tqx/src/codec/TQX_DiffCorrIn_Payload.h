@@ -19,7 +19,7 @@ struct TQX_Corrections {
 };
 
 /// The corrections in a decoded DiffCorrIn, in the format that its Mode says; no bytes, and null,
-/// for a Mode that is no format. RTCM 2 comes in words of 32 bits.
+/// for a Mode that is not a format. RTCM 2 comes in words of 32 bits.
 inline TQX_Corrections TQX_correctionsOf(const TQX_DiffCorrIn_s& record)
 {
     const auto part = [&record](const auto& payload) {

@@ -32,6 +32,8 @@ struct TQX_FieldFacts {
         HasDoNotUse = 32,   ///< one value means "not available"
         NamesDoNotUse = 64, ///< that value has the name "DoNotUse", which no table holds
         Described = 128,    ///< a row of a described type (TQX_DescribedType.h)
+        Whole = 256, ///< an array of unsigned numbers that are one value, such as an address:
+                     ///< not available when all elements are the do-not-use value
     };
 
     uint16_t unit;         ///< for TQX_unit(); 0 for none, as with the next

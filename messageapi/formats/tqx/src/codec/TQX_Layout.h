@@ -71,7 +71,7 @@ struct TQX_FieldLayout {
     bool isPadding;                ///< padding, named "_padding<k>"
     uint8_t edition;               ///< of the format, that brought the field; 255: others added it
     bool isAddition;               ///< on the wire since a later edition than that of the type: in
-                                   ///< blocks of its revisions only, whoever writes them
+                                   // /< only in blocks of its revisions, whatever wrote them
     TQX_Summary summary;           ///< Bits: how the value comes from others of the word
     uint32_t summed;               ///< ... from which: bit k is the k-th row after the word
     void (*derive)(void* record);  ///< computes what derives from this field once it is read

@@ -80,7 +80,7 @@ uint32_t parseFields(const char* value)
 }
 
 /// Seconds to milliseconds. Leaves `*milliseconds` alone when there is no value; times before the
-/// epoch become 0, times beyond the range of 64 bits the last one. False when it is no integer.
+/// epoch become 0, times beyond the range of 64 bits the last one. False when it is not an integer.
 bool parseTime(const char* value, uint64_t* milliseconds)
 {
     if (value == nullptr || *value == '\0') {

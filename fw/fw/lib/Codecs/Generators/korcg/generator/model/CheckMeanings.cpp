@@ -25,6 +25,8 @@ std::string difference(const Field& one, const Field& other)
         return "scale";
     if (one.doNotUse != other.doNotUse)
         return "do-not-use value";
+    if (one.isWhole != other.isWhole)
+        return "meaning of 'none'";
     return {};
 }
 

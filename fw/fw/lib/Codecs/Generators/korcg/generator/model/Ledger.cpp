@@ -17,7 +17,7 @@ constexpr int steps[] = {1, -1};
 
 constexpr std::string_view head =
     "# Record types and codes of the editions after the first, in the order in which they were\n"
-    "# handed out. `korcg-generate --update-ledger` appends to it; nothing is ever changed or\n"
+    "# assigned. `korcg-generate --update-ledger` appends to it; nothing is ever changed or\n"
     "# removed, because logs and programs in the field rely on these numbers.\n"
     "# edition, kind, number, name\n";
 

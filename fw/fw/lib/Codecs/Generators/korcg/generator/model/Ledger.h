@@ -10,8 +10,8 @@
 namespace korcg::generator
 {
 
-/// The numbers that editions after the first have handed out, oldest first: record types, counted
-/// up from the last one of the first edition, and codes, counted down from its last. It only ever
+/// The numbers that editions after the first have assigned, oldest first: record types, counted up
+/// from the last one of the first edition, and codes, counted down from its last. It only ever
 /// grows, so what a number meant once it means in every later build.
 ///
 /// Text, one entry per line: "<edition> type <number> <name>" or "<edition> code <number> <name>".

@@ -89,6 +89,7 @@ struct Field {
     std::string symbols;            ///< name of the symbol table, or empty
     std::optional<Number> doNotUse; ///< in the field's own type
     bool doNotUseNamed = true;      ///< whether "DoNotUse" is added as a named value
+    bool isWhole = false;           ///< array that lacks its value only when all elements do
     bool isOptional = false;
     bool isRepeated = false;
     bool isVirtual = false;

@@ -77,8 +77,8 @@ private:
         m_format.latestEdition = latest;
     }
 
-    /// The list has the names of all editions; a name that was left out on purpose is no error, and
-    /// those of an earlier edition keep their places.
+    /// The list has the names of all editions; a name that was left out on purpose is not an error,
+    /// and those of an earlier edition keep their places.
     void setRegistration(const std::vector<TypeDraft>& drafts)
     {
         std::map<std::string, int> editions;

@@ -43,14 +43,14 @@ std::vector<Field> headerFields(const Location& where)
 
     Field tow = headerField(where, "TOW", Scalar::U32, 32);
     tow.role = Role::Data;
-    tow.text = "time of week";
+    tow.text = "GPS time of week";
     tow.unit = "second";
     tow.scale = 0.001;
     tow.doNotUse = uint64_t{4294967295};
 
     Field week = headerField(where, "WNc", Scalar::U16, 16);
     week.role = Role::Data;
-    week.text = "week number";
+    week.text = "GPS week, not modulo 1024";
     week.unit = "week";
     week.doNotUse = uint64_t{65535};
 

@@ -50,6 +50,9 @@ constexpr Key unnamedNone = {
     "unnamed_none", "true, false",
     "whether that value goes without the name DoNotUse, because its table of "
     "named values has another one"};
+constexpr Key whole = {"whole", "true, false",
+                       "whether the elements of an array of a fixed length are one value, such as "
+                       "an address, which is not available when `none` is in all of them"};
 constexpr Key symbols = {"symbols", "name", "table of named values"};
 constexpr Key mask = {"mask", "true, false", "shown as a set of bits"};
 constexpr Key isVirtual = {"virtual", "true, false",
@@ -162,6 +165,7 @@ const KeyTable& fieldKeys()
          precision,
          none,
          unnamedNone,
+         whole,
          symbols,
          mask,
          isVirtual,

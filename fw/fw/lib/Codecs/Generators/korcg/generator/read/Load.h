@@ -14,7 +14,7 @@ namespace korcg::generator
 struct Edition {
     int number = 0;           ///< what later ones added is left out; 0 for the latest
     Ledger* ledger = nullptr; ///< the numbers of editions after the first; without one they are
-                              ///< handed out in the order of the description
+                              // /< assigned in the order of the description
 };
 
 /// Reads, links, numbers and checks a description. The result may be emitted only when `errors`

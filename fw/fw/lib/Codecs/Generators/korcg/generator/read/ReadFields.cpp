@@ -20,6 +20,7 @@ namespace
 constexpr int highestRevisionNumber = 7;
 constexpr int highestPrecision = 20;
 constexpr int longestArray = 65535;
+constexpr int longestWhole = 64;
 
 Mention mention(const YamlMap& map, std::string_view key)
 {
@@ -275,6 +276,24 @@ void readElements(const ReadContext& context, const YamlMap& map, FieldDraft& dr
         map.error("capacity", "belongs to fields that another field counts");
 }
 
+/// Reads whether an array is one value; writers rely on plain numbers then.
+void readWhole(const YamlMap& map, Field& field)
+{
+    field.isWhole = map.flag("whole").value_or(false);
+    const bool isPlain = field.kind == FieldKind::Array && isInteger(field.type) &&
+                         !isSignedInteger(field.type) && !field.scale && field.symbols.empty() &&
+                         !field.bitMask && !map.has("bits");
+    if (!field.isWhole)
+        return;
+    if (!map.has("none"))
+        map.error("whole", "needs 'none'");
+    if (!isPlain || field.elements > longestWhole) {
+        map.error("whole", fmt::format("belongs to arrays of up to {} unsigned numbers without "
+                                       "scale, names and bits",
+                                       longestWhole));
+    }
+}
+
 FieldDraft readWireField(const ReadContext& context, const YAML::Node& node)
 {
     const Definition* const definition = definitionOf(context, node);
@@ -305,6 +324,7 @@ FieldDraft readWireField(const ReadContext& context, const YAML::Node& node)
         map.error("only", "belongs to padding, named _padding<revision>");
     readElements(context, map, draft, isText);
     readMetadata(map, draft);
+    readWhole(map, field);
     readBits(map, draft);
     return draft;
 }

@@ -10,7 +10,7 @@ namespace korcg::generator
 namespace
 {
 
-/// Goes through the text before nodes are made of it. Keeps out what the tree would not survive:
+/// Goes through the text before nodes are made from it. Keeps out what the tree would not survive:
 /// nodes that contain themselves, and the parser's habit of returning empty documents for ever at a
 /// comma outside of any collection.
 class Guard : public YAML::EventHandler

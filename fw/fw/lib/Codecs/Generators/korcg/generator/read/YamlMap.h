@@ -54,7 +54,7 @@ class YamlMap
 {
 public:
     /// Keys that are not in the table, and keys given twice, are reported at once; so is a node
-    /// that is no map.
+    /// that is not a map.
     YamlMap(const ReadContext& context, const YAML::Node& node, const KeyTable& table);
     /// A node that refers to a definition: it has the keys of the definition, but for those that it
     /// gives itself; `~` leaves one out. The node may be the bare name of the definition.

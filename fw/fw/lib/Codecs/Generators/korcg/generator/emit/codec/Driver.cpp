@@ -138,6 +138,11 @@ std::string editionHeader(const Format& format)
         "constexpr uint32_t TQX_laterRecordTypes = {later};\n\n"
         "/// Codes go from -1 down to this.\n"
         "constexpr int32_t TQX_lowestCode = {lowestCode};\n\n"
+        "/// Codes of types that others added to this build, if any: the first of them, and how "
+        "many\n"
+        "/// there are from it down.\n"
+        "constexpr int32_t TQX_firstAddedCode = {firstAddedCode};\n"
+        "constexpr int32_t TQX_addedCodes = {addedCodes};\n\n"
         "/// Code of an unknown block number, TQX_ERR_INVALID_MESSAGE.\n"
         "constexpr int32_t TQX_invalidMessage = {invalidMessage};\n\n"
         "}} // namespace Kor::MessageApi\n",
@@ -145,6 +150,8 @@ std::string editionHeader(const Format& format)
         fmt::arg("lastRecord", lastRecord), fmt::arg("lastFirstRecord", format.lastFirstRecord),
         fmt::arg("later", laterTypes),
         fmt::arg("lowestCode", -static_cast<int>(format.codeNames.size())),
+        fmt::arg("firstAddedCode", format.firstAddedCode),
+        fmt::arg("addedCodes", format.addedCodeNames.size()),
         fmt::arg("invalidMessage", format.invalidMessage));
 }
 

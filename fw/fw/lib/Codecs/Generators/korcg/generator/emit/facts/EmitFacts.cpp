@@ -63,6 +63,7 @@ unsigned flags(const Field& field)
         {field.identifies, 16},
         {field.doNotUse.has_value(), 32},
         {field.doNotUse && field.doNotUseNamed, 64},
+        {field.isWhole, 256},
     };
     unsigned value = 0;
     for (const auto& [isSet, flag] : all)

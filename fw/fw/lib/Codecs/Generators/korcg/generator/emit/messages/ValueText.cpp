@@ -210,7 +210,8 @@ std::string valueText(const Format& format, const RecordType& type, const Field&
                                                : rangeText(field);
     std::string missing;
     if (field.doNotUse)
-        missing = fmt::format("{}{}when not available", numberText(*field.doNotUse), firmBlank);
+        missing = fmt::format("{}{}{}when not available", field.isWhole ? "all " : "",
+                              numberText(*field.doNotUse), firmBlank);
     const std::string unit = unitText(field);
     const std::string together =
         values.empty() || missing.empty() ? values + missing : values + ", " + missing;

@@ -7,7 +7,7 @@
 namespace korcg::generator
 {
 
-/// Initialisers of the TQX_FieldRow table of one type, a row a field.
+/// Initialisers of the TQX_FieldRow table of one type, one row per field.
 std::string fieldRows(const RecordType& type);
 
 /// Initialiser of the type's TQX_TypeRow; `rows` is the name of its field table.

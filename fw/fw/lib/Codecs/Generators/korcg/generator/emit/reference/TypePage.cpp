@@ -99,7 +99,9 @@ std::string meaning(const Format& format, const RecordType& type, const Field& f
     std::string text = escaped(field.text);
     for (const std::string& part :
          {presenceText(type, field), derivationText(field),
-          field.doNotUse ? fmt::format("not available: {}", numberText(*field.doNotUse)) : ""}) {
+          field.doNotUse ? fmt::format("not available: {}{}", field.isWhole ? "all " : "",
+                                       numberText(*field.doNotUse))
+                         : ""}) {
         if (!part.empty())
             text += (text.empty() ? "" : "; ") + part;
     }

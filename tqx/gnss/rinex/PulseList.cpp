@@ -1,9 +1,9 @@
-#include "output/PulseList.h"
+#include "tqx/gnss/rinex/PulseList.h"
 
 #include <algorithm>
 #include <tuple>
 
-namespace tqx::tool
+namespace tqx
 {
 
 namespace
@@ -45,4 +45,4 @@ size_t PulseList::findFirstFrom(GnssMillis time, size_t start) const
     return start;
 }
 
-} // namespace tqx::tool
+} // namespace tqx

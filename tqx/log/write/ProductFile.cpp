@@ -1,4 +1,4 @@
-#include "OutputFile.h"
+#include "tqx/log/write/ProductFile.h"
 
 #include "tqx/log/DataError.h"
 
@@ -10,10 +10,10 @@
 #include <system_error>
 #include <utility>
 
-namespace tqx::python
+namespace tqx
 {
 
-OutputFile::OutputFile(std::string path, bool isCompressed)
+ProductFile::ProductFile(std::string path, bool isCompressed)
     : m_path(std::move(path)), m_partPath(m_path + ".part")
 {
     errno = 0;
@@ -26,31 +26,21 @@ OutputFile::OutputFile(std::string path, bool isCompressed)
         fail();
 }
 
-OutputFile::~OutputFile()
+ProductFile::~ProductFile()
 {
     if (!m_file && !m_packed)
         return;
-    if (m_packed)
-        gzclose(m_packed);
-    if (m_file)
-        static_cast<void>(std::fclose(m_file));
+    close();
     std::error_code ignored;
     std::filesystem::remove(m_partPath, ignored);
 }
 
-void OutputFile::fail() const
+void ProductFile::fail() const
 {
     throw DataError(m_path + ": " + (errno == 0 ? "cannot be written" : std::strerror(errno)));
 }
 
-void OutputFile::commit()
-{
-    constexpr size_t large = 1 << 20;
-    if (m_buffer.size() >= large)
-        flush();
-}
-
-void OutputFile::flush()
+void ProductFile::flush()
 {
     errno = 0;
     const size_t size = m_buffer.size();
@@ -61,16 +51,23 @@ void OutputFile::flush()
         fail();
 }
 
-void OutputFile::finish()
+bool ProductFile::close()
+{
+    const bool isWritten = m_packed ? gzclose(m_packed) == Z_OK : std::fclose(m_file) == 0;
+    m_packed = nullptr;
+    m_file = nullptr;
+    return isWritten;
+}
+
+void ProductFile::finish()
 {
     flush();
-    const bool isWritten = m_packed ? gzclose(std::exchange(m_packed, nullptr)) == Z_OK
-                                    : std::fclose(std::exchange(m_file, nullptr)) == 0;
     std::error_code error;
-    if (isWritten)
+    if (close()) {
         std::filesystem::rename(m_partPath, m_path, error);
-    if (isWritten && !error)
-        return;
+        if (!error)
+            return;
+    }
     std::error_code ignored;
     std::filesystem::remove(m_partPath, ignored);
     if (error)
@@ -78,4 +75,4 @@ void OutputFile::finish()
     fail();
 }
 
-} // namespace tqx::python
+} // namespace tqx

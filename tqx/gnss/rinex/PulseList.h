@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace tqx::tool
+namespace tqx
 {
 
 /// The pulses on inputs in a log. All are kept, because a receiver may report a pulse after the
@@ -45,4 +45,4 @@ private:
     EventGatherer m_gatherer;
 };
 
-} // namespace tqx::tool
+} // namespace tqx
