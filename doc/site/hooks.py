@@ -30,7 +30,14 @@ def on_config(config):
 def generated(config, folder, name):
     """The files of a generated folder, as the site has them below `name`."""
     for path in sorted(folder.rglob("*")):
-        if path.is_file():
+        if not path.is_file():
+            continue
+        if name == "reference" and path.suffix == ".html":
+            # Alone it has no guide to lead to.
+            text = path.read_text().replace("<nav>", '<nav><a href="../index.html">Guide</a> ', 1)
+            yield File.generated(config, f"{name}/{path.relative_to(folder).as_posix()}",
+                                 content=text, inclusion=InclusionLevel.INCLUDED)
+        else:
             yield File.generated(config, f"{name}/{path.relative_to(folder).as_posix()}",
                                  abs_src_path=str(path), inclusion=InclusionLevel.INCLUDED)
 

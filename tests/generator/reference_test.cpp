@@ -110,10 +110,13 @@ TEST_F(Reference, SaysWhatTheDescriptionImplies)
         {"type-Carrier.html", "16 bytes + the fields that depend on Kind"},
         {"type-Payload.html", "18 bytes + the fields that depend on Mode"},
         {"type-Growing.html", "<dd>22 bytes</dd>"}, // of all revisions, by padding
-        {"type-Growing.html", "<td>B <small>byte</small></td>"},
+        {"type-Growing.html", "<td data-label=\"unit\">B <small>byte</small></td>"},
         {"type-Growing.html",
-         "<td>18</td><td>Second</td><td>u8</td><td></td><td></td><td></td><td>1</td>"},
-        {"type-Growing.html", "<td>s <small>second</small></td><td>0.001</td>"},
+         "<td>18</td><td>Second</td><td>u8</td><td data-label=\"unit\"></td><td "
+         "data-label=\"scale\"></td>"
+         "<td data-label=\"digits\"></td><td data-label=\"since revision\">1</td>"},
+        {"type-Growing.html",
+         "<td data-label=\"unit\">s <small>second</small></td><td data-label=\"scale\">0.001</td>"},
         {"type-Note2.html", "not available: -32768"},
         {"index.html", "Holds First, Jumps, Second, Third"},
         {"names.html", "Used by <a href=\"type-Cell.html#f-Row_Number\">"},

@@ -160,5 +160,5 @@ INSTANTIATE_TEST_SUITE_P(
                     DamageCase{"ZstandardCutOff", zstdFrame, 100, "",
                                "the zstd stream ends too early"},
                     DamageCase{"GzipAndOther", gzipped, 0, "more",
-                               "bytes that are no gzip stream follow its end"}),
+                               "its end is followed by bytes that are not a gzip stream"}),
     [](const auto& instance) { return instance.param.name; });

@@ -411,7 +411,7 @@ TEST(Csv, ConditionsOnRowsAreChecked)
         {"SVIDs == 'G01'", "no field of a selected row named SVIDs, did you mean SVID?"},
         {"Latitude > 1", "no field of a selected row named Latitude"},
         {"Type2.SVID == 'G01'", "no field of a selected row named Type2.SVID"},
-        {"any(Type1: CN0 > 3)", "any is for blocks"},
+        {"any(Type1: CN0 > 3)", "any is only for blocks"},
         {"SVID > 'G01'", "SVID can be compared with a name or text by"},
         {"Type1 == 3", "Type1 holds sub-blocks"},
         {"CN0 >", "--rows: "}};

@@ -212,7 +212,7 @@ TEST(Merge, ReadsMoreInputsThanMayBeOpenAtFirst)
     qputenv("LOG", log.c_str());
     EXPECT_EQ(mergeUnder("ulimit -S -n 40"), "");
     EXPECT_EQ(mergeUnder("ulimit -n 40"),
-              "tqx: 60 inputs at the same time are more than the system allows, which is 40 open "
+              "tqx: 60 inputs at the same time exceed the system's limit of 40 open "
               "files (see ulimit -n)\n");
 }
 
@@ -226,7 +226,7 @@ TEST(MergeAndSplit, SayWhatTheyCannotDo)
         QStringList arguments;
         std::string words;
     } cases[] = {
-        {{"split", log}, "--every or --size says where to split"},
+        {{"split", log}, "--every or --size is required"},
         {{"split", log, "--every", "1y"}, "'1y' is not a duration, such as 30s"},
         {{"split", log, "--every", "0.0001s"}, "is not 1 ms to 3650 d"},
         {{"split", log, "--every", "1h", "--size", "1MB"}, "--every excludes --size"},

@@ -311,7 +311,7 @@ TEST_P(BadTime, IsNoTime)
 {
     const ToolRun run = runTool({"cut", "--from", GetParam(), "-"});
     EXPECT_EQ(run.status, 1);
-    EXPECT_NE(run.words.find(std::string("--from: '") + GetParam() + "' is no time; write"),
+    EXPECT_NE(run.words.find(std::string("--from: '") + GetParam() + "' is not a time; write"),
               std::string::npos)
         << run.words;
 }

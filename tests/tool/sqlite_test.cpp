@@ -270,7 +270,7 @@ TEST(SqliteDump, KeepsWhatIsThereUntilItIsComplete)
         {{"-o", target, "--where", "Nothing > 1", QString::fromStdString(source)}, "Nothing"},
         {{"-o", target, target}, "is an input"},
         {{QString::fromStdString(source)}, "writes a file, name it with -o"},
-        {{"-o", "/dev/null", QString::fromStdString(source)}, "is no regular file"},
+        {{"-o", "/dev/null", QString::fromStdString(source)}, "is not a regular file"},
         {{"-o", QString::fromStdString(folder.fileName("no/log")), QString::fromStdString(source)},
          "No such file or directory"},
     };

@@ -63,7 +63,7 @@ std::string framing()
     return page("Framing", R"(<p>A stream is a sequence of blocks. All numbers are little-endian;
 offsets count bytes from the first sync character.</p>
 <table>
-<tr><th>Offset</th><th>Field</th><th>Type</th><th></th></tr>
+<tr><th>Offset</th><th>Field</th><th>Type</th><th>Holds</th></tr>
 <tr><td>0</td><td>Sync1</td><td>char</td><td>$</td></tr>
 <tr><td>1</td><td>Sync2</td><td>char</td><td>@</td></tr>
 <tr><td>2</td><td>CRC</td><td>u16</td><td>CRC-16-CCITT (polynomial 0x1021, start 0, nothing
@@ -80,6 +80,21 @@ exactly that length; what a reader does not know at its end is skipped. Entries 
 an entry follow it and have a length of their own, which is in the block as well.</p>
 <p>A later revision adds fields after those of the earlier ones, so that a reader takes what it
 knows of any revision.</p>
+<h2>Result codes</h2>
+<p>Decoding and encoding return the number of bits, or a negative code. Each type has the codes that its
+page lists; <code>tqx error</code> names them.</p>
+<table class="values">
+<tr><th>Name ends in</th><th>Meaning</th></tr>
+<tr><td>FIELD_EXT_BUFFER_OVERFLOW</td><td>the block, or the buffer to encode into, ends before this
+field does</td></tr>
+<tr><td>FIELD_INT_BUFFER_OVERFLOW</td><td>the count of the field is larger than its room in the
+record</td></tr>
+<tr><td>SIZE_UNDERFLOW</td><td>the fields of a sub-block take more bytes than its length says</td></tr>
+<tr><td>INTERNAL</td><td>the length of a sub-block leads beyond what can be addressed</td></tr>
+<tr><td>CRC_CHECKSUM</td><td>reserved: decoding does not test the checksum</td></tr>
+<tr><td>DISABLED</td><td>the type is switched off in the decoder</td></tr>
+<tr><td>INVALID_MESSAGE</td><td>the block number is unknown, or the block too short for one</td></tr>
+</table>
 )");
 }
 

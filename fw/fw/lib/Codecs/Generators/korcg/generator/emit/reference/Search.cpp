@@ -139,7 +139,7 @@ h2, tr { scroll-margin-top: 6.5em; }
 dl { display: grid; grid-template-columns: max-content auto; gap: .15em 1.5em; margin: 0 0 1.5em;
      padding: .8em 1em; background: var(--raised); border-radius: 6px; }
 dt, .users, small { color: var(--soft); }
-dd { margin: 0; }
+dd { margin: 0; min-width: 0; overflow-wrap: anywhere; }
 code { font-size: .92em; }
 table { border-collapse: collapse; width: 100%; }
 table.values { width: auto; }
@@ -170,8 +170,18 @@ summary { cursor: pointer; color: var(--link); }
 #search li a:focus { outline: none; background: var(--mark); }
 #search li span { color: var(--text); }
 @media (max-width: 50em) {
-    .fields { display: block; overflow-x: auto; }
-    .fields th { position: static; }
+    h2, tr { scroll-margin-top: 9em; }
+    .fields, .fields tbody { display: block; }
+    .fields thead, .fields td:empty { display: none; }
+    .fields td:first-child:empty { display: block; }
+    .fields tr { display: grid; grid-template-columns: 2.5em 1fr max-content; gap: 0 .8em;
+                 padding: .35em 0; border-bottom: 1px solid var(--line); }
+    .fields td { border: 0; padding: 0; grid-column: 2 / -1; overflow-wrap: anywhere; }
+    .fields td:nth-child(1) { grid-column: 1; }
+    .fields td:nth-child(2) { grid-column: 2; white-space: normal; }
+    .fields td:nth-child(3) { grid-column: 3; }
+    .fields td[data-label]::before { content: attr(data-label) " "; color: var(--soft); }
+    .index td:nth-child(-n+2) { white-space: normal; overflow-wrap: anywhere; }
 }
 @media print {
     :root { --text: #000; --soft: #444; --line: #bbb; --back: #fff; --raised: #fff; --link: #000; }
@@ -179,6 +189,7 @@ summary { cursor: pointer; color: var(--link); }
     header { display: none; }
     main { max-width: none; padding: 0; }
     .fields th { position: static; }
+    h2 { break-after: avoid; }
     tr, dl { break-inside: avoid; }
     thead { display: table-header-group; }
     details::details-content { content-visibility: visible; }

@@ -135,15 +135,17 @@ std::string fieldRow(const Format& format, const RecordType& type, const Field& 
         fmt::format("<tr id=\"{}\" class=\"{}\"><td>{}</td><td>{}</td><td>{}</td>", anchorOf(field),
                     classOf(type, field), placed ? fmt::format("{}", field.wireOffset) : "",
                     escaped(field.name), typeText(type, field));
-    const auto cell = [&text](bool isShown, const std::string& content) {
+    // Labels for screens that are too narrow for columns.
+    const auto cell = [&text](bool isShown, std::string_view label, const std::string& content) {
         if (isShown)
-            text += "<td>" + content + "</td>";
+            text += fmt::format("<td data-label=\"{}\">{}</td>", label, content);
     };
-    cell(columns.hasUnit, unitText(format, field));
-    cell(columns.hasScale, field.scale ? fmt::format("{}", *field.scale) : "");
-    cell(columns.hasPrecision, field.precision ? fmt::format("{}", *field.precision) : "");
-    cell(columns.hasRevision, revisionText(field));
-    cell(true, meaning(format, type, field));
+    cell(columns.hasUnit, "unit", unitText(format, field));
+    cell(columns.hasScale, "scale", field.scale ? fmt::format("{}", *field.scale) : "");
+    cell(columns.hasPrecision, "digits",
+         field.precision ? fmt::format("{}", *field.precision) : "");
+    cell(columns.hasRevision, "since revision", revisionText(field));
+    text += "<td>" + meaning(format, type, field) + "</td>";
     return text + "</tr>\n";
 }
 
