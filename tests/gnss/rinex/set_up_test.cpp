@@ -84,7 +84,8 @@ TEST(Installation, MissingIsSaidOnceAndNamesCanBeGiven)
     tool.expectRun("rinex log.tqx -o bare");
     EXPECT_NE(tool.read("err").find("does not describe the installation"), std::string::npos);
     EXPECT_EQ(readFile(tool, "bare").only("MARKER NAME").substr(0, 8), "UNKNOWN ");
-    tool.expectRun("rinex log.tqx -o named --marker 'GRAZ 1' --observer 'A. Bühler' --agency Office");
+    tool.expectRun(
+        "rinex log.tqx -o named --marker 'GRAZ 1' --observer 'A. Bühler' --agency Office");
     EXPECT_EQ(tool.read("err").find("installation"), std::string::npos);
     const rinex::ObservationFile file = readFile(tool, "named");
     EXPECT_EQ(file.only("MARKER NAME").substr(0, 7), "GRAZ 1 ");

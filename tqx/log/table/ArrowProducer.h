@@ -18,7 +18,7 @@ struct ArrowProducer {
     std::function<bool(ArrowArray& out)> next;
 };
 
-/// Hands a table to whoever reads Arrow. What `out` held is forgotten, not released. Its calls
+/// Exports a table to an Arrow reader. What `out` held is forgotten, not released. Its calls
 /// return 0, ENOMEM, the code of a std::system_error of the generic category, or EIO for anything
 /// else that was thrown; get_last_error gives the text. The table ends with an error. What the
 /// producer refers to must live until `out` is released. Throws std::bad_alloc, and leaves `out` as
