@@ -27,7 +27,7 @@ public:
 
 private:
     std::function<void(ArrowSchema& out)> m_describe;
-    ArrowProducer m_producer; ///< empty once it was exported
+    ArrowProducer m_producer; ///< empty once it was taken
     std::shared_ptr<TableCounts> m_counts;
 };
 

@@ -296,6 +296,8 @@ TEST(SimulatedReceiver, AttitudeIsThatOfItsAntennas)
     }
     EXPECT_GE(compared, 100U);
 
+    const json track =
+        json::parse(runTool({"track", "-q", "--format", "geojson", "-"}, log).output)["features"];
     size_t attitudes = 0;
     double squares = 0;
     const std::vector<json> covariances = blocks("AttCovEuler1", log);
@@ -309,6 +311,7 @@ TEST(SimulatedReceiver, AttitudeIsThatOfItsAntennas)
         EXPECT_NEAR(std::hypot(east, north, up), 1.5, 0.02);
         EXPECT_NEAR(std::remainder(heading - std::atan2(east, north) / degree, 360), 0, 0.01);
         EXPECT_NEAR(fields.at("Pitch"), std::atan2(up, std::hypot(east, north)) / degree, 0.01);
+        EXPECT_NEAR(track.at(attitudes).at("properties").at("heading"), heading, 1e-4);
         const json& position = positions.at(attitudes);
         const double course =
             std::atan2(position.at("Ve").get<double>(), position.at("Vn").get<double>()) / degree;

@@ -91,7 +91,7 @@ int main(int argc, char** argv)
         window.open({QString::fromLocal8Bit(argv[1])});
         settle(1500);
         take("messages");
-        window.getPlots().add("TQX:MeasEpoch2:Type1:CN0", "");
+        window.getPlots().add("TQX:MeasEpoch2:Type1:CN0_dBHz", "");
         window.getPlots().add("TQX:PVTGeodetic2:Height", "");
         window.getPlots().add("TQX:PVTGeodetic2:NrSV", "");
         window.getTabs().setCurrentWidget(&window.getPlots());

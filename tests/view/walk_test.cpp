@@ -118,9 +118,9 @@ TEST_F(Newcomer, FindsTheOutageAndExportsThePlotOfASatellite)
     ASSERT_TRUE(waitFor([&] { return m_window.getMessages().getRows().getCount() == 240; }));
     auto& tree = *m_window.findChild<QTreeView*>("fields");
     const FieldTreeModel& fields = m_window.getMessages().getFields();
-    ASSERT_TRUE(waitFor([&] { return fields.rowOfPath("Type1[0].CN0") != FieldRow::none; }));
+    ASSERT_TRUE(waitFor([&] { return fields.rowOfPath("Type1[0].CN0_dBHz") != FieldRow::none; }));
     take("measurements");
-    click(tree, fields.indexOf(fields.rowOfPath("Type1[0].CN0")));
+    click(tree, fields.indexOf(fields.rowOfPath("Type1[0].CN0_dBHz")));
     QTest::keyClick(&tree, Qt::Key_Return);
 
     PlotPage& plots = m_window.getPlots();

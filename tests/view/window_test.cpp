@@ -340,7 +340,7 @@ TEST_F(Window, ShowsSatellitesAndTheTrack)
         << qPrintable(m_window.getTrack().getFiguresText());
     QTest::keyClicks(&m_window.getTrack().getCentre(), "somewhere");
     QTest::keyClick(&m_window.getTrack().getCentre(), Qt::Key_Return);
-    EXPECT_TRUE(m_window.getTrack().getFiguresText().startsWith("somewhere is no place"));
+    EXPECT_TRUE(m_window.getTrack().getFiguresText().startsWith("somewhere is not a place"));
 }
 
 TEST_F(Window, FollowsAFileAndStaysAtItsEnd)

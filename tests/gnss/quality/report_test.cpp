@@ -116,6 +116,22 @@ TEST(Report, SatellitesBelowTheMaskDoNotCount)
     }
 }
 
+/// Without epochs nothing is known, and nothing is praised.
+TEST(Report, EmptyLogsAreUnknown)
+{
+    const ToolRuns runs;
+    runs.write("empty.tqx", "");
+    const json report = reportsOf(runs, "empty.tqx")[0];
+    for (const json& verdict : report["verdicts"])
+        EXPECT_EQ(verdict["grade"], "unknown") << verdict;
+    EXPECT_TRUE(report["figures"]["interval"].is_null());
+    EXPECT_TRUE(report["first"].is_null());
+    EXPECT_EQ(runs.expectRun("report empty.tqx").find("conspicuous"), std::string::npos);
+    EXPECT_EQ(runs.run("report empty.tqx --require 'completeness > 0'"), 3);
+    runs.expectRun("simulate -o one.tqx --duration 1");
+    EXPECT_EQ(reportsOf(runs, "one.tqx")[0]["figures"]["epochs_expected"], 1);
+}
+
 struct Requirement {
     const char* text;
     int status;

@@ -140,9 +140,9 @@ private:
             parts += QString("[%1]").arg(element);
         const QString name = parts.join(", ");
         // A reader that continues where another one ended finds its series by name.
-        int series = m_known.indexOf(name);
+        auto series = static_cast<int>(m_known.indexOf(name));
         if (series < 0) {
-            series = m_known.size();
+            series = static_cast<int>(m_known.size());
             m_known += name;
             m_newNames += name;
         }

@@ -86,7 +86,7 @@ QRect BytesView::cellOf(uint32_t offset) const
 
 void BytesView::updateScrollBars()
 {
-    const int lines = (m_bytes.size() + perLine - 1) / perLine;
+    const int lines = (static_cast<int>(m_bytes.size()) + perLine - 1) / perLine;
     const int visible = viewport()->height() / lineHeight();
     verticalScrollBar()->setRange(0, std::max(0, lines - visible));
     verticalScrollBar()->setPageStep(std::max(1, visible));

@@ -1,6 +1,7 @@
 #include "view/Colours.h"
 
 #include <array>
+#include <cmath>
 
 namespace tqx::view
 {
@@ -16,9 +17,11 @@ constexpr std::array<QRgb, 8> onDark = {0xff6db6f5, 0xffffa25c, 0xff58d0a0, 0xff
 
 QColor mixed(const QColor& one, const QColor& other, double share)
 {
-    const auto mix = [share](double a, double b) { return a * (1 - share) + b * share; };
-    return QColor::fromRgbF(mix(one.redF(), other.redF()), mix(one.greenF(), other.greenF()),
-                            mix(one.blueF(), other.blueF()));
+    const auto mix = [share](int a, int b) {
+        return static_cast<int>(std::lround(a * (1 - share) + b * share));
+    };
+    return {mix(one.red(), other.red()), mix(one.green(), other.green()),
+            mix(one.blue(), other.blue())};
 }
 
 } // namespace

@@ -77,7 +77,9 @@ bool ExportPage::exportTo(const QString& path)
     const QColor background = palette().color(QPalette::Base);
     if (endsWith(path, ".csv")) {
         QTextStream out(&file);
-        out.setCodec("UTF-8");
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+        out.setCodec("UTF-8"); // the default of later versions
+#endif
         exported->writeTable(out);
     } else if (endsWith(path, ".svg")) {
         writeDrawing(file, *exported, background);

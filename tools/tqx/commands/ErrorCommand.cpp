@@ -36,6 +36,39 @@ std::string line(int64_t code, std::string_view name)
     return fmt::format("{} {}\n", code, name);
 }
 
+/// What the end of a code's name, or the whole of it, means.
+struct Meaning {
+    std::string_view end;
+    const char* words;
+};
+
+constexpr Meaning meanings[] = {
+    {"TQX_ERR_NONE", "success; the number counts bits"},
+    {"TQX_ERR_INVALID_CRC", "the checksum of a block does not match its bytes"},
+    {"TQX_ERR_BUFFER_OVERFLOW", "reserved; nothing returns it"},
+    {"TQX_ERR_INVALID_MESSAGE", "no type has this block number, or there are less than 7 bytes"},
+    {"TQX_ERR_EOF", "the input has ended"},
+    {"_EXT_BUFFER_OVERFLOW",
+     "the bytes end before this field; the block is cut short, or a count or length in it is too "
+     "large. In encoding, the buffer is too small"},
+    {"_INT_BUFFER_OVERFLOW", "the count is larger than the array of the record"},
+    {"_SIZE_UNDERFLOW", "a length in the block is smaller than the fields that it must hold"},
+    {"_INTERNAL", "decoding went back beyond its start; no bytes cause this"},
+    {"_CRC_CHECKSUM", "the encoder could not compute the checksum of what it wrote"},
+    {"_DISABLED", "the caller has switched off blocks of this type"},
+};
+
+/// As a line below that of the code.
+std::string meaningOf(std::string_view name)
+{
+    for (const Meaning& meaning : meanings) {
+        if (name.size() >= meaning.end.size() &&
+            name.substr(name.size() - meaning.end.size()) == meaning.end)
+            return fmt::format("    {}\n", meaning.words);
+    }
+    return {};
+}
+
 /// Where the codes are: "from -1 to -6073", and so on.
 std::string rangesOf(const Schema& schema)
 {
@@ -65,7 +98,8 @@ std::string nameOf(int64_t code, const Schema& schema)
 } // namespace
 
 ErrorCommand::ErrorCommand(CLI::App& program)
-    : Command(program, "error", "Show the name of a codec result, or the code of a name",
+    : Command(program, "error",
+              "Show the name and meaning of a codec result, or the code of a name",
               "  tqx error -1855\n"
               "  tqx error TQX_ERR_EOF\n"
               "  tqx error --all\n")
@@ -81,7 +115,8 @@ void ErrorCommand::explain(Buffer& out, const std::string& item) const
 {
     const Schema& schema = m_descriptions.getSchema();
     if (const std::optional<int64_t> number = numberOf(item)) {
-        out.append(line(*number, nameOf(*number, schema)));
+        const std::string name = nameOf(*number, schema);
+        out.append(line(*number, name) + meaningOf(name));
         return;
     }
     std::vector<std::string_view> names = {schema.getErrorName(0)};
@@ -95,7 +130,8 @@ void ErrorCommand::explain(Buffer& out, const std::string& item) const
     });
     if (!found)
         throw ToolError(unknownName("code", item, names));
-    out.append(line(*found, schema.getErrorName(*found)));
+    const std::string_view name = schema.getErrorName(*found);
+    out.append(line(*found, name) + meaningOf(name));
 }
 
 ExitStatus ErrorCommand::run()

@@ -42,9 +42,12 @@ void appendHead(Buffer& out, const LogReport& report)
     if (!names.empty())
         out.append(fmt::format("  {}\n", printable(names)));
     if (quality.first) {
-        out.append(fmt::format("  {} to {} GPS, an epoch every {:.6g} s\n",
-                               dateText(*quality.first), dateText(*quality.last),
-                               quality.interval));
+        const std::string interval =
+            std::isnan(quality.interval)
+                ? ""
+                : fmt::format(", an epoch every {:.6g} s", quality.interval);
+        out.append(fmt::format("  {} to {} GPS{}\n", dateText(*quality.first),
+                               dateText(*quality.last), interval));
     }
     if (const std::string elevations = elevationWords(quality); !elevations.empty())
         out.append(fmt::format("  {}\n", elevations));
@@ -64,7 +67,8 @@ void appendVerdicts(Buffer& out, const Quality& quality)
 void appendFindings(Buffer& out, const Quality& quality)
 {
     if (quality.findings.empty()) {
-        out.append("\nNothing conspicuous was found.\n");
+        if (quality.first && quality.damagedPlaces == 0)
+            out.append("\nNothing conspicuous was found.\n");
         return;
     }
     out.append("\nFindings:\n");

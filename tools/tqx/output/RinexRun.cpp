@@ -45,7 +45,7 @@ void RinexRun::end(InputStream&)
     m_files.endSurvey();
     for (const std::string& line : m_files.getLosses().describe())
         words::say(line);
-    for (const std::string& line : m_navigation.getLosses().describe())
+    for (const std::string& line : m_files.getNavigationLosses().describe())
         words::say(line);
 }
 

@@ -1,5 +1,6 @@
 #include "output/TrackOutput.h"
 
+#include "tqx/gnss/position/Attitude.h"
 #include "tqx/gnss/position/Dilution.h"
 
 #include <cmath>
@@ -9,19 +10,18 @@ namespace tqx::tool
 {
 
 TrackOutput::TrackOutput(Add add, const PositionSource* source, uint64_t limit, bool showsMissing)
-    : m_add(std::move(add)), m_source(source), m_limit(limit), m_showsMissing(showsMissing),
-      m_waits(showsMissing)
+    : m_add(std::move(add)), m_source(source), m_limit(limit), m_showsMissing(showsMissing)
 {
 }
 
-/// After an epoch without dilutions, the next one does not wait for them.
+/// After an epoch without its complement, the next one does not wait for it.
 void TrackOutput::handOn(const Position& position)
 {
     if (m_waiting) {
         addWaiting();
         m_waits = false;
     }
-    if (m_waits && std::isnan(position.hdop)) {
+    if (m_waits && std::isnan(m_showsMissing ? position.hdop : position.heading)) {
         m_waiting = position;
     } else {
         add(position);
@@ -34,14 +34,20 @@ void TrackOutput::addWaiting()
         add(*position);
 }
 
-/// They follow the position, or all positions held back.
-void TrackOutput::takeDilution(const void* record)
+bool TrackOutput::isComplement(uint16_t blockNumber) const
 {
+    return m_showsMissing ? hasDilution(blockNumber) : hasAttitude(blockNumber);
+}
+
+/// It follows the position, or all positions held back.
+void TrackOutput::takeComplement(const void* record)
+{
+    const auto complete = m_showsMissing ? addDilution : addAttitude;
     m_waits = true;
-    if (m_waiting && addDilution(record, *m_waiting))
+    if (m_waiting && complete(record, *m_waiting))
         addWaiting();
     for (auto position = m_kept.rbegin(); position != m_kept.rend(); ++position) {
-        if (!addDilution(record, *position))
+        if (!complete(record, *position))
             break;
     }
 }
@@ -79,9 +85,9 @@ void TrackOutput::decide()
 void TrackOutput::take(BlockStream& stream, const Block& block)
 {
     constexpr GnssMillis wait = 10000;
-    if (m_showsMissing && hasDilution(block.getNumber())) {
+    if (isComplement(block.getNumber())) {
         if (m_decoder.decode(block) > 0)
-            takeDilution(m_decoder.getRecord());
+            takeComplement(m_decoder.getRecord());
         return;
     }
     const PositionSource* const source = positionSource(block.getNumber());

@@ -19,8 +19,9 @@ public:
 
     /// Passes on the positions of `source`. When that is null, those of the first ten seconds are
     /// held back and decide which source is the best. `limit` is the largest number of positions to
-    /// pass on, 0 for all; `showsMissing` also passes on those that say that there is none, and
-    /// makes positions wait for the dilutions of precision of their epoch, if the log has any.
+    /// pass on, 0 for all; `showsMissing` also passes on those that say that there is none.
+    /// Positions wait for their complement from other blocks of the epoch, if the log has any: the
+    /// dilutions of precision with `showsMissing`, the attitude without.
     TrackOutput(Add add, const PositionSource* source, uint64_t limit, bool showsMissing);
 
     void take(BlockStream& stream, const Block& block) override;
@@ -42,7 +43,8 @@ private:
     void handOn(const Position& position);
     void add(const Position& position);
     void addWaiting();
-    void takeDilution(const void* record);
+    bool isComplement(uint16_t blockNumber) const;
+    void takeComplement(const void* record);
 
     Add m_add;
     const PositionSource* m_source;
@@ -51,8 +53,8 @@ private:
     RecordDecoder m_decoder;
     SourceChoice m_choice;
     std::vector<Position> m_kept;
-    std::optional<Position> m_waiting; ///< for its dilutions of precision
-    bool m_waits;                      ///< whether they are expected
+    std::optional<Position> m_waiting; ///< for its complement
+    bool m_waits = true;               ///< whether that is expected
     uint64_t m_count = 0;
     uint64_t m_missing = 0;
 };

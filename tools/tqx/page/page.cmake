@@ -2,7 +2,7 @@
 # package-lock.json, and bundled with the page into the program.
 option(TQX_REPORT_PAGE "Let tqx report write pages for browsers (needs npm)" ON)
 
-set(page_source "${CMAKE_CURRENT_SOURCE_DIR}/page")
+set(page_source "${CMAKE_CURRENT_LIST_DIR}")
 set(page_folder "${CMAKE_CURRENT_BINARY_DIR}/page")
 set(plot_library "${page_folder}/node_modules/uplot")
 if(TQX_REPORT_PAGE)

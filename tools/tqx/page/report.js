@@ -82,7 +82,7 @@
 
   const showFindings = (log) => {
     if (log.findings.length === 0) {
-      section("Findings", make("p", {id: "findings"}, "Nothing conspicuous was found."));
+      section("Findings", make("p", {id: "findings"}, log.first === null ? "There are no epochs." : "Nothing conspicuous was found."));
       return;
     }
     const seconds = (finding) => (finding.end.week - finding.start.week) * 604800 +
@@ -160,7 +160,7 @@
       width: holder.clientWidth - 24, height: 200, series, bands,
       tzDate: (x) => uPlot.tzDate(new Date(x * 1000), "Etc/UTC"),
       scales: {x: {min: range[0], max: range[1]}},
-      axes: [{...axis, values: timeLabels}, {...axis, size: 56}],
+      axes: [{...axis, values: timeLabels}, {...axis, size: 56, ...(/^(satellites|used)/.test(plot.key) ? {incrs: [1, 2, 5, 10, 20, 50]} : {})}],
       cursor: {sync: {key: "time", scales: ["x", null]}, drag: {x: true, y: false}},
       hooks: {
         drawClear: [markFindings(log, origin)],
@@ -299,7 +299,7 @@
     if (data.logs.length > 1) showComparison();
     const what = [log.marker, log.receiver, log.antenna].filter((text) => text).join(" \u00b7 ");
     main.append(make("h2", {}, log.name), make("div", {class: "faint"}, what),
-      make("div", {class: "faint"}, shortTime(log.first) + " to " + shortTime(log.last) + " GPS"),
+      make("div", {class: "faint"}, log.first === null ? "" : shortTime(log.first) + " to " + shortTime(log.last) + " GPS"),
       make("div", {class: "faint", id: "elevations"}, log.elevations));
     if (data.requirement !== null) {
       main.append(make("p", {id: "requirement", class: log.failures.length ? "poor" : "good"},

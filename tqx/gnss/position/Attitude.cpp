@@ -36,6 +36,8 @@ bool addAttitude(const void* block, Position& position)
     const auto& header = *static_cast<const TQX_MainHeader_s*>(block);
     if (gnssMillis(header.TOW, header.WNc) != position.time)
         return false;
+    if (std::isfinite(position.heading))
+        return true;
     if (header.BlockNumber == attEuler1)
         return fill(*static_cast<const TQX_AttEuler1_s*>(block), position);
     return header.BlockNumber == intAttEuler1 &&

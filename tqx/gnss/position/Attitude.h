@@ -12,7 +12,7 @@ namespace tqx
 TQX_GNSS_API bool hasAttitude(uint16_t blockNumber);
 
 /// Completes a position by the attitude in the record of such a block. False, and nothing done,
-/// when the block is of another time or has none.
+/// when the block is of another time or has none. An attitude that the position has already stays.
 TQX_GNSS_API bool addAttitude(const void* record, Position& position);
 
 } // namespace tqx

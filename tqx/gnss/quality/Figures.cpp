@@ -1,6 +1,7 @@
 #include "tqx/gnss/quality/Figures.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace tqx::quality
 {
@@ -17,7 +18,8 @@ double hoursOf(const AntennaQuality& quality)
 {
     if (!quality.first || !quality.last)
         return none;
-    return static_cast<double>(*quality.last - *quality.first) / 3.6e6 + quality.interval / 3600;
+    const double interval = std::isnan(quality.interval) ? 0 : quality.interval;
+    return static_cast<double>(*quality.last - *quality.first) / 3.6e6 + interval / 3600;
 }
 
 double count(uint64_t value)

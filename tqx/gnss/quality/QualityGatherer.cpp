@@ -197,7 +197,8 @@ void QualityGatherer::Work::reportEpochs(Quality& quality, const EpochFollower& 
 {
     quality.first = epochs.getFirst();
     quality.last = epochs.getLast();
-    quality.interval = static_cast<double>(epochs.getUsual()) * 1e-3;
+    if (epochs.getUsual() != 0)
+        quality.interval = static_cast<double>(epochs.getUsual()) * 1e-3;
     quality.epochsFound = epochs.getFound();
     quality.epochsExpected = epochs.getFound() + epochs.getMissing();
     quality.outages = epochs.getOutageCount();

@@ -195,6 +195,11 @@ const ObservationLosses& RinexFiles::getLosses() const
     return m_content->surveying.getLosses();
 }
 
+const NavigationLosses& RinexFiles::getNavigationLosses() const
+{
+    return m_content->navigation.getLosses();
+}
+
 bool RinexFiles::hasObservations() const
 {
     return !m_content->outputs.empty();

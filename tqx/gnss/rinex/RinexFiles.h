@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tqx/gnss/navigation/NavigationStore.h"
 #include "tqx/gnss/observation/EpochSelection.h"
 #include "tqx/gnss/observation/ObservationGatherer.h"
 #include "tqx/gnss/rinex/LogSurvey.h"
@@ -64,6 +65,8 @@ public:
 
     /// What of the measurements was not made into observations, after the first pass.
     const ObservationLosses& getLosses() const;
+    /// What of the navigation blocks has no place in files.
+    const NavigationLosses& getNavigationLosses() const;
 
     /// Whether there are observation files, for which the second pass is needed.
     bool hasObservations() const;

@@ -18,11 +18,11 @@ struct ArrowProducer {
     std::function<bool(ArrowArray& out)> next;
 };
 
-/// Exports a table to an Arrow reader. What `out` held is forgotten, not released. Its calls
-/// return 0, ENOMEM, the code of a std::system_error of the generic category, or EIO for anything
-/// else that was thrown; get_last_error gives the text. The table ends with an error. What the
-/// producer refers to must live until `out` is released. Throws std::bad_alloc, and leaves `out` as
-/// it was.
+/// Exports a table through the Arrow C stream interface. What `out` held is forgotten, not
+/// released. Its calls return 0, ENOMEM, the code of a std::system_error of the generic category,
+/// or EIO for anything else that was thrown; get_last_error gives the text. The table ends with an
+/// error. What the producer refers to must live until `out` is released. Throws std::bad_alloc, and
+/// leaves `out` as it was.
 TQX_LOG_API void exportStream(ArrowProducer producer, ArrowArrayStream& out);
 
 } // namespace tqx
