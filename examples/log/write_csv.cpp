@@ -1,6 +1,7 @@
-// write_csv LOG
+// write_csv LOG [FILE]
 //
-// Prints the positions of a log as a table, with the units of the columns.
+// Prints the positions of a log as a table, with the units of the columns, or writes them to a
+// file, which appears once it is complete.
 
 #include "tqx/log/DataError.h"
 #include "tqx/log/record/RecordDecoder.h"
@@ -8,14 +9,16 @@
 #include "tqx/log/source/OpenSource.h"
 #include "tqx/log/stream/BlockStream.h"
 #include "tqx/log/write/CsvTable.h"
+#include "tqx/log/write/ProductFile.h"
 
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 
 int main(int argc, char** argv)
 {
-    if (argc != 2)
+    if (argc != 2 && argc != 3)
         return 1;
     try {
         const auto& type = *tqx::findType("PVTGeodetic2");
@@ -24,10 +27,22 @@ int main(int argc, char** argv)
         style.values.hasSymbols = true; // "m/s", not "meterpersecond"
         tqx::CsvTable table(type, shown, style);
 
+        std::optional<tqx::ProductFile> file;
+        if (argc == 3)
+            file.emplace(argv[2]);
+        const auto write = [&file](const std::string& line) {
+            if (file) {
+                file->getBuffer().append(line + '\n');
+                file->commit();
+            } else {
+                std::printf("%s\n", line.c_str());
+            }
+        };
+
         std::string header = "Offset";
         for (const std::string& column : table.getColumns())
             header += "," + column;
-        std::printf("%s\n", header.c_str());
+        write(header);
 
         const std::unique_ptr<tqx::ByteSource> source = tqx::openSource(argv[1]);
         tqx::BlockStream stream(*source);
@@ -38,9 +53,10 @@ int main(int argc, char** argv)
                 continue;
             tqx::Buffer cells;
             table.appendCells(cells, decoder.getDecoded().record);
-            std::printf("%llu%s\n", static_cast<unsigned long long>(block.offset),
-                        std::string(cells.view()).c_str());
+            write(std::to_string(block.offset) + std::string(cells.view()));
         }
+        if (file)
+            file->finish();
     } catch (const tqx::DataError& error) {
         std::fprintf(stderr, "%s\n", error.what());
         return 1;
