@@ -57,7 +57,8 @@ class Product(ArrowTable):
 
     def _open_for_frame(self) -> Any:
         if self._title == "observations":
-            return _tqx.observations(self._log.files, *self._arguments, nan_is_missing=True)
+            read: Any = _tqx.observations
+            return read(self._log.files, *self._arguments, nan_is_missing=True)
         return self._open()
 
     def __repr__(self) -> str:

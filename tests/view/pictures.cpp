@@ -95,6 +95,7 @@ int main(int argc, char** argv)
         window.getPlots().add("TQX:PVTGeodetic2:Height", "");
         window.getPlots().add("TQX:PVTGeodetic2:NrSV", "");
         window.getTabs().setCurrentWidget(&window.getPlots());
+        settle(2500);
         take("plots");
         window.getTabs().setCurrentWidget(&window.getTimeline());
         settle(1500);

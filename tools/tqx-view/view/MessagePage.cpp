@@ -76,8 +76,8 @@ MessagePage::MessagePage(QWidget* parent)
     const QFontMetrics metrics = fontMetrics();
     const int types = metrics.horizontalAdvance("PVTGeodetic2Extra 10,000,000");
     const int list = metrics.horizontalAdvance(
-        "2026-01-06 12:00:00.000 PVTGeodetic2Extra 65,535 10,000,000,000");
-    m_columns->setSizes({types, list, types + list});
+        "2026-01-06 12:00:00.000 PVTGeodetic2Extra 65,535 10,000,000,000 and the space between");
+    m_columns->setSizes({types, list, list});
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(6, 6, 6, 6);
     layout->addWidget(m_filterBar);

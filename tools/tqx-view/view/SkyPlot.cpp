@@ -91,9 +91,10 @@ void SkyPlot::paintWays(QPainter& painter, const Horizon& horizon, size_t curren
     const size_t step = current / mostSteps + 1;
     for (size_t i = 0; i <= current; i += step) {
         for (const Direction& direction : (*m_epochs)[i].directions) {
-            if (direction.elevation >= 0)
+            if (direction.elevation >= 0) {
                 ways[direction.satellite].append(
                     placeOf(direction, horizon.centre, horizon.radius));
+            }
         }
     }
     for (const auto& [satellite, way] : ways) {

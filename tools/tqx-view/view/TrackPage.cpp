@@ -81,9 +81,8 @@ TrackPage::TrackPage(const GnssSurvey& survey, QWidget* parent)
     m_figures->setTextInteractionFlags(Qt::TextSelectableByMouse);
     auto* bar = new QHBoxLayout;
     bar->addWidget(label);
-    bar->addWidget(m_centre, 2);
-    bar->addSpacing(12);
-    bar->addWidget(m_figures, 5);
+    bar->addWidget(m_centre, 1);
+    bar->addStretch(1);
     bar->addWidget(makeExportButton());
     m_figures->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     prepare(*m_plan, tr("East [m]"), tr("North [m]"));
@@ -98,6 +97,7 @@ TrackPage::TrackPage(const GnssSurvey& survey, QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(6, 6, 6, 6);
     layout->addLayout(bar);
+    layout->addWidget(m_figures);
     layout->addWidget(m_plots, 1);
     layout->addStretch(0);
     connect(m_centre, &QLineEdit::editingFinished, this, &TrackPage::showData);

@@ -75,10 +75,11 @@ std::string rangesOf(const Schema& schema)
     std::string ranges;
     int32_t last = 0;
     schema.forEachError([&](int32_t code, const char*) {
-        if (ranges.empty())
+        if (ranges.empty()) {
             ranges = fmt::format("from {}", code);
-        else if (code != last - 1)
+        } else if (code != last - 1) {
             ranges += fmt::format(" to {} and from {}", last, code);
+        }
         last = code;
     });
     return fmt::format("{} to {}", ranges, last);

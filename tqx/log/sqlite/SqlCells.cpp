@@ -216,10 +216,11 @@ void SqlCells::setArray(SqlInsert& row, Step& step, const void* record)
     for (uint32_t i = 0; i < count; ++i, element += member.size) {
         if (i != 0)
             m_text.append(',');
-        if (isWhole)
+        if (isWhole) {
             number::appendUnsigned(m_text, loadWord(element, member.size));
-        else
+        } else {
             step.element->append(m_text, loadWord(element, member.size));
+        }
     }
     m_text.append(']');
     step.text = m_text.view();

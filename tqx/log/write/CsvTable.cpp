@@ -156,10 +156,11 @@ void CsvTable::appendOther(Buffer& out, Step& step, const void* record) const
     for (uint32_t i = 0; i < count; ++i, element += stride) {
         if (i != 0)
             out.append(';');
-        if (isWhole)
+        if (isWhole) {
             number::appendUnsigned(out, loadWord(element, stride));
-        else
+        } else {
             step.values.front().append(out, loadWord(element, stride));
+        }
     }
     if (m_style.isSafe && step.member.getField().type == TQX_MemberType::Char)
         csv::guardFrom(out, start);

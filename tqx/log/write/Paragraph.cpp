@@ -136,10 +136,11 @@ void writeArray(Buffer& out, const ParagraphPlan::Line& line, const MemberReader
     for (uint32_t i = 0; i < count; ++i, element += size) {
         if (i != 0)
             out.append(' ');
-        if (isWhole)
+        if (isWhole) {
             number::appendUnsigned(out, loadWord(element, size));
-        else if (line.text.append(out, loadWord(element, size)))
+        } else if (line.text.append(out, loadWord(element, size))) {
             showsNumber = true;
+        }
     }
     if (showsNumber)
         out.append(line.text.getUnit());
