@@ -144,6 +144,8 @@ TEST(Report, RequirementDecidesTheExitStatus)
     for (const Requirement& each : {
              Requirement{"completeness >= 0.8", 0},
              {"completeness >= 0.95", 3},
+             {"completeness >= 80 %", 0},
+             {"completeness >= 95%", 3},
              {"completeness >= 0.8 and slips_per_hour < 5", 0},
              {"completeness >= 0.95 and slips_per_hour < 5", 3},
              {"completeness >= 0.95 or slips_per_hour < 5", 0},

@@ -113,7 +113,11 @@ TEST_P(CivilNavigationTest, IsARecordOfVersion4)
     const ToolRuns tool;
     tool.write("lines", json({{"block", c.block}, {"fields", fields}}).dump() + "\n");
     tool.expectRun("encode lines -o log.tqx");
+    tool.run("rinex -q log.tqx -o older --rinex 3.05");
+    EXPECT_NE(tool.read("err").find("1 ephemeris of civil messages left out"), std::string::npos);
+    EXPECT_EQ(tool.list("older"), std::vector<std::string>());
     tool.expectRun("rinex -q log.tqx -o files --rinex 4.02");
+    EXPECT_EQ(tool.read("err").find("civil"), std::string::npos);
     const std::string text = tool.readOnly("files", "_MN.rnx");
     EXPECT_EQ(rinex::faultsOfNavigation(text), std::vector<std::string>());
     const rinex::NavigationFile file = rinex::readNavigation(text);

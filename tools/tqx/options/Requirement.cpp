@@ -100,9 +100,12 @@ Requirement::Comparison Requirement::parse(std::string_view words)
                                     shortened(comparison.sign)));
     }
     try {
-        const std::string limit(number == std::string_view::npos ? ""
-                                                                 : trimmed(words.substr(number)));
-        comparison.limit = numbers::real(limit, -1e15, 1e15);
+        std::string_view limit =
+            number == std::string_view::npos ? "" : trimmed(words.substr(number));
+        const bool isPercent = !limit.empty() && limit.back() == '%';
+        if (isPercent)
+            limit = trimmed(limit.substr(0, limit.size() - 1));
+        comparison.limit = numbers::real(limit, -1e15, 1e15) / (isPercent ? 100 : 1);
     } catch (const DataError& error) {
         throw ToolError(fmt::format("report: --require: number after {}: {}", name, error.what()));
     }

@@ -4,6 +4,8 @@
 #include "io/Interrupt.h"
 #include "io/Words.h"
 
+#include <fmt/format.h>
+
 namespace tqx::tool
 {
 
@@ -47,6 +49,11 @@ void RinexRun::end(InputStream&)
         words::say(line);
     for (const std::string& line : m_files.getNavigationLosses().describe())
         words::say(line);
+    if (const size_t count = m_files.countWithoutRecord(); count != 0) {
+        words::say(fmt::format("{} {} of civil messages left out, which version 4.02 has records "
+                               "for (--rinex 4.02)",
+                               count, count == 1 ? "ephemeris" : "ephemerides"));
+    }
 }
 
 void RinexRun::writeObservations(ByteSource& source)

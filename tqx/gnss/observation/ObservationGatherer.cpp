@@ -91,6 +91,10 @@ std::vector<std::string> ObservationLosses::describe() const
             fmt::format("{} observation{} of GLONASS satellites with unknown slot left out",
                         withoutSlot, withoutSlot == 1 ? "" : "s"));
     }
+    if (withoutSatellite != 0) {
+        lines.push_back(fmt::format("{} observation{} of unknown satellites left out",
+                                    withoutSatellite, withoutSatellite == 1 ? "" : "s"));
+    }
     if (incomplete != 0) {
         lines.push_back(fmt::format("{} compact measurement{} without a reference left out",
                                     incomplete, incomplete == 1 ? "" : "s"));
@@ -143,8 +147,7 @@ Observation* ObservationGatherer::add(uint8_t svid, uint8_t signal, uint8_t ante
 {
     const auto satellite = satelliteOf(svid);
     if (!satellite) {
-        if (svid == unknownSlot)
-            ++m_losses.withoutSlot;
+        ++(svid == unknownSlot ? m_losses.withoutSlot : m_losses.withoutSatellite);
         return nullptr;
     }
     const auto code = signalCode(satellite->system, signal, m_isE6B);

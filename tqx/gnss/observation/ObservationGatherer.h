@@ -22,10 +22,11 @@ class CompactReader;
 
 /// Measurements of a log that did not become observations.
 struct TQX_GNSS_API ObservationLosses {
-    uint64_t withoutTime = 0; ///< blocks whose header has no time
-    uint64_t outOfOrder = 0;  ///< epochs at or before the time of the epoch before
-    uint64_t withoutSlot = 0; ///< observations of GLONASS satellites whose slot is not known
-    uint64_t incomplete = 0;  ///< compact measurements without anything that completes them
+    uint64_t withoutTime = 0;      ///< blocks whose header has no time
+    uint64_t outOfOrder = 0;       ///< epochs at or before the time of the epoch before
+    uint64_t withoutSlot = 0;      ///< observations of GLONASS satellites whose slot is not known
+    uint64_t withoutSatellite = 0; ///< observations of satellites whose number is not known
+    uint64_t incomplete = 0;       ///< compact measurements without anything that completes them
     std::set<std::pair<char, uint8_t>> signals; ///< system and number of signals without a code
 
     /// One line for each of them that occurred.

@@ -200,6 +200,17 @@ const NavigationLosses& RinexFiles::getNavigationLosses() const
     return m_content->navigation.getLosses();
 }
 
+size_t RinexFiles::countWithoutRecord() const
+{
+    const RinexRequest& request = m_content->request;
+    const auto& all = m_content->navigation.getEphemerides();
+    return static_cast<size_t>(
+        std::count_if(all.begin(), all.end(), [&request](const Ephemeris& ephemeris) {
+            return request.selection.accepts(ephemeris.satellite) &&
+                   !tqx::isWritten(ephemeris, request.options.version);
+        }));
+}
+
 bool RinexFiles::hasObservations() const
 {
     return !m_content->outputs.empty();

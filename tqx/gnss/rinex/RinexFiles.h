@@ -67,6 +67,9 @@ public:
     const ObservationLosses& getLosses() const;
     /// What of the navigation blocks has no place in files.
     const NavigationLosses& getNavigationLosses() const;
+    /// How many ephemerides of selected satellites have no record in the wanted version: those of
+    /// civil messages in 3.05.
+    size_t countWithoutRecord() const;
 
     /// Whether there are observation files, for which the second pass is needed.
     bool hasObservations() const;
