@@ -137,6 +137,7 @@ void LogFile::load(const IndexProgress& progress)
         return;
     IndexedLogOptions options;
     options.onWarning = [this](const std::string& warning) { m_warnings.push_back(warning); };
+    options.schema = m_schema;
     if (m_isFile)
         m_saved = IndexedLog::openSaved(m_name, options);
     if (m_saved) {
@@ -147,6 +148,8 @@ void LogFile::load(const IndexProgress& progress)
     } else {
         make(progress);
     }
+    if (m_made)
+        m_made->follow(m_schema, *m_content);
 }
 
 // Step by step, so that it can be interrupted.
@@ -196,8 +199,8 @@ bool LogFile::save()
 {
     if (!m_isFile)
         return false;
-    if (isCompressed()) {
-        // The content has the access points by now.
+    // A saved index knows no added types, and that of a compressed log has access points.
+    if (isCompressed() || m_schema.hasAddedTypes()) {
         IndexedLogOptions options;
         options.save = true;
         const IndexedLog log(m_name, options);

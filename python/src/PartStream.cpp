@@ -48,7 +48,7 @@ bool PartStream::next(Block& block)
     }
     if (!m_stream->next(block))
         return false;
-    m_week.follow(block);
+    m_week.follow(block, m_schema);
     block.offset += m_begin;
     return true;
 }

@@ -138,6 +138,33 @@ def test_added_types(weather: Path, tmp_path: Path) -> None:
     assert sum(each.num_rows for each in tables) == 4
 
 
+def test_added_types_move_the_week(weather: Path, tmp_path: Path) -> None:
+    def line(block: str, week: int, tow: int) -> dict[str, object]:
+        return {"block": block, "fields": {"TOW": tow, "WNc": week}}
+
+    def elapsed(log: tqx.Log) -> int:
+        table = log["PVTGeodetic2"].select("TOWc").with_options(scaled=False).to_arrow()
+        begin, end = table["TOWc"].to_pylist()
+        return int(end - begin)
+
+    # Only the blocks between show that a week has ended.
+    lines = [
+        line("PVTGeodetic2", 2400, 600_000_000),
+        line("WeatherReport", 2400, 604_799_000),
+        line("WeatherReport", 2401, 1000),
+        line("PVTGeodetic2", 2401, 601_000_000),
+    ]
+    content = tqx.encode(lines, description=weather)
+    path = tmp_path / "log.tqx"
+    path.write_bytes(content)
+    week = 604_800_000
+    assert elapsed(tqx.open(content, description=weather)) == week + 1_000_000
+    for _ in range(2):
+        log = tqx.open(path, description=weather, save_index=True)
+        assert elapsed(log) == week + 1_000_000
+    assert elapsed(tqx.open(path)) == 1_000_000
+
+
 def test_wrong_description(tmp_path: Path) -> None:
     path = tmp_path / "wrong.yaml"
     path.write_text("- block: Wrong\n  number: 7001\n  fields:\n    - {name: A, type: u7x}\n")

@@ -109,9 +109,10 @@ TEST(Sources, DamageIsReportedAfterAllBytesBeforeIt)
         {"gzip checksum", flipped(gzip, gzip.size() - 8), 500000, "the gzip stream is damaged"},
         {"gzip middle", flipped(gzip, gzip.size() / 2), 200000, "the gzip stream is damaged"},
         {"after gzip", gzip + text("x"), 500000,
-         std::to_string(gzip.size()) + ": bytes that are no gzip stream follow its end"},
+         std::to_string(gzip.size()) + ": its end is followed by bytes that are not a gzip stream"},
         {"after padding", gzip + Bytes{0, 1}, 500000,
-         std::to_string(gzip.size() + 1) + ": bytes that are no gzip stream follow its end"},
+         std::to_string(gzip.size() + 1) +
+             ": its end is followed by bytes that are not a gzip stream"},
         // zstd gives whole blocks of 128 kB.
         {"zstd cut", cut(zstd, zstd.size() * 3 / 4), 262144,
          std::to_string(zstd.size() * 3 / 4) + ": the zstd stream ends too early"},

@@ -172,11 +172,13 @@ TEST(Losses, AreSaidOnceAndBreakNoRule)
         fields["Type1"][1]["SVID"] = 62; // a slot that is not known
         fields["Type1"][2]["CodeLSB"] = 0;
         fields["Type1"][2]["Misc"] = 0;
+        fields["Type1"][3]["SVID"] = 255; // no satellite
     });
     tool.expectRun("rinex log.tqx -o files");
     const std::string words = tool.read("err");
-    for (const char* word : {"1 measurement block without a time", "1 epoch not later",
-                             "slot is not known", "signal 16 of system G"}) {
+    for (const char* word :
+         {"1 measurement block without a time", "1 epoch not later", "satellites with unknown slot",
+          "of unknown satellites", "signal 16 of system G"}) {
         const size_t first = words.find(word);
         EXPECT_NE(first, std::string::npos) << word << "\n" << words;
         EXPECT_EQ(words.find(word, first + 1), std::string::npos) << word;
