@@ -91,8 +91,16 @@ size_t notAvailable = 0; ///< derived values that lack an input
 
 QString scaledText(const FieldInfo& info, const Chain& chain)
 {
+    const Message& message = *chain.back();
+    // Metadata knows single elements only; those of an array that is one value are shown together.
+    if (static_cast<const TQX_FieldInfo&>(info).facts().has(TQX_FieldFacts::Whole)) {
+        for (unsigned i = 0; i < info.getNumberOfValues(&message); ++i) {
+            if (!info.isDoNotUse(info.getValue(&message, i)))
+                return storedText(info, message);
+        }
+    }
     if (hasInputs(info, chain))
-        return info.getValueString(chain.back());
+        return info.getValueString(&message);
     ++notAvailable;
     return Message::doNotUseString;
 }
