@@ -50,8 +50,8 @@ void RinexRun::end(InputStream&)
     for (const std::string& line : m_files.getNavigationLosses().describe())
         words::say(line);
     if (const size_t count = m_files.countWithoutRecord(); count != 0) {
-        words::say(fmt::format("{} {} of civil messages left out, which version 4.02 has records "
-                               "for (--rinex 4.02)",
+        words::say(fmt::format("{} {} of civil messages left out: only version 4.02 has records "
+                               "for them (--rinex 4.02)",
                                count, count == 1 ? "ephemeris" : "ephemerides"));
     }
 }
