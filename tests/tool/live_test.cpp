@@ -120,7 +120,7 @@ protected:
     bool comesOut(const QStringList& arguments, int milliseconds)
     {
         start(QStringList{"dump", "-q", "--format", "jsonl", "--description",
-                          TQX_TESTS_DIR "/schema/station.yaml", "-"} +
+                          QString(TQX_TESTS_DIR "/schema/station.yaml"), "-"} +
               arguments);
         send(falseHeader(GetParam().number, GetParam().length) +
              runTool({"simulate", "--duration", "1"}).output);

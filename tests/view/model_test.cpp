@@ -243,8 +243,10 @@ TEST(PlotSeries, TimesThatGoBackCostLittleAndAreSortedIn)
         series.visible(0, 1000.0 * count, 100, breaks);
     }
     ASSERT_EQ(series.size(), size_t{copies} * count);
-    for (size_t i = 0; i < series.size(); ++i)
-        ASSERT_EQ(series[i].time, static_cast<double>(i / copies) * 1000) << i;
+    for (size_t i = 0; i < series.size(); ++i) {
+        const size_t second = i / copies;
+        ASSERT_EQ(series[i].time, static_cast<double>(second) * 1000) << i;
+    }
     EXPECT_LT(series.getMoved(), uint64_t{copies} * copies * count);
 }
 

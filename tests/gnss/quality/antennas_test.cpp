@@ -74,7 +74,8 @@ TEST_P(AntennaFaults, AreOfTheirAntenna)
     EXPECT_EQ(finding["kind"], fault.kind);
     EXPECT_EQ(finding["antenna"], 1);
     EXPECT_EQ(finding["subject"], fault.subject);
-    EXPECT_NEAR(finding["start"]["tow"].get<double>(), start / 1000 + fault.from, 5);
+    const auto firstSecond = start / 1000;
+    EXPECT_NEAR(finding["start"]["tow"].get<double>(), firstSecond + fault.from, 5);
     EXPECT_EQ(after["other_antennas"][0]["finding_counts"][fault.kind], 1);
     EXPECT_EQ(after["finding_counts"][fault.kind], 0);
     unsigned worse = 0;

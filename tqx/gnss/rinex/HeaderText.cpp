@@ -39,10 +39,11 @@ std::string plain(std::string_view text)
     for (const char character : text) {
         const bool isAscii = character >= ' ' && character <= '~';
         const bool isRestOfLetter = (static_cast<unsigned char>(character) & 0xC0U) == 0x80U;
-        if (isAscii)
+        if (isAscii) {
             cells += character;
-        else if (!wasReplaced || !isRestOfLetter)
+        } else if (!wasReplaced || !isRestOfLetter) {
             cells += '_';
+        }
         wasReplaced = !isAscii;
     }
     const size_t last = cells.find_last_not_of(' ');

@@ -212,10 +212,11 @@ std::string Table::propertiesOf(int index) const
     } else if (!unit.empty()) {
         properties.emplace_back(unit);
     }
-    if (field.has(TQX_FieldFacts::HasDoNotUse))
+    if (field.has(TQX_FieldFacts::HasDoNotUse)) {
         properties.push_back(fmt::format("not available: {}{}",
                                          field.has(TQX_FieldFacts::Whole) ? "all " : "",
                                          doNotUseText(layout, field)));
+    }
     if (field.inputCount != 0)
         properties.push_back(neededOf(field));
     if (const std::vector<std::string> names = symbolsOf(field); !names.empty() && isShort(names))

@@ -209,9 +209,10 @@ std::string valueText(const Format& format, const RecordType& type, const Field&
                                : field.bitMask ? "a bit mask"
                                                : rangeText(field);
     std::string missing;
-    if (field.doNotUse)
+    if (field.doNotUse) {
         missing = fmt::format("{}{}{}when not available", field.isWhole ? "all " : "",
                               numberText(*field.doNotUse), firmBlank);
+    }
     const std::string unit = unitText(field);
     const std::string together =
         values.empty() || missing.empty() ? values + missing : values + ", " + missing;
