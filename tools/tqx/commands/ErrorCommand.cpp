@@ -53,7 +53,7 @@ constexpr Meaning meanings[] = {
      "large. In encoding, the buffer is too small"},
     {"_INT_BUFFER_OVERFLOW", "the count is larger than the array of the record"},
     {"_SIZE_UNDERFLOW", "a length in the block is smaller than the fields that it must hold"},
-    {"_INTERNAL", "decoding went back beyond its start; no bytes cause this"},
+    {"_INTERNAL", "decoding or encoding ended before where it began"},
     {"_CRC_CHECKSUM", "the encoder could not compute the checksum of what it wrote"},
     {"_DISABLED", "the caller has switched off blocks of this type"},
 };
